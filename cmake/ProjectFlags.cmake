@@ -1,0 +1,56 @@
+# The one interface target that every target of this project takes its language level and flags from, and the two
+# functions with which the folders declare what they build.
+
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+set(CMAKE_CXX_VISIBILITY_PRESET hidden)
+set(CMAKE_VISIBILITY_INLINES_HIDDEN ON)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
+
+add_library(project_flags INTERFACE)
+target_compile_features(project_flags INTERFACE cxx_std_20)
+target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}/src")
+# -ffp-contract=off: the conversions of cameras and nulls are evaluated as written, operation by operation; a fused
+# multiply-add would change the last bit of what reaches the host.
+target_compile_options(project_flags INTERFACE
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -Werror -ffp-contract=off)
+
+if(VXR_SANITIZE)
+    target_compile_options(project_flags INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(VXR_COVERAGE)
+    target_compile_options(project_flags INTERFACE --coverage -fprofile-update=atomic -O0)
+    target_link_options(project_flags INTERFACE --coverage)
+endif()
+if(VXR_TIDY)
+    find_program(VXR_CLANG_TIDY clang-tidy REQUIRED)
+    set(CMAKE_CXX_CLANG_TIDY "${VXR_CLANG_TIDY};--quiet")
+endif()
+
+find_program(VXR_CCACHE ccache)
+if(VXR_CCACHE AND NOT VXR_TIDY)
+    set(CMAKE_CXX_COMPILER_LAUNCHER "${VXR_CCACHE}")
+endif()
+
+# vxr_library(NAME SOURCES ... [LINKS ...]): one static library for one folder.
+function(vxr_library name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC project_flags ${arg_LINKS})
+endfunction()
+
+# vxr_test(NAME SOURCES ... [LINKS ...]): one GoogleTest program, run by ctest under its own name.
+function(vxr_test name)
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE project_flags ${arg_LINKS} GTest::gmock GTest::gtest_main)
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_compile_definitions(${name} PRIVATE
+        VXR_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
+        VXR_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
+    add_test(NAME ${name} COMMAND ${name})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+endfunction()
