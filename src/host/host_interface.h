@@ -1,0 +1,840 @@
+#pragma once
+
+// The host's binary interface, as far as this system uses it: After Effects, 64-bit records, the suite
+// versions that the classic generation of hosts offers (narrow paths, interface 9.x to 12.x).
+//
+// Declared here in our own words and held byte for byte by the static_asserts beside each record and table:
+// the host was compiled elsewhere, so a member in the wrong place is not an error message but a crash in
+// somebody's project. Slots that this system never calls are reserved pointers, so that every table has its
+// full length.
+//
+// All functions are plain C functions with the platform's default calling convention. Every one of them
+// returns an `A_Err`, 0 for success, unless its declaration says otherwise.
+
+#include <cstddef>
+#include <cstdint>
+
+static_assert(sizeof(void*) == 8, "the layouts below are those of 64-bit hosts");
+
+// ---------------------------------------------------------------------------------------------------------------
+// Scalars. Fixed widths on every platform: the host's records never hold a C `long`.
+
+using A_long = std::int32_t;
+using A_u_long = std::uint32_t;
+using A_short = std::int16_t;
+using A_Boolean = std::uint8_t;
+using A_u_char = std::uint8_t;
+using A_char = char;
+using A_FpLong = double;
+using A_Err = std::int32_t;
+using A_Fixed = std::int32_t;  ///< 16.16 fixed point
+
+using AEGP_PluginID = std::int32_t;
+using AEGP_LayerStream = std::int32_t;
+using AEGP_LightType = std::int32_t;
+using AEGP_LayerFlags = std::int32_t;
+using AEGP_MemFlag = std::int32_t;
+using AEGP_MemSize = std::uint32_t;
+using AEGP_TrackMatte = std::int32_t;
+using AEGP_TransferFlags = std::int32_t;
+using AEGP_AlphaFlags = std::uint32_t;
+using AEGP_LTimeMode = std::int16_t;
+using AEGP_InterpretationStyle = std::uint8_t;
+using PF_TransferMode = std::int32_t;
+using FIEL_Type = std::uint32_t;
+using FIEL_Order = std::uint32_t;
+using AEIO_AlphaFlags = std::uint32_t;
+using AEIO_AlphaType = std::uint8_t;
+using AEIO_DrawingFlags = std::int32_t;
+using AE_FIM_ImportFlavorRef = std::int32_t;
+using AE_FIM_ImportFlags = std::int32_t;
+using AE_FIM_SpecialAction = std::int32_t;
+
+// ---------------------------------------------------------------------------------------------------------------
+// Handles and refcons. Opaque to this system; distinct pointer types so that the compiler keeps them apart.
+
+using AEGP_ProjectH = struct AEGP_Project*;
+using AEGP_ItemH = struct AEGP_Item*;
+using AEGP_CompH = struct AEGP_Comp*;
+using AEGP_FootageH = struct AEGP_Footage*;
+using AEGP_LayerH = struct AEGP_Layer*;
+using AEGP_StreamRefH = struct AEGP_StreamRef*;
+using AEGP_AddKeyframesInfoH = struct AEGP_AddKeyframesInfo*;
+using AEGP_MemHandle = struct AEGP_Mem*;
+using AEGP_PersistentBlobH = struct AEGP_PersistentBlob*;
+using AEIO_InSpecH = struct AEIO_SeqSpec**;
+using AEIO_OutSpecH = struct AEIO_OutSpec**;
+using AEIO_Handle = AEGP_MemHandle;  ///< a memory handle, as the input-module block names it
+
+struct AEGP_FootageLayerKey;  ///< chooses a layer of a layered file; this system always passes null
+
+using AEGP_GlobalRefcon = void*;
+using AEGP_DeathRefcon = void*;
+using AEGP_IORefcon = void*;
+using AE_FIM_Refcon = void*;
+using AE_FIM_ImportOptions = void*;
+
+// ---------------------------------------------------------------------------------------------------------------
+// Values
+
+inline constexpr A_Err kHostErrorNone = 0;
+inline constexpr A_Err kHostErrorGeneric = 1;
+inline constexpr A_Err kHostErrorStructure = 2;
+inline constexpr A_Err kHostErrorParameter = 3;
+inline constexpr A_Err kHostErrorAllocation = 4;
+inline constexpr A_Err kHostErrorMissingSuite = 13;
+/// What an input-module callback returns to have the host do its default handling.
+inline constexpr A_Err kHostUseDefaultCallback = 9992;
+
+inline constexpr AEGP_LayerStream kLayerStreamAnchorPoint = 0;  ///< a camera's or light's point of interest
+inline constexpr AEGP_LayerStream kLayerStreamPosition = 1;
+inline constexpr AEGP_LayerStream kLayerStreamScale = 2;
+inline constexpr AEGP_LayerStream kLayerStreamZRotation = 3;
+inline constexpr AEGP_LayerStream kLayerStreamOpacity = 4;
+inline constexpr AEGP_LayerStream kLayerStreamXRotation = 8;
+inline constexpr AEGP_LayerStream kLayerStreamYRotation = 9;
+inline constexpr AEGP_LayerStream kLayerStreamOrientation = 10;
+inline constexpr AEGP_LayerStream kLayerStreamZoom = 11;
+inline constexpr AEGP_LayerStream kLayerStreamIntensity = 16;
+inline constexpr AEGP_LayerStream kLayerStreamColor = 17;
+inline constexpr AEGP_LayerStream kLayerStreamConeAngle = 18;
+inline constexpr AEGP_LayerStream kLayerStreamCastsShadows = 28;
+
+inline constexpr AEGP_LTimeMode kTimeModeLayer = 0;
+inline constexpr AEGP_LTimeMode kTimeModeComp = 1;
+
+inline constexpr AEGP_LightType kLightTypeParallel = 0;
+inline constexpr AEGP_LightType kLightTypeSpot = 1;
+inline constexpr AEGP_LightType kLightTypePoint = 2;
+inline constexpr AEGP_LightType kLightTypeAmbient = 3;
+
+inline constexpr PF_TransferMode kTransferModeNormal = 2;  ///< in front
+inline constexpr PF_TransferMode kTransferModeAdd = 4;
+inline constexpr PF_TransferMode kTransferModeMultiply = 5;
+
+inline constexpr AEGP_LayerFlags kLayerFlag3D = 0x800;
+inline constexpr AEGP_MemFlag kMemFlagClear = 1;
+
+inline constexpr AEGP_AlphaFlags kAlphaFlagPremultiplied = 1;
+inline constexpr AEGP_AlphaFlags kAlphaFlagInverted = 2;
+inline constexpr AEGP_AlphaFlags kAlphaFlagIgnore = 4;
+
+inline constexpr FIEL_Type kFieldTypeWholeFrames = 0;
+inline constexpr FIEL_Type kFieldTypeInterlaced = 1;
+inline constexpr FIEL_Order kFieldOrderUpperFirst = 0;
+inline constexpr FIEL_Order kFieldOrderLowerFirst = 1;
+
+/// The host guesses how footage is to be interpreted and asks nobody.
+inline constexpr AEGP_InterpretationStyle kInterpretationGuessWithoutDialog = 0;
+
+inline constexpr AE_FIM_ImportFlags kImportFlagComposition = 2;
+inline constexpr AE_FIM_SpecialAction kSpecialActionNone = -1;
+inline constexpr AE_FIM_ImportFlavorRef kInvalidImportFlavor = INT32_MIN;  ///< 0x80000000
+
+inline constexpr A_long kModuleFlagInput = 1 << 0;
+inline constexpr A_long kModuleFlagOutput = 1 << 1;
+inline constexpr A_long kModuleFlagFile = 1 << 2;
+inline constexpr A_long kModuleFlagStill = 1 << 3;
+inline constexpr A_long kModuleFlagNoTime = 1 << 6;
+inline constexpr A_long kModuleFlagNoOptions = 1 << 16;
+inline constexpr A_long kModuleFlagNoUserInterface = 1 << 25;
+
+inline constexpr A_long kSupportedDepth32WithAlpha = 1 << 7;
+
+inline constexpr AEIO_AlphaType kAlphaTypeStraight = 0;
+inline constexpr AEIO_AlphaType kAlphaTypePremultiplied = 1;
+inline constexpr AEIO_AlphaType kAlphaTypeIgnore = 2;
+inline constexpr AEIO_AlphaType kAlphaTypeNone = 3;
+
+/// A four-character code as the host writes it: the first character in the most significant byte.
+constexpr A_long four_char_code(const char (&text)[5]) {
+    std::uint32_t code = 0;
+    for (int i = 0; i < 4; ++i)
+        code = (code << 8) | static_cast<unsigned char>(text[i]);
+    return static_cast<A_long>(code);
+}
+
+// ---------------------------------------------------------------------------------------------------------------
+// Records. Natural alignment, packing 8, except where a packing is given.
+
+#pragma pack(push, 8)
+
+/// A time: `value` / `scale` seconds.
+struct A_Time {
+    A_long value;
+    A_u_long scale;
+};
+static_assert(sizeof(A_Time) == 8 && offsetof(A_Time, scale) == 4);
+
+struct A_Ratio {
+    A_long num;
+    A_u_long den;
+};
+static_assert(sizeof(A_Ratio) == 8 && offsetof(A_Ratio, den) == 4);
+
+/// Passed by value to the creators of cameras and lights.
+struct A_FloatPoint {
+    A_FpLong x;
+    A_FpLong y;
+};
+static_assert(sizeof(A_FloatPoint) == 16 && offsetof(A_FloatPoint, y) == 8);
+
+struct A_LRect {
+    A_long left;
+    A_long top;
+    A_long right;
+    A_long bottom;
+};
+static_assert(sizeof(A_LRect) == 16 && offsetof(A_LRect, bottom) == 12);
+
+struct A_LPoint {
+    A_long x;
+    A_long y;
+};
+static_assert(sizeof(A_LPoint) == 8);
+
+struct AEGP_ColorVal {
+    A_FpLong alpha;
+    A_FpLong red;
+    A_FpLong green;
+    A_FpLong blue;
+};
+static_assert(sizeof(AEGP_ColorVal) == 32 && offsetof(AEGP_ColorVal, red) == 8 &&
+              offsetof(AEGP_ColorVal, green) == 16 && offsetof(AEGP_ColorVal, blue) == 24);
+
+struct AEGP_FourDVal {
+    A_FpLong values[4];
+};
+
+struct AEGP_ThreeDVal {
+    A_FpLong x;
+    A_FpLong y;
+    A_FpLong z;
+};
+
+struct AEGP_TwoDVal {
+    A_FpLong x;
+    A_FpLong y;
+};
+
+/// The value of a stream; which member counts depends on the stream.
+union AEGP_StreamVal {
+    AEGP_FourDVal four_d;
+    AEGP_ThreeDVal three_d;
+    AEGP_TwoDVal two_d;
+    A_FpLong one_d;
+    AEGP_ColorVal color;
+    void* pointer;
+    A_long id;
+};
+static_assert(sizeof(AEGP_StreamVal) == 32);
+
+struct AEGP_StreamValue {
+    AEGP_StreamRefH stream;
+    AEGP_StreamVal value;
+};
+static_assert(sizeof(AEGP_StreamValue) == 40 && offsetof(AEGP_StreamValue, value) == 8);
+
+struct AEGP_LayerTransferMode {
+    PF_TransferMode mode;
+    AEGP_TransferFlags flags;
+    AEGP_TrackMatte track_matte;
+};
+static_assert(sizeof(AEGP_LayerTransferMode) == 12 && offsetof(AEGP_LayerTransferMode, flags) == 4 &&
+              offsetof(AEGP_LayerTransferMode, track_matte) == 8);
+
+struct AEGP_FileSequenceImportOptions {
+    A_Boolean all_in_folder;
+    A_Boolean force_alphabetical;
+    A_long start_frame;  ///< -1: the first there is
+    A_long end_frame;    ///< -1: the last there is
+};
+static_assert(sizeof(AEGP_FileSequenceImportOptions) == 12 &&
+              offsetof(AEGP_FileSequenceImportOptions, force_alphabetical) == 1 &&
+              offsetof(AEGP_FileSequenceImportOptions, start_frame) == 4 &&
+              offsetof(AEGP_FileSequenceImportOptions, end_frame) == 8);
+
+#pragma pack(push, 2)
+
+/// Fields of footage: whole frames or interlaced, and which field comes first.
+struct FIEL_Label {
+    A_u_long signature;
+    A_short version;
+    FIEL_Type type;
+    FIEL_Order order;
+    A_u_long reserved;
+};
+static_assert(sizeof(FIEL_Label) == 18 && offsetof(FIEL_Label, version) == 4 &&
+              offsetof(FIEL_Label, type) == 6 && offsetof(FIEL_Label, order) == 10 &&
+              offsetof(FIEL_Label, reserved) == 14);
+
+/// Alpha of an input module's picture.
+struct AEIO_AlphaLabel {
+    A_short version;
+    AEIO_AlphaFlags flags;
+    A_u_char red;
+    A_u_char green;
+    A_u_char blue;
+    AEIO_AlphaType alpha_type;
+};
+static_assert(sizeof(AEIO_AlphaLabel) == 10 && offsetof(AEIO_AlphaLabel, flags) == 2 &&
+              offsetof(AEIO_AlphaLabel, red) == 6 && offsetof(AEIO_AlphaLabel, green) == 7 &&
+              offsetof(AEIO_AlphaLabel, blue) == 8 && offsetof(AEIO_AlphaLabel, alpha_type) == 9);
+
+#pragma pack(pop)
+
+/// Alpha of a footage item; the colour is the matte's.
+struct AEGP_AlphaLabel {
+    AEGP_AlphaFlags flags;
+    A_u_char red;
+    A_u_char green;
+    A_u_char blue;
+};
+static_assert(sizeof(AEGP_AlphaLabel) == 8 && offsetof(AEGP_AlphaLabel, red) == 4 &&
+              offsetof(AEGP_AlphaLabel, green) == 5 && offsetof(AEGP_AlphaLabel, blue) == 6);
+
+struct AEGP_LoopBehavior {
+    A_long loops;
+    A_long reserved;
+};
+
+/// How a footage item is read: fields, alpha, loops, pixel aspect, frame rate.
+struct AEGP_FootageInterp {
+    FIEL_Label interlace;
+    AEGP_AlphaLabel alpha;
+    A_long pulldown_phase;
+    AEGP_LoopBehavior loop;
+    A_Ratio pixel_aspect;
+    A_FpLong native_fps;
+    A_FpLong conform_fps;
+    A_long depth;
+    A_Boolean motion;
+};
+static_assert(sizeof(AEGP_FootageInterp) == 72 && offsetof(AEGP_FootageInterp, alpha) == 20 &&
+              offsetof(AEGP_FootageInterp, pulldown_phase) == 28 &&
+              offsetof(AEGP_FootageInterp, loop) == 32 && offsetof(AEGP_FootageInterp, pixel_aspect) == 40 &&
+              offsetof(AEGP_FootageInterp, native_fps) == 48 &&
+              offsetof(AEGP_FootageInterp, conform_fps) == 56 && offsetof(AEGP_FootageInterp, depth) == 64 &&
+              offsetof(AEGP_FootageInterp, motion) == 68);
+
+struct PFILE_FileKind {
+    A_long type;
+    A_long creator;
+};
+static_assert(sizeof(PFILE_FileKind) == 8 && offsetof(PFILE_FileKind, creator) == 4);
+
+/// A file extension: as four bytes it reads ".txl".
+struct AEIO_FileExt {
+    A_char pad;
+    A_char extension[3];
+};
+static_assert(sizeof(AEIO_FileExt) == 4 && offsetof(AEIO_FileExt, extension) == 1);
+
+union AEIO_FileKind {
+    PFILE_FileKind mac;
+    AEIO_FileExt ext;
+    A_long id;
+};
+static_assert(sizeof(AEIO_FileKind) == 8);
+
+struct AEIO_AuxExt {
+    A_char extension[4];
+    A_long type;
+    A_long creator;
+};
+static_assert(sizeof(AEIO_AuxExt) == 12 && offsetof(AEIO_AuxExt, type) == 4);
+
+inline constexpr int kMaxFileKinds = 16;
+
+/// What an input module tells the host about itself.
+struct AEIO_ModuleInfo {
+    A_long signature;
+    A_char name[32];
+    A_long flags;
+    A_long flags2;
+    A_long max_width;
+    A_long max_height;
+    A_short num_filetypes;
+    A_short num_extensions;
+    A_short num_clips;
+    A_short pad;
+    PFILE_FileKind create_kind;
+    AEIO_FileExt create_ext;
+    AEIO_FileKind read_kinds[kMaxFileKinds];
+    A_short num_aux_extensions;
+    AEIO_AuxExt aux_extensions[kMaxFileKinds];
+};
+static_assert(sizeof(AEIO_ModuleInfo) == 396 && offsetof(AEIO_ModuleInfo, name) == 4 &&
+              offsetof(AEIO_ModuleInfo, flags) == 36 && offsetof(AEIO_ModuleInfo, flags2) == 40 &&
+              offsetof(AEIO_ModuleInfo, max_width) == 44 && offsetof(AEIO_ModuleInfo, max_height) == 48 &&
+              offsetof(AEIO_ModuleInfo, num_filetypes) == 52 &&
+              offsetof(AEIO_ModuleInfo, num_extensions) == 54 && offsetof(AEIO_ModuleInfo, num_clips) == 56 &&
+              offsetof(AEIO_ModuleInfo, pad) == 58 && offsetof(AEIO_ModuleInfo, create_kind) == 60 &&
+              offsetof(AEIO_ModuleInfo, create_ext) == 68 && offsetof(AEIO_ModuleInfo, read_kinds) == 72 &&
+              offsetof(AEIO_ModuleInfo, num_aux_extensions) == 200 &&
+              offsetof(AEIO_ModuleInfo, aux_extensions) == 204);
+
+/// Descriptive texts of footage or of an output file.
+struct AEIO_Verbiage {
+    A_char name[32];
+    A_char type[32];
+    A_char sub_type[128];
+};
+static_assert(sizeof(AEIO_Verbiage) == 192 && offsetof(AEIO_Verbiage, type) == 32 &&
+              offsetof(AEIO_Verbiage, sub_type) == 64);
+
+struct AEIO_InterruptFuncs {
+    void* functions[3];
+};
+
+/// What the host asks for when it wants a frame.
+struct AEIO_DrawSparseFramePB {
+    A_short quality;
+    A_Ratio scale_x;
+    A_Ratio scale_y;
+    A_Time time;
+    A_Time duration;
+    A_LRect required_region;
+    AEIO_InterruptFuncs interrupt;
+};
+static_assert(sizeof(AEIO_DrawSparseFramePB) == 80 && offsetof(AEIO_DrawSparseFramePB, scale_x) == 4 &&
+              offsetof(AEIO_DrawSparseFramePB, scale_y) == 12 &&
+              offsetof(AEIO_DrawSparseFramePB, time) == 20 &&
+              offsetof(AEIO_DrawSparseFramePB, duration) == 28 &&
+              offsetof(AEIO_DrawSparseFramePB, required_region) == 36 &&
+              offsetof(AEIO_DrawSparseFramePB, interrupt) == 56);
+
+struct PF_Pixel {
+    A_u_char alpha;
+    A_u_char red;
+    A_u_char green;
+    A_u_char blue;
+};
+static_assert(sizeof(PF_Pixel) == 4 && offsetof(PF_Pixel, blue) == 3);
+
+/// The host's 8-bit frame. A row starts `row_bytes` after the one above it.
+struct PF_LayerDef {
+    void* reserved_0;
+    void* reserved_1;
+    A_long flags;
+    PF_Pixel* data;
+    A_long row_bytes;
+    A_long width;
+    A_long height;
+    A_LRect extent;
+    void* platform_ref;
+    void* reserved_2;
+    void* reserved_3;
+    A_Ratio pixel_aspect;
+    void* reserved_4;
+    A_long origin_x;
+    A_long origin_y;
+    A_long reserved_5;
+    A_long reserved_6;
+};
+static_assert(sizeof(PF_LayerDef) == 120 && offsetof(PF_LayerDef, flags) == 16 &&
+              offsetof(PF_LayerDef, data) == 24 && offsetof(PF_LayerDef, row_bytes) == 32 &&
+              offsetof(PF_LayerDef, width) == 36 && offsetof(PF_LayerDef, height) == 40 &&
+              offsetof(PF_LayerDef, extent) == 44 && offsetof(PF_LayerDef, platform_ref) == 64 &&
+              offsetof(PF_LayerDef, reserved_2) == 72 && offsetof(PF_LayerDef, reserved_3) == 80 &&
+              offsetof(PF_LayerDef, pixel_aspect) == 88 && offsetof(PF_LayerDef, reserved_4) == 96 &&
+              offsetof(PF_LayerDef, origin_x) == 104 && offsetof(PF_LayerDef, origin_y) == 108 &&
+              offsetof(PF_LayerDef, reserved_5) == 112 && offsetof(PF_LayerDef, reserved_6) == 116);
+using PF_EffectWorld = PF_LayerDef;
+
+extern "C" {
+
+// ---------------------------------------------------------------------------------------------------------------
+// The basic suite: how every other suite is reached.
+
+struct SPBasicSuite {
+    A_Err (*AcquireSuite)(const char* name, A_long version, const void** suite);
+    A_Err (*ReleaseSuite)(const char* name, A_long version);
+    A_Err (*IsEqual)(const char* token1, const char* token2);
+    A_Err (*AllocateBlock)(std::size_t size, void** block);
+    A_Err (*FreeBlock)(void* block);
+    A_Err (*ReallocateBlock)(void* block, std::size_t size, void** new_block);
+    A_Err (*Undefined)();
+};
+static_assert(sizeof(SPBasicSuite) == 56 && offsetof(SPBasicSuite, ReleaseSuite) == 8);
+
+/// What the host gives every input-module callback first.
+struct AEIO_BasicData {
+    void (*msg_func)(A_Err code, const A_char* text);
+    const SPBasicSuite* basic_suite;
+    AEGP_PluginID plugin_id;
+    AEGP_IORefcon refcon;
+};
+static_assert(sizeof(AEIO_BasicData) == 32 && offsetof(AEIO_BasicData, basic_suite) == 8 &&
+              offsetof(AEIO_BasicData, plugin_id) == 16 && offsetof(AEIO_BasicData, refcon) == 24);
+using AEIO_InData = AEIO_BasicData;
+
+// ---------------------------------------------------------------------------------------------------------------
+// Entry point and callbacks
+
+/// The exported entry of a classic bundle. The two paths and the refcon are not used by this system.
+using AEGP_PluginInitFunc = A_Err (*)(SPBasicSuite* basic, A_long major_version, A_long minor_version,
+                                      const A_char* file_path, const A_char* resource_path,
+                                      AEGP_PluginID plugin_id, AEGP_GlobalRefcon* refcon);
+
+using AEGP_DeathHook = A_Err (*)(AEGP_GlobalRefcon global_refcon, AEGP_DeathRefcon refcon);
+
+using AE_FIM_ImportFileCB = A_Err (*)(const A_char* path, AE_FIM_ImportOptions options,
+                                      AE_FIM_SpecialAction action, AEGP_ItemH folder, AE_FIM_Refcon refcon);
+using AE_FIM_VerifyFileCB = A_Err (*)(const A_char* path, AE_FIM_Refcon refcon, A_Boolean* importable);
+
+struct AE_FIM_ImportCallbacks {
+    AE_FIM_Refcon refcon;
+    AE_FIM_ImportFileCB import_cb;
+    AE_FIM_VerifyFileCB verify_cb;
+};
+static_assert(sizeof(AE_FIM_ImportCallbacks) == 24 && offsetof(AE_FIM_ImportCallbacks, import_cb) == 8 &&
+              offsetof(AE_FIM_ImportCallbacks, verify_cb) == 16);
+
+// ---------------------------------------------------------------------------------------------------------------
+// The input-module function block. Every function takes the basic data first.
+
+struct AEIO_FunctionBlock2 {
+    A_Err (*AEIO_InitInSpecFromFile)(AEIO_BasicData*, const A_char* path, AEIO_InSpecH);
+    A_Err (*AEIO_InitInSpecInteractive)(AEIO_BasicData*, AEIO_InSpecH);
+    A_Err (*AEIO_DisposeInSpec)(AEIO_BasicData*, AEIO_InSpecH);
+    A_Err (*AEIO_FlattenOptions)(AEIO_BasicData*, AEIO_InSpecH, AEIO_Handle* flat_options);
+    A_Err (*AEIO_InflateOptions)(AEIO_BasicData*, AEIO_InSpecH, AEIO_Handle flat_options);
+    A_Err (*AEIO_SynchInSpec)(AEIO_BasicData*, AEIO_InSpecH, A_Boolean* changed);
+    A_Err (*AEIO_GetActiveExtent)(AEIO_BasicData*, AEIO_InSpecH, const A_Time*, A_LRect* extent);
+    A_Err (*AEIO_GetInSpecInfo)(AEIO_BasicData*, AEIO_InSpecH, AEIO_Verbiage*);
+    A_Err (*AEIO_DrawSparseFrame)(AEIO_BasicData*, AEIO_InSpecH, const AEIO_DrawSparseFramePB* request,
+                                  PF_LayerDef* world, AEIO_DrawingFlags* flags);
+    A_Err (*AEIO_GetDimensions)(AEIO_BasicData*, AEIO_InSpecH, const A_Ratio* scale, A_long* width,
+                                A_long* height);
+    A_Err (*AEIO_GetDuration)(AEIO_BasicData*, AEIO_InSpecH, A_Time*);
+    A_Err (*AEIO_GetTime)(AEIO_BasicData*, AEIO_InSpecH, A_Time*);
+    A_Err (*AEIO_GetSound)(AEIO_BasicData*, AEIO_InSpecH, A_short quality, const AEIO_InterruptFuncs*,
+                           const A_Time* start, const A_Time* duration, A_u_long start_sample,
+                           A_u_long samples, void* data);
+    A_Err (*AEIO_InqNextFrameTime)(AEIO_BasicData*, AEIO_InSpecH, const A_Time*, A_short direction,
+                                   A_Boolean* found, A_Time* next);
+    A_Err (*AEIO_InitOutputSpec)(AEIO_BasicData*, AEIO_OutSpecH, A_Boolean* user_interacted);
+    A_Err (*AEIO_GetFlatOutputOptions)(AEIO_BasicData*, AEIO_OutSpecH, AEIO_Handle* options);
+    A_Err (*AEIO_DisposeOutputOptions)(AEIO_BasicData*, void* options);
+    A_Err (*AEIO_UserOptionsDialog)(AEIO_BasicData*, AEIO_OutSpecH, const PF_LayerDef* sample,
+                                    A_Boolean* user_interacted);
+    A_Err (*AEIO_GetOutputInfo)(AEIO_BasicData*, AEIO_OutSpecH, AEIO_Verbiage*);
+    A_Err (*AEIO_OutputInfoChanged)(AEIO_BasicData*, AEIO_OutSpecH);
+    A_Err (*AEIO_SetOutputFile)(AEIO_BasicData*, AEIO_OutSpecH, const A_char* path);
+    A_Err (*AEIO_StartAdding)(AEIO_BasicData*, AEIO_OutSpecH, A_long flags);
+    A_Err (*AEIO_AddFrame)(AEIO_BasicData*, AEIO_OutSpecH, A_long index, A_long frames, const PF_LayerDef*,
+                           const A_LPoint* origin, A_Boolean was_compressed, AEIO_InterruptFuncs*);
+    A_Err (*AEIO_EndAdding)(AEIO_BasicData*, AEIO_OutSpecH, A_long flags);
+    A_Err (*AEIO_OutputFrame)(AEIO_BasicData*, AEIO_OutSpecH, const PF_LayerDef*);
+    A_Err (*AEIO_WriteLabels)(AEIO_BasicData*, AEIO_OutSpecH, A_u_long* written);
+    A_Err (*AEIO_GetSizes)(AEIO_BasicData*, AEIO_OutSpecH, std::uint64_t* free_space,
+                           std::uint64_t* file_size);
+    A_Err (*AEIO_Flush)(AEIO_BasicData*, AEIO_OutSpecH);
+    A_Err (*AEIO_AddSoundChunk)(AEIO_BasicData*, AEIO_OutSpecH, const A_Time* start, A_u_long samples,
+                                const void* data);
+    A_Err (*AEIO_Idle)(AEIO_BasicData*, A_long signature, A_long* sleep);
+    A_Err (*AEIO_GetDepths)(AEIO_BasicData*, AEIO_OutSpecH, A_long* which);
+    A_Err (*AEIO_GetOutputSuffix)(AEIO_BasicData*, AEIO_OutSpecH, A_char* suffix);
+    A_Err (*AEIO_SeqOptionsDlg)(AEIO_BasicData*, AEIO_InSpecH, A_Boolean* user_interacted);
+    A_Err (*AEIO_GetNumAuxChannels)(AEIO_BasicData*, AEIO_InSpecH, A_long* num);
+    A_Err (*AEIO_GetAuxChannelDesc)(AEIO_BasicData*, AEIO_InSpecH, A_long index, void* description);
+    A_Err (*AEIO_DrawAuxChannel)(AEIO_BasicData*, AEIO_InSpecH, A_long index, const void* request,
+                                 void* chunk);
+    A_Err (*AEIO_FreeAuxChannel)(AEIO_BasicData*, AEIO_InSpecH, void* chunk);
+    A_Err (*AEIO_NumAuxFiles)(AEIO_BasicData*, AEIO_InSpecH, A_long* num);
+    A_Err (*AEIO_GetNthAuxFileSpec)(AEIO_BasicData*, AEIO_InSpecH, A_long frame, A_long n, A_char* path);
+    A_Err (*AEIO_CloseSourceFiles)(AEIO_BasicData*, AEIO_InSpecH);
+    A_Err (*AEIO_CountUserData)(AEIO_BasicData*, AEIO_InSpecH, A_u_long type, A_u_long max_size,
+                                A_u_long* num);
+    A_Err (*AEIO_SetUserData)(AEIO_BasicData*, AEIO_OutSpecH, A_u_long type, A_u_long index,
+                              AEIO_Handle data);
+    A_Err (*AEIO_GetUserData)(AEIO_BasicData*, AEIO_InSpecH, A_u_long type, A_u_long index, A_u_long max_size,
+                              AEIO_Handle* data);
+    A_Err (*AEIO_AddMarker)(AEIO_BasicData*, AEIO_OutSpecH, A_long frame, A_short type, void* data,
+                            AEIO_InterruptFuncs*);
+    A_Err (*AEIO_VerifyFileImportable)(AEIO_BasicData*, A_long signature, const A_char* path,
+                                       A_Boolean* importable);
+    A_Err (*AEIO_UserAudioOptionsDialog)(AEIO_BasicData*, AEIO_OutSpecH, A_Boolean* user_interacted);
+};
+
+}  // extern "C"
+
+/// The byte offset of slot n of a table of function pointers.
+constexpr std::size_t slot(std::size_t n) {
+    return n * sizeof(void*);
+}
+
+inline constexpr std::size_t kFunctionBlockFields = 46;
+static_assert(sizeof(AEIO_FunctionBlock2) == slot(kFunctionBlockFields));
+static_assert(offsetof(AEIO_FunctionBlock2, AEIO_DisposeInSpec) == slot(2) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_GetInSpecInfo) == slot(7) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_DrawSparseFrame) == slot(8) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_GetSound) == slot(12) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_DisposeOutputOptions) == slot(16) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_GetOutputInfo) == slot(18) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_SetOutputFile) == slot(20) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_AddFrame) == slot(22) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_GetSizes) == slot(26) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_GetDepths) == slot(30) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_SeqOptionsDlg) == slot(32) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_NumAuxFiles) == slot(37) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_GetNthAuxFileSpec) == slot(38) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_AddMarker) == slot(43) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_VerifyFileImportable) == slot(44) &&
+              offsetof(AEIO_FunctionBlock2, AEIO_UserAudioOptionsDialog) == slot(45));
+
+// ---------------------------------------------------------------------------------------------------------------
+// Suites. A reserved slot is a function that this system never calls; it is named for the slots it covers.
+
+using ReservedSlot = void (*)();
+
+extern "C" {
+
+struct AEGP_RegisterSuite4 {
+    ReservedSlot reserved_0[2];
+    A_Err (*AEGP_RegisterDeathHook)(AEGP_PluginID, AEGP_DeathHook, AEGP_DeathRefcon);
+    ReservedSlot reserved_3[4];
+    A_Err (*AEGP_RegisterIO)(AEGP_PluginID, AEGP_IORefcon, const AEIO_ModuleInfo*,
+                             const AEIO_FunctionBlock2*);
+    ReservedSlot reserved_8[4];
+};
+static_assert(sizeof(AEGP_RegisterSuite4) == slot(12) &&
+              offsetof(AEGP_RegisterSuite4, AEGP_RegisterDeathHook) == slot(2) &&
+              offsetof(AEGP_RegisterSuite4, AEGP_RegisterIO) == slot(7));
+
+struct AEGP_FileImportManagerSuite2 {
+    A_Err (*AEGP_RegisterImportFlavor)(const A_char* name, AE_FIM_ImportFlavorRef* flavor);
+    A_Err (*AEGP_RegisterImportFlavorFileTypes)(AE_FIM_ImportFlavorRef, A_long num_kinds,
+                                                const AEIO_FileKind* kinds, A_long num_exts,
+                                                const AEIO_FileKind* exts);
+    A_Err (*AEGP_RegisterImportFlavorImportCallbacks)(AE_FIM_ImportFlavorRef, AE_FIM_ImportFlags,
+                                                      const AE_FIM_ImportCallbacks*);
+    ReservedSlot reserved_3[1];
+};
+static_assert(sizeof(AEGP_FileImportManagerSuite2) == slot(4) &&
+              offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavor) == slot(0) &&
+              offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavorFileTypes) == slot(1) &&
+              offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavorImportCallbacks) == slot(2));
+
+struct AEGP_UtilitySuite7 {
+    A_Err (*AEGP_ReportInfo)(AEGP_PluginID, const A_char* text);
+    ReservedSlot reserved_1[4];
+    A_Err (*AEGP_StartUndoGroup)(const A_char* name);
+    A_Err (*AEGP_EndUndoGroup)();
+    ReservedSlot reserved_7[18];
+};
+static_assert(sizeof(AEGP_UtilitySuite7) == slot(25) &&
+              offsetof(AEGP_UtilitySuite7, AEGP_ReportInfo) == slot(0) &&
+              offsetof(AEGP_UtilitySuite7, AEGP_StartUndoGroup) == slot(5) &&
+              offsetof(AEGP_UtilitySuite7, AEGP_EndUndoGroup) == slot(6));
+
+struct AEGP_PersistentDataSuite1 {
+    A_Err (*AEGP_GetApplicationBlob)(AEGP_PersistentBlobH*);
+    ReservedSlot reserved_1[2];
+    A_Err (*AEGP_DoesKeyExist)(AEGP_PersistentBlobH, const A_char* section, const A_char* key,
+                               A_Boolean* exists);
+    ReservedSlot reserved_4[3];
+    A_Err (*AEGP_GetData)(AEGP_PersistentBlobH, const A_char* section, const A_char* key, A_u_long size,
+                          const void* default_data, void* data);
+    ReservedSlot reserved_8[4];
+    A_Err (*AEGP_SetData)(AEGP_PersistentBlobH, const A_char* section, const A_char* key, A_u_long size,
+                          const void* data);
+    ReservedSlot reserved_13[4];
+};
+static_assert(sizeof(AEGP_PersistentDataSuite1) == slot(17) &&
+              offsetof(AEGP_PersistentDataSuite1, AEGP_GetApplicationBlob) == slot(0) &&
+              offsetof(AEGP_PersistentDataSuite1, AEGP_DoesKeyExist) == slot(3) &&
+              offsetof(AEGP_PersistentDataSuite1, AEGP_GetData) == slot(7) &&
+              offsetof(AEGP_PersistentDataSuite1, AEGP_SetData) == slot(12));
+
+struct AEGP_ProjSuite5 {
+    ReservedSlot reserved_0[1];
+    A_Err (*AEGP_GetProjectByIndex)(A_long index, AEGP_ProjectH*);
+    ReservedSlot reserved_2[2];
+    A_Err (*AEGP_GetProjectRootFolder)(AEGP_ProjectH, AEGP_ItemH*);
+    ReservedSlot reserved_5[9];
+};
+static_assert(sizeof(AEGP_ProjSuite5) == slot(14) &&
+              offsetof(AEGP_ProjSuite5, AEGP_GetProjectByIndex) == slot(1) &&
+              offsetof(AEGP_ProjSuite5, AEGP_GetProjectRootFolder) == slot(4));
+
+struct AEGP_ItemSuite10 {
+    ReservedSlot reserved_0[19];
+    A_Err (*AEGP_CreateNewFolder)(const A_char* name, AEGP_ItemH parent, AEGP_ItemH* folder);
+    ReservedSlot reserved_20[6];
+};
+static_assert(sizeof(AEGP_ItemSuite10) == slot(26) &&
+              offsetof(AEGP_ItemSuite10, AEGP_CreateNewFolder) == slot(19));
+
+struct AEGP_FootageSuite7 {
+    ReservedSlot reserved_0[5];
+    A_Err (*AEGP_NewFootage)(AEGP_PluginID, const A_char* path, const AEGP_FootageLayerKey*,
+                             const AEGP_FileSequenceImportOptions*, AEGP_InterpretationStyle, void* reserved,
+                             AEGP_FootageH*);
+    A_Err (*AEGP_AddFootageToProject)(AEGP_FootageH, AEGP_ItemH folder, AEGP_ItemH* item);
+    ReservedSlot reserved_7[3];
+    A_Err (*AEGP_GetFootageInterpretation)(AEGP_ItemH, A_Boolean proxy, AEGP_FootageInterp*);
+    A_Err (*AEGP_SetFootageInterpretation)(AEGP_ItemH, A_Boolean proxy, const AEGP_FootageInterp*);
+    ReservedSlot reserved_12[1];
+    A_Err (*AEGP_NewPlaceholderFootage)(AEGP_PluginID, const A_char* name, A_long width, A_long height,
+                                        const A_Time* duration, AEGP_FootageH*);
+    ReservedSlot reserved_14[7];
+};
+static_assert(sizeof(AEGP_FootageSuite7) == slot(21) &&
+              offsetof(AEGP_FootageSuite7, AEGP_NewFootage) == slot(5) &&
+              offsetof(AEGP_FootageSuite7, AEGP_AddFootageToProject) == slot(6) &&
+              offsetof(AEGP_FootageSuite7, AEGP_GetFootageInterpretation) == slot(10) &&
+              offsetof(AEGP_FootageSuite7, AEGP_SetFootageInterpretation) == slot(11) &&
+              offsetof(AEGP_FootageSuite7, AEGP_NewPlaceholderFootage) == slot(13));
+
+struct AEGP_CompSuite9 {
+    A_Err (*AEGP_GetCompFromItem)(AEGP_ItemH, AEGP_CompH*);
+    A_Err (*AEGP_GetItemFromComp)(AEGP_CompH, AEGP_ItemH*);
+    ReservedSlot reserved_2[12];
+    A_Err (*AEGP_CreateCameraInComp)(const A_char* name, A_FloatPoint center, AEGP_CompH, AEGP_LayerH*);
+    A_Err (*AEGP_CreateLightInComp)(const A_char* name, A_FloatPoint center, AEGP_CompH, AEGP_LayerH*);
+    A_Err (*AEGP_CreateComp)(AEGP_ItemH parent_folder, const A_char* name, A_long width, A_long height,
+                             const A_Ratio* pixel_aspect, const A_Time* duration, const A_Ratio* frame_rate,
+                             AEGP_CompH*);
+    ReservedSlot reserved_17[5];
+    A_Err (*AEGP_CreateNullInComp)(const A_char* name, AEGP_CompH, const A_Time* duration, AEGP_LayerH*);
+    ReservedSlot reserved_23[5];
+};
+static_assert(sizeof(AEGP_CompSuite9) == slot(28) &&
+              offsetof(AEGP_CompSuite9, AEGP_GetCompFromItem) == slot(0) &&
+              offsetof(AEGP_CompSuite9, AEGP_GetItemFromComp) == slot(1) &&
+              offsetof(AEGP_CompSuite9, AEGP_CreateCameraInComp) == slot(14) &&
+              offsetof(AEGP_CompSuite9, AEGP_CreateLightInComp) == slot(15) &&
+              offsetof(AEGP_CompSuite9, AEGP_CreateComp) == slot(16) &&
+              offsetof(AEGP_CompSuite9, AEGP_CreateNullInComp) == slot(22));
+
+struct AEGP_LayerSuite11 {
+    ReservedSlot reserved_0[11];
+    A_Err (*AEGP_SetLayerFlag)(AEGP_LayerH, AEGP_LayerFlags, A_Boolean value);
+    ReservedSlot reserved_12[5];
+    A_Err (*AEGP_SetLayerInPointAndDuration)(AEGP_LayerH, AEGP_LTimeMode, const A_Time* in_point,
+                                             const A_Time* duration);
+    ReservedSlot reserved_18[1];
+    A_Err (*AEGP_SetLayerOffset)(AEGP_LayerH, const A_Time* offset);
+    ReservedSlot reserved_20[2];
+    A_Err (*AEGP_GetLayerTransferMode)(AEGP_LayerH, AEGP_LayerTransferMode*);
+    A_Err (*AEGP_SetLayerTransferMode)(AEGP_LayerH, const AEGP_LayerTransferMode*);
+    A_Err (*AEGP_IsAddLayerValid)(AEGP_ItemH, AEGP_CompH, A_Boolean* valid);
+    A_Err (*AEGP_AddLayer)(AEGP_ItemH, AEGP_CompH, AEGP_LayerH*);
+    ReservedSlot reserved_26[20];
+};
+static_assert(sizeof(AEGP_LayerSuite11) == slot(46) &&
+              offsetof(AEGP_LayerSuite11, AEGP_SetLayerFlag) == slot(11) &&
+              offsetof(AEGP_LayerSuite11, AEGP_SetLayerInPointAndDuration) == slot(17) &&
+              offsetof(AEGP_LayerSuite11, AEGP_SetLayerOffset) == slot(19) &&
+              offsetof(AEGP_LayerSuite11, AEGP_GetLayerTransferMode) == slot(22) &&
+              offsetof(AEGP_LayerSuite11, AEGP_SetLayerTransferMode) == slot(23) &&
+              offsetof(AEGP_LayerSuite11, AEGP_IsAddLayerValid) == slot(24) &&
+              offsetof(AEGP_LayerSuite11, AEGP_AddLayer) == slot(25));
+
+struct AEGP_StreamSuite7 {
+    ReservedSlot reserved_0[3];
+    A_Err (*AEGP_GetNewLayerStream)(AEGP_PluginID, AEGP_LayerH, AEGP_LayerStream, AEGP_StreamRefH*);
+    ReservedSlot reserved_4[3];
+    A_Err (*AEGP_DisposeStream)(AEGP_StreamRefH);
+    ReservedSlot reserved_8[7];
+    A_Err (*AEGP_SetStreamValue)(AEGP_PluginID, AEGP_StreamRefH, AEGP_StreamValue*);
+    ReservedSlot reserved_16[6];
+};
+static_assert(sizeof(AEGP_StreamSuite7) == slot(22) &&
+              offsetof(AEGP_StreamSuite7, AEGP_GetNewLayerStream) == slot(3) &&
+              offsetof(AEGP_StreamSuite7, AEGP_DisposeStream) == slot(7) &&
+              offsetof(AEGP_StreamSuite7, AEGP_SetStreamValue) == slot(15));
+
+struct AEGP_KeyframeSuite3 {
+    ReservedSlot reserved_0[16];
+    A_Err (*AEGP_StartAddKeyframes)(AEGP_StreamRefH, AEGP_AddKeyframesInfoH*);
+    A_Err (*AEGP_AddKeyframes)(AEGP_AddKeyframesInfoH, AEGP_LTimeMode, const A_Time*, A_long* key_index);
+    A_Err (*AEGP_SetAddKeyframe)(AEGP_AddKeyframesInfoH, A_long key_index, const AEGP_StreamValue*);
+    A_Err (*AEGP_EndAddKeyframes)(A_Boolean add, AEGP_AddKeyframesInfoH);
+};
+static_assert(sizeof(AEGP_KeyframeSuite3) == slot(20) &&
+              offsetof(AEGP_KeyframeSuite3, AEGP_StartAddKeyframes) == slot(16) &&
+              offsetof(AEGP_KeyframeSuite3, AEGP_AddKeyframes) == slot(17) &&
+              offsetof(AEGP_KeyframeSuite3, AEGP_SetAddKeyframe) == slot(18) &&
+              offsetof(AEGP_KeyframeSuite3, AEGP_EndAddKeyframes) == slot(19));
+
+struct AEGP_LightSuite2 {
+    ReservedSlot reserved_0[1];
+    A_Err (*AEGP_SetLightType)(AEGP_LayerH, AEGP_LightType);
+};
+static_assert(sizeof(AEGP_LightSuite2) == slot(2) &&
+              offsetof(AEGP_LightSuite2, AEGP_SetLightType) == slot(1));
+
+struct AEGP_MemorySuite1 {
+    A_Err (*AEGP_NewMemHandle)(AEGP_PluginID, const A_char* what, AEGP_MemSize, AEGP_MemFlag,
+                               AEGP_MemHandle*);
+    A_Err (*AEGP_FreeMemHandle)(AEGP_MemHandle);
+    A_Err (*AEGP_LockMemHandle)(AEGP_MemHandle, void** address);
+    A_Err (*AEGP_UnlockMemHandle)(AEGP_MemHandle);
+    ReservedSlot reserved_4[4];
+};
+static_assert(sizeof(AEGP_MemorySuite1) == slot(8) &&
+              offsetof(AEGP_MemorySuite1, AEGP_NewMemHandle) == slot(0) &&
+              offsetof(AEGP_MemorySuite1, AEGP_FreeMemHandle) == slot(1) &&
+              offsetof(AEGP_MemorySuite1, AEGP_LockMemHandle) == slot(2) &&
+              offsetof(AEGP_MemorySuite1, AEGP_UnlockMemHandle) == slot(3));
+
+struct AEGP_IOInSuite1 {
+    A_Err (*AEGP_GetInSpecOptionsHandle)(AEIO_InSpecH, void** options);
+    A_Err (*AEGP_SetInSpecOptionsHandle)(AEIO_InSpecH, void* options, void** old_options);
+    ReservedSlot reserved_2[2];
+    A_Err (*AEGP_SetInSpecNativeFPS)(AEIO_InSpecH, A_Fixed fps);
+    ReservedSlot reserved_5[1];
+    A_Err (*AEGP_SetInSpecDepth)(AEIO_InSpecH, A_short depth);
+    ReservedSlot reserved_7[1];
+    A_Err (*AEGP_SetInSpecSize)(AEIO_InSpecH, A_long size_bytes);
+    ReservedSlot reserved_9[3];
+    A_Err (*AEGP_SetInSpecAlphaLabel)(AEIO_InSpecH, const AEIO_AlphaLabel*);
+    ReservedSlot reserved_13[1];
+    A_Err (*AEGP_SetInSpecDuration)(AEIO_InSpecH, const A_Time*);
+    ReservedSlot reserved_15[1];
+    A_Err (*AEGP_SetInSpecDimensions)(AEIO_InSpecH, A_long width, A_long height);
+    ReservedSlot reserved_17[12];
+};
+static_assert(sizeof(AEGP_IOInSuite1) == slot(29) &&
+              offsetof(AEGP_IOInSuite1, AEGP_GetInSpecOptionsHandle) == slot(0) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecOptionsHandle) == slot(1) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecNativeFPS) == slot(4) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDepth) == slot(6) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecSize) == slot(8) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecAlphaLabel) == slot(12) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDuration) == slot(14) &&
+              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDimensions) == slot(16));
+
+struct AEGP_IOOutSuite1 {
+    ReservedSlot reserved_0[2];
+    A_Err (*AEGP_GetOutSpecFilePath)(AEIO_OutSpecH, A_char* path);
+    ReservedSlot reserved_3[26];
+};
+static_assert(sizeof(AEGP_IOOutSuite1) == slot(29) &&
+              offsetof(AEGP_IOOutSuite1, AEGP_GetOutSpecFilePath) == slot(2));
+
+/// The host's mathematics and string functions; they return values, not errors.
+struct PF_ANSISuite1 {
+    ReservedSlot reserved_0[3];
+    A_FpLong (*cos)(A_FpLong);
+    ReservedSlot reserved_4[8];
+    A_FpLong (*sin)(A_FpLong);
+    ReservedSlot reserved_13[3];
+    A_char* (*strcpy)(A_char* destination, const A_char* source);
+    ReservedSlot reserved_17[2];
+};
+static_assert(sizeof(PF_ANSISuite1) == slot(19) && offsetof(PF_ANSISuite1, cos) == slot(3) &&
+              offsetof(PF_ANSISuite1, sin) == slot(12) && offsetof(PF_ANSISuite1, strcpy) == slot(16));
+
+/// Only its presence is tested.
+struct PF_AEAdvAppSuite1 {
+    ReservedSlot reserved_0[10];
+};
+static_assert(sizeof(PF_AEAdvAppSuite1) == slot(10));
+
+}  // extern "C"
+
+#pragma pack(pop)
