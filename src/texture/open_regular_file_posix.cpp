@@ -1,0 +1,27 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "texture/open_regular_file.h"
+
+std::FILE* open_regular_file(const char* path) {
+    // Two looks: the first keeps the open itself from touching a pipe (its writer would wake up) or a device
+    // (a tape would rewind); the second, on the open descriptor, holds even when the path was replaced in
+    // between. Opening without blocking means that such a replacement cannot hang the host.
+    struct stat about {};
+    if (::stat(path, &about) != 0 || !S_ISREG(about.st_mode)) {
+        return nullptr;
+    }
+    const int descriptor = ::open(path, O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return nullptr;
+    }
+    std::FILE* file = nullptr;
+    if (::fstat(descriptor, &about) == 0 && S_ISREG(about.st_mode)) {
+        file = ::fdopen(descriptor, "rb");
+    }
+    if (file == nullptr) {
+        ::close(descriptor);
+    }
+    return file;
+}
