@@ -11,13 +11,14 @@ constexpr std::int32_t kOutOfMemory = 2;
 constexpr std::int32_t kNoNewChannel = 0;
 constexpr std::int32_t kAlphaChannel = 1;
 constexpr std::int64_t kColourValues = 3;
+constexpr std::int64_t kValueBytes = sizeof(std::uint16_t);
 
 }  // namespace
 
 BaseBitmap::Array BaseBitmap::AllocateArray(std::int64_t count) {
     // At least one value: null means failure, and the C library may answer a request for nothing with null.
-    const auto values = static_cast<std::size_t>(std::max<std::int64_t>(count, 1));
-    return Array(static_cast<std::uint16_t*>(std::calloc(values, sizeof(std::uint16_t))));
+    const std::int64_t size_bytes = std::max<std::int64_t>(count, 1) * kValueBytes;
+    return Array(static_cast<std::uint16_t*>(MemAllocZeroed(size_bytes)));
 }
 
 std::int32_t BaseBitmap::Init(std::int32_t w, std::int32_t h, std::int32_t depth) {

@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
+
+#include "texture/memory.h"
 
 /// The flattened picture of a texture in memory: three unsigned 16-bit colour values a pixel and at most one
 /// unsigned 16-bit alpha channel, both row-major from the top left. Owns its arrays. Results are the system's
@@ -60,13 +61,10 @@ class BaseBitmap {
     [[nodiscard]] std::int32_t depth() const { return depth_; }
 
   private:
-    // Arrays behave as array-new and array-delete would have them, but come from the C library: only its
+    // Arrays behave as if array-new and array-delete made them, but come from the plain memory pair: only a
     // cleared allocation hands out fresh pages that are zero without being written, where a
     // value-initialising new writes them all.
-    struct FreeArray {
-        void operator()(std::uint16_t* array) const { std::free(array); }
-    };
-    using Array = std::unique_ptr<std::uint16_t[], FreeArray>;
+    using Array = std::unique_ptr<std::uint16_t[], MemRelease>;
 
     // Null when memory is out.
     static Array AllocateArray(std::int64_t count);
