@@ -31,7 +31,7 @@ class TemporaryFolder {
 
     /// Writes `bytes` to `name`, replacing what was there, and returns its full path.
     std::string write(std::string_view name, std::string_view bytes) const {
-        const std::string full = path(name);
+        std::string full = path(name);
         std::ofstream out(full, std::ios::binary | std::ios::trunc);
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         if (!out.flush()) {

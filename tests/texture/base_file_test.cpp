@@ -170,8 +170,8 @@ TEST(GeFExist, FileThatTheUserMayNotReadDoesNotExist) {
     const TemporaryFolder folder;
     const std::string secret = folder.write("secret", "x");
     const std::string open = folder.write("open", "x");
-    std::filesystem::permissions(folder.folder(), std::filesystem::perms(0755));
-    std::filesystem::permissions(open, std::filesystem::perms(0644));
+    std::filesystem::permissions(folder.folder(), static_cast<std::filesystem::perms>(0755));
+    std::filesystem::permissions(open, static_cast<std::filesystem::perms>(0644));
     std::filesystem::permissions(secret, std::filesystem::perms::none);
     const uid_t user = ::geteuid();
     constexpr uid_t kNobody = 65534;

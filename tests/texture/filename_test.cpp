@@ -49,10 +49,11 @@ TEST(Filename, CopiesOwnTheirText) {
     {
         const Filename original("/media/shot.tif");
         copy = original;
-        const Filename second(original);
+        Filename second(original);
         constructed = second;
+        second = Filename("other");
         EXPECT_NE(copy.GetString(), original.GetString());
-        EXPECT_NE(second.GetString(), original.GetString());
+        EXPECT_STREQ(second.GetString(), "other");
     }
     EXPECT_STREQ(copy.GetString(), "/media/shot.tif");
     EXPECT_EQ(copy.GetLength(), 15);
