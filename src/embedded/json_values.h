@@ -1,0 +1,42 @@
+#pragma once
+
+// How values are written in every JSON document of the tools.
+
+#include <cstdint>
+#include <nlohmann/json.hpp>
+#include <span>
+#include <string_view>
+
+#include "host/host_interface.h"
+
+namespace embedded {
+
+using Json = nlohmann::ordered_json;
+
+/// Text that is UTF-8 as a string; any other as {"bytes":"<lower-case hex>"}.
+Json json_text(std::string_view text);
+
+/// {"bytes":"<lower-case hex>"}
+Json json_bytes(std::span<const std::uint8_t> bytes);
+
+/// A number that reads back to the same bits; "inf", "-inf" and "nan" for what JSON has no number for.
+Json json_number(double value);
+
+/// {"value":..,"scale":..}
+Json json_time(const A_Time& time);
+
+/// {"num":..,"den":..}
+Json json_ratio(const A_Ratio& ratio);
+
+/// A four-character code as its text where all four are printable ("TXL "), else as a number.
+Json json_code(A_long code);
+
+/// Every member of the record, under the names of host_interface.h.
+Json json_interpretation(const AEGP_FootageInterp& interpretation);
+Json json_alpha_label(const AEIO_AlphaLabel& label);
+Json json_transfer_mode(const AEGP_LayerTransferMode& mode);
+
+/// Well-formed UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
+bool is_utf8(std::string_view text);
+
+}  // namespace embedded
