@@ -63,7 +63,7 @@ class ASCIIParser {
     /// Opens `name` and reads the first token. `openFlag` is handed to BaseFile::Open; with `eolIsToken` line
     /// ends are tokens, otherwise blanks. Returns 0, or 4 when the file does not open, is empty, or has 2 GiB
     /// or more.
-    A_long Init(const Filename& name, int openFlag, int eolIsToken);
+    A_long Init(const Filename& name, int open_flag, int eol_is_token);
 
     /// Delivers the next character into `*out` (which may be null). Returns 1 while `status` is 0, else 0; a
     /// character delivered with 0 means nothing.
@@ -73,9 +73,9 @@ class ASCIIParser {
     int skipspaces();
     /// Skips the rest of the line, then blanks. Returns the last nextchar's result.
     int skiplinetoend();
-    /// Reads the next token into `sym` and `text` and returns its kind. With `noNumbers` a digit, "." or "-"
+    /// Reads the next token into `sym` and `text` and returns its kind. With `no_numbers` a digit, "." or "-"
     /// begins an identifier or operator.
-    A_long nextsym(int noNumbers);
+    A_long nextsym(int no_numbers);
     /// Makes the next nextsym return the current token again.
     void rewindsym();
 
@@ -129,13 +129,13 @@ class ASCIIParser {
   private:
     bool TakeByte();
     void Refill();
-    void CountLine();
+    bool CountLine();
     void TrackPosition(bool completes_pair);
     [[nodiscard]] TextPosition PositionBehind() const;
     int Skip(bool skipping, bool comments);
     A_long ReadWord(bool number);
     A_long ReadString(char quote);
-    A_long ReadOperator(char c);
+    A_long ReadOperator();
     A_long CutToken(TokenCut cut);
 
     // Where things stand, beside the members above and without a say in them.

@@ -45,6 +45,6 @@ class CComposition {
     AEGP_ItemH parentFolder = nullptr;
 
   private:
-    int ReadHead(ASCIIParser& p);
-    int ReadFileEntry(ASCIIParser& p, bool is_sequence);
+    int ReadHead(ASCIIParser& p, bool& opens_block);
+    int ReadFileEntry(ASCIIParser& p);
 };

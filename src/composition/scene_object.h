@@ -5,6 +5,7 @@
 
 class AEGP_SuiteHandler;
 class ASCIIParser;
+class ValueReader;
 enum class BlockKind;
 
 inline constexpr float kDefaultTargetDistance = 1000.0F;
@@ -53,4 +54,7 @@ class CSceneObject : public CListItem {
   protected:
     /// The beginning of every block: name and opening brace. Returns 1 or 0.
     int LoadHead(ASCIIParser& p, BlockKind kind);
+    /// LoadAndAddKeyframe behind a KEY that `values` has taken, so that a kind of object can read more of
+    /// them.
+    int LoadKeyValues(ASCIIParser& p, ValueReader& values, tagKeyFrame** out);
 };

@@ -1,0 +1,370 @@
+#include "composition/ascii_parser.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "composition/heap_text.h"
+#include "composition/number_text.h"
+#include "composition/read_report.h"
+
+namespace {
+
+bool is_line_end(char c) {
+    return c == '\n' || c == '\r';
+}
+
+bool is_digit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+bool begins_number(char c) {
+    return is_digit(c) || c == '.' || c == '-';
+}
+
+// Every character that a number may have in any form: decimal, hexadecimal, with an exponent.
+bool continues_number(char c) {
+    return begins_number(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F') || c == '+' || c == 'x' ||
+           c == 'X';
+}
+
+// Adds 1 and stays at the largest value: a file of line ends alone has more than a 32-bit number counts.
+void count_up(A_long& number) {
+    if (number < std::numeric_limits<A_long>::max()) {
+        ++number;
+    }
+}
+
+constexpr std::size_t kFirstStringCapacity = 50;
+
+}  // namespace
+
+ASCIIParser::ASCIIParser() : buffer(new_text(kBlockBytes + 2)) {
+    const char identifier_characters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
+    for (const char* c = identifier_characters; *c != '\0'; ++c) {
+        charClass[static_cast<unsigned char>(*c)] = 1;
+    }
+    file = AllocBaseFile();
+}
+
+ASCIIParser::~ASCIIParser() {
+    if (file != nullptr) {
+        file->Close();
+    }
+    if (textOnHeap != 0) {
+        delete[] text;
+    }
+    delete[] buffer;
+    FreeBaseFile(file);
+}
+
+A_long ASCIIParser::CompareIdent(char* /*word*/) {
+    return 0;
+}
+
+A_long ASCIIParser::CompareOperator(char c) {
+    switch (c) {
+        case '{':
+            return kTokenOpenBrace;
+        case '}':
+            return kTokenCloseBrace;
+        case '=':
+            return kTokenEquals;
+        case ',':
+            return kTokenComma;
+        case ';':
+            return kTokenSemicolon;
+        case '+':
+            return kTokenPlus;
+        case '~':
+            return kTokenTilde;
+        case '\n':
+        case '\r':
+            return kTokenLineEnd;
+        default:
+            return kTokenOther;
+    }
+}
+
+A_long ASCIIParser::Init(const Filename& name, int open_flag, int eol_is_token) {
+    constexpr A_long kCannotRead = 4;
+    filename = name;
+    openFlag = open_flag;
+    eolIsToken = eol_is_token;
+    curChar = 0;
+    lastEol = 0;
+    A_long result = 0;
+    if (file == nullptr || buffer == nullptr) {
+        fail_at(*this, ReadErrorCode::out_of_memory, {}, "memory for reading the file", "none");
+        result = kCannotRead;
+    } else if (file->Open(filename, 1, openFlag); file->GetError() != 0) {
+        fail_at(*this, ReadErrorCode::cannot_open, {}, "a regular file that may be read", "none");
+        result = kCannotRead;
+    } else if (fileLength = bytesLeft = file->GetLength(); fileLength < 1) {
+        file->Close();
+        const bool empty = fileLength == 0;
+        fail_at(*this, empty ? ReadErrorCode::empty_file : ReadErrorCode::file_too_large, {},
+                "a file of less than 2 GiB that is not empty",
+                empty ? "an empty file" : "a file of 2 GiB or more, or of no known length");
+        result = kCannotRead;
+    } else {
+        nextsym(0);
+    }
+    charCount = 0;
+    return result;
+}
+
+int ASCIIParser::nextchar(char* out) {
+    if (status != 0) {
+        curChar = 0;
+    } else if (pushedBack != 0) {
+        pushedBack = 0;
+    } else {
+        const bool taken = TakeByte();
+        // Deliberately also when there was no byte to take: the last line end is then counted once more.
+        const bool completes_pair = CountLine();
+        if (taken) {
+            TrackPosition(completes_pair);
+        }
+    }
+    if (out != nullptr) {
+        *out = curChar;
+    }
+    count_up(charCount);
+    return status == 0 ? 1 : 0;
+}
+
+bool ASCIIParser::TakeByte() {
+    if (bufCount < 1) {
+        Refill();
+    }
+    if (bufCount < 1) {
+        return false;
+    }
+    curChar = *bufPos;
+    ++bufPos;
+    --bufCount;
+    return true;
+}
+
+void ASCIIParser::Refill() {
+    if (bytesLeft < 1) {
+        status = kStatusEndOfInput;
+        return;
+    }
+    bufCount = std::min(bytesLeft, kBlockBytes);
+    bytesLeft -= bufCount;
+    bufPos = buffer;
+    const A_long bytes_read = std::max(file->ReadBytes(buffer, bufCount, 0), A_long{0});
+    if (bytes_read < bufCount) {
+        // The file became shorter, or its medium fails. What is missing of the block reads as zero bytes.
+        std::memset(buffer + bytes_read, 0, static_cast<std::size_t>(bufCount - bytes_read));
+        status = kStatusReadFailed;
+    }
+}
+
+// Counts the line end that `curChar` may be; true when it completes a pair and so is part of the one before.
+bool ASCIIParser::CountLine() {
+    if ((curChar == '\n' && lastEol == '\r') || (curChar == '\r' && lastEol == '\n')) {
+        lastEol = 0;
+        return true;
+    }
+    if (is_line_end(curChar)) {
+        count_up(line);
+    }
+    lastEol = curChar;
+    return false;
+}
+
+// Moves char_position_ on to the byte just taken.
+void ASCIIParser::TrackPosition(bool completes_pair) {
+    if (line_ended_ && !completes_pair) {
+        ++char_position_.line;
+        char_position_.column = 0;
+    }
+    ++char_position_.offset_bytes;
+    ++char_position_.column;
+    line_ended_ = is_line_end(curChar);
+}
+
+TextPosition ASCIIParser::PositionBehind() const {
+    const TextPosition& last = char_position_;
+    return line_ended_ ? TextPosition{last.offset_bytes + 1, last.line + 1, 1}
+                       : TextPosition{last.offset_bytes + 1, last.line, last.column + 1};
+}
+
+int ASCIIParser::skipspaces() {
+    return Skip(false, true);
+}
+
+int ASCIIParser::skiplinetoend() {
+    return Skip(true, false);
+}
+
+// With `skipping` every character goes until the next line end, which clears it; with `comments` a "/" sets
+// it.
+int ASCIIParser::Skip(bool skipping, bool comments) {
+    char c = 0;
+    for (;;) {
+        if (nextchar(&c) == 0) {
+            return 0;
+        }
+        if (is_line_end(c)) {
+            if (eolIsToken != 0) {
+                break;
+            }
+            skipping = false;
+        } else if (comments && c == '/') {
+            skipping = true;
+        } else if (!skipping && c != ' ' && c != '\t') {
+            break;
+        }
+    }
+    pushedBack = 1;
+    return 1;
+}
+
+A_long ASCIIParser::nextsym(int no_numbers) {
+    if (rewound != 0) {
+        rewound = 0;
+        return sym;
+    }
+    const bool use_b = textOnHeap != 0 || text != textB;
+    if (textOnHeap != 0) {
+        delete[] text;
+        textOnHeap = 0;
+    }
+    text = use_b ? textB : textA;
+    text[0] = '\0';
+    sym = kTokenNone;
+    cut_ = TokenCut::none;
+    if (skipspaces() == 0) {
+        token_start_ = PositionBehind();
+        return CutToken(TokenCut::end_of_input);
+    }
+    token_start_ = char_position_;
+    const char c = curChar;
+    if (no_numbers == 0 && begins_number(c)) {
+        return ReadWord(true);
+    }
+    if (charClass[static_cast<unsigned char>(c)] != 0) {
+        return ReadWord(false);
+    }
+    return c == '"' || c == '\'' ? ReadString(c) : ReadOperator();
+}
+
+// A number or an identifier. Its first character has been pushed back.
+A_long ASCIIParser::ReadWord(bool number) {
+    std::size_t length = 0;
+    char c = 0;
+    for (;;) {
+        if (nextchar(&c) == 0) {
+            return CutToken(TokenCut::inside_word);
+        }
+        const bool belongs = number ? continues_number(c) : charClass[static_cast<unsigned char>(c)] != 0;
+        if (!belongs) {
+            break;
+        }
+        if (length == kTextBytes - 1) {
+            pushedBack = 1;
+            return CutToken(TokenCut::word_too_long);
+        }
+        text[length] = c;
+        ++length;
+    }
+    text[length] = '\0';
+    pushedBack = 1;
+    sym = number ? A_long{kTokenNumber} : CompareIdent(text);
+    if (sym == kTokenNone) {
+        sym = kTokenIdentifier;
+    }
+    return sym;
+}
+
+A_long ASCIIParser::ReadOperator() {
+    nextchar(text);
+    text[1] = '\0';
+    sym = CompareOperator(text[0]);
+    if (sym == kTokenNone) {
+        sym = kTokenOther;
+    }
+    return sym;
+}
+
+A_long ASCIIParser::ReadString(char quote) {
+    char* const heap_text = new_text(kFirstStringCapacity + 2);
+    if (heap_text == nullptr) {
+        return CutToken(TokenCut::out_of_memory);
+    }
+    text = heap_text;
+    text[0] = '\0';
+    textOnHeap = 1;
+    pushedBack = 0;  // the opening quote
+    std::uint64_t capacity = kFirstStringCapacity;
+    std::size_t length = 0;
+    char c = 0;
+    for (;;) {
+        if (nextchar(&c) == 0) {
+            return CutToken(TokenCut::inside_string);
+        }
+        if (c == quote) {
+            break;
+        }
+        if (c == '$' && quote == '"') {
+            char behind = 0;
+            if (nextchar(&behind) == 0) {
+                return CutToken(TokenCut::inside_string);
+            }
+            if (behind == '"') {
+                c = behind;
+            } else {
+                pushedBack = 1;
+            }
+        }
+        text[length] = c;
+        ++length;
+        if (length == capacity) {
+            if (!grow_text(text, length, capacity * 2 + 2)) {
+                return CutToken(TokenCut::out_of_memory);
+            }
+            capacity *= 2;
+        }
+    }
+    text[length] = '\0';
+    sym = quote == '"' ? kTokenString : kTokenSingleQuoted;
+    return sym;
+}
+
+// The token cannot be finished: kind 0, and never a text that somebody could take for a whole one.
+A_long ASCIIParser::CutToken(TokenCut cut) {
+    text[0] = '\0';
+    sym = kTokenNone;
+    cut_ = status == kStatusReadFailed ? TokenCut::read_failed : cut;
+    return sym;
+}
+
+void ASCIIParser::rewindsym() {
+    rewound = 1;
+}
+
+int ASCIIParser::GetReal(float& f) {
+    if (sym != kTokenNumber) {
+        return 0;
+    }
+    StrToReal(text, f);
+    return 1;
+}
+
+int ASCIIParser::GetLong(A_long& l) {
+    if (sym != kTokenNumber) {
+        return 0;
+    }
+    StrToVal(text, l);
+    return 1;
+}
+
+int Compare(const char* a, const char* b) {
+    return std::strcmp(a, b);
+}

@@ -1,0 +1,26 @@
+#include "composition/null_object.h"
+
+#include "composition/ascii_parser.h"
+#include "composition/read_report.h"
+#include "composition/read_values.h"
+
+int CNull::Load(ASCIIParser& p) {
+    isNull = 1;
+    if (LoadHead(p, BlockKind::null_object) == 0) {
+        return 0;
+    }
+    while (p.nextsym(0) != kTokenCloseBrace) {
+        if (p.sym != kTokenIdentifier) {
+            return fail(p, ReadErrorCode::expected_entry, "KEY or \"}\"");
+        }
+        if (!is_word(p, "KEY")) {
+            return fail(p, ReadErrorCode::unknown_entry, "KEY or \"}\"");
+        }
+        tagKeyFrame* key = nullptr;
+        if (LoadAndAddKeyframe(p, &key) == 0) {
+            return 0;
+        }
+    }
+    leave_block(p);
+    return 1;
+}

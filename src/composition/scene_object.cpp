@@ -1,0 +1,65 @@
+#include "composition/scene_object.h"
+
+#include <algorithm>
+#include <new>
+
+#include "composition/ascii_parser.h"
+#include "composition/read_report.h"
+#include "composition/read_values.h"
+
+CSceneObject::~CSceneObject() {
+    for (A_long i = 0; i < keyCount; ++i) {
+        delete keys[i];
+    }
+    delete[] keys;
+    delete[] name;
+}
+
+int CSceneObject::Load(ASCIIParser& /*p*/) {
+    return 0;
+}
+
+tagKeyFrame* CSceneObject::AddKeyframe() {
+    tagKeyFrame* const key = new (std::nothrow) tagKeyFrame;
+    if (key == nullptr) {
+        return nullptr;
+    }
+    const auto old_count = static_cast<std::size_t>(keyCount);
+    tagKeyFrame** const grown = new (std::nothrow) tagKeyFrame*[old_count + 1];
+    if (grown == nullptr) {
+        delete key;
+        return nullptr;
+    }
+    std::copy_n(keys, old_count, grown);
+    grown[old_count] = key;
+    delete[] keys;
+    keys = grown;
+    ++keyCount;
+    return key;
+}
+
+int CSceneObject::LoadHead(ASCIIParser& p, BlockKind kind) {
+    enter_block(p, kind);
+    if (read_name(p, name) == 0) {
+        return 0;
+    }
+    return p.nextsym(0) == kTokenOpenBrace ? 1
+                                           : fail(p, ReadErrorCode::expected_block, "\"{\" behind the name");
+}
+
+int CSceneObject::LoadAndAddKeyframe(ASCIIParser& p, tagKeyFrame** out) {
+    ValueReader values(p, "KEY");
+    return LoadKeyValues(p, values, out);
+}
+
+int CSceneObject::LoadKeyValues(ASCIIParser& p, ValueReader& values, tagKeyFrame** out) {
+    *out = AddKeyframe();
+    if (*out == nullptr) {
+        return fail(p, ReadErrorCode::out_of_memory, "a keyframe that fits into memory");
+    }
+    tagKeyFrame& key = **out;
+    return values.read_long(key.frame) != 0 && values.read_reals(key.position) != 0 &&
+                   values.read_reals(key.rotation) != 0
+               ? 1
+               : 0;
+}
