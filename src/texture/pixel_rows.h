@@ -1,0 +1,87 @@
+#pragma once
+
+#include <cstdint>
+
+#include "texture/hyper_file.h"
+#include "texture/memory.h"
+#include "texture/texture_observer.h"
+
+// The rows of a pixel-rows chunk, which textures and layers store alike: for each row and each of its
+// channels a flag and a block with that channel's bytes, one a pixel.
+
+/// The most bytes of a row buffer.
+constexpr std::int64_t kMaxRowBytes = std::int64_t{1} << 30;
+
+using PixelRowsHeader = TextureObserver::PixelRows;
+
+/// Reads the five values that open the chunk and shows them to the container's observer. Returns 1 for
+/// success; no value is judged.
+int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header);
+
+/// Reads the rows behind a header, one at a time:
+///
+///     PixelRowReader rows(hf, header);
+///     if (!rows.Begin()) return failure;
+///     while (rows.Next()) use(rows.row(), rows.bytes());
+///     if (hf->GetError() != 0) return failure;
+///
+/// One buffer serves all rows. It begins as zeros and is deliberately not cleared between rows: a channel
+/// with an unknown flag keeps the bytes of the row before, and what the caller changed in the buffer counts
+/// as such.
+class PixelRowReader {
+  public:
+    PixelRowReader(PrivateHyperFile* hf, const PixelRowsHeader& header) : hf_(hf), header_(header) {}
+
+    /// Judges the header and obtains the buffers. False with error -7 for negative sizes, for rows above
+    /// kMaxRowBytes and when memory is short; with error 1 for rows of more bytes than the rest of the file
+    /// could hold at the best rate of the row coding, before anything is allocated.
+    [[nodiscard]] bool Begin();
+
+    /// Reads the next row. False after the last one, or with the container's error set.
+    [[nodiscard]] bool Next();
+
+    /// The row's number in the picture; past the last row of any picture it stays at 2^31 - 1.
+    [[nodiscard]] std::int32_t row() const;
+
+    /// count * channels bytes, the channels of a pixel side by side. The caller may change them.
+    [[nodiscard]] unsigned char* bytes() const { return row_.get(); }
+
+  private:
+    bool ReadChannel(std::int32_t channel);
+    TextureObserver::RowOutcome Store(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
+                                      std::int32_t channel);
+    void StorePlane(const unsigned char* plane, std::int32_t channel);
+    void ClearChannel(std::int32_t channel);
+
+    PrivateHyperFile* hf_;
+    PixelRowsHeader header_;
+    MemBlock row_;
+    MemBlock scratch_;  // one decoded channel of a row
+    std::int64_t rows_read_ = 0;
+};
+
+/// Writes rows of `width` pixels and `channels` bytes a pixel: for each row the caller fills bytes() and
+/// calls WriteRow.
+class PixelRowWriter {
+  public:
+    PixelRowWriter(PrivateHyperFile* hf, std::int32_t width, std::int32_t channels)
+        : hf_(hf), width_(width), channels_(channels) {}
+
+    /// Obtains the buffers; false with error -7 when memory is short or a row is above kMaxRowBytes.
+    [[nodiscard]] bool Begin();
+
+    /// width * channels bytes, zero at the beginning.
+    [[nodiscard]] unsigned char* bytes() const { return row_.get(); }
+
+    /// Stores each channel of the row packed where that is shorter, else raw. False with the container's
+    /// error set.
+    bool WriteRow();
+
+  private:
+    PrivateHyperFile* hf_;
+    std::int32_t width_;
+    std::int32_t channels_;
+    MemBlock row_;
+    MemBlock plane_;
+    MemBlock packed_;
+};

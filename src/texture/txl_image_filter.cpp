@@ -1,0 +1,31 @@
+#include "texture/txl_image_filter.h"
+
+#include "texture/txl_ids.h"
+#include "texture/txl_image.h"
+
+bool TXLImageFilter::LoadImage(const char* path, TXLImage* target) {
+    image_ = target;
+    file_.SetPrivateData(this);
+    if (target == nullptr || file_.Open(kTextureFileIdent, path, PrivateHyperFile::kReading, 0, 0) == 0) {
+        return false;
+    }
+    // Its result does not matter: the top level has no end tag, so that reading it always ends in "no more".
+    ReadChunk(&file_);
+    file_.Close();
+    return file_.GetError() == 0;
+}
+
+bool TXLImageFilter::SaveImage(const char* path, TXLImage* source) {
+    image_ = source;
+    file_.SetPrivateData(this);
+    if (source == nullptr || file_.Open(kTextureFileIdent, path, PrivateHyperFile::kWriting, 0, 1) == 0) {
+        return false;
+    }
+    texture_.WriteObject(&file_, kChunkTexture);
+    file_.Close();
+    return file_.GetError() == 0;
+}
+
+bool TXLImageFilter::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t /*version*/) {
+    return id == kChunkTexture && texture_.ReadChunk(hf);
+}
