@@ -1,0 +1,62 @@
+#include "entry/plugin_entry.h"
+
+#include "composition/import_file.h"
+#include "entry/verify_file.h"
+#include "host/messages.h"
+#include "host/plugin_globals.h"
+#include "host/suite_handler.h"
+
+namespace {
+
+// Composition files, by Macintosh file type (any creator) and by extension.
+constexpr PFILE_FileKind kCompositionFileType = {four_char_code("AEC_"), -1};
+constexpr AEIO_FileExt kCompositionExtension = {'.', {'a', 'e', 'c'}};
+
+A_Err register_importer(AEGP_SuiteHandler& suites) {
+    const AEGP_FileImportManagerSuite2* imports = suites.FileImportManagerSuite2();
+    AE_FIM_ImportFlavorRef flavor = kInvalidImportFlavor;
+    A_Err err = imports->AEGP_RegisterImportFlavor(g_pCh_VortanXR_composition, &flavor);
+    if (err != kHostErrorNone)
+        return err;
+
+    AEIO_FileKind type{};
+    type.mac = kCompositionFileType;
+    AEIO_FileKind extension{};
+    extension.ext = kCompositionExtension;
+    err = imports->AEGP_RegisterImportFlavorFileTypes(flavor, 1, &type, 1, &extension);
+    // A host may have taken the registration without giving out a flavor to hang the callbacks on.
+    if (err != kHostErrorNone || flavor == kInvalidImportFlavor)
+        return err;
+
+    AE_FIM_ImportCallbacks callbacks{};
+    callbacks.import_cb = ImportFile;
+    callbacks.verify_cb = VerifyFileImportable;
+    return imports->AEGP_RegisterImportFlavorImportCallbacks(flavor, kImportFlagComposition, &callbacks);
+}
+
+}  // namespace
+
+A_Err Main_VORTANXR_AE(SPBasicSuite* basic, A_long majorVersion, A_long minorVersion,
+                       const A_char* /*filePath*/, const A_char* /*resourcePath*/, AEGP_PluginID pluginId,
+                       AEGP_GlobalRefcon* /*refcon*/) {
+    version55 = majorVersion > 9 || (majorVersion == 9 && minorVersion >= 32);
+    g_pBasicSuite = basic;
+    g_PluginID = pluginId;
+
+    AEGP_SuiteHandler suites(basic);
+    A_Err err = suites.RegisterSuite4()->AEGP_RegisterDeathHook(pluginId, DeathHook, nullptr);
+    if (err != kHostErrorNone) {
+        suites.UtilitySuite7()->AEGP_ReportInfo(pluginId, g_pCh_Error_Register_plugin);
+        return err;
+    }
+
+    AEGP_SuiteHandler file_type_suites(basic);
+    err = register_importer(file_type_suites);
+    if (err != kHostErrorNone)
+        file_type_suites.UtilitySuite7()->AEGP_ReportInfo(pluginId, g_pCh_Error_register_file_type);
+    return err;
+}
+
+A_Err DeathHook(AEGP_GlobalRefcon /*globalRefcon*/, AEGP_DeathRefcon /*refcon*/) {
+    return kHostErrorNone;
+}
