@@ -1,0 +1,251 @@
+#include "texture/input_module/frame_reading.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <limits>
+#include <new>
+
+#include "host/messages.h"
+#include "host/plugin_globals.h"
+#include "host/suite_handler.h"
+#include "texture/example_txl_image.h"
+#include "texture/txl_image_filter.h"
+
+namespace {
+
+constexpr A_long kDepthWithoutAlpha = 24;
+constexpr A_long kDepthWithAlpha = 32;
+constexpr A_u_long kTimeScale = 30;
+constexpr A_Fixed kNativeFramesPerSecond = 30 << 16;
+constexpr std::int64_t kBytesPerPixel = 6;
+
+// The record's address behind a handle, looked up with one lock that is given back at once. Deliberately used
+// without the lock afterwards: the record lives as long as the in-spec, and the host does not move it.
+A_Err LookUpRecord(AEGP_SuiteHandler& suites, AEGP_MemHandle handle, void** record) {
+    A_Err err = suites.MemorySuite1()->AEGP_LockMemHandle(handle, record);
+    if (err == kHostErrorNone)
+        err = suites.MemorySuite1()->AEGP_UnlockMemHandle(handle);
+    if (err == kHostErrorNone && *record == nullptr)
+        err = kHostErrorGeneric;
+    return err;
+}
+
+// Makes the record in a fresh handle of its own. The memory comes cleared, but a record is more than zero
+// bytes: its picture has a constructor, which runs here.
+A_Err MakeRecord(AEGP_SuiteHandler& suites, AEGP_MemHandle* handle, tagTexalonHeader** record) {
+    A_Err err = suites.MemorySuite1()->AEGP_NewMemHandle(g_PluginID, "optionsH", sizeof(tagTexalonHeader),
+                                                         kMemFlagClear, handle);
+    if (err == kHostErrorNone && *handle == nullptr)
+        err = kHostErrorGeneric;
+    void* address = nullptr;
+    if (err == kHostErrorNone)
+        err = LookUpRecord(suites, *handle, &address);
+    if (err == kHostErrorNone)
+        *record = new (address) tagTexalonHeader;
+    return err;
+}
+
+// Gives back the picture of the record, then the handle. The picture is emptied rather than ended: if the
+// host cannot free the handle and comes back with it, there is still a record in it, with nothing to draw.
+A_Err FreeRecord(AEGP_SuiteHandler& suites, AEGP_MemHandle handle) {
+    void* record = nullptr;
+    if (suites.MemorySuite1()->AEGP_LockMemHandle(handle, &record) == kHostErrorNone) {
+        if (record != nullptr)
+            static_cast<tagTexalonHeader*>(record)->bitmap.Destroy();
+        suites.MemorySuite1()->AEGP_UnlockMemHandle(handle);
+    }
+    return suites.MemorySuite1()->AEGP_FreeMemHandle(handle);
+}
+
+// Gives back the picture of a record that nobody will dispose of, because it never got attached: also on the
+// way of the exception for a missing suite.
+class UnattachedPicture {
+  public:
+    explicit UnattachedPicture(BaseBitmap* picture) : picture_(picture) {}
+    UnattachedPicture(const UnattachedPicture&) = delete;
+    UnattachedPicture& operator=(const UnattachedPicture&) = delete;
+    ~UnattachedPicture() {
+        if (picture_ != nullptr)
+            picture_->Destroy();
+    }
+    void Attached() { picture_ = nullptr; }
+
+  private:
+    BaseBitmap* picture_;
+};
+
+// The record that was attached before is this module's too, so it goes the way of a disposed one.
+A_Err AttachRecord(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, AEGP_MemHandle handle,
+                   UnattachedPicture* picture) {
+    void* old_handle = nullptr;
+    const A_Err err = suites.IOInSuite1()->AEGP_SetInSpecOptionsHandle(spec, handle, &old_handle);
+    if (err != kHostErrorNone)
+        return err;
+    picture->Attached();
+    return old_handle == nullptr ? kHostErrorNone
+                                 : FreeRecord(suites, static_cast<AEGP_MemHandle>(old_handle));
+}
+
+A_long ClampedSize_bytes(const tagTexalonHeader& header) {
+    // A picture has at most 2^30 pixels, which is far from the end of 64 bits, but not of 32.
+    const std::int64_t size_bytes = std::int64_t{header.width} * header.height * kBytesPerPixel;
+    return static_cast<A_long>(std::min<std::int64_t>(size_bytes, std::numeric_limits<A_long>::max()));
+}
+
+A_Err SetAlphaLabel(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec) {
+    AEIO_AlphaLabel label = {};
+    label.version = 0x0101;
+    label.flags = 1;
+    label.alpha_type = kAlphaTypePremultiplied;
+    return in_suite.AEGP_SetInSpecAlphaLabel(spec, &label);
+}
+
+A_Err DescribeFootage(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec, const tagTexalonHeader& header) {
+    A_Err err = in_suite.AEGP_SetInSpecDepth(spec, static_cast<A_short>(header.depth));
+    if (err == kHostErrorNone) {
+        const A_Time still = {0, kTimeScale};
+        err = in_suite.AEGP_SetInSpecDuration(spec, &still);
+    }
+    if (err == kHostErrorNone)
+        err = in_suite.AEGP_SetInSpecDimensions(spec, header.width, header.height);
+    if (err == kHostErrorNone)
+        err = in_suite.AEGP_SetInSpecSize(spec, ClampedSize_bytes(header));
+    if (err == kHostErrorNone)
+        err = in_suite.AEGP_SetInSpecNativeFPS(spec, kNativeFramesPerSecond);
+    if (err == kHostErrorNone && version55 && header.depth == kDepthWithAlpha)
+        err = SetAlphaLabel(in_suite, spec);
+    return err;
+}
+
+A_Err ReadIntoInSpec(AEGP_SuiteHandler& suites, AEIO_BasicData* basic, const A_char* path,
+                     AEIO_InSpecH spec) {
+    AEGP_MemHandle handle = nullptr;
+    tagTexalonHeader* header = nullptr;
+    A_Err err = MakeRecord(suites, &handle, &header);
+    if (err != kHostErrorNone)
+        return err;
+    UnattachedPicture picture(&header->bitmap);
+    err = ReadFileHeader(basic, header, path);
+    if (err == kHostErrorNone)
+        err = AttachRecord(suites, spec, handle, &picture);
+    if (err == kHostErrorNone)
+        err = DescribeFootage(*suites.IOInSuite1(), spec, *header);
+    return err;
+}
+
+unsigned char HighByte(std::uint16_t value) {
+    return static_cast<unsigned char>(value >> 8);
+}
+
+// The alpha of a pixel as the frame gets it, in the high byte: opaque for a picture without alpha, else the
+// picture's own.
+std::uint16_t DrawnAlpha(const BaseBitmap& bitmap, A_long x, A_long y) {
+    const std::int32_t channel = bitmap.GetChannelNum(0);
+    if (channel == 0)
+        return 0xFF00;
+    // The picture holds alpha unscaled, 0 to 255, and colour times 256.
+    std::uint16_t alpha = 0;
+    bitmap.GetAlphaPixel(channel, x, y, &alpha);
+    return static_cast<std::uint16_t>(alpha << 8);
+}
+
+PF_Pixel DrawnPixel(const BaseBitmap& bitmap, A_long x, A_long y) {
+    std::uint16_t red = 0;
+    std::uint16_t green = 0;
+    std::uint16_t blue = 0;
+    bitmap.GetPixel(x, y, &red, &green, &blue);
+    // Deliberately looked up under channel number 0, which the bitmap refuses (it serves channel 1 only): the
+    // variable keeps the value that it was given before.
+    std::uint16_t alpha = DrawnAlpha(bitmap, x, y);
+    bitmap.GetAlphaPixel(0, x, y, &alpha);
+    return {HighByte(alpha), HighByte(red), HighByte(green), HighByte(blue)};
+}
+
+void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world) {
+    const A_long width = std::min(bitmap.width(), world.width);
+    const A_long height = std::min(bitmap.height(), world.height);
+    for (A_long y = 0; y < height; ++y) {
+        // Rows of a host's frame may be padded, and may run upwards.
+        unsigned char* row = reinterpret_cast<unsigned char*>(world.data) + std::int64_t{y} * world.row_bytes;
+        for (A_long x = 0; x < width; ++x) {
+            const PF_Pixel pixel = DrawnPixel(bitmap, x, y);
+            std::memcpy(row + std::int64_t{x} * static_cast<std::int64_t>(sizeof(pixel)), &pixel,
+                        sizeof(pixel));
+        }
+    }
+}
+
+A_Err DrawInSpec(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, const PF_LayerDef* world) {
+    void* handle = nullptr;
+    A_Err err = suites.IOInSuite1()->AEGP_GetInSpecOptionsHandle(spec, &handle);
+    if (err != kHostErrorNone || handle == nullptr)
+        return err;
+    void* record = nullptr;
+    err = LookUpRecord(suites, static_cast<AEGP_MemHandle>(handle), &record);
+    if (err != kHostErrorNone)
+        return err;
+    if (world == nullptr || world->data == nullptr)
+        return kHostErrorParameter;
+    DrawPicture(static_cast<const tagTexalonHeader*>(record)->bitmap, *world);
+    return kHostErrorNone;
+}
+
+// The path as the record keeps it.
+using KeptPath = std::array<A_char, sizeof(tagTexalonHeader::path)>;
+
+KeptPath CutPath(const A_char* path) {
+    KeptPath kept = {};
+    for (std::size_t i = 0; i + 1 < kept.size() && path[i] != 0; ++i)
+        kept[i] = path[i];
+    return kept;
+}
+
+}  // namespace
+
+A_Err ReadFileHeader(AEIO_BasicData* basic, tagTexalonHeader* header, const A_char* path) {
+    AEGP_SuiteHandler suites(basic->basic_suite);
+    // The host's string copy knows no length, so it is given no more than fits.
+    const KeptPath kept_path = CutPath(path);
+    suites.ANSISuite1()->strcpy(header->path, kept_path.data());
+
+    TXLImageFilter filter;
+    ExampleTXLImage image(&header->bitmap);
+    if (!filter.LoadImage(path, &image)) {
+        // Deliberately shown as it stands: there is no line to name in this kind of file.
+        suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_loading_file);
+        return kHostErrorParameter;
+    }
+    header->width = image.GetBw();
+    header->height = image.GetBh();
+    header->depth = image.GetAlphaCount() < 1 ? kDepthWithoutAlpha : kDepthWithAlpha;
+    return kHostErrorNone;
+}
+
+A_Err InitInSpecFromFile(AEIO_BasicData* basic, const A_char* path, AEIO_InSpecH spec) {
+    AEGP_SuiteHandler suites(basic->basic_suite);
+    const A_Err err = ReadIntoInSpec(suites, basic, path, spec);
+    if (err != kHostErrorNone)
+        suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_loading_file);
+    return err;
+}
+
+A_Err My_DrawSparseFrame(AEIO_BasicData* basic, AEIO_InSpecH spec, const AEIO_DrawSparseFramePB* /*request*/,
+                         PF_LayerDef* world, AEIO_DrawingFlags* /*flags*/) {
+    AEGP_SuiteHandler suites(basic->basic_suite);
+    const A_Err err = DrawInSpec(suites, spec, world);
+    if (err != kHostErrorNone)
+        suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_Drawing_frame);
+    return err;
+}
+
+A_Err My_DisposeInSpec(AEIO_BasicData* basic, AEIO_InSpecH spec) {
+    AEGP_SuiteHandler suites(basic->basic_suite);
+    void* handle = nullptr;
+    const A_Err err = suites.IOInSuite1()->AEGP_GetInSpecOptionsHandle(spec, &handle);
+    if (err != kHostErrorNone || handle == nullptr)
+        return err;
+    return FreeRecord(suites, static_cast<AEGP_MemHandle>(handle));
+}
