@@ -1,0 +1,395 @@
+#include "texture/input_module/frame_reading.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "host/plugin_globals.h"
+#include "input_module/small_host.h"
+#include "input_module/texture_files.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::IsEmpty;
+
+constexpr std::int32_t kGrey = 2;
+constexpr std::int32_t kRgb = 4;
+constexpr char kLoadingMessage[] = "There was an error loading the file in line %d.";
+
+const std::string kNewHandle =
+    "AEGP_NewMemHandle(optionsH, " + std::to_string(sizeof(tagTexalonHeader)) + ", 1)";
+
+tagTexalonHeader& RecordIn(AEGP_MemHandle handle) {
+    return *reinterpret_cast<tagTexalonHeader*>(handle->bytes.get());
+}
+
+class FrameReading : public testing::Test {
+  protected:
+    A_Err Import(const std::string& path) {
+        return InitInSpecFromFile(host.basic(), path.c_str(), host.in_spec());
+    }
+
+    // As a host drops footage: after a success the in-spec is a new one.
+    A_Err Dispose() {
+        const A_Err err = My_DisposeInSpec(host.basic(), host.in_spec());
+        if (err == 0)
+            host.footage() = {};
+        return err;
+    }
+
+    void ExpectNothingWasSaidAboutTheFootage() {
+        const AEIO_SeqSpec& footage = host.footage();
+        EXPECT_FALSE(footage.depth || footage.duration || footage.dimensions || footage.size_bytes ||
+                     footage.fps || footage.alpha_label);
+    }
+
+    TextureFiles files;
+    SmallHost host;
+};
+
+struct PictureCase {
+    const char* name;
+    PaintedPicture picture;
+    A_long expected_depth;
+};
+
+const PictureCase kPictureCases[] = {
+    {"RGB", {5, 3, kRgb, 0}, 24},          {"RGB with alpha", {5, 3, kRgb, 1}, 32},
+    {"grey", {4, 6, kGrey, 0}, 24},        {"grey with alpha", {4, 6, kGrey, 1}, 32},
+    {"three alphas", {5, 3, kRgb, 3}, 32}, {"no pixels", {0, 0, kRgb, 0}, 24},
+};
+
+TEST_F(FrameReading, HeaderTellsPathSizeAndDepth) {
+    for (const PictureCase& c : kPictureCases) {
+        SCOPED_TRACE(c.name);
+        PaintedPicture picture = c.picture;
+        const std::string path = files.Save("picture.txl", picture);
+        tagTexalonHeader header;
+        EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 0);
+        EXPECT_EQ(header.path, path);
+        EXPECT_EQ(header.width, picture.GetBw());
+        EXPECT_EQ(header.height, picture.GetBh());
+        EXPECT_EQ(header.depth, c.expected_depth);
+        EXPECT_EQ(header.bitmap.width(), picture.GetBw());
+        EXPECT_EQ(header.bitmap.GetChannelCount(), c.expected_depth == 32 ? 1 : 0);
+        EXPECT_THAT(host.reports, IsEmpty());
+        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    }
+}
+
+TEST_F(FrameReading, UnreadableFileIsReportedOnce) {
+    const std::string whole = files.Save("whole.txl", {5, 3, kRgb, 0});
+    for (const std::string& path : {files.Path("missing.txl"), files.Path(""), files.Cut(whole, 100)}) {
+        SCOPED_TRACE(path);
+        host.reports.clear();
+        tagTexalonHeader header;
+        EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 3);
+        EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
+        EXPECT_EQ(header.path, path);
+        EXPECT_EQ(header.width, 0);
+        EXPECT_EQ(header.depth, 0);
+        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    }
+}
+
+TEST_F(FrameReading, PathIsCutInTheRecordButNotForReading) {
+    // Folders long enough that the file name begins past the 260 characters of the record.
+    const std::string folder = std::string(200, 'd') + "/" + std::string(200, 'e');
+    std::filesystem::create_directories(files.Path(folder));
+    const std::string path = files.Save(folder + "/deep.txl", {2, 2, kRgb, 0});
+    tagTexalonHeader header;
+    EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 0);
+    EXPECT_EQ(header.path, path.substr(0, 259));
+    EXPECT_EQ(header.width, 2);
+}
+
+TEST_F(FrameReading, PathsAtTheEndOfTheField) {
+    for (const std::size_t length : {258U, 259U, 260U, 261U}) {
+        const std::string path(length, 'p');
+        tagTexalonHeader header;
+        EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 3);
+        EXPECT_EQ(header.path, path.substr(0, 259)) << length;
+    }
+}
+
+TEST_F(FrameReading, ReadingWithoutItsSuitesThrows) {
+    const std::string path = files.Save("picture.txl", {5, 3, kRgb, 0});
+    tagTexalonHeader header;
+    host.WithholdSuite("PF ANSI Suite");
+    EXPECT_TRUE(ThrowsMissingSuite([&] { ReadFileHeader(host.basic(), &header, path.c_str()); }));
+    host.Behave();
+    host.WithholdSuite("AEGP Utility Suite");
+    EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 0) << "nothing to report";
+    EXPECT_TRUE(ThrowsMissingSuite([&] { ReadFileHeader(host.basic(), &header, "missing"); }));
+    EXPECT_THAT(host.reports, IsEmpty());
+    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+}
+
+TEST_F(FrameReading, ImportWithAlphaCallsTheHostInOrder) {
+    const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
+    EXPECT_EQ(Import(path), 0);
+    EXPECT_THAT(host.calls,
+                ElementsAre(kNewHandle, "AEGP_LockMemHandle", "AEGP_UnlockMemHandle", "strcpy",
+                            "AEGP_SetInSpecOptionsHandle", "AEGP_SetInSpecDepth", "AEGP_SetInSpecDuration",
+                            "AEGP_SetInSpecDimensions", "AEGP_SetInSpecSize", "AEGP_SetInSpecNativeFPS",
+                            "AEGP_SetInSpecAlphaLabel"));
+    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+
+    const AEIO_SeqSpec& footage = host.footage();
+    ASSERT_EQ(host.handles().size(), 1U);
+    EXPECT_EQ(footage.options, host.handles()[0].get());
+    EXPECT_EQ(footage.depth, 32);
+    ASSERT_TRUE(footage.duration.has_value());
+    EXPECT_EQ(footage.duration->value, 0);
+    EXPECT_EQ(footage.duration->scale, 30U);
+    EXPECT_EQ(footage.dimensions, std::make_pair(5, 3));
+    EXPECT_EQ(footage.size_bytes, 5 * 3 * 6);
+    EXPECT_EQ(footage.fps, 0x1E0000);
+    ASSERT_TRUE(footage.alpha_label.has_value());
+    const AEIO_AlphaLabel& label = *footage.alpha_label;
+    EXPECT_EQ(label.version, 0x0101);
+    EXPECT_EQ(AEIO_AlphaFlags{label.flags}, 1U);  // a copy: the record is packed
+    EXPECT_EQ(label.red, 0);
+    EXPECT_EQ(label.green, 0);
+    EXPECT_EQ(label.blue, 0);
+    EXPECT_EQ(label.alpha_type, 1);
+    EXPECT_THAT(host.reports, IsEmpty());
+
+    EXPECT_EQ(Dispose(), 0);
+    EXPECT_THAT(host.handles(), IsEmpty());
+}
+
+TEST_F(FrameReading, AlphaLabelNeedsAlphaAndAHostThatKnowsIt) {
+    const std::string plain = files.Save("plain.txl", {5, 3, kRgb, 0});
+    const std::string alpha = files.Save("alpha.txl", {5, 3, kRgb, 1});
+    for (const bool new_host : {false, true}) {
+        for (const bool with_alpha : {false, true}) {
+            version55 = new_host;
+            EXPECT_EQ(Import(with_alpha ? alpha : plain), 0);
+            EXPECT_EQ(host.footage().depth, with_alpha ? 32 : 24);
+            EXPECT_EQ(host.footage().alpha_label.has_value(), new_host && with_alpha);
+            EXPECT_TRUE(host.footage().fps.has_value());
+            EXPECT_EQ(Dispose(), 0);
+        }
+    }
+}
+
+struct SizeCase {
+    const char* name;
+    std::int32_t width_px;
+    std::int32_t height_px;
+    A_long expected_bytes;
+};
+
+const SizeCase kSizeCases[] = {
+    {"ordinary", 640, 480, 1843200},
+    {"last that fits 32 bits", 18918, 18918, 2147344344},
+    {"first that does not", 18919, 18919, 2147483647},
+    {"nothing", 0, 480, 0},
+};
+
+TEST_F(FrameReading, SizeInBytesIsHeldAtTheEndOf32Bits) {
+    for (const SizeCase& c : kSizeCases) {
+        SCOPED_TRACE(c.name);
+        EXPECT_EQ(Import(files.SaveHeaderOnly("large.txl", c.width_px, c.height_px)), 0);
+        EXPECT_EQ(host.footage().size_bytes, c.expected_bytes);
+        EXPECT_EQ(host.footage().dimensions, std::make_pair(c.width_px, c.height_px));
+        EXPECT_EQ(Dispose(), 0);
+    }
+}
+
+TEST_F(FrameReading, UnreadableFileIsReportedTwiceAndItsHandleKept) {
+    EXPECT_EQ(Import(files.Path("missing.txl")), 3);
+    EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage, kLoadingMessage));
+    EXPECT_THAT(host.calls, ElementsAre(kNewHandle, "AEGP_LockMemHandle", "AEGP_UnlockMemHandle", "strcpy",
+                                        "AEGP_ReportInfo", "AEGP_ReportInfo"));
+    EXPECT_EQ(host.handles().size(), 1U);
+    EXPECT_EQ(host.footage().options, nullptr);
+    ExpectNothingWasSaidAboutTheFootage();
+}
+
+TEST_F(FrameReading, PictureOfAnUnreadableFileIsGivenBack) {
+    const std::string whole = files.Save("whole.txl", {50, 30, kRgb, 0});
+    EXPECT_EQ(Import(files.Cut(whole, 2000)), 3) << "some rows were read";
+    ASSERT_EQ(host.handles().size(), 1U);
+    const BaseBitmap& picture = RecordIn(host.handles()[0].get()).bitmap;
+    EXPECT_EQ(picture.width(), 0);
+    EXPECT_EQ(picture.depth(), 0);
+}
+
+TEST_F(FrameReading, EveryFailingCallOfAnImportEndsItWithOneMessage) {
+    const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
+    ASSERT_EQ(Import(path), 0);
+    const int all_calls = host.fallible_calls();
+    ASSERT_EQ(all_calls, 10);
+    ASSERT_EQ(Dispose(), 0);
+    for (int n = 1; n <= all_calls; ++n) {
+        SCOPED_TRACE(n);
+        host.Behave();
+        host.reports.clear();
+        host.FailCall(n, 70 + n);
+        const std::size_t handles_before = host.handles().size();
+        EXPECT_EQ(Import(path), 70 + n);
+        EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
+        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_EQ(host.handles().size(), handles_before + (n == 1 ? 0 : 1)) << "the handle is kept";
+        const bool attached = n > 4;
+        EXPECT_EQ(host.footage().options != nullptr, attached);
+        if (n == 4) {
+            EXPECT_EQ(RecordIn(host.handles().back().get()).bitmap.width(), 0) << "the picture is not";
+        }
+        host.Behave();
+        EXPECT_EQ(Dispose(), 0);
+    }
+}
+
+TEST_F(FrameReading, ReportThatFailsChangesNothing) {
+    host.FailFunction("AEGP_ReportInfo", 99);
+    EXPECT_EQ(Import(files.Path("missing.txl")), 3);
+    EXPECT_EQ(host.reports.size(), 2U);
+}
+
+TEST_F(FrameReading, SuccessThatYieldsNothingIsAnError) {
+    const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
+    for (const char* function : {"AEGP_NewMemHandle", "AEGP_LockMemHandle"}) {
+        SCOPED_TRACE(function);
+        host.reports.clear();
+        host.YieldNothing(function);
+        EXPECT_EQ(Import(path), 1);
+        EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
+        EXPECT_EQ(host.footage().options, nullptr);
+        host.Behave();
+    }
+}
+
+TEST_F(FrameReading, ImportWithoutItsSuitesThrows) {
+    const std::string path = files.Save("picture.txl", {50, 30, kRgb, 1});
+    for (const char* suite : {"AEGP Memory Suite", "PF ANSI Suite", "AEGP IO In Suite"}) {
+        SCOPED_TRACE(suite);
+        host.WithholdSuite(suite);
+        EXPECT_TRUE(ThrowsMissingSuite([&] { Import(path); }));
+        EXPECT_EQ(host.footage().options, nullptr);
+        EXPECT_THAT(host.reports, IsEmpty());
+        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        if (!host.handles().empty()) {
+            EXPECT_EQ(RecordIn(host.handles().back().get()).bitmap.width(), 0) << "the picture is given back";
+        }
+        host.Behave();
+    }
+    host.WithholdSuite("AEGP Utility Suite");
+    EXPECT_TRUE(ThrowsMissingSuite([&] { Import(files.Path("missing.txl")); }));
+    host.FailFunction("AEGP_SetInSpecDepth", 5);
+    EXPECT_TRUE(ThrowsMissingSuite([&] { Import(path); }));
+    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    host.Behave();
+    EXPECT_EQ(Dispose(), 0);
+}
+
+TEST_F(FrameReading, WithoutABasicSuiteEveryCallbackThrows) {
+    AEIO_BasicData basic = *host.basic();
+    basic.basic_suite = nullptr;
+    EXPECT_TRUE(ThrowsMissingSuite([&] { InitInSpecFromFile(&basic, "picture.txl", host.in_spec()); }));
+    EXPECT_TRUE(ThrowsMissingSuite([&] { My_DisposeInSpec(&basic, host.in_spec()); }));
+    EXPECT_TRUE(
+        ThrowsMissingSuite([&] { My_DrawSparseFrame(&basic, host.in_spec(), nullptr, nullptr, nullptr); }));
+    EXPECT_THAT(host.calls, IsEmpty());
+}
+
+TEST_F(FrameReading, SecondImportReplacesTheFirst) {
+    EXPECT_EQ(Import(files.Save("first.txl", {50, 30, kRgb, 1})), 0);
+    host.calls.clear();
+    EXPECT_EQ(Import(files.Save("second.txl", {6, 4, kRgb, 0})), 0);
+    EXPECT_THAT(host.calls,
+                ElementsAre(kNewHandle, "AEGP_LockMemHandle", "AEGP_UnlockMemHandle", "strcpy",
+                            "AEGP_SetInSpecOptionsHandle", "AEGP_LockMemHandle", "AEGP_UnlockMemHandle",
+                            "AEGP_FreeMemHandle", "AEGP_SetInSpecDepth", "AEGP_SetInSpecDuration",
+                            "AEGP_SetInSpecDimensions", "AEGP_SetInSpecSize", "AEGP_SetInSpecNativeFPS"));
+    ASSERT_EQ(host.handles().size(), 1U);
+    EXPECT_EQ(RecordIn(host.handles()[0].get()).width, 6);
+    EXPECT_EQ(Dispose(), 0);
+}
+
+TEST_F(FrameReading, OldHandleThatCannotBeFreedEndsTheImport) {
+    const std::string path = files.Save("picture.txl", {5, 3, kRgb, 0});
+    ASSERT_EQ(Import(path), 0);
+    host.footage().depth.reset();
+    host.FailFunction("AEGP_FreeMemHandle", 55);
+    EXPECT_EQ(Import(path), 55);
+    EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
+    EXPECT_FALSE(host.footage().depth.has_value());
+    host.Behave();
+    EXPECT_EQ(Dispose(), 0);
+}
+
+TEST_F(FrameReading, DisposingNothingFreesNothing) {
+    EXPECT_EQ(Dispose(), 0);
+    EXPECT_THAT(host.calls, ElementsAre("AEGP_GetInSpecOptionsHandle"));
+    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+}
+
+TEST_F(FrameReading, DisposingGivesBackPictureAndHandle) {
+    ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
+    host.calls.clear();
+    EXPECT_EQ(Dispose(), 0);
+    EXPECT_THAT(host.calls, ElementsAre("AEGP_GetInSpecOptionsHandle", "AEGP_LockMemHandle",
+                                        "AEGP_UnlockMemHandle", "AEGP_FreeMemHandle"));
+    EXPECT_THAT(host.handles(), IsEmpty());
+    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+}
+
+TEST_F(FrameReading, DisposingReturnsTheErrorOfAsking) {
+    ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
+    host.FailFunction("AEGP_GetInSpecOptionsHandle", 44);
+    EXPECT_EQ(Dispose(), 44);
+    EXPECT_EQ(host.handles().size(), 1U);
+    EXPECT_THAT(host.reports, IsEmpty());
+    host.Behave();
+    EXPECT_EQ(Dispose(), 0);
+}
+
+TEST_F(FrameReading, DisposingFreesTheHandleWhateverItsLockSays) {
+    for (const char* function : {"AEGP_LockMemHandle", "AEGP_UnlockMemHandle"}) {
+        SCOPED_TRACE(function);
+        ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
+        RecordIn(host.handles()[0].get()).bitmap.Destroy();  // out of the module's reach without a lock
+        host.FailFunction(function, 44);
+        EXPECT_EQ(Dispose(), 0);
+        EXPECT_THAT(host.handles(), IsEmpty());
+        host.Behave();
+    }
+    ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
+    RecordIn(host.handles()[0].get()).bitmap.Destroy();
+    host.YieldNothing("AEGP_LockMemHandle");
+    EXPECT_EQ(Dispose(), 0);
+    EXPECT_THAT(host.handles(), IsEmpty());
+}
+
+TEST_F(FrameReading, HandleThatCannotBeFreedKeepsAnEmptyRecord) {
+    ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
+    host.FailFunction("AEGP_FreeMemHandle", 44);
+    EXPECT_EQ(Dispose(), 44);
+    EXPECT_THAT(host.reports, IsEmpty());
+    ASSERT_EQ(host.handles().size(), 1U);
+    EXPECT_EQ(RecordIn(host.handles()[0].get()).bitmap.width(), 0);
+    host.Behave();
+    EXPECT_EQ(Dispose(), 0) << "a second try gives nothing back twice";
+}
+
+TEST_F(FrameReading, DisposingWithoutItsSuitesThrows) {
+    ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
+    for (const char* suite : {"AEGP Memory Suite", "AEGP IO In Suite"}) {
+        host.WithholdSuite(suite);
+        EXPECT_TRUE(ThrowsMissingSuite([&] { Dispose(); })) << suite;
+        host.Behave();
+    }
+    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_EQ(Dispose(), 0);
+}
+
+}  // namespace

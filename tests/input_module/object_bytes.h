@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstring>
+#include <type_traits>
+#include <vector>
+
+/// Every byte of a record of the host, padding included.
+template <typename Record>
+[[nodiscard]] std::vector<unsigned char> BytesOf(const Record& record) {
+    static_assert(std::is_trivially_copyable_v<Record>);
+    std::vector<unsigned char> bytes(sizeof(record));
+    std::memcpy(bytes.data(), &record, sizeof(record));
+    return bytes;
+}
+
+/// A record of which every byte is `filling`.
+template <typename Record>
+[[nodiscard]] Record FilledWith(unsigned char filling) {
+    static_assert(std::is_trivially_copyable_v<Record>);
+    Record record;
+    std::memset(&record, filling, sizeof(record));
+    return record;
+}

@@ -1,0 +1,88 @@
+#include "texture/input_module/output_callbacks.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "input_module/object_bytes.h"
+#include "input_module/small_host.h"
+
+namespace {
+
+constexpr char kBefore = 0x5A;
+
+std::string Characters(std::size_t count) {
+    return std::string(count, 'n');
+}
+
+bool Untouched(const AEIO_Verbiage& verbiage) {
+    return BytesOf(verbiage) == std::vector<unsigned char>(sizeof(verbiage), kBefore);
+}
+
+struct NameCase {
+    const char* name;
+    std::string path;
+    std::string expected;
+};
+
+const NameCase kNameCases[] = {
+    {"after the last backslash", "C:\\out\\wall.txl", "wall.txl"},
+    {"one backslash", "\\wall.txl", "wall.txl"},
+    {"nothing after the backslash", "C:\\out\\", ""},
+    {"no backslash", "wall.txl", "???"},
+    {"slashes are no separators", "/home/out/wall.txl", "???"},
+    {"slash after the backslash", "C:\\out/wall.txl", "out/wall.txl"},
+    {"colons are no separators", "Disk:out:wall.txl", "???"},
+    {"empty path", "", "???"},
+    {"longest name", "C:\\" + Characters(31), Characters(31)},
+    {"one character longer", "C:\\" + Characters(32), Characters(31)},
+    {"longest path", "C:\\" + Characters(256), Characters(31)},
+    {"path without a terminator loses its last character", std::string(258, 'd') + "\\n", ""},
+};
+
+TEST(GetOutputInfo, NameIsWhatFollowsTheLastBackslash) {
+    for (const NameCase& c : kNameCases) {
+        SCOPED_TRACE(c.name);
+        SmallHost host;
+        host.output().path = c.path;
+        auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+        EXPECT_EQ(My_GetOutputInfo(host.basic(), host.out_spec(), &verbiage), 0);
+        EXPECT_STREQ(verbiage.name, c.expected.c_str());
+        EXPECT_STREQ(verbiage.type, "Texalon 3D");
+        EXPECT_STREQ(verbiage.sub_type, "Texalon 3D");
+        EXPECT_EQ(verbiage.type[11], kBefore);
+        EXPECT_EQ(verbiage.sub_type[11], kBefore);
+        EXPECT_THAT(host.calls, testing::ElementsAre("AEGP_GetOutSpecFilePath"));
+        EXPECT_TRUE(host.reports.empty());
+        EXPECT_TRUE(host.suites_in_use().empty());
+    }
+}
+
+TEST(GetOutputInfo, ErrorIsReportedAndReturned) {
+    SmallHost host;
+    host.FailFunction("AEGP_GetOutSpecFilePath", 77);
+    host.FailFunction("AEGP_ReportInfo", 78);
+    auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+    EXPECT_EQ(My_GetOutputInfo(host.basic(), host.out_spec(), &verbiage), 77);
+    EXPECT_THAT(host.reports, testing::ElementsAre("Unable to get file data"));
+    EXPECT_TRUE(Untouched(verbiage));
+    EXPECT_TRUE(host.suites_in_use().empty());
+}
+
+TEST(GetOutputInfo, MissingSuitesThrow) {
+    for (const char* suite : {"AEGP IO Out Suite", "AEGP Utility Suite"}) {
+        SCOPED_TRACE(suite);
+        SmallHost host;
+        host.FailFunction("AEGP_GetOutSpecFilePath", 77);
+        host.WithholdSuite(suite);
+        auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+        EXPECT_TRUE(ThrowsMissingSuite([&] { My_GetOutputInfo(host.basic(), host.out_spec(), &verbiage); }));
+        EXPECT_TRUE(Untouched(verbiage));
+        EXPECT_TRUE(host.reports.empty());
+        EXPECT_TRUE(host.suites_in_use().empty());
+    }
+}
+
+}  // namespace
