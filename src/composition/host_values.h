@@ -33,8 +33,9 @@ A_Time key_time(A_long frame, A_long from, A_long fps);
 A_FloatPoint center_point(A_long width, A_long height);
 
 /// `err`, or the host's generic error when a call that succeeded yielded no handle: nothing can be built on
-/// it.
+/// it. The handle is taken by reference, so that it is read after the call even when both stand in one
+/// expression.
 template <typename Handle>
-A_Err error_unless_yielded(A_Err err, Handle handle) {
+A_Err error_unless_yielded(A_Err err, const Handle& handle) {
     return err == kHostErrorNone && handle == nullptr ? kHostErrorGeneric : err;
 }
