@@ -1,0 +1,80 @@
+#include "cli/bash_completion.h"
+
+namespace cli {
+namespace {
+
+// What may follow a page's command: its verbs and its options.
+struct Words {
+    std::string verbs;
+    std::string options;
+    std::string with_value;  ///< options whose next word is a value, as a pattern: "--save|--log"
+};
+
+Words words_of(const Page& page) {
+    Words words;
+    for (const PageSection& section : page.sections) {
+        for (const PageEntry& entry : section.entries) {
+            for (const std::string& name : entry.names) {
+                if (section.title == "Verbs") {
+                    words.verbs += name.substr(0, name.find(' ')) + ' ';
+                } else if (!entry.positional) {
+                    words.options += name + ' ';
+                    words.with_value +=
+                        entry.value.empty() ? "" : (words.with_value.empty() ? "" : "|") + name;
+                }
+            }
+        }
+    }
+    return words;
+}
+
+constexpr const char* kHead = R"(# bash completion for vxr; written by `vxr completion bash`
+_vxr() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
+    local command=vxr verbs= options= values= word i
+    COMPREPLY=()
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        word=${COMP_WORDS[i]}
+        case "$command $word" in
+)";
+
+constexpr const char* kMiddle = R"(        esac
+    done
+    case "$command" in
+)";
+
+constexpr const char* kTail = R"(    esac
+    if [[ -n $values && $previous == @($values) ]]; then
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    elif [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+    elif [[ -n $verbs ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$verbs" -- "$current")
+    else
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    fi
+}
+shopt -s extglob
+complete -o filenames -F _vxr vxr
+)";
+
+}  // namespace
+
+std::string bash_completion(const std::vector<Page>& pages) {
+    std::string script = kHead;
+    for (const Page& page : pages) {
+        if (page.command.find(' ') != std::string::npos) {
+            script += "            \"" + page.command + "\") command=\"" + page.command + "\" ;;\n";
+        }
+    }
+    script += kMiddle;
+    for (const Page& page : pages) {
+        const Words words = words_of(page);
+        script += "        \"" + page.command + "\")\n            verbs=\"" + words.verbs +
+                  "\"\n            options=\"" + words.options + "\"\n            values=\"" +
+                  words.with_value + "\"\n            ;;\n";
+    }
+    return script + kTail;
+}
+
+}  // namespace cli

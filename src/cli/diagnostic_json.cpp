@@ -1,0 +1,42 @@
+#include "cli/diagnostic.h"
+#include "embedded/json_values.h"
+
+namespace cli {
+namespace {
+
+using embedded::Json;
+using embedded::json_text;
+
+Json number_or_null(const std::optional<std::int64_t>& value) {
+    return value ? Json(*value) : Json();
+}
+
+Json texts(const std::vector<std::string>& list) {
+    Json array = Json::array();
+    for (const std::string& text : list) {
+        array.push_back(json_text(text));
+    }
+    return array;
+}
+
+}  // namespace
+
+nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
+    Json at;
+    at["file"] = json_text(diagnostic.at.file);
+    at["line"] = number_or_null(diagnostic.at.line);
+    at["column"] = number_or_null(diagnostic.at.column);
+    at["offset_bytes"] = number_or_null(diagnostic.at.offset_bytes);
+    Json json;
+    json["severity"] = diagnostic.severity == Severity::error ? "error" : "warning";
+    json["code"] = diagnostic.code;
+    json["at"] = at;
+    json["reason"] = json_text(diagnostic.reason);
+    json["within"] = texts(diagnostic.within);
+    json["effects"] = texts(diagnostic.effects);
+    json["count"] = diagnostic.count;
+    json["source_line"] = diagnostic.source_line ? json_text(*diagnostic.source_line) : Json();
+    return json;
+}
+
+}  // namespace cli

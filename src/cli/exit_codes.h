@@ -1,0 +1,48 @@
+#pragma once
+
+#include <array>
+
+namespace cli {
+
+/// What the program tells the shell.
+enum class ExitCode {
+    fine = 0,
+    refused = 1,
+    usage = 2,
+    cannot_read_or_write = 3,
+};
+
+struct ExitCodeRow {
+    ExitCode code;
+    const char* meaning;
+};
+
+/// Every exit code, for help, manual and documents.
+inline constexpr std::array<ExitCodeRow, 4> kExitCodes{{
+    {ExitCode::fine, "everything that was asked for was done"},
+    {ExitCode::refused, "a file is refused, or the import did not finish"},
+    {ExitCode::usage, "wrong usage; nothing was read or written"},
+    {ExitCode::cannot_read_or_write, "a file cannot be read or written"},
+}};
+
+/// With several files the most serious outcome counts. A file that could not be looked at at all is more
+/// serious than one that was looked at and refused; wrong usage comes before any file, so nothing outranks
+/// it.
+constexpr ExitCode most_serious(ExitCode a, ExitCode b) {
+    constexpr auto rank = [](ExitCode code) {
+        switch (code) {
+            case ExitCode::fine:
+                return 0;
+            case ExitCode::refused:
+                return 1;
+            case ExitCode::cannot_read_or_write:
+                return 2;
+            case ExitCode::usage:
+                break;
+        }
+        return 3;
+    };
+    return rank(a) < rank(b) ? b : a;
+}
+
+}  // namespace cli

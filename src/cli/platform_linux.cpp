@@ -1,0 +1,19 @@
+#include <unistd.h>
+
+#include <system_error>
+
+#include "cli/platform.h"
+
+namespace cli {
+
+bool is_terminal(int descriptor) {
+    return ::isatty(descriptor) == 1;
+}
+
+std::filesystem::path program_path() {
+    std::error_code error;
+    std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
+    return error ? std::filesystem::path() : path;
+}
+
+}  // namespace cli

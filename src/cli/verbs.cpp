@@ -1,0 +1,20 @@
+#include "cli/verbs.h"
+
+#include "cli/help_command.h"
+
+namespace cli {
+
+const std::vector<Verb>& verbs() {
+    static const std::vector<Verb> kVerbs{
+        help_verb(),
+        completion_verb(),
+    };
+    return kVerbs;
+}
+
+const std::vector<VerbGroup>& verb_groups() {
+    static const std::vector<VerbGroup> kGroups{};
+    return kGroups;
+}
+
+}  // namespace cli
