@@ -33,7 +33,7 @@ ReadErrorCode code_of(TokenCut cut, ReadErrorCode otherwise) {
 }
 
 std::string whole_token(const ASCIIParser& p) {
-    const std::string text = quoted(p.text);
+    std::string text = quoted(p.text);
     switch (p.sym) {
         case kTokenString:
             return "the text " + text;
