@@ -1,0 +1,229 @@
+// One small file that uses every construct, cut at every length, changed at every byte, read with too little
+// memory and with too little stack. Whatever comes of it is a refusal or a model that holds together; the
+// sanitizers of the development build watch the rest.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <pthread.h>
+
+#include <cstring>
+#include <memory>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+
+#include "composition/composition_file.h"
+#include "composition/parsed_text.h"
+#include "composition/recording_observer.h"
+#include "composition/refused_memory.h"
+
+namespace {
+
+const std::string kSmallFile =
+    "VORTAN XR COMPOSITION RESOLUTION 7 5 FROM 0 TO 9 RANGE 10 FPS 25 ASPECT 1.5 FIELDS ODD LOCAL\n"
+    "COMPOSITION NRM \"M$\"\" { / c\n FILE ADD PREMUL \"a.tif\"\n COMPOSITION MUL \"N\" { } }\r\n"
+    "FSEQ <-> STRAIGHT \"a-path-of-more-than-twenty-bytes.tif\"\n"
+    "CAMERA \"C\" { KEY 0 1 2 3 4 5 6 40 KEY 1 1 2 3 4 5 6 40 900 }\n"
+    "LIGHT \"L\" { TYPE SPOT SHADOW HARD COLOR 1 1 1 INTENSITY 2 ANGLE 3 KEY 0 1 2 3 4 5 6 }\n"
+    "NULL \"a name that is longer than fifty characters, so that it grows\" { KEY 0 1 2 3 4 5 6 }\n";
+
+void check_children(CDoubleLinkedList<CCompoChild>& children, const CComposition* parent, bool whole) {
+    const std::vector<CCompoChild*> nodes = nodes_of(children);
+    ASSERT_EQ(nodes.size(), static_cast<std::size_t>(children.count));
+    for (const CCompoChild* const child : nodes) {
+        if (child->type == kChildComposition) {
+            CComposition& nested = *child->item.composition;
+            EXPECT_EQ(nested.parent, parent);
+            EXPECT_TRUE(!whole || nested.name != nullptr);
+            check_children(nested.children, &nested, whole);
+        } else {
+            const CFileItem& file = *child->item.file;
+            EXPECT_TRUE(file.isSequence == 0 || file.isSequence == 1);
+            EXPECT_TRUE(!whole || parent == nullptr || file.path != nullptr);
+            EXPECT_TRUE(file.path == nullptr || std::strlen(file.path) > 0);
+        }
+    }
+}
+
+// Visits every node, number and text of a model. A whole one has everything that a file must have.
+void check_model(tagProjectSettings& settings, bool whole) {
+    if (whole) {
+        EXPECT_GT(settings.width, 0);
+        EXPECT_GT(settings.height, 0);
+        EXPECT_GE(settings.from, 0);
+        EXPECT_GE(settings.to, 0);
+        EXPECT_GT(settings.range, 0);
+        EXPECT_GT(settings.fps, 0);
+        EXPECT_GE(settings.aspect, 0.01F);
+        EXPECT_LE(settings.aspect, 100.0F);
+        EXPECT_NE(settings.composition.name, nullptr);
+    }
+    check_children(settings.composition.children, &settings.composition, whole);
+    check_children(settings.files, nullptr, whole);
+    ASSERT_EQ(nodes_of(settings.objects).size(), static_cast<std::size_t>(settings.objects.count));
+    for (const CSceneObject* const object : nodes_of(settings.objects)) {
+        EXPECT_TRUE(!whole || object->name != nullptr);
+        for (A_long i = 0; i < object->keyCount; ++i) {
+            const tagKeyFrame& key = *object->keys[i];
+            EXPECT_EQ(key.targetDistance, key.targetDistance) << "no number of a file is NaN";
+        }
+    }
+}
+
+// Reads `text` with and without an observer; both must agree. Returns the result.
+int read_and_check(const TemporaryFolder& folder, std::string_view text) {
+    const std::string path = folder.write("shot.aec", text);
+    int results[2] = {};
+    RecordingObserver observer;
+    for (const bool observed : {false, true}) {
+        ASCIIParser p;
+        p.SetObserver(observed ? &observer : nullptr);
+        tagProjectSettings settings;
+        const bool opened = p.Init(Filename(path.c_str()), 1, 0) == 0;
+        results[observed ? 1 : 0] = opened ? ReadCompositionFile(p, settings) : 0;
+        check_model(settings, results[observed ? 1 : 0] == 1);
+    }
+    EXPECT_EQ(results[0], results[1]);
+    EXPECT_EQ(observer.errors.size(), results[0] == 1 ? 0U : 1U) << "a refusal has exactly one reason";
+    if (!observer.errors.empty()) {
+        EXPECT_GE(observer.errors[0].at.offset_bytes, 0);
+        EXPECT_LE(observer.errors[0].at.offset_bytes, static_cast<std::int64_t>(text.size()));
+    }
+    return results[0];
+}
+
+TEST(DamagedFile, WholeItIsFine) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(read_and_check(folder, kSmallFile), 1);
+}
+
+TEST(DamagedFile, CutAtEveryLength) {
+    const TemporaryFolder folder;
+    int accepted = 0;
+    for (std::size_t length = 0; length < kSmallFile.size(); ++length) {
+        SCOPED_TRACE(length);
+        accepted += read_and_check(folder, kSmallFile.substr(0, length));
+    }
+    EXPECT_GT(accepted, 0) << "a file may end behind any of its sections";
+    EXPECT_LT(accepted, 300);
+}
+
+TEST(DamagedFile, EveryByteChanged) {
+    const TemporaryFolder folder;
+    int refused = 0;
+    for (std::size_t i = 0; i < kSmallFile.size(); ++i) {
+        for (const char byte : {'\0', '"', '/', '}', '9'}) {
+            SCOPED_TRACE(testing::Message() << "byte " << i << " is " << static_cast<int>(byte));
+            std::string text = kSmallFile;
+            text[i] = byte;
+            refused += 1 - read_and_check(folder, text);
+        }
+    }
+    EXPECT_GT(refused, 0);
+}
+
+TEST(DamagedFile, EveryByteFlipped) {
+    const TemporaryFolder folder;
+    for (std::size_t i = 0; i < kSmallFile.size(); ++i) {
+        SCOPED_TRACE(i);
+        std::string text = kSmallFile;
+        text[i] = static_cast<char>(~text[i]);
+        read_and_check(folder, text);
+    }
+}
+
+TEST(DamagedFile, EveryAllocationRefused) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("shot.aec", kSmallFile);
+    const auto read = [&](long first_refused) {
+        auto settings = std::make_unique<tagProjectSettings>();
+        int result = 0;
+        {
+            const RefusedMemory refused(first_refused);
+            ASCIIParser p;
+            result = p.Init(Filename(path.c_str()), 1, 0) == 0 ? ReadCompositionFile(p, *settings) : 0;
+        }
+        check_model(*settings, result == 1);
+        return result;
+    };
+    ASSERT_EQ(read(1000000), 1);
+    const long asked = RefusedMemory::asked();
+    ASSERT_GT(asked, 30) << "the operators of this program were not used";
+    int accepted = 0;
+    for (long first_refused = 0; first_refused < asked; ++first_refused) {
+        SCOPED_TRACE(first_refused);
+        accepted += read(first_refused);
+    }
+    EXPECT_EQ(accepted, 0);
+}
+
+TEST(DamagedFile, EveryAllocationRefusedIsToldToTheObserver) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("shot.aec", kSmallFile);
+    std::set<ReadErrorCode> codes;
+    for (long first_refused = 0; first_refused < 200; ++first_refused) {
+        RecordingObserver observer;
+        tagProjectSettings settings;
+        const RefusedMemory refused(first_refused);
+        ASCIIParser p;
+        p.SetObserver(&observer);
+        if (p.Init(Filename(path.c_str()), 1, 0) == 0) {
+            ReadCompositionFile(p, settings);
+        }
+        if (!observer.errors.empty()) {
+            codes.insert(observer.errors[0].code);
+        }
+    }
+    EXPECT_THAT(codes, testing::Contains(ReadErrorCode::out_of_memory));
+}
+
+std::string nested(int levels) {
+    std::string text = file_with("");
+    for (int i = 0; i < levels; ++i) {
+        text += "COMPOSITION NRM \"level\" { FILE NRM PREMUL \"x\"\n";
+    }
+    for (int i = 0; i < levels; ++i) {
+        text += "}";
+    }
+    return text + "\n";
+}
+
+// Everything of one import, kept off the stack that is measured.
+struct DeepRead {
+    explicit DeepRead(std::string file_path) : path(std::move(file_path)) {}
+
+    std::string path;
+    ASCIIParser p;
+    std::optional<tagProjectSettings> settings{std::in_place};
+    int result = -1;
+};
+
+void* read_deep(void* argument) {
+    auto& deep = *static_cast<DeepRead*>(argument);
+    if (deep.p.Init(Filename(deep.path.c_str()), 1, 0) == 0) {
+        deep.result = ReadCompositionFile(deep.p, *deep.settings);
+    }
+    deep.settings.reset();
+    return nullptr;
+}
+
+// Reading and deleting the deepest tree, on a thread that has no more stack than that.
+TEST(DamagedFile, NestingStaysWithin512KiBOfStack) {
+    constexpr std::size_t kStackBytes = std::size_t{512} * 1024;
+    const TemporaryFolder folder;
+    const std::pair<int, int> cases[] = {{1024, 1}, {1025, 0}, {100000, 0}};
+    for (const auto& [levels, result] : cases) {
+        const auto deep = std::make_unique<DeepRead>(folder.write("shot.aec", nested(levels)));
+        pthread_attr_t attributes;
+        ASSERT_EQ(pthread_attr_init(&attributes), 0);
+        ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStackBytes), 0);
+        pthread_t thread{};
+        ASSERT_EQ(pthread_create(&thread, &attributes, read_deep, deep.get()), 0);
+        ASSERT_EQ(pthread_join(thread, nullptr), 0);
+        pthread_attr_destroy(&attributes);
+        EXPECT_EQ(deep->result, result) << levels;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,58 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "composition/read_observer.h"
+
+/// "line:column@offset"
+inline std::string place(const TextPosition& at) {
+    return std::to_string(at.line) + ":" + std::to_string(at.column) + "@" + std::to_string(at.offset_bytes);
+}
+
+/// Writes every event down, one text each.
+class RecordingObserver : public ReadObserver {
+  public:
+    void on_failure(const ReadError& error) override {
+        std::string text =
+            "failure " + place(error.at) + " " + read_error_row(error.code).name + ": " + error.message();
+        for (const std::string& block : error.within) {
+            text += " in " + block;
+        }
+        events.push_back(text);
+        errors.push_back(error);
+    }
+    void on_keyword(std::string_view keyword, const TextPosition& at) override {
+        events.push_back("keyword " + place(at) + " " + std::string(keyword));
+    }
+    void on_value(const ReadValue& value) override {
+        events.push_back("value " + place(value.at) + " " + std::string(value.keyword) + "[" +
+                         std::to_string(value.index) + "] " + std::string(value.text) + " = " +
+                         std::to_string(value.number));
+    }
+    void on_block_begin(const ReadBlock& block) override {
+        events.push_back("begin " + place(block.at) + " " + block_word(block.kind) + " " +
+                         place(block.name_at) + " " + block.name + " depth " +
+                         std::to_string(blocks().size()));
+    }
+    void on_block_end(const ReadBlock& block, const TextPosition& at) override {
+        events.push_back("end " + place(at) + " " + block_word(block.kind) + " " + block.name);
+    }
+    void on_footage(const ReadFootage& footage) override {
+        events.push_back("footage " + place(footage.at) + (footage.is_sequence ? " sequence" : " file") +
+                         (footage.top_level ? " top" : "") + " " + place(footage.path_at) + " " +
+                         std::string(footage.written) + (footage.opens_as_written ? " opens" : "") +
+                         (footage.problem ? std::string(" ") + read_error_row(*footage.problem).name : ""));
+        resolved.emplace_back(footage.resolved == nullptr ? "(null)" : footage.resolved);
+    }
+    void on_ignored(std::string_view text, const TextPosition& at) override {
+        events.push_back("ignored " + place(at) + " " + std::string(text));
+    }
+    void on_end(const TextPosition& at, bool at_end_of_file) override {
+        events.push_back("done " + place(at) + (at_end_of_file ? " end of file" : " text follows"));
+    }
+
+    std::vector<std::string> events;
+    std::vector<std::string> resolved;
+    std::vector<ReadError> errors;
+};
