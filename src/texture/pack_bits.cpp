@@ -123,8 +123,7 @@ bool PackBitsDecode(const unsigned char* src, std::int32_t srcLen, unsigned char
             std::memset(dst, *src++, static_cast<std::size_t>(length));
             --in;
         } else {
-            if (in <= 0)
-                return false;
+            // No byte left copies nothing, and leaves output that is still wanted.
             length = std::min({std::int64_t{control} + 1, in, out});
             std::memcpy(dst, src, static_cast<std::size_t>(length));
             src += length;
