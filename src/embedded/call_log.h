@@ -23,7 +23,7 @@ class CallLog {
 
     /// Null turns the log off, which is how a host starts. While it is off nothing is built or written; calls
     /// are numbered all the same.
-    void set_sink(Sink sink) { sink_ = std::move(sink); }
+    void set_sink(Sink sink);
     [[nodiscard]] bool on() const { return static_cast<bool>(sink_); }
 
     /// Numbers a call. Every begin is followed by its end; calls may nest, when a host function calls back

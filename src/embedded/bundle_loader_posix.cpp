@@ -1,0 +1,42 @@
+#include <dlfcn.h>
+
+#include "embedded/bundle_loader.h"
+
+namespace embedded {
+namespace {
+
+class PosixBundle final : public BundleLoader {
+  public:
+    explicit PosixBundle(void* library) : library_(library) {}
+    PosixBundle(const PosixBundle&) = delete;
+    PosixBundle& operator=(const PosixBundle&) = delete;
+    ~PosixBundle() override { dlclose(library_); }
+
+    [[nodiscard]] Function function(const char* name) const override {
+        return reinterpret_cast<Function>(dlsym(library_, name));
+    }
+
+  private:
+    void* library_;
+};
+
+}  // namespace
+
+std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& path, std::string& error) {
+    // Made absolute: dlopen looks a name without a slash up in the system's library folders.
+    std::error_code failure;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
+    if (failure) {
+        error = failure.message();
+        return nullptr;
+    }
+    void* library = dlopen(absolute.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (library == nullptr) {
+        const char* reason = dlerror();
+        error = reason == nullptr ? "unknown reason" : reason;
+        return nullptr;
+    }
+    return std::make_unique<PosixBundle>(library);
+}
+
+}  // namespace embedded

@@ -1,0 +1,38 @@
+#include "embedded/call_log.h"
+
+namespace embedded {
+
+void CallLog::set_sink(Sink sink) {
+    sink_ = std::move(sink);
+    waiting_.clear();
+}
+
+std::int64_t CallLog::begin() {
+    ++last_;
+    if (on())
+        waiting_.push_back({last_, false, {}});
+    return last_;
+}
+
+void CallLog::end(std::int64_t n, const nlohmann::ordered_json& line) {
+    // Innermost calls end first, so the one looked for stands near the back.
+    for (auto waiting = waiting_.rbegin(); waiting != waiting_.rend(); ++waiting) {
+        if (waiting->n != n)
+            continue;
+        waiting->line = line.dump();
+        waiting->done = true;
+        break;
+    }
+    flush();
+}
+
+void CallLog::flush() {
+    while (!waiting_.empty() && waiting_.front().done) {
+        const std::string line = std::move(waiting_.front().line);
+        waiting_.pop_front();
+        if (sink_)
+            sink_(line);
+    }
+}
+
+}  // namespace embedded

@@ -1,0 +1,238 @@
+#include "embedded/host.h"
+
+#include <algorithm>
+#include <iterator>
+
+#include "embedded/module_driver.h"
+#include "embedded/session.h"
+
+namespace embedded {
+namespace {
+
+/// The importer for the file's extension, else the first there is: a person may have any file imported as
+/// something.
+const ImportFlavor* flavor_for(const Session& session, const std::string& path) {
+    const std::string extension = lower_extension(path);
+    const ImportFlavor* first = nullptr;
+    for (const ImportFlavor& flavor : session.flavors) {
+        if (flavor.callbacks.import_cb == nullptr)
+            continue;
+        if (std::find(flavor.extensions.begin(), flavor.extensions.end(), extension) !=
+            flavor.extensions.end())
+            return &flavor;
+        if (first == nullptr)
+            first = &flavor;
+    }
+    return first;
+}
+
+struct FlagWord {
+    A_long flag;
+    const char* word;
+};
+
+constexpr FlagWord kFlagWords[] = {
+    {kModuleFlagInput, "input"},
+    {kModuleFlagOutput, "output"},
+    {kModuleFlagFile, "file"},
+    {kModuleFlagStill, "still"},
+    {kModuleFlagNoTime, "no time"},
+    {kModuleFlagNoOptions, "no options"},
+    {kModuleFlagNoUserInterface, "no user interface"},
+};
+
+LoadResult call_entry(Session& session, AEGP_PluginInitFunc entry, const std::string& path) {
+    LoadResult loaded;
+    loaded.entry = session.run("entry point", [&] {
+        return entry(basic_suite_table(), session.options.version.major, session.options.version.minor,
+                     path.c_str(), path.c_str(), session.plugin_id, &session.global_refcon);
+    });
+    if (loaded.entry.code == kHostErrorNone)
+        return loaded;
+    loaded.error = loaded.entry.missing_suite
+                       ? "the entry point asked for a suite that this host does not offer"
+                       : "the entry point failed with host error " + std::to_string(loaded.entry.code);
+    session.forget_registrations();
+    return loaded;
+}
+
+}  // namespace
+
+std::string Module::name() const {
+    return {info.name, std::find(info.name, std::end(info.name), '\0')};
+}
+
+std::vector<std::string> Module::extensions() const {
+    std::vector<std::string> all;
+    // The table holds the file types first, then the extensions.
+    for (int i = info.num_filetypes; i < info.num_filetypes + info.num_extensions; ++i) {
+        std::string extension = extension_text(info.read_kinds[i].ext);
+        if (std::find(all.begin(), all.end(), extension) == all.end())
+            all.push_back(std::move(extension));
+    }
+    return all;
+}
+
+std::vector<std::string> Module::flag_words() const {
+    std::vector<std::string> words;
+    for (int bit = 0; bit < 32; ++bit) {
+        const auto flag = static_cast<A_long>(1U << static_cast<unsigned>(bit));
+        if ((info.flags & flag) == 0)
+            continue;
+        const auto* known = std::find_if(std::begin(kFlagWords), std::end(kFlagWords),
+                                         [flag](const FlagWord& word) { return word.flag == flag; });
+        words.push_back(known == std::end(kFlagWords) ? "bit " + std::to_string(bit) : known->word);
+    }
+    return words;
+}
+
+Host::Host(HostOptions options) : session_(std::make_unique<Session>(std::move(options))) {}
+
+Host::~Host() {
+    try {
+        session_->unload();
+    } catch (...) {
+        // A destructor must not throw; whoever wants to see what the bundle throws at its end calls unload().
+        session_->forget_registrations();
+    }
+}
+
+LoadResult Host::load(const std::filesystem::path& bundle, const std::string& entry) {
+    unload();
+    LoadResult loaded;
+    session_->bundle = BundleLoader::open(bundle, loaded.error);
+    if (!session_->bundle) {
+        if (loaded.error.empty())
+            loaded.error = "the bundle cannot be loaded";
+        return loaded;
+    }
+    const auto function = reinterpret_cast<AEGP_PluginInitFunc>(session_->bundle->function(entry.c_str()));
+    if (function == nullptr) {
+        session_->bundle.reset();
+        loaded.error = "the bundle does not export " + entry;
+        return loaded;
+    }
+    loaded = call_entry(*session_, function, bundle.string());
+    if (!loaded.ok())
+        session_->bundle.reset();
+    return loaded;
+}
+
+LoadResult Host::load_entry(AEGP_PluginInitFunc entry) {
+    unload();
+    return call_entry(*session_, entry, "");
+}
+
+void Host::unload() {
+    session_->unload();
+}
+
+const std::vector<ImportFlavor>& Host::flavors() const {
+    return session_->flavors;
+}
+
+const std::vector<Module>& Host::modules() const {
+    return session_->modules;
+}
+
+VerifyResult Host::verify(const std::string& path) {
+    VerifyResult result;
+    const ImportFlavor* flavor = flavor_for(*session_, path);
+    if (flavor == nullptr)
+        return result;
+    const AE_FIM_ImportCallbacks callbacks = flavor->callbacks;
+    A_Boolean importable = 0;
+    result.callback = run("verify callback",
+                          [&] { return callbacks.verify_cb(path.c_str(), callbacks.refcon, &importable); });
+    result.importable = result.callback.code == kHostErrorNone && importable != 0;
+    return result;
+}
+
+CallbackResult Host::import_file(const std::string& path) {
+    const ImportFlavor* flavor = flavor_for(*session_, path);
+    if (flavor == nullptr)
+        return {kHostErrorGeneric, false};
+    const AE_FIM_ImportCallbacks callbacks = flavor->callbacks;
+    return run("import callback", [&] {
+        return callbacks.import_cb(path.c_str(), nullptr, kSpecialActionNone,
+                                   session_->handles.handle<AEGP_ItemH>(kRootFolder), callbacks.refcon);
+    });
+}
+
+const Project& Host::project() const {
+    return session_->project;
+}
+
+const std::vector<Message>& Host::messages() const {
+    return session_->project.messages;
+}
+
+const DisciplineReport& Host::discipline() const {
+    return session_->discipline;
+}
+
+std::map<std::string, std::int64_t> Host::call_counts() const {
+    std::map<std::string, std::int64_t> counts;
+    for (std::size_t i = 0; i < kFunctionCount; ++i) {
+        if (session_->call_counts[i] > 0)
+            counts[kFunctions[i].name] = session_->call_counts[i];
+    }
+    return counts;
+}
+
+void Host::log_calls(CallLog::Sink sink) {
+    session_->log.set_sink(std::move(sink));
+}
+
+const Module* Host::module_for(std::string_view path) const {
+    return embedded::module_for(*session_, path);
+}
+
+OpenResult Host::open_with_module(const std::string& path) {
+    const Module* module = module_for(path);
+    if (module == nullptr)
+        return {{kHostErrorGeneric, false}, "no input module takes files of this kind", 0};
+    return embedded::open_with_module(*session_, *module, path);
+}
+
+DrawResult Host::draw(Id in_spec, const FrameShape& shape) {
+    return draw_frame(*session_, in_spec, shape);
+}
+
+CallbackResult Host::dispose(Id in_spec) {
+    return dispose_in_spec(*session_, in_spec);
+}
+
+SPBasicSuite* Host::basic_suite() {
+    return basic_suite_table();
+}
+
+AEGP_PluginID Host::plugin_id() const {
+    return session_->plugin_id;
+}
+
+AEIO_BasicData* Host::basic_data() {
+    return &session_->basic_data;
+}
+
+Id Host::new_in_spec(const std::string& path) {
+    const Id made = make_in_spec(*session_, path);
+    if (const Module* module = module_for(path))
+        session_->in_spec(made).module_signature = module->info.signature;
+    return made;
+}
+
+AEIO_InSpecH Host::in_spec_handle(Id in_spec) const {
+    return session_->handles.handle<AEIO_InSpecH>(in_spec);
+}
+
+AEIO_OutSpecH Host::new_out_spec(const std::string& path) {
+    session_->out_spec_paths.push_back(path);
+    return session_->handles.make<AEIO_OutSpecH>();
+}
+
+CallbackResult Host::run(const std::string& name, const std::function<A_Err()>& body) {
+    return session_->run(name, body);
+}
+
+}  // namespace embedded

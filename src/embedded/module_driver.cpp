@@ -1,0 +1,207 @@
+#include "embedded/module_driver.h"
+
+#include <algorithm>
+
+#include "embedded/guarded_frame.h"
+
+namespace embedded {
+namespace {
+
+char lower(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+OpenResult failed(const CallbackResult& callback, std::string error) {
+    return {callback, std::move(error), 0};
+}
+
+/// Text of a fixed field, which need not be terminated.
+template <std::size_t N>
+std::string field_text(const A_char (&field)[N]) {
+    return {field, std::find(field, field + N, '\0')};
+}
+
+/// A module that could not finish may have attached its options already; they are its own to free.
+OpenResult abandon(Session& session, Id in_spec, const CallbackResult& callback, std::string error) {
+    if (session.in_spec(in_spec).options != 0) {
+        dispose_in_spec(session, in_spec);
+    } else {
+        session.in_spec(in_spec).disposed = true;
+        session.handles.kill(HandleKind::in_spec, in_spec);
+    }
+    return failed(callback, std::move(error));
+}
+
+}  // namespace
+
+std::string lower_extension(std::string_view path) {
+    const std::size_t dot = path.rfind('.');
+    const std::size_t separator = path.find_last_of("/\\");
+    if (dot == std::string_view::npos || (separator != std::string_view::npos && separator > dot))
+        return {};
+    std::string extension(path.substr(dot));
+    std::transform(extension.begin(), extension.end(), extension.begin(), lower);
+    return extension;
+}
+
+std::string extension_text(const AEIO_FileExt& extension) {
+    std::string text = ".";
+    for (const A_char c : extension.extension) {
+        if (c != '\0' && c != ' ')
+            text += lower(c);
+    }
+    return text;
+}
+
+const Module* module_for(const Session& session, std::string_view path) {
+    const std::string extension = lower_extension(path);
+    for (const Module& module : session.modules) {
+        const std::vector<std::string> taken = module.extensions();
+        if (std::find(taken.begin(), taken.end(), extension) != taken.end())
+            return &module;
+    }
+    return nullptr;
+}
+
+Id make_in_spec(Session& session, const std::string& path) {
+    session.handles.make<AEIO_InSpecH>();
+    InSpec& made = session.project.in_specs.emplace_back();
+    made.id = static_cast<Id>(session.project.in_specs.size());
+    made.path = path;
+    return made.id;
+}
+
+OpenResult open_with_module(Session& session, const Module& registered, const std::string& path) {
+    const Module module = registered;  // a callback may register more and move the table
+    AEIO_BasicData* basic = &session.basic_data;
+    basic->refcon = module.refcon;
+
+    A_Boolean importable = 0;
+    CallbackResult callback = session.run("AEIO_VerifyFileImportable", [&] {
+        return module.functions.AEIO_VerifyFileImportable(basic, module.info.signature, path.c_str(),
+                                                          &importable);
+    });
+    if (callback.code != kHostErrorNone)
+        return failed(callback, "the module could not verify the file");
+    if (importable == 0)
+        return failed({kHostErrorGeneric, false}, "the module does not take the file");
+
+    const Id id = make_in_spec(session, path);
+    session.in_spec(id).module_signature = module.info.signature;
+    const auto handle = session.handles.handle<AEIO_InSpecH>(id);
+    callback = session.run("AEIO_InitInSpecFromFile", [&] {
+        return module.functions.AEIO_InitInSpecFromFile(basic, path.c_str(), handle);
+    });
+    if (callback.code != kHostErrorNone)
+        return abandon(session, id, callback, "the module could not read the file");
+
+    AEIO_Verbiage verbiage{};
+    callback = session.run("AEIO_GetInSpecInfo",
+                           [&] { return module.functions.AEIO_GetInSpecInfo(basic, handle, &verbiage); });
+    if (callback.code == kHostErrorNone) {
+        session.in_spec(id).type_text = field_text(verbiage.type);
+        session.in_spec(id).sub_type_text = field_text(verbiage.sub_type);
+    } else if (callback.code != kHostUseDefaultCallback) {
+        return abandon(session, id, callback, "the module could not describe the file");
+    }
+
+    const A_Ratio scale[2] = {{1, 1}, {1, 1}};  // horizontal, vertical: full size
+    A_long width = 0;
+    A_long height = 0;
+    callback = session.run("AEIO_GetDimensions", [&] {
+        return module.functions.AEIO_GetDimensions(basic, handle, scale, &width, &height);
+    });
+    if (callback.code == kHostErrorNone) {
+        session.in_spec(id).width = width;
+        session.in_spec(id).height = height;
+        session.in_spec(id).dimensions_from_module = true;
+    } else if (callback.code != kHostUseDefaultCallback) {
+        return abandon(session, id, callback, "the module could not say how large the picture is");
+    }
+
+    A_Time duration{0, 1};
+    callback = session.run("AEIO_GetDuration",
+                           [&] { return module.functions.AEIO_GetDuration(basic, handle, &duration); });
+    if (callback.code == kHostErrorNone) {
+        session.in_spec(id).duration = duration;
+        session.in_spec(id).duration_from_module = true;
+    } else if (callback.code != kHostUseDefaultCallback) {
+        return abandon(session, id, callback, "the module could not say how long the file is");
+    }
+
+    const InSpec& opened = session.in_spec(id);
+    if (opened.width < 1 || opened.height < 1 || opened.duration.scale == 0)
+        return abandon(session, id, {kHostErrorGeneric, false}, "the module gave neither size nor duration");
+    return {{}, {}, id};
+}
+
+DrawResult draw_frame(Session& session, Id id, const FrameShape& shape) {
+    DrawResult drawn;
+    if (id < 1 || Project::index(id) >= session.project.in_specs.size() || session.in_spec(id).disposed) {
+        drawn.error = "no open in-spec with this id";
+        return drawn;
+    }
+    const Module* found = nullptr;
+    for (const Module& module : session.modules) {
+        if (module.info.signature == session.in_spec(id).module_signature)
+            found = &module;
+    }
+    if (found == nullptr) {
+        drawn.error = "no module serves this in-spec";
+        return drawn;
+    }
+    drawn.error = GuardedFrame::problem_with(shape);
+    if (!drawn.error.empty())
+        return drawn;
+
+    const Module module = *found;
+    GuardedFrame frame(shape);
+    AEIO_DrawSparseFramePB request{};
+    request.quality = 1;
+    request.scale_x = {1, 1};
+    request.scale_y = {1, 1};
+    request.time = shape.time;
+    request.duration = {1, shape.time.scale};
+    request.required_region = {0, 0, shape.width_px, shape.height_px};
+    AEIO_DrawingFlags flags = 0;
+    session.basic_data.refcon = module.refcon;
+    const auto handle = session.handles.handle<AEIO_InSpecH>(id);
+    drawn.callback = session.run("AEIO_DrawSparseFrame", [&] {
+        return module.functions.AEIO_DrawSparseFrame(&session.basic_data, handle, &request, &frame.world(),
+                                                     &flags);
+    });
+    if (const auto damage = frame.damage())
+        session.discipline.add({Breach::write_outside_frame, 0, "AEIO_DrawSparseFrame", *damage});
+    drawn.width_px = shape.width_px;
+    drawn.height_px = shape.height_px;
+    drawn.pixels = frame.pixels();
+    return drawn;
+}
+
+CallbackResult dispose_in_spec(Session& session, Id id) {
+    if (id < 1 || Project::index(id) >= session.project.in_specs.size() || session.in_spec(id).disposed)
+        return {kHostErrorParameter, false};
+    session.in_spec(id).disposed = true;
+    CallbackResult result;
+    for (const Module& registered : session.modules) {
+        if (registered.info.signature != session.in_spec(id).module_signature)
+            continue;
+        const Module module = registered;
+        session.basic_data.refcon = module.refcon;
+        const auto handle = session.handles.handle<AEIO_InSpecH>(id);
+        result = session.run("AEIO_DisposeInSpec", [&] {
+            return module.functions.AEIO_DisposeInSpec(&session.basic_data, handle);
+        });
+        break;
+    }
+    session.handles.kill(HandleKind::in_spec, id);
+    // Options that the module left attached belong to nobody now.
+    if (const Id options = session.in_spec(id).options; options != 0) {
+        session.memory.block(options).in_spec = 0;
+        session.in_spec(id).options = 0;
+        session.left_memory(options, "AEIO_DisposeInSpec");
+    }
+    return result;
+}
+
+}  // namespace embedded

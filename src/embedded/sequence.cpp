@@ -1,0 +1,120 @@
+#include "embedded/sequence.h"
+
+#include <algorithm>
+#include <charconv>
+#include <filesystem>
+
+namespace embedded {
+namespace {
+
+constexpr std::string_view kDigits = "0123456789";
+constexpr std::size_t kMaxDigits = 18;  // every such number fits 64 bits
+
+std::int64_t number_of(std::string_view digits) {
+    std::int64_t number = 0;
+    std::from_chars(digits.data(), digits.data() + digits.size(), number);
+    return number;
+}
+
+bool is_padded(std::string_view digits) {
+    return digits.size() > 1 && digits.front() == '0';
+}
+
+/// A number belongs to a padding when it has exactly so many digits, or has outgrown it.
+bool has_padding(std::string_view digits, std::size_t padding) {
+    return digits.size() == padding || (digits.size() > padding && !is_padded(digits));
+}
+
+/// The padding of the numbering that `digits` belongs to. A number without leading zeros may belong to a
+/// padded numbering that it fills or has outgrown; the padded names beside it tell.
+std::size_t padding_of(std::string_view digits, const std::vector<std::string>& all) {
+    if (is_padded(digits))
+        return digits.size();
+    std::size_t padding = 1;
+    for (const std::string& other : all) {
+        if (is_padded(other) && other.size() <= digits.size())
+            padding = std::max(padding, other.size());
+    }
+    return padding;
+}
+
+/// The numbers, as written, of all files in the folder that are named alike.
+std::vector<std::string> numbers_beside(const std::filesystem::path& file, const NumberedName& name) {
+    std::vector<std::string> numbers;
+    std::filesystem::path folder = file.parent_path();
+    if (folder.empty())
+        folder = ".";
+    std::error_code failure;
+    std::filesystem::directory_iterator entry(folder, failure);
+    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
+        const std::string candidate = entry->path().filename().string();
+        const std::size_t outer = name.prefix.size() + name.suffix.size();
+        if (candidate.size() <= outer || candidate.size() > outer + kMaxDigits ||
+            !candidate.starts_with(name.prefix) || !candidate.ends_with(name.suffix))
+            continue;
+        const std::string digits = candidate.substr(name.prefix.size(), candidate.size() - outer);
+        std::error_code not_readable;
+        if (digits.find_first_not_of(kDigits) == std::string::npos && entry->is_regular_file(not_readable))
+            numbers.push_back(digits);
+    }
+    return numbers;
+}
+
+}  // namespace
+
+std::optional<NumberedName> split_number(std::string_view file_name) {
+    const std::size_t dot = file_name.rfind('.');
+    const std::string_view stem = file_name.substr(0, dot);  // npos: all of it
+    const std::size_t last = stem.find_last_of(kDigits);
+    if (last == std::string_view::npos)
+        return std::nullopt;
+    const std::size_t before = stem.find_last_not_of(kDigits, last);
+    const std::size_t first = before == std::string_view::npos ? 0 : before + 1;
+    const std::size_t count = last - first + 1;
+    if (count > kMaxDigits)
+        return std::nullopt;
+    return NumberedName{std::string(file_name.substr(0, first)), std::string(file_name.substr(first, count)),
+                        std::string(file_name.substr(last + 1))};
+}
+
+std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames) {
+    std::vector<FrameRange> gaps;
+    for (std::size_t i = 1; i < frames.size(); ++i) {
+        if (frames[i] - frames[i - 1] > 1)
+            gaps.push_back({frames[i - 1] + 1, frames[i] - 1});
+    }
+    return gaps;
+}
+
+std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request) {
+    const std::filesystem::path file(path);
+    const auto name = split_number(file.filename().string());
+    if (!name)
+        return std::nullopt;
+    const std::vector<std::string> numbers = numbers_beside(file, *name);
+    const std::size_t padding = padding_of(name->digits, numbers);
+    const bool named_file_only = !request.whole_folder && !request.first && !request.last;
+
+    std::vector<std::int64_t> frames;
+    for (const std::string& digits : numbers) {
+        const std::int64_t frame = number_of(digits);
+        if (!has_padding(digits, padding) || (named_file_only && digits != name->digits) ||
+            (request.first && frame < *request.first) || (request.last && frame > *request.last))
+            continue;
+        frames.push_back(frame);
+    }
+    if (frames.empty())
+        return std::nullopt;
+    std::sort(frames.begin(), frames.end());
+
+    SequenceFrames found;
+    found.pattern = name->prefix + std::string(padding, '#') + name->suffix;
+    found.range = {frames.front(), frames.back()};
+    found.count = static_cast<std::int64_t>(frames.size());
+    found.padding = static_cast<int>(padding);
+    if (!request.ignore_numbers)
+        found.gaps = gaps_between(frames);
+    return found;
+}
+
+}  // namespace embedded

@@ -1,0 +1,275 @@
+#include "embedded/session.h"
+
+#include <algorithm>
+#include <cstring>
+#include <stdexcept>
+
+#include "embedded/module_driver.h"
+
+namespace embedded {
+namespace {
+
+Session*& active_session() {
+    static Session* session = nullptr;
+    return session;
+}
+
+/// Deliberately never given back: what was registered through these two stays reachable, and every handler of
+/// the bundle acquires them anew.
+bool is_kept_suite(std::size_t suite) {
+    return suite == static_cast<std::size_t>(SuiteId::registration) ||
+           suite == static_cast<std::size_t>(SuiteId::persistent_data);
+}
+
+constexpr char kPreferenceSection[] = "Main Pref Section";
+constexpr char kAlphaPreference[] = "Pref_DEFAULT_UNLABELED_ALPHA";
+
+std::string memory_text(const MemoryBlock& block) {
+    return "mem:" + std::to_string(block.id) + " \"" + block.what + "\"";
+}
+
+/// The one exception that a bundle throws: a suite that the host did not supply.
+constexpr long kMissingSuiteException = 516;
+
+}  // namespace
+
+Session* Session::active() {
+    return active_session();
+}
+
+Session::Session(HostOptions host_options) : options(std::move(host_options)) {
+    if (active_session() != nullptr)
+        throw std::logic_error("another host lives in this process");
+    for (const Fault& fault : options.faults) {
+        const auto known = std::find_if(kFunctions.begin(), kFunctions.end(), [&fault](const auto& function) {
+            return function.can_fail && fault.function == function.name;
+        });
+        if (known == kFunctions.end())
+            throw std::invalid_argument("no host function \"" + fault.function + "\" that can fail");
+        faults_.emplace_back(static_cast<Fn>(known - kFunctions.begin()), fault);
+    }
+    handles.make<AEGP_ProjectH>();
+    handles.make<AEGP_ItemH>();  // the root folder
+    handles.make<AEGP_PersistentBlobH>();
+    if (options.alpha_preference)
+        project.preferences[{kPreferenceSection, kAlphaPreference}] = {*options.alpha_preference};
+    basic_data = {message_function, basic_suite_table(), plugin_id, nullptr};
+    active_session() = this;
+}
+
+Session::~Session() {
+    active_session() = nullptr;
+}
+
+std::optional<A_Err> Session::count_call(Fn function) {
+    const std::int64_t nth = ++call_counts[static_cast<std::size_t>(function)];
+    for (const auto& [faulty, fault] : faults_) {
+        if (faulty == function && fault.nth == nth)
+            return fault.code;
+    }
+    return std::nullopt;
+}
+
+// --- the boundary to the bundle
+
+CallbackResult Session::run(const std::string& name, const std::function<A_Err()>& body) {
+    const Marks before = marks();
+    CallbackResult result;
+    try {
+        result.code = body();
+    } catch (long value) {
+        if (value != kMissingSuiteException)
+            throw;
+        result = {kHostErrorMissingSuite, true};
+        left(Breach::missing_suite_exception, name,
+             "a suite was missing, and the exception left the callback");
+    }
+    check_left_behind(before, name);
+    return result;
+}
+
+void Session::forget_registrations() {
+    flavors.clear();
+    modules.clear();
+    death_hooks.clear();
+}
+
+Session::Marks Session::marks() const {
+    return {handles.made(HandleKind::stream),
+            handles.made(HandleKind::additions),
+            project.footage.size(),
+            memory.blocks().size(),
+            suites_acquired,
+            undo_depth};
+}
+
+void Session::left(Breach breach, const std::string& callback, std::string text) {
+    discipline.add({breach, 0, callback, std::move(text)});
+}
+
+void Session::check_left_behind(const Marks& since, const std::string& callback) {
+    for (Id id = since.additions + 1; id <= handles.made(HandleKind::additions); ++id) {
+        if (!handles.alive(HandleKind::additions, id))
+            continue;
+        handles.kill(HandleKind::additions, id);
+        left(Breach::additions_not_ended, callback,
+             "additions:" + std::to_string(id) + " of stream:" +
+                 std::to_string(additions[Project::index(id)].stream_ref) + " were started and never ended");
+    }
+    for (Id id = since.streams + 1; id <= handles.made(HandleKind::stream); ++id) {
+        if (!handles.alive(HandleKind::stream, id))
+            continue;
+        handles.kill(HandleKind::stream, id);
+        left(Breach::stream_not_disposed, callback,
+             "stream:" + std::to_string(id) + " of layer:" +
+                 std::to_string(stream_refs[Project::index(id)].layer) + " was never disposed of");
+    }
+    footage_reported_.resize(project.footage.size(), false);
+    for (std::size_t i = since.footage; i < project.footage.size(); ++i) {
+        const Footage& made = project.footage[i];
+        if (made.item != 0 || footage_reported_[i])
+            continue;
+        footage_reported_[i] = true;
+        left(Breach::footage_never_adopted, callback,
+             "footage:" + std::to_string(made.id) + " was made and never added to the project");
+    }
+    if (undo_depth > since.undo_depth) {
+        left(Breach::undo_group_unbalanced, callback,
+             std::to_string(undo_depth - since.undo_depth) + " undo groups were left open");
+        undo_depth = since.undo_depth;
+        if (undo_depth == 0)
+            project.undo_steps.back().closed = true;
+    }
+    check_memory(since, callback);
+    check_suites(since, callback);
+}
+
+void Session::check_suites(const Marks& since, const std::string& callback) {
+    for (std::size_t suite = 0; suite < kSuiteCount; ++suite) {
+        const int kept = suites_acquired[suite] - since.suites[suite];
+        suites_acquired[suite] = std::min(suites_acquired[suite], since.suites[suite]);
+        if (kept > 0 && !is_kept_suite(suite))
+            left(Breach::suite_not_released, callback,
+                 std::string(kSuites[suite].name) + " " + std::to_string(kSuites[suite].version) +
+                     " was acquired and not released, " + std::to_string(kept) + " times");
+    }
+}
+
+void Session::check_memory(const Marks& since, const std::string& callback) {
+    for (std::size_t i = since.memory; i < memory.blocks().size(); ++i) {
+        MemoryBlock& block = memory.block(static_cast<Id>(i) + 1);
+        if (block.alive() && block.locks > 0 && !block.reported) {
+            left(Breach::memory_left_locked, callback, memory_text(block) + " was left locked");
+            block.locks = 0;
+        }
+        left_memory(block.id, callback);
+    }
+}
+
+void Session::left_memory(Id id, const std::string& callback) {
+    MemoryBlock& block = memory.block(id);
+    if (!block.alive() || block.reported || block.in_spec != 0)
+        return;
+    block.reported = true;
+    left(Breach::memory_left_alive, callback,
+         memory_text(block) + " of " + std::to_string(block.size_bytes) + " bytes was left alive");
+}
+
+void Session::unload() {
+    for (Id id = 1; id <= static_cast<Id>(project.in_specs.size()); ++id) {
+        if (!in_spec(id).disposed)
+            dispose_in_spec(*this, id);
+    }
+    const auto hooks = std::move(death_hooks);
+    for (const auto& [hook, refcon] : hooks)
+        run("death hook", [&] { return hook(global_refcon, refcon); });
+    check_left_behind(Marks{}, "the host's life");
+    forget_registrations();
+    bundle.reset();
+}
+
+// --- checks
+
+void Session::found(Breach breach, std::string text) {
+    discipline.add({breach, current_call.n, current_call.function, std::move(text)});
+}
+
+void Session::refuse(Breach breach, std::string text, A_Err code) {
+    found(breach, std::move(text));
+    throw Refusal{code};
+}
+
+Id Session::living_id(HandleKind kind, const void* handle, const char* argument) {
+    const std::string what(argument);
+    if (handle == nullptr)
+        refuse(Breach::bad_argument, what + " is null");
+    const HandleTable::Token* token = handles.find(handle);
+    if (token == nullptr)
+        refuse(Breach::foreign_handle, what + " is no handle of this host");
+    if (token->kind != kind)
+        refuse(Breach::foreign_handle,
+               what + " is " + handles.text(handle) + ", which is no " + handle_word(kind));
+    if (!token->alive)
+        refuse(kind == HandleKind::memory ? Breach::memory_use_after_free : Breach::dead_handle,
+               what + " is " + handles.text(handle) + ", which is gone");
+    return token->id;
+}
+
+Id Session::folder_id(AEGP_ItemH handle, const char* argument) {
+    const Id folder = id(handle, argument);
+    require_true(item(folder).kind == ItemKind::folder, argument, "is no folder");
+    return folder;
+}
+
+void Session::require_plugin(AEGP_PluginID id_given) {
+    if (id_given != plugin_id)
+        refuse(Breach::bad_argument,
+               "plugin_id is " + std::to_string(id_given) + " and not " + std::to_string(plugin_id));
+}
+
+void Session::require_true(bool holds, const char* argument, const char* rule) {
+    if (!holds)
+        refuse(Breach::bad_argument, std::string(argument) + " " + rule);
+}
+
+const A_Time& Session::require_time(const A_Time* time, const char* argument) {
+    require_true(require(time, argument).scale != 0, argument, "has a scale of 0");
+    return *time;
+}
+
+const A_Ratio& Session::require_positive(const A_Ratio* ratio, const char* argument) {
+    require(ratio, argument);
+    require_true(ratio->den != 0, argument, "has a denominator of 0");
+    require_true(ratio->num >= 1, argument, "is not above 0");
+    return *ratio;
+}
+
+std::string Session::name(const A_char* text, const char* argument) {
+    const std::size_t length = std::strlen(&require(text, argument));
+    if (length > kMaxNameLength)
+        found(Breach::name_cut, std::string(argument) + " has " + std::to_string(length) +
+                                    " bytes and is cut after " + std::to_string(kMaxNameLength));
+    return {text, std::min(length, kMaxNameLength)};
+}
+
+// --- changes
+
+void Session::changed() {
+    if (undo_depth == 0)
+        found(Breach::change_outside_undo_group, "the project was changed outside an undo group");
+    else
+        ++project.undo_steps.back().changes;
+}
+
+Item& Session::add_item(ItemKind kind, std::string item_name, Id parent_folder, Id content) {
+    handles.make<AEGP_ItemH>();
+    Item& made = project.items.emplace_back();
+    made.id = static_cast<Id>(project.items.size());
+    made.kind = kind;
+    made.name = std::move(item_name);
+    made.parent_folder = parent_folder;
+    made.content = content;
+    return made;
+}
+
+}  // namespace embedded

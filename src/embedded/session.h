@@ -1,0 +1,175 @@
+#pragma once
+
+// What stands behind a Host: everything the suite functions work on. Internal to src/embedded.
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "embedded/bundle_loader.h"
+#include "embedded/call_log.h"
+#include "embedded/discipline.h"
+#include "embedded/handles.h"
+#include "embedded/host.h"
+#include "embedded/host_options.h"
+#include "embedded/memory_store.h"
+#include "embedded/project.h"
+#include "embedded/suites/functions.h"
+
+namespace embedded {
+
+/// Thrown by the checks below to end a host function with an error; never leaves it.
+struct Refusal {
+    A_Err code = kHostErrorParameter;
+};
+
+/// The longest name that the host keeps, in bytes.
+inline constexpr std::size_t kMaxNameLength = 31;
+
+class Session {
+  public:
+    explicit Session(HostOptions host_options);
+    ~Session();
+    Session(const Session&) = delete;
+    Session& operator=(const Session&) = delete;
+
+    /// The one that lives; null without a host.
+    static Session* active();
+
+    HostOptions options;
+    Project project = empty_project();
+    DisciplineReport discipline;
+    CallLog log;
+    HandleTable handles;
+    MemoryStore memory;
+
+    AEGP_PluginID plugin_id = 1;
+    AEIO_BasicData basic_data{};
+    std::vector<ImportFlavor> flavors;
+    std::vector<Module> modules;
+    std::vector<std::string> out_spec_paths;  ///< by id - 1
+    std::vector<std::pair<AEGP_DeathHook, AEGP_DeathRefcon>> death_hooks;
+    AEGP_GlobalRefcon global_refcon = nullptr;
+    std::unique_ptr<BundleLoader> bundle;
+
+    /// What a stream handle stands for; by id - 1.
+    struct StreamRef {
+        Id layer = 0;
+        AEGP_LayerStream kind = 0;
+    };
+    std::vector<StreamRef> stream_refs;
+
+    /// Keys that are being added through one key-additions handle; by id - 1.
+    struct Additions {
+        struct Key {
+            A_Time time{0, 1};  ///< in layer time
+            std::optional<StreamComponents> value;
+        };
+        Id stream_ref = 0;
+        std::vector<Key> keys;
+    };
+    std::vector<Additions> additions;
+
+    std::array<int, kSuiteCount> suites_acquired{};
+    int undo_depth = 0;
+
+    // --- calls of the bundle into the host
+
+    struct CurrentCall {
+        std::int64_t n = 0;
+        const char* function = "";
+    };
+    CurrentCall current_call;
+    std::array<std::int64_t, kFunctionCount> call_counts{};
+
+    /// Counts the call; the code that an ordered fault answers it with, if there is one for it.
+    std::optional<A_Err> count_call(Fn function);
+
+    // --- calls of the host into the bundle
+
+    CallbackResult run(const std::string& name, const std::function<A_Err()>& body);
+    void unload();
+    /// Forgets what a bundle registered.
+    void forget_registrations();
+
+    // --- what the bundle is told off for
+
+    /// A finding in the call that is going on.
+    void found(Breach breach, std::string text);
+    [[noreturn]] void refuse(Breach breach, std::string text, A_Err code = kHostErrorParameter);
+
+    /// A memory block that belongs to nobody any more.
+    void left_memory(Id block, const std::string& callback);
+
+    // --- checks of arguments; each reports and throws Refusal when it fails
+
+    template <class T>
+    T& require(T* pointer, const char* argument) {
+        if (pointer == nullptr)
+            refuse(Breach::bad_argument, std::string(argument) + " is null");
+        return *pointer;
+    }
+    /// The id of a living handle of its own kind.
+    template <class H>
+    Id id(H handle, const char* argument) {
+        return living_id(HandleKindOf<H>::value, handle, argument);
+    }
+    /// The id of a folder's item.
+    Id folder_id(AEGP_ItemH handle, const char* argument);
+    void require_plugin(AEGP_PluginID id_given);
+    void require_true(bool holds, const char* argument, const char* rule);
+    const A_Time& require_time(const A_Time* time, const char* argument);
+    const A_Ratio& require_positive(const A_Ratio* ratio, const char* argument);
+    /// Cut at kMaxNameLength, with a note, where it is longer.
+    std::string name(const A_char* text, const char* argument);
+
+    // --- changes
+
+    /// Counts a project change into the open undo step, or reports that there is none.
+    void changed();
+    Item& add_item(ItemKind kind, std::string name, Id parent_folder, Id content);
+
+    Item& item(Id item_id) { return project.items.at(Project::index(item_id)); }
+    Footage& footage(Id footage_id) { return project.footage.at(Project::index(footage_id)); }
+    Composition& composition(Id comp_id) { return project.compositions.at(Project::index(comp_id)); }
+    Layer& layer(Id layer_id) { return project.layers.at(Project::index(layer_id)); }
+    InSpec& in_spec(Id in_spec_id) { return project.in_specs.at(Project::index(in_spec_id)); }
+
+    // --- suites
+
+    /// The function table; null for one that this host does not have.
+    static const void* suite_table(const std::string& name, A_long version, SuiteId& suite);
+
+  private:
+    /// What existed when a callback began; what came after and is still open at its end was left behind by
+    /// it.
+    struct Marks {
+        Id streams = 0;
+        Id additions = 0;
+        std::size_t footage = 0;
+        std::size_t memory = 0;
+        std::array<int, kSuiteCount> suites{};
+        int undo_depth = 0;
+    };
+    [[nodiscard]] Marks marks() const;
+    void check_left_behind(const Marks& since, const std::string& callback);
+    void check_suites(const Marks& since, const std::string& callback);
+    void check_memory(const Marks& since, const std::string& callback);
+    void left(Breach breach, const std::string& callback, std::string text);
+    Id living_id(HandleKind kind, const void* handle, const char* argument);
+
+    std::vector<std::pair<Fn, Fault>> faults_;
+    std::vector<bool> footage_reported_;
+};
+
+/// The basic suite, whose first function hands out all others.
+SPBasicSuite* basic_suite_table();
+/// The message function that input modules get.
+void message_function(A_Err code, const A_char* text);
+
+}  // namespace embedded

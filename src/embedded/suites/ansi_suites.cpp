@@ -1,0 +1,73 @@
+// "PF ANSI Suite" 1 and "PF AE Adv App Suite" 1: mathematics and text, and a suite of which only the presence
+// counts.
+
+#include <cmath>
+#include <cstring>
+
+#include "embedded/suites/host_call.h"
+#include "embedded/suites/reserved_slots.h"
+#include "embedded/suites/suite_tables.h"
+
+namespace embedded {
+namespace {
+
+/// These return values, not errors; without a host the value is all there is.
+A_FpLong evaluate(Fn function, A_FpLong (*mathematics)(A_FpLong), A_FpLong x) {
+    const A_FpLong value = mathematics(x);
+    if (Session* session = Session::active()) {
+        CallScope call(*session, function);
+        if (call.logged()) {
+            call.args().number("x", x);
+            call.set_result(json_number(value));
+        }
+    }
+    return value;
+}
+
+A_FpLong cosine(A_FpLong x) {
+    return evaluate(Fn::cos, std::cos, x);
+}
+
+A_FpLong sine(A_FpLong x) {
+    return evaluate(Fn::sin, std::sin, x);
+}
+
+A_char* copy_string(A_char* destination, const A_char* source) {
+    Session* session = Session::active();
+    if (session == nullptr)
+        return destination;
+    CallScope call(*session, Fn::strcpy);
+    if (call.logged())
+        call.args().text("source", source);
+    if (destination == nullptr || source == nullptr) {
+        session->found(Breach::bad_argument,
+                       destination == nullptr ? "destination is null" : "source is null");
+        return destination;
+    }
+    std::memmove(destination, source, std::strlen(source) + 1);
+    if (call.logged()) {
+        call.out().text("destination", destination);
+        call.set_result(json_text(destination));
+    }
+    return destination;
+}
+
+}  // namespace
+
+const PF_ANSISuite1* ansi_suite() {
+    static const PF_ANSISuite1 table = [] {
+        auto suite = reserved_table<PF_ANSISuite1, SuiteId::ansi>();
+        suite.cos = cosine;
+        suite.sin = sine;
+        suite.strcpy = copy_string;
+        return suite;
+    }();
+    return &table;
+}
+
+const PF_AEAdvAppSuite1* adv_app_suite() {
+    static const PF_AEAdvAppSuite1 table = reserved_table<PF_AEAdvAppSuite1, SuiteId::adv_app>();
+    return &table;
+}
+
+}  // namespace embedded

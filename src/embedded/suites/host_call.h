@@ -1,0 +1,90 @@
+#pragma once
+
+// How every suite function is written: what it was given, what it does, what it gave back. The frame around
+// these three - counting, faults, the log, the end of a refusal - is here, once.
+
+#include <filesystem>
+#include <new>
+#include <optional>
+
+#include "embedded/session.h"
+#include "embedded/suites/call_values.h"
+
+namespace embedded {
+
+/// One call from its beginning to its end. Calls nest when a host function calls back into the bundle.
+class CallScope {
+  public:
+    CallScope(Session& session, Fn function)
+        : session_(session), function_(function), outer_(session.current_call), logged_(session.log.on()) {
+        session.current_call = {session.log.begin(), function_info(function).name};
+        fault_ = session.count_call(function);
+    }
+    CallScope(const CallScope&) = delete;
+    CallScope& operator=(const CallScope&) = delete;
+    /// Writes the line also when an exception passes through; its result is then null.
+    ~CallScope() {
+        if (logged_ && session_.log.on())
+            write_line();
+        session_.current_call = outer_;
+    }
+
+    [[nodiscard]] bool logged() const { return logged_; }
+    [[nodiscard]] const std::optional<A_Err>& fault() const { return fault_; }
+    CallValues& args() { return args_; }
+    CallValues& out() { return out_; }
+    void set_result(Json result) { result_ = std::move(result); }
+
+  private:
+    void write_line();
+
+    Session& session_;
+    Fn function_;
+    Session::CurrentCall outer_;
+    bool logged_;
+    std::optional<A_Err> fault_;
+    CallValues args_{session_};
+    CallValues out_{session_};
+    Json result_;
+};
+
+/// One call of a function that returns an error code. `args(CallValues&)` names what it was given and runs
+/// only while the log is on; `body(Session&)` does the work and may throw Refusal; `out(CallValues&)` names
+/// what a call that succeeded gave back. A fault answers instead of the body and touches nothing.
+template <class Args, class Body, class Out>
+A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out) {
+    Session* session = Session::active();
+    if (session == nullptr)
+        return kHostErrorGeneric;
+    CallScope call(*session, function);
+    if (call.logged())
+        args(call.args());
+    A_Err result = kHostErrorNone;
+    if (call.fault()) {
+        result = *call.fault();
+    } else {
+        try {
+            result = body(*session);
+        } catch (const Refusal& refusal) {
+            result = refusal.code;
+        } catch (const std::bad_alloc&) {
+            result = kHostErrorAllocation;
+        } catch (const std::filesystem::filesystem_error&) {
+            result = kHostErrorGeneric;
+        }
+    }
+    if (call.logged()) {
+        if (result == kHostErrorNone)
+            out(call.out());
+        call.set_result(result);
+    }
+    return result;
+}
+
+/// The same for functions that give nothing back but their result.
+template <class Args, class Body>
+A_Err host_call(Fn function, const Args& args, const Body& body) {
+    return host_call(function, args, body, [](CallValues&) {});
+}
+
+}  // namespace embedded

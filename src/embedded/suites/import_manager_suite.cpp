@@ -1,0 +1,120 @@
+// "AEGP File Import Manager Suite" 2: importers.
+
+#include "embedded/module_driver.h"
+#include "embedded/suites/host_call.h"
+#include "embedded/suites/reserved_slots.h"
+#include "embedded/suites/suite_tables.h"
+
+namespace embedded {
+namespace {
+
+constexpr A_long kMaxKinds = 1000;  // no importer has so many; a count from an uninitialised variable has
+
+ImportFlavor& flavor_of(Session& session, AE_FIM_ImportFlavorRef ref) {
+    const bool known = ref >= 1 && static_cast<std::size_t>(ref) <= session.flavors.size();
+    session.require_true(known, "flavor", "is none that was registered");
+    return session.flavors[static_cast<std::size_t>(ref) - 1];
+}
+
+A_Err register_flavor(const A_char* name, AE_FIM_ImportFlavorRef* flavor) {
+    return host_call(
+        Fn::AEGP_RegisterImportFlavor, [&](CallValues& args) { args.text("name", name); },
+        [&](Session& session) -> A_Err {
+            session.require(name, "name");
+            session.require(flavor, "flavor");
+            ImportFlavor& made = session.flavors.emplace_back();
+            made.ref = static_cast<AE_FIM_ImportFlavorRef>(session.flavors.size());
+            made.name = name;
+            *flavor = made.ref;
+            return kHostErrorNone;
+        },
+        [&](CallValues& out) { out.integer("flavor", *flavor); });
+}
+
+Json json_types(A_long count, const AEIO_FileKind* kinds) {
+    if (kinds == nullptr || count > kMaxKinds)
+        return {};
+    Json list = Json::array();
+    for (A_long i = 0; i < count; ++i)
+        list.push_back(
+            Json{{"type", json_code(kinds[i].mac.type)}, {"creator", json_code(kinds[i].mac.creator)}});
+    return list;
+}
+
+Json json_extensions(A_long count, const AEIO_FileKind* extensions) {
+    if (extensions == nullptr || count > kMaxKinds)
+        return {};
+    Json list = Json::array();
+    for (A_long i = 0; i < count; ++i)
+        list.push_back(json_text({&extensions[i].ext.pad, sizeof extensions[i].ext}));
+    return list;
+}
+
+A_Err register_file_types(AE_FIM_ImportFlavorRef flavor, A_long num_kinds, const AEIO_FileKind* kinds,
+                          A_long num_extensions, const AEIO_FileKind* extensions) {
+    return host_call(
+        Fn::AEGP_RegisterImportFlavorFileTypes,
+        [&](CallValues& args) {
+            args.integer("flavor", flavor);
+            args.integer("num_kinds", num_kinds);
+            args.json("kinds", json_types(num_kinds, kinds));
+            args.integer("num_extensions", num_extensions);
+            args.json("extensions", json_extensions(num_extensions, extensions));
+        },
+        [&](Session& session) -> A_Err {
+            ImportFlavor& registered = flavor_of(session, flavor);
+            session.require_true(num_kinds >= 0 && num_kinds <= kMaxKinds, "num_kinds", "is out of range");
+            session.require_true(num_extensions >= 0 && num_extensions <= kMaxKinds, "num_extensions",
+                                 "is out of range");
+            session.require_true(num_kinds == 0 || kinds != nullptr, "kinds", "is null");
+            session.require_true(num_extensions == 0 || extensions != nullptr, "extensions", "is null");
+            for (A_long i = 0; i < num_kinds; ++i)
+                registered.file_types.push_back(kinds[i].mac);
+            for (A_long i = 0; i < num_extensions; ++i)
+                registered.extensions.push_back(extension_text(extensions[i].ext));
+            return kHostErrorNone;
+        });
+}
+
+A_Err register_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags,
+                         const AE_FIM_ImportCallbacks* callbacks) {
+    return host_call(
+        Fn::AEGP_RegisterImportFlavorImportCallbacks,
+        [&](CallValues& args) {
+            args.integer("flavor", flavor);
+            args.integer("flags", flags);
+            if (callbacks == nullptr) {
+                args.pointer("callbacks", nullptr);
+                return;
+            }
+            CallValues record(*Session::active());
+            record.pointer("refcon", callbacks->refcon);
+            record.json("import_cb", callbacks->import_cb == nullptr ? Json() : Json(true));
+            record.json("verify_cb", callbacks->verify_cb == nullptr ? Json() : Json(true));
+            args.json("callbacks", record.take());
+        },
+        [&](Session& session) -> A_Err {
+            ImportFlavor& registered = flavor_of(session, flavor);
+            session.require(callbacks, "callbacks");
+            session.require_true(callbacks->import_cb != nullptr, "callbacks.import_cb", "is null");
+            session.require_true(callbacks->verify_cb != nullptr, "callbacks.verify_cb", "is null");
+            registered.flags = flags;
+            registered.callbacks = *callbacks;
+            return kHostErrorNone;
+        });
+}
+
+}  // namespace
+
+const AEGP_FileImportManagerSuite2* import_manager_suite() {
+    static const AEGP_FileImportManagerSuite2 table = [] {
+        auto suite = reserved_table<AEGP_FileImportManagerSuite2, SuiteId::import_manager>();
+        suite.AEGP_RegisterImportFlavor = register_flavor;
+        suite.AEGP_RegisterImportFlavorFileTypes = register_file_types;
+        suite.AEGP_RegisterImportFlavorImportCallbacks = register_callbacks;
+        return suite;
+    }();
+    return &table;
+}
+
+}  // namespace embedded

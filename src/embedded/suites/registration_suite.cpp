@@ -1,0 +1,120 @@
+// "AEGP Register Suite" 4: what a bundle registers for the life of the host.
+
+#include <algorithm>
+#include <array>
+#include <bit>
+#include <iterator>
+
+#include "embedded/suites/host_call.h"
+#include "embedded/suites/reserved_slots.h"
+#include "embedded/suites/suite_tables.h"
+
+namespace embedded {
+namespace {
+
+A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_DeathRefcon refcon) {
+    return host_call(
+        Fn::AEGP_RegisterDeathHook,
+        [&](CallValues& args) {
+            args.integer("plugin_id", plugin_id);
+            args.json("hook", hook == nullptr ? Json() : Json(true));
+            args.pointer("refcon", refcon);
+        },
+        [&](Session& session) -> A_Err {
+            session.require_plugin(plugin_id);
+            session.require_true(hook != nullptr, "hook", "is null");
+            session.death_hooks.emplace_back(hook, refcon);
+            return kHostErrorNone;
+        });
+}
+
+Json json_extension(const AEIO_FileExt& extension) {
+    return json_text({&extension.pad, sizeof extension});
+}
+
+Json json_file_kind(const PFILE_FileKind& kind) {
+    return Json{{"type", json_code(kind.type)}, {"creator", json_code(kind.creator)}};
+}
+
+Json json_module_info(const AEIO_ModuleInfo* info) {
+    if (info == nullptr)
+        return {};
+    Json read_kinds = Json::array();
+    Json aux_extensions = Json::array();
+    // First the file types, then the extensions; the entries beyond both are not the module's to fill.
+    for (int i = 0; i < kMaxFileKinds && i < info->num_filetypes + info->num_extensions; ++i)
+        read_kinds.push_back(i < info->num_filetypes ? json_file_kind(info->read_kinds[i].mac)
+                                                     : json_extension(info->read_kinds[i].ext));
+    for (int i = 0; i < kMaxFileKinds && i < info->num_aux_extensions; ++i) {
+        const AEIO_AuxExt& aux = info->aux_extensions[i];
+        aux_extensions.push_back(Json{{"extension", json_text({aux.extension, sizeof aux.extension})},
+                                      {"type", json_code(aux.type)},
+                                      {"creator", json_code(aux.creator)}});
+    }
+    const std::size_t name_length =
+        static_cast<std::size_t>(std::find(info->name, std::end(info->name), '\0') - info->name);
+    return Json{{"signature", json_code(info->signature)},
+                {"name", json_text({info->name, name_length})},
+                {"flags", info->flags},
+                {"flags2", info->flags2},
+                {"max_width", info->max_width},
+                {"max_height", info->max_height},
+                {"num_filetypes", info->num_filetypes},
+                {"num_extensions", info->num_extensions},
+                {"num_clips", info->num_clips},
+                {"create_kind", json_file_kind(info->create_kind)},
+                {"create_ext", json_extension(info->create_ext)},
+                {"read_kinds", read_kinds},
+                {"num_aux_extensions", info->num_aux_extensions},
+                {"aux_extensions", aux_extensions}};
+}
+
+/// How many of the block's functions there are.
+std::size_t filled_functions(const AEIO_FunctionBlock2& functions) {
+    const auto slots = std::bit_cast<std::array<void (*)(), kFunctionBlockFields>>(functions);
+    return static_cast<std::size_t>(
+        std::count_if(slots.begin(), slots.end(), [](auto function) { return function != nullptr; }));
+}
+
+A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_ModuleInfo* info,
+                  const AEIO_FunctionBlock2* functions) {
+    return host_call(
+        Fn::AEGP_RegisterIO,
+        [&](CallValues& args) {
+            args.integer("plugin_id", plugin_id);
+            args.pointer("refcon", refcon);
+            args.json("info", json_module_info(info));
+            args.json("functions",
+                      functions == nullptr ? Json() : Json{{"filled", filled_functions(*functions)}});
+        },
+        [&](Session& session) -> A_Err {
+            session.require_plugin(plugin_id);
+            session.require(info, "info");
+            session.require(functions, "functions");
+            session.require_true(filled_functions(*functions) == kFunctionBlockFields, "functions",
+                                 "has null fields");
+            session.require_true(std::find(info->name, std::end(info->name), '\0') != std::end(info->name),
+                                 "info.name", "is not terminated");
+            const auto in_range = [](A_short count) { return count >= 0 && count <= kMaxFileKinds; };
+            session.require_true(in_range(info->num_filetypes) && in_range(info->num_extensions) &&
+                                     info->num_filetypes + info->num_extensions <= kMaxFileKinds &&
+                                     in_range(info->num_aux_extensions),
+                                 "info", "counts more kinds of files than its table holds");
+            session.modules.push_back({refcon, *info, *functions});
+            return kHostErrorNone;
+        });
+}
+
+}  // namespace
+
+const AEGP_RegisterSuite4* registration_suite() {
+    static const AEGP_RegisterSuite4 table = [] {
+        auto suite = reserved_table<AEGP_RegisterSuite4, SuiteId::registration>();
+        suite.AEGP_RegisterDeathHook = register_death_hook;
+        suite.AEGP_RegisterIO = register_io;
+        return suite;
+    }();
+    return &table;
+}
+
+}  // namespace embedded
