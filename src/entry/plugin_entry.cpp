@@ -5,6 +5,8 @@
 #include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
+#include "texture/input_module/function_block.h"
+#include "texture/input_module/module_info.h"
 
 namespace {
 
@@ -34,6 +36,18 @@ A_Err register_importer(AEGP_SuiteHandler& suites) {
     return imports->AEGP_RegisterImportFlavorImportCallbacks(flavor, kImportFlagComposition, &callbacks);
 }
 
+A_Err register_texture_footage(AEGP_SuiteHandler& suites, AEGP_PluginID plugin_id) {
+    AEIO_ModuleInfo info{};
+    A_Err err = TexalonConstructModuleInfo(&info);
+    if (err != kHostErrorNone)
+        return err;
+    AEIO_FunctionBlock2 functions{};
+    err = TexalonConstructFunctionBlock(&functions);
+    if (err != kHostErrorNone)
+        return err;
+    return suites.RegisterSuite4()->AEGP_RegisterIO(plugin_id, nullptr, &info, &functions);
+}
+
 }  // namespace
 
 A_Err Main_VORTANXR_AE(SPBasicSuite* basic, A_long majorVersion, A_long minorVersion,
@@ -50,10 +64,12 @@ A_Err Main_VORTANXR_AE(SPBasicSuite* basic, A_long majorVersion, A_long minorVer
         return err;
     }
 
-    AEGP_SuiteHandler file_type_suites(basic);
-    err = register_importer(file_type_suites);
+    AEGP_SuiteHandler import_suites(basic);
+    err = register_importer(import_suites);
+    if (err == kHostErrorNone)
+        err = register_texture_footage(suites, pluginId);
     if (err != kHostErrorNone)
-        file_type_suites.UtilitySuite7()->AEGP_ReportInfo(pluginId, g_pCh_Error_register_file_type);
+        suites.UtilitySuite7()->AEGP_ReportInfo(pluginId, g_pCh_Error_register_file_type);
     return err;
 }
 

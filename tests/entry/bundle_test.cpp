@@ -1,0 +1,118 @@
+// The bundle itself, as it lies in the build folder: what it shows to the outside, what it needs, and that it
+// loads.
+
+#include <dlfcn.h>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "support/recording_host.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+const std::string kBundle = VXR_BUNDLE;
+
+/// The lines that a command prints. Throws when it cannot be run or fails: no output must not look like no
+/// symbols.
+std::vector<std::string> lines_of(const std::string& command) {
+    std::FILE* pipe = ::popen(command.c_str(), "r");
+    if (pipe == nullptr)
+        throw std::runtime_error("cannot run " + command);
+    std::string output;
+    std::array<char, 4096> part{};
+    while (const std::size_t read = std::fread(part.data(), 1, part.size(), pipe))
+        output.append(part.data(), read);
+    if (::pclose(pipe) != 0)
+        throw std::runtime_error("failed: " + command);
+    std::istringstream in(output);
+    std::vector<std::string> lines;
+    for (std::string line; std::getline(in, line);)
+        lines.push_back(line);
+    return lines;
+}
+
+TEST(Bundle, ExportsItsEntryPointAndNothingElse) {
+    std::vector<std::string> names;
+    for (const std::string& line :
+         lines_of(VXR_NM " --dynamic --defined-only --format=posix '" + kBundle + "'")) {
+        std::istringstream fields(line);
+        std::string name;
+        std::string kind;
+        fields >> name >> kind;
+        names.push_back(name.append(1, ' ').append(kind));
+    }
+    EXPECT_THAT(names, ElementsAre("Main_VORTANXR_AE T"));
+}
+
+TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
+    std::vector<std::string> allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
+                                        "ld-linux-x86-64.so.2"};
+    if (VXR_SANITIZED)
+        allowed.insert(allowed.end(), {"libasan.so.8", "libubsan.so.1"});
+    std::size_t needed = 0;
+    for (const std::string& line : lines_of(VXR_READELF " --dynamic --wide '" + kBundle + "'")) {
+        if (line.find("(NEEDED)") == std::string::npos)
+            continue;
+        ++needed;
+        const std::size_t begin = line.find('[') + 1;
+        EXPECT_THAT(allowed, ::testing::Contains(line.substr(begin, line.find(']') - begin)));
+    }
+    EXPECT_GE(needed, 2U) << "at least the C and the C++ library; or else nothing was read";
+}
+
+TEST(Bundle, LoadsWithEverySymbolResolvedAndServesAHost) {
+    const std::unique_ptr<void, int (*)(void*)> bundle(::dlopen(kBundle.c_str(), RTLD_NOW | RTLD_LOCAL),
+                                                       ::dlclose);
+    ASSERT_NE(bundle, nullptr) << ::dlerror();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFunc>(::dlsym(bundle.get(), "Main_VORTANXR_AE"));
+    ASSERT_NE(entry, nullptr);
+
+    RecordingHost host;
+    EXPECT_EQ(entry(host.basic(), 11, 0, "", "", RecordingHost::kPluginId, nullptr), 0);
+    EXPECT_EQ(host.calls.size(), 5U);
+
+    const TemporaryFolder folder;
+    const std::string path = folder.write("shot.aec",
+                                          "VORTAN XR COMPOSITION\n"
+                                          "RESOLUTION 64 48 FROM 0 TO 9 RANGE 10 FPS 25\n"
+                                          "COMPOSITION NRM \"Main\" {\n}\n");
+    A_Boolean importable = 0;
+    EXPECT_EQ(host.registered_callbacks.verify_cb(path.c_str(), nullptr, &importable), 0);
+    EXPECT_EQ(importable, 1);
+    host.calls.clear();
+    EXPECT_EQ(
+        host.registered_callbacks.import_cb(path.c_str(), nullptr, kSpecialActionNone, nullptr, nullptr), 0);
+    EXPECT_THAT(host.calls_of({"CreateComp"}),
+                ElementsAre("CreateComp(folder1, \"Main\", 64, 48, 100/100, 10@25, 2500/100) -> comp1"));
+    EXPECT_THAT(host.left_open(), IsEmpty());
+}
+
+TEST(Bundle, TheMissingSuiteExceptionReachesTheHostsSide) {
+    const std::unique_ptr<void, int (*)(void*)> bundle(::dlopen(kBundle.c_str(), RTLD_NOW | RTLD_LOCAL),
+                                                       ::dlclose);
+    ASSERT_NE(bundle, nullptr) << ::dlerror();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFunc>(::dlsym(bundle.get(), "Main_VORTANXR_AE"));
+    ASSERT_NE(entry, nullptr);
+    RecordingHost host;
+    host.withhold_suite("AEGP Register Suite", 4);
+    long caught = 0;
+    try {
+        entry(host.basic(), 11, 0, "", "", RecordingHost::kPluginId, nullptr);
+    } catch (long value) {
+        caught = value;
+    }
+    EXPECT_EQ(caught, 516);
+}
+
+}  // namespace
