@@ -1,24 +1,16 @@
 #include "texture/pack_bits.h"
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <tiffio.h>
-#include <unistd.h>
 
-#include <cstdio>
-#include <memory>
+#include <cstdint>
 #include <optional>
 #include <random>
-#include <string>
 #include <vector>
 
 #include "texture/exact_buffer.h"
+#include "texture/row_coding.h"
 
 namespace {
-
-using Bytes = std::vector<unsigned char>;
-
-constexpr unsigned char kGuard = 0x5A;
 
 Bytes Repeated(std::size_t count, unsigned char value) {
     return Bytes(count, value);
@@ -36,106 +28,6 @@ Bytes Joined(const std::vector<Bytes>& parts) {
     for (const Bytes& part : parts)
         all.insert(all.end(), part.begin(), part.end());
     return all;
-}
-
-// What the encoder wrote into room for `capacity` bytes; nothing when it refused.
-std::optional<Bytes> Encoded(const Bytes& plain, std::size_t capacity) {
-    ExactBuffer src(plain);
-    ExactBuffer dst(capacity);
-    const std::int32_t written = PackBitsEncode(src.data(), src.size(), dst.data(), dst.size());
-    if (written == 0)
-        return std::nullopt;
-    return dst.First(static_cast<std::size_t>(written));
-}
-
-// What the decoder made of the input with the one guard byte behind it; nothing when it refused.
-std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted) {
-    Bytes guarded = coded;
-    guarded.push_back(kGuard);
-    ExactBuffer src(guarded);
-    ExactBuffer dst(wanted);
-    if (!PackBitsDecode(src.data(), src.size() - 1, dst.data(), dst.size()))
-        return std::nullopt;
-    return dst.All();
-}
-
-// The encoder again, from the table of packets alone: first the packets, then the bytes and the room that
-// they need.
-struct Packet {
-    bool run = false;
-    Bytes bytes;
-};
-
-std::vector<Packet> PacketsOf(const Bytes& plain) {
-    std::vector<Packet> packets;
-    bool open = false;
-    std::size_t i = 0;
-    while (i < plain.size()) {
-        std::size_t same = 1;
-        while (same < 128 && i + same < plain.size() && plain[i + same] == plain[i])
-            ++same;
-        if (same >= 3) {
-            packets.push_back({true, Repeated(same, plain[i])});
-            open = false;
-            i += same;
-            continue;
-        }
-        if (!open)
-            packets.push_back({false, {}});
-        packets.back().bytes.push_back(plain[i++]);
-        open = packets.back().bytes.size() < 128;
-    }
-    return packets;
-}
-
-struct Reference {
-    Bytes coded;
-    std::size_t room_bytes = 0;
-};
-
-Reference ReferenceEncode(const Bytes& plain) {
-    Reference reference;
-    const std::vector<Packet> packets = PacketsOf(plain);
-    for (const Packet& packet : packets) {
-        const std::size_t length = packet.bytes.size();
-        if (packet.run) {
-            reference.coded.push_back(static_cast<unsigned char>(257 - length));
-            reference.coded.push_back(packet.bytes.front());
-        } else {
-            reference.coded.push_back(static_cast<unsigned char>(length - 1));
-            reference.coded.insert(reference.coded.end(), packet.bytes.begin(), packet.bytes.end());
-        }
-    }
-    reference.room_bytes = reference.coded.size();
-    if (!packets.empty() && !packets.back().run && packets.back().bytes.size() == 128)
-        ++reference.room_bytes;
-    return reference;
-}
-
-std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted) {
-    Bytes out;
-    std::size_t at = 0;
-    while (out.size() < wanted && at < coded.size()) {
-        const unsigned char control = coded[at++];
-        if (control == 0x80)
-            continue;
-        if (control > 0x80) {
-            const unsigned char value = at < coded.size() ? coded[at] : kGuard;
-            ++at;
-            out.insert(out.end(), 257U - control, value);
-        } else {
-            if (at >= coded.size())
-                return std::nullopt;
-            // As far as the output has room and the input has bytes.
-            for (unsigned i = 0; i <= control && at < coded.size() && out.size() < wanted; ++i)
-                out.push_back(coded[at++]);
-        }
-        if (out.size() > wanted)
-            out.resize(wanted);
-    }
-    if (out.size() < wanted || at < coded.size())
-        return std::nullopt;
-    return out;
 }
 
 struct EncodeCase {
@@ -291,24 +183,6 @@ TEST(PackBitsDecode, EveryShortInputAtEveryCapacity) {
     EXPECT_EQ(words, 820U);
 }
 
-// Rows with stretches of noise and stretches of equal bytes, around the lengths at which packets are cut.
-Bytes RandomRow(std::mt19937& random, std::size_t longest) {
-    const auto below = [&random](std::size_t limit) {
-        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
-    };
-    const std::size_t length = 1 + below(longest);
-    Bytes row;
-    while (row.size() < length) {
-        const bool same = below(2) == 0;
-        const std::size_t stretch = 1 + below(below(4) == 0 ? 300 : 5);
-        const auto value = static_cast<unsigned char>(below(256));
-        for (std::size_t i = 0; i < stretch; ++i)
-            row.push_back(same ? value : static_cast<unsigned char>(below(256)));
-    }
-    row.resize(length);
-    return row;
-}
-
 class PackBitsRandom : public testing::TestWithParam<unsigned> {};
 
 TEST_P(PackBitsRandom, RoundTripIsExactAndNeedsWhatTheReferenceSays) {
@@ -337,77 +211,5 @@ TEST_P(PackBitsRandom, AnyBytesDecodeAsTheReferenceSays) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, PackBitsRandom, testing::Values(1U, 7U, 20240229U));
-
-// The same rows through the image library's own codec, as one grey strip of one row.
-class PeerFile {
-  public:
-    PeerFile() : path_(testing::TempDir() + "pack_bits_peer_" + std::to_string(::getpid()) + ".tif") {}
-    PeerFile(const PeerFile&) = delete;
-    PeerFile& operator=(const PeerFile&) = delete;
-    ~PeerFile() { std::remove(path_.c_str()); }
-
-    [[nodiscard]] const char* path() const { return path_.c_str(); }
-
-  private:
-    std::string path_;
-};
-
-struct CloseTiff {
-    void operator()(TIFF* tiff) const { TIFFClose(tiff); }
-};
-using Tiff = std::unique_ptr<TIFF, CloseTiff>;
-
-Tiff OpenForRow(const PeerFile& file, std::size_t width_px) {
-    Tiff tiff(TIFFOpen(file.path(), "w"));
-    if (tiff == nullptr)
-        return tiff;
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(width_px));
-    TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, 1U);
-    TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, 1);
-    TIFFSetField(tiff.get(), TIFFTAG_ROWSPERSTRIP, 1U);
-    TIFFSetField(tiff.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK);
-    TIFFSetField(tiff.get(), TIFFTAG_COMPRESSION, COMPRESSION_PACKBITS);
-    return tiff;
-}
-
-Bytes CodedByPeer(const PeerFile& file, Bytes plain) {
-    const auto size = static_cast<tmsize_t>(plain.size());
-    const Tiff writer = OpenForRow(file, plain.size());
-    EXPECT_EQ(TIFFWriteEncodedStrip(writer.get(), 0, plain.data(), size), size);
-    EXPECT_EQ(TIFFFlush(writer.get()), 1);
-    const Tiff reader(TIFFOpen(file.path(), "r"));
-    Bytes coded(static_cast<std::size_t>(TIFFRawStripSize(reader.get(), 0)));
-    EXPECT_EQ(TIFFReadRawStrip(reader.get(), 0, coded.data(), static_cast<tmsize_t>(coded.size())),
-              static_cast<tmsize_t>(coded.size()));
-    return coded;
-}
-
-Bytes DecodedByPeer(const PeerFile& file, Bytes coded, std::size_t width_px) {
-    {
-        const Tiff writer = OpenForRow(file, width_px);
-        const auto size = static_cast<tmsize_t>(coded.size());
-        EXPECT_EQ(TIFFWriteRawStrip(writer.get(), 0, coded.data(), size), size);
-    }
-    const Tiff reader(TIFFOpen(file.path(), "r"));
-    Bytes plain(width_px);
-    EXPECT_EQ(TIFFReadEncodedStrip(reader.get(), 0, plain.data(), static_cast<tmsize_t>(plain.size())),
-              static_cast<tmsize_t>(plain.size()));
-    return plain;
-}
-
-TEST(PackBitsPeer, EachReadsWhatTheOtherWrites) {
-    const PeerFile file;
-    std::mt19937 random(42);
-    std::vector<Bytes> rows = {{0x41}, {7, 7}, {7, 7, 7}, Repeated(128, 9), Repeated(130, 9), k128, k129};
-    for (int i = 0; i < 60; ++i)
-        rows.push_back(RandomRow(random, 1000));
-    for (const Bytes& row : rows) {
-        ASSERT_EQ(Decoded(CodedByPeer(file, row), row.size()), row) << testing::PrintToString(row);
-        const auto coded = Encoded(row, 2 * row.size() + 2);
-        ASSERT_TRUE(coded.has_value());
-        ASSERT_EQ(DecodedByPeer(file, *coded, row.size()), row) << testing::PrintToString(row);
-    }
-}
 
 }  // namespace

@@ -1,0 +1,120 @@
+#include "texture/row_coding.h"
+
+#include <cstdint>
+
+#include "texture/exact_buffer.h"
+#include "texture/pack_bits.h"
+
+namespace {
+
+// The encoder again, from the table of packets alone: first the packets, then the bytes and the room that
+// they need.
+struct Packet {
+    bool run = false;
+    Bytes bytes;
+};
+
+std::vector<Packet> PacketsOf(const Bytes& plain) {
+    std::vector<Packet> packets;
+    bool open = false;
+    std::size_t i = 0;
+    while (i < plain.size()) {
+        std::size_t same = 1;
+        while (same < 128 && i + same < plain.size() && plain[i + same] == plain[i])
+            ++same;
+        if (same >= 3) {
+            packets.push_back({true, Bytes(same, plain[i])});
+            open = false;
+            i += same;
+            continue;
+        }
+        if (!open)
+            packets.push_back({false, {}});
+        packets.back().bytes.push_back(plain[i++]);
+        open = packets.back().bytes.size() < 128;
+    }
+    return packets;
+}
+
+}  // namespace
+
+std::optional<Bytes> Encoded(const Bytes& plain, std::size_t capacity) {
+    ExactBuffer src(plain);
+    ExactBuffer dst(capacity);
+    const std::int32_t written = PackBitsEncode(src.data(), src.size(), dst.data(), dst.size());
+    if (written == 0)
+        return std::nullopt;
+    return dst.First(static_cast<std::size_t>(written));
+}
+
+std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted) {
+    Bytes guarded = coded;
+    guarded.push_back(kGuard);
+    ExactBuffer src(guarded);
+    ExactBuffer dst(wanted);
+    if (!PackBitsDecode(src.data(), src.size() - 1, dst.data(), dst.size()))
+        return std::nullopt;
+    return dst.All();
+}
+
+Reference ReferenceEncode(const Bytes& plain) {
+    Reference reference;
+    const std::vector<Packet> packets = PacketsOf(plain);
+    for (const Packet& packet : packets) {
+        const std::size_t length = packet.bytes.size();
+        if (packet.run) {
+            reference.coded.push_back(static_cast<unsigned char>(257 - length));
+            reference.coded.push_back(packet.bytes.front());
+        } else {
+            reference.coded.push_back(static_cast<unsigned char>(length - 1));
+            reference.coded.insert(reference.coded.end(), packet.bytes.begin(), packet.bytes.end());
+        }
+    }
+    reference.room_bytes = reference.coded.size();
+    if (!packets.empty() && !packets.back().run && packets.back().bytes.size() == 128)
+        ++reference.room_bytes;
+    return reference;
+}
+
+std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted) {
+    Bytes out;
+    std::size_t at = 0;
+    while (out.size() < wanted && at < coded.size()) {
+        const unsigned char control = coded[at++];
+        if (control == 0x80)
+            continue;
+        if (control > 0x80) {
+            const unsigned char value = at < coded.size() ? coded[at] : kGuard;
+            ++at;
+            out.insert(out.end(), 257U - control, value);
+        } else {
+            if (at >= coded.size())
+                return std::nullopt;
+            // As far as the output has room and the input has bytes.
+            for (unsigned i = 0; i <= control && at < coded.size() && out.size() < wanted; ++i)
+                out.push_back(coded[at++]);
+        }
+        if (out.size() > wanted)
+            out.resize(wanted);
+    }
+    if (out.size() < wanted || at < coded.size())
+        return std::nullopt;
+    return out;
+}
+
+Bytes RandomRow(std::mt19937& random, std::size_t longest) {
+    const auto below = [&random](std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    const std::size_t length = 1 + below(longest);
+    Bytes row;
+    while (row.size() < length) {
+        const bool same = below(2) == 0;
+        const std::size_t stretch = 1 + below(below(4) == 0 ? 300 : 5);
+        const auto value = static_cast<unsigned char>(below(256));
+        for (std::size_t i = 0; i < stretch; ++i)
+            row.push_back(same ? value : static_cast<unsigned char>(below(256)));
+    }
+    row.resize(length);
+    return row;
+}

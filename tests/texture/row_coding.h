@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <random>
+#include <vector>
+
+// The row coding on vectors, through buffers of exactly their size, and a second, independent one to compare
+// it with.
+
+using Bytes = std::vector<unsigned char>;
+
+/// The byte behind the input of `Decoded`.
+inline constexpr unsigned char kGuard = 0x5A;
+
+/// What the encoder wrote into room for `capacity` bytes; nothing when it refused.
+[[nodiscard]] std::optional<Bytes> Encoded(const Bytes& plain, std::size_t capacity);
+
+/// What the decoder made of the input with the one guard byte behind it; nothing when it refused.
+[[nodiscard]] std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted);
+
+/// What the encoder should write, and the room that it needs for that.
+struct Reference {
+    Bytes coded;
+    std::size_t room_bytes = 0;
+};
+
+/// The encoder again, from the table of packets alone: first the packets, then their bytes.
+[[nodiscard]] Reference ReferenceEncode(const Bytes& plain);
+
+/// The decoder again, packet by packet.
+[[nodiscard]] std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted);
+
+/// A row of 1 to `longest` bytes with stretches of noise and stretches of equal bytes, around the lengths at
+/// which packets are cut.
+[[nodiscard]] Bytes RandomRow(std::mt19937& random, std::size_t longest);
