@@ -796,7 +796,7 @@ TEST(TxlLadder, CutAtEveryLengthNeverCrashes) {
 TEST(TxlLadder, EveryByteChangedNeverCrashes) {
     const TemporaryFolder folder;
     const std::string whole = full_file().bytes();
-    for (const int change : {0x01, 0x02, 0x03, 0x40, 0x80, 0xFF}) {
+    for (const int change : {0x01, 0x03, 0x40, 0xFF}) {
         for (std::size_t i = 0; i < whole.size(); ++i) {
             SCOPED_TRACE("byte " + std::to_string(i) + " changed by " + std::to_string(change));
             std::string changed = whole;
