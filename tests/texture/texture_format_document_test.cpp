@@ -1,0 +1,61 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "support/temporary_folder.h"
+#include "texture/annotated_dump.h"
+#include "texture/both_loads.h"
+
+namespace {
+
+const std::string kExample = VXR_EXAMPLES_DIR "/textures/tiny.txl";
+const std::string kDocument = VXR_EXAMPLES_DIR "/../docs/texture-format.md";
+
+std::string contents(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    EXPECT_TRUE(in.is_open()) << path;
+    return {std::istreambuf_iterator<char>(in), {}};
+}
+
+/// The picture of the example: four grey pixels in each of two rows, with one alpha channel. Of both, the
+/// first row is one that packs and the second one that does not.
+Texture tiny() {
+    constexpr std::array<std::uint8_t, 8> kGrey = {7, 7, 7, 7, 1, 2, 3, 4};
+    constexpr std::array<std::uint8_t, 8> kAlpha = {255, 255, 255, 255, 0, 64, 128, 192};
+    Texture texture;
+    texture.width_px = 4;
+    texture.height_px = 2;
+    texture.mode = Texture::kGrey;
+    texture.pixels = PixelBuffer(kGrey.size());
+    std::copy(kGrey.begin(), kGrey.end(), texture.pixels.begin());
+    texture.alphas.push_back({"Alpha", PixelBuffer(kAlpha.size())});
+    std::copy(kAlpha.begin(), kAlpha.end(), texture.alphas[0].values.begin());
+    return texture;
+}
+
+TEST(TextureFormatDocument, TheExampleIsWhatTheWriterWrites) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path("tiny.txl");
+    ASSERT_FALSE(write_texture(path, tiny()).has_value());
+    EXPECT_EQ(contents(path), contents(kExample));
+    const BothLoads both(kExample);
+    ASSERT_TRUE(both.reading.texture.has_value());
+    EXPECT_EQ(*both.reading.texture, tiny());
+}
+
+TEST(TextureFormatDocument, ShowsEveryByteOfTheExample) {
+    const std::string document = contents(kDocument);
+    const std::string fence = "<!-- every byte of examples/textures/tiny.txl -->\n```text\n";
+    const std::size_t begin = document.find(fence);
+    ASSERT_NE(begin, std::string::npos);
+    const std::size_t first = begin + fence.size();
+    const std::string shown = document.substr(first, document.find("```", first) - first);
+    EXPECT_EQ(shown, annotated_dump(contents(kExample)));
+}
+
+}  // namespace
