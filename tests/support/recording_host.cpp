@@ -448,7 +448,7 @@ std::string shortest(double number) {
     return {digits, end.ptr};
 }
 
-RecordingHost::RecordingHost() {
+RecordingHost::RecordingHost() : before_{current, g_pBasicSuite, g_PluginID, version55} {
     current = this;
     basic_.AcquireSuite = acquire_suite;
     basic_.ReleaseSuite = release_suite;
@@ -458,10 +458,10 @@ RecordingHost::RecordingHost() {
 }
 
 RecordingHost::~RecordingHost() {
-    current = nullptr;
-    g_pBasicSuite = nullptr;
-    g_PluginID = 0;
-    version55 = false;
+    current = before_.host;
+    g_pBasicSuite = before_.basic;
+    g_PluginID = before_.plugin_id;
+    version55 = before_.version55;
 }
 
 void RecordingHost::fail(std::string_view function, A_Err code, int nth) {

@@ -24,8 +24,9 @@
 /// Times are written value@scale, ratios num/den, doubles with as many digits as bring back the same bits. A
 /// call that failed ends in "= CODE" instead of what it yielded, one that yielded nothing in "-> null".
 ///
-/// The host's functions are plain C functions, so there is one recording host at a time; it makes itself the
-/// plug-in's host (g_pBasicSuite, g_PluginID 7, version55) as long as it lives.
+/// The host's functions are plain C functions, so one recording host answers at a time: the one made last. It
+/// makes itself the plug-in's host (g_pBasicSuite, g_PluginID 7, version55) as long as it lives, and puts
+/// back what was before.
 class RecordingHost {
   public:
     RecordingHost();
@@ -120,6 +121,12 @@ class RecordingHost {
     A_Err begin_call(std::string_view function, const std::string& arguments, bool* yields);
     void end_call(A_Err err, const std::string& yielded);
 
+    const struct {
+        RecordingHost* host;
+        SPBasicSuite* basic;
+        AEGP_PluginID plugin_id;
+        bool version55;
+    } before_;
     SPBasicSuite basic_{};
     std::deque<std::string> names_;
     std::map<std::string, std::string*> by_name_;
