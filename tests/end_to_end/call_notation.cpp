@@ -1,0 +1,178 @@
+#include "end_to_end/call_notation.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <fstream>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <regex>
+#include <stdexcept>
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view kSetInterpretation = "AEGP_SetFootageInterpretation";
+constexpr std::string_view kGetInterpretation = "AEGP_GetFootageInterpretation";
+
+// The shortest decimal that reads back to the same bits, always with a point, an exponent or a word.
+std::string number_text(double value) {
+    std::array<char, 32> buffer{};
+    const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
+    if (error != std::errc())
+        throw std::runtime_error("a number is too long");
+    std::string text(buffer.data(), end);
+    if (text.find_first_of(".en") == std::string::npos)
+        text += ".0";
+    return text;
+}
+
+bool is_handle(const std::string& text) {
+    static const std::regex pattern(
+        "(project|item|comp|layer|stream|additions|footage|mem|blob|inspec|outspec):[0-9]+");
+    return std::regex_match(text, pattern);
+}
+
+class Notation {
+  public:
+    explicit Notation(std::string_view folder) : folder_(folder) {}
+
+    std::string line(const Json& call) {
+        const std::string function = call.at("function");
+        std::string text = function + "(" + arguments(function, call.at("args")) + ")";
+        const Json& result = call.at("result");
+        if (function == kGetInterpretation) {
+            given_.clear();
+            for (const Json& record : call.at("out"))
+                flatten("", record, given_);
+        } else if (function == "AcquireSuite" && !call.at("out").empty()) {
+            if (call.at("out").front().is_null())
+                text += " -> null";
+        } else if (!call.at("out").empty()) {
+            text += " -> " + joined(call.at("out"));
+        }
+        if (result.is_number_float() || result.is_string())
+            text += " -> " + value(result);
+        else if (result != 0)
+            text += " !" + value(result);
+        return text;
+    }
+
+  private:
+    using Members = std::map<std::string, std::string>;
+
+    std::string text(const std::string& content) const {
+        if (is_handle(content))
+            return content;
+        if (!folder_.empty() && content.starts_with(folder_))
+            return "\"<folder>" + content.substr(folder_.size()) + "\"";
+        return "\"" + content + "\"";
+    }
+
+    std::string joined(const Json& values) const {
+        std::string all;
+        for (const Json& one : values)
+            all += (all.empty() ? "" : ", ") + value(one);
+        return all;
+    }
+
+    std::string value(const Json& json) const {
+        if (json.is_string())
+            return text(json);
+        if (json.is_number_float())
+            return number_text(json);
+        if (!json.is_structured())
+            return json.dump();
+        if (json.is_array())
+            return "[" + joined(json) + "]";
+        if (json.size() == 2 && json.contains("value") && json.contains("scale"))
+            return value(json["value"]) + "@" + value(json["scale"]);
+        if (json.size() == 2 && json.contains("num") && json.contains("den"))
+            return value(json["num"]) + "/" + value(json["den"]);
+        if (json.size() == 1 && json.contains("bytes"))
+            return "bytes " + json["bytes"].get<std::string>();
+        if (json.size() == 2 && json.contains("stream") && json.contains("value"))
+            return value(json["stream"]) + " " + value(json["value"]);
+        if (json.contains("x") || json.contains("red"))
+            return "(" + joined(json) + ")";
+        return "{" + joined(json) + "}";
+    }
+
+    void flatten(const std::string& name, const Json& json, Members& members) const {
+        if (!json.is_object() || json.contains("num")) {
+            members[name] = value(json);
+            return;
+        }
+        for (const auto& [key, member] : json.items())
+            flatten(name.empty() ? key : name + "." + key, member, members);
+    }
+
+    std::string arguments(const std::string& function, const Json& args) const {
+        if (function != kSetInterpretation)
+            return joined(args);
+        Json others = args;
+        Json record;
+        for (const auto& [name, argument] : args.items()) {
+            if (argument.is_object()) {
+                record = argument;
+                others.erase(name);
+            }
+        }
+        Members set;
+        flatten("", record, set);
+        std::string all = joined(others);
+        for (const char* decided : {"alpha.flags", "interlace.type", "interlace.order", "pixel_aspect"}) {
+            all += std::string(", ") + decided + " " + set.at(decided);
+            set.erase(decided);
+        }
+        for (const auto& [name, content] : set) {
+            if (given_.at(name) != content)
+                all += ", " + name + " " + content;
+        }
+        return all;
+    }
+
+    std::string folder_;
+    Members given_;  // what the host gave as the interpretation that is being edited
+};
+
+}  // namespace
+
+std::vector<std::string> calls_in_notation(const std::vector<std::string>& log_lines,
+                                           std::string_view folder) {
+    Notation notation(folder);
+    std::vector<std::string> calls;
+    std::transform(log_lines.begin(), log_lines.end(), std::back_inserter(calls),
+                   [&notation](const std::string& line) { return notation.line(Json::parse(line)); });
+    return calls;
+}
+
+std::vector<std::string> read_expected_calls(const std::string& path) {
+    std::ifstream in(path);
+    std::vector<std::string> calls;
+    for (std::string line; std::getline(in, line);) {
+        const std::size_t begin = line.find_first_not_of(" \t");
+        if (begin != std::string::npos && line[begin] != '#')
+            calls.push_back(line.substr(begin));
+    }
+    if (calls.empty())
+        throw std::runtime_error("no expected calls in " + path);
+    return calls;
+}
+
+std::string first_difference(const std::vector<std::string>& expected, const std::vector<std::string>& made) {
+    const auto [missed, strange] = std::mismatch(expected.begin(), expected.end(), made.begin(), made.end());
+    if (missed == expected.end() && strange == made.end())
+        return {};
+    const auto at = static_cast<std::size_t>(missed - expected.begin());
+    std::string text = "call " + std::to_string(at + 1) + " of " + std::to_string(expected.size()) +
+                       " expected, " + std::to_string(made.size()) + " made:\n";
+    constexpr std::size_t kAround = 3;
+    for (std::size_t i = at - std::min(at, kAround); i < at; ++i)
+        text += "           " + expected[i] + "\n";
+    text += "  expected " + (missed == expected.end() ? "nothing" : *missed) + "\n";
+    for (std::size_t i = at; i < std::min(at + kAround, made.size()); ++i)
+        text += "  made     " + made[i] + "\n";
+    return text;
+}

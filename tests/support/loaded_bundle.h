@@ -1,0 +1,36 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "embedded/host.h"
+
+/// The bundle that the build made, in a host of its own, with every call that it makes. Only its exported
+/// entry point is used; VXR_BUNDLE_PATH comes from the build.
+class LoadedBundle {
+  public:
+    explicit LoadedBundle(embedded::HostOptions options = {}) : host_(std::move(options)) {
+        host_.log_calls([this](std::string_view line) { calls_.emplace_back(line); });
+        loaded_ = host_.load(VXR_BUNDLE_PATH);
+    }
+
+    [[nodiscard]] embedded::Host& host() { return host_; }
+    [[nodiscard]] const embedded::LoadResult& loaded() const { return loaded_; }
+
+    /// The lines of the call log so far, or since they were taken last.
+    std::vector<std::string> take_calls() { return std::exchange(calls_, {}); }
+
+    [[nodiscard]] std::vector<std::string> message_texts() const {
+        std::vector<std::string> texts;
+        for (const embedded::Message& message : host_.messages())
+            texts.push_back(message.text);
+        return texts;
+    }
+
+  private:
+    std::vector<std::string> calls_;  // before the host, which writes to it until it is gone
+    embedded::Host host_;
+    embedded::LoadResult loaded_;
+};
