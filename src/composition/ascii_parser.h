@@ -113,10 +113,10 @@ class ASCIIParser {
     char* bufPos = nullptr;  ///< next unread byte in `buffer`
     A_long bufCount = 0;     ///< bytes left in `buffer`
     char curChar = 0;
-    char lastEol = 0;        ///< the line end counted last; 0 for none or after a completed pair
-    char textA[kTextBytes];  ///< the two buffers take turns, so that the text of the token before stays
-                             ///< readable
-    char textB[kTextBytes];
+    char lastEol = 0;  ///< the character counted last; 0 for none or after a completed pair of line ends
+    char textA[kTextBytes] = {};  ///< the two buffers take turns, so that the text of the token before stays
+                                  ///< readable
+    char textB[kTextBytes] = {};
     char* text = nullptr;   ///< text of the current token: textA, textB, or a heap string of quoted text
     A_long textOnHeap = 0;  ///< 1 while `text` is a heap string of this object
     A_long eolIsToken = 0;

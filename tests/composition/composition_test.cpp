@@ -101,6 +101,21 @@ TEST(Composition, StopsBehindItsBrace) {
     EXPECT_STREQ(parsed.p.text, "CAMERA");
 }
 
+// The levels above count also when a composition in the middle of a tree is read by itself.
+TEST(Composition, LevelsAreCountedFromTheRoot) {
+    CComposition root;
+    CComposition* deepest = &root;
+    for (A_long level = 1; level < kMaxCompositionLevels; ++level) {
+        deepest = deepest->AddComposition();
+    }
+    const char* const text = "COMPOSITION NRM \"a\" { COMPOSITION NRM \"b\" ; } ";
+    ParsedText at_the_limit(text);
+    EXPECT_EQ(deepest->ReadComposition(at_the_limit.p), 0) << "there is no room for another level";
+    CComposition* const above = deepest->parent->parent->AddComposition();
+    ParsedText below_it(text);
+    EXPECT_EQ(above->ReadComposition(below_it.p), 1);
+}
+
 TEST(Composition, NewObjects) {
     CComposition composition;
     EXPECT_EQ(composition.name, nullptr);

@@ -3,9 +3,11 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "composition/parsed_text.h"
@@ -186,6 +188,70 @@ TEST(ReadObserver, FailuresOfOpening) {
         EXPECT_STREQ(read_error_row(observer.errors[0].code).name, name);
         EXPECT_EQ(place(observer.errors[0].at), "1:1@0");
     }
+}
+
+// The file becomes shorter behind its first token; what is left of it has 5000 bytes.
+TEST(ReadObserver, FailuresOfReadingOn) {
+    const std::string root = "COMPOSITION NRM \"a\" {";
+    const std::pair<std::string, const char*> cases[] = {
+        {file_with(root) + std::string(9000, ' ') + "}", "found a part of the file that cannot be read"},
+        {file_with(root) + "FILE NRM PREMUL \"" + std::string(9000, 'x') + "\"\n}",
+         "expected a footage path in double quotes, found a part of the file that cannot be read"},
+        {file_with_objects("NULL \"n\" { }") + std::string(9000, ' '),
+         "expected the rest of the file, found a part of the file that cannot be read"},
+    };
+    for (const auto& [text, message] : cases) {
+        SCOPED_TRACE(message);
+        RecordingObserver observer;
+        ParsedText parsed(text, 0, &observer);
+        ASSERT_EQ(parsed.init, 0);
+        std::filesystem::resize_file(parsed.folder.path("shot.aec"), 5000);
+        tagProjectSettings settings;
+        EXPECT_EQ(ReadCompositionFile(parsed.p, settings), 0);
+        ASSERT_EQ(observer.errors.size(), 1U);
+        EXPECT_EQ(observer.errors[0].code, ReadErrorCode::read_failed);
+        EXPECT_THAT(observer.errors[0].message(), testing::EndsWith(message));
+        EXPECT_LE(observer.errors[0].at.offset_bytes, 5000);
+    }
+}
+
+TEST(ReadObserver, FootageThatNoFolderCanBeFoundFor) {
+    const TemporaryFolder folder;
+    folder.write("bare.aec", in_root("FILE NRM PREMUL \"/no/such/x.tif\"\n}\n"));
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(folder.folder());
+    RecordingObserver observer;
+    ASCIIParser p;
+    p.SetObserver(&observer);
+    const A_long init = p.Init(Filename("bare.aec"), 1, 0);
+    tagProjectSettings settings;
+    const int result = ReadCompositionFile(p, settings);
+    std::filesystem::current_path(before);
+    EXPECT_EQ(init, 0);
+    EXPECT_EQ(result, 0);
+    EXPECT_EQ(observer.events.back(),
+              "failure 4:17@112 path-without-folder: expected footage that opens, or a composition file "
+              "named with its "
+              "folder, found \"/no/such/x.tif\" in composition \"Main\"");
+}
+
+TEST(ReadObserver, EveryEventMayBeLeftAlone) {
+    ReadObserver whole;
+    EXPECT_EQ(ReadText(in_root("FILE NRM PREMUL \"x\"\nSOLID }\nNULL \"n\" { KEY 0 0 0 0 0 0 0 }\n"), &whole)
+                  .result,
+              1);
+    ReadObserver broken;
+    EXPECT_EQ(ReadText(in_root("5"), &broken).result, 0);
+}
+
+TEST(ReadObserver, LineEndsAreNamedWhenTheyAreTokens) {
+    RecordingObserver observer;
+    ParsedText parsed("COMPOSITION NRM\n\"a\"\n", 1, &observer);
+    CComposition composition;
+    EXPECT_EQ(composition.ReadComposition(parsed.p), 0);
+    EXPECT_EQ(observer.events.back(),
+              "failure 1:16@15 expected-name: expected a name in double quotes, found the end of the line in "
+              "composition");
 }
 
 TEST(ReadObserver, NestingTooDeep) {
