@@ -61,8 +61,8 @@ void set_fields(FIEL_Label& interlace, A_long fields) {
 A_Err edit_interpretation(AEGP_SuiteHandler& suites, const CFileItem& file, AEGP_ItemH item,
                           const tagProjectSettings& settings, const char* path) {
     constexpr A_Boolean kNotTheProxy = 0;
-    AEGP_FootageInterp interpretation;
-    std::memset(&interpretation, 0, sizeof interpretation);  // the gaps between members too
+    // Written as a value, not as a list of members: this clears the gaps between them too.
+    AEGP_FootageInterp interpretation = AEGP_FootageInterp();
     const A_Err err =
         suites.FootageSuite7()->AEGP_GetFootageInterpretation(item, kNotTheProxy, &interpretation);
     if (err != kHostErrorNone)

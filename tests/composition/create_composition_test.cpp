@@ -5,6 +5,7 @@
 #include <functional>
 #include <string>
 
+#include "composition/expected_calls.h"
 #include "composition/model_builder.h"
 #include "host/suite_handler.h"
 #include "support/recording_host.h"
@@ -73,9 +74,7 @@ TEST_F(CreateComposition, FootageAndNestedCompositionsBecomeLayersInFileOrder) {
         "GetLayerTransferMode(layer1)",
         "SetLayerTransferMode(layer1, 5/12/13)",
         "GetFootageInterpretation(item(footage1), 0)",
-        "SetFootageInterpretation(item(footage1), 0, fields 0/0, alpha 1, aspect 106/100, native 0, conform "
-        "0, "
-        "motion 0)",
+        set_interpretation("item(footage1)", {1, 106, 0, 0}),
         "SetLayerOffset(layer1, 0@25)",
         "SetLayerInPointAndDuration(layer1, 0, 0@25, 50@25)",
         // the nested composition: a folder in the folder, and a layer before its own children
@@ -93,9 +92,7 @@ TEST_F(CreateComposition, FootageAndNestedCompositionsBecomeLayersInFileOrder) {
         "GetLayerTransferMode(layer3)",
         "SetLayerTransferMode(layer3, 2/12/13)",
         "GetFootageInterpretation(item(footage2), 0)",
-        "SetFootageInterpretation(item(footage2), 0, fields 0/0, alpha 0, aspect 106/100, native 0, conform "
-        "25, "
-        "motion 1)",
+        set_interpretation("item(footage2)", {0, 106, 25, 1}),
         "SetLayerOffset(layer3, 0@25)",
         "SetLayerInPointAndDuration(layer3, 0, 0@25, 50@25)",
         // what does not exist
@@ -106,9 +103,7 @@ TEST_F(CreateComposition, FootageAndNestedCompositionsBecomeLayersInFileOrder) {
         "GetLayerTransferMode(layer4)",
         "SetLayerTransferMode(layer4, 4/12/13)",
         "GetFootageInterpretation(item(placeholder1), 0)",
-        "SetFootageInterpretation(item(placeholder1), 0, fields 0/0, alpha 0, aspect 106/100, native 0, "
-        "conform 0, "
-        "motion 0)",
+        set_interpretation("item(placeholder1)", {0, 106, 0, 0}),
         "SetLayerOffset(layer4, 0@25)",
         "SetLayerInPointAndDuration(layer4, 0, 0@25, 50@25)",
     };

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "composition/expected_calls.h"
 #include "host/plugin_globals.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
@@ -15,7 +16,6 @@ namespace {
 
 using ::testing::Contains;
 using ::testing::ElementsAre;
-using ::testing::ElementsAreArray;
 using ::testing::IsEmpty;
 using ::testing::Not;
 using ::testing::StartsWith;
@@ -33,6 +33,11 @@ class ImportFileTest : public ::testing::Test {
         return ImportFile(path.c_str(), nullptr, kSpecialActionNone, nullptr, nullptr);
     }
     A_Err import(const std::string& text) { return import_path(folder_.write("shot.aec", text)); }
+
+    /// A whole file with an empty root composition.
+    A_Err import_scene(const std::string& settings, const std::string& objects) {
+        return import(kHeader + settings + kRoot + objects);
+    }
 
     RecordingHost host_;
     TemporaryFolder folder_;
@@ -150,26 +155,21 @@ TEST_F(ImportFileTest, TopLevelFootageGoesToAFolderOfItsOwn) {
     EXPECT_EQ(import(kEmptyScene + "FILE <-> STRAIGHT \"" + image + "\"\nFSEQ <-> PREMUL \"" + frames +
                      "\"\nFSEQ <-> PREMUL \"" + missing + "\"\n"),
               0);
-    EXPECT_EQ(
-        host_.calls,
-        whole_import({
-            "CreateNewFolder(\"Special Passes\", root) -> folder2",
-            "NewFootage(7, \"" + image + "\", null, null, 0, null) -> footage1",
-            "AddFootageToProject(footage1, folder2) -> item(footage1)",
-            "GetFootageInterpretation(item(footage1), 0)",
-            "SetFootageInterpretation(item(footage1), 0, fields 0/0, alpha 0, aspect 100/100, native 0, "
-            "conform 0, motion 0)",
-            "NewFootage(7, \"" + frames + "\", null, {1, 0, -1, -1}, 0, null) -> footage2",
-            "AddFootageToProject(footage2, folder2) -> item(footage2)",
-            "GetFootageInterpretation(item(footage2), 0)",
-            "SetFootageInterpretation(item(footage2), 0, fields 0/0, alpha 1, aspect 100/100, native 0, "
-            "conform 25, motion 1)",
-            "NewPlaceholderFootage(7, \"gone0000.tif\", 720, 576, 100@25) -> placeholder1",
-            "AddFootageToProject(placeholder1, folder2) -> item(placeholder1)",
-            "GetFootageInterpretation(item(placeholder1), 0)",
-            "SetFootageInterpretation(item(placeholder1), 0, fields 0/0, alpha 1, aspect 100/100, native 0, "
-            "conform 25, motion 1)",
-        }));
+    EXPECT_EQ(host_.calls, whole_import({
+                               "CreateNewFolder(\"Special Passes\", root) -> folder2",
+                               "NewFootage(7, \"" + image + "\", null, null, 0, null) -> footage1",
+                               "AddFootageToProject(footage1, folder2) -> item(footage1)",
+                               "GetFootageInterpretation(item(footage1), 0)",
+                               set_interpretation("item(footage1)", {0, 100, 0, 0}),
+                               "NewFootage(7, \"" + frames + "\", null, {1, 0, -1, -1}, 0, null) -> footage2",
+                               "AddFootageToProject(footage2, folder2) -> item(footage2)",
+                               "GetFootageInterpretation(item(footage2), 0)",
+                               set_interpretation("item(footage2)", {1, 100, 25, 1}),
+                               "NewPlaceholderFootage(7, \"gone0000.tif\", 720, 576, 100@25) -> placeholder1",
+                               "AddFootageToProject(placeholder1, folder2) -> item(placeholder1)",
+                               "GetFootageInterpretation(item(placeholder1), 0)",
+                               set_interpretation("item(placeholder1)", {1, 100, 25, 1}),
+                           }));
 }
 
 TEST_F(ImportFileTest, TopLevelPlaceholderNamesAreCutAt31Characters) {
@@ -190,9 +190,10 @@ const std::string kObjects =
     "NULL \"Target\" {\n}\n";
 
 TEST_F(ImportFileTest, SceneObjectsAreLayersOfTheRootNewestFirst) {
-    for (const char* aspect : {"", "ASPECT 1.0\n"}) {
+    const std::string square[] = {kSettings, "ASPECT 1.0\n" + kSettings};
+    for (const std::string& settings : square) {
         RecordingHost host;
-        EXPECT_EQ(import(kHeader + aspect + kSettings + kRoot + kObjects), 0);
+        EXPECT_EQ(import_scene(settings, kObjects), 0);
         EXPECT_THAT(
             host.calls_of({"CreateComp", "CreateCameraInComp", "CreateLightInComp", "CreateNullInComp"}),
             ElementsAre("CreateComp(folder1, \"Main\", 720, 576, 100/100, 100@25, 2500/100) -> comp1",
@@ -248,15 +249,18 @@ TEST_F(ImportFileTest, OlderHostsReadSceneObjectsAndBuildNone) {
 
 TEST_F(ImportFileTest, TimesAreSetUnlessTheRangeIsFrame0Alone) {
     const struct {
-        const char* range;
+        const char* settings;
         std::size_t timings;
-    } cases[] = {{"FROM 0 TO 0", 0}, {"FROM 0 TO 1", 1}, {"FROM 1 TO 0", 1}, {"FROM 1 TO 1", 1}};
+    } cases[] = {
+        {"RESOLUTION 8 8 RANGE 1 FPS 25 FROM 0 TO 0\n", 0},
+        {"RESOLUTION 8 8 RANGE 1 FPS 25 FROM 0 TO 1\n", 1},
+        {"RESOLUTION 8 8 RANGE 1 FPS 25 FROM 1 TO 0\n", 1},
+        {"RESOLUTION 8 8 RANGE 1 FPS 25 FROM 1 TO 1\n", 1},
+    };
     for (const auto& c : cases) {
         RecordingHost host;
-        EXPECT_EQ(import(kHeader + "RESOLUTION 8 8 RANGE 1 FPS 25\n" + c.range + "\n" + kRoot +
-                         "NULL \"n\" {\n}\n"),
-                  0);
-        EXPECT_EQ(host.calls_of({"SetLayerOffset"}).size(), c.timings) << c.range;
+        EXPECT_EQ(import_scene(c.settings, "NULL \"n\" {\n}\n"), 0);
+        EXPECT_EQ(host.calls_of({"SetLayerOffset"}).size(), c.timings) << c.settings;
     }
 }
 
@@ -476,8 +480,8 @@ TEST_F(ImportFileTest, EveryCallThatFailsLeavesNothingOpenAndThePreferenceAsItWa
         if (silent) {
             EXPECT_THAT(host.reports, IsEmpty());
         } else {
-            EXPECT_EQ(host.reports.back(), loading_error(23));
-            EXPECT_EQ(std::count(host.reports.begin(), host.reports.end(), loading_error(23)), 1);
+            EXPECT_EQ(host.reports.back(), loading_error(19));
+            EXPECT_EQ(std::count(host.reports.begin(), host.reports.end(), loading_error(19)), 1);
         }
         EXPECT_THAT(host.left_open(), IsEmpty());
         const bool restoring = failing + 1 == clean.size();

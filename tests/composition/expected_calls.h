@@ -1,0 +1,19 @@
+#pragma once
+
+#include <string>
+
+/// An interpretation of footage, whole frames, on which the recording host had nothing to say itself.
+struct Interpretation {
+    int alpha;    ///< flags
+    int aspect;   ///< hundredths
+    int conform;  ///< frames a second; 0 for single images
+    int motion;
+};
+
+/// The line in which the recording host writes down that `item` was given it.
+inline std::string set_interpretation(const std::string& item, const Interpretation& i) {
+    std::string call = "SetFootageInterpretation(" + item + ", 0, fields 0/0, alpha ";
+    call += std::to_string(i.alpha) + ", aspect " + std::to_string(i.aspect) + "/100, native 0, conform ";
+    call += std::to_string(i.conform) + ", motion " + std::to_string(i.motion) + ")";
+    return call;
+}
