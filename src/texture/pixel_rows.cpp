@@ -49,7 +49,9 @@ int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header) {
 }
 
 bool PixelRowReader::Begin() {
-    const auto& [x, y, count, rows, channels] = header_;
+    const std::int32_t count = header_.count;
+    const std::int32_t rows = header_.rows;
+    const std::int32_t channels = header_.channels;
     if (count < 0 || rows < 0 || channels < 0) {
         return hf_->Fail(TextureFault::negative_size, [&] {
             return std::to_string(rows) + " rows of " + std::to_string(count) + " pixels with " +

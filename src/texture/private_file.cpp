@@ -32,7 +32,9 @@ PrivateFile::~PrivateFile() {
 
 int PrivateFile::Open(const char* path, int write) {
     Close();
-    handle_ = write == 0 ? open_regular_file(path) : std::fopen(path, "wb");
+    if (path != nullptr) {
+        handle_ = write == 0 ? open_regular_file(path) : std::fopen(path, "wb");
+    }
     error_ = handle_ == nullptr ? 1 : 0;
     return handle_ == nullptr ? 0 : 1;
 }

@@ -63,7 +63,8 @@ int PrivateString::Set(const char* text) {
         return 0;
     }
     for (std::int32_t i = 0; i < length_; ++i) {
-        units_[i] = static_cast<std::uint16_t>(static_cast<signed char>(text[i]));
+        const auto byte = static_cast<unsigned char>(text[i]);
+        units_[i] = static_cast<std::uint16_t>(byte < 0x80 ? byte : 0xFF00 | byte);
     }
     return 1;
 }

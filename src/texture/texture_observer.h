@@ -61,9 +61,6 @@ class TextureObserver {
     /// A layer header, before the target is asked for a channel.
     virtual void Layer(const LayerHeader& /*header*/) {}
 
-    /// The target has no channel for the layer announced last; its rows are read and dropped.
-    virtual void LayerRefused() {}
-
     /// The container's error was set, inside the chunks that have begun and not ended; `offset_bytes` is that
     /// of the tag of the item read last. Told again when a skip turns the error into another: the last holds.
     virtual void Failed(TextureFault /*fault*/, std::int64_t /*offset_bytes*/,

@@ -4,25 +4,27 @@
 #include "texture/txl_image.h"
 
 bool TXLImageFilter::LoadImage(const char* path, TXLImage* target) {
-    image_ = target;
     file_.SetPrivateData(this);
     if (target == nullptr || file_.Open(kTextureFileIdent, path, PrivateHyperFile::kReading, 0, 0) == 0) {
         return false;
     }
+    image_ = target;
     // Its result does not matter: the top level has no end tag, so that reading it always ends in "no more".
     ReadChunk(&file_);
     file_.Close();
+    image_ = nullptr;
     return file_.GetError() == 0;
 }
 
 bool TXLImageFilter::SaveImage(const char* path, TXLImage* source) {
-    image_ = source;
     file_.SetPrivateData(this);
     if (source == nullptr || file_.Open(kTextureFileIdent, path, PrivateHyperFile::kWriting, 0, 1) == 0) {
         return false;
     }
+    image_ = source;
     texture_.WriteObject(&file_, kChunkTexture);
     file_.Close();
+    image_ = nullptr;
     return file_.GetError() == 0;
 }
 

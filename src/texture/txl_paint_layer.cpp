@@ -66,17 +66,13 @@ bool TXLPaintLayer::ReadHeader(PrivateHyperFile* hf) {
     if (hf->GetError() != 0) {
         return false;
     }
-    TextureObserver* observer = hf->GetObserver();
-    if (observer != nullptr) {
+    if (TextureObserver* observer = hf->GetObserver(); observer != nullptr) {
         show(*observer, color_mode_, attributes_, name);
     }
     const TXLTextureHeader& texture = TXLImageFilter::Of(hf)->header();
     if (!Init(hf, texture.width, texture.height, color_mode_)) {
         // Not an error: the rest of this chunk is skipped, and a target that refused the layer refuses its
         // rows as well. The load goes on.
-        if (observer != nullptr) {
-            observer->LayerRefused();
-        }
         return false;
     }
     return hf->SkipToEndChunk() != 0;

@@ -218,6 +218,12 @@ TEST(PrivateFile, OnlyRegularFilesOpenForReading) {
     }
 }
 
+TEST(PrivateFile, WithoutAPathNothingOpens) {
+    PrivateFile file;
+    EXPECT_EQ(file.Open(nullptr, 0), 0);
+    EXPECT_EQ(file.Open(nullptr, 1), 0);
+}
+
 TEST(PrivateFile, AFullDiskShowsWhenTheBytesLeave) {
     PrivateFile file;
     ASSERT_EQ(file.Open("/dev/full", 1), 1);

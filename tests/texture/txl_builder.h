@@ -61,7 +61,7 @@ struct TxlRows {
     std::int32_t rows = 2;
     std::int32_t channels = 3;
     std::vector<std::pair<int, std::string>> blocks;  // flag and block, row by row and channel by channel
-    std::string trailing = {};                             // values and chunks behind the rows
+    std::string trailing = {};                        // values and chunks behind the rows
     bool ended = true;
 
     [[nodiscard]] std::string bytes() const {
