@@ -1,0 +1,161 @@
+#include <gtest/gtest.h>
+
+#include <stdexcept>
+
+#include "embedded/bundle_side.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using embedded::Host;
+using embedded::LoadResult;
+
+TEST(BundleLoading, CallsTheExportedEntryAndKeepsWhatItRegistered) {
+    Host host;
+    const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
+    ASSERT_TRUE(loaded.ok()) << loaded.error;
+    ASSERT_EQ(host.flavors().size(), 1U);
+    EXPECT_EQ(host.flavors()[0].name, "small");
+    EXPECT_TRUE(host.verify("any file").importable);
+    EXPECT_EQ(host.import_file("any file").code, kHostErrorNone);
+    EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
+}
+
+TEST(BundleLoading, WorksAgainInTheSameHostAndInTheNext) {
+    {
+        Host host;
+        ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
+        ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
+        EXPECT_EQ(host.flavors().size(), 1U) << "what the first loading registered is gone";
+    }
+    Host host;
+    ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
+    EXPECT_TRUE(host.verify("any file").importable);
+}
+
+TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
+    const TemporaryFolder folder;
+    Host host;
+    const LoadResult missing = host.load(folder.path("missing.so"));
+    EXPECT_FALSE(missing.ok());
+    EXPECT_NE(missing.error.find("missing.so"), std::string::npos) << missing.error;
+    const LoadResult text = host.load(folder.write("text.so", "not a library"));
+    EXPECT_FALSE(text.ok());
+    const LoadResult no_entry = host.load(VXR_SMALL_BUNDLE, "No_such_entry");
+    EXPECT_EQ(no_entry.error, "the bundle does not export No_such_entry");
+    EXPECT_FALSE(host.verify("any file").importable);
+    EXPECT_EQ(host.import_file("any file").code, kHostErrorGeneric);
+}
+
+TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
+    Host host;
+    const LoadResult loaded = host.load(VXR_SMALL_BUNDLE, "Failing_entry");
+    EXPECT_FALSE(loaded.ok());
+    EXPECT_EQ(loaded.entry.code, kHostErrorStructure);
+    EXPECT_EQ(loaded.error, "the entry point failed with host error 2");
+    EXPECT_TRUE(host.flavors().empty());
+}
+
+TEST(BundleLoading, CatchesTheMissingSuiteExceptionOfAnotherLibrary) {
+    embedded::HostOptions options;
+    options.suites_not_offered = {{"AEGP File Import Manager Suite", 2}};
+    Host host(options);
+    const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
+    EXPECT_FALSE(loaded.ok());
+    EXPECT_TRUE(loaded.entry.missing_suite);
+    EXPECT_EQ(loaded.entry.code, kHostErrorMissingSuite);
+    EXPECT_EQ(host.discipline().count(embedded::Breach::missing_suite_exception), 1U);
+}
+
+int death_hooks_run = 0;
+
+TEST(BundleLoading, RunsTheDeathHookWhenTheBundleGoes) {
+    death_hooks_run = 0;
+    {
+        Host host;
+        const LoadResult loaded =
+            host.load_entry([](SPBasicSuite* basic, A_long, A_long, const A_char*, const A_char*,
+                               AEGP_PluginID id, AEGP_GlobalRefcon*) -> A_Err {
+                const void* table = nullptr;
+                basic->AcquireSuite("AEGP Register Suite", 4, &table);
+                return static_cast<const AEGP_RegisterSuite4*>(table)->AEGP_RegisterDeathHook(
+                    id,
+                    [](AEGP_GlobalRefcon, AEGP_DeathRefcon) -> A_Err {
+                        ++death_hooks_run;
+                        return kHostErrorNone;
+                    },
+                    nullptr);
+            });
+        ASSERT_TRUE(loaded.ok()) << loaded.error;
+        EXPECT_EQ(death_hooks_run, 0);
+    }
+    EXPECT_EQ(death_hooks_run, 1);
+}
+
+TEST(Host, LivesOneAtATime) {
+    {
+        const Host first;
+        EXPECT_THROW(Host{}, std::logic_error);
+    }
+    EXPECT_NO_THROW(Host{});
+}
+
+TEST(Host, AnswersNobodyAfterItsEnd) {
+    SPBasicSuite* basic = nullptr;
+    const AEGP_UtilitySuite7* utility = nullptr;
+    {
+        BundleSide bundle;
+        basic = bundle.host.basic_suite();
+        utility = bundle.utility_suite;
+    }
+    const void* table = nullptr;
+    EXPECT_EQ(basic->AcquireSuite("AEGP Utility Suite", 7, &table), kHostErrorGeneric);
+    EXPECT_EQ(utility->AEGP_ReportInfo(1, "text"), kHostErrorGeneric);
+}
+
+TEST(Host, PassesEveryOtherExceptionOn) {
+    BundleSide bundle;
+    EXPECT_THROW(bundle.host.run("callback", []() -> A_Err { throw std::runtime_error("mine"); }),
+                 std::runtime_error);
+    EXPECT_THROW(bundle.host.run("callback", []() -> A_Err { throw 515L; }), long);
+    const embedded::CallbackResult missing = bundle.host.run("callback", []() -> A_Err { throw 516L; });
+    EXPECT_TRUE(missing.missing_suite);
+    EXPECT_EQ(missing.code, kHostErrorMissingSuite);
+    EXPECT_EQ(bundle.host.discipline().problems().size(), 1U);
+}
+
+TEST(Suites, AreOfferedByNameAndVersion) {
+    Host host;
+    for (const embedded::SuiteName& suite : embedded::offered_suites()) {
+        SCOPED_TRACE(suite.name);
+        const void* table = nullptr;
+        EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name.c_str(), suite.version, &table),
+                  kHostErrorNone);
+        EXPECT_NE(table, nullptr);
+        EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name.c_str(), suite.version + 100, &table),
+                  kHostErrorMissingSuite);
+        EXPECT_EQ(table, nullptr);
+        EXPECT_EQ(host.basic_suite()->ReleaseSuite(suite.name.c_str(), suite.version), kHostErrorNone);
+    }
+    EXPECT_EQ(embedded::offered_suites().size(), 17U);
+    EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
+}
+
+TEST(Suites, CanBeWithheldOrEmpty) {
+    embedded::HostOptions options;
+    options.suites_not_offered = {{"AEGP Comp Suite", 9}};
+    options.suites_empty = {{"PF AE Adv App Suite", 1}};
+    Host host(options);
+    const void* table = &host;
+    EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table), kHostErrorMissingSuite);
+    EXPECT_EQ(table, nullptr);
+    table = &host;
+    EXPECT_EQ(host.basic_suite()->AcquireSuite("PF AE Adv App Suite", 1, &table), kHostErrorNone);
+    EXPECT_EQ(table, nullptr);
+    EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Layer Suite", 11, &table), kHostErrorNone);
+    EXPECT_NE(table, nullptr);
+    EXPECT_EQ(host.basic_suite()->ReleaseSuite("AEGP Layer Suite", 11), kHostErrorNone);
+    EXPECT_TRUE(host.discipline().clean()) << "asking for a suite is no offence";
+}
+
+}  // namespace

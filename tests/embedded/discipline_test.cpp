@@ -1,0 +1,268 @@
+// What a callback must not leave behind, and what it may.
+
+#include <gtest/gtest.h>
+
+#include "embedded/bundle_side.h"
+
+namespace {
+
+using embedded::Breach;
+
+struct Case {
+    const char* name;
+    Breach breach;
+    std::function<void(BundleSide&)> work;
+};
+
+const Case kLeftBehind[] = {
+    {"a stream", Breach::stream_not_disposed,
+     [](BundleSide& b) { b.stream(b.camera(b.comp()), kLayerStreamZoom); }},
+    {"key additions", Breach::additions_not_ended,
+     [](BundleSide& b) {
+         const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
+         b.additions(stream);
+         b.stream_suite->AEGP_DisposeStream(stream);
+     }},
+    {"an undo group", Breach::undo_group_unbalanced,
+     [](BundleSide& b) { b.utility_suite->AEGP_StartUndoGroup("open"); }},
+    {"footage that is in no folder", Breach::footage_never_adopted, [](BundleSide& b) { b.placeholder(); }},
+    {"a suite", Breach::suite_not_released,
+     [](BundleSide& b) { b.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1); }},
+    {"memory", Breach::memory_left_alive, [](BundleSide& b) { b.memory(); }},
+    {"locked memory that an in-spec owns", Breach::memory_left_locked,
+     [](BundleSide& b) {
+         const AEGP_MemHandle memory = b.memory();
+         void* address = nullptr;
+         b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")), memory,
+                                                    &address);
+         b.memory_suite->AEGP_LockMemHandle(memory, &address);
+     }},
+};
+
+/// Runs `work` as a callback, inside an undo group of its own.
+void run_in_undo_group(BundleSide& bundle, const std::function<void(BundleSide&)>& work) {
+    bundle.host.run("callback", [&]() -> A_Err {
+        bundle.utility_suite->AEGP_StartUndoGroup("test");
+        work(bundle);
+        bundle.utility_suite->AEGP_EndUndoGroup();
+        return kHostErrorNone;
+    });
+}
+
+TEST(Discipline, ReportsWhatACallbackLeavesOpenOnceAtItsEnd) {
+    for (const Case& c : kLeftBehind) {
+        SCOPED_TRACE(c.name);
+        BundleSide bundle;
+        run_in_undo_group(bundle, c.work);
+        ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
+        const embedded::Finding& finding = bundle.host.discipline().problems().front();
+        EXPECT_EQ(finding.breach, c.breach);
+        EXPECT_EQ(finding.call, 0);
+        EXPECT_EQ(finding.where, "callback");
+
+        run_in_undo_group(bundle, [](BundleSide&) {});
+        EXPECT_EQ(bundle.host.discipline().problems().size(), 1U) << "reported again by the next callback";
+    }
+}
+
+TEST(Discipline, IsCleanAfterACallbackThatTidiesUp) {
+    BundleSide bundle;
+    run_in_undo_group(bundle, [](BundleSide& b) {
+        const AEGP_CompH comp = b.comp();
+        const AEGP_StreamRefH stream = b.stream(b.camera(comp), kLayerStreamZoom);
+        b.keyframe_suite->AEGP_EndAddKeyframes(1, b.additions(stream));
+        b.stream_suite->AEGP_DisposeStream(stream);
+        AEGP_LayerH layer = nullptr;
+        b.layer_suite->AEGP_AddLayer(b.placeholder_item(), comp, &layer);
+        b.memory_suite->AEGP_FreeMemHandle(b.memory());
+        b.host.basic_suite()->ReleaseSuite("AEGP Comp Suite", 9);
+        b.acquire<AEGP_CompSuite9>("AEGP Comp Suite", 9);
+    });
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.discipline().notes().empty());
+    EXPECT_EQ(bundle.host.discipline().to_text(), "");
+}
+
+TEST(Discipline, LetsTheTwoKeptSuitesStayAcquired) {
+    BundleSide bundle;
+    run_in_undo_group(bundle, [](BundleSide& b) {
+        b.acquire<AEGP_RegisterSuite4>("AEGP Register Suite", 4);
+        b.acquire<AEGP_PersistentDataSuite1>("AEGP Persistent Data Suite", 1);
+    });
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+}
+
+TEST(Discipline, ReportsEveryProjectChangeOutsideAnUndoGroup) {
+    // Each row changes the project once; what it needs for that is made inside a group.
+    struct {
+        const char* name;
+        std::function<std::function<A_Err()>(BundleSide&)> prepare;
+    } const changes[] = {
+        {"folder", [](BundleSide& b) { return [&b] { return b.folder() == nullptr ? 1 : 0; }; }},
+        {"composition", [](BundleSide& b) { return [&b] { return b.comp() == nullptr ? 1 : 0; }; }},
+        {"camera",
+         [](BundleSide& b) {
+             const AEGP_CompH comp = b.comp();
+             return [&b, comp] { return b.camera(comp) == nullptr ? 1 : 0; };
+         }},
+        {"null",
+         [](BundleSide& b) {
+             const AEGP_CompH comp = b.comp();
+             return [&b, comp] {
+                 AEGP_LayerH layer = nullptr;
+                 return b.comp_suite->AEGP_CreateNullInComp("n", comp, nullptr, &layer);
+             };
+         }},
+        {"layer",
+         [](BundleSide& b) {
+             const AEGP_CompH comp = b.comp();
+             const AEGP_ItemH item = b.placeholder_item();
+             return [&b, comp, item] {
+                 AEGP_LayerH layer = nullptr;
+                 return b.layer_suite->AEGP_AddLayer(item, comp, &layer);
+             };
+         }},
+        {"footage added",
+         [](BundleSide& b) {
+             const AEGP_FootageH footage = b.placeholder();
+             return [&b, footage] {
+                 AEGP_ItemH item = nullptr;
+                 return b.footage_suite->AEGP_AddFootageToProject(footage, b.root(), &item);
+             };
+         }},
+        {"interpretation",
+         [](BundleSide& b) {
+             const AEGP_ItemH item = b.placeholder_item();
+             return [&b, item] {
+                 AEGP_FootageInterp record{};
+                 b.footage_suite->AEGP_GetFootageInterpretation(item, 0, &record);
+                 return b.footage_suite->AEGP_SetFootageInterpretation(item, 0, &record);
+             };
+         }},
+        {"flag",
+         [](BundleSide& b) {
+             const AEGP_LayerH layer = b.camera(b.comp());
+             return [&b, layer] { return b.layer_suite->AEGP_SetLayerFlag(layer, kLayerFlag3D, 1); };
+         }},
+        {"offset",
+         [](BundleSide& b) {
+             const AEGP_LayerH layer = b.camera(b.comp());
+             return [&b, layer] { return b.layer_suite->AEGP_SetLayerOffset(layer, &b.four_seconds); };
+         }},
+        {"in-point",
+         [](BundleSide& b) {
+             const AEGP_LayerH layer = b.camera(b.comp());
+             return [&b, layer] {
+                 return b.layer_suite->AEGP_SetLayerInPointAndDuration(layer, kTimeModeLayer, &b.four_seconds,
+                                                                       &b.four_seconds);
+             };
+         }},
+        {"transfer mode",
+         [](BundleSide& b) {
+             const AEGP_LayerH layer = b.camera(b.comp());
+             return [&b, layer] {
+                 const AEGP_LayerTransferMode mode{kTransferModeAdd, 0, 0};
+                 return b.layer_suite->AEGP_SetLayerTransferMode(layer, &mode);
+             };
+         }},
+        {"light type",
+         [](BundleSide& b) {
+             const AEGP_LayerH layer = b.light(b.comp());
+             return [&b, layer] { return b.light_suite->AEGP_SetLightType(layer, kLightTypeSpot); };
+         }},
+        {"stream value",
+         [](BundleSide& b) {
+             const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
+             return [&b, stream] {
+                 AEGP_StreamValue value{};
+                 value.stream = stream;
+                 return b.stream_suite->AEGP_SetStreamValue(b.host.plugin_id(), stream, &value);
+             };
+         }},
+        {"keys",
+         [](BundleSide& b) {
+             const AEGP_AddKeyframesInfoH info = b.additions(b.stream(b.camera(b.comp()), kLayerStreamZoom));
+             A_long index = 0;
+             b.keyframe_suite->AEGP_AddKeyframes(info, kTimeModeLayer, &b.four_seconds, &index);
+             return [&b, info] { return b.keyframe_suite->AEGP_EndAddKeyframes(1, info); };
+         }},
+    };
+    for (const auto& change : changes) {
+        SCOPED_TRACE(change.name);
+        BundleSide bundle;
+        bundle.utility_suite->AEGP_StartUndoGroup("preparation");
+        const auto make_change = change.prepare(bundle);
+        bundle.utility_suite->AEGP_EndUndoGroup();
+        ASSERT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+        EXPECT_EQ(make_change(), kHostErrorNone);
+        EXPECT_EQ(bundle.count(Breach::change_outside_undo_group), 1U);
+        EXPECT_EQ(bundle.host.discipline().problems().size(), 1U);
+    }
+}
+
+TEST(Discipline, AllowsWhatIsNoProjectChangeOutsideAnUndoGroup) {
+    BundleSide bundle;
+    bundle.placeholder();
+    const char value = 3;
+    bundle.data_suite->AEGP_SetData(bundle.blob(), "section", "key", 1, &value);
+    bundle.utility_suite->AEGP_ReportInfo(bundle.host.plugin_id(), "text");
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+}
+
+TEST(UndoSteps, CountTheChangesOfTheOutermostGroup) {
+    BundleSide bundle;
+    bundle.utility_suite->AEGP_StartUndoGroup("outer");
+    bundle.folder();
+    bundle.utility_suite->AEGP_StartUndoGroup("inner");
+    bundle.folder();
+    bundle.utility_suite->AEGP_EndUndoGroup();
+    bundle.utility_suite->AEGP_EndUndoGroup();
+    bundle.utility_suite->AEGP_StartUndoGroup("second");
+    const auto& steps = bundle.host.project().undo_steps;
+    ASSERT_EQ(steps.size(), 2U);
+    EXPECT_EQ(steps[0].name, "outer");
+    EXPECT_EQ(steps[0].changes, 2);
+    EXPECT_TRUE(steps[0].closed);
+    EXPECT_EQ(steps[1].name, "second");
+    EXPECT_FALSE(steps[1].closed);
+}
+
+TEST(Discipline, BlamesANestedCallbackForWhatItLeftAndNotForWhatWasOpenAround) {
+    BundleSide bundle;
+    bundle.host.run("outer", [&]() -> A_Err {
+        const AEGP_MemHandle around = bundle.memory();
+        bundle.utility_suite->AEGP_StartUndoGroup("around");
+        bundle.host.run("inner", [&]() -> A_Err {
+            bundle.memory();
+            return kHostErrorNone;
+        });
+        bundle.utility_suite->AEGP_EndUndoGroup();
+        return bundle.memory_suite->AEGP_FreeMemHandle(around);
+    });
+    ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
+    EXPECT_EQ(bundle.host.discipline().problems()[0].where, "inner");
+    EXPECT_NE(bundle.host.discipline().problems()[0].text.find("mem:2"), std::string::npos);
+}
+
+TEST(Discipline, FindsWhatIsLeftAtTheEndOfTheHost) {
+    BundleSide bundle;
+    bundle.memory();
+    EXPECT_TRUE(bundle.host.discipline().clean()) << "nothing was a callback so far";
+    bundle.host.unload();
+    EXPECT_EQ(bundle.count(Breach::memory_left_alive), 1U);
+    EXPECT_EQ(bundle.count(Breach::suite_not_released), 14U);  // 16 acquired by BundleSide, 2 of them kept
+}
+
+TEST(DisciplineReport, KeepsAThousandProblemsAndCountsTheRest) {
+    embedded::DisciplineReport report;
+    for (int i = 0; i < 1005; ++i)
+        report.add({Breach::bad_argument, i + 1, "f", "wrong"});
+    report.add({Breach::name_cut, 1, "f", "cut"});
+    EXPECT_EQ(report.problems().size(), embedded::DisciplineReport::kMaxFindings);
+    EXPECT_EQ(report.dropped(), 5);
+    EXPECT_EQ(report.notes().size(), 1U);
+    EXPECT_NE(report.to_text().find("call 1 f: bad_argument: wrong\n"), std::string::npos);
+    EXPECT_NE(report.to_text().find("call 1 f: name_cut: cut\n5 more\n"), std::string::npos);
+}
+
+}  // namespace

@@ -1,0 +1,163 @@
+// What kind of host the bundle meets: options as text, faults on demand, preferences.
+
+#include <gtest/gtest.h>
+
+#include <set>
+#include <stdexcept>
+
+#include "embedded/bundle_side.h"
+
+namespace {
+
+using embedded::HostOptions;
+
+TEST(HostOptions, ReadInterfaceVersions) {
+    struct {
+        const char* name;
+        const char* text;
+        bool valid;
+        A_long major;
+        A_long minor;
+    } const cases[] = {
+        {"two numbers", "9.31", true, 9, 31},
+        {"a long one", "13.27", true, 13, 27},
+        {"no full stop", "9", false, 0, 0},
+        {"nothing after it", "9.", false, 0, 0},
+        {"nothing before it", ".9", false, 0, 0},
+        {"letters", "9.x", false, 0, 0},
+        {"three numbers", "9.3.1", false, 0, 0},
+        {"negative", "-9.1", false, 0, 0},
+        {"empty", "", false, 0, 0},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.name);
+        const auto version = embedded::parse_interface_version(c.text);
+        ASSERT_EQ(version.has_value(), c.valid);
+        if (version) {
+            EXPECT_EQ(version->major, c.major);
+            EXPECT_EQ(version->minor, c.minor);
+        }
+    }
+}
+
+TEST(HostOptions, ReadSuiteNames) {
+    const auto suite = embedded::parse_suite_name("AEGP Comp Suite:9");
+    ASSERT_TRUE(suite.has_value());
+    EXPECT_EQ(suite->name, "AEGP Comp Suite");
+    EXPECT_EQ(suite->version, 9);
+    for (const char* wrong : {"", ":9", "AEGP Comp Suite", "AEGP Comp Suite:", "AEGP Comp Suite:x"})
+        EXPECT_FALSE(embedded::parse_suite_name(wrong).has_value()) << wrong;
+}
+
+TEST(HostOptions, ReadFaults) {
+    const auto fault = embedded::parse_fault("AEGP_CreateComp:2:4");
+    ASSERT_TRUE(fault.has_value());
+    EXPECT_EQ(fault->function, "AEGP_CreateComp");
+    EXPECT_EQ(fault->nth, 2);
+    EXPECT_EQ(fault->code, 4);
+    EXPECT_TRUE(embedded::parse_fault("AcquireSuite:1:-7").has_value());
+    struct {
+        const char* name;
+        const char* text;
+    } const wrong[] = {
+        {"nothing", ""},
+        {"no code", "AEGP_CreateComp:2"},
+        {"call 0", "AEGP_CreateComp:0:4"},
+        {"a code that is no failure", "AEGP_CreateComp:1:0"},
+        {"a function that this host does not have", "AEGP_Nothing:1:4"},
+        {"a function that cannot fail", "sin:1:4"},
+        {"a count that is no number", "AEGP_CreateComp:x:4"},
+    };
+    for (const auto& c : wrong)
+        EXPECT_FALSE(embedded::parse_fault(c.text).has_value()) << c.name;
+}
+
+TEST(Faults, AnswerTheNthCallAloneAndChangeNothing) {
+    HostOptions options;
+    options.faults = {{"AEGP_CreateNewFolder", 2, 77}};
+    BundleSide bundle(options);
+    bundle.utility_suite->AEGP_StartUndoGroup("test");
+    AEGP_ItemH first = nullptr;
+    AEGP_ItemH second = nullptr;
+    AEGP_ItemH third = nullptr;
+    EXPECT_EQ(bundle.item_suite->AEGP_CreateNewFolder("a", bundle.root(), &first), kHostErrorNone);
+    EXPECT_EQ(bundle.item_suite->AEGP_CreateNewFolder("b", bundle.root(), &second), 77);
+    EXPECT_EQ(bundle.item_suite->AEGP_CreateNewFolder("c", bundle.root(), &third), kHostErrorNone);
+    EXPECT_NE(first, nullptr);
+    EXPECT_EQ(second, nullptr) << "a call that a fault answers touches nothing";
+    EXPECT_NE(third, nullptr);
+    EXPECT_EQ(bundle.host.project().items.size(), 3U);
+    EXPECT_EQ(bundle.host.call_counts().at("AEGP_CreateNewFolder"), 3);
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+}
+
+TEST(Faults, CanBeAskedOfEveryFunctionThatCanFail) {
+    std::set<std::string> names;
+    for (const embedded::HostFunction& function : embedded::failable_functions()) {
+        EXPECT_TRUE(names.insert(function.function).second) << function.function << " would be ambiguous";
+        const auto fault = embedded::parse_fault(function.function + ":3:41");
+        ASSERT_TRUE(fault.has_value()) << function.function;
+        HostOptions options;
+        options.faults = {*fault};
+        EXPECT_NO_THROW(embedded::Host{options}) << function.function;
+    }
+    EXPECT_EQ(names.size(), 56U);
+}
+
+TEST(Faults, ReachTheBasicSuite) {
+    HostOptions options;
+    options.faults = {{"AcquireSuite", 1, 41}, {"ReleaseSuite", 1, 42}};
+    embedded::Host host(options);
+    const void* table = nullptr;
+    EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table), 41);
+    EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table), kHostErrorNone);
+    EXPECT_EQ(host.basic_suite()->ReleaseSuite("AEGP Comp Suite", 9), 42);
+    EXPECT_EQ(host.basic_suite()->ReleaseSuite("AEGP Comp Suite", 9), kHostErrorNone);
+}
+
+TEST(Faults, OfFunctionsThatDoNotExistAreRefused) {
+    HostOptions options;
+    options.faults = {{"AEGP_Nothing", 1, 1}};
+    EXPECT_THROW(embedded::Host{options}, std::invalid_argument);
+    options.faults = {{"cos", 1, 1}};
+    EXPECT_THROW(embedded::Host{options}, std::invalid_argument);
+}
+
+constexpr char kSection[] = "Main Pref Section";
+constexpr char kAlpha[] = "Pref_DEFAULT_UNLABELED_ALPHA";
+
+TEST(Preferences, HoldTheAlphaPreferenceOrDoNot) {
+    A_Boolean exists = 7;
+    {
+        BundleSide bundle;
+        EXPECT_EQ(bundle.data_suite->AEGP_DoesKeyExist(bundle.blob(), kSection, kAlpha, &exists),
+                  kHostErrorNone);
+        EXPECT_EQ(exists, 0);
+    }
+    HostOptions options;
+    options.alpha_preference = 2;
+    BundleSide bundle(options);
+    EXPECT_EQ(bundle.data_suite->AEGP_DoesKeyExist(bundle.blob(), kSection, kAlpha, &exists), kHostErrorNone);
+    EXPECT_EQ(exists, 1);
+    std::uint8_t value = 0;
+    EXPECT_EQ(bundle.data_suite->AEGP_GetData(bundle.blob(), kSection, kAlpha, 1, nullptr, &value),
+              kHostErrorNone);
+    EXPECT_EQ(value, 2);
+    value = 3;
+    EXPECT_EQ(bundle.data_suite->AEGP_SetData(bundle.blob(), kSection, kAlpha, 1, &value), kHostErrorNone);
+    EXPECT_EQ(bundle.host.project().preferences.at({kSection, kAlpha}), std::vector<std::uint8_t>{3});
+}
+
+TEST(Preferences, AreMadeByAskingWithADefault) {
+    BundleSide bundle;
+    const char fallback[2] = {8, 9};
+    char value[2] = {};
+    EXPECT_EQ(bundle.data_suite->AEGP_GetData(bundle.blob(), "s", "k", 2, fallback, value), kHostErrorNone);
+    EXPECT_EQ(value[0], 8);
+    EXPECT_EQ(value[1], 9);
+    A_Boolean exists = 0;
+    bundle.data_suite->AEGP_DoesKeyExist(bundle.blob(), "s", "k", &exists);
+    EXPECT_EQ(exists, 1);
+}
+
+}  // namespace

@@ -1,0 +1,404 @@
+// Input modules: what the host asks them, in which order, and what it keeps of their answers.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <array>
+#include <cstring>
+
+#include "embedded/bundle_side.h"
+#include "embedded/project_json.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using embedded::Breach;
+using ::testing::ElementsAre;
+
+/// What the module of these tests does; a test changes one thing.
+struct Script {
+    A_Boolean importable = 1;
+    A_Err verify = kHostErrorNone;
+    A_Err init = kHostErrorNone;
+    A_Err info = kHostErrorNone;
+    A_Err dimensions = kHostUseDefaultCallback;
+    A_Err duration = kHostUseDefaultCallback;
+    A_Err draw = kHostErrorNone;
+    bool attach_options = true;
+    bool leak = false;
+    bool free_on_dispose = true;
+    bool set_size = true;
+    bool throw_in_init = false;
+    int overdraw_bytes = 0;
+};
+Script script;
+std::vector<std::string> called;
+BundleSide* side = nullptr;
+
+A_Err verify(AEIO_BasicData*, A_long signature, const A_char*, A_Boolean* importable) {
+    called.emplace_back(signature == four_char_code("TEST") ? "verify" : "verify with a wrong signature");
+    *importable = script.importable;
+    return script.verify;
+}
+
+A_Err init(AEIO_BasicData* basic, const A_char*, AEIO_InSpecH in) {
+    called.emplace_back("init");
+    if (script.throw_in_init)
+        throw 516L;
+    if (basic->plugin_id != side->host.plugin_id() || basic->basic_suite != side->host.basic_suite())
+        return kHostErrorStructure;
+    if (script.leak)
+        side->memory(24);
+    if (script.attach_options) {
+        void* old = nullptr;
+        side->io_in_suite->AEGP_SetInSpecOptionsHandle(in, side->memory(24), &old);
+    }
+    side->io_in_suite->AEGP_SetInSpecDepth(in, 32);
+    const A_Time still{0, 30};
+    side->io_in_suite->AEGP_SetInSpecDuration(in, &still);
+    if (script.set_size)
+        side->io_in_suite->AEGP_SetInSpecDimensions(in, 8, 4);
+    side->io_in_suite->AEGP_SetInSpecSize(in, 192);
+    side->io_in_suite->AEGP_SetInSpecNativeFPS(in, 30 << 16);
+    AEIO_AlphaLabel label{};
+    label.version = 0x0101;
+    label.flags = 1;
+    label.alpha_type = kAlphaTypePremultiplied;
+    side->io_in_suite->AEGP_SetInSpecAlphaLabel(in, &label);
+    return script.init;
+}
+
+A_Err info(AEIO_BasicData*, AEIO_InSpecH, AEIO_Verbiage* verbiage) {
+    called.emplace_back("info");
+    std::strcpy(verbiage->type, "type");
+    std::memset(verbiage->sub_type, 's', sizeof verbiage->sub_type);  // not terminated
+    return script.info;
+}
+
+A_Err dimensions(AEIO_BasicData*, AEIO_InSpecH, const A_Ratio*, A_long* width, A_long* height) {
+    called.emplace_back("dimensions");
+    if (script.dimensions == kHostErrorNone) {
+        *width = 99;
+        *height = 77;
+    }
+    return script.dimensions;
+}
+
+A_Err duration(AEIO_BasicData*, AEIO_InSpecH, A_Time* time) {
+    called.emplace_back("duration");
+    if (script.duration == kHostErrorNone)
+        *time = {50, 25};
+    return script.duration;
+}
+
+A_Err draw(AEIO_BasicData*, AEIO_InSpecH, const AEIO_DrawSparseFramePB* request, PF_LayerDef* world,
+           AEIO_DrawingFlags*) {
+    called.emplace_back("draw " + std::to_string(request->required_region.right) + "x" +
+                        std::to_string(request->required_region.bottom) + " at " +
+                        std::to_string(world->origin_x) + "," + std::to_string(world->origin_y));
+    for (A_long y = 0; y < world->height; ++y) {
+        auto* row = reinterpret_cast<std::uint8_t*>(world->data) + std::ptrdiff_t{world->row_bytes} * y;
+        for (A_long x = 0; x < world->width * 4 + script.overdraw_bytes; ++x)
+            row[x] = static_cast<std::uint8_t>(16 * y + x);
+    }
+    return script.draw;
+}
+
+A_Err dispose(AEIO_BasicData*, AEIO_InSpecH in) {
+    called.emplace_back("dispose");
+    void* options = nullptr;
+    side->io_in_suite->AEGP_GetInSpecOptionsHandle(in, &options);
+    if (options == nullptr || !script.free_on_dispose)
+        return kHostErrorNone;
+    return side->memory_suite->AEGP_FreeMemHandle(static_cast<AEGP_MemHandle>(options));
+}
+
+A_Err not_asked_for() {
+    called.emplace_back("something else");
+    return kHostErrorGeneric;
+}
+
+void register_module(BundleSide& bundle) {
+    std::array<void (*)(), kFunctionBlockFields> slots;
+    slots.fill(reinterpret_cast<void (*)()>(&not_asked_for));
+    auto functions = std::bit_cast<AEIO_FunctionBlock2>(slots);
+    functions.AEIO_VerifyFileImportable = verify;
+    functions.AEIO_InitInSpecFromFile = init;
+    functions.AEIO_GetInSpecInfo = info;
+    functions.AEIO_GetDimensions = dimensions;
+    functions.AEIO_GetDuration = duration;
+    functions.AEIO_DrawSparseFrame = draw;
+    functions.AEIO_DisposeInSpec = dispose;
+    AEIO_ModuleInfo record{};
+    record.signature = four_char_code("TEST");
+    std::strcpy(record.name, "Test module");
+    record.flags = kModuleFlagInput | kModuleFlagFile | kModuleFlagStill | (1 << 5);
+    record.num_filetypes = 1;
+    record.num_extensions = 2;
+    record.read_kinds[0].mac = {four_char_code("TEST"), -1};
+    record.read_kinds[1].ext = {'.', {'t', 's', 't'}};
+    record.read_kinds[2].ext = {'.', {'T', 'S', 'T'}};
+    ASSERT_EQ(bundle.register_suite->AEGP_RegisterIO(bundle.host.plugin_id(), nullptr, &record, &functions),
+              kHostErrorNone);
+}
+
+class InputModule : public ::testing::Test {
+  protected:
+    InputModule() {
+        script = {};
+        side = &bundle;
+        register_module(bundle);
+        called.clear();
+    }
+    embedded::Id open() {
+        const embedded::OpenResult opened = bundle.host.open_with_module("/a/b.TST");
+        EXPECT_EQ(opened.error, "");
+        return opened.in_spec;
+    }
+    BundleSide bundle;
+};
+
+TEST_F(InputModule, IsListedWithNameExtensionsAndFlagsInWords) {
+    ASSERT_EQ(bundle.host.modules().size(), 1U);
+    const embedded::Module& module = bundle.host.modules()[0];
+    EXPECT_EQ(module.name(), "Test module");
+    EXPECT_THAT(module.extensions(), ElementsAre(".tst"));
+    EXPECT_THAT(module.flag_words(), ElementsAre("input", "file", "still", "bit 5"));
+    EXPECT_EQ(bundle.host.module_for("/some.where/x.tSt"), &module);
+    EXPECT_EQ(bundle.host.module_for("x.png"), nullptr);
+    EXPECT_EQ(bundle.host.module_for("tst"), nullptr);
+}
+
+TEST_F(InputModule, IsAskedInOrderAndItsInSpecCountsWhereItLeavesTheAnswerToTheHost) {
+    const embedded::InSpec& in_spec = bundle.host.project().in_spec(open());
+    EXPECT_THAT(called, ElementsAre("verify", "init", "info", "dimensions", "duration"));
+    EXPECT_EQ(in_spec.path, "/a/b.TST");
+    EXPECT_EQ(in_spec.module_signature, four_char_code("TEST"));
+    EXPECT_EQ(in_spec.options, 1);
+    EXPECT_EQ(in_spec.depth, 32);
+    EXPECT_EQ(in_spec.width, 8);
+    EXPECT_EQ(in_spec.height, 4);
+    EXPECT_FALSE(in_spec.dimensions_from_module);
+    EXPECT_EQ(in_spec.duration.scale, 30U);
+    EXPECT_FALSE(in_spec.duration_from_module);
+    EXPECT_EQ(in_spec.size_bytes, 192);
+    EXPECT_EQ(in_spec.native_fps, 0x1E0000);
+    EXPECT_EQ(in_spec.alpha_label->alpha_type, kAlphaTypePremultiplied);
+    EXPECT_EQ(in_spec.type_text, "type");
+    EXPECT_EQ(in_spec.sub_type_text, std::string(128, 's'));
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_EQ(embedded::project_to_json(bundle.host.project())["in_specs"][0]["module"], "TEST");
+}
+
+TEST_F(InputModule, CountsWhereItAnswersItself) {
+    script.dimensions = kHostErrorNone;
+    script.duration = kHostErrorNone;
+    const embedded::InSpec& in_spec = bundle.host.project().in_spec(open());
+    EXPECT_EQ(in_spec.width, 99);
+    EXPECT_EQ(in_spec.height, 77);
+    EXPECT_TRUE(in_spec.dimensions_from_module);
+    EXPECT_EQ(in_spec.duration.value, 50);
+    EXPECT_TRUE(in_spec.duration_from_module);
+}
+
+struct FailureCase {
+    const char* name;
+    std::function<void()> change;
+    A_Err code;
+    const char* error;
+    std::vector<std::string> calls;
+};
+
+TEST_F(InputModule, ThatCannotOpenAFileLeavesNothingOpen) {
+    const FailureCase cases[] = {
+        {"verify fails", [] { script.verify = 5; }, 5, "the module could not verify the file", {"verify"}},
+        {"the file is not its",
+         [] { script.importable = 0; },
+         1,
+         "the module does not take the file",
+         {"verify"}},
+        {"init fails with its options attached",
+         [] { script.init = 3; },
+         3,
+         "the module could not read the file",
+         {"verify", "init", "dispose"}},
+        {"init fails without options",
+         [] {
+             script.init = 3;
+             script.attach_options = false;
+         },
+         3,
+         "the module could not read the file",
+         {"verify", "init"}},
+        {"info fails",
+         [] { script.info = 6; },
+         6,
+         "the module could not describe the file",
+         {"verify", "init", "info", "dispose"}},
+        {"dimensions fail",
+         [] { script.dimensions = 7; },
+         7,
+         "the module could not say how large the picture is",
+         {"verify", "init", "info", "dimensions", "dispose"}},
+        {"duration fails",
+         [] { script.duration = 8; },
+         8,
+         "the module could not say how long the file is",
+         {"verify", "init", "info", "dimensions", "duration", "dispose"}},
+        {"no size at all",
+         [] { script.set_size = false; },
+         1,
+         "the module gave neither size nor duration",
+         {"verify", "init", "info", "dimensions", "duration", "dispose"}},
+    };
+    for (const FailureCase& c : cases) {
+        SCOPED_TRACE(c.name);
+        script = {};
+        called.clear();
+        c.change();
+        const embedded::OpenResult opened = bundle.host.open_with_module("x.tst");
+        EXPECT_EQ(opened.in_spec, 0);
+        EXPECT_EQ(opened.callback.code, c.code);
+        EXPECT_EQ(opened.error, c.error);
+        EXPECT_EQ(called, c.calls);
+        for (const embedded::InSpec& in_spec : bundle.host.project().in_specs)
+            EXPECT_TRUE(in_spec.disposed);
+    }
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+}
+
+TEST_F(InputModule, ThatThrowsForASuiteIsAMissingSuite) {
+    script.throw_in_init = true;
+    const embedded::OpenResult opened = bundle.host.open_with_module("x.tst");
+    EXPECT_EQ(opened.callback.code, kHostErrorMissingSuite);
+    EXPECT_TRUE(opened.callback.missing_suite);
+    EXPECT_EQ(bundle.count(Breach::missing_suite_exception), 1U);
+}
+
+TEST_F(InputModule, ThatLosesAHandleIsTold) {
+    script.leak = true;
+    script.init = 3;
+    script.attach_options = false;
+    bundle.host.open_with_module("x.tst");
+    ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
+    EXPECT_EQ(bundle.host.discipline().problems()[0].breach, Breach::memory_left_alive);
+    EXPECT_EQ(bundle.host.discipline().problems()[0].where, "AEIO_InitInSpecFromFile");
+}
+
+TEST_F(InputModule, ThatKeepsItsOptionsOnDisposalIsTold) {
+    script.free_on_dispose = false;
+    EXPECT_EQ(bundle.host.dispose(open()).code, kHostErrorNone);
+    EXPECT_EQ(bundle.count(Breach::memory_left_alive), 1U);
+}
+
+TEST_F(InputModule, DisposesOnce) {
+    const embedded::Id in_spec = open();
+    EXPECT_EQ(bundle.host.dispose(in_spec).code, kHostErrorNone);
+    EXPECT_TRUE(bundle.host.project().in_spec(in_spec).disposed);
+    EXPECT_EQ(bundle.host.project().in_spec(in_spec).options, 0);
+    EXPECT_EQ(bundle.host.dispose(in_spec).code, kHostErrorParameter);
+    EXPECT_EQ(std::count(called.begin(), called.end(), "dispose"), 1);
+    EXPECT_EQ(bundle.host.dispose(0).code, kHostErrorParameter);
+    EXPECT_EQ(bundle.host.dispose(99).code, kHostErrorParameter);
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+}
+
+TEST_F(InputModule, DisposesOfEverythingWhenTheBundleGoes) {
+    open();
+    open();
+    bundle.host.unload();
+    EXPECT_EQ(std::count(called.begin(), called.end(), "dispose"), 2);
+    EXPECT_EQ(bundle.count(Breach::memory_left_alive), 0U) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.modules().empty());
+}
+
+TEST_F(InputModule, DrawsIntoFramesOfAnyShape) {
+    const embedded::Id in_spec = open();
+    for (const A_long row_bytes : {0, 9, 64, -8, -12}) {
+        SCOPED_TRACE(row_bytes);
+        called.clear();
+        embedded::FrameShape shape;
+        shape.width_px = 2;
+        shape.height_px = 3;
+        shape.row_bytes = row_bytes;
+        shape.origin_x = -5;
+        shape.origin_y = 6;
+        const embedded::DrawResult drawn = bundle.host.draw(in_spec, shape);
+        EXPECT_EQ(drawn.error, "");
+        EXPECT_EQ(drawn.callback.code, kHostErrorNone);
+        EXPECT_THAT(called, ElementsAre("draw 2x3 at -5,6"));
+        ASSERT_EQ(drawn.pixels.size(), 6U);
+        EXPECT_EQ(drawn.pixels[0].alpha, 0);
+        EXPECT_EQ(drawn.pixels[1].blue, 7);
+        EXPECT_EQ(drawn.pixels[5].alpha, 36);
+    }
+    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+}
+
+TEST_F(InputModule, ThatDrawsOutsideTheFrameIsTold) {
+    script.overdraw_bytes = 1;
+    embedded::FrameShape shape;
+    shape.width_px = 2;
+    shape.height_px = 1;
+    bundle.host.draw(open(), shape);
+    EXPECT_EQ(bundle.count(Breach::write_outside_frame), 1U);
+}
+
+TEST_F(InputModule, IsNotAskedForImpossibleFrames) {
+    const embedded::Id in_spec = open();
+    called.clear();
+    embedded::FrameShape shape;
+    shape.width_px = -1;
+    EXPECT_EQ(bundle.host.draw(in_spec, shape).error, "a frame of negative size");
+    EXPECT_EQ(bundle.host.draw(77, {}).error, "no open in-spec with this id");
+    bundle.host.dispose(in_spec);
+    EXPECT_EQ(bundle.host.draw(in_spec, {}).error, "no open in-spec with this id");
+    EXPECT_THAT(called, ElementsAre("dispose"));
+}
+
+TEST_F(InputModule, ReadsFootageWithItsExtension) {
+    AEGP_FootageH footage = nullptr;
+    ASSERT_EQ(bundle.footage_suite->AEGP_NewFootage(bundle.host.plugin_id(), "/a/b.tst", nullptr, nullptr, 0,
+                                                    nullptr, &footage),
+              kHostErrorNone);
+    const embedded::Footage& made = bundle.host.project().footage.at(0);
+    EXPECT_EQ(made.kind, embedded::FootageKind::module_file);
+    EXPECT_EQ(made.name, "b.tst");
+    EXPECT_EQ(made.width, 8);
+    EXPECT_EQ(made.height, 4);
+    EXPECT_EQ(made.channels, 4);
+    EXPECT_TRUE(made.has_alpha);
+    EXPECT_TRUE(made.alpha_premultiplied);
+    EXPECT_EQ(made.interpretation.native_fps, 30.0);
+    EXPECT_EQ(made.interpretation.depth, 32);
+    EXPECT_EQ(made.interpretation.alpha.flags, kAlphaFlagPremultiplied);
+    EXPECT_EQ(made.in_spec, 1);
+}
+
+TEST_F(InputModule, ThatRefusesAFileFailsTheFootageWithItsOwnError) {
+    script.init = 3;
+    script.attach_options = false;
+    AEGP_FootageH footage = nullptr;
+    EXPECT_EQ(bundle.footage_suite->AEGP_NewFootage(bundle.host.plugin_id(), "/a/b.tst", nullptr, nullptr, 0,
+                                                    nullptr, &footage),
+              3);
+    EXPECT_EQ(footage, nullptr);
+    EXPECT_TRUE(bundle.host.project().footage.empty());
+}
+
+TEST_F(InputModule, CallsAreLoggedInsideTheCallThatCausedThem) {
+    std::vector<std::string> functions;
+    bundle.host.log_calls([&functions](std::string_view line) {
+        functions.push_back(nlohmann::ordered_json::parse(line)["function"].get<std::string>());
+    });
+    AEGP_FootageH footage = nullptr;
+    bundle.footage_suite->AEGP_NewFootage(bundle.host.plugin_id(), "/a/b.tst", nullptr, nullptr, 0, nullptr,
+                                          &footage);
+    bundle.host.log_calls(nullptr);
+    EXPECT_THAT(functions,
+                ElementsAre("AEGP_NewFootage", "AEGP_NewMemHandle", "AEGP_SetInSpecOptionsHandle",
+                            "AEGP_SetInSpecDepth", "AEGP_SetInSpecDuration", "AEGP_SetInSpecDimensions",
+                            "AEGP_SetInSpecSize", "AEGP_SetInSpecNativeFPS", "AEGP_SetInSpecAlphaLabel"));
+}
+
+}  // namespace
