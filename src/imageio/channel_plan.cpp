@@ -1,0 +1,141 @@
+#include "imageio/channel_plan.h"
+
+#include <OpenImageIO/strutil.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <set>
+#include <string_view>
+#include <utility>
+
+namespace imageio {
+
+namespace {
+
+/// The first channel with one of these names, letters of either case; -1 when there is none.
+int find_channel(const OIIO::ImageSpec& spec, std::initializer_list<std::string_view> names) {
+    for (std::size_t channel = 0; channel < spec.channelnames.size(); ++channel) {
+        for (const std::string_view name : names) {
+            if (OIIO::Strutil::iequals(spec.channelnames[channel], {name.data(), name.size()})) {
+                return static_cast<int>(channel);
+            }
+        }
+    }
+    return -1;
+}
+
+std::vector<int> colour_by_name(const OIIO::ImageSpec& spec) {
+    const std::array rgb = {find_channel(spec, {"R", "red"}), find_channel(spec, {"G", "green"}),
+                            find_channel(spec, {"B", "blue"})};
+    if (std::find(rgb.begin(), rgb.end(), -1) == rgb.end()) {
+        return {rgb.begin(), rgb.end()};
+    }
+    const int grey = find_channel(spec, {"Y", "L", "luminance", "gray", "grey"});
+    return grey < 0 ? std::vector<int>{} : std::vector<int>{grey};
+}
+
+std::vector<int> colour_by_position(const OIIO::ImageSpec& spec) {
+    std::vector<int> candidates;
+    for (int channel = 0; channel < spec.nchannels; ++channel) {
+        if (channel != spec.alpha_channel || spec.nchannels == 1) {
+            candidates.push_back(channel);
+        }
+    }
+    const bool has_alpha = static_cast<int>(candidates.size()) < spec.nchannels;
+    const bool rgb = candidates.size() >= 3 && !(has_alpha && spec.alpha_channel == 1);
+    candidates.resize(rgb ? 3 : 1);
+    return candidates;
+}
+
+std::string unused_name(const std::string& wanted, std::set<std::string>& used) {
+    std::string name = wanted;
+    for (int number = 2; !used.insert(name).second; ++number) {
+        name = wanted + "." + std::to_string(number);
+    }
+    return name;
+}
+
+}  // namespace
+
+ChannelPlan plan_channels(const OIIO::ImageSpec& spec) {
+    ChannelPlan plan;
+    plan.colour = colour_by_name(spec);
+    if (plan.colour.empty()) {
+        plan.colour = colour_by_position(spec);
+    }
+    plan.mode = plan.colour.size() == 1 ? Texture::kGrey : Texture::kRgb;
+    const auto is_colour = [&plan](int channel) {
+        return std::find(plan.colour.begin(), plan.colour.end(), channel) != plan.colour.end();
+    };
+    if (spec.alpha_channel >= 0 && spec.alpha_channel < spec.nchannels && !is_colour(spec.alpha_channel)) {
+        plan.alphas.push_back(spec.alpha_channel);
+    }
+    for (int channel = 0; channel < spec.nchannels; ++channel) {
+        if (!is_colour(channel) && channel != spec.alpha_channel) {
+            plan.alphas.push_back(channel);
+        }
+    }
+    return plan;
+}
+
+std::vector<std::string> channel_names(const Texture& texture) {
+    std::vector<std::string> names = texture.mode == Texture::kGrey ? std::vector<std::string>{"Y"}
+                                                                    : std::vector<std::string>{"R", "G", "B"};
+    std::set<std::string> used(names.begin(), names.end());
+    for (std::size_t i = 0; i < texture.alphas.size(); ++i) {
+        names.push_back(unused_name(i == 0 ? "A" : texture.alphas[i].name, used));
+    }
+    return names;
+}
+
+void copy_row_out(const Texture& texture, std::int32_t y, std::uint8_t* row) {
+    const auto width = static_cast<std::size_t>(texture.width_px);
+    const auto colour_channels = static_cast<std::size_t>(texture.channels());
+    const std::size_t channels = colour_channels + texture.alphas.size();
+    const std::size_t first = static_cast<std::size_t>(y) * width;
+    const std::uint8_t* colour = texture.pixels.data() + first * colour_channels;
+    for (std::size_t x = 0; x < width; ++x) {
+        std::copy_n(colour + x * colour_channels, colour_channels, row + x * channels);
+    }
+    for (std::size_t alpha = 0; alpha < texture.alphas.size(); ++alpha) {
+        const std::uint8_t* values = texture.alphas[alpha].values.data() + first;
+        std::uint8_t* out = row + colour_channels + alpha;
+        for (std::size_t x = 0; x < width; ++x) {
+            out[x * channels] = values[x];
+        }
+    }
+}
+
+void copy_row_in(Texture& texture, const ChannelPlan& plan, std::int32_t x, std::int32_t y,
+                 std::int32_t count, const std::uint8_t* row, int image_channels) {
+    const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture.width_px) +
+                              static_cast<std::size_t>(x);
+    const auto copy_plane = [row, count, image_channels](int from, std::uint8_t* to, std::size_t step) {
+        for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
+            to[i * step] = row[i * static_cast<std::size_t>(image_channels) + static_cast<std::size_t>(from)];
+        }
+    };
+    const std::size_t colours = plan.colour.size();
+    for (std::size_t i = 0; i < colours; ++i) {
+        copy_plane(plan.colour[i], texture.pixels.data() + first * colours + i, colours);
+    }
+    for (std::size_t i = 0; i < plan.alphas.size(); ++i) {
+        copy_plane(plan.alphas[i], texture.alphas[i].values.data() + first, 1);
+    }
+}
+
+Texture make_texture(std::int32_t width_px, std::int32_t height_px, const ChannelPlan& plan,
+                     const OIIO::ImageSpec& spec) {
+    Texture texture;
+    texture.width_px = width_px;
+    texture.height_px = height_px;
+    texture.mode = plan.mode;
+    texture.pixels = PixelBuffer(texture.pixel_count() * plan.colour.size());
+    for (const int channel : plan.alphas) {
+        texture.alphas.push_back({spec.channel_name(channel), PixelBuffer(texture.pixel_count())});
+    }
+    return texture;
+}
+
+}  // namespace imageio

@@ -1,0 +1,102 @@
+#include "imageio/texture_spec.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "imageio/channel_plan.h"
+#include "texture/base_bitmap.h"
+
+namespace imageio {
+
+namespace {
+
+/// Appends the layer headers in these chunks and below, in file order. The reader bounds the depth.
+void collect_layers(const std::vector<ChunkOutline>& chunks, std::vector<ChunkOutline::Layer>& layers) {
+    for (const ChunkOutline& chunk : chunks) {
+        if (chunk.layer.has_value()) {
+            layers.push_back(*chunk.layer);
+        }
+        collect_layers(chunk.children, layers);
+    }
+}
+
+void add_layers(OIIO::ImageSpec& spec, const TextureReading& reading, std::size_t alpha_count) {
+    std::vector<ChunkOutline::Layer> layers;
+    collect_layers(reading.chunks, layers);
+    if (layers.size() < alpha_count) {
+        return;
+    }
+    // The last ones: a second texture header drops the alphas of the layers before it.
+    const std::size_t dropped = layers.size() - alpha_count;
+    for (std::size_t i = 0; i < alpha_count; ++i) {
+        const ChunkOutline::Layer& layer = layers[dropped + i];
+        const std::string prefix = "txl:layer" + std::to_string(i);
+        spec.attribute(prefix + ":name", layer.name);
+        spec.attribute(prefix + ":mode", layer.color_mode);
+        spec.attribute(prefix + ":attributes",
+                       OIIO::TypeDesc(OIIO::TypeDesc::UINT8, static_cast<int>(layer.attributes.size())),
+                       layer.attributes.data());
+    }
+}
+
+std::string warnings_text(const std::vector<TextureWarning>& warnings) {
+    std::string text;
+    for (const TextureWarning& warning : warnings) {
+        text += text.empty() ? "" : "; ";
+        text += OIIO::Strutil::fmt::format("{} x {} from 0x{:x}: {}", notice_name(warning.code),
+                                           warning.count, warning.offset_bytes, warning.reason);
+    }
+    return text;
+}
+
+}  // namespace
+
+std::string refuse_image(const OIIO::ImageSpec& spec) {
+    if (spec.deep) {
+        return "deep images cannot be stored in a texture";
+    }
+    if (spec.depth > 1) {
+        return "volumes cannot be stored in a texture";
+    }
+    if (spec.width < 1 || spec.height < 1 || spec.nchannels < 1) {
+        return OIIO::Strutil::fmt::format("an image of {} x {} pixels with {} channels has nothing to store",
+                                          spec.width, spec.height, spec.nchannels);
+    }
+    if (std::int64_t{spec.width} * spec.height > BaseBitmap::kMaxPixels) {
+        return OIIO::Strutil::fmt::format("{} x {} pixels are more than the 2^30 of the largest texture",
+                                          spec.width, spec.height);
+    }
+    return {};
+}
+
+OIIO::ImageSpec texture_spec(const TextureReading& reading) {
+    const Texture& texture = reading.texture.value();
+    const std::vector<std::string> names = channel_names(texture);
+    OIIO::ImageSpec spec(texture.width_px, texture.height_px, static_cast<int>(names.size()),
+                         OIIO::TypeDesc::UINT8);
+    spec.channelnames = names;
+    spec.alpha_channel = texture.alphas.empty() ? -1 : texture.channels();
+    spec.attribute("oiio:BitsPerSample", 8);
+    spec.attribute("txl:mode", texture.mode);
+    spec.attribute("txl:alphas", static_cast<int>(texture.alphas.size()));
+    add_layers(spec, reading, texture.alphas.size());
+    if (!reading.warnings.empty()) {
+        spec.attribute("txl:warnings", warnings_text(reading.warnings));
+    }
+    return spec;
+}
+
+std::string error_text(const TextureError& error) {
+    std::string text = error.path;
+    if (error.offset_bytes > 0 || !error.within.empty()) {
+        text += OIIO::Strutil::fmt::format("@0x{:x}", error.offset_bytes);
+    }
+    text += ": " + error.reason;
+    if (!error.within.empty()) {
+        text += " (in " + chunk_path(error.within) + ")";
+    }
+    return text;
+}
+
+}  // namespace imageio

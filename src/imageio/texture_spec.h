@@ -1,0 +1,32 @@
+#pragma once
+
+#include <OpenImageIO/imageio.h>
+
+#include <string>
+
+#include "texture/texture_file.h"
+
+namespace imageio {
+
+/// Why this image cannot be a texture: deep or volumetric, without pixels, or with more than the format's
+/// reader takes. Empty when it can.
+[[nodiscard]] std::string refuse_image(const OIIO::ImageSpec& spec);
+
+/// What the image library is told of a texture that was read with its outline.
+///
+/// The first alpha is the image's alpha, and it is **associated**: textures say so to a compositing host
+/// (label "premultiplied"), so the library neither multiplies on reading nor divides on the way to another
+/// associated format. The stored bytes reach TIFF and OpenEXR, and come back from them, as they are. Formats
+/// that store unassociated alpha only, PNG above all, are divided and multiplied by the library as for every
+/// associated image.
+///
+/// Metadata: "txl:mode" (2 grey, 4 RGB), "txl:alphas", for each alpha i from 0 "txl:layer<i>:name", ":mode"
+/// and
+/// ":attributes" (5 bytes), and "txl:warnings" when something was repaired or passed over. Nothing is said of
+/// the colour space, because the format says nothing.
+[[nodiscard]] OIIO::ImageSpec texture_spec(const TextureReading& reading);
+
+/// "a.txl@0x1a4: the row needs 64 bytes, 12 are left (in 502 > TaVx)"
+[[nodiscard]] std::string error_text(const TextureError& error);
+
+}  // namespace imageio

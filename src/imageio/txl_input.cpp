@@ -1,0 +1,106 @@
+#include "imageio/txl_input.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <exception>
+#include <fstream>
+#include <span>
+
+#include "imageio/channel_plan.h"
+#include "imageio/texture_spec.h"
+
+namespace imageio {
+
+namespace {
+
+/// The library's own limit on decoded images, where it is below the reader's.
+TextureReadOptions read_options() {
+    TextureReadOptions options;
+    options.outline = true;
+    constexpr int kBytesPerMebibyteBits = 20;
+    if (const int mebibytes = OIIO::get_int_attribute("limits:imagesize_MB", 0); mebibytes > 0) {
+        options.limits.decoded_bytes = std::min(
+            options.limits.decoded_bytes, static_cast<std::uint64_t>(mebibytes) << kBytesPerMebibyteBits);
+    }
+    return options;
+}
+
+}  // namespace
+
+TxlInput::~TxlInput() {
+    texture_.reset();
+}
+
+bool TxlInput::valid_file(const std::string& filename) const {
+    std::array<char, 8> start{};
+    std::ifstream file(filename, std::ios::binary);
+    file.read(start.data(), start.size());
+    std::array<std::uint8_t, start.size()> bytes{};
+    std::copy(start.begin(), start.end(), bytes.begin());
+    return begins_as_texture(std::span(bytes).first(static_cast<std::size_t>(file.gcount())));
+}
+
+bool TxlInput::open(const std::string& name, OIIO::ImageSpec& newspec) {
+    close();
+    // Exceptions end here: the library's callers do not expect any.
+    try {
+        if (!load(name)) {
+            close();
+            return false;
+        }
+    } catch (const std::exception& failure) {
+        close();
+        errorfmt("{}: {}", name, failure.what());
+        return false;
+    }
+    newspec = m_spec;
+    return true;
+}
+
+bool TxlInput::load(const std::string& name) {
+    TextureReading reading = read_texture(name, read_options());
+    if (reading.error.has_value()) {
+        errorfmt("{}", error_text(*reading.error));
+        return false;
+    }
+    m_spec = texture_spec(reading);
+    if (m_spec.width < 1 || m_spec.height < 1) {
+        errorfmt("{}: the picture is {} x {} pixels, there is nothing to read", name, m_spec.width,
+                 m_spec.height);
+        return false;
+    }
+    const int max_channels = OIIO::get_int_attribute("limits:channels", 0);
+    if (max_channels > 0 && m_spec.nchannels > max_channels) {
+        errorfmt("{}: {} channels, limits:channels is {}", name, m_spec.nchannels, max_channels);
+        return false;
+    }
+    texture_ = std::move(reading.texture);
+    return true;
+}
+
+bool TxlInput::close() {
+    texture_.reset();
+    m_spec = OIIO::ImageSpec();
+    return true;
+}
+
+bool TxlInput::read_native_scanline(int subimage, int miplevel, int y, int /*z*/, void* data) {
+    const lock_guard guard(*this);
+    if (!texture_.has_value()) {
+        errorfmt("no texture is open");
+        return false;
+    }
+    if (!seek_subimage(subimage, miplevel)) {
+        errorfmt("subimage {}, level {}: a texture has one image", subimage, miplevel);
+        return false;
+    }
+    if (y < 0 || y >= texture_->height_px) {
+        errorfmt("row {} is outside the picture, which has {}", y, texture_->height_px);
+        return false;
+    }
+    copy_row_out(*texture_, y, static_cast<std::uint8_t*>(data));
+    return true;
+}
+
+}  // namespace imageio

@@ -1,0 +1,121 @@
+#include "imageio/channel_plan.h"
+
+#include <gmock/gmock.h>
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+#include "support/made_texture.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+
+struct PlanCase {
+    const char* name;
+    std::vector<std::string> channels;  // of the image
+    int alpha_channel;                  // as the image marks it
+    std::int32_t mode;
+    std::vector<int> colour;
+    std::vector<int> alphas;
+
+    friend std::ostream& operator<<(std::ostream& out, const PlanCase& c) { return out << c.name; }
+};
+
+constexpr auto kGrey = Texture::kGrey;
+constexpr auto kRgb = Texture::kRgb;
+
+const PlanCase kPlans[] = {
+    {"one_channel_is_grey", {"Y"}, -1, kGrey, {0}, {}},
+    {"a_lone_alpha_is_grey_too", {"A"}, 0, kGrey, {0}, {}},
+    {"a_lone_channel_of_any_name_is_grey", {"depth.Z"}, -1, kGrey, {0}, {}},
+    {"two_channels_are_grey_and_alpha", {"Y", "A"}, 1, kGrey, {0}, {1}},
+    {"two_unnamed_channels_are_grey_and_alpha", {"channel0", "channel1"}, -1, kGrey, {0}, {1}},
+    {"alpha_before_grey", {"A", "Y"}, 0, kGrey, {1}, {0}},
+    {"alpha_before_a_nameless_channel", {"A", "channel1"}, 0, kGrey, {1}, {0}},
+    {"three_channels_are_rgb", {"R", "G", "B"}, -1, kRgb, {0, 1, 2}, {}},
+    {"three_unnamed_channels_are_rgb", {"channel0", "channel1", "channel2"}, -1, kRgb, {0, 1, 2}, {}},
+    {"names_in_lower_case", {"r", "g", "b", "a"}, 3, kRgb, {0, 1, 2}, {3}},
+    {"names_in_full", {"Red", "Green", "Blue"}, -1, kRgb, {0, 1, 2}, {}},
+    {"names_backwards", {"A", "B", "G", "R"}, 0, kRgb, {3, 2, 1}, {0}},
+    {"further_channels_are_alphas", {"R", "G", "B", "A", "Z", "mask"}, 3, kRgb, {0, 1, 2}, {3, 4, 5}},
+    {"the_alpha_comes_first", {"R", "G", "B", "Z", "A"}, 4, kRgb, {0, 1, 2}, {4, 3}},
+    {"rgb_beside_grey", {"Y", "R", "G", "B"}, -1, kRgb, {1, 2, 3}, {0}},
+    {"grey_by_name_with_many_alphas", {"Y", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
+    {"grey_by_the_place_of_the_alpha", {"channel0", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
+    {"alpha_named_in_a_place_out_of_range", {"R", "G", "B"}, 7, kRgb, {0, 1, 2}, {}},
+};
+
+class PlanChannels : public ::testing::TestWithParam<PlanCase> {};
+
+TEST_P(PlanChannels, sorts) {
+    const PlanCase& c = GetParam();
+    OIIO::ImageSpec spec(4, 4, static_cast<int>(c.channels.size()), OIIO::TypeDesc::UINT8);
+    spec.channelnames = c.channels;
+    spec.alpha_channel = c.alpha_channel;
+    const imageio::ChannelPlan plan = imageio::plan_channels(spec);
+    EXPECT_EQ(plan.mode, c.mode);
+    EXPECT_THAT(plan.colour, ElementsAreArray(c.colour));
+    EXPECT_THAT(plan.alphas, ElementsAreArray(c.alphas));
+}
+
+INSTANTIATE_TEST_SUITE_P(Table, PlanChannels, ::testing::ValuesIn(kPlans),
+                         [](const auto& test) { return std::string(test.param.name); });
+
+TEST(ChannelNames, first_alpha_is_a_and_the_others_keep_their_names) {
+    EXPECT_THAT(imageio::channel_names(made_texture(2, 2, kGrey, 0)), ElementsAre("Y"));
+    EXPECT_THAT(imageio::channel_names(made_texture(2, 2, kGrey, 1)), ElementsAre("Y", "A"));
+    EXPECT_THAT(imageio::channel_names(made_texture(2, 2, kRgb, 3)),
+                ElementsAre("R", "G", "B", "A", "Alpha.2", "Alpha.3"));
+}
+
+TEST(ChannelNames, layers_named_like_channels_are_told_apart) {
+    Texture texture = made_texture(2, 2, kRgb, 5);
+    texture.alphas[1].name = "R";
+    texture.alphas[2].name = "A";
+    texture.alphas[3].name = "A.2";
+    texture.alphas[4].name = "A";
+    EXPECT_THAT(imageio::channel_names(texture),
+                ElementsAre("R", "G", "B", "A", "R.2", "A.2", "A.2.2", "A.3"));
+}
+
+TEST(CopyRow, out_and_in_again_keeps_every_byte) {
+    for (const std::int32_t mode : {kGrey, kRgb}) {
+        for (const int alphas : {0, 1, 3}) {
+            const Texture texture = made_texture(5, 7, mode, alphas);
+            OIIO::ImageSpec spec(5, 7, texture.channels() + alphas, OIIO::TypeDesc::UINT8);
+            spec.channelnames = imageio::channel_names(texture);
+            spec.alpha_channel = alphas > 0 ? texture.channels() : -1;
+            const imageio::ChannelPlan plan = imageio::plan_channels(spec);
+            Texture copy = imageio::make_texture(5, 7, plan, spec);
+            for (std::size_t i = 0; i < copy.alphas.size(); ++i) {
+                EXPECT_EQ(copy.alphas[i].name, i == 0 ? "A" : texture.alphas[i].name);
+                copy.alphas[i].name = texture.alphas[i].name;
+            }
+            std::vector<std::uint8_t> row(static_cast<std::size_t>(5 * plan.channels()));
+            for (std::int32_t y = 0; y < texture.height_px; ++y) {
+                imageio::copy_row_out(texture, y, row.data());
+                imageio::copy_row_in(copy, plan, 0, y, 5, row.data(), plan.channels());
+            }
+            EXPECT_TRUE(copy == texture) << "mode " << mode << ", " << alphas << " alphas";
+        }
+    }
+}
+
+std::vector<int> bytes_of(const PixelBuffer& buffer) {
+    return {buffer.begin(), buffer.end()};
+}
+
+TEST(CopyRow, in_fills_only_the_pixels_that_are_given) {
+    OIIO::ImageSpec spec(4, 2, 2, OIIO::TypeDesc::UINT8);
+    const imageio::ChannelPlan plan = imageio::plan_channels(spec);
+    Texture texture = imageio::make_texture(4, 2, plan, spec);
+    const std::vector<std::uint8_t> row = {1, 2, 3, 4};
+    imageio::copy_row_in(texture, plan, 1, 1, 2, row.data(), 2);
+    EXPECT_THAT(bytes_of(texture.pixels), ElementsAre(0, 0, 0, 0, 0, 1, 3, 0));
+    EXPECT_THAT(bytes_of(texture.alphas.front().values), ElementsAre(0, 0, 0, 0, 0, 2, 4, 0));
+}
+
+}  // namespace
