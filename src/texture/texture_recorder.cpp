@@ -6,7 +6,8 @@ void TextureRecorder::ChunkStart(std::int32_t id, std::int32_t version, std::int
     ChunkOutline* added = nullptr;
     if (outline_) {
         // Places in these vectors stay where they are while a chunk is open: its siblings come after its end.
-        std::vector<ChunkOutline>& siblings = open_.empty() ? chunks_ : outline()->children;
+        ChunkOutline* parent = outline();
+        std::vector<ChunkOutline>& siblings = parent == nullptr ? chunks_ : parent->children;
         added = &siblings.emplace_back();
         added->id = id;
         added->version = version;

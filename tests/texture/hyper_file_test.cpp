@@ -19,7 +19,7 @@
 
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 constexpr std::int32_t kIdent = four_characters("Test");
 

@@ -90,7 +90,7 @@ TEST(PrivateFile, StoresEveryTypeBigEndian) {
     EXPECT_EQ(file.WriteLReal(-2.0), 1);
     EXPECT_EQ(file.GetPosition(), 26);
     EXPECT_EQ(file.Close(), 1);
-    using std::string_literals::operator""s;
+    using namespace std::string_literals;
     EXPECT_EQ(contents(path),
               "\xFE\xFE\xFF\xFE\x01\x02\xFF\xFF\xFF\xFE\x01\x02\x03\x04"
               "\x3F\x80\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x00"s);
@@ -98,7 +98,7 @@ TEST(PrivateFile, StoresEveryTypeBigEndian) {
 
 TEST(PrivateFile, ReadsBackEveryType) {
     const TemporaryFolder folder;
-    using std::string_literals::operator""s;
+    using namespace std::string_literals;
     const std::string path = folder.write("values",
                                           "\xFE\xFE\xFF\xFE\x01\x02\xFF\xFF\xFF\xFE\x01\x02\x03\x04"
                                           "\x3F\x80\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x00"s);

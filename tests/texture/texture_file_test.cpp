@@ -19,7 +19,7 @@
 
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 enum class Content { flat, noisy, runs };
 

@@ -15,7 +15,7 @@
 
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 const std::string kSoundPixels = "\x01\x11\x21\x02\x12\x22\x03\x13\x23\x04\x14\x24"s;
 const std::string kNoPixels(12, '\0');

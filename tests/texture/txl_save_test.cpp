@@ -13,7 +13,7 @@
 
 namespace {
 
-using std::string_literals::operator""s;
+using namespace std::string_literals;
 
 std::string contents(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
