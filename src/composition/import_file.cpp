@@ -2,7 +2,8 @@
 
 #include <cstdio>
 #include <cstring>
-#include <vector>
+#include <memory>
+#include <new>
 
 #include "composition/ascii_parser.h"
 #include "composition/composition_file.h"
@@ -95,9 +96,12 @@ A_Err read_and_build(ASCIIParser& parser, tagProjectSettings& settings, AEGP_Sui
 /// then.
 void report_error(AEGP_SuiteHandler& suites, A_long line) {
     constexpr std::size_t kRoomForTheLine = 20;
-    std::vector<char> text(std::strlen(g_pCh_Error_loading_file) + kRoomForTheLine);
-    std::snprintf(text.data(), text.size(), g_pCh_Error_loading_file, line);
-    suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, text.data());
+    const std::size_t size = std::strlen(g_pCh_Error_loading_file) + kRoomForTheLine;
+    const std::unique_ptr<char[]> text(new (std::nothrow) char[size]);
+    if (text == nullptr)
+        return;  // the result says that the import failed, and a missing suite is the only exception
+    std::snprintf(text.get(), size, g_pCh_Error_loading_file, line);
+    suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, text.get());
 }
 
 }  // namespace

@@ -567,22 +567,54 @@ constexpr std::size_t slot(std::size_t n) {
 
 inline constexpr std::size_t kFunctionBlockFields = 46;
 static_assert(sizeof(AEIO_FunctionBlock2) == slot(kFunctionBlockFields));
-static_assert(offsetof(AEIO_FunctionBlock2, AEIO_DisposeInSpec) == slot(2) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_GetInSpecInfo) == slot(7) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_DrawSparseFrame) == slot(8) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_GetSound) == slot(12) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_DisposeOutputOptions) == slot(16) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_GetOutputInfo) == slot(18) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_SetOutputFile) == slot(20) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_AddFrame) == slot(22) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_GetSizes) == slot(26) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_GetDepths) == slot(30) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_SeqOptionsDlg) == slot(32) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_NumAuxFiles) == slot(37) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_GetNthAuxFileSpec) == slot(38) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_AddMarker) == slot(43) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_VerifyFileImportable) == slot(44) &&
-              offsetof(AEIO_FunctionBlock2, AEIO_UserAudioOptionsDialog) == slot(45));
+#define VXR_FIELD_IS_AT(n, field) static_assert(offsetof(AEIO_FunctionBlock2, field) == slot(n))
+VXR_FIELD_IS_AT(0, AEIO_InitInSpecFromFile);
+VXR_FIELD_IS_AT(1, AEIO_InitInSpecInteractive);
+VXR_FIELD_IS_AT(2, AEIO_DisposeInSpec);
+VXR_FIELD_IS_AT(3, AEIO_FlattenOptions);
+VXR_FIELD_IS_AT(4, AEIO_InflateOptions);
+VXR_FIELD_IS_AT(5, AEIO_SynchInSpec);
+VXR_FIELD_IS_AT(6, AEIO_GetActiveExtent);
+VXR_FIELD_IS_AT(7, AEIO_GetInSpecInfo);
+VXR_FIELD_IS_AT(8, AEIO_DrawSparseFrame);
+VXR_FIELD_IS_AT(9, AEIO_GetDimensions);
+VXR_FIELD_IS_AT(10, AEIO_GetDuration);
+VXR_FIELD_IS_AT(11, AEIO_GetTime);
+VXR_FIELD_IS_AT(12, AEIO_GetSound);
+VXR_FIELD_IS_AT(13, AEIO_InqNextFrameTime);
+VXR_FIELD_IS_AT(14, AEIO_InitOutputSpec);
+VXR_FIELD_IS_AT(15, AEIO_GetFlatOutputOptions);
+VXR_FIELD_IS_AT(16, AEIO_DisposeOutputOptions);
+VXR_FIELD_IS_AT(17, AEIO_UserOptionsDialog);
+VXR_FIELD_IS_AT(18, AEIO_GetOutputInfo);
+VXR_FIELD_IS_AT(19, AEIO_OutputInfoChanged);
+VXR_FIELD_IS_AT(20, AEIO_SetOutputFile);
+VXR_FIELD_IS_AT(21, AEIO_StartAdding);
+VXR_FIELD_IS_AT(22, AEIO_AddFrame);
+VXR_FIELD_IS_AT(23, AEIO_EndAdding);
+VXR_FIELD_IS_AT(24, AEIO_OutputFrame);
+VXR_FIELD_IS_AT(25, AEIO_WriteLabels);
+VXR_FIELD_IS_AT(26, AEIO_GetSizes);
+VXR_FIELD_IS_AT(27, AEIO_Flush);
+VXR_FIELD_IS_AT(28, AEIO_AddSoundChunk);
+VXR_FIELD_IS_AT(29, AEIO_Idle);
+VXR_FIELD_IS_AT(30, AEIO_GetDepths);
+VXR_FIELD_IS_AT(31, AEIO_GetOutputSuffix);
+VXR_FIELD_IS_AT(32, AEIO_SeqOptionsDlg);
+VXR_FIELD_IS_AT(33, AEIO_GetNumAuxChannels);
+VXR_FIELD_IS_AT(34, AEIO_GetAuxChannelDesc);
+VXR_FIELD_IS_AT(35, AEIO_DrawAuxChannel);
+VXR_FIELD_IS_AT(36, AEIO_FreeAuxChannel);
+VXR_FIELD_IS_AT(37, AEIO_NumAuxFiles);
+VXR_FIELD_IS_AT(38, AEIO_GetNthAuxFileSpec);
+VXR_FIELD_IS_AT(39, AEIO_CloseSourceFiles);
+VXR_FIELD_IS_AT(40, AEIO_CountUserData);
+VXR_FIELD_IS_AT(41, AEIO_SetUserData);
+VXR_FIELD_IS_AT(42, AEIO_GetUserData);
+VXR_FIELD_IS_AT(43, AEIO_AddMarker);
+VXR_FIELD_IS_AT(44, AEIO_VerifyFileImportable);
+VXR_FIELD_IS_AT(45, AEIO_UserAudioOptionsDialog);
+#undef VXR_FIELD_IS_AT
 
 // ---------------------------------------------------------------------------------------------------------------
 // Suites. A reserved slot is a function that this system never calls; it is named for the slots it covers.

@@ -8,6 +8,8 @@
 #include <vector>
 
 #include "composition/expected_calls.h"
+#include "composition/read_observer.h"
+#include "composition/refused_memory.h"
 #include "host/plugin_globals.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
@@ -524,6 +526,52 @@ TEST_F(ImportFileTest, EverySuiteThatIsMissingEndsTheImportWithEverythingGivenBa
             }
         }
     }
+}
+
+TEST_F(ImportFileTest, WhenMemoryRunsShortTheImportEndsWithEverythingGivenBack) {
+    const std::string path = folder_.write("shot.aec", kEverything);
+    const auto import_with = [&](long first_refused) {
+        const RefusedMemory refused(first_refused);
+        import_path(path);
+        return RefusedMemory::asked();
+    };
+    const long asked = import_with(1000000);
+    ASSERT_GT(asked, 50);
+    for (long first_refused = 0; first_refused < asked; ++first_refused) {
+        SCOPED_TRACE(first_refused);
+        RecordingHost host;
+        host.alpha_preference = 1;
+        host.fail("GetProjectByIndex", 77);  // the report asks for memory too
+        EXPECT_NO_THROW(import_with(first_refused));
+        EXPECT_THAT(host.left_open(), IsEmpty());
+        EXPECT_EQ(host.alpha_preference, 1);
+    }
+}
+
+// ---- observed
+
+struct FailureNotes : ReadObserver {
+    void on_failure(const ReadError& error) override { lines.push_back(error.at.line); }
+    void on_end(const TextPosition& /*at*/, bool at_end_of_file) override { ended.push_back(at_end_of_file); }
+    std::vector<std::int64_t> lines;
+    std::vector<bool> ended;
+};
+
+TEST_F(ImportFileTest, AnObserverIsToldWhatTheImportKeepsToItself) {
+    const std::string bad = folder_.write("bad.aec", kHeader + "FPS 25\nFRAMES 3\n" + kRoot);
+    FailureNotes failed;
+    EXPECT_EQ(import_composition_file(bad.c_str(), &failed), 0);
+    EXPECT_THAT(failed.lines, ElementsAre(3));
+    EXPECT_THAT(failed.ended, IsEmpty());
+    EXPECT_THAT(host_.reports, IsEmpty());
+
+    const std::string good = folder_.write("good.aec", kEmptyScene);
+    FailureNotes read;
+    host_.calls.clear();
+    EXPECT_EQ(import_composition_file(good.c_str(), &read), 0);
+    EXPECT_THAT(read.lines, IsEmpty());
+    EXPECT_THAT(read.ended, ElementsAre(true));
+    EXPECT_EQ(host_.calls, whole_import({})) << "and it changes nothing";
 }
 
 TEST_F(ImportFileTest, WithoutABasicSuiteTheExceptionComesBeforeAnyCall) {
