@@ -45,17 +45,19 @@ constexpr const char* kMiddle = R"(        esac
 
 constexpr const char* kTail = R"(    esac
     if [[ -n $values && $previous == @($values) ]]; then
+        compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
     elif [[ $current == -* ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
     elif [[ -n $verbs ]]; then
         mapfile -t COMPREPLY < <(compgen -W "$verbs" -- "$current")
     else
+        compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
     fi
 }
 shopt -s extglob
-complete -o filenames -F _vxr vxr
+complete -F _vxr vxr
 )";
 
 }  // namespace
@@ -69,7 +71,10 @@ std::string bash_completion(const std::vector<Page>& pages) {
     }
     script += kMiddle;
     for (const Page& page : pages) {
-        const Words words = words_of(page);
+        Words words = words_of(page);
+        if (page.command == pages.front().command + " help") {
+            words.verbs = words_of(pages.front()).verbs;
+        }
         script += "        \"" + page.command + "\")\n            verbs=\"" + words.verbs +
                   "\"\n            options=\"" + words.options + "\"\n            values=\"" +
                   words.with_value + "\"\n            ;;\n";

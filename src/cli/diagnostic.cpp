@@ -95,4 +95,8 @@ void complain(Terminal& terminal, std::string_view text) {
     terminal.err << "vxr: " << terminal.err_paint(Ink::red, "error:") << ' ' << printable(text) << '\n';
 }
 
+void remark(Terminal& terminal, std::string_view text) {
+    terminal.err << "vxr: note: " << printable(text) << '\n';
+}
+
 }  // namespace cli

@@ -49,7 +49,12 @@ std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
 /// "source_line"}; what is not known is null.
 nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic);
 
+/// An array of texts.
+nlohmann::ordered_json texts_json(const std::vector<std::string>& texts);
+
 /// A message of the program itself on the error stream: "vxr: error: ...".
 void complain(Terminal& terminal, std::string_view text);
+/// The same for what is worth knowing and no error: "vxr: note: ...".
+void remark(Terminal& terminal, std::string_view text);
 
 }  // namespace cli

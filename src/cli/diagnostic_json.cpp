@@ -11,15 +11,15 @@ Json number_or_null(const std::optional<std::int64_t>& value) {
     return value ? Json(*value) : Json();
 }
 
-Json texts(const std::vector<std::string>& list) {
+}  // namespace
+
+nlohmann::ordered_json texts_json(const std::vector<std::string>& texts) {
     Json array = Json::array();
-    for (const std::string& text : list) {
+    for (const std::string& text : texts) {
         array.push_back(json_text(text));
     }
     return array;
 }
-
-}  // namespace
 
 nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
     Json at;
@@ -32,8 +32,8 @@ nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
     json["code"] = diagnostic.code;
     json["at"] = at;
     json["reason"] = json_text(diagnostic.reason);
-    json["within"] = texts(diagnostic.within);
-    json["effects"] = texts(diagnostic.effects);
+    json["within"] = texts_json(diagnostic.within);
+    json["effects"] = texts_json(diagnostic.effects);
     json["count"] = diagnostic.count;
     json["source_line"] = diagnostic.source_line ? json_text(*diagnostic.source_line) : Json();
     return json;

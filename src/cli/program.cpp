@@ -23,8 +23,10 @@ class CommandLine {
     CommandLine() : app_(kSummary, kProgram) {
         app_.set_help_flag("-h,--help", "show this help");
         app_.set_version_flag("--version", program_version(), "show the version");
+        // One verb a command line: further words are its own, also when they are the name of a verb.
+        app_.require_subcommand(0, 1);
         for (const VerbGroup& group : verb_groups()) {
-            app_.add_subcommand(group.name, group.summary);
+            app_.add_subcommand(group.name, group.summary)->require_subcommand(0, 1);
         }
         for (const Verb& verb : verbs()) {
             add(verb);

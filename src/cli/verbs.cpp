@@ -1,11 +1,13 @@
 #include "cli/verbs.h"
 
+#include "cli/check_command.h"
 #include "cli/help_command.h"
 
 namespace cli {
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
+        check_verb(),
         help_verb(),
         completion_verb(),
     };

@@ -1,0 +1,46 @@
+#pragma once
+
+#include <span>
+
+namespace cli {
+
+/// What the tools tell beside the reading errors of composition/read_error.h.
+enum class Code {
+    // Errors: the file cannot be looked at, or is none that the plug-in is offered.
+    cannot_read,
+    not_importable,
+    // Warnings.
+    footage_missing,
+    footage_unreadable,
+    footage_path_unread,
+    sequence_gap,
+    sequence_single_frame,
+    sequence_without_number,
+    value_changed,
+    aspect_cut,
+    name_cut,
+    light_kind_changed,
+    shadow_kind_not_sent,
+    angle_not_sent,
+    key_outside_range,
+    key_out_of_order,
+    key_repeated,
+    field_of_view,
+    range_reversed,
+    layer_past_end,
+    word_ignored,
+    text_after_end,
+};
+
+struct CodeRow {
+    Code code;
+    const char* name;     ///< stable: "footage-missing"
+    const char* meaning;  ///< one sentence
+};
+
+/// Every code, in the order of the enumeration.
+std::span<const CodeRow> code_table();
+
+const char* code_name(Code code);
+
+}  // namespace cli

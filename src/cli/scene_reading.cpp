@@ -1,0 +1,153 @@
+#include "cli/scene_reading.h"
+
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <string_view>
+#include <system_error>
+
+#include "cli/codes.h"
+#include "cli/source_lines.h"
+#include "composition/ascii_parser.h"
+#include "composition/composition_file.h"
+#include "composition/project_settings.h"
+#include "texture/filename.h"
+#include "texture/open_regular_file.h"
+
+namespace cli {
+namespace {
+
+constexpr std::string_view kBeginning = "VORTAN XR";
+constexpr std::uintmax_t kTooLarge_bytes = std::uintmax_t{1} << 31;
+
+struct CloseFile {
+    void operator()(std::FILE* file) const { std::fclose(file); }
+};
+
+Place beginning_of(const std::string& file) {
+    return {file, 0, 1, 1};
+}
+
+std::string type_word(std::filesystem::file_type type) {
+    switch (type) {
+        case std::filesystem::file_type::directory:
+            return "a folder";
+        case std::filesystem::file_type::fifo:
+            return "a pipe";
+        case std::filesystem::file_type::character:
+        case std::filesystem::file_type::block:
+            return "a device";
+        case std::filesystem::file_type::socket:
+            return "a socket";
+        default:
+            return "no regular file";
+    }
+}
+
+// Why `path` cannot be opened; nothing when it can.
+std::optional<std::string> obstacle(const std::filesystem::path& path) {
+    std::error_code error;
+    const std::filesystem::file_status status = std::filesystem::status(path, error);
+    if (!std::filesystem::status_known(status) || status.type() == std::filesystem::file_type::not_found) {
+        return error ? error.message() : "the file does not exist";
+    }
+    if (status.type() != std::filesystem::file_type::regular) {
+        return "this is " + type_word(status.type()) + ", and only regular files are read";
+    }
+    return std::nullopt;
+}
+
+// The host's quick test. Nothing when the file passes it.
+std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code) {
+    code = ExitCode::cannot_read_or_write;
+    const Place whole_file{reading.file};
+    if (const auto reason = obstacle(reading.full_path)) {
+        return fail(code_name(Code::cannot_read), whole_file, *reason);
+    }
+    const std::unique_ptr<std::FILE, CloseFile> file(open_regular_file(reading.full_path.c_str()));
+    if (file == nullptr) {
+        return fail(code_name(Code::cannot_read), whole_file, "the file may not be read");
+    }
+    code = ExitCode::refused;
+    std::array<char, kBeginning.size()> bytes{};
+    const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
+    if (count == 0 && std::feof(file.get()) != 0) {
+        return fail(read_error_row(ReadErrorCode::empty_file).name, beginning_of(reading.file),
+                    "the file is empty");
+    }
+    const std::string_view found(bytes.data(), count);
+    if (found != kBeginning) {
+        Diagnostic error =
+            fail(code_name(Code::not_importable), beginning_of(reading.file),
+                 "expected the file to begin with \"VORTAN XR\", found \"" + std::string(found) + '"');
+        error.effects.emplace_back("the host is told that this is no composition file and does not offer it");
+        return error;
+    }
+    std::error_code error;
+    const std::uintmax_t size_bytes = std::filesystem::file_size(reading.full_path, error);
+    if (!error && size_bytes >= kTooLarge_bytes) {
+        return fail(
+            read_error_row(ReadErrorCode::file_too_large).name, whole_file,
+            "the file has " + std::to_string(size_bytes) + " bytes, and less than 2147483648 are read");
+    }
+    code = ExitCode::fine;
+    return std::nullopt;
+}
+
+ExitCode exit_code_of(ReadErrorCode code) {
+    const bool unreadable = code == ReadErrorCode::cannot_open || code == ReadErrorCode::read_failed ||
+                            code == ReadErrorCode::out_of_memory;
+    return unreadable ? ExitCode::cannot_read_or_write : ExitCode::refused;
+}
+
+Diagnostic diagnostic_of(const ReadError& error, const std::string& file) {
+    Diagnostic diagnostic =
+        fail(read_error_row(error.code).name, {file, error.at.offset_bytes, error.at.line, error.at.column},
+             error.message(), error.within);
+    diagnostic.effects.emplace_back(
+        "the import ends here without a word, and nothing is added to the project");
+    return diagnostic;
+}
+
+SceneNumbers numbers_of(const tagProjectSettings& settings) {
+    return {settings.width, settings.height, settings.from,   settings.to,
+            settings.range, settings.fps,    settings.aspect, settings.local != 0};
+}
+
+}  // namespace
+
+std::filesystem::path full_path_of(const std::string& file) {
+    std::error_code error;
+    std::filesystem::path full = std::filesystem::absolute(file, error);
+    return error ? std::filesystem::path(file) : full;
+}
+
+SceneReading read_scene(const std::string& file) {
+    SceneReading reading;
+    reading.file = file;
+    reading.full_path = full_path_of(file);
+    reading.error = quick_test(reading, reading.code);
+    if (reading.error) {
+        return reading;
+    }
+    SceneObserver observer(reading.facts);
+    tagProjectSettings settings;
+    ASCIIParser parser;
+    parser.SetObserver(&observer);
+    const bool read = parser.Init(Filename(reading.full_path.c_str()), 1, 0) == 0 &&
+                      ReadCompositionFile(parser, settings) != 0;
+    reading.numbers = numbers_of(settings);
+    if (reading.facts.error) {
+        reading.error = diagnostic_of(*reading.facts.error, file);
+        reading.code = exit_code_of(reading.facts.error->code);
+    } else if (!read) {
+        reading.error = fail(code_name(Code::cannot_read), {file}, "the file could not be read");
+        reading.code = ExitCode::cannot_read_or_write;
+    }
+    if (reading.error) {
+        add_source_line(*reading.error, reading.full_path);
+    }
+    return reading;
+}
+
+}  // namespace cli
