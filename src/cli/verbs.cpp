@@ -2,11 +2,13 @@
 
 #include "cli/check_command.h"
 #include "cli/help_command.h"
+#include "cli/import_command.h"
 
 namespace cli {
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
+        import_verb(),
         check_verb(),
         help_verb(),
         completion_verb(),

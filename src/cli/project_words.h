@@ -1,0 +1,36 @@
+#pragma once
+
+// The words in which a compositor reads what the host keeps as numbers.
+
+#include <string>
+
+#include "embedded/project.h"
+
+namespace cli {
+
+/// A number without needless digits: "25", "29.97", "-0.5".
+std::string plain_number(double value);
+
+/// A time in frames at `rate`: "17", or "17.5" between two.
+std::string frames_text(double seconds, const A_Ratio& rate);
+/// "1 frame", "8 frames"
+std::string frame_count_text(double seconds, const A_Ratio& rate);
+double seconds_of(const A_Time& time);
+double rate_of(const A_Ratio& rate);
+
+/// "normal", "add", "multiply"; "mode 7" for any other.
+std::string blend_word(const AEGP_LayerTransferMode& mode);
+/// "straight", "premultiplied", "ignored", or "none" for footage without an alpha channel.
+std::string alpha_word(const embedded::Footage& footage);
+/// "progressive", "upper first", "lower first"
+std::string fields_word(const AEGP_FootageInterp& interpretation);
+/// "camera", "point light", ...; of footage "still", "sequence", "texture", "MISSING".
+std::string layer_word(const embedded::Project& project, const embedded::Layer& layer);
+std::string footage_word(embedded::FootageKind kind);
+/// "grey", "RGB", "RGBA", "5 channels"
+std::string channels_word(int channels);
+
+/// Frame numbers with what is missing between them: "17-24", "1-9 without 4, 6-7".
+std::string frame_range_text(const embedded::SequenceFrames& frames);
+
+}  // namespace cli
