@@ -1,0 +1,40 @@
+#pragma once
+
+// For tests in which a host does not let the bundle reach memory that it would give back.
+
+#if defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define VXR_HAS_LEAK_CHECKER 1
+#endif
+#elif defined(__SANITIZE_ADDRESS__)
+#define VXR_HAS_LEAK_CHECKER 1
+#endif
+
+#if defined(VXR_HAS_LEAK_CHECKER)
+#include <sanitizer/lsan_interface.h>
+#endif
+
+/// What is allocated while `expected` is true and an object of this class lives is no leak to the sanitizer.
+class LostMemory {
+  public:
+    explicit LostMemory([[maybe_unused]] bool expected) {
+#if defined(VXR_HAS_LEAK_CHECKER)
+        expected_ = expected;
+        if (expected_)
+            __lsan_disable();
+#endif
+    }
+    ~LostMemory() {
+#if defined(VXR_HAS_LEAK_CHECKER)
+        if (expected_)
+            __lsan_enable();
+#endif
+    }
+    LostMemory(const LostMemory&) = delete;
+    LostMemory& operator=(const LostMemory&) = delete;
+
+#if defined(VXR_HAS_LEAK_CHECKER)
+  private:
+    bool expected_ = false;
+#endif
+};
