@@ -27,7 +27,8 @@ inline Texture make_texture(std::int32_t width_px, std::int32_t height_px, std::
     return texture;
 }
 
-/// What a host's frame must show of a pixel: grey in all three colours, the first alpha, 255 where there is none.
+/// What a host's frame must show of a pixel: grey in all three colours, the first alpha, 255 where there is
+/// none.
 inline PF_Pixel frame_pixel(const Texture& texture, std::int32_t x, std::int32_t y) {
     const auto at = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture.width_px) +
                     static_cast<std::size_t>(x);
