@@ -1,0 +1,67 @@
+#include "measuring.h"
+
+#include <benchmark/benchmark.h>
+#include <malloc.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <fstream>
+#include <map>
+
+namespace {
+
+/// A line of /proc/self/status such as "VmRSS:     2196 kB", in bytes; 0 when there is none.
+std::int64_t status_bytes(const std::string& key) {
+    std::ifstream status("/proc/self/status");
+    for (std::string word; status >> word;) {
+        std::int64_t kilobytes = 0;
+        if (word == key && status >> kilobytes)
+            return kilobytes * 1024;
+    }
+    return 0;
+}
+
+/// Lets the kernel's high-water mark start over at what is resident now.
+bool reset_peak() {
+    std::ofstream clear("/proc/self/clear_refs");
+    clear << "5" << std::flush;
+    return clear.good();
+}
+
+}  // namespace
+
+void require(bool holds, const std::string& what) {
+    if (holds)
+        return;
+    std::fprintf(stderr, "error: %s\n", what.c_str());
+    std::exit(EXIT_FAILURE);
+}
+
+std::int64_t peak_memory_bytes(const std::function<void()>& work) {
+    malloc_trim(0);
+    const std::int64_t before = status_bytes("VmRSS:");
+    if (before == 0 || !reset_peak()) {
+        work();
+        return 0;
+    }
+    work();
+    return std::max<std::int64_t>(status_bytes("VmHWM:") - before, 0);
+}
+
+std::int64_t peak_memory_bytes_once(const std::string& name, const std::function<void()>& work) {
+    static std::map<std::string, std::int64_t> known;
+    const auto found = known.find(name);
+    if (found != known.end())
+        return found->second;
+    return known[name] = peak_memory_bytes(work);
+}
+
+int run_benchmarks(int argc, char** argv) {
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return EXIT_FAILURE;
+    const std::size_t run = benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return run > 0 ? EXIT_SUCCESS : EXIT_FAILURE;
+}
