@@ -18,7 +18,7 @@ namespace embedded {
 
 class CallLog {
   public:
-    /// Takes one line, without its line break.
+    /// Takes one line, without its line break. What it throws is lost.
     using Sink = std::function<void(std::string_view)>;
 
     /// Null turns the log off, which is how a host starts. While it is off nothing is built or written; calls

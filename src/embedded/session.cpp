@@ -181,8 +181,8 @@ void Session::unload() {
             dispose_in_spec(*this, id);
     }
     const auto hooks = std::move(death_hooks);
-    for (const auto& [hook, refcon] : hooks)
-        run("death hook", [&] { return hook(global_refcon, refcon); });
+    for (const auto& registered : hooks)
+        run("death hook", [&] { return registered.first(global_refcon, registered.second); });
     check_left_behind(Marks{}, "the host's life");
     forget_registrations();
     bundle.reset();

@@ -24,8 +24,13 @@ class CallScope {
     CallScope& operator=(const CallScope&) = delete;
     /// Writes the line also when an exception passes through; its result is then null.
     ~CallScope() {
-        if (logged_ && session_.log.on())
-            write_line();
+        try {
+            if (logged_ && session_.log.on())
+                write_line();
+        } catch (...) {
+            // A line that cannot be written must not end a call of the bundle, the more so in a destructor.
+            logged_ = false;
+        }
         session_.current_call = outer_;
     }
 

@@ -12,7 +12,8 @@ namespace {
 Stream& stream_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     Stream* stream = fetch_stream(session, session.layer(ref.layer), ref.kind);
-    session.require_true(stream != nullptr, "stream", "is one that the layer does not have any more");
+    if (stream == nullptr)
+        session.refuse(Breach::bad_argument, "stream is one that the layer does not have any more");
     return *stream;
 }
 
