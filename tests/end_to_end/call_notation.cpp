@@ -72,8 +72,11 @@ class Notation {
 
     std::string joined(const Json& values) const {
         std::string all;
-        for (const Json& one : values)
-            all += (all.empty() ? "" : ", ") + value(one);
+        for (const Json& one : values) {
+            if (!all.empty())
+                all += ", ";
+            all += value(one);
+        }
         return all;
     }
 
@@ -104,8 +107,11 @@ class Notation {
             members[name] = value(json);
             return;
         }
-        for (const auto& [key, member] : json.items())
-            flatten(name.empty() ? key : name + "." + key, member, members);
+        for (const auto& [key, member] : json.items()) {
+            std::string full = name;
+            full.append(name.empty() ? "" : ".").append(key);
+            flatten(full, member, members);
+        }
     }
 
     std::string arguments(const std::string& function, const Json& args) const {
@@ -123,12 +129,12 @@ class Notation {
         flatten("", record, set);
         std::string all = joined(others);
         for (const char* decided : {"alpha.flags", "interlace.type", "interlace.order", "pixel_aspect"}) {
-            all += std::string(", ") + decided + " " + set.at(decided);
+            all.append(", ").append(decided).append(" ").append(set.at(decided));
             set.erase(decided);
         }
         for (const auto& [name, content] : set) {
             if (given_.at(name) != content)
-                all += ", " + name + " " + content;
+                all.append(", ").append(name).append(" ").append(content);
         }
         return all;
     }
