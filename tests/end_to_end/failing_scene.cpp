@@ -30,16 +30,16 @@ COMPOSITION NRM "Outer" {
 }
 FILE <-> STRAIGHT "C:\card.tga"
 FILE <-> STRAIGHT "C:\missing_card.tga"
-CAMERA "Camera" {
-  KEY 1 0 0 0 0 0 0 45
-  KEY 2 1 0 0 0 0 0 45
+NULL "Null" {
+  KEY 1 0 0 0 0 0 0
 }
 LIGHT "Light" {
   TYPE SPOT
   KEY 1 0 0 0 0 0 0
 }
-NULL "Null" {
-  KEY 1 0 0 0 0 0 0
+CAMERA "Camera" {
+  KEY 1 0 0 0 0 0 0 45
+  KEY 2 1 0 0 0 0 0 45
 }
 )";
 

@@ -51,7 +51,7 @@ const Suite kSuites[] = {
     {"AEGP Layer Suite", 11, Without::leaves_undo_step, Without::leaves_undo_step, 0},
     {"AEGP Stream Suite", 7, Without::leaves_undo_step, Without::leaves_undo_step, 0},
     {"AEGP Keyframe Suite", 3, Without::leaves_undo_step, Without::leaves_undo_step, 0},
-    // First used for a light's point of interest, when its three tracks have been started.
+    // First used for the camera's point of interest, when its three tracks have been started.
     {"PF ANSI Suite", 1, Without::leaves_undo_step, Without::leaves_undo_step, 3},
     {"AEGP Light Suite", 2, Without::leaves_undo_step, Without::leaves_undo_step, 0},
     {"AEGP Memory Suite", 1, Without::imports, Without::imports, 0},
