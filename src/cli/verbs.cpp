@@ -3,21 +3,22 @@
 #include "cli/check_command.h"
 #include "cli/help_command.h"
 #include "cli/import_command.h"
+#include "cli/texture_check_command.h"
+#include "cli/texture_convert_command.h"
+#include "cli/texture_info_command.h"
 
 namespace cli {
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
-        import_verb(),
-        check_verb(),
-        help_verb(),
-        completion_verb(),
+        import_verb(),          check_verb(), texture_info_verb(), texture_check_verb(),
+        texture_convert_verb(), help_verb(),  completion_verb(),
     };
     return kVerbs;
 }
 
 const std::vector<VerbGroup>& verb_groups() {
-    static const std::vector<VerbGroup> kGroups{};
+    static const std::vector<VerbGroup> kGroups{{"texture", "look at texture files, check and convert them"}};
     return kGroups;
 }
 

@@ -70,8 +70,7 @@ std::string refuse_image(const OIIO::ImageSpec& spec) {
     return {};
 }
 
-OIIO::ImageSpec texture_spec(const TextureReading& reading) {
-    const Texture& texture = reading.texture.value();
+OIIO::ImageSpec texture_spec(const Texture& texture) {
     const std::vector<std::string> names = channel_names(texture);
     OIIO::ImageSpec spec(texture.width_px, texture.height_px, static_cast<int>(names.size()),
                          OIIO::TypeDesc::UINT8);
@@ -80,6 +79,12 @@ OIIO::ImageSpec texture_spec(const TextureReading& reading) {
     spec.attribute("oiio:BitsPerSample", 8);
     spec.attribute("txl:mode", texture.mode);
     spec.attribute("txl:alphas", static_cast<int>(texture.alphas.size()));
+    return spec;
+}
+
+OIIO::ImageSpec texture_spec(const TextureReading& reading) {
+    const Texture& texture = reading.texture.value();
+    OIIO::ImageSpec spec = texture_spec(texture);
     add_layers(spec, reading, texture.alphas.size());
     if (!reading.warnings.empty()) {
         spec.attribute("txl:warnings", warnings_text(reading.warnings));

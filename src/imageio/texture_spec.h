@@ -12,7 +12,7 @@ namespace imageio {
 /// reader takes. Empty when it can.
 [[nodiscard]] std::string refuse_image(const OIIO::ImageSpec& spec);
 
-/// What the image library is told of a texture that was read with its outline.
+/// What the image library is told of a texture: size, channels, "txl:mode" and "txl:alphas".
 ///
 /// The first alpha is the image's alpha, and it is **associated**: textures say so to a compositing host
 /// (label "premultiplied"), so the library neither multiplies on reading nor divides on the way to another
@@ -20,10 +20,13 @@ namespace imageio {
 /// that store unassociated alpha only, PNG above all, are divided and multiplied by the library as for every
 /// associated image.
 ///
-/// Metadata: "txl:mode" (2 grey, 4 RGB), "txl:alphas", for each alpha i from 0 "txl:layer<i>:name", ":mode"
-/// and
-/// ":attributes" (5 bytes), and "txl:warnings" when something was repaired or passed over. Nothing is said of
-/// the colour space, because the format says nothing.
+/// Nothing is said of the colour space, because the format says nothing. "txl:mode" is 2 for grey and 4 for
+/// RGB.
+[[nodiscard]] OIIO::ImageSpec texture_spec(const Texture& texture);
+
+/// The same of a texture that was read with its outline, with more metadata: for each alpha i from 0
+/// "txl:layer<i>:name", ":mode" and ":attributes" (5 bytes), and "txl:warnings" when something was repaired
+/// or passed over.
 [[nodiscard]] OIIO::ImageSpec texture_spec(const TextureReading& reading);
 
 /// "a.txl@0x1a4: the row needs 64 bytes, 12 are left (in 502 > TaVx)"

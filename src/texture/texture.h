@@ -15,8 +15,8 @@ struct AlphaChannel {
     friend bool operator==(const AlphaChannel&, const AlphaChannel&) = default;
 };
 
-/// A layered texture as a plain value: 8-bit colour and any number of alpha channels. Colour is not
-/// multiplied by any of them.
+/// A layered texture as a plain value: 8-bit colour and any number of alpha channels, as they are stored:
+/// neither reading nor writing multiplies colour by alpha or divides it.
 struct Texture {
     static constexpr std::int32_t kGrey = 2;  // one byte a pixel
     static constexpr std::int32_t kRgb = 4;   // three bytes a pixel: R, G, B

@@ -1,0 +1,167 @@
+#include "cli/image_file.h"
+
+#include <OpenImageIO/imageio.h>
+
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <memory>
+#include <string_view>
+#include <utility>
+
+#include "imageio/channel_plan.h"
+#include "imageio/replacement_file.h"
+#include "imageio/texture_spec.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kUnassociated = "oiio:UnassociatedAlpha";
+
+ImageReading refused(const std::string& path, ExitCode code, const char* error_code, std::string reason) {
+    return {std::nullopt, {fail(error_code, {path}, std::move(reason))}, code};
+}
+
+ImageWriting not_written(const std::string& path, ExitCode code, const char* error_code, std::string reason) {
+    return {fail(error_code, {path}, std::move(reason)), code};
+}
+
+/// The library's text for what went wrong, on one line.
+std::string library_reason(std::string text) {
+    while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
+        text.pop_back();
+    }
+    return text.empty() ? "the image library does not say why" : text;
+}
+
+std::vector<Diagnostic> losses(const std::string& path, OIIO::ImageInput& input,
+                               const OIIO::ImageSpec& spec) {
+    std::vector<Diagnostic> warnings;
+    if (spec.format != OIIO::TypeUInt8) {
+        warnings.push_back(
+            warn("depth_reduced", {path},
+                 std::string("its values are ") + spec.format.c_str() + ", a texture has 8 bits a channel"));
+    }
+    if (input.seek_subimage(1, 0)) {
+        warnings.push_back(
+            warn("images_left_out", {path}, "there are further images in it, a texture has one"));
+    }
+    return warnings;
+}
+
+Texture sorted(const OIIO::ImageSpec& spec, const std::vector<std::uint8_t>& pixels) {
+    const imageio::ChannelPlan plan = imageio::plan_channels(spec);
+    Texture texture = imageio::make_texture(spec.width, spec.height, plan, spec);
+    const std::size_t row_bytes =
+        static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels);
+    for (std::int32_t y = 0; y < spec.height; ++y) {
+        imageio::copy_row_in(texture, plan, 0, y, spec.width,
+                             pixels.data() + static_cast<std::size_t>(y) * row_bytes, spec.nchannels);
+    }
+    return texture;
+}
+
+/// Formats that mark associated alpha, or have no other, get a texture's bytes as they are. All others divide
+/// unless they are told that it has been done.
+bool stores_associated_alpha(std::string_view format) {
+    return format == "tiff" || format == "openexr";
+}
+
+/// Why the format cannot hold all channels; empty when it can.
+std::string channels_without_room(const OIIO::ImageOutput& output, const Texture& texture) {
+    constexpr int kRgba = 4;
+    const std::size_t alphas = texture.alphas.size();
+    if (alphas > 0 && output.supports("alpha") == 0) {
+        return std::string(output.format_name()) + " files have no alpha channel; --alpha none leaves it out";
+    }
+    if (texture.channels() + static_cast<int>(alphas) > kRgba && output.supports("nchannels") == 0) {
+        return std::string(output.format_name()) + " files have one alpha channel, the texture has " +
+               std::to_string(alphas) + "; --alpha N chooses one";
+    }
+    return {};
+}
+
+bool write_rows(OIIO::ImageOutput& output, const Texture& texture) {
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(texture.width_px) *
+                                  (static_cast<std::size_t>(texture.channels()) + texture.alphas.size()));
+    for (std::int32_t y = 0; y < texture.height_px; ++y) {
+        imageio::copy_row_out(texture, y, row.data());
+        if (!output.write_scanline(y, 0, OIIO::TypeUInt8, row.data())) {
+            return false;
+        }
+    }
+    return output.close();
+}
+
+}  // namespace
+
+ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
+    // Regular files only: opening a pipe would wait for somebody to write into it.
+    std::error_code failure;
+    if (!std::filesystem::is_regular_file(path, failure)) {
+        return refused(path, ExitCode::cannot_read_or_write, "cannot_open",
+                       failure ? failure.message() : "not a regular file");
+    }
+    OIIO::ImageSpec config;
+    if (alpha_bytes == AlphaBytes::kept) {
+        config.attribute(kUnassociated, 1);
+    }
+    const auto input = OIIO::ImageInput::open(path, &config);
+    if (input == nullptr) {
+        return refused(path, ExitCode::refused, "not_an_image", library_reason(OIIO::geterror()));
+    }
+    const OIIO::ImageSpec spec = input->spec();
+    if (std::string reason = imageio::refuse_image(spec); !reason.empty()) {
+        return refused(path, ExitCode::refused, "unsupported", std::move(reason));
+    }
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(spec.image_pixels()) *
+                                     static_cast<std::size_t>(spec.nchannels));
+    if (!input->read_image(0, 0, 0, -1, OIIO::TypeUInt8, pixels.data())) {
+        return refused(path, ExitCode::refused, "not_an_image", library_reason(input->geterror()));
+    }
+    return {sorted(spec, pixels), losses(path, *input, spec), ExitCode::fine};
+}
+
+ImageWriting write_image_file(const std::string& path, const Texture& texture, AlphaBytes alpha_bytes) {
+    const auto output = OIIO::ImageOutput::create(path);
+    if (output == nullptr) {
+        return not_written(path, ExitCode::refused, "no_format", library_reason(OIIO::geterror()));
+    }
+    if (texture.pixel_count() == 0) {
+        return not_written(path, ExitCode::refused, "unsupported", "the texture has no pixels");
+    }
+    if (std::string reason = channels_without_room(*output, texture); !reason.empty()) {
+        return not_written(path, ExitCode::refused, "channels_without_room", std::move(reason));
+    }
+    OIIO::ImageSpec spec = imageio::texture_spec(texture);
+    if (alpha_bytes == AlphaBytes::kept && !stores_associated_alpha(output->format_name())) {
+        spec.attribute(kUnassociated, 1);
+    }
+    std::string error;
+    std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, error);
+    if (!file.has_value()) {
+        return not_written(path, ExitCode::cannot_read_or_write, "cannot_open", error);
+    }
+    if (!output->open(file->temporary_path(), spec)) {
+        return not_written(path, ExitCode::refused, "channels_without_room",
+                           library_reason(output->geterror()));
+    }
+    if (!write_rows(*output, texture)) {
+        return not_written(path, ExitCode::cannot_read_or_write, "not_written",
+                           library_reason(output->geterror()));
+    }
+    if (!file->put_in_place(error)) {
+        return not_written(path, ExitCode::cannot_read_or_write, "not_written", error);
+    }
+    return {};
+}
+
+bool writes_image_format(const std::string& path) {
+    const bool known = OIIO::ImageOutput::create(path) != nullptr;
+    if (!known) {
+        (void)OIIO::geterror();  // so that it is not told for the next file
+    }
+    return known;
+}
+
+}  // namespace cli

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <condition_variable>
+#include <cstddef>
+#include <functional>
+#include <mutex>
+#include <optional>
+#include <thread>
+#include <vector>
+
+namespace cli {
+
+/// Calls `work(i)` for every i below `count` on `threads` threads, and on this one `done(n)` whenever n have
+/// been finished and `report(i, result)` for every i in order, as early as that is possible. `work` lets no
+/// exception out. An exception of `done` or `report` comes out when the work that has begun is finished;
+/// nothing new is begun then.
+template <class Result>
+void run_in_order(std::size_t count, std::size_t threads, const std::function<Result(std::size_t)>& work,
+                  const std::function<void(std::size_t)>& done,
+                  const std::function<void(std::size_t, Result)>& report) {
+    std::mutex mutex;
+    std::condition_variable changed;
+    std::vector<std::optional<Result>> results(count);
+    std::size_t next = 0;
+    std::size_t finished = 0;
+
+    const auto work_off = [&] {
+        for (;;) {
+            std::size_t i = 0;
+            {
+                const std::lock_guard lock(mutex);
+                if (next >= count) {
+                    return;
+                }
+                i = next++;
+            }
+            Result result = work(i);
+            {
+                const std::lock_guard lock(mutex);
+                results[i] = std::move(result);
+                ++finished;
+            }
+            changed.notify_one();
+        }
+    };
+    std::vector<std::jthread> pool;  // joined on every way out of here
+    const auto stop = [&] {
+        const std::lock_guard lock(mutex);
+        next = count;
+    };
+    struct Stopper {
+        const std::function<void()> stop;
+        ~Stopper() { stop(); }
+    };
+    const Stopper stopper{stop};  // before the pool is joined, because it was made after it
+    for (std::size_t i = 0; i < threads && i < count; ++i) {
+        pool.emplace_back(work_off);
+    }
+
+    std::size_t told = 0;
+    for (std::size_t reported = 0; reported < count;) {
+        std::unique_lock lock(mutex);
+        changed.wait(lock, [&] { return finished > told || results[reported].has_value(); });
+        const std::size_t now = finished;
+        std::optional<Result> result = std::move(results[reported]);
+        results[reported].reset();
+        lock.unlock();
+        if (now > told) {
+            told = now;
+            done(now);
+        }
+        if (result.has_value()) {
+            report(reported++, std::move(*result));
+        }
+    }
+}
+
+}  // namespace cli
