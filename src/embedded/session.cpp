@@ -78,8 +78,10 @@ CallbackResult Session::run(const std::string& name, const std::function<A_Err()
     try {
         result.code = body();
     } catch (long value) {
-        if (value != kMissingSuiteException)
+        if (value != kMissingSuiteException) {
+            check_left_behind(before, name);
             throw;
+        }
         result = {kHostErrorMissingSuite, true};
         left(Breach::missing_suite_exception, name,
              "a suite was missing, and the exception left the callback");

@@ -118,10 +118,18 @@ TEST(Host, PassesEveryOtherExceptionOn) {
     EXPECT_THROW(bundle.host.run("callback", []() -> A_Err { throw std::runtime_error("mine"); }),
                  std::runtime_error);
     EXPECT_THROW(bundle.host.run("callback", []() -> A_Err { throw 515L; }), long);
+    EXPECT_TRUE(bundle.host.discipline().clean());
+    EXPECT_THROW(bundle.host.run("callback",
+                                 [&]() -> A_Err {
+                                     bundle.memory();
+                                     throw std::runtime_error("with a handle left alive");
+                                 }),
+                 std::runtime_error);
+    EXPECT_EQ(bundle.count(embedded::Breach::memory_left_alive), 1U);
     const embedded::CallbackResult missing = bundle.host.run("callback", []() -> A_Err { throw 516L; });
     EXPECT_TRUE(missing.missing_suite);
     EXPECT_EQ(missing.code, kHostErrorMissingSuite);
-    EXPECT_EQ(bundle.host.discipline().problems().size(), 1U);
+    EXPECT_EQ(bundle.count(embedded::Breach::missing_suite_exception), 1U);
 }
 
 TEST(Suites, AreOfferedByNameAndVersion) {

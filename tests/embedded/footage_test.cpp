@@ -42,8 +42,8 @@ const ImageCase kImages[] = {
     {"Iris", "a.sgi", 4, OIIO::TypeDesc::UINT8, 8, true, true, 32},
 };
 
-void write_image(const std::string& path, int channels = 3, OIIO::TypeDesc format = OIIO::TypeDesc::UINT8,
-                 int width = 12, int height = 7) {
+void write_image(const std::string& path, int channels = 3,
+                 const OIIO::TypeDesc& format = OIIO::TypeDesc::UINT8, int width = 12, int height = 7) {
     const auto output = OIIO::ImageOutput::create(path);
     ASSERT_NE(output, nullptr) << OIIO::geterror();
     OIIO::ImageSpec spec(width, height, channels, format);

@@ -9,7 +9,6 @@
 
 namespace {
 
-using embedded::Keyframe;
 using embedded::Stream;
 using embedded::StreamShape;
 
