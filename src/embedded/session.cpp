@@ -85,6 +85,9 @@ CallbackResult Session::run(const std::string& name, const std::function<A_Err()
         result = {kHostErrorMissingSuite, true};
         left(Breach::missing_suite_exception, name,
              "a suite was missing, and the exception left the callback");
+    } catch (...) {
+        check_left_behind(before, name);
+        throw;
     }
     check_left_behind(before, name);
     return result;
