@@ -145,7 +145,7 @@ std::string wrapped(const std::string& text, std::size_t indent, std::size_t wid
 }
 
 std::string page_text(const Page& page) {
-    std::string text = page.command + " - " + page.summary + "\n\nusage: " + page.usage + '\n';
+    std::string text = wrapped(page.command + " - " + page.summary, 0) + "\nusage: " + page.usage + '\n';
     for (const std::string& paragraph : page.paragraphs) {
         text += '\n' + wrapped(paragraph, 0);
     }

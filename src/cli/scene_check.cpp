@@ -34,6 +34,10 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
     if (aspect == nullptr || aspect->values.empty()) {
         return;
     }
+    // Out of range it is the error's to explain, and no ratio can be made of it.
+    if (!(reading.numbers.aspect >= 0.01F && reading.numbers.aspect <= 100.0F)) {
+        return;
+    }
     const SceneValue& value = aspect->values.front();
     const A_Ratio ratio = pixel_aspect_ratio(reading.numbers.aspect);
     // What the value is short of a hundredth in single precision is no loss.
