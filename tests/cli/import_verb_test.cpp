@@ -1,0 +1,256 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <nlohmann/json.hpp>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "support/child_process.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using nlohmann::json;
+
+const std::string kLantern = std::string(VXR_EXAMPLES_DIR) + "/interlaced/lantern_010.aec";
+const std::string kSettings = "VORTAN XR COMPOSITION\nRESOLUTION 64 36 FROM 1 TO 8 RANGE 9 FPS 25\n";
+
+ProcessResult import_file(std::vector<std::string> arguments) {
+    arguments.insert(arguments.begin(), {VXR_PROGRAM, "import"});
+    return run_process(arguments);
+}
+
+std::string read_file(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+TEST(ImportVerb, TreeOfAScene) {
+    const TemporaryFolder folder;
+    const std::string scene = folder.write(
+        "shot.aec", kSettings +
+                        "LOCAL\nCOMPOSITION NRM \"Main\" {\n FSEQ ADD PREMUL \"X:gone0001.tif\"\n"
+                        " COMPOSITION MUL \"Inner\" { }\n}\n"
+                        "CAMERA \"Cam\" { KEY 1 0 0 0 0 0 0 40\nKEY 8 0 0 0 0 0 0 40 }\n"
+                        "LIGHT \"Key\" { TYPE SPOT KEY 3 0 0 0 0 0 0 }\n");
+    const ProcessResult run = import_file({scene});
+    EXPECT_EQ(run.exit_code, 0);
+    EXPECT_EQ(
+        run.out,
+        scene +
+            ": 2 compositions, 1 footage item (1 missing), 1 camera, 1 light, 0 nulls\n\n"
+            "Main/\n"
+            "  Main  composition, 64x36, pixel aspect 1, 9 frames at 25 fps\n"
+            "    | #  layer         kind         blend     alpha          fields       in  length\n"
+            "    | 1  Cam           camera                                              1       8  2 keys, "
+            "frames 1-8\n"
+            "    | 2  Key           spot light                                          1       8  1 key, "
+            "frame 3\n"
+            "    | 3  Inner         composition  multiply                               0       9\n"
+            "    | 4  gone0001.tif  MISSING      add       premultiplied  progressive   1       8\n"
+            "  gone0001.tif  MISSING, a placeholder stands here, 64x36, 0.32 s long, alpha premultiplied, "
+            "progressive, pixel aspect 1, 25 fps\n"
+            "  Inner/\n"
+            "    Inner  composition, 64x36, pixel aspect 1, 9 frames at 25 fps, empty\n");
+    EXPECT_EQ(run.err, "vxr: note: 1 footage file is missing; `vxr check " + scene +
+                           "` says where it was looked for\n");
+}
+
+TEST(ImportVerb, ExamplesImportWithoutAWordAboutThePlugIn) {
+    for (const char* example :
+         {"square/courtyard_020.aec", "interlaced/lantern_010.aec", "keyframes/orbit_030.aec"}) {
+        const ProcessResult run = import_file({std::string(VXR_EXAMPLES_DIR) + "/" + example});
+        EXPECT_EQ(run.exit_code, 0) << example;
+        EXPECT_EQ(run.out.find("Messages to the user"), std::string::npos) << run.out;
+        EXPECT_EQ(run.out.find("did wrong"), std::string::npos) << run.out;
+    }
+}
+
+TEST(ImportVerb, FileNamedWithoutItsFolder) {
+    const ProcessResult run = run_process({"env", "-C", std::string(VXR_EXAMPLES_DIR) + "/interlaced",
+                                           VXR_PROGRAM, "import", "lantern_010.aec"});
+    EXPECT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(run.out.substr(0, run.out.find('\n')),
+              "lantern_010.aec: 5 compositions, 9 footage items (1 missing), 1 camera, 2 lights, 1 null");
+}
+
+struct Refused {
+    const char* name;
+    std::string text;
+    const char* message;
+};
+
+TEST(ImportVerb, FilesThatThePlugInIgnoresAreExplained) {
+    const Refused cases[] = {
+        {"grammar", kSettings + "COMPOSITION NRM 'Main' { }\n",
+         ":3:17: error: expected a name in double quotes, found the text \"Main\" in single quotes "
+         "[expected-name]\n"},
+        {"not importable", "vortan xr",
+         ":1:1: error: expected the file to begin with \"VORTAN XR\", found \"vortan xr\" "
+         "[not-importable]\n"},
+        {"empty", "", ":1:1: error: the file is empty [empty-file]\n"},
+    };
+    const TemporaryFolder folder;
+    for (const Refused& one : cases) {
+        const std::string scene = folder.write("shot.aec", one.text);
+        const ProcessResult run = import_file({scene});
+        EXPECT_EQ(run.exit_code, 1) << one.name;
+        EXPECT_EQ(run.out, "") << one.name;
+        EXPECT_EQ(run.err.compare(0, scene.size() + std::string(one.message).size(), scene + one.message), 0)
+            << one.name << ": " << run.err;
+    }
+}
+
+TEST(ImportVerb, FilesThatCannotBeRead) {
+    const TemporaryFolder folder;
+    for (const std::string& path : {folder.path("missing.aec"), folder.folder().string()}) {
+        const ProcessResult run = import_file({path});
+        EXPECT_EQ(run.exit_code, 3) << path;
+        EXPECT_NE(run.err.find("[cannot-read]\n"), std::string::npos) << run.err;
+    }
+}
+
+struct Fault {
+    const char* name;
+    std::vector<std::string> options;
+    int exit_code;
+    const char* err;  ///< a part of it
+    const char* out;  ///< a part of it
+};
+
+const Fault kFaults[] = {
+    {"composition that fails",
+     {"--fail", "AEGP_CreateComp:2:4"},
+     1,
+     "vxr: error: the import ended with host error 4; what was made before stays\n",
+     "Messages to the user:\n  Unable to create composition.\n  Unable to create composition.\n"},
+    {"suite that is not there",
+     {"--without-suite", "AEGP Comp Suite:9"},
+     1,
+     "vxr: error: the import ended because the host does not offer a suite; what was made before stays\n",
+     "[missing_suite_exception]\n"},
+    {"object that fails without a word",
+     {"--fail", "AEGP_CreateLightInComp:1:4"},
+     1,
+     "vxr: error: the import did not finish: light \"Moon\" is missing\n",
+     "1 null\n"},
+    {"last object that fails without a word",
+     {"--fail", "AEGP_CreateCameraInComp:1:4"},
+     1,
+     "vxr: error: the import did not finish: camera \"Camera\" is missing\n",
+     "0 cameras, 2 lights, 1 null\n"},
+    {"registration that fails",
+     {"--fail", "AEGP_RegisterDeathHook:1:4"},
+     1,
+     "vxr: error: the plug-in was not loaded: ",
+     "There was an error registering the plugin.\n"},
+    {"fault that never happens",
+     {"--fail", "AEGP_CreateComp:99:4"},
+     0,
+     "vxr: note: AEGP_CreateComp was called 5 times, so its call 99 did not fail\n",
+     "1 camera"},
+    {"suite that nobody offers",
+     {"--without-suite", "Nonsense:1"},
+     0,
+     "vxr: note: the host never offers \"Nonsense\" version 1\n",
+     "1 camera"},
+    {"older host",
+     {"--host-version", "9.31"},
+     0,
+     "vxr: note: a host before 9.32 gets no cameras, lights and nulls; the file has 4\n",
+     "0 cameras, 0 lights, 0 nulls\n"},
+    {"first host that gets them", {"--host-version", "9.32"}, 0, "", "1 camera, 2 lights, 1 null\n"},
+    {"preference", {"--alpha-preference", "2"}, 0, "", "1 camera"},
+    {"no such bundle",
+     {"--bundle", "/missing.so"},
+     3,
+     "vxr: error: the plug-in was not loaded: /missing.so: ",
+     ""},
+    {"log that cannot be written",
+     {"--log", "/dev/full"},
+     3,
+     "vxr: error: cannot write /dev/full: No space left on device\n",
+     ""},
+    {"document that cannot be made",
+     {"--save", "/missing/project.json"},
+     3,
+     "vxr: error: cannot write /missing/project.json: No such file or directory\n",
+     ""},
+};
+
+TEST(ImportVerb, HostsThatMisbehave) {
+    for (const Fault& fault : kFaults) {
+        std::vector<std::string> arguments = fault.options;
+        arguments.push_back(kLantern);
+        const ProcessResult run = import_file(arguments);
+        EXPECT_EQ(run.exit_code, fault.exit_code) << fault.name << ": " << run.err;
+        EXPECT_NE(run.err.find(fault.err), std::string::npos) << fault.name << ": " << run.err;
+        EXPECT_NE(run.out.find(fault.out), std::string::npos) << fault.name << ": " << run.out;
+    }
+}
+
+TEST(ImportVerb, FootageThatNobodyReadsIsNamedWhenTheImportFails) {
+    const TemporaryFolder folder;
+    folder.write("notes.tif", "no picture");
+    const std::string scene = folder.write(
+        "shot.aec", kSettings + "COMPOSITION NRM \"Main\" {\nFILE NRM PREMUL \"X:notes.tif\"\n}\n");
+    const ProcessResult run = import_file({scene});
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_NE(
+        run.err.find(scene + ":4:17: warning: the footage \"X:notes.tif\" exists but is no readable image: "),
+        std::string::npos)
+        << run.err;
+    EXPECT_NE(run.err.find("vxr: error: the import ended with host error "), std::string::npos) << run.err;
+}
+
+TEST(ImportVerb, JsonSavedDocumentAndLog) {
+    const TemporaryFolder folder;
+    const ProcessResult run = import_file(
+        {"--json", "--save", folder.path("project.json"), "--log", folder.path("calls.jsonl"), kLantern});
+    ASSERT_EQ(run.exit_code, 0) << run.err;
+    EXPECT_EQ(read_file(folder.path("project.json")), run.out);
+    const json document = json::parse(run.out);
+    EXPECT_EQ(document["schema"], 1);
+    EXPECT_EQ(document["discipline"]["clean"], true);
+    EXPECT_EQ(document["import"]["file"], kLantern);
+    EXPECT_EQ(document["import"]["exit_code"], 0);
+    EXPECT_EQ(document["import"]["finished"], true);
+    EXPECT_EQ(document["import"]["importable"], true);
+    EXPECT_EQ(document["import"]["result"], 0);
+
+    std::istringstream lines(read_file(folder.path("calls.jsonl")));
+    std::int64_t number = 0;
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_EQ(json::parse(line)["n"], ++number);
+    }
+    EXPECT_GT(number, 100);
+}
+
+TEST(ImportVerb, JsonOfARefusedFile) {
+    const TemporaryFolder folder;
+    const ProcessResult run =
+        import_file({"--json", folder.write("shot.aec", "VORTAN XR COMPOSITION\nFPS x\n")});
+    EXPECT_EQ(run.exit_code, 1);
+    const json document = json::parse(run.out);
+    EXPECT_EQ(document["import"]["finished"], false);
+    EXPECT_EQ(document["import"]["result"], 0);
+    EXPECT_EQ(document["import"]["diagnostics"][0]["code"], "expected-number");
+}
+
+TEST(ImportVerb, JsonWithoutABundle) {
+    const ProcessResult run = import_file({"--json", "--bundle", "/missing.so", kLantern});
+    EXPECT_EQ(run.exit_code, 3);
+    const json document = json::parse(run.out);
+    EXPECT_EQ(document["import"]["exit_code"], 3);
+    EXPECT_EQ(document["import"]["result"], nullptr);
+    EXPECT_EQ(document["import"]["problems"].size(), 1U);
+}
+
+TEST(ImportVerb, BundleFromTheEnvironment) {
+    const ProcessResult run = run_process({VXR_PROGRAM, "import", kLantern}, {{"VXR_BUNDLE", "/missing.so"}});
+    EXPECT_EQ(run.exit_code, 3);
+}
+
+}  // namespace

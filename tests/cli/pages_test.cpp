@@ -1,0 +1,133 @@
+#include <gtest/gtest.h>
+
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/bash_completion.h"
+#include "cli/man_page.h"
+#include "cli/page.h"
+#include "cli/printable_text.h"
+#include "cli/program.h"
+#include "support/child_process.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using cli::Page;
+
+// Every option, argument and exit code of every verb, with its page.
+struct Documented {
+    std::string command;
+    cli::PageEntry entry;
+};
+
+std::vector<Documented> documented() {
+    std::vector<Documented> all;
+    for (const Page& page : cli::program_pages()) {
+        for (const cli::PageSection& section : page.sections) {
+            if (section.title == "Verbs") {
+                continue;
+            }
+            for (const cli::PageEntry& entry : section.entries) {
+                all.push_back({page.command, entry});
+            }
+        }
+    }
+    return all;
+}
+
+TEST(Pages, EveryVerbHasExamplesThatBeginWithAProgramsName) {
+    for (const Page& page : cli::program_pages()) {
+        const bool group = page.usage.find(" VERB ") != std::string::npos && page.command != "vxr";
+        EXPECT_TRUE(group || !page.examples.empty()) << page.command;
+        for (const cli::Example& example : page.examples) {
+            EXPECT_NE(example.command.find("vxr "), std::string::npos) << example.command;
+            EXPECT_EQ(example.effect.back(), '.') << example.effect;
+        }
+    }
+}
+
+TEST(Pages, EveryOptionIsDescribedInItsHelp) {
+    for (const Documented& one : documented()) {
+        EXPECT_FALSE(one.entry.text.empty()) << one.command << ' ' << one.entry.names.front();
+    }
+}
+
+TEST(Pages, DefaultsAndEnvironmentAreShown) {
+    bool version = false;
+    bool bundle = false;
+    for (const Documented& one : documented()) {
+        version = version || one.entry.text.find("(default: 11.0)") != std::string::npos;
+        bundle = bundle || one.entry.text.find("(environment: VXR_BUNDLE)") != std::string::npos;
+    }
+    EXPECT_TRUE(version);
+    EXPECT_TRUE(bundle);
+}
+
+TEST(Pages, NoLineOfAHelpIsWiderThanATerminalButForLongExamples) {
+    for (const Page& page : cli::program_pages()) {
+        std::istringstream lines(cli::page_text(page));
+        for (std::string line; std::getline(lines, line);) {
+            const bool example = line.compare(0, 6, "  vxr ") == 0;
+            EXPECT_TRUE(example || cli::columns_of(line) <= 88) << line;
+        }
+    }
+}
+
+TEST(Wrapped, Lines) {
+    EXPECT_EQ(cli::wrapped("aa bb cc", 0, 5), "aa bb\ncc\n");
+    EXPECT_EQ(cli::wrapped("aa bb cc", 2, 7), "  aa bb\n  cc\n");
+    EXPECT_EQ(cli::wrapped("unbreakable a", 0, 5), "unbreakable\na\n");
+    EXPECT_EQ(cli::wrapped("", 2, 5), "  \n");
+}
+
+TEST(ManPage, HasEveryOption) {
+    const std::string manual = cli::man_page(cli::program_pages(), "vxr 1");
+    EXPECT_EQ(manual.compare(0, 10, ".TH \"VXR\" "), 0);
+    for (const Documented& one : documented()) {
+        for (const std::string& name : one.entry.names) {
+            std::string escaped;
+            for (const char c : name) {
+                escaped += c == '-' ? std::string("\\-") : std::string(1, c);
+            }
+            EXPECT_NE(manual.find("\\fB" + escaped + "\\fR"), std::string::npos)
+                << one.command << ' ' << name;
+        }
+    }
+}
+
+TEST(ManPage, TextIsNoMacro) {
+    Page program{"vxr", "summary", "vxr", {".TH is no macro here, nor is a \\fB"}, {}, {}};
+    EXPECT_NE(cli::man_page({program}, "1").find("\n\\&.TH is no macro here, nor is a \\efB\n"),
+              std::string::npos);
+}
+
+// What bash offers for the words of a command line, the last of them being completed.
+std::string completions(const std::vector<std::string>& words) {
+    const TemporaryFolder folder;
+    folder.write("shot.aec", "");
+    const std::string script = folder.write("vxr.bash", cli::bash_completion(cli::program_pages()));
+    std::string array;
+    for (const std::string& word : words) {
+        array += " '" + word + "'";
+    }
+    // compopt belongs to a completion that is under way, which this is not.
+    const ProcessResult run =
+        run_process({"env", "-C", folder.folder().string(), "bash", "-c",
+                     "compopt() { :; }; source " + script + "; COMP_WORDS=(" + array +
+                         "); COMP_CWORD=$((${#COMP_WORDS[@]} - 1)); _vxr; echo \"${COMPREPLY[*]}\""});
+    EXPECT_EQ(run.err, "");
+    return run.out;
+}
+
+TEST(BashCompletion, VerbsOptionsAndFiles) {
+    EXPECT_EQ(completions({"vxr", "imp"}), "import\n");
+    EXPECT_EQ(completions({"vxr", "--v"}), "--version\n");
+    EXPECT_EQ(completions({"vxr", "import", "--host"}), "--host-version\n");
+    EXPECT_EQ(completions({"vxr", "import", "--save", "sh"}), "shot.aec\n");
+    EXPECT_EQ(completions({"vxr", "check", "--strict", "sh"}), "shot.aec\n");
+    EXPECT_EQ(completions({"vxr", "help", "che"}), "check\n");
+}
+
+}  // namespace

@@ -1,0 +1,142 @@
+#include "cli/program.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <filesystem>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/bundle_path.h"
+
+namespace {
+
+using cli::ExitCode;
+
+struct Ran {
+    ExitCode code;
+    std::string out;
+    std::string err;
+};
+
+Ran run(const std::vector<std::string>& arguments) {
+    std::ostringstream out;
+    std::ostringstream err;
+    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
+    const ExitCode code = cli::run_program(arguments, terminal);
+    return {code, out.str(), err.str()};
+}
+
+struct Case {
+    const char* name;
+    std::vector<std::string> arguments;
+    const char* message;
+};
+
+const Case kWrongUsage[] = {
+    {"no verb", {}, "vxr: error: a verb is required\nSee `vxr --help`.\n"},
+    {"verb that is none", {"importt"}, "vxr: error: there is no verb \"importt\"\nSee `vxr --help`.\n"},
+    {"option that is none",
+     {"check", "--srtict", "a.aec"},
+     "vxr: error: The following argument was not expected: --srtict\nSee `vxr check --help`.\n"},
+    {"no file to check", {"check"}, "vxr: error: FILE is required\nSee `vxr check --help`.\n"},
+    {"no file to import", {"import"}, "vxr: error: FILE is required\nSee `vxr import --help`.\n"},
+    {"two files to import",
+     {"import", "a.aec", "b.aec"},
+     "vxr: error: The following argument was not expected: b.aec\nSee `vxr import --help`.\n"},
+    {"version that is none",
+     {"import", "--host-version", "9", "a.aec"},
+     "vxr: error: --host-version: \"9\" is not MAJOR.MINOR\nSee `vxr import --help`.\n"},
+    {"preference out of range",
+     {"import", "--alpha-preference", "256", "a.aec"},
+     "vxr: error: --alpha-preference: \"256\" is not none and not from 0 to 255\nSee `vxr import --help`.\n"},
+    {"suite without a version",
+     {"import", "--without-suite", "AEGP Comp Suite", "a.aec"},
+     "vxr: error: --without-suite: \"AEGP Comp Suite\" is not NAME:VERSION\nSee `vxr import --help`.\n"},
+    {"function that the host does not have",
+     {"import", "--fail", "AEGP_Nonsense:1:4", "a.aec"},
+     "vxr: error: --fail: \"AEGP_Nonsense:1:4\" is not FUNCTION:N:CODE with a function of the host, N from 1 "
+     "and "
+     "a CODE other than 0\nSee `vxr import --help`.\n"},
+    {"shell that is none",
+     {"completion", "tcsh"},
+     "vxr: error: SHELL: tcsh not in {bash}\nSee `vxr completion --help`.\n"},
+    {"help on a verb that is none",
+     {"help", "nonsense"},
+     "vxr: error: there is no verb \"nonsense\"\nSee `vxr help --help`.\n"},
+};
+
+TEST(Program, WrongUsage) {
+    for (const Case& one : kWrongUsage) {
+        const Ran ran = run(one.arguments);
+        EXPECT_EQ(ran.code, ExitCode::usage) << one.name;
+        EXPECT_EQ(ran.out, "") << one.name;
+        EXPECT_EQ(ran.err, one.message) << one.name;
+    }
+}
+
+TEST(Program, Version) {
+    const Ran ran = run({"--version"});
+    EXPECT_EQ(ran.code, ExitCode::fine);
+    EXPECT_EQ(ran.out, cli::program_version() + "\n");
+}
+
+TEST(Program, HelpVerbAndHelpOptionSayTheSame) {
+    for (const std::vector<std::string>& verb :
+         {std::vector<std::string>{}, {"import"}, {"check"}, {"help"}}) {
+        std::vector<std::string> option = verb;
+        option.emplace_back("--help");
+        std::vector<std::string> word = verb;
+        word.insert(word.begin(), "help");
+        EXPECT_EQ(run(option).out, run(word).out);
+        EXPECT_EQ(run(option).code, ExitCode::fine);
+    }
+}
+
+TEST(Program, NamesOfVerbsAreGoodNamesForFiles) {
+    const Ran ran = run({"check", "import"});
+    EXPECT_EQ(ran.code, ExitCode::cannot_read_or_write);
+    EXPECT_EQ(ran.out, "import: unreadable\n");
+}
+
+TEST(ExitCodes, TheMostSeriousCounts) {
+    // In the order of seriousness.
+    const std::array<ExitCode, 4> order{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write,
+                                        ExitCode::usage};
+    for (std::size_t a = 0; a < order.size(); ++a) {
+        for (std::size_t b = 0; b < order.size(); ++b) {
+            EXPECT_EQ(cli::most_serious(order[a], order[b]), order[std::max(a, b)]);
+        }
+    }
+}
+
+TEST(BundlePath, PlacesBesideTheProgram) {
+    const std::vector<std::filesystem::path> places = cli::bundle_places("/opt/vxr/bin/vxr");
+    ASSERT_EQ(places.size(), 3U);
+    EXPECT_EQ(places[0].filename(), "VORTANXR_AE.so");
+    EXPECT_EQ(places[0].parent_path().filename(), "vortanxr");
+    EXPECT_EQ(places[1], "/opt/vxr/lib/VORTANXR_AE.so");
+    EXPECT_EQ(places[2], "/opt/vxr/bin/VORTANXR_AE.so");
+}
+
+TEST(Progress, SilentUnlessSomebodyWatches) {
+    std::ostringstream out;
+    std::ostringstream err;
+    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
+    {
+        cli::Progress progress(terminal, 3);
+        progress.step("a");
+    }
+    EXPECT_EQ(err.str(), "");
+    terminal.live = true;
+    {
+        cli::Progress progress(terminal, 3);
+        progress.step("a");
+        progress.step("b");
+    }
+    EXPECT_EQ(err.str(), "[1/3] a\r\x1b[K[2/3] b\r\x1b[K");
+}
+
+}  // namespace

@@ -1,0 +1,35 @@
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <iterator>
+#include <string>
+
+#include "cli/console_blocks.h"
+#include "support/child_process.h"
+
+namespace {
+
+std::string read_file(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+// What the README shows is what a reader gets who types it in the project's folder.
+TEST(Readme, EveryCommandPrintsWhatIsShown) {
+    std::size_t own_commands = 0;
+    for (const ConsoleCommand& shown : console_commands(read_file(VXR_PROJECT_DIR "/README.md"))) {
+        if (shown.command.compare(0, 4, "vxr ") != 0) {
+            continue;
+        }
+        ++own_commands;
+        const std::string path = std::string("PATH=") + VXR_PROGRAM_DIR + ":/usr/bin:/bin";
+        // As in a terminal, both streams come in the order in which they are written.
+        const ProcessResult run =
+            run_process({"env", "-C", VXR_PROJECT_DIR, path, "sh", "-c", "exec 2>&1; " + shown.command});
+        EXPECT_EQ(run.out, shown.output) << "README.md:" << shown.line << ": $ " << shown.command;
+        EXPECT_NE(run.exit_code, -1) << shown.command;
+    }
+    EXPECT_GT(own_commands, 0U) << "the README shows no command of the program";
+}
+
+}  // namespace

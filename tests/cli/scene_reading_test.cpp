@@ -1,0 +1,128 @@
+#include "cli/scene_reading.h"
+
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <string>
+
+#include "support/temporary_folder.h"
+
+namespace {
+
+using cli::ExitCode;
+using cli::SceneReading;
+
+std::string nested(int levels) {
+    std::string text = "VORTAN XR COMPOSITION\nRESOLUTION 8 8 FROM 0 TO 9 RANGE 10 FPS 25\n";
+    for (int i = 0; i < levels; ++i) {
+        text += "COMPOSITION NRM \"c\" {\n";
+    }
+    return text + std::string(static_cast<std::size_t>(levels), '}') + "\n";
+}
+
+struct Case {
+    const char* name;
+    std::string text;
+    const char* code;  ///< of the error; empty for a file that is read
+    const char* place;
+};
+
+const std::string kSettings = "VORTAN XR COMPOSITION\nRESOLUTION 8 8 FROM 0 TO 9 RANGE 10 FPS 25\n";
+
+const Case kCases[] = {
+    {"sound", nested(1), "", ""},
+    {"deepest allowed", nested(1024), "", ""},
+    {"one level deeper", nested(1025), "nesting-too-deep", "1027:1"},
+    {"empty", "", "empty-file", "1:1"},
+    {"shorter than nine bytes", "VORTAN X", "not-importable", "1:1"},
+    {"nine bytes and nothing more", "VORTAN XR", "word-cut-by-end", "1:8"},
+    {"lower case", "vortan xr COMPOSITION\n", "not-importable", "1:1"},
+    {"two blanks", "VORTAN  XR COMPOSITION\n", "not-importable", "1:1"},
+    {"comment before the header", "/ hello\nVORTAN XR COMPOSITION\n", "not-importable", "1:1"},
+    {"header that goes on", "VORTAN XRX COMPOSITION\n", "bad-header", "1:8"},
+    {"number that is none", "VORTAN XR COMPOSITION\nFPS abc\n", "expected-number", "2:5"},
+    {"value out of range", "VORTAN XR COMPOSITION\nFPS 0\n", "out-of-range", "2:5"},
+    {"misspelt keyword", "VORTAN XR COMPOSITION\nFSP 25\n", "unknown-setting", "2:1"},
+    {"setting that is missing", "VORTAN XR COMPOSITION\nFPS 25 COMPOSITION NRM \"c\" {}\n", "missing-setting",
+     "2:8"},
+    {"word of 511 characters is ignored",
+     kSettings + "COMPOSITION NRM \"c\" { " + std::string(511, 'a') + " }\n", "", ""},
+    {"word of 512 characters", kSettings + "COMPOSITION NRM \"c\" { " + std::string(512, 'a') + " }\n",
+     "word-too-long", "3:23"},
+    {"name in single quotes", kSettings + "COMPOSITION NRM 'c' { }\n", "expected-name", "3:17"},
+    {"text that never ends", kSettings + "COMPOSITION NRM \"c\n", "unclosed-string", "3:17"},
+    {"blend word in quotes", kSettings + "COMPOSITION \"NRM\" \"c\" { }\n", "expected-blend-mode", "3:13"},
+    {"footage on the last line without its end",
+     kSettings + "COMPOSITION NRM \"c\" {\nFILE NRM PREMUL \"a.tif\"", "unended-path-line", "4:17"},
+    {"footage without a closing quote", kSettings + "COMPOSITION NRM \"c\" {\nFILE NRM PREMUL \"a.tif\n}\n",
+     "unclosed-path", "4:17"},
+    {"block that never ends", kSettings + "COMPOSITION NRM \"c\" {\n", "unexpected-end", "4:1"},
+    {"camera key without its field of view",
+     kSettings + "COMPOSITION NRM \"c\" { }\nCAMERA \"c\" { KEY 1 0 0 0 0 0 0 }\n", "expected-number",
+     "4:32"},
+    {"colour of a null", kSettings + "COMPOSITION NRM \"c\" { }\nNULL \"n\" { COLOR 1 1 1 }\n",
+     "unknown-entry", "4:12"},
+    {"brace behind the composition", kSettings + "COMPOSITION NRM \"c\" { } }\n", "expected-section", "3:25"},
+};
+
+TEST(SceneReading, EveryRefusalHasItsCodeAndPlace) {
+    const TemporaryFolder folder;
+    for (const Case& one : kCases) {
+        const SceneReading reading = cli::read_scene(folder.write("shot.aec", one.text));
+        const bool refused = *one.code != '\0';
+        EXPECT_EQ(reading.code, refused ? ExitCode::refused : ExitCode::fine) << one.name;
+        ASSERT_EQ(reading.error.has_value(), refused) << one.name;
+        if (refused) {
+            EXPECT_EQ(reading.error->code, one.code) << one.name;
+            EXPECT_EQ(
+                std::to_string(*reading.error->at.line) + ':' + std::to_string(*reading.error->at.column),
+                one.place)
+                << one.name;
+        }
+    }
+}
+
+TEST(SceneReading, TheErrorOfTheManual) {
+    const TemporaryFolder folder;
+    const SceneReading reading =
+        cli::read_scene(folder.write("shot.aec", "VORTAN XR COMPOSITION\nFPS \"abc\"\n"));
+    ASSERT_TRUE(reading.error);
+    EXPECT_EQ(reading.error->reason, "expected a number after FPS, found the text \"abc\"");
+    EXPECT_EQ(*reading.error->source_line, "FPS \"abc\"");
+}
+
+TEST(SceneReading, WhatCannotBeReadIsNoRefusal) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    for (const std::string& path : {folder.path("missing.aec"), folder.folder().string(), folder.path("pipe"),
+                                    std::string("/dev/null"), std::string()}) {
+        const SceneReading reading = cli::read_scene(path);
+        EXPECT_EQ(reading.code, ExitCode::cannot_read_or_write) << path;
+        ASSERT_TRUE(reading.error) << path;
+        EXPECT_EQ(reading.error->code, "cannot-read") << path;
+    }
+}
+
+TEST(SceneReading, TwoGigabytesAreTooMuch) {
+    const TemporaryFolder folder;
+    const std::string path = folder.write("big.aec", "VORTAN XR COMPOSITION\n");
+    std::filesystem::resize_file(path, std::uintmax_t{1} << 31);  // sparse: takes no room
+    const SceneReading reading = cli::read_scene(path);
+    EXPECT_EQ(reading.code, ExitCode::refused);
+    ASSERT_TRUE(reading.error);
+    EXPECT_EQ(reading.error->code, "file-too-large");
+}
+
+TEST(SceneReading, DeepBlocksAreNamedFromTheInside) {
+    const TemporaryFolder folder;
+    std::string text = nested(20);
+    text.insert(text.find('}'), "EXTRA ");
+    const SceneReading reading = cli::read_scene(folder.write("shot.aec", text));
+    ASSERT_EQ(reading.facts.passed.size(), 1U);
+    ASSERT_EQ(reading.facts.passed[0].within.size(), 9U);
+    EXPECT_EQ(reading.facts.passed[0].within.front(), "12 more compositions");
+    EXPECT_EQ(reading.facts.passed[0].within.back(), "composition \"c\"");
+}
+
+}  // namespace
