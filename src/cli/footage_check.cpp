@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -7,6 +8,7 @@
 #include "embedded/image_probe.h"
 #include "embedded/sequence.h"
 #include "texture/base_file.h"
+#include "texture/texture_file.h"
 
 namespace cli {
 namespace {
@@ -88,19 +90,35 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     }
 }
 
-// Textures are the bundle's own to read.
+// Textures are read by the bundle's input module, which goes by the extension in letters of either case.
 bool is_texture(std::string_view path) {
-    return path.size() >= 4 && path.substr(path.size() - 4) == ".txl";
+    constexpr std::string_view kExtension = ".txl";
+    return path.size() >= kExtension.size() &&
+           std::equal(kExtension.begin(), kExtension.end(), path.end() - kExtension.size(),
+                      [](char a, char b) {
+                          return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
+                      });
+}
+
+// Why no picture can be had from the file; empty when one can.
+std::string reading_obstacle(const std::string& path) {
+    if (is_texture(path)) {
+        const std::optional<TextureError> error = read_texture(path).error;
+        return error ? error->reason : std::string();
+    }
+    std::string error;
+    return embedded::probe_image(path, error) ? std::string() : error;
 }
 
 void check_readable(const SceneFootage& footage, WarningList& warnings) {
-    std::string error;
-    if (is_texture(*footage.resolved) || embedded::probe_image(*footage.resolved, error)) {
+    const std::string obstacle = reading_obstacle(*footage.resolved);
+    if (obstacle.empty()) {
         return;
     }
     warnings
         .add(Code::footage_unreadable, footage.path_at,
-             "the footage \"" + shown_path(footage.written) + "\" exists but is no readable image: " + error,
+             "the footage \"" + shown_path(footage.written) +
+                 "\" exists but is no readable image: " + obstacle,
              footage.within)
         .effects.emplace_back("a host that cannot read it either ends the import there; what was made stays");
 }

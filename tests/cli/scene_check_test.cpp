@@ -192,6 +192,7 @@ TEST(SceneCheck, Footage) {
     folder.image("still.tga");
     folder.image("noise.tga");
     folder.files().write("notes.tif", "no picture");
+    folder.files().write("notes.TXL", "no picture");
     folder.sequence("full", 17, 20);
     folder.sequence("holes", 1, 2);
     folder.sequence("holes", 5, 6);
@@ -205,6 +206,8 @@ TEST(SceneCheck, Footage) {
         {"sequence of one frame", "FSEQ NRM PREMUL \"X:one0007.tga\"", {"sequence-single-frame 4:17"}},
         {"sequence without a number", "FSEQ NRM PREMUL \"X:still.tga\"", {"sequence-without-number 4:17"}},
         {"file that is no image", "FILE NRM PREMUL \"X:notes.tif\"", {"footage-unreadable 4:17"}},
+        {"texture, which the bundle reads", "FILE NRM PREMUL \"" VXR_EXAMPLES_DIR "/textures/tiny.txl\"", {}},
+        {"texture that is none", "FILE NRM PREMUL \"X:notes.TXL\"", {"footage-unreadable 4:17"}},
         {"file that is not there", "FILE NRM PREMUL \"X:gone.tga\"", {"footage-missing 4:17"}},
         {"number of a sequence that is not there",
          "FSEQ NRM PREMUL \"X:full0016.tga\"",

@@ -14,10 +14,10 @@ std::string read_file(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-// What the README shows is what a reader gets who types it in the project's folder.
-TEST(Readme, EveryCommandPrintsWhatIsShown) {
+// What a document shows is what a reader gets who types it in the project's folder.
+void expect_true(const std::string& document) {
     std::size_t own_commands = 0;
-    for (const ConsoleCommand& shown : console_commands(read_file(VXR_PROJECT_DIR "/README.md"))) {
+    for (const ConsoleCommand& shown : console_commands(read_file(VXR_PROJECT_DIR "/" + document))) {
         if (shown.command.compare(0, 4, "vxr ") != 0) {
             continue;
         }
@@ -26,10 +26,18 @@ TEST(Readme, EveryCommandPrintsWhatIsShown) {
         // As in a terminal, both streams come in the order in which they are written.
         const ProcessResult run =
             run_process({"env", "-C", VXR_PROJECT_DIR, path, "sh", "-c", "exec 2>&1; " + shown.command});
-        EXPECT_EQ(run.out, shown.output) << "README.md:" << shown.line << ": $ " << shown.command;
+        EXPECT_EQ(run.out, shown.output) << document << ':' << shown.line << ": $ " << shown.command;
         EXPECT_NE(run.exit_code, -1) << shown.command;
     }
-    EXPECT_GT(own_commands, 0U) << "the README shows no command of the program";
+    EXPECT_GT(own_commands, 0U) << document << " shows no command of the program";
+}
+
+TEST(Documents, ReadmeShowsWhatTheProgramPrints) {
+    expect_true("README.md");
+}
+
+TEST(Documents, CommandLineShowsWhatTheProgramPrints) {
+    expect_true("docs/command-line.md");
 }
 
 }  // namespace
