@@ -232,11 +232,6 @@ void Session::require_plugin(AEGP_PluginID id_given) {
                "plugin_id is " + std::to_string(id_given) + " and not " + std::to_string(plugin_id));
 }
 
-void Session::require_true(bool holds, const char* argument, const char* rule) {
-    if (!holds)
-        refuse(Breach::bad_argument, std::string(argument) + " " + rule);
-}
-
 const A_Time& Session::require_time(const A_Time* time, const char* argument) {
     require_true(require(time, argument).scale != 0, argument, "has a scale of 0");
     return *time;

@@ -122,7 +122,10 @@ class Session {
     /// The id of a folder's item.
     Id folder_id(AEGP_ItemH handle, const char* argument);
     void require_plugin(AEGP_PluginID id_given);
-    void require_true(bool holds, const char* argument, const char* rule);
+    void require_true(bool holds, const char* argument, const char* rule) {
+        if (!holds)
+            refuse(Breach::bad_argument, std::string(argument) + " " + rule);
+    }
     const A_Time& require_time(const A_Time* time, const char* argument);
     const A_Ratio& require_positive(const A_Ratio* ratio, const char* argument);
     /// Cut at kMaxNameLength, with a note, where it is longer.

@@ -37,11 +37,12 @@ class CallValues {
         values_[name] = value == nullptr ? Json() : Json(true);
     }
 
-    Json take() { return std::move(values_); }
+    /// An object, empty when nothing was collected.
+    Json take() { return values_.is_null() ? Json::object() : std::move(values_); }
 
   private:
     const Session& session_;
-    Json values_ = Json::object();
+    Json values_;  // null until there is a value: most calls are made with the log off
 };
 
 /// {"stream":"stream:7","value":..}: the value's members are those of the stream's shape.
