@@ -1,8 +1,10 @@
 #include "cli/verbs.h"
 
 #include "cli/check_command.h"
+#include "cli/frame_command.h"
 #include "cli/help_command.h"
 #include "cli/import_command.h"
+#include "cli/modules_command.h"
 #include "cli/texture_check_command.h"
 #include "cli/texture_convert_command.h"
 #include "cli/texture_info_command.h"
@@ -11,8 +13,8 @@ namespace cli {
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
-        import_verb(),          check_verb(), texture_info_verb(), texture_check_verb(),
-        texture_convert_verb(), help_verb(),  completion_verb(),
+        import_verb(), check_verb(),   texture_info_verb(), texture_check_verb(), texture_convert_verb(),
+        frame_verb(),  modules_verb(), help_verb(),         completion_verb(),
     };
     return kVerbs;
 }

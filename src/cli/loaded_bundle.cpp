@@ -1,0 +1,18 @@
+#include "cli/loaded_bundle.h"
+
+namespace cli {
+
+ExitCode load_bundle(embedded::Host& host, const FoundBundle& bundle, std::string& problem) {
+    embedded::LoadResult loaded;
+    loaded.error = bundle.error;
+    if (loaded.ok()) {
+        loaded = host.load(bundle.path);
+    }
+    if (loaded.ok()) {
+        return ExitCode::fine;
+    }
+    problem = "the plug-in was not loaded: " + loaded.error;
+    return loaded.entry.code != kHostErrorNone ? ExitCode::refused : ExitCode::cannot_read_or_write;
+}
+
+}  // namespace cli

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string>
+
+#include "cli/bundle_path.h"
+#include "cli/exit_codes.h"
+#include "embedded/host.h"
+
+namespace cli {
+
+/// Loads the bundle into the host. When that fails `problem` says why in one sentence: refused when the
+/// bundle's entry point failed, cannot_read_or_write when there was nothing to load.
+ExitCode load_bundle(embedded::Host& host, const FoundBundle& bundle, std::string& problem);
+
+}  // namespace cli
