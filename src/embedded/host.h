@@ -157,7 +157,7 @@ class Host {
     /// A new, empty in-spec for `path`, and its handle; disposed of like the others.
     Id new_in_spec(const std::string& path);
     [[nodiscard]] AEIO_InSpecH in_spec_handle(Id in_spec) const;
-    /// A new output specification whose file path is `path`.
+    /// A new out-spec whose file path is `path`.
     AEIO_OutSpecH new_out_spec(const std::string& path);
     /// Runs `body` as the host runs a callback: the missing-suite exception becomes a result, every other
     /// exception goes on to the caller, and afterwards the discipline is checked. `name` is what findings

@@ -581,7 +581,7 @@ const Case kCases[] = {
     {"foreign memory freed", Breach::foreign_handle,
      [](BundleSide& b) { return b.memory_suite->AEGP_FreeMemHandle(foreign<AEGP_MemHandle>()); }},
 
-    // in-specs and output specifications
+    // in-specs and out-specs
     {"options of no in-spec", Breach::bad_argument,
      [](BundleSide& b) {
          void* options = nullptr;
