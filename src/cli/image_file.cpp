@@ -39,12 +39,12 @@ std::vector<Diagnostic> losses(const std::string& path, OIIO::ImageInput& input,
     std::vector<Diagnostic> warnings;
     if (spec.format != OIIO::TypeUInt8) {
         warnings.push_back(
-            warn("depth_reduced", {path},
+            warn("depth-reduced", {path},
                  std::string("its values are ") + spec.format.c_str() + ", a texture has 8 bits a channel"));
     }
     if (input.seek_subimage(1, 0)) {
         warnings.push_back(
-            warn("images_left_out", {path}, "there are further images in it, a texture has one"));
+            warn("images-left-out", {path}, "there are further images in it, a texture has one"));
     }
     return warnings;
 }
@@ -99,7 +99,7 @@ ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
     // Regular files only: opening a pipe would wait for somebody to write into it.
     std::error_code failure;
     if (!std::filesystem::is_regular_file(path, failure)) {
-        return refused(path, ExitCode::cannot_read_or_write, "cannot_open",
+        return refused(path, ExitCode::cannot_read_or_write, "cannot-open",
                        failure ? failure.message() : "not a regular file");
     }
     OIIO::ImageSpec config;
@@ -108,7 +108,7 @@ ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
     }
     const auto input = OIIO::ImageInput::open(path, &config);
     if (input == nullptr) {
-        return refused(path, ExitCode::refused, "not_an_image", library_reason(OIIO::geterror()));
+        return refused(path, ExitCode::refused, "not-an-image", library_reason(OIIO::geterror()));
     }
     const OIIO::ImageSpec spec = input->spec();
     if (std::string reason = imageio::refuse_image(spec); !reason.empty()) {
@@ -117,7 +117,7 @@ ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(spec.image_pixels()) *
                                      static_cast<std::size_t>(spec.nchannels));
     if (!input->read_image(0, 0, 0, -1, OIIO::TypeUInt8, pixels.data())) {
-        return refused(path, ExitCode::refused, "not_an_image", library_reason(input->geterror()));
+        return refused(path, ExitCode::refused, "not-an-image", library_reason(input->geterror()));
     }
     return {sorted(spec, pixels), losses(path, *input, spec), ExitCode::fine};
 }
@@ -125,13 +125,13 @@ ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
 ImageWriting write_image_file(const std::string& path, const Texture& texture, AlphaBytes alpha_bytes) {
     const auto output = OIIO::ImageOutput::create(path);
     if (output == nullptr) {
-        return not_written(path, ExitCode::refused, "no_format", library_reason(OIIO::geterror()));
+        return not_written(path, ExitCode::refused, "no-format", library_reason(OIIO::geterror()));
     }
     if (texture.pixel_count() == 0) {
         return not_written(path, ExitCode::refused, "unsupported", "the texture has no pixels");
     }
     if (std::string reason = channels_without_room(*output, texture); !reason.empty()) {
-        return not_written(path, ExitCode::refused, "channels_without_room", std::move(reason));
+        return not_written(path, ExitCode::refused, "channels-without-room", std::move(reason));
     }
     OIIO::ImageSpec spec = imageio::texture_spec(texture);
     if (alpha_bytes == AlphaBytes::kept && !stores_associated_alpha(output->format_name())) {
@@ -140,18 +140,18 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
     std::string error;
     std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, error);
     if (!file.has_value()) {
-        return not_written(path, ExitCode::cannot_read_or_write, "cannot_open", error);
+        return not_written(path, ExitCode::cannot_read_or_write, "cannot-open", error);
     }
     if (!output->open(file->temporary_path(), spec)) {
-        return not_written(path, ExitCode::refused, "channels_without_room",
+        return not_written(path, ExitCode::refused, "channels-without-room",
                            library_reason(output->geterror()));
     }
     if (!write_rows(*output, texture)) {
-        return not_written(path, ExitCode::cannot_read_or_write, "not_written",
+        return not_written(path, ExitCode::cannot_read_or_write, "not-written",
                            library_reason(output->geterror()));
     }
     if (!file->put_in_place(error)) {
-        return not_written(path, ExitCode::cannot_read_or_write, "not_written", error);
+        return not_written(path, ExitCode::cannot_read_or_write, "not-written", error);
     }
     return {};
 }

@@ -44,7 +44,7 @@ ImageWriting write_texture_file(const std::string& path, const Texture& texture)
     std::string reason;
     std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, reason);
     if (!file.has_value()) {
-        return {fail("cannot_open", {path}, reason), ExitCode::cannot_read_or_write};
+        return {fail("cannot-open", {path}, reason), ExitCode::cannot_read_or_write};
     }
     if (const std::optional<TextureError> error = write_texture(file->temporary_path(), texture);
         error.has_value()) {
@@ -54,7 +54,7 @@ ImageWriting write_texture_file(const std::string& path, const Texture& texture)
         return {texture_error(*error, path), code};
     }
     if (!file->put_in_place(reason)) {
-        return {fail("not_written", {path}, reason), ExitCode::cannot_read_or_write};
+        return {fail("not-written", {path}, reason), ExitCode::cannot_read_or_write};
     }
     return {};
 }
@@ -95,7 +95,7 @@ void convert(Conversion& conversion, const ConversionOptions& options) {
     }
     Texture& texture = *reading.texture;
     if (std::string reason = choose_alphas(texture, options.alpha); !reason.empty()) {
-        refuse(conversion, ExitCode::refused, fail("no_such_alpha", {conversion.input}, std::move(reason)));
+        refuse(conversion, ExitCode::refused, fail("no-such-alpha", {conversion.input}, std::move(reason)));
         return;
     }
     ImageWriting writing = has_texture_extension(conversion.output)
@@ -136,10 +136,10 @@ Conversion convert_texture(const std::string& input, const std::string& output,
             convert(conversion, options);
         } else {
             refuse(conversion, ExitCode::refused,
-                   fail("no_texture", {input}, "neither it nor " + output + " is a texture"));
+                   fail("no-texture", {input}, "neither it nor " + output + " is a texture"));
         }
     } catch (const std::exception& failure) {
-        refuse(conversion, ExitCode::cannot_read_or_write, fail("gave_up", {input}, failure.what()));
+        refuse(conversion, ExitCode::cannot_read_or_write, fail("gave-up", {input}, failure.what()));
     }
     return conversion;
 }

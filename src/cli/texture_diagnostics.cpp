@@ -42,6 +42,9 @@ Diagnostic texture_warning(const TextureWarning& warning, const std::string& fil
         warn(notice_name(warning.code), Place{file, warning.offset_bytes}, warning.reason, warning.within);
     diagnostic.effects.emplace_back(effect_of(warning.code));
     diagnostic.count = warning.count;
+    if (warning.count > 1) {
+        diagnostic.effects.push_back(std::to_string(warning.count) + " times in the file, here first");
+    }
     return diagnostic;
 }
 

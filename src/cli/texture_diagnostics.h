@@ -10,7 +10,7 @@
 
 namespace cli {
 
-/// `file` is what the user called it. Codes are the names in docs/texture-format.md: "stray_value".
+/// `file` is what the user called it. Codes are the names in docs/texture-format.md: "stray-value".
 /// `within` has one entry for each chunk: "502", "TaVx".
 Diagnostic texture_error(const TextureError& error, const std::string& file);
 Diagnostic texture_warning(const TextureWarning& warning, const std::string& file);

@@ -37,39 +37,39 @@ std::int32_t container_code(TextureFault fault) {
 const char* fault_name(TextureFault fault) {
     switch (fault) {
         case TextureFault::cannot_open:
-            return "cannot_open";
+            return "cannot-open";
         case TextureFault::empty_file:
-            return "empty_file";
+            return "empty-file";
         case TextureFault::not_a_texture:
-            return "not_a_texture";
+            return "not-a-texture";
         case TextureFault::header_not_written:
-            return "header_not_written";
+            return "header-not-written";
         case TextureFault::short_transfer:
-            return "short_transfer";
+            return "short-transfer";
         case TextureFault::block_too_long:
-            return "block_too_long";
+            return "block-too-long";
         case TextureFault::wrong_tag:
-            return "wrong_tag";
+            return "wrong-tag";
         case TextureFault::stray_value:
-            return "stray_value";
+            return "stray-value";
         case TextureFault::truncated:
             return "truncated";
         case TextureFault::wrong_direction:
-            return "wrong_direction";
+            return "wrong-direction";
         case TextureFault::negative_size:
-            return "negative_size";
+            return "negative-size";
         case TextureFault::unsupported:
             return "unsupported";
         case TextureFault::over_limit:
-            return "over_limit";
+            return "over-limit";
         case TextureFault::refused_picture:
-            return "refused_picture";
+            return "refused-picture";
         case TextureFault::out_of_memory:
-            return "out_of_memory";
+            return "out-of-memory";
         case TextureFault::no_picture:
-            return "no_picture";
+            return "no-picture";
         case TextureFault::bad_value:
-            return "bad_value";
+            return "bad-value";
     }
     return "";
 }

@@ -27,5 +27,5 @@ enum class TextureFault {
 /// The container's sticky error code for a fault. 0 for those that the container does not know as errors.
 [[nodiscard]] std::int32_t container_code(TextureFault fault);
 
-/// The fault's stable name for scripts: its identifier as above.
+/// The fault's stable name for scripts: its identifier as above, with hyphens: "stray-value".
 [[nodiscard]] const char* fault_name(TextureFault fault);

@@ -42,19 +42,19 @@ constexpr bool trails(std::uint16_t unit) {
 const char* notice_name(TextureNotice notice) {
     switch (notice) {
         case TextureNotice::row_cleared:
-            return "row_cleared";
+            return "row-cleared";
         case TextureNotice::row_repeated:
-            return "row_repeated";
+            return "row-repeated";
         case TextureNotice::chunk_skipped:
-            return "chunk_skipped";
+            return "chunk-skipped";
         case TextureNotice::layer_without_alpha:
-            return "layer_without_alpha";
+            return "layer-without-alpha";
         case TextureNotice::outside_picture:
-            return "outside_picture";
+            return "outside-picture";
         case TextureNotice::second_header:
-            return "second_header";
+            return "second-header";
         case TextureNotice::cut_off:
-            return "cut_off";
+            return "cut-off";
     }
     return "";
 }

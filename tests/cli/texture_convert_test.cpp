@@ -99,7 +99,7 @@ TEST(TextureConvert, SaysWhatBecameOfEveryFileInTheirOrder) {
               "large.txl -> out/put/large.png: 600 x 400, RGB, 1 alpha channel\n"
               "broken.txl: not converted\n"
               "small.txl -> out/put/small.png: 4 x 4, grey, no alpha\n");
-    EXPECT_EQ(run.err, "broken.txl@0x8: error: the file ends inside this value [short_transfer]\n");
+    EXPECT_EQ(run.err, "broken.txl@0x8: error: the file ends inside this value [short-transfer]\n");
     EXPECT_EQ(names_in(folder.folder() / "out/put"), (std::vector<std::string>{"large.png", "small.png"}));
 }
 
@@ -131,7 +131,7 @@ TEST(TextureConvert, AlphaChoosesWhatGoesAlong) {
 
     const ProcessResult fourth = convert(folder, {"a.txl", "--alpha", "4", "-o", "x.png"});
     EXPECT_EQ(fourth.exit_code, 1);
-    EXPECT_EQ(fourth.err, "a.txl: error: alpha 4 is wanted, there are 3 [no_such_alpha]\n");
+    EXPECT_EQ(fourth.err, "a.txl: error: alpha 4 is wanted, there are 3 [no-such-alpha]\n");
     for (const char* wrong : {"0", "-1", "some", "1x", ""}) {
         EXPECT_EQ(convert(folder, {"a.txl", "--alpha", wrong, "-o", "x.png"}).exit_code, 2) << wrong;
     }
@@ -146,12 +146,12 @@ TEST(TextureConvert, ChannelsWithoutRoomAreAnErrorAndNotLeftOut) {
     EXPECT_EQ(png.exit_code, 1);
     EXPECT_EQ(png.err,
               "a.png: error: png files have one alpha channel, the texture has 3; --alpha N chooses one "
-              "[channels_without_room]\n");
+              "[channels-without-room]\n");
     const ProcessResult jpeg = convert(folder, {"a.txl", "--to", "jpg"});
     EXPECT_EQ(jpeg.exit_code, 1);
     EXPECT_EQ(jpeg.err,
               "a.jpg: error: jpeg files have no alpha channel; --alpha none leaves it out "
-              "[channels_without_room]\n");
+              "[channels-without-room]\n");
     EXPECT_EQ(content(folder.path("a.png")), "what was there");
     EXPECT_EQ(names_in(folder.folder()), (std::vector<std::string>{"a.png", "a.txl"}));
     EXPECT_EQ(convert(folder, {"a.txl", "--to", "jpg", "--alpha", "none"}).exit_code, 0);
@@ -194,11 +194,11 @@ TEST(TextureConvert, WarnsAboutWhatAnImageLoses) {
     const ProcessResult depth = convert(folder, {"deep.tif", "--to", "txl"});
     EXPECT_EQ(depth.exit_code, 0);
     EXPECT_EQ(depth.err,
-              "deep.tif: warning: its values are uint16, a texture has 8 bits a channel [depth_reduced]\n");
+              "deep.tif: warning: its values are uint16, a texture has 8 bits a channel [depth-reduced]\n");
     const ProcessResult images = convert(folder, {"two.tif", "--to", "txl"});
     EXPECT_EQ(images.exit_code, 0);
     EXPECT_EQ(images.err,
-              "two.tif: warning: there are further images in it, a texture has one [images_left_out]\n");
+              "two.tif: warning: there are further images in it, a texture has one [images-left-out]\n");
     EXPECT_EQ(read(folder, "two.txl").width_px, 8);
 }
 
@@ -206,7 +206,7 @@ TEST(TextureConvert, WarnsAboutWhatWasRepaired) {
     const TemporaryFolder folder;
     const ProcessResult run = convert(folder, {VXR_EXAMPLES_DIR "/textures/every_flag.txl", "-o", "a.tif"});
     EXPECT_EQ(run.exit_code, 0);
-    for (const char* code : {"[chunk_skipped]", "[row_repeated]", "[row_cleared]"}) {
+    for (const char* code : {"[chunk-skipped]", "[row-repeated]", "[row-cleared]"}) {
         EXPECT_NE(run.err.find(code), std::string::npos) << code;
     }
 }
@@ -252,7 +252,7 @@ TEST(TextureConvert, NeitherSideATextureIsRefused) {
     ASSERT_EQ(run_process({"oiiotool", "--create", "8x8", "3", "-o", folder.path("a.tif")}).exit_code, 0);
     const ProcessResult run = convert(folder, {"a.tif", "--to", "png"});
     EXPECT_EQ(run.exit_code, 1);
-    EXPECT_EQ(run.err, "a.tif: error: neither it nor a.png is a texture [no_texture]\n");
+    EXPECT_EQ(run.err, "a.tif: error: neither it nor a.png is a texture [no-texture]\n");
 }
 
 TEST(TextureConvert, ATextureIsKnownByItsFirstBytes) {
@@ -311,7 +311,7 @@ TEST(TextureConvert, JsonSaysTheSame) {
                                                 {"converted", true},
                                                 {"exit_code", 0},
                                                 {"diagnostics", json::array()}}));
-    EXPECT_EQ(document.at("files").at(1).at("diagnostics").at(0).at("code"), "cannot_open");
+    EXPECT_EQ(document.at("files").at(1).at("diagnostics").at(0).at("code"), "cannot-open");
 }
 
 /// Runs a command with a terminal for all its streams; what it wrote there.

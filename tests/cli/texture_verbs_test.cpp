@@ -86,7 +86,7 @@ TEST(TextureInfo, CountsEveryWayInWhichARowCanBeCoded) {
     for (const json& diagnostic : file.at("diagnostics")) {
         codes.push_back(diagnostic.at("code"));
     }
-    EXPECT_EQ(codes, (std::vector<std::string>{"chunk_skipped", "row_repeated", "row_cleared"}));
+    EXPECT_EQ(codes, (std::vector<std::string>{"chunk-skipped", "row-repeated", "row-cleared"}));
 }
 
 TEST(TextureInfo, JsonHasItsKeysInOrderAlsoWhenAFileIsRefused) {
@@ -129,7 +129,7 @@ TEST(TextureInfo, ARefusedFileIsShownAsFarAsItIsRead) {
               "    TaVx v2        0x2a      ?  2 rows of 4 pixels, 1 channel, no end\n"
               "      channel 0                 1 packed; 4 bytes as 2, 2.00 : 1\n");
     EXPECT_EQ(run.err,
-              "cut.txl@0x57: error: the file ends inside this value [short_transfer]\n      in 502 > TaVx\n");
+              "cut.txl@0x57: error: the file ends inside this value [short-transfer]\n      in 502 > TaVx\n");
 }
 
 TEST(TextureCheck, FindsNothingWrongWithTheExamples) {
@@ -154,27 +154,27 @@ struct Case {
 TEST(TextureCheck, SaysWhereAFileIsWrong) {
     const Case cases[] = {
         {"sound", tiny_cut(1000), 0, "a.txl: ok\n", ""},
-        {"empty", "", 1, "a.txl: refused\n", "a.txl: error: the file is empty [empty_file]\n"},
+        {"empty", "", 1, "a.txl: refused\n", "a.txl: error: the file is empty [empty-file]\n"},
         {"other magic", tiny_with(0, "AVXX"), 1, "a.txl: refused\n",
-         "a.txl: error: the file does not begin with the magic and ident of its kind [not_a_texture]\n"},
+         "a.txl: error: the file does not begin with the magic and ident of its kind [not-a-texture]\n"},
         {"a value between chunks", tiny_with(0x11, "\x0f"), 1, "a.txl: refused\n",
-         "a.txl@0x11: error: a chunk must begin or end here, found tag 15 [stray_value]\n      in 502\n"},
+         "a.txl@0x11: error: a chunk must begin or end here, found tag 15 [stray-value]\n      in 502\n"},
         {"signed for unsigned", tiny_with(0x4c, "\x0b"), 1, "a.txl: refused\n",
-         "a.txl@0x4c: error: a value with tag 12 must stand here, found tag 11 [wrong_tag]\n"
+         "a.txl@0x4c: error: a value with tag 12 must stand here, found tag 11 [wrong-tag]\n"
          "      in 502 > TaVx\n"},
         {"a layer's block ends outside the file", tiny_with(0x8c, "\x7f"), 1, "a.txl: refused\n",
-         "a.txl@0x8a: error: a block of 8323073 bytes where the file has 110 left [block_too_long]\n"
+         "a.txl@0x8a: error: a block of 8323073 bytes where the file has 110 left [block-too-long]\n"
          "      in 502 > 599 > 110100 > 501 > TaLy\n"},
         {"five channels", tiny_with(0x48, std::string("\0\0\0\5", 4)), 1, "a.txl: refused\n",
          "a.txl@0x47: error: 5 channels in colour mode 2; mode 2 has 1 and mode 4 has 3 [unsupported]\n"
          "      in 502 > TaVx\n"},
         {"unknown flag", tiny_with(0x4d, "\x09"), 0, "a.txl: ok, 1 warning\n",
          "a.txl@0x4e: warning: row 0, channel 0: flag 9 is not known, the row before was kept "
-         "[row_repeated]\n"
+         "[row-repeated]\n"
          "      in 502 > TaVx\n"
          "      = that channel of the row repeats the row before\n"},
         {"ends between two items", tiny_cut(0x61), 0, "a.txl: ok, 1 warning\n",
-         "a.txl@0x8: warning: the file ends before chunk 502 does [cut_off]\n"
+         "a.txl@0x8: warning: the file ends before chunk 502 does [cut-off]\n"
          "      in 502\n"
          "      = the chunks that are missing are not known; what is there is used\n"},
     };
@@ -193,6 +193,17 @@ TEST(TextureCheck, SaysWhereAFileIsWrong) {
     }
 }
 
+TEST(TextureCheck, CountsWhatOccursSeveralTimes) {
+    const ProcessResult run = texture(kTextures, "check", {"every_flag.txl"});
+    EXPECT_EQ(run.exit_code, 0);
+    EXPECT_NE(run.err.find("every_flag.txl@0x8: warning: chunk TaZz was skipped [chunk-skipped]\n"
+                           "      in TaZz\n"
+                           "      = the chunk is passed over with everything in it\n"
+                           "      = 8 times in the file, here first\n"),
+              std::string::npos)
+        << run.err;
+}
+
 TEST(TextureCheck, NamesTheChunksAroundAMistakeInALayer) {
     const TemporaryFolder folder;
     folder.write("a.txl", tiny_with(0x8c, "\x7f"));
@@ -201,7 +212,7 @@ TEST(TextureCheck, NamesTheChunksAroundAMistakeInALayer) {
     const ProcessResult document = texture(folder.folder().string(), "check", {"--json", "a.txl"});
     const json diagnostic = json::parse(document.out).at("files").at(0).at("diagnostics").at(0);
     EXPECT_EQ(diagnostic.at("within"), json({"502", "599", "110100", "501", "TaLy"}));
-    EXPECT_EQ(diagnostic.at("code"), "block_too_long");
+    EXPECT_EQ(diagnostic.at("code"), "block-too-long");
 }
 
 TEST(TextureCheck, WithSeveralFilesTheMostSeriousOutcomeIsTheExitCode) {

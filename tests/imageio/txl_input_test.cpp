@@ -109,7 +109,7 @@ TEST(TxlInput, tells_what_was_passed_over) {
     imageio::TxlInput input;
     OIIO::ImageSpec spec;
     ASSERT_TRUE(input.open(path, spec)) << input.geterror();
-    EXPECT_THAT(spec.get_string_attribute("txl:warnings"), HasSubstr("chunk_skipped x 1 from 0x"));
+    EXPECT_THAT(spec.get_string_attribute("txl:warnings"), HasSubstr("chunk-skipped x 1 from 0x"));
 }
 
 TEST(TxlInput, valid_file_looks_at_magic_and_ident) {
