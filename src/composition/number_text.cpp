@@ -13,6 +13,10 @@ bool is_digit(char c) {
     return c >= '0' && c <= '9';
 }
 
+bool is_hexadecimal_digit(char c) {
+    return is_digit(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F');
+}
+
 // Blanks of the "C" locale, which the scan skips before a number.
 std::string_view without_blanks(std::string_view text) {
     const std::size_t first = text.find_first_not_of(" \t\n\v\f\r");
@@ -76,8 +80,10 @@ int StrToReal(const char* text, float& value) {
         }
         return error != std::errc::invalid_argument;
     };
-    const bool prefixed = rest.starts_with("0x") || rest.starts_with("0X");
-    // Without a digit behind its prefix a hexadecimal number is the decimal 0 before the "x".
+    // Without a digit behind its prefix a hexadecimal number is the decimal 0 before the "x". A sign or a
+    // name there is no digit either, though the conversion would take it.
+    const bool prefixed = (rest.starts_with("0x") || rest.starts_with("0X")) && rest.size() > 2 &&
+                          (is_hexadecimal_digit(rest[2]) || rest[2] == '.');
     if (!(prefixed && convert(rest.substr(2), std::chars_format::hex)) &&
         !convert(rest, std::chars_format::general)) {
         return 0;

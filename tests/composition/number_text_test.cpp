@@ -38,6 +38,8 @@ TEST(StrToReal, TableOfTexts) {
         {"hexadecimal with a fraction", "0X1.8", 1, 1.5F},
         {"hexadecimal without digits is the zero before the x", "0x", 1, 0.0F},
         {"as is hexadecimal with a point alone", "0x.", 1, 0.0F},
+        {"as is hexadecimal with a sign behind the prefix", "0x-5", 1, 0.0F},
+        {"as is hexadecimal with a name behind the prefix", "0xinf", 1, 0.0F},
         {"hexadecimal fraction without a digit before the point", "0x.8", 1, 0.5F},
         {"negative hexadecimal", "-0x10", 1, -16.0F},
         {"hexadecimal exponent", "0x1p4", 1, 16.0F},
