@@ -51,9 +51,14 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
 }
 
 void check_range(const SceneReading& reading, WarningList& warnings) {
-    const SceneKeyword* const to = find_keyword(reading.facts.settings, "TO");
-    const SceneKeyword* const range = find_keyword(reading.facts.settings, "RANGE");
-    if (to == nullptr || range == nullptr) {
+    // A setting that is missing, or its number, is the error's to explain: nothing can be compared with it.
+    const auto read_setting = [&](std::string_view word) {
+        const SceneKeyword* const setting = find_keyword(reading.facts.settings, word);
+        return setting != nullptr && !setting->values.empty() ? setting : nullptr;
+    };
+    const SceneKeyword* const to = read_setting("TO");
+    const SceneKeyword* const range = read_setting("RANGE");
+    if (read_setting("FROM") == nullptr || to == nullptr || range == nullptr) {
         return;
     }
     const SceneNumbers& numbers = reading.numbers;

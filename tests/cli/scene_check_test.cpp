@@ -80,6 +80,11 @@ const Case kCases[] = {
     {"composition shorter than its layers",
      kHead + "RANGE 7 COMPOSITION NRM \"M\" { }\n",
      {"layer-past-end 3:8"}},
+    {"a length that could not be read is compared with nothing",
+     "VORTAN XR COMPOSITION FROM 1 TO 8 RANGE abc",
+     {}},
+    {"nor is an end", "VORTAN XR COMPOSITION FROM 5 RANGE 8 TO abc", {}},
+    {"nor is a beginning", "VORTAN XR COMPOSITION TO 8 RANGE 8 FROM abc", {}},
     {"local layers begin at FROM", kHead + "LOCAL COMPOSITION NRM \"M\" { }\n", {"layer-past-end 2:32"}},
     {"and may end with the composition", kHead + "LOCAL RANGE 9 COMPOSITION NRM \"M\" { }\n", {}},
 
