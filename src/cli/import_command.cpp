@@ -1,9 +1,11 @@
 #include "cli/import_command.h"
 
 #include <CLI/CLI.hpp>
+#include <filesystem>
 #include <optional>
 #include <ostream>
 #include <string>
+#include <system_error>
 #include <vector>
 
 #include "cli/bundle_path.h"
@@ -34,6 +36,14 @@ bool is_preference(std::string_view text) {
     }
     int value = 0;
     return CLI::detail::lexical_cast(std::string(text), value) && value >= 0 && value <= 255;
+}
+
+// Whether two paths lead to one file, be it there already or not.
+bool same_file(const std::string& one, const std::string& other) {
+    namespace fs = std::filesystem;
+    std::error_code none;
+    const fs::path path = fs::weakly_canonical(one, none);
+    return fs::equivalent(one, other, none) || (!path.empty() && path == fs::weakly_canonical(other, none));
 }
 
 class ImportCommand : public Command {
@@ -76,6 +86,7 @@ class ImportCommand : public Command {
 
     ExitCode run(Terminal& terminal) override {
         const embedded::HostOptions options = host_options();
+        refuse_to_overwrite();
         // Files that cannot be written are found out before the work, not after it.
         std::optional<OutputFile> log = opened(log_);
         std::optional<OutputFile> save = opened(save_);
@@ -101,6 +112,18 @@ class ImportCommand : public Command {
   private:
     static std::optional<OutputFile> opened(const std::string& path) {
         return path.empty() ? std::nullopt : std::optional<OutputFile>(std::in_place, path);
+    }
+
+    // Creating an output empties what was there: that must never be the scene, which is only read afterwards.
+    void refuse_to_overwrite() const {
+        for (const std::string& output : {save_, log_}) {
+            if (!output.empty() && same_file(output, file_)) {
+                throw UsageError(file_ + " would be replaced by what is written about it");
+            }
+        }
+        if (!save_.empty() && !log_.empty() && same_file(save_, log_)) {
+            throw UsageError("--save and --log both name " + save_);
+        }
     }
 
     [[nodiscard]] embedded::HostOptions host_options() const {

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
@@ -226,6 +227,35 @@ TEST(ImportVerb, JsonSavedDocumentAndLog) {
         EXPECT_EQ(json::parse(line)["n"], ++number);
     }
     EXPECT_GT(number, 100);
+}
+
+TEST(ImportVerb, OutputsReplaceNeitherTheSceneNorEachOther) {
+    const TemporaryFolder folder;
+    const std::string text = kSettings + "COMPOSITION NRM \"Main\" { }\n";
+    const std::string scene = folder.write("shot.aec", text);
+    std::filesystem::create_symlink(scene, folder.path("link.aec"));
+    const std::string taken = "shot.aec would be replaced by what is written about it\n";
+    const struct {
+        const char* name;
+        std::vector<std::string> options;
+        std::string err;
+    } cases[] = {
+        {"document over the scene", {"--save", scene}, taken},
+        {"log over the scene", {"--log", scene}, taken},
+        {"scene by another name", {"--log", folder.path("link.aec")}, taken},
+        {"both in one file, which is not there yet",
+         {"--save", folder.path("out"), "--log", folder.path("./out")},
+         "vxr: error: --save and --log both name " + folder.path("out") + "\n"},
+    };
+    for (const auto& one : cases) {
+        std::vector<std::string> arguments = one.options;
+        arguments.push_back(scene);
+        const ProcessResult run = import_file(arguments);
+        EXPECT_EQ(run.exit_code, 2) << one.name;
+        EXPECT_NE(run.err.find(one.err), std::string::npos) << one.name << ": " << run.err;
+        EXPECT_EQ(read_file(scene), text) << one.name;
+        EXPECT_FALSE(std::filesystem::exists(folder.path("out"))) << one.name;
+    }
 }
 
 TEST(ImportVerb, JsonOfARefusedFile) {
