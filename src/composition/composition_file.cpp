@@ -78,7 +78,8 @@ int read_top_level_footage(ASCIIParser& p, tagProjectSettings& settings, bool& c
 }
 
 // Scene objects. The current token is the first word behind the footage and must begin one; the first token
-// behind an object that begins none ends the file, whatever it is.
+// behind an object that begins none Deliberately ends the file, whatever it is: later exporters may write
+// more sections there.
 int read_objects(ASCIIParser& p, tagProjectSettings& settings) {
     bool first = true;
     for (;;) {

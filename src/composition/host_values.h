@@ -10,8 +10,9 @@
 /// The nearest 32-bit value.
 A_long clamp_to_long(std::int64_t value);
 
-/// `aspect` in hundredths: multiplied in single precision and truncated, so 1.0667 is 106/100. `aspect` is
-/// what the reader lets through, 0.01 to 100.
+/// `aspect` in hundredths: multiplied in single precision and Deliberately truncated, not rounded, so 1.0667
+/// is 106/100: projects that were imported before hold this ratio. `aspect` is what the reader lets through,
+/// 0.01 to 100.
 A_Ratio pixel_aspect_ratio(float aspect);
 
 /// Whole frames a second, in hundredths: 25 is 2500/100.

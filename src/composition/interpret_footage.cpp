@@ -25,8 +25,9 @@ bool has_matte_count(const char* path) {
     return std::strcmp(extension, ".rla") == 0 || std::strcmp(extension, ".rpf") == 0;
 }
 
-/// True when `path` is an image of the RLA family whose header says that it has no matte channels. Its alpha
-/// would be made up of nothing. A file that does not open, or is too short to tell, is not one.
+/// Deliberately overrules the entry's alpha word: true when `path` is an image of the RLA family whose header
+/// says that it has no matte channels. Its alpha would be made up of nothing. A file that does not open, or
+/// is too short to tell, is not one.
 bool has_no_mattes(const char* path) {
     if (!has_matte_count(path))
         return false;

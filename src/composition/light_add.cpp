@@ -46,6 +46,8 @@ Step set_light_streams(AEGP_SuiteHandler& suites, const CLight& light) {
     // Percent, multiplied in single precision and widened afterwards.
     const float percent = light.intensity * 100.0F;
     const AEGP_StreamVal intensity = one_d_value(double{percent});
+    // Deliberately no more than whether there is a shadow: the host has one kind, and SOFT, HARD and AREA are
+    // all sent as it.
     const AEGP_StreamVal casts_shadows = one_d_value(light.shadowType != kShadowNone ? 1.0 : 0.0);
 
     const struct {

@@ -76,6 +76,8 @@ std::optional<ReadErrorCode> collect_line(ASCIIParser& p, std::unique_ptr<char[]
             size *= 2;
         }
     }
+    // Deliberately the last quote of the line, not the next one: paths may hold quotes, which nothing
+    // escapes.
     if (last_quote == kNowhere) {
         return ReadErrorCode::unclosed_path;
     }

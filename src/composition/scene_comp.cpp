@@ -64,6 +64,8 @@ A_Err add_scene_objects(AEGP_SuiteHandler& suites, tagProjectSettings& settings)
         if (err != kHostErrorNone)
             return err;
     }
+    // Deliberate: a scene of frame 0 alone is a still, and its objects keep the length that the host gives
+    // them.
     const int set_times = settings.from != 0 || settings.to != 0 ? 1 : 0;
     for (CSceneObject* object = settings.objects.First(); object != nullptr;
          object = settings.objects.Next(object))

@@ -39,7 +39,8 @@ class CSceneObject : public CListItem {
     virtual int Load(ASCIIParser& p);
 
     /// Appends a new keyframe and returns it, owned by this object; null when memory is short, `keys` being
-    /// unchanged.
+    /// unchanged. Deliberately grows `keys` by one slot a call: the array is as long as `keyCount` at every
+    /// moment, whatever a failure leaves behind (docs/performance.md has what that costs).
     tagKeyFrame* AddKeyframe();
     /// Appends a keyframe, stores it in `*out` and reads its seven numbers: frame, position, rotation.
     /// Returns 1, or 0 at the first token that is no number; the keyframe stays.

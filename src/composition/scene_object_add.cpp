@@ -157,6 +157,8 @@ int CSceneObject::Add(AEGP_SuiteHandler* suites, AEGP_CompH /*comp*/, A_long /*w
         return 0;
     if (!complete)
         return 1;  // Deliberately no failure: the layer stays, without keys
+    // From here on a failure Deliberately ends no additions, it only disposes of the streams: ending would
+    // have the host take over a track of which a part is missing.
     if (tracks.Start() != kHostErrorNone)
         return 0;
     for (A_long i = 0; i < keyCount; ++i)
