@@ -33,6 +33,9 @@ ReadErrorCode code_of(TokenCut cut, ReadErrorCode otherwise) {
 }
 
 std::string whole_token(const ASCIIParser& p) {
+    if (p.sym == kTokenOther && *p.text == '\0') {
+        return "a NUL byte";
+    }
     std::string text = quoted(p.text);
     switch (p.sym) {
         case kTokenString:

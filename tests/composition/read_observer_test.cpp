@@ -76,6 +76,8 @@ TEST(ReadObserver, FailuresInHeaderAndSettings) {
          "2:5@26 word-cut-by-end: expected a number after FPS, found a word cut off by the end of the file"},
         {"long word", header + "FPS " + std::string(600, 'x') + "\n",
          "2:5@26 word-too-long: expected a number after FPS, found a word of more than 511 characters"},
+        {"byte that would be an empty text", header + "FPS " + std::string(1, '\0') + "\n",
+         "2:5@26 expected-number: expected a number after FPS, found a NUL byte"},
         {"long text is quoted in part", header + "FPS \"" + std::string(100, 'x') + "\"\n",
          "2:5@26 expected-number: expected a number after FPS, found the text "
          "\"xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx...\""},
