@@ -34,6 +34,7 @@ PrivateHyperFile::~PrivateHyperFile() {
     PrivateFile::Close();
 }
 
+// Deliberately kept although nothing reads it, and deliberately starting over at 1: it is part of the record.
 int PrivateHyperFile::Count() {
     counter_ = counter_ == kCounterEnd ? 1 : counter_ + 1;
     return 1;
