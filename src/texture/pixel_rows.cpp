@@ -79,7 +79,7 @@ bool PixelRowReader::Begin() {
 }
 
 bool PixelRowReader::Next() {
-    if (rows_read_ >= header_.rows || header_.channels < 1) {
+    if (rows_read_ >= header_.rows || header_.channels < 1 || !CountRow()) {
         return false;
     }
     for (std::int32_t channel = 0; channel < header_.channels; ++channel) {
@@ -89,6 +89,16 @@ bool PixelRowReader::Next() {
     }
     ++rows_read_;
     return true;
+}
+
+// Sound rows never come near the bound: what they give is at most the best rate.
+bool PixelRowReader::CountRow() {
+    const std::int64_t limit = kMostBytesPerCodedByte * hf_->GetLength() + kMaxRepairedBytes;
+    file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
+    return file_row_bytes_ <= limit || hf_->Fail(TextureFault::over_limit, [&] {
+        return "rows of " + std::to_string(file_row_bytes_) + " bytes so far, a file of this size gives " +
+               std::to_string(limit) + " at most";
+    }) != 0;
 }
 
 std::int32_t PixelRowReader::row() const {

@@ -12,6 +12,11 @@
 /// The most bytes of a row buffer.
 constexpr std::int64_t kMaxRowBytes = std::int64_t{1} << 30;
 
+/// The most bytes that a file's rows give besides 64 for each of its bytes, the best rate of the row coding.
+/// Only rows that are cleared or kept from the row before give more than they hold: 7 bytes of file could
+/// stand for as many pixels as a row has. Without a bound a small file would keep its reader busy for hours.
+constexpr std::int64_t kMaxRepairedBytes = std::int64_t{1} << 24;
+
 using PixelRowsHeader = TextureObserver::PixelRows;
 
 /// Reads the five values that open the chunk and shows them to the container's observer. Returns 1 for
@@ -20,7 +25,7 @@ int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header);
 
 /// Reads the rows behind a header, one at a time:
 ///
-///     PixelRowReader rows(hf, header);
+///     PixelRowReader rows(hf, header, file_row_bytes);
 ///     if (!rows.Begin()) return failure;
 ///     while (rows.Next()) use(rows.row(), rows.bytes());
 ///     if (hf->GetError() != 0) return failure;
@@ -30,14 +35,17 @@ int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header);
 /// as such.
 class PixelRowReader {
   public:
-    PixelRowReader(PrivateHyperFile* hf, const PixelRowsHeader& header) : hf_(hf), header_(header) {}
+    /// `file_row_bytes` counts the bytes of all rows of the file, over all its chunks of rows.
+    PixelRowReader(PrivateHyperFile* hf, const PixelRowsHeader& header, std::int64_t& file_row_bytes)
+        : hf_(hf), header_(header), file_row_bytes_(file_row_bytes) {}
 
     /// Judges the header and obtains the buffers. False with error -7 for negative sizes, for rows above
     /// kMaxRowBytes and when memory is short; with error 1 for rows of more bytes than the rest of the file
     /// could hold at the best rate of the row coding, before anything is allocated.
     [[nodiscard]] bool Begin();
 
-    /// Reads the next row. False after the last one, or with the container's error set.
+    /// Reads the next row. False after the last one, or with the container's error set: to -7 when the rows
+    /// of the file give more than kMaxRepairedBytes allows.
     [[nodiscard]] bool Next();
 
     /// The row's number in the picture; past the last row of any picture it stays at 2^31 - 1.
@@ -47,6 +55,7 @@ class PixelRowReader {
     [[nodiscard]] unsigned char* bytes() const { return row_.get(); }
 
   private:
+    bool CountRow();
     bool ReadChannel(std::int32_t channel);
     TextureObserver::RowOutcome Store(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
                                       std::int32_t channel);
@@ -55,6 +64,7 @@ class PixelRowReader {
 
     PrivateHyperFile* hf_;
     PixelRowsHeader header_;
+    std::int64_t& file_row_bytes_;
     MemBlock row_;
     MemBlock scratch_;  // one decoded channel of a row
     std::int64_t rows_read_ = 0;

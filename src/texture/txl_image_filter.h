@@ -59,6 +59,8 @@ class TXLImageFilter final : public Chunk {
     [[nodiscard]] TXLImage* image() { return image_; }
     [[nodiscard]] TXLTextureHeader& header() { return header_; }
     [[nodiscard]] TXLAlpha& alpha() { return alpha_; }
+    /// Bytes of all rows read so far; see PixelRowReader.
+    [[nodiscard]] std::int64_t& row_bytes() { return row_bytes_; }
 
   private:
     PrivateHyperFile file_;
@@ -66,4 +68,5 @@ class TXLImageFilter final : public Chunk {
     TXLTexture texture_;
     TXLAlpha alpha_;
     TXLTextureHeader header_;
+    std::int64_t row_bytes_ = 0;
 };

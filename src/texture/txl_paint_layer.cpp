@@ -97,7 +97,7 @@ bool TXLPaintLayer::ReadRows(PrivateHyperFile* hf) {
         return false;
     }
     if (header.count > 0 && header.rows > 0 && header.channels > 0) {
-        PixelRowReader rows(hf, header);
+        PixelRowReader rows(hf, header, TXLImageFilter::Of(hf)->row_bytes());
         if (!rows.Begin()) {
             return false;
         }

@@ -52,7 +52,7 @@ bool read_rows(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t versio
         }) != 0;
     }
     if (header.width > 0 && header.height > 0) {
-        PixelRowReader rows(hf, rows_header);
+        PixelRowReader rows(hf, rows_header, filter.row_bytes());
         if (!rows.Begin()) {
             return false;
         }

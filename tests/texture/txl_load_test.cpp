@@ -772,6 +772,38 @@ TEST(TxlLoad, AHeaderThatClaimsTheMostPixelsCostsNothing) {
     EXPECT_LT(resident_bytes() - before, std::int64_t{64} << 20);
 }
 
+/// Rows of 2^20 pixels that only repeat the row before, in a file that could hold one such row.
+TxlFile rows_without_bytes(std::int32_t rows) {
+    TxlFile file;
+    file.mode = 2;
+    file.rows.channels = 1;
+    file.rows.count = 1 << 20;
+    file.rows.rows = rows;
+    file.rows.blocks.assign(static_cast<std::size_t>(rows), {9, ""});
+    file.rows.trailing = HyperBytes().Block(std::string(std::size_t{1} << 15, 'x')).bytes();
+    return file;
+}
+
+TEST(TxlLoad, RowsThatHoldNothingAreRepairedUpToALimit) {
+    const TemporaryFolder folder;
+    const BothLoads repaired(folder.write("repaired.txl", rows_without_bytes(16).bytes()));
+    EXPECT_TRUE(repaired.loaded);
+    EXPECT_FALSE(repaired.reading.error.has_value());
+
+    const BothLoads refused(folder.write("refused.txl", rows_without_bytes(64).bytes()));
+    EXPECT_FALSE(refused.loaded);
+    ASSERT_TRUE(refused.reading.error.has_value());
+    EXPECT_EQ(refused.reading.error->code, TextureFault::over_limit);
+    EXPECT_EQ(chunk_path(refused.reading.error->within), "502 > TaVx");
+}
+
+TEST(TxlLoad, TheLimitOfRepairedRowsHoldsForAllChunksTogether) {
+    const TemporaryFolder folder;
+    TxlFile file = rows_without_bytes(12);
+    file.before_rows = file.rows.bytes() + file.rows.bytes();
+    EXPECT_FALSE(BothLoads(folder.write("three.txl", file.bytes())).loaded);
+}
+
 TxlFile full_file() {
     TxlFile file;
     file.before_rows = HyperBytes().Start(777, 3).Block("\x01\x02").Start(778, 0).End().End().bytes();
