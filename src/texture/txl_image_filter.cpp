@@ -10,6 +10,7 @@ bool TXLImageFilter::LoadImage(const char* path, TXLImage* target) {
     }
     image_ = target;
     row_bytes_ = 0;
+    header_count_ = 0;
     // Its result does not matter: the top level has no end tag, so that reading it always ends in "no more".
     ReadChunk(&file_);
     file_.Close();

@@ -61,6 +61,8 @@ class TXLImageFilter final : public Chunk {
     [[nodiscard]] TXLAlpha& alpha() { return alpha_; }
     /// Bytes of all rows read so far; see PixelRowReader.
     [[nodiscard]] std::int64_t& row_bytes() { return row_bytes_; }
+    /// Texture headers read so far; see TXLTexture.
+    [[nodiscard]] std::int32_t& header_count() { return header_count_; }
 
   private:
     PrivateHyperFile file_;
@@ -69,4 +71,5 @@ class TXLImageFilter final : public Chunk {
     TXLAlpha alpha_;
     TXLTextureHeader header_;
     std::int64_t row_bytes_ = 0;
+    std::int32_t header_count_ = 0;
 };

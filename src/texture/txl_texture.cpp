@@ -14,6 +14,12 @@ constexpr std::int32_t kHeaderVersion = 1;
 constexpr std::int32_t kRowsVersion = 2;
 
 bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
+    if (++filter.header_count() > TXLTexture::kMaxHeaders) {
+        return hf->Fail(TextureFault::over_limit, [] {
+            return std::to_string(TXLTexture::kMaxHeaders) +
+                   " texture headers are followed, this is one more";
+        }) != 0;
+    }
     TXLTextureHeader& header = filter.header();
     hf->ReadLong(&header.width);
     hf->ReadLong(&header.height);

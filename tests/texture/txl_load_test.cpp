@@ -804,6 +804,22 @@ TEST(TxlLoad, TheLimitOfRepairedRowsHoldsForAllChunksTogether) {
     EXPECT_FALSE(BothLoads(folder.write("three.txl", file.bytes())).loaded);
 }
 
+TEST(TxlLoad, SixteenHeadersAreFollowed) {
+    const TemporaryFolder folder;
+    TxlFile file;
+    for (std::int32_t i = 1; i < TXLTexture::kMaxHeaders; ++i) {
+        file.before_header += file.header_bytes();
+    }
+    EXPECT_TRUE(BothLoads(folder.write("sixteen.txl", file.bytes())).loaded);
+
+    file.before_header += file.header_bytes();
+    const BothLoads refused(folder.write("seventeen.txl", file.bytes()));
+    EXPECT_FALSE(refused.loaded);
+    ASSERT_TRUE(refused.reading.error.has_value());
+    EXPECT_EQ(refused.reading.error->code, TextureFault::over_limit);
+    EXPECT_EQ(chunk_path(refused.reading.error->within), "502 > TaTx");
+}
+
 TxlFile full_file() {
     TxlFile file;
     file.before_rows = HyperBytes().Start(777, 3).Block("\x01\x02").Start(778, 0).End().End().bytes();
