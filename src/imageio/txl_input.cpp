@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <cstdio>
 #include <exception>
-#include <fstream>
 #include <span>
 
 #include "imageio/channel_plan.h"
 #include "imageio/texture_spec.h"
+#include "texture/open_regular_file.h"
 
 namespace imageio {
 
@@ -33,12 +34,15 @@ TxlInput::~TxlInput() {
 }
 
 bool TxlInput::valid_file(const std::string& filename) const {
-    std::array<char, 8> start{};
-    std::ifstream file(filename, std::ios::binary);
-    file.read(start.data(), start.size());
-    std::array<std::uint8_t, start.size()> bytes{};
-    std::copy(start.begin(), start.end(), bytes.begin());
-    return begins_as_texture(std::span(bytes).first(static_cast<std::size_t>(file.gcount())));
+    // Regular files only: the library asks about any name, and a pipe must not make it wait.
+    std::FILE* const file = open_regular_file(filename.c_str());
+    if (file == nullptr) {
+        return false;
+    }
+    std::array<std::uint8_t, 8> start{};
+    const std::size_t read = std::fread(start.data(), 1, start.size(), file);
+    std::fclose(file);
+    return begins_as_texture(std::span(start).first(read));
 }
 
 bool TxlInput::open(const std::string& name, OIIO::ImageSpec& newspec) {

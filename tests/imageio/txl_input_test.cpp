@@ -1,6 +1,7 @@
 #include "imageio/txl_input.h"
 
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <cstdint>
 #include <fstream>
@@ -122,6 +123,10 @@ TEST(TxlInput, valid_file_looks_at_magic_and_ident) {
     EXPECT_FALSE(input.valid_file(folder.write("empty.txl", "")));
     EXPECT_FALSE(input.valid_file(folder.path("missing.txl")));
     EXPECT_FALSE(input.valid_file(folder.folder().string()));
+    // Nobody writes to this pipe: looking at it must not wait.
+    const std::string pipe = folder.path("pipe.txl");
+    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    EXPECT_FALSE(input.valid_file(pipe));
 }
 
 struct RefusedCase {
