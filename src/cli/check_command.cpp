@@ -121,11 +121,7 @@ class CheckCommand : public Command {
             }
         }
         if (json_) {
-            terminal.out << Json{{"schema", kCheckSchema},
-                                 {"exit_code", static_cast<int>(code)},
-                                 {"files", documents}}
-                                .dump(2)
-                         << '\n';
+            terminal.out << files_document(kCheckSchema, code, documents);
         }
         return code;
     }

@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/exit_codes.h"
 #include "cli/terminal.h"
 
 namespace cli {
@@ -48,6 +49,10 @@ std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
 /// {"severity","code","at":{"file","line","column","offset_bytes"},"reason","within","effects","count",
 /// "source_line"}; what is not known is null.
 nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic);
+
+/// What every verb that takes several files prints with --json: {"schema","exit_code","files"}, one entry a
+/// file in the order in which they were given, ended by a line break.
+std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files);
 
 /// An array of texts.
 nlohmann::ordered_json texts_json(const std::vector<std::string>& texts);

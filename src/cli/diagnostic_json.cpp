@@ -21,6 +21,14 @@ nlohmann::ordered_json texts_json(const std::vector<std::string>& texts) {
     return array;
 }
 
+std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files) {
+    Json document;
+    document["schema"] = schema;
+    document["exit_code"] = static_cast<int>(code);
+    document["files"] = files;
+    return document.dump(2) + '\n';
+}
+
 nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
     Json at;
     at["file"] = json_text(diagnostic.at.file);

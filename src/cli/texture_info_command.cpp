@@ -124,11 +124,7 @@ class TextureInfoCommand : public Command {
             terminal.err << std::flush;
         }
         if (json_) {
-            terminal.out << Json{{"schema", kInfoSchema},
-                                 {"exit_code", static_cast<int>(code)},
-                                 {"files", documents}}
-                                .dump(2)
-                         << '\n';
+            terminal.out << files_document(kInfoSchema, code, documents);
         }
         return code;
     }
