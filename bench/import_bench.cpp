@@ -3,60 +3,26 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstdio>
+#include <algorithm>
 #include <cstring>
-#include <filesystem>
-#include <map>
+#include <fstream>
+#include <iterator>
 #include <memory>
 #include <string>
+#include <typeinfo>
 #include <vector>
 
 #include "composition/ascii_parser.h"
+#include "composition/camera.h"
 #include "composition/composition_file.h"
 #include "composition/project_settings.h"
-#include "composition_text.h"
 #include "embedded/host.h"
+#include "json_scene.h"
 #include "measuring.h"
-#include "support/temporary_folder.h"
+#include "scenes.h"
+#include "support/child_process.h"
 
 namespace {
-
-struct Scene {
-    const char* name;
-    SceneShape shape;
-};
-
-// Read as "FACTOR/NUMBER": what grows from row to row, the rest being held. A null or light without keys
-// would be no load at all, so growing objects have ten each.
-const Scene kScenes[] = {
-    {"keys_in_100_objects/100000", {.objects = 100, .keys_per_object = 1000}},
-    {"keys_in_one_object/1000", {.objects = 1, .keys_per_object = 1000}},
-    {"keys_in_one_object/10000", {.objects = 1, .keys_per_object = 10000}},
-    {"keys_in_one_object/100000", {.objects = 1, .keys_per_object = 100000}},
-    {"objects/100", {.objects = 100, .keys_per_object = 10}},
-    {"objects/1000", {.objects = 1000, .keys_per_object = 10}},
-    {"objects/10000", {.objects = 10000, .keys_per_object = 10}},
-    {"nesting/10", {.nesting = 10}},
-    {"nesting/100", {.nesting = 100}},
-    {"nesting/1000", {.nesting = 1000}},
-    {"layers/100", {.layers = 100}},
-    {"layers/1000", {.layers = 1000}},
-    {"layers/10000", {.layers = 10000}},
-};
-
-/// The file of a scene. The folder goes at the end of the program.
-const std::string& scene_file(const Scene& scene) {
-    static const TemporaryFolder folder;
-    static std::map<std::string, std::string> written;
-    std::string& path = written[scene.name];
-    if (path.empty())
-        path = folder.write("scene" + std::to_string(written.size()) + ".aec", composition_text(scene.shape));
-    return path;
-}
-
-std::size_t file_bytes(const std::string& path) {
-    return static_cast<std::size_t>(std::filesystem::file_size(path));
-}
 
 // --- importing
 
@@ -107,17 +73,17 @@ void measure_import(benchmark::State& state, const Scene& scene) {
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file_bytes(path)));
     state.counters["peak_bytes"] = static_cast<double>(peak);
+    state.counters["file_bytes"] = static_cast<double>(file_bytes(path));
 }
 
-// --- reading alone: text to project model, and the model gone again
+// --- reading alone: text to project model
 
 int read_model(const std::string& path, tagProjectSettings& settings) {
     ASCIIParser parser;
     return parser.Init(Filename(path.c_str()), 1, 0) == 0 ? ReadCompositionFile(parser, settings) : 0;
 }
 
-void check_read(const Scene& scene) {
-    tagProjectSettings settings;
+void check_read(const Scene& scene, tagProjectSettings& settings) {
     const std::string name = std::string("reading of ") + scene.name + ": ";
     require(read_model(scene_file(scene), settings) == 1, name + "failed");
     int objects = 0;
@@ -127,32 +93,108 @@ void check_read(const Scene& scene) {
     require(objects == scene.shape.objects, name + "objects");
 }
 
-void measure_reading(benchmark::State& state, const Scene& scene) {
-    const std::string& path = scene_file(scene);
-    const std::int64_t peak =
-        peak_memory_bytes_once(std::string("read/") + scene.name, [&] { check_read(scene); });
+/// Times `read` into a new model each time. Deleting the model is no part of it.
+template <class Read>
+void time_reading(benchmark::State& state, std::size_t size_bytes, Read read) {
+    std::unique_ptr<tagProjectSettings> settings;
     while (state.KeepRunning()) {
-        tagProjectSettings settings;
-        benchmark::DoNotOptimize(read_model(path, settings));
+        state.PauseTiming();
+        settings = std::make_unique<tagProjectSettings>();
+        state.ResumeTiming();
+        benchmark::DoNotOptimize(read(*settings));
+        state.PauseTiming();
+        settings.reset();
+        state.ResumeTiming();
     }
-    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file_bytes(path)));
-    state.counters["peak_bytes"] = static_cast<double>(peak);
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(size_bytes));
 }
 
-// --- the peer of reading: the file in memory, and every byte of it looked at once
-
-void measure_bytes(benchmark::State& state, const Scene& scene) {
+void measure_reading(benchmark::State& state, const Scene& scene) {
     const std::string& path = scene_file(scene);
-    std::vector<char> text(file_bytes(path));
+    const std::int64_t peak = peak_memory_bytes_once(std::string("read/") + scene.name, [&] {
+        tagProjectSettings settings;
+        check_read(scene, settings);
+    });
+    time_reading(state, file_bytes(path),
+                 [&](tagProjectSettings& settings) { return read_model(path, settings); });
+    state.counters["peak_bytes"] = static_cast<double>(peak);
+    state.counters["file_bytes"] = static_cast<double>(file_bytes(path));
+}
+
+// --- the peer of reading: the same records from JSON
+
+bool same_key(const tagKeyFrame& one, const tagKeyFrame& other, bool camera) {
+    return one.frame == other.frame && std::ranges::equal(one.position, other.position) &&
+           std::ranges::equal(one.rotation, other.rotation) &&
+           (!camera || (one.fov == other.fov && one.targetDistance == other.targetDistance));
+}
+
+void check_same_models(tagProjectSettings& one, tagProjectSettings& other, const std::string& name) {
+    require(one.width == other.width && one.height == other.height && one.from == other.from &&
+                one.to == other.to && one.range == other.range && one.fps == other.fps,
+            name + "settings");
+    require(std::strcmp(one.composition.name, other.composition.name) == 0, name + "composition");
+    require(one.objects.count == other.objects.count, name + "objects");
+    CSceneObject* theirs = other.objects.First();
+    for (CSceneObject* ours = one.objects.First(); ours != nullptr; ours = one.objects.Next(ours)) {
+        require(typeid(*ours) == typeid(*theirs) && std::strcmp(ours->name, theirs->name) == 0 &&
+                    ours->isNull == theirs->isNull && ours->keyCount == theirs->keyCount,
+                name + "an object");
+        const bool camera = typeid(*ours) == typeid(CCamera);
+        for (A_long i = 0; i < ours->keyCount; ++i)
+            require(same_key(*ours->keys[i], *theirs->keys[i], camera), name + "a key");
+        theirs = other.objects.Next(theirs);
+    }
+}
+
+void measure_json(benchmark::State& state, const Scene& scene) {
+    const std::string& path = json_scene_file(scene);
+    std::vector<char> buffer(file_bytes(path) + 1);
+    {
+        tagProjectSettings ours;
+        tagProjectSettings theirs;
+        const std::string name = std::string("JSON of ") + scene.name + ": ";
+        check_read(scene, ours);
+        require(read_json_scene(path, buffer, theirs), name + "failed");
+        check_same_models(ours, theirs, name);
+    }
+    time_reading(state, file_bytes(path),
+                 [&](tagProjectSettings& settings) { return read_json_scene(path, buffer, settings); });
+}
+
+// --- the limit of reading: every byte of the file, already in memory, looked at once
+
+void measure_memchr(benchmark::State& state, const Scene& scene) {
+    const std::string& path = scene_file(scene);
+    std::ifstream file(path, std::ios::binary);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
+    require(text.size() == file_bytes(path) && text.find('\0') == std::string::npos, "the text of a scene");
     while (state.KeepRunning()) {
-        std::FILE* file = std::fopen(path.c_str(), "rb");
-        require(file != nullptr, "cannot open " + path);
-        const std::size_t got = std::fread(text.data(), 1, text.size(), file);
-        std::fclose(file);
-        const bool has_nul = std::memchr(text.data(), 0, text.size()) != nullptr;
-        require(got == text.size() && !has_nul, "the scene's text is not what was written");
+        benchmark::DoNotOptimize(text.data());
+        benchmark::DoNotOptimize(std::memchr(text.data(), 0, text.size()));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
+}
+
+// --- whole processes, the file in the page cache and everything else cold
+
+void measure_process(benchmark::State& state, const Scene& scene, const std::vector<std::string>& command,
+                     const std::string& expected_output) {
+    std::vector<std::string> arguments = command;
+    arguments.push_back(scene_file(scene));
+    const ProcessResult answer = run_process(arguments);
+    require(answer.exit_code == 0 && answer.out.find(expected_output) != std::string::npos,
+            command.front() + " said: " + answer.out + answer.err);
+    while (state.KeepRunning())
+        state.SetIterationTime(child_seconds(arguments));
+}
+
+void measure_check(benchmark::State& state, const Scene& scene) {
+    measure_process(state, scene, {VXR_PROGRAM, "check", "--quiet"}, ": ok\n");
+}
+
+void measure_words(benchmark::State& state, const Scene& scene) {
+    measure_process(state, scene, {"wc", "-w"}, " ");
 }
 
 // --- the keyframe array alone, which grows by one slot a key
@@ -167,28 +209,39 @@ void measure_keyframe_array(benchmark::State& state) {
 }
 
 struct Measure {
-    std::string name;
+    const char* name;
     void (*function)(benchmark::State&, const Scene&);
+    bool text_only;  ///< of the scenes that grow in text alone: what has a peer
+    bool process;    ///< timed by itself: the processor time of a child
 };
 
 const Measure kMeasures[] = {
-    {"import/", measure_import},
-    {"read/", measure_reading},
-    {"bytes/", measure_bytes},
+    {"import", measure_import, false, false}, {"read", measure_reading, false, false},
+    {"memchr", measure_memchr, false, false}, {"json", measure_json, true, false},
+    {"check", measure_check, true, true},     {"words", measure_words, true, true},
 };
+
+void register_measure(const Measure& measure, const Scene& scene) {
+    const std::string scene_name = scene.name;
+    if (measure.text_only && !scene_name.starts_with("text/"))
+        return;
+    auto* const registered =
+        benchmark::RegisterBenchmark((measure.name + ("/" + scene_name)).c_str(), measure.function, scene);
+    registered->Unit(benchmark::kMillisecond);
+    if (measure.process)
+        registered->UseManualTime();
+}
 
 }  // namespace
 
 int main(int argc, char** argv) {
-    for (const Scene& scene : kScenes) {
-        const std::string name = scene.name;
+    keep_freed_memory();
+    for (const Scene& scene : all_scenes())
         for (const Measure& measure : kMeasures)
-            benchmark::RegisterBenchmark((measure.name + name).c_str(), measure.function, scene)
-                ->Unit(benchmark::kMillisecond);
-    }
+            register_measure(measure, scene);
     benchmark::RegisterBenchmark("keyframe_array", measure_keyframe_array)
         ->RangeMultiplier(10)
-        ->Range(1000, 100000)
+        ->Range(100, 100000)
         ->Unit(benchmark::kMillisecond);
     return run_benchmarks(argc, argv);
 }

@@ -1,12 +1,18 @@
 #include "measuring.h"
 
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
 #include <malloc.h>
+#include <spawn.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
+#include <limits>
 #include <map>
 
 namespace {
@@ -55,6 +61,34 @@ std::int64_t peak_memory_bytes_once(const std::string& name, const std::function
     if (found != known.end())
         return found->second;
     return known[name] = peak_memory_bytes(work);
+}
+
+void keep_freed_memory() {
+    constexpr int kNever = std::numeric_limits<int>::max();
+    ::mallopt(M_TRIM_THRESHOLD, kNever);
+    ::mallopt(M_MMAP_MAX, 0);
+}
+
+double child_seconds(const std::vector<std::string>& arguments) {
+    std::vector<char*> pointers;
+    for (const std::string& argument : arguments)
+        pointers.push_back(const_cast<char*>(argument.c_str()));  // execvp does not change them
+    pointers.push_back(nullptr);
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t child = 0;
+    const int failed = ::posix_spawnp(&child, pointers.front(), &actions, nullptr, pointers.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    require(failed == 0, "cannot start " + arguments.front());
+    int status = 0;
+    rusage usage{};
+    ::wait4(child, &status, 0, &usage);
+    require(WIFEXITED(status) && WEXITSTATUS(status) == 0, arguments.front() + " failed");
+    const auto seconds = [](const timeval& time) {
+        return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
+    };
+    return seconds(usage.ru_utime) + seconds(usage.ru_stime);
 }
 
 int run_benchmarks(int argc, char** argv) {
