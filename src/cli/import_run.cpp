@@ -116,7 +116,7 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
     if (!run.imported && !reading.error) {
         refuse(run, "the plug-in was asked and does not take the file");
     } else {
-        judge(run, reading, host.project(), options.version);
+        judge(run, reading, host.project(), options.interface_version());
         add_notes(run, host, options);
     }
     return run;

@@ -43,9 +43,10 @@ constexpr FlagWord kFlagWords[] = {
 
 LoadResult call_entry(Session& session, AEGP_PluginInitFunc entry, const std::string& path) {
     LoadResult loaded;
+    const InterfaceVersion version = session.options.interface_version();
     loaded.entry = session.run("entry point", [&] {
-        return entry(basic_suite_table(), session.options.version.major, session.options.version.minor,
-                     path.c_str(), path.c_str(), session.plugin_id, &session.global_refcon);
+        return entry(basic_suite_table(), version.major, version.minor, path.c_str(), path.c_str(),
+                     session.plugin_id, &session.global_refcon);
     });
     if (loaded.entry.code == kHostErrorNone)
         return loaded;

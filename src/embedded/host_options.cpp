@@ -27,7 +27,42 @@ std::optional<std::pair<std::string_view, std::string_view>> split_last(std::str
     return std::pair{text.substr(0, at), text.substr(at + 1)};
 }
 
+constexpr A_long kFirstMajorOfToday = 13;
+
+std::optional<HostGeneration> parse_generation(std::string_view text) {
+    for (const HostGeneration generation : {HostGeneration::classic, HostGeneration::today}) {
+        if (text == generation_word(generation))
+            return generation;
+    }
+    return std::nullopt;
+}
+
 }  // namespace
+
+const char* generation_word(HostGeneration generation) {
+    return generation == HostGeneration::classic ? "classic" : "today";
+}
+
+InterfaceVersion usual_version(HostGeneration generation) {
+    return generation == HostGeneration::classic ? InterfaceVersion{11, 0}
+                                                 : InterfaceVersion{kFirstMajorOfToday, 0};
+}
+
+std::optional<HostKind> parse_host(std::string_view text) {
+    if (const auto generation = parse_generation(text))
+        return HostKind{*generation, usual_version(*generation)};
+    if (const auto version = parse_interface_version(text))
+        return HostKind{version->major < kFirstMajorOfToday ? HostGeneration::classic : HostGeneration::today,
+                        *version};
+    const auto parts = split_last(text, ':');
+    if (!parts)
+        return std::nullopt;
+    const auto generation = parse_generation(parts->first);
+    const auto version = parse_interface_version(parts->second);
+    if (!generation || !version)
+        return std::nullopt;
+    return HostKind{*generation, *version};
+}
 
 std::optional<InterfaceVersion> parse_interface_version(std::string_view text) {
     const auto parts = split_last(text, '.');

@@ -13,8 +13,29 @@
 namespace embedded {
 
 struct InterfaceVersion {
-    A_long major = 11;
+    A_long major = 0;
     A_long minor = 0;
+    friend bool operator==(const InterfaceVersion&, const InterfaceVersion&) = default;
+};
+
+/// The generations of hosts. They differ in how they are entered, in the versions of seven suites, and in how
+/// paths are written.
+enum class HostGeneration {
+    classic,  ///< interface 9.x to 12.x: narrow paths
+    today,    ///< 13.0 and later: UTF-16 paths
+};
+
+/// "classic", "today"
+const char* generation_word(HostGeneration generation);
+
+/// What a host says it is when nobody asks for more: 11.0 and 13.0.
+InterfaceVersion usual_version(HostGeneration generation);
+
+/// A kind of host as a person names it.
+struct HostKind {
+    HostGeneration generation = HostGeneration::classic;
+    InterfaceVersion version;
+    friend bool operator==(const HostKind&, const HostKind&) = default;
 };
 
 struct SuiteName {
@@ -31,13 +52,23 @@ struct Fault {
 };
 
 struct HostOptions {
-    InterfaceVersion version;
+    HostGeneration generation = HostGeneration::classic;
+    /// Any goes with either generation; none: the usual one.
+    std::optional<InterfaceVersion> version;
     std::vector<SuiteName> suites_not_offered;  ///< acquiring fails with kHostErrorMissingSuite
     std::vector<SuiteName> suites_empty;        ///< acquiring succeeds and yields nothing
     std::vector<Fault> faults;
     /// "Pref_DEFAULT_UNLABELED_ALPHA" of "Main Pref Section": absent, or this byte.
     std::optional<std::uint8_t> alpha_preference;
+
+    [[nodiscard]] InterfaceVersion interface_version() const {
+        return version.value_or(usual_version(generation));
+    }
 };
+
+/// "classic" or "today" with the usual version, "9.31" with the generation that it belongs to, or both as in
+/// "today:25.3"; nothing for any other text.
+std::optional<HostKind> parse_host(std::string_view text);
 
 /// "9.31"; nothing when it is not two decimal numbers with a full stop between.
 std::optional<InterfaceVersion> parse_interface_version(std::string_view text);

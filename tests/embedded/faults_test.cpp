@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
 #include <stdexcept>
 
@@ -38,6 +39,43 @@ TEST(HostOptions, ReadInterfaceVersions) {
             EXPECT_EQ(version->minor, c.minor);
         }
     }
+}
+
+TEST(HostOptions, ReadKindsOfHosts) {
+    using embedded::HostGeneration;
+    struct {
+        const char* name;
+        const char* text;
+        std::optional<embedded::HostKind> kind;
+    } const cases[] = {
+        {"a generation has its usual version", "classic", {{HostGeneration::classic, {11, 0}}}},
+        {"the other one, too", "today", {{HostGeneration::today, {13, 0}}}},
+        {"a version has its generation", "9.31", {{HostGeneration::classic, {9, 31}}}},
+        {"last of the classic ones", "12.99", {{HostGeneration::classic, {12, 99}}}},
+        {"first of today's", "13.0", {{HostGeneration::today, {13, 0}}}},
+        {"both", "today:25.3", {{HostGeneration::today, {25, 3}}}},
+        {"both, though no such host was made", "today:9.31", {{HostGeneration::today, {9, 31}}}},
+        {"empty", "", std::nullopt},
+        {"capitals", "Today", std::nullopt},
+        {"an unknown word", "tomorrow", std::nullopt},
+        {"an unknown word with a version", "tomorrow:25.3", std::nullopt},
+        {"half a version", "today:25", std::nullopt},
+        {"no version", "today:", std::nullopt},
+        {"no generation", ":25.3", std::nullopt},
+        {"a blank", "today 25.3", std::nullopt},
+    };
+    for (const auto& c : cases)
+        EXPECT_EQ(embedded::parse_host(c.text), c.kind) << c.name;
+}
+
+TEST(HostOptions, HaveTheUsualVersionOfTheirGeneration) {
+    HostOptions options;
+    for (const auto generation : {embedded::HostGeneration::classic, embedded::HostGeneration::today}) {
+        options.generation = generation;
+        EXPECT_EQ(options.interface_version(), embedded::usual_version(generation));
+    }
+    options.version = {12, 5};
+    EXPECT_EQ(options.interface_version(), (embedded::InterfaceVersion{12, 5}));
 }
 
 TEST(HostOptions, ReadSuiteNames) {
