@@ -8,6 +8,13 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
+# What stands for the platform in the names of files of which there is one for each.
+if(WIN32)
+    set(VXR_PLATFORM windows)
+else()
+    set(VXR_PLATFORM posix)
+endif()
+
 add_library(project_flags INTERFACE)
 target_compile_features(project_flags INTERFACE cxx_std_20)
 target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}/src")
@@ -18,6 +25,18 @@ target_compile_options(project_flags INTERFACE
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # This compiler takes std::string's own copying for an overlap when it optimises (GCC bug 105651, mended in 13).
     target_compile_options(project_flags INTERFACE -Wno-restrict)
+endif()
+
+if(WIN32)
+    # _FILE_OFFSET_BITS: positions in files have 64 bits, as they have elsewhere without asking.
+    target_compile_definitions(project_flags INTERFACE
+        _FILE_OFFSET_BITS=64
+        NOMINMAX
+        UNICODE
+        WIN32_LEAN_AND_MEAN
+        _WIN32_WINNT=0x0A00)
+    # Nothing of ours is debugged where it is used.
+    target_link_options(project_flags INTERFACE $<$<CONFIG:Release>:LINKER:--strip-all>)
 endif()
 
 if(VXR_SANITIZE)

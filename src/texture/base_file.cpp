@@ -1,5 +1,7 @@
 #include "texture/base_file.h"
 
+#include <stdio.h>
+
 #include <limits>
 #include <memory>
 #include <new>
@@ -36,12 +38,12 @@ std::int32_t BaseFile::GetLength() {
     if (handle_ == nullptr) {
         return -1;
     }
-    const long position = std::ftell(handle_);
-    if (position < 0 || std::fseek(handle_, 0, SEEK_END) != 0) {
+    const std::int64_t position = ::ftello(handle_);
+    if (position < 0 || ::fseeko(handle_, 0, SEEK_END) != 0) {
         return -1;
     }
-    const long size = std::ftell(handle_);
-    if (std::fseek(handle_, position, SEEK_SET) != 0 || size < 0 ||
+    const std::int64_t size = ::ftello(handle_);
+    if (::fseeko(handle_, position, SEEK_SET) != 0 || size < 0 ||
         size > std::numeric_limits<std::int32_t>::max()) {
         return -1;
     }

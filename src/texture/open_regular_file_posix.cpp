@@ -25,3 +25,7 @@ std::FILE* open_regular_file(const char* path) {
     }
     return file;
 }
+
+std::FILE* open_file_to_write(const char* path) {
+    return std::fopen(path, "wb");
+}

@@ -1,5 +1,7 @@
 #include "texture/private_file.h"
 
+#include <stdio.h>
+
 #include <algorithm>
 #include <cstring>
 #include <limits>
@@ -20,8 +22,9 @@ void convert_order(void* value) {
     }
 }
 
-std::int32_t as_32_bits(long bytes) {
-    return static_cast<std::int32_t>(std::clamp<long>(bytes, 0, std::numeric_limits<std::int32_t>::max()));
+std::int32_t as_32_bits(std::int64_t bytes) {
+    return static_cast<std::int32_t>(
+        std::clamp<std::int64_t>(bytes, 0, std::numeric_limits<std::int32_t>::max()));
 }
 
 }  // namespace
@@ -33,7 +36,7 @@ PrivateFile::~PrivateFile() {
 int PrivateFile::Open(const char* path, int write) {
     Close();
     if (path != nullptr) {
-        handle_ = write == 0 ? open_regular_file(path) : std::fopen(path, "wb");
+        handle_ = write == 0 ? open_regular_file(path) : open_file_to_write(path);
     }
     error_ = handle_ == nullptr ? 1 : 0;
     return handle_ == nullptr ? 0 : 1;
@@ -149,12 +152,12 @@ std::int32_t PrivateFile::GetLength() {
     if (handle_ == nullptr || error_ != 0) {
         return 0;
     }
-    const long position = std::ftell(handle_);
-    if (position < 0 || std::fseek(handle_, 0, SEEK_END) != 0) {
+    const std::int64_t position = ::ftello(handle_);
+    if (position < 0 || ::fseeko(handle_, 0, SEEK_END) != 0) {
         return 0;
     }
-    const long length = std::ftell(handle_);
-    if (std::fseek(handle_, position, SEEK_SET) != 0) {
+    const std::int64_t length = ::ftello(handle_);
+    if (::fseeko(handle_, position, SEEK_SET) != 0) {
         error_ = 1;  // The position is lost: what would be read next is no longer what the caller expects.
         return 0;
     }
@@ -162,7 +165,7 @@ std::int32_t PrivateFile::GetLength() {
 }
 
 std::int32_t PrivateFile::GetPosition() const {
-    return handle_ == nullptr || error_ != 0 ? 0 : as_32_bits(std::ftell(handle_));
+    return handle_ == nullptr || error_ != 0 ? 0 : as_32_bits(::ftello(handle_));
 }
 
 int PrivateFile::Flush() {

@@ -1,0 +1,66 @@
+#include <fcntl.h>
+#include <io.h>
+#include <windows.h>
+
+#include <cstdint>
+#include <new>
+#include <string>
+
+#include "system/wide_path_windows.h"
+#include "texture/open_regular_file.h"
+
+namespace {
+
+std::FILE* open_wide(const std::wstring& path) {
+    // Two looks, as on other systems: the first keeps the open itself from touching a pipe or a device, the
+    // second is about what was opened.
+    const DWORD about = GetFileAttributesW(path.c_str());
+    constexpr DWORD kNoFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
+    if (about == INVALID_FILE_ATTRIBUTES || (about & kNoFile) != 0) {
+        return nullptr;
+    }
+    // Shared in every way: reading a file keeps nobody from writing, renaming or deleting it.
+    const HANDLE handle =
+        CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
+                    nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return nullptr;
+    }
+    if (GetFileType(handle) != FILE_TYPE_DISK) {
+        CloseHandle(handle);
+        return nullptr;
+    }
+    const int descriptor =
+        _open_osfhandle(reinterpret_cast<std::intptr_t>(handle), _O_RDONLY | _O_BINARY | _O_NOINHERIT);
+    if (descriptor < 0) {
+        CloseHandle(handle);
+        return nullptr;
+    }
+    std::FILE* file = _fdopen(descriptor, "rb");
+    if (file == nullptr) {
+        _close(descriptor);  // the handle with it
+    }
+    return file;
+}
+
+/// `path` as the system opens it; empty when it has no such form or memory is short, in which case it does
+/// not open.
+std::wstring wide_or_empty(const char* path) {
+    try {
+        return wide_path(path);
+    } catch (const std::bad_alloc&) {
+        return {};
+    }
+}
+
+}  // namespace
+
+std::FILE* open_regular_file(const char* path) {
+    const std::wstring wide = wide_or_empty(path);
+    return wide.empty() ? nullptr : open_wide(wide);
+}
+
+std::FILE* open_file_to_write(const char* path) {
+    const std::wstring wide = wide_or_empty(path);
+    return wide.empty() ? nullptr : _wfopen(wide.c_str(), L"wb");
+}
