@@ -39,10 +39,20 @@ if(WIN32)
     target_link_options(project_flags INTERFACE $<$<CONFIG:Release>:LINKER:--strip-all>)
 endif()
 
+# A sanitizer's runtime is found in the program that loads a library, not in the library.
+set(VXR_INSTRUMENTED OFF)
+if(VXR_SANITIZE OR VXR_THREADS)
+    set(VXR_INSTRUMENTED ON)
+endif()
+
 if(VXR_SANITIZE)
     target_compile_options(project_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(VXR_THREADS)
+    target_compile_options(project_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)
+    target_link_options(project_flags INTERFACE -fsanitize=thread)
 endif()
 if(VXR_COVERAGE)
     target_compile_options(project_flags INTERFACE --coverage -fprofile-update=atomic -O0)
