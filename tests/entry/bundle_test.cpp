@@ -71,6 +71,16 @@ TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
     EXPECT_GE(needed, 2U) << "at least the C and the C++ library; or else nothing was read";
 }
 
+TEST(Bundle, StopsAtDamagedMemoryWhereItIsBuiltForUse) {
+    if (!VXR_HARDENED)
+        GTEST_SKIP() << "the checks are part of the optimised build without sanitizers";
+    const std::vector<std::string> symbols =
+        lines_of(VXR_NM " --dynamic --undefined-only --demangle '" + kBundle + "'");
+    // What each check calls when it strikes; nothing calls it in a bundle that was built without.
+    for (const char* check : {"__stack_chk_fail", "__memcpy_chk", "std::__glibcxx_assert_fail"})
+        EXPECT_THAT(symbols, ::testing::Contains(::testing::HasSubstr(check)));
+}
+
 TEST(Bundle, LoadsWithEverySymbolResolvedAndServesAHost) {
     const std::unique_ptr<void, int (*)(void*)> bundle(::dlopen(kBundle.c_str(), RTLD_NOW | RTLD_LOCAL),
                                                        ::dlclose);
