@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "binary_file/byte_view.h"
+
+namespace binary_file {
+
+enum class Container { elf, pe, mach_o };
+
+/// A library that an image asks the system for.
+struct NeededLibrary {
+    std::string_view name;  ///< as it is written: a file name, or a path
+    bool optional = false;  ///< loading goes on without it (weak) or does not look for it yet (delayed)
+};
+
+/// Data of one resource of the type that was asked for.
+struct Resource {
+    std::optional<std::uint32_t> number;  ///< nothing when it has a name instead
+    ByteView data;
+};
+
+/// The code for one processor in a binary file. Views lead into the bytes that were read.
+struct Image {
+    Container container = Container::elf;
+    std::uint64_t offset_bytes = 0;  ///< in the file; not 0 in universal files only
+    std::string processor;           ///< "x86-64", "i386", "arm64", ...; "processor 0x1234"
+    bool is_64_bit = false;
+    std::string kind;                       ///< "shared library", "program", "bundle", "object file", ...
+    bool loadable = false;                  ///< of a kind that a running program can load
+    std::vector<std::string_view> exports;  ///< functions and data, in the file's order
+    std::vector<NeededLibrary> needed;
+    std::vector<std::string_view> search_paths;  ///< where it wants its libraries looked for first
+    bool has_signature = false;                  ///< Mach-O only
+    std::vector<Resource> property_lists;        ///< PE only: the resources of type PiPL
+    std::optional<Damage> damage;                ///< what is read up to there stands
+};
+
+struct BinaryFile {
+    bool universal = false;
+    std::vector<Image> images;  ///< one; in a universal file one a processor
+    std::optional<Damage> damage;
+};
+
+/// Reads any of the three containers; nothing when the first bytes are of none. Does not throw for any bytes,
+/// but for memory.
+std::optional<BinaryFile> read_binary_file(std::string_view bytes);
+
+// The readers of one container. `file` begins with the container's own header.
+Image read_elf_file(const ByteView& file);
+Image read_pe_file(const ByteView& file);
+Image read_mach_o_file(const ByteView& file);
+
+/// The first bytes say so; the rest may be damaged.
+bool is_elf_file(std::string_view bytes);
+bool is_pe_file(std::string_view bytes);
+bool is_mach_o_file(std::string_view bytes);
+
+}  // namespace binary_file

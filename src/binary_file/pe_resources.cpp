@@ -1,0 +1,103 @@
+#include "binary_file/pe_resources.h"
+
+#include <algorithm>
+
+namespace binary_file {
+namespace {
+
+constexpr std::uint32_t kHighBit = 0x80000000;
+
+/// Branches may lead anywhere in the tree, also to themselves; no real one has near as many entries.
+constexpr std::size_t kMostEntries = 65536;
+
+struct Entry {
+    std::uint32_t name = 0;    ///< a number, or with the high bit where its text is
+    std::uint32_t target = 0;  ///< where its data is described, or with the high bit another branch
+};
+
+class ResourceTree {
+  public:
+    ResourceTree(const ByteView& tree, const AtAddress& at_address) : tree_(tree), at_address_(at_address) {}
+
+    [[nodiscard]] std::vector<Resource> of_type(std::string_view type) {
+        std::vector<Resource> found;
+        for (const Entry& entry : branch(0)) {
+            if (!has_name(entry, type)) {
+                continue;
+            }
+            for (const Entry& resource : branch(inner(entry))) {
+                for (const Entry& language : branch(inner(resource))) {
+                    add(resource, language, found);
+                }
+            }
+        }
+        return found;
+    }
+
+  private:
+    std::vector<Entry> branch(std::uint64_t at) {
+        const ByteView head = tree_.part(at, 16);
+        const std::size_t count = std::size_t{head.u16(12)} + head.u16(14);
+        visited_ += count;
+        if (visited_ > kMostEntries) {
+            throw Damage(head.start_bytes(),
+                         "the resources have more than " + std::to_string(kMostEntries) + " entries");
+        }
+        const ByteView rows = tree_.part(at + 16, count * 8);
+        std::vector<Entry> entries(count);
+        for (std::size_t i = 0; i < count; ++i) {
+            entries[i] = {rows.u32(i * 8), rows.u32(i * 8 + 4)};
+        }
+        return entries;
+    }
+
+    [[nodiscard]] std::uint64_t inner(const Entry& entry) const {
+        if ((entry.target & kHighBit) == 0) {
+            throw Damage(tree_.start_bytes() + entry.target, "a branch of the resources is expected here");
+        }
+        return entry.target & ~kHighBit;
+    }
+
+    [[nodiscard]] bool has_name(const Entry& entry, std::string_view name) const {
+        if ((entry.name & kHighBit) == 0) {
+            return false;
+        }
+        const std::uint64_t at = entry.name & ~kHighBit;
+        if (tree_.u16(at) != name.size()) {
+            return false;
+        }
+        for (std::size_t i = 0; i < name.size(); ++i) {
+            std::uint16_t unit = tree_.u16(at + 2 + i * 2);
+            unit = static_cast<std::uint16_t>(unit >= 'a' && unit <= 'z' ? unit - 'a' + 'A' : unit);
+            if (unit != static_cast<unsigned char>(name[i])) {
+                return false;
+            }
+        }
+        return true;
+    }
+
+    void add(const Entry& resource, const Entry& language, std::vector<Resource>& found) const {
+        if ((language.target & kHighBit) != 0) {
+            throw Damage(tree_.start_bytes() + (language.target & ~kHighBit),
+                         "the data of a resource is expected here");
+        }
+        const ByteView row = tree_.part(language.target, 16);
+        Resource one{std::nullopt, at_address_(row.u32(0)).part(0, row.u32(4))};
+        if ((resource.name & kHighBit) == 0) {
+            one.number = resource.name;
+        }
+        found.push_back(one);
+    }
+
+    const ByteView& tree_;
+    const AtAddress& at_address_;
+    std::size_t visited_ = 0;
+};
+
+}  // namespace
+
+std::vector<Resource> pe_resources(const ByteView& tree, std::string_view type, const AtAddress& at_address) {
+    return ResourceTree(tree, at_address).of_type(type);
+}
+
+}  // namespace binary_file
