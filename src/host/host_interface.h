@@ -141,6 +141,9 @@ inline constexpr A_long kModuleFlagNoUserInterface = 1 << 25;
 
 inline constexpr A_long kSupportedDepth32WithAlpha = 1 << 7;
 
+/// What a caller makes ready for a path that a classic host writes: 259 bytes and a terminator.
+inline constexpr std::size_t kClassicPathBytes = 260;
+
 inline constexpr AEIO_AlphaType kAlphaTypeStraight = 0;
 inline constexpr AEIO_AlphaType kAlphaTypePremultiplied = 1;
 inline constexpr AEIO_AlphaType kAlphaTypeIgnore = 2;
@@ -816,11 +819,13 @@ static_assert(sizeof(AEGP_MemorySuite1) == slot(8) &&
 struct AEGP_IOInSuite1 {
     A_Err (*AEGP_GetInSpecOptionsHandle)(AEIO_InSpecH, void** options);
     A_Err (*AEGP_SetInSpecOptionsHandle)(AEIO_InSpecH, void* options, void** old_options);
-    ReservedSlot reserved_2[2];
+    /// Into a buffer of kClassicPathBytes.
+    A_Err (*AEGP_GetInSpecFilePath)(AEIO_InSpecH, A_char* path);
+    ReservedSlot reserved_3[1];
     A_Err (*AEGP_SetInSpecNativeFPS)(AEIO_InSpecH, A_Fixed fps);
     ReservedSlot reserved_5[1];
     A_Err (*AEGP_SetInSpecDepth)(AEIO_InSpecH, A_short depth);
-    ReservedSlot reserved_7[1];
+    A_Err (*AEGP_GetInSpecSize)(AEIO_InSpecH, A_long* size_bytes);
     A_Err (*AEGP_SetInSpecSize)(AEIO_InSpecH, A_long size_bytes);
     ReservedSlot reserved_9[3];
     A_Err (*AEGP_SetInSpecAlphaLabel)(AEIO_InSpecH, const AEIO_AlphaLabel*);
@@ -833,8 +838,10 @@ struct AEGP_IOInSuite1 {
 static_assert(sizeof(AEGP_IOInSuite1) == slot(29) &&
               offsetof(AEGP_IOInSuite1, AEGP_GetInSpecOptionsHandle) == slot(0) &&
               offsetof(AEGP_IOInSuite1, AEGP_SetInSpecOptionsHandle) == slot(1) &&
+              offsetof(AEGP_IOInSuite1, AEGP_GetInSpecFilePath) == slot(2) &&
               offsetof(AEGP_IOInSuite1, AEGP_SetInSpecNativeFPS) == slot(4) &&
               offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDepth) == slot(6) &&
+              offsetof(AEGP_IOInSuite1, AEGP_GetInSpecSize) == slot(7) &&
               offsetof(AEGP_IOInSuite1, AEGP_SetInSpecSize) == slot(8) &&
               offsetof(AEGP_IOInSuite1, AEGP_SetInSpecAlphaLabel) == slot(12) &&
               offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDuration) == slot(14) &&
@@ -842,6 +849,7 @@ static_assert(sizeof(AEGP_IOInSuite1) == slot(29) &&
 
 struct AEGP_IOOutSuite1 {
     ReservedSlot reserved_0[2];
+    /// Into a buffer of kClassicPathBytes.
     A_Err (*AEGP_GetOutSpecFilePath)(AEIO_OutSpecH, A_char* path);
     ReservedSlot reserved_3[26];
 };

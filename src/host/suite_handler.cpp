@@ -28,7 +28,7 @@ void AEGP_SuiteHandler::ReleaseAllSuites() {
 }
 
 void AEGP_SuiteHandler::MissingSuiteError() const {
-    throw 516L;
+    throw kMissingSuite;
 }
 
 const void* AEGP_SuiteHandler::acquire(const A_char* name, A_long version) const {

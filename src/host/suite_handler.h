@@ -41,7 +41,10 @@ class AEGP_SuiteHandler {
     /// are not cleared: called once, by the destructor.
     void ReleaseAllSuites();
 
-    /// Throws the value 516 as a `long`, the one exception of the whole plug-in.
+    /// What a missing suite throws, as a `long`: the one exception of the whole plug-in.
+    static constexpr long kMissingSuite = 516;
+
+    /// Throws kMissingSuite.
     [[noreturn]] void MissingSuiteError() const;
 
   private:

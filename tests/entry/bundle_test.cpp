@@ -15,6 +15,7 @@
 
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
+#include "support/today_host.h"
 
 namespace {
 
@@ -42,7 +43,7 @@ std::vector<std::string> lines_of(const std::string& command) {
     return lines;
 }
 
-TEST(Bundle, ExportsItsEntryPointAndNothingElse) {
+TEST(Bundle, ExportsItsTwoEntryPointsAndNothingElse) {
     std::vector<std::string> names;
     for (const std::string& line :
          lines_of(VXR_NM " --dynamic --defined-only --format=posix '" + kBundle + "'")) {
@@ -52,7 +53,7 @@ TEST(Bundle, ExportsItsEntryPointAndNothingElse) {
         fields >> name >> kind;
         names.push_back(name.append(1, ' ').append(kind));
     }
-    EXPECT_THAT(names, ElementsAre("Main_VORTANXR_AE T"));
+    EXPECT_THAT(names, ElementsAre("EntryPointFunc T", "Main_VORTANXR_AE T"));
 }
 
 TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
@@ -123,6 +124,46 @@ TEST(Bundle, TheMissingSuiteExceptionReachesTheHostsSide) {
         caught = value;
     }
     EXPECT_EQ(caught, 516);
+}
+
+TEST(Bundle, ItsSecondEntryServesTodaysHosts) {
+    const std::unique_ptr<void, int (*)(void*)> bundle(::dlopen(kBundle.c_str(), RTLD_NOW | RTLD_LOCAL),
+                                                       ::dlclose);
+    ASSERT_NE(bundle, nullptr) << ::dlerror();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFuncToday>(::dlsym(bundle.get(), "EntryPointFunc"));
+    ASSERT_NE(entry, nullptr);
+
+    TodayHost host;
+    EXPECT_EQ(entry(host.basic(), 13, 28, TodayHost::kPluginId, nullptr), 0);
+    EXPECT_EQ(host.calls.size(), 5U);
+    EXPECT_THAT(host.left_open(), ElementsAre("AEGP Register Suite 6 x 1"))
+        << "the plug-in deliberately keeps the classic one";
+    ASSERT_EQ(host.importers.size(), 1U);
+    ASSERT_EQ(host.modules.size(), 1U);
+
+    const TemporaryFolder folder;
+    folder.write("\xD0\xBA\xD0\xB0\xD0\xB4\xD1\x80 \xF0\x9F\x8E\xAC.aec", "VORTAN XR COMPOSITION\n");
+    const std::u16string path = folder.folder().u16string() + u"/\x043A\x0430\x0434\x0440 \xD83C\xDFAC.aec";
+    A_Boolean importable = 0;
+    EXPECT_EQ(host.importers[0].verify_cb(path.c_str(), nullptr, &importable), 0);
+    EXPECT_EQ(importable, 1);
+    // The import goes as far as this host's suites do.
+    EXPECT_EQ(host.importers[0].import_cb(path.c_str(), nullptr, kSpecialActionNone, nullptr, nullptr), 0);
+    EXPECT_EQ(host.held("AEGP Persistent Data Suite", 3), 1) << "kept like the other";
+}
+
+TEST(Bundle, NoExceptionReachesTodaysHosts) {
+    const std::unique_ptr<void, int (*)(void*)> bundle(::dlopen(kBundle.c_str(), RTLD_NOW | RTLD_LOCAL),
+                                                       ::dlclose);
+    ASSERT_NE(bundle, nullptr) << ::dlerror();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFuncToday>(::dlsym(bundle.get(), "EntryPointFunc"));
+    ASSERT_NE(entry, nullptr);
+    TodayHost host;
+    host.withhold_suite("AEGP File Import Manager Suite", 3);
+    EXPECT_EQ(entry(host.basic(), 13, 28, TodayHost::kPluginId, nullptr), 13);
+    EXPECT_THAT(host.reports,
+                ElementsAre("This plug-in needs the suite \"AEGP File Import Manager Suite\" 3, "
+                            "which the host does not offer."));
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ class BundleFile(unittest.TestCase):
         self.assertEqual(sorted(libraries), ["kernel32.dll", "msvcrt.dll"])
 
     def test_exports_its_entry_points_and_nothing_else(self):
-        self.assertEqual(BUNDLE.exported_names(), ["Main_VORTANXR_AE"])
+        self.assertEqual(BUNDLE.exported_names(), ["EntryPointFunc", "Main_VORTANXR_AE"])
 
     def test_holds_the_properties_in_every_byte(self):
         # The system keeps names of resource types in capitals and finds them in any case.

@@ -13,9 +13,6 @@
 
 namespace {
 
-// The host's paths have at most 259 characters and a terminator.
-constexpr std::size_t kPathBufferSize = 260;
-
 // Writes the text, cut where the field ends, and its terminator; the rest of the field is left alone.
 template <std::size_t N>
 void SetText(A_char (&field)[N], std::string_view text) {
@@ -31,7 +28,7 @@ std::string_view NameInPath(std::string_view path) {
 }  // namespace
 
 A_Err My_GetOutputInfo(AEIO_BasicData* basic, AEIO_OutSpecH spec, AEIO_Verbiage* verbiage) {
-    std::array<A_char, kPathBufferSize> path = {};
+    std::array<A_char, kClassicPathBytes> path = {};
     AEGP_SuiteHandler suites(basic->basic_suite);
     const A_Err err = suites.IOOutSuite1()->AEGP_GetOutSpecFilePath(spec, path.data());
     if (err != kHostErrorNone) {
