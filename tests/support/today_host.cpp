@@ -359,6 +359,8 @@ A_Err TodayHost::lock_handle(AEGP_MemHandle handle, void** address) {
     ++memory.locks;
     if (yields("LockMemHandle"))
         *address = memory.bytes.get();
+    if (when_locked)
+        when_locked();
     return kHostErrorNone;
 }
 

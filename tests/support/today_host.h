@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <map>
 #include <memory>
 #include <mutex>
@@ -53,6 +54,8 @@ class TodayHost {
     std::u16string in_path = u"/in";
     std::u16string out_path = u"/out";
     AEIO_FileSize in_size = 0;
+    /// Called when a memory handle has been locked, if there is one.
+    std::function<void()> when_locked;
 
     // ---- what happened
 

@@ -90,6 +90,8 @@ A_Err get_nth_aux_file_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpec
 
 A_Err verify_file_importable(std::size_t place, AEIO_BasicData* data, A_long signature,
                              const A_UTF16Char* path, A_Boolean* importable) {
+    // A file whose path cannot be used is none to import; otherwise the module answers.
+    *importable = 0;
     return with_narrow_path(data, path, [=](AEIO_BasicData* bridged, const A_char* narrow) {
         return input_modules[place].AEIO_VerifyFileImportable(bridged, signature, narrow, importable);
     });

@@ -1,5 +1,6 @@
 #include "host/bridge/path_translation.h"
 
+#include <array>
 #include <cstring>
 #include <new>
 #include <optional>
@@ -48,7 +49,7 @@ std::optional<std::u16string_view> short_path(const A_UTF16Char* path) {
     return std::nullopt;
 }
 
-A_Err copy_path(const A_UTF16Char* wide, A_char* path) {
+A_Err copy_path(const A_UTF16Char* wide, std::array<A_char, kClassicPathBytes>* path) {
     const std::optional<std::u16string_view> units = short_path(wide);
     std::string narrow;
     if (units) {
@@ -56,11 +57,11 @@ A_Err copy_path(const A_UTF16Char* wide, A_char* path) {
         if (err != kHostErrorNone)
             return err;
     }
-    if (!units || narrow.size() >= kClassicPathBytes) {
+    if (!units || narrow.size() >= path->size()) {
         report_long_path();
         return kHostErrorParameter;
     }
-    std::memcpy(path, narrow.c_str(), narrow.size() + 1);
+    std::memcpy(path->data(), narrow.c_str(), narrow.size() + 1);
     return kHostErrorNone;
 }
 
@@ -105,10 +106,14 @@ A_Err copy_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle),
         return err;
     if (handle == nullptr)
         return kHostErrorGeneric;
-    const A_Err copied = with_locked(*memory.get(), handle, [path](const void* address) {
-        return copy_path(static_cast<const A_UTF16Char*>(address), path);
+    std::array<A_char, kClassicPathBytes> copy = {};
+    const A_Err copied = with_locked(*memory.get(), handle, [&copy](const void* address) {
+        return copy_path(static_cast<const A_UTF16Char*>(address), &copy);
     });
-    return first_of(copied, memory.get()->AEGP_FreeMemHandle(handle));
+    const A_Err freed = first_of(copied, memory.get()->AEGP_FreeMemHandle(handle));
+    if (freed == kHostErrorNone)
+        std::memcpy(path, copy.data(), std::strlen(copy.data()) + 1);
+    return freed;
 }
 
 A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept {

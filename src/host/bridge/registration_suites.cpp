@@ -38,6 +38,8 @@ A_Err import_file(const A_UTF16Char* path, AE_FIM_ImportOptions options, AE_FIM_
 template <std::size_t Place>
 A_Err verify_file(const A_UTF16Char* path, AE_FIM_Refcon refcon, A_Boolean* importable) {
     return guarded([=] {
+        // A file whose path cannot be used is none to import; otherwise the plug-in answers.
+        *importable = 0;
         std::string narrow;
         const A_Err err = narrow_path(path, &narrow);
         return err != kHostErrorNone ? err : importers[Place].verify_cb(narrow.c_str(), refcon, importable);
