@@ -1,10 +1,11 @@
 #include "composition/ascii_parser.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <cstring>
-#include <limits>
 #include <new>
+#include <string_view>
 
 #include "composition/heap_text.h"
 #include "composition/number_text.h"
@@ -12,29 +13,31 @@
 
 namespace {
 
-bool is_line_end(char c) {
-    return c == '\n' || c == '\r';
+// Bits of kCharacters.
+constexpr unsigned char kBeginsNumber = 1;
+constexpr unsigned char kContinuesNumber = 2;
+constexpr unsigned char kBlank = 4;
+constexpr unsigned char kLineEnd = 8;
+
+constexpr std::array<unsigned char, 256> classified_characters() {
+    std::array<unsigned char, 256> table{};
+    const auto add = [&](std::string_view characters, unsigned char bit) {
+        for (const char c : characters) {
+            table[static_cast<unsigned char>(c)] |= bit;
+        }
+    };
+    add("0123456789.-", kBeginsNumber);
+    // Every character that a number may have in any form: decimal, hexadecimal, with an exponent.
+    add("0123456789.-abcdefABCDEF+xX", kContinuesNumber);
+    add(" \t", kBlank);
+    add("\n\r", kLineEnd);
+    return table;
 }
 
-bool is_digit(char c) {
-    return c >= '0' && c <= '9';
-}
+constexpr std::array<unsigned char, 256> kCharacters = classified_characters();
 
-bool begins_number(char c) {
-    return is_digit(c) || c == '.' || c == '-';
-}
-
-// Every character that a number may have in any form: decimal, hexadecimal, with an exponent.
-bool continues_number(char c) {
-    return begins_number(c) || (c >= 'a' && c <= 'f') || (c >= 'A' && c <= 'F') || c == '+' || c == 'x' ||
-           c == 'X';
-}
-
-// Adds 1 and stays at the largest value: a file of line ends alone has more than a 32-bit number counts.
-void count_up(A_long& number) {
-    if (number < std::numeric_limits<A_long>::max()) {
-        ++number;
-    }
+bool is(char c, unsigned char classes) {
+    return (kCharacters[static_cast<unsigned char>(c)] & classes) != 0;
 }
 
 constexpr std::size_t kFirstStringCapacity = 50;
@@ -132,7 +135,7 @@ int ASCIIParser::nextchar(char* out) {
     if (out != nullptr) {
         *out = curChar;
     }
-    count_up(charCount);
+    CountUp(charCount);
     return status == 0 ? 1 : 0;
 }
 
@@ -157,6 +160,7 @@ void ASCIIParser::Refill() {
     bufCount = std::min(bytesLeft, kBlockBytes);
     bytesLeft -= bufCount;
     bufPos = buffer;
+    separators_known_ = false;
     const A_long bytes_read = std::max(file->ReadBytes(buffer, bufCount, 0), A_long{0});
     if (bytes_read < bufCount) {
         // The file became shorter, or its medium fails. What is missing of the block reads as zero bytes.
@@ -171,8 +175,8 @@ bool ASCIIParser::CountLine() {
         lastEol = 0;
         return true;
     }
-    if (is_line_end(curChar)) {
-        count_up(line);
+    if (is(curChar, kLineEnd)) {
+        CountUp(line);
     }
     lastEol = curChar;
     return false;
@@ -186,7 +190,24 @@ void ASCIIParser::TrackPosition(bool completes_pair) {
     }
     ++char_position_.offset_bytes;
     ++char_position_.column;
-    line_ended_ = is_line_end(curChar);
+    line_ended_ = is(curChar, kLineEnd);
+}
+
+// Delivers the bytes of the block up to `to`, at least one and none of them a line end, as so many calls of
+// nextchar do.
+void ASCIIParser::Advance(const char* to) {
+    const std::ptrdiff_t count = to - bufPos;
+    if (line_ended_) {
+        ++char_position_.line;
+        char_position_.column = 0;
+        line_ended_ = false;
+    }
+    char_position_.offset_bytes += count;
+    char_position_.column += count;
+    bufCount -= static_cast<A_long>(count);
+    bufPos += count;
+    curChar = lastEol = to[-1];
+    CountUp(charCount, count);
 }
 
 TextPosition ASCIIParser::PositionBehind() const {
@@ -206,12 +227,15 @@ int ASCIIParser::skiplinetoend() {
 // With `skipping` every character goes until the next line end, which clears it; with `comments` a "/" sets
 // it.
 int ASCIIParser::Skip(bool skipping, bool comments) {
+    if (!skipping && SkipBlanksInBlock()) {
+        return 1;
+    }
     char c = 0;
     for (;;) {
         if (nextchar(&c) == 0) {
             return 0;
         }
-        if (is_line_end(c)) {
+        if (is(c, kLineEnd)) {
             if (eolIsToken != 0) {
                 break;
             }
@@ -224,6 +248,27 @@ int ASCIIParser::Skip(bool skipping, bool comments) {
     }
     pushedBack = 1;
     return 1;
+}
+
+// Skips blanks, the first of which has been pushed back, and the line end that it may be. True when what
+// follows begins a token, which is then the character that has been pushed back; otherwise the rest is for
+// the loop above.
+bool ASCIIParser::SkipBlanksInBlock() {
+    const bool at_blank = pushedBack != 0 && is(curChar, eolIsToken != 0 ? kBlank : kBlank | kLineEnd);
+    if (!at_blank || status != 0) {
+        return false;
+    }
+    const char* const end = bufPos + bufCount;
+    const char* at = bufPos;
+    while (at < end && is(*at, kBlank)) {
+        ++at;
+    }
+    if (at == end || is(*at, kLineEnd) || *at == '/') {
+        return false;
+    }
+    CountUp(charCount);  // the one that was pushed back
+    Advance(at + 1);
+    return true;
 }
 
 A_long ASCIIParser::nextsym(int no_numbers) {
@@ -246,7 +291,7 @@ A_long ASCIIParser::nextsym(int no_numbers) {
     }
     token_start_ = char_position_;
     const char c = curChar;
-    if (no_numbers == 0 && begins_number(c)) {
+    if (no_numbers == 0 && is(c, kBeginsNumber)) {
         return ReadWord(true);
     }
     if (charClass[static_cast<unsigned char>(c)] != 0) {
@@ -255,27 +300,60 @@ A_long ASCIIParser::nextsym(int no_numbers) {
     return c == '"' || c == '\'' ? ReadString(c) : ReadOperator();
 }
 
+// Takes a word whose end lies in the block. Its first character has been pushed back. False, nothing being
+// taken, for any other and for one that is too long.
+bool ASCIIParser::TakeWordInBlock(bool number) {
+    const char* const end = bufPos + std::min(static_cast<std::size_t>(bufCount), kTextBytes - 1);
+    const char* at = bufPos;
+    if (number) {
+        while (at < end && is(*at, kContinuesNumber)) {
+            ++at;
+        }
+    } else {
+        while (at < end && charClass[static_cast<unsigned char>(*at)] != 0) {
+            ++at;
+        }
+    }
+    if (at == end) {
+        return false;
+    }
+    const std::ptrdiff_t more = at - bufPos;
+    text[0] = curChar;
+    std::memcpy(text + 1, bufPos, static_cast<std::size_t>(more));
+    text[more + 1] = '\0';
+    CountUp(charCount);  // the one that was pushed back
+    pushedBack = 0;
+    if (more > 0) {
+        Advance(at);
+    }
+    nextchar(nullptr);
+    return true;
+}
+
 // A number or an identifier. Its first character has been pushed back.
 A_long ASCIIParser::ReadWord(bool number) {
-    std::size_t length = 0;
-    char c = 0;
-    for (;;) {
-        if (nextchar(&c) == 0) {
-            // Deliberate: what the end of the input cuts off is no word, as it may be half of one.
-            return CutToken(TokenCut::inside_word);
+    if (!TakeWordInBlock(number)) {
+        std::size_t length = 0;
+        char c = 0;
+        for (;;) {
+            if (nextchar(&c) == 0) {
+                // Deliberate: what the end of the input cuts off is no word, as it may be half of one.
+                return CutToken(TokenCut::inside_word);
+            }
+            const bool belongs =
+                number ? is(c, kContinuesNumber) : charClass[static_cast<unsigned char>(c)] != 0;
+            if (!belongs) {
+                break;
+            }
+            if (length == kTextBytes - 1) {
+                pushedBack = 1;
+                return CutToken(TokenCut::word_too_long);
+            }
+            text[length] = c;
+            ++length;
         }
-        const bool belongs = number ? continues_number(c) : charClass[static_cast<unsigned char>(c)] != 0;
-        if (!belongs) {
-            break;
-        }
-        if (length == kTextBytes - 1) {
-            pushedBack = 1;
-            return CutToken(TokenCut::word_too_long);
-        }
-        text[length] = c;
-        ++length;
+        text[length] = '\0';
     }
-    text[length] = '\0';
     pushedBack = 1;
     sym = number ? A_long{kTokenNumber} : CompareIdent(text);
     if (sym == kTokenNone) {

@@ -1,7 +1,11 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
+#include <cstdint>
+#include <limits>
 
+#include "composition/plain_number.h"
 #include "composition/text_position.h"
 #include "host/host_interface.h"
 #include "texture/base_file.h"
@@ -127,7 +131,17 @@ class ASCIIParser {
     A_long line = 1;
 
   private:
+    friend class PlainKeyReader;
+
+    /// Adds and stays at the largest value: a file of line ends alone has more than a 32-bit number counts.
+    static void CountUp(A_long& number, std::int64_t by = 1) {
+        number = static_cast<A_long>(std::min(number + by, std::int64_t{std::numeric_limits<A_long>::max()}));
+    }
+
     bool TakeByte();
+    void Advance(const char* to);
+    bool SkipBlanksInBlock();
+    bool TakeWordInBlock(bool number);
     void Refill();
     bool CountLine();
     void TrackPosition(bool completes_pair);
@@ -140,6 +154,8 @@ class ASCIIParser {
 
     // Where things stand, beside the members above and without a say in them.
     TextPosition char_position_{-1, 1, 0};
+    SeparatorMap<kBlockBytes> separators_;
+    bool separators_known_ = false;  ///< of the block in `buffer`
     TextPosition token_start_;
     TokenCut cut_ = TokenCut::none;
     bool line_ended_ = false;

@@ -9,7 +9,13 @@ int CCamera::Load(ASCIIParser& p) {
     if (LoadHead(p, BlockKind::camera) == 0) {
         return 0;
     }
-    while (p.nextsym(0) != kTokenCloseBrace) {
+    for (;;) {
+        if (LoadPlainKeys(p, kCameraNumbers, kMostCameraNumbers) == 0) {
+            return 0;
+        }
+        if (p.nextsym(0) == kTokenCloseBrace) {
+            break;
+        }
         if (p.sym != kTokenIdentifier) {
             return fail(p, ReadErrorCode::expected_entry, "KEY or \"}\"");
         }

@@ -20,7 +20,13 @@ int CLight::Load(ASCIIParser& p) {
     if (LoadHead(p, BlockKind::light) == 0) {
         return 0;
     }
-    while (p.nextsym(0) != kTokenCloseBrace) {
+    for (;;) {
+        if (LoadPlainKeys(p, kTransformNumbers, kTransformNumbers) == 0) {
+            return 0;
+        }
+        if (p.nextsym(0) == kTokenCloseBrace) {
+            break;
+        }
         if (p.sym != kTokenIdentifier) {
             return fail(p, ReadErrorCode::expected_entry,
                         "TYPE, SHADOW, COLOR, INTENSITY, ANGLE, KEY or \"}\"");

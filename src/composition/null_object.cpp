@@ -9,7 +9,13 @@ int CNull::Load(ASCIIParser& p) {
     if (LoadHead(p, BlockKind::null_object) == 0) {
         return 0;
     }
-    while (p.nextsym(0) != kTokenCloseBrace) {
+    for (;;) {
+        if (LoadPlainKeys(p, kTransformNumbers, kTransformNumbers) == 0) {
+            return 0;
+        }
+        if (p.nextsym(0) == kTokenCloseBrace) {
+            break;
+        }
         if (p.sym != kTokenIdentifier) {
             return fail(p, ReadErrorCode::expected_entry, "KEY or \"}\"");
         }

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -60,6 +62,13 @@ class ReadObserver {
     virtual void on_keyword(std::string_view /*keyword*/, const TextPosition& /*at*/) {}
     /// A value of that keyword, after it was converted and before its range is checked.
     virtual void on_value(const ReadValue& /*value*/) {}
+    /// Whether this observer takes keys as a whole where their numbers are plain: a minus sign or none and up
+    /// to eight digits, a point among them or not, the frame without. Reading is several times faster then.
+    [[nodiscard]] virtual bool takes_plain_keys() const { return false; }
+    /// Of such an observer: a KEY, in place of on_keyword and on_value. Keys written otherwise come with
+    /// those.
+    virtual void on_plain_key(const TextPosition& /*at*/, std::int32_t /*frame*/,
+                              std::span<const float> /*others*/) {}
     /// A block whose name has just been read. blocks() are the ones around it, itself the last.
     virtual void on_block_begin(const ReadBlock& /*block*/) {}
     /// Its end: the closing brace, or the token behind the name of a composition without a block.

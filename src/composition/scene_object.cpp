@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <new>
+#include <span>
 
 #include "composition/ascii_parser.h"
+#include "composition/plain_keys.h"
+#include "composition/read_observer.h"
 #include "composition/read_report.h"
 #include "composition/read_values.h"
 
@@ -45,6 +48,42 @@ int CSceneObject::LoadHead(ASCIIParser& p, BlockKind kind) {
     }
     return p.nextsym(0) == kTokenOpenBrace ? 1
                                            : fail(p, ReadErrorCode::expected_block, "\"{\" behind the name");
+}
+
+int CSceneObject::LoadPlainKeys(ASCIIParser& p, std::size_t least, std::size_t most) {
+    ReadObserver* const observer = p.Observer();
+    if (observer != nullptr && !observer->takes_plain_keys()) {
+        return 1;
+    }
+    PlainKeyReader reader(p);
+    PlainKey read;
+    tagKeyFrame* key = nullptr;
+    bool fits = true;
+    while (fits && reader.Next(least, most, read)) {
+        key = AddKeyframe();
+        fits = key != nullptr;
+        if (fits) {
+            key->frame = read.frame;
+            std::copy_n(read.others.begin(), 3, key->position);
+            std::copy_n(read.others.begin() + 3, 3, key->rotation);
+            if (least == kCameraNumbers) {
+                key->fov = read.others[6];
+            }
+            if (read.count == kMostCameraNumbers) {
+                key->targetDistance = read.others[7];
+            }
+            if (observer != nullptr) {
+                observer->on_plain_key(read.at, read.frame, std::span(read.others).first(read.count - 1));
+            }
+            reader.Take();
+        }
+    }
+    reader.Finish();
+    if (!fits) {
+        p.nextsym(0);
+        return fail(p, ReadErrorCode::out_of_memory, "a keyframe that fits into memory");
+    }
+    return 1;
 }
 
 int CSceneObject::LoadAndAddKeyframe(ASCIIParser& p, tagKeyFrame** out) {

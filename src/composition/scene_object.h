@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstddef>
+
 #include "composition/double_linked_list.h"
 #include "host/host_interface.h"
 
@@ -9,6 +11,12 @@ class ValueReader;
 enum class BlockKind;
 
 inline constexpr float kDefaultTargetDistance = 1000.0F;
+
+/// Numbers behind a KEY of a light or a null: frame, position, rotation.
+inline constexpr std::size_t kTransformNumbers = 7;
+/// Numbers behind a KEY of a camera: a field of view besides, and a target distance that may be missing.
+inline constexpr std::size_t kCameraNumbers = 8;
+inline constexpr std::size_t kMostCameraNumbers = 9;
 
 /// One keyframe, exactly as written; units are those of the exporting application.
 struct tagKeyFrame {
@@ -55,6 +63,9 @@ class CSceneObject : public CListItem {
   protected:
     /// The beginning of every block: name and opening brace. Returns 1 or 0.
     int LoadHead(ASCIIParser& p, BlockKind kind);
+    /// Reads entries of the word KEY and at least `least`, at most `most` numbers, as long as the fast reader
+    /// takes them. Returns 1, or 0 when memory is short, KEY then being the current token.
+    int LoadPlainKeys(ASCIIParser& p, std::size_t least, std::size_t most);
     /// LoadAndAddKeyframe behind a KEY that `values` has taken, so that a kind of object can read more of
     /// them.
     int LoadKeyValues(ASCIIParser& p, ValueReader& values, tagKeyFrame** out);

@@ -1,0 +1,183 @@
+#include "composition/plain_number.h"
+
+#include <gtest/gtest.h>
+
+#include <bit>
+#include <cstdint>
+#include <iterator>
+#include <random>
+#include <string>
+#include <string_view>
+
+#include "composition/number_text.h"
+
+namespace {
+
+// A number's text has others before and behind it, as in a file.
+class TextInBlock {
+  public:
+    explicit TextInBlock(const std::string& text) : block_("KEY -9.5 ...77 x" + text + " 1.5\n") {}
+    [[nodiscard]] const char* begin() const { return block_.data() + plain_number::kBytesBefore; }
+    [[nodiscard]] const char* end() const { return block_.data() + block_.size() - 5; }
+
+  private:
+    std::string block_;
+};
+
+// Whether the text is plain, and that it then gives what the general conversion gives, to the last bit.
+bool agrees_as_real(const std::string& text) {
+    const TextInBlock block(text);
+    float plain = -77.0F;
+    if (!plain_number::read_real(block.begin(), block.end(), plain)) {
+        EXPECT_EQ(plain, -77.0F) << text;
+        return false;
+    }
+    float general = 0;
+    EXPECT_EQ(StrToReal(text.c_str(), general), 1) << text;
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(plain), std::bit_cast<std::uint32_t>(general)) << text;
+    return true;
+}
+
+bool agrees_as_integer(const std::string& text) {
+    const TextInBlock block(text);
+    A_long plain = -77;
+    if (!plain_number::read_integer(block.begin(), block.end(), plain)) {
+        EXPECT_EQ(plain, -77) << text;
+        return false;
+    }
+    A_long general = 0;
+    EXPECT_EQ(StrToVal(text.c_str(), general), 1) << text;
+    EXPECT_EQ(plain, general) << text;
+    return true;
+}
+
+struct FormCase {
+    const char* why;
+    const char* text;
+    bool real;
+    bool integer;
+};
+
+TEST(PlainNumber, TakesOneFormAndLeavesTheRest) {
+    const FormCase cases[] = {
+        {"one digit", "7", true, true},
+        {"negative", "-140", true, true},
+        {"negative zero", "-0", true, true},
+        {"eight digits", "12345678", true, true},
+        {"nine digits", "123456789", false, false},
+        {"leading zeros count as digits", "00000001", true, true},
+        {"a point", "-140.458", true, false},
+        {"eight digits and a point", "12345.678", true, false},
+        {"nine digits and a point", "123456.789", false, false},
+        {"seven digits behind the point", "1.2345678", true, false},
+        {"eight digits behind the point", ".12345678", false, false},
+        {"no digit before the point", "-.5", true, false},
+        {"no digit behind the point", "5.", true, false},
+        {"eight digits and a point behind them", "12345678.", true, false},
+        {"a point alone", ".", false, false},
+        {"a minus sign alone", "-", false, false},
+        {"a minus sign and a point", "-.", false, false},
+        {"two points", "1.2.3", false, false},
+        {"two points side by side", "1..2", false, false},
+        {"two minus signs", "--5", false, false},
+        {"a minus sign inside", "1-2", false, false},
+        {"a plus sign", "+5", false, false},
+        {"an exponent", "1e5", false, false},
+        {"hexadecimal", "0x1F", false, false},
+        {"a slash next to the point", "1./2", false, false},
+        {"a slash before the point", "1/.2", false, false},
+        {"a byte above the digits", "1:2", false, false},
+        {"a byte above 127", "1\xB2.5", false, false},
+        {"the middle between two floats", "16777217", false, true},
+    };
+    for (const FormCase& c : cases) {
+        SCOPED_TRACE(c.why);
+        EXPECT_EQ(agrees_as_real(c.text), c.real);
+        EXPECT_EQ(agrees_as_integer(c.text), c.integer);
+    }
+}
+
+std::string random_text(std::mt19937& random) {
+    const auto below = [&](unsigned limit) { return static_cast<unsigned>(random()) % limit; };
+    const auto digits = [&](unsigned most) {
+        std::string text;
+        for (unsigned i = below(most + 1); i > 0; --i) {
+            text += static_cast<char>('0' + below(10));
+        }
+        return text;
+    };
+    static constexpr const char* kRare[] = {"inf", "-Infinity", "nan",   "1e999", "-1e-999",
+                                            "0x",  "0x1F.8",    "7E",    "7E+",   "1.2.3",
+                                            "-",   ".",         "3.5e38"};
+    const std::string sign = below(2) == 0 ? "-" : "";
+    switch (below(8)) {
+        case 0:
+            return sign + digits(12) + "." + digits(12);
+        case 1:
+            return sign + digits(9);
+        case 2:
+            return sign + digits(4) + "." + digits(4) + "e" + (below(2) == 0 ? "-" : "") + digits(3);
+        case 3:
+            return kRare[below(std::size(kRare))];
+        case 4: {  // any characters of numbers
+            static constexpr std::string_view kCharacters = "0123456789.-+abcdefABCDEFxX";
+            std::string text;
+            for (unsigned i = 1 + below(10); i > 0; --i) {
+                text += kCharacters[below(static_cast<unsigned>(kCharacters.size()))];
+            }
+            return text;
+        }
+        default:
+            return sign + digits(4) + "." + digits(3);
+    }
+}
+
+TEST(PlainNumber, AgreesWithTheGeneralConversionOnAMillionTexts) {
+    std::mt19937 random(6);
+    int reals = 0;
+    int integers = 0;
+    for (int i = 0; i < 1'000'000 && !HasFailure(); ++i) {
+        const std::string text = random_text(random);
+        if (!text.empty()) {
+            reals += agrees_as_real(text) ? 1 : 0;
+            integers += agrees_as_integer(text) ? 1 : 0;
+        }
+    }
+    EXPECT_GT(reals, 450'000);
+    EXPECT_GT(integers, 100'000);
+}
+
+// Every number of up to eight digits that lies near the middle between two floats is among these: where
+// rounding twice could differ from rounding once.
+TEST(PlainNumber, RoundsOnceNearTheMiddleBetweenTwoFloats) {
+    for (std::int32_t number = 1 << 24; number < 100'000'000 && !HasFailure(); number += 977) {
+        for (const std::int32_t near : {number - 1, number, number + 1}) {
+            std::string text = std::to_string(near);
+            agrees_as_real(text);
+            text.insert(text.size() - static_cast<std::size_t>(number) % 8, ".");
+            agrees_as_real(text);
+        }
+    }
+}
+
+TEST(SeparatorMap, MarksEveryByteUpToTheBlank) {
+    constexpr std::size_t kBytes = 2000;
+    std::mt19937 random(7);
+    std::string block(kBytes, '\0');
+    for (char& c : block) {
+        c = static_cast<char>(random() % 4 == 0 ? random() % 256 : random() % 2 == 0 ? ' ' : 'x');
+    }
+    for (const std::size_t count : {kBytes, kBytes - 1, std::size_t{64}, std::size_t{65}, std::size_t{1}}) {
+        SeparatorMap<kBytes> map;
+        map.Build(block.data(), count);
+        for (std::size_t from = 0; from < kBytes; ++from) {
+            std::uint64_t expected = 0;
+            for (std::size_t bit = 0; bit < 64 && from + bit < count; ++bit) {
+                expected |= std::uint64_t{static_cast<unsigned char>(block[from + bit]) <= ' '} << bit;
+            }
+            ASSERT_EQ(map.Window(from), expected) << from << " of " << count;
+        }
+    }
+}
+
+}  // namespace
