@@ -47,18 +47,26 @@ void check_frames(const SceneBlock& object, const SceneNumbers& numbers, Warning
     Offenders outside;
     Offenders disordered;
     Offenders repeated;
+    // Most tracks only rise: the set of frames is made at the first key that does not.
     std::set<std::int64_t> seen;
-    const SceneKey* before = nullptr;
-    for (const SceneKey& key : object.keys) {
+    bool rising = true;
+    for (std::size_t i = 0; i < object.keys.size(); ++i) {
+        const SceneKey& key = object.keys[i];
         if (key.frame < numbers.from || key.frame > numbers.to) {
             outside.add(key);
         }
-        if (!seen.insert(key.frame).second) {
+        const bool falls = i > 0 && key.frame < object.keys[i - 1].frame;
+        if (rising && i > 0 && key.frame <= object.keys[i - 1].frame) {
+            rising = false;
+            for (std::size_t before = 0; before < i; ++before) {
+                seen.insert(object.keys[before].frame);
+            }
+        }
+        if (!rising && !seen.insert(key.frame).second) {
             repeated.add(key);
-        } else if (before != nullptr && key.frame < before->frame) {
+        } else if (falls) {
             disordered.add(key);
         }
-        before = &key;
     }
     const std::string range = "FROM " + std::to_string(numbers.from) + " to TO " + std::to_string(numbers.to);
     report(warnings, Code::key_outside_range, outside, "keys outside " + range,

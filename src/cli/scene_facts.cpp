@@ -82,6 +82,17 @@ void SceneObserver::on_value(const ReadValue& value) {
     }
 }
 
+void SceneObserver::on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) {
+    SceneKey& key = facts_.objects.back().keys.emplace_back();
+    key.frame = frame;
+    key.at = at;
+    // Counted without the frame here.
+    constexpr std::size_t kFieldOfView = kFieldOfViewIndex - 1;
+    if (others.size() > kFieldOfView) {
+        key.field_of_view = others[kFieldOfView];
+    }
+}
+
 void SceneObserver::take_key_value(const ReadValue& value) {
     SceneKey& key = facts_.objects.back().keys.back();
     if (value.index == 0) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -91,6 +92,9 @@ class SceneObserver : public ReadObserver {
     void on_failure(const ReadError& error) override;
     void on_keyword(std::string_view keyword, const TextPosition& at) override;
     void on_value(const ReadValue& value) override;
+    /// Plain numbers are all kept as written, so of such a key there is nothing to say but what it says.
+    [[nodiscard]] bool takes_plain_keys() const override { return true; }
+    void on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) override;
     void on_block_begin(const ReadBlock& block) override;
     void on_footage(const ReadFootage& footage) override;
     void on_ignored(std::string_view text, const TextPosition& at) override;
