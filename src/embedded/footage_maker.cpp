@@ -20,17 +20,17 @@ std::string file_name(const std::string& path) {
     return separator == std::string::npos ? path : path.substr(separator + 1);
 }
 
-/// "shot.[0017-0020].png", as the host shows sequences.
-std::string sequence_name(const SequenceFrames& frames) {
-    const std::size_t first = frames.pattern.find('#');
+/// "shot.[0017-0020].png", as the host shows sequences; `name` is that of one of its files.
+std::string sequence_name(const SequenceFrames& frames, const NumberedName& name) {
     const auto width = static_cast<std::size_t>(frames.padding);
     const auto padded = [width](std::int64_t frame) {
         std::string digits = std::to_string(frame);
         digits.insert(0, width - std::min(width, digits.size()), '0');
         return digits;
     };
-    return frames.pattern.substr(0, first) + "[" + padded(frames.range.first) + "-" +
-           padded(frames.range.last) + "]" + frames.pattern.substr(first + width);
+    // Not taken from the pattern: a name may hold a number sign of its own.
+    return name.prefix + "[" + padded(frames.range.first) + "-" + padded(frames.range.last) + "]" +
+           name.suffix;
 }
 
 /// What the host makes of footage by itself: square pixels, whole frames, the rate that the file knows, alpha
@@ -133,11 +133,12 @@ Id make_file_footage(Session& session, const std::string& path,
     if (sequence) {
         made.kind = FootageKind::sequence;
         made.sequence = find_sequence(path, *sequence);
-        if (!made.sequence && split_number(made.name))
+        const auto numbered = split_number(made.name);
+        if (!made.sequence && numbered)
             throw Refusal{kHostErrorGeneric};  // no frame in the range that was asked for
         made.duration = {1, kImportRate_fps};
-        if (made.sequence) {
-            made.name = sequence_name(*made.sequence);
+        if (made.sequence && numbered) {
+            made.name = sequence_name(*made.sequence, *numbered);
             made.duration = sequence_duration(*made.sequence);
             note_gaps(session, *made.sequence);
         }

@@ -122,6 +122,17 @@ TEST(Footage, OfASequenceCoversItsFramesAndNotesItsGaps) {
     EXPECT_TRUE(bundle.host.discipline().clean()) << "a gap is not the bundle's fault";
 }
 
+TEST(Footage, OfASequenceIsNamedByTheNumberAndNotByANumberSign) {
+    const TemporaryFolder folder;
+    for (const char* name : {"#2 shot 0001.png", "#2 shot 0002.png"})
+        write_image(folder.path(name));
+    BundleSide bundle;
+    ASSERT_EQ(make(bundle, folder.path("#2 shot 0001.png"), &kWholeSequence), kHostErrorNone);
+    const Footage& footage = bundle.host.project().footage.at(0);
+    EXPECT_EQ(footage.name, "#2 shot [0001-0002].png");
+    EXPECT_EQ(footage.sequence->pattern, "#2 shot ####.png");
+}
+
 TEST(Footage, OfASequenceWithoutANumberIsOneFrame) {
     const TemporaryFolder folder;
     write_image(folder.path("still.png"));
