@@ -88,15 +88,23 @@ function(vxr_library name)
     target_link_libraries(${name} PUBLIC project_flags ${arg_LINKS})
 endfunction()
 
-# vxr_test(NAME SOURCES ... [LINKS ...]): one GoogleTest program, run by ctest under its own name.
+# vxr_test(NAME SOURCES ... [LINKS ...] [RUNS ...]): one GoogleTest program, run by ctest under its own name, or with
+# RUNS several times as NAME.RUN; the caller sets what is different.
 function(vxr_test name)
-    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
+    cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;RUNS")
     add_executable(${name} ${arg_SOURCES})
     target_link_libraries(${name} PRIVATE project_flags ${arg_LINKS} GTest::gmock GTest::gtest_main)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
     target_compile_definitions(${name} PRIVATE
         VXR_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
         VXR_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
-    add_test(NAME ${name} COMMAND ${name})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 900)
+    if(arg_RUNS)
+        list(TRANSFORM arg_RUNS PREPEND "${name}." OUTPUT_VARIABLE tests)
+    else()
+        set(tests ${name})
+    endif()
+    foreach(test IN LISTS tests)
+        add_test(NAME ${test} COMMAND ${name})
+        set_tests_properties(${test} PROPERTIES TIMEOUT 900)
+    endforeach()
 endfunction()

@@ -5,16 +5,12 @@
 
 #include "cli/codes.h"
 #include "cli/import_outcome.h"
+#include "cli/loaded_bundle.h"
 #include "cli/scene_check.h"
 #include "embedded/project_json.h"
 
 namespace cli {
 namespace {
-
-std::string end_text(const embedded::CallbackResult& result) {
-    return result.missing_suite ? "because the host does not offer a suite"
-                                : "with host error " + std::to_string(result.code);
-}
 
 void refuse(ImportRun& run, std::string problem) {
     run.code = most_serious(run.code, ExitCode::refused);
@@ -75,7 +71,7 @@ void note_unused_options(ImportRun& run, const embedded::Host& host, const embed
                                 " times, so its call " + std::to_string(fault.nth) + " did not fail");
         }
     }
-    const std::vector<embedded::SuiteName>& offered = embedded::offered_suites();
+    const std::vector<embedded::SuiteName> offered = embedded::offered_suites(options.generation);
     for (const embedded::SuiteName& suite : options.suites_not_offered) {
         if (std::find(offered.begin(), offered.end(), suite) == offered.end()) {
             run.notes.push_back("the host never offers \"" + suite.name + "\" version " +
@@ -106,6 +102,11 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         return run;
     }
     const SceneReading reading = read_scene(file);
+    if (const std::string problem = host.path_problem(reading.full_path.string()); !problem.empty()) {
+        host.unload();
+        refuse(run, file + ": " + problem + " (--host classic)");
+        return run;
+    }
     run.verify = host.verify(reading.full_path.string());
     if (run.verify.importable) {
         run.imported = true;

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <iterator>
+#include <stdexcept>
 
+#include "embedded/host_path.h"
 #include "embedded/module_driver.h"
 #include "embedded/session.h"
 
@@ -15,7 +17,7 @@ const ImportFlavor* flavor_for(const Session& session, const std::string& path) 
     const std::string extension = lower_extension(path);
     const ImportFlavor* first = nullptr;
     for (const ImportFlavor& flavor : session.flavors) {
-        if (flavor.callbacks.import_cb == nullptr)
+        if (std::holds_alternative<std::monostate>(flavor.callbacks))
             continue;
         if (std::find(flavor.extensions.begin(), flavor.extensions.end(), extension) !=
             flavor.extensions.end())
@@ -41,13 +43,9 @@ constexpr FlagWord kFlagWords[] = {
     {kModuleFlagNoUserInterface, "no user interface"},
 };
 
-LoadResult call_entry(Session& session, AEGP_PluginInitFunc entry, const std::string& path) {
+LoadResult finish_loading(Session& session, const CallbackResult& entry) {
     LoadResult loaded;
-    const InterfaceVersion version = session.options.interface_version();
-    loaded.entry = session.run("entry point", [&] {
-        return entry(basic_suite_table(), version.major, version.minor, path.c_str(), path.c_str(),
-                     session.plugin_id, &session.global_refcon);
-    });
+    loaded.entry = entry;
     if (loaded.entry.code == kHostErrorNone)
         return loaded;
     loaded.error = loaded.entry.missing_suite
@@ -55,6 +53,35 @@ LoadResult call_entry(Session& session, AEGP_PluginInitFunc entry, const std::st
                        : "the entry point failed with host error " + std::to_string(loaded.entry.code);
     session.forget_registrations();
     return loaded;
+}
+
+LoadResult call_entry(Session& session, AEGP_PluginInitFunc entry, const std::string& path) {
+    const InterfaceVersion version = session.options.interface_version();
+    return finish_loading(session, session.run("entry point", [&] {
+        return entry(basic_suite_table(), version.major, version.minor, path.c_str(), path.c_str(),
+                     session.plugin_id, &session.global_refcon);
+    }));
+}
+
+LoadResult call_entry(Session& session, AEGP_PluginInitFuncToday entry) {
+    const InterfaceVersion version = session.options.interface_version();
+    return finish_loading(session, session.run("entry point", [&] {
+        return entry(basic_suite_table(), version.major, version.minor, session.plugin_id,
+                     &session.global_refcon);
+    }));
+}
+
+void require_generation(const Session& session, HostGeneration generation) {
+    if (session.options.generation != generation)
+        throw std::logic_error("the entry point is one for another generation of hosts");
+}
+
+/// Has `call(const auto& callbacks)` call one of an importer's callbacks, which the importer must have.
+template <class Call>
+A_Err call_importer(const ImportFlavor& flavor, const Call& call) {
+    if (const auto* classic = std::get_if<AE_FIM_ImportCallbacks>(&flavor.callbacks))
+        return call(*classic);
+    return call(std::get<AE_FIM_ImportCallbacks3>(flavor.callbacks));
 }
 
 }  // namespace
@@ -98,6 +125,14 @@ Host::~Host() {
     }
 }
 
+const char* Host::entry_name(HostGeneration generation) {
+    return generation == HostGeneration::classic ? "Main_VORTANXR_AE" : "EntryPointFunc";
+}
+
+LoadResult Host::load(const std::filesystem::path& bundle) {
+    return load(bundle, entry_name(generation()));
+}
+
 LoadResult Host::load(const std::filesystem::path& bundle, const std::string& entry) {
     unload();
     LoadResult loaded;
@@ -107,21 +142,30 @@ LoadResult Host::load(const std::filesystem::path& bundle, const std::string& en
             loaded.error = "the bundle cannot be loaded";
         return loaded;
     }
-    const auto function = reinterpret_cast<AEGP_PluginInitFunc>(session_->bundle->function(entry.c_str()));
+    const BundleLoader::Function function = session_->bundle->function(entry.c_str());
     if (function == nullptr) {
         session_->bundle.reset();
         loaded.error = "the bundle does not export " + entry;
         return loaded;
     }
-    loaded = call_entry(*session_, function, bundle.string());
+    loaded = generation() == HostGeneration::classic
+                 ? call_entry(*session_, reinterpret_cast<AEGP_PluginInitFunc>(function), bundle.string())
+                 : call_entry(*session_, reinterpret_cast<AEGP_PluginInitFuncToday>(function));
     if (!loaded.ok())
         session_->bundle.reset();
     return loaded;
 }
 
 LoadResult Host::load_entry(AEGP_PluginInitFunc entry) {
+    require_generation(*session_, HostGeneration::classic);
     unload();
     return call_entry(*session_, entry, "");
+}
+
+LoadResult Host::load_entry(AEGP_PluginInitFuncToday entry) {
+    require_generation(*session_, HostGeneration::today);
+    unload();
+    return call_entry(*session_, entry);
 }
 
 void Host::unload() {
@@ -136,27 +180,48 @@ const std::vector<Module>& Host::modules() const {
     return session_->modules;
 }
 
+HostGeneration Host::generation() const {
+    return session_->options.generation;
+}
+
+std::string Host::path_problem(const std::string& path) const {
+    return embedded::path_problem(generation(), path);
+}
+
 VerifyResult Host::verify(const std::string& path) {
     VerifyResult result;
-    const ImportFlavor* flavor = flavor_for(*session_, path);
-    if (flavor == nullptr)
+    const ImportFlavor* found = flavor_for(*session_, path);
+    if (found == nullptr)
         return result;
-    const AE_FIM_ImportCallbacks callbacks = flavor->callbacks;
+    if (!path_problem(path).empty()) {
+        result.callback.code = kHostErrorParameter;
+        return result;
+    }
+    const ImportFlavor flavor = *found;  // a callback may register more and move the table
+    const HostPath named(generation(), path);
     A_Boolean importable = 0;
-    result.callback = run("verify callback",
-                          [&] { return callbacks.verify_cb(path.c_str(), callbacks.refcon, &importable); });
+    result.callback = run("verify callback", [&] {
+        return call_importer(flavor, [&](const auto& callbacks) {
+            return callbacks.verify_cb(named.given_to(callbacks), callbacks.refcon, &importable);
+        });
+    });
     result.importable = result.callback.code == kHostErrorNone && importable != 0;
     return result;
 }
 
 CallbackResult Host::import_file(const std::string& path) {
-    const ImportFlavor* flavor = flavor_for(*session_, path);
-    if (flavor == nullptr)
+    const ImportFlavor* found = flavor_for(*session_, path);
+    if (found == nullptr)
         return {kHostErrorGeneric, false};
-    const AE_FIM_ImportCallbacks callbacks = flavor->callbacks;
+    if (!path_problem(path).empty())
+        return {kHostErrorParameter, false};
+    const ImportFlavor flavor = *found;
+    const HostPath named(generation(), path);
     return run("import callback", [&] {
-        return callbacks.import_cb(path.c_str(), nullptr, kSpecialActionNone,
-                                   session_->handles.handle<AEGP_ItemH>(kRootFolder), callbacks.refcon);
+        return call_importer(flavor, [&](const auto& callbacks) {
+            return callbacks.import_cb(named.given_to(callbacks), nullptr, kSpecialActionNone,
+                                       session_->handles.handle<AEGP_ItemH>(kRootFolder), callbacks.refcon);
+        });
     });
 }
 

@@ -8,6 +8,9 @@
 //   if (host.verify("shot.aec").importable) host.import_file("shot.aec");
 //   host.project(); host.discipline();
 //
+// It is a classic host or one of today's, by its options. What differs is at the edge only: the suites'
+// versions, the entry, and the paths, which this interface and the project hold as UTF-8.
+//
 // A host's suites are plain C functions without a context, so one host lives at a time in a process; a second
 // one can be made as soon as the first is gone. Everything runs on the calling thread.
 
@@ -18,12 +21,14 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <variant>
 #include <vector>
 
 #include "embedded/call_log.h"
 #include "embedded/discipline.h"
 #include "embedded/host_options.h"
 #include "embedded/project.h"
+#include "host/today_interface.h"
 
 namespace embedded {
 
@@ -52,14 +57,21 @@ struct ImportFlavor {
     std::vector<PFILE_FileKind> file_types;
     std::vector<std::string> extensions;  ///< with their full stop: ".aec"
     AE_FIM_ImportFlags flags = 0;
-    AE_FIM_ImportCallbacks callbacks{};
+    /// Of the host's generation; nothing until the bundle registers them.
+    std::variant<std::monostate, AE_FIM_ImportCallbacks, AE_FIM_ImportCallbacks3> callbacks;
 };
 
 /// An input module that the bundle registered with AEGP_RegisterIO; both records are copies.
 struct Module {
     AEGP_IORefcon refcon = nullptr;
     AEIO_ModuleInfo info{};
-    AEIO_FunctionBlock2 functions{};
+    std::variant<AEIO_FunctionBlock2, AEIO_FunctionBlock4> functions;  ///< of the host's generation
+
+    /// Runs `use(const auto& block)` with the block that the module has. Most functions are the same in both.
+    template <class Use>
+    A_Err with_functions(const Use& use) const {
+        return std::visit(use, functions);
+    }
 
     [[nodiscard]] std::string name() const;
     /// Its extensions with their full stop, without repetition.
@@ -108,16 +120,29 @@ class Host {
 
     // --- the bundle
 
+    /// The exported function that a host of this generation calls first.
+    static const char* entry_name(HostGeneration generation);
+
     /// Loads the file and calls its exported entry. A bundle that was loaded before is unloaded first; the
     /// project stays.
-    LoadResult load(const std::filesystem::path& bundle, const std::string& entry = "Main_VORTANXR_AE");
-    /// The same with an entry point that is already in this process.
+    LoadResult load(const std::filesystem::path& bundle);
+    /// The same with another entry than that of the host's generation.
+    LoadResult load(const std::filesystem::path& bundle, const std::string& entry);
+    /// The same with an entry point that is already in this process. Throws std::logic_error when it is not
+    /// one for the host's generation.
     LoadResult load_entry(AEGP_PluginInitFunc entry);
+    LoadResult load_entry(AEGP_PluginInitFuncToday entry);
     /// What the destructor does, earlier: afterwards project, report and messages are final.
     void unload();
 
     [[nodiscard]] const std::vector<ImportFlavor>& flavors() const;
     [[nodiscard]] const std::vector<Module>& modules() const;
+
+    [[nodiscard]] HostGeneration generation() const;
+
+    /// Why this host cannot name the file to a bundle; empty when it can. Asked for such a file nevertheless,
+    /// it answers kHostErrorParameter and does not ask the bundle.
+    [[nodiscard]] std::string path_problem(const std::string& path) const;
 
     // --- importing; the importer is the one registered for the file's extension, else the first one
     // registered

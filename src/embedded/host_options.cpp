@@ -109,13 +109,21 @@ const std::vector<HostFunction>& failable_functions() {
     static const std::vector<HostFunction> functions = [] {
         std::vector<HostFunction> all;
         for (const FunctionInfo& info : kFunctions) {
-            const SuiteInfo& suite = suite_info(info.suite);
             if (info.can_fail)
-                all.push_back({suite.name, suite.version, info.name});
+                all.push_back({suite_info(info.suite).name, info.name});
         }
         return all;
     }();
     return functions;
+}
+
+std::vector<SuiteName> offered_suites(HostGeneration generation) {
+    std::vector<SuiteName> all;
+    for (const SuiteInfo& info : kSuites) {
+        if (info.version(generation) != 0)
+            all.push_back({info.name, info.version(generation)});
+    }
+    return all;
 }
 
 }  // namespace embedded

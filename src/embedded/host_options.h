@@ -52,7 +52,7 @@ struct Fault {
 };
 
 struct HostOptions {
-    HostGeneration generation = HostGeneration::classic;
+    HostGeneration generation = HostGeneration::today;
     /// Any goes with either generation; none: the usual one.
     std::optional<InterfaceVersion> version;
     std::vector<SuiteName> suites_not_offered;  ///< acquiring fails with kHostErrorMissingSuite
@@ -83,7 +83,6 @@ std::optional<Fault> parse_fault(std::string_view text);
 /// One function of this host.
 struct HostFunction {
     std::string suite;
-    A_long version = 0;
     std::string function;
 };
 
@@ -91,7 +90,7 @@ struct HostFunction {
 /// What returns no error code (sin, cos, strcpy) cannot fail.
 const std::vector<HostFunction>& failable_functions();
 
-/// The suites that this host offers.
-const std::vector<SuiteName>& offered_suites();
+/// The suites that a host of this generation offers.
+std::vector<SuiteName> offered_suites(HostGeneration generation);
 
 }  // namespace embedded

@@ -5,47 +5,9 @@
 #include <cstdint>
 #include <string>
 
+#include "embedded/text_encoding.h"
+
 namespace embedded {
-namespace {
-
-/// The length of the well-formed sequence at the start of `text`, 0 when there is none. The table of
-/// well-formed byte sequences is that of the Unicode standard, section 3.9.
-std::size_t utf8_sequence_length(std::string_view text) {
-    const auto byte = [text](std::size_t i) {
-        return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
-    };
-    const auto continues = [&byte](std::size_t i, unsigned low = 0x80U, unsigned high = 0xBFU) {
-        return byte(i) >= low && byte(i) <= high;
-    };
-    const unsigned first = byte(0);
-    if (first < 0x80U)
-        return 1;
-    if (first >= 0xC2U && first <= 0xDFU)
-        return continues(1) ? 2 : 0;
-    if (first >= 0xE0U && first <= 0xEFU) {
-        const unsigned low = first == 0xE0U ? 0xA0U : 0x80U;   // no overlong forms
-        const unsigned high = first == 0xEDU ? 0x9FU : 0xBFU;  // no surrogates
-        return continues(1, low, high) && continues(2) ? 3 : 0;
-    }
-    if (first >= 0xF0U && first <= 0xF4U) {
-        const unsigned low = first == 0xF0U ? 0x90U : 0x80U;
-        const unsigned high = first == 0xF4U ? 0x8FU : 0xBFU;  // nothing above U+10FFFF
-        return continues(1, low, high) && continues(2) && continues(3) ? 4 : 0;
-    }
-    return 0;
-}
-
-}  // namespace
-
-bool is_utf8(std::string_view text) {
-    while (!text.empty()) {
-        const std::size_t length = utf8_sequence_length(text);
-        if (length == 0)
-            return false;
-        text.remove_prefix(length);
-    }
-    return true;
-}
 
 Json json_bytes(std::span<const std::uint8_t> bytes) {
     static constexpr char kDigits[] = "0123456789abcdef";
@@ -62,6 +24,18 @@ Json json_text(std::string_view text) {
     if (is_utf8(text))
         return Json(std::string(text));
     return json_bytes({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
+}
+
+Json json_text(Utf16View text) {
+    if (const auto utf8 = to_utf8(text))
+        return Json(*utf8);
+    std::string hex;
+    for (const A_UTF16Char unit : text) {
+        const unsigned value = unit;
+        for (const unsigned shift : {12U, 8U, 4U, 0U})
+            hex += "0123456789abcdef"[(value >> shift) & 0xFU];
+    }
+    return Json{{"utf16", hex}};
 }
 
 Json json_number(double value) {

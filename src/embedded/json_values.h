@@ -7,6 +7,7 @@
 #include <span>
 #include <string_view>
 
+#include "embedded/text_encoding.h"
 #include "host/host_interface.h"
 
 namespace embedded {
@@ -15,6 +16,10 @@ using Json = nlohmann::ordered_json;
 
 /// Text that is UTF-8 as a string; any other as {"bytes":"<lower-case hex>"}.
 Json json_text(std::string_view text);
+
+/// Text that is well-formed UTF-16 as a string; any other as {"utf16":"<lower-case hex, four digits a
+/// unit>"}.
+Json json_text(Utf16View text);
 
 /// {"bytes":"<lower-case hex>"}
 Json json_bytes(std::span<const std::uint8_t> bytes);
@@ -35,8 +40,5 @@ Json json_code(A_long code);
 Json json_interpretation(const AEGP_FootageInterp& interpretation);
 Json json_alpha_label(const AEIO_AlphaLabel& label);
 Json json_transfer_mode(const AEGP_LayerTransferMode& mode);
-
-/// Well-formed UTF-8: no overlong forms, no surrogates, nothing above U+10FFFF.
-bool is_utf8(std::string_view text);
 
 }  // namespace embedded

@@ -1,8 +1,10 @@
 #include "embedded/module_driver.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "embedded/guarded_frame.h"
+#include "embedded/host_path.h"
 
 namespace embedded {
 namespace {
@@ -72,14 +74,21 @@ Id make_in_spec(Session& session, const std::string& path) {
 }
 
 OpenResult open_with_module(Session& session, const Module& registered, const std::string& path) {
+    if (std::string problem = path_problem(session.options.generation, path); !problem.empty())
+        return failed({kHostErrorParameter, false}, std::move(problem));
+    const HostPath named(session.options.generation, path);
     const Module module = registered;  // a callback may register more and move the table
     AEIO_BasicData* basic = &session.basic_data;
     basic->refcon = module.refcon;
 
     A_Boolean importable = 0;
-    CallbackResult callback = session.run("AEIO_VerifyFileImportable", [&] {
-        return module.functions.AEIO_VerifyFileImportable(basic, module.info.signature, path.c_str(),
-                                                          &importable);
+    // Has the module run one of its functions, as a callback of that name.
+    const auto ask = [&](const char* name, const auto& call) {
+        return session.run(name, [&] { return module.with_functions(call); });
+    };
+    CallbackResult callback = ask("AEIO_VerifyFileImportable", [&](const auto& functions) {
+        return functions.AEIO_VerifyFileImportable(basic, module.info.signature, named.given_to(functions),
+                                                   &importable);
     });
     if (callback.code != kHostErrorNone)
         return failed(callback, "the module could not verify the file");
@@ -89,15 +98,16 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
     const Id id = make_in_spec(session, path);
     session.in_spec(id).module_signature = module.info.signature;
     const auto handle = session.handles.handle<AEIO_InSpecH>(id);
-    callback = session.run("AEIO_InitInSpecFromFile", [&] {
-        return module.functions.AEIO_InitInSpecFromFile(basic, path.c_str(), handle);
+    callback = ask("AEIO_InitInSpecFromFile", [&](const auto& functions) {
+        return functions.AEIO_InitInSpecFromFile(basic, named.given_to(functions), handle);
     });
     if (callback.code != kHostErrorNone)
         return abandon(session, id, callback, "the module could not read the file");
 
     AEIO_Verbiage verbiage{};
-    callback = session.run("AEIO_GetInSpecInfo",
-                           [&] { return module.functions.AEIO_GetInSpecInfo(basic, handle, &verbiage); });
+    callback = ask("AEIO_GetInSpecInfo", [&](const auto& functions) {
+        return functions.AEIO_GetInSpecInfo(basic, handle, &verbiage);
+    });
     if (callback.code == kHostErrorNone) {
         session.in_spec(id).type_text = field_text(verbiage.type);
         session.in_spec(id).sub_type_text = field_text(verbiage.sub_type);
@@ -108,8 +118,8 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
     const A_Ratio scale[2] = {{1, 1}, {1, 1}};  // horizontal, vertical: full size
     A_long width = 0;
     A_long height = 0;
-    callback = session.run("AEIO_GetDimensions", [&] {
-        return module.functions.AEIO_GetDimensions(basic, handle, scale, &width, &height);
+    callback = ask("AEIO_GetDimensions", [&](const auto& functions) {
+        return functions.AEIO_GetDimensions(basic, handle, scale, &width, &height);
     });
     if (callback.code == kHostErrorNone) {
         session.in_spec(id).width = width;
@@ -120,8 +130,9 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
     }
 
     A_Time duration{0, 1};
-    callback = session.run("AEIO_GetDuration",
-                           [&] { return module.functions.AEIO_GetDuration(basic, handle, &duration); });
+    callback = ask("AEIO_GetDuration", [&](const auto& functions) {
+        return functions.AEIO_GetDuration(basic, handle, &duration);
+    });
     if (callback.code == kHostErrorNone) {
         session.in_spec(id).duration = duration;
         session.in_spec(id).duration_from_module = true;
@@ -167,8 +178,10 @@ DrawResult draw_frame(Session& session, Id id, const FrameShape& shape) {
     session.basic_data.refcon = module.refcon;
     const auto handle = session.handles.handle<AEIO_InSpecH>(id);
     drawn.callback = session.run("AEIO_DrawSparseFrame", [&] {
-        return module.functions.AEIO_DrawSparseFrame(&session.basic_data, handle, &request, &frame.world(),
-                                                     &flags);
+        return module.with_functions([&](const auto& functions) {
+            return functions.AEIO_DrawSparseFrame(&session.basic_data, handle, &request, &frame.world(),
+                                                  &flags);
+        });
     });
     if (const auto damage = frame.damage())
         session.discipline.add({Breach::write_outside_frame, 0, "AEIO_DrawSparseFrame", *damage});
@@ -190,7 +203,9 @@ CallbackResult dispose_in_spec(Session& session, Id id) {
         session.basic_data.refcon = module.refcon;
         const auto handle = session.handles.handle<AEIO_InSpecH>(id);
         result = session.run("AEIO_DisposeInSpec", [&] {
-            return module.functions.AEIO_DisposeInSpec(&session.basic_data, handle);
+            return module.with_functions([&](const auto& functions) {
+                return functions.AEIO_DisposeInSpec(&session.basic_data, handle);
+            });
         });
         break;
     }

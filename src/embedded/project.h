@@ -87,7 +87,7 @@ struct InSpec {
     A_Time duration{0, 1};
     A_long width = 0;
     A_long height = 0;
-    A_long size_bytes = 0;
+    std::int64_t size_bytes = 0;
     A_Fixed native_fps = 0;  ///< 16.16
     std::optional<AEIO_AlphaLabel> alpha_label;
     std::string type_text;                ///< the module's verbiage

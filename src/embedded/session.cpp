@@ -28,6 +28,9 @@ std::string memory_text(const MemoryBlock& block) {
     return "mem:" + std::to_string(block.id) + " \"" + block.what + "\"";
 }
 
+/// Longer paths there are none; a system's own limit is far below.
+constexpr std::size_t kMaxLent_bytes = 1U << 20U;
+
 /// The one exception that a bundle throws: a suite that the host did not supply.
 constexpr long kMissingSuiteException = 516;
 
@@ -155,8 +158,8 @@ void Session::check_suites(const Marks& since, const std::string& callback) {
         suites_acquired[suite] = std::min(suites_acquired[suite], since.suites[suite]);
         if (kept > 0 && !is_kept_suite(suite))
             left(Breach::suite_not_released, callback,
-                 std::string(kSuites[suite].name) + " " + std::to_string(kSuites[suite].version) +
-                     " was acquired and not released, " + std::to_string(kept) + " times");
+                 suite_text(static_cast<SuiteId>(suite)) + " was acquired and not released, " +
+                     std::to_string(kept) + " times");
     }
 }
 
@@ -202,6 +205,11 @@ void Session::found(Breach breach, std::string text) {
 void Session::refuse(Breach breach, std::string text, A_Err code) {
     found(breach, std::move(text));
     throw Refusal{code};
+}
+
+std::string Session::suite_text(SuiteId suite) const {
+    const SuiteInfo& info = suite_info(suite);
+    return std::string(info.name) + " " + std::to_string(info.version(options.generation));
 }
 
 Id Session::living_id(HandleKind kind, const void* handle, const char* argument) {
@@ -250,6 +258,30 @@ std::string Session::name(const A_char* text, const char* argument) {
         found(Breach::name_cut, std::string(argument) + " has " + std::to_string(length) +
                                     " bytes and is cut after " + std::to_string(kMaxNameLength));
     return {text, std::min(length, kMaxNameLength)};
+}
+
+std::string Session::path(const A_UTF16Char* text, const char* argument) {
+    const Utf16View units(&require(text, argument));
+    if (const auto fault = first_fault(units))
+        refuse(Breach::bad_argument, std::string(argument) + " is not UTF-16: unit " +
+                                         std::to_string(*fault) +
+                                         " is half of a pair without the other half");
+    return *to_utf8(units);
+}
+
+AEGP_MemHandle Session::lend_path(const std::string& path) {
+    const auto units = to_utf16(path);
+    if (!units)
+        throw Refusal{kHostErrorGeneric};
+    const std::size_t size_bytes = (units->size() + 1) * sizeof(A_UTF16Char);
+    MemoryBlock* block =
+        size_bytes > kMaxLent_bytes
+            ? nullptr
+            : memory.allocate("path for the plug-in", static_cast<AEGP_MemSize>(size_bytes), false);
+    if (block == nullptr)
+        throw Refusal{kHostErrorAllocation};
+    std::memcpy(block->bytes.get(), units->c_str(), size_bytes);
+    return handles.make<AEGP_MemHandle>();
 }
 
 // --- changes

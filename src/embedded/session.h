@@ -20,6 +20,7 @@
 #include "embedded/memory_store.h"
 #include "embedded/project.h"
 #include "embedded/suites/functions.h"
+#include "embedded/text_encoding.h"
 
 namespace embedded {
 
@@ -130,6 +131,12 @@ class Session {
     const A_Ratio& require_positive(const A_Ratio* ratio, const char* argument);
     /// Cut at kMaxNameLength, with a note, where it is longer.
     std::string name(const A_char* text, const char* argument);
+    /// A path as this host keeps it: the bytes that a classic host was given, the UTF-8 of what today's was.
+    std::string path(const A_char* text, const char* argument) { return &require(text, argument); }
+    std::string path(const A_UTF16Char* text, const char* argument);
+
+    /// A path in memory that the bundle is to free: UTF-16, terminated.
+    AEGP_MemHandle lend_path(const std::string& path);
 
     // --- changes
 
@@ -146,7 +153,9 @@ class Session {
     // --- suites
 
     /// The function table; null for one that this host does not have.
-    static const void* suite_table(const std::string& name, A_long version, SuiteId& suite);
+    [[nodiscard]] const void* suite_table(const std::string& name, A_long version, SuiteId& suite) const;
+    /// "AEGP Comp Suite 9", with the version that this host offers.
+    [[nodiscard]] std::string suite_text(SuiteId suite) const;
 
   private:
     /// What existed when a callback began; what came after and is still open at its end was left behind by

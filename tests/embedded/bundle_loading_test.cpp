@@ -11,7 +11,7 @@ using embedded::Host;
 using embedded::LoadResult;
 
 TEST(BundleLoading, CallsTheExportedEntryAndKeepsWhatItRegistered) {
-    Host host;
+    Host host(in_a_classic_host());
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
     ASSERT_TRUE(loaded.ok()) << loaded.error;
     ASSERT_EQ(host.flavors().size(), 1U);
@@ -21,21 +21,56 @@ TEST(BundleLoading, CallsTheExportedEntryAndKeepsWhatItRegistered) {
     EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
 }
 
+TEST(BundleLoading, CallsTheEntryOfItsGeneration) {
+    embedded::HostOptions options;
+    options.generation = embedded::HostGeneration::today;
+    Host host(options);
+    const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
+    ASSERT_TRUE(loaded.ok()) << loaded.error;
+    ASSERT_EQ(host.flavors().size(), 1U);
+    EXPECT_EQ(host.flavors()[0].name, "small today");
+    EXPECT_TRUE(host.verify("any file").importable);
+    EXPECT_EQ(host.import_file("any file").code, kHostErrorNone);
+    EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
+}
+
+A_Err classic_entry(SPBasicSuite*, A_long, A_long, const A_char*, const A_char*, AEGP_PluginID,
+                    AEGP_GlobalRefcon*) {
+    return kHostErrorNone;
+}
+
+A_Err today_entry(SPBasicSuite*, A_long, A_long, AEGP_PluginID, AEGP_GlobalRefcon*) {
+    return kHostErrorNone;
+}
+
+TEST(BundleLoading, TakesNoEntryOfTheOtherGeneration) {
+    {
+        Host host(in_a_classic_host());
+        EXPECT_TRUE(host.load_entry(classic_entry).ok());
+        EXPECT_THROW(host.load_entry(today_entry), std::logic_error);
+    }
+    embedded::HostOptions options;
+    options.generation = embedded::HostGeneration::today;
+    Host host(options);
+    EXPECT_TRUE(host.load_entry(today_entry).ok());
+    EXPECT_THROW(host.load_entry(classic_entry), std::logic_error);
+}
+
 TEST(BundleLoading, WorksAgainInTheSameHostAndInTheNext) {
     {
-        Host host;
+        Host host(in_a_classic_host());
         ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
         ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
         EXPECT_EQ(host.flavors().size(), 1U) << "what the first loading registered is gone";
     }
-    Host host;
+    Host host(in_a_classic_host());
     ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
     EXPECT_TRUE(host.verify("any file").importable);
 }
 
 TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
     const TemporaryFolder folder;
-    Host host;
+    Host host(in_a_classic_host());
     const LoadResult missing = host.load(folder.path("missing.so"));
     EXPECT_FALSE(missing.ok());
     EXPECT_NE(missing.error.find("missing.so"), std::string::npos) << missing.error;
@@ -48,7 +83,7 @@ TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
 }
 
 TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
-    Host host;
+    Host host(in_a_classic_host());
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE, "Failing_entry");
     EXPECT_FALSE(loaded.ok());
     EXPECT_EQ(loaded.entry.code, kHostErrorStructure);
@@ -59,7 +94,7 @@ TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
 TEST(BundleLoading, CatchesTheMissingSuiteExceptionOfAnotherLibrary) {
     embedded::HostOptions options;
     options.suites_not_offered = {{"AEGP File Import Manager Suite", 2}};
-    Host host(options);
+    Host host(in_a_classic_host(options));
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
     EXPECT_FALSE(loaded.ok());
     EXPECT_TRUE(loaded.entry.missing_suite);
@@ -72,7 +107,7 @@ int death_hooks_run = 0;
 TEST(BundleLoading, RunsTheDeathHookWhenTheBundleGoes) {
     death_hooks_run = 0;
     {
-        Host host;
+        Host host(in_a_classic_host());
         const LoadResult loaded =
             host.load_entry([](SPBasicSuite* basic, A_long, A_long, const A_char*, const A_char*,
                                AEGP_PluginID id, AEGP_GlobalRefcon*) -> A_Err {
@@ -133,20 +168,25 @@ TEST(Host, PassesEveryOtherExceptionOn) {
 }
 
 TEST(Suites, AreOfferedByNameAndVersion) {
-    Host host;
-    for (const embedded::SuiteName& suite : embedded::offered_suites()) {
-        SCOPED_TRACE(suite.name);
-        const void* table = nullptr;
-        EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name.c_str(), suite.version, &table),
-                  kHostErrorNone);
-        EXPECT_NE(table, nullptr);
-        EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name.c_str(), suite.version + 100, &table),
-                  kHostErrorMissingSuite);
-        EXPECT_EQ(table, nullptr);
-        EXPECT_EQ(host.basic_suite()->ReleaseSuite(suite.name.c_str(), suite.version), kHostErrorNone);
+    for (const auto generation : {embedded::HostGeneration::classic, embedded::HostGeneration::today}) {
+        embedded::HostOptions options;
+        options.generation = generation;
+        Host host(options);
+        const auto offered = embedded::offered_suites(generation);
+        EXPECT_EQ(offered.size(), 17U);
+        for (const embedded::SuiteName& suite : offered) {
+            SCOPED_TRACE(suite.name);
+            const void* table = nullptr;
+            EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name.c_str(), suite.version, &table),
+                      kHostErrorNone);
+            EXPECT_NE(table, nullptr);
+            EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name.c_str(), suite.version + 100, &table),
+                      kHostErrorMissingSuite);
+            EXPECT_EQ(table, nullptr);
+            EXPECT_EQ(host.basic_suite()->ReleaseSuite(suite.name.c_str(), suite.version), kHostErrorNone);
+        }
+        EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
     }
-    EXPECT_EQ(embedded::offered_suites().size(), 17U);
-    EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
 }
 
 TEST(Suites, CanBeWithheldOrEmpty) {

@@ -8,11 +8,17 @@
 #include "embedded/host.h"
 #include "host/host_interface.h"
 
-/// A host, seen from where a bundle stands: every suite acquired through the basic suite, and shorthands for
-/// what the tests call over and over. The suites stay acquired, so tests that look at suites use a plain
-/// Host.
+/// The same options for a classic host.
+inline embedded::HostOptions in_a_classic_host(embedded::HostOptions options = {}) {
+    options.generation = embedded::HostGeneration::classic;
+    return options;
+}
+
+/// A classic host, seen from where a bundle stands: every suite acquired through the basic suite, and
+/// shorthands for what the tests call over and over. The suites stay acquired, so tests that look at suites
+/// use a plain Host.
 struct BundleSide {
-    explicit BundleSide(embedded::HostOptions options = {}) : host(std::move(options)) {
+    explicit BundleSide(const embedded::HostOptions& options = {}) : host(in_a_classic_host(options)) {
         project_suite = acquire<AEGP_ProjSuite5>("AEGP Proj Suite", 5);
         item_suite = acquire<AEGP_ItemSuite10>("AEGP Item Suite", 10);
         footage_suite = acquire<AEGP_FootageSuite7>("AEGP Footage Suite", 7);

@@ -151,6 +151,24 @@ TEST(Nulls, LastAsLongAsTheyAreToldOrAsTheirComposition) {
     EXPECT_EQ(bundle.host.project().layer(1).kind, LayerKind::null);
 }
 
+TEST(InputSpecs, TellTheirSizeAndTheirPathWhenItFitsTheBundlesBuffer) {
+    BundleSide bundle;
+    char path[260] = {};
+    const std::string longest(259, 'p');
+    const AEIO_InSpecH in = bundle.host.in_spec_handle(bundle.host.new_in_spec(longest));
+    EXPECT_EQ(bundle.io_in_suite->AEGP_GetInSpecFilePath(in, path), kHostErrorNone);
+    EXPECT_EQ(path, longest);
+    A_long size = 7;
+    EXPECT_EQ(bundle.io_in_suite->AEGP_GetInSpecSize(in, &size), kHostErrorNone);
+    EXPECT_EQ(size, 0);
+    EXPECT_EQ(bundle.io_in_suite->AEGP_SetInSpecSize(in, 1843200), kHostErrorNone);
+    EXPECT_EQ(bundle.io_in_suite->AEGP_GetInSpecSize(in, &size), kHostErrorNone);
+    EXPECT_EQ(size, 1843200);
+    const AEIO_InSpecH too_long = bundle.host.in_spec_handle(bundle.host.new_in_spec(longest + "p"));
+    EXPECT_EQ(bundle.io_in_suite->AEGP_GetInSpecFilePath(too_long, path), kHostErrorGeneric);
+    EXPECT_EQ(path, longest);
+}
+
 TEST(OutputSpecs, TellTheirPathWhenItFitsTheBundlesBuffer) {
     BundleSide bundle;
     char path[260] = {};

@@ -1,6 +1,8 @@
-// A bundle of the smallest kind, for loading: it registers one importer and nothing else.
+// A bundle of the smallest kind, for loading: it registers one importer and nothing else. Its entry for
+// today's hosts registers one under another name.
 
 #include "host/host_interface.h"
+#include "host/today_interface.h"
 
 namespace {
 
@@ -10,6 +12,16 @@ A_Err verify(const A_char*, AE_FIM_Refcon, A_Boolean* importable) {
 }
 
 A_Err import(const A_char*, AE_FIM_ImportOptions, AE_FIM_SpecialAction, AEGP_ItemH, AE_FIM_Refcon) {
+    return kHostErrorNone;
+}
+
+A_Err verify_today(const A_UTF16Char*, AE_FIM_Refcon, A_Boolean* importable) {
+    *importable = 1;
+    return kHostErrorNone;
+}
+
+A_Err import_today(const A_UTF16Char*, AE_FIM_ImportOptions, AE_FIM_SpecialAction, AEGP_ItemH,
+                   AE_FIM_Refcon) {
     return kHostErrorNone;
 }
 
@@ -32,6 +44,23 @@ __attribute__((visibility("default"))) A_Err Main_VORTANXR_AE(SPBasicSuite* basi
         error = suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, kImportFlagComposition, &callbacks);
     }
     basic->ReleaseSuite(kName, 2);
+    return error;
+}
+
+__attribute__((visibility("default"))) A_Err EntryPointFunc(SPBasicSuite* basic, A_long, A_long,
+                                                            AEGP_PluginID, AEGP_GlobalRefcon*) {
+    constexpr char kName[] = "AEGP File Import Manager Suite";
+    const void* table = nullptr;
+    if (const A_Err error = basic->AcquireSuite(kName, 3, &table); error != kHostErrorNone)
+        return error;
+    const auto* suite = static_cast<const AEGP_FileImportManagerSuite3*>(table);
+    AE_FIM_ImportFlavorRef flavor = kInvalidImportFlavor;
+    A_Err error = suite->AEGP_RegisterImportFlavor("small today", &flavor);
+    if (error == kHostErrorNone) {
+        AE_FIM_ImportCallbacks3 callbacks{nullptr, import_today, verify_today};
+        error = suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, kImportFlagComposition, &callbacks);
+    }
+    basic->ReleaseSuite(kName, 3);
     return error;
 }
 

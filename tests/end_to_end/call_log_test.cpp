@@ -84,7 +84,7 @@ TEST(CallLogOfTheEntryPoint, RegistersTheImporterAndThenTheModule) {
 
 TEST(CallLogOfTheEntryPoint, IsTheSameInEveryVersionOfTheHost) {
     for (const embedded::InterfaceVersion version :
-         {embedded::InterfaceVersion{9, 0}, {9, 31}, {9, 32}, {10, 0}, {12, 0}}) {
+         {embedded::InterfaceVersion{9, 0}, {9, 31}, {9, 32}, {10, 0}, {12, 0}, {13, 0}, {25, 3}}) {
         embedded::HostOptions options;
         options.version = version;
         LoadedBundle bundle(options);

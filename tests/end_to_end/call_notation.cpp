@@ -34,6 +34,51 @@ bool is_handle(const std::string& text) {
     return std::regex_match(text, pattern);
 }
 
+/// What today's hosts offer in another version, as classic hosts have it.
+struct TwoVersions {
+    const char* suite;
+    int classic;
+    int today;
+};
+
+constexpr TwoVersions kNewer[] = {
+    {"AEGP Register Suite", 4, 6},        {"AEGP File Import Manager Suite", 2, 3},
+    {"AEGP Persistent Data Suite", 1, 3}, {"AEGP Proj Suite", 5, 8},
+    {"AEGP Footage Suite", 7, 11},        {"AEGP IO In Suite", 1, 5},
+    {"AEGP IO Out Suite", 1, 7},
+};
+constexpr int kClassicFunctions = 46;
+constexpr int kTodaysFunctions = 49;
+
+int classic_version(const std::string& suite, int version) {
+    for (const TwoVersions& newer : kNewer) {
+        if (suite != newer.suite)
+            continue;
+        // Today's hosts are asked for the classic version only when they do not have their own.
+        return version == newer.today ? newer.classic : version;
+    }
+    return version;
+}
+
+/// A call of a today's host as a classic host would have seen it.
+Json in_classic_spelling(Json call) {
+    call["version"] = classic_version(call.at("suite"), call.at("version"));
+    const std::string function = call.at("function");
+    Json& args = call["args"];
+    if (function == "AcquireSuite" || function == "ReleaseSuite") {
+        const std::string suite = args.at("name");
+        const int version = classic_version(suite, args.at("version"));
+        args["version"] = version;
+        if (call["out"].contains("suite") && call["out"]["suite"].is_string())
+            call["out"]["suite"] = suite + " " + std::to_string(version);
+    } else if (function == "AEGP_RegisterIO" && args.at("functions").is_object()) {
+        Json& filled = args["functions"]["filled"];
+        if (filled == kTodaysFunctions)
+            filled = kClassicFunctions;
+    }
+    return call;
+}
+
 class Notation {
   public:
     explicit Notation(std::string_view folder) : folder_(folder) {}
@@ -150,8 +195,17 @@ std::vector<std::string> calls_in_notation(const std::vector<std::string>& log_l
     Notation notation(folder);
     std::vector<std::string> calls;
     std::transform(log_lines.begin(), log_lines.end(), std::back_inserter(calls),
-                   [&notation](const std::string& line) { return notation.line(Json::parse(line)); });
+                   [&notation](const std::string& line) {
+                       return notation.line(in_classic_spelling(Json::parse(line)));
+                   });
     return calls;
+}
+
+std::vector<std::string> in_classic_spelling(const std::vector<std::string>& log_lines) {
+    std::vector<std::string> lines;
+    std::transform(log_lines.begin(), log_lines.end(), std::back_inserter(lines),
+                   [](const std::string& line) { return in_classic_spelling(Json::parse(line)).dump(); });
+    return lines;
 }
 
 std::vector<std::string> read_expected_calls(const std::string& path) {

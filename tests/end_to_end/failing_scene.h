@@ -9,6 +9,7 @@
 
 #include "embedded/host.h"
 #include "support/scene_folder.h"
+#include "support/tested_host.h"
 
 inline constexpr std::uint8_t kAlphaPreferenceBefore = 2;
 

@@ -252,9 +252,11 @@ TEST(TexturesAtTheHostsMercy, NoWorldToDrawIntoIsAnError) {
         bundle.host().open_with_module(write(folder, "a.txl", make_texture(2, 2, Texture::kRgb, 0)));
     ASSERT_EQ(opened.error, "");
     const auto result = bundle.host().run("AEIO_DrawSparseFrame", [&] {
-        return bundle.host().modules()[0].functions.AEIO_DrawSparseFrame(
-            bundle.host().basic_data(), bundle.host().in_spec_handle(opened.in_spec), nullptr, nullptr,
-            nullptr);
+        return bundle.host().modules()[0].with_functions([&](const auto& functions) {
+            return functions.AEIO_DrawSparseFrame(bundle.host().basic_data(),
+                                                  bundle.host().in_spec_handle(opened.in_spec), nullptr,
+                                                  nullptr, nullptr);
+        });
     });
     EXPECT_EQ(result.code, 3);
     EXPECT_THAT(bundle.message_texts(), ElementsAre("There was an error drawing the frame."));

@@ -6,12 +6,18 @@
 #include <vector>
 
 #include "embedded/host.h"
+#include "support/tested_host.h"
 
 /// The bundle that the build made, in a host of its own, with every call that it makes. Only its exported
-/// entry point is used; VXR_BUNDLE_PATH comes from the build.
+/// entry point is used; VXR_BUNDLE_PATH comes from the build. Whatever else `options` say, the host is of the
+/// generation that the test program is run for.
 class LoadedBundle {
   public:
-    explicit LoadedBundle(embedded::HostOptions options = {}) : host_(std::move(options)) {
+    explicit LoadedBundle(embedded::HostOptions options = {})
+        : LoadedBundle(std::move(options), tested_generation()) {}
+    /// For tests of their own that look at both.
+    LoadedBundle(embedded::HostOptions options, embedded::HostGeneration generation)
+        : host_(of_generation(std::move(options), generation)) {
         host_.log_calls([this](std::string_view line) { calls_.emplace_back(line); });
         loaded_ = host_.load(VXR_BUNDLE_PATH);
     }
@@ -30,6 +36,12 @@ class LoadedBundle {
     }
 
   private:
+    static embedded::HostOptions of_generation(embedded::HostOptions options,
+                                               embedded::HostGeneration generation) {
+        options.generation = generation;
+        return options;
+    }
+
     std::vector<std::string> calls_;  // before the host, which writes to it until it is gone
     embedded::Host host_;
     embedded::LoadResult loaded_;

@@ -11,54 +11,45 @@ namespace embedded {
 
 A_Err reserved_slot_called(SuiteId suite, std::size_t slot_index) {
     if (Session* session = Session::active()) {
-        const SuiteInfo& info = suite_info(suite);
-        session->discipline.add({Breach::reserved_slot, session->log.last(), info.name,
-                                 "slot " + std::to_string(slot_index) + " of " + info.name + " " +
-                                     std::to_string(info.version) +
+        session->discipline.add({Breach::reserved_slot, session->log.last(), suite_info(suite).name,
+                                 "slot " + std::to_string(slot_index) + " of " + session->suite_text(suite) +
                                      " was called, which this host does not have"});
     }
     return kHostErrorGeneric;
 }
 
-const void* Session::suite_table(const std::string& name, A_long version, SuiteId& suite) {
-    const std::pair<SuiteId, const void*> tables[] = {
-        {SuiteId::registration, registration_suite()},
-        {SuiteId::import_manager, import_manager_suite()},
-        {SuiteId::utility, utility_suite()},
-        {SuiteId::persistent_data, persistent_data_suite()},
-        {SuiteId::project, project_suite()},
-        {SuiteId::item, item_suite()},
-        {SuiteId::footage, footage_suite()},
-        {SuiteId::comp, comp_suite()},
-        {SuiteId::layer, layer_suite()},
-        {SuiteId::stream, stream_suite()},
-        {SuiteId::keyframe, keyframe_suite()},
-        {SuiteId::light, light_suite()},
-        {SuiteId::memory, memory_suite()},
-        {SuiteId::io_in, io_in_suite()},
-        {SuiteId::io_out, io_out_suite()},
-        {SuiteId::ansi, ansi_suite()},
-        {SuiteId::adv_app, adv_app_suite()},
+const void* Session::suite_table(const std::string& name, A_long version, SuiteId& suite) const {
+    struct Tables {
+        SuiteId id;
+        const void* classic;
+        const void* today;
     };
-    for (const auto& [id, table] : tables) {
-        if (name == suite_info(id).name && version == suite_info(id).version) {
+    const Tables tables[] = {
+        {SuiteId::registration, registration_suite(), registration_suite_of_today()},
+        {SuiteId::import_manager, import_manager_suite(), import_manager_suite_of_today()},
+        {SuiteId::utility, utility_suite(), utility_suite()},
+        {SuiteId::persistent_data, persistent_data_suite(), persistent_data_suite_of_today()},
+        {SuiteId::project, project_suite(), project_suite_of_today()},
+        {SuiteId::item, item_suite(), item_suite()},
+        {SuiteId::footage, footage_suite(), footage_suite_of_today()},
+        {SuiteId::comp, comp_suite(), comp_suite()},
+        {SuiteId::layer, layer_suite(), layer_suite()},
+        {SuiteId::stream, stream_suite(), stream_suite()},
+        {SuiteId::keyframe, keyframe_suite(), keyframe_suite()},
+        {SuiteId::light, light_suite(), light_suite()},
+        {SuiteId::memory, memory_suite(), memory_suite()},
+        {SuiteId::io_in, io_in_suite(), io_in_suite_of_today()},
+        {SuiteId::io_out, io_out_suite(), io_out_suite_of_today()},
+        {SuiteId::ansi, ansi_suite(), ansi_suite()},
+        {SuiteId::adv_app, adv_app_suite(), adv_app_suite()},
+    };
+    for (const auto& [id, classic, today] : tables) {
+        if (name == suite_info(id).name && version == suite_info(id).version(options.generation)) {
             suite = id;
-            return table;
+            return options.generation == HostGeneration::classic ? classic : today;
         }
     }
     return nullptr;
-}
-
-const std::vector<SuiteName>& offered_suites() {
-    static const std::vector<SuiteName> suites = [] {
-        std::vector<SuiteName> all;
-        for (const SuiteInfo& info : kSuites) {
-            if (info.version != 0)
-                all.push_back({info.name, info.version});
-        }
-        return all;
-    }();
-    return suites;
 }
 
 namespace {
@@ -78,7 +69,7 @@ A_Err acquire_suite(const char* name, A_long version, const void** suite) {
             session.require(name, "name");
             session.require(suite, "suite") = nullptr;
             SuiteId id{};
-            const void* table = Session::suite_table(name, version, id);
+            const void* table = session.suite_table(name, version, id);
             if (table == nullptr || listed(session.options.suites_not_offered, name, version))
                 return kHostErrorMissingSuite;
             if (listed(session.options.suites_empty, name, version))
@@ -104,7 +95,7 @@ A_Err release_suite(const char* name, A_long version) {
         [&](Session& session) -> A_Err {
             session.require(name, "name");
             SuiteId id{};
-            if (Session::suite_table(name, version, id) == nullptr ||
+            if (session.suite_table(name, version, id) == nullptr ||
                 session.suites_acquired[static_cast<std::size_t>(id)] == 0)
                 session.refuse(Breach::suite_not_acquired, std::string(name) + " " + std::to_string(version) +
                                                                " was released and is not acquired");

@@ -11,7 +11,7 @@ void CallScope::write_line() {
     Json line = Json::object();
     line["n"] = session_.current_call.n;
     line["suite"] = suite.name;
-    line["version"] = suite.version;
+    line["version"] = suite.version(session_.options.generation);
     line["function"] = function.name;
     line["args"] = args_.take();
     line["out"] = out_.take();

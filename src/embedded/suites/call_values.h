@@ -22,6 +22,9 @@ class CallValues {
     void text(const char* name, const A_char* value) {
         values_[name] = value == nullptr ? Json() : json_text(value);
     }
+    void text(const char* name, const A_UTF16Char* value) {
+        values_[name] = value == nullptr ? Json() : json_text(Utf16View(value));
+    }
     void time(const char* name, const A_Time* value) {
         values_[name] = value == nullptr ? Json() : json_time(*value);
     }

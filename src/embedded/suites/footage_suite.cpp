@@ -1,4 +1,4 @@
-// "AEGP Footage Suite" 7: files, placeholders and how they are read.
+// "AEGP Footage Suite" 7, and 11 of today's hosts: files, placeholders and how they are read.
 
 #include <cmath>
 
@@ -37,7 +37,9 @@ SequenceRequest request_of(Session& session, const AEGP_FileSequenceImportOption
     return request;
 }
 
-A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_FootageLayerKey* layer_key,
+/// A path is narrow in classic hosts and UTF-16 in today's.
+template <class Char>
+A_Err new_footage(AEGP_PluginID plugin_id, const Char* path, const AEGP_FootageLayerKey* layer_key,
                   const AEGP_FileSequenceImportOptions* sequence_options, AEGP_InterpretationStyle style,
                   void* reserved, AEGP_FootageH* footage) {
     return host_call(
@@ -52,7 +54,7 @@ A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_Footag
         },
         [&](Session& session) -> A_Err {
             session.require_plugin(plugin_id);
-            session.require(path, "path");
+            const std::string file = session.path(path, "path");
             session.require_true(layer_key == nullptr, "layer_key",
                                  "is not null, and this host has no layered files");
             session.require_true(style == kInterpretationGuessWithoutDialog, "interpretation_style",
@@ -62,7 +64,7 @@ A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_Footag
             std::optional<SequenceRequest> sequence;
             if (sequence_options != nullptr)
                 sequence = request_of(session, *sequence_options);
-            const Id made = make_file_footage(session, path, sequence);
+            const Id made = make_file_footage(session, file, sequence);
             *footage = session.handles.handle<AEGP_FootageH>(made);
             return kHostErrorNone;
         },
@@ -166,18 +168,26 @@ A_Err set_interpretation(AEGP_ItemH item, A_Boolean proxy, const AEGP_FootageInt
         });
 }
 
+template <class Table>
+Table filled_table() {
+    auto suite = reserved_table<Table, SuiteId::footage>();
+    suite.AEGP_NewFootage = new_footage;
+    suite.AEGP_AddFootageToProject = add_footage;
+    suite.AEGP_GetFootageInterpretation = get_interpretation;
+    suite.AEGP_SetFootageInterpretation = set_interpretation;
+    suite.AEGP_NewPlaceholderFootage = new_placeholder;
+    return suite;
+}
+
 }  // namespace
 
 const AEGP_FootageSuite7* footage_suite() {
-    static const AEGP_FootageSuite7 table = [] {
-        auto suite = reserved_table<AEGP_FootageSuite7, SuiteId::footage>();
-        suite.AEGP_NewFootage = new_footage;
-        suite.AEGP_AddFootageToProject = add_footage;
-        suite.AEGP_GetFootageInterpretation = get_interpretation;
-        suite.AEGP_SetFootageInterpretation = set_interpretation;
-        suite.AEGP_NewPlaceholderFootage = new_placeholder;
-        return suite;
-    }();
+    static const auto table = filled_table<AEGP_FootageSuite7>();
+    return &table;
+}
+
+const AEGP_FootageSuite11* footage_suite_of_today() {
+    static const auto table = filled_table<AEGP_FootageSuite11>();
     return &table;
 }
 

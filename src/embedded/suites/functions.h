@@ -5,32 +5,34 @@
 #include <array>
 #include <cstddef>
 
+#include "embedded/host_options.h"
 #include "host/host_interface.h"
 
 namespace embedded {
 
-// SUITE(id, name, version, table). The first two are no suites that can be acquired: they are handed to the
-// bundle as they are, but their functions are counted and logged like the others, with version 0.
-#define VXR_HOST_SUITES(SUITE)                                                               \
-    SUITE(basic, "SPBasicSuite", 0, SPBasicSuite)                                            \
-    SUITE(basic_data, "AEIO_BasicData", 0, AEIO_BasicData)                                   \
-    SUITE(registration, "AEGP Register Suite", 4, AEGP_RegisterSuite4)                       \
-    SUITE(import_manager, "AEGP File Import Manager Suite", 2, AEGP_FileImportManagerSuite2) \
-    SUITE(utility, "AEGP Utility Suite", 7, AEGP_UtilitySuite7)                              \
-    SUITE(persistent_data, "AEGP Persistent Data Suite", 1, AEGP_PersistentDataSuite1)       \
-    SUITE(project, "AEGP Proj Suite", 5, AEGP_ProjSuite5)                                    \
-    SUITE(item, "AEGP Item Suite", 10, AEGP_ItemSuite10)                                     \
-    SUITE(footage, "AEGP Footage Suite", 7, AEGP_FootageSuite7)                              \
-    SUITE(comp, "AEGP Comp Suite", 9, AEGP_CompSuite9)                                       \
-    SUITE(layer, "AEGP Layer Suite", 11, AEGP_LayerSuite11)                                  \
-    SUITE(stream, "AEGP Stream Suite", 7, AEGP_StreamSuite7)                                 \
-    SUITE(keyframe, "AEGP Keyframe Suite", 3, AEGP_KeyframeSuite3)                           \
-    SUITE(light, "AEGP Light Suite", 2, AEGP_LightSuite2)                                    \
-    SUITE(memory, "AEGP Memory Suite", 1, AEGP_MemorySuite1)                                 \
-    SUITE(io_in, "AEGP IO In Suite", 1, AEGP_IOInSuite1)                                     \
-    SUITE(io_out, "AEGP IO Out Suite", 1, AEGP_IOOutSuite1)                                  \
-    SUITE(ansi, "PF ANSI Suite", 1, PF_ANSISuite1)                                           \
-    SUITE(adv_app, "PF AE Adv App Suite", 1, PF_AEAdvAppSuite1)
+// SUITE(id, name, version in classic hosts, version in today's). The first two are no suites that can be
+// acquired: they are handed to the bundle as they are, but their functions are counted and logged like the
+// others, with version 0. A host offers one version of each, that of its generation.
+#define VXR_HOST_SUITES(SUITE)                                    \
+    SUITE(basic, "SPBasicSuite", 0, 0)                            \
+    SUITE(basic_data, "AEIO_BasicData", 0, 0)                     \
+    SUITE(registration, "AEGP Register Suite", 4, 6)              \
+    SUITE(import_manager, "AEGP File Import Manager Suite", 2, 3) \
+    SUITE(utility, "AEGP Utility Suite", 7, 7)                    \
+    SUITE(persistent_data, "AEGP Persistent Data Suite", 1, 3)    \
+    SUITE(project, "AEGP Proj Suite", 5, 8)                       \
+    SUITE(item, "AEGP Item Suite", 10, 10)                        \
+    SUITE(footage, "AEGP Footage Suite", 7, 11)                   \
+    SUITE(comp, "AEGP Comp Suite", 9, 9)                          \
+    SUITE(layer, "AEGP Layer Suite", 11, 11)                      \
+    SUITE(stream, "AEGP Stream Suite", 7, 7)                      \
+    SUITE(keyframe, "AEGP Keyframe Suite", 3, 3)                  \
+    SUITE(light, "AEGP Light Suite", 2, 2)                        \
+    SUITE(memory, "AEGP Memory Suite", 1, 1)                      \
+    SUITE(io_in, "AEGP IO In Suite", 1, 5)                        \
+    SUITE(io_out, "AEGP IO Out Suite", 1, 7)                      \
+    SUITE(ansi, "PF ANSI Suite", 1, 1)                            \
+    SUITE(adv_app, "PF AE Adv App Suite", 1, 1)
 
 // FUNCTION(suite id, name, whether it returns an error code, so that it can fail)
 #define VXR_HOST_FUNCTIONS(FUNCTION)                                         \
@@ -89,6 +91,8 @@ namespace embedded {
     FUNCTION(io_in, AEGP_SetInSpecSize, true)                                \
     FUNCTION(io_in, AEGP_SetInSpecAlphaLabel, true)                          \
     FUNCTION(io_in, AEGP_SetInSpecDuration, true)                            \
+    FUNCTION(io_in, AEGP_GetInSpecFilePath, true)                            \
+    FUNCTION(io_in, AEGP_GetInSpecSize, true)                                \
     FUNCTION(io_in, AEGP_SetInSpecDimensions, true)                          \
     FUNCTION(io_out, AEGP_GetOutSpecFilePath, true)                          \
     FUNCTION(ansi, cos, false)                                               \
@@ -96,7 +100,7 @@ namespace embedded {
     FUNCTION(ansi, strcpy, false)
 
 enum class SuiteId : std::size_t {
-#define VXR_SUITE_ID(id, name, version, table) id,
+#define VXR_SUITE_ID(id, name, classic, today) id,
     VXR_HOST_SUITES(VXR_SUITE_ID)
 #undef VXR_SUITE_ID
         count
@@ -105,11 +109,15 @@ inline constexpr std::size_t kSuiteCount = static_cast<std::size_t>(SuiteId::cou
 
 struct SuiteInfo {
     const char* name;
-    A_long version;
+    A_long classic_version;
+    A_long today_version;
+    [[nodiscard]] constexpr A_long version(HostGeneration generation) const {
+        return generation == HostGeneration::classic ? classic_version : today_version;
+    }
 };
 
 inline constexpr std::array<SuiteInfo, kSuiteCount> kSuites{{
-#define VXR_SUITE_INFO(id, name, version, table) {name, version},
+#define VXR_SUITE_INFO(id, name, classic, today) {name, classic, today},
     VXR_HOST_SUITES(VXR_SUITE_INFO)
 #undef VXR_SUITE_INFO
 }};

@@ -1,4 +1,4 @@
-// "AEGP File Import Manager Suite" 2: importers.
+// "AEGP File Import Manager Suite" 2, and 3 of today's hosts: importers.
 
 #include "embedded/module_driver.h"
 #include "embedded/suites/host_call.h"
@@ -76,8 +76,10 @@ A_Err register_file_types(AE_FIM_ImportFlavorRef flavor, A_long num_kinds, const
         });
 }
 
+/// Today's callbacks take another kind of path.
+template <class Callbacks>
 A_Err register_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags,
-                         const AE_FIM_ImportCallbacks* callbacks) {
+                         const Callbacks* callbacks) {
     return host_call(
         Fn::AEGP_RegisterImportFlavorImportCallbacks,
         [&](CallValues& args) {
@@ -104,16 +106,24 @@ A_Err register_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags
         });
 }
 
+template <class Table>
+Table filled_table() {
+    auto suite = reserved_table<Table, SuiteId::import_manager>();
+    suite.AEGP_RegisterImportFlavor = register_flavor;
+    suite.AEGP_RegisterImportFlavorFileTypes = register_file_types;
+    suite.AEGP_RegisterImportFlavorImportCallbacks = register_callbacks;
+    return suite;
+}
+
 }  // namespace
 
 const AEGP_FileImportManagerSuite2* import_manager_suite() {
-    static const AEGP_FileImportManagerSuite2 table = [] {
-        auto suite = reserved_table<AEGP_FileImportManagerSuite2, SuiteId::import_manager>();
-        suite.AEGP_RegisterImportFlavor = register_flavor;
-        suite.AEGP_RegisterImportFlavorFileTypes = register_file_types;
-        suite.AEGP_RegisterImportFlavorImportCallbacks = register_callbacks;
-        return suite;
-    }();
+    static const auto table = filled_table<AEGP_FileImportManagerSuite2>();
+    return &table;
+}
+
+const AEGP_FileImportManagerSuite3* import_manager_suite_of_today() {
+    static const auto table = filled_table<AEGP_FileImportManagerSuite3>();
     return &table;
 }
 

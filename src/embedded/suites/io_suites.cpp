@@ -1,7 +1,9 @@
-// "AEGP IO In Suite" 1 and "AEGP IO Out Suite" 1: what input modules tell the host about a file, and ask
-// about an output.
+// "AEGP IO In Suite" 1 and "AEGP IO Out Suite" 1, and 5 and 7 of today's hosts: what input modules tell the
+// host about a file, and ask about an output.
 
 #include <cstring>
+#include <type_traits>
+#include <utility>
 
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/reserved_slots.h"
@@ -9,8 +11,6 @@
 
 namespace embedded {
 namespace {
-
-constexpr std::size_t kMaxPath = 259;  // what the bundle's buffer of 260 bytes holds beside its terminator
 
 A_Err get_options(AEIO_InSpecH in_spec, void** options) {
     return host_call(
@@ -83,19 +83,64 @@ A_Err set_depth(AEIO_InSpecH in_spec, A_short depth) {
         });
 }
 
-A_Err set_size(AEIO_InSpecH in_spec, A_long size_bytes) {
+/// 32 bits with a sign in classic hosts, 64 without one in today's.
+template <class Size>
+A_Err set_size(AEIO_InSpecH in_spec, Size size_bytes) {
     return host_call(
         Fn::AEGP_SetInSpecSize,
         [&](CallValues& args) {
             args.handle("in_spec", in_spec);
-            args.integer("size", size_bytes);
+            args.json("size", size_bytes);
         },
         [&](Session& session) -> A_Err {
             InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
-            session.require_true(size_bytes >= 0, "size", "is negative");
-            changed.size_bytes = size_bytes;
+            session.require_true(
+                std::in_range<std::uint64_t>(size_bytes) && std::in_range<std::int64_t>(size_bytes), "size",
+                std::is_signed_v<Size> ? "is negative" : "is larger than files are");
+            changed.size_bytes = static_cast<std::int64_t>(size_bytes);
             return kHostErrorNone;
         });
+}
+
+template <class Size>
+A_Err get_size(AEIO_InSpecH in_spec, Size* size_bytes) {
+    return host_call(
+        Fn::AEGP_GetInSpecSize, [&](CallValues& args) { args.handle("in_spec", in_spec); },
+        [&](Session& session) -> A_Err {
+            const InSpec& asked = session.in_spec(session.id(in_spec, "in_spec"));
+            session.require(size_bytes, "size") = static_cast<Size>(asked.size_bytes);
+            return kHostErrorNone;
+        },
+        [&](CallValues& out) { out.json("size", *size_bytes); });
+}
+
+/// A classic host writes a path into the caller's buffer; longer ones it cannot give.
+A_Err copy_path(Session& session, const std::string& known, A_char* path) {
+    session.require(path, "path");
+    if (known.size() >= kClassicPathBytes)
+        return kHostErrorGeneric;
+    std::memcpy(path, known.c_str(), known.size() + 1);
+    return kHostErrorNone;
+}
+
+A_Err get_input_path(AEIO_InSpecH in_spec, A_char* path) {
+    return host_call(
+        Fn::AEGP_GetInSpecFilePath, [&](CallValues& args) { args.handle("in_spec", in_spec); },
+        [&](Session& session) -> A_Err {
+            return copy_path(session, session.in_spec(session.id(in_spec, "in_spec")).path, path);
+        },
+        [&](CallValues& out) { out.text("path", path); });
+}
+
+A_Err lend_input_path(AEIO_InSpecH in_spec, AEGP_MemHandle* path) {
+    return host_call(
+        Fn::AEGP_GetInSpecFilePath, [&](CallValues& args) { args.handle("in_spec", in_spec); },
+        [&](Session& session) -> A_Err {
+            const InSpec& asked = session.in_spec(session.id(in_spec, "in_spec"));
+            session.require(path, "path") = session.lend_path(asked.path);
+            return kHostErrorNone;
+        },
+        [&](CallValues& out) { out.handle("path", *path); });
 }
 
 A_Err set_alpha_label(AEIO_InSpecH in_spec, const AEIO_AlphaLabel* label) {
@@ -147,36 +192,55 @@ A_Err set_dimensions(AEIO_InSpecH in_spec, A_long width, A_long height) {
         });
 }
 
+const std::string& output_path(Session& session, AEIO_OutSpecH out_spec) {
+    return session.out_spec_paths[Project::index(session.id(out_spec, "out_spec"))];
+}
+
 A_Err get_output_path(AEIO_OutSpecH out_spec, A_char* path) {
     return host_call(
         Fn::AEGP_GetOutSpecFilePath, [&](CallValues& args) { args.handle("out_spec", out_spec); },
+        [&](Session& session) -> A_Err { return copy_path(session, output_path(session, out_spec), path); },
+        [&](CallValues& out) { out.text("path", path); });
+}
+
+A_Err lend_output_path(AEIO_OutSpecH out_spec, AEGP_MemHandle* path, A_Boolean* reserved) {
+    return host_call(
+        Fn::AEGP_GetOutSpecFilePath, [&](CallValues& args) { args.handle("out_spec", out_spec); },
         [&](Session& session) -> A_Err {
-            const Id id = session.id(out_spec, "out_spec");
+            const std::string& known = output_path(session, out_spec);
             session.require(path, "path");
-            const std::string& known = session.out_spec_paths[Project::index(id)];
-            if (known.size() > kMaxPath)
-                return kHostErrorGeneric;
-            std::memcpy(path, known.c_str(), known.size() + 1);
+            session.require(reserved, "reserved") = 0;
+            *path = session.lend_path(known);
             return kHostErrorNone;
         },
-        [&](CallValues& out) { out.text("path", path); });
+        [&](CallValues& out) { out.handle("path", *path); });
+}
+
+template <class Table, class PathFunction>
+Table filled_in_table(PathFunction* path_function) {
+    auto suite = reserved_table<Table, SuiteId::io_in>();
+    suite.AEGP_GetInSpecOptionsHandle = get_options;
+    suite.AEGP_SetInSpecOptionsHandle = set_options;
+    suite.AEGP_GetInSpecFilePath = path_function;
+    suite.AEGP_SetInSpecNativeFPS = set_native_fps;
+    suite.AEGP_SetInSpecDepth = set_depth;
+    suite.AEGP_GetInSpecSize = get_size;
+    suite.AEGP_SetInSpecSize = set_size;
+    suite.AEGP_SetInSpecAlphaLabel = set_alpha_label;
+    suite.AEGP_SetInSpecDuration = set_duration;
+    suite.AEGP_SetInSpecDimensions = set_dimensions;
+    return suite;
 }
 
 }  // namespace
 
 const AEGP_IOInSuite1* io_in_suite() {
-    static const AEGP_IOInSuite1 table = [] {
-        auto suite = reserved_table<AEGP_IOInSuite1, SuiteId::io_in>();
-        suite.AEGP_GetInSpecOptionsHandle = get_options;
-        suite.AEGP_SetInSpecOptionsHandle = set_options;
-        suite.AEGP_SetInSpecNativeFPS = set_native_fps;
-        suite.AEGP_SetInSpecDepth = set_depth;
-        suite.AEGP_SetInSpecSize = set_size;
-        suite.AEGP_SetInSpecAlphaLabel = set_alpha_label;
-        suite.AEGP_SetInSpecDuration = set_duration;
-        suite.AEGP_SetInSpecDimensions = set_dimensions;
-        return suite;
-    }();
+    static const auto table = filled_in_table<AEGP_IOInSuite1>(get_input_path);
+    return &table;
+}
+
+const AEGP_IOInSuite5* io_in_suite_of_today() {
+    static const auto table = filled_in_table<AEGP_IOInSuite5>(lend_input_path);
     return &table;
 }
 
@@ -184,6 +248,15 @@ const AEGP_IOOutSuite1* io_out_suite() {
     static const AEGP_IOOutSuite1 table = [] {
         auto suite = reserved_table<AEGP_IOOutSuite1, SuiteId::io_out>();
         suite.AEGP_GetOutSpecFilePath = get_output_path;
+        return suite;
+    }();
+    return &table;
+}
+
+const AEGP_IOOutSuite7* io_out_suite_of_today() {
+    static const AEGP_IOOutSuite7 table = [] {
+        auto suite = reserved_table<AEGP_IOOutSuite7, SuiteId::io_out>();
+        suite.AEGP_GetOutSpecFilePath = lend_output_path;
         return suite;
     }();
     return &table;

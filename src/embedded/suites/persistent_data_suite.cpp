@@ -1,4 +1,4 @@
-// "AEGP Persistent Data Suite" 1: the host's preferences.
+// "AEGP Persistent Data Suite" 1, and 3 of today's hosts: the host's preferences.
 
 #include <cstring>
 
@@ -108,17 +108,25 @@ A_Err set_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
         });
 }
 
+template <class Table>
+Table filled_table() {
+    auto suite = reserved_table<Table, SuiteId::persistent_data>();
+    suite.AEGP_GetApplicationBlob = get_application_blob;
+    suite.AEGP_DoesKeyExist = does_key_exist;
+    suite.AEGP_GetData = get_data;
+    suite.AEGP_SetData = set_data;
+    return suite;
+}
+
 }  // namespace
 
 const AEGP_PersistentDataSuite1* persistent_data_suite() {
-    static const AEGP_PersistentDataSuite1 table = [] {
-        auto suite = reserved_table<AEGP_PersistentDataSuite1, SuiteId::persistent_data>();
-        suite.AEGP_GetApplicationBlob = get_application_blob;
-        suite.AEGP_DoesKeyExist = does_key_exist;
-        suite.AEGP_GetData = get_data;
-        suite.AEGP_SetData = set_data;
-        return suite;
-    }();
+    static const auto table = filled_table<AEGP_PersistentDataSuite1>();
+    return &table;
+}
+
+const AEGP_PersistentDataSuite3* persistent_data_suite_of_today() {
+    static const auto table = filled_table<AEGP_PersistentDataSuite3>();
     return &table;
 }
 

@@ -1,4 +1,4 @@
-// "AEGP Proj Suite" 5 and "AEGP Item Suite" 10: the project and its folders.
+// "AEGP Proj Suite" 5, and 8 of today's hosts, and "AEGP Item Suite" 10: the project and its folders.
 
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/reserved_slots.h"
@@ -47,15 +47,23 @@ A_Err create_folder(const A_char* name, AEGP_ItemH parent_folder, AEGP_ItemH* fo
         [&](CallValues& out) { out.handle("folder", *folder); });
 }
 
+template <class Table>
+Table filled_project_table() {
+    auto suite = reserved_table<Table, SuiteId::project>();
+    suite.AEGP_GetProjectByIndex = get_project;
+    suite.AEGP_GetProjectRootFolder = get_root_folder;
+    return suite;
+}
+
 }  // namespace
 
 const AEGP_ProjSuite5* project_suite() {
-    static const AEGP_ProjSuite5 table = [] {
-        auto suite = reserved_table<AEGP_ProjSuite5, SuiteId::project>();
-        suite.AEGP_GetProjectByIndex = get_project;
-        suite.AEGP_GetProjectRootFolder = get_root_folder;
-        return suite;
-    }();
+    static const auto table = filled_project_table<AEGP_ProjSuite5>();
+    return &table;
+}
+
+const AEGP_ProjSuite8* project_suite_of_today() {
+    static const auto table = filled_project_table<AEGP_ProjSuite8>();
     return &table;
 }
 

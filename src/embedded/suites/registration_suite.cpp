@@ -1,4 +1,4 @@
-// "AEGP Register Suite" 4: what a bundle registers for the life of the host.
+// "AEGP Register Suite" 4, and 6 of today's hosts: what a bundle registers for the life of the host.
 
 #include <algorithm>
 #include <array>
@@ -69,15 +69,21 @@ Json json_module_info(const AEIO_ModuleInfo* info) {
                 {"aux_extensions", aux_extensions}};
 }
 
+template <class Block>
+constexpr std::size_t kFields = sizeof(Block) / sizeof(ReservedSlot);
+
 /// How many of the block's functions there are.
-std::size_t filled_functions(const AEIO_FunctionBlock2& functions) {
-    const auto slots = std::bit_cast<std::array<void (*)(), kFunctionBlockFields>>(functions);
+template <class Block>
+std::size_t filled_functions(const Block& functions) {
+    const auto slots = std::bit_cast<std::array<void (*)(), kFields<Block>>>(functions);
     return static_cast<std::size_t>(
         std::count_if(slots.begin(), slots.end(), [](auto function) { return function != nullptr; }));
 }
 
+/// Today's block has more functions, and other paths.
+template <class Block>
 A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_ModuleInfo* info,
-                  const AEIO_FunctionBlock2* functions) {
+                  const Block* functions) {
     return host_call(
         Fn::AEGP_RegisterIO,
         [&](CallValues& args) {
@@ -91,7 +97,7 @@ A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_Modu
             session.require_plugin(plugin_id);
             session.require(info, "info");
             session.require(functions, "functions");
-            session.require_true(filled_functions(*functions) == kFunctionBlockFields, "functions",
+            session.require_true(filled_functions(*functions) == kFields<Block>, "functions",
                                  "has null fields");
             session.require_true(std::find(info->name, std::end(info->name), '\0') != std::end(info->name),
                                  "info.name", "is not terminated");
@@ -105,15 +111,23 @@ A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_Modu
         });
 }
 
+template <class Table>
+Table filled_table() {
+    auto suite = reserved_table<Table, SuiteId::registration>();
+    suite.AEGP_RegisterDeathHook = register_death_hook;
+    suite.AEGP_RegisterIO = register_io;
+    return suite;
+}
+
 }  // namespace
 
 const AEGP_RegisterSuite4* registration_suite() {
-    static const AEGP_RegisterSuite4 table = [] {
-        auto suite = reserved_table<AEGP_RegisterSuite4, SuiteId::registration>();
-        suite.AEGP_RegisterDeathHook = register_death_hook;
-        suite.AEGP_RegisterIO = register_io;
-        return suite;
-    }();
+    static const auto table = filled_table<AEGP_RegisterSuite4>();
+    return &table;
+}
+
+const AEGP_RegisterSuite6* registration_suite_of_today() {
+    static const auto table = filled_table<AEGP_RegisterSuite6>();
     return &table;
 }
 

@@ -3,16 +3,22 @@
 // The function table of every suite, one source file each. The tables live as long as the process.
 
 #include "host/host_interface.h"
+#include "host/today_interface.h"
 
 namespace embedded {
 
 const AEGP_RegisterSuite4* registration_suite();
+const AEGP_RegisterSuite6* registration_suite_of_today();
 const AEGP_FileImportManagerSuite2* import_manager_suite();
+const AEGP_FileImportManagerSuite3* import_manager_suite_of_today();
 const AEGP_UtilitySuite7* utility_suite();
 const AEGP_PersistentDataSuite1* persistent_data_suite();
+const AEGP_PersistentDataSuite3* persistent_data_suite_of_today();
 const AEGP_ProjSuite5* project_suite();
+const AEGP_ProjSuite8* project_suite_of_today();
 const AEGP_ItemSuite10* item_suite();
 const AEGP_FootageSuite7* footage_suite();
+const AEGP_FootageSuite11* footage_suite_of_today();
 const AEGP_CompSuite9* comp_suite();
 const AEGP_LayerSuite11* layer_suite();
 const AEGP_StreamSuite7* stream_suite();
@@ -20,7 +26,9 @@ const AEGP_KeyframeSuite3* keyframe_suite();
 const AEGP_LightSuite2* light_suite();
 const AEGP_MemorySuite1* memory_suite();
 const AEGP_IOInSuite1* io_in_suite();
+const AEGP_IOInSuite5* io_in_suite_of_today();
 const AEGP_IOOutSuite1* io_out_suite();
+const AEGP_IOOutSuite7* io_out_suite_of_today();
 const PF_ANSISuite1* ansi_suite();
 const PF_AEAdvAppSuite1* adv_app_suite();
 

@@ -1,0 +1,44 @@
+#pragma once
+
+// A file's path on its way into the bundle.
+
+#include <string>
+
+#include "embedded/host_options.h"
+#include "embedded/text_encoding.h"
+
+namespace embedded {
+
+/// Why a host of this generation cannot name a file: today's hosts can name none whose path is not UTF-8.
+/// Empty when it can.
+std::string path_problem(HostGeneration generation, const std::string& path);
+
+/// A path in both spellings; callbacks take one or the other.
+class HostPath {
+  public:
+    /// The wide spelling of a path that has none, and of every path in a classic host, is empty.
+    HostPath(HostGeneration generation, const std::string& path)
+        : narrow_(path),
+          wide_(generation == HostGeneration::today ? to_utf16(path).value_or(Utf16String())
+                                                    : Utf16String()) {}
+
+    // For a callback of the record that is named.
+    [[nodiscard]] const A_char* given_to(const AE_FIM_ImportCallbacks& /*callee*/) const {
+        return narrow_.c_str();
+    }
+    [[nodiscard]] const A_char* given_to(const AEIO_FunctionBlock2& /*callee*/) const {
+        return narrow_.c_str();
+    }
+    [[nodiscard]] const A_UTF16Char* given_to(const AE_FIM_ImportCallbacks3& /*callee*/) const {
+        return wide_.c_str();
+    }
+    [[nodiscard]] const A_UTF16Char* given_to(const AEIO_FunctionBlock4& /*callee*/) const {
+        return wide_.c_str();
+    }
+
+  private:
+    std::string narrow_;
+    Utf16String wide_;
+};
+
+}  // namespace embedded

@@ -1,0 +1,137 @@
+// The same files in a host of each generation: the same project comes of them, by the same calls.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "embedded/project_json.h"
+#include "end_to_end/call_notation.h"
+#include "end_to_end/texture_scene.h"
+#include "support/loaded_bundle.h"
+#include "support/scene_folder.h"
+
+namespace {
+
+using embedded::HostGeneration;
+using testing::IsEmpty;
+
+/// What is left of a bundle's life in one host.
+struct Life {
+    std::string project;
+    std::string discipline;
+    std::vector<std::string> messages;
+    std::vector<std::string> calls;  ///< lines of the log
+    bool clean = false;
+};
+
+template <class Use>
+Life life_in(HostGeneration generation, embedded::HostOptions options, const Use& use) {
+    LoadedBundle bundle(std::move(options), generation);
+    EXPECT_EQ(bundle.loaded().error, "");
+    use(bundle.host());
+    bundle.host().unload();
+    return {embedded::project_to_json(bundle.host().project()).dump(1), bundle.host().discipline().to_text(),
+            bundle.message_texts(), bundle.take_calls(), bundle.host().discipline().clean()};
+}
+
+template <class Use>
+void expect_the_same_of(const embedded::HostOptions& options, const Use& use) {
+    const Life classic = life_in(HostGeneration::classic, options, use);
+    const Life today = life_in(HostGeneration::today, options, use);
+    EXPECT_EQ(classic.project, today.project);
+    EXPECT_EQ(classic.discipline, today.discipline);
+    EXPECT_EQ(classic.messages, today.messages);
+    EXPECT_TRUE(today.clean) << today.discipline;
+    EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(today.calls)), "");
+    // The translation is what makes them the same, and changes nothing that is classic already.
+    EXPECT_NE(first_difference(classic.calls, today.calls), "");
+    EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(classic.calls)), "");
+}
+
+void import_scene(embedded::Host& host, const std::string& path) {
+    EXPECT_TRUE(host.verify(path).importable);
+    EXPECT_EQ(host.import_file(path).code, 0);
+}
+
+TEST(BothGenerations, MakeTheSameOfTheExamples) {
+    std::size_t scenes = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(VXR_EXAMPLES_DIR)) {
+        if (entry.path().extension() != ".aec")
+            continue;
+        SCOPED_TRACE(entry.path());
+        ++scenes;
+        expect_the_same_of({}, [&](embedded::Host& host) { import_scene(host, entry.path().string()); });
+    }
+    EXPECT_GE(scenes, 3U);
+}
+
+TEST(BothGenerations, MakeTheSameOfEveryKindOfEntryAndPreference) {
+    for (const char* name : {"minimal", "everything", "interlaced", "numbers", "older_host"}) {
+        SCOPED_TRACE(name);
+        const std::string scene = std::string(VXR_END_TO_END_DIR) + "/scenes/" + name + ".aec";
+        embedded::HostOptions options;
+        options.alpha_preference = 2;
+        options.version = {9, 32};
+        expect_the_same_of(options, [&](embedded::Host& host) { import_scene(host, scene); });
+        options.version = {9, 31};
+        expect_the_same_of(options, [&](embedded::Host& host) { import_scene(host, scene); });
+    }
+}
+
+TEST(BothGenerations, MakeTheSameOfTexturesOnTheirOwnAndInAScene) {
+    const SceneFolder folder;
+    const std::string path = folder.files().path("\U0001F3AC \u00E9toffe.txl");
+    ASSERT_FALSE(write_texture(path, make_texture(31, 17, Texture::kRgb, 2)).has_value());
+    const std::string scene = folder.scene(
+        "VORTAN XR COMPOSITION RESOLUTION 64 48 FROM 0 TO 3 RANGE 4 FPS 25\n"
+        "COMPOSITION NRM \"Main\" {\n FILE NRM STRAIGHT \"C:\\\U0001F3AC \u00E9toffe.txl\"\n}\n");
+    std::vector<std::vector<PF_Pixel>> frames;
+    expect_the_same_of({}, [&](embedded::Host& host) {
+        import_scene(host, scene);
+        const embedded::OpenResult opened = host.open_with_module(path);
+        ASSERT_EQ(opened.error, "");
+        frames.push_back(host.draw(opened.in_spec, {40, 20, 0, 0, 0, {0, 1}, 0x3C}).pixels);
+        EXPECT_EQ(host.dispose(opened.in_spec).code, 0);
+    });
+    ASSERT_EQ(frames.size(), 2U);
+    ASSERT_EQ(frames[0].size(), 800U);
+    for (std::size_t i = 0; i < frames[0].size(); ++i) {
+        EXPECT_EQ(frames[0][i].red, frames[1][i].red);
+        EXPECT_EQ(frames[0][i].alpha, frames[1][i].alpha);
+    }
+}
+
+TEST(BothGenerations, ReportTheSameFailures) {
+    const SceneFolder folder;
+    folder.files().write("cloth.txl", "no texture");
+    const std::string scene = folder.scene(
+        "VORTAN XR COMPOSITION RESOLUTION 64 48 FROM 0 TO 3 RANGE 4 FPS 25\n"
+        "COMPOSITION NRM \"Main\" {\n FILE NRM STRAIGHT \"C:\\cloth.txl\"\n}\n");
+    const auto use = [&](embedded::Host& host) { EXPECT_EQ(host.import_file(scene).code, 3); };
+    const Life classic = life_in(HostGeneration::classic, {}, use);
+    const Life today = life_in(HostGeneration::today, {}, use);
+    EXPECT_EQ(classic.messages.size(), 4U);
+    EXPECT_EQ(classic.messages, today.messages);
+    EXPECT_EQ(classic.project, today.project);
+    EXPECT_EQ(classic.discipline, today.discipline);
+    EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(today.calls)), "");
+}
+
+TEST(ClassicSpelling, ChangesVersionsAndNothingElse) {
+    const std::vector<std::string> today = {
+        R"({"n":1,"suite":"SPBasicSuite","version":0,"function":"AcquireSuite","args":{"name":"AEGP Footage Suite","version":11},"out":{"suite":"AEGP Footage Suite 11"},"result":0})",
+        R"({"n":2,"suite":"AEGP Footage Suite","version":11,"function":"AEGP_AddFootageToProject","args":{"footage":"footage:1","folder":"item:1"},"out":{"item":"item:2"},"result":0})",
+        R"({"n":3,"suite":"AEGP Layer Suite","version":11,"function":"AEGP_SetLayerFlag","args":{},"out":{},"result":0})",
+    };
+    const std::vector<std::string> classic = {
+        R"({"n":1,"suite":"SPBasicSuite","version":0,"function":"AcquireSuite","args":{"name":"AEGP Footage Suite","version":7},"out":{"suite":"AEGP Footage Suite 7"},"result":0})",
+        R"({"n":2,"suite":"AEGP Footage Suite","version":7,"function":"AEGP_AddFootageToProject","args":{"footage":"footage:1","folder":"item:1"},"out":{"item":"item:2"},"result":0})",
+        today[2],
+    };
+    EXPECT_EQ(in_classic_spelling(today), classic);
+}
+
+}  // namespace

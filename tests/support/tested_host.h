@@ -1,0 +1,42 @@
+#pragma once
+
+#include <cstdlib>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "embedded/host_options.h"
+
+/// The generation of hosts that the running test program is for. The build runs every end-to-end test program
+/// once for each, naming it in VXR_TESTED_HOST; run by hand without it, a program tests today's.
+inline embedded::HostGeneration tested_generation() {
+    const char* named = std::getenv("VXR_TESTED_HOST");
+    const auto kind = embedded::parse_host(named == nullptr ? "today" : named);
+    if (!kind)
+        throw std::runtime_error("VXR_TESTED_HOST is no kind of host: " + std::string(named));
+    return kind->generation;
+}
+
+inline bool tests_today() {
+    return tested_generation() == embedded::HostGeneration::today;
+}
+
+/// The suite of this name in the version that the tested host offers.
+inline embedded::SuiteName offered_suite(const std::string& name) {
+    for (const embedded::SuiteName& suite : embedded::offered_suites(tested_generation())) {
+        if (suite.name == name)
+            return suite;
+    }
+    throw std::runtime_error("no suite " + name);
+}
+
+/// What the user reads when a callback had to do without a suite that the tested host did not give. A classic
+/// host gets the exception and shows nothing; for today's the bridge keeps the exception in and reports the
+/// suite.
+inline std::vector<std::string> missing_suite_messages(const std::string& name) {
+    if (!tests_today())
+        return {};
+    const embedded::SuiteName suite = offered_suite(name);
+    return {"This plug-in needs the suite \"" + suite.name + "\" " + std::to_string(suite.version) +
+            ", which the host does not offer."};
+}
