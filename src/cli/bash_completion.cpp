@@ -1,5 +1,8 @@
 #include "cli/bash_completion.h"
 
+#include <algorithm>
+#include <sstream>
+
 namespace cli {
 namespace {
 
@@ -8,7 +11,20 @@ struct Words {
     std::string verbs;
     std::string options;
     std::string with_value;  ///< options whose next word is a value, as a pattern: "--save|--log"
+    std::string choices;     ///< assignments of the words that an option's value may be
 };
+
+/// The words in lower case of a value like "classic|today|MAJOR.MINOR", each with a blank behind it.
+std::string choices_of(const std::string& value) {
+    std::string choices;
+    std::istringstream alternatives(value);
+    for (std::string one; std::getline(alternatives, one, '|');) {
+        if (std::all_of(one.begin(), one.end(), [](char c) { return c >= 'a' && c <= 'z'; })) {
+            choices += one + ' ';
+        }
+    }
+    return choices;
+}
 
 Words words_of(const Page& page) {
     Words words;
@@ -21,6 +37,9 @@ Words words_of(const Page& page) {
                     words.options += name + ' ';
                     words.with_value +=
                         entry.value.empty() ? "" : (words.with_value.empty() ? "" : "|") + name;
+                    if (const std::string choices = choices_of(entry.value); !choices.empty()) {
+                        words.choices += "            choices[" + name + "]=\"" + choices + "\"\n";
+                    }
                 }
             }
         }
@@ -32,6 +51,7 @@ constexpr const char* kHead = R"(# bash completion for vxr; written by `vxr comp
 _vxr() {
     local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
     local command=vxr verbs= options= values= word i
+    local -A choices=()
     COMPREPLY=()
     for ((i = 1; i < COMP_CWORD; i++)); do
         word=${COMP_WORDS[i]}
@@ -44,7 +64,9 @@ constexpr const char* kMiddle = R"(        esac
 )";
 
 constexpr const char* kTail = R"(    esac
-    if [[ -n $values && $previous == @($values) ]]; then
+    if [[ -n $previous && -n ${choices[$previous]-} ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "${choices[$previous]}" -- "$current")
+    elif [[ -n $values && $previous == @($values) ]]; then
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
     elif [[ $current == -* ]]; then
@@ -77,7 +99,7 @@ std::string bash_completion(const std::vector<Page>& pages) {
         }
         script += "        \"" + page.command + "\")\n            verbs=\"" + words.verbs +
                   "\"\n            options=\"" + words.options + "\"\n            values=\"" +
-                  words.with_value + "\"\n            ;;\n";
+                  words.with_value + "\"\n" + words.choices + "            ;;\n";
     }
     return script + kTail;
 }

@@ -11,6 +11,7 @@
 #include "cli/bundle_path.h"
 #include "cli/diagnostic.h"
 #include "cli/frame_run.h"
+#include "cli/host_option.h"
 #include "cli/image_file.h"
 #include "cli/printable_text.h"
 #include "cli/project_tree.h"
@@ -62,23 +63,14 @@ class FrameCommand : public Command {
             })
             ->group("The frame");
         add_bundle_option(app, bundle_);
-        app.add_option("--host-version", version_, "the interface version that the host says it has")
-            ->type_name("MAJOR.MINOR")
-            ->capture_default_str()
-            ->check([](const std::string& text) {
-                return embedded::parse_interface_version(text) ? std::string()
-                                                               : '"' + text + "\" is not MAJOR.MINOR";
-            })
-            ->group("The plug-in and its host");
+        add_host_option(app, host_);
     }
 
     ExitCode run(Terminal& terminal) override {
         if (!writes_image_format(output_)) {
             throw UsageError("no image format has the extension of " + output_);
         }
-        embedded::HostOptions options;
-        options.version = *embedded::parse_interface_version(version_);
-        embedded::Host host(options);
+        embedded::Host host(host_of_kind(host_));
         FrameRun frame = draw_file(host, find_bundle(bundle_), file_, parse_frame_size(size_),
                                    static_cast<std::uint8_t>(fill_));
         if (frame.frame.has_value()) {
@@ -122,7 +114,7 @@ class FrameCommand : public Command {
     std::string output_;
     std::string size_;
     std::string bundle_;
-    std::string version_ = "11.0";
+    std::string host_ = kUsualHost;
     int fill_ = 0;
     bool json_ = false;
 };

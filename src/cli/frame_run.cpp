@@ -17,11 +17,6 @@ void refuse(FrameRun& run, std::string problem, ExitCode code = ExitCode::refuse
     run.problems.push_back(std::move(problem));
 }
 
-std::string end_text(const embedded::CallbackResult& result) {
-    return result.missing_suite ? "because the host does not offer a suite"
-                                : "with host error " + std::to_string(result.code);
-}
-
 /// The host's 8-bit pixels as a picture: nothing is multiplied or divided.
 Texture picture_of(const embedded::DrawResult& drawn) {
     Texture picture;
@@ -47,6 +42,9 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<Fram
     const embedded::Module* const module = host.module_for(path);
     if (module == nullptr) {
         return refuse(run, "no input module of the plug-in reads files like " + run.file);
+    }
+    if (const std::string problem = host.path_problem(path); !problem.empty()) {
+        return refuse(run, run.file + ": " + problem + " (--host classic)");
     }
     run.module = module->name();
     const embedded::OpenResult opened = host.open_with_module(path);

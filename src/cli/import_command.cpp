@@ -10,6 +10,7 @@
 
 #include "cli/bundle_path.h"
 #include "cli/diagnostic.h"
+#include "cli/host_option.h"
 #include "cli/import_run.h"
 #include "cli/output_file.h"
 #include "cli/printable_text.h"
@@ -59,11 +60,7 @@ class ImportCommand : public Command {
             ->type_name("FILE")
             ->group("Output");
         add_bundle_option(app, bundle_);
-        app.add_option("--host-version", version_, "the interface version that the host says it has")
-            ->type_name("MAJOR.MINOR")
-            ->capture_default_str()
-            ->check(checked_by(embedded::parse_interface_version, "MAJOR.MINOR"))
-            ->group(kHostGroup);
+        add_host_option(app, host_);
         app.add_option("--alpha-preference", preference_,
                        "the host's preference for unlabeled alpha: none, or a value from 0 to 255")
             ->type_name("VALUE")
@@ -127,8 +124,7 @@ class ImportCommand : public Command {
     }
 
     [[nodiscard]] embedded::HostOptions host_options() const {
-        embedded::HostOptions options;
-        options.version = *embedded::parse_interface_version(version_);
+        embedded::HostOptions options = host_of_kind(host_);
         for (const std::string& suite : without_) {
             options.suites_not_offered.push_back(*embedded::parse_suite_name(suite));
         }
@@ -176,7 +172,7 @@ class ImportCommand : public Command {
     std::string save_;
     std::string log_;
     std::string bundle_;
-    std::string version_ = "11.0";
+    std::string host_ = kUsualHost;
     std::string preference_ = "none";
     std::vector<std::string> without_;
     std::vector<std::string> faults_;
@@ -200,7 +196,7 @@ Verb import_verb() {
         {{"vxr import examples/interlaced/lantern_010.aec", "Shows the project of an interlaced scene."},
          {"vxr import --json shot.aec | jq '.compositions[].name'",
           "The project as JSON, for another program."},
-         {"vxr import --log calls.jsonl --host-version 9.31 shot.aec",
+         {"vxr import --log calls.jsonl --host 9.31 shot.aec",
           "Imports as into an older host, which gets no cameras, lights and nulls, and logs every call."},
          {"vxr import --fail AEGP_CreateComp:2:4 shot.aec",
           "What is left when the host has no memory for the second composition."}},

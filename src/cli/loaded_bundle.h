@@ -12,4 +12,7 @@ namespace cli {
 /// bundle's entry point failed, cannot_read_or_write when there was nothing to load.
 ExitCode load_bundle(embedded::Host& host, const FoundBundle& bundle, std::string& problem);
 
+/// How a callback ended that did not succeed: "with host error 4".
+std::string end_text(const embedded::CallbackResult& result);
+
 }  // namespace cli

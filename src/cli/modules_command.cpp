@@ -8,6 +8,7 @@
 
 #include "cli/bundle_path.h"
 #include "cli/diagnostic.h"
+#include "cli/host_option.h"
 #include "cli/loaded_bundle.h"
 #include "cli/printable_text.h"
 #include "cli/terminal.h"
@@ -62,10 +63,11 @@ class ModulesCommand : public Command {
     void add_options(CLI::App& app) override {
         app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
         add_bundle_option(app, bundle_);
+        add_host_option(app, host_);
     }
 
     ExitCode run(Terminal& terminal) override {
-        embedded::Host host;
+        embedded::Host host(host_of_kind(host_));
         std::string problem;
         const ExitCode code = load_bundle(host, find_bundle(bundle_), problem);
         if (code != ExitCode::fine) {
@@ -91,6 +93,7 @@ class ModulesCommand : public Command {
 
   private:
     std::string bundle_;
+    std::string host_ = kUsualHost;
     bool json_ = false;
 };
 

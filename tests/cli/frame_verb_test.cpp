@@ -96,7 +96,7 @@ TEST(FrameVerb, SaysWhatTheHostWasTold) {
                            ": 160 x 120, 32 bits, alpha premultiplied, still at 30 frames a second\n"
                            "frame of 160 x 120 -> frame.png\n");
     EXPECT_EQ(run.err, "");
-    const ProcessResult old_host = vxr(folder, {"frame", file, "-o", "frame.png", "--host-version", "9.31"});
+    const ProcessResult old_host = vxr(folder, {"frame", file, "-o", "frame.png", "--host", "9.31"});
     EXPECT_NE(old_host.out.find("32 bits, no alpha label"), std::string::npos) << old_host.out;
 
     const json document = json::parse(vxr(folder, {"frame", file, "-o", "frame.png", "--json"}).out);
@@ -104,6 +104,37 @@ TEST(FrameVerb, SaysWhatTheHostWasTold) {
     EXPECT_EQ(document.at("in_specs").at(0).at("depth"), 32);
     EXPECT_EQ(document.at("frame").at("draw_result"), 0);
     EXPECT_EQ(document.at("discipline").at("clean"), true);
+}
+
+TEST(FrameVerb, EveryKindOfHostDrawsTheSame) {
+    const TemporaryFolder folder;
+    const std::string file = kTextures + "/photo_rgb_alpha.txl";
+    const ProcessResult usual = vxr(folder, {"frame", file, "-o", "frame.png", "--json"});
+    const Texture drawn = picture(folder, "frame.png");
+    for (const char* kind : {"classic", "today", "12.5", "25.3"}) {
+        const ProcessResult run = vxr(folder, {"frame", file, "-o", "frame.png", "--json", "--host", kind});
+        EXPECT_EQ(run.exit_code, 0) << kind << run.err;
+        EXPECT_EQ(run.out, usual.out) << kind;
+        const Texture again = picture(folder, "frame.png");
+        EXPECT_TRUE(
+            std::equal(drawn.pixels.begin(), drawn.pixels.end(), again.pixels.begin(), again.pixels.end()))
+            << kind;
+        EXPECT_EQ(vxr(folder, {"modules", "--host", kind}).out, vxr(folder, {"modules"}).out) << kind;
+    }
+}
+
+TEST(FrameVerb, ATextureWhoseNameIsNoUtf8IsForClassicHosts) {
+    const TemporaryFolder folder;
+    const std::string file = "caf\xE9.txl";
+    ASSERT_FALSE(write_texture(folder.path(file), made_texture(8, 6, Texture::kRgb, 1)).has_value());
+    const ProcessResult today = vxr(folder, {"frame", file, "-o", "f.png"});
+    EXPECT_EQ(today.exit_code, 1);
+    EXPECT_EQ(today.out, "");
+    EXPECT_NE(today.err.find("caf\\xe9.txl: the path is not UTF-8 (byte 0xE9 at offset "), std::string::npos)
+        << today.err;
+    EXPECT_FALSE(fs::exists(folder.path("f.png")));
+    EXPECT_EQ(vxr(folder, {"frame", file, "-o", "f.png", "--host", "classic"}).exit_code, 0);
+    EXPECT_TRUE(fs::exists(folder.path("f.png")));
 }
 
 TEST(FrameVerb, AFrameOfAnotherSizeGetsTheTopLeftPart) {

@@ -4,6 +4,7 @@
 #include <fstream>
 #include <iterator>
 #include <nlohmann/json.hpp>
+#include <set>
 #include <sstream>
 #include <string>
 #include <vector>
@@ -104,6 +105,59 @@ TEST(ImportVerb, FilesThatThePlugInIgnoresAreExplained) {
     }
 }
 
+TEST(ImportVerb, EveryKindOfHostMakesTheSameProject) {
+    for (const char* example : {"square/courtyard_020.aec", "interlaced/lantern_010.aec"}) {
+        const std::string scene = std::string(VXR_EXAMPLES_DIR) + "/" + example;
+        const ProcessResult usual = import_file({"--json", scene});
+        EXPECT_EQ(usual.exit_code, 0);
+        for (const char* kind : {"classic", "today", "9.32", "12.5", "25.3", "classic:25.3", "today:9.32"}) {
+            const ProcessResult run = import_file({"--json", "--host", kind, scene});
+            EXPECT_EQ(run.exit_code, 0) << kind;
+            EXPECT_EQ(run.out, usual.out) << kind;
+            EXPECT_EQ(run.err, usual.err) << kind;
+        }
+    }
+}
+
+TEST(ImportVerb, TheLogSaysWhichHostItWas) {
+    const TemporaryFolder folder;
+    const std::string log = folder.path("calls.jsonl");
+    const auto footage_versions = [&](const std::vector<std::string>& options) {
+        std::vector<std::string> arguments = {"--log", log, kLantern};
+        arguments.insert(arguments.begin(), options.begin(), options.end());
+        EXPECT_EQ(import_file(arguments).exit_code, 0);
+        std::istringstream lines(read_file(log));
+        std::set<int> versions;
+        for (std::string line; std::getline(lines, line);) {
+            const json call = json::parse(line);
+            if (call.at("suite") == "AEGP Footage Suite")
+                versions.insert(call.at("version").get<int>());
+        }
+        return versions;
+    };
+    EXPECT_EQ(footage_versions({}), std::set<int>{11});
+    EXPECT_EQ(footage_versions({"--host", "today"}), std::set<int>{11});
+    EXPECT_EQ(footage_versions({"--host", "classic"}), std::set<int>{7});
+}
+
+// Linux takes any bytes for a name, and a host of today's has no way to write them.
+TEST(ImportVerb, AFileWhoseNameIsNoUtf8IsForClassicHosts) {
+    const TemporaryFolder folder;
+    const std::string scene = folder.write("caf\xE9.aec", kSettings + "COMPOSITION NRM \"Main\" { }\n");
+    const ProcessResult today = import_file({scene});
+    EXPECT_EQ(today.exit_code, 1);
+    EXPECT_EQ(today.out, "");
+    const std::string shown = folder.path("caf\\xe9.aec");
+    EXPECT_EQ(today.err,
+              "vxr: error: " + shown + ": the path is not UTF-8 (byte 0xE9 at offset " +
+                  std::to_string(scene.find('\xE9')) +
+                  "), and today's hosts name files in Unicode; only a classic host can be given it "
+                  "(--host classic)\n");
+    const ProcessResult classic = import_file({"--host", "classic", scene});
+    EXPECT_EQ(classic.exit_code, 0) << classic.err;
+    EXPECT_NE(classic.out.find("1 composition"), std::string::npos) << classic.out;
+}
+
 TEST(ImportVerb, FilesThatCannotBeRead) {
     const TemporaryFolder folder;
     for (const std::string& path : {folder.path("missing.aec"), folder.folder().string()}) {
@@ -131,7 +185,18 @@ const Fault kFaults[] = {
      {"--without-suite", "AEGP Comp Suite:9"},
      1,
      "vxr: error: the import ended because the host does not offer a suite; what was made before stays\n",
+     "Messages to the user:\n"
+     "  This plug-in needs the suite \"AEGP Comp Suite\" 9, which the host does not offer.\n"},
+    {"suite that is not there in a classic host",
+     {"--without-suite", "AEGP Comp Suite:9", "--host", "classic"},
+     1,
+     "vxr: error: the import ended because the host does not offer a suite; what was made before stays\n",
      "[missing_suite_exception]\n"},
+    {"suite that today's hosts have in another version only",
+     {"--without-suite", "AEGP Footage Suite:7"},
+     0,
+     "vxr: note: the host never offers \"AEGP Footage Suite\" version 7\n",
+     "1 null\n"},
     {"object that fails without a word",
      {"--fail", "AEGP_CreateLightInComp:1:4"},
      1,

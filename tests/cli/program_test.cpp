@@ -48,7 +48,8 @@ const Case kWrongUsage[] = {
      "vxr: error: The following argument was not expected: b.aec\nSee `vxr import --help`.\n"},
     {"version that is none",
      {"import", "--host-version", "9", "a.aec"},
-     "vxr: error: --host-version: \"9\" is not MAJOR.MINOR\nSee `vxr import --help`.\n"},
+     "vxr: error: --host: \"9\" is not classic, today, MAJOR.MINOR or both with a colon between\nSee `vxr "
+     "import --help`.\n"},
     {"preference out of range",
      {"import", "--alpha-preference", "256", "a.aec"},
      "vxr: error: --alpha-preference: \"256\" is not none and not from 0 to 255\nSee `vxr import --help`.\n"},
