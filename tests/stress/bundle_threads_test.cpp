@@ -59,7 +59,7 @@ void on_all_threads(const Work& work) {
     }
 }
 
-class BundleThreads : public testing::Test {
+class BundleThreads : public testing::TestWithParam<HostGeneration> {
   protected:
     BundleThreads() {
         for (const Picture& picture : kPictures) {
@@ -96,7 +96,7 @@ class BundleThreads : public testing::Test {
     }
 
     TemporaryFolder folder_;
-    ThreadedHost host_{VXR_BUNDLE_PATH};
+    ThreadedHost host_{VXR_BUNDLE_PATH, GetParam()};
     long suites_kept_by_the_entry_point_ = host_.suites_lent();
     std::vector<std::string> paths_;
     std::vector<std::vector<DrawnFrame>> serial_;  ///< by picture, by geometry
@@ -104,7 +104,7 @@ class BundleThreads : public testing::Test {
     long handles_deliberately_kept_ = 0;
 };
 
-TEST_F(BundleThreads, DrawOneItemAtTheSameTime) {
+TEST_P(BundleThreads, DrawOneItemAtTheSameTime) {
     const ThreadedHost::Item item(host_, paths_[1]);
     std::atomic<int> equal{0};
     on_all_threads([&](int thread) {
@@ -117,7 +117,7 @@ TEST_F(BundleThreads, DrawOneItemAtTheSameTime) {
     EXPECT_EQ(equal, kDraws);
 }
 
-TEST_F(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
+TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
     std::deque<ThreadedHost::Item> shared;  // drawn by every thread, while each opens and closes its own
     for (const std::string& path : paths_)
         shared.emplace_back(host_, path);
@@ -144,5 +144,11 @@ TEST_F(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
     EXPECT_EQ(host_.reports(), 2L * refused);
     handles_deliberately_kept_ = refused;
 }
+
+INSTANTIATE_TEST_SUITE_P(Hosts, BundleThreads,
+                         testing::Values(HostGeneration::classic, HostGeneration::today),
+                         [](const auto& generation) {
+                             return generation.param == HostGeneration::classic ? "classic" : "today";
+                         });
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <dlfcn.h>
 
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 #include <string_view>
 #include <utility>
@@ -75,13 +76,14 @@ A_Err set_dimensions(AEIO_InSpecH spec, A_long width_px, A_long height_px) {
     return kHostErrorNone;
 }
 
-AEGP_IOInSuite1 io_in_suite() {
-    AEGP_IOInSuite1 suite = {};
+template <typename Suite>
+Suite io_in_suite() {
+    Suite suite = {};
     suite.AEGP_GetInSpecOptionsHandle = get_options;
     suite.AEGP_SetInSpecOptionsHandle = set_options;
     suite.AEGP_SetInSpecNativeFPS = [](AEIO_InSpecH, A_Fixed) { return kHostErrorNone; };
     suite.AEGP_SetInSpecDepth = [](AEIO_InSpecH, A_short) { return kHostErrorNone; };
-    suite.AEGP_SetInSpecSize = [](AEIO_InSpecH, A_long) { return kHostErrorNone; };
+    suite.AEGP_SetInSpecSize = [](AEIO_InSpecH, auto) { return kHostErrorNone; };
     suite.AEGP_SetInSpecAlphaLabel = [](AEIO_InSpecH, const AEIO_AlphaLabel*) { return kHostErrorNone; };
     suite.AEGP_SetInSpecDuration = [](AEIO_InSpecH, const A_Time*) { return kHostErrorNone; };
     suite.AEGP_SetInSpecDimensions = set_dimensions;
@@ -105,8 +107,9 @@ PF_ANSISuite1 ansi_suite() {
     return suite;
 }
 
-AEGP_FileImportManagerSuite2 import_suite() {
-    AEGP_FileImportManagerSuite2 suite = {};
+template <typename Suite>
+Suite import_suite() {
+    Suite suite = {};
     suite.AEGP_RegisterImportFlavor = [](const A_char*, AE_FIM_ImportFlavorRef* flavor) {
         *flavor = 1;
         return kHostErrorNone;
@@ -114,20 +117,18 @@ AEGP_FileImportManagerSuite2 import_suite() {
     suite.AEGP_RegisterImportFlavorFileTypes = [](AE_FIM_ImportFlavorRef, A_long, const AEIO_FileKind*,
                                                   A_long, const AEIO_FileKind*) { return kHostErrorNone; };
     suite.AEGP_RegisterImportFlavorImportCallbacks = [](AE_FIM_ImportFlavorRef, AE_FIM_ImportFlags,
-                                                        const AE_FIM_ImportCallbacks*) {
-        return kHostErrorNone;
-    };
+                                                        const auto*) { return kHostErrorNone; };
     return suite;
 }
 
-AEGP_RegisterSuite4 register_suite() {
-    AEGP_RegisterSuite4 suite = {};
+template <typename Suite>
+Suite register_suite() {
+    Suite suite = {};
     suite.AEGP_RegisterDeathHook = [](AEGP_PluginID, AEGP_DeathHook, AEGP_DeathRefcon) {
         return kHostErrorNone;
     };
-    suite.AEGP_RegisterIO = [](AEGP_PluginID, AEGP_IORefcon, const AEIO_ModuleInfo*,
-                               const AEIO_FunctionBlock2* functions) {
-        host().module_ = *functions;
+    suite.AEGP_RegisterIO = [](AEGP_PluginID, AEGP_IORefcon, const AEIO_ModuleInfo*, const auto* functions) {
+        host().keep_module(*functions);
         return kHostErrorNone;
     };
     return suite;
@@ -137,26 +138,34 @@ struct SuiteRow {
     std::string_view name;
     A_long version;
     const void* table;
+    std::optional<HostGeneration> generation = {};  ///< none: both
 };
 
 const AEGP_MemorySuite1 kMemory = {new_handle, free_handle, lock_handle, unlock_handle, {}};
-const AEGP_IOInSuite1 kIOIn = io_in_suite();
 const AEGP_UtilitySuite7 kUtility = utility_suite();
 const PF_ANSISuite1 kANSI = ansi_suite();
-const AEGP_FileImportManagerSuite2 kImport = import_suite();
-const AEGP_RegisterSuite4 kRegister = register_suite();
+const auto kClassicIOIn = io_in_suite<AEGP_IOInSuite1>();
+const auto kClassicImport = import_suite<AEGP_FileImportManagerSuite2>();
+const auto kClassicRegister = register_suite<AEGP_RegisterSuite4>();
+const auto kTodayIOIn = io_in_suite<AEGP_IOInSuite5>();
+const auto kTodayImport = import_suite<AEGP_FileImportManagerSuite3>();
+const auto kTodayRegister = register_suite<AEGP_RegisterSuite6>();
 const SuiteRow kSuites[] = {
     {"AEGP Memory Suite", 1, &kMemory},
-    {"AEGP IO In Suite", 1, &kIOIn},
     {"AEGP Utility Suite", 7, &kUtility},
     {"PF ANSI Suite", 1, &kANSI},
-    {"AEGP File Import Manager Suite", 2, &kImport},
-    {"AEGP Register Suite", 4, &kRegister},
+    {"AEGP IO In Suite", 1, &kClassicIOIn, HostGeneration::classic},
+    {"AEGP File Import Manager Suite", 2, &kClassicImport, HostGeneration::classic},
+    {"AEGP Register Suite", 4, &kClassicRegister, HostGeneration::classic},
+    {"AEGP IO In Suite", 5, &kTodayIOIn, HostGeneration::today},
+    {"AEGP File Import Manager Suite", 3, &kTodayImport, HostGeneration::today},
+    {"AEGP Register Suite", 6, &kTodayRegister, HostGeneration::today},
 };
 
 A_Err acquire_suite(const char* name, A_long version, const void** suite) {
     for (const SuiteRow& row : kSuites) {
-        if (row.name == name && row.version == version) {
+        const bool offered = row.generation.value_or(host().generation_) == host().generation_;
+        if (offered && row.name == name && row.version == version) {
             *suite = row.table;
             ThreadedHost::count(host().suites_lent_);
             return kHostErrorNone;
@@ -181,23 +190,54 @@ void ThreadedHost::Unload::operator()(void* bundle) const {
     ::dlclose(bundle);
 }
 
-ThreadedHost::ThreadedHost(const std::string& bundle, const std::string& entry)
-    : bundle_(::dlopen(bundle.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+template <typename Function>
+Function ThreadedHost::entry(const char* name) const {
+    const auto function = reinterpret_cast<Function>(::dlsym(bundle_.get(), name));
+    if (function == nullptr)
+        throw std::runtime_error(std::string("the bundle does not export ") + name);
+    return function;
+}
+
+ThreadedHost::ThreadedHost(const std::string& bundle, HostGeneration generation)
+    : generation_(generation), bundle_(::dlopen(bundle.c_str(), RTLD_NOW | RTLD_LOCAL)) {
     if (bundle_ == nullptr)
         throw std::runtime_error(::dlerror());
-    const auto function = reinterpret_cast<AEGP_PluginInitFunc>(::dlsym(bundle_.get(), entry.c_str()));
-    if (function == nullptr)
-        throw std::runtime_error("the bundle does not export " + entry);
     g_current = this;
     basic_suite_.AcquireSuite = acquire_suite;
     basic_suite_.ReleaseSuite = release_suite;
     basic_.basic_suite = &basic_suite_;
     basic_.plugin_id = 1;
-    AEGP_GlobalRefcon refcon = nullptr;
-    if (const A_Err err = function(&basic_suite_, 11, 0, "", "", 1, &refcon); err != kHostErrorNone)
+    if (const A_Err err = enter(); err != kHostErrorNone)
         throw std::runtime_error("the entry point failed with " + std::to_string(err));
-    if (!module_.has_value())
+    if (!classic_module_ && !today_module_)
         throw std::runtime_error("the bundle registered no input module");
+}
+
+A_Err ThreadedHost::enter() {
+    AEGP_GlobalRefcon refcon = nullptr;
+    return generation_ == HostGeneration::classic
+               ? entry<AEGP_PluginInitFunc>("Main_VORTANXR_AE")(&basic_suite_, 11, 0, "", "", 1, &refcon)
+               : entry<AEGP_PluginInitFuncToday>("EntryPointFunc")(&basic_suite_, 13, 28, 1, &refcon);
+}
+
+A_Err ThreadedHost::init_in_spec(const std::string& path, AEIO_InSpecH spec) {
+    return generation_ == HostGeneration::classic
+               ? classic_module_->AEIO_InitInSpecFromFile(&basic_, path.c_str(), spec)
+               : today_module_->AEIO_InitInSpecFromFile(
+                     &basic_, std::filesystem::path(path).u16string().c_str(), spec);
+}
+
+A_Err ThreadedHost::draw_sparse_frame(AEIO_InSpecH spec, PF_LayerDef* world) {
+    AEIO_DrawSparseFramePB request{};
+    AEIO_DrawingFlags flags = 0;
+    const auto draw = generation_ == HostGeneration::classic ? classic_module_->AEIO_DrawSparseFrame
+                                                             : today_module_->AEIO_DrawSparseFrame;
+    return draw(&basic_, spec, &request, world, &flags);
+}
+
+A_Err ThreadedHost::dispose_in_spec(AEIO_InSpecH spec) {
+    return generation_ == HostGeneration::classic ? classic_module_->AEIO_DisposeInSpec(&basic_, spec)
+                                                  : today_module_->AEIO_DisposeInSpec(&basic_, spec);
 }
 
 ThreadedHost::~ThreadedHost() {
@@ -207,11 +247,11 @@ ThreadedHost::~ThreadedHost() {
 }
 
 ThreadedHost::Item::Item(ThreadedHost& host, const std::string& path) : host_(host) {
-    code_ = host_.module_->AEIO_InitInSpecFromFile(&host_.basic_, path.c_str(), &footage_pointer_);
+    code_ = host_.init_in_spec(path, &footage_pointer_);
 }
 
 ThreadedHost::Item::~Item() {
-    if (host_.module_->AEIO_DisposeInSpec(&host_.basic_, &footage_pointer_) != kHostErrorNone)
+    if (host_.dispose_in_spec(&footage_pointer_) != kHostErrorNone)
         count(host_.misuses_);
 }
 
@@ -230,9 +270,6 @@ DrawnFrame ThreadedHost::Item::draw(const FrameGeometry& geometry) const {
     world.row_bytes = geometry.upwards ? -row_bytes : row_bytes;
     world.width = geometry.width_px;
     world.height = geometry.height_px;
-    AEIO_DrawSparseFramePB request{};
-    AEIO_DrawingFlags flags = 0;
-    frame.code =
-        host_.module_->AEIO_DrawSparseFrame(&host_.basic_, &footage_pointer_, &request, &world, &flags);
+    frame.code = host_.draw_sparse_frame(&footage_pointer_, &world);
     return frame;
 }

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/host_interface.h"
+#include "host/today_interface.h"
 
 /// What a host keeps of one footage item. Set by the thread that opens it, read by all that draw it.
 struct AEIO_SeqSpec {
@@ -34,13 +34,16 @@ struct FrameGeometry {
     bool upwards = false;      ///< rows run upwards in memory
 };
 
+/// Which suites and paths a host has, and which entry it calls.
+enum class HostGeneration { classic, today };
+
 /// Loads the bundle and calls its input module. **Its suites take no lock and order nothing between threads**
 /// (what they count, they count with relaxed atomics), so that a race in the bundle is not hidden behind the
 /// host's own synchronisation. One at a time is alive.
 class ThreadedHost {
   public:
     /// Throws std::runtime_error when the bundle does not load.
-    explicit ThreadedHost(const std::string& bundle, const std::string& entry = "Main_VORTANXR_AE");
+    ThreadedHost(const std::string& bundle, HostGeneration generation);
     ~ThreadedHost();
     ThreadedHost(const ThreadedHost&) = delete;
     ThreadedHost& operator=(const ThreadedHost&) = delete;
@@ -86,9 +89,18 @@ class ThreadedHost {
     std::atomic<long> handles_lent_{0};
     std::atomic<long> suites_lent_{0};
     std::atomic<AEGP_MemHandle> newest_handle_{nullptr};
-    std::optional<AEIO_FunctionBlock2> module_;
+    void keep_module(const AEIO_FunctionBlock2& functions) { classic_module_ = functions; }
+    void keep_module(const AEIO_FunctionBlock4& functions) { today_module_ = functions; }
+    const HostGeneration generation_;
 
   private:
+    template <typename Function>
+    Function entry(const char* name) const;
+    A_Err enter();
+    A_Err init_in_spec(const std::string& path, AEIO_InSpecH spec);
+    A_Err draw_sparse_frame(AEIO_InSpecH spec, PF_LayerDef* world);
+    A_Err dispose_in_spec(AEIO_InSpecH spec);
+
     struct Unload {
         void operator()(void* bundle) const;
     };
@@ -96,4 +108,6 @@ class ThreadedHost {
     std::unique_ptr<void, Unload> bundle_;
     SPBasicSuite basic_suite_ = {};
     AEIO_BasicData basic_ = {};
+    std::optional<AEIO_FunctionBlock2> classic_module_;
+    std::optional<AEIO_FunctionBlock4> today_module_;
 };
