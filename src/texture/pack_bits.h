@@ -25,3 +25,8 @@
 /// the room left is cut, which alone is not a failure. On failure the contents of `dst` are undefined.
 [[nodiscard]] bool PackBitsDecode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                                   std::int32_t dstLen);
+
+/// The same for input behind which nothing belongs to the caller: a 0 is taken for the byte behind it, which
+/// is not read.
+[[nodiscard]] bool PackBitsDecodeBlock(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                                       std::int32_t dstLen);

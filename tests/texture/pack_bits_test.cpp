@@ -172,13 +172,19 @@ TEST(PackBitsDecode, LengthsBelowZeroAreNothing) {
     EXPECT_FALSE(PackBitsDecode(&byte, INT32_MIN, &byte, 1));
 }
 
+void ExpectDecodedAsReference(const Bytes& coded, std::size_t wanted) {
+    ASSERT_EQ(Decoded(coded, wanted), ReferenceDecode(coded, wanted))
+        << testing::PrintToString(coded) << " into " << wanted;
+    ASSERT_EQ(DecodedBlock(coded, wanted), ReferenceDecode(coded, wanted, 0))
+        << testing::PrintToString(coded) << " into " << wanted << ", nothing behind it";
+}
+
 TEST(PackBitsDecode, EveryShortInputAtEveryCapacity) {
     const Bytes alphabet = {0x00, 0x01, 0x02, 0x7F, 0x80, 0x81, 0xC0, 0xFE, 0xFF};
     const std::size_t words = ForEveryWord(alphabet, 3, [](const Bytes& coded) {
         // At most two runs of 128 (one with its value, one without), and one byte more than they give.
         for (std::size_t wanted = 0; wanted <= 257; ++wanted)
-            ASSERT_EQ(Decoded(coded, wanted), ReferenceDecode(coded, wanted))
-                << testing::PrintToString(coded) << " into " << wanted;
+            ExpectDecodedAsReference(coded, wanted);
     });
     EXPECT_EQ(words, 820U);
 }
@@ -208,6 +214,47 @@ TEST_P(PackBitsRandom, AnyBytesDecodeAsTheReferenceSays) {
         accepted += expected.has_value() ? 1 : 0;
     }
     EXPECT_GT(accepted, 0U);
+}
+
+TEST_P(PackBitsRandom, RowsAtEveryCapacity) {
+    std::mt19937 random(GetParam());
+    for (int i = 0; i < 20; ++i)
+        ExpectEncodedAsReferenceAtEveryCapacity(RandomRow(random, 600));
+}
+
+// Rows as pictures have them: short runs between short literals, and runs and literals of several packets.
+TEST_P(PackBitsRandom, LongRowsOfEveryNumberOfValues) {
+    std::mt19937 random(GetParam());
+    for (const unsigned values : {1U, 2U, 4U, 16U, 256U}) {
+        for (int i = 0; i < 40; ++i) {
+            Bytes plain = RandomRow(random, 9000);
+            for (unsigned char& value : plain)
+                value = static_cast<unsigned char>(value % values);
+            const Reference reference = ReferenceEncode(plain);
+            ASSERT_EQ(Encoded(plain, reference.room_bytes), reference.coded);
+            ASSERT_EQ(Encoded(plain, reference.room_bytes - 1), std::nullopt);
+            ASSERT_EQ(Encoded(plain, 2 * plain.size() + 2), reference.coded);
+            ASSERT_EQ(Decoded(reference.coded, plain.size()), plain);
+            ASSERT_EQ(DecodedBlock(reference.coded, plain.size()), plain);
+        }
+    }
+}
+
+TEST_P(PackBitsRandom, DamagedRowsDecodeAsTheReferenceSays) {
+    std::mt19937 random(GetParam());
+    const auto below = [&random](std::size_t limit) {
+        return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
+    };
+    for (int i = 0; i < 1500; ++i) {
+        const Bytes plain = RandomRow(random, 800);
+        Bytes coded = ReferenceEncode(plain).coded;
+        for (std::size_t changes = below(3); changes > 0; --changes)
+            coded[below(coded.size())] = static_cast<unsigned char>(below(256));
+        if (below(3) == 0)
+            coded.resize(1 + below(coded.size()));
+        for (const std::size_t wanted : {plain.size(), plain.size() + below(200), below(plain.size())})
+            ExpectDecodedAsReference(coded, wanted);
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Seeds, PackBitsRandom, testing::Values(1U, 7U, 20240229U));

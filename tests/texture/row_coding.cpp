@@ -57,6 +57,14 @@ std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted) {
     return dst.All();
 }
 
+std::optional<Bytes> DecodedBlock(const Bytes& coded, std::size_t wanted) {
+    ExactBuffer src(coded);
+    ExactBuffer dst(wanted);
+    if (!PackBitsDecodeBlock(src.data(), src.size(), dst.data(), dst.size()))
+        return std::nullopt;
+    return dst.All();
+}
+
 Reference ReferenceEncode(const Bytes& plain) {
     Reference reference;
     const std::vector<Packet> packets = PacketsOf(plain);
@@ -76,7 +84,7 @@ Reference ReferenceEncode(const Bytes& plain) {
     return reference;
 }
 
-std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted) {
+std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted, unsigned char behind) {
     Bytes out;
     std::size_t at = 0;
     while (out.size() < wanted && at < coded.size()) {
@@ -84,7 +92,7 @@ std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted) {
         if (control == 0x80)
             continue;
         if (control > 0x80) {
-            const unsigned char value = at < coded.size() ? coded[at] : kGuard;
+            const unsigned char value = at < coded.size() ? coded[at] : behind;
             ++at;
             out.insert(out.end(), 257U - control, value);
         } else {

@@ -19,6 +19,9 @@ inline constexpr unsigned char kGuard = 0x5A;
 /// What the decoder made of the input with the one guard byte behind it; nothing when it refused.
 [[nodiscard]] std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted);
 
+/// The same with nothing behind the input.
+[[nodiscard]] std::optional<Bytes> DecodedBlock(const Bytes& coded, std::size_t wanted);
+
 /// What the encoder should write, and the room that it needs for that.
 struct Reference {
     Bytes coded;
@@ -28,8 +31,9 @@ struct Reference {
 /// The encoder again, from the table of packets alone: first the packets, then their bytes.
 [[nodiscard]] Reference ReferenceEncode(const Bytes& plain);
 
-/// The decoder again, packet by packet.
-[[nodiscard]] std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted);
+/// The decoder again, packet by packet. `behind` is the byte behind the input.
+[[nodiscard]] std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted,
+                                                   unsigned char behind = kGuard);
 
 /// A row of 1 to `longest` bytes with stretches of noise and stretches of equal bytes, around the lengths at
 /// which packets are cut.
