@@ -3,7 +3,10 @@
 #include <cstdint>
 #include <cstdio>
 
-/// A byte file over the C library's buffered streams. Every operation that can fail returns 1 for success and
+#include "texture/memory.h"
+
+/// A byte file over the C library's streams, with a buffer of its own, so that short transfers cost little
+/// and blocks can be looked at where they are. Every operation that can fail returns 1 for success and
 /// 0 for failure. The error flag is sticky: after the first short transfer it is 1 and every further transfer
 /// fails without touching the file, until the object is closed and opened again.
 ///
@@ -25,6 +28,13 @@ class PrivateFile {
     /// the flag is set.
     int ReadBytes(void* buffer, std::int32_t count);
     int WriteBytes(const void* buffer, std::int32_t count);
+
+    /// The most bytes that ReadInPlace gives at once.
+    static constexpr std::int32_t kBufferBytes = 1 << 16;
+
+    /// Reads `count` bytes without copying them: where they are, until the next operation. Null, with the
+    /// flag set, where ReadBytes fails, and for more than kBufferBytes.
+    const unsigned char* ReadInPlace(std::int32_t count);
 
     int ReadChar(char* value);
     int ReadUChar(unsigned char* value);
@@ -68,6 +78,17 @@ class PrivateFile {
     template <typename Value>
     int WriteValue(Value value);
 
+    int Fail();
+    bool ReadStream(unsigned char* target, std::int64_t count);
+    bool WriteStream(const unsigned char* source, std::int64_t count);
+    bool Fill(std::int32_t count);
+    bool Empty();
+
     std::FILE* handle_ = nullptr;
     std::int32_t error_ = 0;
+    bool writing_ = false;
+    std::int32_t begin_ = 0;         // of the bytes in the buffer that were read ahead; 0 when writing
+    std::int32_t end_ = 0;           // of the bytes in the buffer
+    std::int64_t passed_bytes_ = 0;  // that the stream has given or taken
+    MemBlock buffer_;
 };
