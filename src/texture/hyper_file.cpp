@@ -215,6 +215,42 @@ int PrivateHyperFile::ReadMemory(void** data, std::int32_t* count) {
     return Count();
 }
 
+int PrivateHyperFile::ReadMemoryInPlace(const unsigned char** data, std::int32_t* count) {
+    *data = nullptr;
+    *count = 0;
+    std::int32_t byte_count = 0;
+    if (CheckIt(kTagMemory) == 0 || ReadByteCount(&byte_count) == 0) {
+        return 0;
+    }
+    if (byte_count == 0) {
+        return 1;  // Deliberately not counted, as in ReadMemory.
+    }
+    const unsigned char* bytes = nullptr;
+    if (byte_count <= kBufferBytes) {
+        bytes = PrivateFile::ReadInPlace(byte_count);
+    } else if (!HasBlock(byte_count)) {
+        return Fail(TextureFault::out_of_memory,
+                    [&] { return "a block of " + number(byte_count) + " bytes"; });
+    } else if (PrivateFile::ReadBytes(block_.get(), byte_count) != 0) {
+        bytes = block_.get();
+    }
+    if (Transferred(bytes != nullptr ? 1 : 0) == 0) {
+        return 0;
+    }
+    *data = bytes;
+    *count = byte_count;
+    return Count();
+}
+
+bool PrivateHyperFile::HasBlock(std::int32_t byte_count) {
+    if (byte_count > block_bytes_) {
+        block_bytes_ = 0;
+        block_.reset(static_cast<unsigned char*>(MemAlloc(byte_count)));
+        block_bytes_ = block_ == nullptr ? 0 : byte_count;
+    }
+    return block_ != nullptr;
+}
+
 int PrivateHyperFile::ReadString(PrivateString* string) {
     std::int32_t byte_count = 0;
     if (CheckIt(kTagString) == 0 || ReadByteCount(&byte_count) == 0) {

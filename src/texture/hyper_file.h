@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "texture/memory.h"
 #include "texture/private_file.h"
 #include "texture/private_string.h"
 #include "texture/texture_observer.h"
@@ -97,6 +98,10 @@ class PrivateHyperFile : public PrivateFile {
     /// anything is allocated.
     int ReadMemory(void** data, std::int32_t* count);
 
+    /// The same without a copy for the caller: the bytes belong to the container and are there until its next
+    /// operation; nothing follows them. One buffer serves all blocks.
+    int ReadMemoryInPlace(const unsigned char** data, std::int32_t* count);
+
     /// A string; an odd last byte is dropped. Refuses counts as ReadMemory does.
     int ReadString(PrivateString* string);
 
@@ -152,6 +157,8 @@ class PrivateHyperFile : public PrivateFile {
     int OpenForReading(std::int32_t ident);
     /// Reads the count of a block and refuses what is negative or not there.
     int ReadByteCount(std::int32_t* count);
+    /// Makes block_ hold that many bytes; false when memory is short.
+    bool HasBlock(std::int32_t byte_count);
     template <typename Value>
     int ReadTyped(std::uint8_t tag, Value* value, int (PrivateFile::*read)(Value*));
     template <typename Value>
@@ -160,4 +167,6 @@ class PrivateHyperFile : public PrivateFile {
 
     TextureObserver* observer_ = nullptr;
     std::int64_t item_offset_bytes_ = 0;
+    MemBlock block_;  // of ReadMemoryInPlace, for what the file's own buffer does not hold
+    std::int32_t block_bytes_ = 0;
 };

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "texture/pack_bits.h"
+#include "texture/planes.h"
 #include "texture/txl_ids.h"
 
 namespace {
@@ -13,6 +14,9 @@ using RowOutcome = TextureObserver::RowOutcome;
 
 /// A packet of two bytes gives 128 at most, and the last run of a block may borrow its second byte.
 constexpr std::int64_t kMostBytesPerCodedByte = 64;
+
+/// The number of channels that are kept as planes while a row is read or written: that of colour.
+constexpr std::int32_t kJoinedChannels = 3;
 
 MemBlock zeroed(std::int64_t size_bytes) {
     // Null means that there is no memory, and the C library may answer a request for nothing with null.
@@ -74,8 +78,8 @@ bool PixelRowReader::Begin() {
         }) != 0;
     }
     row_ = zeroed(row_bytes);
-    scratch_ = zeroed(count);
-    return (row_ != nullptr && scratch_ != nullptr) || no_memory(hf_, row_bytes) != 0;
+    planes_ = zeroed(count * kept_planes());
+    return (row_ != nullptr && planes_ != nullptr) || no_memory(hf_, row_bytes) != 0;
 }
 
 bool PixelRowReader::Next() {
@@ -86,6 +90,9 @@ bool PixelRowReader::Next() {
         if (!ReadChannel(channel)) {
             return false;
         }
+    }
+    if (header_.channels == kJoinedChannels) {
+        JoinPlanes(plane(0), plane(1), plane(2), header_.count, row_.get());
     }
     ++rows_read_;
     return true;
@@ -106,56 +113,75 @@ std::int32_t PixelRowReader::row() const {
         std::min<std::int64_t>(header_.y + rows_read_ - 1, std::numeric_limits<std::int32_t>::max()));
 }
 
+std::int64_t PixelRowReader::kept_planes() const {
+    return header_.channels == kJoinedChannels ? kJoinedChannels : 1;
+}
+
+// Where a channel is put together: the row itself when it has but one, a plane of its own when three are
+// joined at the end of the row, else the one plane that serves all in turn.
+unsigned char* PixelRowReader::plane(std::int32_t channel) const {
+    if (header_.channels == 1) {
+        return row_.get();
+    }
+    return planes_.get() + (header_.channels == kJoinedChannels ? std::int64_t{header_.count} * channel : 0);
+}
+
 bool PixelRowReader::ReadChannel(std::int32_t channel) {
     std::uint8_t flag = 0;
-    void* data = nullptr;
+    const unsigned char* block = nullptr;
     std::int32_t byte_count = 0;
-    if (hf_->ReadUChar(&flag) == 0 || hf_->ReadMemory(&data, &byte_count) == 0) {
+    if (hf_->ReadUChar(&flag) == 0 || hf_->ReadMemoryInPlace(&block, &byte_count) == 0) {
         return false;
     }
-    const MemBlock block(static_cast<unsigned char*>(data));
-    const RowOutcome outcome = Store(flag, block.get(), byte_count, channel);
+    const RowOutcome outcome = Decode(flag, block, byte_count, plane(channel));
+    if (outcome == RowOutcome::unknown_flag) {
+        // Deliberately nothing: the channel keeps the bytes of the row before.
+        if (header_.channels == kJoinedChannels) {
+            TakeChannel(channel);
+        }
+    } else if (header_.channels != 1 && header_.channels != kJoinedChannels) {
+        StoreChannel(channel);
+    }
     if (TextureObserver* observer = hf_->GetObserver(); observer != nullptr) {
         observer->Row({header_.y + rows_read_, channel, flag, outcome, byte_count, hf_->GetItemOffset()});
     }
     return true;
 }
 
-RowOutcome PixelRowReader::Store(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
-                                 std::int32_t channel) {
+RowOutcome PixelRowReader::Decode(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
+                                  unsigned char* plane) const {
     const std::int32_t count = header_.count;
     if (flag == kRowRaw) {
         if (byte_count < count) {
-            ClearChannel(channel);
+            std::fill_n(plane, count, static_cast<unsigned char>(0));
             return RowOutcome::raw_short;
         }
-        StorePlane(block, channel);
+        MemCopy(block, plane, count);
         return RowOutcome::raw;
     }
     if (flag == kRowPacked) {
-        // The byte that the decoder may look at past the block is the one that ReadMemory puts there.
-        if (!PackBitsDecode(block, byte_count, scratch_.get(), count)) {
-            ClearChannel(channel);
+        if (!PackBitsDecodeBlock(block, byte_count, plane, count)) {
+            std::fill_n(plane, count, static_cast<unsigned char>(0));
             return RowOutcome::packed_bad;
         }
-        StorePlane(scratch_.get(), channel);
         return RowOutcome::packed;
     }
-    // Deliberately nothing: the channel keeps the bytes of the row before.
     return RowOutcome::unknown_flag;
 }
 
-void PixelRowReader::StorePlane(const unsigned char* plane, std::int32_t channel) {
+void PixelRowReader::StoreChannel(std::int32_t channel) {
+    const unsigned char* source = plane(channel);
     unsigned char* target = row_.get() + channel;
     for (std::int32_t i = 0; i < header_.count; ++i, target += header_.channels) {
-        *target = plane[i];
+        *target = source[i];
     }
 }
 
-void PixelRowReader::ClearChannel(std::int32_t channel) {
-    unsigned char* target = row_.get() + channel;
-    for (std::int32_t i = 0; i < header_.count; ++i, target += header_.channels) {
-        *target = 0;
+void PixelRowReader::TakeChannel(std::int32_t channel) {
+    unsigned char* target = plane(channel);
+    const unsigned char* source = row_.get() + channel;
+    for (std::int32_t i = 0; i < header_.count; ++i, source += header_.channels) {
+        target[i] = *source;
     }
 }
 
@@ -165,32 +191,34 @@ bool PixelRowWriter::Begin() {
         return too_wide(hf_, row_bytes) != 0;
     }
     row_ = zeroed(row_bytes);
-    plane_ = zeroed(width_);
+    planes_ = zeroed(channels_ == kJoinedChannels ? row_bytes : 1);
     packed_ = zeroed(std::int64_t{2} * width_);
-    return (row_ != nullptr && plane_ != nullptr && packed_ != nullptr) || no_memory(hf_, row_bytes) != 0;
+    return (row_ != nullptr && planes_ != nullptr && packed_ != nullptr) || no_memory(hf_, row_bytes) != 0;
 }
 
 bool PixelRowWriter::WriteRow() {
+    if (channels_ == 1) {
+        return WriteChannel(row_.get());
+    }
+    unsigned char* const first = planes_.get();
+    unsigned char* const second = first + width_;
+    unsigned char* const third = second + width_;
+    SplitPixels(row_.get(), width_, first, second, third);
+    return WriteChannel(first) && WriteChannel(second) && WriteChannel(third);
+}
+
+bool PixelRowWriter::WriteChannel(const unsigned char* plane) {
     // 2^31 - 1 is enough room for a row near the limit too: packed rows are longer by 1 in 128 at most.
     const auto capacity = static_cast<std::int32_t>(
         std::min<std::int64_t>(std::int64_t{2} * width_, std::numeric_limits<std::int32_t>::max()));
-    for (std::int32_t channel = 0; channel < channels_; ++channel) {
-        const unsigned char* source = row_.get() + channel;
-        for (std::int32_t i = 0; i < width_; ++i, source += channels_) {
-            plane_.get()[i] = *source;
-        }
-        const std::int32_t packed_bytes = PackBitsEncode(plane_.get(), width_, packed_.get(), capacity);
-        // 0 says that the row could not be packed, which no row of at least one pixel does in this room.
-        if (packed_bytes > 0 && packed_bytes < width_) {
-            hf_->WriteUChar(kRowPacked);
-            hf_->WriteMemory(packed_.get(), packed_bytes);
-        } else {
-            hf_->WriteUChar(kRowRaw);
-            hf_->WriteMemory(plane_.get(), width_);
-        }
-        if (hf_->GetError() != 0) {
-            return false;
-        }
+    const std::int32_t packed_bytes = PackBitsEncode(plane, width_, packed_.get(), capacity);
+    // 0 says that the row could not be packed, which no row of at least one pixel does in this room.
+    if (packed_bytes > 0 && packed_bytes < width_) {
+        hf_->WriteUChar(kRowPacked);
+        hf_->WriteMemory(packed_.get(), packed_bytes);
+    } else {
+        hf_->WriteUChar(kRowRaw);
+        hf_->WriteMemory(plane, width_);
     }
-    return true;
+    return hf_->GetError() == 0;
 }

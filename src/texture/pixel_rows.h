@@ -56,22 +56,24 @@ class PixelRowReader {
 
   private:
     bool CountRow();
+    [[nodiscard]] std::int64_t kept_planes() const;
+    [[nodiscard]] unsigned char* plane(std::int32_t channel) const;
     bool ReadChannel(std::int32_t channel);
-    TextureObserver::RowOutcome Store(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
-                                      std::int32_t channel);
-    void StorePlane(const unsigned char* plane, std::int32_t channel);
-    void ClearChannel(std::int32_t channel);
+    TextureObserver::RowOutcome Decode(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
+                                       unsigned char* plane) const;
+    void StoreChannel(std::int32_t channel);
+    void TakeChannel(std::int32_t channel);
 
     PrivateHyperFile* hf_;
     PixelRowsHeader header_;
     std::int64_t& file_row_bytes_;
     MemBlock row_;
-    MemBlock scratch_;  // one decoded channel of a row
+    MemBlock planes_;  // decoded channels of a row
     std::int64_t rows_read_ = 0;
 };
 
-/// Writes rows of `width` pixels and `channels` bytes a pixel: for each row the caller fills bytes() and
-/// calls WriteRow.
+/// Writes rows of `width` pixels and 1 or 3 `channels`, one byte a pixel each: for each row the caller fills
+/// bytes() and calls WriteRow.
 class PixelRowWriter {
   public:
     PixelRowWriter(PrivateHyperFile* hf, std::int32_t width, std::int32_t channels)
@@ -88,10 +90,12 @@ class PixelRowWriter {
     bool WriteRow();
 
   private:
+    bool WriteChannel(const unsigned char* plane);
+
     PrivateHyperFile* hf_;
     std::int32_t width_;
     std::int32_t channels_;
     MemBlock row_;
-    MemBlock plane_;
+    MemBlock planes_;
     MemBlock packed_;
 };
