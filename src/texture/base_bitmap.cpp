@@ -69,6 +69,14 @@ std::int32_t BaseBitmap::SetPixel(std::int32_t x, std::int32_t y, std::uint16_t 
     return kDone;
 }
 
+const std::uint16_t* BaseBitmap::PixelRow(std::int32_t y) const {
+    return y < 0 || y >= h_ ? nullptr : pixels_.get() + kColourValues * w_ * y;
+}
+
+std::uint16_t* BaseBitmap::PixelRow(std::int32_t y) {
+    return y < 0 || y >= h_ ? nullptr : pixels_.get() + kColourValues * w_ * y;
+}
+
 std::int32_t BaseBitmap::AddChannel(std::int32_t /*unused*/, int /*unused*/) {
     if (alpha_ != nullptr)
         return kNoNewChannel;
@@ -103,6 +111,18 @@ std::int32_t BaseBitmap::SetAlphaPixel(std::int32_t channel, std::int32_t x, std
         return kOutOfRange;
     alpha_.get()[index] = a;
     return kDone;
+}
+
+const std::uint16_t* BaseBitmap::AlphaRow(std::int32_t channel, std::int32_t y) const {
+    return channel != kAlphaChannel || alpha_ == nullptr || y < 0 || y >= h_
+               ? nullptr
+               : alpha_.get() + std::int64_t{w_} * y;
+}
+
+std::uint16_t* BaseBitmap::AlphaRow(std::int32_t channel, std::int32_t y) {
+    return channel != kAlphaChannel || alpha_ == nullptr || y < 0 || y >= h_
+               ? nullptr
+               : alpha_.get() + std::int64_t{w_} * y;
 }
 
 void BaseBitmap::Destroy() {

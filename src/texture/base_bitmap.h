@@ -33,6 +33,11 @@ class BaseBitmap {
                           std::uint16_t* b) const;
     std::int32_t SetPixel(std::int32_t x, std::int32_t y, std::uint16_t r, std::uint16_t g, std::uint16_t b);
 
+    /// The values of row `y`, three a pixel, width() pixels; null outside the picture. For those who bring or
+    /// take whole rows: one test of the bounds instead of one a pixel.
+    [[nodiscard]] std::uint16_t* PixelRow(std::int32_t y);
+    [[nodiscard]] const std::uint16_t* PixelRow(std::int32_t y) const;
+
     /// Adds the alpha channel; both arguments are ignored. Returns the number of the new channel, which is 1;
     /// 0 when there is one already, which is kept; 2 when memory is out.
     [[nodiscard]] std::int32_t AddChannel(std::int32_t, int);
@@ -49,6 +54,10 @@ class BaseBitmap {
     /// then left alone.
     std::int32_t GetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y, std::uint16_t* a) const;
     std::int32_t SetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y, std::uint16_t a);
+
+    /// The values of row `y` of a channel, width() of them; null where the two operations above give 1.
+    [[nodiscard]] std::uint16_t* AlphaRow(std::int32_t channel, std::int32_t y);
+    [[nodiscard]] const std::uint16_t* AlphaRow(std::int32_t channel, std::int32_t y) const;
 
     /// Frees the arrays and becomes empty.
     void Destroy();

@@ -1,15 +1,14 @@
 #include "texture/equal_bytes.h"
 
+#include "texture/little_endian.h"
+
 namespace {
 
 /// Eight bytes that are 0 or 1 as eight bits, the first byte's the lowest.
 std::uint64_t Bits(const unsigned char* bytes) {
-    std::uint64_t word = 0;
-    for (unsigned i = 0; i < 8; ++i)
-        word |= std::uint64_t{bytes[i]} << (8 * i);
     // The factor moves the bit of byte i to bit 56 + i; no two of the other products meet, so nothing
     // carries.
-    return (word * 0x0102040810204080U) >> 56;
+    return (LoadLittle<std::uint64_t>(bytes) * 0x0102040810204080U) >> 56;
 }
 
 }  // namespace

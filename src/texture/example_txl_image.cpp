@@ -1,7 +1,6 @@
 #include "texture/example_txl_image.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace {
 
@@ -9,12 +8,17 @@ constexpr std::int32_t kGrey = 2;
 constexpr std::int32_t kRgb = 4;
 constexpr std::int32_t kBitmapDepth = 24;
 
-// The column `offset` pixels right of `x`. Columns past the end of 32 bits are held at it: no picture is that
-// wide, so they stay outside.
-std::int32_t Column(std::int32_t x, std::int32_t offset) {
-    const std::int64_t column = std::int64_t{x} + offset;
-    return static_cast<std::int32_t>(
-        std::min<std::int64_t>(column, std::numeric_limits<std::int32_t>::max()));
+// Which of `count` pixels from column `x` on lie in a picture of that width: [begin, end), counted from `x`.
+struct Inside {
+    std::int32_t begin;
+    std::int32_t end;
+};
+
+Inside InsideOf(std::int32_t width, std::int32_t x, std::int32_t count) {
+    const std::int64_t most = std::max(count, 0);
+    const std::int64_t begin = std::clamp<std::int64_t>(-std::int64_t{x}, 0, most);
+    const std::int64_t end = std::clamp<std::int64_t>(std::int64_t{width} - x, begin, most);
+    return {static_cast<std::int32_t>(begin), static_cast<std::int32_t>(end)};
 }
 
 std::uint16_t Scaled(unsigned char value) {
@@ -23,6 +27,39 @@ std::uint16_t Scaled(unsigned char value) {
 
 unsigned char LowByte(std::uint16_t value) {
     return static_cast<unsigned char>(value & 0xFF);
+}
+
+void StoreGrey(const unsigned char* data, std::int32_t stride, std::int32_t count, std::uint16_t* row) {
+    for (std::int64_t i = 0; i < count; ++i)
+        std::fill_n(row + 3 * i, 3, Scaled(data[i * stride]));
+}
+
+void StoreRgb(const unsigned char* data, std::int32_t stride, std::int32_t count, std::uint16_t* row) {
+    if (stride == 3) {
+        for (std::int64_t i = 0; i < 3 * std::int64_t{count}; ++i)
+            row[i] = Scaled(data[i]);
+        return;
+    }
+    for (std::int64_t i = 0; i < count; ++i)
+        std::transform(data + i * stride, data + i * stride + 3, row + 3 * i, Scaled);
+}
+
+// Writes `values` low bytes a pixel: those of `row` for pixels inside of its `width`, zeros for the others
+// and everywhere without a row. The result is that of the last pixel: 0 inside, 1 outside. For no pixels it
+// is `none`.
+std::int32_t TakeLowBytes(const std::uint16_t* row, std::int32_t width, std::int32_t x, std::int32_t count,
+                          std::int32_t values, std::int32_t none, unsigned char* data) {
+    if (count < 1)
+        return none;
+    const Inside inside = row == nullptr ? Inside{0, 0} : InsideOf(width, x, count);
+    const std::int64_t begin = std::int64_t{inside.begin} * values;
+    const std::int64_t end = std::int64_t{inside.end} * values;
+    std::fill(data, data + begin, static_cast<unsigned char>(0));
+    if (begin < end)
+        std::transform(row + std::int64_t{x} * values + begin, row + std::int64_t{x} * values + end,
+                       data + begin, LowByte);
+    std::fill(data + end, data + std::int64_t{count} * values, static_cast<unsigned char>(0));
+    return begin < end && inside.end == count ? 0 : 1;
 }
 
 }  // namespace
@@ -44,13 +81,16 @@ bool ExampleTXLImage::SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t
     const bool storable = color_mode_ == kGrey || color_mode_ == kRgb;
     if (bitmap_ == nullptr || !storable)
         return true;
-    for (std::int32_t i = 0; i < count; ++i) {
-        const unsigned char* pixel = data + std::int64_t{i} * stride;
-        const std::uint16_t r = Scaled(pixel[0]);
-        const std::uint16_t g = color_mode_ == kRgb ? Scaled(pixel[1]) : r;
-        const std::uint16_t b = color_mode_ == kRgb ? Scaled(pixel[2]) : r;
-        bitmap_->SetPixel(Column(x, i), y, r, g, b);
-    }
+    std::uint16_t* const row = bitmap_->PixelRow(y);
+    const Inside inside = InsideOf(bitmap_->width(), x, count);
+    if (row == nullptr || inside.begin == inside.end)
+        return true;
+    const unsigned char* const first = data + std::int64_t{inside.begin} * stride;
+    std::uint16_t* const place = row + 3 * (std::int64_t{x} + inside.begin);
+    if (color_mode_ == kRgb)
+        StoreRgb(first, stride, inside.end - inside.begin, place);
+    else
+        StoreGrey(first, stride, inside.end - inside.begin, place);
     return true;
 }
 
@@ -58,8 +98,10 @@ bool ExampleTXLImage::SetAlphaPixel(std::int32_t /*channel*/, std::int32_t x, st
                                     std::int32_t count, unsigned char* data) {
     if (bitmap_ == nullptr || alpha_channel_ < 1)
         return false;
-    for (std::int32_t i = 0; i < count; ++i)
-        bitmap_->SetAlphaPixel(alpha_channel_, Column(x, i), y, data[i]);
+    std::uint16_t* const row = bitmap_->AlphaRow(alpha_channel_, y);
+    const Inside inside = InsideOf(bitmap_->width(), x, count);
+    if (row != nullptr && inside.begin < inside.end)
+        std::copy(data + inside.begin, data + inside.end, row + std::int64_t{x} + inside.begin);
     return true;
 }
 
@@ -79,18 +121,7 @@ std::int32_t ExampleTXLImage::GetPixelCount(std::int32_t x, std::int32_t y, std:
                                             unsigned char* data) {
     if (bitmap_ == nullptr)
         return 0;
-    std::int32_t result = 1;
-    for (std::int32_t i = 0; i < count; ++i) {
-        std::uint16_t r = 0;
-        std::uint16_t g = 0;
-        std::uint16_t b = 0;
-        result = bitmap_->GetPixel(Column(x, i), y, &r, &g, &b);
-        unsigned char* pixel = data + std::int64_t{i} * 3;
-        pixel[0] = LowByte(r);
-        pixel[1] = LowByte(g);
-        pixel[2] = LowByte(b);
-    }
-    return result;
+    return TakeLowBytes(bitmap_->PixelRow(y), bitmap_->width(), x, count, 3, 1, data);
 }
 
 std::int32_t ExampleTXLImage::GetAlphaCount() {
@@ -102,11 +133,5 @@ std::int32_t ExampleTXLImage::GetAlphaPixel(std::int32_t channel, std::int32_t x
     if (bitmap_ == nullptr)
         return 0;
     const std::int32_t number = bitmap_->GetChannelNum(channel);
-    std::int32_t result = number;
-    for (std::int32_t i = 0; i < count; ++i) {
-        std::uint16_t alpha = 0;
-        result = bitmap_->GetAlphaPixel(number, Column(x, i), y, &alpha);
-        data[i] = LowByte(alpha);
-    }
-    return result;
+    return TakeLowBytes(bitmap_->AlphaRow(number, y), bitmap_->width(), x, count, 1, number, data);
 }

@@ -357,4 +357,46 @@ TEST(ExampleTXLImageDeathTest, ChannelThatMemoryRefusedCountsAsOne) {
         testing::ExitedWithCode(0), "");
 }
 
+// What is stored and read in rows is what pixel after pixel would give, wherever the row lies.
+TEST(ExampleTXLImage, RowsAreWhatTheirPixelsAre) {
+    constexpr std::int32_t kWidth = 7;
+    constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
+    Bytes data(4 * 20);
+    for (std::size_t i = 0; i < data.size(); ++i)
+        data[i] = static_cast<unsigned char>(37 * i + 1);
+    for (const std::int32_t x : {kLeast, kLeast + 5, -20, -7, -3, -1, 0, 1, 6, 7, 8, kLargest - 5, kLargest})
+        for (const std::int32_t count : {-1, 0, 1, 3, 7, 9, 20})
+            for (const std::int32_t mode : {kGrey, kRgb})
+                for (const std::int32_t stride : {3, 4}) {
+                    BaseBitmap bitmap;
+                    ExampleTXLImage image(&bitmap);
+                    ASSERT_TRUE(image.Init(kWidth, 2, mode));
+                    ASSERT_TRUE(image.InitAlphaChannel(0, kWidth, 2));
+                    ASSERT_TRUE(image.SetPixelCount(x, 1, count, data.data(), stride));
+                    ASSERT_TRUE(image.SetAlphaPixel(0, x, 1, count, data.data()));
+                    for (std::int32_t column = 0; column < kWidth; ++column) {
+                        const std::int64_t i = std::int64_t{column} - x;
+                        const bool stored = i >= 0 && i < count;
+                        const auto value = [&](std::int64_t at) {
+                            return stored ? data[static_cast<std::size_t>(at)] : 0;
+                        };
+                        for (std::int64_t k = 0; k < 3; ++k)
+                            ASSERT_EQ(PixelAt(bitmap, column, 1)[static_cast<std::size_t>(k)],
+                                      256 * value(i * stride + (mode == kRgb ? k : 0)))
+                                << column << " of " << count << " from " << x;
+                        ASSERT_EQ(AlphaRowOf(bitmap, 1)[static_cast<std::size_t>(column)], value(i));
+                    }
+                    if (count < 1)
+                        continue;
+                    Bytes read(static_cast<std::size_t>(count), 0xEE);
+                    const std::int64_t last = std::int64_t{x} + count - 1;
+                    ASSERT_EQ(image.GetAlphaPixel(0, x, 1, count, read.data()),
+                              last >= 0 && last < kWidth ? 0 : 1);
+                    for (std::int64_t i = 0; i < count; ++i) {
+                        const auto at = static_cast<std::size_t>(i);
+                        ASSERT_EQ(read[at], x + i >= 0 && x + i < kWidth ? data[at] : 0);
+                    }
+                }
+}
+
 }  // namespace

@@ -4,7 +4,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <cstring>
 #include <limits>
 #include <new>
 
@@ -12,6 +11,7 @@
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 #include "texture/example_txl_image.h"
+#include "texture/input_module/drawn_row.h"
 #include "texture/txl_image_filter.h"
 
 namespace {
@@ -136,46 +136,20 @@ A_Err ReadIntoInSpec(AEGP_SuiteHandler& suites, AEIO_BasicData* basic, const A_c
     return err;
 }
 
-unsigned char HighByte(std::uint16_t value) {
-    return static_cast<unsigned char>(value >> 8);
-}
-
-// The alpha of a pixel as the frame gets it, in the high byte: opaque for a picture without alpha, else the
-// picture's own.
-std::uint16_t DrawnAlpha(const BaseBitmap& bitmap, A_long x, A_long y) {
-    const std::int32_t channel = bitmap.GetChannelNum(0);
-    if (channel == 0)
-        return 0xFF00;
-    // The picture holds alpha unscaled, 0 to 255, and colour times 256.
-    std::uint16_t alpha = 0;
-    bitmap.GetAlphaPixel(channel, x, y, &alpha);
-    return static_cast<std::uint16_t>(alpha << 8);
-}
-
-PF_Pixel DrawnPixel(const BaseBitmap& bitmap, A_long x, A_long y) {
-    std::uint16_t red = 0;
-    std::uint16_t green = 0;
-    std::uint16_t blue = 0;
-    bitmap.GetPixel(x, y, &red, &green, &blue);
-    // Deliberately looked up under channel number 0, which the bitmap refuses (it serves channel 1 only): the
-    // variable keeps the value that it was given before.
-    std::uint16_t alpha = DrawnAlpha(bitmap, x, y);
-    bitmap.GetAlphaPixel(0, x, y, &alpha);
-    return {HighByte(alpha), HighByte(red), HighByte(green), HighByte(blue)};
+// Where row `y` of the picture is drawn. The host's alpha is the picture's own, opaque for a picture without.
+// Deliberately not what a lookup under channel number 0 gives: the bitmap refuses that number.
+DrawnRow RowOf(const BaseBitmap& bitmap, const PF_LayerDef& world, A_long y) {
+    // Rows of a host's frame may be padded, and may run upwards.
+    unsigned char* const argb =
+        reinterpret_cast<unsigned char*>(world.data) + std::int64_t{y} * world.row_bytes;
+    return {bitmap.PixelRow(y), bitmap.AlphaRow(bitmap.GetChannelNum(0), y), argb};
 }
 
 void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world) {
     const A_long width = std::min(bitmap.width(), world.width);
     const A_long height = std::min(bitmap.height(), world.height);
-    for (A_long y = 0; y < height; ++y) {
-        // Rows of a host's frame may be padded, and may run upwards.
-        unsigned char* row = reinterpret_cast<unsigned char*>(world.data) + std::int64_t{y} * world.row_bytes;
-        for (A_long x = 0; x < width; ++x) {
-            const PF_Pixel pixel = DrawnPixel(bitmap, x, y);
-            std::memcpy(row + std::int64_t{x} * static_cast<std::int64_t>(sizeof(pixel)), &pixel,
-                        sizeof(pixel));
-        }
-    }
+    for (A_long y = 0; y < height; ++y)
+        DrawRow(RowOf(bitmap, world, y), width, RowOf(bitmap, world, std::min(y + 1, height - 1)));
 }
 
 A_Err DrawInSpec(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, const PF_LayerDef* world) {

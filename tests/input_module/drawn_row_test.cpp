@@ -1,0 +1,39 @@
+#include "texture/input_module/drawn_row.h"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <random>
+#include <vector>
+
+namespace {
+
+// Arrays of exactly the size: with the sanitizer a touch outside fails.
+template <typename Value>
+std::unique_ptr<Value[]> RandomValues(std::mt19937& random, std::size_t count) {
+    std::unique_ptr<Value[]> values(new Value[count]);
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = static_cast<Value>(random());
+    return values;
+}
+
+TEST(DrawnRow, EveryPixelIsTheHighBytesOfColourAndTheLowByteOfAlpha) {
+    std::mt19937 random(3);
+    for (const std::size_t count : {0U,  1U,   2U,   3U,   4U,   31U,  32U,  33U,  63U,  64U,
+                                    67U, 511U, 512U, 543U, 544U, 545U, 576U, 577U, 640U, 4096U}) {
+        const auto colour = RandomValues<std::uint16_t>(random, 3 * count);
+        const auto alpha = RandomValues<std::uint16_t>(random, count);
+        for (const bool has_alpha : {false, true}) {
+            const std::unique_ptr<unsigned char[]> argb(new unsigned char[4 * count]);
+            const DrawnRow row = {colour.get(), has_alpha ? alpha.get() : nullptr, argb.get()};
+            DrawRow(row, static_cast<std::int32_t>(count), row);
+            for (std::size_t x = 0; x < count; ++x) {
+                ASSERT_EQ(argb[4 * x], has_alpha ? alpha[x] & 0xFF : 0xFF) << x << " of " << count;
+                for (std::size_t i = 0; i < 3; ++i)
+                    ASSERT_EQ(argb[4 * x + 1 + i], colour[3 * x + i] >> 8) << x << " of " << count;
+            }
+        }
+    }
+}
+
+}  // namespace
