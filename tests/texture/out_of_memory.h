@@ -1,10 +1,18 @@
 #pragma once
 
 #include <sys/resource.h>
+#include <unistd.h>
 
-/// From here on this process gets no new large blocks of memory. For child processes only: there is no way
-/// back.
+#include <fstream>
+
+/// From here on this process gets no new large blocks of memory, of a megabyte or more in all. For child
+/// processes only: there is no way back. The little that remains is for the process itself: its stack, and
+/// what a sanitizer notes down about an allocation that fails.
 inline void RefuseFurtherMemory() {
-    const rlimit nothing = {0, 0};
-    setrlimit(RLIMIT_AS, &nothing);
+    constexpr rlim_t kRest_bytes = rlim_t{1} << 20;
+    rlim_t pages = 0;
+    std::ifstream("/proc/self/statm") >> pages;
+    const rlim_t limit_bytes = pages * static_cast<rlim_t>(::sysconf(_SC_PAGESIZE)) + kRest_bytes;
+    const rlimit almost_nothing = {limit_bytes, limit_bytes};
+    setrlimit(RLIMIT_AS, &almost_nothing);
 }
