@@ -7,6 +7,7 @@
 #include <limits>
 
 #include "texture/byte_order.h"
+#include "texture/memory.h"
 #include "texture/open_regular_file.h"
 
 namespace {
@@ -39,10 +40,7 @@ int PrivateFile::Open(const char* path, int write) {
     end_ = 0;
     passed_bytes_ = 0;
     writing_ = write != 0;
-    if (buffer_ == nullptr) {
-        buffer_.reset(static_cast<unsigned char*>(MemAlloc(kBufferBytes)));
-    }
-    if (path != nullptr && buffer_ != nullptr) {
+    if (path != nullptr) {
         handle_ = writing_ ? open_file_to_write(path) : open_regular_file(path);
     }
     if (handle_ != nullptr) {
@@ -72,12 +70,12 @@ bool PrivateFile::WriteStream(const unsigned char* source, std::int64_t count) {
 // Moves what is left to the front of the buffer and reads on behind it, until `count` bytes are there. False
 // at the end of the file and after a failure.
 bool PrivateFile::Fill(std::int32_t count) {
-    std::memmove(buffer_.get(), buffer_.get() + begin_, static_cast<std::size_t>(end_ - begin_));
+    std::memmove(buffer_.data(), buffer_.data() + begin_, static_cast<std::size_t>(end_ - begin_));
     end_ -= begin_;
     begin_ = 0;
     while (end_ < count) {
         const std::size_t read =
-            std::fread(buffer_.get() + end_, 1, static_cast<std::size_t>(kBufferBytes - end_), handle_);
+            std::fread(buffer_.data() + end_, 1, static_cast<std::size_t>(kBufferBytes - end_), handle_);
         if (read == 0) {
             return false;
         }
@@ -100,7 +98,7 @@ int PrivateFile::ReadBytes(void* buffer, std::int32_t count) {
     auto* target = static_cast<unsigned char*>(buffer);
     if (count > kBufferBytes) {
         const std::int32_t there = end_ - begin_;
-        MemCopy(buffer_.get() + begin_, target, there);
+        MemCopy(buffer_.data() + begin_, target, there);
         begin_ = end_;
         if (!ReadStream(target + there, count - there)) {
             return Fail();
@@ -111,7 +109,7 @@ int PrivateFile::ReadBytes(void* buffer, std::int32_t count) {
     if (end_ - begin_ < count && !Fill(count)) {
         return Fail();
     }
-    MemCopy(buffer_.get() + begin_, target, count);
+    MemCopy(buffer_.data() + begin_, target, count);
     begin_ += count;
     return 1;
 }
@@ -125,7 +123,7 @@ const unsigned char* PrivateFile::ReadInPlace(std::int32_t count) {
         return nullptr;
     }
     begin_ += count;
-    return buffer_.get() + begin_ - count;
+    return buffer_.data() + begin_ - count;
 }
 
 int PrivateFile::WriteBytes(const void* buffer, std::int32_t count) {
@@ -146,7 +144,7 @@ int PrivateFile::WriteBytes(const void* buffer, std::int32_t count) {
         passed_bytes_ += count;
         return WriteStream(source, count) ? 1 : Fail();
     }
-    MemCopy(source, buffer_.get() + end_, count);
+    MemCopy(source, buffer_.data() + end_, count);
     end_ += count;
     return 1;
 }
@@ -156,7 +154,7 @@ bool PrivateFile::Empty() {
     const std::int32_t there = end_;
     end_ = 0;
     passed_bytes_ += there;
-    return WriteStream(buffer_.get(), there);
+    return WriteStream(buffer_.data(), there);
 }
 
 // Values cross as bytes: a float that is swapped while it is a float may lose its exact pattern.

@@ -1,14 +1,14 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 
-#include "texture/memory.h"
-
 /// A byte file over the C library's streams, with a buffer of its own, so that short transfers cost little
-/// and blocks can be looked at where they are. Every operation that can fail returns 1 for success and
-/// 0 for failure. The error flag is sticky: after the first short transfer it is 1 and every further transfer
-/// fails without touching the file, until the object is closed and opened again.
+/// and blocks can be looked at where they are; an object takes more than 64 KiB. Every operation that can
+/// fail returns 1 for success and 0 for failure. The error flag is sticky: after the first short transfer it
+/// is 1 and every further transfer fails without touching the file, until the object is closed and opened
+/// again.
 ///
 /// Typed values of more than one byte are stored big-endian, whatever the host.
 class PrivateFile {
@@ -90,5 +90,5 @@ class PrivateFile {
     std::int32_t begin_ = 0;         // of the bytes in the buffer that were read ahead; 0 when writing
     std::int32_t end_ = 0;           // of the bytes in the buffer
     std::int64_t passed_bytes_ = 0;  // that the stream has given or taken
-    MemBlock buffer_;
+    std::array<unsigned char, kBufferBytes> buffer_;
 };
