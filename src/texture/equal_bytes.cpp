@@ -18,19 +18,23 @@ void EqualBytes::LookAtBlock(std::int64_t word) {
     const std::int64_t first = block * kBlockPlaces;
     // The last two places have no two bytes behind them.
     const std::int64_t places = std::clamp<std::int64_t>(count_ - 2 - first, 0, kBlockPlaces);
-    std::array<unsigned char, kBlockPlaces> even;
+    // Through pointers: a test of an index, even one that is known to hold, keeps loops from being
+    // vectorised.
+    std::array<unsigned char, kBlockPlaces> even_places;
+    unsigned char* const even = even_places.data();
+    std::uint64_t* const words = words_.data();
     const unsigned char* const bytes = src_ + first;
     for (std::int64_t i = 0; i < places; ++i) {
         const bool next = bytes[i] == bytes[i + 1];
         const bool next_but_one = bytes[i] == bytes[i + 2];
-        even[static_cast<std::size_t>(i)] = static_cast<unsigned char>(next & next_but_one);
+        even[i] = static_cast<unsigned char>(next & next_but_one);
     }
-    std::fill(even.begin() + places, even.end(), static_cast<unsigned char>(0));
-    for (std::size_t i = 0; i < words_.size(); ++i) {
+    std::fill(even + places, even + kBlockPlaces, static_cast<unsigned char>(0));
+    for (std::int64_t i = 0; i < kBlockWords; ++i) {
         std::uint64_t bits = 0;
-        for (std::size_t part = 0; part < 8; ++part)
-            bits |= Bits(even.data() + 64 * i + 8 * part) << (8 * part);
-        words_[i] = bits;
+        for (std::int64_t part = 0; part < 8; ++part)
+            bits |= Bits(even + kWordPlaces * i + 8 * part) << (8 * part);
+        words[i] = bits;
     }
     block_end_ = (block + 1) * kBlockWords;
 }

@@ -45,7 +45,7 @@ class EqualBytes {
     [[nodiscard]] std::uint64_t Word(std::int64_t word) {
         if (word >= block_end_)
             LookAtBlock(word);
-        return words_[static_cast<std::size_t>(word % kBlockWords)];
+        return words_.data()[word % kBlockWords];
     }
 
     void LookAtBlock(std::int64_t word);

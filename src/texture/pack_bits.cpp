@@ -14,6 +14,7 @@ constexpr unsigned char kNothing = 0;
 // Most packets of a picture are short. What has at most this many bytes is moved as so many, whatever it has:
 // one way without a branch instead of one for each length.
 constexpr std::int64_t kShort = 16;
+constexpr std::int64_t kShortLiteral = 32;
 
 constexpr std::uint64_t kEachByte = 0x0101010101010101;  // times a byte: eight of it
 
@@ -65,8 +66,8 @@ class PacketWriter {
             return true;
         if (position_ + length > capacity_)
             return false;
-        if (length <= kShort && readable >= kShort && position_ + kShort <= capacity_)
-            std::memcpy(dst_ + position_, src, kShort);
+        if (length <= kShortLiteral && readable >= kShortLiteral && position_ + kShortLiteral <= capacity_)
+            std::memcpy(dst_ + position_, src, kShortLiteral);
         else
             std::memcpy(dst_ + position_, src, static_cast<std::size_t>(length));
         dst_[control_] = static_cast<unsigned char>(length - 1);
