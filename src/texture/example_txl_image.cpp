@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "texture/fetch.h"
+
 namespace {
 
 constexpr std::int32_t kGrey = 2;
@@ -29,19 +31,30 @@ unsigned char LowByte(std::uint16_t value) {
     return static_cast<unsigned char>(value & 0xFF);
 }
 
-void StoreGrey(const unsigned char* data, std::int32_t stride, std::int32_t count, std::uint16_t* row) {
-    for (std::int64_t i = 0; i < count; ++i)
-        std::fill_n(row + 3 * i, 3, Scaled(data[i * stride]));
+// `count` bytes to as many values, each through `convert`. `next` is where the row after this one begins: its
+// memory is asked for meanwhile, since rows come one after the other.
+template <typename Convert>
+void StoreRow(const unsigned char* data, std::int64_t count, std::uint16_t* row, const std::uint16_t* next,
+              Convert convert) {
+    constexpr std::int64_t kLineValues = 32;  // in a cache line
+    std::int64_t i = 0;
+    for (; i + kLineValues <= count; i += kLineValues) {
+        FetchToWrite(next + i);
+        for (std::int64_t k = i; k < i + kLineValues; ++k)
+            row[k] = convert(data[k]);
+    }
+    for (; i < count; ++i)
+        row[i] = convert(data[i]);
 }
 
-void StoreRgb(const unsigned char* data, std::int32_t stride, std::int32_t count, std::uint16_t* row) {
-    if (stride == 3) {
-        for (std::int64_t i = 0; i < 3 * std::int64_t{count}; ++i)
-            row[i] = Scaled(data[i]);
-        return;
+void StorePixels(const unsigned char* data, std::int32_t stride, bool grey, std::int32_t count,
+                 std::uint16_t* row) {
+    for (std::int64_t i = 0; i < count; ++i) {
+        const unsigned char* const pixel = data + i * stride;
+        row[3 * i] = Scaled(pixel[0]);
+        row[3 * i + 1] = Scaled(pixel[grey ? 0 : 1]);
+        row[3 * i + 2] = Scaled(pixel[grey ? 0 : 2]);
     }
-    for (std::int64_t i = 0; i < count; ++i)
-        std::transform(data + i * stride, data + i * stride + 3, row + 3 * i, Scaled);
 }
 
 // Writes `values` low bytes a pixel: those of `row` for pixels inside of its `width`, zeros for the others
@@ -87,10 +100,14 @@ bool ExampleTXLImage::SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t
         return true;
     const unsigned char* const first = data + std::int64_t{inside.begin} * stride;
     std::uint16_t* const place = row + 3 * (std::int64_t{x} + inside.begin);
-    if (color_mode_ == kRgb)
-        StoreRgb(first, stride, inside.end - inside.begin, place);
-    else
-        StoreGrey(first, stride, inside.end - inside.begin, place);
+    const std::int32_t inside_count = inside.end - inside.begin;
+    if (color_mode_ == kRgb && stride == 3) {
+        const bool last = y + 1 == bitmap_->height();
+        const std::uint16_t* const next = last ? place : place + 3 * std::int64_t{bitmap_->width()};
+        StoreRow(first, 3 * std::int64_t{inside_count}, place, next, Scaled);
+    } else {
+        StorePixels(first, stride, color_mode_ == kGrey, inside_count, place);
+    }
     return true;
 }
 
@@ -100,8 +117,12 @@ bool ExampleTXLImage::SetAlphaPixel(std::int32_t /*channel*/, std::int32_t x, st
         return false;
     std::uint16_t* const row = bitmap_->AlphaRow(alpha_channel_, y);
     const Inside inside = InsideOf(bitmap_->width(), x, count);
-    if (row != nullptr && inside.begin < inside.end)
-        std::copy(data + inside.begin, data + inside.end, row + std::int64_t{x} + inside.begin);
+    if (row == nullptr || inside.begin == inside.end)
+        return true;
+    std::uint16_t* const place = row + std::int64_t{x} + inside.begin;
+    const std::uint16_t* const next = y + 1 == bitmap_->height() ? place : place + bitmap_->width();
+    StoreRow(data + inside.begin, inside.end - inside.begin, place, next,
+             [](unsigned char value) { return std::uint16_t{value}; });
     return true;
 }
 

@@ -11,7 +11,7 @@
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 #include "texture/example_txl_image.h"
-#include "texture/input_module/drawn_row.h"
+#include "texture/input_module/drawn_picture.h"
 #include "texture/txl_image_filter.h"
 
 namespace {
@@ -134,22 +134,6 @@ A_Err ReadIntoInSpec(AEGP_SuiteHandler& suites, AEIO_BasicData* basic, const A_c
     if (err == kHostErrorNone)
         err = DescribeFootage(*suites.IOInSuite1(), spec, *header);
     return err;
-}
-
-// Where row `y` of the picture is drawn. The host's alpha is the picture's own, opaque for a picture without.
-// Deliberately not what a lookup under channel number 0 gives: the bitmap refuses that number.
-DrawnRow RowOf(const BaseBitmap& bitmap, const PF_LayerDef& world, A_long y) {
-    // Rows of a host's frame may be padded, and may run upwards.
-    unsigned char* const argb =
-        reinterpret_cast<unsigned char*>(world.data) + std::int64_t{y} * world.row_bytes;
-    return {bitmap.PixelRow(y), bitmap.AlphaRow(bitmap.GetChannelNum(0), y), argb};
-}
-
-void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world) {
-    const A_long width = std::min(bitmap.width(), world.width);
-    const A_long height = std::min(bitmap.height(), world.height);
-    for (A_long y = 0; y < height; ++y)
-        DrawRow(RowOf(bitmap, world, y), width, RowOf(bitmap, world, std::min(y + 1, height - 1)));
 }
 
 A_Err DrawInSpec(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, const PF_LayerDef* world) {

@@ -1,7 +1,8 @@
-#include "texture/input_module/drawn_row.h"
+#include "texture/input_module/drawn_picture.h"
 
 #include <algorithm>
 
+#include "texture/fetch.h"
 #include "texture/little_endian.h"
 
 namespace {
@@ -15,21 +16,17 @@ constexpr std::int32_t kAhead = 512;
 
 constexpr std::uint32_t kOpaque = 0xFF;
 
-/// Asks for the cache lines of a stretch. Always inline: as a function that changes nothing it would not be
-/// called at all.
+/// Asks for the cache lines of a stretch.
 [[gnu::always_inline]] inline void FetchStretch(const DrawnRow& row, std::int32_t x) {
-#if defined(__GNUC__)
-    constexpr int kToWrite = 1;
     constexpr std::int64_t kLineValues = 32;  // of 16 bits in a cache line
     const std::uint16_t* const rgb = row.rgb + 3 * std::int64_t{x};
-    __builtin_prefetch(rgb);
-    __builtin_prefetch(rgb + kLineValues);
-    __builtin_prefetch(rgb + 2 * kLineValues);
+    FetchToRead(rgb);
+    FetchToRead(rgb + kLineValues);
+    FetchToRead(rgb + 2 * kLineValues);
     if (row.alpha != nullptr)
-        __builtin_prefetch(row.alpha + x);
-    __builtin_prefetch(row.argb + 4 * std::int64_t{x}, kToWrite);
-    __builtin_prefetch(row.argb + 4 * std::int64_t{x} + 2 * kLineValues, kToWrite);
-#endif
+        FetchToRead(row.alpha + x);
+    FetchToWrite(row.argb + 4 * std::int64_t{x});
+    FetchToWrite(row.argb + 4 * std::int64_t{x} + 2 * kLineValues);
 }
 
 void DrawOne(const DrawnRow& row, std::int64_t x) {
@@ -81,6 +78,15 @@ void Draw(const DrawnRow row, std::int32_t count, const DrawnRow next) {
         DrawOne(row, x);
 }
 
+// Where row `y` of the picture is drawn. The host's alpha is the picture's own, opaque for a picture without.
+// Deliberately not what a lookup under channel number 0 gives: the bitmap refuses that number.
+DrawnRow RowOf(const BaseBitmap& bitmap, const PF_LayerDef& world, A_long y) {
+    // Rows of a host's frame may be padded, and may run upwards.
+    unsigned char* const argb =
+        reinterpret_cast<unsigned char*>(world.data) + std::int64_t{y} * world.row_bytes;
+    return {bitmap.PixelRow(y), bitmap.AlphaRow(bitmap.GetChannelNum(0), y), argb};
+}
+
 }  // namespace
 
 void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next) {
@@ -88,4 +94,11 @@ void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next) {
         Draw<true>(row, count, next);
     else
         Draw<false>(row, count, next);
+}
+
+void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world) {
+    const A_long width = std::min(bitmap.width(), world.width);
+    const A_long height = std::min(bitmap.height(), world.height);
+    for (A_long y = 0; y < height; ++y)
+        DrawRow(RowOf(bitmap, world, y), width, RowOf(bitmap, world, std::min(y + 1, height - 1)));
 }

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <cstdint>
+
+#include "host/host_interface.h"
+#include "texture/base_bitmap.h"
+
+/// Draws `bitmap` into `world`, pixel (x, y) to pixel (x, y), as far as both reach: the high bytes of colour
+/// and the low byte of alpha, opaque without an alpha channel. The rest of `world` is left alone; its data is
+/// not null.
+void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world);
+
+/// A row of a picture and the row of the host's frame that it is drawn to. The three are not owned.
+struct DrawnRow {
+    const std::uint16_t* rgb = nullptr;    ///< three values a pixel, colour times 256
+    const std::uint16_t* alpha = nullptr;  ///< one value a pixel, 0 to 255; null for an opaque picture
+    unsigned char* argb = nullptr;         ///< four bytes a pixel: alpha, red, green, blue
+};
+
+/// Draws `count` pixels of one row. `next` is the row that is drawn after this one, `row` itself when there
+/// is none: its beginning is fetched in time.
+void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next);
