@@ -9,6 +9,8 @@
 #include <string_view>
 #include <utility>
 
+#include "texture/little_endian.h"
+
 namespace imageio {
 
 namespace {
@@ -56,6 +58,19 @@ std::string unused_name(const std::string& wanted, std::set<std::string>& used) 
     return name;
 }
 
+/// By far the most frequent row: a pixel is a word.
+void join_rgba(const std::uint8_t* rgb, const std::uint8_t* alpha, std::size_t width, std::uint8_t* row) {
+    std::size_t x = 0;
+    for (; x + 1 < width; ++x) {  // the word of the last pixel would reach out of its row
+        const auto colour = LoadLittle<std::uint32_t>(rgb + 3 * x) & 0xFFFFFFU;
+        StoreLittle(colour | std::uint32_t{alpha[x]} << 24, row + 4 * x);
+    }
+    for (; x < width; ++x) {
+        std::copy_n(rgb + 3 * x, 3, row + 4 * x);
+        row[4 * x + 3] = alpha[x];
+    }
+}
+
 }  // namespace
 
 ChannelPlan plan_channels(const OIIO::ImageSpec& spec) {
@@ -95,8 +110,18 @@ void copy_row_out(const Texture& texture, std::int32_t y, std::uint8_t* row) {
     const std::size_t channels = colour_channels + texture.alphas.size();
     const std::size_t first = static_cast<std::size_t>(y) * width;
     const std::uint8_t* colour = texture.pixels.data() + first * colour_channels;
-    for (std::size_t x = 0; x < width; ++x) {
-        std::copy_n(colour + x * colour_channels, colour_channels, row + x * channels);
+    if (channels == colour_channels) {
+        std::copy_n(colour, width * channels, row);
+        return;
+    }
+    if (colour_channels == 3 && channels == 4) {
+        join_rgba(colour, texture.alphas[0].values.data() + first, width, row);
+        return;
+    }
+    for (std::size_t channel = 0; channel < colour_channels; ++channel) {
+        for (std::size_t x = 0; x < width; ++x) {
+            row[x * channels + channel] = colour[x * colour_channels + channel];
+        }
     }
     for (std::size_t alpha = 0; alpha < texture.alphas.size(); ++alpha) {
         const std::uint8_t* values = texture.alphas[alpha].values.data() + first;
