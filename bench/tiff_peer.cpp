@@ -1,15 +1,19 @@
 #include "tiff_peer.h"
 
+#include <fcntl.h>
 #include <tiffio.h>
+#include <unistd.h>
 
+#include <algorithm>
+#include <array>
 #include <memory>
 #include <vector>
+
+#include "planar_work.h"
 
 namespace {
 
 constexpr std::uint16_t kPlanes = 4;
-constexpr std::uint16_t kAlphaPlane = 3;
-constexpr std::size_t kColors = 3;
 
 struct CloseTiff {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
@@ -17,7 +21,7 @@ struct CloseTiff {
 using Tiff = std::unique_ptr<TIFF, CloseTiff>;
 
 bool set_fields(TIFF* tiff, const Texture& texture) {
-    std::uint16_t extra = EXTRASAMPLE_UNASSALPHA;
+    std::uint16_t extra = EXTRASAMPLE_ASSOCALPHA;
     return TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(texture.width_px)) == 1 &&
            TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, static_cast<std::uint32_t>(texture.height_px)) == 1 &&
            TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8) == 1 &&
@@ -29,55 +33,99 @@ bool set_fields(TIFF* tiff, const Texture& texture) {
            TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_PACKBITS) == 1;
 }
 
-}  // namespace
+std::uint32_t strip_of(std::size_t plane, std::int32_t y, std::int32_t height) {
+    return static_cast<std::uint32_t>(plane) * static_cast<std::uint32_t>(height) +
+           static_cast<std::uint32_t>(y);
+}
 
-bool write_tiff(const std::string& path, const Texture& texture) {
-    const Tiff tiff(TIFFOpen(path.c_str(), "w"));
-    if (tiff == nullptr || !set_fields(tiff.get(), texture))
+// Row by row, so that what was split is still in the cache when it is coded.
+bool save(TIFF* tiff, const Texture& texture) {
+    if (tiff == nullptr || !set_fields(tiff, texture))
         return false;
     const auto width = static_cast<std::size_t>(texture.width_px);
-    const auto height = static_cast<std::size_t>(texture.height_px);
-    std::vector<std::uint8_t> row(width);  // a copy: the library may swap bytes in what it is given
-    for (std::uint16_t plane = 0; plane < kPlanes; ++plane) {
-        const bool alpha = plane == kAlphaPlane;
-        const std::uint8_t* from = alpha ? texture.alphas[0].values.data() : texture.pixels.data() + plane;
-        const std::size_t stride = alpha ? 1 : kColors;
-        for (std::size_t y = 0; y < height; ++y) {
-            for (std::size_t x = 0; x < width; ++x)
-                row[x] = from[(y * width + x) * stride];
-            if (TIFFWriteScanline(tiff.get(), row.data(), static_cast<std::uint32_t>(y), plane) != 1)
+    std::vector<std::uint8_t> colour(3 * width);
+    std::vector<std::uint8_t> alpha(width);  // a copy: the library may change what it is given
+    for (std::int32_t y = 0; y < texture.height_px; ++y) {
+        const PlaneRow planes = split_row(texture, y, colour.data());
+        std::copy(planes[3], planes[3] + width, alpha.begin());
+        for (std::size_t plane = 0; plane < kPlanes; ++plane) {
+            std::uint8_t* const row = plane == 3 ? alpha.data() : colour.data() + plane * width;
+            if (TIFFWriteEncodedStrip(tiff, strip_of(plane, y, texture.height_px), row, texture.width_px) !=
+                texture.width_px)
                 return false;
         }
     }
-    return TIFFFlush(tiff.get()) == 1;
+    return TIFFFlush(tiff) == 1;
 }
 
-std::optional<Texture> read_tiff(const std::string& path) {
-    const Tiff tiff(TIFFOpen(path.c_str(), "r"));
+/// A place in a file that is thrown away as it is written.
+class Nowhere {
+  public:
+    Nowhere() : device_(::open("/dev/null", O_WRONLY | O_CLOEXEC)) {}
+    Nowhere(const Nowhere&) = delete;
+    Nowhere& operator=(const Nowhere&) = delete;
+    ~Nowhere() { ::close(device_); }
+
+    static tmsize_t read(thandle_t, void*, tmsize_t) { return 0; }
+    static tmsize_t write(thandle_t file, void* bytes, tmsize_t count) {
+        auto* nowhere = static_cast<Nowhere*>(file);
+        const ssize_t written = ::write(nowhere->device_, bytes, static_cast<std::size_t>(count));
+        nowhere->position_ += static_cast<toff_t>(std::max<ssize_t>(written, 0));
+        nowhere->size_ = std::max(nowhere->size_, nowhere->position_);
+        return written;
+    }
+    static toff_t seek(thandle_t file, toff_t offset, int from) {
+        auto* nowhere = static_cast<Nowhere*>(file);
+        const toff_t base = from == SEEK_END ? nowhere->size_ : from == SEEK_CUR ? nowhere->position_ : 0;
+        return nowhere->position_ = base + offset;
+    }
+    static int close(thandle_t) { return 0; }
+    static toff_t size(thandle_t file) { return static_cast<Nowhere*>(file)->size_; }
+    static int map(thandle_t, void**, toff_t*) { return 0; }
+    static void unmap(thandle_t, void*, toff_t) {}
+
+  private:
+    int device_;
+    toff_t position_ = 0;
+    toff_t size_ = 0;
+};
+
+}  // namespace
+
+bool save_tiff(const std::string& path, const Texture& texture) {
+    const Tiff tiff(TIFFOpen(path.c_str(), "w"));
+    return save(tiff.get(), texture);
+}
+
+bool save_tiff_nowhere(const Texture& texture) {
+    Nowhere nowhere;
+    const Tiff tiff(TIFFClientOpen("nowhere", "w", &nowhere, Nowhere::read, Nowhere::write, Nowhere::seek,
+                                   Nowhere::close, Nowhere::size, Nowhere::map, Nowhere::unmap));
+    return save(tiff.get(), texture);
+}
+
+bool load_tiff(const std::string& path, BaseBitmap& bitmap) {
+    const Tiff tiff(TIFFOpen(path.c_str(), "r"));  // maps the file, which is the faster way
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint16_t planes = 0;
     if (tiff == nullptr || TIFFGetField(tiff.get(), TIFFTAG_IMAGEWIDTH, &width) != 1 ||
         TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height) != 1 ||
         TIFFGetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, &planes) != 1 || planes != kPlanes ||
-        TIFFScanlineSize64(tiff.get()) != width)
-        return std::nullopt;
-    Texture texture;
-    texture.width_px = static_cast<std::int32_t>(width);
-    texture.height_px = static_cast<std::int32_t>(height);
-    texture.pixels = PixelBuffer(texture.pixel_count() * kColors);
-    texture.alphas.push_back({"Alpha", PixelBuffer(texture.pixel_count())});
-    std::vector<std::uint8_t> row(width);
-    for (std::uint16_t plane = 0; plane < kPlanes; ++plane) {
-        const bool alpha = plane == kAlphaPlane;
-        std::uint8_t* to = alpha ? texture.alphas[0].values.data() : texture.pixels.data() + plane;
-        const std::size_t stride = alpha ? 1 : kColors;
-        for (std::uint32_t y = 0; y < height; ++y) {
-            if (TIFFReadScanline(tiff.get(), row.data(), y, plane) != 1)
-                return std::nullopt;
-            for (std::size_t x = 0; x < width; ++x)
-                to[(std::size_t{y} * width + x) * stride] = row[x];
+        static_cast<std::int32_t>(width) != bitmap.width() ||
+        static_cast<std::int32_t>(height) != bitmap.height() || TIFFStripSize64(tiff.get()) != width)
+        return false;
+    std::vector<std::uint8_t> decoded(std::size_t{kPlanes} * width);
+    PlaneRow rows{};
+    for (std::size_t plane = 0; plane < kPlanes; ++plane)
+        rows[plane] = decoded.data() + plane * width;
+    for (std::int32_t y = 0; y < bitmap.height(); ++y) {
+        for (std::size_t plane = 0; plane < kPlanes; ++plane) {
+            if (TIFFReadEncodedStrip(tiff.get(), strip_of(plane, y, bitmap.height()),
+                                     decoded.data() + plane * width, bitmap.width()) != bitmap.width())
+                return false;
         }
+        expand_row(rows, y, bitmap);
     }
-    return texture;
+    return true;
 }

@@ -42,6 +42,9 @@ class Medians:
         for row in self.rows.values():
             assert row["time_unit"] == "ms", row["time_unit"]
 
+    def has(self, name):
+        return name in self.rows
+
     def cpu(self, name):
         """Processor time of the one thread that works: what other programs on the machine disturb least. Of a row
         about whole processes, which is timed by itself, that of the child."""

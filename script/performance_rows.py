@@ -28,6 +28,7 @@ class Row:
     name: str
     peer: Optional[Beside] = None
     limit: Optional[Beside] = None
+    some_processors: bool = False  # left out where the processor cannot run it
 
 
 @dataclass(frozen=True)
@@ -59,6 +60,35 @@ ROWS = [
     Row("import the same into the embedded host", "import_bench", "import/text/{}",
         peer=Beside("reading alone", "read/text/{}", 4)),
 ]
+# What the limits of the goals are, picture by picture: load beside the peer and the limit, save beside both.
+_TEXTURE_GOALS = [
+    ("flat", 0.55, 2, 0.50, 2),
+    ("photographic", 0.60, 9, 0.50, 8),
+    ("noise", 0.50, 2.5, 0.20, 2),
+]
+for _picture, _load_peer, _load_limit, _save_peer, _save_limit in _TEXTURE_GOALS:
+    ROWS += [
+        Row(f"load a {_picture} texture of 4096 x 4096 pixels, RGB and alpha, into the host's bitmap", "texture_bench",
+            f"load/texture/{_picture}/{{}}",
+            peer=Beside("libtiff, PackBits, and the expansion to 16 bits", f"load/tiff/{_picture}/{{}}", _load_peer),
+            limit=Beside("expansion alone", f"expand/{_picture}/{{}}", _load_limit)),
+        Row(f"save the same ({_picture}), the bytes thrown away by the system", "texture_bench",
+            f"save/texture/{_picture}/{{}}",
+            peer=Beside("libtiff and the split into planes", f"save/tiff/{_picture}/{{}}", _save_peer),
+            limit=Beside("split alone", f"split/{_picture}/{{}}", _save_limit)),
+        Row(f"save the same ({_picture}) into a file", "texture_bench", f"save_file/texture/{_picture}/{{}}",
+            peer=Beside("libtiff and the split into planes", f"save_file/tiff/{_picture}/{{}}", _save_peer),
+            limit=Beside("split alone", f"split/{_picture}/{{}}", _save_limit)),
+        Row(f"read the same ({_picture}) through OpenImageIO", "texture_bench", f"image/texture/{_picture}/{{}}",
+            peer=Beside("OpenImageIO reading the TIFF", f"image/tiff/{_picture}/{{}}", 0.60)),
+    ]
+_BY_PIXEL = Beside("pixel by pixel, bounds tested in each call", "draw/pixels/{}", 0.125)
+ROWS += [
+    Row("draw a picture of 4096 x 4096 pixels into a frame", "texture_bench", "draw/texture/{}",
+        peer=_BY_PIXEL, limit=Beside("`memcpy` of the bytes moved", "draw/memcpy/{}", 1.9)),
+    Row("the same, compiled for x86-64-v3", "texture_bench", "draw/texture_v3/{}",
+        peer=_BY_PIXEL, limit=Beside("`memcpy` of the bytes moved", "draw/memcpy/{}", 1.25), some_processors=True),
+]
 
 GROWTHS = [
     Growth(f"{what}: {work_text}", "import_bench", f"{work}/{factor}/{{}}", sizes, note)
@@ -71,8 +101,24 @@ GROWTHS = [
     ]
     for work, work_text in [("read", "reading"), ("import", "importing")]
 ]
+GROWTHS += [
+    Growth("pixels: loading a texture", "texture_bench", "load/pixels/{}", (4_096, 65_536, 1_048_576, 16_777_216)),
+    Growth("pixels: saving a texture", "texture_bench", "save/pixels/{}", (4_096, 65_536, 1_048_576, 16_777_216)),
+    Growth("alpha channels: loading a texture", "texture_bench", "load/alphas/{}", (10, 100, 1_000, 10_000)),
+    Growth("alpha channels: saving a texture", "texture_bench", "save/alphas/{}", (10, 100, 1_000, 10_000)),
+    Growth("chunks skipped", "texture_bench", "load/skipped_chunks/{}", (1_000, 10_000, 100_000, 1_000_000)),
+]
 
 MEMORY = [
     Memory("reading 63 MB", "import_bench", "read/text/{}", "byte of file", "file_bytes"),
     Memory("importing the same", "import_bench", "import/text/{}", "byte of file", "file_bytes"),
+    Memory("loading a photographic texture into the host's bitmap", "texture_bench", "load/bitmap/photographic/{}",
+           "pixel", "pixels"),
+    Memory("loading the same with libtiff, the bitmap there already", "texture_bench", "load/tiff/photographic/{}",
+           "pixel", "pixels"),
+    Memory("loading it as a value of 8 bits", "texture_bench", "load/facade/photographic/{}", "pixel", "pixels"),
+    Memory("saving it", "texture_bench", "save_file/texture/photographic/{}", "pixel", "pixels"),
+    Memory("reading it through OpenImageIO, the image's memory there already", "texture_bench",
+           "image/texture/photographic/{}", "pixel", "pixels"),
+    Memory("OpenImageIO reading the TIFF", "texture_bench", "image/tiff/photographic/{}", "pixel", "pixels"),
 ]

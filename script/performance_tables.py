@@ -29,6 +29,10 @@ def names_of(program, smoke):
     return names
 
 
+def is_there(medians, row, smoke):
+    return not row.some_processors or medians.has(sized(row.program, row.name, smoke))
+
+
 def beside_cells(medians, row, beside, smoke):
     if beside is None:
         return [""] * 5
@@ -46,7 +50,8 @@ def goals_part(programs, smoke):
         head += [kind, f"time of the {kind}", f"ratio to the {kind}", "goal, at most", f"against the {kind}"]
     return table(head, ([row.work, time_text(programs[row.program].cpu(sized(row.program, row.name, smoke)))]
                         + beside_cells(programs[row.program], row, row.peer, smoke)
-                        + beside_cells(programs[row.program], row, row.limit, smoke) for row in ROWS))
+                        + beside_cells(programs[row.program], row, row.limit, smoke)
+                        for row in ROWS if is_there(programs[row.program], row, smoke)))
 
 
 def exponent(points):
