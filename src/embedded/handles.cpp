@@ -42,9 +42,11 @@ HandleTable::Token* HandleTable::make_token(HandleKind kind) {
     return &token;
 }
 
-const HandleTable::Token* HandleTable::find(const void* handle) const {
+const HandleTable::Token* HandleTable::look_up(const void* handle) const {
     const auto found = by_address_.find(handle);
-    return found == by_address_.end() ? nullptr : found->second;
+    if (found == by_address_.end())
+        return nullptr;
+    return recent_[recent_place(handle)] = found->second;
 }
 
 std::string HandleTable::text(const void* handle) const {

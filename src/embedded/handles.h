@@ -6,6 +6,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <deque>
 #include <string>
 #include <unordered_map>
@@ -103,7 +104,10 @@ class HandleTable {
     }
 
     /// What the address stands for; null for one that this host never gave out.
-    [[nodiscard]] const Token* find(const void* handle) const;
+    [[nodiscard]] const Token* find(const void* handle) const {
+        const Token* const recent = recent_[recent_place(handle)];
+        return recent == handle && recent != nullptr ? recent : look_up(handle);
+    }
 
     [[nodiscard]] bool alive(HandleKind kind, Id id) const { return token(kind, id)->alive; }
     void kill(HandleKind kind, Id id) { token(kind, id)->alive = false; }
@@ -115,6 +119,12 @@ class HandleTable {
     [[nodiscard]] std::string text(const void* handle) const;
 
   private:
+    /// Calls come in runs about the same few handles, which are found again without the map.
+    static constexpr std::size_t kRecent = 64;
+    static std::size_t recent_place(const void* handle) {
+        return reinterpret_cast<std::uintptr_t>(handle) / sizeof(Token) % kRecent;
+    }
+    [[nodiscard]] const Token* look_up(const void* handle) const;
     Token* make_token(HandleKind kind);
     [[nodiscard]] Token* token(HandleKind kind, Id id) const { return of(kind).at(Project::index(id)); }
     [[nodiscard]] const std::vector<Token*>& of(HandleKind kind) const {
@@ -124,6 +134,7 @@ class HandleTable {
     std::deque<Token> tokens_;
     std::array<std::vector<Token*>, static_cast<std::size_t>(HandleKind::count)> by_kind_;
     std::unordered_map<const void*, const Token*> by_address_;
+    mutable std::array<const Token*, kRecent> recent_{};
 };
 
 }  // namespace embedded

@@ -184,6 +184,14 @@ void insert_keyframes(Stream& stream, const std::vector<Session::Additions::Key>
     added.reserve(keys.size());
     for (const Session::Additions::Key& key : keys)
         added.push_back({key.time, key.value.value_or(stream.value)});
+    const auto not_earlier = [&](const Keyframe& left, const Keyframe& right) {
+        return !earlier(left, right);
+    };
+    if (stream.keyframes.empty() &&
+        std::adjacent_find(added.begin(), added.end(), not_earlier) == added.end()) {
+        stream.keyframes = std::move(added);  // rising already, as in nearly every file
+        return;
+    }
     std::stable_sort(added.begin(), added.end(), earlier);
 
     // std::merge keeps old before new where times are equal; of equals the last one stays.

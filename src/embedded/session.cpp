@@ -64,8 +64,7 @@ Session::~Session() {
     active_session() = nullptr;
 }
 
-std::optional<A_Err> Session::count_call(Fn function) {
-    const std::int64_t nth = ++call_counts[static_cast<std::size_t>(function)];
+std::optional<A_Err> Session::fault_of(Fn function, std::int64_t nth) const {
     for (const auto& [faulty, fault] : faults_) {
         if (faulty == function && fault.nth == nth)
             return fault.code;
@@ -212,7 +211,7 @@ std::string Session::suite_text(SuiteId suite) const {
     return std::string(info.name) + " " + std::to_string(info.version(options.generation));
 }
 
-Id Session::living_id(HandleKind kind, const void* handle, const char* argument) {
+void Session::refuse_handle(HandleKind kind, const void* handle, const char* argument) {
     const std::string what(argument);
     if (handle == nullptr)
         refuse(Breach::bad_argument, what + " is null");
@@ -222,10 +221,8 @@ Id Session::living_id(HandleKind kind, const void* handle, const char* argument)
     if (token->kind != kind)
         refuse(Breach::foreign_handle,
                what + " is " + handles.text(handle) + ", which is no " + handle_word(kind));
-    if (!token->alive)
-        refuse(kind == HandleKind::memory ? Breach::memory_use_after_free : Breach::dead_handle,
-               what + " is " + handles.text(handle) + ", which is gone");
-    return token->id;
+    refuse(kind == HandleKind::memory ? Breach::memory_use_after_free : Breach::dead_handle,
+           what + " is " + handles.text(handle) + ", which is gone");
 }
 
 Id Session::folder_id(AEGP_ItemH handle, const char* argument) {

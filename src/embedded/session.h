@@ -89,7 +89,10 @@ class Session {
     std::array<std::int64_t, kFunctionCount> call_counts{};
 
     /// Counts the call; the code that an ordered fault answers it with, if there is one for it.
-    std::optional<A_Err> count_call(Fn function);
+    std::optional<A_Err> count_call(Fn function) {
+        const std::int64_t nth = ++call_counts[static_cast<std::size_t>(function)];
+        return faults_.empty() ? std::nullopt : fault_of(function, nth);
+    }
 
     // --- calls of the host into the bundle
 
@@ -118,7 +121,11 @@ class Session {
     /// The id of a living handle of its own kind.
     template <class H>
     Id id(H handle, const char* argument) {
-        return living_id(HandleKindOf<H>::value, handle, argument);
+        constexpr HandleKind kKind = HandleKindOf<H>::value;
+        const HandleTable::Token* const token = handles.find(handle);
+        if (token == nullptr || token->kind != kKind || !token->alive)
+            refuse_handle(kKind, handle, argument);
+        return token->id;
     }
     /// The id of a folder's item.
     Id folder_id(AEGP_ItemH handle, const char* argument);
@@ -173,7 +180,8 @@ class Session {
     void check_suites(const Marks& since, const std::string& callback);
     void check_memory(const Marks& since, const std::string& callback);
     void left(Breach breach, const std::string& callback, std::string text);
-    Id living_id(HandleKind kind, const void* handle, const char* argument);
+    [[noreturn]] void refuse_handle(HandleKind kind, const void* handle, const char* argument);
+    [[nodiscard]] std::optional<A_Err> fault_of(Fn function, std::int64_t nth) const;
 
     std::vector<std::pair<Fn, Fault>> faults_;
     std::vector<bool> footage_reported_;

@@ -13,9 +13,9 @@ void CallScope::write_line() {
     line["suite"] = suite.name;
     line["version"] = suite.version(session_.options.generation);
     line["function"] = function.name;
-    line["args"] = args_.take();
-    line["out"] = out_.take();
-    line["result"] = std::move(result_);
+    line["args"] = line_->args.take();
+    line["out"] = line_->out.take();
+    line["result"] = std::move(line_->result);
     session_.log.end(session_.current_call.n, line);
 }
 

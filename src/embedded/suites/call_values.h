@@ -45,7 +45,7 @@ class CallValues {
 
   private:
     const Session& session_;
-    Json values_;  // null until there is a value: most calls are made with the log off
+    Json values_;  // null until there is a value
 };
 
 /// {"stream":"stream:7","value":..}: the value's members are those of the stream's shape.

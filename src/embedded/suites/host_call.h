@@ -19,6 +19,8 @@ class CallScope {
         : session_(session), function_(function), outer_(session.current_call), logged_(session.log.on()) {
         session.current_call = {session.log.begin(), function_info(function).name};
         fault_ = session.count_call(function);
+        if (logged_)
+            line_.emplace(session);
     }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
@@ -36,11 +38,20 @@ class CallScope {
 
     [[nodiscard]] bool logged() const { return logged_; }
     [[nodiscard]] const std::optional<A_Err>& fault() const { return fault_; }
-    CallValues& args() { return args_; }
-    CallValues& out() { return out_; }
-    void set_result(Json result) { result_ = std::move(result); }
+    /// Only of a logged call, as are the two below.
+    CallValues& args() { return line_->args; }
+    CallValues& out() { return line_->out; }
+    void set_result(Json result) { line_->result = std::move(result); }
 
   private:
+    /// What the log wants to know. Most calls are made with the log off and build nothing.
+    struct Line {
+        explicit Line(const Session& session) : args(session), out(session) {}
+        CallValues args;
+        CallValues out;
+        Json result;
+    };
+
     void write_line();
 
     Session& session_;
@@ -48,9 +59,7 @@ class CallScope {
     Session::CurrentCall outer_;
     bool logged_;
     std::optional<A_Err> fault_;
-    CallValues args_{session_};
-    CallValues out_{session_};
-    Json result_;
+    std::optional<Line> line_;
 };
 
 /// One call of a function that returns an error code. `args(CallValues&)` names what it was given and runs

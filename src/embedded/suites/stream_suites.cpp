@@ -8,13 +8,24 @@
 namespace embedded {
 namespace {
 
+constexpr char kStreamGone[] = "stream is one that the layer does not have any more";
+
 /// The stream behind a handle.
 Stream& stream_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     Stream* stream = fetch_stream(session, session.layer(ref.layer), ref.kind);
     if (stream == nullptr)
-        session.refuse(Breach::bad_argument, "stream is one that the layer does not have any more");
+        session.refuse(Breach::bad_argument, kStreamGone);
     return *stream;
+}
+
+/// What its values are like.
+StreamShape shape_behind(Session& session, Id stream_ref) {
+    const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
+    const auto shape = stream_shape(session.layer(ref.layer), ref.kind);
+    if (!shape)
+        session.refuse(Breach::bad_argument, kStreamGone);
+    return *shape;
 }
 
 /// A value names the stream that it is for.
@@ -137,9 +148,8 @@ A_Err set_key(AEGP_AddKeyframesInfoH handle, A_long key_index, const AEGP_Stream
                 key_index >= 0 && static_cast<std::size_t>(key_index) < additions.keys.size(), "key_index",
                 "is no key of these additions");
             check_value(session, value, additions.stream_ref);
-            const Stream& stream = stream_behind(session, additions.stream_ref);
             additions.keys[static_cast<std::size_t>(key_index)].value =
-                components_of(value->value, stream.shape);
+                components_of(value->value, shape_behind(session, additions.stream_ref));
             return kHostErrorNone;
         });
 }
