@@ -38,7 +38,11 @@ Words words_of(const Page& page) {
                     words.with_value +=
                         entry.value.empty() ? "" : (words.with_value.empty() ? "" : "|") + name;
                     if (const std::string choices = choices_of(entry.value); !choices.empty()) {
-                        words.choices += "            choices[" + name + "]=\"" + choices + "\"\n";
+                        words.choices.append("            choices[")
+                            .append(name)
+                            .append("]=\"")
+                            .append(choices)
+                            .append("\"\n");
                     }
                 }
             }

@@ -16,7 +16,8 @@ std::string hex_byte(char byte) {
 std::string path_problem(HostGeneration generation, const std::string& path) {
     if (generation == HostGeneration::classic)
         return {};
-    const auto fault = first_fault(std::string_view(path));
+    const std::string_view text = path;
+    const auto fault = first_fault(text);
     if (!fault)
         return {};
     return "the path is not UTF-8 (byte " + hex_byte(path[*fault]) + " at offset " + std::to_string(*fault) +

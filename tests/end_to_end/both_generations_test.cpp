@@ -16,7 +16,6 @@
 namespace {
 
 using embedded::HostGeneration;
-using testing::IsEmpty;
 
 /// What is left of a bundle's life in one host.
 struct Life {

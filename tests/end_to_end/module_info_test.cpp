@@ -348,6 +348,9 @@ const OutputPath kOutputPaths[] = {
     {"31 characters fit", "C:\\" + std::string(31, 'a'), std::string(31, 'a')},
     {"the 32nd is cut", "C:\\" + std::string(32, 'a'), std::string(31, 'a')},
     {"an empty path", "", "???"},
+    {"letters and pictures of any script", "C:\\\u0444\\\u00E9toffe \U0001F3AC.txl",
+     "\u00E9toffe \U0001F3AC.txl"},
+    {"259 bytes fit the module's buffer", "C:\\" + std::string(252, 'a') + "\\b.c", "b.c"},
 };
 
 TEST(ModuleFunctions, OutputInfoNamesTheFileAndTheModule) {
@@ -369,6 +372,28 @@ TEST(ModuleFunctions, OutputInfoNamesTheFileAndTheModule) {
         EXPECT_THAT(bundle.message_texts(), IsEmpty());
         EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
     }
+}
+
+// A classic host does not give such a path at all; of today's the bridge gets it, and says why it goes no
+// further.
+TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
+    LoadedBundle bundle;
+    AEIO_Verbiage verbiage;
+    std::memset(&verbiage, 'x', sizeof verbiage);
+    const AEIO_OutSpecH out = bundle.host().new_out_spec("C:\\" + std::string(253, 'a') + "\\b.c");
+    const auto result = bundle.host().run("AEIO_GetOutputInfo", [&] {
+        return registered(bundle).with_functions([&](const auto& functions) {
+            return functions.AEIO_GetOutputInfo(bundle.host().basic_data(), out, &verbiage);
+        });
+    });
+    EXPECT_EQ(result.code, tests_today() ? kHostErrorParameter : kHostErrorGeneric);
+    std::vector<std::string> messages = {"Unable to get file data"};
+    if (tests_today())
+        messages.insert(messages.begin(),
+                        "A path of the host cannot be used: in UTF-8 it is longer than 259 bytes.");
+    EXPECT_EQ(bundle.message_texts(), messages);
+    EXPECT_EQ(verbiage.name[0], 'x');
+    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
 }
 
 TEST(ModuleFunctions, OutputInfoOfAHostThatDoesNotKnowThePath) {

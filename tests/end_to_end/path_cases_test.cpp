@@ -121,7 +121,8 @@ TEST_P(Paths, LeadToATextureThatIsDrawn) {
     ASSERT_EQ(drawn.pixels.size(), 35U);
     for (std::int32_t y = 0; y < 5; ++y) {
         for (std::int32_t x = 0; x < 7; ++x) {
-            const PF_Pixel& pixel = drawn.pixels[static_cast<std::size_t>(7 * y + x)];
+            const PF_Pixel& pixel =
+                drawn.pixels[7 * static_cast<std::size_t>(y) + static_cast<std::size_t>(x)];
             const PF_Pixel expected = frame_pixel(texture, x, y);
             EXPECT_EQ(pixel.red, expected.red);
             EXPECT_EQ(pixel.alpha, expected.alpha);
