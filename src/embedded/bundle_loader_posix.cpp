@@ -20,6 +20,14 @@ class PosixBundle final : public BundleLoader {
     void* library_;
 };
 
+/// The code of a Macintosh bundle folder, which has its name; any other path is the code itself.
+std::filesystem::path code_of(const std::filesystem::path& path) {
+    std::error_code none;
+    return path.extension() == ".plugin" && std::filesystem::is_directory(path, none)
+               ? path / "Contents" / "MacOS" / path.stem()
+               : path;
+}
+
 }  // namespace
 
 std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& path, std::string& error) {
@@ -30,7 +38,7 @@ std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& pa
         error = failure.message();
         return nullptr;
     }
-    void* library = dlopen(absolute.c_str(), RTLD_NOW | RTLD_LOCAL);
+    void* library = dlopen(code_of(absolute).c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         const char* reason = dlerror();
         error = reason == nullptr ? "unknown reason" : reason;

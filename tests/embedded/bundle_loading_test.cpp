@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <filesystem>
 #include <stdexcept>
 
 #include "embedded/bundle_side.h"
@@ -66,6 +67,17 @@ TEST(BundleLoading, WorksAgainInTheSameHostAndInTheNext) {
     Host host(in_a_classic_host());
     ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
     EXPECT_TRUE(host.verify("any file").importable);
+}
+
+TEST(BundleLoading, FindsTheCodeInAMacintoshFolder) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder.path("Small.plugin/Contents/MacOS"));
+    std::filesystem::create_symlink(VXR_SMALL_BUNDLE, folder.path("Small.plugin/Contents/MacOS/Small"));
+    Host host;
+    const LoadResult loaded = host.load(folder.path("Small.plugin"));
+    ASSERT_TRUE(loaded.ok()) << loaded.error;
+    EXPECT_EQ(host.flavors().size(), 1U);
+    EXPECT_FALSE(host.load(folder.path("Other.plugin")).ok());
 }
 
 TEST(BundleLoading, SaysWhyAFileIsNoBundle) {

@@ -1,0 +1,8 @@
+#pragma once
+
+// What src/cli/program_path_macintosh.cpp uses of the Macintosh's loader, in our own words: for
+// script/check-macintosh.
+
+#include <cstdint>
+
+extern "C" int _NSGetExecutablePath(char* buffer, std::uint32_t* size);
