@@ -1,6 +1,7 @@
 #include "cli/verbs.h"
 
 #include "cli/check_command.h"
+#include "cli/doctor/doctor_command.h"
 #include "cli/frame_command.h"
 #include "cli/help_command.h"
 #include "cli/import_command.h"
@@ -14,7 +15,7 @@ namespace cli {
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
         import_verb(), check_verb(),   texture_info_verb(), texture_check_verb(), texture_convert_verb(),
-        frame_verb(),  modules_verb(), help_verb(),         completion_verb(),
+        frame_verb(),  modules_verb(), doctor_verb(),       help_verb(),          completion_verb(),
     };
     return kVerbs;
 }

@@ -1,0 +1,90 @@
+#include "cli/doctor/bundle_files.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <system_error>
+
+namespace cli::doctor {
+namespace {
+
+namespace fs = std::filesystem;
+
+char lower(char letter) {
+    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
+}
+
+}  // namespace
+
+ReadFile read_file(const std::string& path) {
+    ReadFile file{path, std::nullopt, {}};
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    if (!fs::exists(status)) {
+        file.error = failure ? failure.message() : "No such file or directory";
+        return file;
+    }
+    if (!fs::is_regular_file(status)) {
+        file.error = "not a regular file";
+        return file;
+    }
+    if (const std::uintmax_t size = fs::file_size(path, failure); failure || size > kLargestFile) {
+        file.error = failure ? failure.message()
+                             : std::to_string(size) + " bytes; more than " + std::to_string(kLargestFile) +
+                                   " are not looked at";
+        return file;
+    }
+    std::ifstream in(path, std::ios::binary);
+    std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    if (!in.is_open() || in.bad()) {
+        file.error = "it cannot be read";
+        return file;
+    }
+    file.bytes = std::move(bytes);
+    return file;
+}
+
+PathKind path_kind(const std::string& path) {
+    std::error_code failure;
+    const fs::file_status status = fs::status(path, failure);
+    return !fs::exists(status)           ? PathKind::missing
+           : fs::is_regular_file(status) ? PathKind::file
+           : fs::is_directory(status)    ? PathKind::folder
+                                         : PathKind::other;
+}
+
+std::string last_name(const std::string& path) {
+    const std::size_t end = path.find_last_not_of('/');
+    const std::string whole = path.substr(0, end == std::string::npos ? 0 : end + 1);
+    return whole.substr(whole.find_last_of('/') + 1);
+}
+
+std::string folder_of(const std::string& path) {
+    const std::size_t slash = path.find_last_of('/');
+    return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
+}
+
+bool has_ending(const std::string& name, const std::string& ending) {
+    return name.size() > ending.size() &&
+           std::equal(ending.rbegin(), ending.rend(), name.rbegin(),
+                      [](char one, char other) { return lower(one) == lower(other); });
+}
+
+std::optional<std::string> only_file(const std::string& folder, const std::string& ending) {
+    std::optional<std::string> only;
+    std::error_code failure;
+    for (fs::directory_iterator entry(folder, failure); !failure && entry != fs::directory_iterator();
+         entry.increment(failure)) {
+        const std::string name = entry->path().filename().string();
+        if (has_ending(name, ending)) {
+            if (only) {
+                return std::nullopt;
+            }
+            only = name;
+        }
+    }
+    return only;
+}
+
+}  // namespace cli::doctor

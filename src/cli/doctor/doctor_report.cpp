@@ -1,0 +1,173 @@
+#include "cli/doctor/doctor_report.h"
+
+#include <nlohmann/json.hpp>
+
+#include "cli/doctor/bundle_files.h"
+#include "cli/doctor/trial_json.h"
+#include "cli/printable_text.h"
+#include "cli/text_table.h"
+#include "embedded/json_values.h"
+
+namespace cli::doctor {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kDoctorSchema = 1;
+
+std::string host_words(const Verdict& verdict) {
+    const std::string place = verdict.platform == "windows"     ? "Windows"
+                              : verdict.platform == "macintosh" ? "Macintosh"
+                                                                : "embedded host";
+    return place + ", " + verdict.generation;
+}
+
+Cell answer_cell(Answer answer) {
+    switch (answer) {
+        case Answer::yes:
+            return {"yes", Ink::green};
+        case Answer::no:
+            return {"no", Ink::red};
+        case Answer::not_tried:
+            break;
+    }
+    return {"not tried", Ink::yellow};
+}
+
+std::string joined(const std::vector<std::string>& words) {
+    std::string text;
+    for (const std::string& word : words) {
+        text += (text.empty() ? "" : ", ") + printable(word);
+    }
+    return text.empty() ? "none" : text;
+}
+
+std::string verdicts_text(const Diagnosis& diagnosis, const Paint& paint) {
+    TextTable table;
+    table.add({{"host", Ink::bold}, {"lists it", Ink::bold}, {"because", Ink::bold}});
+    for (const Verdict& verdict : diagnosis.verdicts) {
+        table.add({{host_words(verdict)}, answer_cell(verdict.answer), {printable(verdict.reason)}});
+    }
+    std::string text;
+    for (const std::string& line : table.lines(paint)) {
+        text += line + '\n';
+    }
+    return text;
+}
+
+std::string image_text(const ImageFacts& image) {
+    return "  code        " + image.container + ' ' + image.kind + ", " + image.processor +
+           (image.offset_bytes > 0 ? ", at byte " + std::to_string(image.offset_bytes) : std::string()) +
+           '\n' + "    exports   " + joined(image.entries) + "; " + std::to_string(image.export_count) +
+           " in all\n" + "    needs     " + joined(image.needed) + '\n';
+}
+
+std::string property_list_text(const PropertyListFacts& list) {
+    std::string text = "  PiPL        " +
+                       (list.number ? std::to_string(*list.number) : std::string("by name")) + " in " +
+                       printable(last_name(list.file)) + '\n';
+    for (const PropertyFacts& property : list.properties) {
+        text += "    " + printable(property.key) + "      " + printable(property.value) + '\n';
+    }
+    return text;
+}
+
+std::string trial_text(const Trial& trial) {
+    std::string text;
+    for (const Registration& one : trial.registered) {
+        text += "    " + one.kind + ' ' + cli::quoted(one.name) +
+                (one.extensions.empty() ? std::string() : " for " + joined(one.extensions)) + '\n';
+    }
+    return text.empty() ? text : "  registers in the embedded host, " + trial.generation + ":\n" + text;
+}
+
+std::string facts_text(const Diagnosis& diagnosis, const Paint& paint) {
+    if (diagnosis.images.empty()) {
+        return {};
+    }
+    std::string text = '\n' + paint(Ink::bold, printable(diagnosis.binary)) + '\n';
+    for (const ImageFacts& image : diagnosis.images) {
+        text += image_text(image);
+    }
+    for (const PropertyListFacts& list : diagnosis.property_lists) {
+        text += property_list_text(list);
+    }
+    if (!diagnosis.info_plist.empty()) {
+        text += "  Info.plist\n";
+        for (const auto& [key, value] : diagnosis.info_plist) {
+            text += "    " + key + ' ' + printable(value) + '\n';
+        }
+    }
+    for (const Trial& trial : diagnosis.trials) {
+        text += trial_text(trial);
+    }
+    return text;
+}
+
+Json verdict_json(const Verdict& verdict) {
+    return Json{{"platform", verdict.platform},
+                {"generation", verdict.generation},
+                {"lists", verdict.answer == Answer::not_tried ? Json() : Json(verdict.answer == Answer::yes)},
+                {"reason", embedded::json_text(verdict.reason)}};
+}
+
+Json image_json(const ImageFacts& image) {
+    return Json{{"container", image.container},         {"kind", image.kind},
+                {"processor", image.processor},         {"offset_bytes", image.offset_bytes},
+                {"entries", texts_json(image.entries)}, {"export_count", image.export_count},
+                {"needed", texts_json(image.needed)}};
+}
+
+Json property_list_json(const PropertyListFacts& list) {
+    Json properties = Json::array();
+    for (const PropertyFacts& property : list.properties) {
+        properties.push_back(Json{{"key", embedded::json_text(property.key)},
+                                  {"value", embedded::json_text(property.value)},
+                                  {"offset_bytes", property.offset_bytes}});
+    }
+    return Json{{"file", embedded::json_text(list.file)},
+                {"number", list.number ? Json(*list.number) : Json()},
+                {"properties", properties}};
+}
+
+template <class Items, class ToJson>
+Json array_of(const Items& items, const ToJson& to_json) {
+    Json array = Json::array();
+    for (const auto& item : items) {
+        array.push_back(to_json(item));
+    }
+    return array;
+}
+
+}  // namespace
+
+std::string diagnosis_text(const Diagnosis& diagnosis, const Paint& paint) {
+    std::string text = verdicts_text(diagnosis, paint);
+    text += diagnosis.findings.empty() ? "" : "\n";
+    for (const Diagnostic& finding : diagnosis.findings) {
+        text += diagnostic_text(finding, paint);
+    }
+    return text + facts_text(diagnosis, paint);
+}
+
+std::string diagnosis_document(const Diagnosis& diagnosis) {
+    Json plist = Json::object();
+    for (const auto& [key, value] : diagnosis.info_plist) {
+        plist[key] = embedded::json_text(value);
+    }
+    return Json{{"schema", kDoctorSchema},
+                {"exit_code", static_cast<int>(diagnosis.code)},
+                {"bundle", embedded::json_text(diagnosis.bundle)},
+                {"verdicts", array_of(diagnosis.verdicts, verdict_json)},
+                {"findings", array_of(diagnosis.findings, diagnostic_json)},
+                {"binary", diagnosis.images.empty() ? Json() : embedded::json_text(diagnosis.binary)},
+                {"universal", diagnosis.universal},
+                {"images", array_of(diagnosis.images, image_json)},
+                {"property_lists", array_of(diagnosis.property_lists, property_list_json)},
+                {"info_plist", plist},
+                {"trials", array_of(diagnosis.trials, trial_json)}}
+               .dump(2) +
+           '\n';
+}
+
+}  // namespace cli::doctor

@@ -1,0 +1,254 @@
+#include "cli/doctor/examination.h"
+
+#include <algorithm>
+#include <array>
+
+#include "binary_file/image.h"
+#include "cli/doctor/bundle_files.h"
+#include "cli/doctor/doctor_codes.h"
+#include "cli/doctor/macintosh_bundle.h"
+#include "cli/doctor/needed_libraries.h"
+#include "cli/doctor/property_checks.h"
+#include "cli/doctor/verdicts.h"
+#include "cli/printable_text.h"
+
+namespace cli::doctor {
+namespace {
+
+using binary_file::BinaryFile;
+using binary_file::Container;
+using binary_file::Image;
+
+constexpr std::array<std::string_view, 2> kEntries{"EntryPointFunc", "Main_VORTANXR_AE"};
+
+const char* container_word(Container container) {
+    switch (container) {
+        case Container::elf:
+            return "ELF";
+        case Container::pe:
+            return "PE";
+        case Container::mach_o:
+            break;
+    }
+    return "Mach-O";
+}
+
+ImageFacts facts_of(const Image& image) {
+    ImageFacts facts{
+        container_word(image.container), image.kind, image.processor, image.offset_bytes, {}, {}, {}};
+    facts.export_count = image.exports.size();
+    for (const std::string_view entry : kEntries) {
+        if (std::find(image.exports.begin(), image.exports.end(), entry) != image.exports.end()) {
+            facts.entries.emplace_back(entry);
+        }
+    }
+    for (const binary_file::NeededLibrary& library : image.needed) {
+        facts.needed.emplace_back(library.name);
+    }
+    return facts;
+}
+
+class Examination {
+  public:
+    Examination(const std::string& bundle, const TryIt& try_it) : try_it_(try_it) {
+        diagnosis_.bundle = bundle;
+    }
+
+    Diagnosis run() {
+        look();
+        diagnosis_.verdicts = verdicts_of(diagnosis_);
+        if (diagnosis_.code != ExitCode::cannot_read_or_write) {
+            diagnosis_.code = !diagnosis_.first_error() && is_listed() ? ExitCode::fine : ExitCode::refused;
+        }
+        return std::move(diagnosis_);
+    }
+
+  private:
+    void add(Finding finding, Place at, std::string reason, std::vector<std::string> effects = {}) {
+        diagnosis_.findings.push_back(found(finding, std::move(at), std::move(reason), std::move(effects)));
+    }
+
+    void unreadable(const std::string& file, const std::string& why) {
+        add(Finding::cannot_read, {file}, why);
+        diagnosis_.code = ExitCode::cannot_read_or_write;
+    }
+
+    [[nodiscard]] bool is_listed() const {
+        return std::any_of(diagnosis_.verdicts.begin(), diagnosis_.verdicts.end(),
+                           [](const Verdict& verdict) { return verdict.answer == Answer::yes; });
+    }
+
+    void look() {
+        MacintoshBundle macintosh;
+        diagnosis_.binary = diagnosis_.bundle;
+        const bool folder = path_kind(diagnosis_.bundle) == PathKind::folder;
+        if (folder) {
+            macintosh = open_macintosh_bundle(diagnosis_);
+            diagnosis_.binary = macintosh.binary;
+            if (macintosh.binary.empty()) {
+                return;
+            }
+        }
+        const ReadFile file = read_file(diagnosis_.binary);
+        if (!file.bytes) {
+            unreadable(file.path, file.error);
+            return;
+        }
+        const std::optional<BinaryFile> binary = binary_file::read_binary_file(*file.bytes);
+        if (!binary) {
+            add(Finding::not_a_binary, {file.path}, "the file is neither ELF nor PE nor Mach-O");
+            return;
+        }
+        look_at_images(*binary);
+        if (folder) {
+            check_macintosh_bundle(macintosh, binary->images, diagnosis_);
+        } else if (!binary->images.empty() && binary->images.front().container == Container::mach_o) {
+            add(Finding::not_a_bundle, {file.path}, "Mach-O code outside of a bundle");
+        }
+        try_to_load(binary->images);
+    }
+
+    void look_at_images(const BinaryFile& binary) {
+        diagnosis_.universal = binary.universal;
+        if (binary.damage) {
+            damage(*binary.damage);
+        }
+        for (const Image& image : binary.images) {
+            diagnosis_.images.push_back(facts_of(image));
+            if (image.damage) {
+                damage(*image.damage);
+            }
+            check_image(image);
+        }
+        check_entries(binary.images);
+        check_needed_libraries(diagnosis_.binary, binary.images, diagnosis_);
+        if (!binary.images.empty() && binary.images.front().container == Container::pe) {
+            check_windows(binary.images);
+        }
+    }
+
+    void damage(const binary_file::Damage& damage) {
+        add(Finding::damaged, {diagnosis_.binary, static_cast<std::int64_t>(damage.offset_bytes())},
+            damage.what());
+    }
+
+    /// A whole file has no offset worth telling; the part of a universal one does.
+    [[nodiscard]] Place place_of(const Image& image) const {
+        return {diagnosis_.binary, image.offset_bytes == 0
+                                       ? std::nullopt
+                                       : std::optional(static_cast<std::int64_t>(image.offset_bytes))};
+    }
+
+    void check_image(const Image& image) {
+        const Place at = place_of(image);
+        if (!image.loadable && !image.damage) {
+            add(Finding::wrong_kind, at, "the code is a " + image.kind + ", not a library to be loaded");
+        }
+        if (image.container == Container::mach_o && !image.has_signature && !image.damage) {
+            add(Finding::not_signed, at, "the code for " + image.processor + " is not signed");
+        }
+    }
+
+    void check_entries(const std::vector<Image>& images) {
+        for (std::size_t i = 0; i < images.size(); ++i) {
+            const std::vector<std::string>& entries = diagnosis_.images[i].entries;
+            const Place at = place_of(images[i]);
+            if (images[i].damage || !images[i].loadable) {
+                continue;
+            }
+            if (entries.empty()) {
+                add(Finding::entry_missing, at,
+                    "the code for " + images[i].processor +
+                        " exports neither EntryPointFunc nor Main_VORTANXR_AE");
+            } else if (entries.size() < kEntries.size()) {
+                add(Finding::one_generation, at,
+                    "the code for " + images[i].processor + " exports " + entries.front() + " only");
+            }
+        }
+    }
+
+    void check_windows(const std::vector<Image>& images) {
+        const Image& image = images.front();
+        if (!has_ending(last_name(diagnosis_.bundle), ".aex")) {
+            add(Finding::wrong_name, {diagnosis_.bundle}, "the name does not end with .aex");
+        }
+        if (image.processor != "x86-64" && !image.damage) {
+            add(Finding::wrong_processor, {diagnosis_.binary},
+                "the code is for " + image.processor + "; today's hosts on Windows run on x86-64");
+        }
+        check_properties(diagnosis_.binary, image.property_lists, binary_file::PropertyForm::windows, images,
+                         diagnosis_);
+    }
+
+    void try_to_load(const std::vector<Image>& images) {
+        const bool loadable = std::any_of(images.begin(), images.end(), [](const Image& image) {
+            return image.loadable && container_word(image.container) == std::string_view(own_container());
+        });
+        const bool has_entry = std::any_of(diagnosis_.images.begin(), diagnosis_.images.end(),
+                                           [](const ImageFacts& image) { return !image.entries.empty(); });
+        // Nothing is called in other libraries, so nothing of them is to run here either.
+        if (!loadable || !has_entry) {
+            return;
+        }
+        for (const embedded::HostGeneration generation :
+             {embedded::HostGeneration::today, embedded::HostGeneration::classic}) {
+            // What the system does not load it loads for no host.
+            if (!diagnosis_.trials.empty() && diagnosis_.trials.front().end == TrialEnd::not_loadable) {
+                diagnosis_.trials.push_back(diagnosis_.trials.front());
+                diagnosis_.trials.back().generation = embedded::generation_word(generation);
+                return;
+            }
+            diagnosis_.trials.push_back(try_it_(diagnosis_.binary, generation));
+            add_trial_finding(diagnosis_.trials.back());
+        }
+    }
+
+    void add_trial_finding(const Trial& trial) {
+        Finding finding = Finding::registers_nothing;
+        std::string reason = "embedded host, " + trial.generation + ": " + trial.reason;
+        switch (trial.end) {
+            case TrialEnd::listed:
+                if (!trial.registered.empty()) {
+                    return;
+                }
+                reason += "neither an importer nor an input module is registered";
+                break;
+            case TrialEnd::failed:
+                finding = Finding::entry_failed;
+                break;
+            case TrialEnd::not_loadable:
+                finding = Finding::not_loadable;
+                reason = trial.reason;
+                break;
+            case TrialEnd::crashed:
+                finding = Finding::load_crashed;
+                break;
+            case TrialEnd::timed_out:
+                finding = Finding::load_timed_out;
+                break;
+        }
+        std::vector<std::string> effects;
+        for (const std::string& message : trial.messages) {
+            effects.push_back("it said: " + message);
+        }
+        add(finding, {diagnosis_.binary}, std::move(reason), std::move(effects));
+    }
+
+    const TryIt& try_it_;
+    Diagnosis diagnosis_;
+};
+
+}  // namespace
+
+std::optional<std::string> Diagnosis::first_error() const {
+    const auto error = std::find_if(findings.begin(), findings.end(), [](const Diagnostic& finding) {
+        return finding.severity == Severity::error;
+    });
+    return error == findings.end() ? std::nullopt : std::optional(error->reason);
+}
+
+Diagnosis examine(const std::string& bundle, const TryIt& try_it) {
+    return Examination(bundle, try_it).run();
+}
+
+}  // namespace cli::doctor

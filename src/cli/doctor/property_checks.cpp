@@ -1,0 +1,192 @@
+#include "cli/doctor/property_checks.h"
+
+#include <algorithm>
+
+#include "cli/doctor/doctor_codes.h"
+#include "cli/printable_text.h"
+
+namespace cli::doctor {
+namespace {
+
+using binary_file::Image;
+using binary_file::Property;
+using binary_file::PropertyForm;
+using binary_file::PropertyList;
+
+constexpr std::uint32_t kNumber = 16000;
+constexpr std::uint32_t kVersion = 3U << 16U;
+
+constexpr NamedCode kWindowsCode[] = {{"8664", "x86-64"}};
+constexpr NamedCode kMacintoshCode[] = {{"mi64", "x86-64"}, {"ma64", "arm64"}};
+
+std::span<const NamedCode> code_keys(PropertyForm form) {
+    return form == PropertyForm::windows ? std::span<const NamedCode>(kWindowsCode) : kMacintoshCode;
+}
+
+std::string version_text(std::uint32_t version) {
+    return std::to_string(version >> 16U) + '.' + std::to_string(version & 0xFFFFU);
+}
+
+std::string hexadecimal(std::string_view bytes) {
+    constexpr char kDigits[] = "0123456789abcdef";
+    constexpr std::size_t kShown = 32;
+    std::string text;
+    for (const char byte : bytes.substr(0, kShown)) {
+        const auto value = static_cast<unsigned char>(byte);
+        text += {kDigits[value >> 4U], kDigits[value & 15U]};
+    }
+    return text + (bytes.size() > kShown ? "..." : "");
+}
+
+std::optional<std::string> owned(std::optional<std::string_view> text) {
+    return text ? std::optional<std::string>(*text) : std::nullopt;
+}
+
+/// The value of a property in the words of its key.
+std::string value_text(const Property& property, PropertyForm form) {
+    std::optional<std::string> text;
+    if (property.key == "kind") {
+        text = property.code();
+    } else if (property.key == "name" || property.key == "catg") {
+        text = owned(property.counted_text());
+    } else if (property.key == "vers" && property.number()) {
+        text = version_text(*property.number());
+    } else if (std::any_of(code_keys(form).begin(), code_keys(form).end(),
+                           [&](const NamedCode& code) { return property.key == code.key; })) {
+        text = owned(property.terminated_text());
+    }
+    return text.value_or(hexadecimal(property.data.all()));
+}
+
+class PropertyChecks {
+  public:
+    PropertyChecks(const std::string& file, const PropertyList& list, std::uint64_t offset_bytes,
+                   Diagnosis& diagnosis)
+        : file_(file), list_(list), offset_bytes_(offset_bytes), diagnosis_(diagnosis) {}
+
+    void check(PropertyForm form, const std::vector<Image>& images) {
+        check_kind();
+        check_text("name", "the name in the host's menus");
+        check_text("catg", "the category");
+        if (const Property* category = list_.find("catg");
+            category != nullptr && category->counted_text().value_or("") != "General Plugin") {
+            add(Finding::property_unusual, category,
+                "the category \"catg\" is \"" + std::string(category->counted_text().value_or("")) +
+                    "\", not \"General Plugin\"");
+        }
+        check_version();
+        for (const NamedCode& code : code_keys(form)) {
+            const auto image = std::find_if(images.begin(), images.end(), [&](const Image& one) {
+                return one.processor == code.processor;
+            });
+            if (image != images.end()) {
+                check_entry(code, *image);
+            }
+        }
+    }
+
+  private:
+    void add(Finding finding, const Property* property, std::string reason) {
+        const std::uint64_t at = property == nullptr ? offset_bytes_ : property->offset_bytes;
+        diagnosis_.findings.push_back(
+            found(finding, {file_, static_cast<std::int64_t>(at)}, std::move(reason)));
+    }
+
+    const Property* required(const char* key, const std::string& what) {
+        const Property* property = list_.find(key);
+        if (property == nullptr) {
+            add(Finding::property_missing, nullptr,
+                "there is no property \"" + std::string(key) + "\": " + what);
+        }
+        return property;
+    }
+
+    void check_kind() {
+        const Property* kind = required("kind", "the kind of plug-in, \"AEgx\"");
+        if (kind != nullptr && kind->code() != "AEgx") {
+            add(Finding::property_wrong, kind,
+                "the kind \"kind\" is " + cli::quoted(kind->code().value_or(hexadecimal(kind->data.all()))) +
+                    ", not \"AEgx\", general plug-ins");
+        }
+    }
+
+    void check_text(const char* key, const std::string& what) {
+        const Property* text = required(key, what);
+        if (text != nullptr && text->counted_text().value_or("").empty()) {
+            add(Finding::property_wrong, text,
+                "the property \"" + std::string(key) +
+                    "\" is no text behind its length, or an empty one: " + what);
+        }
+    }
+
+    void check_version() {
+        const Property* version = required("vers", "the version of the interface, 3.0");
+        if (version != nullptr && version->number() != kVersion) {
+            add(Finding::property_unusual, version,
+                "the version \"vers\" is " +
+                    (version->number() ? version_text(*version->number())
+                                       : hexadecimal(version->data.all())) +
+                    ", not 3.0");
+        }
+    }
+
+    void check_entry(const NamedCode& code, const Image& image) {
+        const Property* entry =
+            required(code.key, "the function that is called first in the code for " + image.processor);
+        if (entry == nullptr) {
+            return;
+        }
+        const std::string name(entry->terminated_text().value_or(""));
+        if (name.empty()) {
+            add(Finding::property_wrong, entry,
+                "the property \"" + std::string(code.key) + "\" names no function");
+        } else if (std::find(image.exports.begin(), image.exports.end(), name) == image.exports.end()) {
+            add(Finding::entry_not_exported, entry,
+                "the property \"" + std::string(code.key) + "\" names " + cli::quoted(name) +
+                    ", which the code for " + image.processor + " does not export");
+        }
+    }
+
+    const std::string& file_;
+    const PropertyList& list_;
+    std::uint64_t offset_bytes_;
+    Diagnosis& diagnosis_;
+};
+
+}  // namespace
+
+void check_properties(const std::string& file, const std::vector<binary_file::Resource>& resources,
+                      PropertyForm form, const std::vector<Image>& images, Diagnosis& diagnosis) {
+    if (resources.empty()) {
+        diagnosis.findings.push_back(
+            found(Finding::no_properties, {file}, "there is no resource of the type PiPL"));
+        return;
+    }
+    // Hosts take the one with their number; the first of several stands for them all.
+    const auto usual = std::find_if(resources.begin(), resources.end(),
+                                    [](const binary_file::Resource& one) { return one.number == kNumber; });
+    const binary_file::Resource& resource = usual == resources.end() ? resources.front() : *usual;
+    const std::uint64_t at = resource.data.start_bytes();
+    if (usual == resources.end()) {
+        diagnosis.findings.push_back(
+            found(Finding::properties_number, {file, static_cast<std::int64_t>(at)},
+                  "the resource PiPL has " +
+                      (resource.number ? "the number " + std::to_string(*resource.number) : "a name") +
+                      ", not the number " + std::to_string(kNumber)));
+    }
+    const PropertyList list = binary_file::read_property_list(resource.data, form);
+    PropertyListFacts facts{file, resource.number, {}};
+    for (const Property& property : list.properties) {
+        facts.properties.push_back({property.key, value_text(property, form), property.offset_bytes});
+    }
+    diagnosis.property_lists.push_back(std::move(facts));
+    if (list.damage) {
+        diagnosis.findings.push_back(found(Finding::properties_damaged,
+                                           {file, static_cast<std::int64_t>(list.damage->offset_bytes())},
+                                           list.damage->what()));
+        return;
+    }
+    PropertyChecks(file, list, at, diagnosis).check(form, images);
+}
+
+}  // namespace cli::doctor

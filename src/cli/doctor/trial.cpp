@@ -1,0 +1,105 @@
+#include "cli/doctor/trial.h"
+
+#include <csignal>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+
+#include "cli/child_process.h"
+#include "cli/doctor/trial_json.h"
+#include "cli/platform.h"
+#include "embedded/host.h"
+
+namespace cli::doctor {
+namespace {
+
+std::vector<Registration> registrations_of(const embedded::Host& host) {
+    std::vector<Registration> all;
+    for (const embedded::ImportFlavor& flavor : host.flavors()) {
+        all.push_back({"importer", flavor.name, flavor.extensions});
+    }
+    for (const embedded::Module& module : host.modules()) {
+        all.push_back({"input module", module.name(), module.extensions()});
+    }
+    return all;
+}
+
+std::string crash_reason(const ChildResult& child) {
+    if (!child.signal.empty()) {
+        return "the process that loaded it was ended by " + child.signal;
+    }
+    return "the process that loaded it ended with the exit code " +
+           std::to_string(child.exit_code.value_or(-1)) + " and no result";
+}
+
+/// The last lines of a text, so that the cause of a crash is among them and a flood is not.
+std::vector<std::string> last_lines(const std::string& text) {
+    constexpr std::size_t kMost = 5;
+    std::vector<std::string> lines;
+    for (std::size_t at = 0; at < text.size();) {
+        const std::size_t end = std::min(text.find('\n', at), text.size());
+        if (end > at) {
+            lines.push_back(text.substr(at, end - at));
+        }
+        at = end + 1;
+    }
+    if (lines.size() > kMost) {
+        lines.erase(lines.begin(), lines.end() - kMost);
+    }
+    return lines;
+}
+
+}  // namespace
+
+Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
+    Trial trial;
+    trial.generation = embedded::generation_word(generation);
+    // Whoever watches this process is to see the bundle's own end, not one that a sanitizer makes of it.
+    for (const int crash : {SIGSEGV, SIGFPE, SIGILL}) {
+        std::signal(crash, SIG_DFL);
+    }
+    embedded::HostOptions options;
+    options.generation = generation;
+    embedded::Host host(options);
+    const embedded::LoadResult loaded = host.load(bundle);
+    trial.registered = registrations_of(host);
+    host.unload();
+    for (const embedded::Message& message : host.messages()) {
+        trial.messages.push_back(message.text);
+    }
+    if (loaded.ok()) {
+        trial.end = TrialEnd::listed;
+    } else {
+        trial.end = loaded.entry.code == kHostErrorNone ? TrialEnd::not_loadable : TrialEnd::failed;
+        trial.reason = loaded.error;
+    }
+    return trial;
+}
+
+Trial try_apart(const std::string& bundle, embedded::HostGeneration generation,
+                std::chrono::seconds longest) {
+    const std::string word = embedded::generation_word(generation);
+    const ChildResult child = run_child(program_path(), {"doctor", "--load", word, "--", bundle}, longest);
+    if (!child.error.empty()) {
+        throw std::runtime_error("the process that is to load the plug-in was not started: " + child.error);
+    }
+    // Whatever else the bundle wrote comes before.
+    const std::vector<std::string> lines = last_lines(child.out);
+    const std::optional<Trial> told = lines.empty() ? std::nullopt : read_trial_line(lines.back());
+    if (told && child.exit_code == 0) {
+        return *told;
+    }
+    Trial trial;
+    trial.generation = word;
+    trial.messages = last_lines(child.err);
+    if (child.timed_out) {
+        trial.end = TrialEnd::timed_out;
+        trial.reason =
+            "the process that loaded it had not ended after " + std::to_string(longest.count()) + " s";
+        return trial;
+    }
+    trial.end = TrialEnd::crashed;
+    trial.reason = crash_reason(child);
+    return trial;
+}
+
+}  // namespace cli::doctor

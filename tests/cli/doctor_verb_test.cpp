@@ -1,0 +1,219 @@
+// `vxr doctor` as a process: real files, and plug-ins that misbehave while they are loaded.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "cli/child_process.h"
+#include "cli/doctor/bundle_files.h"
+#include "cli/made_bundle.h"
+#include "support/child_process.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using nlohmann::json;
+
+using Environment = std::vector<std::pair<std::string, std::string>>;
+
+ProcessResult doctor(std::vector<std::string> arguments, const Environment& environment = {}) {
+    arguments.insert(arguments.begin(), {VXR_PROGRAM, "doctor"});
+    return run_process(arguments, environment);
+}
+
+json document(const std::string& bundle, int exit_code, const Environment& environment = {},
+              const std::string& timeout = "60") {
+    const ProcessResult run = doctor({"--json", "--timeout", timeout, bundle}, environment);
+    EXPECT_EQ(run.exit_code, exit_code) << run.err;
+    EXPECT_EQ(run.err, "");
+    return json::parse(run.out);
+}
+
+/// The answers in their order: Windows, Macintosh, embedded host, each today's and classic.
+std::vector<json> answers(const json& diagnosis) {
+    std::vector<json> all;
+    for (const json& verdict : diagnosis.at("verdicts")) {
+        all.push_back(verdict.at("lists"));
+    }
+    return all;
+}
+
+std::vector<std::string> codes(const json& diagnosis) {
+    std::vector<std::string> all;
+    for (const json& finding : diagnosis.at("findings")) {
+        all.push_back(finding.at("code"));
+    }
+    return all;
+}
+
+TEST(DoctorVerb, TheBundleOfThisBuildIsListedByBothGenerations) {
+    const json diagnosis = document(VXR_BUNDLE_PATH, 0);
+    EXPECT_EQ(diagnosis.at("schema"), 1);
+    EXPECT_EQ(codes(diagnosis), std::vector<std::string>());
+    EXPECT_EQ(answers(diagnosis), (std::vector<json>{false, false, false, false, true, true}));
+    EXPECT_EQ(diagnosis.at("images").at(0).at("entries"), json({"EntryPointFunc", "Main_VORTANXR_AE"}));
+    EXPECT_EQ(diagnosis.at("images").at(0).at("export_count"), 2);
+    ASSERT_EQ(diagnosis.at("trials").size(), 2U);
+    for (const json& trial : diagnosis.at("trials")) {
+        EXPECT_EQ(
+            trial.at("registered"),
+            json::parse(R"([{"kind": "importer", "name": "VORTAN XR Composition", "extensions": [".aec"]},
+                                  {"kind": "input module", "name": "Texalon 3D", "extensions": [".txl"]}])"));
+    }
+}
+
+TEST(DoctorVerb, WithoutAnArgumentItLooksAtTheBundleOfTheProgram) {
+    const ProcessResult run = doctor({});
+    EXPECT_EQ(run.exit_code, 0) << run.out << run.err;
+    EXPECT_NE(run.out.find("VORTANXR_AE.so\n"), std::string::npos) << run.out;
+    EXPECT_NE(run.out.find("embedded host, today    yes       1 importer, 1 input module\n"),
+              std::string::npos)
+        << run.out;
+}
+
+TEST(DoctorVerb, OtherFilesOfThisMachineAreNoPlugIns) {
+    const TemporaryFolder folder;
+    EXPECT_EQ(codes(document("/bin/ls", 1)), std::vector<std::string>{"wrong-kind"});
+    EXPECT_EQ(codes(document(folder.write("a.txt", "text\n"), 1)), std::vector<std::string>{"not-a-binary"});
+    EXPECT_EQ(codes(document(folder.folder().string(), 1)), std::vector<std::string>{"not-a-bundle"});
+    EXPECT_EQ(codes(document(folder.path("missing"), 3)), std::vector<std::string>{"cannot-read"});
+    // A library that says so little about itself that the loader refuses it.
+    EXPECT_EQ(codes(document(folder.write("a.so", made_elf()), 1)), std::vector<std::string>{"not-loadable"});
+}
+
+TEST(DoctorVerb, TheWindowsBundleIsListedOnWindows) {
+    const std::string bundle = VXR_PROJECT_DIR "/build/windows/lib/VORTANXR_AE.aex";
+    if (!std::filesystem::exists(bundle)) {
+        GTEST_SKIP() << "script/windows has not built " << bundle;
+    }
+    const json diagnosis = document(bundle, 0);
+    EXPECT_EQ(codes(diagnosis), std::vector<std::string>());
+    EXPECT_EQ(answers(diagnosis), (std::vector<json>{true, false, false, false, nullptr, nullptr}));
+    std::vector<std::pair<std::string, std::string>> properties;
+    for (const json& property : diagnosis.at("property_lists").at(0).at("properties")) {
+        properties.emplace_back(property.at("key"), property.at("value"));
+    }
+    EXPECT_EQ(properties, (std::vector<std::pair<std::string, std::string>>{{"kind", "AEgx"},
+                                                                            {"name", "VORTAN XR"},
+                                                                            {"catg", "General Plugin"},
+                                                                            {"vers", "3.0"},
+                                                                            {"8664", "EntryPointFunc"}}));
+}
+
+/// What CMake makes of the template: each @NAME@ gets a value.
+std::string filled_in(std::string text) {
+    for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@')) {
+        text.replace(at, text.find('@', at + 1) + 1 - at, "1.0.0");
+    }
+    return text;
+}
+
+TEST(DoctorVerb, TheMacintoshFilesOfThisProjectAreWhatHostsWant) {
+    const TemporaryFolder folder;
+    const ProcessResult written =
+        run_process({VXR_PROJECT_DIR "/script/pipl", "rsrc", folder.path("resources")});
+    ASSERT_EQ(written.exit_code, 0) << written.err;
+    const std::string bundle = write_plugin(
+        folder,
+        {.folder = "VORTANXR_AE.plugin",
+         .executable = "VORTANXR_AE",
+         .plist = filled_in(cli::doctor::read_file(VXR_PROJECT_DIR "/src/entry/Info.plist.in").bytes.value()),
+         .resources = ""});
+    std::filesystem::rename(folder.path("resources"), bundle + "/Contents/Resources/VORTANXR_AE.rsrc");
+    const json diagnosis = document(bundle, 0);
+    EXPECT_EQ(codes(diagnosis), std::vector<std::string>());
+    EXPECT_EQ(answers(diagnosis), (std::vector<json>{false, false, true, false, nullptr, nullptr}));
+    EXPECT_EQ(diagnosis.at("universal"), true);
+    EXPECT_EQ(diagnosis.at("info_plist"), json({{"CFBundlePackageType", "AEgx"},
+                                                {"CFBundleSignature", "FXTC"},
+                                                {"CFBundleExecutable", "VORTANXR_AE"}}));
+    EXPECT_EQ(diagnosis.at("property_lists").at(0).at("properties").size(), 6U);
+}
+
+struct Unruly {
+    const char* how;
+    const char* code;
+    const char* end;
+    const char* reason;
+    std::vector<std::string> messages;
+};
+
+TEST(DoctorVerb, APlugInThatMisbehavesIsReportedAndTakesNothingWithIt) {
+    const Unruly cases[] = {
+        {"abort",
+         "load-crashed",
+         "crashed",
+         "the process that loaded it was ended by SIGABRT, Aborted",
+         {"the plug-in's last words"}},
+        {"segv",
+         "load-crashed",
+         "crashed",
+         "the process that loaded it was ended by SIGSEGV, Segmentation fault",
+         {}},
+        {"exit",
+         "load-crashed",
+         "crashed",
+         "the process that loaded it ended with the exit code 0 and no result",
+         {}},
+        {"hang", "load-timed-out", "timed-out", "the process that loaded it had not ended after 1 s", {}},
+        {"fail", "entry-failed", "failed", "the entry point failed with host error 2", {}},
+        {"talk", "registers-nothing", "listed", "", {}},
+        {"", "registers-nothing", "listed", "", {}},
+    };
+    for (const Unruly& one : cases) {
+        SCOPED_TRACE(one.how);
+        const bool hangs = std::string(one.how) == "hang";
+        const json diagnosis = document(VXR_UNRULY_BUNDLE, std::string(one.end) == "listed" ? 0 : 1,
+                                        {{"VXR_UNRULY", one.how}}, hangs ? "1" : "60");
+        EXPECT_EQ(codes(diagnosis), std::vector<std::string>(2, one.code));
+        ASSERT_EQ(diagnosis.at("trials").size(), 2U);
+        for (const json& trial : diagnosis.at("trials")) {
+            EXPECT_EQ(trial.at("end"), one.end);
+            EXPECT_EQ(trial.at("reason"), one.reason);
+            EXPECT_EQ(trial.at("messages"), json(one.messages));
+        }
+    }
+}
+
+TEST(DoctorVerb, UsageIsChecked) {
+    EXPECT_EQ(doctor({"--timeout", "0", "a"}).exit_code, 2);
+    EXPECT_EQ(doctor({"--load", "tomorrow", "a"}).exit_code, 2);
+    EXPECT_EQ(doctor({"a", "b"}).exit_code, 2);
+}
+
+TEST(ChildProcess, WhatIsWrittenAndHowItEndsComesBack) {
+    using std::chrono::seconds;
+    const cli::ChildResult fine =
+        cli::run_child("/bin/sh", {"-c", "echo out; echo err >&2; exit 7"}, seconds(60));
+    EXPECT_EQ(fine.error, "");
+    EXPECT_EQ(fine.exit_code, 7);
+    EXPECT_EQ(fine.out, "out\n");
+    EXPECT_EQ(fine.err, "err\n");
+
+    const cli::ChildResult input = cli::run_child("/bin/cat", {}, seconds(60));
+    EXPECT_EQ(input.exit_code, 0) << "there is nothing on its standard input";
+
+    const cli::ChildResult missing = cli::run_child("/nowhere/program", {}, seconds(60));
+    EXPECT_EQ(missing.error, "No such file or directory");
+    EXPECT_FALSE(missing.exit_code.has_value());
+
+    const cli::ChildResult killed = cli::run_child("/bin/sh", {"-c", "kill -KILL $$"}, seconds(60));
+    EXPECT_EQ(killed.signal, "SIGKILL, Killed");
+    EXPECT_FALSE(killed.exit_code.has_value());
+
+    const cli::ChildResult flood =
+        cli::run_child("/bin/sh", {"-c", "head -c 6000000 /dev/zero"}, seconds(60));
+    EXPECT_EQ(flood.exit_code, 0) << "it is not stopped";
+    EXPECT_EQ(flood.out.size(), cli::kMostOutput);
+
+    const cli::ChildResult closed = cli::run_child("/bin/sh", {"-c", "exec >&- 2>&-; sleep 600"}, seconds(1));
+    EXPECT_TRUE(closed.timed_out);
+    const cli::ChildResult silent = cli::run_child("/bin/sleep", {"600"}, seconds(1));
+    EXPECT_TRUE(silent.timed_out);
+}
+
+}  // namespace
