@@ -167,7 +167,7 @@ std::string json_scene_text(const SceneShape& shape) {
             first_key = false;
             std::string separator;
             for (std::string number; words >> number; separator = ",")
-                json += separator + number;
+                json.append(separator).append(number);
             json += "]";
         } else if (word == "CAMERA" || word == "LIGHT" || word == "NULL") {
             json += (first_object ? R"("objects":[{"kind":")" : R"(,{"kind":")") + word + R"(","name":)" +

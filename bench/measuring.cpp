@@ -71,6 +71,7 @@ void keep_freed_memory() {
 
 double child_seconds(const std::vector<std::string>& arguments) {
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments)
         pointers.push_back(const_cast<char*>(argument.c_str()));  // execvp does not change them
     pointers.push_back(nullptr);
