@@ -11,19 +11,8 @@ namespace imageio {
 
 namespace {
 
-/// Appends the layer headers in these chunks and below, in file order. The reader bounds the depth.
-void collect_layers(const std::vector<ChunkOutline>& chunks, std::vector<ChunkOutline::Layer>& layers) {
-    for (const ChunkOutline& chunk : chunks) {
-        if (chunk.layer.has_value()) {
-            layers.push_back(*chunk.layer);
-        }
-        collect_layers(chunk.children, layers);
-    }
-}
-
 void add_layers(OIIO::ImageSpec& spec, const TextureReading& reading, std::size_t alpha_count) {
-    std::vector<ChunkOutline::Layer> layers;
-    collect_layers(reading.chunks, layers);
+    const std::vector<ChunkOutline::Layer>& layers = reading.layers;
     if (layers.size() < alpha_count) {
         return;
     }

@@ -24,7 +24,7 @@ namespace imageio {
 /// RGB.
 [[nodiscard]] OIIO::ImageSpec texture_spec(const Texture& texture);
 
-/// The same of a texture that was read with its outline, with more metadata: for each alpha i from 0
+/// The same of a texture that was read, with more metadata: for each alpha i from 0
 /// "txl:layer<i>:name", ":mode" and ":attributes" (5 bytes), and "txl:warnings" when something was repaired
 /// or passed over.
 [[nodiscard]] OIIO::ImageSpec texture_spec(const TextureReading& reading);

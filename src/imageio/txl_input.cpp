@@ -18,7 +18,6 @@ namespace {
 /// The library's own limit on decoded images, where it is below the reader's.
 TextureReadOptions read_options() {
     TextureReadOptions options;
-    options.outline = true;
     constexpr int kBytesPerMebibyteBits = 20;
     if (const int mebibytes = OIIO::get_int_attribute("limits:imagesize_MB", 0); mebibytes > 0) {
         options.limits.decoded_bytes = std::min(

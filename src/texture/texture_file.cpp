@@ -43,6 +43,7 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
         }
     }
     reading.warnings = std::move(recorder.warnings());
+    reading.layers = std::move(recorder.layers());
     reading.chunks = std::move(recorder.chunks());
     return reading;
 }

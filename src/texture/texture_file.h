@@ -29,8 +29,9 @@ struct TextureReadOptions {
 struct TextureReading {
     std::optional<Texture> texture;
     std::optional<TextureError> error;
-    std::vector<TextureWarning> warnings;  // in the order of their first places
-    std::vector<ChunkOutline> chunks;      // the top level of the file; empty unless asked for
+    std::vector<TextureWarning> warnings;     // in the order of their first places
+    std::vector<ChunkOutline::Layer> layers;  // the headers of all layers, in file order
+    std::vector<ChunkOutline> chunks;         // the top level of the file; empty unless asked for
 };
 
 /// Whether a file beginning with these bytes (8 are enough) says that it is a layered texture.

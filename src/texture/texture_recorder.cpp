@@ -60,9 +60,9 @@ void TextureRecorder::Row(const RowBlock& block) {
 
 void TextureRecorder::Layer(const LayerHeader& header) {
     layer_name_ = utf8_from_units(header.name);
+    layers_.push_back({header.color_mode, {header.attributes.begin(), header.attributes.end()}, layer_name_});
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
-        chunk->layer = ChunkOutline::Layer{
-            header.color_mode, {header.attributes.begin(), header.attributes.end()}, layer_name_};
+        chunk->layer = layers_.back();
     }
     if (header.color_mode < 2 || header.color_mode > 5) {
         Notice(TextureNotice::layer_without_alpha, [&] {

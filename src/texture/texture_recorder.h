@@ -8,8 +8,8 @@
 #include "texture/texture_observer.h"
 #include "texture/texture_report.h"
 
-/// Keeps what the reader tells: the error with its place, warnings, and, when asked, the outline of all
-/// chunks.
+/// Keeps what the reader tells: the error with its place, warnings, the headers of layers, and, when asked,
+/// the outline of all chunks.
 class TextureRecorder final : public TextureObserver {
   public:
     /// `path` names the file in the error. The outline takes memory in proportion to the file's rows.
@@ -41,6 +41,7 @@ class TextureRecorder final : public TextureObserver {
 
     [[nodiscard]] const std::optional<TextureError>& error() const { return error_; }
     [[nodiscard]] std::vector<TextureWarning>& warnings() { return warnings_; }
+    [[nodiscard]] std::vector<ChunkOutline::Layer>& layers() { return layers_; }
     [[nodiscard]] std::vector<ChunkOutline>& chunks() { return chunks_; }
 
   private:
@@ -68,5 +69,6 @@ class TextureRecorder final : public TextureObserver {
     std::string layer_name_;
     std::optional<TextureError> error_;
     std::vector<TextureWarning> warnings_;
+    std::vector<ChunkOutline::Layer> layers_;
     std::vector<ChunkOutline> chunks_;
 };

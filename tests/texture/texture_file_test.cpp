@@ -218,7 +218,12 @@ TEST(TextureFile, TheOutlineHasEveryChunkAndRow) {
     file.layers[0].attributes = "\x05\x06";
     const TemporaryFolder folder;
     const std::string path = folder.write("outline.txl", file.bytes());
-    EXPECT_TRUE(read_texture(path).chunks.empty()) << "only when asked for";
+    const TextureReading lean = read_texture(path);
+    EXPECT_TRUE(lean.chunks.empty()) << "only when asked for";
+    ASSERT_EQ(lean.layers.size(), 1u) << "always there";
+    EXPECT_EQ(lean.layers[0].color_mode, 2);
+    EXPECT_EQ(lean.layers[0].name, "Mask");
+    EXPECT_EQ(lean.layers[0].attributes, (std::vector<std::uint8_t>{5, 6, 0, 0, 0}));
     const TextureReading reading = read_texture(path, {.limits = {}, .outline = true});
     ASSERT_EQ(reading.chunks.size(), 1u);
     const ChunkOutline& texture = reading.chunks[0];
