@@ -1,14 +1,14 @@
 #include "cli/bundle_path.h"
 
 #include <CLI/CLI.hpp>
-#include <system_error>
 
 #include "cli/platform.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
 
-constexpr const char* kBundle = "VORTANXR_AE.so";
+constexpr const char* kBundle = VXR_BUNDLE_NAME;
 
 }  // namespace
 
@@ -21,9 +21,9 @@ void add_bundle_option(CLI::App& app, std::string& path) {
 
 std::vector<std::filesystem::path> bundle_places(const std::filesystem::path& program) {
     const std::filesystem::path folder = program.parent_path();
-    // Installed first: VXR_INSTALLED_BUNDLE leads from the folder of programs to the bundle.
-    std::vector<std::filesystem::path> places{folder / VXR_INSTALLED_BUNDLE, folder / "../lib" / kBundle,
-                                              folder / kBundle};
+    // Installed first: VXR_INSTALLED_BUNDLE_FOLDER leads from the folder of programs to the bundle.
+    std::vector<std::filesystem::path> places{folder / VXR_INSTALLED_BUNDLE_FOLDER / kBundle,
+                                              folder / "../lib" / kBundle, folder / kBundle};
     for (std::filesystem::path& place : places) {
         place = place.lexically_normal();
     }
@@ -31,17 +31,16 @@ std::vector<std::filesystem::path> bundle_places(const std::filesystem::path& pr
 }
 
 FoundBundle find_bundle(const std::string& chosen) {
-    std::error_code error;
     if (!chosen.empty()) {
-        const std::filesystem::path path = std::filesystem::absolute(chosen, error);
-        return {error ? std::filesystem::path(chosen) : path, {}};
+        return {os::path_of(os::absolute_path(chosen)), {}};
     }
     std::string looked;
     for (const std::filesystem::path& place : bundle_places(program_path())) {
-        if (std::filesystem::is_regular_file(place, error)) {
+        std::string why_not;
+        if (os::is_regular_file(os::text_of(place), why_not)) {
             return {place, {}};
         }
-        looked += (looked.empty() ? "" : ", ") + place.string();
+        looked += (looked.empty() ? "" : ", ") + os::text_of(place);
     }
     return {{}, "no plug-in is in " + looked + "; name it with --bundle or VXR_BUNDLE"};
 }

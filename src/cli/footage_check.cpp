@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <filesystem>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -7,6 +6,7 @@
 #include "cli/scene_check.h"
 #include "embedded/image_probe.h"
 #include "embedded/sequence.h"
+#include "system/files.h"
 #include "texture/base_file.h"
 #include "texture/texture_file.h"
 
@@ -27,7 +27,8 @@ std::string_view last_component(std::string_view path) {
 
 // The path beside the composition file as the user would name it.
 std::string beside(const SceneReading& reading, std::string_view path) {
-    return (std::filesystem::path(reading.file).parent_path() / std::string(last_component(path))).string();
+    return os::text_of(os::path_of(reading.file).parent_path() /
+                       os::path_of(std::string(last_component(path))));
 }
 
 std::string placeholder_text(const SceneReading& reading, std::string_view name) {

@@ -1,13 +1,13 @@
 #include "cli/frame_run.h"
 
 #include <cstddef>
-#include <filesystem>
 #include <utility>
 
 #include "cli/diagnostic.h"
 #include "cli/loaded_bundle.h"
 #include "cli/project_words.h"
 #include "embedded/project_json.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -38,7 +38,7 @@ Texture picture_of(const embedded::DrawResult& drawn) {
 
 void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<FrameSize>& size,
                    std::uint8_t fill) {
-    const std::string path = std::filesystem::absolute(run.file).string();
+    const std::string path = os::absolute_path(run.file);
     const embedded::Module* const module = host.module_for(path);
     if (module == nullptr) {
         return refuse(run, "no input module of the plug-in reads files like " + run.file);
@@ -99,10 +99,9 @@ FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::s
         run.problems.push_back(std::move(problem));
         return run;
     }
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(file, failure)) {
-        refuse(run, file + ": " + (failure ? failure.message() : "not a regular file"),
-               ExitCode::cannot_read_or_write);
+    std::string why_not;
+    if (!os::is_regular_file(file, why_not)) {
+        refuse(run, file + ": " + why_not, ExitCode::cannot_read_or_write);
     } else {
         open_and_draw(run, host, size, fill);
     }

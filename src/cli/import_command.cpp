@@ -17,6 +17,7 @@
 #include "cli/project_tree.h"
 #include "cli/terminal.h"
 #include "embedded/host.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -43,8 +44,11 @@ bool is_preference(std::string_view text) {
 bool same_file(const std::string& one, const std::string& other) {
     namespace fs = std::filesystem;
     std::error_code none;
-    const fs::path path = fs::weakly_canonical(one, none);
-    return fs::equivalent(one, other, none) || (!path.empty() && path == fs::weakly_canonical(other, none));
+    const fs::path first = os::native_path(one);
+    const fs::path second = os::native_path(other);
+    const fs::path path = fs::weakly_canonical(first, none);
+    return fs::equivalent(first, second, none) ||
+           (!path.empty() && path == fs::weakly_canonical(second, none));
 }
 
 class ImportCommand : public Command {

@@ -102,15 +102,15 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         return run;
     }
     const SceneReading reading = read_scene(file);
-    if (const std::string problem = host.path_problem(reading.full_path.string()); !problem.empty()) {
+    if (const std::string problem = host.path_problem(reading.full_path); !problem.empty()) {
         host.unload();
         refuse(run, file + ": " + problem + " (--host classic)");
         return run;
     }
-    run.verify = host.verify(reading.full_path.string());
+    run.verify = host.verify(reading.full_path);
     if (run.verify.importable) {
         run.imported = true;
-        run.import = host.import_file(reading.full_path.string());
+        run.import = host.import_file(reading.full_path);
     }
     // From here on nothing changes any more, and what the bundle leaves behind is in the report.
     host.unload();

@@ -1,14 +1,12 @@
 #include <string>
 #include <vector>
 
+#include "cli/platform.h"
 #include "cli/program.h"
 #include "cli/terminal.h"
 
 int main(int argc, char** argv) {
+    const std::vector<std::string> arguments = cli::begin_program(argc, argv);
     cli::Terminal terminal = cli::standard_terminal();
-    std::vector<std::string> arguments;
-    for (int i = 1; i < argc; ++i) {
-        arguments.emplace_back(argv[i]);
-    }
     return static_cast<int>(cli::run_program(arguments, terminal));
 }

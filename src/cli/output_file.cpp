@@ -5,11 +5,13 @@
 #include <system_error>
 #include <utility>
 
+#include "system/files.h"
+
 namespace cli {
 
 OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
     errno = 0;
-    stream_.open(path_, std::ios::binary | std::ios::trunc);
+    stream_.open(os::native_path(path_), std::ios::binary | std::ios::trunc);
     if (!stream_) {
         give_up();
     }

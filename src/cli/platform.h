@@ -3,6 +3,8 @@
 // What the command line needs of the operating system. One implementation a platform: platform_<name>.cpp.
 
 #include <filesystem>
+#include <string>
+#include <vector>
 
 namespace cli {
 
@@ -11,5 +13,9 @@ bool is_terminal(int descriptor);
 
 /// Where the running program's file is, links resolved; empty when that cannot be told.
 std::filesystem::path program_path();
+
+/// Before anything else: makes the standard streams carry bytes as they are written, and texts as UTF-8.
+/// Returns the arguments behind the program's name.
+std::vector<std::string> begin_program(int argc, char** argv);
 
 }  // namespace cli

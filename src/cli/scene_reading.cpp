@@ -4,13 +4,13 @@
 #include <cstdio>
 #include <memory>
 #include <string_view>
-#include <system_error>
 
 #include "cli/codes.h"
 #include "cli/source_lines.h"
 #include "composition/ascii_parser.h"
 #include "composition/composition_file.h"
 #include "composition/project_settings.h"
+#include "system/files.h"
 #include "texture/filename.h"
 #include "texture/open_regular_file.h"
 
@@ -18,7 +18,7 @@ namespace cli {
 namespace {
 
 constexpr std::string_view kBeginning = "VORTAN XR";
-constexpr std::uintmax_t kTooLarge_bytes = std::uintmax_t{1} << 31;
+constexpr std::uint64_t kTooLarge_bytes = std::uint64_t{1} << 31;
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -28,31 +28,28 @@ Place beginning_of(const std::string& file) {
     return {file, 0, 1, 1};
 }
 
-std::string type_word(std::filesystem::file_type type) {
-    switch (type) {
-        case std::filesystem::file_type::directory:
+const char* kind_word(os::FileKind kind) {
+    switch (kind) {
+        case os::FileKind::folder:
             return "a folder";
-        case std::filesystem::file_type::fifo:
+        case os::FileKind::pipe:
             return "a pipe";
-        case std::filesystem::file_type::character:
-        case std::filesystem::file_type::block:
+        case os::FileKind::device:
             return "a device";
-        case std::filesystem::file_type::socket:
+        case os::FileKind::socket:
             return "a socket";
         default:
             return "no regular file";
     }
 }
 
-// Why `path` cannot be opened; nothing when it can.
-std::optional<std::string> obstacle(const std::filesystem::path& path) {
-    std::error_code error;
-    const std::filesystem::file_status status = std::filesystem::status(path, error);
-    if (!std::filesystem::status_known(status) || status.type() == std::filesystem::file_type::not_found) {
-        return error ? error.message() : "the file does not exist";
+// Why the file cannot be opened; nothing when it can.
+std::optional<std::string> obstacle(const os::FileState& state) {
+    if (state.kind == os::FileKind::missing) {
+        return state.error;
     }
-    if (status.type() != std::filesystem::file_type::regular) {
-        return "this is " + type_word(status.type()) + ", and only regular files are read";
+    if (state.kind != os::FileKind::regular) {
+        return std::string("this is ") + kind_word(state.kind) + ", and only regular files are read";
     }
     return std::nullopt;
 }
@@ -61,7 +58,8 @@ std::optional<std::string> obstacle(const std::filesystem::path& path) {
 std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code) {
     code = ExitCode::cannot_read_or_write;
     const Place whole_file{reading.file};
-    if (const auto reason = obstacle(reading.full_path)) {
+    const os::FileState state = os::file_state(reading.full_path);
+    if (const auto reason = obstacle(state)) {
         return fail(code_name(Code::cannot_read), whole_file, *reason);
     }
     const std::unique_ptr<std::FILE, CloseFile> file(open_regular_file(reading.full_path.c_str()));
@@ -83,12 +81,10 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
         error.effects.emplace_back("the host is told that this is no composition file and does not offer it");
         return error;
     }
-    std::error_code error;
-    const std::uintmax_t size_bytes = std::filesystem::file_size(reading.full_path, error);
-    if (!error && size_bytes >= kTooLarge_bytes) {
+    if (state.size_bytes >= kTooLarge_bytes) {
         return fail(
             read_error_row(ReadErrorCode::file_too_large).name, whole_file,
-            "the file has " + std::to_string(size_bytes) + " bytes, and less than 2147483648 are read");
+            "the file has " + std::to_string(state.size_bytes) + " bytes, and less than 2147483648 are read");
     }
     code = ExitCode::fine;
     return std::nullopt;
@@ -116,16 +112,10 @@ SceneNumbers numbers_of(const tagProjectSettings& settings) {
 
 }  // namespace
 
-std::filesystem::path full_path_of(const std::string& file) {
-    std::error_code error;
-    std::filesystem::path full = std::filesystem::absolute(file, error);
-    return error ? std::filesystem::path(file) : full;
-}
-
 SceneReading read_scene(const std::string& file) {
     SceneReading reading;
     reading.file = file;
-    reading.full_path = full_path_of(file);
+    reading.full_path = os::absolute_path(file);
     reading.error = quick_test(reading, reading.code);
     if (reading.error) {
         return reading;

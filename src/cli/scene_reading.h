@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstdint>
-#include <filesystem>
 #include <optional>
 #include <string>
 
@@ -29,7 +28,7 @@ struct SceneNumbers {
 /// What became of reading a composition file as the plug-in does.
 struct SceneReading {
     std::string file;                 ///< as the user named it
-    std::filesystem::path full_path;  ///< as the plug-in gets it
+    std::string full_path;            ///< as the plug-in gets it
     std::optional<Diagnostic> error;  ///< why the plug-in takes nothing from the file
     ExitCode code = ExitCode::fine;   ///< what the error means for the program
     SceneFacts facts;                 ///< up to the error
@@ -39,8 +38,5 @@ struct SceneReading {
 /// Reads the file the way a host and the plug-in do: first nine bytes, then everything with the plug-in's own
 /// readers. Never waits on a pipe or a device.
 SceneReading read_scene(const std::string& file);
-
-/// What a host hands to the plug-in for `file`: footage is looked for in the folder of this path.
-std::filesystem::path full_path_of(const std::string& file);
 
 }  // namespace cli

@@ -4,6 +4,8 @@
 #include <fstream>
 #include <string>
 
+#include "system/files.h"
+
 namespace cli {
 namespace {
 
@@ -16,12 +18,12 @@ bool is_line_end(char c) {
 
 }  // namespace
 
-void add_source_line(Diagnostic& diagnostic, const std::filesystem::path& path) {
+void add_source_line(Diagnostic& diagnostic, const std::string& path) {
     const Place& at = diagnostic.at;
     if (!at.offset_bytes || !at.column || *at.column > kLongestLine_bytes / 2) {
         return;
     }
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(os::native_path(path), std::ios::binary);
     file.seekg(*at.offset_bytes - (*at.column - 1));
     std::string line(static_cast<std::size_t>(kLongestLine_bytes), '\0');
     file.read(line.data(), kLongestLine_bytes);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <filesystem>
+#include <string>
 #include <vector>
 
 #include "cli/diagnostic.h"
@@ -9,6 +9,6 @@ namespace cli {
 
 /// Looks the line of the diagnostic's place up in the text file `path`, as far as it is short enough to show.
 /// Leaves the diagnostic as it is when the file cannot be read any more.
-void add_source_line(Diagnostic& diagnostic, const std::filesystem::path& path);
+void add_source_line(Diagnostic& diagnostic, const std::string& path);
 
 }  // namespace cli

@@ -5,27 +5,26 @@
 #include <charconv>
 #include <cstdint>
 #include <exception>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <span>
-#include <system_error>
 #include <utility>
 
 #include "cli/texture_diagnostics.h"
 #include "imageio/replacement_file.h"
+#include "system/files.h"
 #include "texture/texture_file.h"
 
 namespace cli {
 namespace {
 
 bool begins_as_texture_file(const std::string& path) {
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(path, failure)) {
+    std::string why_not;
+    if (!os::is_regular_file(path, why_not)) {
         return false;
     }
     std::array<char, 8> start{};
-    std::ifstream file(path, std::ios::binary);
+    std::ifstream file(os::native_path(path), std::ios::binary);
     file.read(start.data(), start.size());
     std::array<std::uint8_t, start.size()> bytes{};
     std::copy(start.begin(), start.end(), bytes.begin());
@@ -146,7 +145,7 @@ Conversion convert_texture(const std::string& input, const std::string& output,
 
 bool has_texture_extension(const std::string& path) {
     constexpr std::string_view kExtension = ".txl";
-    const std::string extension = std::filesystem::path(path).extension().string();
+    const std::string extension = os::text_of(os::path_of(path).extension());
     return std::equal(extension.begin(), extension.end(), kExtension.begin(), kExtension.end(),
                       [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
 }

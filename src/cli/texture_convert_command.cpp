@@ -22,6 +22,7 @@
 #include "cli/texture_conversion.h"
 #include "cli/texture_diagnostics.h"
 #include "embedded/json_values.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -93,7 +94,7 @@ class TextureConvertCommand : public Command {
     ExitCode run(Terminal& terminal) override {
         const std::vector<std::string> outputs = output_names();
         if (!out_dir_.empty()) {
-            fs::create_directories(out_dir_);
+            fs::create_directories(os::native_path(out_dir_));
         }
         const ConversionOptions options{*parse_alpha_choice(alpha_),
                                         convert_alpha_ ? AlphaBytes::converted : AlphaBytes::kept};
@@ -155,10 +156,11 @@ class TextureConvertCommand : public Command {
                 throw UsageError("no image format has the extension of " + output);
             }
             std::error_code none;
-            if (fs::equivalent(input, output, none)) {
+            if (fs::equivalent(os::native_path(input), os::native_path(output), none)) {
                 throw UsageError(input + " would be replaced by what is made of it");
             }
-            const auto [known, added] = input_of.emplace(fs::path(output).lexically_normal().string(), input);
+            const auto [known, added] =
+                input_of.emplace(os::text_of(os::path_of(output).lexically_normal()), input);
             if (!added) {
                 std::string both = known->second;
                 throw UsageError(
@@ -170,9 +172,10 @@ class TextureConvertCommand : public Command {
     }
 
     [[nodiscard]] std::string name_for(const std::string& input) const {
-        fs::path name = fs::path(input).filename();
-        name.replace_extension(to_);
-        return ((out_dir_.empty() ? fs::path(input).parent_path() : fs::path(out_dir_)) / name).string();
+        fs::path name = os::path_of(input).filename();
+        name.replace_extension(os::path_of(to_));
+        return os::text_of((out_dir_.empty() ? os::path_of(input).parent_path() : os::path_of(out_dir_)) /
+                           name);
     }
 
     static void report(const Conversion& conversion, bool line_wanted, ProgressBar& bar, Terminal& terminal) {

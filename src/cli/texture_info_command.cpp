@@ -2,12 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <optional>
 #include <ostream>
 #include <string>
-#include <system_error>
 #include <vector>
 
 #include "cli/diagnostic.h"
@@ -17,6 +15,7 @@
 #include "cli/texture_diagnostics.h"
 #include "cli/texture_outline.h"
 #include "embedded/json_values.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -42,9 +41,8 @@ FileInfo read_info(const std::string& file) {
     options.outline = true;
     info.reading = read_texture(file, options);
     info.code = texture_exit_code(info.reading);
-    std::error_code failure;
-    if (const std::uintmax_t size = std::filesystem::file_size(file, failure); !failure) {
-        info.size_bytes = static_cast<std::int64_t>(size);
+    if (const os::FileState state = os::file_state(file); state.kind == os::FileKind::regular) {
+        info.size_bytes = static_cast<std::int64_t>(state.size_bytes);
     }
     info.coding = total_coding(info.reading.chunks);
     info.diagnostics = texture_diagnostics(info.reading, file);

@@ -7,6 +7,7 @@
 #include "embedded/host_path.h"
 #include "embedded/module_driver.h"
 #include "embedded/session.h"
+#include "system/files.h"
 
 namespace embedded {
 namespace {
@@ -149,7 +150,7 @@ LoadResult Host::load(const std::filesystem::path& bundle, const std::string& en
         return loaded;
     }
     loaded = generation() == HostGeneration::classic
-                 ? call_entry(*session_, reinterpret_cast<AEGP_PluginInitFunc>(function), bundle.string())
+                 ? call_entry(*session_, reinterpret_cast<AEGP_PluginInitFunc>(function), os::text_of(bundle))
                  : call_entry(*session_, reinterpret_cast<AEGP_PluginInitFuncToday>(function));
     if (!loaded.ok())
         session_->bundle.reset();

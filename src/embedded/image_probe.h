@@ -1,7 +1,7 @@
 #pragma once
 
 // What the host has to know of an image file before it becomes footage. The one place behind which an image
-// library stands: image_probe_oiio.cpp.
+// library stands: image_probe_oiio.cpp; builds without one have image_probe_builtin.cpp.
 
 #include <optional>
 #include <string>
@@ -22,5 +22,8 @@ struct ImageFacts {
 /// Reads the header only. Nothing when the file is not a regular file or no reader takes it; `error` then
 /// says why.
 std::optional<ImageFacts> probe_image(const std::string& path, std::string& error);
+
+/// What a build without an image library has to say about that; empty with one.
+std::string image_library_note();
 
 }  // namespace embedded

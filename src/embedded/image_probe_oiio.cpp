@@ -1,18 +1,14 @@
 #include <OpenImageIO/imageio.h>
 
-#include <filesystem>
-
 #include "embedded/image_probe.h"
+#include "system/files.h"
 
 namespace embedded {
 
 std::optional<ImageFacts> probe_image(const std::string& path, std::string& error) {
     // Regular files only: opening a pipe would wait for somebody to write into it.
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(path, failure)) {
-        error = failure ? failure.message() : "not a regular file";
+    if (!os::is_regular_file(path, error))
         return std::nullopt;
-    }
     // Colour is asked for as it is stored, so that the file says itself whether it is premultiplied.
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
@@ -39,6 +35,10 @@ std::optional<ImageFacts> probe_image(const std::string& path, std::string& erro
         return std::nullopt;
     }
     return facts;
+}
+
+std::string image_library_note() {
+    return {};
 }
 
 }  // namespace embedded

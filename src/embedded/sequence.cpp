@@ -4,6 +4,8 @@
 #include <charconv>
 #include <filesystem>
 
+#include "system/files.h"
+
 namespace embedded {
 namespace {
 
@@ -39,22 +41,15 @@ std::size_t padding_of(std::string_view digits, const std::vector<std::string>& 
 }
 
 /// The numbers, as written, of all files in the folder that are named alike.
-std::vector<std::string> numbers_beside(const std::filesystem::path& file, const NumberedName& name) {
+std::vector<std::string> numbers_beside(const std::string& folder, const NumberedName& name) {
     std::vector<std::string> numbers;
-    std::filesystem::path folder = file.parent_path();
-    if (folder.empty())
-        folder = ".";
-    std::error_code failure;
-    std::filesystem::directory_iterator entry(folder, failure);
-    for (; !failure && entry != std::filesystem::directory_iterator(); entry.increment(failure)) {
-        const std::string candidate = entry->path().filename().string();
+    for (const std::string& candidate : os::regular_files_in(folder.empty() ? "." : folder)) {
         const std::size_t outer = name.prefix.size() + name.suffix.size();
         if (candidate.size() <= outer || candidate.size() > outer + kMaxDigits ||
             !candidate.starts_with(name.prefix) || !candidate.ends_with(name.suffix))
             continue;
         const std::string digits = candidate.substr(name.prefix.size(), candidate.size() - outer);
-        std::error_code not_readable;
-        if (digits.find_first_not_of(kDigits) == std::string::npos && entry->is_regular_file(not_readable))
+        if (digits.find_first_not_of(kDigits) == std::string::npos)
             numbers.push_back(digits);
     }
     return numbers;
@@ -87,11 +82,11 @@ std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames) {
 }
 
 std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request) {
-    const std::filesystem::path file(path);
-    const auto name = split_number(file.filename().string());
+    const std::filesystem::path file = os::path_of(path);
+    const auto name = split_number(os::text_of(file.filename()));
     if (!name)
         return std::nullopt;
-    const std::vector<std::string> numbers = numbers_beside(file, *name);
+    const std::vector<std::string> numbers = numbers_beside(os::text_of(file.parent_path()), *name);
     const std::size_t padding = padding_of(name->digits, numbers);
     const bool named_file_only = !request.whole_folder && !request.first && !request.last;
 

@@ -1,27 +1,17 @@
 #include "imageio/replacement_file.h"
 
-#include <cerrno>
-#include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <random>
 #include <system_error>
 #include <utility>
+
+#include "system/files.h"
 
 namespace imageio {
 
 namespace fs = std::filesystem;
 
 namespace {
-
-/// Whether a file was opened, and closed again. "x" in the mode makes a new one or fails.
-bool opens(const fs::path& path, const char* mode) {
-    std::FILE* file = std::fopen(path.c_str(), mode);
-    if (file == nullptr) {
-        return false;
-    }
-    return std::fclose(file) == 0;
-}
 
 std::string random_suffix() {
     constexpr char kDigits[] = "0123456789abcdefghijklmnopqrstuv";
@@ -36,38 +26,40 @@ std::string random_suffix() {
 }  // namespace
 
 std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, std::string& error) {
-    std::error_code failure;
-    fs::path target = path;
-    const fs::file_status status = fs::status(target, failure);
-    if (fs::exists(status)) {
-        if (!fs::is_regular_file(status)) {
+    fs::path target = os::path_of(path);
+    const os::FileKind kind = os::file_state(path).kind;
+    if (kind != os::FileKind::missing) {
+        if (kind != os::FileKind::regular) {
             error = path + ": not a regular file";
             return std::nullopt;
         }
-        // Appending nothing asks the system whether it may be written; replacing it would not ask.
-        if (!opens(target, "ab")) {
-            error = path + ": " + std::strerror(errno);
+        // Replacing it would not ask the system whether it may be written.
+        if (const std::error_code refused = os::may_write(path)) {
+            error = path + ": " + refused.message();
             return std::nullopt;
         }
-        if (fs::is_symlink(target, failure)) {
-            target = fs::canonical(target, failure);
+        std::error_code failure;
+        if (fs::is_symlink(os::native_path(path), failure)) {
+            target = fs::canonical(os::native_path(path), failure);
         }
     }
     constexpr int kAttempts = 16;  // a name that is taken is tried again under another
+    std::error_code failure;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         fs::path name = ".";
         name += target.stem();
         name += "." + random_suffix();
         name += target.extension();
-        const fs::path temporary = target.parent_path() / name;
-        if (opens(temporary, "wbx")) {
-            return ReplacementFile(target.string(), temporary.string());
+        std::string temporary = os::text_of(target.parent_path() / name);
+        failure = os::create_file(temporary);
+        if (!failure) {
+            return ReplacementFile(os::text_of(target), std::move(temporary));
         }
-        if (errno != EEXIST) {
+        if (failure != std::errc::file_exists) {
             break;
         }
     }
-    error = path + ": " + std::strerror(errno);
+    error = path + ": " + failure.message();
     return std::nullopt;
 }
 
@@ -88,12 +80,7 @@ ReplacementFile::~ReplacementFile() {
 }
 
 bool ReplacementFile::put_in_place(std::string& error) {
-    std::error_code failure;
-    const fs::file_status replaced = fs::status(path_, failure);
-    if (fs::exists(replaced)) {
-        fs::permissions(temporary_path_, replaced.permissions(), failure);
-    }
-    fs::rename(temporary_path_, path_, failure);
+    const std::error_code failure = os::replace_file(temporary_path_, path_);
     if (failure) {
         error = path_ + ": " + failure.message();
         return false;
@@ -105,7 +92,7 @@ bool ReplacementFile::put_in_place(std::string& error) {
 void ReplacementFile::discard() {
     if (!temporary_path_.empty()) {
         std::error_code ignored;
-        fs::remove(temporary_path_, ignored);
+        fs::remove(os::native_path(temporary_path_), ignored);
         temporary_path_.clear();
     }
 }

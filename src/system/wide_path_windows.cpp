@@ -5,6 +5,7 @@
 #include <limits>
 #include <vector>
 
+namespace os {
 namespace {
 
 constexpr std::wstring_view kSeparators = L"\\/";
@@ -146,3 +147,5 @@ std::wstring wide_path(std::string_view path) {
     }
     return full;
 }
+
+}  // namespace os

@@ -6,6 +6,8 @@
 // Windows only. Names of files are UTF-8 throughout this system; Windows opens them as wide characters, and
 // at their full length only in a form of its own. Both functions may throw std::bad_alloc, nothing else.
 
+namespace os {
+
 /// The text in wide characters; empty when it is not UTF-8.
 [[nodiscard]] std::wstring wide_text(std::string_view utf8);
 
@@ -21,3 +23,5 @@
 /// Empty when `path` is empty, is not UTF-8 or holds a NUL, or when the system does not tell its current
 /// folder.
 [[nodiscard]] std::wstring wide_path(std::string_view path);
+
+}  // namespace os

@@ -47,7 +47,7 @@ std::FILE* open_wide(const std::wstring& path) {
 /// not open.
 std::wstring wide_or_empty(const char* path) {
     try {
-        return wide_path(path);
+        return os::wide_path(path);
     } catch (const std::bad_alloc&) {
         return {};
     }

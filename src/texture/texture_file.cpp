@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <limits>
 #include <new>
 #include <utility>
 
+#include "system/files.h"
 #include "texture/base_bitmap.h"
 #include "texture/texture_image.h"
 #include "texture/texture_recorder.h"
@@ -61,9 +61,8 @@ std::optional<TextureError> write(const std::string& path, const Texture& textur
                    ? recorder.error()
                    : error_of(path, TextureFault::short_transfer, "the file could not be written");
     }
-    std::error_code unknown;
-    const std::uintmax_t size = std::filesystem::file_size(path, unknown);
-    if (!unknown && size >= static_cast<std::uintmax_t>(std::numeric_limits<std::int32_t>::max())) {
+    const std::uint64_t size = os::file_state(path).size_bytes;
+    if (size >= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
         return error_of(path, TextureFault::over_limit,
                         "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1");
     }

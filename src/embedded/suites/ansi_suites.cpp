@@ -1,12 +1,12 @@
 // "PF ANSI Suite" 1 and "PF AE Adv App Suite" 1: mathematics and text, and a suite of which only the presence
 // counts.
 
-#include <cmath>
 #include <cstring>
 
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
+#include "system/trigonometry.h"
 
 namespace embedded {
 namespace {
@@ -25,11 +25,11 @@ A_FpLong evaluate(Fn function, A_FpLong (*mathematics)(A_FpLong), A_FpLong x) {
 }
 
 A_FpLong cosine(A_FpLong x) {
-    return evaluate(Fn::cos, std::cos, x);
+    return evaluate(Fn::cos, os::cosine, x);
 }
 
 A_FpLong sine(A_FpLong x) {
-    return evaluate(Fn::sin, std::sin, x);
+    return evaluate(Fn::sin, os::sine, x);
 }
 
 A_char* copy_string(A_char* destination, const A_char* source) {

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <filesystem>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -12,6 +11,7 @@
 #include "imageio/channel_plan.h"
 #include "imageio/replacement_file.h"
 #include "imageio/texture_spec.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -97,10 +97,9 @@ bool write_rows(OIIO::ImageOutput& output, const Texture& texture) {
 
 ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
     // Regular files only: opening a pipe would wait for somebody to write into it.
-    std::error_code failure;
-    if (!std::filesystem::is_regular_file(path, failure)) {
-        return refused(path, ExitCode::cannot_read_or_write, "cannot-open",
-                       failure ? failure.message() : "not a regular file");
+    std::string why_not;
+    if (!os::is_regular_file(path, why_not)) {
+        return refused(path, ExitCode::cannot_read_or_write, "cannot-open", std::move(why_not));
     }
     OIIO::ImageSpec config;
     if (alpha_bytes == AlphaBytes::kept) {

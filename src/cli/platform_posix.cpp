@@ -16,4 +16,8 @@ std::filesystem::path program_path() {
     return error ? std::filesystem::path() : path;
 }
 
+std::vector<std::string> begin_program(int argc, char** argv) {
+    return {argv + (argc > 0 ? 1 : 0), argv + argc};
+}
+
 }  // namespace cli

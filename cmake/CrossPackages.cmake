@@ -1,0 +1,33 @@
+# What a build for another system takes from this one: the header libraries, which suit every system, and GoogleTest, of
+# which the package has the source. /usr/include itself must not be seen: it has this system's headers.
+
+# vxr_found(NAME): find_package(NAME) is answered by the targets that are here already.
+function(vxr_found name)
+    string(TOLOWER "${name}" file)
+    file(WRITE "${CMAKE_FIND_PACKAGE_REDIRECTS_DIR}/${file}-config.cmake" "set(${name}_FOUND TRUE)\n")
+    file(WRITE "${CMAKE_FIND_PACKAGE_REDIRECTS_DIR}/${file}-config-version.cmake"
+        "set(PACKAGE_VERSION_COMPATIBLE TRUE)\n")
+endfunction()
+
+# vxr_header_package(NAME TARGET FOLDER): the headers below /usr/include/FOLDER.
+function(vxr_header_package name target folder)
+    if(NOT EXISTS "/usr/include/${folder}")
+        message(FATAL_ERROR "${name}: there is no /usr/include/${folder}")
+    endif()
+    set(headers "${CMAKE_BINARY_DIR}/headers/${name}")
+    file(MAKE_DIRECTORY "${headers}")
+    file(CREATE_LINK "/usr/include/${folder}" "${headers}/${folder}" SYMBOLIC)
+    add_library(${target} INTERFACE IMPORTED GLOBAL)
+    target_include_directories(${target} INTERFACE "${headers}")
+    vxr_found(${name})
+endfunction()
+
+if(VXR_TOOLS)
+    vxr_header_package(CLI11 CLI11::CLI11 CLI)
+    vxr_header_package(nlohmann_json nlohmann_json::nlohmann_json nlohmann)
+endif()
+if(VXR_TESTS)
+    set(INSTALL_GTEST OFF)
+    add_subdirectory(/usr/src/googletest "${CMAKE_BINARY_DIR}/googletest" EXCLUDE_FROM_ALL SYSTEM)
+    vxr_found(GTest)
+endif()

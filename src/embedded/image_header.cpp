@@ -1,0 +1,346 @@
+#include "embedded/image_header.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <istream>
+#include <string_view>
+
+namespace embedded {
+namespace {
+
+enum class Order { big, little };
+
+/// Numbers at places of a file. What lies behind its end reads as 0, and is remembered.
+class HeaderBytes {
+  public:
+    explicit HeaderBytes(std::istream& file) : file_(file) {}
+
+    void set_order(Order order) { order_ = order; }
+    [[nodiscard]] bool cut_off() const { return cut_off_; }
+
+    std::uint64_t number(std::uint64_t offset, int bytes) {
+        std::array<char, 8> data{};
+        read(offset, data.data(), bytes);
+        std::uint64_t value = 0;
+        for (int i = 0; i < bytes; ++i) {
+            const auto at = static_cast<std::size_t>(order_ == Order::big ? i : bytes - 1 - i);
+            value = value << 8 | static_cast<unsigned char>(data[at]);
+        }
+        return value;
+    }
+    std::uint8_t u8(std::uint64_t offset) { return static_cast<std::uint8_t>(number(offset, 1)); }
+    std::uint16_t u16(std::uint64_t offset) { return static_cast<std::uint16_t>(number(offset, 2)); }
+    std::uint32_t u32(std::uint64_t offset) { return static_cast<std::uint32_t>(number(offset, 4)); }
+    std::int16_t i16(std::uint64_t offset) { return static_cast<std::int16_t>(u16(offset)); }
+    std::int32_t i32(std::uint64_t offset) { return static_cast<std::int32_t>(u32(offset)); }
+
+    std::string text(std::uint64_t offset, int bytes) {
+        std::string data(static_cast<std::size_t>(bytes), '\0');
+        read(offset, data.data(), bytes);
+        return data;
+    }
+
+  private:
+    void read(std::uint64_t offset, char* data, int bytes) {
+        constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62;
+        file_.clear();
+        if (offset > kFarthest || !file_.seekg(static_cast<std::streamoff>(offset)) ||
+            !file_.read(data, bytes)) {
+            std::fill_n(data, bytes, '\0');
+            cut_off_ = true;
+        }
+    }
+
+    std::istream& file_;
+    Order order_ = Order::big;
+    bool cut_off_ = false;
+};
+
+using Facts = std::optional<ImageFacts>;
+
+Facts sized(std::int64_t width, std::int64_t height, int channels, int bits, const char* format) {
+    constexpr std::int64_t kLargest_px = 0x7FFFFFFF;
+    if (width < 1 || height < 1 || width > kLargest_px || height > kLargest_px || channels < 1) {
+        return std::nullopt;
+    }
+    ImageFacts facts;
+    facts.width_px = static_cast<int>(width);
+    facts.height_px = static_cast<int>(height);
+    facts.channels = channels;
+    facts.bits_per_channel = bits;
+    facts.format = format;
+    return facts;
+}
+
+Facts png(HeaderBytes& file) {
+    const int depth = file.u8(24);
+    const int type = file.u8(25);
+    constexpr int kPalette = 1;
+    constexpr int kColour = 2;
+    constexpr int kAlpha = 4;
+    // Palettes are looked up, and a transparent colour becomes an alpha channel.
+    bool alpha = (type & kAlpha) != 0;
+    constexpr std::uint64_t kFirstChunk = 8;
+    constexpr int kMostChunks = 1000;
+    std::uint64_t at = kFirstChunk;
+    for (int i = 0; i < kMostChunks && !file.cut_off(); ++i) {
+        const std::string name = file.text(at + 4, 4);
+        if (name == "IDAT" || name == "IEND") {
+            break;
+        }
+        alpha = alpha || name == "tRNS";
+        at += 12 + std::uint64_t{file.u32(at)};
+    }
+    const int colours = (type & (kPalette | kColour)) != 0 ? 3 : 1;
+    Facts facts = sized(file.u32(16), file.u32(20), colours + (alpha ? 1 : 0), depth == 16 ? 16 : 8, "png");
+    if (facts) {
+        facts->has_alpha = alpha;
+    }
+    return facts;
+}
+
+Facts jpeg(HeaderBytes& file) {
+    std::uint64_t at = 2;
+    constexpr int kMostSegments = 10000;
+    for (int i = 0; i < kMostSegments && !file.cut_off(); ++i) {
+        if (file.u8(at) != 0xFF) {
+            return std::nullopt;
+        }
+        const int marker = file.u8(at + 1);
+        if (marker == 0xFF) {
+            ++at;  // a filling byte
+            continue;
+        }
+        // Beginnings of frames; the three left out are tables.
+        if (marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC) {
+            return sized(file.u16(at + 7), file.u16(at + 5), file.u8(at + 9) == 1 ? 1 : 3, 8, "jpeg");
+        }
+        const bool alone = marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8);
+        at += alone ? std::uint64_t{2} : 2 + std::uint64_t{file.u16(at + 2)};
+    }
+    return std::nullopt;
+}
+
+/// The entries of a TIFF's first directory.
+class TiffDirectory {
+  public:
+    explicit TiffDirectory(HeaderBytes& file) : file_(file), big_(file.u16(2) == 43) {
+        const std::uint64_t directory = big_ ? file.number(8, 8) : file.u32(4);
+        first_ = directory + (big_ ? 8 : 2);
+        // An ordinary directory counts its entries in 16 bits; more than that is no header of a picture.
+        count_ = std::min<std::uint64_t>(big_ ? file.number(directory, 8) : file.u16(directory), 0xFFFF);
+    }
+
+    /// The value number `index` of a tag; `otherwise` when there is none.
+    std::int64_t value(int tag, std::int64_t otherwise, std::uint64_t index = 0) {
+        const std::uint64_t entry = find(tag);
+        const int bytes = entry == 0 ? 0 : type_bytes(file_.u16(entry + 2));
+        if (bytes == 0 || index >= count_of(entry)) {
+            return otherwise;
+        }
+        const std::uint64_t inside = entry + (big_ ? 12 : 8);
+        const std::uint64_t room = big_ ? 8 : 4;
+        std::uint64_t place = inside;
+        if (count_of(entry) > room / static_cast<std::uint64_t>(bytes)) {
+            place = file_.number(inside, big_ ? 8 : 4);
+        }
+        return static_cast<std::int64_t>(
+            file_.number(place + index * static_cast<std::uint64_t>(bytes), bytes));
+    }
+
+    std::uint64_t count(int tag) {
+        const std::uint64_t entry = find(tag);
+        return entry == 0 ? 0 : count_of(entry);
+    }
+
+  private:
+    static int type_bytes(int type) {
+        switch (type) {
+            case 1:  // bytes
+            case 7:
+                return 1;
+            case 3:  // shorts
+                return 2;
+            case 4:  // longs
+                return 4;
+            case 16:  // 64 bits
+                return 8;
+            default:
+                return 0;
+        }
+    }
+
+    std::uint64_t count_of(std::uint64_t entry) {
+        return big_ ? file_.number(entry + 4, 8) : file_.u32(entry + 4);
+    }
+
+    std::uint64_t find(int tag) {
+        for (std::uint64_t i = 0; i < count_ && !file_.cut_off(); ++i) {
+            const std::uint64_t entry = first_ + i * (big_ ? 20 : 12);
+            if (file_.u16(entry) == tag) {
+                return entry;
+            }
+        }
+        return 0;
+    }
+
+    HeaderBytes& file_;
+    bool big_;
+    std::uint64_t first_ = 0;
+    std::uint64_t count_ = 0;
+};
+
+constexpr int kTiffExtraSamples = 338;
+
+/// Which samples of a pixel are alpha. The library takes a fourth sample for alpha unless the file says that
+/// it is none.
+void find_tiff_alpha(TiffDirectory& directory, int photometric, ImageFacts& facts) {
+    constexpr std::int64_t kAssociated = 1;
+    constexpr std::int64_t kUnassociated = 2;
+    constexpr int kRgb = 2;
+    int alpha = facts.channels == 2 ? 1 : (facts.channels >= 4 ? 3 : -1);
+    bool premultiplied = true;
+    const int colours = photometric < kRgb || photometric == 3 || photometric == 4 ? 1 : 3;
+    const std::uint64_t extras = std::min<std::uint64_t>(directory.count(kTiffExtraSamples), 0xFFFF);
+    for (std::uint64_t i = 0; i < extras && colours + static_cast<int>(i) < facts.channels; ++i) {
+        const int channel = colours + static_cast<int>(i);
+        const std::int64_t kind = directory.value(kTiffExtraSamples, 0, i);
+        if (kind == kAssociated || kind == kUnassociated) {
+            alpha = channel;
+            premultiplied = kind == kAssociated;
+        } else if (alpha == channel) {
+            alpha = -1;
+        }
+    }
+    facts.has_alpha = alpha >= 0;
+    facts.alpha_premultiplied = facts.has_alpha && premultiplied;
+}
+
+Facts tiff(HeaderBytes& file) {
+    constexpr int kPalette = 3;
+    TiffDirectory directory(file);
+    const auto photometric = static_cast<int>(directory.value(262, 0));
+    const std::int64_t samples = std::min<std::int64_t>(directory.value(277, 1), 0xFFFF);
+    const std::int64_t width = directory.value(256, 0);
+    const std::int64_t height = directory.value(257, 0);
+    const bool palette = photometric == kPalette;
+    // Where the picture is a part of a larger one, the footage has the size of that.
+    Facts facts =
+        sized(directory.value(33300, width), directory.value(33301, height),
+              palette ? 3 : static_cast<int>(samples), static_cast<int>(directory.value(258, 1)), "tiff");
+    if (facts) {
+        facts->is_float = directory.value(339, 1) == 3;
+        find_tiff_alpha(directory, photometric, *facts);
+    }
+    return facts;
+}
+
+bool has_extension(const std::string& name, std::string_view extension) {
+    return name.size() >= extension.size() &&
+           std::equal(extension.begin(), extension.end(),
+                      name.end() - static_cast<std::ptrdiff_t>(extension.size()), [](char wanted, char c) {
+                          return wanted == (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
+                      });
+}
+
+Facts tga(HeaderBytes& file) {
+    file.set_order(Order::little);
+    const int map = file.u8(1);
+    const int packed_type = file.u8(2);
+    const int type = packed_type & 7;
+    const int bits = file.u8(16);
+    const bool known_type = (packed_type & ~11) == 0 && type >= 1 && type <= 3;
+    if (map > 1 || !known_type || (type == 1) != (map == 1)) {
+        return std::nullopt;
+    }
+    const int colour_bits = type == 1 ? file.u8(7) : bits;
+    const bool alpha = type == 3 ? bits == 16 : colour_bits == 32;
+    Facts facts = sized(file.u16(12), file.u16(14), (type == 3 ? 1 : 3) + (alpha ? 1 : 0), 8, "targa");
+    if (facts) {
+        facts->has_alpha = alpha;
+    }
+    return facts;
+}
+
+Facts bmp(HeaderBytes& file) {
+    file.set_order(Order::little);
+    constexpr std::uint32_t kOldHeader = 12;
+    const std::uint32_t header = file.u32(14);
+    if (header < kOldHeader || (header > kOldHeader && header < 40)) {
+        return std::nullopt;
+    }
+    const bool old = header == kOldHeader;
+    const std::int64_t width = old ? file.u16(18) : file.i32(18);
+    const std::int64_t height = old ? std::int64_t{file.u16(20)} : std::int64_t{file.i32(22)};
+    const int bits = file.u16(old ? 24 : 28);
+    Facts facts = sized(width, height < 0 ? -height : height, bits == 32 ? 4 : 3, 8, "bmp");
+    if (facts) {
+        facts->has_alpha = facts->channels == 4;
+        facts->alpha_premultiplied = facts->has_alpha;
+    }
+    return facts;
+}
+
+Facts rla(HeaderBytes& file) {
+    const int colours = file.i16(20);
+    const int mattes = file.i16(22);
+    const int others = file.i16(24);
+    if (colours < 0 || mattes < 0 || others < 0) {
+        return std::nullopt;
+    }
+    // The window of the whole picture: left, right, bottom, top, all of them inside.
+    Facts facts =
+        sized(std::int64_t{file.i16(2)} - file.i16(0) + 1, std::int64_t{file.i16(6)} - file.i16(4) + 1,
+              colours + mattes + others, file.i16(658), "rla");
+    if (facts) {
+        constexpr int kFloat = 4;
+        facts->is_float = file.i16(18) == kFloat;
+        facts->has_alpha = mattes > 0;
+        facts->alpha_premultiplied = facts->has_alpha;
+    }
+    return facts;
+}
+
+Facts by_content(HeaderBytes& file, const std::string& name) {
+    const std::string start = file.text(0, 8);
+    if (start == "\x89PNG\r\n\x1a\n") {
+        return png(file);
+    }
+    if (start.starts_with("\xff\xd8\xff")) {
+        return jpeg(file);
+    }
+    if (start.starts_with(std::string_view("II\x2a\0", 4)) ||
+        start.starts_with(std::string_view("II\x2b\0", 4))) {
+        file.set_order(Order::little);
+        return tiff(file);
+    }
+    if (start.starts_with(std::string_view("MM\0\x2a", 4)) ||
+        start.starts_with(std::string_view("MM\0\x2b", 4))) {
+        return tiff(file);
+    }
+    if (has_extension(name, ".tga")) {
+        return tga(file);
+    }
+    if (start.starts_with("BM")) {
+        return bmp(file);
+    }
+    constexpr int kRlaRevision = 0xFFFE;
+    return file.u16(26) == kRlaRevision ? rla(file) : std::nullopt;
+}
+
+}  // namespace
+
+std::optional<ImageFacts> read_image_header(std::istream& file, const std::string& name, std::string& error) {
+    HeaderBytes bytes(file);
+    Facts facts = by_content(bytes, name);
+    if (facts && !bytes.cut_off()) {
+        return facts;
+    }
+    error = bytes.cut_off()
+                ? "the header is cut off"
+                : std::string("no image that is known here: ") + kImageHeaderFormats + " are read";
+    return std::nullopt;
+}
+
+}  // namespace embedded

@@ -1,0 +1,134 @@
+#include "system/files.h"
+
+#include <windows.h>
+
+#include <memory>
+#include <string_view>
+#include <system_error>
+
+#include "system/wide_path_windows.h"
+
+namespace os {
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* kNoName = "its name is not UTF-8";
+
+std::error_code last_error() {
+    const std::error_condition meaning =
+        std::error_code(static_cast<int>(GetLastError()), std::system_category()).default_error_condition();
+    return {meaning.value(), meaning.category()};
+}
+
+/// Opens a file and closes it again.
+std::error_code opened(const std::string& path, DWORD how) {
+    const std::wstring wide = wide_path(path);
+    if (wide.empty()) {
+        return std::make_error_code(std::errc::invalid_argument);
+    }
+    const HANDLE handle = CreateFileW(wide.c_str(), FILE_APPEND_DATA, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                                      nullptr, how, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return last_error();
+    }
+    CloseHandle(handle);
+    return {};
+}
+
+struct CloseSearch {
+    void operator()(void* search) const { FindClose(search); }
+};
+
+}  // namespace
+
+std::string system_reason(unsigned long error) {
+    return std::error_code(static_cast<int>(error), std::system_category())
+        .default_error_condition()
+        .message();
+}
+
+FileState file_state(const std::string& path) {
+    FileState state;
+    const std::wstring wide = wide_path(path);
+    WIN32_FILE_ATTRIBUTE_DATA about{};
+    if (wide.empty()) {
+        state.error = path.empty() ? system_reason(ERROR_FILE_NOT_FOUND) : kNoName;
+    } else if (GetFileAttributesExW(wide.c_str(), GetFileExInfoStandard, &about) == 0) {
+        state.error = system_reason(GetLastError());
+    } else if ((about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+        state.kind = FileKind::folder;
+    } else if ((about.dwFileAttributes & FILE_ATTRIBUTE_DEVICE) != 0) {
+        state.kind = FileKind::device;
+    } else {
+        state.kind = FileKind::regular;
+        state.size_bytes = std::uint64_t{about.nFileSizeHigh} << 32 | about.nFileSizeLow;
+    }
+    return state;
+}
+
+std::vector<std::string> regular_files_in(const std::string& folder) {
+    std::vector<std::string> names;
+    std::wstring pattern = wide_path(folder.empty() ? "." : folder);
+    if (pattern.empty()) {
+        return names;
+    }
+    pattern += pattern.back() == L'\\' ? L"*" : L"\\*";
+    WIN32_FIND_DATAW found{};
+    const HANDLE handle = FindFirstFileW(pattern.c_str(), &found);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return names;
+    }
+    const std::unique_ptr<void, CloseSearch> search(handle);
+    do {
+        if ((found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0) {
+            names.push_back(utf8_text(static_cast<const wchar_t*>(found.cFileName)));
+        }
+    } while (FindNextFileW(search.get(), &found) != 0);
+    return names;
+}
+
+std::string absolute_path(const std::string& path) {
+    constexpr std::wstring_view kPrefix = LR"(\\?\)";
+    constexpr std::wstring_view kServerPrefix = LR"(\\?\UNC\)";
+    std::wstring wide = wide_path(path);
+    if (wide.empty()) {
+        return path;
+    }
+    if (wide.starts_with(kServerPrefix)) {
+        wide.replace(0, kServerPrefix.size(), LR"(\\)");
+    } else if (wide.starts_with(kPrefix)) {
+        wide.erase(0, kPrefix.size());
+    }
+    return utf8_text(wide);
+}
+
+std::error_code create_file(const std::string& path) {
+    return opened(path, CREATE_NEW);
+}
+
+std::error_code may_write(const std::string& path) {
+    return opened(path, OPEN_EXISTING);
+}
+
+std::error_code replace_file(const std::string& from, const std::string& to) {
+    // The file keeps the permissions that it was made with: those of its folder.
+    const DWORD how = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
+    return MoveFileExW(wide_path(from).c_str(), wide_path(to).c_str(), how) != 0 ? std::error_code()
+                                                                                 : last_error();
+}
+
+fs::path native_path(const std::string& path) {
+    return wide_path(path);
+}
+
+fs::path path_of(const std::string& text) {
+    return wide_text(text);
+}
+
+std::string text_of(const fs::path& path) {
+    return utf8_text(path.native());
+}
+
+}  // namespace os

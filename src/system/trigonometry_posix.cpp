@@ -1,0 +1,15 @@
+#include "system/trigonometry.h"
+
+#include <cmath>
+
+namespace os {
+
+double sine(double x) {
+    return std::sin(x);
+}
+
+double cosine(double x) {
+    return std::cos(x);
+}
+
+}  // namespace os
