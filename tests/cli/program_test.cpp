@@ -116,10 +116,15 @@ TEST(ExitCodes, TheMostSeriousCounts) {
 TEST(BundlePath, PlacesBesideTheProgram) {
     const std::vector<std::filesystem::path> places = cli::bundle_places("/opt/vxr/bin/vxr");
     ASSERT_EQ(places.size(), 3U);
-    EXPECT_EQ(places[0].filename(), "VORTANXR_AE.so");
+#if defined(_WIN32)
+    const std::string name = "VORTANXR_AE.aex";
+#else
+    const std::string name = "VORTANXR_AE.so";
+#endif
+    EXPECT_EQ(places[0].filename(), name);
     EXPECT_EQ(places[0].parent_path().filename(), "vortanxr");
-    EXPECT_EQ(places[1], "/opt/vxr/lib/VORTANXR_AE.so");
-    EXPECT_EQ(places[2], "/opt/vxr/bin/VORTANXR_AE.so");
+    EXPECT_EQ(places[1].generic_string(), "/opt/vxr/lib/" + name);
+    EXPECT_EQ(places[2].generic_string(), "/opt/vxr/bin/" + name);
 }
 
 TEST(Progress, SilentUnlessSomebodyWatches) {

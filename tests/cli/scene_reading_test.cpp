@@ -1,11 +1,11 @@
 #include "cli/scene_reading.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <filesystem>
 #include <string>
 
+#include "support/special_files.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -94,7 +94,7 @@ TEST(SceneReading, TheErrorOfTheManual) {
 
 TEST(SceneReading, WhatCannotBeReadIsNoRefusal) {
     const TemporaryFolder folder;
-    ASSERT_EQ(::mkfifo(folder.path("pipe").c_str(), 0600), 0);
+    make_pipe(folder.path("pipe"));
     for (const std::string& path : {folder.path("missing.aec"), folder.folder().string(), folder.path("pipe"),
                                     std::string("/dev/null"), std::string()}) {
         const SceneReading reading = cli::read_scene(path);

@@ -2,7 +2,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <algorithm>
 #include <filesystem>
@@ -11,6 +10,8 @@
 #include <vector>
 
 #include "composition/parsed_text.h"
+
+#include "support/special_files.h"
 
 namespace {
 
@@ -293,7 +294,7 @@ TEST(ASCIIParser, InitRefusesWhatIsNoFileToRead) {
     const TemporaryFolder folder;
     const std::string empty = folder.write("empty", "");
     const std::string fifo = folder.path("fifo");
-    ASSERT_EQ(::mkfifo(fifo.c_str(), 0600), 0);
+    make_pipe(fifo);
     const std::string huge = folder.write("huge", "VORTAN XR ");
     std::filesystem::resize_file(huge, std::uintmax_t{1} << 31);
     const std::pair<const char*, std::string> cases[] = {

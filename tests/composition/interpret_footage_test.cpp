@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <string>
 
@@ -8,6 +7,7 @@
 #include "composition/project_settings.h"
 #include "host/suite_handler.h"
 #include "support/recording_host.h"
+#include "support/special_files.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -114,7 +114,7 @@ TEST_F(InterpretFootage, AnImageThatDoesNotOpenFollowsItsEntry) {
     EXPECT_THAT(told(), ::testing::HasSubstr("alpha 1"));
 
     const std::string pipe = folder_.path("pipe.rla");
-    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    make_pipe(pipe);
     EXPECT_EQ(run(pipe), 0) << "and nothing waits on a pipe";
     EXPECT_THAT(told(), ::testing::HasSubstr("alpha 1"));
 }

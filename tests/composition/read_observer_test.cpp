@@ -361,11 +361,17 @@ TEST(ReadObserver, TellsPositionsInEveryStyleOfLineEnds) {
     }
 }
 
+/// Words in small letters with hyphens between them.
+bool is_hyphenated(std::string_view name) {
+    return name.find_first_not_of("abcdefghijklmnopqrstuvwxyz-") == std::string_view::npos && !name.empty() &&
+           name.front() != '-' && name.back() != '-' && name.find("--") == std::string_view::npos;
+}
+
 TEST(ReadErrorTable, HasEveryCodeUnderANameOfItsOwn) {
     std::set<std::string> names;
     for (const ReadErrorRow& row : read_error_table()) {
         EXPECT_TRUE(names.insert(row.name).second) << row.name;
-        EXPECT_THAT(row.name, testing::MatchesRegex("[a-z]+(-[a-z]+)*"));
+        EXPECT_TRUE(is_hyphenated(row.name)) << row.name;
         EXPECT_THAT(row.meaning, testing::EndsWith("."));
         EXPECT_EQ(&read_error_row(row.code), &row);
     }

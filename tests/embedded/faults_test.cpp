@@ -137,7 +137,7 @@ TEST(Faults, CanBeAskedOfEveryFunctionThatCanFail) {
         ASSERT_TRUE(fault.has_value()) << function.function;
         HostOptions options;
         options.faults = {*fault};
-        EXPECT_NO_THROW(embedded::Host{options}) << function.function;
+        EXPECT_NO_THROW(const embedded::Host host(options)) << function.function;
     }
     EXPECT_EQ(names.size(), 58U);
 }

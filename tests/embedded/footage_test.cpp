@@ -2,10 +2,10 @@
 
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include "embedded/bundle_side.h"
 #include "embedded/image_probe.h"
+#include "support/special_files.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -157,7 +157,7 @@ TEST(Footage, ThatCannotBeReadIsRefused) {
     const TemporaryFolder folder;
     write_image(folder.path("whole.png"));
     const std::string pipe = folder.path("pipe.png");
-    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    make_pipe(pipe);
     std::filesystem::create_directory(folder.path("folder.png"));
     struct {
         const char* name;

@@ -8,6 +8,7 @@
 #include <cstring>
 
 #include "embedded/host.h"
+#include "embedded/json_values.h"
 #include "embedded/text_encoding.h"
 #include "support/temporary_folder.h"
 
@@ -135,7 +136,7 @@ TEST(TodaysFootage, IsNamedInUtf16) {
     ASSERT_EQ(lines.size(), 1U);
     EXPECT_NE(lines[0].find("\"version\":11,\"function\":\"AEGP_NewFootage\""), std::string::npos)
         << lines[0];
-    EXPECT_NE(lines[0].find("\"path\":\"" + path + "\""), std::string::npos) << lines[0];
+    EXPECT_NE(lines[0].find("\"path\":" + embedded::Json(path).dump()), std::string::npos) << lines[0];
 }
 
 TEST(TodaysFootage, IsRefusedWhenItsPathIsNoUtf16) {

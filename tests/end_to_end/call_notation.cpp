@@ -110,8 +110,12 @@ class Notation {
     std::string text(const std::string& content) const {
         if (is_handle(content))
             return content;
-        if (!folder_.empty() && content.starts_with(folder_))
-            return "\"<folder>" + content.substr(folder_.size()) + "\"";
+        if (!folder_.empty() && content.starts_with(folder_)) {
+            // The expectations are written with one separator for all systems.
+            std::string below = content.substr(folder_.size());
+            std::replace(below.begin(), below.end(), '\\', '/');
+            return "\"<folder>" + below + "\"";
+        }
         return "\"" + content + "\"";
     }
 

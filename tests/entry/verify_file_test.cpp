@@ -1,10 +1,10 @@
 #include "entry/verify_file.h"
 
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 #include <string>
 
+#include "support/special_files.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -44,7 +44,7 @@ TEST(VerifyFile, NineBytesDecide) {
 TEST(VerifyFile, WhatIsNoReadableFileIsNotImportable) {
     const TemporaryFolder folder;
     const std::string pipe = folder.path("pipe.aec");
-    ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+    make_pipe(pipe);
     const struct {
         const char* why;
         std::string path;

@@ -7,6 +7,7 @@
 #include <iterator>
 
 #include "host/plugin_globals.h"
+#include "system/trigonometry.h"
 
 namespace {
 
@@ -369,12 +370,12 @@ A_Err end_add_keyframes(A_Boolean add, AEGP_AddKeyframesInfoH info) {
 
 A_FpLong host_cos(A_FpLong x) {
     current->note("cos(" + text(x) + ")");
-    return std::cos(x);
+    return os::cosine(x);
 }
 
 A_FpLong host_sin(A_FpLong x) {
     current->note("sin(" + text(x) + ")");
-    return std::sin(x);
+    return os::sine(x);
 }
 
 // ---- the tables

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <cstdlib>
 #include <filesystem>
 #include <fstream>
+#include <random>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -11,11 +11,18 @@
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        std::string name = (std::filesystem::temp_directory_path() / "vxr-test-XXXXXX").string();
-        if (::mkdtemp(name.data()) == nullptr) {
-            throw std::runtime_error("cannot make a folder like " + name);
+        // A name that is taken is tried again under another: several test programs run at a time.
+        std::random_device random;
+        const std::filesystem::path place = std::filesystem::temp_directory_path();
+        constexpr int kAttempts = 100;
+        for (int attempt = 0; attempt < kAttempts; ++attempt) {
+            folder_ = place / ("vxr-test-" + std::to_string(random()));
+            if (std::filesystem::create_directory(folder_)) {
+                std::filesystem::permissions(folder_, std::filesystem::perms::owner_all);
+                return;
+            }
         }
-        folder_ = name;
+        throw std::runtime_error("cannot make a folder in " + place.string());
     }
     ~TemporaryFolder() {
         std::error_code ignored;
@@ -25,14 +32,23 @@ class TemporaryFolder {
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     /// Full path of `name` in this folder; nothing is made.
-    [[nodiscard]] std::string path(std::string_view name) const { return (folder_ / name).string(); }
+    [[nodiscard]] std::string path(std::string_view name) const {
+#if defined(_WIN32)
+        const std::u8string folder = folder_.u8string();
+        return std::string(folder.begin(), folder.end()).append(1, '\\').append(name);
+#else
+        return full_path(name).string();
+#endif
+    }
 
-    [[nodiscard]] const std::filesystem::path& folder() const { return folder_; }
+    [[nodiscard]] const std::filesystem::path& folder() const {
+        return folder_;
+    }
 
     /// Writes `bytes` to `name`, replacing what was there, and returns its full path.
     std::string write(std::string_view name, std::string_view bytes) const {
         std::string full = path(name);
-        std::ofstream out(full, std::ios::binary | std::ios::trunc);
+        std::ofstream out(full_path(name), std::ios::binary | std::ios::trunc);
         out.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
         if (!out.flush()) {
             throw std::runtime_error("cannot write " + full);
@@ -41,5 +57,14 @@ class TemporaryFolder {
     }
 
   private:
+    /// Names are UTF-8 on Windows, and bytes elsewhere.
+    [[nodiscard]] std::filesystem::path full_path(std::string_view name) const {
+#if defined(_WIN32)
+        return folder_ / std::u8string(name.begin(), name.end());
+#else
+        return folder_ / name;
+#endif
+    }
+
     std::filesystem::path folder_;
 };

@@ -9,7 +9,9 @@
 #include <fstream>
 #include <limits>
 
+#if !defined(_WIN32)
 #include "texture/out_of_memory.h"
+#endif
 
 namespace {
 
@@ -223,6 +225,8 @@ TEST(BaseBitmap, DestroyEmpties) {
     ExpectEmpty(bitmap);
 }
 
+#if !defined(_WIN32)  // where memory that is not touched counts as taken, and no process can be kept from
+                      // taking more
 std::int64_t ResidentBytes() {
     std::int64_t total_pages = 0;
     std::int64_t resident_pages = 0;
@@ -252,5 +256,6 @@ TEST(BaseBitmapDeathTest, WithoutMemoryThereIsNoAlphaChannel) {
         },
         testing::ExitedWithCode(0), "");
 }
+#endif
 
 }  // namespace

@@ -742,6 +742,7 @@ TEST(TxlLoad, AChunkThatHandlesNothingIsSkippedThrough) {
     EXPECT_EQ(out.GetPosition(), 8 + 9 + 1);
 }
 
+#if !defined(_WIN32)  // where memory that is not touched counts as taken
 /// Resident memory of this process in bytes.
 std::int64_t resident_bytes() {
     std::FILE* statm = std::fopen("/proc/self/statm", "r");
@@ -771,6 +772,7 @@ TEST(TxlLoad, AHeaderThatClaimsTheMostPixelsCostsNothing) {
     EXPECT_EQ(reading.texture->pixels.size(), std::size_t{3} << 30);
     EXPECT_LT(resident_bytes() - before, std::int64_t{64} << 20);
 }
+#endif
 
 /// Rows of 2^20 pixels that only repeat the row before, in a file that could hold one such row.
 TxlFile rows_without_bytes(std::int32_t rows) {

@@ -216,8 +216,9 @@ TEST(TxlSave, WhatCannotBeWrittenIsAnError) {
     AnySource source;
     const TemporaryFolder folder;
     TXLImageFilter onto_a_folder;
-    EXPECT_FALSE(onto_a_folder.SaveImage(folder.folder().c_str(), &source));
+    EXPECT_FALSE(onto_a_folder.SaveImage(folder.folder().string().c_str(), &source));
     EXPECT_EQ(onto_a_folder.GetError(), 1);
+#if !defined(_WIN32)  // where no file stands for a full disk
     TXLImageFilter small_on_a_full_disk;
     EXPECT_FALSE(small_on_a_full_disk.SaveImage("/dev/full", &source));
     EXPECT_EQ(small_on_a_full_disk.GetError(), 1);
@@ -228,6 +229,7 @@ TEST(TxlSave, WhatCannotBeWrittenIsAnError) {
     TXLImageFilter large_on_a_full_disk;
     EXPECT_FALSE(large_on_a_full_disk.SaveImage("/dev/full", &large));
     EXPECT_EQ(large_on_a_full_disk.GetError(), 1);
+#endif
 }
 
 TEST(TxlSave, RowsAboveOneGigabyteAreRefused) {

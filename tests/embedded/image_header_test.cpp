@@ -1,0 +1,102 @@
+// The built-in reader of image headers, on the examples' images: the answers were read off with other
+// programs.
+
+#include "embedded/image_header.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace {
+
+using embedded::ImageFacts;
+using embedded::read_image_header;
+
+struct FileCase {
+    const char* file;
+    int width_px;
+    int height_px;
+    int channels;
+    int bits;
+    bool has_alpha;
+    bool premultiplied;
+};
+
+std::string example(const char* file) {
+    std::ifstream in(std::filesystem::path(VXR_EXAMPLES_DIR) / file, std::ios::binary);
+    std::ostringstream bytes;
+    bytes << in.rdbuf();
+    return bytes.str();
+}
+
+TEST(ImageHeader, OfTheExamplesSaysWhatTheyAre) {
+    const FileCase kCases[] = {
+        {"interlaced/lantern0017.tif", 720, 576, 4, 8, true, true},
+        {"interlaced/depth0017.tif", 720, 576, 1, 16, false, false},
+        {"interlaced/street.rla", 720, 576, 3, 8, false, false},
+        {"keyframes/stage.tif", 640, 360, 3, 8, false, false},
+        {"square/contact.png", 640, 360, 3, 8, false, false},
+        {"square/grey_card.jpg", 640, 360, 3, 8, false, false},
+        {"square/haze.tga", 640, 360, 4, 8, true, false},
+    };
+    for (const FileCase& c : kCases) {
+        SCOPED_TRACE(c.file);
+        std::istringstream in(example(c.file));
+        std::string error;
+        const std::optional<ImageFacts> facts = read_image_header(in, c.file, error);
+        ASSERT_TRUE(facts.has_value()) << error;
+        EXPECT_EQ(facts->width_px, c.width_px);
+        EXPECT_EQ(facts->height_px, c.height_px);
+        EXPECT_EQ(facts->channels, c.channels);
+        EXPECT_EQ(facts->bits_per_channel, c.bits);
+        EXPECT_EQ(facts->has_alpha, c.has_alpha);
+        EXPECT_EQ(facts->alpha_premultiplied, c.premultiplied);
+    }
+}
+
+TEST(ImageHeader, CutOffAnywhereInTheHeaderIsRefusedWithAReason) {
+    for (const char* const file : {"interlaced/lantern0017.tif", "interlaced/street.rla",
+                                   "square/contact.png", "square/grey_card.jpg", "square/haze.tga"}) {
+        const std::string whole = example(file);
+        ASSERT_GT(whole.size(), 16U) << file;
+        for (std::size_t length = 0; length <= 16; ++length) {
+            std::istringstream in(whole.substr(0, length));
+            std::string error;
+            EXPECT_FALSE(read_image_header(in, file, error).has_value()) << file << ' ' << length;
+            EXPECT_FALSE(error.empty()) << file << ' ' << length;
+        }
+    }
+}
+
+struct WrongCase {
+    const char* name;
+    std::string bytes;
+    const char* file;
+};
+
+TEST(ImageHeader, ThatMakesNoSenseIsRefusedWithAReason) {
+    const std::string zeros(800, '\0');
+    std::string directory_of_itself = "II\x2a";
+    directory_of_itself += std::string("\0\x02\0\0\0", 5) + zeros;
+    std::string endless = "\xff\xd8\xff\xfe";
+    endless += std::string(400, '\0');
+    const WrongCase kCases[] = {
+        {"a text", "VORTAN XR COMPOSITION" + zeros, "a.png"},
+        {"a TIFF whose directory is its own header", directory_of_itself, "a.tif"},
+        {"a JPEG of segments without length", endless, "a.jpg"},
+        {"a TGA of an unknown kind", "\x01\x01\x04" + zeros, "a.tga"},
+        {"a TGA without pixels", std::string("\0\0\x02", 3) + zeros, "a.tga"},
+        {"a PNG of no width", "\x89PNG\r\n\x1a\n" + zeros, "a.png"},
+        {"a BMP with half a header", "BM" + zeros, "a.bmp"},
+    };
+    for (const WrongCase& c : kCases) {
+        std::istringstream in(c.bytes);
+        std::string error;
+        EXPECT_FALSE(read_image_header(in, c.file, error).has_value()) << c.name;
+        EXPECT_FALSE(error.empty()) << c.name;
+    }
+}
+
+}  // namespace

@@ -1,0 +1,116 @@
+#!/usr/bin/env python3
+"""same_on_both.py VXR_HERE VXR_FOR_WINDOWS: what the program makes of the examples here and under Wine, compared byte for byte.
+
+The host hands the plug-in the full path of a scene, and each system spells the folder in its own way: "/somewhere/" here,
+"Z:\\somewhere\\" there. That spelling is the one difference that is taken back before the comparison; it has to occur, or
+nothing was compared.
+"""
+import json
+import pathlib
+import subprocess
+import sys
+import tempfile
+
+PROJECT = pathlib.Path(__file__).resolve().parents[2]
+HERE, THERE = (str(pathlib.Path(program).resolve()) for program in sys.argv[1:3])
+WINE = str(PROJECT / "script" / "wine")
+
+
+def run(command):
+    done = subprocess.run(command, cwd=PROJECT, stdin=subprocess.DEVNULL, capture_output=True, check=False)
+    return done.returncode, done.stdout, done.stderr.decode("utf-8", "replace")
+
+
+def in_json(text):
+    return json.dumps(text, ensure_ascii=False)[1:-1].encode()
+
+
+def spelt_as_here(document, folder):
+    """The document with the folder of a scene written as on this system; Windows' separator stands behind it as well."""
+    there = in_json("Z:" + str(folder).replace("/", "\\") + "\\")
+    return document.replace(there, in_json(str(folder) + "/")), document.count(there)
+
+
+def hosts():
+    """The option for each generation of hosts that the program knows."""
+    _, text, _ = run([HERE, "import", "--help"])
+    return [["--host", "classic"], ["--host", "today"]] if b"--host " in text else [[]]
+
+
+def compare_imports():
+    wrong = 0
+    scenes = sorted(PROJECT.glob("examples/*/*.aec"))
+    for scene in scenes:
+        name = str(scene.relative_to(PROJECT))
+        for host in hosts():
+            code_here, here, _ = run([HERE, "import", "--json", *host, name])
+            code_there, there, said = run([WINE, THERE, "import", "--json", *host, name])
+            there, found = spelt_as_here(there, scene.parent)
+            same = code_here == code_there == 0 and here == there and found > 0
+            wrong += not same
+            what = " ".join([name, *host])
+            print(f"{'same' if same else 'NOT THE SAME'}: project of {what}, {len(here)} bytes, {found} paths")
+            if not same:
+                print(f"exit codes {code_here} and {code_there}; {said}")
+                show_first_difference(here, there)
+    return wrong, len(scenes)
+
+
+def compare_textures():
+    wrong = 0
+    textures = sorted(PROJECT.glob("examples/*/*.txl"))
+    with tempfile.TemporaryDirectory() as folder:
+        for texture in textures:
+            name = str(texture.relative_to(PROJECT))
+            made = []
+            # Read, decoded, coded and written again; and what a host is told and gets drawn.
+            for number, program in enumerate(([HERE], [WINE, THERE])):
+                copy = pathlib.Path(folder) / f"{number}.txl"
+                codes = [run([*program, "texture", "convert", name, "-o", str(copy)])[0]]
+                frame = pathlib.Path(folder) / f"{number}.tga"
+                code, text, _ = run([*program, "frame", name, "-o", str(frame)])
+                codes.append(code)
+                made.append((codes, copy.read_bytes(), text.replace(str(frame).encode(), b""), pixels_of(frame)))
+            same = made[0] == made[1] and made[0][0] == [0, 0]
+            wrong += not same
+            print(f"{'same' if same else 'NOT THE SAME'}: copy and frame of {name}")
+    return wrong, len(textures)
+
+
+def pixels_of(frame):
+    """The pixels of a frame in a TGA, whichever way it is packed, rows from the top."""
+    data = frame.read_bytes()
+    kind, width, height, bits = data[2], int.from_bytes(data[12:14], "little"), int.from_bytes(data[14:16], "little"), data[16]
+    size, at, pixels = bits // 8, 18 + data[0], bytearray()
+    while len(pixels) < width * height * size:
+        if kind < 8:
+            pixels += data[at:at + width * height * size]
+            break
+        count = (data[at] & 0x7F) + 1
+        if data[at] & 0x80:
+            pixels += data[at + 1:at + 1 + size] * count
+            at += 1 + size
+        else:
+            pixels += data[at + 1:at + 1 + count * size]
+            at += 1 + count * size
+    row = width * size
+    rows = [bytes(pixels[y * row:(y + 1) * row]) for y in range(height)]
+    return width, height, bits, rows if data[17] & 0x20 else rows[::-1]
+
+
+def show_first_difference(here, there):
+    for line, (one, other) in enumerate(zip(here.splitlines(), there.splitlines()), 1):
+        if one != other:
+            print(f"line {line}\n  here:  {one.decode()}\n  there: {other.decode()}")
+            return
+
+
+def main():
+    wrong_scenes, scenes = compare_imports()
+    wrong_textures, textures = compare_textures()
+    if not scenes or not textures or wrong_scenes or wrong_textures:
+        sys.exit(f"error: {wrong_scenes} of {scenes} scenes and {wrong_textures} of {textures} textures differ")
+
+
+if __name__ == "__main__":
+    main()
