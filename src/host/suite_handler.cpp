@@ -28,7 +28,7 @@ void AEGP_SuiteHandler::ReleaseAllSuites() {
 }
 
 void AEGP_SuiteHandler::MissingSuiteError() const {
-    throw kMissingSuite;
+    throw long{kMissingSuite};
 }
 
 const void* AEGP_SuiteHandler::acquire(const A_char* name, A_long version) const {
