@@ -1,5 +1,3 @@
-#include <cmath>
-
 #include "composition/camera.h"
 #include "composition/degrees.h"
 #include "composition/host_values.h"
@@ -7,6 +5,7 @@
 #include "composition/stream_track.h"
 #include "host/messages.h"
 #include "host/suite_handler.h"
+#include "system/trigonometry.h"
 
 namespace {
 
@@ -14,9 +13,7 @@ namespace {
 /// degrees is Deliberately passed on as an infinite zoom.
 AEGP_StreamVal zoom_value(const tagKeyFrame& key, A_long width) {
     const double half_view = radians_from_degrees(double{key.fov}) * 0.5;
-    // In more digits than are kept: the C libraries of today differ in the last bit of a tangent in doubles.
-    const auto tangent = static_cast<double>(std::tan(static_cast<long double>(half_view)));
-    return one_d_value((width * 0.5) / tangent);
+    return one_d_value((width * 0.5) / os::tangent(half_view));
 }
 
 A_Err add_zoom_keys(StreamTrack& track, const CCamera& camera, A_long width, A_long fps, A_long from) {

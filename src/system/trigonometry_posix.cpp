@@ -12,4 +12,8 @@ double cosine(double x) {
     return std::cos(x);
 }
 
+double tangent(double x) {
+    return std::tan(x);
+}
+
 }  // namespace os
