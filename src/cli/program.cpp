@@ -21,6 +21,8 @@ constexpr const char* kSummary =
 class CommandLine {
   public:
     CommandLine() : app_(kSummary, kProgram) {
+        // A path that begins with a slash is a path on Windows, too. The verbs take this over.
+        app_.allow_windows_style_options(false);
         app_.set_help_flag("-h,--help", "show this help");
         app_.set_version_flag("--version", program_version(), "show the version");
         // One verb a command line: further words are its own, also when they are the name of a verb.

@@ -6,10 +6,15 @@
 #include <iterator>
 #include <system_error>
 
+#include "system/files.h"
+
 namespace cli::doctor {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// Between the parts of a path; Windows takes either.
+constexpr const char* kSeparators = fs::path::preferred_separator == '/' ? "/" : "/\\";
 
 char lower(char letter) {
     return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
@@ -20,7 +25,7 @@ char lower(char letter) {
 ReadFile read_file(const std::string& path) {
     ReadFile file{path, std::nullopt, {}};
     std::error_code failure;
-    const fs::file_status status = fs::status(path, failure);
+    const fs::file_status status = fs::status(os::native_path(path), failure);
     if (!fs::exists(status)) {
         file.error = failure ? failure.message() : "No such file or directory";
         return file;
@@ -29,13 +34,14 @@ ReadFile read_file(const std::string& path) {
         file.error = "not a regular file";
         return file;
     }
-    if (const std::uintmax_t size = fs::file_size(path, failure); failure || size > kLargestFile) {
+    if (const std::uintmax_t size = fs::file_size(os::native_path(path), failure);
+        failure || size > kLargestFile) {
         file.error = failure ? failure.message()
                              : std::to_string(size) + " bytes; more than " + std::to_string(kLargestFile) +
                                    " are not looked at";
         return file;
     }
-    std::ifstream in(path, std::ios::binary);
+    std::ifstream in(os::native_path(path), std::ios::binary);
     std::string bytes{std::istreambuf_iterator<char>(in), {}};
     if (!in.is_open() || in.bad()) {
         file.error = "it cannot be read";
@@ -47,7 +53,7 @@ ReadFile read_file(const std::string& path) {
 
 PathKind path_kind(const std::string& path) {
     std::error_code failure;
-    const fs::file_status status = fs::status(path, failure);
+    const fs::file_status status = fs::status(os::native_path(path), failure);
     return !fs::exists(status)           ? PathKind::missing
            : fs::is_regular_file(status) ? PathKind::file
            : fs::is_directory(status)    ? PathKind::folder
@@ -55,13 +61,13 @@ PathKind path_kind(const std::string& path) {
 }
 
 std::string last_name(const std::string& path) {
-    const std::size_t end = path.find_last_not_of('/');
+    const std::size_t end = path.find_last_not_of(kSeparators);
     const std::string whole = path.substr(0, end == std::string::npos ? 0 : end + 1);
-    return whole.substr(whole.find_last_of('/') + 1);
+    return whole.substr(whole.find_last_of(kSeparators) + 1);
 }
 
 std::string folder_of(const std::string& path) {
-    const std::size_t slash = path.find_last_of('/');
+    const std::size_t slash = path.find_last_of(kSeparators);
     return slash == std::string::npos ? "." : path.substr(0, std::max<std::size_t>(slash, 1));
 }
 
@@ -74,9 +80,9 @@ bool has_ending(const std::string& name, const std::string& ending) {
 std::optional<std::string> only_file(const std::string& folder, const std::string& ending) {
     std::optional<std::string> only;
     std::error_code failure;
-    for (fs::directory_iterator entry(folder, failure); !failure && entry != fs::directory_iterator();
-         entry.increment(failure)) {
-        const std::string name = entry->path().filename().string();
+    for (fs::directory_iterator entry(os::native_path(folder), failure);
+         !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+        const std::string name = os::text_of(entry->path().filename());
         if (has_ending(name, ending)) {
             if (only) {
                 return std::nullopt;

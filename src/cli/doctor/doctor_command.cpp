@@ -12,6 +12,7 @@
 #include "cli/doctor/trial.h"
 #include "cli/doctor/trial_json.h"
 #include "cli/terminal.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -52,7 +53,7 @@ class DoctorCommand : public Command {
             if (!own.error.empty()) {
                 throw UsageError(own.error);
             }
-            bundle_ = own.path.string();
+            bundle_ = os::text_of(own.path);
         }
         if (!load_.empty()) {
             const auto generation =

@@ -2,9 +2,7 @@
 
 #include <algorithm>
 #include <array>
-#include <filesystem>
 #include <set>
-#include <system_error>
 
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/doctor_codes.h"
@@ -30,8 +28,7 @@ bool begins_with(std::string_view text, std::string_view beginning) {
 }
 
 bool is_file(const std::string& path) {
-    std::error_code failure;
-    return std::filesystem::is_regular_file(path, failure);
+    return path_kind(path) == PathKind::file;
 }
 
 std::string lower_case(std::string_view text) {

@@ -8,6 +8,7 @@
 #include "cli/doctor/trial_json.h"
 #include "cli/platform.h"
 #include "embedded/host.h"
+#include "system/files.h"
 
 namespace cli::doctor {
 namespace {
@@ -60,7 +61,7 @@ Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
     embedded::HostOptions options;
     options.generation = generation;
     embedded::Host host(options);
-    const embedded::LoadResult loaded = host.load(bundle);
+    const embedded::LoadResult loaded = host.load(os::path_of(bundle));
     trial.registered = registrations_of(host);
     host.unload();
     for (const embedded::Message& message : host.messages()) {
