@@ -4,7 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <filesystem>
 #include <stdexcept>
 #include <string>
 
@@ -41,16 +40,22 @@ const PathCase kPathCases[] = {
     {"three_hundred_japanese_characters_deep", repeated(repeated("\u5834", 59) + "/", 5), "\u5834"},
     {"three_hundred_emoji_deep", repeated(repeated("\U0001F3AC", 59) + "/", 5), "\U0001F3AC"},
     {"spaces", "  two before, two after  ", " a  b "},
+#if defined(_WIN32)  // where no name holds double quotes
+    {"quotes", "'the' 'hero' `pot`", "it's 'here'"},
+#else
     {"quotes", "\"the\" 'hero' `pot`", "it's \"here\""},
+#endif
     {"a_trailing_dot", "takes.", "shot."},
+#if !defined(_WIN32)  // where a folder of nothing but full stops is never emptied again
     {"dots_only_before", "...", "..shot"},
+#endif
     {"no_letters", "100%", "#1 & (2) [3] {4} ~$!;=+,@^"},
     {"the_last_characters_of_each_length", "\u007F\u07FF\uFFFD", "\U0010FFFF"},
 };
 
 class Paths : public testing::TestWithParam<PathCase> {
   protected:
-    Paths() { std::filesystem::create_directories(files_.path(GetParam().folder)); }
+    Paths() { files_.make_folder(GetParam().folder); }
 
     [[nodiscard]] std::string name(const std::string& ending) const {
         return GetParam().folder + "/" + GetParam().stem + ending;
@@ -151,6 +156,7 @@ TEST(PathCases, AreAsDeepAsTheySay) {
 
 const char* const kLatin1 = "caf\xE9";
 
+#if !defined(_WIN32)  // where every name is Unicode
 TEST(NamesThatAreNoUtf8, AreForClassicHostsOnly) {
     const SceneFolder folder;
     const std::string scene = folder.files().write(std::string(kLatin1) + ".aec",
@@ -213,6 +219,7 @@ TEST(NamesThatAreNoUtf8, OfFootageEndTheImportInTodaysHostsAndSayWhy) {
     bundle.host().unload();
     EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
 }
+#endif
 
 // Missing footage is a placeholder with a name, and names stay narrow.
 TEST(NamesThatAreNoUtf8, OfMissingFootageArePlaceholdersEverywhere) {

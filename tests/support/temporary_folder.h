@@ -1,5 +1,11 @@
 #pragma once
 
+#if defined(_WIN32)
+#include <direct.h>
+#endif
+
+#include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <fstream>
 #include <random>
@@ -26,7 +32,13 @@ class TemporaryFolder {
     }
     ~TemporaryFolder() {
         std::error_code ignored;
+#if defined(_WIN32)
+        // Behind the prefix: without it a name with a blank or a full stop at its end is never found again,
+        // and the library tries for ever.
+        std::filesystem::remove_all(LR"(\\?\)" + folder_.native(), ignored);
+#else
         std::filesystem::remove_all(folder_, ignored);
+#endif
     }
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
@@ -45,6 +57,20 @@ class TemporaryFolder {
         return folder_;
     }
 
+    /// Makes the folder `name` in this one, with all that leads to it; separated by '/'.
+    void make_folder(std::string_view name) const {
+#if defined(_WIN32)
+        for (std::size_t end = 0; end < name.size(); ++end) {
+            end = std::min(name.find('/', end), name.size());
+            if (::_wmkdir(full_path(name.substr(0, end)).c_str()) != 0 && errno != EEXIST) {
+                throw std::runtime_error("cannot make the folder " + path(name));
+            }
+        }
+#else
+        std::filesystem::create_directories(full_path(name));
+#endif
+    }
+
     /// Writes `bytes` to `name`, replacing what was there, and returns its full path.
     std::string write(std::string_view name, std::string_view bytes) const {
         std::string full = path(name);
@@ -57,10 +83,11 @@ class TemporaryFolder {
     }
 
   private:
-    /// Names are UTF-8 on Windows, and bytes elsewhere.
+    /// Names are UTF-8 on Windows, of any length and with any full stops; elsewhere they are bytes.
     [[nodiscard]] std::filesystem::path full_path(std::string_view name) const {
 #if defined(_WIN32)
-        return folder_ / std::u8string(name.begin(), name.end());
+        const std::filesystem::path below(std::u8string(name.begin(), name.end()));
+        return LR"(\\?\)" + (folder_ / below).lexically_normal().make_preferred().native();
 #else
         return folder_ / name;
 #endif
