@@ -290,9 +290,9 @@ Facts rla(HeaderBytes& file) {
         return std::nullopt;
     }
     // The window of the whole picture: left, right, bottom, top, all of them inside.
-    Facts facts =
-        sized(std::int64_t{file.i16(2)} - file.i16(0) + 1, std::int64_t{file.i16(6)} - file.i16(4) + 1,
-              colours + mattes + others, file.i16(658), "rla");
+    const std::int64_t width = std::int64_t{file.i16(2)} - file.i16(0) + 1;
+    const std::int64_t height = std::int64_t{file.i16(6)} - file.i16(4) + 1;
+    Facts facts = sized(width, height, colours + mattes + others, file.i16(658), "rla");
     if (facts) {
         constexpr int kFloat = 4;
         facts->is_float = file.i16(18) == kFloat;

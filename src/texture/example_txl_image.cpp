@@ -1,6 +1,7 @@
 #include "texture/example_txl_image.h"
 
 #include <algorithm>
+#include <iterator>
 
 #include "texture/fetch.h"
 
@@ -98,7 +99,7 @@ bool ExampleTXLImage::SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t
     const Inside inside = InsideOf(bitmap_->width(), x, count);
     if (row == nullptr || inside.begin == inside.end)
         return true;
-    const unsigned char* const first = data + std::int64_t{inside.begin} * stride;
+    const unsigned char* const first = std::next(data, std::int64_t{inside.begin} * stride);
     std::uint16_t* const place = row + 3 * (std::int64_t{x} + inside.begin);
     const std::int32_t inside_count = inside.end - inside.begin;
     if (color_mode_ == kRgb && stride == 3) {

@@ -101,9 +101,8 @@ std::span<const FindingRow> finding_table() {
 
 Diagnostic found(Finding finding, Place at, std::string reason, std::vector<std::string> effects) {
     const FindingRow& row = kTable[static_cast<std::size_t>(finding)];
-    Diagnostic diagnostic = row.severity == Severity::error
-                                ? fail(row.code, std::move(at), std::move(reason))
-                                : warn(row.code, std::move(at), std::move(reason));
+    const auto report = row.severity == Severity::error ? fail : warn;
+    Diagnostic diagnostic = report(row.code, std::move(at), std::move(reason), {});
     diagnostic.effects = std::move(effects);
     diagnostic.effects.emplace_back(row.remedy);
     return diagnostic;

@@ -41,10 +41,9 @@ void DrawOne(const DrawnRow& row, std::int64_t x) {
 template <unsigned From, unsigned To>
 std::uint64_t Moved(std::uint64_t word) {
     constexpr std::uint64_t kByte = std::uint64_t{0xFF} << (8 * To);
-    if constexpr (From < To)
-        return word << (8 * (To - From)) & kByte;
-    else
-        return word >> (8 * (From - To)) & kByte;
+    constexpr unsigned kUp = 8 * (std::max(From, To) - From);
+    constexpr unsigned kDown = 8 * (std::max(From, To) - To);
+    return word << kUp >> kDown & kByte;
 }
 
 template <bool HasAlpha>
@@ -63,7 +62,9 @@ void DrawFour(const DrawnRow& row, std::int64_t x) {
                 argb + 8);
 }
 
+/// The rows are copies, which no store into the frame can change as far as the compiler knows.
 template <bool HasAlpha>
+// cppcheck-suppress passedByValue
 void Draw(const DrawnRow row, std::int32_t count, const DrawnRow next) {
     std::int32_t x = 0;
     for (; count - x >= kStretch; x += kStretch) {
