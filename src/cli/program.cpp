@@ -9,6 +9,7 @@
 
 #include "cli/diagnostic.h"
 #include "cli/verbs.h"
+#include "embedded/image_probe.h"
 
 namespace cli {
 namespace {
@@ -16,6 +17,12 @@ namespace {
 constexpr const char* kProgram = "vxr";
 constexpr const char* kSummary =
     "VORTAN XR composition files and Texalon textures, without a host application";
+
+/// What a build without an image library cannot do; empty with one.
+std::string image_note() {
+    const std::string note = embedded::image_library_note();
+    return note.empty() ? note : note + " Of image formats it writes TGA alone.";
+}
 
 /// The program's verbs with their options declared, ready to parse one command line.
 class CommandLine {
@@ -108,6 +115,9 @@ class CommandLine {
                           {"Results go to the standard output, what is said about them to the standard "
                            "error stream. `vxr VERB --help` says more about a verb."},
                           verb_entries({}), app);
+        if (std::string note = image_note(); !note.empty()) {
+            page.paragraphs.push_back(std::move(note));
+        }
         for (const Verb& verb : verbs()) {
             page.examples.push_back(verb.examples.front());
         }
