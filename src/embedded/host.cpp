@@ -6,6 +6,7 @@
 
 #include "embedded/host_path.h"
 #include "embedded/module_driver.h"
+#include "embedded/project_complaint.h"
 #include "embedded/session.h"
 #include "system/files.h"
 
@@ -236,6 +237,11 @@ const std::vector<Message>& Host::messages() const {
 
 const DisciplineReport& Host::discipline() const {
     return session_->discipline;
+}
+
+std::optional<std::string> Host::complaint() const {
+    std::optional<std::string> found = project_complaint(session_->project);
+    return found ? found : session_complaint(*session_);
 }
 
 std::map<std::string, std::int64_t> Host::call_counts() const {

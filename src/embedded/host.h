@@ -19,6 +19,7 @@
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -157,6 +158,9 @@ class Host {
     [[nodiscard]] const std::vector<Message>& messages() const;
     /// Brought up to date at the end of every callback.
     [[nodiscard]] const DisciplineReport& discipline() const;
+    /// What does not fit together in the project, its handles and its memory: a defect of this host, whatever
+    /// the bundle did. Nothing when all is well. Between callbacks.
+    [[nodiscard]] std::optional<std::string> complaint() const;
     /// How often each function was called so far, by name; calls that a fault answered included.
     [[nodiscard]] std::map<std::string, std::int64_t> call_counts() const;
     /// Null turns the log off.

@@ -5,7 +5,9 @@
 #include <algorithm>
 #include <array>
 
+#include "texture/bitmap_complaint.h"
 #include "texture/example_txl_image.h"
+#include "texture/texture_complaint.h"
 #include "texture/txl_image_filter.h"
 
 namespace {
@@ -47,11 +49,12 @@ BothLoads::BothLoads(const std::string& path) {
     TXLImageFilter filter;
     loaded = filter.LoadImage(path.c_str(), &image);
     error = filter.GetError();
+    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
     reading = read_texture(path);
     EXPECT_NE(reading.texture.has_value(), reading.error.has_value());
     if (reading.texture.has_value()) {
         EXPECT_TRUE(loaded);
-        EXPECT_EQ(check_texture(*reading.texture), std::nullopt);
+        EXPECT_EQ(texture_complaint(*reading.texture), std::nullopt);
         expect_same_picture(bitmap, *reading.texture);
         return;
     }

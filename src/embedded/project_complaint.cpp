@@ -1,0 +1,264 @@
+#include "embedded/project_complaint.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "embedded/layer_model.h"
+#include "embedded/project.h"
+#include "embedded/session.h"
+
+namespace embedded {
+namespace {
+
+using Complaint = std::optional<std::string>;
+
+std::string named(const char* word, Id id) {
+    return word + (":" + std::to_string(id));
+}
+
+template <class Table>
+bool exists(const Table& table, Id id) {
+    return id >= 1 && Project::index(id) < table.size();
+}
+
+bool is_time(const A_Time& time) {
+    return time.scale != 0;
+}
+
+bool is_positive(const A_Ratio& ratio) {
+    return ratio.num >= 1 && ratio.den >= 1;
+}
+
+/// Gives every entry of a table to `check`, which says what is wrong with it or null.
+template <class Table, class Check>
+Complaint each(const char* word, const Table& table, const Check& check) {
+    for (std::size_t i = 0; i < table.size(); ++i) {
+        const Id expected = static_cast<Id>(i) + 1;
+        const char* const wrong = table[i].id != expected ? "it stands in another's place" : check(table[i]);
+        if (wrong != nullptr)
+            return named(word, expected) + ": " + wrong;
+    }
+    return std::nullopt;
+}
+
+const char* wrong_content(const Project& project, const Item& item) {
+    switch (item.kind) {
+        case ItemKind::folder:
+            return item.content == 0 ? nullptr : "it is a folder with content";
+        case ItemKind::footage:
+            return exists(project.footage, item.content) && project.footage_of(item.content).item == item.id
+                       ? nullptr
+                       : "its footage is another's or none";
+        case ItemKind::composition:
+            return exists(project.compositions, item.content) &&
+                           project.composition(item.content).item == item.id
+                       ? nullptr
+                       : "its composition is another's or none";
+    }
+    return "it is of no kind";
+}
+
+const char* wrong_item(const Project& project, const Item& item) {
+    if (item.id == kRootFolder) {
+        return item.kind == ItemKind::folder && item.parent_folder == 0 && item.content == 0
+                   ? nullptr
+                   : "it is not the root folder";
+    }
+    // Nothing is ever moved, so a folder is older than what it holds, and there are no circles.
+    if (item.parent_folder < 1 || item.parent_folder >= item.id ||
+        project.item(item.parent_folder).kind != ItemKind::folder)
+        return "it is in no folder";
+    if (item.kind != ItemKind::footage && item.name.size() > kMaxNameLength)
+        return "its name is longer than names are";
+    return wrong_content(project, item);
+}
+
+const char* wrong_sequence(const SequenceFrames& frames) {
+    if (frames.count < 1 || frames.padding < 1 || frames.range.first > frames.range.last)
+        return "its sequence has no frames";
+    if (frames.gaps.empty())
+        return nullptr;
+    std::int64_t there = frames.range.last - frames.range.first + 1;
+    std::int64_t next = frames.range.first + 1;  // the first file is there, so no gap begins earlier
+    for (const FrameRange& gap : frames.gaps) {
+        if (gap.first < next || gap.last < gap.first || gap.last >= frames.range.last)
+            return "its gaps are out of order or outside the sequence";
+        there -= gap.last - gap.first + 1;
+        next = gap.last + 2;
+    }
+    return there == frames.count ? nullptr : "its gaps and its files are not the whole sequence";
+}
+
+const char* wrong_footage(const Project& project, const Footage& footage) {
+    if (footage.item != 0 &&
+        !(exists(project.items, footage.item) && project.item(footage.item).kind == ItemKind::footage &&
+          project.item(footage.item).content == footage.id))
+        return "its item is another's or none";
+    if (footage.width < 1 || footage.height < 1)
+        return "it has no pixels";
+    if (!is_time(footage.duration))
+        return "its duration has no scale";
+    const bool is_placeholder = footage.kind == FootageKind::placeholder;
+    if (is_placeholder != footage.path.empty())
+        return "it has a path and is a placeholder, or neither";
+    if (is_placeholder && footage.name.size() > kMaxNameLength)
+        return "its name is longer than names are";
+    if ((footage.kind == FootageKind::module_file) != (footage.in_spec != 0) ||
+        (footage.in_spec != 0 && !exists(project.in_specs, footage.in_spec)))
+        return "its in-spec is missing, or none of a module's";
+    if (footage.sequence && footage.kind != FootageKind::sequence)
+        return "it is no sequence and has frames";
+    return footage.sequence ? wrong_sequence(*footage.sequence) : nullptr;
+}
+
+const char* wrong_composition(const Project& project, const Composition& composition) {
+    if (!exists(project.items, composition.item) ||
+        project.item(composition.item).kind != ItemKind::composition ||
+        project.item(composition.item).content != composition.id)
+        return "its item is another's or none";
+    if (composition.width < 1 || composition.height < 1)
+        return "it has no pixels";
+    if (!is_time(composition.duration) || !is_positive(composition.pixel_aspect) ||
+        !is_positive(composition.frame_rate))
+        return "its duration, pixel aspect or frame rate is no number";
+    return nullptr;
+}
+
+const char* wrong_stream(AEGP_LayerStream kind, const Stream& stream) {
+    if (stream.kind != kind)
+        return "a stream stands in another's place";
+    if (component_count(stream.shape) == 0)
+        return "a stream has no components";
+    const Keyframe* before = nullptr;
+    for (const Keyframe& key : stream.keyframes) {
+        if (!is_time(key.time))
+            return "the time of a key has no scale";
+        if (before != nullptr && compare_times(before->time, key.time) >= 0)
+            return "the keys of a stream are out of order";
+        before = &key;
+    }
+    return nullptr;
+}
+
+const char* wrong_source(const Project& project, const Layer& layer) {
+    const bool needs_source = layer.kind == LayerKind::footage || layer.kind == LayerKind::composition;
+    if (!needs_source)
+        return layer.source_item == 0 ? nullptr : "it has a source and is of a kind without";
+    const ItemKind wanted = layer.kind == LayerKind::footage ? ItemKind::footage : ItemKind::composition;
+    return exists(project.items, layer.source_item) && project.item(layer.source_item).kind == wanted
+               ? nullptr
+               : "its source is of another kind or none";
+}
+
+const char* wrong_layer(const Project& project, const Layer& layer) {
+    if (!exists(project.compositions, layer.composition))
+        return "it is in no composition";
+    if (const char* wrong = wrong_source(project, layer))
+        return wrong;
+    if (!is_time(layer.in_point) || !is_time(layer.duration) || !is_time(layer.offset))
+        return "a time has no scale";
+    if (layer.source_item == 0 && layer.name.size() > kMaxNameLength)
+        return "its name is longer than names are";
+    const bool is_centered = layer.kind == LayerKind::camera || layer.kind == LayerKind::light;
+    if (layer.center.has_value() != is_centered)
+        return "only cameras and lights have a centre";
+    if (layer.light_type && layer.kind != LayerKind::light)
+        return "only lights are of a kind of light";
+    for (const auto& [kind, stream] : layer.streams) {
+        if (const char* wrong = wrong_stream(kind, stream))
+            return wrong;
+    }
+    return nullptr;
+}
+
+/// Every layer is in one composition, once, and that is the one that it names.
+Complaint stacking_complaint(const Project& project) {
+    std::vector<bool> seen(project.layers.size(), false);
+    for (const Composition& composition : project.compositions) {
+        for (const Id layer : composition.layers) {
+            if (!exists(project.layers, layer) || project.layer(layer).composition != composition.id)
+                return named("comp", composition.id) + ": one of its layers is another's or none";
+            if (seen[Project::index(layer)])
+                return named("comp", composition.id) + ": a layer is in it twice";
+            seen[Project::index(layer)] = true;
+        }
+    }
+    for (std::size_t i = 0; i < seen.size(); ++i) {
+        if (!seen[i])
+            return named("layer", static_cast<Id>(i) + 1) + ": its composition does not know it";
+    }
+    return std::nullopt;
+}
+
+/// The composition that a layer shows, by its place in the table, if it is one that shows one.
+std::optional<std::size_t> shown_by(const Project& project, Id layer) {
+    const Layer& looked_at = project.layer(layer);
+    if (looked_at.kind != LayerKind::composition)
+        return std::nullopt;
+    return Project::index(project.item(looked_at.source_item).content);
+}
+
+/// Takes away, again and again, the compositions that no remaining one shows. What is left shows itself.
+Complaint nesting_complaint(const Project& project) {
+    std::vector<std::int64_t> shown(project.compositions.size(), 0);
+    for (const Layer& layer : project.layers) {
+        if (const auto inner = shown_by(project, layer.id))
+            ++shown[*inner];
+    }
+    std::vector<std::size_t> free;
+    for (std::size_t i = 0; i < shown.size(); ++i) {
+        if (shown[i] == 0)
+            free.push_back(i);
+    }
+    std::size_t taken = 0;
+    while (!free.empty()) {
+        const Composition& outer = project.compositions[free.back()];
+        free.pop_back();
+        ++taken;
+        for (const Id layer : outer.layers) {
+            const auto inner = shown_by(project, layer);
+            if (inner && --shown[*inner] == 0)
+                free.push_back(*inner);
+        }
+    }
+    return taken == shown.size() ? std::nullopt : Complaint("a composition is a layer of itself");
+}
+
+Complaint undo_complaint(const Project& project) {
+    for (const UndoStep& step : project.undo_steps) {
+        if (!step.closed || step.changes < 0)
+            return "undo step \"" + step.name + "\": it is open, or of less than no changes";
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> project_complaint(const Project& project) {
+    if (project.items.empty())
+        return "there is no root folder";
+    Complaint found =
+        each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
+    if (!found)
+        found = each("footage", project.footage,
+                     [&](const Footage& footage) { return wrong_footage(project, footage); });
+    if (!found)
+        found = each("comp", project.compositions,
+                     [&](const Composition& composition) { return wrong_composition(project, composition); });
+    if (!found)
+        found =
+            each("layer", project.layers, [&](const Layer& layer) { return wrong_layer(project, layer); });
+    if (!found)
+        found = each("inspec", project.in_specs, [](const InSpec& in_spec) {
+            // One that was given up keeps what the module said.
+            return in_spec.disposed || is_time(in_spec.duration) ? nullptr : "its duration has no scale";
+        });
+    if (!found)
+        found = stacking_complaint(project);
+    if (!found)
+        found = nesting_complaint(project);
+    return found ? found : undo_complaint(project);
+}
+
+}  // namespace embedded

@@ -1,0 +1,163 @@
+// What is said about bitmaps and textures: nothing about those that are read, and one rule at a time about
+// broken ones.
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "support/changed_value.h"
+#include "support/made_texture.h"
+#include "texture/base_bitmap.h"
+#include "texture/bitmap_complaint.h"
+#include "texture/both_loads.h"
+#include "texture/texture_complaint.h"
+
+namespace {
+
+/// The parts of a bitmap of 2 x 2 pixels with alpha.
+struct Parts {
+    std::array<std::uint16_t, 12> pixels{0x0100, 0xFF00};
+    std::array<std::uint16_t, 4> alpha{0x00FF};
+    BitmapParts parts{2, 2, 24, 1, 1, pixels.data(), alpha.data()};
+};
+
+struct BitmapCase {
+    const char* name;
+    const char* complaint;
+    Undo (*break_it)(Parts&);
+};
+
+const BitmapCase kBitmapCases[] = {
+    {"a negative width", "no picture has -2 x 2 pixels",
+     [](Parts& p) { return changed(p.parts.width_px, -2); }},
+    {"a negative height", "no picture has 2 x -2 pixels",
+     [](Parts& p) { return changed(p.parts.height_px, -2); }},
+    {"more pixels than there may be", "no picture has 536870913 x 2 pixels",
+     [](Parts& p) { return changed(p.parts.width_px, (1 << 29) + 1); }},
+    {"a negative depth", "the depth is -1 bits", [](Parts& p) { return changed(p.parts.depth_bits, -1); }},
+    {"two channels", "2 alpha channels, the first with number 1",
+     [](Parts& p) { return changed(p.parts.channel_count, 2); }},
+    {"less than no channels", "-1 alpha channels, the first with number 1",
+     [](Parts& p) { return changed(p.parts.channel_count, -1); }},
+    {"a channel without its number", "1 alpha channels, the first with number 0",
+     [](Parts& p) { return changed(p.parts.channel_number, 0); }},
+    {"rows without pixels", "there are pixels without rows or rows without pixels",
+     [](Parts& p) { return changed(p.parts.pixels, nullptr); }},
+    {"pixels without rows", "there are pixels without rows or rows without pixels",
+     [](Parts& p) { return changed(p.parts.height_px, 0); }},
+    {"a channel without alpha", "there is alpha without its channel or a channel without alpha",
+     [](Parts& p) { return changed(p.parts.alpha, nullptr); }},
+    {"a colour that is no byte times 256", "row 1, column 1: a colour is no byte times 256",
+     [](Parts& p) { return changed(p.pixels[11], 0x0101); }},
+    {"alpha that is no byte", "row 1, column 0: the alpha is no byte",
+     [](Parts& p) { return changed(p.alpha[2], 0x0100); }},
+};
+
+TEST(BitmapComplaint, OneRuleAtATime) {
+    for (const BitmapCase& broken : kBitmapCases) {
+        SCOPED_TRACE(broken.name);
+        Parts parts;
+        const Undo mend = broken.break_it(parts);
+        EXPECT_EQ(bitmap_complaint(parts.parts), broken.complaint);
+        mend();
+        EXPECT_EQ(bitmap_complaint(parts.parts), std::nullopt);
+    }
+}
+
+TEST(BitmapComplaint, AlphaWithoutItsChannel) {
+    Parts parts;
+    parts.parts.channel_count = parts.parts.channel_number = 0;
+    EXPECT_EQ(bitmap_complaint(parts.parts), "there is alpha without its channel or a channel without alpha");
+}
+
+TEST(BitmapComplaint, TheLastValueOfManyIsReadToo) {
+    std::vector<std::uint16_t> pixels(3 * (std::size_t{1} << 24));
+    const BitmapParts parts{1 << 12, 1 << 12, 24, 0, 0, pixels.data(), nullptr};
+    EXPECT_EQ(bitmap_complaint(parts), std::nullopt);
+    pixels.back() = 1;
+    EXPECT_EQ(bitmap_complaint(parts), "row 4095, column 4095: a colour is no byte times 256");
+}
+
+TEST(BitmapComplaint, ABitmapAsItBeginsAndIsFilled) {
+    BaseBitmap bitmap;
+    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    ASSERT_EQ(bitmap.Init(0, 3, 24), 0);
+    ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
+    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    ASSERT_EQ(bitmap.Init(3, 2, 24), 0);
+    ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
+    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    ASSERT_EQ(bitmap.SetPixel(2, 1, 0x1200, 0, 0x34), 0);
+    EXPECT_EQ(bitmap_complaint(bitmap), "row 1, column 2: a colour is no byte times 256");
+    ASSERT_EQ(bitmap.SetPixel(2, 1, 0x1200, 0, 0x3400), 0);
+    ASSERT_EQ(bitmap.SetAlphaPixel(1, 0, 1, 0x0100), 0);
+    EXPECT_EQ(bitmap_complaint(bitmap), "row 1, column 0: the alpha is no byte");
+    bitmap.Destroy();
+    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+}
+
+struct TextureCase {
+    const char* name;
+    const char* complaint;  // nothing for a sound texture
+    void (*break_it)(Texture&);
+};
+
+const TextureCase kTextureCases[] = {
+    {"as it was made", nullptr, [](Texture&) {}},
+    {"a mode without rows", "colour mode 3; 2 and 4 are written", [](Texture& t) { t.mode = 3; }},
+    {"a negative width", "-4 x 3 pixels; sizes are not negative and at most 2^30 pixels are written",
+     [](Texture& t) { t.width_px = -4; }},
+    {"colours that do not fit", "35 bytes of colour do not fit the size and mode",
+     [](Texture& t) { t.pixels = PixelBuffer(35); }},
+    {"alpha that does not fit", "11 bytes of alpha 'Alpha.2' do not fit the size",
+     [](Texture& t) { t.alphas[1].values = PixelBuffer(11); }},
+    {"no name", "alpha channel 2: it has no name", [](Texture& t) { t.alphas[1].name.clear(); }},
+    {"the name of another", "alpha channel 3: another has its name",
+     [](Texture& t) { t.alphas[2].name = "Alpha"; }},
+    {"a name to the end of Unicode", nullptr,
+     [](Texture& t) { t.alphas[0].name = "\x7F \xC2\x80 \xE0\xA0\x80 \xED\x9F\xBF \xF4\x8F\xBF\xBF"; }},
+    {"a name beyond the end of Unicode", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\xF4\x90\x80\x80"; }},
+    {"half of a pair", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\xED\xA0\x80"; }},
+    {"a character longer than needed", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\xC1\xBF"; }},
+    {"a character that begins in its middle", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\x80"; }},
+    {"a character that does not go on", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\xC3("; }},
+    {"a character that is cut off", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\xE2\x82"; }},
+    {"a byte that begins none", "alpha channel 1: its name is no UTF-8",
+     [](Texture& t) { t.alphas[0].name = "\xF8\x88\x80\x80\x80"; }},
+};
+
+TEST(TextureComplaint, OneRuleAtATime) {
+    for (const TextureCase& each : kTextureCases) {
+        SCOPED_TRACE(each.name);
+        Texture texture = made_texture(4, 3, Texture::kRgb, 3);
+        each.break_it(texture);
+        EXPECT_EQ(texture_complaint(texture),
+                  each.complaint == nullptr ? std::nullopt : std::optional<std::string>(each.complaint));
+    }
+}
+
+TEST(Complaints, NothingAboutWhatIsRead) {
+    std::size_t count = 0;
+    for (const auto& entry : std::filesystem::recursive_directory_iterator(VXR_EXAMPLES_DIR)) {
+        if (entry.path().extension() != ".txl") {
+            continue;
+        }
+        SCOPED_TRACE(entry.path());
+        const BothLoads loads(entry.path().string());
+        ASSERT_TRUE(loads.reading.texture.has_value());
+        ++count;
+    }
+    EXPECT_GE(count, 10U);
+}
+
+}  // namespace
