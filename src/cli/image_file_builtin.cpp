@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <fstream>
 #include <string_view>
 #include <utility>
 
@@ -84,14 +83,7 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
     if (!file.has_value()) {
         return not_written(path, ExitCode::cannot_read_or_write, "cannot-open", error);
     }
-    std::ofstream stream(os::native_path(file->temporary_path()), std::ios::binary | std::ios::trunc);
-    stream << header_of(texture) << pixels_of(texture);
-    stream.close();
-    if (!stream) {
-        return not_written(path, ExitCode::cannot_read_or_write, "not-written",
-                           "the file could not be written");
-    }
-    if (!file->put_in_place(error)) {
+    if (!file->fill(header_of(texture) + pixels_of(texture), error) || !file->put_in_place(error)) {
         return not_written(path, ExitCode::cannot_read_or_write, "not-written", error);
     }
     return {};

@@ -1,7 +1,9 @@
 #include "cli/image_file.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -93,6 +95,63 @@ bool write_rows(OIIO::ImageOutput& output, const Texture& texture) {
     return output.close();
 }
 
+/// What is wrong with the picture that was just written to `path`; empty when nothing is.
+std::string wrong_picture(const std::string& path, const OIIO::ImageSpec& spec, const Texture& texture,
+                          std::string_view format) {
+    OIIO::ImageSpec config;
+    config.attribute(kUnassociated, 1);
+    const auto input = OIIO::ImageInput::open(path, &config);
+    if (input == nullptr) {
+        return library_reason(OIIO::geterror());
+    }
+    const OIIO::ImageSpec& found = input->spec();
+    std::vector<std::uint8_t> pixels(static_cast<std::size_t>(found.image_pixels()) *
+                                     static_cast<std::size_t>(found.nchannels));
+    if (!input->read_image(0, 0, 0, -1, OIIO::TypeUInt8, pixels.data())) {
+        return library_reason(input->geterror());
+    }
+    if (format == "heif" || format == "ico") {
+        return {};  // the one loses, the other adds a channel; both tell of a file that is cut off
+    }
+    bool same = found.width == spec.width && found.height == spec.height && found.nchannels == spec.nchannels;
+    std::vector<std::uint8_t> row(static_cast<std::size_t>(spec.width) *
+                                  static_cast<std::size_t>(spec.nchannels));
+    for (std::int32_t y = 0; same && y < texture.height_px; ++y) {
+        imageio::copy_row_out(texture, y, row.data());
+        same =
+            std::equal(row.begin(), row.end(), pixels.begin() + y * static_cast<std::ptrdiff_t>(row.size()));
+    }
+    return same ? std::string() : "not all of it was written";
+}
+
+/// Writes the image into `file`: into memory first where its format can be, because not every writer of the
+/// library looks whether the disk has taken what it was given, and one ends the process when it has not. The
+/// others write the file themselves, and what they wrote is read again.
+ImageWriting encode(const std::string& path, OIIO::ImageOutput& output, const OIIO::ImageSpec& spec,
+                    const Texture& texture, imageio::ReplacementFile& file) {
+    OIIO::Filesystem::IOVecOutput memory;
+    const bool in_memory = output.supports("ioproxy") != 0 && output.set_ioproxy(&memory);
+    if (!output.open(file.temporary_path(), spec)) {
+        const bool begun = os::file_state(file.temporary_path()).size_bytes > 0;
+        return not_written(path, begun ? ExitCode::cannot_read_or_write : ExitCode::refused,
+                           begun ? "not-written" : "channels-without-room",
+                           library_reason(output.geterror()));
+    }
+    std::string reason;
+    if (!write_rows(output, texture)) {
+        reason = library_reason(output.geterror());
+    } else if (!in_memory) {
+        reason = wrong_picture(file.temporary_path(), spec, texture, output.format_name());
+    } else if (memory.buffer().empty()) {
+        reason = "the image library wrote nothing";
+    } else {
+        file.fill({reinterpret_cast<const char*>(memory.buffer().data()), memory.buffer().size()}, reason);
+    }
+    return reason.empty()
+               ? ImageWriting{}
+               : not_written(path, ExitCode::cannot_read_or_write, "not-written", std::move(reason));
+}
+
 }  // namespace
 
 ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
@@ -141,13 +200,9 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
     if (!file.has_value()) {
         return not_written(path, ExitCode::cannot_read_or_write, "cannot-open", error);
     }
-    if (!output->open(file->temporary_path(), spec)) {
-        return not_written(path, ExitCode::refused, "channels-without-room",
-                           library_reason(output->geterror()));
-    }
-    if (!write_rows(*output, texture)) {
-        return not_written(path, ExitCode::cannot_read_or_write, "not-written",
-                           library_reason(output->geterror()));
+    ImageWriting encoded = encode(path, *output, spec, texture, *file);
+    if (encoded.error.has_value()) {
+        return encoded;
     }
     if (!file->put_in_place(error)) {
         return not_written(path, ExitCode::cannot_read_or_write, "not-written", error);
@@ -156,11 +211,14 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
 }
 
 bool writes_image_format(const std::string& path) {
-    const bool known = OIIO::ImageOutput::create(path) != nullptr;
-    if (!known) {
+    const auto output = OIIO::ImageOutput::create(path);
+    if (output == nullptr) {
         (void)OIIO::geterror();  // so that it is not told for the next file
+        return false;
     }
-    return known;
+    // Two that make no file: the one throws everything away, the other shows the image in the terminal.
+    const std::string_view format = output->format_name();
+    return format != "null" && format != "term";
 }
 
 }  // namespace cli

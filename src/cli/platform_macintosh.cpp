@@ -3,6 +3,7 @@
 #include <mach-o/dyld.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <cstdint>
 #include <string>
 #include <system_error>
@@ -29,6 +30,8 @@ std::filesystem::path program_path() {
 }
 
 std::vector<std::string> begin_program(int argc, char** argv) {
+    // A file that grows too large is then an error like a full disk, and no end without a word.
+    std::signal(SIGXFSZ, SIG_IGN);
     return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }
 

@@ -26,25 +26,27 @@ std::string random_suffix() {
 }  // namespace
 
 std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, std::string& error) {
-    fs::path target = os::path_of(path);
-    const os::FileKind kind = os::file_state(path).kind;
+    std::error_code failure;
+    const std::string end = os::link_target(path, failure);
+    if (failure) {
+        error = path + ": " + failure.message();
+        return std::nullopt;
+    }
+    const os::FileKind kind = os::file_state(end).kind;
     if (kind != os::FileKind::missing) {
         if (kind != os::FileKind::regular) {
             error = path + ": not a regular file";
             return std::nullopt;
         }
         // Replacing it would not ask the system whether it may be written.
-        if (const std::error_code refused = os::may_write(path)) {
-            error = path + ": " + refused.message();
+        failure = os::may_write(end);
+        if (failure) {
+            error = path + ": " + failure.message();
             return std::nullopt;
         }
-        std::error_code failure;
-        if (fs::is_symlink(os::native_path(path), failure)) {
-            target = fs::canonical(os::native_path(path), failure);
-        }
     }
+    const fs::path target = os::path_of(end);
     constexpr int kAttempts = 16;  // a name that is taken is tried again under another
-    std::error_code failure;
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         fs::path name = ".";
         name += target.stem();
@@ -53,7 +55,7 @@ std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, 
         std::string temporary = os::text_of(target.parent_path() / name);
         failure = os::create_file(temporary);
         if (!failure) {
-            return ReplacementFile(os::text_of(target), std::move(temporary));
+            return ReplacementFile(path, end, std::move(temporary));
         }
         if (failure != std::errc::file_exists) {
             break;
@@ -64,12 +66,15 @@ std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, 
 }
 
 ReplacementFile::ReplacementFile(ReplacementFile&& other) noexcept
-    : path_(std::move(other.path_)), temporary_path_(std::exchange(other.temporary_path_, {})) {}
+    : path_(std::move(other.path_)),
+      target_(std::move(other.target_)),
+      temporary_path_(std::exchange(other.temporary_path_, {})) {}
 
 ReplacementFile& ReplacementFile::operator=(ReplacementFile&& other) noexcept {
     if (this != &other) {
         discard();
         path_ = std::move(other.path_);
+        target_ = std::move(other.target_);
         temporary_path_ = std::exchange(other.temporary_path_, {});
     }
     return *this;
@@ -79,8 +84,19 @@ ReplacementFile::~ReplacementFile() {
     discard();
 }
 
+bool ReplacementFile::fill(std::string_view bytes, std::string& error) {
+    const std::error_code failure = os::fill_file(temporary_path_, bytes);
+    if (failure) {
+        error = path_ + ": " + failure.message();
+    }
+    return !failure;
+}
+
 bool ReplacementFile::put_in_place(std::string& error) {
-    const std::error_code failure = os::replace_file(temporary_path_, path_);
+    std::error_code failure = os::flush_file(temporary_path_);
+    if (!failure) {
+        failure = os::replace_file(temporary_path_, target_);
+    }
     if (failure) {
         error = path_ + ": " + failure.message();
         return false;

@@ -2,6 +2,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 
 namespace imageio {
 
@@ -12,9 +14,9 @@ namespace imageio {
 /// was not put in place. Only a process that is killed leaves it behind.
 class ReplacementFile {
   public:
-    /// Makes the empty temporary file. A link at `path` is followed. Null when there is no such folder, it
-    /// cannot be written to, or what is at `path` is not a regular file that may be written; `error` then
-    /// says why.
+    /// Makes the empty temporary file. A link at `path` is followed, also to where nothing is yet. Null when
+    /// there is no such folder, it cannot be written to, links lead round in a circle, or what is at `path`
+    /// is not a regular file that may be written; `error` then says why.
     static std::optional<ReplacementFile> create(const std::string& path, std::string& error);
 
     ReplacementFile(ReplacementFile&& other) noexcept;
@@ -26,16 +28,21 @@ class ReplacementFile {
     /// Where to write. Nothing may have the file open when it is put in place.
     [[nodiscard]] const std::string& temporary_path() const { return temporary_path_; }
 
-    /// Puts the file in place, with the permissions of the one that it replaces. False when that failed;
-    /// `error` then says why, and what was there is still there.
+    /// Makes `bytes` the whole of the temporary file. False when not all of it could be written; `error` then
+    /// says why.
+    bool fill(std::string_view bytes, std::string& error);
+
+    /// Waits until the disk has the file and puts it in place, with the permissions of the one that it
+    /// replaces. False when that failed; `error` then says why, and what was there is still there.
     bool put_in_place(std::string& error);
 
   private:
-    ReplacementFile(std::string path, std::string temporary_path)
-        : path_(std::move(path)), temporary_path_(std::move(temporary_path)) {}
+    ReplacementFile(std::string path, std::string target, std::string temporary_path)
+        : path_(std::move(path)), target_(std::move(target)), temporary_path_(std::move(temporary_path)) {}
     void discard();
 
-    std::string path_;
+    std::string path_;            // as it was given
+    std::string target_;          // behind its links
     std::string temporary_path_;  // empty once it is in place
 };
 

@@ -5,8 +5,10 @@
 // files_<platform>.cpp answers.
 
 #include <cstdint>
+#include <cstdio>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <system_error>
 #include <vector>
 
@@ -37,6 +39,22 @@ std::error_code create_file(const std::string& path);
 
 /// Asks whether the file at `path` may be written; nothing in it changes.
 std::error_code may_write(const std::string& path);
+
+/// Opens what is at `path`, a device or a pipe, for writing as it is. Never waits for somebody to read from
+/// the pipe: that nobody does is an error. Null when it cannot be opened; `failure` then says why.
+std::FILE* open_device(const std::string& path, std::error_code& failure);
+
+/// Makes `bytes` the whole of the file at `path`, which is there.
+std::error_code fill_file(const std::string& path, std::string_view bytes);
+
+/// Waits until the disk has what was written to the file at `path`. Some file systems find out only then that
+/// there is no room.
+std::error_code flush_file(const std::string& path);
+
+/// Where the links at `path` lead to in the end, be there a file or not; `path` itself when it is no link.
+/// A link to what a process has open, as /dev/stdout is, is not followed. Empty when the links lead round in
+/// a circle or cannot be followed; `failure` then says why.
+std::string link_target(const std::string& path, std::error_code& failure);
 
 /// Puts the file `from` in the place of `to`, if there is one, in one step and with its permissions.
 std::error_code replace_file(const std::string& from, const std::string& to);

@@ -1,6 +1,10 @@
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <utility>
 
 #include "system/files.h"
 
@@ -28,13 +32,44 @@ FileKind kind_of(fs::file_type type) {
     }
 }
 
-/// Opens a file and closes it again.
-std::error_code opened(const std::string& path, const char* mode) {
-    std::FILE* file = std::fopen(path.c_str(), mode);
-    if (file == nullptr || std::fclose(file) != 0) {
-        return {errno, std::generic_category()};
+std::error_code last_error() {
+    return {errno, std::generic_category()};
+}
+
+/// A descriptor that is closed with its scope. Opening one never waits and never makes a terminal ours.
+class Descriptor {
+  public:
+    Descriptor(const std::string& path, int flags) {
+        constexpr mode_t kAsTheUserWants = 0666;
+        descriptor_ = ::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, kAsTheUserWants);
     }
-    return {};
+    ~Descriptor() {
+        if (descriptor_ >= 0) {
+            ::close(descriptor_);
+        }
+    }
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
+    [[nodiscard]] int get() const { return descriptor_; }
+    int release() { return std::exchange(descriptor_, -1); }
+    /// Some file systems tell here what they could not write.
+    bool close() { return ::close(release()) == 0; }
+
+  private:
+    int descriptor_;
+};
+
+/// Opens a file and closes it again.
+std::error_code opened(const std::string& path, int flags) {
+    Descriptor file(path, flags);
+    return file.is_open() && file.close() ? std::error_code() : last_error();
+}
+
+/// Writes to the disk, where there is a disk.
+bool flushed(int descriptor) {
+    return ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
 
 }  // namespace
@@ -75,11 +110,69 @@ std::string absolute_path(const std::string& path) {
 }
 
 std::error_code create_file(const std::string& path) {
-    return opened(path, "wbx");
+    return opened(path, O_WRONLY | O_CREAT | O_EXCL);
 }
 
 std::error_code may_write(const std::string& path) {
-    return opened(path, "ab");  // and nothing appended
+    return opened(path, O_WRONLY | O_APPEND);  // and nothing appended
+}
+
+std::FILE* open_device(const std::string& path, std::error_code& failure) {
+    Descriptor file(path, O_WRONLY);
+    // From here on writing may wait for a reader, who is there.
+    const int flags = file.is_open() ? ::fcntl(file.get(), F_GETFL) : -1;
+    std::FILE* stream = flags >= 0 && ::fcntl(file.get(), F_SETFL, flags & ~O_NONBLOCK) == 0
+                            ? ::fdopen(file.get(), "wb")
+                            : nullptr;
+    if (stream == nullptr) {
+        failure = last_error();
+        return nullptr;
+    }
+    file.release();
+    return stream;
+}
+
+std::error_code fill_file(const std::string& path, std::string_view bytes) {
+    Descriptor file(path, O_WRONLY | O_TRUNC);
+    if (!file.is_open()) {
+        return last_error();
+    }
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(file.get(), bytes.data(), bytes.size());
+        if (written < 0 && errno != EINTR) {
+            return last_error();
+        }
+        bytes.remove_prefix(written > 0 ? static_cast<std::size_t>(written) : 0);
+    }
+    return file.close() ? std::error_code() : last_error();
+}
+
+std::error_code flush_file(const std::string& path) {
+    Descriptor file(path, O_WRONLY);
+    return file.is_open() && flushed(file.get()) && file.close() ? std::error_code() : last_error();
+}
+
+std::string link_target(const std::string& path, std::error_code& failure) {
+    constexpr int kMostLinks = 40;  // as many as the system follows
+    fs::path target = path;
+    for (int links = 0; links <= kMostLinks; ++links) {
+        if (!fs::is_symlink(fs::symlink_status(target, failure))) {
+            failure.clear();  // nothing there is no failure here
+            return target.string();
+        }
+        const fs::path parent = target.parent_path();
+        const fs::path folder = fs::canonical(parent.empty() ? fs::path(".") : parent, failure);
+        if (!failure && folder.native().starts_with("/proc/")) {
+            return target.string();
+        }
+        const fs::path next = failure ? fs::path() : fs::read_symlink(target, failure);
+        if (failure) {
+            return {};
+        }
+        target = folder / next;
+    }
+    failure = std::make_error_code(std::errc::too_many_symbolic_link_levels);
+    return {};
 }
 
 std::error_code replace_file(const std::string& from, const std::string& to) {

@@ -2,6 +2,8 @@
 
 #include <windows.h>
 
+#include <algorithm>
+#include <cerrno>
 #include <memory>
 #include <string_view>
 #include <system_error>
@@ -39,6 +41,10 @@ std::error_code opened(const std::string& path, DWORD how) {
 
 struct CloseSearch {
     void operator()(void* search) const { FindClose(search); }
+};
+
+struct CloseFile {
+    void operator()(void* file) const { CloseHandle(file); }
 };
 
 }  // namespace
@@ -110,6 +116,51 @@ std::error_code create_file(const std::string& path) {
 
 std::error_code may_write(const std::string& path) {
     return opened(path, OPEN_EXISTING);
+}
+
+std::FILE* open_device(const std::string& path, std::error_code& failure) {
+    // A pipe without a reader cannot be opened here: nothing waits.
+    errno = 0;
+    std::FILE* stream = _wfopen(wide_path(path).c_str(), L"wb");
+    if (stream == nullptr) {
+        failure = {errno, std::generic_category()};
+    }
+    return stream;
+}
+
+std::error_code fill_file(const std::string& path, std::string_view bytes) {
+    const HANDLE handle = CreateFileW(wide_path(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      TRUNCATE_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return last_error();
+    }
+    const std::unique_ptr<void, CloseFile> file(handle);
+    while (!bytes.empty()) {
+        constexpr std::size_t kMostAtOnce = std::size_t{1} << 26;
+        DWORD written = 0;
+        if (WriteFile(handle, bytes.data(), static_cast<DWORD>(std::min(bytes.size(), kMostAtOnce)), &written,
+                      nullptr) == 0) {
+            return last_error();
+        }
+        bytes.remove_prefix(written);
+    }
+    return {};
+}
+
+std::error_code flush_file(const std::string& path) {
+    const HANDLE handle = CreateFileW(wide_path(path).c_str(), GENERIC_WRITE, FILE_SHARE_READ, nullptr,
+                                      OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return last_error();
+    }
+    const std::unique_ptr<void, CloseFile> file(handle);
+    return FlushFileBuffers(handle) != 0 ? std::error_code() : last_error();
+}
+
+std::string link_target(const std::string& path, std::error_code& failure) {
+    // What a link leads to is opened with the link, and replaced with it.
+    failure.clear();
+    return path;
 }
 
 std::error_code replace_file(const std::string& from, const std::string& to) {

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <limits>
 #include <string>
+#include <system_error>
 
 #include "texture/byte_order.h"
 #include "texture/memory.h"
@@ -43,9 +45,12 @@ int PrivateHyperFile::Count() {
 // Takes the byte file's own error over. A closed file has none, and its operations fail without a code.
 int PrivateHyperFile::Transferred(int success) {
     if (success == 0 && PrivateFile::GetError() != 0) {
+        // Of a full disk, say.
+        const int reason = errno;
         Fail(TextureFault::short_transfer, [&] {
-            return std::string(mode_ == kWriting ? "the bytes could not be written"
-                                                 : "the file ends inside this value");
+            return mode_ == kWriting
+                       ? "the bytes could not be written: " + std::generic_category().message(reason)
+                       : std::string("the file ends inside this value");
         });
     }
     return success;
