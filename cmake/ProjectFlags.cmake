@@ -41,7 +41,7 @@ endif()
 
 # A sanitizer's runtime is found in the program that loads a library, not in the library.
 set(VXR_INSTRUMENTED OFF)
-if(VXR_SANITIZE OR VXR_THREADS)
+if(VXR_SANITIZE OR VXR_THREADS OR VXR_FUZZ)
     set(VXR_INSTRUMENTED ON)
 endif()
 
@@ -62,6 +62,14 @@ if(VXR_SANITIZE)
     target_compile_options(project_flags INTERFACE
         -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(project_flags INTERFACE -fsanitize=address,undefined)
+endif()
+if(VXR_FUZZ)
+    # Not -fsanitize=function: it compares where types are described, and that is another place in the bundle than in the
+    # host that calls it.
+    target_compile_options(project_flags INTERFACE
+        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize=function -fno-sanitize-recover=all
+        -fno-omit-frame-pointer)
+    target_link_options(project_flags INTERFACE -fsanitize=address,undefined -fno-sanitize=function)
 endif()
 if(VXR_THREADS)
     target_compile_options(project_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)

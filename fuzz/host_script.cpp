@@ -1,0 +1,124 @@
+#include "host_script.h"
+
+#include <algorithm>
+#include <iterator>
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "check.h"
+#include "embedded/bundle_loader.h"
+
+namespace {
+
+using embedded::Breach;
+
+constexpr embedded::InterfaceVersion kVersions[] = {{9, 31}, {9, 32}, {10, 0}, {12, 4}, {13, 0}, {25, 3}};
+
+/// What a bundle may be seen to do when calls fail: what it opened and could not close, and what it then does
+/// with the things that it did not get.
+constexpr Breach kBreachesOfFaults[] = {
+    Breach::stream_not_disposed,   Breach::additions_not_ended,     Breach::undo_group_unbalanced,
+    Breach::footage_never_adopted, Breach::suite_not_released,      Breach::memory_left_locked,
+    Breach::memory_left_alive,     Breach::missing_suite_exception,
+};
+
+/// Entry `choice` - 1 of a list, all of which can be chosen; null for 0.
+template <class List>
+const typename List::value_type* chosen(const List& list, std::uint8_t choice) {
+    return choice == 0 || list.empty() ? nullptr : &list[(choice - 1U) % list.size()];
+}
+
+template <class List, class Value>
+bool contains(const List& list, const Value& value) {
+    return std::find(std::begin(list), std::end(list), value) != std::end(list);
+}
+
+bool is_allowed(const embedded::Finding& problem, bool faulty) {
+    // The record of a texture that could not be opened is deliberately left to the host.
+    const bool unopened =
+        problem.breach == Breach::memory_left_alive && problem.where == "AEIO_InitInSpecFromFile";
+    // Sizes and numbers of a file are handed on as they are; absurd ones are the host's to refuse.
+    return unopened || problem.breach == Breach::bad_argument ||
+           (faulty && contains(kBreachesOfFaults, problem.breach));
+}
+
+constexpr std::string_view kFunctionsToMemory[] = {"AEGP_LockMemHandle", "AEGP_GetInSpecOptionsHandle"};
+constexpr std::string_view kSuitesToMemory[] = {"AEGP Memory Suite", "AEGP IO In Suite"};
+
+/// The bundle in memory, however often hosts load and unload it: what the fuzzer counts stays in its place.
+bool keep_bundle() {
+    std::string error;
+    static const std::unique_ptr<embedded::BundleLoader> kept =
+        embedded::BundleLoader::open(VXR_BUNDLE_PATH, error);
+    require(kept != nullptr, "the bundle can be loaded");
+    return kept != nullptr;
+}
+
+}  // namespace
+
+embedded::HostOptions take_host_options(Input& input) {
+    embedded::HostOptions options;
+    const std::uint8_t kind = input.take();
+    options.generation =
+        (kind & 1) != 0 ? embedded::HostGeneration::classic : embedded::HostGeneration::today;
+    const std::size_t version = kind >> 1;
+    if (version != 0) {
+        options.version = kVersions[version % std::size(kVersions)];
+    }
+    if (const std::uint8_t preference = input.take(); preference != 0) {
+        options.alpha_preference = preference;
+    }
+    const std::vector<embedded::SuiteName> offered = embedded::offered_suites(options.generation);
+    if (const auto* missing = chosen(offered, input.take())) {
+        options.suites_not_offered.push_back(*missing);
+    }
+    if (const auto* empty = chosen(offered, input.take())) {
+        options.suites_empty.push_back(*empty);
+    }
+    for (int i = 0; i < 3; ++i) {
+        const auto* function = chosen(embedded::failable_functions(), input.take());
+        const std::uint8_t nth = input.take();
+        const std::uint8_t code = input.take();
+        if (function != nullptr) {
+            options.faults.push_back(
+                {function->function, nth + 1, code == 0 ? kHostErrorGeneric : A_Err{code}});
+        }
+    }
+    return options;
+}
+
+bool has_faults(const embedded::HostOptions& options) {
+    return !options.faults.empty() || !options.suites_empty.empty() || !options.suites_not_offered.empty();
+}
+
+bool may_lose_memory(const embedded::HostOptions& options) {
+    const auto is_to_memory = [](const embedded::SuiteName& suite) {
+        return contains(kSuitesToMemory, suite.name);
+    };
+    return std::any_of(options.faults.begin(), options.faults.end(),
+                       [](const embedded::Fault& fault) {
+                           return contains(kFunctionsToMemory, fault.function) ||
+                                  fault.function == "AcquireSuite";
+                       }) ||
+           std::any_of(options.suites_not_offered.begin(), options.suites_not_offered.end(), is_to_memory) ||
+           std::any_of(options.suites_empty.begin(), options.suites_empty.end(), is_to_memory);
+}
+
+HostWithBundle::HostWithBundle(const embedded::HostOptions& options)
+    : lost_memory_(may_lose_memory(options)), host_(options) {
+    static const bool kept = keep_bundle();
+    loaded_ = kept && host_.load(VXR_BUNDLE_PATH).ok();
+    require(loaded_ || has_faults(options), "the bundle loads when nothing goes wrong");
+}
+
+void HostWithBundle::check(bool faulty) {
+    require_sound(host_.complaint());
+    host_.unload();
+    require_sound(host_.complaint());
+    for (const embedded::Finding& problem : host_.discipline().problems()) {
+        if (!is_allowed(problem, faulty)) {
+            report_find(host_.discipline().to_text());
+        }
+    }
+}

@@ -1,0 +1,52 @@
+// The reader of composition files: as the plug-in reads them, with an observer who wants every token, and
+// with one who takes keys as a whole. All three must read the same.
+
+#include "check.h"
+#include "composition/ascii_parser.h"
+#include "composition/composition_file.h"
+#include "composition/model_complaint.h"
+#include "composition/project_settings.h"
+#include "composition/read_observer.h"
+#include "input.h"
+#include "model_text.h"
+
+const std::size_t kOptionBytes = 0;
+
+namespace {
+
+class Listener final : public ReadObserver {
+  public:
+    explicit Listener(bool whole_keys) : whole_keys_(whole_keys) {}
+    [[nodiscard]] bool takes_plain_keys() const override { return whole_keys_; }
+    void on_failure(const ReadError& error) override {
+        ++errors_;
+        require(!error.expected.empty() && !error.found.empty(), "an error says what was expected and found");
+    }
+    [[nodiscard]] int errors() const { return errors_; }
+
+  private:
+    bool whole_keys_;
+    int errors_ = 0;
+};
+
+std::string read(const std::string& path, Listener* listener) {
+    tagProjectSettings settings;
+    ASCIIParser p;
+    p.SetObserver(listener);
+    const bool complete = p.Init(Filename(path.c_str()), 1, 0) == 0 && ReadCompositionFile(p, settings) != 0;
+    require_sound(model_complaint(settings, complete ? ModelState::complete : ModelState::broken_off));
+    require(listener == nullptr || listener->errors() == (complete ? 0 : 1), "a failure is told, once");
+    return (complete ? "read " : "refused ") + model_text(settings) + std::to_string(p.line);
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string path = scratch().write("scene.aec", Input(data, size).rest_text());
+    Listener every_token(false);
+    Listener whole_keys(true);
+    const std::string as_the_plugin = read(path, nullptr);
+    require(as_the_plugin == read(path, &every_token), "who listens changes nothing");
+    require(as_the_plugin == read(path, &whole_keys), "keys taken as a whole are the same keys");
+    return 0;
+}

@@ -1,0 +1,17 @@
+// The row decoder, on buffers of exactly the sizes that it is told. Two option bytes: how many bytes are
+// wanted.
+
+#include <vector>
+
+#include "check.h"
+#include "input.h"
+#include "texture/row_coding.h"
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    Input input(data, size);
+    const std::size_t wanted = input.take_value<std::uint16_t>();
+    const Bytes coded(input.rest().begin(), input.rest().end());
+    require(Decoded(coded, wanted) == ReferenceDecode(coded, wanted), "as packet by packet");
+    require(DecodedBlock(coded, wanted) == ReferenceDecode(coded, wanted, 0), "with a zero behind it");
+    return 0;
+}

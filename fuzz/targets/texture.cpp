@@ -1,0 +1,68 @@
+// A texture file into the tools' value: sound, the same picture as the plug-in's, and the same again when it
+// is written and read.
+
+#include "check.h"
+#include "input.h"
+#include "texture/base_bitmap.h"
+#include "texture/example_txl_image.h"
+#include "texture/texture_complaint.h"
+#include "texture/texture_file.h"
+#include "texture/txl_image_filter.h"
+
+const std::size_t kOptionBytes = 0;
+
+namespace {
+
+/// Few enough bytes for the plug-in's picture, of six bytes a pixel and more, to fit the memory that
+/// allocations are held to.
+constexpr std::uint64_t kMostDecodedBytes = std::uint64_t{8} << 20;
+
+void check_picture(const std::string& path, const Texture& texture) {
+    BaseBitmap bitmap;
+    ExampleTXLImage image(&bitmap);
+    require(TXLImageFilter().LoadImage(path.c_str(), &image), "the plug-in reads it, too");
+    require(bitmap.width() == texture.width_px && bitmap.height() == texture.height_px, "of the same size");
+    require(bitmap.GetChannelCount() == (texture.alphas.empty() ? 0 : 1), "with the first alpha channel");
+    const std::int64_t channels = texture.channels();
+    const std::uint8_t* pixel = texture.pixels.data();
+    for (std::int32_t y = 0; y < texture.height_px; ++y) {
+        const std::uint16_t* const row = bitmap.PixelRow(y);
+        for (std::int64_t x = 0; x < texture.width_px; ++x, pixel += channels) {
+            for (std::int64_t c = 0; c < 3; ++c) {
+                require(row[3 * x + c] == pixel[c % channels] * 256, "of the same colours");
+            }
+        }
+    }
+}
+
+void check_round_trip(const Texture& texture) {
+    const std::string path = scratch().path("written.txl");
+    require(!write_texture(path, texture).has_value(), "a texture that was read can be written");
+    const TextureReading again = read_texture(path);
+    require(again.texture.has_value() && again.warnings.empty(), "and read again");
+    require(again.texture->pixels == texture.pixels && again.texture->mode == texture.mode &&
+                again.texture->alphas.size() == texture.alphas.size(),
+            "with the same pixels");
+    for (std::size_t i = 0; i < texture.alphas.size(); ++i) {
+        require(again.texture->alphas[i].values == texture.alphas[i].values, "and the same alpha");
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string path = scratch().write("texture.txl", Input(data, size).rest_text());
+    TextureReadOptions options;
+    options.limits.decoded_bytes = kMostDecodedBytes;
+    options.outline = true;
+    const TextureReading reading = read_texture(path, options);
+    require(reading.texture.has_value() != reading.error.has_value(), "a texture or an error");
+    if (!reading.texture) {
+        require(!reading.error->reason.empty(), "an error has a reason");
+        return 0;
+    }
+    require_sound(texture_complaint(*reading.texture));
+    check_picture(path, *reading.texture);
+    check_round_trip(*reading.texture);
+    return 0;
+}
