@@ -48,8 +48,9 @@ Item block_of(std::uint8_t tag, const MutatedBytes& content) {
 }
 
 Item chunk_start(std::int32_t id) {
-    Item item = with_value(PrivateHyperFile::kTagChunkStart, id);
-    item.insert(item.end(), 4, 0);
+    Item item(1 + 8, 0);  // the version behind the identifier is 0
+    const Item begin = with_value(PrivateHyperFile::kTagChunkStart, id);
+    std::copy(begin.begin(), begin.end(), item.begin());
     return item;
 }
 
