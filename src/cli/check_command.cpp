@@ -82,8 +82,7 @@ void list_codes(std::ostream& out) {
         out << row.name << ": error: " << row.meaning << '\n';
     }
     for (const CodeRow& row : code_table()) {
-        const bool error = row.code == Code::cannot_read || row.code == Code::not_importable;
-        out << row.name << (error ? ": error: " : ": warning: ") << row.meaning << '\n';
+        out << row.name << (is_error(row.code) ? ": error: " : ": warning: ") << row.meaning << '\n';
     }
 }
 

@@ -11,6 +11,8 @@ using enum Code;
 constexpr auto kRows = std::to_array<CodeRow>({
     {cannot_read, "cannot-read", "The file does not exist, may not be read, or is no regular file."},
     {not_importable, "not-importable", "The first nine bytes of a composition file are VORTAN XR."},
+    {unsound_result, "unsound-result",
+     "What was read breaks a rule that holds for every file: a defect of this program, please report it."},
     {footage_missing, "footage-missing", "The footage is in neither place; a placeholder stands for it."},
     {footage_unreadable, "footage-unreadable",
      "The footage exists and no image reader takes it; a host that does not either ends the import there."},
@@ -55,6 +57,10 @@ std::span<const CodeRow> code_table() {
 
 const char* code_name(Code code) {
     return kRows[static_cast<std::size_t>(code)].name;
+}
+
+bool is_error(Code code) {
+    return code <= unsound_result;
 }
 
 }  // namespace cli

@@ -6,9 +6,10 @@ namespace cli {
 
 /// What the tools tell beside the reading errors of composition/read_error.h.
 enum class Code {
-    // Errors: the file cannot be looked at, or is none that the plug-in is offered.
+    // Errors: the file cannot be looked at, is none that the plug-in is offered, or its reader has a defect.
     cannot_read,
     not_importable,
+    unsound_result,
     // Warnings.
     footage_missing,
     footage_unreadable,
@@ -42,5 +43,8 @@ struct CodeRow {
 std::span<const CodeRow> code_table();
 
 const char* code_name(Code code);
+
+/// Whether a file to which this happens is refused.
+bool is_error(Code code);
 
 }  // namespace cli

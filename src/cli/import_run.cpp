@@ -112,6 +112,9 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         run.imported = true;
         run.import = host.import_file(reading.full_path);
     }
+    if (const auto complaint = host.complaint()) {
+        refuse(run, "the host's project does not fit together, a defect of this program: " + *complaint);
+    }
     // From here on nothing changes any more, and what the bundle leaves behind is in the report.
     host.unload();
     if (!run.imported && !reading.error) {

@@ -7,8 +7,10 @@
 
 #include "cli/codes.h"
 #include "cli/source_lines.h"
+#include "cli/unsound_result.h"
 #include "composition/ascii_parser.h"
 #include "composition/composition_file.h"
+#include "composition/model_complaint.h"
 #include "composition/project_settings.h"
 #include "system/files.h"
 #include "texture/filename.h"
@@ -133,6 +135,11 @@ SceneReading read_scene(const std::string& file) {
     } else if (!read) {
         reading.error = fail(code_name(Code::cannot_read), {file}, "the file could not be read");
         reading.code = ExitCode::cannot_read_or_write;
+    }
+    const auto complaint = model_complaint(settings, read ? ModelState::complete : ModelState::broken_off);
+    if (const auto defect = unsound_result(file, complaint)) {
+        reading.error = defect;
+        reading.code = ExitCode::refused;
     }
     if (reading.error) {
         add_source_line(*reading.error, reading.full_path);

@@ -11,7 +11,9 @@
 #include "cli/printable_text.h"
 #include "cli/terminal.h"
 #include "cli/texture_diagnostics.h"
+#include "cli/unsound_result.h"
 #include "embedded/json_values.h"
+#include "texture/texture_complaint.h"
 
 namespace cli {
 namespace {
@@ -31,6 +33,11 @@ FileVerdict check_file(const std::string& file, bool strict) {
     const TextureReading reading = read_texture(file);
     FileVerdict verdict{file, texture_exit_code(reading), texture_diagnostics(reading, file),
                         reading.warnings.size()};
+    const auto complaint = reading.texture ? texture_complaint(*reading.texture) : std::nullopt;
+    if (const auto defect = unsound_result(file, complaint)) {
+        verdict.diagnostics.insert(verdict.diagnostics.begin(), *defect);
+        verdict.code = ExitCode::refused;
+    }
     if (strict && verdict.code == ExitCode::fine && verdict.warnings > 0) {
         verdict.code = ExitCode::refused;
     }

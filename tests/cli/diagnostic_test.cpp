@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <set>
 #include <string>
 
 #include "cli/codes.h"
+#include "cli/unsound_result.h"
 
 namespace {
 
@@ -82,6 +84,22 @@ TEST(DiagnosticJson, UnknownIsNullAndOtherEncodingsAreBytes) {
               R"({"severity":"error","code":"c",)"
               R"("at":{"file":{"bytes":"ff2e616563"},"line":null,"column":null,"offset_bytes":null},)"
               R"("reason":"r","within":[],"effects":[],"count":1,"source_line":null})");
+}
+
+TEST(UnsoundResult, IsAnErrorAboutTheFileAndADefect) {
+    EXPECT_FALSE(cli::unsound_result("a.aec", std::nullopt).has_value());
+    const auto error = cli::unsound_result("a.aec", "root: there is no name");
+    ASSERT_TRUE(error.has_value());
+    EXPECT_EQ(text_of(*error),
+              "a.aec: error: root: there is no name [unsound-result]\n"
+              "      = this is a defect of this program; please report it together with the file\n");
+}
+
+TEST(Codes, ErrorsComeBeforeWarnings) {
+    EXPECT_TRUE(cli::is_error(cli::Code::cannot_read));
+    EXPECT_TRUE(cli::is_error(cli::Code::unsound_result));
+    EXPECT_FALSE(cli::is_error(cli::Code::footage_missing));
+    EXPECT_FALSE(cli::is_error(cli::Code::text_after_end));
 }
 
 TEST(Codes, NamesAreLowerCaseWordsAndDistinct) {
