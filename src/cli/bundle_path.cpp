@@ -2,8 +2,8 @@
 
 #include <CLI/CLI.hpp>
 
-#include "cli/platform.h"
 #include "system/files.h"
+#include "system/program_place.h"
 
 namespace cli {
 namespace {
@@ -20,14 +20,7 @@ void add_bundle_option(CLI::App& app, std::string& path) {
 }
 
 std::vector<std::filesystem::path> bundle_places(const std::filesystem::path& program) {
-    const std::filesystem::path folder = program.parent_path();
-    // Installed first: VXR_INSTALLED_BUNDLE_FOLDER leads from the folder of programs to the bundle.
-    std::vector<std::filesystem::path> places{folder / VXR_INSTALLED_BUNDLE_FOLDER / kBundle,
-                                              folder / "../lib" / kBundle, folder / kBundle};
-    for (std::filesystem::path& place : places) {
-        place = place.lexically_normal();
-    }
-    return places;
+    return os::places_beside(program, kBundle);
 }
 
 FoundBundle find_bundle(const std::string& chosen) {
@@ -35,7 +28,7 @@ FoundBundle find_bundle(const std::string& chosen) {
         return {os::path_of(os::absolute_path(chosen)), {}};
     }
     std::string looked;
-    for (const std::filesystem::path& place : bundle_places(program_path())) {
+    for (const std::filesystem::path& place : bundle_places(os::program_path())) {
         std::string why_not;
         if (os::is_regular_file(os::text_of(place), why_not)) {
             return {place, {}};

@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -106,6 +107,10 @@ std::string reading_obstacle(const std::string& path) {
     if (is_texture(path)) {
         const std::optional<TextureError> error = read_texture(path).error;
         return error ? error->reason : std::string();
+    }
+    // Nothing is wrong with the picture then.
+    if (const std::string problem = embedded::image_library_problem(); !problem.empty()) {
+        throw std::runtime_error(problem);
     }
     std::string error;
     return embedded::probe_image(path, error) ? std::string() : error;

@@ -6,18 +6,15 @@
 
 #include "cli/diagnostic.h"
 #include "cli/exit_codes.h"
+#include "image_library/image_files.h"
 #include "texture/texture.h"
 
-// Ordinary images to textures and back, by OpenImageIO.
+// Ordinary images to textures and back, by the image library. All three throw std::runtime_error when it
+// cannot be had, or gives up.
 
 namespace cli {
 
-/// What becomes of colour under an alpha channel where the image's format keeps it unassociated, as PNG does.
-/// A texture's own alpha is associated: its colour is multiplied already.
-enum class AlphaBytes {
-    kept,       ///< every byte is carried over as it is stored, there and back again without loss
-    converted,  ///< the library multiplies when it reads and divides when it writes, with loss in 8 bits
-};
+using image_library::AlphaBytes;
 
 struct ImageReading {
     std::optional<Texture> texture;

@@ -2,7 +2,6 @@
 
 // What the command line needs of the operating system. One implementation a platform: platform_<name>.cpp.
 
-#include <filesystem>
 #include <string>
 #include <vector>
 
@@ -10,9 +9,6 @@ namespace cli {
 
 /// True when the standard stream `descriptor` (1 or 2) is a terminal.
 bool is_terminal(int descriptor);
-
-/// Where the running program's file is, links resolved; empty when that cannot be told.
-std::filesystem::path program_path();
 
 /// Before anything else: makes the standard streams carry bytes as they are written, and texts as UTF-8.
 /// Returns the arguments behind the program's name.

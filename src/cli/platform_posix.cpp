@@ -1,7 +1,6 @@
 #include <unistd.h>
 
 #include <csignal>
-#include <system_error>
 
 #include "cli/platform.h"
 
@@ -9,12 +8,6 @@ namespace cli {
 
 bool is_terminal(int descriptor) {
     return ::isatty(descriptor) == 1;
-}
-
-std::filesystem::path program_path() {
-    std::error_code error;
-    std::filesystem::path path = std::filesystem::read_symlink("/proc/self/exe", error);
-    return error ? std::filesystem::path() : path;
 }
 
 std::vector<std::string> begin_program(int argc, char** argv) {

@@ -41,14 +41,6 @@ bool is_terminal(int descriptor) {
            SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
-std::filesystem::path program_path() {
-    constexpr std::size_t kLongestPath = 32768;
-    std::wstring path(kLongestPath, L'\0');
-    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    path.resize(length < path.size() ? length : 0);
-    return path;
-}
-
 std::vector<std::string> begin_program(int /*argc*/, char** /*argv*/) {
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);

@@ -1,23 +1,16 @@
 #pragma once
 
-// What the host has to know of an image file before it becomes footage. The one place behind which an image
-// library stands: image_probe_oiio.cpp; builds without one have image_probe_builtin.cpp.
+// What the host has to know of an image file before it becomes footage. The image library is asked by
+// image_probe_library.cpp; builds without one have image_probe_builtin.cpp.
 
 #include <optional>
 #include <string>
 
+#include "image_library/image_facts.h"
+
 namespace embedded {
 
-struct ImageFacts {
-    int width_px = 0;
-    int height_px = 0;
-    int channels = 0;          ///< alpha included
-    int bits_per_channel = 0;  ///< 8, 16, 32...; as stored, not as decoded
-    bool is_float = false;
-    bool has_alpha = false;
-    bool alpha_premultiplied = false;
-    std::string format;  ///< the library's word: "png", "rla"
-};
+using image_library::ImageFacts;
 
 /// Reads the header only. Nothing when the file is not a regular file or no reader takes it; `error` then
 /// says why.
@@ -25,5 +18,8 @@ std::optional<ImageFacts> probe_image(const std::string& path, std::string& erro
 
 /// What a build without an image library has to say about that; empty with one.
 std::string image_library_note();
+
+/// Why the image library cannot be had; empty when it can, or the build goes without. Loads it.
+std::string image_library_problem();
 
 }  // namespace embedded

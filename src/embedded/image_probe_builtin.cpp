@@ -23,4 +23,8 @@ std::string image_library_note() {
            kImageHeaderFormats + " footage, which is all that an import needs, and no pixels of images.";
 }
 
+std::string image_library_problem() {
+    return {};
+}
+
 }  // namespace embedded

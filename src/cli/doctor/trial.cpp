@@ -6,9 +6,9 @@
 
 #include "cli/child_process.h"
 #include "cli/doctor/trial_json.h"
-#include "cli/platform.h"
 #include "embedded/host.h"
 #include "system/files.h"
+#include "system/program_place.h"
 
 namespace cli::doctor {
 namespace {
@@ -79,7 +79,8 @@ Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
 Trial try_apart(const std::string& bundle, embedded::HostGeneration generation,
                 std::chrono::seconds longest) {
     const std::string word = embedded::generation_word(generation);
-    const ChildResult child = run_child(program_path(), {"doctor", "--load", word, "--", bundle}, longest);
+    const ChildResult child =
+        run_child(os::program_path(), {"doctor", "--load", word, "--", bundle}, longest);
     if (!child.error.empty()) {
         throw std::runtime_error("the process that is to load the plug-in was not started: " + child.error);
     }

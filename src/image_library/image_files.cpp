@@ -1,4 +1,4 @@
-#include "cli/image_file.h"
+#include "image_library/image_files.h"
 
 #include <OpenImageIO/filesystem.h>
 #include <OpenImageIO/imageio.h>
@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <exception>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -15,17 +16,22 @@
 #include "imageio/texture_spec.h"
 #include "system/files.h"
 
-namespace cli {
 namespace {
+
+using image_library::AlphaBytes;
+using image_library::Outcome;
+using image_library::Reading;
+using image_library::Remark;
+using image_library::Writing;
 
 constexpr const char* kUnassociated = "oiio:UnassociatedAlpha";
 
-ImageReading refused(const std::string& path, ExitCode code, const char* error_code, std::string reason) {
-    return {std::nullopt, {fail(error_code, {path}, std::move(reason))}, code};
+Reading refused(Outcome outcome, const char* code, std::string reason) {
+    return {outcome, {code, std::move(reason)}, std::nullopt, {}};
 }
 
-ImageWriting not_written(const std::string& path, ExitCode code, const char* error_code, std::string reason) {
-    return {fail(error_code, {path}, std::move(reason)), code};
+Writing not_written(Outcome outcome, const char* code, std::string reason) {
+    return {outcome, {code, std::move(reason)}};
 }
 
 /// The library's text for what went wrong, on one line.
@@ -36,17 +42,14 @@ std::string library_reason(std::string text) {
     return text.empty() ? "the image library does not say why" : text;
 }
 
-std::vector<Diagnostic> losses(const std::string& path, OIIO::ImageInput& input,
-                               const OIIO::ImageSpec& spec) {
-    std::vector<Diagnostic> warnings;
+std::vector<Remark> losses(OIIO::ImageInput& input, const OIIO::ImageSpec& spec) {
+    std::vector<Remark> warnings;
     if (spec.format != OIIO::TypeUInt8) {
-        warnings.push_back(
-            warn("depth-reduced", {path},
-                 std::string("its values are ") + spec.format.c_str() + ", a texture has 8 bits a channel"));
+        warnings.push_back({"depth-reduced", std::string("its values are ") + spec.format.c_str() +
+                                                 ", a texture has 8 bits a channel"});
     }
     if (input.seek_subimage(1, 0)) {
-        warnings.push_back(
-            warn("images-left-out", {path}, "there are further images in it, a texture has one"));
+        warnings.push_back({"images-left-out", "there are further images in it, a texture has one"});
     }
     return warnings;
 }
@@ -127,13 +130,13 @@ std::string wrong_picture(const std::string& path, const OIIO::ImageSpec& spec, 
 /// Writes the image into `file`: into memory first where its format can be, because not every writer of the
 /// library looks whether the disk has taken what it was given, and one ends the process when it has not. The
 /// others write the file themselves, and what they wrote is read again.
-ImageWriting encode(const std::string& path, OIIO::ImageOutput& output, const OIIO::ImageSpec& spec,
-                    const Texture& texture, imageio::ReplacementFile& file) {
+Writing encode(OIIO::ImageOutput& output, const OIIO::ImageSpec& spec, const Texture& texture,
+               imageio::ReplacementFile& file) {
     OIIO::Filesystem::IOVecOutput memory;
     const bool in_memory = output.supports("ioproxy") != 0 && output.set_ioproxy(&memory);
     if (!output.open(file.temporary_path(), spec)) {
         const bool begun = os::file_state(file.temporary_path()).size_bytes > 0;
-        return not_written(path, begun ? ExitCode::cannot_read_or_write : ExitCode::refused,
+        return not_written(begun ? Outcome::cannot_open_or_write : Outcome::refused,
                            begun ? "not-written" : "channels-without-room",
                            library_reason(output.geterror()));
     }
@@ -147,49 +150,41 @@ ImageWriting encode(const std::string& path, OIIO::ImageOutput& output, const OI
     } else {
         file.fill({reinterpret_cast<const char*>(memory.buffer().data()), memory.buffer().size()}, reason);
     }
-    return reason.empty()
-               ? ImageWriting{}
-               : not_written(path, ExitCode::cannot_read_or_write, "not-written", std::move(reason));
+    return reason.empty() ? Writing{}
+                          : not_written(Outcome::cannot_open_or_write, "not-written", std::move(reason));
 }
 
-}  // namespace
-
-ImageReading read_image_file(const std::string& path, AlphaBytes alpha_bytes) {
-    // Regular files only: opening a pipe would wait for somebody to write into it.
-    std::string why_not;
-    if (!os::is_regular_file(path, why_not)) {
-        return refused(path, ExitCode::cannot_read_or_write, "cannot-open", std::move(why_not));
-    }
+Reading read_file(const std::string& path, AlphaBytes alpha_bytes) {
     OIIO::ImageSpec config;
     if (alpha_bytes == AlphaBytes::kept) {
         config.attribute(kUnassociated, 1);
     }
     const auto input = OIIO::ImageInput::open(path, &config);
     if (input == nullptr) {
-        return refused(path, ExitCode::refused, "not-an-image", library_reason(OIIO::geterror()));
+        return refused(Outcome::refused, "not-an-image", library_reason(OIIO::geterror()));
     }
     const OIIO::ImageSpec spec = input->spec();
     if (std::string reason = imageio::refuse_image(spec); !reason.empty()) {
-        return refused(path, ExitCode::refused, "unsupported", std::move(reason));
+        return refused(Outcome::refused, "unsupported", std::move(reason));
     }
     std::vector<std::uint8_t> pixels(static_cast<std::size_t>(spec.image_pixels()) *
                                      static_cast<std::size_t>(spec.nchannels));
     if (!input->read_image(0, 0, 0, -1, OIIO::TypeUInt8, pixels.data())) {
-        return refused(path, ExitCode::refused, "not-an-image", library_reason(input->geterror()));
+        return refused(Outcome::refused, "not-an-image", library_reason(input->geterror()));
     }
-    return {sorted(spec, pixels), losses(path, *input, spec), ExitCode::fine};
+    return {Outcome::done, {}, sorted(spec, pixels), losses(*input, spec)};
 }
 
-ImageWriting write_image_file(const std::string& path, const Texture& texture, AlphaBytes alpha_bytes) {
+Writing write_file(const std::string& path, const Texture& texture, AlphaBytes alpha_bytes) {
     const auto output = OIIO::ImageOutput::create(path);
     if (output == nullptr) {
-        return not_written(path, ExitCode::refused, "no-format", library_reason(OIIO::geterror()));
+        return not_written(Outcome::refused, "no-format", library_reason(OIIO::geterror()));
     }
     if (texture.pixel_count() == 0) {
-        return not_written(path, ExitCode::refused, "unsupported", "the texture has no pixels");
+        return not_written(Outcome::refused, "unsupported", "the texture has no pixels");
     }
     if (std::string reason = channels_without_room(*output, texture); !reason.empty()) {
-        return not_written(path, ExitCode::refused, "channels-without-room", std::move(reason));
+        return not_written(Outcome::refused, "channels-without-room", std::move(reason));
     }
     OIIO::ImageSpec spec = imageio::texture_spec(texture);
     if (alpha_bytes == AlphaBytes::kept && !stores_associated_alpha(output->format_name())) {
@@ -198,19 +193,19 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
     std::string error;
     std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, error);
     if (!file.has_value()) {
-        return not_written(path, ExitCode::cannot_read_or_write, "cannot-open", error);
+        return not_written(Outcome::cannot_open_or_write, "cannot-open", error);
     }
-    ImageWriting encoded = encode(path, *output, spec, texture, *file);
-    if (encoded.error.has_value()) {
+    Writing encoded = encode(*output, spec, texture, *file);
+    if (encoded.outcome != Outcome::done) {
         return encoded;
     }
     if (!file->put_in_place(error)) {
-        return not_written(path, ExitCode::cannot_read_or_write, "not-written", error);
+        return not_written(Outcome::cannot_open_or_write, "not-written", error);
     }
     return {};
 }
 
-bool writes_image_format(const std::string& path) {
+bool writes(const std::string& path) {
     const auto output = OIIO::ImageOutput::create(path);
     if (output == nullptr) {
         (void)OIIO::geterror();  // so that it is not told for the next file
@@ -221,4 +216,29 @@ bool writes_image_format(const std::string& path) {
     return format != "null" && format != "term";
 }
 
-}  // namespace cli
+}  // namespace
+
+OIIO_EXPORT void vxr_read_image(const std::string& path, AlphaBytes alpha_bytes, Reading& reading) {
+    try {
+        reading = read_file(path, alpha_bytes);
+    } catch (const std::exception& failure) {
+        reading = refused(Outcome::gave_up, "gave-up", failure.what());
+    }
+}
+
+OIIO_EXPORT void vxr_write_image(const std::string& path, const Texture& texture, AlphaBytes alpha_bytes,
+                                 Writing& writing) {
+    try {
+        writing = write_file(path, texture, alpha_bytes);
+    } catch (const std::exception& failure) {
+        writing = not_written(Outcome::gave_up, "gave-up", failure.what());
+    }
+}
+
+OIIO_EXPORT bool vxr_writes_image(const std::string& path) {
+    try {
+        return writes(path);
+    } catch (const std::exception&) {
+        return false;
+    }
+}

@@ -1,26 +1,24 @@
+#include "image_library/image_facts.h"
+
 #include <OpenImageIO/imageio.h>
 
-#include "embedded/image_probe.h"
-#include "system/files.h"
+#include <exception>
 
-namespace embedded {
+namespace {
 
-std::optional<ImageFacts> probe_image(const std::string& path, std::string& error) {
-    // Regular files only: opening a pipe would wait for somebody to write into it.
-    if (!os::is_regular_file(path, error))
-        return std::nullopt;
+bool probe(const std::string& path, image_library::ImageFacts& facts, std::string& error) {
     // Colour is asked for as it is stored, so that the file says itself whether it is premultiplied.
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
     const auto input = OIIO::ImageInput::open(path, &config);
     if (!input) {
         error = OIIO::geterror();
-        if (error.empty())
+        if (error.empty()) {
             error = "no reader takes the file";
-        return std::nullopt;
+        }
+        return false;
     }
     const OIIO::ImageSpec& spec = input->spec();
-    ImageFacts facts;
     facts.width_px = spec.full_width > 0 ? spec.full_width : spec.width;
     facts.height_px = spec.full_height > 0 ? spec.full_height : spec.height;
     facts.channels = spec.nchannels;
@@ -32,13 +30,19 @@ std::optional<ImageFacts> probe_image(const std::string& path, std::string& erro
     facts.format = input->format_name();
     if (facts.width_px < 1 || facts.height_px < 1 || facts.channels < 1) {
         error = "the picture has no pixels";
-        return std::nullopt;
+        return false;
     }
-    return facts;
+    return true;
 }
 
-std::string image_library_note() {
-    return {};
-}
+}  // namespace
 
-}  // namespace embedded
+OIIO_EXPORT bool vxr_probe_image(const std::string& path, image_library::ImageFacts& facts,
+                                 std::string& error) {
+    try {
+        return probe(path, facts, error);
+    } catch (const std::exception& failure) {
+        error = failure.what();
+        return false;
+    }
+}

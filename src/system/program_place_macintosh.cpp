@@ -1,20 +1,14 @@
 // Written from documentation and checked for syntax only, as docs/hosts.md says.
 
 #include <mach-o/dyld.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <cstdint>
 #include <string>
 #include <system_error>
 
-#include "cli/platform.h"
+#include "system/program_place.h"
 
-namespace cli {
-
-bool is_terminal(int descriptor) {
-    return ::isatty(descriptor) == 1;
-}
+namespace os {
 
 std::filesystem::path program_path() {
     // Asked without room it says how much it needs.
@@ -29,10 +23,4 @@ std::filesystem::path program_path() {
     return error ? std::filesystem::path() : resolved;
 }
 
-std::vector<std::string> begin_program(int argc, char** argv) {
-    // A file that grows too large is then an error like a full disk, and no end without a word.
-    std::signal(SIGXFSZ, SIG_IGN);
-    return {argv + (argc > 0 ? 1 : 0), argv + argc};
-}
-
-}  // namespace cli
+}  // namespace os

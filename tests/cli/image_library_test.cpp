@@ -1,0 +1,144 @@
+// The program without and with the module that brings the image library, in every layout of files.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "binary_file/image.h"
+#include "support/child_process.h"
+#include "support/made_texture.h"
+#include "support/temporary_folder.h"
+#include "system/program_place.h"
+#include "texture/texture_file.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using testing::Contains;
+using testing::HasSubstr;
+using testing::Not;
+
+const std::string kModule = "vxr_image_library.so";
+const std::string kScene = std::string(VXR_EXAMPLES_DIR) + "/interlaced/lantern_010.aec";
+
+std::vector<std::string> needed_by(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    const binary_file::BinaryFile read = binary_file::read_binary_file(bytes).value();
+    std::vector<std::string> names;
+    for (const binary_file::NeededLibrary& library : read.images.front().needed) {
+        names.emplace_back(library.name);
+    }
+    return names;
+}
+
+/// A copy of the program, with nothing beside it.
+class MovedProgram {
+  public:
+    MovedProgram() {
+        folder_.make_folder("bin");
+        fs::copy_file(VXR_PROGRAM, program());
+        if (write_texture(folder_.path("a.txl"), made_texture(4, 3, Texture::kRgb, 1)).has_value()) {
+            throw std::runtime_error("cannot write a texture");
+        }
+    }
+
+    [[nodiscard]] fs::path program() const { return folder_.folder() / "bin" / "vxr"; }
+    [[nodiscard]] std::string path(const char* name) const { return folder_.path(name); }
+
+    void put_module(const fs::path& place) const {
+        fs::create_directories(place.parent_path());
+        fs::copy_file(VXR_IMAGE_LIBRARY_PATH, place);
+    }
+
+    [[nodiscard]] ProcessResult run(std::vector<std::string> arguments) const {
+        arguments.insert(arguments.begin(), program().string());
+        return run_process(arguments);
+    }
+
+  private:
+    TemporaryFolder folder_;
+};
+
+TEST(ImageLibrary, IsNeededByTheModuleAloneAndNotByTheProgram) {
+    EXPECT_THAT(needed_by(VXR_IMAGE_LIBRARY_PATH), Contains(HasSubstr("OpenImageIO")));
+    EXPECT_THAT(needed_by(VXR_PROGRAM), Not(Contains(HasSubstr("OpenImageIO"))));
+}
+
+TEST(ImageLibrary, IsFoundInEveryPlaceBesideTheProgram) {
+    const std::size_t places = os::places_beside(MovedProgram().program(), kModule).size();
+    ASSERT_EQ(places, 3U);
+    const std::string expected = run_process({VXR_PROGRAM, "check", kScene}).err;
+    for (std::size_t i = 0; i < places; ++i) {
+        const MovedProgram moved;
+        const fs::path place = os::places_beside(moved.program(), kModule)[i];
+        moved.put_module(place);
+        const ProcessResult check = moved.run({"check", kScene});
+        EXPECT_EQ(check.exit_code, 0) << place << check.err;
+        EXPECT_EQ(check.err, expected) << place;
+        const ProcessResult convert =
+            moved.run({"texture", "convert", moved.path("a.txl"), "-o", moved.path("a.png")});
+        EXPECT_EQ(convert.exit_code, 0) << place << convert.err;
+        EXPECT_TRUE(fs::is_regular_file(moved.path("a.png"))) << place;
+    }
+}
+
+TEST(ImageLibrary, IsMissedBySayingWhereItWasLookedForAndOnlyWhereImagesAreMet) {
+    const MovedProgram moved;
+    struct Case {
+        const char* name;
+        std::vector<std::string> arguments;
+        int exit_code;
+    };
+    const std::vector<Case> cases{
+        {"a texture is read without it", {"texture", "info", moved.path("a.txl")}, 0},
+        {"a texture becomes a texture without it",
+         {"texture", "convert", moved.path("a.txl"), "-o", moved.path("b.txl")},
+         0},
+        {"footage that exists", {"check", kScene}, 3},
+        {"an import of footage that exists", {"import", "--bundle", VXR_BUNDLE_PATH, kScene}, 3},
+        {"an image to write", {"texture", "convert", moved.path("a.txl"), "-o", moved.path("b.png")}, 3},
+        {"an image to read",
+         {"texture", "convert", std::string(VXR_EXAMPLES_DIR) + "/interlaced/post.rla", "-o",
+          moved.path("b.txl")},
+         3},
+        {"a frame to write",
+         {"frame", "--bundle", VXR_BUNDLE_PATH, moved.path("a.txl"), "-o", moved.path("b.png")},
+         3},
+    };
+    std::string places;
+    for (const fs::path& place : os::places_beside(moved.program(), kModule)) {
+        places += (places.empty() ? "" : ", ") + place.string();
+    }
+    for (const Case& one : cases) {
+        const ProcessResult run = moved.run(one.arguments);
+        EXPECT_EQ(run.exit_code, one.exit_code) << one.name << run.err;
+        const std::string reason = "images need the image library, and it is in none of " + places;
+        EXPECT_EQ(run.err.find(reason) != std::string::npos, one.exit_code != 0) << one.name << run.err;
+    }
+}
+
+TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheSystemsReason) {
+    const MovedProgram moved;
+    const fs::path place = os::places_beside(moved.program(), kModule).back();
+    std::ofstream(place) << "no library";
+    const ProcessResult run = moved.run({"check", kScene});
+    EXPECT_EQ(run.exit_code, 3);
+    EXPECT_THAT(run.err, HasSubstr("images need the image library, which was not loaded: " + place.string()));
+}
+
+TEST(ImageLibrary, OfAnotherVersionIsReportedWithWhatItLacks) {
+    const MovedProgram moved;
+    fs::copy_file(VXR_UNRULY_BUNDLE, os::places_beside(moved.program(), kModule).back());
+    const ProcessResult run = moved.run({"check", kScene});
+    EXPECT_EQ(run.exit_code, 3);
+    EXPECT_THAT(run.err, HasSubstr(kModule + " has no function vxr_probe_image"));
+}
+
+}  // namespace
