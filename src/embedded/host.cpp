@@ -257,6 +257,10 @@ void Host::log_calls(CallLog::Sink sink) {
     session_->log.set_sink(std::move(sink));
 }
 
+void Host::watch(Watcher watcher) {
+    session_->watcher = std::move(watcher);
+}
+
 const Module* Host::module_for(std::string_view path) const {
     return embedded::module_for(*session_, path);
 }

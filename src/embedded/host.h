@@ -108,6 +108,13 @@ struct OpenResult {
     Id in_spec = 0;
 };
 
+/// Where control passes between the host and the bundle.
+enum class Passage { call_begins, call_ends, callback_begins, callback_ends };
+
+/// Is told of every passage: of a call of the bundle into the host by its function's name, before anything is
+/// done and when all is done, of a callback by the name that findings have. Must not throw.
+using Watcher = std::function<void(Passage passage, std::string_view what)>;
+
 class Session;
 
 class Host {
@@ -165,6 +172,8 @@ class Host {
     [[nodiscard]] std::map<std::string, std::int64_t> call_counts() const;
     /// Null turns the log off.
     void log_calls(CallLog::Sink sink);
+    /// Null ends the watch. For tests, to act between host and bundle.
+    void watch(Watcher watcher);
 
     // --- input modules
 

@@ -31,6 +31,21 @@ std::string memory_text(const MemoryBlock& block) {
 /// Longer paths there are none; a system's own limit is far below.
 constexpr std::size_t kMaxLent_bytes = 1U << 20U;
 
+/// The time that control is with the bundle.
+class CallbackScope {
+  public:
+    CallbackScope(const Session& session, const std::string& name) : session_(session), name_(name) {
+        session.passing(Passage::callback_begins, name);
+    }
+    ~CallbackScope() { session_.passing(Passage::callback_ends, name_); }
+    CallbackScope(const CallbackScope&) = delete;
+    CallbackScope& operator=(const CallbackScope&) = delete;
+
+  private:
+    const Session& session_;
+    const std::string& name_;
+};
+
 /// The one exception that a bundle throws: a suite that the host did not supply.
 constexpr long kMissingSuiteException = 516;
 
@@ -78,6 +93,7 @@ CallbackResult Session::run(const std::string& name, const std::function<A_Err()
     const Marks before = marks();
     CallbackResult result;
     try {
+        const CallbackScope scope(*this, name);
         result.code = body();
     } catch (long value) {
         if (value != kMissingSuiteException) {

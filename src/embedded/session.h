@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
 #include <vector>
 
@@ -46,6 +47,7 @@ class Session {
     Project project = empty_project();
     DisciplineReport discipline;
     CallLog log;
+    Watcher watcher;
     HandleTable handles;
     MemoryStore memory;
 
@@ -92,6 +94,11 @@ class Session {
     std::optional<A_Err> count_call(Fn function) {
         const std::int64_t nth = ++call_counts[static_cast<std::size_t>(function)];
         return faults_.empty() ? std::nullopt : fault_of(function, nth);
+    }
+
+    void passing(Passage passage, std::string_view what) const {
+        if (watcher)
+            watcher(passage, what);
     }
 
     // --- calls of the host into the bundle

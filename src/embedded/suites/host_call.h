@@ -17,6 +17,7 @@ class CallScope {
   public:
     CallScope(Session& session, Fn function)
         : session_(session), function_(function), outer_(session.current_call), logged_(session.log.on()) {
+        session.passing(Passage::call_begins, function_info(function).name);
         session.current_call = {session.log.begin(), function_info(function).name};
         fault_ = session.count_call(function);
         if (logged_)
@@ -34,6 +35,7 @@ class CallScope {
             logged_ = false;
         }
         session_.current_call = outer_;
+        session_.passing(Passage::call_ends, function_info(function_).name);
     }
 
     [[nodiscard]] bool logged() const { return logged_; }
