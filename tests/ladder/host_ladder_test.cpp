@@ -1,0 +1,97 @@
+// Every call into the host failing in turn, every suite missing and every suite empty in turn, while every
+// example is imported or drawn.
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "ladder/climbing_file.h"
+#include "ladder/ladder_host.h"
+#include "ladder/rungs.h"
+#include "support/lost_memory.h"
+#include "support/tested_host.h"
+
+namespace {
+
+// Of long lists of calls, as those of many keys are, a part.
+#if defined(__SANITIZE_ADDRESS__)
+constexpr std::size_t kOfOneFunction = 2;
+#else
+constexpr std::size_t kOfOneFunction = 25;
+#endif
+
+constexpr A_Err kCodes[] = {1, 4, 13};
+
+/// Scenes and textures, and of the footage one of each format.
+std::vector<Example> hosted_examples() {
+    std::vector<Example> chosen = examples_of(Kind::scene);
+    for (const Example& texture : examples_of(Kind::texture)) {
+        chosen.push_back(texture);
+    }
+    for (const Example& footage : examples_of(Kind::footage)) {
+        if (footage.path.ends_with("post.rla") || footage.path.ends_with("contact.png")) {
+            chosen.push_back(footage);
+        }
+    }
+    return chosen;
+}
+
+/// Nothing but what the options say may come out: success, the code of the fault, or the importer's own 3 for
+/// a file that is not there.
+void expect_sound(const Climb& climbed, A_Err code, const std::string& rung) {
+    EXPECT_EQ(climbed.complaint, "") << rung;
+    EXPECT_FALSE(climbed.no_memory_thrown) << rung;
+    EXPECT_TRUE(climbed.result.code == kHostErrorMissingSuite || climbed.result.code == 0 ||
+                climbed.result.code == code || climbed.result.code == 3 || climbed.result.code == 1)
+        << rung << ": " << climbed.result.code;
+    EXPECT_TRUE(!climbed.result.missing_suite || !tests_today()) << rung;
+}
+
+/// What a texture's last callback cannot reach, it cannot give back.
+bool loses_picture(const std::string& function) {
+    return function == "AcquireSuite" || function == "AEGP_GetInSpecOptionsHandle" ||
+           function == "AEGP_LockMemHandle";
+}
+
+TEST(HostLadder, EveryCallFailing) {
+    for (const Example& example : hosted_examples()) {
+        const ClimbingFile file(example);
+        const Climb clean = climb({}, file.path());
+        ASSERT_EQ(clean.complaint, "") << example.name;
+        for (const embedded::HostFunction& function : embedded::failable_functions()) {
+            const auto called = clean.call_counts.find(function.function);
+            if (called == clean.call_counts.end()) {
+                continue;
+            }
+            for (const std::size_t call : some_of(static_cast<std::size_t>(called->second), kOfOneFunction)) {
+                for (const A_Err code : kCodes) {
+                    const LostMemory lost(loses_picture(function.function));
+                    embedded::HostOptions options;
+                    options.faults = {{function.function, static_cast<int>(call) + 1, code}};
+                    expect_sound(climb(options, file.path()), code,
+                                 example.name + ": call " + std::to_string(call + 1) + " of " +
+                                     function.function + " with " + std::to_string(code));
+                    count_rungs("host_calls");
+                }
+            }
+        }
+    }
+}
+
+TEST(HostLadder, EverySuiteMissingAndEverySuiteEmpty) {
+    for (const Example& example : hosted_examples()) {
+        const ClimbingFile file(example);
+        for (const embedded::SuiteName& suite : embedded::offered_suites(tested_generation())) {
+            for (const bool empty : {false, true}) {
+                embedded::HostOptions options;
+                (empty ? options.suites_empty : options.suites_not_offered) = {suite};
+                expect_sound(climb(options, file.path()), kHostErrorMissingSuite,
+                             example.name + (empty ? ": empty " : ": without ") + suite.name);
+                count_rungs(empty ? "empty_suites" : "missing_suites");
+            }
+        }
+    }
+}
+
+}  // namespace
