@@ -44,7 +44,10 @@ constexpr std::size_t kFirstStringCapacity = 50;
 
 }  // namespace
 
-ASCIIParser::ASCIIParser() : buffer(new_text(kBlockBytes + 2)) {
+ASCIIParser::ASCIIParser() : memory_(new_text(kKeptBytes + kJoinedBytes + kBlockBytes + 2)) {
+    if (memory_ != nullptr) {
+        buffer = memory_ + kKeptBytes + kJoinedBytes;
+    }
     const char identifier_characters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
     for (const char* c = identifier_characters; *c != '\0'; ++c) {
         charClass[static_cast<unsigned char>(*c)] = 1;
@@ -59,7 +62,7 @@ ASCIIParser::~ASCIIParser() {
     if (textOnHeap != 0) {
         delete[] text;
     }
-    delete[] buffer;
+    delete[] memory_;
     FreeBaseFile(file);
 }
 
@@ -159,14 +162,45 @@ void ASCIIParser::Refill() {
     }
     bufCount = std::min(bytesLeft, kBlockBytes);
     bytesLeft -= bufCount;
-    bufPos = buffer;
-    separators_known_ = false;
-    const A_long bytes_read = std::max(file->ReadBytes(buffer, bufCount, 0), A_long{0});
-    if (bytes_read < bufCount) {
-        // The file became shorter, or its medium fails. What is missing of the block reads as zero bytes.
-        std::memset(buffer + bytes_read, 0, static_cast<std::size_t>(bufCount - bytes_read));
+    block_begin_ = bufPos = buffer;
+    if (failed_early_ || !ReadBlock(bufCount)) {
         status = kStatusReadFailed;
     }
+}
+
+// Reads `bytes` into the buffer. False when the file became shorter, or its medium fails; what is missing of
+// the block reads as zero bytes.
+bool ASCIIParser::ReadBlock(A_long bytes) {
+    const A_long bytes_read = std::max(file->ReadBytes(buffer, bytes, 0), A_long{0});
+    if (bytes_read < bytes) {
+        std::memset(buffer + bytes_read, 0, static_cast<std::size_t>(bytes - bytes_read));
+        return false;
+    }
+    return true;
+}
+
+// Reads the next block behind what is left of this one, which moves to the room before the buffer, so that
+// both are one text. To be called only where what is left will be read to its end and beyond in any case: the
+// next block is then read a little earlier, and nothing else is different. False when there is no room or no
+// next block.
+bool ASCIIParser::JoinNextBlock() {
+    if (status != 0 || bytesLeft < 1 || failed_early_ || bufCount > kJoinedBytes ||
+        bufPos - block_begin_ < kKeptBytes) {
+        return false;
+    }
+    const A_long bytes = std::min(bytesLeft, kBlockBytes);
+    const char* const left = bufPos;
+    bufPos = buffer - bufCount;
+    char* const begin = bufPos - kKeptBytes;
+    std::memmove(begin, left - kKeptBytes, static_cast<std::size_t>(kKeptBytes + bufCount));
+    block_begin_ = begin;
+    if (ReadBlock(bytes)) {
+        bytesLeft -= bytes;
+        bufCount += bytes;
+    } else {
+        failed_early_ = true;  // told when the block's turn comes
+    }
+    return true;
 }
 
 // Counts the line end that `curChar` may be; true when it completes a pair and so is part of the one before.

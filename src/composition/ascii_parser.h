@@ -138,6 +138,8 @@ class ASCIIParser {
         number = static_cast<A_long>(std::min(number + by, std::int64_t{std::numeric_limits<A_long>::max()}));
     }
 
+    bool JoinNextBlock();
+    bool ReadBlock(A_long bytes);
     bool TakeByte();
     void Advance(const char* to);
     bool SkipBlanksInBlock();
@@ -152,10 +154,16 @@ class ASCIIParser {
     A_long ReadOperator();
     A_long CutToken(TokenCut cut);
 
+    /// What may be left of a block when the next one is joined to it, and what stays of the bytes before.
+    static constexpr A_long kJoinedBytes = 256;
+    static constexpr std::ptrdiff_t kKeptBytes = plain_number::kBytesBefore + 1;
+
+    char* memory_ = nullptr;             // `buffer`, and room before it
+    const char* block_begin_ = nullptr;  // the first byte that is known: `buffer`, or before it
+    bool failed_early_ = false;  // the block in `buffer` is still to come, and could not be read whole
+
     // Where things stand, beside the members above and without a say in them.
     TextPosition char_position_{-1, 1, 0};
-    SeparatorMap<kBlockBytes> separators_;
-    bool separators_known_ = false;  ///< of the block in `buffer`
     TextPosition token_start_;
     TokenCut cut_ = TokenCut::none;
     bool line_ended_ = false;

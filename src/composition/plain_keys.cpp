@@ -1,6 +1,6 @@
 #include "composition/plain_keys.h"
 
-#include <bit>
+#include <algorithm>
 #include <cstring>
 
 #include "composition/ascii_parser.h"
@@ -18,8 +18,13 @@ bool is_line_end(char c) {
 
 }  // namespace
 
-PlainKeyReader::PlainKeyReader(ASCIIParser& p) : p_(p), block_(p.buffer) {
-    const std::ptrdiff_t next = p.bufPos - p.buffer;
+// Begins where the parser is.
+void PlainKeyReader::Begin() {
+    const ASCIIParser& p = p_;
+    block_ = p.block_begin_;
+    end_ = 0;
+    found_ = taken_ = {};
+    const std::ptrdiff_t next = p.bufPos - block_;
     // A camera's key without a distance has had the word behind it read already.
     key_is_read_ = p.rewound != 0;
     const bool can_begin = p.status == 0 && (p.pushedBack != 0 || !p.line_ended_) &&
@@ -30,10 +35,6 @@ PlainKeyReader::PlainKeyReader(ASCIIParser& p) : p_(p), block_(p.buffer) {
         return;
     }
     end_ = next + p.bufCount;
-    if (!p.separators_known_) {
-        p.separators_.Build(block_, static_cast<std::size_t>(end_));
-        p.separators_known_ = true;
-    }
     begin_ = next - 1;
     found_.pending = p.pushedBack != 0 ? begin_ : next;
     found_.line_begin = begin_ - (p.char_position_.column - 1);
@@ -43,7 +44,7 @@ PlainKeyReader::PlainKeyReader(ASCIIParser& p) : p_(p), block_(p.buffer) {
 
 // Moves `place` to the first character of a word behind blanks and at most one line end. False at anything
 // else.
-bool PlainKeyReader::SkipToWord(Place& place) const {
+bool PlainKeyReader::SkipToWord(Place& place) {
     std::ptrdiff_t at = place.pending;
     while (at < end_ && is_blank(block_[at])) {
         ++at;
@@ -63,7 +64,8 @@ bool PlainKeyReader::SkipToWord(Place& place) const {
     }
     const bool moved = at != place.pending;
     place.pending = at;
-    return moved && at < end_;
+    ran_out_ = at == end_;
+    return moved && !ran_out_;
 }
 
 // Moves found_ behind the word KEY. False when that does not come next.
@@ -74,8 +76,15 @@ bool PlainKeyReader::FindKey(TextPosition& at) {
         return end_ != 0;
     }
     constexpr std::ptrdiff_t kWordBytes = 3;
-    if (end_ == 0 || !SkipToWord(found_) || end_ - found_.pending <= kWordBytes ||
-        std::memcmp(block_ + found_.pending, "KEY", kWordBytes) != 0) {
+    if (end_ == 0 || !SkipToWord(found_)) {
+        return false;
+    }
+    const std::ptrdiff_t bytes = std::min(end_ - found_.pending, kWordBytes);
+    if (std::memcmp(block_ + found_.pending, "KEY", static_cast<std::size_t>(bytes)) != 0) {
+        return false;
+    }
+    if (end_ - found_.pending <= kWordBytes) {
+        ran_out_ = true;
         return false;
     }
     at = {p_.char_position_.offset_bytes + (found_.pending - begin_), p_.char_position_.line + found_.lines,
@@ -86,11 +95,26 @@ bool PlainKeyReader::FindKey(TextPosition& at) {
 }
 
 bool PlainKeyReader::Next(std::size_t least, std::size_t most, PlainKey& key) {
+    if (NextInBlock(least, most, key)) {
+        return true;
+    }
+    if (!ran_out_) {
+        return false;
+    }
+    // Token by token it would be read beyond the end of the block as well.
+    Finish();
+    const bool joined = p_.JoinNextBlock();
+    Begin();
+    return joined && NextInBlock(least, most, key);
+}
+
+bool PlainKeyReader::NextInBlock(std::size_t least, std::size_t most, PlainKey& key) {
+    ran_out_ = false;
     if (!FindKey(key.at)) {
         return false;
     }
     key.count = ReadNumbers(most, key);
-    if (key.count < least) {
+    if (ran_out_ || key.count < least) {
         return false;
     }
     if (key.count == most && is_line_end(block_[found_.pending])) {
@@ -102,39 +126,44 @@ bool PlainKeyReader::Next(std::size_t least, std::size_t most, PlainKey& key) {
     return SkipToWord(behind) && block_[behind.pending] >= 'A';
 }
 
-// Reads up to `most` numbers behind found_.pending and moves it to the byte behind the last one. Returns how
-// many.
+// Reads the frame and up to `most` - 1 other numbers behind found_.pending and moves it to the byte behind
+// the last one. Returns how many.
 std::size_t PlainKeyReader::ReadNumbers(std::size_t most, PlainKey& key) {
+    const char* const limit = block_ + end_;
     const char* end = block_ + found_.pending;  // of the word before
-    const char* at = end;                       // the blank that the lowest bit of the window stands for
-    const char* window_at = end;
-    std::uint64_t window = p_.separators_.Window(static_cast<std::size_t>(end - block_));
     std::size_t count = 0;
-    while (count < most && is_blank(*at)) {
-        ++at;
-        window &= window - 1;
-        if (window == 0) {
-            if (at - block_ >= end_) {
-                break;
-            }
-            window_at = at;
-            window = p_.separators_.Window(static_cast<std::size_t>(at - block_));
-            if (window == 0) {
-                break;
-            }
+    plain_number::Found number;
+    const auto next_word = [&] {
+        const char* at = end;
+        while (at < limit && is_blank(*at)) {
+            ++at;
         }
-        const char* const behind = window_at + std::countr_zero(window);
-        if (behind == at) {
-            continue;  // one more blank, or what ends the loop
-        }
-        const bool plain = count == 0 ? plain_number::read_integer(at, behind, key.frame)
-                                      : plain_number::read_real(at, behind, key.others[count - 1]);
-        if (!plain) {
+        return at;
+    };
+    if (limit - end > plain_number::kShortBytes && is_blank(*end)) {
+        number.behind = plain_number::find_short_integer(end + 1, key.frame);
+    }
+    if (number.behind == nullptr && is_blank(*end)) {
+        number = plain_number::find_number(next_word(), limit, plain_number::read_integer, key.frame);
+    }
+    float* value = key.others.data();
+    while (number.behind != nullptr) {
+        end = number.behind;
+        ++count;
+        if (count == most || !is_blank(*end)) {
             break;
         }
-        at = end = behind;
-        ++count;
+        if (limit - end > plain_number::kShortBytes) {
+            number.behind = plain_number::find_short_real(end + 1, *value);
+        } else {
+            number.behind = nullptr;
+        }
+        if (number.behind == nullptr) {
+            number = plain_number::find_number(next_word(), limit, plain_number::read_real, *value);
+        }
+        ++value;
     }
+    ran_out_ = number.cut;
     found_.pending = end - block_;
     found_.tokens += static_cast<std::int64_t>(count);
     return count;
@@ -183,7 +212,7 @@ void PlainKeyReader::Finish() {
     p_.token_start_.column -= taken_.pending - last - 1;
     p_.line_ended_ = false;
     p_.curChar = p_.lastEol = block_[taken_.pending - 1];
-    p_.bufPos = p_.buffer + taken_.pending;
+    p_.bufPos += taken_.pending - begin_ - 1;
     p_.bufCount = static_cast<A_long>(end_ - taken_.pending);
     // Of each token two characters are delivered twice: its first, and the one before it if that was pushed
     // back.

@@ -10,29 +10,6 @@
 // or not. They are converted eight bytes at a time, to the same bits as StrToReal and StrToVal give; every
 // other form is left to those.
 
-/// The words of a block of text end at its separators: all bytes up to the blank. Keeps where they are.
-template <std::size_t kBlockBytes>
-class SeparatorMap {
-  public:
-    /// Looks at `count` bytes from `block`, at most kBlockBytes; reads up to seven more.
-    void Build(const char* block, std::size_t count);
-
-    /// How many bytes window() tells about.
-    static constexpr std::size_t kWindowBytes = 64;
-
-    /// One bit for each of the bytes from `from` on, the first in the lowest place: whether it is a
-    /// separator. `from` is less than kBlockBytes; behind the end there are none.
-    [[nodiscard]] std::uint64_t Window(std::size_t from) const {
-        const std::size_t word = from / kWindowBytes;
-        const std::size_t bit = from % kWindowBytes;
-        return (words_[word] >> bit) | ((words_[word + 1] << 1) << (kWindowBytes - 1 - bit));
-    }
-
-  private:
-    static constexpr std::size_t kWords = kBlockBytes / kWindowBytes + 1;
-    std::uint64_t words_[kWords + 1] = {};  // and one of none
-};
-
 namespace plain_number {
 
 /// Bytes before a number that its conversion may look at.
@@ -154,27 +131,84 @@ inline bool read_integer(const char* begin, const char* end, std::int32_t& value
     return true;
 }
 
-}  // namespace plain_number
-
-template <std::size_t kBlockBytes>
-void SeparatorMap<kBlockBytes>::Build(const char* block, std::size_t count) {
-    using plain_number::eight;
-    for (std::size_t word = 0; word < kWords; ++word) {
-        std::uint64_t bits = 0;
-        for (std::size_t byte = 0; byte < kWindowBytes; byte += 8) {
-            const std::size_t at = word * kWindowBytes + byte;
-            if (at >= count) {
-                break;
-            }
-            const std::uint64_t text = plain_number::load_eight(block + at);
-            // 0x80 for a byte above the blank, then for every other, then one bit each.
-            const std::uint64_t above = ((text & eight(0x7F)) + eight(0x7F - ' ')) | text;
-            const std::uint64_t separators = ~above & eight(0x80);
-            bits |= ((separators >> 7) * 0x0102040810204080U >> 56) << byte;
-        }
-        words_[word] = bits;
-    }
-    if (count < kBlockBytes) {
-        words_[count / kWindowBytes] &= ~(~std::uint64_t{0} << (count % kWindowBytes));
-    }
+/// Words end at these: all bytes up to the blank.
+inline bool is_separator(char c) {
+    return static_cast<unsigned char>(c) <= ' ';
 }
+
+/// What stands at a place of a block of text.
+struct Found {
+    const char* behind = nullptr;  ///< the separator behind a plain number, or null
+    bool cut = false;              ///< null because the block ends inside of a number
+};
+
+/// The number at `at` of a block that ends at `limit`, read by `read`.
+template <class Value>
+Found find_number(const char* at, const char* limit, bool (*read)(const char*, const char*, Value&),
+                  Value& value) {
+    const char* behind = at;
+    while (behind < limit && ((*behind >= '0' && *behind <= '9') || *behind == '.' || *behind == '-')) {
+        ++behind;
+    }
+    if (behind == limit) {
+        return {nullptr, true};
+    }
+    return {behind != at && is_separator(*behind) && read(at, behind, value) ? behind : nullptr, false};
+}
+
+/// How many bytes from `at` on the two below look at.
+inline constexpr std::ptrdiff_t kShortBytes = 9;
+
+/// Reads an integer of up to seven digits at `at`, as StrToVal does, and returns the separator behind it.
+/// Null, `value` being left alone, at anything else.
+inline const char* find_short_integer(const char* at, std::int32_t& value) {
+    const bool negative = *at == '-';
+    const char* const begin = at + (negative ? 1 : 0);
+    const char* const most = begin + kMostDigits - 1;
+    const char* end = begin;
+    std::int32_t number = 0;
+    while (end < most && *end >= '0' && *end <= '9') {
+        number = number * 10 + (*end - '0');
+        ++end;
+    }
+    if (end == begin || !is_separator(*end)) {
+        return nullptr;
+    }
+    value = negative ? -number : number;
+    return end;
+}
+
+/// Reads a number with a point and up to seven digits at `at`, as StrToReal does, and returns the separator
+/// behind it. Null, `value` being left alone, at anything else.
+inline const char* find_short_real(const char* at, float& value) {
+    static constexpr float kPowers[] = {1, 10, 100, 1e3F, 1e4F, 1e5F, 1e6F};
+    const std::uint32_t negative = *at == '-' ? 1 : 0;
+    at += negative;
+    // Digits become 0 to 9. The highest bit of every byte that is no digit; behind a byte that is neither
+    // digit nor point a digit may be taken for another.
+    const std::uint64_t text = load_eight(at) ^ eight('0');
+    const std::uint64_t others = ((text + eight(0x76)) | text) & eight(0x80);
+    const std::uint64_t behind_point = others & (others - 1);
+    if (behind_point == 0) {
+        return nullptr;
+    }
+    const auto point = static_cast<std::size_t>(std::countr_zero(others)) / 8;
+    const auto end = static_cast<std::size_t>(std::countr_zero(behind_point)) / 8;
+    if (at[point] != '.' || !is_separator(at[end]) || end == 1) {
+        return nullptr;
+    }
+    // The digits behind the point move down to those before it, and the last of all to the highest place.
+    const std::uint64_t moved = text >> 8;
+    const std::uint64_t before = (others ^ (others - 1)) >> 8;
+    const std::uint64_t digits = (moved ^ ((moved ^ text) & before)) << (8 * (9 - end));
+    // Both are exact in single precision, seven digits being less than 2^24, so their quotient is rounded
+    // once.
+    const float magnitude =
+        static_cast<float>(static_cast<std::int32_t>(eight_digits(digits))) / kPowers[end - point - 1];
+    // The sign as a bit: signs come as they like, and a wrongly predicted branch costs more than the
+    // conversion.
+    value = std::bit_cast<float>(std::bit_cast<std::uint32_t>(magnitude) | (negative << 31));
+    return at + end;
+}
+
+}  // namespace plain_number

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <bit>
+#include <cstring>
+#include <filesystem>
 #include <random>
 #include <span>
 #include <string>
@@ -185,6 +187,73 @@ TEST(PlainKeys, AcrossTheEndsOfBlocks) {
                       150);
         }
     }
+}
+
+// One entry of every kind, the first block ending behind each of its bytes.
+TEST(PlainKeys, EveryByteOfAnEntryAtTheEndOfABlock) {
+    const std::string key = std::string("  ") + kKey;
+    const std::string entries[] = {
+        key + " 45\n",
+        key + " 45 800.25\n",
+        key + " 45\r\n",
+        key + " 45\n\r\n\r",
+        "\tKEY\t-12\t1\t2\t3\t4\t5\t6\t45\t\n",
+        "KEY 12" + std::string(40, ' ') + "1 2 3 4 5 6 45\n",
+        "KEY 12 1 2 3 4 5 6" + std::string(300, ' ') + "45\n",
+        "KEY 12 1 2 3 4 5 6 45 / wide\n",
+        "KEY 12 1 2 3/4\n 4 5 6 45 8\n",
+        "KEY 12 1 2 3 4 5 6 4.5e1 800\n",
+        "KEY 12345678 -1234.567 .5 5. 0.0000001 5 6 123456789.5\n",
+        "KEY 12 1 2\n3 4 5 6 45 KEY 13 1 2 3 4 5 6 45 }",
+        "KEY 12 1 2 3 4 5 6 45}",
+        "KEY 12 1 2 3 x 5 6 45\n",
+        "KEY 12 1 2 3- 4 5 6 45\n",
+        "KEY 12 1 2 3\n",
+        "KEYS 12 1 2 3 4 5 6 45\n",
+        "KE 12 1 2 3 4 5 6 45\n",
+        std::string("KEY 12 1 2\0 3 4 5 6 45\n", 23),
+    };
+    for (const char* kind : {"CAMERA", "NULL"}) {
+        std::string head = kind;
+        head.append(" \"One\" {").append(key).append(" 1\n");
+        head = file_with_objects(head);
+        for (const std::string& entry : entries) {
+            for (std::size_t byte = 0; byte <= entry.size() + 2 && !HasFailure(); ++byte) {
+                const std::size_t filler = ASCIIParser::kBlockBytes - head.size() - byte;
+                for (const char* line_end : {"", "\n"}) {
+                    std::string text = head;
+                    text.append(filler - std::strlen(line_end), ' ').append(line_end).append(entry);
+                    expect_the_same(text.append(key).append(" 45\n").append(key).append(" 45\n}\n"));
+                }
+            }
+        }
+    }
+}
+
+// A file that becomes shorter while it is read: what is missing of a block is found out at the same token,
+// also where that block was joined to the one before.
+TEST(PlainKeys, BlocksThatCannotBeReadWhole) {
+    std::string text = file_with_objects("NULL \"One\" {\n");
+    for (int i = 0; i < 400; ++i) {
+        text += "  " + std::string(kKey) + "\n";
+    }
+    text += "}\n";
+    EveryToken every_token;
+    EveryKey every_key;
+    const auto outcome_when_cut = [&](std::size_t bytes, ReadObserver* observer) {
+        ParsedText parsed(text, 0, observer);
+        tagProjectSettings settings;
+        std::filesystem::resize_file(parsed.folder.path("shot.aec"), bytes);
+        const int result = ReadCompositionFile(parsed.p, settings);
+        return std::to_string(result) + " " + state_of(parsed.p) + "\n" + model_of(settings);
+    };
+    // Within the first 4 KiB the system's own buffer has the bytes already.
+    for (std::size_t bytes = 5'000; bytes < text.size() && !HasFailure(); bytes += 397) {
+        const std::string expected = outcome_when_cut(bytes, &every_token);
+        EXPECT_EQ(outcome_when_cut(bytes, &every_key), expected) << bytes;
+        EXPECT_EQ(expected.substr(0, 10), "0 status 1") << bytes;
+    }
+    EXPECT_GT(every_key.plain, 3'000);
 }
 
 TEST(PlainKeys, RandomEntries) {

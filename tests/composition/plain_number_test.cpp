@@ -160,23 +160,106 @@ TEST(PlainNumber, RoundsOnceNearTheMiddleBetweenTwoFloats) {
     }
 }
 
-TEST(SeparatorMap, MarksEveryByteUpToTheBlank) {
-    constexpr std::size_t kBytes = 2000;
-    std::mt19937 random(7);
-    std::string block(kBytes, '\0');
-    for (char& c : block) {
-        c = static_cast<char>(random() % 4 == 0 ? random() % 256 : random() % 2 == 0 ? ' ' : 'x');
+// The short forms, which are read where they stand. Whatever is behind them decides, too.
+
+struct ShortCase {
+    const char* why;
+    const char* text;
+    bool real;
+    bool integer;
+};
+
+TEST(ShortNumber, TakesTheFormsThatExportersWriteAndLeavesTheRest) {
+    const ShortCase cases[] = {
+        {"three decimals", "-140.458 ", true, false},
+        {"seven digits", "1234.567 ", false, false},
+        {"six digits", "123.456 ", true, false},
+        {"a negative number of six digits", "-123.456 ", true, false},
+        {"no digit before the point", ".5 ", true, false},
+        {"no digit behind the point", "5. ", true, false},
+        {"six digits behind the point", ".123456 ", true, false},
+        {"a point alone", ". ", false, false},
+        {"a minus sign and a point", "-. ", false, false},
+        {"a minus sign alone", "- ", false, false},
+        {"nothing", " ", false, false},
+        {"no point", "45 ", false, true},
+        {"seven digits without a point", "1234567 ", false, true},
+        {"eight digits", "12345678 ", false, false},
+        {"negative zero", "-0 ", false, true},
+        {"negative zero with a point", "-0.0 ", true, false},
+        {"a line end behind it", "4.5\n", true, false},
+        {"a NUL byte behind it", "4.5\0", true, false},
+        {"two points", "1.2.3 ", false, false},
+        {"two points side by side", "1..2 ", false, false},
+        {"an exponent", "4.5e1 ", false, false},
+        {"a brace", "4.5} ", false, false},
+        {"a comment", "4.5/ ", false, false},
+        {"a brace at an integer", "45} ", false, false},
+        {"a byte above the digits", "4:5. ", false, false},
+        {"a byte above 127", "4\xB2.5 ", false, false},
+        {"a byte above 127 behind it", "4.5\xBF ", false, false},
+        {"two minus signs", "--5.0 ", false, false},
+    };
+    for (const ShortCase& c : cases) {
+        SCOPED_TRACE(c.why);
+        const std::string block = std::string(c.text) +
+                                  (c.why == std::string("a NUL byte behind it") ? std::string(1, '\0') : "") +
+                                  "7777777777";
+        float real = -77;
+        std::int32_t integer = -77;
+        EXPECT_EQ(plain_number::find_short_real(block.data(), real) != nullptr, c.real);
+        EXPECT_EQ(real != -77, c.real) << real;
+        EXPECT_EQ(plain_number::find_short_integer(block.data(), integer) != nullptr, c.integer);
+        EXPECT_EQ(integer != -77, c.integer) << integer;
     }
-    for (const std::size_t count : {kBytes, kBytes - 1, std::size_t{64}, std::size_t{65}, std::size_t{1}}) {
-        SeparatorMap<kBytes> map;
-        map.Build(block.data(), count);
-        for (std::size_t from = 0; from < kBytes; ++from) {
-            std::uint64_t expected = 0;
-            for (std::size_t bit = 0; bit < 64 && from + bit < count; ++bit) {
-                expected |= std::uint64_t{static_cast<unsigned char>(block[from + bit]) <= ' '} << bit;
-            }
-            ASSERT_EQ(map.Window(from), expected) << from << " of " << count;
+}
+
+TEST(ShortNumber, AgreesWithTheGeneralConversionOnAMillionTexts) {
+    std::mt19937 random(8);
+    static constexpr std::string_view kBehind("  \n\r\t\0/}.5-e\xFF", 13);
+    int reals = 0;
+    int integers = 0;
+    for (int i = 0; i < 1'000'000 && !HasFailure(); ++i) {
+        const std::string text = random_text(random);
+        const char behind = kBehind[random() % kBehind.size()];
+        const std::string block = text + behind + std::to_string(random()) + "000000000";
+        const char* const end = block.data() + text.size();
+        const auto expect_at_end = [&](const char* found) {
+            EXPECT_EQ(found, end) << block;
+            EXPECT_LE(static_cast<unsigned char>(behind), ' ') << block;
+        };
+        float real = 0;
+        if (const char* const found = plain_number::find_short_real(block.data(), real)) {
+            expect_at_end(found);
+            float general = 0;
+            EXPECT_EQ(StrToReal(text.c_str(), general), 1) << block;
+            EXPECT_EQ(std::bit_cast<std::uint32_t>(real), std::bit_cast<std::uint32_t>(general)) << block;
+            ++reals;
         }
+        A_long integer = 0;
+        if (const char* const found = plain_number::find_short_integer(block.data(), integer)) {
+            expect_at_end(found);
+            A_long general = 0;
+            EXPECT_EQ(StrToVal(text.c_str(), general), 1) << block;
+            EXPECT_EQ(integer, general) << block;
+            ++integers;
+        }
+    }
+    EXPECT_GT(reals, 150'000);
+    EXPECT_GT(integers, 40'000);
+}
+
+// Every number of up to six digits with the point at every place.
+TEST(ShortNumber, AgreesOnEveryNumberOfSixDigits) {
+    for (int number = 0; number < 1'000'000 && !HasFailure(); ++number) {
+        std::string digits = std::to_string(1'000'000 + number).substr(1);
+        digits.insert(static_cast<std::size_t>(number) % 7, ".");
+        const std::string block = digits + "\n0000000";
+        float real = -77;
+        EXPECT_EQ(plain_number::find_short_real(block.data(), real), block.data() + 7) << block;
+        float general = 0;
+        EXPECT_EQ(StrToReal(digits.c_str(), general), 1);
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(real), std::bit_cast<std::uint32_t>(general)) << block;
     }
 }
 
