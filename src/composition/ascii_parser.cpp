@@ -53,6 +53,11 @@ ASCIIParser::ASCIIParser() : memory_(new_text(kKeptBytes + kJoinedBytes + kBlock
         charClass[static_cast<unsigned char>(*c)] = 1;
     }
     file = AllocBaseFile();
+    if (buffer != nullptr) {
+        // What looks at eight bytes at a time looks behind the end of a short block: never at bytes that were
+        // not set.
+        std::memset(buffer, 0, kBlockBytes + 2);
+    }
 }
 
 ASCIIParser::~ASCIIParser() {
