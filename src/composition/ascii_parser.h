@@ -8,6 +8,7 @@
 #include "composition/plain_number.h"
 #include "composition/text_position.h"
 #include "host/host_interface.h"
+#include "limit/limits.h"
 #include "texture/base_file.h"
 #include "texture/filename.h"
 
@@ -101,7 +102,8 @@ class ASCIIParser {
     [[nodiscard]] TokenCut Cut() const { return cut_; }
 
     static constexpr A_long kBlockBytes = 2000;
-    static constexpr std::size_t kTextBytes = 512;
+    /// A word or number with the zero behind it.
+    static constexpr std::size_t kTextBytes = static_cast<std::size_t>(limits::kWord.value) + 1;
 
     BaseFile* file = nullptr;
     Filename filename;  ///< the path given to Init; footage is looked for in its folder

@@ -6,6 +6,7 @@
 #include "composition/ascii_parser.h"
 #include "composition/read_report.h"
 #include "composition/read_values.h"
+#include "limit/limits.h"
 
 CComposition::~CComposition() {
     delete[] name;
@@ -55,7 +56,7 @@ int CComposition::ReadComposition(ASCIIParser& p) {
         } else if (p.sym != kTokenIdentifier) {
             return fail(p, ReadErrorCode::expected_entry, "FILE, FSEQ, COMPOSITION or \"}\"");
         } else if (is_word(p, "COMPOSITION")) {
-            if (level >= kMaxCompositionLevels) {
+            if (level >= limits::kCompositionNesting.value) {
                 return fail(p, ReadErrorCode::nesting_too_deep,
                             "at most 1024 compositions inside one another");
             }

@@ -9,10 +9,6 @@ class AEGP_SuiteHandler;
 class ASCIIParser;
 struct tagProjectSettings;
 
-/// Compositions inside one another that a file may have, the root counted as the first. Keeps reading,
-/// building and deleting a tree within 512 KiB of stack; real scenes nest a few deep.
-inline constexpr A_long kMaxCompositionLevels = 1024;
-
 /// One composition of the file: a name, a blend mode and, in file order, the entries that become its layers.
 class CComposition {
   public:

@@ -7,9 +7,10 @@
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 
-// Compositions are built one inside the other, up to kMaxCompositionLevels deep. What a level needs besides
-// the recursion itself stands in functions of its own that are kept from being inlined: their locals (the
-// handler of the failure report alone has 816 bytes) are off the stack before the next level begins.
+// Compositions are built one inside the other, up to limits::kCompositionNesting levels deep. What a level
+// needs besides the recursion itself stands in functions of its own that are kept from being inlined: their
+// locals (the handler of the failure report alone has 816 bytes) are off the stack before the next level
+// begins.
 #if defined(__GNUC__)
 #define VXR_OWN_FRAME __attribute__((noinline))
 #else

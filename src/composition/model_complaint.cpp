@@ -13,6 +13,7 @@
 #include "composition/light.h"
 #include "composition/null_object.h"
 #include "composition/project_settings.h"
+#include "limit/limits.h"
 
 namespace {
 
@@ -188,8 +189,9 @@ class ModelWalk {
         if (composition.parent != parent) {
             return At(PathOf(place), "the parent is not the composition around it");
         }
-        if (at.level > kMaxCompositionLevels) {
-            return At(PathOf(place), "it is more than " + std::to_string(kMaxCompositionLevels) + " deep");
+        if (at.level > limits::kCompositionNesting.value) {
+            return At(PathOf(place),
+                      "it is more than " + std::to_string(limits::kCompositionNesting.value) + " deep");
         }
         if (!among(composition.blendMode, kBlendNormal, kBlendMultiply)) {
             return At(PathOf(place),

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "imageio/channel_plan.h"
-#include "texture/base_bitmap.h"
+#include "limit/limits.h"
 
 namespace imageio {
 
@@ -52,7 +52,7 @@ std::string refuse_image(const OIIO::ImageSpec& spec) {
         return OIIO::Strutil::fmt::format("an image of {} x {} pixels with {} channels has nothing to store",
                                           spec.width, spec.height, spec.nchannels);
     }
-    if (std::int64_t{spec.width} * spec.height > BaseBitmap::kMaxPixels) {
+    if (std::int64_t{spec.width} * spec.height > limits::kTexturePixels.value) {
         return OIIO::Strutil::fmt::format("{} x {} pixels are more than the 2^30 of the largest texture",
                                           spec.width, spec.height);
     }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "limit/limits.h"
+
 namespace {
 
 constexpr std::int32_t kDone = 0;
@@ -26,7 +28,7 @@ std::int32_t BaseBitmap::Init(std::int32_t w, std::int32_t h, std::int32_t depth
     if (w < 0 || h < 0 || depth < 0)
         return kOutOfMemory;
     const std::int64_t pixel_count = std::int64_t{w} * h;
-    if (pixel_count > kMaxPixels)
+    if (pixel_count > limits::kTexturePixels.value)
         return kOutOfMemory;
     // At most 2^30 * 2^31 / 8, far from the end of 64 bits.
     const std::int64_t value_count = std::max(pixel_count * depth / 8, pixel_count * kColourValues);

@@ -14,9 +14,6 @@
 /// large picture costs nothing until rows arrive.
 class BaseBitmap {
   public:
-    /// The most pixels that `Init` accepts.
-    static constexpr std::int64_t kMaxPixels = std::int64_t{1} << 30;
-
     /// Empty: all numbers 0, no arrays.
     BaseBitmap() = default;
     BaseBitmap(const BaseBitmap&) = delete;
@@ -25,7 +22,7 @@ class BaseBitmap {
 
     /// Drops what was there, alpha included, and becomes a picture of `w` by `h` pixels with `depth` bits a
     /// pixel. The pixels take w * h * depth / 8 values, but never less than the three a pixel that `SetPixel`
-    /// addresses. 0 or 2; 2 also for negative arguments and more than `kMaxPixels` pixels.
+    /// addresses. 0 or 2; 2 also for negative arguments and more pixels than limits::kTexturePixels.
     [[nodiscard]] std::int32_t Init(std::int32_t w, std::int32_t h, std::int32_t depth);
 
     /// 0, or 1 outside the picture with the outputs left alone.

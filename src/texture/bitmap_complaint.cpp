@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "limit/limits.h"
 #include "texture/base_bitmap.h"
 
 namespace {
@@ -50,7 +51,7 @@ Complaint rows_complaint(const BaseBitmap& bitmap, const BitmapParts& parts) {
 
 std::optional<std::string> bitmap_complaint(const BitmapParts& parts) {
     const std::int64_t pixel_count = std::int64_t{parts.width_px} * parts.height_px;
-    if (parts.width_px < 0 || parts.height_px < 0 || pixel_count > BaseBitmap::kMaxPixels) {
+    if (parts.width_px < 0 || parts.height_px < 0 || pixel_count > limits::kTexturePixels.value) {
         return "no picture has " + std::to_string(parts.width_px) + " x " + std::to_string(parts.height_px) +
                " pixels";
     }

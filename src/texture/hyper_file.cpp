@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <limits>
 #include <string>
 #include <system_error>
 
+#include "limit/limits.h"
 #include "texture/byte_order.h"
 #include "texture/memory.h"
 
@@ -88,9 +88,9 @@ int PrivateHyperFile::OpenForReading(std::int32_t ident) {
         PrivateFile::Close();
         return Fail(TextureFault::empty_file, [] { return std::string("the file is empty"); });
     }
-    if (length_ == std::numeric_limits<std::int32_t>::max()) {
+    if (length_ > limits::kTextureFile.value) {
         PrivateFile::Close();
-        return Fail(TextureFault::over_limit, [] {
+        return Fail(limits::kTextureFile, TextureFault::over_limit, [] {
             return std::string("the file has 2^31 - 1 bytes or more, lengths in this format are 32-bit");
         });
     }

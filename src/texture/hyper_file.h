@@ -7,6 +7,10 @@
 #include "texture/private_string.h"
 #include "texture/texture_observer.h"
 
+namespace limits {
+struct Limit;
+}
+
 /// The container of texture files: an 8-byte header, then big-endian values, each behind a one-byte type tag,
 /// and nested chunks between a start tag and an end tag. docs/texture-format.md describes every byte.
 ///
@@ -142,6 +146,15 @@ class PrivateHyperFile : public PrivateFile {
             observer_->Failed(fault, item_offset_bytes_, reason());
         }
         return 0;
+    }
+
+    /// The same where `limit` is the reason, which the observer is told before.
+    template <typename Reason>
+    int Fail(const limits::Limit& limit, TextureFault fault, const Reason& reason) {
+        if (observer_ != nullptr) {
+            observer_->OverLimit(limit);
+        }
+        return Fail(fault, reason);
     }
 
   protected:

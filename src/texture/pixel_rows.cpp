@@ -4,6 +4,7 @@
 #include <limits>
 #include <string>
 
+#include "limit/limits.h"
 #include "texture/pack_bits.h"
 #include "texture/planes.h"
 #include "texture/txl_ids.h"
@@ -11,9 +12,6 @@
 namespace {
 
 using RowOutcome = TextureObserver::RowOutcome;
-
-/// A packet of two bytes gives 128 at most, and the last run of a block may borrow its second byte.
-constexpr std::int64_t kMostBytesPerCodedByte = 64;
 
 /// The number of channels that are kept as planes while a row is read or written: that of colour.
 constexpr std::int32_t kJoinedChannels = 3;
@@ -29,9 +27,9 @@ int no_memory(PrivateHyperFile* hf, std::int64_t row_bytes) {
 }
 
 int too_wide(PrivateHyperFile* hf, std::int64_t row_bytes) {
-    return hf->Fail(TextureFault::over_limit, [&] {
-        return "rows of " + std::to_string(row_bytes) + " bytes, at most " + std::to_string(kMaxRowBytes) +
-               " are allowed";
+    return hf->Fail(limits::kRowBytes, TextureFault::over_limit, [&] {
+        return "rows of " + std::to_string(row_bytes) + " bytes, at most " +
+               std::to_string(limits::kRowBytes.value) + " are allowed";
     });
 }
 
@@ -64,15 +62,15 @@ bool PixelRowReader::Begin() {
     }
     // Below 2^62: the factors have 31 bits each.
     const std::int64_t row_bytes = std::int64_t{count} * channels;
-    if (row_bytes > kMaxRowBytes) {
+    if (row_bytes > limits::kRowBytes.value) {
         return too_wide(hf_, row_bytes) != 0;
     }
     if (rows == 0 || channels == 0) {
         return true;
     }
     const std::int64_t left = std::int64_t{hf_->GetLength()} - hf_->GetPosition();
-    if (row_bytes > kMostBytesPerCodedByte * (left + 1)) {
-        return hf_->Fail(TextureFault::block_too_long, [&] {
+    if (row_bytes > limits::kRowRate.value * (left + 1)) {
+        return hf_->Fail(limits::kRowRate, TextureFault::block_too_long, [&] {
             return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
                    std::to_string(left) + " left, which cannot hold one";
         }) != 0;
@@ -100,11 +98,11 @@ bool PixelRowReader::Next() {
 
 // Sound rows never come near the bound: what they give is at most the best rate.
 bool PixelRowReader::CountRow() {
-    const std::int64_t limit = kMostBytesPerCodedByte * hf_->GetLength() + kMaxRepairedBytes;
+    const std::int64_t most = limits::kRowRate.value * hf_->GetLength() + limits::kRepairedBytes.value;
     file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
-    return file_row_bytes_ <= limit || hf_->Fail(TextureFault::over_limit, [&] {
+    return file_row_bytes_ <= most || hf_->Fail(limits::kRepairedBytes, TextureFault::over_limit, [&] {
         return "rows of " + std::to_string(file_row_bytes_) + " bytes so far, a file of this size gives " +
-               std::to_string(limit) + " at most";
+               std::to_string(most) + " at most";
     }) != 0;
 }
 
@@ -187,7 +185,7 @@ void PixelRowReader::TakeChannel(std::int32_t channel) {
 
 bool PixelRowWriter::Begin() {
     const std::int64_t row_bytes = std::int64_t{width_} * channels_;
-    if (row_bytes > kMaxRowBytes) {
+    if (row_bytes > limits::kRowBytes.value) {
         return too_wide(hf_, row_bytes) != 0;
     }
     row_ = zeroed(row_bytes);

@@ -9,14 +9,6 @@
 // The rows of a pixel-rows chunk, which textures and layers store alike: for each row and each of its
 // channels a flag and a block with that channel's bytes, one a pixel.
 
-/// The most bytes of a row buffer.
-constexpr std::int64_t kMaxRowBytes = std::int64_t{1} << 30;
-
-/// The most bytes that a file's rows give besides 64 for each of its bytes, the best rate of the row coding.
-/// Only rows that are cleared or kept from the row before give more than they hold: 7 bytes of file could
-/// stand for as many pixels as a row has. Without a bound a small file would keep its reader busy for hours.
-constexpr std::int64_t kMaxRepairedBytes = std::int64_t{1} << 24;
-
 using PixelRowsHeader = TextureObserver::PixelRows;
 
 /// Reads the five values that open the chunk and shows them to the container's observer. Returns 1 for
@@ -40,12 +32,12 @@ class PixelRowReader {
         : hf_(hf), header_(header), file_row_bytes_(file_row_bytes) {}
 
     /// Judges the header and obtains the buffers. False with error -7 for negative sizes, for rows above
-    /// kMaxRowBytes and when memory is short; with error 1 for rows of more bytes than the rest of the file
-    /// could hold at the best rate of the row coding, before anything is allocated.
+    /// limits::kRowBytes and when memory is short; with error 1 for rows of more bytes than the rest of the
+    /// file could hold at the best rate of the row coding, before anything is allocated.
     [[nodiscard]] bool Begin();
 
     /// Reads the next row. False after the last one, or with the container's error set: to -7 when the rows
-    /// of the file give more than kMaxRepairedBytes allows.
+    /// of the file give more than limits::kRepairedBytes allows.
     [[nodiscard]] bool Next();
 
     /// The row's number in the picture; past the last row of any picture it stays at 2^31 - 1.
@@ -79,7 +71,7 @@ class PixelRowWriter {
     PixelRowWriter(PrivateHyperFile* hf, std::int32_t width, std::int32_t channels)
         : hf_(hf), width_(width), channels_(channels) {}
 
-    /// Obtains the buffers; false with error -7 when memory is short or a row is above kMaxRowBytes.
+    /// Obtains the buffers; false with error -7 when memory is short or a row is above limits::kRowBytes.
     [[nodiscard]] bool Begin();
 
     /// width * channels bytes, zero at the beginning.

@@ -6,8 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "limit/limits.h"
 #include "system/files.h"
-#include "texture/base_bitmap.h"
 #include "texture/texture_image.h"
 #include "texture/texture_recorder.h"
 #include "texture/txl_ids.h"
@@ -15,8 +15,9 @@
 
 namespace {
 
-TextureError error_of(const std::string& path, TextureFault fault, std::string reason) {
-    return {fault, container_code(fault), path, 0, std::move(reason), {}};
+TextureError error_of(const std::string& path, TextureFault fault, std::string reason,
+                      const limits::Limit* limit = nullptr) {
+    return {fault, container_code(fault), path, 0, std::move(reason), {}, limit};
 }
 
 TextureReading read(const std::string& path, const TextureReadOptions& options) {
@@ -62,9 +63,10 @@ std::optional<TextureError> write(const std::string& path, const Texture& textur
                    : error_of(path, TextureFault::short_transfer, "the file could not be written");
     }
     const std::uint64_t size = os::file_state(path).size_bytes;
-    if (size >= static_cast<std::uint64_t>(std::numeric_limits<std::int32_t>::max())) {
+    if (size > static_cast<std::uint64_t>(limits::kTextureFile.value)) {
         return error_of(path, TextureFault::over_limit,
-                        "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1");
+                        "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1",
+                        &limits::kTextureFile);
     }
     return std::nullopt;
 }
@@ -100,7 +102,7 @@ std::optional<std::string> check_texture(const Texture& texture) {
         return "colour mode " + std::to_string(texture.mode) + "; 2 and 4 are written";
     }
     const std::int64_t pixel_count = std::int64_t{texture.width_px} * texture.height_px;
-    if (texture.width_px < 0 || texture.height_px < 0 || pixel_count > BaseBitmap::kMaxPixels) {
+    if (texture.width_px < 0 || texture.height_px < 0 || pixel_count > limits::kTexturePixels.value) {
         return std::to_string(texture.width_px) + " x " + std::to_string(texture.height_px) +
                " pixels; sizes are not negative and at most 2^30 pixels are written";
     }

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "limit/limits.h"
 #include "texture/texture.h"
 #include "texture/texture_report.h"
 
@@ -16,7 +17,7 @@
 struct TextureLimits {
     /// Pixels and alpha channels of one texture together. 4 GiB hold the largest picture that is read, 2^30
     /// pixels in RGB, with one alpha channel.
-    std::uint64_t decoded_bytes = std::uint64_t{4} << 30;
+    std::uint64_t decoded_bytes = static_cast<std::uint64_t>(limits::kDecodedBytes.value);
 };
 
 struct TextureReadOptions {

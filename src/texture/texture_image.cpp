@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <new>
 
-#include "texture/base_bitmap.h"
+#include "limit/limits.h"
 #include "texture/memory.h"
 #include "texture/txl_ids.h"
 
@@ -17,10 +17,15 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     has_channel_ = false;
     names_.clear();
     last_number_.clear();
-    if (w < 0 || h < 0 || std::int64_t{w} * h > BaseBitmap::kMaxPixels) {
-        recorder_.Refuse(TextureFault::over_limit,
-                         "a texture of " + std::to_string(w) + " x " + std::to_string(h) +
-                             " pixels; sizes are not negative and at most 2^30 pixels are read");
+    const bool negative = w < 0 || h < 0;
+    if (negative || std::int64_t{w} * h > limits::kTexturePixels.value) {
+        const std::string reason = "a texture of " + std::to_string(w) + " x " + std::to_string(h) +
+                                   " pixels; sizes are not negative and at most 2^30 pixels are read";
+        if (negative) {
+            recorder_.Refuse(TextureFault::over_limit, reason);
+        } else {
+            recorder_.Refuse(limits::kTexturePixels, reason);
+        }
         return false;
     }
     texture_.width_px = w;
@@ -105,10 +110,10 @@ TextureSink::Part TextureSink::Clip(std::int32_t x, std::int32_t y, std::int32_t
 
 bool TextureSink::Reserve(std::uint64_t bytes, const char* what) {
     if (bytes > max_decoded_bytes_ - decoded_bytes_) {
-        recorder_.Refuse(TextureFault::over_limit, std::string(what) + " takes " + std::to_string(bytes) +
-                                                       " bytes besides " + std::to_string(decoded_bytes_) +
-                                                       ", at most " + std::to_string(max_decoded_bytes_) +
-                                                       " are allowed");
+        recorder_.Refuse(limits::kDecodedBytes, std::string(what) + " takes " + std::to_string(bytes) +
+                                                    " bytes besides " + std::to_string(decoded_bytes_) +
+                                                    ", at most " + std::to_string(max_decoded_bytes_) +
+                                                    " are allowed");
         return false;
     }
     decoded_bytes_ += bytes;

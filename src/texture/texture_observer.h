@@ -6,6 +6,10 @@
 
 #include "texture/texture_fault.h"
 
+namespace limits {
+struct Limit;
+}
+
 /// Told what the reader and the writer of texture files find, for tools that owe a person more than "it
 /// failed". The plug-in has none. Offsets are bytes from the start of the file. Told while the file is being
 /// read, in file order; nothing that is passed outlives the call.
@@ -65,6 +69,9 @@ class TextureObserver {
     /// of the tag of the item read last. Told again when a skip turns the error into another: the last holds.
     virtual void Failed(TextureFault /*fault*/, std::int64_t /*offset_bytes*/,
                         const std::string& /*reason*/) {}
+
+    /// The failure that is told next comes of this limit.
+    virtual void OverLimit(const limits::Limit& /*limit*/) {}
 
   protected:
     TextureObserver() = default;

@@ -1,6 +1,7 @@
 #include "texture/texture_recorder.h"
 
 #include <algorithm>
+#include <utility>
 
 void TextureRecorder::ChunkStart(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
     ChunkOutline* added = nullptr;
@@ -72,14 +73,20 @@ void TextureRecorder::Layer(const LayerHeader& header) {
 }
 
 void TextureRecorder::Failed(TextureFault fault, std::int64_t offset_bytes, const std::string& reason) {
+    const limits::Limit* const limit = std::exchange(limit_, nullptr);
     if (!refused_) {
-        error_ = TextureError{fault, container_code(fault), path_, offset_bytes, reason, within()};
+        error_ = TextureError{fault, container_code(fault), path_, offset_bytes, reason, within(), limit};
     }
 }
 
 void TextureRecorder::Refuse(TextureFault fault, const std::string& reason) {
     Failed(fault, open_.empty() ? 0 : open_.back().offset_bytes, reason);
     refused_ = true;
+}
+
+void TextureRecorder::Refuse(const limits::Limit& limit, const std::string& reason) {
+    OverLimit(limit);
+    Refuse(TextureFault::over_limit, reason);
 }
 
 bool TextureRecorder::CountAgain(TextureNotice notice) {

@@ -21,10 +21,13 @@ class TextureRecorder final : public TextureObserver {
     void Row(const RowBlock& block) override;
     void Layer(const LayerHeader& header) override;
     void Failed(TextureFault fault, std::int64_t offset_bytes, const std::string& reason) override;
+    void OverLimit(const limits::Limit& limit) override { limit_ = &limit; }
 
     /// An error that the container does not see, at the chunk that is being read. It wins over every other:
     /// the ones that follow are its consequences.
     void Refuse(TextureFault fault, const std::string& reason);
+    /// The same where `limit` is the reason.
+    void Refuse(const limits::Limit& limit, const std::string& reason);
 
     /// A notice at the chunk that is being read. `reason` returns its text and is called for the first of a
     /// kind only: a file may give cause for millions.
@@ -65,7 +68,8 @@ class TextureRecorder final : public TextureObserver {
     std::string path_;
     bool outline_;
     bool refused_ = false;
-    std::vector<OpenChunk> open_;  // outermost first
+    const limits::Limit* limit_ = nullptr;  // of the failure that is told next
+    std::vector<OpenChunk> open_;           // outermost first
     std::string layer_name_;
     std::optional<TextureError> error_;
     std::vector<TextureWarning> warnings_;

@@ -8,14 +8,19 @@
 #include "texture/texture_fault.h"
 #include "texture/texture_observer.h"
 
+namespace limits {
+struct Limit;
+}
+
 /// What was wrong with a texture file, and where.
 struct TextureError {
     TextureFault code = TextureFault::cannot_open;
-    std::int32_t container_code = 0;  // the container's own number for it; 0 when it has none
-    std::string path;                 // of the file, as given
-    std::int64_t offset_bytes = 0;    // of the item that was wrong
-    std::string reason;               // what was found and what was allowed
-    std::vector<std::string> within;  // the chunks around it, outermost first: {"502", "TaVx"}
+    std::int32_t container_code = 0;       // the container's own number for it; 0 when it has none
+    std::string path;                      // of the file, as given
+    std::int64_t offset_bytes = 0;         // of the item that was wrong
+    std::string reason;                    // what was found and what was allowed
+    std::vector<std::string> within;       // the chunks around it, outermost first: {"502", "TaVx"}
+    const limits::Limit* limit = nullptr;  // what the file was above of; null for other errors
 };
 
 /// Something in a texture file that was repaired or passed over while it was read.

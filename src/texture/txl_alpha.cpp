@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "limit/limits.h"
 #include "texture/hyper_file.h"
 #include "texture/txl_ids.h"
 #include "texture/txl_image.h"
@@ -56,9 +57,10 @@ bool TXLAlpha::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_
 }
 
 bool TXLAlpha::ReadNested(PrivateHyperFile* hf) {
-    if (nesting_ == kMaxNesting) {
-        return hf->Fail(TextureFault::over_limit, [] {
-            return "chunks 110100 are followed " + std::to_string(kMaxNesting) + " deep, this one is deeper";
+    if (nesting_ == limits::kAlphaNesting.value) {
+        return hf->Fail(limits::kAlphaNesting, TextureFault::over_limit, [] {
+            return "chunks 110100 are followed " + std::to_string(limits::kAlphaNesting.value) +
+                   " deep, this one is deeper";
         }) != 0;
     }
     ++nesting_;

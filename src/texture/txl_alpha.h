@@ -9,10 +9,6 @@
 /// return 0 (false) when the container has no filter.
 class TXLAlpha : public Chunk {
   public:
-    /// How deep alpha-channels chunks are followed inside each other. The writer nests none; the bound keeps
-    /// the reader's recursion within any stack.
-    static constexpr std::int32_t kMaxNesting = 64;
-
     TXLAlpha() { layer_.SetOwner(this); }
 
     bool HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t version) override;

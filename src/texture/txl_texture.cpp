@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "limit/limits.h"
 #include "texture/hyper_file.h"
 #include "texture/pixel_rows.h"
 #include "texture/txl_ids.h"
@@ -14,9 +15,9 @@ constexpr std::int32_t kHeaderVersion = 1;
 constexpr std::int32_t kRowsVersion = 2;
 
 bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
-    if (++filter.header_count() > TXLTexture::kMaxHeaders) {
-        return hf->Fail(TextureFault::over_limit, [] {
-            return std::to_string(TXLTexture::kMaxHeaders) +
+    if (++filter.header_count() > limits::kTextureHeaders.value) {
+        return hf->Fail(limits::kTextureHeaders, TextureFault::over_limit, [] {
+            return std::to_string(limits::kTextureHeaders.value) +
                    " texture headers are followed, this is one more";
         }) != 0;
     }

@@ -7,8 +7,11 @@
 #include <vector>
 
 #include "composition/parsed_text.h"
+#include "limit/limits.h"
 
 namespace {
+
+constexpr auto kMostLevels = static_cast<A_long>(limits::kCompositionNesting.value);
 
 // A tree in one line: name, blend mode, children in brackets; files as "f" or "q" for a sequence, blend and
 // alpha mode.
@@ -105,7 +108,7 @@ TEST(Composition, StopsBehindItsBrace) {
 TEST(Composition, LevelsAreCountedFromTheRoot) {
     CComposition root;
     CComposition* deepest = &root;
-    for (A_long level = 1; level < kMaxCompositionLevels; ++level) {
+    for (A_long level = 1; level < kMostLevels; ++level) {
         deepest = deepest->AddComposition();
     }
     const char* const text = "COMPOSITION NRM \"a\" { COMPOSITION NRM \"b\" ; } ";

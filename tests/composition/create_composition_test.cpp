@@ -8,10 +8,13 @@
 #include "composition/expected_calls.h"
 #include "composition/model_builder.h"
 #include "host/suite_handler.h"
+#include "limit/limits.h"
 #include "support/recording_host.h"
 #include "support/temporary_folder.h"
 
 namespace {
+
+constexpr auto kMostLevels = static_cast<A_long>(limits::kCompositionNesting.value);
 
 using ::testing::ElementsAre;
 using ::testing::ElementsAreArray;
@@ -295,26 +298,26 @@ void run_on_small_stack(const std::function<void()>& work) {
 
 TEST_F(CreateComposition, TheDeepestTreeIsBuiltWithinASmallStack) {
     CComposition* innermost = &root();
-    for (A_long level = 1; level < kMaxCompositionLevels; ++level)
+    for (A_long level = 1; level < kMostLevels; ++level)
         innermost = &fill(innermost->AddComposition(), "Nested");
     fill(innermost->AddFile(), "missing");
     int result = -1;
     run_on_small_stack([&] { result = run(); });
     EXPECT_EQ(result, 0);
-    EXPECT_EQ(host_.calls_of({"CreateComp"}).size(), static_cast<std::size_t>(kMaxCompositionLevels));
-    EXPECT_EQ(host_.name_of(innermost->compH), "comp" + std::to_string(kMaxCompositionLevels));
+    EXPECT_EQ(host_.calls_of({"CreateComp"}).size(), static_cast<std::size_t>(kMostLevels));
+    EXPECT_EQ(host_.name_of(innermost->compH), "comp" + std::to_string(kMostLevels));
 }
 
 TEST_F(CreateComposition, AFailureInTheDeepestTreeIsReportedByEveryLevelWithinASmallStack) {
     CComposition* innermost = &root();
-    for (A_long level = 1; level < kMaxCompositionLevels; ++level)
+    for (A_long level = 1; level < kMostLevels; ++level)
         innermost = &fill(innermost->AddComposition(), "Nested");
     fill(innermost->AddFile(), "missing");
     host_.fail("NewPlaceholderFootage", 4);
     int result = -1;
     run_on_small_stack([&] { result = run(); });
     EXPECT_EQ(result, 4);
-    EXPECT_EQ(host_.reports.size(), static_cast<std::size_t>(kMaxCompositionLevels));
+    EXPECT_EQ(host_.reports.size(), static_cast<std::size_t>(kMostLevels));
 }
 
 }  // namespace

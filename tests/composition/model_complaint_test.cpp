@@ -17,6 +17,7 @@
 #include "composition/model_builder.h"
 #include "composition/null_object.h"
 #include "composition/parsed_text.h"
+#include "limit/limits.h"
 #include "support/changed_value.h"
 
 namespace {
@@ -221,7 +222,7 @@ TEST(ModelComplaint, AnObjectThatIsNoneOfTheThree) {
 TEST(ModelComplaint, AsDeepAsFilesMayBeAndOneDeeper) {
     tagProjectSettings settings;
     CComposition* at = &settings.composition;
-    for (A_long level = 1; level < kMaxCompositionLevels; ++level) {
+    for (A_long level = 1; level < limits::kCompositionNesting.value; ++level) {
         at = at->AddComposition();
     }
     EXPECT_EQ(model_complaint(settings, ModelState::broken_off), std::nullopt);

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "limit/limits.h"
 #include "support/temporary_folder.h"
 #include "texture/both_loads.h"
 #include "texture/example_txl_image.h"
@@ -809,7 +810,7 @@ TEST(TxlLoad, TheLimitOfRepairedRowsHoldsForAllChunksTogether) {
 TEST(TxlLoad, SixteenHeadersAreFollowed) {
     const TemporaryFolder folder;
     TxlFile file;
-    for (std::int32_t i = 1; i < TXLTexture::kMaxHeaders; ++i) {
+    for (std::int32_t i = 1; i < limits::kTextureHeaders.value; ++i) {
         file.before_header += file.header_bytes();
     }
     EXPECT_TRUE(BothLoads(folder.write("sixteen.txl", file.bytes())).loaded);
