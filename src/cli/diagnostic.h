@@ -10,6 +10,10 @@
 #include "cli/exit_codes.h"
 #include "cli/terminal.h"
 
+namespace limits {
+struct Limit;
+}
+
 namespace cli {
 
 enum class Severity { error, warning };
@@ -34,6 +38,7 @@ struct Diagnostic {
     std::vector<std::string> effects = {};        ///< what will happen, and what to do; one sentence each
     std::int64_t count = 1;                       ///< how often it occurs; `at` is the first place
     std::optional<std::string> source_line = {};  ///< the line of `at`, without its end
+    const limits::Limit* limit = nullptr;         ///< what the file is above of, if that is the mistake
 };
 
 /// Every error of the tools is made here, so one breakpoint finds the first.
@@ -47,7 +52,7 @@ Diagnostic warn(std::string code, Place at, std::string reason, std::vector<std:
 std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
 
 /// {"severity","code","at":{"file","line","column","offset_bytes"},"reason","within","effects","count",
-/// "source_line"}; what is not known is null.
+/// "source_line","limit":{"id","name","value","unit"}}; what is not known is null.
 nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic);
 
 /// What every verb that takes several files prints with --json: {"schema","exit_code","files"}, one entry a

@@ -1,5 +1,6 @@
 #include "cli/diagnostic.h"
 #include "embedded/json_values.h"
+#include "limit/limits.h"
 
 namespace cli {
 namespace {
@@ -9,6 +10,14 @@ using embedded::json_text;
 
 Json number_or_null(const std::optional<std::int64_t>& value) {
     return value ? Json(*value) : Json();
+}
+
+Json limit_or_null(const limits::Limit* limit) {
+    return limit == nullptr ? Json()
+                            : Json{{"id", limit->id},
+                                   {"name", limit->name},
+                                   {"value", limit->value},
+                                   {"unit", limit->unit}};
 }
 
 }  // namespace
@@ -44,6 +53,7 @@ nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
     json["effects"] = texts_json(diagnostic.effects);
     json["count"] = diagnostic.count;
     json["source_line"] = diagnostic.source_line ? json_text(*diagnostic.source_line) : Json();
+    json["limit"] = limit_or_null(diagnostic.limit);
     return json;
 }
 

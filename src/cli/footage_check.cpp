@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/limit_words.h"
 #include "cli/scene_check.h"
 #include "embedded/image_probe.h"
 #include "embedded/sequence.h"
@@ -106,7 +107,10 @@ bool is_texture(std::string_view path) {
 std::string reading_obstacle(const std::string& path) {
     if (is_texture(path)) {
         const std::optional<TextureError> error = read_texture(path).error;
-        return error ? error->reason : std::string();
+        if (!error) {
+            return {};
+        }
+        return error->limit == nullptr ? error->reason : error->reason + "; " + limit_text(*error->limit);
     }
     // Nothing is wrong with the picture then.
     if (const std::string problem = embedded::image_library_problem(); !problem.empty()) {

@@ -10,7 +10,7 @@ namespace {
 
 // Enough to know a name by, and more blocks than anybody nests by hand: what is kept of a file must not grow
 // with the square of its size.
-constexpr std::size_t kNameBytes = 60;
+constexpr std::size_t kKeptNameBytes = 60;
 constexpr std::size_t kBlocksAround = 8;
 
 constexpr int kFieldOfViewIndex = 7;
@@ -40,8 +40,8 @@ bool is_number(const ReadValue& value) {
 
 std::string block_label(const ReadBlock& block) {
     std::string label = block_word(block.kind);
-    if (block.name.size() > kNameBytes) {
-        return label + " \"" + block.name.substr(0, kNameBytes) + "...\"";
+    if (block.name.size() > kKeptNameBytes) {
+        return label + " \"" + block.name.substr(0, kKeptNameBytes) + "...\"";
     }
     return block.name.empty() ? label : label + " \"" + block.name + '"';
 }
@@ -139,7 +139,7 @@ void SceneObserver::on_footage(const ReadFootage& footage) {
 }
 
 void SceneObserver::on_ignored(std::string_view text, const TextPosition& at) {
-    facts_.passed.push_back({std::string(text.substr(0, kNameBytes)), at, labels_of(blocks())});
+    facts_.passed.push_back({std::string(text.substr(0, kKeptNameBytes)), at, labels_of(blocks())});
 }
 
 void SceneObserver::on_end(const TextPosition& at, bool at_end_of_file) {

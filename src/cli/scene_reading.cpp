@@ -6,12 +6,14 @@
 #include <string_view>
 
 #include "cli/codes.h"
+#include "cli/limit_words.h"
 #include "cli/source_lines.h"
 #include "cli/unsound_result.h"
 #include "composition/ascii_parser.h"
 #include "composition/composition_file.h"
 #include "composition/model_complaint.h"
 #include "composition/project_settings.h"
+#include "limit/limits.h"
 #include "system/files.h"
 #include "texture/filename.h"
 #include "texture/open_regular_file.h"
@@ -20,7 +22,6 @@ namespace cli {
 namespace {
 
 constexpr std::string_view kBeginning = "VORTAN XR";
-constexpr std::uint64_t kTooLarge_bytes = std::uint64_t{1} << 31;
 
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -83,10 +84,12 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
         error.effects.emplace_back("the host is told that this is no composition file and does not offer it");
         return error;
     }
-    if (state.size_bytes >= kTooLarge_bytes) {
-        return fail(
+    if (state.size_bytes > static_cast<std::uint64_t>(limits::kCompositionFile.value)) {
+        Diagnostic error = fail(
             read_error_row(ReadErrorCode::file_too_large).name, whole_file,
             "the file has " + std::to_string(state.size_bytes) + " bytes, and less than 2147483648 are read");
+        name_limit(error, &limits::kCompositionFile);
+        return error;
     }
     code = ExitCode::fine;
     return std::nullopt;
@@ -98,12 +101,26 @@ ExitCode exit_code_of(ReadErrorCode code) {
     return unreadable ? ExitCode::cannot_read_or_write : ExitCode::refused;
 }
 
+const limits::Limit* limit_of(ReadErrorCode code) {
+    switch (code) {
+        case ReadErrorCode::file_too_large:
+            return &limits::kCompositionFile;
+        case ReadErrorCode::nesting_too_deep:
+            return &limits::kCompositionNesting;
+        case ReadErrorCode::word_too_long:
+            return &limits::kWord;
+        default:
+            return nullptr;
+    }
+}
+
 Diagnostic diagnostic_of(const ReadError& error, const std::string& file) {
     Diagnostic diagnostic =
         fail(read_error_row(error.code).name, {file, error.at.offset_bytes, error.at.line, error.at.column},
              error.message(), error.within);
     diagnostic.effects.emplace_back(
         "the import ends here without a word, and nothing is added to the project");
+    name_limit(diagnostic, limit_of(error.code));
     return diagnostic;
 }
 

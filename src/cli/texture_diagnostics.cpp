@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "cli/limit_words.h"
+
 namespace cli {
 namespace {
 
@@ -34,7 +36,9 @@ Diagnostic texture_error(const TextureError& error, const std::string& file) {
     if (error.offset_bytes > 0 || !error.within.empty()) {
         at.offset_bytes = error.offset_bytes;
     }
-    return fail(fault_name(error.code), std::move(at), error.reason, error.within);
+    Diagnostic diagnostic = fail(fault_name(error.code), std::move(at), error.reason, error.within);
+    name_limit(diagnostic, error.limit);
+    return diagnostic;
 }
 
 Diagnostic texture_warning(const TextureWarning& warning, const std::string& file) {

@@ -5,6 +5,7 @@
 #include "cli/frame_command.h"
 #include "cli/help_command.h"
 #include "cli/import_command.h"
+#include "cli/limits_command.h"
 #include "cli/modules_command.h"
 #include "cli/texture_check_command.h"
 #include "cli/texture_convert_command.h"
@@ -14,8 +15,9 @@ namespace cli {
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
-        import_verb(), check_verb(),   texture_info_verb(), texture_check_verb(), texture_convert_verb(),
-        frame_verb(),  modules_verb(), doctor_verb(),       help_verb(),          completion_verb(),
+        import_verb(),          check_verb(), texture_info_verb(), texture_check_verb(),
+        texture_convert_verb(), frame_verb(), modules_verb(),      limits_verb(),
+        doctor_verb(),          help_verb(),  completion_verb(),
     };
     return kVerbs;
 }

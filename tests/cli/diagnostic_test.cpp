@@ -8,6 +8,7 @@
 
 #include "cli/codes.h"
 #include "cli/unsound_result.h"
+#include "limit/limits.h"
 
 namespace {
 
@@ -73,17 +74,20 @@ TEST(DiagnosticJson, EveryMemberInItsPlace) {
     warning.effects = {"e"};
     warning.count = 4;
     warning.source_line = "s";
-    EXPECT_EQ(diagnostic_json(warning).dump(),
-              R"({"severity":"warning","code":"name-cut",)"
-              R"("at":{"file":"shot.aec","line":2,"column":3,"offset_bytes":10},)"
-              R"("reason":"r","within":["w"],"effects":["e"],"count":4,"source_line":"s"})");
+    warning.limit = &limits::kWord;
+    EXPECT_EQ(
+        diagnostic_json(warning).dump(),
+        R"({"severity":"warning","code":"name-cut",)"
+        R"("at":{"file":"shot.aec","line":2,"column":3,"offset_bytes":10},)"
+        R"("reason":"r","within":["w"],"effects":["e"],"count":4,"source_line":"s","limit":{"id":"word","name":"length of a word or number",)"
+        R"("value":511,"unit":"characters"}})");
 }
 
 TEST(DiagnosticJson, UnknownIsNullAndOtherEncodingsAreBytes) {
     EXPECT_EQ(diagnostic_json(cli::fail("c", {"\xff.aec"}, "r")).dump(),
               R"({"severity":"error","code":"c",)"
               R"("at":{"file":{"bytes":"ff2e616563"},"line":null,"column":null,"offset_bytes":null},)"
-              R"("reason":"r","within":[],"effects":[],"count":1,"source_line":null})");
+              R"("reason":"r","within":[],"effects":[],"count":1,"source_line":null,"limit":null})");
 }
 
 TEST(UnsoundResult, IsAnErrorAboutTheFileAndADefect) {

@@ -1,0 +1,10 @@
+#pragma once
+
+#include "cli/command.h"
+
+namespace cli {
+
+/// `vxr limits`
+Verb limits_verb();
+
+}  // namespace cli

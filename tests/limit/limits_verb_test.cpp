@@ -1,0 +1,77 @@
+// `vxr limits`: what it shows is what the readers compare with.
+
+#include <gtest/gtest.h>
+
+#include <nlohmann/json.hpp>
+#include <set>
+#include <sstream>
+#include <string>
+#include <vector>
+
+#include "cli/limit_words.h"
+#include "cli/program.h"
+#include "limit/limits.h"
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::string output_of(const std::vector<std::string>& arguments) {
+    std::ostringstream out;
+    std::ostringstream err;
+    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
+    EXPECT_EQ(cli::run_program(arguments, terminal), cli::ExitCode::fine);
+    EXPECT_EQ(err.str(), "");
+    return out.str();
+}
+
+TEST(LimitsVerb, ShowsEveryLimitWithValueRuleReasonAndWhatIsBeyond) {
+    const std::string text = output_of({"limits"});
+    EXPECT_NE(text.find("nesting of compositions: 1,024 levels [composition-nesting]\n"
+                        "      our rule: reading, building and deleting a tree stays within 512 KiB of\n"
+                        "      stack; real scenes nest a few deep\n"
+                        "      beyond it: refused: nesting-too-deep\n"),
+              std::string::npos)
+        << text;
+    for (const limits::Limit* const limit : limits::kAll) {
+        EXPECT_NE(text.find('[' + std::string(limit->id) + ']'), std::string::npos) << limit->id;
+    }
+}
+
+TEST(LimitsVerb, JsonHasEveryMemberInItsPlace) {
+    const Json document = Json::parse(output_of({"limits", "--json"}));
+    EXPECT_EQ(document.at("schema"), 1);
+    EXPECT_EQ(document.at("exit_code"), 0);
+    ASSERT_EQ(document.at("limits").size(), limits::kAll.size());
+    EXPECT_EQ(document.at("limits").at(2).dump(),
+              R"({"id":"word","name":"length of a word or number","value":511,"unit":"characters",)"
+              R"("rule":"format","reason":"a word has 512 bytes with the zero behind it",)"
+              R"("beyond":"refused: word-too-long"})");
+}
+
+TEST(Limits, AreNamedApartAndGiveAReason) {
+    std::set<std::string> ids;
+    for (const limits::Limit* const limit : limits::kAll) {
+        EXPECT_TRUE(ids.insert(limit->id).second) << limit->id;
+        EXPECT_GT(limit->value, 0) << limit->id;
+        EXPECT_STRNE(limit->reason, "") << limit->id;
+        EXPECT_STRNE(limit->beyond, "") << limit->id;
+    }
+}
+
+struct GroupedCase {
+    std::int64_t number;
+    const char* text;
+};
+
+const GroupedCase kGrouped[] = {
+    {0, "0"}, {999, "999"}, {1000, "1,000"}, {-1000, "-1,000"}, {-999, "-999"}, {1073741824, "1,073,741,824"},
+};
+
+TEST(Grouped, PutsACommaBetweenThousands) {
+    for (const GroupedCase& tested : kGrouped) {
+        EXPECT_EQ(cli::grouped(tested.number), tested.text);
+    }
+}
+
+}  // namespace
