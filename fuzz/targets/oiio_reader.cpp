@@ -11,7 +11,7 @@ const std::size_t kOptionBytes = 0;
 namespace {
 
 /// In mebibytes; so that no row is larger than the memory that allocations are held to.
-constexpr int kMostDecoded = 8;
+constexpr int kMostDecoded = 1;
 constexpr int kMostRows = 64;
 
 void check_rows(imageio::TxlInput& reader, const OIIO::ImageSpec& spec) {

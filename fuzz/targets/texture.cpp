@@ -13,9 +13,9 @@ const std::size_t kOptionBytes = 0;
 
 namespace {
 
-/// Few enough bytes for the plug-in's picture, of six bytes a pixel and more, to fit the memory that
-/// allocations are held to.
-constexpr std::uint64_t kMostDecodedBytes = std::uint64_t{8} << 20;
+/// Few enough bytes for every pixel to be compared, and for the plug-in's picture, of six bytes a pixel and
+/// more, to fit the memory that allocations are held to.
+constexpr std::uint64_t kMostDecodedBytes = std::uint64_t{1} << 20;
 
 void check_picture(const std::string& path, const Texture& texture) {
     BaseBitmap bitmap;

@@ -10,7 +10,7 @@ namespace {
 using Complaint = std::optional<std::string>;
 
 constexpr std::int64_t kColourValues = 3;
-constexpr std::int64_t kMostValuesRead = std::int64_t{1} << 24;
+constexpr std::int64_t kMostValuesRead = std::int64_t{1} << 22;
 constexpr std::int32_t kAlphaChannel = 1;
 
 /// The first value with bits outside `allowed`, by its index; the last value is always among those read.

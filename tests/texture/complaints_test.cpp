@@ -75,11 +75,11 @@ TEST(BitmapComplaint, AlphaWithoutItsChannel) {
 }
 
 TEST(BitmapComplaint, TheLastValueOfManyIsReadToo) {
-    std::vector<std::uint16_t> pixels(3 * (std::size_t{1} << 24));
-    const BitmapParts parts{1 << 12, 1 << 12, 24, 0, 0, pixels.data(), nullptr};
+    std::vector<std::uint16_t> pixels(3 * (std::size_t{1} << 22));
+    const BitmapParts parts{1 << 11, 1 << 11, 24, 0, 0, pixels.data(), nullptr};
     EXPECT_EQ(bitmap_complaint(parts), std::nullopt);
     pixels.back() = 1;
-    EXPECT_EQ(bitmap_complaint(parts), "row 4095, column 4095: a colour is no byte times 256");
+    EXPECT_EQ(bitmap_complaint(parts), "row 2047, column 2047: a colour is no byte times 256");
 }
 
 TEST(BitmapComplaint, ABitmapAsItBeginsAndIsFilled) {
