@@ -2,6 +2,7 @@
 #include <cstddef>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "cli/scene_check.h"
 #include "cli/written_number.h"
@@ -37,13 +38,24 @@ struct Offenders {
 void report(WarningList& warnings, Code code, const Offenders& keys, const std::string& reason,
             const std::string& effect, const SceneBlock& object) {
     if (keys.count > 0) {
-        Diagnostic& warning = warnings.add(code, keys.first->at, reason + ": " + keys.list(), object.within);
+        Diagnostic& warning =
+            warnings.add(code, keys.first->at(), reason + ": " + keys.list(), object.within);
         warning.effects.push_back(effect);
         warning.count = keys.count;
     }
 }
 
+// Frames that rise within the range, as those of most objects do: there is nothing to say about them.
+bool rise_in_range(const std::vector<SceneKey>& keys, const SceneNumbers& numbers) {
+    const auto not_rising = [](const SceneKey& one, const SceneKey& next) { return next.frame <= one.frame; };
+    return keys.empty() || (keys.front().frame >= numbers.from && keys.back().frame <= numbers.to &&
+                            std::adjacent_find(keys.begin(), keys.end(), not_rising) == keys.end());
+}
+
 void check_frames(const SceneBlock& object, const SceneNumbers& numbers, WarningList& warnings) {
+    if (rise_in_range(object.keys, numbers)) {
+        return;
+    }
     Offenders outside;
     Offenders disordered;
     Offenders repeated;

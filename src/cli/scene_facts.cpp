@@ -58,7 +58,7 @@ void SceneObserver::on_failure(const ReadError& error) {
 
 void SceneObserver::on_keyword(std::string_view keyword, const TextPosition& at) {
     if (keyword == "KEY") {
-        facts_.objects.back().keys.push_back({0, at, {}});
+        facts_.objects.back().keys.emplace_back(at);
         return;
     }
     // The last one counts: what an earlier one said is no longer worth a word.
@@ -83,9 +83,8 @@ void SceneObserver::on_value(const ReadValue& value) {
 }
 
 void SceneObserver::on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) {
-    SceneKey& key = facts_.objects.back().keys.emplace_back();
+    SceneKey& key = facts_.objects.back().keys.emplace_back(at);
     key.frame = frame;
-    key.at = at;
     // Counted without the frame here.
     constexpr std::size_t kFieldOfView = kFieldOfViewIndex - 1;
     if (others.size() > kFieldOfView) {
@@ -96,9 +95,9 @@ void SceneObserver::on_plain_key(const TextPosition& at, std::int32_t frame, std
 void SceneObserver::take_key_value(const ReadValue& value) {
     SceneKey& key = facts_.objects.back().keys.back();
     if (value.index == 0) {
-        key.frame = static_cast<std::int64_t>(value.number);
+        key.frame = static_cast<std::int32_t>(value.number);
     } else if (value.index == kFieldOfViewIndex) {
-        key.field_of_view = value.number;
+        key.field_of_view = static_cast<float>(value.number);
     }
 }
 

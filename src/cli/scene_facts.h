@@ -29,11 +29,21 @@ struct SceneKeyword {
     std::vector<SceneValue> values;
 };
 
-/// A keyframe.
+/// A keyframe. Files have millions, and less than 2 GiB, so that places in them fit into 32 bits.
 struct SceneKey {
-    std::int64_t frame = 0;
-    TextPosition at;                      ///< of KEY
-    std::optional<double> field_of_view;  ///< degrees; cameras only
+    explicit SceneKey(const TextPosition& at)
+        : offset_bytes(static_cast<std::int32_t>(at.offset_bytes)),
+          line(static_cast<std::int32_t>(at.line)),
+          column(static_cast<std::int32_t>(at.column)) {}
+
+    /// Of KEY.
+    [[nodiscard]] TextPosition at() const { return {offset_bytes, line, column}; }
+
+    std::int32_t frame = 0;
+    std::int32_t offset_bytes;
+    std::int32_t line;
+    std::int32_t column;
+    std::optional<float> field_of_view;  ///< degrees; cameras only
 };
 
 /// Numbers behind one keyword of one block that are not kept as they were written.
