@@ -150,14 +150,14 @@ void check_same_models(tagProjectSettings& one, tagProjectSettings& other, const
 void measure_json(benchmark::State& state, const Scene& scene) {
     const std::string& path = json_scene_file(scene);
     std::vector<char> buffer(file_bytes(path) + 1);
-    {
+    (void)peak_memory_bytes_once(std::string("json/") + scene.name, [&] {
         tagProjectSettings ours;
         tagProjectSettings theirs;
         const std::string name = std::string("JSON of ") + scene.name + ": ";
         check_read(scene, ours);
         require(read_json_scene(path, buffer, theirs), name + "failed");
         check_same_models(ours, theirs, name);
-    }
+    });
     time_reading(state, file_bytes(path),
                  [&](tagProjectSettings& settings) { return read_json_scene(path, buffer, settings); });
 }
