@@ -47,17 +47,15 @@ constexpr std::size_t kFirstStringCapacity = 50;
 ASCIIParser::ASCIIParser() : memory_(new_text(kKeptBytes + kJoinedBytes + kBlockBytes + 2)) {
     if (memory_ != nullptr) {
         buffer = memory_ + kKeptBytes + kJoinedBytes;
+        // What looks at eight bytes at a time looks around the ends of a block: never at bytes that were not
+        // set.
+        std::memset(memory_, 0, kKeptBytes + kJoinedBytes + kBlockBytes + 2);
     }
     const char identifier_characters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
     for (const char* c = identifier_characters; *c != '\0'; ++c) {
         charClass[static_cast<unsigned char>(*c)] = 1;
     }
     file = AllocBaseFile();
-    if (buffer != nullptr) {
-        // What looks at eight bytes at a time looks behind the end of a short block: never at bytes that were
-        // not set.
-        std::memset(buffer, 0, kBlockBytes + 2);
-    }
 }
 
 ASCIIParser::~ASCIIParser() {
