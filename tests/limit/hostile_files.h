@@ -1,0 +1,18 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+/// A file that claims more than it holds, or holds as much trouble as its bytes allow.
+struct HostileFile {
+    std::string name;
+    std::string extension;  ///< ".aec" or ".txl"
+    std::string bytes;
+};
+
+/// Made in code: some of at most 100 bytes, some larger.
+std::vector<HostileFile> hostile_files();
+
+/// The files in the folder and those below it, each as a composition file and as a texture. None when there
+/// is no such folder.
+std::vector<HostileFile> files_in(const std::string& folder);
