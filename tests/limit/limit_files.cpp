@@ -69,7 +69,7 @@ std::string many_decoded_bytes(const TemporaryFolder& folder, int above) {
     file.width = 1 << 15;
     file.height = 1 << 15;
     file.with_rows = false;
-    file.layers.resize(static_cast<std::size_t>(1 + above));
+    file.layers.resize(std::size_t{1} + static_cast<std::size_t>(above));
     return texture(folder, file);
 }
 
@@ -99,8 +99,8 @@ std::string row_above_the_rate(const TemporaryFolder& folder, int above) {
     file.rows.rows = 1;
     file.rows.blocks = {{9, ""}};
     file.rows.trailing = HyperBytes().Block(std::string(100, 'x')).bytes();
-    const std::int64_t left =
-        HyperBytes().UChar(9).Block("").Raw(file.rows.trailing).End().End().bytes().size();
+    const std::string rest = HyperBytes().UChar(9).Block("").Raw(file.rows.trailing).End().End().bytes();
+    const auto left = static_cast<std::int64_t>(rest.size());
     file.rows.count = static_cast<std::int32_t>(limits::kRowRate.value * (left + 1)) + above;
     return texture(folder, file);
 }
