@@ -17,6 +17,10 @@ namespace {
 /// more, to fit the memory that allocations are held to.
 constexpr std::uint64_t kMostDecodedBytes = std::uint64_t{1} << 20;
 
+/// Rows are written one channel at a time, whatever their length; more of them than this take a second under
+/// the sanitizers, which would be a find.
+constexpr std::int64_t kMostRowsWritten = std::int64_t{1} << 14;
+
 void check_picture(const std::string& path, const Texture& texture) {
     BaseBitmap bitmap;
     ExampleTXLImage image(&bitmap);
@@ -36,6 +40,10 @@ void check_picture(const std::string& path, const Texture& texture) {
 }
 
 void check_round_trip(const Texture& texture) {
+    const auto channels = static_cast<std::int64_t>(texture.alphas.size()) + texture.channels();
+    if (channels * texture.height_px > kMostRowsWritten) {
+        return;
+    }
     const std::string path = scratch().path("written.txl");
     require(!write_texture(path, texture).has_value(), "a texture that was read can be written");
     const TextureReading again = read_texture(path);
