@@ -167,11 +167,13 @@ void measure_json(benchmark::State& state, const Scene& scene) {
 void measure_memchr(benchmark::State& state, const Scene& scene) {
     const std::string& path = scene_file(scene);
     std::ifstream file(path, std::ios::binary);
-    const std::string text(std::istreambuf_iterator<char>(file), {});
-    require(text.size() == file_bytes(path) && text.find('\0') == std::string::npos, "the text of a scene");
+    const std::vector<char> text(std::istreambuf_iterator<char>(file), {});
+    constexpr char kInNoText = '\1';
+    require(text.size() == file_bytes(path) && std::find(text.begin(), text.end(), kInNoText) == text.end(),
+            "the text of a scene");
     while (state.KeepRunning()) {
         benchmark::DoNotOptimize(text.data());
-        benchmark::DoNotOptimize(std::memchr(text.data(), 0, text.size()));
+        benchmark::DoNotOptimize(std::memchr(text.data(), kInNoText, text.size()));
     }
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }

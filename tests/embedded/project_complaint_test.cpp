@@ -19,7 +19,6 @@ namespace {
 using embedded::FootageKind;
 using embedded::FrameRange;
 using embedded::ItemKind;
-using embedded::LayerKind;
 using embedded::Project;
 using embedded::Session;
 

@@ -29,6 +29,7 @@ inline ProcessResult run_process(const std::vector<std::string>& arguments,
     const std::string out = folder.path("out");
     const std::string err = folder.path("err");
     std::vector<char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         pointers.push_back(const_cast<char*>(argument.c_str()));  // execvp does not change them
     }

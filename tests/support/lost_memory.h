@@ -24,12 +24,14 @@ class LostMemory {
             __lsan_disable();
 #endif
     }
-    ~LostMemory() {
 #if defined(VXR_HAS_LEAK_CHECKER)
+    ~LostMemory() {
         if (expected_)
             __lsan_enable();
-#endif
     }
+#else
+    ~LostMemory() = default;
+#endif
     LostMemory(const LostMemory&) = delete;
     LostMemory& operator=(const LostMemory&) = delete;
 
