@@ -95,9 +95,10 @@ endfunction()
 # RUNS several times as NAME.RUN; the caller sets what is different.
 function(vxr_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS;RUNS")
-    add_executable(${name} ${arg_SOURCES})
+    vxr_joined_tests(${name} "${arg_SOURCES}" sources)
+    add_executable(${name} ${sources})
     target_link_libraries(${name} PRIVATE project_flags ${arg_LINKS} GTest::gmock GTest::gtest_main)
-    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests")
+    target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
     target_compile_definitions(${name} PRIVATE
         VXR_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
         VXR_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
@@ -110,12 +111,4 @@ function(vxr_test name)
         add_test(NAME ${test} COMMAND ${name})
         set_tests_properties(${test} PROPERTIES TIMEOUT 900)
     endforeach()
-endfunction()
-
-# vxr_joined(TARGET): with VXR_JOINED, compiles several sources of a target at a time. For targets whose sources each
-# read the libraries for JSON and command lines, which is most of their time.
-function(vxr_joined target)
-    if(VXR_JOINED)
-        set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-    endif()
 endfunction()

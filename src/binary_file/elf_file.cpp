@@ -28,7 +28,7 @@ enum DynamicTag : std::uint64_t {
 };
 constexpr std::uint64_t kFlagProgram = 0x08000000;  // position-independent programs are of type "shared"
 
-std::string processor_word(std::uint16_t machine) {
+std::string elf_processor(std::uint16_t machine) {
     switch (machine) {
         case 3:
             return "i386";
@@ -54,7 +54,7 @@ class ElfReader {
         file_ = ByteView(file_.all(), file_.u8(5) == 2 ? ByteOrder::big : ByteOrder::little);
         image.is_64_bit = wide_;
         const std::uint16_t type = file_.u16(16);
-        image.processor = processor_word(file_.u16(18));
+        image.processor = elf_processor(file_.u16(18));
         image.kind = type == 1   ? "object file"
                      : type == 2 ? "program"
                      : type == 3 ? "shared library"

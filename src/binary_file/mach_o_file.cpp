@@ -19,7 +19,7 @@ enum Command : std::uint32_t {
     kUpwardLoad = 0x80000023,
 };
 
-std::string processor_word(std::uint32_t type) {
+std::string mach_o_processor(std::uint32_t type) {
     switch (type) {
         case 7:
             return "i386";
@@ -107,7 +107,7 @@ void read_image(const ByteView& slice, Image& image) {
         slice.all(), has_magic(ByteView(slice.all(), ByteOrder::little)) ? ByteOrder::little : ByteOrder::big,
         slice.start_bytes());
     image.is_64_bit = file.u32(0) == kMagic64;
-    image.processor = processor_word(file.u32(4));
+    image.processor = mach_o_processor(file.u32(4));
     const std::uint32_t type = file.u32(12);
     image.kind = kind_word(type);
     image.loadable = type == 6 || type == 8;

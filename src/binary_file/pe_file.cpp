@@ -16,7 +16,7 @@ constexpr std::uint16_t kIsLibrary = 0x2000;
 
 enum Directory : std::uint64_t { kExports = 0, kImports = 1, kResources = 2, kDelayedImports = 13 };
 
-std::string processor_word(std::uint16_t machine) {
+std::string pe_processor(std::uint16_t machine) {
     switch (machine) {
         case 0x014C:
             return "i386";
@@ -41,7 +41,7 @@ class PeReader {
             throw Damage(header, "the header of a portable executable is expected here");
         }
         const ByteView coff = file_.part(header + 4, 20);
-        image.processor = processor_word(coff.u16(0));
+        image.processor = pe_processor(coff.u16(0));
         const std::uint16_t flags = coff.u16(18);
         image.loadable = (flags & kIsLibrary) != 0;
         image.kind = image.loadable ? "DLL" : (flags & kIsProgram) != 0 ? "program" : "object file";

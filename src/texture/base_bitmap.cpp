@@ -13,13 +13,13 @@ constexpr std::int32_t kOutOfMemory = 2;
 constexpr std::int32_t kNoNewChannel = 0;
 constexpr std::int32_t kAlphaChannel = 1;
 constexpr std::int64_t kColourValues = 3;
-constexpr std::int64_t kValueBytes = sizeof(std::uint16_t);
+constexpr std::int64_t kBytesPerValue = sizeof(std::uint16_t);
 
 }  // namespace
 
 BaseBitmap::Array BaseBitmap::AllocateArray(std::int64_t count) {
     // At least one value: null means failure, and the C library may answer a request for nothing with null.
-    const std::int64_t size_bytes = std::max<std::int64_t>(count, 1) * kValueBytes;
+    const std::int64_t size_bytes = std::max<std::int64_t>(count, 1) * kBytesPerValue;
     return Array(static_cast<std::uint16_t*>(MemAllocZeroed(size_bytes)));
 }
 

@@ -15,8 +15,8 @@
 
 namespace {
 
-constexpr std::int32_t kHeaderVersion = 0;
-constexpr std::int32_t kRowsVersion = 1;
+constexpr std::int32_t kLayerHeaderVersion = 0;
+constexpr std::int32_t kLayerRowsVersion = 1;
 
 // What is written for a layer in grey; in every other mode it has as many channels as RGB.
 constexpr std::int32_t layer_channels(std::int32_t mode) {
@@ -36,10 +36,10 @@ bool TXLPaintLayer::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::i
     if (TXLImageFilter::Of(hf) == nullptr) {
         return false;
     }
-    if (id == kChunkLayerHeader && version >= kHeaderVersion) {
+    if (id == kChunkLayerHeader && version >= kLayerHeaderVersion) {
         return ReadHeader(hf);
     }
-    if (id == kChunkPixelRows && version >= kRowsVersion) {
+    if (id == kChunkPixelRows && version >= kLayerRowsVersion) {
         return ReadRows(hf);
     }
     return false;
@@ -119,7 +119,7 @@ void TXLPaintLayer::Write(PrivateHyperFile* hf) {
 
 void TXLPaintLayer::WriteHeader(PrivateHyperFile* hf) {
     constexpr std::array<unsigned char, 3> kAttributes{};
-    hf->WriteChunkStart(kChunkLayerHeader, kHeaderVersion);
+    hf->WriteChunkStart(kChunkLayerHeader, kLayerHeaderVersion);
     hf->WriteLong(color_mode_);
     hf->WriteMemory(kAttributes.data(), layer_channels(color_mode_));
     hf->WriteLong(0);
@@ -139,7 +139,7 @@ void TXLPaintLayer::WriteRows(PrivateHyperFile* hf) {
     const std::int32_t width = image->GetBw();
     const std::int32_t height = image->GetBh();
     const std::int32_t channels = layer_channels(color_mode_);
-    hf->WriteChunkStart(kChunkPixelRows, kRowsVersion);
+    hf->WriteChunkStart(kChunkPixelRows, kLayerRowsVersion);
     hf->WriteLong(0);
     hf->WriteLong(0);
     hf->WriteLong(width);

@@ -11,8 +11,8 @@
 
 namespace {
 
-constexpr std::int32_t kHeaderVersion = 1;
-constexpr std::int32_t kRowsVersion = 2;
+constexpr std::int32_t kTextureHeaderVersion = 1;
+constexpr std::int32_t kTextureRowsVersion = 2;
 
 bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
     if (++filter.header_count() > limits::kTextureHeaders.value) {
@@ -40,10 +40,10 @@ bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t vers
 }
 
 bool read_rows(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
-    if (version < kRowsVersion) {
+    if (version < kTextureRowsVersion) {
         return hf->Fail(TextureFault::unsupported, [&] {
             return "pixel rows of version " + std::to_string(version) + ", a texture has at least " +
-                   std::to_string(kRowsVersion);
+                   std::to_string(kTextureRowsVersion);
         }) != 0;
     }
     PixelRowsHeader rows_header{};
@@ -72,7 +72,7 @@ bool read_rows(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t versio
 }
 
 void write_header(PrivateHyperFile* hf, std::int32_t width, std::int32_t height, std::int32_t mode) {
-    hf->WriteChunkStart(kChunkTextureHeader, kHeaderVersion);
+    hf->WriteChunkStart(kChunkTextureHeader, kTextureHeaderVersion);
     hf->WriteLong(width);
     hf->WriteLong(height);
     hf->WriteLong(mode);
@@ -132,7 +132,7 @@ void TXLTexture::Write(PrivateHyperFile* hf) {
     const std::int32_t width = image->GetBw();
     const std::int32_t height = image->GetBh();
     write_header(hf, width, height, mode);
-    hf->WriteChunkStart(kChunkPixelRows, kRowsVersion);
+    hf->WriteChunkStart(kChunkPixelRows, kTextureRowsVersion);
     const std::int32_t channels = texture_channels(mode);
     if (channels == 0) {
         return;  // Deliberately without the chunk's end tag: readers of such files know no other form.

@@ -169,7 +169,7 @@ A_Err set_interpretation(AEGP_ItemH item, A_Boolean proxy, const AEGP_FootageInt
 }
 
 template <class Table>
-Table filled_table() {
+Table footage_table() {
     auto suite = reserved_table<Table, SuiteId::footage>();
     suite.AEGP_NewFootage = new_footage;
     suite.AEGP_AddFootageToProject = add_footage;
@@ -182,12 +182,12 @@ Table filled_table() {
 }  // namespace
 
 const AEGP_FootageSuite7* footage_suite() {
-    static const auto table = filled_table<AEGP_FootageSuite7>();
+    static const auto table = footage_table<AEGP_FootageSuite7>();
     return &table;
 }
 
 const AEGP_FootageSuite11* footage_suite_of_today() {
-    static const auto table = filled_table<AEGP_FootageSuite11>();
+    static const auto table = footage_table<AEGP_FootageSuite11>();
     return &table;
 }
 

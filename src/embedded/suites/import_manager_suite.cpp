@@ -107,7 +107,7 @@ A_Err register_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags
 }
 
 template <class Table>
-Table filled_table() {
+Table import_manager_table() {
     auto suite = reserved_table<Table, SuiteId::import_manager>();
     suite.AEGP_RegisterImportFlavor = register_flavor;
     suite.AEGP_RegisterImportFlavorFileTypes = register_file_types;
@@ -118,12 +118,12 @@ Table filled_table() {
 }  // namespace
 
 const AEGP_FileImportManagerSuite2* import_manager_suite() {
-    static const auto table = filled_table<AEGP_FileImportManagerSuite2>();
+    static const auto table = import_manager_table<AEGP_FileImportManagerSuite2>();
     return &table;
 }
 
 const AEGP_FileImportManagerSuite3* import_manager_suite_of_today() {
-    static const auto table = filled_table<AEGP_FileImportManagerSuite3>();
+    static const auto table = import_manager_table<AEGP_FileImportManagerSuite3>();
     return &table;
 }
 

@@ -109,7 +109,7 @@ A_Err set_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
 }
 
 template <class Table>
-Table filled_table() {
+Table persistent_data_table() {
     auto suite = reserved_table<Table, SuiteId::persistent_data>();
     suite.AEGP_GetApplicationBlob = get_application_blob;
     suite.AEGP_DoesKeyExist = does_key_exist;
@@ -121,12 +121,12 @@ Table filled_table() {
 }  // namespace
 
 const AEGP_PersistentDataSuite1* persistent_data_suite() {
-    static const auto table = filled_table<AEGP_PersistentDataSuite1>();
+    static const auto table = persistent_data_table<AEGP_PersistentDataSuite1>();
     return &table;
 }
 
 const AEGP_PersistentDataSuite3* persistent_data_suite_of_today() {
-    static const auto table = filled_table<AEGP_PersistentDataSuite3>();
+    static const auto table = persistent_data_table<AEGP_PersistentDataSuite3>();
     return &table;
 }
 

@@ -112,7 +112,7 @@ A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_Modu
 }
 
 template <class Table>
-Table filled_table() {
+Table registration_table() {
     auto suite = reserved_table<Table, SuiteId::registration>();
     suite.AEGP_RegisterDeathHook = register_death_hook;
     suite.AEGP_RegisterIO = register_io;
@@ -122,12 +122,12 @@ Table filled_table() {
 }  // namespace
 
 const AEGP_RegisterSuite4* registration_suite() {
-    static const auto table = filled_table<AEGP_RegisterSuite4>();
+    static const auto table = registration_table<AEGP_RegisterSuite4>();
     return &table;
 }
 
 const AEGP_RegisterSuite6* registration_suite_of_today() {
-    static const auto table = filled_table<AEGP_RegisterSuite6>();
+    static const auto table = registration_table<AEGP_RegisterSuite6>();
     return &table;
 }
 
