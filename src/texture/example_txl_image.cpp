@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "texture/fetch.h"
+#include "texture/widened_bytes.h"
 
 namespace {
 
@@ -32,20 +32,15 @@ unsigned char LowByte(std::uint16_t value) {
     return static_cast<unsigned char>(value & 0xFF);
 }
 
-// `count` bytes to as many values, each through `convert`. `next` is where the row after this one begins: its
-// memory is asked for meanwhile, since rows come one after the other.
-template <typename Convert>
-void StoreRow(const unsigned char* data, std::int64_t count, std::uint16_t* row, const std::uint16_t* next,
-              Convert convert) {
-    constexpr std::int64_t kLineValues = 32;  // in a cache line
-    std::int64_t i = 0;
-    for (; i + kLineValues <= count; i += kLineValues) {
-        FetchToWrite(next + i);
-        for (std::int64_t k = i; k < i + kLineValues; ++k)
-            row[k] = convert(data[k]);
-    }
-    for (; i < count; ++i)
-        row[i] = convert(data[i]);
+// A row of colour or alpha; only a row that is not the `last` has one below it.
+void StoreRow(const BaseBitmap& bitmap, std::int64_t channels, WidenedTo to, const unsigned char* data,
+              std::int64_t count, std::uint16_t* place, bool last) {
+    const std::int64_t row_values = channels * bitmap.width();
+    const std::int64_t picture_bytes = row_values * bitmap.height() * std::int64_t{sizeof(std::uint16_t)};
+    if (picture_bytes >= kStreamedPictureBytes)
+        StreamWidenedBytes(to, data, count, place);
+    else
+        WidenBytes(to, data, count, place, last ? place : place + row_values);
 }
 
 void StorePixels(const unsigned char* data, std::int32_t stride, bool grey, std::int32_t count,
@@ -103,9 +98,8 @@ bool ExampleTXLImage::SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t
     std::uint16_t* const place = row + 3 * (std::int64_t{x} + inside.begin);
     const std::int32_t inside_count = inside.end - inside.begin;
     if (color_mode_ == kRgb && stride == 3) {
-        const bool last = y + 1 == bitmap_->height();
-        const std::uint16_t* const next = last ? place : place + 3 * std::int64_t{bitmap_->width()};
-        StoreRow(first, 3 * std::int64_t{inside_count}, place, next, Scaled);
+        StoreRow(*bitmap_, 3, WidenedTo::high_byte, first, 3 * std::int64_t{inside_count}, place,
+                 y + 1 == bitmap_->height());
     } else {
         StorePixels(first, stride, color_mode_ == kGrey, inside_count, place);
     }
@@ -121,9 +115,8 @@ bool ExampleTXLImage::SetAlphaPixel(std::int32_t /*channel*/, std::int32_t x, st
     if (row == nullptr || inside.begin == inside.end)
         return true;
     std::uint16_t* const place = row + std::int64_t{x} + inside.begin;
-    const std::uint16_t* const next = y + 1 == bitmap_->height() ? place : place + bitmap_->width();
-    StoreRow(data + inside.begin, inside.end - inside.begin, place, next,
-             [](unsigned char value) { return std::uint16_t{value}; });
+    StoreRow(*bitmap_, 1, WidenedTo::low_byte, data + inside.begin, inside.end - inside.begin, place,
+             y + 1 == bitmap_->height());
     return true;
 }
 

@@ -24,13 +24,20 @@ TEST(DrawnRow, EveryPixelIsTheHighBytesOfColourAndTheLowByteOfAlpha) {
         const auto colour = RandomValues<std::uint16_t>(random, 3 * count);
         const auto alpha = RandomValues<std::uint16_t>(random, count);
         for (const bool has_alpha : {false, true}) {
-            const std::unique_ptr<unsigned char[]> argb(new unsigned char[4 * count]);
-            const DrawnRow row = {colour.get(), has_alpha ? alpha.get() : nullptr, argb.get()};
-            DrawRow(row, static_cast<std::int32_t>(count), row);
-            for (std::size_t x = 0; x < count; ++x) {
-                ASSERT_EQ(argb[4 * x], has_alpha ? alpha[x] & 0xFF : 0xFF) << x << " of " << count;
-                for (std::size_t i = 0; i < 3; ++i)
-                    ASSERT_EQ(argb[4 * x + 1 + i], colour[3 * x + i] >> 8) << x << " of " << count;
+            for (const FrameMemory memory : {FrameMemory::through_caches, FrameMemory::past_caches}) {
+                // A host's row may begin anywhere; behind it lies what is not ours.
+                for (const std::size_t begin : {0U, 1U, 2U, 4U, 8U, 12U}) {
+                    const std::size_t byte_count = begin + 4 * count;
+                    const std::unique_ptr<unsigned char[]> bytes(new unsigned char[byte_count]);
+                    unsigned char* const argb = bytes.get() + begin;
+                    const DrawnRow row = {colour.get(), has_alpha ? alpha.get() : nullptr, argb};
+                    DrawRow(row, static_cast<std::int32_t>(count), row, memory);
+                    for (std::size_t x = 0; x < count; ++x) {
+                        ASSERT_EQ(argb[4 * x], has_alpha ? alpha[x] & 0xFF : 0xFF) << x << " of " << count;
+                        for (std::size_t i = 0; i < 3; ++i)
+                            ASSERT_EQ(argb[4 * x + 1 + i], colour[3 * x + i] >> 8) << x << " of " << count;
+                    }
+                }
             }
         }
     }

@@ -4,6 +4,8 @@
 
 #include "texture/fetch.h"
 #include "texture/little_endian.h"
+#include "texture/planes16.h"
+#include "texture/widened_bytes.h"
 
 namespace {
 
@@ -16,7 +18,8 @@ constexpr std::int32_t kAhead = 512;
 
 constexpr std::uint32_t kOpaque = 0xFF;
 
-/// Asks for the cache lines of a stretch.
+/// Asks for the cache lines of a stretch, those of the frame unless they are passed by.
+template <bool Streamed>
 [[gnu::always_inline]] inline void FetchStretch(const DrawnRow& row, std::int32_t x) {
     constexpr std::int64_t kLineValues = 32;  // of 16 bits in a cache line
     const std::uint16_t* const rgb = row.rgb + 3 * std::int64_t{x};
@@ -25,8 +28,10 @@ constexpr std::uint32_t kOpaque = 0xFF;
     FetchToRead(rgb + 2 * kLineValues);
     if (row.alpha != nullptr)
         FetchToRead(row.alpha + x);
-    FetchToWrite(row.argb + 4 * std::int64_t{x});
-    FetchToWrite(row.argb + 4 * std::int64_t{x} + 2 * kLineValues);
+    if constexpr (!Streamed) {
+        FetchToWrite(row.argb + 4 * std::int64_t{x});
+        FetchToWrite(row.argb + 4 * std::int64_t{x} + 2 * kLineValues);
+    }
 }
 
 void DrawOne(const DrawnRow& row, std::int64_t x) {
@@ -37,46 +42,65 @@ void DrawOne(const DrawnRow& row, std::int64_t x) {
         row.argb + 4 * x);
 }
 
-/// Byte `From` of `word`, moved to byte `To`.
-template <unsigned From, unsigned To>
-std::uint64_t Moved(std::uint64_t word) {
-    constexpr std::uint64_t kByte = std::uint64_t{0xFF} << (8 * To);
-    constexpr unsigned kUp = 8 * (std::max(From, To) - From);
-    constexpr unsigned kDown = 8 * (std::max(From, To) - To);
-    return word << kUp >> kDown & kByte;
+[[gnu::always_inline]] inline Bytes16 HighBytesAt(const std::uint16_t* values) {
+    return HighBytes(LoadBytes16(values), LoadBytes16(values + 8));
 }
 
-template <bool HasAlpha>
-void DrawFour(const DrawnRow& row, std::int64_t x) {
-    // R G B R, G B R G, B R G B: the high byte of each is at an odd place.
-    const std::uint64_t first = LoadFour(row.rgb + 3 * x);
-    const std::uint64_t second = LoadFour(row.rgb + 3 * x + 4);
-    const std::uint64_t third = LoadFour(row.rgb + 3 * x + 8);
-    const std::uint64_t alpha = HasAlpha ? LoadFour(row.alpha + x) : kOpaque * 0x0001000100010001U;
+template <bool Streamed>
+[[gnu::always_inline]] inline void StorePixels(Bytes16 pixels, unsigned char* argb) {
+    if constexpr (Streamed)
+        StreamBytes16(pixels, argb);
+    else
+        StoreBytes16(pixels, argb);
+}
+
+template <bool HasAlpha, bool Streamed>
+[[gnu::always_inline]] inline void DrawSixteen(const DrawnRow& row, std::int64_t x) {
+    const std::uint16_t* const rgb = row.rgb + 3 * x;
+    const Pixels16 planes = Split16({HighBytesAt(rgb), HighBytesAt(rgb + 16), HighBytesAt(rgb + 32)});
+    const Bytes16 alpha = HasAlpha ? LowBytes(LoadBytes16(row.alpha + x), LoadBytes16(row.alpha + x + 8))
+                                   : Bytes16{} + static_cast<unsigned char>(kOpaque);
+    const Bytes16 alpha_red_low = ZipLow(alpha, planes.first);
+    const Bytes16 alpha_red_high = ZipHigh(alpha, planes.first);
+    const Bytes16 green_blue_low = ZipLow(planes.second, planes.third);
+    const Bytes16 green_blue_high = ZipHigh(planes.second, planes.third);
     unsigned char* const argb = row.argb + 4 * x;
-    StoreLittle(Moved<0, 0>(alpha) | Moved<1, 1>(first) | Moved<3, 2>(first) | Moved<5, 3>(first) |
-                    Moved<2, 4>(alpha) | Moved<7, 5>(first) | Moved<1, 6>(second) | Moved<3, 7>(second),
-                argb);
-    StoreLittle(Moved<4, 0>(alpha) | Moved<5, 1>(second) | Moved<7, 2>(second) | Moved<1, 3>(third) |
-                    Moved<6, 4>(alpha) | Moved<3, 5>(third) | Moved<5, 6>(third) | Moved<7, 7>(third),
-                argb + 8);
+    StorePixels<Streamed>(ZipPairsLow(alpha_red_low, green_blue_low), argb);
+    StorePixels<Streamed>(ZipPairsHigh(alpha_red_low, green_blue_low), argb + 16);
+    StorePixels<Streamed>(ZipPairsLow(alpha_red_high, green_blue_high), argb + 32);
+    StorePixels<Streamed>(ZipPairsHigh(alpha_red_high, green_blue_high), argb + 48);
 }
 
 /// The rows are copies, which no store into the frame can change as far as the compiler knows.
-template <bool HasAlpha>
+template <bool HasAlpha, bool Streamed>
 // cppcheck-suppress passedByValue
 void Draw(const DrawnRow row, std::int32_t count, const DrawnRow next) {
     std::int32_t x = 0;
+    if constexpr (Streamed) {
+        for (; x < count && reinterpret_cast<std::uintptr_t>(row.argb + 4 * std::int64_t{x}) % 16 != 0; ++x)
+            DrawOne(row, x);
+    }
     for (; count - x >= kStretch; x += kStretch) {
         if (count - x >= kAhead + kStretch)
-            FetchStretch(row, x + kAhead);
+            FetchStretch<Streamed>(row, x + kAhead);
         else
-            FetchStretch(next, std::clamp(x + kAhead - count, 0, count - kStretch));
-        for (std::int32_t i = x; i < x + kStretch; i += 4)
-            DrawFour<HasAlpha>(row, i);
+            FetchStretch<Streamed>(next, std::clamp(x + kAhead - count, 0, count - kStretch));
+        DrawSixteen<HasAlpha, Streamed>(row, x);
+        DrawSixteen<HasAlpha, Streamed>(row, x + kStretch / 2);
     }
+    if constexpr (Streamed)
+        EndStream();
     for (; x < count; ++x)
         DrawOne(row, x);
+}
+
+template <bool HasAlpha>
+void DrawInto(FrameMemory memory, const DrawnRow& row, std::int32_t count, const DrawnRow& next) {
+    // Pixels that lie across words are not streamed: no number of them reaches an address to begin at.
+    if (memory == FrameMemory::past_caches && reinterpret_cast<std::uintptr_t>(row.argb) % 4 == 0)
+        Draw<HasAlpha, true>(row, count, next);
+    else
+        Draw<HasAlpha, false>(row, count, next);
 }
 
 // Where row `y` of the picture is drawn. The host's alpha is the picture's own, opaque for a picture without.
@@ -90,16 +114,19 @@ DrawnRow RowOf(const BaseBitmap& bitmap, const PF_LayerDef& world, A_long y) {
 
 }  // namespace
 
-void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next) {
+void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next, FrameMemory memory) {
     if (row.alpha != nullptr)
-        Draw<true>(row, count, next);
+        DrawInto<true>(memory, row, count, next);
     else
-        Draw<false>(row, count, next);
+        DrawInto<false>(memory, row, count, next);
 }
 
 void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world) {
     const A_long width = std::min(bitmap.width(), world.width);
     const A_long height = std::min(bitmap.height(), world.height);
+    const FrameMemory memory = std::int64_t{4} * width * height >= kStreamedPictureBytes
+                                   ? FrameMemory::past_caches
+                                   : FrameMemory::through_caches;
     for (A_long y = 0; y < height; ++y)
-        DrawRow(RowOf(bitmap, world, y), width, RowOf(bitmap, world, std::min(y + 1, height - 1)));
+        DrawRow(RowOf(bitmap, world, y), width, RowOf(bitmap, world, std::min(y + 1, height - 1)), memory);
 }

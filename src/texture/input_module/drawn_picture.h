@@ -17,6 +17,10 @@ struct DrawnRow {
     unsigned char* argb = nullptr;         ///< four bytes a pixel: alpha, red, green, blue
 };
 
+/// How a frame is stored: one that is larger than the caches, of which nothing would be left in them by the
+/// time that it is used, need not go through them.
+enum class FrameMemory { through_caches, past_caches };
+
 /// Draws `count` pixels of one row. `next` is the row that is drawn after this one, `row` itself when there
 /// is none: its beginning is fetched in time.
-void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next);
+void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next, FrameMemory memory);
