@@ -58,18 +58,20 @@ if(NOT VXR_INSTRUMENTED)
     endif()
 endif()
 
+# Not -fsanitize=function: it compares where types are described, and that is another place in the bundle than in the
+# host that calls it. Only clang has it.
+if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
+    set(no_function -fno-sanitize=function)
+endif()
 if(VXR_SANITIZE)
     target_compile_options(project_flags INTERFACE
-        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
-    target_link_options(project_flags INTERFACE -fsanitize=address,undefined)
+        -fsanitize=address,undefined ${no_function} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_flags INTERFACE -fsanitize=address,undefined ${no_function})
 endif()
 if(VXR_FUZZ)
-    # Not -fsanitize=function: it compares where types are described, and that is another place in the bundle than in the
-    # host that calls it.
     target_compile_options(project_flags INTERFACE
-        -fsanitize=fuzzer-no-link,address,undefined -fno-sanitize=function -fno-sanitize-recover=all
-        -fno-omit-frame-pointer)
-    target_link_options(project_flags INTERFACE -fsanitize=address,undefined -fno-sanitize=function)
+        -fsanitize=fuzzer-no-link,address,undefined ${no_function} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(project_flags INTERFACE -fsanitize=address,undefined ${no_function})
 endif()
 if(VXR_THREADS)
     target_compile_options(project_flags INTERFACE -fsanitize=thread -fno-omit-frame-pointer)

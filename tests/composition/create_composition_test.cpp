@@ -1,6 +1,5 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <functional>
 #include <string>
@@ -10,6 +9,7 @@
 #include "host/suite_handler.h"
 #include "limit/limits.h"
 #include "support/recording_host.h"
+#include "support/small_stack.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -279,22 +279,6 @@ TEST_F(CreateComposition, AMissingSuiteIsNoFailureToReport) {
 }
 
 // ---- depth
-
-/// Runs `work` with no more than 512 KiB of stack: what a host's thread is sure to have left.
-void run_on_small_stack(const std::function<void()>& work) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(pthread_attr_setstacksize(&attributes, std::size_t{512} * 1024), 0);
-    pthread_t thread{};
-    const auto call = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    std::function<void()> copy = work;
-    ASSERT_EQ(pthread_create(&thread, &attributes, call, &copy), 0);
-    pthread_join(thread, nullptr);
-    pthread_attr_destroy(&attributes);
-}
 
 TEST_F(CreateComposition, TheDeepestTreeIsBuiltWithinASmallStack) {
     CComposition* innermost = &root();

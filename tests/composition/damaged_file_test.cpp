@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <pthread.h>
 
 #include <cstring>
 #include <memory>
@@ -17,6 +16,7 @@
 #include "composition/parsed_text.h"
 #include "composition/recording_observer.h"
 #include "composition/refused_memory.h"
+#include "support/small_stack.h"
 
 namespace {
 
@@ -199,29 +199,20 @@ struct DeepRead {
     int result = -1;
 };
 
-void* read_deep(void* argument) {
-    auto& deep = *static_cast<DeepRead*>(argument);
+void read_deep(DeepRead& deep) {
     if (deep.p.Init(Filename(deep.path.c_str()), 1, 0) == 0) {
         deep.result = ReadCompositionFile(deep.p, *deep.settings);
     }
     deep.settings.reset();
-    return nullptr;
 }
 
 // Reading and deleting the deepest tree, on a thread that has no more stack than that.
-TEST(DamagedFile, NestingStaysWithin512KiBOfStack) {
-    constexpr std::size_t kStackBytes = std::size_t{512} * 1024;
+TEST(DamagedFile, NestingStaysWithinASmallStack) {
     const TemporaryFolder folder;
     const std::pair<int, int> cases[] = {{1024, 1}, {1025, 0}, {100000, 0}};
     for (const auto& [levels, result] : cases) {
         const auto deep = std::make_unique<DeepRead>(folder.write("shot.aec", nested(levels)));
-        pthread_attr_t attributes;
-        ASSERT_EQ(pthread_attr_init(&attributes), 0);
-        ASSERT_EQ(pthread_attr_setstacksize(&attributes, kStackBytes), 0);
-        pthread_t thread{};
-        ASSERT_EQ(pthread_create(&thread, &attributes, read_deep, deep.get()), 0);
-        ASSERT_EQ(pthread_join(thread, nullptr), 0);
-        pthread_attr_destroy(&attributes);
+        run_on_small_stack([&] { read_deep(*deep); });
         EXPECT_EQ(deep->result, result) << levels;
     }
 }

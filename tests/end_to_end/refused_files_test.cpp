@@ -13,13 +13,12 @@
 #include <tuple>
 #include <utility>
 
-#include <pthread.h>
 #include <unistd.h>
 
 #include "embedded/project_json.h"
 #include "support/loaded_bundle.h"
 #include "support/scene_folder.h"
-
+#include "support/small_stack.h"
 #include "support/special_files.h"
 
 namespace {
@@ -217,22 +216,6 @@ TEST(RefusedFiles, FootageThatIsNoFileBecomesAPlaceholder) {
     EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
 }
 
-/// Runs `work` on a thread with this much stack.
-void run_with_stack(std::size_t stack_bytes, const std::function<void()>& work) {
-    pthread_attr_t attributes;
-    ASSERT_EQ(::pthread_attr_init(&attributes), 0);
-    ASSERT_EQ(::pthread_attr_setstacksize(&attributes, stack_bytes), 0);
-    pthread_t thread{};
-    const auto body = [](void* argument) -> void* {
-        (*static_cast<const std::function<void()>*>(argument))();
-        return nullptr;
-    };
-    std::function<void()> copy = work;
-    ASSERT_EQ(::pthread_create(&thread, &attributes, body, &copy), 0);
-    ASSERT_EQ(::pthread_join(thread, nullptr), 0);
-    ::pthread_attr_destroy(&attributes);
-}
-
 std::string nested(int levels) {
     std::string text = kSettings;
     for (int level = 0; level < levels; ++level)
@@ -243,7 +226,7 @@ std::string nested(int levels) {
 }
 
 // Read, built and deleted within the stack that a host's thread has left at least.
-TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithin512KiBOfStack) {
+TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithinASmallStack) {
     const Deadline deadline(kPatience_s);
     const SceneFolder folder;
     for (const auto& [levels, built] : {std::pair{1024, std::size_t{1024}}, {1025, std::size_t{0}}}) {
@@ -253,7 +236,7 @@ TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithin512KiBOfStack) {
         bundle.host().log_calls(nullptr);
         const std::string before = everything_in(bundle.host().project());
         embedded::CallbackResult result;
-        run_with_stack(std::size_t{512} * 1024, [&] { result = bundle.host().import_file(path); });
+        run_on_small_stack([&] { result = bundle.host().import_file(path); });
         EXPECT_EQ(result.code, 0);
         EXPECT_EQ(bundle.host().project().compositions.size(), built);
         EXPECT_EQ(everything_in(bundle.host().project()) == before, built == 0);
@@ -271,7 +254,7 @@ TEST(Nesting, FailingInItsDepthReportsEveryLevel) {
     LoadedBundle bundle(options);
     bundle.host().log_calls(nullptr);
     embedded::CallbackResult result;
-    run_with_stack(std::size_t{512} * 1024, [&] { result = bundle.host().import_file(path); });
+    run_on_small_stack([&] { result = bundle.host().import_file(path); });
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(bundle.host().messages().size(), 1024U + 1U);
     EXPECT_EQ(bundle.host().project().compositions.size(), 1023U);

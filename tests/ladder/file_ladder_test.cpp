@@ -17,7 +17,7 @@ using Clock = std::chrono::steady_clock;
 // Of files under 4 KB every length and every byte; of larger ones, and under a sanitizer, which takes ten
 // times as long, a part that a fixed seed chooses. Of images, of which the bundle reads a few bytes at most,
 // less.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VXR_SANITIZED)
 constexpr std::size_t kOfSmallFiles = 40;
 constexpr std::size_t kOfLargeFiles = 40;
 constexpr std::size_t kOfFootage = 1;

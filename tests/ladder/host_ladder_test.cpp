@@ -15,7 +15,7 @@
 namespace {
 
 // Of long lists of calls, as those of many keys are, a part.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VXR_SANITIZED)
 constexpr std::size_t kOfOneFunction = 2;
 #else
 constexpr std::size_t kOfOneFunction = 25;

@@ -13,7 +13,7 @@
 namespace {
 
 // Of an import with many more allocations than this, a part.
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VXR_SANITIZED)
 constexpr std::size_t kOfOneFile = 60;
 #else
 constexpr std::size_t kOfOneFile = 1000;

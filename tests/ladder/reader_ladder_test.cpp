@@ -16,7 +16,7 @@
 
 namespace {
 
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VXR_SANITIZED)
 constexpr std::size_t kMost = 480;
 #else
 constexpr std::size_t kMost = std::size_t{8} * 4096;

@@ -19,7 +19,7 @@ bool refused() {
 
 }  // namespace
 
-#if !defined(__SANITIZE_ADDRESS__)
+#if !defined(VXR_SANITIZED)
 // The C library's own, under the names that it has for those who replace them.
 extern "C" {
 void* __libc_malloc(std::size_t size);
@@ -110,7 +110,7 @@ std::int64_t RefusedAllocation::asked() {
 }
 
 bool RefusedAllocation::with_malloc() {
-#if defined(__SANITIZE_ADDRESS__)
+#if defined(VXR_SANITIZED)
     return false;
 #else
     return true;
