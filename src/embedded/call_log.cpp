@@ -7,13 +7,6 @@ void CallLog::set_sink(Sink sink) {
     waiting_.clear();
 }
 
-std::int64_t CallLog::begin() {
-    ++last_;
-    if (on())
-        waiting_.push_back({last_, false, {}});
-    return last_;
-}
-
 void CallLog::end(std::int64_t n, const nlohmann::ordered_json& line) {
     // Innermost calls end first, so the one looked for stands near the back.
     for (auto waiting = waiting_.rbegin(); waiting != waiting_.rend(); ++waiting) {

@@ -29,7 +29,12 @@ class CallLog {
     /// Numbers a call. Every begin is followed by its end; calls may nest, when a host function calls back
     /// into the bundle. Lines come out ordered by `n` all the same: an inner call's line waits for the
     /// outer's.
-    std::int64_t begin();
+    std::int64_t begin() {
+        ++last_;
+        if (on())
+            waiting_.push_back({last_, false, {}});
+        return last_;
+    }
     void end(std::int64_t n, const nlohmann::ordered_json& line);
     void end(std::int64_t n);
 

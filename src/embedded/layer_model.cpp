@@ -1,7 +1,6 @@
 #include "embedded/layer_model.h"
 
 #include <algorithm>
-#include <cstring>
 #include <iterator>
 #include <limits>
 #include <numeric>
@@ -211,9 +210,17 @@ void insert_keyframes(Stream& stream, const std::vector<Session::Additions::Key>
 }
 
 StreamComponents components_of(const AEGP_StreamVal& value, StreamShape shape) {
-    StreamComponents components{};
-    std::memcpy(components.data(), &value, static_cast<std::size_t>(component_count(shape)) * sizeof(double));
-    return components;
+    switch (shape) {
+        case StreamShape::one_d:
+            return {value.one_d};
+        case StreamShape::two_d:
+            return {value.two_d.x, value.two_d.y};
+        case StreamShape::three_d:
+            return {value.three_d.x, value.three_d.y, value.three_d.z};
+        case StreamShape::color:
+            break;
+    }
+    return {value.color.alpha, value.color.red, value.color.green, value.color.blue};
 }
 
 Json json_components(const StreamComponents& components, StreamShape shape) {

@@ -79,12 +79,12 @@ Session::~Session() {
     active_session() = nullptr;
 }
 
-std::optional<A_Err> Session::fault_of(Fn function, std::int64_t nth) const {
+const A_Err* Session::fault_of(Fn function, std::int64_t nth) const {
     for (const auto& [faulty, fault] : faults_) {
         if (faulty == function && fault.nth == nth)
-            return fault.code;
+            return &fault.code;
     }
-    return std::nullopt;
+    return nullptr;
 }
 
 // --- the boundary to the bundle

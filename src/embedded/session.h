@@ -90,10 +90,10 @@ class Session {
     CurrentCall current_call;
     std::array<std::int64_t, kFunctionCount> call_counts{};
 
-    /// Counts the call; the code that an ordered fault answers it with, if there is one for it.
-    std::optional<A_Err> count_call(Fn function) {
+    /// Counts the call; the code that an ordered fault answers it with, null if there is none for it.
+    const A_Err* count_call(Fn function) {
         const std::int64_t nth = ++call_counts[static_cast<std::size_t>(function)];
-        return faults_.empty() ? std::nullopt : fault_of(function, nth);
+        return faults_.empty() ? nullptr : fault_of(function, nth);
     }
 
     void passing(Passage passage, std::string_view what) const {
@@ -188,7 +188,7 @@ class Session {
     void check_memory(const Marks& since, const std::string& callback);
     void left(Breach breach, const std::string& callback, std::string text);
     [[noreturn]] void refuse_handle(HandleKind kind, const void* handle, const char* argument);
-    [[nodiscard]] std::optional<A_Err> fault_of(Fn function, std::int64_t nth) const;
+    [[nodiscard]] const A_Err* fault_of(Fn function, std::int64_t nth) const;
 
     std::vector<std::pair<Fn, Fault>> faults_;
     std::vector<bool> footage_reported_;

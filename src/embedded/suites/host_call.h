@@ -39,7 +39,8 @@ class CallScope {
     }
 
     [[nodiscard]] bool logged() const { return logged_; }
-    [[nodiscard]] const std::optional<A_Err>& fault() const { return fault_; }
+    /// The code that answers instead of the body; null for a call that is answered as usual.
+    [[nodiscard]] const A_Err* fault() const { return fault_; }
     /// Only of a logged call, as are the two below.
     CallValues& args() { return line_->args; }
     CallValues& out() { return line_->out; }
@@ -60,7 +61,7 @@ class CallScope {
     Fn function_;
     Session::CurrentCall outer_;
     bool logged_;
-    std::optional<A_Err> fault_;
+    const A_Err* fault_ = nullptr;
     std::optional<Line> line_;
 };
 
@@ -76,7 +77,7 @@ A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out)
     if (call.logged())
         args(call.args());
     A_Err result = kHostErrorNone;
-    if (call.fault()) {
+    if (call.fault() != nullptr) {
         result = *call.fault();
     } else {
         try {
