@@ -10,24 +10,11 @@
 #include <vector>
 
 #include "cli/bundle_path.h"
+#include "support/program_run.h"
 
 namespace {
 
 using cli::ExitCode;
-
-struct Ran {
-    ExitCode code;
-    std::string out;
-    std::string err;
-};
-
-Ran run(const std::vector<std::string>& arguments) {
-    std::ostringstream out;
-    std::ostringstream err;
-    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
-    const ExitCode code = cli::run_program(arguments, terminal);
-    return {code, out.str(), err.str()};
-}
 
 struct Case {
     const char* name;

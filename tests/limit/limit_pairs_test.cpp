@@ -5,17 +5,16 @@
 
 #include <algorithm>
 #include <nlohmann/json.hpp>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli/limit_words.h"
-#include "cli/program.h"
 #include "composition/ascii_parser.h"
 #include "composition/composition_file.h"
 #include "composition/project_settings.h"
 #include "limit/limit_files.h"
 #include "limit/scene_text.h"
+#include "support/program_run.h"
 #include "support/temporary_folder.h"
 #include "texture/base_bitmap.h"
 #include "texture/example_txl_image.h"
@@ -39,20 +38,6 @@ bool plug_in_reads_texture(const std::string& path) {
     return filter.LoadImage(path.c_str(), &image);
 }
 
-struct Ran {
-    int code;
-    std::string out;
-    std::string err;
-};
-
-Ran run(const std::vector<std::string>& arguments) {
-    std::ostringstream out;
-    std::ostringstream err;
-    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
-    const auto code = cli::run_program(arguments, terminal);
-    return {static_cast<int>(code), out.str(), err.str()};
-}
-
 // The error in a verb's document about one file.
 json error_in(const std::string& text) {
     const json document = json::parse(text);
@@ -67,7 +52,7 @@ class Pairs : public testing::TestWithParam<LimitPair> {
         const limits::Limit& limit = *GetParam().limit;
         arguments.emplace_back("--json");
         const Ran refused = run(arguments);
-        EXPECT_EQ(refused.code, 1) << arguments[0];
+        EXPECT_EQ(refused.code, cli::ExitCode::refused) << arguments[0];
         const json error = error_in(refused.out);
         EXPECT_EQ(error.at("code"), GetParam().refusal);
         const json& effects = error.at("effects");
@@ -86,12 +71,12 @@ TEST_P(Pairs, TheLastIsAccepted) {
         EXPECT_TRUE(plug_in_reads_texture(path));
     } else {
         EXPECT_TRUE(plug_in_reads_scene(path));
-        EXPECT_EQ(run({"import", "--bundle", VXR_BUNDLE_PATH, path}).code, 0);
+        EXPECT_EQ(run({"import", "--bundle", VXR_BUNDLE_PATH, path}).code, cli::ExitCode::fine);
     }
     const std::vector<std::string> check = GetParam().texture
                                                ? std::vector<std::string>{"texture", "check", path}
                                                : std::vector<std::string>{"check", path};
-    EXPECT_EQ(run(check).code, 0);
+    EXPECT_EQ(run(check).code, cli::ExitCode::fine);
 }
 
 TEST_P(Pairs, OneMoreIsRefused) {

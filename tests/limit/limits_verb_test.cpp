@@ -4,25 +4,22 @@
 
 #include <nlohmann/json.hpp>
 #include <set>
-#include <sstream>
 #include <string>
 #include <vector>
 
 #include "cli/limit_words.h"
-#include "cli/program.h"
 #include "limit/limits.h"
+#include "support/program_run.h"
 
 namespace {
 
 using Json = nlohmann::ordered_json;
 
 std::string output_of(const std::vector<std::string>& arguments) {
-    std::ostringstream out;
-    std::ostringstream err;
-    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
-    EXPECT_EQ(cli::run_program(arguments, terminal), cli::ExitCode::fine);
-    EXPECT_EQ(err.str(), "");
-    return out.str();
+    const Ran ran = run(arguments);
+    EXPECT_EQ(ran.code, cli::ExitCode::fine);
+    EXPECT_EQ(ran.err, "");
+    return ran.out;
 }
 
 TEST(LimitsVerb, ShowsEveryLimitWithValueRuleReasonAndWhatIsBeyond) {
