@@ -7,7 +7,7 @@
 
 namespace {
 
-constexpr std::int64_t kAtOnce = 16;  // pixels
+constexpr std::int64_t kPixelsAtOnce = 16;  // pixels
 
 // Four pixels of four bytes, of which the last is no one's, to twelve bytes: pairs become six bytes each, and
 // each is stored with two bytes behind it, which belong to what is stored next.
@@ -28,7 +28,7 @@ void JoinPlanes(const unsigned char* first, const unsigned char* second, const u
     std::int64_t i = 0;
     if constexpr (std::endian::native == std::endian::little) {
         // One pixel more must follow: two bytes behind the last one are stored as well.
-        for (; i + kAtOnce < count; i += kAtOnce) {
+        for (; i + kPixelsAtOnce < count; i += kPixelsAtOnce) {
             const Bytes16 a = LoadBytes16(first + i);
             const Bytes16 b = LoadBytes16(second + i);
             const Bytes16 c = LoadBytes16(third + i);
@@ -52,7 +52,7 @@ void JoinPlanes(const unsigned char* first, const unsigned char* second, const u
 void SplitPixels(const unsigned char* pixels, std::int64_t count, unsigned char* first, unsigned char* second,
                  unsigned char* third) {
     std::int64_t i = 0;
-    for (; i + kAtOnce <= count; i += kAtOnce) {
+    for (; i + kPixelsAtOnce <= count; i += kPixelsAtOnce) {
         const unsigned char* const place = pixels + 3 * i;
         const Pixels16 planes =
             Split16({LoadBytes16(place), LoadBytes16(place + 16), LoadBytes16(place + 32)});

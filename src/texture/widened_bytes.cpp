@@ -8,7 +8,7 @@
 
 namespace {
 
-constexpr std::int64_t kAtOnce = 16;  // bytes in, values out: two blocks of 16 bytes
+constexpr std::int64_t kBytesAtOnce = 16;  // bytes in, values out: two blocks of 16 bytes
 
 template <WidenedTo To>
 std::uint16_t Widened(unsigned char byte) {
@@ -42,12 +42,12 @@ void Stream(const unsigned char* bytes, std::int64_t count, std::uint16_t* value
     Widen<To>(bytes, head, values);
     std::int64_t i = head;
     const Bytes16 zeros{};
-    for (; i + kAtOnce <= count; i += kAtOnce) {
+    for (; i + kBytesAtOnce <= count; i += kBytesAtOnce) {
         const Bytes16 block = LoadBytes16(bytes + i);
         const Bytes16 first = kByteFirst ? block : zeros;
         const Bytes16 second = kByteFirst ? zeros : block;
         StreamBytes16(ZipLow(first, second), values + i);
-        StreamBytes16(ZipHigh(first, second), values + i + kAtOnce / 2);
+        StreamBytes16(ZipHigh(first, second), values + i + kBytesAtOnce / 2);
     }
     EndStream();
     Widen<To>(bytes + i, count - i, values + i);
