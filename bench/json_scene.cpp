@@ -183,13 +183,13 @@ std::string json_scene_text(const SceneShape& shape) {
             std::string width;
             std::string height;
             words >> width >> height;
-            json += R"("width":)" + width + R"(,"height":)" + height + ",";
+            json.append(R"("width":)").append(width).append(R"(,"height":)").append(height).append(",");
         } else if (word != "VORTAN" && word != "}") {
             std::string number;
             words >> number;
             for (char& c : word)
                 c = static_cast<char>(c - 'A' + 'a');
-            json += "\"" + word + "\":" + number + ",";
+            json.append("\"").append(word).append("\":").append(number).append(",");
         }
     }
     return json + (first_object ? R"("objects":[]})" : "]}");
