@@ -2,10 +2,10 @@
 
 #include <array>
 #include <cstdio>
-#include <memory>
 #include <string_view>
 
 #include "cli/codes.h"
+#include "cli/input_file.h"
 #include "cli/limit_words.h"
 #include "cli/source_lines.h"
 #include "cli/unsound_result.h"
@@ -16,16 +16,11 @@
 #include "limit/limits.h"
 #include "system/files.h"
 #include "texture/filename.h"
-#include "texture/open_regular_file.h"
 
 namespace cli {
 namespace {
 
 constexpr std::string_view kBeginning = "VORTAN XR";
-
-struct CloseFile {
-    void operator()(std::FILE* file) const { std::fclose(file); }
-};
 
 Place beginning_of(const std::string& file) {
     return {file, 0, 1, 1};
@@ -65,7 +60,7 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     if (const auto reason = obstacle(state)) {
         return fail(code_name(Code::cannot_read), whole_file, *reason);
     }
-    const std::unique_ptr<std::FILE, CloseFile> file(open_regular_file(reading.full_path.c_str()));
+    const InputFile file = open_input_file(reading.full_path);
     if (file == nullptr) {
         return fail(code_name(Code::cannot_read), whole_file, "the file may not be read");
     }

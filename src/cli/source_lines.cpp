@@ -1,10 +1,10 @@
 #include "cli/source_lines.h"
 
 #include <algorithm>
-#include <fstream>
+#include <cstdio>
 #include <string>
 
-#include "system/files.h"
+#include "cli/input_file.h"
 
 namespace cli {
 namespace {
@@ -23,11 +23,14 @@ void add_source_line(Diagnostic& diagnostic, const std::string& path) {
     if (!at.offset_bytes || !at.column || *at.column > kLongestLine_bytes / 2) {
         return;
     }
-    std::ifstream file(os::native_path(path), std::ios::binary);
-    file.seekg(*at.offset_bytes - (*at.column - 1));
+    // It may have changed since the place was found: then there is no line, or another.
+    const InputFile file = open_input_file(path);
+    if (file == nullptr ||
+        std::fseek(file.get(), static_cast<long>(*at.offset_bytes - (*at.column - 1)), SEEK_SET) != 0) {
+        return;
+    }
     std::string line(static_cast<std::size_t>(kLongestLine_bytes), '\0');
-    file.read(line.data(), kLongestLine_bytes);
-    line.resize(static_cast<std::size_t>(std::max<std::streamsize>(file.gcount(), 0)));
+    line.resize(std::fread(line.data(), 1, line.size(), file.get()));
     line.erase(std::find_if(line.begin(), line.end(), is_line_end), line.end());
     diagnostic.source_line = line;
 }

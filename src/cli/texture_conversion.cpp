@@ -1,15 +1,14 @@
 #include "cli/texture_conversion.h"
 
-#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
+#include <cstdio>
 #include <exception>
-#include <fstream>
-#include <iterator>
 #include <span>
 #include <utility>
 
+#include "cli/input_file.h"
 #include "cli/texture_diagnostics.h"
 #include "imageio/replacement_file.h"
 #include "system/files.h"
@@ -19,16 +18,10 @@ namespace cli {
 namespace {
 
 bool begins_as_texture_file(const std::string& path) {
-    std::string why_not;
-    if (!os::is_regular_file(path, why_not)) {
-        return false;
-    }
-    std::array<char, 8> start{};
-    std::ifstream file(os::native_path(path), std::ios::binary);
-    file.read(start.data(), start.size());
-    std::array<std::uint8_t, start.size()> bytes{};
-    std::copy(start.begin(), start.end(), bytes.begin());
-    return begins_as_texture(std::span(bytes).first(static_cast<std::size_t>(file.gcount())));
+    const InputFile file = open_input_file(path);
+    std::array<std::uint8_t, 8> start{};
+    return file != nullptr &&
+           begins_as_texture(std::span(start).first(std::fread(start.data(), 1, start.size(), file.get())));
 }
 
 ImageReading read_any(const std::string& path, const ConversionOptions& options) {
