@@ -87,11 +87,15 @@ if(VXR_CCACHE AND NOT VXR_JOINED)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${VXR_CCACHE}")
 endif()
 
-# vxr_library(NAME SOURCES ... [LINKS ...]): one static library for one folder.
+# vxr_library(NAME SOURCES ... [LINKS ...]): one static library for one folder. What is looked at by sanitizers is nobody's
+# to use, and may be joined; what is used is compiled one source at a time, as it is tested.
 function(vxr_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
     add_library(${name} STATIC ${arg_SOURCES})
     target_link_libraries(${name} PUBLIC project_flags ${arg_LINKS})
+    if(VXR_INSTRUMENTED)
+        vxr_joined(${name})
+    endif()
 endfunction()
 
 # vxr_test(NAME SOURCES ... [LINKS ...] [RUNS ...] [COST ...]): one GoogleTest program, run by ctest under its own name, or
