@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -42,6 +43,8 @@ class ChangingFile {
           changes_([this](const std::stop_token& stop) { change(stop); }) {}
 
   private:
+    static constexpr std::chrono::milliseconds kRest{3};
+
     void change(const std::stop_token& stop) const {
         const std::string path = folder_.path(name_);
         while (!stop.stop_requested()) {
@@ -52,6 +55,7 @@ class ChangingFile {
             fs::resize_file(path, other_.size() + 100);
             fs::remove(path);
             folder_.write(name_, whole_);
+            std::this_thread::sleep_for(kRest);  // or it would hardly ever be read as it is
             fs::resize_file(path, 0);
             fs::remove(path);
             fs::create_directory(path);
@@ -70,13 +74,19 @@ class ChangingFile {
     std::jthread changes_;  // last: it uses the others
 };
 
-/// Runs a command again and again beside the changes; which exit codes there were.
+// What a file is when a verb looks is chance; that it is there and that it is not both happen in so many
+// runs.
+const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write};
+
+/// Runs a command again and again beside the changes, and further while an outcome has not come; which exit
+/// codes there were.
 std::set<ExitCode> codes_of(const std::vector<std::string>& command) {
     constexpr int kRuns = 100;
+    constexpr int kMostRuns = 20 * kRuns;
     constexpr unsigned kPatience_s = 120;
     std::set<ExitCode> codes;
     ::alarm(kPatience_s);  // ends the program when a verb waits for somebody who does not come
-    for (int i = 0; i < kRuns; ++i) {
+    for (int i = 0; i < kRuns || (codes != kEveryOutcome && i < kMostRuns); ++i) {
         const Ran ran = run(command);
         EXPECT_TRUE(ran.code == ExitCode::fine || !(ran.out + ran.err).empty()) << "a failure is told";
         codes.insert(ran.code);
@@ -91,10 +101,6 @@ std::string texture_bytes(int size_px, int alphas) {
     EXPECT_FALSE(write_texture(path, made_texture(size_px, size_px, Texture::kRgb, alphas)).has_value());
     return content(path);
 }
-
-// What a file is when a verb looks is chance; that it is there and that it is not both happen in so many
-// runs.
-const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write};
 
 TEST(ChangingInputs, ATextureIsReadOrRefused) {
     const TemporaryFolder folder;
