@@ -87,8 +87,8 @@ if(VXR_CCACHE AND NOT VXR_JOINED)
     set(CMAKE_CXX_COMPILER_LAUNCHER "${VXR_CCACHE}")
 endif()
 
-# vxr_library(NAME SOURCES ... [LINKS ...]): one static library for one folder. What is looked at by sanitizers is nobody's
-# to use, and may be joined; what is used is compiled one source at a time, as it is tested.
+# vxr_library(NAME SOURCES ... [LINKS ...]): one static library for one folder. With VXR_JOINED it is joined under sanitizers;
+# without them only the tools are (vxr_joined), and the bundle is compiled as it is for its users.
 function(vxr_library name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "" "SOURCES;LINKS")
     add_library(${name} STATIC ${arg_SOURCES})
