@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/doctor/bundle_files.h"
 #include "support/made_texture.h"
 #include "support/program_run.h"
 #include "support/special_files.h"
@@ -47,6 +48,7 @@ class ChangingFile {
 
     void change(const std::stop_token& stop) const {
         const std::string path = folder_.path(name_);
+        const std::string aside = folder_.path(name_ + ".aside");
         while (!stop.stop_requested()) {
             folder_.write(name_, whole_);
             fs::resize_file(path, whole_.size() / 2);
@@ -60,7 +62,9 @@ class ChangingFile {
             fs::remove(path);
             fs::create_directory(path);
             fs::remove(path);
-            make_pipe(path);
+            folder_.write(name_, other_);
+            make_pipe(aside);
+            fs::rename(aside, path);  // in one step, between any look and the next
             fs::remove(path);
             make_link(path, path);
             fs::remove(path);
@@ -78,20 +82,30 @@ class ChangingFile {
 // runs.
 const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write};
 
+/// Ends the program when somebody waits, while this lives, for who does not come.
+class Impatience {
+  public:
+    Impatience() { ::alarm(kPatience_s); }
+    ~Impatience() { ::alarm(0); }
+    Impatience(const Impatience&) = delete;
+    Impatience& operator=(const Impatience&) = delete;
+
+  private:
+    static constexpr unsigned kPatience_s = 120;
+};
+
 /// Runs a command again and again beside the changes, and further while an outcome has not come; which exit
 /// codes there were.
 std::set<ExitCode> codes_of(const std::vector<std::string>& command) {
     constexpr int kRuns = 100;
     constexpr int kMostRuns = 20 * kRuns;
-    constexpr unsigned kPatience_s = 120;
+    const Impatience impatience;
     std::set<ExitCode> codes;
-    ::alarm(kPatience_s);  // ends the program when a verb waits for somebody who does not come
     for (int i = 0; i < kRuns || (codes != kEveryOutcome && i < kMostRuns); ++i) {
         const Ran ran = run(command);
         EXPECT_TRUE(ran.code == ExitCode::fine || !(ran.out + ran.err).empty()) << "a failure is told";
         codes.insert(ran.code);
     }
-    ::alarm(0);
     return codes;
 }
 
@@ -129,6 +143,23 @@ TEST(ChangingInputs, ASceneIsReadOrRefused) {
     const ChangingFile changing(folder, "a.aec", content(VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec"),
                                 content(VXR_EXAMPLES_DIR "/square/courtyard_020.aec"));
     EXPECT_EQ(codes_of({"check", folder.path("a.aec")}), kEveryOutcome);
+}
+
+TEST(ChangingInputs, AFileOfABundleIsReadOrRefused) {
+    constexpr int kRuns = 20000;
+    constexpr int kMostRuns = 20 * kRuns;
+    const TemporaryFolder folder;
+    const ChangingFile changing(folder, "a.so", content(VXR_BUNDLE_PATH), "no plug-in");
+    const Impatience impatience;
+    int read = 0;
+    int refused = 0;
+    for (int i = 0; i < kRuns || (i < kMostRuns && (read == 0 || refused == 0)); ++i) {
+        const cli::doctor::ReadFile file = cli::doctor::read_file(folder.path("a.so"));
+        EXPECT_NE(file.bytes.has_value(), !file.error.empty()) << file.error;
+        ++(file.bytes ? read : refused);
+    }
+    EXPECT_GT(read, 0);
+    EXPECT_GT(refused, 0);
 }
 
 }  // namespace

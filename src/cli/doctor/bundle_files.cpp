@@ -1,11 +1,13 @@
 #include "cli/doctor/bundle_files.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <system_error>
+#include <utility>
 
+#include "cli/input_file.h"
 #include "system/files.h"
 
 namespace cli::doctor {
@@ -41,10 +43,23 @@ ReadFile read_file(const std::string& path) {
                                    " are not looked at";
         return file;
     }
-    std::ifstream in(os::native_path(path), std::ios::binary);
-    std::string bytes{std::istreambuf_iterator<char>(in), {}};
-    if (!in.is_open() || in.bad()) {
+    // It may have become another file since, or a pipe: what is opened now is a regular file or nothing.
+    const InputFile in = open_input_file(path);
+    if (in == nullptr) {
         file.error = "it cannot be read";
+        return file;
+    }
+    std::string bytes;
+    std::array<char, 1U << 16U> block;
+    while (bytes.size() <= kLargestFile) {
+        const std::size_t count = std::fread(block.data(), 1, block.size(), in.get());
+        if (count == 0) {
+            break;
+        }
+        bytes.append(block.data(), count);
+    }
+    if (std::ferror(in.get()) != 0 || bytes.size() > kLargestFile) {
+        file.error = std::ferror(in.get()) != 0 ? "it cannot be read" : "it grows while it is read";
         return file;
     }
     file.bytes = std::move(bytes);

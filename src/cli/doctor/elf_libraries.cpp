@@ -1,6 +1,7 @@
 #include "cli/doctor/elf_libraries.h"
 
 #include <array>
+#include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -9,6 +10,7 @@
 #include <vector>
 
 #include "cli/doctor/bundle_files.h"
+#include "cli/input_file.h"
 
 namespace cli::doctor {
 namespace {
@@ -96,15 +98,13 @@ std::string with_origin(std::string folder, const std::string& origin) {
 }
 
 bool is_library_for(const binary_file::Image& image, const std::string& path) {
-    std::error_code failure;
-    if (!fs::is_regular_file(path, failure)) {
+    const InputFile in = open_input_file(path);
+    if (in == nullptr) {
         return false;
     }
-    std::ifstream in(path, std::ios::binary);
     std::array<char, 64> begin{};
-    in.read(begin.data(), begin.size());
     // Of the beginning alone width and processor are read, and the rest is damage that nobody asks about.
-    const std::string_view bytes(begin.data(), static_cast<std::size_t>(in.gcount()));
+    const std::string_view bytes(begin.data(), std::fread(begin.data(), 1, begin.size(), in.get()));
     if (!binary_file::is_elf_file(bytes)) {
         return false;
     }
