@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "system/files.h"
-#include "texture/open_regular_file.h"
+#include "system/open_regular_file.h"
 
 namespace cli {
 
@@ -43,7 +43,7 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
             throw std::runtime_error("cannot write " + reason);
         }
         errno = 0;
-        stream_.reset(open_file_to_write(replacement_->temporary_path().c_str()));
+        stream_.reset(os::open_file_to_write(replacement_->temporary_path().c_str()));
         if (stream_ == nullptr) {
             keep_error();
         }

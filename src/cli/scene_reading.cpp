@@ -5,7 +5,6 @@
 #include <string_view>
 
 #include "cli/codes.h"
-#include "cli/input_file.h"
 #include "cli/limit_words.h"
 #include "cli/source_lines.h"
 #include "cli/unsound_result.h"
@@ -15,6 +14,7 @@
 #include "composition/project_settings.h"
 #include "limit/limits.h"
 #include "system/files.h"
+#include "system/input_file.h"
 #include "texture/filename.h"
 
 namespace cli {
@@ -60,7 +60,7 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     if (const auto reason = obstacle(state)) {
         return fail(code_name(Code::cannot_read), whole_file, *reason);
     }
-    const InputFile file = open_input_file(reading.full_path);
+    const os::InputFile file = os::open_input_file(reading.full_path);
     if (file == nullptr) {
         return fail(code_name(Code::cannot_read), whole_file, "the file may not be read");
     }

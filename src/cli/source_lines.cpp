@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string>
 
-#include "cli/input_file.h"
+#include "system/input_file.h"
 
 namespace cli {
 namespace {
@@ -24,7 +24,7 @@ void add_source_line(Diagnostic& diagnostic, const std::string& path) {
         return;
     }
     // It may have changed since the place was found: then there is no line, or another.
-    const InputFile file = open_input_file(path);
+    const os::InputFile file = os::open_input_file(path);
     if (file == nullptr ||
         std::fseek(file.get(), static_cast<long>(*at.offset_bytes - (*at.column - 1)), SEEK_SET) != 0) {
         return;

@@ -8,17 +8,17 @@
 #include <span>
 #include <utility>
 
-#include "cli/input_file.h"
 #include "cli/texture_diagnostics.h"
 #include "imageio/replacement_file.h"
 #include "system/files.h"
+#include "system/input_file.h"
 #include "texture/texture_file.h"
 
 namespace cli {
 namespace {
 
 bool begins_as_texture_file(const std::string& path) {
-    const InputFile file = open_input_file(path);
+    const os::InputFile file = os::open_input_file(path);
     std::array<std::uint8_t, 8> start{};
     return file != nullptr &&
            begins_as_texture(std::span(start).first(std::fread(start.data(), 1, start.size(), file.get())));

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <istream>
 #include <string_view>
 
 namespace embedded {
@@ -14,7 +13,7 @@ enum class Order { big, little };
 /// Numbers at places of a file. What lies behind its end reads as 0, and is remembered.
 class HeaderBytes {
   public:
-    explicit HeaderBytes(std::istream& file) : file_(file) {}
+    explicit HeaderBytes(const ReadAt& read_at) : read_at_(read_at) {}
 
     void set_order(Order order) { order_ = order; }
     [[nodiscard]] bool cut_off() const { return cut_off_; }
@@ -43,16 +42,13 @@ class HeaderBytes {
 
   private:
     void read(std::uint64_t offset, char* data, int bytes) {
-        constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62;
-        file_.clear();
-        if (offset > kFarthest || !file_.seekg(static_cast<std::streamoff>(offset)) ||
-            !file_.read(data, bytes)) {
+        if (!read_at_(offset, data, static_cast<std::size_t>(bytes))) {
             std::fill_n(data, bytes, '\0');
             cut_off_ = true;
         }
     }
 
-    std::istream& file_;
+    const ReadAt& read_at_;
     Order order_ = Order::big;
     bool cut_off_ = false;
 };
@@ -331,8 +327,9 @@ Facts by_content(HeaderBytes& file, const std::string& name) {
 
 }  // namespace
 
-std::optional<ImageFacts> read_image_header(std::istream& file, const std::string& name, std::string& error) {
-    HeaderBytes bytes(file);
+std::optional<ImageFacts> read_image_header(const ReadAt& read_at, const std::string& name,
+                                            std::string& error) {
+    HeaderBytes bytes(read_at);
     Facts facts = by_content(bytes, name);
     if (facts && !bytes.cut_off()) {
         return facts;

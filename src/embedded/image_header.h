@@ -3,7 +3,9 @@
 // The headers of common image formats, for builds without an image library: PNG, JPEG, TIFF, TGA, BMP and
 // RLA. Answers as the library does, so that a project does not depend on how the host was built.
 
-#include <iosfwd>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -14,9 +16,13 @@ namespace embedded {
 /// The formats that are read, for people: "PNG, JPEG, ...".
 inline constexpr const char* kImageHeaderFormats = "PNG, JPEG, TIFF, TGA, BMP and RLA";
 
-/// Reads the header from the beginning of `file`, which can be sought in. The format is told by the content;
-/// for TGA, which does not tell, by the extension of `name`. Nothing when no format fits or the header is cut
-/// off or makes no sense; `error` then says why.
-std::optional<ImageFacts> read_image_header(std::istream& file, const std::string& name, std::string& error);
+/// Reads `bytes` bytes at `offset_bytes` of a file into `data`; false when the file does not have them all.
+using ReadAt = std::function<bool(std::uint64_t offset_bytes, char* data, std::size_t bytes)>;
+
+/// Reads the header of an image. The format is told by the content; for TGA, which does not tell, by the
+/// extension of `name`. Nothing when no format fits or the header is cut off or makes no sense; `error` then
+/// says why.
+std::optional<ImageFacts> read_image_header(const ReadAt& read_at, const std::string& name,
+                                            std::string& error);
 
 }  // namespace embedded

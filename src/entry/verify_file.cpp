@@ -3,13 +3,13 @@
 #include <cstdio>
 #include <cstring>
 
-#include "texture/open_regular_file.h"
+#include "system/open_regular_file.h"
 
 A_Err VerifyFileImportable(const A_char* path, AE_FIM_Refcon /*refcon*/, A_Boolean* importable) {
     constexpr char kSignature[] = "VORTAN XR";
     constexpr std::size_t kSignatureBytes = sizeof kSignature - 1;
     *importable = 0;
-    std::FILE* file = path != nullptr ? open_regular_file(path) : nullptr;
+    std::FILE* file = path != nullptr ? os::open_regular_file(path) : nullptr;
     if (file == nullptr)
         return kHostErrorNone;
     // Cleared, so that a file shorter than the signature is compared with NULs; two bytes more than the

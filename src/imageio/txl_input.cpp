@@ -9,7 +9,7 @@
 
 #include "imageio/channel_plan.h"
 #include "imageio/texture_spec.h"
-#include "texture/open_regular_file.h"
+#include "system/open_regular_file.h"
 
 namespace imageio {
 
@@ -34,7 +34,7 @@ TxlInput::~TxlInput() {
 
 bool TxlInput::valid_file(const std::string& filename) const {
     // Regular files only: the library asks about any name, and a pipe must not make it wait.
-    std::FILE* const file = open_regular_file(filename.c_str());
+    std::FILE* const file = os::open_regular_file(filename.c_str());
     if (file == nullptr) {
         return false;
     }

@@ -6,7 +6,7 @@
 #include <memory>
 #include <new>
 
-#include "texture/open_regular_file.h"
+#include "system/open_regular_file.h"
 #include "texture/path_conversion.h"
 
 BaseFile::~BaseFile() {
@@ -16,7 +16,7 @@ BaseFile::~BaseFile() {
 int BaseFile::Open(const Filename& name, std::int32_t /*mode*/, int /*flags*/) {
     Close();
     const std::unique_ptr<char[]> path = posix_path_from_host(name.GetString());
-    handle_ = path == nullptr ? nullptr : open_regular_file(path.get());
+    handle_ = path == nullptr ? nullptr : os::open_regular_file(path.get());
     error_ = handle_ == nullptr ? 1 : 0;
     return handle_ == nullptr ? 0 : 1;
 }

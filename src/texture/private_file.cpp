@@ -6,9 +6,9 @@
 #include <cstring>
 #include <limits>
 
+#include "system/open_regular_file.h"
 #include "texture/byte_order.h"
 #include "texture/memory.h"
-#include "texture/open_regular_file.h"
 
 namespace {
 
@@ -41,7 +41,7 @@ int PrivateFile::Open(const char* path, int write) {
     passed_bytes_ = 0;
     writing_ = write != 0;
     if (path != nullptr) {
-        handle_ = writing_ ? open_file_to_write(path) : open_regular_file(path);
+        handle_ = writing_ ? os::open_file_to_write(path) : os::open_regular_file(path);
     }
     if (handle_ != nullptr) {
         // The stream's own buffer would be a second copy.

@@ -7,8 +7,8 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/input_file.h"
 #include "system/files.h"
+#include "system/input_file.h"
 
 namespace cli::doctor {
 namespace {
@@ -44,7 +44,7 @@ ReadFile read_file(const std::string& path) {
         return file;
     }
     // It may have become another file since, or a pipe: what is opened now is a regular file or nothing.
-    const InputFile in = open_input_file(path);
+    const os::InputFile in = os::open_input_file(path);
     if (in == nullptr) {
         file.error = "it cannot be read";
         return file;

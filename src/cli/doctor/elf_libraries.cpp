@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "cli/doctor/bundle_files.h"
-#include "cli/input_file.h"
+#include "system/input_file.h"
 
 namespace cli::doctor {
 namespace {
@@ -98,7 +98,7 @@ std::string with_origin(std::string folder, const std::string& origin) {
 }
 
 bool is_library_for(const binary_file::Image& image, const std::string& path) {
-    const InputFile in = open_input_file(path);
+    const os::InputFile in = os::open_input_file(path);
     if (in == nullptr) {
         return false;
     }

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
-#include "texture/open_regular_file.h"
+#include "system/open_regular_file.h"
 
-namespace cli {
+namespace os {
 
 struct CloseInputFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
@@ -20,4 +20,4 @@ inline InputFile open_input_file(const std::string& path) {
     return InputFile(open_regular_file(path.c_str()));
 }
 
-}  // namespace cli
+}  // namespace os

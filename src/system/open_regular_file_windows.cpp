@@ -6,9 +6,10 @@
 #include <new>
 #include <string>
 
+#include "system/open_regular_file.h"
 #include "system/wide_path_windows.h"
-#include "texture/open_regular_file.h"
 
+namespace os {
 namespace {
 
 std::FILE* open_wide(const std::wstring& path) {
@@ -47,7 +48,7 @@ std::FILE* open_wide(const std::wstring& path) {
 /// not open.
 std::wstring wide_or_empty(const char* path) {
     try {
-        return os::wide_path(path);
+        return wide_path(path);
     } catch (const std::bad_alloc&) {
         return {};
     }
@@ -64,3 +65,5 @@ std::FILE* open_file_to_write(const char* path) {
     const std::wstring wide = wide_or_empty(path);
     return wide.empty() ? nullptr : _wfopen(wide.c_str(), L"wb");
 }
+
+}  // namespace os

@@ -5,6 +5,8 @@
 // How the system opens files by name, one source file per platform. Names are UTF-8 on Windows, where they
 // are opened as wide characters and at any length that the system has names for; elsewhere they are bytes.
 
+namespace os {
+
 /// Opens a regular file (after following links) for reading bytes.
 /// Returns null for a path that is missing, unreadable, or names a directory, a pipe, a socket or a device,
 /// and never waits on one of those: footage paths are data from a file and may name anything. The caller
@@ -14,3 +16,5 @@
 /// Opens `path` for writing bytes, in which case what was in the file is lost. Returns null when that cannot
 /// be done. The caller closes the stream.
 [[nodiscard]] std::FILE* open_file_to_write(const char* path);
+
+}  // namespace os

@@ -2,7 +2,9 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "texture/open_regular_file.h"
+#include "system/open_regular_file.h"
+
+namespace os {
 
 std::FILE* open_regular_file(const char* path) {
     // Two looks: the first keeps the open itself from touching a pipe (its writer would wake up) or a device
@@ -29,3 +31,5 @@ std::FILE* open_regular_file(const char* path) {
 std::FILE* open_file_to_write(const char* path) {
     return std::fopen(path, "wb");
 }
+
+}  // namespace os
