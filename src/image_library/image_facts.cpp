@@ -4,15 +4,16 @@
 
 #include <exception>
 
+#include "image_library/open_image.h"
+
 namespace {
 
 bool probe(const std::string& path, image_library::ImageFacts& facts, std::string& error) {
     // Colour is asked for as it is stored, so that the file says itself whether it is premultiplied.
     OIIO::ImageSpec config;
     config.attribute("oiio:UnassociatedAlpha", 1);
-    const auto input = OIIO::ImageInput::open(path, &config);
+    const auto input = image_library::OpenImage::open(path, config, error);
     if (!input) {
-        error = OIIO::geterror();
         if (error.empty()) {
             error = "no reader takes the file";
         }

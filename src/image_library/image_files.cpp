@@ -11,6 +11,7 @@
 #include <string_view>
 #include <utility>
 
+#include "image_library/open_image.h"
 #include "imageio/channel_plan.h"
 #include "imageio/replacement_file.h"
 #include "imageio/texture_spec.h"
@@ -159,9 +160,11 @@ Reading read_file(const std::string& path, AlphaBytes alpha_bytes) {
     if (alpha_bytes == AlphaBytes::kept) {
         config.attribute(kUnassociated, 1);
     }
-    const auto input = OIIO::ImageInput::open(path, &config);
-    if (input == nullptr) {
-        return refused(Outcome::refused, "not-an-image", library_reason(OIIO::geterror()));
+    std::string error;
+    const auto input = image_library::OpenImage::open(path, config, error);
+    if (!input) {
+        return input.has_file() ? refused(Outcome::refused, "not-an-image", library_reason(std::move(error)))
+                                : refused(Outcome::cannot_open_or_write, "cannot-open", std::move(error));
     }
     const OIIO::ImageSpec spec = input->spec();
     if (std::string reason = imageio::refuse_image(spec); !reason.empty()) {

@@ -28,6 +28,17 @@ std::FILE* open_regular_file(const char* path) {
     return file;
 }
 
+std::string name_of_open_file([[maybe_unused]] std::FILE* file, const char* path) {
+#if defined(__linux__)
+    // Other systems have such names, too, which give one position in the file to everybody.
+    std::string name = "/proc/self/fd/" + std::to_string(::fileno(file));
+    if (::access(name.c_str(), R_OK) == 0) {
+        return name;
+    }
+#endif
+    return path;
+}
+
 std::FILE* open_file_to_write(const char* path) {
     return std::fopen(path, "wb");
 }

@@ -61,6 +61,10 @@ std::FILE* open_regular_file(const char* path) {
     return wide.empty() ? nullptr : open_wide(wide);
 }
 
+std::string name_of_open_file(std::FILE* /*file*/, const char* path) {
+    return path;
+}
+
 std::FILE* open_file_to_write(const char* path) {
     const std::wstring wide = wide_or_empty(path);
     return wide.empty() ? nullptr : _wfopen(wide.c_str(), L"wb");

@@ -2,23 +2,18 @@
 // what is written is whole.
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <chrono>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <set>
-#include <stop_token>
 #include <string>
-#include <thread>
-#include <utility>
 #include <vector>
 
 #include "cli/doctor/bundle_files.h"
+#include "support/changing_file.h"
 #include "support/made_texture.h"
 #include "support/program_run.h"
-#include "support/special_files.h"
 #include "support/temporary_folder.h"
 #include "texture/texture_file.h"
 
@@ -32,67 +27,9 @@ std::string content(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Rewrites the file `name` of a folder for as long as it lives: whole, cut short, another, longer, gone, a
-/// folder, a pipe without a writer, a link onto itself.
-class ChangingFile {
-  public:
-    ChangingFile(const TemporaryFolder& folder, std::string name, std::string whole, std::string other)
-        : folder_(folder),
-          name_(std::move(name)),
-          whole_(std::move(whole)),
-          other_(std::move(other)),
-          changes_([this](const std::stop_token& stop) { change(stop); }) {}
-
-  private:
-    static constexpr std::chrono::milliseconds kRest{3};
-
-    void change(const std::stop_token& stop) const {
-        const std::string path = folder_.path(name_);
-        const std::string aside = folder_.path(name_ + ".aside");
-        while (!stop.stop_requested()) {
-            folder_.write(name_, whole_);
-            fs::resize_file(path, whole_.size() / 2);
-            folder_.write(name_, whole_);
-            folder_.write(name_, other_);
-            fs::resize_file(path, other_.size() + 100);
-            fs::remove(path);
-            folder_.write(name_, whole_);
-            std::this_thread::sleep_for(kRest);  // or it would hardly ever be read as it is
-            fs::resize_file(path, 0);
-            fs::remove(path);
-            fs::create_directory(path);
-            fs::remove(path);
-            folder_.write(name_, other_);
-            make_pipe(aside);
-            fs::rename(aside, path);  // in one step, between any look and the next
-            fs::remove(path);
-            make_link(path, path);
-            fs::remove(path);
-        }
-    }
-
-    const TemporaryFolder& folder_;
-    std::string name_;
-    std::string whole_;
-    std::string other_;
-    std::jthread changes_;  // last: it uses the others
-};
-
 // What a file is when a verb looks is chance; that it is there and that it is not both happen in so many
 // runs.
 const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write};
-
-/// Ends the program when somebody waits, while this lives, for who does not come.
-class Impatience {
-  public:
-    Impatience() { ::alarm(kPatience_s); }
-    ~Impatience() { ::alarm(0); }
-    Impatience(const Impatience&) = delete;
-    Impatience& operator=(const Impatience&) = delete;
-
-  private:
-    static constexpr unsigned kPatience_s = 120;
-};
 
 /// Runs a command again and again beside the changes, and further while an outcome has not come; which exit
 /// codes there were.

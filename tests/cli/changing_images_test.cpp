@@ -1,0 +1,67 @@
+// Images that change while they are read, as footage and as what becomes a texture: what comes of it is a
+// picture or a refusal with a reason, and nobody waits. Every example's format, since each is read by another
+// part of the image library.
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iterator>
+#include <string>
+
+#include "cli/image_file.h"
+#include "embedded/image_probe.h"
+#include "support/changing_file.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+constexpr const char* kImages[] = {"square/contact.png", "square/haze.tga", "square/grey_card.jpg",
+                                   "interlaced/lantern0017.tif", "interlaced/street.rla"};
+
+std::string content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+/// Calls `reads` with the path of an image, which changes, and further while one of both outcomes has not
+/// come.
+void expect_both_outcomes(const char* image, int runs, const std::function<bool(const std::string&)>& reads) {
+    SCOPED_TRACE(image);
+    const TemporaryFolder folder;
+    const std::string name = std::filesystem::path(image).filename();
+    const ChangingFile changing(folder, name, content(std::string(VXR_EXAMPLES_DIR "/") + image), "no image");
+    const Impatience impatience;
+    int read = 0;
+    int refused = 0;
+    for (int i = 0; i < runs || (i < 20 * runs && (read == 0 || refused == 0)); ++i) {
+        ++(reads(folder.path(name)) ? read : refused);
+    }
+    EXPECT_GT(read, 0);
+    EXPECT_GT(refused, 0);
+}
+
+TEST(ChangingImages, AreProbedOrRefused) {
+    for (const char* const image : kImages) {
+        expect_both_outcomes(image, 4000, [](const std::string& path) {
+            std::string error;
+            const bool found = embedded::probe_image(path, error).has_value();
+            EXPECT_TRUE(found || !error.empty());
+            return found;
+        });
+    }
+}
+
+TEST(ChangingImages, AreReadOrRefused) {
+    for (const char* const image : kImages) {
+        expect_both_outcomes(image, 300, [](const std::string& path) {
+            const cli::ImageReading reading = cli::read_image_file(path, cli::AlphaBytes::kept);
+            EXPECT_NE(reading.texture.has_value(), reading.code != cli::ExitCode::fine);
+            EXPECT_TRUE(reading.texture.has_value() || !reading.diagnostics.empty());
+            return reading.texture.has_value();
+        });
+    }
+}
+
+}  // namespace
