@@ -1,6 +1,7 @@
 #include <dlfcn.h>
 
 #include "embedded/bundle_loader.h"
+#include "system/files.h"
 
 namespace embedded {
 namespace {
@@ -38,7 +39,13 @@ std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& pa
         error = failure.message();
         return nullptr;
     }
-    void* library = dlopen(code_of(absolute).c_str(), RTLD_NOW | RTLD_LOCAL);
+    const std::filesystem::path code = code_of(absolute);
+    // The loader would wait for somebody to write into a pipe.
+    if (!os::is_regular_file(os::text_of(code), error)) {
+        error = os::text_of(code) + ": " + error;
+        return nullptr;
+    }
+    void* library = dlopen(code.c_str(), RTLD_NOW | RTLD_LOCAL);
     if (library == nullptr) {
         const char* reason = dlerror();
         error = reason == nullptr ? "unknown reason" : reason;

@@ -4,6 +4,7 @@
 #include <stdexcept>
 
 #include "embedded/bundle_side.h"
+#include "support/special_files.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -94,6 +95,19 @@ TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
     EXPECT_EQ(no_entry.error, "the bundle does not export No_such_entry");
     EXPECT_FALSE(host.verify("any file").importable);
     EXPECT_EQ(host.import_file("any file").code, kHostErrorGeneric);
+}
+
+TEST(BundleLoading, WaitsForNobody) {
+    const TemporaryFolder folder;
+    make_pipe(folder.path("pipe"));
+    make_link(folder.path("circle"), folder.path("circle"));
+    folder.make_folder("folder");
+    for (const char* const name : {"pipe", "circle", "folder", "missing"}) {
+        Host host(in_a_classic_host());
+        const LoadResult loaded = host.load(folder.path(name));
+        EXPECT_FALSE(loaded.ok()) << name;
+        EXPECT_NE(loaded.error.find(folder.path(name) + ": "), std::string::npos) << loaded.error;
+    }
 }
 
 TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
