@@ -11,6 +11,8 @@
 #include <set>
 #include <stdexcept>
 
+#include "support/regressions.h"
+
 namespace {
 
 namespace fs = std::filesystem;
@@ -28,10 +30,8 @@ bool is_one_of(const std::string& text, std::initializer_list<const char*> all) 
     return std::find(all.begin(), all.end(), text) != all.end();
 }
 
-void add_below(const fs::path& root, std::vector<Example>& examples) {
-    if (!fs::is_directory(root)) {
-        return;
-    }
+void add_examples(std::vector<Example>& examples) {
+    const fs::path root = VXR_EXAMPLES_DIR;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
         if (!entry.is_regular_file() || is_one_of(extension, {"", ".md", ".gitattributes"})) {
@@ -40,7 +40,16 @@ void add_below(const fs::path& root, std::vector<Example>& examples) {
         const Kind kind = extension == ".aec"   ? Kind::scene
                           : extension == ".txl" ? Kind::texture
                                                 : Kind::footage;
-        examples.push_back({entry.path().string(), fs::relative(entry.path(), root).string(), kind});
+        examples.push_back({entry.path().string(), fs::relative(entry.path(), root).string(), kind, {}});
+    }
+}
+
+void add_regressions(std::vector<Example>& examples) {
+    for (const Regression& kept : regressions_in(VXR_REGRESSIONS_DIR)) {
+        if (!kept.extension.empty()) {
+            examples.push_back({kept.path, kept.name + kept.extension,
+                                kept.extension == ".aec" ? Kind::scene : Kind::texture, kept.bytes});
+        }
     }
 }
 
@@ -49,13 +58,17 @@ void add_below(const fs::path& root, std::vector<Example>& examples) {
 const std::vector<Example>& all_examples() {
     static const std::vector<Example> all = [] {
         std::vector<Example> examples;
-        add_below(VXR_EXAMPLES_DIR, examples);
-        add_below(VXR_REGRESSIONS_DIR, examples);
+        add_examples(examples);
+        add_regressions(examples);
         std::sort(examples.begin(), examples.end(),
                   [](const Example& a, const Example& b) { return a.path < b.path; });
         return examples;
     }();
     return all;
+}
+
+bool is_sound(const Example& example) {
+    return example.path.starts_with(VXR_EXAMPLES_DIR "/");
 }
 
 std::vector<Example> examples_of(Kind kind) {
@@ -68,9 +81,10 @@ std::vector<Example> examples_of(Kind kind) {
     return examples;
 }
 
-ClimbingFile::ClimbingFile(const Example& example, bool with_neighbours) : bytes_(content(example.path)) {
+ClimbingFile::ClimbingFile(const Example& example, bool with_neighbours)
+    : bytes_(is_sound(example) ? content(example.path) : example.bytes) {
     const fs::path original = example.path;
-    const std::string name = original.filename().string();
+    const std::string name = fs::path(example.name).filename().string();
     path_ = folder_.path(name);
     if (with_neighbours) {
         for (const fs::directory_entry& entry : fs::directory_iterator(original.parent_path())) {

@@ -19,11 +19,15 @@ struct Example {
     std::string path;  // of the original
     std::string name;  // below the folder of all of them, as messages say it
     Kind kind = Kind::footage;
+    std::string bytes;  // of a regression, which is not a file as it is; empty for others
 };
 
-/// Every file in examples/ that a host may be given, and every regression of the fuzzers, if there are any;
-/// in the order of their names.
+/// Every file in examples/ that a host may be given, and every regression of the fuzzers that holds such a
+/// file; in the order of their paths.
 const std::vector<Example>& all_examples();
+
+/// Whether it is from examples/, and so sound.
+bool is_sound(const Example& example);
 
 /// Those of one kind.
 std::vector<Example> examples_of(Kind kind);

@@ -1,13 +1,10 @@
 #include "limit/hostile_files.h"
 
-#include <algorithm>
 #include <cstdint>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 
 #include "limit/scene_text.h"
+#include "support/regressions.h"
 #include "texture/txl_builder.h"
 
 namespace {
@@ -147,22 +144,12 @@ std::vector<HostileFile> hostile_files() {
     };
 }
 
-std::vector<HostileFile> files_in(const std::string& folder) {
+std::vector<HostileFile> former_finds(const std::string& folder) {
     std::vector<HostileFile> files;
-    if (!std::filesystem::is_directory(folder)) {
-        return files;
-    }
-    for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
-        if (!entry.is_regular_file() || entry.path().extension() == ".md") {
-            continue;
-        }
-        std::ifstream in(entry.path(), std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    for (const Regression& kept : regressions_in(folder)) {
         for (const char* const extension : {".aec", ".txl"}) {
-            files.push_back({entry.path().lexically_relative(folder).string(), extension, bytes});
+            files.push_back({kept.name, extension, kept.bytes});
         }
     }
-    std::sort(files.begin(), files.end(),
-              [](const HostileFile& a, const HostileFile& b) { return a.name < b.name; });
     return files;
 }

@@ -13,6 +13,5 @@ struct HostileFile {
 /// Made in code: some of at most 100 bytes, some larger.
 std::vector<HostileFile> hostile_files();
 
-/// The files in the folder and those below it, each as a composition file and as a texture. None when there
-/// is no such folder.
-std::vector<HostileFile> files_in(const std::string& folder);
+/// The regressions of the fuzzers in the folder, each as a composition file and as a texture.
+std::vector<HostileFile> former_finds(const std::string& folder);

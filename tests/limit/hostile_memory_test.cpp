@@ -161,7 +161,7 @@ TEST(HostileMemory, StaysWithinWhatTheFileIsWorth) {
     ASSERT_EQ(std::count_if(files.begin(), files.end(),
                             [](const HostileFile& file) { return file.bytes.size() <= kSmallFile_bytes; }),
               22);
-    const std::vector<HostileFile> kept = files_in(VXR_REGRESSIONS_DIR);
+    const std::vector<HostileFile> kept = former_finds(VXR_REGRESSIONS_DIR);
     files.insert(files.end(), kept.begin(), kept.end());
     for (const HostileFile& file : files) {
         measure(file, folder, measured);
