@@ -13,7 +13,6 @@
 #include "cli/image_file.h"
 #include "embedded/image_probe.h"
 #include "support/changing_file.h"
-#include "support/temporary_folder.h"
 
 namespace {
 
@@ -25,26 +24,15 @@ std::string content(const std::string& path) {
     return {std::istreambuf_iterator<char>(file), {}};
 }
 
-/// Calls `reads` with the path of an image, which changes, and further while one of both outcomes has not
-/// come.
-void expect_both_outcomes(const char* image, int runs, const std::function<bool(const std::string&)>& reads) {
-    SCOPED_TRACE(image);
-    const TemporaryFolder folder;
-    const std::string name = std::filesystem::path(image).filename();
-    const ChangingFile changing(folder, name, content(std::string(VXR_EXAMPLES_DIR "/") + image), "no image");
-    const Impatience impatience;
-    int read = 0;
-    int refused = 0;
-    for (int i = 0; i < runs || (i < 20 * runs && (read == 0 || refused == 0)); ++i) {
-        ++(reads(folder.path(name)) ? read : refused);
-    }
-    EXPECT_GT(read, 0);
-    EXPECT_GT(refused, 0);
+void expect_both_outcomes_of(const char* image, int runs,
+                             const std::function<bool(const std::string&)>& reads) {
+    expect_both_outcomes(std::filesystem::path(image).filename(),
+                         content(std::string(VXR_EXAMPLES_DIR "/") + image), runs, reads);
 }
 
 TEST(ChangingImages, AreProbedOrRefused) {
     for (const char* const image : kImages) {
-        expect_both_outcomes(image, 4000, [](const std::string& path) {
+        expect_both_outcomes_of(image, 4000, [](const std::string& path) {
             std::string error;
             const bool found = embedded::probe_image(path, error).has_value();
             EXPECT_TRUE(found || !error.empty());
@@ -55,7 +43,7 @@ TEST(ChangingImages, AreProbedOrRefused) {
 
 TEST(ChangingImages, AreReadOrRefused) {
     for (const char* const image : kImages) {
-        expect_both_outcomes(image, 300, [](const std::string& path) {
+        expect_both_outcomes_of(image, 300, [](const std::string& path) {
             const cli::ImageReading reading = cli::read_image_file(path, cli::AlphaBytes::kept);
             EXPECT_NE(reading.texture.has_value(), reading.code != cli::ExitCode::fine);
             EXPECT_TRUE(reading.texture.has_value() || !reading.diagnostics.empty());

@@ -1,9 +1,11 @@
 #pragma once
 
+#include <gtest/gtest.h>
 #include <unistd.h>
 
 #include <chrono>
 #include <filesystem>
+#include <functional>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -69,3 +71,20 @@ class Impatience {
   private:
     static constexpr unsigned kPatience_s = 120;
 };
+
+/// Calls `reads`, which says whether something came of it, again and again with the path of a file that
+/// changes, and further while one of both outcomes has not come.
+inline void expect_both_outcomes(const std::string& name, const std::string& whole, int runs,
+                                 const std::function<bool(const std::string&)>& reads) {
+    SCOPED_TRACE(name);
+    const TemporaryFolder folder;
+    const ChangingFile changing(folder, name, whole, "something else");
+    const Impatience impatience;
+    int read = 0;
+    int refused = 0;
+    for (int i = 0; i < runs || (i < 20 * runs && (read == 0 || refused == 0)); ++i) {
+        ++(reads(folder.path(name)) ? read : refused);
+    }
+    EXPECT_GT(read, 0);
+    EXPECT_GT(refused, 0);
+}
