@@ -4,8 +4,10 @@
 #include <unistd.h>
 
 #include <chrono>
+#include <condition_variable>
 #include <filesystem>
 #include <functional>
+#include <mutex>
 #include <stop_token>
 #include <string>
 #include <thread>
@@ -15,7 +17,9 @@
 #include "support/temporary_folder.h"
 
 /// Rewrites the file `name` of a folder for as long as it lives: whole, cut short, another, longer, gone, a
-/// folder, a pipe without a writer, a link onto itself.
+/// folder, a pipe without a writer, a link onto itself. Most changes wait for nobody; but now and then the
+/// file rests whole, cut short and gone, each time until somebody has read it so: who calls `was_read` after
+/// each reading meets all three, on however slow a machine.
 class ChangingFile {
   public:
     ChangingFile(const TemporaryFolder& folder, std::string name, std::string whole, std::string other)
@@ -25,13 +29,43 @@ class ChangingFile {
           other_(std::move(other)),
           changes_([this](const std::stop_token& stop) { change(stop); }) {}
 
-  private:
-    static constexpr std::chrono::milliseconds kRest{3};
+    /// A reading of the file has ended.
+    void was_read() {
+        {
+            const std::scoped_lock lock(mutex_);
+            ++readings_;
+        }
+        reading_ended_.notify_one();
+    }
 
-    void change(const std::stop_token& stop) const {
+  private:
+    static constexpr std::chrono::milliseconds kPause{3};
+    static constexpr int kRoundsPerRest = 8;
+
+    /// Returns when a reading has ended that began after the call.
+    void rest(const std::stop_token& stop) {
+        std::unique_lock lock(mutex_);
+        const int next_but_one = readings_ + 2;  // the next one may have begun already
+        reading_ended_.wait(lock, stop, [&] { return readings_ >= next_but_one; });
+    }
+
+    void rest_in_every_state(const std::stop_token& stop) {
+        const std::string path = folder_.path(name_);
+        folder_.write(name_, whole_);
+        rest(stop);
+        std::filesystem::resize_file(path, whole_.size() / 2);
+        rest(stop);
+        std::filesystem::remove(path);
+        rest(stop);
+    }
+
+    void change(const std::stop_token& stop) {
         const std::string path = folder_.path(name_);
         const std::string aside = folder_.path(name_ + ".aside");
-        while (!stop.stop_requested()) {
+        for (int round = 0; !stop.stop_requested(); ++round) {
+            if (round % kRoundsPerRest == 0) {
+                rest_in_every_state(stop);
+            }
             folder_.write(name_, whole_);
             std::filesystem::resize_file(path, whole_.size() / 2);
             folder_.write(name_, whole_);
@@ -39,7 +73,7 @@ class ChangingFile {
             std::filesystem::resize_file(path, other_.size() + 100);
             std::filesystem::remove(path);
             folder_.write(name_, whole_);
-            std::this_thread::sleep_for(kRest);  // or it would hardly ever be read as it is
+            std::this_thread::sleep_for(kPause);  // or it would hardly ever be read as it is
             std::filesystem::resize_file(path, 0);
             std::filesystem::remove(path);
             std::filesystem::create_directory(path);
@@ -57,6 +91,9 @@ class ChangingFile {
     std::string name_;
     std::string whole_;
     std::string other_;
+    std::mutex mutex_;
+    std::condition_variable_any reading_ended_;
+    int readings_ = 0;
     std::jthread changes_;  // last: it uses the others
 };
 
@@ -73,18 +110,18 @@ class Impatience {
 };
 
 /// Calls `reads`, which says whether something came of it, again and again with the path of a file that
-/// changes, and further while one of both outcomes has not come.
+/// changes, and further while one of both outcomes has not come: the first round of changes may come late.
 inline void expect_both_outcomes(const std::string& name, const std::string& whole, int runs,
                                  const std::function<bool(const std::string&)>& reads) {
     SCOPED_TRACE(name);
     const TemporaryFolder folder;
-    const ChangingFile changing(folder, name, whole, "something else");
+    ChangingFile changing(folder, name, whole, "something else");
     const Impatience impatience;
     int read = 0;
     int refused = 0;
-    // Which comes is chance, so no number of runs is enough; patience ends where one never comes.
     for (int i = 0; i < runs || read == 0 || refused == 0; ++i) {
         ++(reads(folder.path(name)) ? read : refused);
+        changing.was_read();
     }
     EXPECT_GT(read, 0);
     EXPECT_GT(refused, 0);
