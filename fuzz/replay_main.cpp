@@ -5,12 +5,11 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
 #include "input.h"
+#include "support/file_content.h"
 
 namespace {
 
@@ -30,8 +29,7 @@ std::vector<fs::path> files_in(const fs::path& folder) {
 }
 
 void replay(const fs::path& path) {
-    std::ifstream in(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    const std::string bytes = content_of(path);
     // To whoever reads the end of a log: this is the input that did it.
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);

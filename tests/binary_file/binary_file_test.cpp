@@ -5,11 +5,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "support/file_content.h"
 #include "support/made_binary.h"
 
 namespace {
@@ -226,8 +225,7 @@ TEST(BinaryFile, CutAnywhereOrWithAnyByteChangedItIsReadOrRefused) {
 }
 
 TEST(BinaryFile, RealProgramsOfThisMachineAreRead) {
-    std::ifstream in("/bin/ls", std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+    const std::string bytes = content_of("/bin/ls");
     const std::optional<BinaryFile> file = binary_file::read_binary_file(bytes);
     ASSERT_TRUE(file.has_value());
     const Image& image = file->images.front();

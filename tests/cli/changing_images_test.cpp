@@ -5,14 +5,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 
 #include "cli/image_file.h"
 #include "embedded/image_probe.h"
 #include "support/changing_file.h"
+#include "support/file_content.h"
 
 namespace {
 
@@ -24,15 +23,10 @@ constexpr const char* kImages[] = {
 #endif
     "square/haze.tga", "square/grey_card.jpg", "interlaced/lantern0017.tif", "interlaced/street.rla"};
 
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 void expect_both_outcomes_of(const char* image, int runs,
                              const std::function<bool(const std::string&)>& reads) {
     expect_both_outcomes(std::filesystem::path(image).filename(),
-                         content(std::string(VXR_EXAMPLES_DIR "/") + image), runs, reads);
+                         content_of(std::string(VXR_EXAMPLES_DIR "/") + image), runs, reads);
 }
 
 TEST(ChangingImages, AreProbedOrRefused) {

@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <set>
 #include <string>
 #include <vector>
 
 #include "cli/doctor/bundle_files.h"
 #include "support/changing_file.h"
+#include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/program_run.h"
 #include "support/temporary_folder.h"
@@ -21,11 +20,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using cli::ExitCode;
-
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write};
 
@@ -48,7 +42,7 @@ std::string texture_bytes(int size_px, int alphas) {
     const TemporaryFolder folder;
     const std::string path = folder.path("made.txl");
     EXPECT_FALSE(write_texture(path, made_texture(size_px, size_px, Texture::kRgb, alphas)).has_value());
-    return content(path);
+    return content_of(path);
 }
 
 TEST(ChangingInputs, ATextureIsReadOrRefused) {
@@ -76,13 +70,13 @@ TEST(ChangingInputs, WhatIsConvertedIsWhole) {
 
 TEST(ChangingInputs, ASceneIsReadOrRefused) {
     const TemporaryFolder folder;
-    ChangingFile changing(folder, "a.aec", content(VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec"),
-                          content(VXR_EXAMPLES_DIR "/square/courtyard_020.aec"));
+    ChangingFile changing(folder, "a.aec", content_of(VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec"),
+                          content_of(VXR_EXAMPLES_DIR "/square/courtyard_020.aec"));
     EXPECT_EQ(codes_of({"check", folder.path("a.aec")}, changing), kEveryOutcome);
 }
 
 TEST(ChangingInputs, AFileOfABundleIsReadOrRefused) {
-    expect_both_outcomes("a.so", content(VXR_BUNDLE_PATH), 20000, [](const std::string& path) {
+    expect_both_outcomes("a.so", content_of(VXR_BUNDLE_PATH), 20000, [](const std::string& path) {
         const cli::doctor::ReadFile file = cli::doctor::read_file(path);
         EXPECT_NE(file.bytes.has_value(), !file.error.empty()) << file.error;
         return file.bytes.has_value();

@@ -1,23 +1,17 @@
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <string>
 
 #include "cli/console_blocks.h"
 #include "support/child_process.h"
+#include "support/file_content.h"
 
 namespace {
-
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 // What a document shows is what a reader gets who types it in the project's folder.
 void expect_true(const std::string& document) {
     std::size_t own_commands = 0;
-    for (const ConsoleCommand& shown : console_commands(read_file(VXR_PROJECT_DIR "/" + document))) {
+    for (const ConsoleCommand& shown : console_commands(content_of(VXR_PROJECT_DIR "/" + document))) {
         if (shown.command.compare(0, 4, "vxr ") != 0) {
             continue;
         }

@@ -5,13 +5,13 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "binary_file/image.h"
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
 #include "system/program_place.h"
@@ -28,8 +28,7 @@ const std::string kModule = "vxr_image_library.so";
 const std::string kScene = std::string(VXR_EXAMPLES_DIR) + "/interlaced/lantern_010.aec";
 
 std::vector<std::string> needed_by(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    const std::string bytes{std::istreambuf_iterator<char>(file), {}};
+    const std::string bytes = content_of(path);
     const binary_file::BinaryFile read = binary_file::read_binary_file(bytes).value();
     std::vector<std::string> names;
     for (const binary_file::NeededLibrary& library : read.images.front().needed) {

@@ -1,8 +1,6 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <sstream>
@@ -10,6 +8,7 @@
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -22,11 +21,6 @@ const std::string kSettings = "VORTAN XR COMPOSITION\nRESOLUTION 64 36 FROM 1 TO
 ProcessResult import_file(std::vector<std::string> arguments) {
     arguments.insert(arguments.begin(), {VXR_PROGRAM, "import"});
     return run_process(arguments);
-}
-
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 TEST(ImportVerb, TreeOfAScene) {
@@ -126,7 +120,7 @@ TEST(ImportVerb, TheLogSaysWhichHostItWas) {
         std::vector<std::string> arguments = {"--log", log, kLantern};
         arguments.insert(arguments.begin(), options.begin(), options.end());
         EXPECT_EQ(import_file(arguments).exit_code, 0);
-        std::istringstream lines(read_file(log));
+        std::istringstream lines(content_of(log));
         std::set<int> versions;
         for (std::string line; std::getline(lines, line);) {
             const json call = json::parse(line);
@@ -276,7 +270,7 @@ TEST(ImportVerb, JsonSavedDocumentAndLog) {
     const ProcessResult run = import_file(
         {"--json", "--save", folder.path("project.json"), "--log", folder.path("calls.jsonl"), kLantern});
     ASSERT_EQ(run.exit_code, 0) << run.err;
-    EXPECT_EQ(read_file(folder.path("project.json")), run.out);
+    EXPECT_EQ(content_of(folder.path("project.json")), run.out);
     const json document = json::parse(run.out);
     EXPECT_EQ(document["schema"], 1);
     EXPECT_EQ(document["discipline"]["clean"], true);
@@ -286,7 +280,7 @@ TEST(ImportVerb, JsonSavedDocumentAndLog) {
     EXPECT_EQ(document["import"]["importable"], true);
     EXPECT_EQ(document["import"]["result"], 0);
 
-    std::istringstream lines(read_file(folder.path("calls.jsonl")));
+    std::istringstream lines(content_of(folder.path("calls.jsonl")));
     std::int64_t number = 0;
     for (std::string line; std::getline(lines, line);) {
         EXPECT_EQ(json::parse(line)["n"], ++number);
@@ -318,7 +312,7 @@ TEST(ImportVerb, OutputsReplaceNeitherTheSceneNorEachOther) {
         const ProcessResult run = import_file(arguments);
         EXPECT_EQ(run.exit_code, 2) << one.name;
         EXPECT_NE(run.err.find(one.err), std::string::npos) << one.name << ": " << run.err;
-        EXPECT_EQ(read_file(scene), text) << one.name;
+        EXPECT_EQ(content_of(scene), text) << one.name;
         EXPECT_FALSE(std::filesystem::exists(folder.path("out"))) << one.name;
     }
 }

@@ -8,14 +8,13 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <future>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
@@ -29,11 +28,6 @@ using ::testing::HasSubstr;
 
 constexpr const char* kLantern = VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec";
 constexpr const char* kOld = "what was there";
-
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 std::vector<std::string> names_in(const TemporaryFolder& folder) {
     std::vector<std::string> names;
@@ -127,7 +121,7 @@ TEST(FullDisk, EveryFormatLeavesTheOldFileAndNothingElse) {
             const ProcessResult run =
                 run_process(command_in(folder, arguments, std::to_string(blocks)), environment);
             EXPECT_EQ(run.exit_code, 3) << blocks << " blocks of " << whole_bytes << " bytes";
-            EXPECT_TRUE(content(folder.path(output)) == kOld) << blocks;
+            EXPECT_TRUE(content_of(folder.path(output)) == kOld) << blocks;
             EXPECT_THAT(names_in(folder), ElementsAre("a.txl", output)) << blocks;
         }
     }
@@ -163,7 +157,7 @@ TEST(FullDisk, AFrameLeavesTheOldImage) {
     const ProcessResult run = vxr(folder, {"frame", "a.txl", "-o", "frame.png"}, "1");
     EXPECT_EQ(run.exit_code, 3);
     EXPECT_EQ(run.err, "vxr: error: frame.png: File too large\n");
-    EXPECT_EQ(content(folder.path("frame.png")), kOld);
+    EXPECT_EQ(content_of(folder.path("frame.png")), kOld);
     EXPECT_THAT(names_in(folder), ElementsAre("a.txl", "frame.png"));
 }
 
@@ -174,7 +168,7 @@ TEST(FullDisk, AnImportLeavesTheOldDocumentAndLog) {
         const ProcessResult run = vxr(folder, {"import", option, "out", kLantern}, "8");
         EXPECT_EQ(run.exit_code, 3) << option;
         EXPECT_THAT(run.err, HasSubstr("vxr: error: cannot write out: File too large\n")) << option;
-        EXPECT_EQ(content(folder.path("out")), kOld) << option;
+        EXPECT_EQ(content_of(folder.path("out")), kOld) << option;
         EXPECT_THAT(names_in(folder), ElementsAre("out")) << option;
     }
 }
@@ -303,7 +297,7 @@ TEST(SomethingInTheWay, FilesAndFoldersThatMayNotBeWrittenStay) {
             EXPECT_EQ(run.exit_code, 3);
             EXPECT_THAT(run.err, HasSubstr(writer.message + "Permission denied"));
             EXPECT_EQ(names_in(folder), before);
-            EXPECT_TRUE(content(folder.path(writer.output)) == kOld);
+            EXPECT_TRUE(content_of(folder.path(writer.output)) == kOld);
         }
     }
 }
@@ -338,7 +332,7 @@ TEST(WrittenAsItIs, DevicesPipesAndTheStandardOutput) {
     EXPECT_THAT(piped.out, HasSubstr("1 camera, 2 lights"));
 
     make_pipe(folder.path("pipe"));
-    auto read = std::async(std::launch::async, [&] { return content(folder.path("pipe")); });
+    auto read = std::async(std::launch::async, [&] { return content_of(folder.path("pipe")); });
     ProcessResult run;
     do {  // until the reader is there
         run = vxr(folder, {"import", "--save", "pipe", kLantern});

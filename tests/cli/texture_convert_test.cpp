@@ -7,13 +7,12 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
 #include "texture/texture_file.h"
@@ -43,11 +42,6 @@ Texture read(const TemporaryFolder& folder, const char* name) {
     TextureReading reading = read_texture(folder.path(name));
     EXPECT_FALSE(reading.error.has_value()) << name;
     return reading.texture.value_or(Texture{});
-}
-
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 std::vector<std::string> names_in(const fs::path& folder) {
@@ -152,7 +146,7 @@ TEST(TextureConvert, ChannelsWithoutRoomAreAnErrorAndNotLeftOut) {
     EXPECT_EQ(jpeg.err,
               "a.jpg: error: jpeg files have no alpha channel; --alpha none leaves it out "
               "[channels-without-room]\n");
-    EXPECT_EQ(content(folder.path("a.png")), "what was there");
+    EXPECT_EQ(content_of(folder.path("a.png")), "what was there");
     EXPECT_EQ(names_in(folder.folder()), (std::vector<std::string>{"a.png", "a.txl"}));
     EXPECT_EQ(convert(folder, {"a.txl", "--to", "jpg", "--alpha", "none"}).exit_code, 0);
 }
@@ -216,7 +210,7 @@ TEST(TextureConvert, AFileThatIsRefusedLeavesWhatWasThere) {
     folder.write("text.tif", "this is no image");
     folder.write("text.txl", "what was there");
     write(folder, "whole.txl", made_texture(64, 64, Texture::kRgb, 0));
-    folder.write("cut.txl", content(folder.path("whole.txl")).substr(0, 3000));
+    folder.write("cut.txl", content_of(folder.path("whole.txl")).substr(0, 3000));
     folder.write("cut.png", "what was there");
     Texture nothing;
     nothing.width_px = 4;
@@ -224,8 +218,8 @@ TEST(TextureConvert, AFileThatIsRefusedLeavesWhatWasThere) {
 
     EXPECT_EQ(convert(folder, {"text.tif", "--to", "txl"}).exit_code, 1);
     EXPECT_EQ(convert(folder, {"cut.txl", "--to", "png"}).exit_code, 1);
-    EXPECT_EQ(content(folder.path("text.txl")), "what was there");
-    EXPECT_EQ(content(folder.path("cut.png")), "what was there");
+    EXPECT_EQ(content_of(folder.path("text.txl")), "what was there");
+    EXPECT_EQ(content_of(folder.path("cut.png")), "what was there");
     const ProcessResult empty = convert(folder, {"nothing.txl", "--to", "png"});
     EXPECT_EQ(empty.exit_code, 1);
     EXPECT_EQ(empty.err, "nothing.png: error: the texture has no pixels [unsupported]\n");

@@ -2,13 +2,12 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -24,17 +23,12 @@ ProcessResult texture(const std::string& folder, const std::string& verb,
     return run_process(command);
 }
 
-std::string read_file(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// The smallest example with `bytes` from `offset` on, or cut there.
 std::string tiny_cut(std::size_t offset) {
-    return read_file(kTextures + "/tiny.txl").substr(0, offset);
+    return content_of(kTextures + "/tiny.txl").substr(0, offset);
 }
 std::string tiny_with(std::size_t offset, const std::string& bytes) {
-    std::string file = read_file(kTextures + "/tiny.txl");
+    std::string file = content_of(kTextures + "/tiny.txl");
     return file.replace(offset, bytes.size(), bytes);
 }
 

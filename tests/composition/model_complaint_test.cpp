@@ -6,8 +6,6 @@
 
 #include <cmath>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <limits>
 #include <optional>
 #include <string>
@@ -19,6 +17,7 @@
 #include "composition/parsed_text.h"
 #include "limit/limits.h"
 #include "support/changed_value.h"
+#include "support/file_content.h"
 
 namespace {
 
@@ -239,8 +238,7 @@ TEST(ModelComplaint, NothingAboutWhatIsRead) {
             continue;
         }
         SCOPED_TRACE(entry.path());
-        std::ifstream in(entry.path(), std::ios::binary);
-        const std::string text{std::istreambuf_iterator<char>(in), {}};
+        const std::string text = content_of(entry.path());
         const ReadText whole(text);
         ASSERT_EQ(whole.result, 1);
         EXPECT_EQ(model_complaint(whole.settings, ModelState::complete), std::nullopt);

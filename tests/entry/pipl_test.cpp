@@ -3,12 +3,11 @@
 #include <gtest/gtest.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <sstream>
 #include <string>
 
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -18,8 +17,7 @@ std::string written(const std::string& form) {
     const std::string path = folder.path("pipl");
     const ProcessResult run = run_process({VXR_PYTHON, VXR_PIPL_SCRIPT, form, path});
     EXPECT_EQ(run.exit_code, 0) << run.err;
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {});
+    return content_of(path);
 }
 
 /// A literal with NUL bytes in it.

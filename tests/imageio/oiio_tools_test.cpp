@@ -4,13 +4,12 @@
 
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <vector>
 
 #include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
 #include "texture/texture_file.h"
@@ -208,8 +207,7 @@ TEST(Oiiotool, a_texture_is_known_by_its_first_bytes_whatever_its_name) {
 }
 
 std::string first_bytes(const std::string& path, std::size_t count) {
-    std::ifstream file(path, std::ios::binary);
-    return std::string(std::istreambuf_iterator<char>(file), {}).substr(0, count);
+    return content_of(path).substr(0, count);
 }
 
 TEST(WrongInput, is_an_error_with_its_place_and_leaves_no_output) {

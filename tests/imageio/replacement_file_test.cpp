@@ -4,11 +4,11 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 
 namespace {
@@ -17,11 +17,6 @@ namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 void fill(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
@@ -44,7 +39,7 @@ TEST(ReplacementFile, appears_only_when_put_in_place) {
     fill(file->temporary_path(), "new");
     EXPECT_FALSE(fs::exists(folder.path("a.txl")));
     EXPECT_TRUE(file->put_in_place(error)) << error;
-    EXPECT_EQ(content(folder.path("a.txl")), "new");
+    EXPECT_EQ(content_of(folder.path("a.txl")), "new");
     EXPECT_THAT(names_in(folder), ElementsAre("a.txl"));
 }
 
@@ -57,7 +52,7 @@ TEST(ReplacementFile, what_was_there_stays_when_given_up) {
         ASSERT_TRUE(file.has_value()) << error;
         fill(file->temporary_path(), "half");
     }
-    EXPECT_EQ(content(folder.path("a.txl")), "old");
+    EXPECT_EQ(content_of(folder.path("a.txl")), "old");
     EXPECT_THAT(names_in(folder), ElementsAre("a.txl"));
 }
 
@@ -84,7 +79,7 @@ TEST(ReplacementFile, follows_a_link_and_leaves_it_a_link) {
     fill(file->temporary_path(), "new");
     ASSERT_TRUE(file->put_in_place(error)) << error;
     EXPECT_TRUE(fs::is_symlink(folder.path("a.txl")));
-    EXPECT_EQ(content(real), "new");
+    EXPECT_EQ(content_of(real), "new");
 }
 
 TEST(ReplacementFile, refuses_places_where_no_file_can_be_put) {

@@ -4,14 +4,13 @@
 #include <sys/stat.h>
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <ostream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "imageio/channel_plan.h"
+#include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
 
@@ -20,16 +19,11 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-std::string bytes_of(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 /// A whole small texture as a file's bytes.
 std::string texture_bytes(const Texture& texture) {
     const TemporaryFolder folder;
     EXPECT_FALSE(write_texture(folder.path("t.txl"), texture).has_value());
-    return bytes_of(folder.path("t.txl"));
+    return content_of(folder.path("t.txl"));
 }
 
 std::vector<std::uint8_t> interleaved(const Texture& texture) {

@@ -5,12 +5,11 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <random>
 #include <set>
 #include <stdexcept>
 
+#include "support/file_content.h"
 #include "support/regressions.h"
 
 namespace {
@@ -20,11 +19,6 @@ namespace fs = std::filesystem;
 constexpr const char* kScene =
     "VORTAN XR COMPOSITION\nRESOLUTION 64 48 FROM 0 TO 3 RANGE 4 FPS 25\n"
     "COMPOSITION NRM \"Main\" {\nFILE NRM PREMUL \"C:\\";
-
-std::string content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 bool is_one_of(const std::string& text, std::initializer_list<const char*> all) {
     return std::find(all.begin(), all.end(), text) != all.end();
@@ -82,7 +76,7 @@ std::vector<Example> examples_of(Kind kind) {
 }
 
 ClimbingFile::ClimbingFile(const Example& example, bool with_neighbours)
-    : bytes_(is_sound(example) ? content(example.path) : example.bytes) {
+    : bytes_(is_sound(example) ? content_of(example.path) : example.bytes) {
     const fs::path original = example.path;
     const std::string name = fs::path(example.name).filename().string();
     path_ = folder_.path(name);

@@ -5,13 +5,12 @@
 #include <unistd.h>
 
 #include <cstdlib>
-#include <fstream>
-#include <iterator>
 #include <stdexcept>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 
 /// What a program did. A program that a signal ended has the exit code -1.
@@ -54,9 +53,5 @@ inline ProcessResult run_process(const std::vector<std::string>& arguments,
     int status = 0;
     ::waitpid(child, &status, 0);
 
-    const auto text = [](const std::string& path) {
-        std::ifstream file(path, std::ios::binary);
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    };
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, text(out), text(err)};
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content_of(out), content_of(err)};
 }

@@ -3,11 +3,12 @@
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
-#include <fstream>
 #include <iterator>
 #include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "support/file_content.h"
 
 /// A former find of the fuzzers, kept in fuzz/regress/TARGET.
 struct Regression {
@@ -51,8 +52,7 @@ inline std::vector<Regression> regressions_in(const std::filesystem::path& folde
         if (target == std::end(kAll)) {
             throw std::runtime_error(name + " is a regression of a target that is not known here");
         }
-        std::ifstream in(entry.path(), std::ios::binary);
-        const std::string bytes{std::istreambuf_iterator<char>(in), {}};
+        const std::string bytes = content_of(entry.path());
         all.push_back({entry.path().string(), name, target->extension,
                        bytes.substr(std::min(target->option_bytes, bytes.size()))});
     }

@@ -5,12 +5,11 @@
 
 #include <cstring>
 #include <filesystem>
-#include <fstream>
 #include <functional>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "support/file_content.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
 #include "texture/memory.h"
@@ -37,10 +36,6 @@ class TestedFile : public PrivateHyperFile {
 /// A folder with one file of the container.
 class HyperFile : public testing::Test {
   protected:
-    static std::string contents(const std::string& path) {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
     static HyperBytes header() { return HyperBytes().Header("AVXR", "Test"); }
     std::string write(const HyperBytes& bytes) { return folder_.write("file", bytes.bytes()); }
     void open(const HyperBytes& bytes) { ASSERT_EQ(file_.OpenToRead(write(bytes)), 1); }
@@ -72,7 +67,7 @@ TEST_F(HyperFile, EveryByteOfAFileIsAsWrittenByHand) {
     EXPECT_EQ(file_.counter(), 16u);
     EXPECT_EQ(file_.Close(), 1);
     EXPECT_EQ(file_.GetError(), 0);
-    EXPECT_EQ(contents(path),
+    EXPECT_EQ(content_of(path),
               "AVXRTest"
               "\x01\x00\x00\x01\xF6\x00\x00\x00\x03"
               "\x0B\xFF"
@@ -324,7 +319,7 @@ TEST_F(HyperFile, BlocksOfManyLengthsComeBackWithAGuardByte) {
         ASSERT_EQ(out.OpenToWrite(path), 1);
         ASSERT_EQ(out.WriteMemory(data.data(), static_cast<std::int32_t>(length)), 1);
         out.Close();
-        EXPECT_EQ(contents(path), header().Block(data).bytes());
+        EXPECT_EQ(content_of(path), header().Block(data).bytes());
         TestedFile in;
         ASSERT_EQ(in.OpenToRead(path), 1);
         void* block = &in;
@@ -443,7 +438,7 @@ TEST_F(HyperFile, NegativeBlocksAreNotWritten) {
     EXPECT_EQ(file_.WriteMemory("x", -1), 0);
     EXPECT_EQ(file_.GetError(), -7);
     file_.Close();
-    EXPECT_EQ(contents(path), header().bytes());
+    EXPECT_EQ(content_of(path), header().bytes());
 }
 
 TEST_F(HyperFile, AfterAnErrorWritesLeaveTheFileAsItIs) {
@@ -467,7 +462,7 @@ TEST_F(HyperFile, AfterAnErrorWritesLeaveTheFileAsItIs) {
     EXPECT_EQ(file_.GetError(), -7);
     EXPECT_EQ(file_.counter(), 1u);
     file_.Close();
-    EXPECT_EQ(contents(path), header().Long(1).bytes());
+    EXPECT_EQ(content_of(path), header().Long(1).bytes());
 }
 
 TEST_F(HyperFile, AfterAnErrorReadsDoNotMove) {
@@ -496,7 +491,7 @@ TEST_F(HyperFile, AnObjectThatFailedStaysFailedUntilToldOtherwise) {
     file_.SetError(-100);
     EXPECT_EQ(file_.OpenToRead(path), 0);
     EXPECT_EQ(file_.OpenToWrite(path), 0);
-    EXPECT_EQ(contents(path), header().Long(1).bytes()) << "not even emptied";
+    EXPECT_EQ(content_of(path), header().Long(1).bytes()) << "not even emptied";
     file_.SetError(0);
     EXPECT_EQ(file_.OpenToRead(path), 1);
 }

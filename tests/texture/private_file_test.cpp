@@ -5,21 +5,15 @@
 #include <array>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "support/file_content.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
 #include "texture/byte_order.h"
 #include "texture/memory.h"
 
 namespace {
-
-std::string contents(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 TEST(Memory, ANegativeSizeIsRefused) {
     EXPECT_EQ(MemAlloc(-1), nullptr);
@@ -91,7 +85,7 @@ TEST(PrivateFile, StoresEveryTypeBigEndian) {
     EXPECT_EQ(file.GetPosition(), 26);
     EXPECT_EQ(file.Close(), 1);
     using namespace std::string_literals;
-    EXPECT_EQ(contents(path),
+    EXPECT_EQ(content_of(path),
               "\xFE\xFE\xFF\xFE\x01\x02\xFF\xFF\xFF\xFE\x01\x02\x03\x04"
               "\x3F\x80\x00\x00\xC0\x00\x00\x00\x00\x00\x00\x00"s);
 }
@@ -241,7 +235,7 @@ TEST(PrivateFile, OpeningAgainClosesTheFirstFile) {
     ASSERT_EQ(file.Open(folder.path("a").c_str(), 1), 1);
     ASSERT_EQ(file.WriteUChar('x'), 1);
     ASSERT_EQ(file.Open(folder.path("b").c_str(), 1), 1);
-    EXPECT_EQ(contents(folder.path("a")), "x");
+    EXPECT_EQ(content_of(folder.path("a")), "x");
 }
 
 }  // namespace

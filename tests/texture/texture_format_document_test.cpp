@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 #include "texture/annotated_dump.h"
 #include "texture/both_loads.h"
@@ -15,12 +14,6 @@ namespace {
 
 const std::string kExample = VXR_EXAMPLES_DIR "/textures/tiny.txl";
 const std::string kDocument = VXR_EXAMPLES_DIR "/../docs/texture-format.md";
-
-std::string contents(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    EXPECT_TRUE(in.is_open()) << path;
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 /// The picture of the example: four grey pixels in each of two rows, with one alpha channel. Of both, the
 /// first row is one that packs and the second one that does not.
@@ -42,20 +35,20 @@ TEST(TextureFormatDocument, TheExampleIsWhatTheWriterWrites) {
     const TemporaryFolder folder;
     const std::string path = folder.path("tiny.txl");
     ASSERT_FALSE(write_texture(path, tiny()).has_value());
-    EXPECT_EQ(contents(path), contents(kExample));
+    EXPECT_EQ(content_of(path), content_of(kExample));
     const BothLoads both(kExample);
     ASSERT_TRUE(both.reading.texture.has_value());
     EXPECT_EQ(*both.reading.texture, tiny());
 }
 
 TEST(TextureFormatDocument, ShowsEveryByteOfTheExample) {
-    const std::string document = contents(kDocument);
+    const std::string document = content_of(kDocument);
     const std::string fence = "<!-- every byte of examples/textures/tiny.txl -->\n```text\n";
     const std::size_t begin = document.find(fence);
     ASSERT_NE(begin, std::string::npos);
     const std::size_t first = begin + fence.size();
     const std::string shown = document.substr(first, document.find("```", first) - first);
-    EXPECT_EQ(shown, annotated_dump(contents(kExample)));
+    EXPECT_EQ(shown, annotated_dump(content_of(kExample)));
 }
 
 }  // namespace

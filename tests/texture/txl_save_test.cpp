@@ -1,10 +1,9 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
-#include <fstream>
-#include <iterator>
 #include <string>
 
+#include "support/file_content.h"
 #include "support/temporary_folder.h"
 #include "texture/both_loads.h"
 #include "texture/example_txl_image.h"
@@ -14,11 +13,6 @@
 namespace {
 
 using namespace std::string_literals;
-
-std::string contents(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
-}
 
 /// A source whose answers are all set by the test; pixels count upwards along a row.
 class AnySource final : public TXLImage {
@@ -58,7 +52,7 @@ std::string saved(TXLImage& source) {
     TXLImageFilter filter;
     EXPECT_TRUE(filter.SaveImage(path.c_str(), &source));
     EXPECT_EQ(filter.GetError(), 0);
-    return contents(path);
+    return content_of(path);
 }
 
 TxlFile expected_file(std::int32_t width, std::int32_t height, std::int32_t mode) {
@@ -193,7 +187,7 @@ TEST(TxlSave, ARowIsPackedOnlyWhereThatIsShorter) {
         if (!row.block.empty()) {
             TxlFile expected = expected_file(texture.width_px, 1, 2);
             expected.rows.blocks = {{row.flag, row.block}};
-            EXPECT_EQ(contents(path), expected.bytes());
+            EXPECT_EQ(content_of(path), expected.bytes());
         }
     }
 }
