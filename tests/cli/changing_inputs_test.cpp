@@ -10,6 +10,7 @@
 
 #include "cli/doctor/bundle_files.h"
 #include "support/changing_file.h"
+#include "support/deadline.h"
 #include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/program_run.h"
@@ -27,7 +28,7 @@ const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCo
 /// round of changes may come late. Returns which exit codes there were.
 std::set<ExitCode> codes_of(const std::vector<std::string>& command, ChangingFile& changing) {
     constexpr int kRuns = 100;
-    const Impatience impatience;
+    const Deadline deadline;
     std::set<ExitCode> codes;
     for (int i = 0; i < kRuns || codes != kEveryOutcome; ++i) {
         const Ran ran = run(command);

@@ -4,7 +4,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <filesystem>
 #include <functional>
@@ -13,6 +12,7 @@
 #include <vector>
 
 #include "end_to_end/texture_scene.h"
+#include "support/deadline.h"
 #include "support/loaded_bundle.h"
 #include "support/scene_folder.h"
 #include "support/special_files.h"
@@ -22,18 +22,6 @@ namespace {
 
 namespace fs = std::filesystem;
 using embedded::Passage;
-
-/// Ends the program, by the alarm's signal, when a test waits for somebody who does not come.
-class Deadline {
-  public:
-    Deadline() {
-        constexpr unsigned kPatience_s = 120;
-        ::alarm(kPatience_s);
-    }
-    ~Deadline() { ::alarm(0); }
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
-};
 
 /// What becomes of a file.
 struct Change {

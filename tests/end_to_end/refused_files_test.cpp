@@ -16,6 +16,7 @@
 #include <unistd.h>
 
 #include "embedded/project_json.h"
+#include "support/deadline.h"
 #include "support/loaded_bundle.h"
 #include "support/scene_folder.h"
 #include "support/small_stack.h"
@@ -24,26 +25,6 @@
 namespace {
 
 using testing::IsEmpty;
-
-/// Ends the program, by the alarm's signal, when a test waits for somebody who does not come.
-class Deadline {
-  public:
-#if !defined(_WIN32)
-    explicit Deadline(unsigned seconds) {
-        ::alarm(seconds);
-    }
-    ~Deadline() {
-        ::alarm(0);
-    }
-#else  // which has neither: ctest has a limit of its own
-    explicit Deadline(unsigned /*seconds*/) {}
-    ~Deadline() {}
-#endif
-    Deadline(const Deadline&) = delete;
-    Deadline& operator=(const Deadline&) = delete;
-};
-
-constexpr unsigned kPatience_s = 120;
 
 constexpr const char* kSettings = "VORTAN XR COMPOSITION RESOLUTION 64 48 FROM 0 TO 3 RANGE 4 FPS 25 ";
 
@@ -101,7 +82,7 @@ const Refused kRefused[] = {
 };
 
 TEST(RefusedFiles, LeaveEverythingAsItWas) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const SceneFolder folder;
     folder.image("a.tga");
     LoadedBundle bundle(with_preference());
@@ -124,7 +105,7 @@ TEST(RefusedFiles, LeaveEverythingAsItWas) {
 }
 
 TEST(RefusedFiles, ThatCannotBeOpenedAreAnErrorOfTheirOwn) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const TemporaryFolder folder;
     const std::string file = folder.write("a file", "VORTAN XR");
     std::filesystem::create_directory(folder.path("folder.aec"));
@@ -197,7 +178,7 @@ TEST(RefusedFiles, ThatMayNotBeReadAreAnErrorOfTheirOwn) {
 
 // Footage that is no regular file is missing footage.
 TEST(RefusedFiles, FootageThatIsNoFileBecomesAPlaceholder) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const SceneFolder folder;
     std::filesystem::create_directory(folder.files().path("folder.tga"));
     make_pipe(folder.files().path("pipe.rla"));
@@ -227,7 +208,7 @@ std::string nested(int levels) {
 
 // Read, built and deleted within the stack that a host's thread has left at least.
 TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithinASmallStack) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const SceneFolder folder;
     for (const auto& [levels, built] : {std::pair{1024, std::size_t{1024}}, {1025, std::size_t{0}}}) {
         SCOPED_TRACE(levels);
@@ -246,7 +227,7 @@ TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithinASmallStack) {
 
 // One report for each of the levels that could not be finished, and the stack holds that too.
 TEST(Nesting, FailingInItsDepthReportsEveryLevel) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const SceneFolder folder;
     const std::string path = folder.scene(nested(1024));
     embedded::HostOptions options = with_preference();
@@ -327,7 +308,7 @@ Built operator-(const Built& after, const Built& before) {
 }
 
 TEST(CutFiles, ChangeTheProjectOnlyWhenTheyAreComplete) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const SceneFolder folder;
     folder.image("b.tga");
     LoadedBundle bundle(with_preference());
@@ -349,7 +330,7 @@ TEST(CutFiles, ChangeTheProjectOnlyWhenTheyAreComplete) {
 
 // Every byte changed in turn: whatever comes of it, nothing is left open and the preference is as it was.
 TEST(ChangedFiles, LeaveNothingOpen) {
-    const Deadline deadline(kPatience_s);
+    const Deadline deadline;
     const SceneFolder folder;
     folder.image("b.tga");
     LoadedBundle bundle(with_preference());

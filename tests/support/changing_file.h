@@ -1,7 +1,6 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <condition_variable>
@@ -13,6 +12,7 @@
 #include <thread>
 #include <utility>
 
+#include "support/deadline.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
 
@@ -97,18 +97,6 @@ class ChangingFile {
     std::jthread changes_;  // last: it uses the others
 };
 
-/// Ends the program when somebody waits, while this lives, for who does not come.
-class Impatience {
-  public:
-    Impatience() { ::alarm(kPatience_s); }
-    ~Impatience() { ::alarm(0); }
-    Impatience(const Impatience&) = delete;
-    Impatience& operator=(const Impatience&) = delete;
-
-  private:
-    static constexpr unsigned kPatience_s = 120;
-};
-
 /// Calls `reads`, which says whether something came of it, again and again with the path of a file that
 /// changes, and further while one of both outcomes has not come: the first round of changes may come late.
 inline void expect_both_outcomes(const std::string& name, const std::string& whole, int runs,
@@ -116,7 +104,7 @@ inline void expect_both_outcomes(const std::string& name, const std::string& who
     SCOPED_TRACE(name);
     const TemporaryFolder folder;
     ChangingFile changing(folder, name, whole, "something else");
-    const Impatience impatience;
+    const Deadline deadline;
     int read = 0;
     int refused = 0;
     for (int i = 0; i < runs || read == 0 || refused == 0; ++i) {

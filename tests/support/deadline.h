@@ -1,0 +1,24 @@
+#pragma once
+
+#if !defined(_WIN32)
+#include <unistd.h>
+#endif
+
+/// Ends the program, by the alarm's signal, when a test waits for somebody who does not come.
+class Deadline {
+  public:
+#if !defined(_WIN32)
+    Deadline() {
+        constexpr unsigned kPatience_s = 120;
+        ::alarm(kPatience_s);
+    }
+    ~Deadline() {
+        ::alarm(0);
+    }
+#else  // which has neither: ctest has a limit of its own
+    Deadline() {}
+    ~Deadline() {}
+#endif
+    Deadline(const Deadline&) = delete;
+    Deadline& operator=(const Deadline&) = delete;
+};
