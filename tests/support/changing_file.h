@@ -19,7 +19,7 @@
 /// Rewrites the file `name` of a folder for as long as it lives: whole, cut short, another, longer, gone, a
 /// folder, a pipe without a writer, a link onto itself. Most changes wait for nobody; but now and then the
 /// file rests whole, cut short and gone, each time until somebody has read it so: who calls `was_read` after
-/// each reading meets all three, on however slow a machine.
+/// each reading until `has_rested` has met all three, on however slow a machine.
 class ChangingFile {
   public:
     ChangingFile(const TemporaryFolder& folder, std::string name, std::string whole, std::string other)
@@ -28,6 +28,12 @@ class ChangingFile {
           whole_(std::move(whole)),
           other_(std::move(other)),
           changes_([this](const std::stop_token& stop) { change(stop); }) {}
+
+    /// Whether the file was read whole, cut short and gone.
+    [[nodiscard]] bool has_rested() {
+        const std::scoped_lock lock(mutex_);
+        return has_rested_;
+    }
 
     /// A reading of the file has ended.
     void was_read() {
@@ -49,7 +55,7 @@ class ChangingFile {
         reading_ended_.wait(lock, stop, [&] { return readings_ >= next_but_one; });
     }
 
-    void rest_in_every_state(const std::stop_token& stop) {
+    void rest_whole_cut_and_gone(const std::stop_token& stop) {
         const std::string path = folder_.path(name_);
         folder_.write(name_, whole_);
         rest(stop);
@@ -57,6 +63,8 @@ class ChangingFile {
         rest(stop);
         std::filesystem::remove(path);
         rest(stop);
+        const std::scoped_lock lock(mutex_);
+        has_rested_ = true;
     }
 
     void change(const std::stop_token& stop) {
@@ -64,7 +72,7 @@ class ChangingFile {
         const std::string aside = folder_.path(name_ + ".aside");
         for (int round = 0; !stop.stop_requested(); ++round) {
             if (round % kRoundsPerRest == 0) {
-                rest_in_every_state(stop);
+                rest_whole_cut_and_gone(stop);
             }
             folder_.write(name_, whole_);
             std::filesystem::resize_file(path, whole_.size() / 2);
@@ -94,11 +102,12 @@ class ChangingFile {
     std::mutex mutex_;
     std::condition_variable_any reading_ended_;
     int readings_ = 0;
+    bool has_rested_ = false;
     std::jthread changes_;  // last: it uses the others
 };
 
 /// Calls `reads`, which says whether something came of it, again and again with the path of a file that
-/// changes, and further while one of both outcomes has not come: the first round of changes may come late.
+/// changes: at least `runs` times, and until the file has rested. Both outcomes must have come then.
 inline void expect_both_outcomes(const std::string& name, const std::string& whole, int runs,
                                  const std::function<bool(const std::string&)>& reads) {
     SCOPED_TRACE(name);
@@ -107,7 +116,7 @@ inline void expect_both_outcomes(const std::string& name, const std::string& who
     const Deadline deadline;
     int read = 0;
     int refused = 0;
-    for (int i = 0; i < runs || read == 0 || refused == 0; ++i) {
+    for (int i = 0; i < runs || !changing.has_rested(); ++i) {
         ++(reads(folder.path(name)) ? read : refused);
         changing.was_read();
     }

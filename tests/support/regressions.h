@@ -13,10 +13,9 @@
 /// A former find of the fuzzers, kept in fuzz/regress/TARGET.
 struct Regression {
     std::string path;
-    std::string name;  ///< "TARGET/NNNN-what-it-was"
-    std::string
-        extension;      ///< of the file in it, ".aec" or ".txl"; empty when a host can be given no such file
-    std::string bytes;  ///< of the file in it, or all of them
+    std::string name;       ///< "TARGET/NNNN-what-it-was"
+    std::string extension;  ///< of the file in it; empty when a host can be given no such file
+    std::string bytes;      ///< of the file in it, or all of them
 };
 
 namespace regression_targets {
