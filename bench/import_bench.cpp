@@ -12,10 +12,10 @@
 #include <typeinfo>
 #include <vector>
 
-#include "composition/ascii_parser.h"
-#include "composition/camera.h"
-#include "composition/composition_file.h"
-#include "composition/project_settings.h"
+#include "composition/model/camera.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
 #include "embedded/host.h"
 #include "json_scene.h"
 #include "measuring.h"

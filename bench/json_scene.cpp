@@ -11,10 +11,10 @@
 #include <sstream>
 #include <string_view>
 
-#include "composition/camera.h"
-#include "composition/heap_text.h"
-#include "composition/light.h"
-#include "composition/null_object.h"
+#include "composition/model/camera.h"
+#include "composition/model/heap_text.h"
+#include "composition/model/light.h"
+#include "composition/model/null_object.h"
 
 namespace {
 

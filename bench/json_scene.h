@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "composition/project_settings.h"
+#include "composition/model/project_settings.h"
 #include "composition_text.h"
 
 // The peer of reading: the same scene as JSON, read by RapidJSON's SAX parser into the same records.

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "texture/texture.h"
+#include "texture/value/texture.h"
 
 enum class PictureKind {
     flat,          ///< one colour, opaque: the best that a row coding meets

@@ -3,8 +3,8 @@
 #include <array>
 #include <cstdint>
 
-#include "texture/base_bitmap.h"
-#include "texture/texture.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/value/texture.h"
 
 // What a texture does to pixels besides coding them, for the peers and as a limit: plain loops over rows that
 // are still in the cache.

@@ -11,7 +11,7 @@
 #include "image_reading.h"
 #include "measuring.h"
 #include "planar_work.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 #include "texture_growth.h"
 #include "texture_samples.h"
 #include "tiff_peer.h"

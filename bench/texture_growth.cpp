@@ -10,8 +10,8 @@
 
 #include "measuring.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
 #include "texture/txl_builder.h"
+#include "texture/value/texture_file.h"
 #include "texture_samples.h"
 
 namespace {

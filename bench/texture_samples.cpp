@@ -8,9 +8,9 @@
 
 #include "measuring.h"
 #include "planar_work.h"
-#include "texture/texture_file.h"
-#include "texture/texture_image.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/txl_image_filter.h"
+#include "texture/value/texture_file.h"
+#include "texture/value/texture_image.h"
 #include "tiff_peer.h"
 
 bool WarmPicture::Init(std::int32_t w, std::int32_t h, std::int32_t mode) {

@@ -6,9 +6,9 @@
 
 #include "pictures.h"
 #include "support/temporary_folder.h"
-#include "texture/base_bitmap.h"
-#include "texture/example_txl_image.h"
-#include "texture/texture.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/value/texture.h"
 
 /// The host's bitmap and its adapter, as the input module has them, but loaded again and again: for a picture
 /// of the size that it has, the arrays are kept. Fresh pages cost more than decoding.

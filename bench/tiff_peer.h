@@ -2,8 +2,8 @@
 
 #include <string>
 
-#include "texture/base_bitmap.h"
-#include "texture/texture.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/value/texture.h"
 
 // The peer of texture files: libtiff, told to do the same work. 8-bit RGB and one alpha channel in separate
 // planes, PackBits, one row a strip, since a texture codes each channel of each row by itself.

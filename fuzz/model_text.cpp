@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <vector>
 
-#include "composition/camera.h"
-#include "composition/light.h"
-#include "composition/project_settings.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/project_settings.h"
 
 namespace {
 

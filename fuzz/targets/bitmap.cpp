@@ -2,10 +2,10 @@
 
 #include "check.h"
 #include "input.h"
-#include "texture/base_bitmap.h"
-#include "texture/bitmap_complaint.h"
-#include "texture/example_txl_image.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/txl/bitmap_complaint.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/txl_image_filter.h"
 
 const std::size_t kOptionBytes = 0;
 

@@ -2,11 +2,11 @@
 // with one who takes keys as a whole. All three must read the same.
 
 #include "check.h"
-#include "composition/ascii_parser.h"
-#include "composition/composition_file.h"
-#include "composition/model_complaint.h"
-#include "composition/project_settings.h"
-#include "composition/read_observer.h"
+#include "composition/model/model_complaint.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
+#include "composition/read/read_observer.h"
 #include "input.h"
 #include "model_text.h"
 

@@ -4,8 +4,8 @@
 #include <memory>
 
 #include "check.h"
-#include "composition/ascii_parser.h"
-#include "composition/read_filename.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/read_filename.h"
 #include "input.h"
 
 const std::size_t kOptionBytes = 0;

@@ -6,8 +6,8 @@
 
 #include "check.h"
 #include "input.h"
-#include "texture/hyper_file.h"
-#include "texture/txl_ids.h"
+#include "texture/container/hyper_file.h"
+#include "texture/txl/txl_ids.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 
 #include "check.h"
 #include "input.h"
-#include "texture/base_bitmap.h"
-#include "texture/example_txl_image.h"
-#include "texture/texture_complaint.h"
-#include "texture/texture_file.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/txl_image_filter.h"
+#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_file.h"
 
 const std::size_t kOptionBytes = 0;
 

@@ -4,7 +4,7 @@
 #include <cstring>
 
 #include "check.h"
-#include "composition/ascii_parser.h"
+#include "composition/read/ascii_parser.h"
 #include "input.h"
 
 const std::size_t kOptionBytes = 1;

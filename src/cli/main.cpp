@@ -1,9 +1,9 @@
 #include <string>
 #include <vector>
 
-#include "cli/platform.h"
 #include "cli/program.h"
-#include "cli/terminal.h"
+#include "cli/terminal/platform.h"
+#include "cli/terminal/terminal.h"
 
 int main(int argc, char** argv) {
     const std::vector<std::string> arguments = cli::begin_program(argc, argv);

@@ -7,7 +7,7 @@
 #include <ostream>
 #include <utility>
 
-#include "cli/diagnostic.h"
+#include "cli/report/diagnostic.h"
 #include "cli/verbs.h"
 #include "embedded/image_probe.h"
 

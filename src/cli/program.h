@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/page.h"
-#include "cli/terminal.h"
+#include "cli/help/page.h"
+#include "cli/terminal/terminal.h"
 
 namespace cli {
 

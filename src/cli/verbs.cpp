@@ -1,15 +1,15 @@
 #include "cli/verbs.h"
 
-#include "cli/check_command.h"
-#include "cli/doctor/doctor_command.h"
-#include "cli/frame_command.h"
-#include "cli/help_command.h"
-#include "cli/import_command.h"
-#include "cli/limits_command.h"
-#include "cli/modules_command.h"
-#include "cli/texture_check_command.h"
-#include "cli/texture_convert_command.h"
-#include "cli/texture_info_command.h"
+#include "cli/verb/check_command.h"
+#include "cli/verb/doctor_command.h"
+#include "cli/verb/frame_command.h"
+#include "cli/verb/help_command.h"
+#include "cli/verb/import_command.h"
+#include "cli/verb/limits_command.h"
+#include "cli/verb/modules_command.h"
+#include "cli/verb/texture_check_command.h"
+#include "cli/verb/texture_convert_command.h"
+#include "cli/verb/texture_info_command.h"
 
 namespace cli {
 

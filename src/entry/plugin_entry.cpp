@@ -1,6 +1,6 @@
 #include "entry/plugin_entry.h"
 
-#include "composition/import_file.h"
+#include "composition/build/import_file.h"
 #include "entry/verify_file.h"
 #include "host/messages.h"
 #include "host/plugin_globals.h"

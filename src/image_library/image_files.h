@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "texture/texture.h"
+#include "texture/value/texture.h"
 
 // Ordinary images to textures and back, by OpenImageIO. The functions are exported by the module; none lets
 // an exception out.

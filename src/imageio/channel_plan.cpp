@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "texture/little_endian.h"
+#include "texture/file/little_endian.h"
 
 namespace imageio {
 

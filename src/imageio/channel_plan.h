@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "texture/texture.h"
+#include "texture/value/texture.h"
 
 // Which channel of an image is which channel of a texture, in both directions.
 

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace imageio {
 

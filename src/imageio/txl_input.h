@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace imageio {
 

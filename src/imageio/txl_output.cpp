@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "imageio/texture_spec.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace imageio {
 

@@ -8,7 +8,7 @@
 
 #include "imageio/channel_plan.h"
 #include "imageio/replacement_file.h"
-#include "texture/texture.h"
+#include "texture/value/texture.h"
 
 namespace imageio {
 

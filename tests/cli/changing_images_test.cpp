@@ -8,7 +8,7 @@
 #include <functional>
 #include <string>
 
-#include "cli/image_file.h"
+#include "cli/texture/image_file.h"
 #include "embedded/image_probe.h"
 #include "support/changing_file.h"
 #include "support/file_content.h"

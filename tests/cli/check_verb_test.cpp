@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
-#include "cli/codes.h"
-#include "composition/read_error.h"
+#include "cli/report/codes.h"
+#include "composition/read/read_error.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
 

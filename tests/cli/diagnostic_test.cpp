@@ -1,4 +1,4 @@
-#include "cli/diagnostic.h"
+#include "cli/report/diagnostic.h"
 
 #include <gtest/gtest.h>
 
@@ -6,8 +6,8 @@
 #include <set>
 #include <string>
 
-#include "cli/codes.h"
-#include "cli/unsound_result.h"
+#include "cli/report/codes.h"
+#include "cli/report/unsound_result.h"
 #include "limit/limits.h"
 
 namespace {

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "cli/child_process.h"
 #include "cli/doctor/bundle_files.h"
 #include "cli/made_bundle.h"
+#include "cli/terminal/child_process.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
 

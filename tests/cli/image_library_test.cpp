@@ -15,7 +15,7 @@
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
 #include "system/program_place.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

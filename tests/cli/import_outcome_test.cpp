@@ -1,4 +1,4 @@
-#include "cli/import_outcome.h"
+#include "cli/project/import_outcome.h"
 
 #include <gtest/gtest.h>
 

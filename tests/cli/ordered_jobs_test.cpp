@@ -1,4 +1,4 @@
-#include "cli/ordered_jobs.h"
+#include "cli/terminal/ordered_jobs.h"
 
 #include <gtest/gtest.h>
 

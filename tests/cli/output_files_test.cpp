@@ -18,7 +18,7 @@
 #include "support/made_texture.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

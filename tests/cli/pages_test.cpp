@@ -4,11 +4,11 @@
 #include <string>
 #include <vector>
 
-#include "cli/bash_completion.h"
-#include "cli/man_page.h"
-#include "cli/page.h"
-#include "cli/printable_text.h"
+#include "cli/help/bash_completion.h"
+#include "cli/help/man_page.h"
+#include "cli/help/page.h"
 #include "cli/program.h"
+#include "cli/terminal/printable_text.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
 

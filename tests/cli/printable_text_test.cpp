@@ -1,4 +1,4 @@
-#include "cli/printable_text.h"
+#include "cli/terminal/printable_text.h"
 
 #include <gtest/gtest.h>
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/bundle_path.h"
+#include "cli/project/bundle_path.h"
 #include "support/program_run.h"
 
 namespace {

@@ -1,11 +1,11 @@
-#include "cli/project_tree.h"
+#include "cli/project/project_tree.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
+#include "cli/project/project_words.h"
 #include "cli/project_builder.h"
-#include "cli/project_words.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "cli/scene_check.h"
+#include "cli/scene/scene_check.h"
 
 #include <gtest/gtest.h>
 

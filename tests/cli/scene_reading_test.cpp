@@ -1,4 +1,4 @@
-#include "cli/scene_reading.h"
+#include "cli/scene/scene_reading.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "cli/written_number.h"
+#include "cli/scene/written_number.h"
 
 #include <gtest/gtest.h>
 

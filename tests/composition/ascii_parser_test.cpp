@@ -1,4 +1,4 @@
-#include "composition/ascii_parser.h"
+#include "composition/read/ascii_parser.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "composition/composition_file.h"
+#include "composition/read/composition_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,9 +8,9 @@
 #include <typeinfo>
 #include <vector>
 
-#include "composition/camera.h"
-#include "composition/light.h"
-#include "composition/null_object.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/null_object.h"
 #include "composition/parsed_text.h"
 
 namespace {

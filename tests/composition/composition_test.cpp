@@ -1,4 +1,4 @@
-#include "composition/composition.h"
+#include "composition/model/composition.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -12,8 +12,8 @@
 #include <string>
 #include <utility>
 
-#include "composition/composition_file.h"
 #include "composition/parsed_text.h"
+#include "composition/read/composition_file.h"
 #include "composition/recording_observer.h"
 #include "composition/refused_memory.h"
 #include "support/small_stack.h"

@@ -1,4 +1,4 @@
-#include "composition/double_linked_list.h"
+#include "composition/model/double_linked_list.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "composition/compo_child.h"
+#include "composition/model/compo_child.h"
 #include "composition/parsed_text.h"
 
 namespace {

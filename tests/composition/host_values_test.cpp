@@ -1,4 +1,4 @@
-#include "composition/host_values.h"
+#include "composition/build/host_values.h"
 
 #include <gtest/gtest.h>
 

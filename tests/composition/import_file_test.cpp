@@ -1,4 +1,4 @@
-#include "composition/import_file.h"
+#include "composition/build/import_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "composition/expected_calls.h"
-#include "composition/read_observer.h"
+#include "composition/read/read_observer.h"
 #include "composition/refused_memory.h"
 #include "host/plugin_globals.h"
 #include "support/recording_host.h"

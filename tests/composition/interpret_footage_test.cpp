@@ -3,8 +3,8 @@
 
 #include <string>
 
-#include "composition/file_item.h"
-#include "composition/project_settings.h"
+#include "composition/model/file_item.h"
+#include "composition/model/project_settings.h"
 #include "host/suite_handler.h"
 #include "support/recording_host.h"
 #include "support/special_files.h"

@@ -9,10 +9,10 @@
 #include <cstddef>
 #include <vector>
 
-#include "composition/ascii_parser.h"
-#include "composition/camera.h"
-#include "composition/light.h"
-#include "composition/project_settings.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
 
 namespace {
 

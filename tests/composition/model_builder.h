@@ -4,10 +4,10 @@
 #include <initializer_list>
 #include <string>
 
-#include "composition/composition.h"
-#include "composition/file_item.h"
-#include "composition/project_settings.h"
-#include "composition/scene_object.h"
+#include "composition/model/composition.h"
+#include "composition/model/file_item.h"
+#include "composition/model/project_settings.h"
+#include "composition/model/scene_object.h"
 
 // The project model as reading a file would leave it, made by hand for the tests of the builders.
 

@@ -1,6 +1,6 @@
 // What is said about models: nothing about those that are read, and one rule at a time about broken ones.
 
-#include "composition/model_complaint.h"
+#include "composition/model/model_complaint.h"
 
 #include <gtest/gtest.h>
 
@@ -10,10 +10,10 @@
 #include <optional>
 #include <string>
 
-#include "composition/camera.h"
-#include "composition/light.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/null_object.h"
 #include "composition/model_builder.h"
-#include "composition/null_object.h"
 #include "composition/parsed_text.h"
 #include "limit/limits.h"
 #include "support/changed_value.h"

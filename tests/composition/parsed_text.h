@@ -4,9 +4,9 @@
 #include <string_view>
 #include <vector>
 
-#include "composition/ascii_parser.h"
-#include "composition/composition_file.h"
-#include "composition/project_settings.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
 #include "support/temporary_folder.h"
 
 /// A tokenizer over a real file with the given bytes, its first token read.

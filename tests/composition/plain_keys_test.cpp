@@ -10,11 +10,11 @@
 #include <tuple>
 #include <vector>
 
-#include "composition/camera.h"
-#include "composition/light.h"
-#include "composition/null_object.h"
-#include "composition/plain_number.h"
-#include "composition/read_observer.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/null_object.h"
+#include "composition/read/plain_number.h"
+#include "composition/read/read_observer.h"
 #include "parsed_text.h"
 #include "refused_memory.h"
 

@@ -1,4 +1,4 @@
-#include "composition/plain_number.h"
+#include "composition/read/plain_number.h"
 
 #include <gtest/gtest.h>
 
@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "composition/number_text.h"
+#include "composition/read/number_text.h"
 
 namespace {
 

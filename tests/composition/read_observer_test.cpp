@@ -1,4 +1,4 @@
-#include "composition/read_observer.h"
+#include "composition/read/read_observer.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "composition/read_observer.h"
+#include "composition/read/read_observer.h"
 
 /// "line:column@offset"
 inline std::string place(const TextPosition& at) {

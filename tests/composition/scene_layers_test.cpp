@@ -8,10 +8,10 @@
 #include <string>
 #include <vector>
 
-#include "composition/camera.h"
-#include "composition/light.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/null_object.h"
 #include "composition/model_builder.h"
-#include "composition/null_object.h"
 #include "host/suite_handler.h"
 #include "support/recording_host.h"
 

@@ -1,13 +1,13 @@
-#include "composition/scene_object.h"
+#include "composition/model/scene_object.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "composition/camera.h"
-#include "composition/light.h"
-#include "composition/null_object.h"
+#include "composition/model/camera.h"
+#include "composition/model/light.h"
+#include "composition/model/null_object.h"
 #include "composition/parsed_text.h"
 
 namespace {

@@ -6,7 +6,7 @@
 #include <string>
 
 #include "host/host_interface.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 /// A picture in which every pixel and every alpha value is another, from `seed` on.
 inline Texture make_texture(std::int32_t width_px, std::int32_t height_px, std::int32_t mode, int alphas,

@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "composition/import_file.h"
+#include "composition/build/import_file.h"
 #include "entry/verify_file.h"
 #include "host/messages.h"
 #include "host/plugin_globals.h"

@@ -12,7 +12,7 @@
 #include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

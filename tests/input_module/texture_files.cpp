@@ -3,9 +3,9 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
-#include "texture/hyper_file.h"
-#include "texture/txl_ids.h"
-#include "texture/txl_image_filter.h"
+#include "texture/container/hyper_file.h"
+#include "texture/txl/txl_ids.h"
+#include "texture/txl/txl_image_filter.h"
 
 unsigned char PaintedPicture::ColourAt(std::int32_t x, std::int32_t y, std::int32_t channel) const {
     const std::int32_t seen = mode_ == kModeGrey ? 0 : channel;

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "texture/txl_image.h"
+#include "texture/txl/txl_image.h"
 
 /// A picture for files: every colour and alpha byte is told by its place, and all differ from their
 /// neighbours.

@@ -5,14 +5,14 @@
 #include <optional>
 #include <string>
 
-#include "composition/ascii_parser.h"
-#include "composition/composition_file.h"
-#include "composition/model_complaint.h"
-#include "composition/project_settings.h"
+#include "composition/model/model_complaint.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
 #include "ladder/climbing_file.h"
 #include "ladder/rungs.h"
-#include "texture/texture_complaint.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

@@ -13,19 +13,19 @@
 #include <string>
 #include <vector>
 
-#include "cli/scene_reading.h"
-#include "composition/ascii_parser.h"
-#include "composition/composition_file.h"
-#include "composition/project_settings.h"
+#include "cli/scene/scene_reading.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
 #include "embedded/host.h"
 #include "limit/hostile_files.h"
 #include "limit/limits.h"
 #include "support/child_memory.h"
 #include "support/temporary_folder.h"
-#include "texture/base_bitmap.h"
-#include "texture/example_txl_image.h"
-#include "texture/texture_file.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/txl_image_filter.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

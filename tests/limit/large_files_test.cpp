@@ -19,7 +19,7 @@
 #include "limit/scene_text.h"
 #include "support/child_memory.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

@@ -8,18 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "cli/limit_words.h"
-#include "composition/ascii_parser.h"
-#include "composition/composition_file.h"
-#include "composition/project_settings.h"
+#include "cli/report/limit_words.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
 #include "limit/limit_files.h"
 #include "limit/scene_text.h"
 #include "support/program_run.h"
 #include "support/temporary_folder.h"
-#include "texture/base_bitmap.h"
-#include "texture/example_txl_image.h"
-#include "texture/texture_file.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/txl_image_filter.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/limit_words.h"
+#include "cli/report/limit_words.h"
 #include "limit/limits.h"
 #include "support/program_run.h"
 

@@ -5,12 +5,12 @@
 #include <cstdint>
 #include <string>
 
-#include "cli/scene_reading.h"
+#include "cli/scene/scene_reading.h"
 #include "limit/limits.h"
 #include "limit/scene_text.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
 #include "texture/txl_builder.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

@@ -16,7 +16,7 @@
 #include "stress/threaded_host.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/ordered_jobs.h"
+#include "cli/terminal/ordered_jobs.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

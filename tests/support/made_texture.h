@@ -5,7 +5,7 @@
 #include <random>
 #include <string>
 
-#include "texture/texture.h"
+#include "texture/value/texture.h"
 
 /// A texture of seeded noise with stretches of one value, so that its rows are partly packed and partly raw.
 /// Alphas are named as they read back from a file.

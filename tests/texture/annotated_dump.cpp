@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <vector>
 
-#include "texture/txl_ids.h"
+#include "texture/txl/txl_ids.h"
 
 namespace {
 

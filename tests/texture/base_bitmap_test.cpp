@@ -1,4 +1,4 @@
-#include "texture/base_bitmap.h"
+#include "texture/txl/base_bitmap.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "texture/base_file.h"
+#include "texture/file/base_file.h"
 
 #if !defined(_WIN32)
 #include <sys/socket.h>

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <array>
 
-#include "texture/bitmap_complaint.h"
-#include "texture/example_txl_image.h"
-#include "texture/texture_complaint.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/bitmap_complaint.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/txl_image_filter.h"
+#include "texture/value/texture_complaint.h"
 
 namespace {
 

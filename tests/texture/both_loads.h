@@ -3,8 +3,8 @@
 #include <cstdint>
 #include <string>
 
-#include "texture/base_bitmap.h"
-#include "texture/texture_file.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/value/texture_file.h"
 
 /// One file read both ways: into the host's bitmap and into a plain texture.
 struct BothLoads {

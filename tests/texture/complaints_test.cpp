@@ -11,10 +11,10 @@
 
 #include "support/changed_value.h"
 #include "support/made_texture.h"
-#include "texture/base_bitmap.h"
-#include "texture/bitmap_complaint.h"
 #include "texture/both_loads.h"
-#include "texture/texture_complaint.h"
+#include "texture/txl/base_bitmap.h"
+#include "texture/txl/bitmap_complaint.h"
+#include "texture/value/texture_complaint.h"
 
 namespace {
 

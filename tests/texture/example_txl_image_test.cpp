@@ -1,4 +1,4 @@
-#include "texture/example_txl_image.h"
+#include "texture/txl/example_txl_image.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

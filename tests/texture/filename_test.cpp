@@ -1,4 +1,4 @@
-#include "texture/filename.h"
+#include "texture/file/filename.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-#include "texture/hyper_file.h"
+#include "texture/container/hyper_file.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>
@@ -12,7 +12,7 @@
 #include "support/file_content.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
-#include "texture/memory.h"
+#include "texture/file/memory.h"
 #if !defined(_WIN32)
 #include "texture/out_of_memory.h"
 #endif

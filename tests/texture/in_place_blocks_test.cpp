@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "support/temporary_folder.h"
-#include "texture/hyper_file.h"
+#include "texture/container/hyper_file.h"
 #include "texture/txl_builder.h"
 
 namespace {

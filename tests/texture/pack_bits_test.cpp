@@ -1,4 +1,4 @@
-#include "texture/pack_bits.h"
+#include "texture/txl/pack_bits.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "texture/planes.h"
+#include "texture/kernel/planes.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "texture/private_file.h"
+#include "texture/file/private_file.h"
 
 #include <gtest/gtest.h>
 
@@ -10,8 +10,8 @@
 #include "support/file_content.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
-#include "texture/byte_order.h"
-#include "texture/memory.h"
+#include "texture/file/byte_order.h"
+#include "texture/file/memory.h"
 
 namespace {
 

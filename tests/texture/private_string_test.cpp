@@ -1,4 +1,4 @@
-#include "texture/private_string.h"
+#include "texture/container/private_string.h"
 
 #include <gtest/gtest.h>
 

@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "texture/exact_buffer.h"
-#include "texture/pack_bits.h"
+#include "texture/txl/pack_bits.h"
 
 namespace {
 

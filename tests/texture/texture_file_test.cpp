@@ -1,4 +1,4 @@
-#include "texture/texture_file.h"
+#include "texture/value/texture_file.h"
 
 #include <gtest/gtest.h>
 #include <unistd.h>

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "texture/txl_ids.h"
+#include "texture/txl/txl_ids.h"
 
 /// Bytes of a container, written by hand: independent of the code under test.
 class HyperBytes {

@@ -1,13 +1,13 @@
-#include "texture/txl_format.h"
+#include "texture/txl/txl_format.h"
 
 #include <gtest/gtest.h>
 
 #include <cstdint>
 #include <vector>
 
-#include "texture/base_bitmap.h"
 #include "texture/exact_buffer.h"
-#include "texture/filename.h"
+#include "texture/file/filename.h"
+#include "texture/txl/base_bitmap.h"
 
 namespace {
 

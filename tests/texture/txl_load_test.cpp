@@ -9,10 +9,10 @@
 #include "limit/limits.h"
 #include "support/temporary_folder.h"
 #include "texture/both_loads.h"
-#include "texture/example_txl_image.h"
-#include "texture/pack_bits.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/pack_bits.h"
+#include "texture/txl/txl_image_filter.h"
 #include "texture/txl_builder.h"
-#include "texture/txl_image_filter.h"
 
 namespace {
 

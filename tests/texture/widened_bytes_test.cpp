@@ -1,4 +1,4 @@
-#include "texture/widened_bytes.h"
+#include "texture/kernel/widened_bytes.h"
 
 #include <gtest/gtest.h>
 

@@ -6,8 +6,8 @@
 #include <utility>
 #include <vector>
 
-#include "cli/diagnostic.h"
 #include "cli/exit_codes.h"
+#include "cli/report/diagnostic.h"
 
 namespace cli::doctor {
 

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/diagnostic.h"
+#include "cli/report/diagnostic.h"
 
 namespace cli::doctor {
 

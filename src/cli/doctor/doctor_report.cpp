@@ -4,8 +4,8 @@
 
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/trial_json.h"
-#include "cli/printable_text.h"
-#include "cli/text_table.h"
+#include "cli/terminal/printable_text.h"
+#include "cli/terminal/text_table.h"
 #include "embedded/json_values.h"
 
 namespace cli::doctor {

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "cli/doctor/diagnosis.h"
-#include "cli/terminal.h"
+#include "cli/terminal/terminal.h"
 
 namespace cli::doctor {
 

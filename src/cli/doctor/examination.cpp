@@ -10,7 +10,7 @@
 #include "cli/doctor/needed_libraries.h"
 #include "cli/doctor/property_checks.h"
 #include "cli/doctor/verdicts.h"
-#include "cli/printable_text.h"
+#include "cli/terminal/printable_text.h"
 
 namespace cli::doctor {
 namespace {

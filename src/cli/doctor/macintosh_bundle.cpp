@@ -8,7 +8,7 @@
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/doctor_codes.h"
 #include "cli/doctor/property_checks.h"
-#include "cli/printable_text.h"
+#include "cli/terminal/printable_text.h"
 
 namespace cli::doctor {
 namespace {

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cli/doctor/doctor_codes.h"
-#include "cli/printable_text.h"
+#include "cli/terminal/printable_text.h"
 
 namespace cli::doctor {
 namespace {

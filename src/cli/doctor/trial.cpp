@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "cli/child_process.h"
 #include "cli/doctor/trial_json.h"
+#include "cli/terminal/child_process.h"
 #include "embedded/host.h"
 #include "system/files.h"
 #include "system/program_place.h"

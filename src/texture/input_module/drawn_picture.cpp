@@ -2,10 +2,10 @@
 
 #include <algorithm>
 
-#include "texture/fetch.h"
-#include "texture/little_endian.h"
-#include "texture/planes16.h"
-#include "texture/widened_bytes.h"
+#include "texture/file/little_endian.h"
+#include "texture/kernel/fetch.h"
+#include "texture/kernel/planes16.h"
+#include "texture/kernel/widened_bytes.h"
 
 namespace {
 

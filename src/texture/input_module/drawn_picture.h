@@ -3,7 +3,7 @@
 #include <cstdint>
 
 #include "host/host_interface.h"
-#include "texture/base_bitmap.h"
+#include "texture/txl/base_bitmap.h"
 
 /// Draws `bitmap` into `world`, pixel (x, y) to pixel (x, y), as far as both reach: the high bytes of colour
 /// and the low byte of alpha, opaque without an alpha channel. The rest of `world` is left alone; its data is

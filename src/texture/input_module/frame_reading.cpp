@@ -10,9 +10,9 @@
 #include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
-#include "texture/example_txl_image.h"
 #include "texture/input_module/drawn_picture.h"
-#include "texture/txl_image_filter.h"
+#include "texture/txl/example_txl_image.h"
+#include "texture/txl/txl_image_filter.h"
 
 namespace {
 

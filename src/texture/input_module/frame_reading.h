@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/host_interface.h"
-#include "texture/base_bitmap.h"
+#include "texture/txl/base_bitmap.h"
 
 /// What the module keeps of one texture footage item. Lives in a host memory handle that is attached to the
 /// footage as its options handle; made there and never changed after the import. The handle is the host's,

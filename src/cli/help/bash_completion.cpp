@@ -1,0 +1,111 @@
+#include "cli/help/bash_completion.h"
+
+#include <algorithm>
+#include <sstream>
+
+namespace cli {
+namespace {
+
+// What may follow a page's command: its verbs and its options.
+struct Words {
+    std::string verbs;
+    std::string options;
+    std::string with_value;  ///< options whose next word is a value, as a pattern: "--save|--log"
+    std::string choices;     ///< assignments of the words that an option's value may be
+};
+
+/// The words in lower case of a value like "classic|today|MAJOR.MINOR", each with a blank behind it.
+std::string choices_of(const std::string& value) {
+    std::string choices;
+    std::istringstream alternatives(value);
+    for (std::string one; std::getline(alternatives, one, '|');) {
+        if (std::all_of(one.begin(), one.end(), [](char c) { return c >= 'a' && c <= 'z'; })) {
+            choices += one + ' ';
+        }
+    }
+    return choices;
+}
+
+Words words_of(const Page& page) {
+    Words words;
+    for (const PageSection& section : page.sections) {
+        for (const PageEntry& entry : section.entries) {
+            for (const std::string& name : entry.names) {
+                if (section.title == "Verbs") {
+                    words.verbs += name.substr(0, name.find(' ')) + ' ';
+                } else if (!entry.positional) {
+                    words.options += name + ' ';
+                    words.with_value +=
+                        entry.value.empty() ? "" : (words.with_value.empty() ? "" : "|") + name;
+                    if (const std::string choices = choices_of(entry.value); !choices.empty()) {
+                        words.choices.append("            choices[")
+                            .append(name)
+                            .append("]=\"")
+                            .append(choices)
+                            .append("\"\n");
+                    }
+                }
+            }
+        }
+    }
+    return words;
+}
+
+constexpr const char* kHead = R"(# bash completion for vxr; written by `vxr completion bash`
+_vxr() {
+    local current=${COMP_WORDS[COMP_CWORD]} previous=${COMP_WORDS[COMP_CWORD-1]}
+    local command=vxr verbs= options= values= word i
+    local -A choices=()
+    COMPREPLY=()
+    for ((i = 1; i < COMP_CWORD; i++)); do
+        word=${COMP_WORDS[i]}
+        case "$command $word" in
+)";
+
+constexpr const char* kMiddle = R"(        esac
+    done
+    case "$command" in
+)";
+
+constexpr const char* kTail = R"(    esac
+    if [[ -n $previous && -n ${choices[$previous]-} ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "${choices[$previous]}" -- "$current")
+    elif [[ -n $values && $previous == @($values) ]]; then
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    elif [[ $current == -* ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$options" -- "$current")
+    elif [[ -n $verbs ]]; then
+        mapfile -t COMPREPLY < <(compgen -W "$verbs" -- "$current")
+    else
+        compopt -o filenames
+        mapfile -t COMPREPLY < <(compgen -f -- "$current")
+    fi
+}
+shopt -s extglob
+complete -F _vxr vxr
+)";
+
+}  // namespace
+
+std::string bash_completion(const std::vector<Page>& pages) {
+    std::string script = kHead;
+    for (const Page& page : pages) {
+        if (page.command.find(' ') != std::string::npos) {
+            script += "            \"" + page.command + "\") command=\"" + page.command + "\" ;;\n";
+        }
+    }
+    script += kMiddle;
+    for (const Page& page : pages) {
+        Words words = words_of(page);
+        if (page.command == pages.front().command + " help") {
+            words.verbs = words_of(pages.front()).verbs;
+        }
+        script += "        \"" + page.command + "\")\n            verbs=\"" + words.verbs +
+                  "\"\n            options=\"" + words.options + "\"\n            values=\"" +
+                  words.with_value + "\"\n" + words.choices + "            ;;\n";
+    }
+    return script + kTail;
+}
+
+}  // namespace cli

@@ -1,0 +1,167 @@
+#include "cli/help/page.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
+#include <utility>
+
+#include "cli/terminal/printable_text.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kTextColumn = 26;
+
+PageEntry entry_of(const CLI::Option& option) {
+    PageEntry entry;
+    entry.positional = option.get_positional();
+    if (entry.positional) {
+        entry.names.push_back(option.get_name());
+    }
+    for (const std::string& name : option.get_snames()) {
+        entry.names.push_back("-" + name);
+    }
+    for (const std::string& name : option.get_lnames()) {
+        entry.names.push_back("--" + name);
+    }
+    if (!entry.positional && option.get_type_size_max() > 0) {
+        entry.value = option.get_type_name();
+    }
+    entry.text = option.get_description();
+    if (!option.get_default_str().empty()) {
+        entry.text += " (default: " + option.get_default_str() + ")";
+    }
+    if (!option.get_envname().empty()) {
+        entry.text += " (environment: " + option.get_envname() + ")";
+    }
+    return entry;
+}
+
+// One section a group, in the order in which the groups come up; positionals first, help last.
+std::vector<PageSection> option_sections(const CLI::App& app) {
+    std::vector<PageSection> sections;
+    const auto section = [&](const std::string& title) -> PageSection& {
+        const auto found = std::find_if(sections.begin(), sections.end(),
+                                        [&](const PageSection& one) { return one.title == title; });
+        return found != sections.end() ? *found : sections.emplace_back(PageSection{title, {}});
+    };
+    std::vector<const CLI::Option*> last;
+    for (const CLI::Option* option : app.get_options()) {
+        if (option == app.get_help_ptr() || option == app.get_version_ptr()) {
+            last.push_back(option);
+        } else if (option->get_positional()) {
+            section("Arguments").entries.push_back(entry_of(*option));
+        } else if (!option->get_group().empty()) {
+            section(option->get_group()).entries.push_back(entry_of(*option));
+        }
+    }
+    for (const CLI::Option* option : last) {
+        section("Help").entries.push_back(entry_of(*option));
+    }
+    return sections;
+}
+
+std::string usage_of(const std::string& command, const CLI::App& app) {
+    std::string usage = command + " [options]";
+    for (const CLI::Option* option : app.get_options()) {
+        if (option->get_positional()) {
+            const std::string name = option->get_name() + (option->get_expected_max() > 1 ? "..." : "");
+            usage += option->get_required() ? ' ' + name : " [" + name + ']';
+        }
+    }
+    return usage;
+}
+
+PageSection exit_code_section() {
+    PageSection section{"Exit codes", {}};
+    for (const ExitCodeRow& row : kExitCodes) {
+        section.entries.push_back({{std::to_string(static_cast<int>(row.code))}, {}, row.meaning, true});
+    }
+    return section;
+}
+
+std::string heading_of(const PageEntry& entry) {
+    std::string heading;
+    for (const std::string& name : entry.names) {
+        heading += (heading.empty() ? "" : ", ") + name;
+    }
+    return entry.value.empty() ? heading : heading + ' ' + entry.value;
+}
+
+std::string entry_text(const PageEntry& entry) {
+    std::string head = "  " + heading_of(entry);
+    const std::string text = wrapped(entry.text, kTextColumn);
+    if (columns_of(head) + 2 > kTextColumn) {
+        return head + '\n' + text;
+    }
+    return head + text.substr(columns_of(head));
+}
+
+}  // namespace
+
+Page verb_page(const Verb& verb, const CLI::App& app) {
+    Page page;
+    page.command = "vxr " + verb.name;
+    page.summary = verb.summary;
+    page.usage = usage_of(page.command, app);
+    page.paragraphs = verb.paragraphs;
+    page.sections = option_sections(app);
+    page.sections.push_back(exit_code_section());
+    page.examples = verb.examples;
+    return page;
+}
+
+Page overview_page(const std::string& command, const std::string& summary,
+                   std::vector<std::string> paragraphs, std::vector<PageEntry> entries, const CLI::App& app) {
+    Page page;
+    page.command = command;
+    page.summary = summary;
+    page.usage = command + " VERB [options] ...";
+    page.paragraphs = std::move(paragraphs);
+    page.sections.push_back({"Verbs", std::move(entries)});
+    for (PageSection& section : option_sections(app)) {
+        page.sections.push_back(std::move(section));
+    }
+    page.sections.push_back(exit_code_section());
+    return page;
+}
+
+std::string wrapped(const std::string& text, std::size_t indent, std::size_t width) {
+    std::string out;
+    std::string line;
+    std::istringstream words(text);
+    const auto end_line = [&] {
+        out += std::string(indent, ' ') + line + '\n';
+        line.clear();
+    };
+    for (std::string word; words >> word;) {
+        if (!line.empty() && indent + columns_of(line) + 1 + columns_of(word) > width) {
+            end_line();
+        }
+        line += (line.empty() ? "" : " ") + word;
+    }
+    end_line();
+    return out;
+}
+
+std::string page_text(const Page& page) {
+    std::string text = wrapped(page.command + " - " + page.summary, 0) + "\nusage: " + page.usage + '\n';
+    for (const std::string& paragraph : page.paragraphs) {
+        text += '\n' + wrapped(paragraph, 0);
+    }
+    for (const PageSection& section : page.sections) {
+        text += '\n' + section.title + ":\n";
+        for (const PageEntry& entry : section.entries) {
+            text += entry_text(entry);
+        }
+    }
+    if (!page.examples.empty()) {
+        text += "\nExamples:\n";
+        for (const Example& example : page.examples) {
+            text += "  " + example.command + '\n' + wrapped(example.effect, 6);
+        }
+    }
+    return text;
+}
+
+}  // namespace cli

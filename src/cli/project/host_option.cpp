@@ -1,0 +1,29 @@
+#include "cli/project/host_option.h"
+
+#include <CLI/CLI.hpp>
+
+namespace cli {
+
+void add_host_option(CLI::App& app, std::string& kind) {
+    app.add_option("--host,--host-version", kind,
+                   "what kind of host to be; an interface version such as 9.31 has its own kind, before 13.0 "
+                   "classic, and may also be added to one, as in today:25.3")
+        ->type_name("classic|today|MAJOR.MINOR")
+        ->capture_default_str()
+        ->check([](const std::string& text) {
+            return embedded::parse_host(text)
+                       ? std::string()
+                       : '"' + text + "\" is not classic, today, MAJOR.MINOR or both with a colon between";
+        })
+        ->group("The plug-in and its host");
+}
+
+embedded::HostOptions host_of_kind(const std::string& kind) {
+    const embedded::HostKind parsed = embedded::parse_host(kind).value();
+    embedded::HostOptions options;
+    options.generation = parsed.generation;
+    options.version = parsed.version;
+    return options;
+}
+
+}  // namespace cli

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/scene/scene_reading.h"
+#include "embedded/project.h"
+
+namespace cli {
+
+/// What the file holds and the project does not, one sentence each; empty when everything arrived. A result
+/// of 0 does not tell: objects that a host refuses end the import with it, too. `objects_wanted` is false for
+/// hosts that get no cameras, lights and nulls.
+std::vector<std::string> missing_in_project(const SceneReading& reading, const embedded::Project& project,
+                                            bool objects_wanted);
+
+/// Whether a host of this interface version gets cameras, lights and nulls: from 9.32 on.
+bool gets_scene_objects(A_long major, A_long minor);
+
+}  // namespace cli

@@ -1,0 +1,149 @@
+#include "cli/project/import_run.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/project/import_outcome.h"
+#include "cli/project/loaded_bundle.h"
+#include "cli/report/codes.h"
+#include "cli/scene/scene_check.h"
+#include "embedded/project_json.h"
+
+namespace cli {
+namespace {
+
+void refuse(ImportRun& run, std::string problem) {
+    run.code = most_serious(run.code, ExitCode::refused);
+    run.problems.push_back(std::move(problem));
+}
+
+// A host error does not say what it was about; footage that nobody can read is the likeliest.
+void explain_failure(ImportRun& run, const SceneReading& reading) {
+    std::vector<Diagnostic> warnings = scene_warnings(reading);
+    std::erase_if(warnings, [](const Diagnostic& warning) {
+        return warning.code != code_name(Code::footage_unreadable);
+    });
+    run.diagnostics = std::move(warnings);
+}
+
+// The importer returned; what it says is checked against the file and the project.
+void judge(ImportRun& run, const SceneReading& reading, const embedded::Project& project,
+           const embedded::InterfaceVersion& version) {
+    if (reading.error) {
+        run.diagnostics.push_back(*reading.error);
+        run.code = most_serious(run.code, reading.code);
+        return;
+    }
+    if (run.import.code != kHostErrorNone) {
+        refuse(run, "the import ended " + end_text(run.import) + "; what was made before stays");
+        explain_failure(run, reading);
+        return;
+    }
+    const bool objects_wanted = gets_scene_objects(version.major, version.minor);
+    for (const std::string& problem : missing_in_project(reading, project, objects_wanted)) {
+        refuse(run, "the import did not finish: " + problem);
+    }
+    if (!objects_wanted && !reading.facts.objects.empty()) {
+        run.notes.push_back("a host before 9.32 gets no cameras, lights and nulls; the file has " +
+                            std::to_string(reading.facts.objects.size()));
+    }
+}
+
+void note_missing_footage(ImportRun& run, const embedded::Project& project) {
+    const auto missing = std::count_if(
+        project.footage.begin(), project.footage.end(),
+        [](const embedded::Footage& footage) { return footage.kind == embedded::FootageKind::placeholder; });
+    if (missing > 0) {
+        run.notes.push_back(std::to_string(missing) +
+                            (missing == 1 ? " footage file is" : " footage files are") +
+                            " missing; `vxr check " + run.file + "` says where it was looked for");
+    }
+}
+
+// What was asked to go wrong and could not.
+void note_unused_options(ImportRun& run, const embedded::Host& host, const embedded::HostOptions& options) {
+    const auto counts = host.call_counts();
+    for (const embedded::Fault& fault : options.faults) {
+        const auto count = counts.find(fault.function);
+        const std::int64_t calls = count == counts.end() ? 0 : count->second;
+        if (calls < fault.nth) {
+            run.notes.push_back(fault.function + " was called " + std::to_string(calls) +
+                                " times, so its call " + std::to_string(fault.nth) + " did not fail");
+        }
+    }
+    const std::vector<embedded::SuiteName> offered = embedded::offered_suites(options.generation);
+    for (const embedded::SuiteName& suite : options.suites_not_offered) {
+        if (std::find(offered.begin(), offered.end(), suite) == offered.end()) {
+            run.notes.push_back("the host never offers \"" + suite.name + "\" version " +
+                                std::to_string(suite.version));
+        }
+    }
+}
+
+void add_notes(ImportRun& run, const embedded::Host& host, const embedded::HostOptions& options) {
+    note_missing_footage(run, host.project());
+    note_unused_options(run, host, options);
+}
+
+}  // namespace
+
+ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& options, const FoundBundle& bundle,
+                       const std::string& file) {
+    ImportRun run;
+    run.file = file;
+    run.load.error = bundle.error;
+    if (run.load.ok()) {
+        run.load = host.load(bundle.path);
+    }
+    if (!run.load.ok()) {
+        const bool refused = run.load.entry.code != kHostErrorNone;
+        run.code = refused ? ExitCode::refused : ExitCode::cannot_read_or_write;
+        run.problems.push_back("the plug-in was not loaded: " + run.load.error);
+        return run;
+    }
+    const SceneReading reading = read_scene(file);
+    if (const std::string problem = host.path_problem(reading.full_path); !problem.empty()) {
+        host.unload();
+        refuse(run, file + ": " + problem + " (--host classic)");
+        return run;
+    }
+    run.verify = host.verify(reading.full_path);
+    if (run.verify.importable) {
+        run.imported = true;
+        run.import = host.import_file(reading.full_path);
+    }
+    if (const auto complaint = host.complaint()) {
+        refuse(run, "the host's project does not fit together, a defect of this program: " + *complaint);
+    }
+    // From here on nothing changes any more, and what the bundle leaves behind is in the report.
+    host.unload();
+    if (!run.imported && !reading.error) {
+        refuse(run, "the plug-in was asked and does not take the file");
+    } else {
+        judge(run, reading, host.project(), options.interface_version());
+        add_notes(run, host, options);
+    }
+    return run;
+}
+
+embedded::Json import_document(const embedded::Host& host, const ImportRun& run) {
+    using embedded::Json;
+    Json diagnostics = Json::array();
+    for (const Diagnostic& diagnostic : run.diagnostics) {
+        diagnostics.push_back(diagnostic_json(diagnostic));
+    }
+    Json document = embedded::project_to_json(host.project());
+    document["discipline"] = embedded::discipline_to_json(host.discipline());
+    document["import"] = Json{{"file", embedded::json_text(run.file)},
+                              {"exit_code", static_cast<int>(run.code)},
+                              {"finished", run.imported && run.code == ExitCode::fine},
+                              {"importable", run.verify.importable},
+                              {"result", run.imported ? Json(run.import.code) : Json()},
+                              {"missing_suite", run.import.missing_suite},
+                              {"problems", texts_json(run.problems)},
+                              {"notes", texts_json(run.notes)},
+                              {"diagnostics", diagnostics}};
+    return document;
+}
+
+}  // namespace cli

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/exit_codes.h"
+#include "cli/project/bundle_path.h"
+#include "cli/report/diagnostic.h"
+#include "cli/scene/scene_reading.h"
+#include "embedded/host.h"
+#include "embedded/json_values.h"
+
+namespace cli {
+
+/// What came of importing one file.
+struct ImportRun {
+    std::string file;  ///< as the user named it
+    ExitCode code = ExitCode::fine;
+    embedded::LoadResult load;
+    embedded::VerifyResult verify;
+    embedded::CallbackResult import;
+    bool imported = false;                ///< the importer was called
+    std::vector<Diagnostic> diagnostics;  ///< about the file: why it was refused, or what may have failed
+    std::vector<std::string> problems;    ///< about the import: what did not happen, one sentence each
+    std::vector<std::string> notes;       ///< what is worth knowing and no problem, likewise
+};
+
+/// Does what a host does: loads the bundle, asks whether the file is importable, imports it, unloads. Then
+/// finds out what became of it. The project, messages and report are the host's, which was made with
+/// `options`.
+ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& options, const FoundBundle& bundle,
+                       const std::string& file);
+
+/// The project's document with two more members at its end: "discipline", and "import" with
+/// {"file","exit_code","finished","importable","result","missing_suite","problems","notes","diagnostics"}.
+embedded::Json import_document(const embedded::Host& host, const ImportRun& run);
+
+}  // namespace cli

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "cli/terminal/terminal.h"
+#include "embedded/discipline.h"
+#include "embedded/project.h"
+
+namespace cli {
+
+/// The project as a tree of folders, compositions with their layers, and footage, one line each. Times are
+/// frames on the composition's own timeline.
+std::string project_tree(const embedded::Project& project, const Paint& paint);
+
+/// What the bundle wanted the user to read, and what the host found to say about the bundle; empty when there
+/// is neither.
+std::string host_report(const embedded::Project& project, const embedded::DisciplineReport& report,
+                        const Paint& paint);
+
+/// "4 compositions, 9 footage items (1 missing), 1 camera, 2 lights, 1 null"
+std::string project_summary(const embedded::Project& project);
+
+}  // namespace cli

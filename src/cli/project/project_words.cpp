@@ -1,0 +1,150 @@
+#include "cli/project/project_words.h"
+
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <cstddef>
+
+namespace cli {
+namespace {
+
+std::string range_text(const embedded::FrameRange& range) {
+    return range.first == range.last ? std::to_string(range.first)
+                                     : std::to_string(range.first) + "-" + std::to_string(range.last);
+}
+
+std::string light_word(const embedded::Layer& layer) {
+    if (!layer.light_type) {
+        return "light";
+    }
+    switch (*layer.light_type) {
+        case kLightTypeParallel:
+            return "parallel light";
+        case kLightTypeSpot:
+            return "spot light";
+        case kLightTypePoint:
+            return "point light";
+        case kLightTypeAmbient:
+            return "ambient light";
+        default:
+            return "light of kind " + std::to_string(*layer.light_type);
+    }
+}
+
+}  // namespace
+
+std::string plain_number(double value) {
+    if (!std::isfinite(value)) {
+        return std::isnan(value) ? "nan" : value > 0 ? "inf" : "-inf";
+    }
+    constexpr int kDigits = 7;
+    constexpr double kLargestWhole = 1e15;  // every whole number up to here is exact
+    std::array<char, 400> text{};
+    const bool whole = value == std::trunc(value) && std::abs(value) <= kLargestWhole;
+    const auto end =
+        whole ? std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::fixed, 0)
+              : std::to_chars(text.data(), text.data() + text.size(), value, std::chars_format::general,
+                              kDigits);
+    std::string number(text.data(), end.ptr);
+    return number == "-0" ? "0" : number;
+}
+
+double seconds_of(const A_Time& time) {
+    return time.scale == 0 ? 0 : static_cast<double>(time.value) / static_cast<double>(time.scale);
+}
+
+double rate_of(const A_Ratio& rate) {
+    return rate.den == 0 ? 0 : static_cast<double>(rate.num) / static_cast<double>(rate.den);
+}
+
+std::string frames_text(double seconds, const A_Ratio& rate) {
+    const double frames = seconds * rate_of(rate);
+    // What is a whole frame but for the rounding of the divisions is one.
+    constexpr double kRounding = 1e-6;
+    const double whole = std::round(frames);
+    return std::abs(frames - whole) < kRounding * std::max(1.0, std::abs(frames)) ? plain_number(whole)
+                                                                                  : plain_number(frames);
+}
+
+std::string frame_count_text(double seconds, const A_Ratio& rate) {
+    const std::string count = frames_text(seconds, rate);
+    return count + (count == "1" ? " frame" : " frames");
+}
+
+std::string blend_word(const AEGP_LayerTransferMode& mode) {
+    switch (mode.mode) {
+        case kTransferModeNormal:
+            return "normal";
+        case kTransferModeAdd:
+            return "add";
+        case kTransferModeMultiply:
+            return "multiply";
+        default:
+            return "mode " + std::to_string(mode.mode);
+    }
+}
+
+std::string alpha_word(const embedded::Footage& footage) {
+    const AEGP_AlphaFlags flags = footage.interpretation.alpha.flags;
+    if ((flags & kAlphaFlagIgnore) != 0) {
+        return "ignored";
+    }
+    if (!footage.has_alpha && footage.kind != embedded::FootageKind::placeholder) {
+        return "none";
+    }
+    return (flags & kAlphaFlagPremultiplied) != 0 ? "premultiplied" : "straight";
+}
+
+std::string fields_word(const AEGP_FootageInterp& interpretation) {
+    if (interpretation.interlace.type == kFieldTypeWholeFrames) {
+        return "progressive";
+    }
+    return interpretation.interlace.order == kFieldOrderUpperFirst ? "upper first" : "lower first";
+}
+
+std::string footage_word(embedded::FootageKind kind) {
+    switch (kind) {
+        case embedded::FootageKind::file:
+            return "still";
+        case embedded::FootageKind::sequence:
+            return "sequence";
+        case embedded::FootageKind::module_file:
+            return "texture";
+        case embedded::FootageKind::placeholder:
+            break;
+    }
+    return "MISSING";
+}
+
+std::string layer_word(const embedded::Project& project, const embedded::Layer& layer) {
+    switch (layer.kind) {
+        case embedded::LayerKind::footage:
+            return footage_word(project.footage_of(project.item(layer.source_item).content).kind);
+        case embedded::LayerKind::composition:
+            return "composition";
+        case embedded::LayerKind::camera:
+            return "camera";
+        case embedded::LayerKind::light:
+            return light_word(layer);
+        case embedded::LayerKind::null:
+            break;
+    }
+    return "null";
+}
+
+std::string channels_word(int channels) {
+    static constexpr std::array<const char*, 4> kWords{"grey", "grey+alpha", "RGB", "RGBA"};
+    return channels >= 1 && channels <= 4 ? kWords[static_cast<std::size_t>(channels - 1)]
+                                          : std::to_string(channels) + " channels";
+}
+
+std::string frame_range_text(const embedded::SequenceFrames& frames) {
+    constexpr std::size_t kShown = 8;
+    std::string text = range_text(frames.range);
+    for (std::size_t i = 0; i < frames.gaps.size() && i < kShown; ++i) {
+        text += (i == 0 ? " without " : ", ") + range_text(frames.gaps[i]);
+    }
+    return frames.gaps.size() > kShown ? text + ", ..." : text;
+}
+
+}  // namespace cli

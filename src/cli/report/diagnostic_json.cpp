@@ -1,0 +1,60 @@
+#include "cli/report/diagnostic.h"
+#include "embedded/json_values.h"
+#include "limit/limits.h"
+
+namespace cli {
+namespace {
+
+using embedded::Json;
+using embedded::json_text;
+
+Json number_or_null(const std::optional<std::int64_t>& value) {
+    return value ? Json(*value) : Json();
+}
+
+Json limit_or_null(const limits::Limit* limit) {
+    return limit == nullptr ? Json()
+                            : Json{{"id", limit->id},
+                                   {"name", limit->name},
+                                   {"value", limit->value},
+                                   {"unit", limit->unit}};
+}
+
+}  // namespace
+
+nlohmann::ordered_json texts_json(const std::vector<std::string>& texts) {
+    Json array = Json::array();
+    for (const std::string& text : texts) {
+        array.push_back(json_text(text));
+    }
+    return array;
+}
+
+std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files) {
+    Json document;
+    document["schema"] = schema;
+    document["exit_code"] = static_cast<int>(code);
+    document["files"] = files;
+    return document.dump(2) + '\n';
+}
+
+nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
+    Json at;
+    at["file"] = json_text(diagnostic.at.file);
+    at["line"] = number_or_null(diagnostic.at.line);
+    at["column"] = number_or_null(diagnostic.at.column);
+    at["offset_bytes"] = number_or_null(diagnostic.at.offset_bytes);
+    Json json;
+    json["severity"] = diagnostic.severity == Severity::error ? "error" : "warning";
+    json["code"] = diagnostic.code;
+    json["at"] = at;
+    json["reason"] = json_text(diagnostic.reason);
+    json["within"] = texts_json(diagnostic.within);
+    json["effects"] = texts_json(diagnostic.effects);
+    json["count"] = diagnostic.count;
+    json["source_line"] = diagnostic.source_line ? json_text(*diagnostic.source_line) : Json();
+    json["limit"] = limit_or_null(diagnostic.limit);
+    return json;
+}
+
+}  // namespace cli

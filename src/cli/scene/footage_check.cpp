@@ -1,0 +1,165 @@
+#include <algorithm>
+#include <optional>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+
+#include "cli/report/limit_words.h"
+#include "cli/scene/scene_check.h"
+#include "embedded/image_probe.h"
+#include "embedded/sequence.h"
+#include "system/files.h"
+#include "texture/file/base_file.h"
+#include "texture/value/texture_file.h"
+
+namespace cli {
+namespace {
+
+constexpr std::size_t kShownPathBytes = 400;
+
+std::string shown_path(std::string_view path) {
+    return path.size() <= kShownPathBytes ? std::string(path)
+                                          : std::string(path.substr(0, kShownPathBytes)) + "...";
+}
+
+std::string_view last_component(std::string_view path) {
+    const std::size_t separator = path.find_last_of(":\\/");
+    return separator == std::string_view::npos ? path : path.substr(separator + 1);
+}
+
+// The path beside the composition file as the user would name it.
+std::string beside(const SceneReading& reading, std::string_view path) {
+    return os::text_of(os::path_of(reading.file).parent_path() /
+                       os::path_of(std::string(last_component(path))));
+}
+
+std::string placeholder_text(const SceneReading& reading, std::string_view name) {
+    const SceneNumbers& numbers = reading.numbers;
+    return "a placeholder \"" + kept_name(name) + "\" of " + std::to_string(numbers.width_px) + "x" +
+           std::to_string(numbers.height_px) + " and " + std::to_string(numbers.length()) +
+           " frames stands in its place";
+}
+
+void check_missing(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
+    Diagnostic& warning =
+        warnings.add(Code::footage_missing, footage.path_at,
+                     "the footage \"" + shown_path(footage.written) + "\" does not exist", footage.within);
+    warning.effects.push_back("looked for as written, then as \"" +
+                              shown_path(beside(reading, *footage.resolved)) + '"');
+    warning.effects.push_back(placeholder_text(reading, last_component(*footage.resolved)));
+}
+
+std::string range_text(const embedded::FrameRange& range) {
+    return range.first == range.last ? std::to_string(range.first)
+                                     : std::to_string(range.first) + "-" + std::to_string(range.last);
+}
+
+std::string gaps_text(const std::vector<embedded::FrameRange>& gaps) {
+    constexpr std::size_t kShown = 8;
+    std::string text;
+    for (std::size_t i = 0; i < gaps.size() && i < kShown; ++i) {
+        text += (i == 0 ? "" : ", ") + range_text(gaps[i]);
+    }
+    return gaps.size() > kShown ? text + " and more" : text;
+}
+
+void check_sequence(const SceneFootage& footage, WarningList& warnings) {
+    const std::string& path = *footage.resolved;
+    const std::optional<embedded::SequenceFrames> frames = embedded::find_sequence(path, {});
+    if (!frames) {
+        warnings
+            .add(Code::sequence_without_number, footage.path_at,
+                 "the name \"" + shown_path(last_component(path)) + "\" holds no number to count frames by",
+                 footage.within)
+            .effects.emplace_back("the host takes this one file for the whole sequence");
+        return;
+    }
+    if (frames->count == 1) {
+        warnings
+            .add(Code::sequence_single_frame, footage.path_at,
+                 "the sequence " + frames->pattern + " has one file, number " +
+                     std::to_string(frames->range.first),
+                 footage.within)
+            .effects.emplace_back("the host gets a sequence of one frame");
+    }
+    if (!frames->gaps.empty()) {
+        Diagnostic& warning =
+            warnings.add(Code::sequence_gap, footage.path_at,
+                         "the sequence " + frames->pattern + " " + range_text(frames->range) +
+                             " has gaps: " + gaps_text(frames->gaps),
+                         footage.within);
+        warning.effects.emplace_back("what the host shows for the missing frames is its own choice");
+        warning.count = static_cast<std::int64_t>(frames->gaps.size());
+    }
+}
+
+// Textures are read by the bundle's input module, which goes by the extension in letters of either case.
+bool is_texture(std::string_view path) {
+    constexpr std::string_view kExtension = ".txl";
+    return path.size() >= kExtension.size() &&
+           std::equal(kExtension.begin(), kExtension.end(), path.end() - kExtension.size(),
+                      [](char a, char b) {
+                          return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
+                      });
+}
+
+// Why no picture can be had from the file; empty when one can.
+std::string reading_obstacle(const std::string& path) {
+    if (is_texture(path)) {
+        const std::optional<TextureError> error = read_texture(path).error;
+        if (!error) {
+            return {};
+        }
+        return error->limit == nullptr ? error->reason : error->reason + "; " + limit_text(*error->limit);
+    }
+    // Nothing is wrong with the picture then.
+    if (const std::string problem = embedded::image_library_problem(); !problem.empty()) {
+        throw std::runtime_error(problem);
+    }
+    std::string error;
+    return embedded::probe_image(path, error) ? std::string() : error;
+}
+
+void check_readable(const SceneFootage& footage, WarningList& warnings) {
+    const std::string obstacle = reading_obstacle(*footage.resolved);
+    if (obstacle.empty()) {
+        return;
+    }
+    warnings
+        .add(Code::footage_unreadable, footage.path_at,
+             "the footage \"" + shown_path(footage.written) +
+                 "\" exists but is no readable image: " + obstacle,
+             footage.within)
+        .effects.emplace_back("a host that cannot read it either ends the import there; what was made stays");
+}
+
+void check_entry(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
+    if (!footage.resolved) {
+        warnings
+            .add(Code::footage_path_unread, footage.path_at, "no path could be read for this footage",
+                 footage.within)
+            .effects.push_back(placeholder_text(reading, ""));
+        return;
+    }
+    if (!footage.opens_as_written && GeFExist(footage.resolved->c_str()) == 0) {
+        check_missing(reading, footage, warnings);
+        return;
+    }
+    if (footage.is_sequence) {
+        check_sequence(footage, warnings);
+    }
+    check_readable(footage, warnings);
+}
+
+}  // namespace
+
+void check_footage(const SceneReading& reading, WarningList& warnings) {
+    for (const SceneFootage& footage : reading.facts.footage) {
+        // The one that reading stopped at is the error's to explain.
+        if (footage.top_level || !footage.problem) {
+            check_entry(reading, footage, warnings);
+        }
+    }
+}
+
+}  // namespace cli

@@ -1,0 +1,158 @@
+#include "cli/scene/scene_facts.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "cli/scene/written_number.h"
+
+namespace cli {
+namespace {
+
+// Enough to know a name by, and more blocks than anybody nests by hand: what is kept of a file must not grow
+// with the square of its size.
+constexpr std::size_t kKeptNameBytes = 60;
+constexpr std::size_t kBlocksAround = 8;
+
+constexpr int kFieldOfViewIndex = 7;
+
+std::vector<std::string> labels_of(const std::vector<ReadBlock>& blocks) {
+    std::vector<std::string> labels;
+    const std::size_t left_out = blocks.size() > kBlocksAround ? blocks.size() - kBlocksAround : 0;
+    if (left_out > 0) {
+        labels.push_back(std::to_string(left_out) + " more compositions");
+    }
+    std::transform(blocks.begin() + static_cast<std::ptrdiff_t>(left_out), blocks.end(),
+                   std::back_inserter(labels), block_label);
+    return labels;
+}
+
+bool is_integer(const ReadValue& value) {
+    return value.keyword == "KEY" ? value.index == 0
+                                  : value.keyword != "ASPECT" && value.keyword != "COLOR" &&
+                                        value.keyword != "INTENSITY" && value.keyword != "ANGLE";
+}
+
+bool is_number(const ReadValue& value) {
+    return value.keyword != "FIELDS" && value.keyword != "TYPE" && value.keyword != "SHADOW";
+}
+
+}  // namespace
+
+std::string block_label(const ReadBlock& block) {
+    std::string label = block_word(block.kind);
+    if (block.name.size() > kKeptNameBytes) {
+        return label + " \"" + block.name.substr(0, kKeptNameBytes) + "...\"";
+    }
+    return block.name.empty() ? label : label + " \"" + block.name + '"';
+}
+
+const SceneKeyword* find_keyword(const std::vector<SceneKeyword>& keywords, std::string_view word) {
+    const auto found = std::find_if(keywords.begin(), keywords.end(),
+                                    [&](const SceneKeyword& keyword) { return keyword.word == word; });
+    return found == keywords.end() ? nullptr : &*found;
+}
+
+void SceneObserver::on_failure(const ReadError& error) {
+    facts_.error = error;
+}
+
+void SceneObserver::on_keyword(std::string_view keyword, const TextPosition& at) {
+    if (keyword == "KEY") {
+        facts_.objects.back().keys.emplace_back(at);
+        return;
+    }
+    // The last one counts: what an earlier one said is no longer worth a word.
+    std::vector<SceneKeyword>& list = keywords();
+    std::erase_if(list, [&](const SceneKeyword& one) { return one.word == keyword; });
+    list.push_back({std::string(keyword), at, {}});
+    const auto own = facts_.changes.begin() + static_cast<std::ptrdiff_t>(own_changes_);
+    facts_.changes.erase(std::remove_if(own, facts_.changes.end(),
+                                        [&](const SceneChange& one) { return one.keyword == keyword; }),
+                         facts_.changes.end());
+}
+
+void SceneObserver::on_value(const ReadValue& value) {
+    if (value.keyword == "KEY") {
+        take_key_value(value);
+    } else {
+        keywords().back().values.push_back({std::string(value.text), value.number, value.at});
+    }
+    if (is_number(value) && !is_kept_as_written(value.text, value.number, is_integer(value))) {
+        note_change(value);
+    }
+}
+
+void SceneObserver::on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) {
+    SceneKey& key = facts_.objects.back().keys.emplace_back(at);
+    key.frame = frame;
+    // Counted without the frame here.
+    constexpr std::size_t kFieldOfView = kFieldOfViewIndex - 1;
+    if (others.size() > kFieldOfView) {
+        key.field_of_view = others[kFieldOfView];
+    }
+}
+
+void SceneObserver::take_key_value(const ReadValue& value) {
+    SceneKey& key = facts_.objects.back().keys.back();
+    if (value.index == 0) {
+        key.frame = static_cast<std::int32_t>(value.number);
+    } else if (value.index == kFieldOfViewIndex) {
+        key.field_of_view = static_cast<float>(value.number);
+    }
+}
+
+void SceneObserver::note_change(const ReadValue& value) {
+    const auto same =
+        std::find_if(facts_.changes.begin() + static_cast<std::ptrdiff_t>(own_changes_), facts_.changes.end(),
+                     [&](const SceneChange& one) { return one.keyword == value.keyword; });
+    if (same != facts_.changes.end()) {
+        ++same->count;
+        return;
+    }
+    facts_.changes.push_back({std::string(value.keyword),
+                              {std::string(value.text), value.number, value.at},
+                              1,
+                              labels_of(blocks())});
+}
+
+void SceneObserver::on_block_begin(const ReadBlock& block) {
+    std::vector<SceneBlock>& list =
+        block.kind == BlockKind::composition ? facts_.compositions : facts_.objects;
+    list.push_back({block.kind, block.name, block.name_at, labels_of(blocks()), {}, {}});
+    own_changes_ = facts_.changes.size();
+}
+
+void SceneObserver::on_footage(const ReadFootage& footage) {
+    SceneFootage kept;
+    kept.is_sequence = footage.is_sequence;
+    kept.top_level = footage.top_level;
+    kept.path_at = footage.path_at;
+    kept.written = footage.written;
+    if (footage.resolved != nullptr) {
+        kept.resolved = footage.resolved;
+    }
+    kept.opens_as_written = footage.opens_as_written;
+    kept.problem = footage.problem;
+    kept.within = labels_of(blocks());
+    facts_.footage.push_back(std::move(kept));
+}
+
+void SceneObserver::on_ignored(std::string_view text, const TextPosition& at) {
+    facts_.passed.push_back({std::string(text.substr(0, kKeptNameBytes)), at, labels_of(blocks())});
+}
+
+void SceneObserver::on_end(const TextPosition& at, bool at_end_of_file) {
+    if (!at_end_of_file) {
+        facts_.ignored_from = at;
+    }
+}
+
+bool SceneObserver::in_object() const {
+    return !blocks().empty() && blocks().back().kind != BlockKind::composition;
+}
+
+std::vector<SceneKeyword>& SceneObserver::keywords() {
+    return in_object() ? facts_.objects.back().entries : facts_.settings;
+}
+
+}  // namespace cli

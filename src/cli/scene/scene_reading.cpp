@@ -1,0 +1,162 @@
+#include "cli/scene/scene_reading.h"
+
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+#include "cli/report/codes.h"
+#include "cli/report/limit_words.h"
+#include "cli/report/source_lines.h"
+#include "cli/report/unsound_result.h"
+#include "composition/model/model_complaint.h"
+#include "composition/model/project_settings.h"
+#include "composition/read/ascii_parser.h"
+#include "composition/read/composition_file.h"
+#include "limit/limits.h"
+#include "system/files.h"
+#include "system/input_file.h"
+#include "texture/file/filename.h"
+
+namespace cli {
+namespace {
+
+constexpr std::string_view kBeginning = "VORTAN XR";
+
+Place beginning_of(const std::string& file) {
+    return {file, 0, 1, 1};
+}
+
+const char* kind_word(os::FileKind kind) {
+    switch (kind) {
+        case os::FileKind::folder:
+            return "a folder";
+        case os::FileKind::pipe:
+            return "a pipe";
+        case os::FileKind::device:
+            return "a device";
+        case os::FileKind::socket:
+            return "a socket";
+        default:
+            return "no regular file";
+    }
+}
+
+// Why the file cannot be opened; nothing when it can.
+std::optional<std::string> obstacle(const os::FileState& state) {
+    if (state.kind == os::FileKind::missing) {
+        return state.error;
+    }
+    if (state.kind != os::FileKind::regular) {
+        return std::string("this is ") + kind_word(state.kind) + ", and only regular files are read";
+    }
+    return std::nullopt;
+}
+
+// The host's quick test. Nothing when the file passes it.
+std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code) {
+    code = ExitCode::cannot_read_or_write;
+    const Place whole_file{reading.file};
+    const os::FileState state = os::file_state(reading.full_path);
+    if (const auto reason = obstacle(state)) {
+        return fail(code_name(Code::cannot_read), whole_file, *reason);
+    }
+    const os::InputFile file = os::open_input_file(reading.full_path);
+    if (file == nullptr) {
+        return fail(code_name(Code::cannot_read), whole_file, "the file may not be read");
+    }
+    code = ExitCode::refused;
+    std::array<char, kBeginning.size()> bytes{};
+    const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
+    if (count == 0 && std::feof(file.get()) != 0) {
+        return fail(read_error_row(ReadErrorCode::empty_file).name, beginning_of(reading.file),
+                    "the file is empty");
+    }
+    const std::string_view found(bytes.data(), count);
+    if (found != kBeginning) {
+        Diagnostic error =
+            fail(code_name(Code::not_importable), beginning_of(reading.file),
+                 "expected the file to begin with \"VORTAN XR\", found \"" + std::string(found) + '"');
+        error.effects.emplace_back("the host is told that this is no composition file and does not offer it");
+        return error;
+    }
+    if (state.size_bytes > static_cast<std::uint64_t>(limits::kCompositionFile.value)) {
+        Diagnostic error = fail(
+            read_error_row(ReadErrorCode::file_too_large).name, whole_file,
+            "the file has " + std::to_string(state.size_bytes) + " bytes, and less than 2147483648 are read");
+        name_limit(error, &limits::kCompositionFile);
+        return error;
+    }
+    code = ExitCode::fine;
+    return std::nullopt;
+}
+
+ExitCode exit_code_of(ReadErrorCode code) {
+    const bool unreadable = code == ReadErrorCode::cannot_open || code == ReadErrorCode::read_failed ||
+                            code == ReadErrorCode::out_of_memory;
+    return unreadable ? ExitCode::cannot_read_or_write : ExitCode::refused;
+}
+
+const limits::Limit* limit_of(ReadErrorCode code) {
+    switch (code) {
+        case ReadErrorCode::file_too_large:
+            return &limits::kCompositionFile;
+        case ReadErrorCode::nesting_too_deep:
+            return &limits::kCompositionNesting;
+        case ReadErrorCode::word_too_long:
+            return &limits::kWord;
+        default:
+            return nullptr;
+    }
+}
+
+Diagnostic diagnostic_of(const ReadError& error, const std::string& file) {
+    Diagnostic diagnostic =
+        fail(read_error_row(error.code).name, {file, error.at.offset_bytes, error.at.line, error.at.column},
+             error.message(), error.within);
+    diagnostic.effects.emplace_back(
+        "the import ends here without a word, and nothing is added to the project");
+    name_limit(diagnostic, limit_of(error.code));
+    return diagnostic;
+}
+
+SceneNumbers numbers_of(const tagProjectSettings& settings) {
+    return {settings.width, settings.height, settings.from,   settings.to,
+            settings.range, settings.fps,    settings.aspect, settings.local != 0};
+}
+
+}  // namespace
+
+SceneReading read_scene(const std::string& file) {
+    SceneReading reading;
+    reading.file = file;
+    reading.full_path = os::absolute_path(file);
+    reading.error = quick_test(reading, reading.code);
+    if (reading.error) {
+        return reading;
+    }
+    SceneObserver observer(reading.facts);
+    tagProjectSettings settings;
+    ASCIIParser parser;
+    parser.SetObserver(&observer);
+    const bool read = parser.Init(Filename(reading.full_path.c_str()), 1, 0) == 0 &&
+                      ReadCompositionFile(parser, settings) != 0;
+    reading.numbers = numbers_of(settings);
+    if (reading.facts.error) {
+        reading.error = diagnostic_of(*reading.facts.error, file);
+        reading.code = exit_code_of(reading.facts.error->code);
+    } else if (!read) {
+        reading.error = fail(code_name(Code::cannot_read), {file}, "the file could not be read");
+        reading.code = ExitCode::cannot_read_or_write;
+    }
+    const auto complaint = model_complaint(settings, read ? ModelState::complete : ModelState::broken_off);
+    if (const auto defect = unsound_result(file, complaint)) {
+        reading.error = defect;
+        reading.code = ExitCode::refused;
+    }
+    if (reading.error) {
+        add_source_line(*reading.error, reading.full_path);
+    }
+    return reading;
+}
+
+}  // namespace cli

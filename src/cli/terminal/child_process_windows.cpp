@@ -1,0 +1,126 @@
+#include <windows.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <memory>
+#include <string>
+#include <thread>
+
+#include "cli/terminal/child_process.h"
+#include "system/wide_path_windows.h"
+
+namespace cli {
+namespace {
+
+struct CloseIt {
+    void operator()(void* handle) const { CloseHandle(handle); }
+};
+using Handle = std::unique_ptr<void, CloseIt>;
+
+struct Pipe {
+    Handle reading;
+    Handle writing;
+};
+
+/// The end to write to is inherited by the process that is started, the other one is not.
+Pipe make_pipe() {
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    HANDLE reading = nullptr;
+    HANDLE writing = nullptr;
+    if (CreatePipe(&reading, &writing, &inherited, 0) == 0) {
+        return {};
+    }
+    SetHandleInformation(reading, HANDLE_FLAG_INHERIT, 0);
+    return {Handle(reading), Handle(writing)};
+}
+
+/// One word of a command line, as programs take it apart: in quotes, with the backslashes before a quote
+/// doubled.
+std::wstring quoted_word(const std::wstring& word) {
+    std::wstring quoted = L"\"";
+    std::size_t backslashes = 0;
+    for (const wchar_t letter : word) {
+        if (letter == L'"') {
+            quoted.append(backslashes + 1, L'\\');
+        }
+        backslashes = letter == L'\\' ? backslashes + 1 : 0;
+        quoted += letter;
+    }
+    return quoted.append(backslashes, L'\\') + L'"';
+}
+
+void read_all(HANDLE pipe, std::string& text) {
+    std::array<char, 65536> part{};
+    DWORD count = 0;
+    while (ReadFile(pipe, part.data(), static_cast<DWORD>(part.size()), &count, nullptr) != 0 && count > 0) {
+        text.append(part.data(), std::min<std::size_t>(count, kMostOutput - text.size()));
+    }
+}
+
+/// A process that an exception ended has that exception's code, and its two highest bits are set.
+std::string exception_text(DWORD code) {
+    std::array<char, 16> number{};
+    std::snprintf(number.data(), number.size(), "0x%08lX", static_cast<unsigned long>(code));
+    return code == EXCEPTION_ACCESS_VIOLATION ? std::string(number.data()) + ", access violation"
+                                              : "exception " + std::string(number.data());
+}
+
+constexpr DWORD kExceptionBits = 0xC0000000;
+
+}  // namespace
+
+ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
+                      std::chrono::seconds longest) {
+    ChildResult result;
+    std::wstring command = quoted_word(program.wstring());
+    for (const std::string& argument : arguments) {
+        command += L' ' + quoted_word(os::wide_text(argument));
+    }
+    Pipe out = make_pipe();
+    Pipe err = make_pipe();
+    SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
+    const Handle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                                     OPEN_EXISTING, 0, nullptr));
+    STARTUPINFOW startup{};
+    startup.cb = sizeof(startup);
+    startup.dwFlags = STARTF_USESTDHANDLES;
+    startup.hStdInput = nothing.get();
+    startup.hStdOutput = out.writing.get();
+    startup.hStdError = err.writing.get();
+    // No window asks about a crash; the process inherits that.
+    const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
+    PROCESS_INFORMATION started{};
+    const BOOL ok = CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
+                                   nullptr, nullptr, &startup, &started);
+    const DWORD failure = ok == 0 ? GetLastError() : 0;
+    SetErrorMode(mode);
+    out.writing.reset();
+    err.writing.reset();
+    if (ok == 0) {
+        result.error = "Windows error " + std::to_string(failure);
+        return result;
+    }
+    const Handle process(started.hProcess);
+    const Handle main_thread(started.hThread);
+    std::thread reads_out([&] { read_all(out.reading.get(), result.out); });
+    std::thread reads_err([&] { read_all(err.reading.get(), result.err); });
+    const auto wait_ms = std::chrono::duration_cast<std::chrono::milliseconds>(longest).count();
+    if (WaitForSingleObject(process.get(), static_cast<DWORD>(wait_ms)) != WAIT_OBJECT_0) {
+        result.timed_out = true;
+        TerminateProcess(process.get(), 1);
+        WaitForSingleObject(process.get(), INFINITE);
+    }
+    reads_out.join();
+    reads_err.join();
+    DWORD code = 0;
+    GetExitCodeProcess(process.get(), &code);
+    if (!result.timed_out && (code & kExceptionBits) == kExceptionBits) {
+        result.signal = exception_text(code);
+    } else if (!result.timed_out) {
+        result.exit_code = static_cast<int>(code);
+    }
+    return result;
+}
+
+}  // namespace cli

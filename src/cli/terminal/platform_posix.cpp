@@ -1,0 +1,19 @@
+#include <unistd.h>
+
+#include <csignal>
+
+#include "cli/terminal/platform.h"
+
+namespace cli {
+
+bool is_terminal(int descriptor) {
+    return ::isatty(descriptor) == 1;
+}
+
+std::vector<std::string> begin_program(int argc, char** argv) {
+    // A file that grows too large is then an error like a full disk, and no end without a word.
+    std::signal(SIGXFSZ, SIG_IGN);
+    return {argv + (argc > 0 ? 1 : 0), argv + argc};
+}
+
+}  // namespace cli

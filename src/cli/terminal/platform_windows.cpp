@@ -1,0 +1,59 @@
+#include <windows.h>
+
+#include <fcntl.h>
+#include <io.h>
+#include <shellapi.h>
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "cli/terminal/platform.h"
+#include "system/wide_path_windows.h"
+
+namespace cli {
+
+namespace {
+
+struct FreeLocally {
+    void operator()(LPWSTR* arguments) const { LocalFree(arguments); }
+};
+
+/// The program reads its environment as bytes; a name of a file there is to be UTF-8, as everywhere.
+void make_utf8(const wchar_t* wide_name, const char* name) {
+    const DWORD size = GetEnvironmentVariableW(wide_name, nullptr, 0);
+    if (size == 0) {
+        return;
+    }
+    std::wstring value(size, L'\0');
+    value.resize(GetEnvironmentVariableW(wide_name, value.data(), size));
+    _putenv_s(name, os::utf8_text(value).c_str());
+}
+
+}  // namespace
+
+bool is_terminal(int descriptor) {
+    // One that understands the sequences for colour and for wiping a line.
+    const HANDLE handle = GetStdHandle(descriptor == 1 ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    DWORD mode = 0;
+    return GetConsoleMode(handle, &mode) != 0 &&
+           SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
+}
+
+std::vector<std::string> begin_program(int /*argc*/, char** /*argv*/) {
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+    SetConsoleOutputCP(CP_UTF8);
+    make_utf8(L"VXR_BUNDLE", "VXR_BUNDLE");
+    // The arguments of main are in the code page of the system, which has no room for most names.
+    int count = 0;
+    const std::unique_ptr<LPWSTR, FreeLocally> wide(CommandLineToArgvW(GetCommandLineW(), &count));
+    std::vector<std::string> arguments;
+    for (int i = 1; wide != nullptr && i < count; ++i) {
+        arguments.push_back(os::utf8_text(wide.get()[i]));
+    }
+    return arguments;
+}
+
+}  // namespace cli

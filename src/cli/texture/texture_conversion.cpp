@@ -1,0 +1,146 @@
+#include "cli/texture/texture_conversion.h"
+
+#include <array>
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <exception>
+#include <span>
+#include <utility>
+
+#include "cli/texture/texture_diagnostics.h"
+#include "imageio/replacement_file.h"
+#include "system/files.h"
+#include "system/input_file.h"
+#include "texture/value/texture_file.h"
+
+namespace cli {
+namespace {
+
+bool begins_as_texture_file(const std::string& path) {
+    const os::InputFile file = os::open_input_file(path);
+    std::array<std::uint8_t, 8> start{};
+    return file != nullptr &&
+           begins_as_texture(std::span(start).first(std::fread(start.data(), 1, start.size(), file.get())));
+}
+
+ImageReading read_any(const std::string& path, const ConversionOptions& options) {
+    if (!has_texture_extension(path) && !begins_as_texture_file(path)) {
+        return read_image_file(path, options.alpha_bytes);
+    }
+    TextureReading reading = read_texture(path);
+    return {std::move(reading.texture), texture_diagnostics(reading, path), texture_exit_code(reading)};
+}
+
+ImageWriting write_texture_file(const std::string& path, const Texture& texture) {
+    std::string reason;
+    std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, reason);
+    if (!file.has_value()) {
+        return {fail("cannot-open", {path}, reason), ExitCode::cannot_read_or_write};
+    }
+    if (const std::optional<TextureError> error = write_texture(file->temporary_path(), texture);
+        error.has_value()) {
+        // A transfer that was too short is a full disk here.
+        const ExitCode code = error->code == TextureFault::short_transfer ? ExitCode::cannot_read_or_write
+                                                                          : texture_exit_code(*error);
+        return {texture_error(*error, path), code};
+    }
+    if (!file->put_in_place(reason)) {
+        return {fail("not-written", {path}, reason), ExitCode::cannot_read_or_write};
+    }
+    return {};
+}
+
+/// Why the choice cannot be made; empty when it was.
+std::string choose_alphas(Texture& texture, const AlphaChoice& choice) {
+    std::vector<AlphaChannel>& alphas = texture.alphas;
+    switch (choice.kind) {
+        case AlphaChoice::Kind::all:
+            return {};
+        case AlphaChoice::Kind::none:
+            alphas.clear();
+            return {};
+        case AlphaChoice::Kind::one:
+            break;
+    }
+    if (choice.number > alphas.size()) {
+        return "alpha " + std::to_string(choice.number) + " is wanted, there " +
+               (alphas.size() == 1 ? "is 1" : "are " + std::to_string(alphas.size()));
+    }
+    AlphaChannel chosen = std::move(alphas[choice.number - 1]);
+    alphas.clear();
+    alphas.push_back(std::move(chosen));
+    return {};
+}
+
+void refuse(Conversion& conversion, ExitCode code, Diagnostic error) {
+    conversion.code = most_serious(conversion.code, code);
+    conversion.diagnostics.insert(conversion.diagnostics.begin(), std::move(error));
+}
+
+void convert(Conversion& conversion, const ConversionOptions& options) {
+    ImageReading reading = read_any(conversion.input, options);
+    conversion.code = reading.code;
+    conversion.diagnostics = std::move(reading.diagnostics);
+    if (!reading.texture.has_value()) {
+        return;
+    }
+    Texture& texture = *reading.texture;
+    if (std::string reason = choose_alphas(texture, options.alpha); !reason.empty()) {
+        refuse(conversion, ExitCode::refused, fail("no-such-alpha", {conversion.input}, std::move(reason)));
+        return;
+    }
+    ImageWriting writing = has_texture_extension(conversion.output)
+                               ? write_texture_file(conversion.output, texture)
+                               : write_image_file(conversion.output, texture, options.alpha_bytes);
+    if (writing.error.has_value()) {
+        refuse(conversion, writing.code, std::move(*writing.error));
+        return;
+    }
+    conversion.size = texture_size_text(texture);
+}
+
+}  // namespace
+
+std::optional<AlphaChoice> parse_alpha_choice(std::string_view text) {
+    if (text == "all") {
+        return AlphaChoice{};
+    }
+    if (text == "none") {
+        return AlphaChoice{AlphaChoice::Kind::none, 0};
+    }
+    AlphaChoice choice{AlphaChoice::Kind::one, 0};
+    const char* const end = text.data() + text.size();
+    const auto [stopped, error] = std::from_chars(text.data(), end, choice.number);
+    if (error != std::errc() || stopped != end || choice.number == 0) {
+        return std::nullopt;
+    }
+    return choice;
+}
+
+Conversion convert_texture(const std::string& input, const std::string& output,
+                           const ConversionOptions& options) {
+    Conversion conversion;
+    conversion.input = input;
+    conversion.output = output;
+    try {
+        if (has_texture_extension(output) || has_texture_extension(input) || begins_as_texture_file(input)) {
+            convert(conversion, options);
+        } else {
+            refuse(conversion, ExitCode::refused,
+                   fail("no-texture", {input}, "neither it nor " + output + " is a texture"));
+        }
+    } catch (const std::exception& failure) {
+        refuse(conversion, ExitCode::cannot_read_or_write, fail("gave-up", {input}, failure.what()));
+    }
+    return conversion;
+}
+
+bool has_texture_extension(const std::string& path) {
+    constexpr std::string_view kExtension = ".txl";
+    const std::string extension = os::text_of(os::path_of(path).extension());
+    return std::equal(extension.begin(), extension.end(), kExtension.begin(), kExtension.end(),
+                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
+}
+
+}  // namespace cli

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/exit_codes.h"
+#include "cli/report/diagnostic.h"
+#include "cli/texture/image_file.h"
+
+namespace cli {
+
+/// Which alpha channels go along.
+struct AlphaChoice {
+    enum class Kind { all, none, one };
+    Kind kind = Kind::all;
+    std::size_t number = 0;  // of the one, from 1
+};
+
+/// "all", "none" or a number from 1; nothing for any other text.
+std::optional<AlphaChoice> parse_alpha_choice(std::string_view text);
+
+struct ConversionOptions {
+    AlphaChoice alpha;
+    AlphaBytes alpha_bytes = AlphaBytes::kept;
+};
+
+/// What came of one file.
+struct Conversion {
+    std::string input;
+    std::string output;
+    ExitCode code = ExitCode::fine;
+    std::string size;                     // texture_size_text of what was written
+    std::vector<Diagnostic> diagnostics;  // the error first, if there is one
+};
+
+/// Texture to image, image to texture, or texture to texture, by the extension of the output and the first
+/// bytes or the extension of the input. What was at `output` stays until everything is written. Lets no
+/// exception out. Safe to call from several threads for different outputs.
+Conversion convert_texture(const std::string& input, const std::string& output,
+                           const ConversionOptions& options);
+
+/// Whether `path` ends in ".txl", letters of either case.
+bool has_texture_extension(const std::string& path);
+
+}  // namespace cli

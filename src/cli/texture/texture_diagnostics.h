@@ -1,0 +1,37 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "cli/exit_codes.h"
+#include "cli/report/diagnostic.h"
+#include "cli/terminal/terminal.h"
+#include "texture/value/texture_file.h"
+
+namespace cli {
+
+/// `file` is what the user called it. Codes are the names in docs/texture-format.md: "stray-value".
+/// `within` has one entry for each chunk: "502", "TaVx".
+Diagnostic texture_error(const TextureError& error, const std::string& file);
+Diagnostic texture_warning(const TextureWarning& warning, const std::string& file);
+
+/// Every warning of a reading, the error first if there is one.
+std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const std::string& file);
+
+/// diagnostic_text with the chunks around the place on one line: "in 502 > 599 > 110100 > 501 > TaVx".
+std::string texture_diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
+
+/// Refused for what is wrong with a file's content, cannot_read_or_write for what kept it from being looked
+/// at or written at all.
+ExitCode texture_exit_code(const TextureError& error);
+
+/// The exit code of a reading: that of its error, if it has one.
+ExitCode texture_exit_code(const TextureReading& reading);
+
+/// "ok", "refused" or "unreadable"
+const char* texture_verdict(ExitCode code);
+
+/// "64 x 48, RGB, 1 alpha channel"
+std::string texture_size_text(const Texture& texture);
+
+}  // namespace cli

@@ -1,0 +1,106 @@
+#include "cli/verb/doctor_command.h"
+
+#include <CLI/CLI.hpp>
+#include <memory>
+#include <ostream>
+#include <string>
+
+#include "cli/doctor/doctor_codes.h"
+#include "cli/doctor/doctor_report.h"
+#include "cli/doctor/examination.h"
+#include "cli/doctor/trial.h"
+#include "cli/doctor/trial_json.h"
+#include "cli/project/bundle_path.h"
+#include "cli/terminal/terminal.h"
+#include "system/files.h"
+
+namespace cli {
+namespace {
+
+class DoctorCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_option("BUNDLE", bundle_,
+                       "the plug-in: a .aex, a .plugin folder, a .so; without one, that of this program")
+            ->envname("VXR_BUNDLE");
+        app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
+        app.add_flag("--list-codes", list_codes_, "list what can be found, and look at nothing")
+            ->group("Output");
+        app.add_option("--timeout", timeout_s_, "how long the plug-in may take to be loaded and unloaded")
+            ->type_name("SECONDS")
+            ->check(CLI::Range(1, kLongestTimeout))
+            ->capture_default_str()
+            ->group("Loading");
+        app.add_option("--load", load_,
+                       "load it in this process as a host of that generation, today or classic, and write "
+                       "one line of "
+                       "JSON about it: for a debugger")
+            ->type_name("HOST")
+            ->check(CLI::IsMember({"today", "classic"}))
+            ->group("Loading");
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        if (list_codes_) {
+            for (const doctor::FindingRow& row : doctor::finding_table()) {
+                terminal.out << row.code << ": " << (row.severity == Severity::error ? "error" : "warning")
+                             << ": " << row.meaning << '\n';
+            }
+            return ExitCode::fine;
+        }
+        if (bundle_.empty()) {
+            const FoundBundle own = find_bundle({});
+            if (!own.error.empty()) {
+                throw UsageError(own.error);
+            }
+            bundle_ = os::text_of(own.path);
+        }
+        if (!load_.empty()) {
+            const auto generation =
+                load_ == "today" ? embedded::HostGeneration::today : embedded::HostGeneration::classic;
+            terminal.out << doctor::trial_line(doctor::try_here(bundle_, generation));
+            return ExitCode::fine;
+        }
+        const doctor::Diagnosis diagnosis =
+            doctor::examine(bundle_, [this](const std::string& binary, embedded::HostGeneration generation) {
+                return doctor::try_apart(binary, generation, std::chrono::seconds(timeout_s_));
+            });
+        terminal.out << (json_ ? doctor::diagnosis_document(diagnosis)
+                               : doctor::diagnosis_text(diagnosis, terminal.out_paint));
+        return diagnosis.code;
+    }
+
+  private:
+    static constexpr int kLongestTimeout = 3600;
+
+    std::string bundle_;
+    std::string load_;
+    int timeout_s_ = 60;
+    bool json_ = false;
+    bool list_codes_ = false;
+};
+
+}  // namespace
+
+Verb doctor_verb() {
+    return {
+        "doctor",
+        "say why a host would list a plug-in, or would not",
+        {"Looks at a plug-in as hosts do before they load it, on any system and for any: what kind of code "
+         "it is "
+         "and for which processors, which entries it exports, its properties (the PiPL resource), its "
+         "Info.plist, "
+         "and the libraries that it needs. Where it can be loaded, it is loaded in the embedded host of both "
+         "generations, in a process of its own: a plug-in that crashes does no harm and is reported.",
+         "One line for each kind of host says whether it would list the plug-in. Then come the findings, "
+         "each with "
+         "its place and with what to do, and what the plug-in is made of. The exit code is 0 when a host "
+         "would list it "
+         "and nothing stands in the way."},
+        {{"vxr doctor VORTANXR_AE.aex", "Why a host on Windows does not show the plug-in."},
+         {"vxr doctor --json VORTANXR_AE.plugin | jq -r '.findings[].code'", "What is wrong, for a script."},
+         {"gdb --args vxr doctor --load today ./VORTANXR_AE.so", "A crash while loading, in a debugger."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<DoctorCommand>(); }};
+}
+
+}  // namespace cli

@@ -1,0 +1,141 @@
+#include "cli/verb/frame_command.h"
+
+#include <CLI/CLI.hpp>
+#include <charconv>
+#include <memory>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "cli/project/bundle_path.h"
+#include "cli/project/frame_run.h"
+#include "cli/project/host_option.h"
+#include "cli/project/project_tree.h"
+#include "cli/report/diagnostic.h"
+#include "cli/terminal/printable_text.h"
+#include "cli/terminal/terminal.h"
+#include "cli/texture/image_file.h"
+
+namespace cli {
+namespace {
+
+bool parse_size_part(std::string_view text, A_long& value) {
+    const auto [stopped, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && stopped == text.data() + text.size() && value > 0;
+}
+
+/// "320x240"
+std::optional<FrameSize> parse_frame_size(std::string_view text) {
+    const std::size_t cross = text.find('x');
+    FrameSize size;
+    if (cross == std::string_view::npos || !parse_size_part(text.substr(0, cross), size.width_px) ||
+        !parse_size_part(text.substr(cross + 1), size.height_px)) {
+        return std::nullopt;
+    }
+    return size;
+}
+
+class FrameCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_option("FILE", file_, "the texture")->required();
+        app.add_option("-o,--output", output_, "the image to write; its extension says in which format")
+            ->type_name("IMAGE")
+            ->required()
+            ->group("Output");
+        app.add_flag("--json", json_, "write the host's project as a JSON document instead of text")
+            ->group("Output");
+        app.add_option("--size", size_, "the size of the host's frame; the texture's own without this")
+            ->type_name("WIDTHxHEIGHT")
+            ->check([](const std::string& text) {
+                return parse_frame_size(text) ? std::string() : '"' + text + "\" is not WIDTHxHEIGHT";
+            })
+            ->group("The frame");
+        app.add_option("--fill", fill_, "what every byte of the frame holds before it is drawn, 0 to 255")
+            ->type_name("BYTE")
+            ->capture_default_str()
+            ->check([](const std::string& text) {
+                int byte = -1;
+                return CLI::detail::lexical_cast(text, byte) && byte >= 0 && byte <= 255
+                           ? std::string()
+                           : '"' + text + "\" is not from 0 to 255";
+            })
+            ->group("The frame");
+        add_bundle_option(app, bundle_);
+        add_host_option(app, host_);
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        if (!writes_image_format(output_)) {
+            throw UsageError("no image format has the extension of " + output_);
+        }
+        embedded::Host host(host_of_kind(host_));
+        FrameRun frame = draw_file(host, find_bundle(bundle_), file_, parse_frame_size(size_),
+                                   static_cast<std::uint8_t>(fill_));
+        if (frame.frame.has_value()) {
+            write(frame);
+        }
+        if (json_) {
+            terminal.out << frame_document(host, frame, output_).dump(2) << '\n';
+        } else {
+            show(host, frame, terminal);
+        }
+        terminal.out << std::flush;
+        for (const std::string& problem : frame.problems) {
+            complain(terminal, problem);
+        }
+        return frame.code;
+    }
+
+  private:
+    void write(FrameRun& frame) const {
+        const ImageWriting written = write_image_file(output_, *frame.frame, AlphaBytes::kept);
+        if (written.error.has_value()) {
+            frame.code = most_serious(frame.code, written.code);
+            frame.problems.push_back(written.error->reason);
+            frame.frame.reset();
+        }
+    }
+
+    void show(const embedded::Host& host, const FrameRun& frame, Terminal& terminal) const {
+        if (frame.in_spec.has_value()) {
+            terminal.out << terminal.out_paint(Ink::bold, printable(frame.file)) << ": "
+                         << in_spec_text(*frame.in_spec) << '\n';
+        }
+        if (frame.frame.has_value()) {
+            terminal.out << "frame of " << frame.frame->width_px << " x " << frame.frame->height_px << " -> "
+                         << printable(output_) << '\n';
+        }
+        terminal.out << host_report(host.project(), host.discipline(), terminal.out_paint);
+    }
+
+    std::string file_;
+    std::string output_;
+    std::string size_;
+    std::string bundle_;
+    std::string host_ = kUsualHost;
+    int fill_ = 0;
+    bool json_ = false;
+};
+
+}  // namespace
+
+Verb frame_verb() {
+    return {
+        "frame",
+        "draw a texture as a host gets it, and write the frame as an image",
+        {"Loads the plug-in, offers it the texture, asks it for a frame and writes the 8 bits of alpha, red, "
+         "green and blue that it drew, every byte as it is. Says what the plug-in told the host about the "
+         "texture: size, depth, alpha, duration.",
+         "With `texture convert` the picture comes out of the file directly; this is the way through the "
+         "plug-in, and a difference between the two would be a mistake in one of them."},
+        {{"vxr frame bark.txl -o frame.png", "What a host draws of bark.txl."},
+         {"vxr frame bark.txl -o corner.png --size 64x64 --fill 128",
+          "A frame smaller than the texture gets its top left part; pixels outside the texture stay grey."},
+         {"vxr frame bark.txl -o frame.png --json | jq .in_specs",
+          "What the plug-in told the host about the texture."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<FrameCommand>(); }};
+}
+
+}  // namespace cli

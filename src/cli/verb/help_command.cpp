@@ -1,0 +1,87 @@
+#include "cli/verb/help_command.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <ostream>
+
+#include "cli/help/bash_completion.h"
+#include "cli/help/man_page.h"
+#include "cli/program.h"
+#include "cli/terminal/terminal.h"
+
+namespace cli {
+namespace {
+
+class HelpCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_option("VERB", verb_, "the verb to explain; without one, the program")->expected(0, 2);
+        app.add_flag("--man", man_, "write the manual page vxr(1) instead");
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        const std::vector<Page> pages = program_pages();
+        if (man_) {
+            terminal.out << man_page(pages, program_version());
+            return ExitCode::fine;
+        }
+        std::string command = "vxr";
+        for (const std::string& word : verb_) {
+            command += ' ' + word;
+        }
+        const auto page =
+            std::find_if(pages.begin(), pages.end(), [&](const Page& one) { return one.command == command; });
+        if (page == pages.end()) {
+            throw UsageError("there is no verb \"" + command.substr(4) + '"');
+        }
+        terminal.out << page_text(*page);
+        return ExitCode::fine;
+    }
+
+  private:
+    std::vector<std::string> verb_;
+    bool man_ = false;
+};
+
+class CompletionCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_option("SHELL", shell_, "the shell; bash is the one there is")
+            ->required()
+            ->check(CLI::IsMember({"bash"}));
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        terminal.out << bash_completion(program_pages());
+        return ExitCode::fine;
+    }
+
+  private:
+    std::string shell_;
+};
+
+template <class T>
+std::unique_ptr<Command> make() {
+    return std::make_unique<T>();
+}
+
+}  // namespace
+
+Verb help_verb() {
+    return {"help",
+            "explain a verb, or write the manual page",
+            {"The manual page is made from the same text as this help."},
+            {{"vxr help import", "The same as `vxr import --help`."},
+             {"vxr help --man | man -l -", "The manual page, formatted."}},
+            make<HelpCommand>};
+}
+
+Verb completion_verb() {
+    return {"completion",
+            "write the completion script for a shell",
+            {"The script completes verbs, options and file names."},
+            {{"source <(vxr completion bash)", "Completion for the running bash."}},
+            make<CompletionCommand>};
+}
+
+}  // namespace cli

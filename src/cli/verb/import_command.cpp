@@ -1,0 +1,210 @@
+#include "cli/verb/import_command.h"
+
+#include <CLI/CLI.hpp>
+#include <filesystem>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <system_error>
+#include <vector>
+
+#include "cli/project/bundle_path.h"
+#include "cli/project/host_option.h"
+#include "cli/project/import_run.h"
+#include "cli/project/project_tree.h"
+#include "cli/report/diagnostic.h"
+#include "cli/terminal/output_file.h"
+#include "cli/terminal/printable_text.h"
+#include "cli/terminal/terminal.h"
+#include "embedded/host.h"
+#include "system/files.h"
+
+namespace cli {
+namespace {
+
+constexpr const char* kHostGroup = "The plug-in and its host";
+
+// What CLI11 wants of a check: nothing for a good text, else what is wrong with it.
+template <class Parse>
+auto checked_by(Parse parse, const char* wanted) {
+    return [parse, wanted](const std::string& text) {
+        return parse(text) ? std::string() : "\"" + text + "\" is not " + wanted;
+    };
+}
+
+bool is_preference(std::string_view text) {
+    if (text == "none") {
+        return true;
+    }
+    int value = 0;
+    return CLI::detail::lexical_cast(std::string(text), value) && value >= 0 && value <= 255;
+}
+
+// Whether two paths lead to one file, be it there already or not.
+bool same_file(const std::string& one, const std::string& other) {
+    namespace fs = std::filesystem;
+    std::error_code none;
+    const fs::path first = os::native_path(one);
+    const fs::path second = os::native_path(other);
+    const fs::path path = fs::weakly_canonical(first, none);
+    return fs::equivalent(first, second, none) ||
+           (!path.empty() && path == fs::weakly_canonical(second, none));
+}
+
+class ImportCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_option("FILE", file_, "the composition file")->required();
+        app.add_flag("--json", json_, "write the project as a JSON document instead of a tree")
+            ->group("Output");
+        app.add_option("--save", save_, "write the same JSON document to this file, too")
+            ->type_name("FILE")
+            ->group("Output");
+        app.add_option("--log", log_, "write every call into the host to this file, one JSON object a line")
+            ->type_name("FILE")
+            ->group("Output");
+        add_bundle_option(app, bundle_);
+        add_host_option(app, host_);
+        app.add_option("--alpha-preference", preference_,
+                       "the host's preference for unlabeled alpha: none, or a value from 0 to 255")
+            ->type_name("VALUE")
+            ->capture_default_str()
+            ->check(checked_by(is_preference, "none and not from 0 to 255"))
+            ->group(kHostGroup);
+        app.add_option("--without-suite", without_, "a suite that the host does not offer; may be repeated")
+            ->type_name("NAME:VERSION")
+            ->allow_extra_args(false)
+            ->check(checked_by(embedded::parse_suite_name, "NAME:VERSION"))
+            ->group("What goes wrong");
+        app.add_option("--fail", faults_, "the N-th call of a host function returns CODE; may be repeated")
+            ->type_name("FUNCTION:N:CODE")
+            ->allow_extra_args(false)
+            ->check(
+                checked_by(embedded::parse_fault,
+                           "FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
+            ->group("What goes wrong");
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        const embedded::HostOptions options = host_options();
+        refuse_to_overwrite();
+        // Files that cannot be written are found out before the work, not after it.
+        std::optional<OutputFile> log = opened(log_);
+        std::optional<OutputFile> save = opened(save_);
+        embedded::Host host(options);
+        if (log) {
+            host.log_calls([&](std::string_view line) {
+                log->write(line);
+                log->write("\n");
+            });
+        }
+        const ImportRun run = import_scene(host, options, find_bundle(bundle_), file_);
+        show(host, run, terminal);
+        if (save) {
+            save->write(import_document(host, run).dump(2) + '\n');
+            save->close();
+        }
+        if (log) {
+            log->close();
+        }
+        return run.code;
+    }
+
+  private:
+    static std::optional<OutputFile> opened(const std::string& path) {
+        return path.empty() ? std::nullopt : std::optional<OutputFile>(std::in_place, path);
+    }
+
+    // Creating an output empties what was there: that must never be the scene, which is only read afterwards.
+    void refuse_to_overwrite() const {
+        for (const std::string& output : {save_, log_}) {
+            if (!output.empty() && same_file(output, file_)) {
+                throw UsageError(file_ + " would be replaced by what is written about it");
+            }
+        }
+        if (!save_.empty() && !log_.empty() && same_file(save_, log_)) {
+            throw UsageError("--save and --log both name " + save_);
+        }
+    }
+
+    [[nodiscard]] embedded::HostOptions host_options() const {
+        embedded::HostOptions options = host_of_kind(host_);
+        for (const std::string& suite : without_) {
+            options.suites_not_offered.push_back(*embedded::parse_suite_name(suite));
+        }
+        for (const std::string& fault : faults_) {
+            options.faults.push_back(*embedded::parse_fault(fault));
+        }
+        if (preference_ != "none") {
+            options.alpha_preference = static_cast<std::uint8_t>(std::stoi(preference_));
+        }
+        return options;
+    }
+
+    void show(const embedded::Host& host, const ImportRun& run, Terminal& terminal) const {
+        if (json_) {
+            terminal.out << import_document(host, run).dump(2) << '\n';
+        } else {
+            show_tree(host, run, terminal);
+        }
+        terminal.out << std::flush;
+        for (const Diagnostic& diagnostic : run.diagnostics) {
+            terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
+        }
+        for (const std::string& problem : run.problems) {
+            complain(terminal, problem);
+        }
+        for (const std::string& note : run.notes) {
+            remark(terminal, note);
+        }
+    }
+
+    void show_tree(const embedded::Host& host, const ImportRun& run, Terminal& terminal) const {
+        const embedded::Project& project = host.project();
+        const std::string tree = project_tree(project, terminal.out_paint);
+        if (!tree.empty()) {
+            terminal.out << terminal.out_paint(Ink::bold, printable(run.file)) << ": "
+                         << project_summary(project) << "\n\n"
+                         << tree;
+        }
+        const std::string report = host_report(project, host.discipline(), terminal.out_paint);
+        terminal.out << (tree.empty() || report.empty() ? "" : "\n") << report;
+    }
+
+    std::string file_;
+    bool json_ = false;
+    std::string save_;
+    std::string log_;
+    std::string bundle_;
+    std::string host_ = kUsualHost;
+    std::string preference_ = "none";
+    std::vector<std::string> without_;
+    std::vector<std::string> faults_;
+};
+
+}  // namespace
+
+Verb import_verb() {
+    return {
+        "import",
+        "import a composition file and show the project that comes of it",
+        {"Loads the plug-in into a small host, has it verify and import FILE, and shows the project as a "
+         "tree: "
+         "folders, compositions with their layers from top to bottom, footage as the host reads it, cameras, "
+         "lights and nulls with the number and range of their keys. In-points and keys are frames on the "
+         "composition's own timeline. Missing footage is marked where it stands.",
+         "Below the tree stand the messages that a user of the host would have seen, what the plug-in did "
+         "wrong as the host sees it, and the host's notes. A file that the plug-in ignores without a word is "
+         "explained as `vxr check` explains it.",
+         "The options under \"What goes wrong\" make the host misbehave, to see what the import then does."},
+        {{"vxr import examples/interlaced/lantern_010.aec", "Shows the project of an interlaced scene."},
+         {"vxr import --json shot.aec | jq '.compositions[].name'",
+          "The project as JSON, for another program."},
+         {"vxr import --log calls.jsonl --host 9.31 shot.aec",
+          "Imports as into an older host, which gets no cameras, lights and nulls, and logs every call."},
+         {"vxr import --fail AEGP_CreateComp:2:4 shot.aec",
+          "What is left when the host has no memory for the second composition."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<ImportCommand>(); }};
+}
+
+}  // namespace cli

@@ -1,0 +1,99 @@
+#include "cli/verb/limits_command.h"
+
+#include <CLI/CLI.hpp>
+#include <ostream>
+#include <string>
+
+#include "cli/help/page.h"
+#include "cli/report/limit_words.h"
+#include "cli/terminal/terminal.h"
+#include "embedded/json_values.h"
+#include "limit/limits.h"
+
+namespace cli {
+namespace {
+
+using embedded::Json;
+
+constexpr int kLimitsSchema = 1;
+
+struct RuleWords {
+    const char* for_scripts;
+    const char* for_people;
+};
+
+RuleWords words_of(limits::Rule rule) {
+    switch (rule) {
+        case limits::Rule::format:
+            return {"format", "the format's rule"};
+        case limits::Rule::ours:
+            return {"ours", "our rule"};
+        case limits::Rule::file_length:
+            break;
+    }
+    return {"file-length", "no rule but the file's length"};
+}
+
+std::string limit_block(const limits::Limit& limit, const Paint& paint) {
+    constexpr std::size_t kIndent = 6;
+    return paint(Ink::bold, limit.name) + ": " + grouped(limit.value) + ' ' + limit.unit +
+           paint(Ink::dim, std::string(" [") + limit.id + ']') + '\n' +
+           wrapped(std::string(words_of(limit.rule).for_people) + ": " + limit.reason, kIndent) +
+           wrapped(std::string("beyond it: ") + limit.beyond, kIndent);
+}
+
+Json limit_json(const limits::Limit& limit) {
+    return Json{{"id", limit.id},
+                {"name", limit.name},
+                {"value", limit.value},
+                {"unit", limit.unit},
+                {"rule", words_of(limit.rule).for_scripts},
+                {"reason", limit.reason},
+                {"beyond", limit.beyond}};
+}
+
+class LimitsCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        Json documents = Json::array();
+        for (const limits::Limit* limit : limits::kAll) {
+            if (json_) {
+                documents.push_back(limit_json(*limit));
+            } else {
+                terminal.out << limit_block(*limit, terminal.out_paint);
+            }
+        }
+        if (json_) {
+            terminal.out << Json{{"schema", kLimitsSchema},
+                                 {"exit_code", static_cast<int>(ExitCode::fine)},
+                                 {"limits", documents}}
+                                .dump(2)
+                         << '\n';
+        }
+        return ExitCode::fine;
+    }
+
+  private:
+    bool json_ = false;
+};
+
+}  // namespace
+
+Verb limits_verb() {
+    return {
+        "limits",
+        "list the limits on what composition files and textures may hold, with a reason each",
+        {"Shows how much of each thing is accepted, whose rule that is, why there is a limit, and what "
+         "happens beyond it. A file that is refused for a limit names it: in the message, and in the JSON of "
+         "`vxr check`, `vxr texture` and `vxr import` as `limit`."},
+        {{"vxr limits", "Every limit, with the name by which scripts know it in brackets."},
+         {"vxr limits --json | jq -r '.limits[] | [.id, .value, .unit] | @tsv'",
+          "The limits as columns, for a script."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<LimitsCommand>(); }};
+}
+
+}  // namespace cli

@@ -1,0 +1,229 @@
+#include "cli/verb/texture_convert_command.h"
+
+#include <CLI/CLI.hpp>
+#include <algorithm>
+#include <cstddef>
+#include <filesystem>
+#include <map>
+#include <memory>
+#include <ostream>
+#include <string>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "cli/report/diagnostic.h"
+#include "cli/terminal/ordered_jobs.h"
+#include "cli/terminal/platform.h"
+#include "cli/terminal/printable_text.h"
+#include "cli/terminal/progress_bar.h"
+#include "cli/terminal/terminal.h"
+#include "cli/texture/texture_conversion.h"
+#include "cli/texture/texture_diagnostics.h"
+#include "embedded/json_values.h"
+#include "system/files.h"
+
+namespace cli {
+namespace {
+
+namespace fs = std::filesystem;
+using embedded::Json;
+
+constexpr int kConvertSchema = 1;
+
+std::string conversion_line(const Conversion& conversion, const Paint& paint) {
+    if (conversion.code != ExitCode::fine) {
+        return printable(conversion.input) + ": " + paint(Ink::red, "not converted") + '\n';
+    }
+    return printable(conversion.input) + " -> " + printable(conversion.output) + ": " + conversion.size +
+           '\n';
+}
+
+Json conversion_json(const Conversion& conversion) {
+    Json diagnostics = Json::array();
+    for (const Diagnostic& diagnostic : conversion.diagnostics) {
+        diagnostics.push_back(diagnostic_json(diagnostic));
+    }
+    return Json{{"file", embedded::json_text(conversion.input)},
+                {"output", embedded::json_text(conversion.output)},
+                {"converted", conversion.code == ExitCode::fine},
+                {"exit_code", static_cast<int>(conversion.code)},
+                {"diagnostics", diagnostics}};
+}
+
+class TextureConvertCommand : public Command {
+  public:
+    void add_options(CLI::App& app) override {
+        app.add_option("IN", inputs_, "textures, or images to make textures of")->required();
+        app.add_option("-o,--output", output_, "the file to write, for one input")
+            ->type_name("FILE")
+            ->group("Output");
+        app.add_option("--to", to_, "the extension of the files to write: png, tif, exr, txl ...")
+            ->type_name("EXT")
+            ->group("Output");
+        app.add_option("--out-dir", out_dir_,
+                       "where to write them; made when it is not there; beside each input without this")
+            ->type_name("DIR")
+            ->group("Output");
+        app.add_flag("--json", json_, "write one JSON document instead of a line a file")->group("Output");
+        app.add_option("--alpha", alpha_, "which alpha channels go along: all, none, or the number of one")
+            ->type_name("N|all|none")
+            ->capture_default_str()
+            ->check([](const std::string& text) {
+                return parse_alpha_choice(text) ? std::string()
+                                                : '"' + text + "\" is neither all, none nor a number from 1";
+            })
+            ->group("Alpha");
+        app.add_flag(
+               "--convert-alpha", convert_alpha_,
+               "multiply colour by alpha where the image keeps it straight, and divide it on the way back")
+            ->group("Alpha");
+        app.add_option("-j,--jobs", jobs_, "how many files at a time; 0 for one a processor")
+            ->type_name("N")
+            ->capture_default_str()
+            ->check([](const std::string& text) {
+                int jobs = -1;
+                return CLI::detail::lexical_cast(text, jobs) && jobs >= 0 && jobs <= kMostJobs
+                           ? std::string()
+                           : '"' + text + "\" is not from 0 to " + std::to_string(kMostJobs);
+            })
+            ->group("Work");
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        const std::vector<std::string> outputs = output_names();
+        if (!out_dir_.empty()) {
+            fs::create_directories(os::native_path(out_dir_));
+        }
+        const ConversionOptions options{*parse_alpha_choice(alpha_),
+                                        convert_alpha_ ? AlphaBytes::converted : AlphaBytes::kept};
+        const bool bar_wanted = terminal.live && is_terminal(1) && !json_ && inputs_.size() > 1;
+        ProgressBar bar(terminal, inputs_.size(), bar_wanted);
+        Json documents = Json::array();
+        ExitCode code = ExitCode::fine;
+        std::size_t converted = 0;
+        run_in_order<Conversion>(
+            inputs_.size(), threads(),
+            [&](std::size_t i) { return convert_texture(inputs_[i], outputs[i], options); },
+            [&](std::size_t done) { bar.show(done); },
+            [&](std::size_t, const Conversion& conversion) {
+                code = most_serious(code, conversion.code);
+                converted += conversion.code == ExitCode::fine ? 1 : 0;
+                if (json_) {
+                    documents.push_back(conversion_json(conversion));
+                    return;
+                }
+                report(conversion, !bar_wanted, bar, terminal);
+            });
+        bar.clear();
+        if (json_) {
+            terminal.out << Json{{"schema", kConvertSchema},
+                                 {"exit_code", static_cast<int>(code)},
+                                 {"files", documents}}
+                                .dump(2)
+                         << '\n';
+        } else if (bar_wanted) {
+            terminal.out << converted << " of " << inputs_.size() << " converted\n";
+        }
+        return code;
+    }
+
+  private:
+    static constexpr int kMostJobs = 256;
+
+    [[nodiscard]] std::size_t threads() const {
+        return jobs_ > 0 ? static_cast<std::size_t>(jobs_)
+                         : std::max<std::size_t>(1, std::thread::hardware_concurrency());
+    }
+
+    /// One name for each input. Throws UsageError for what cannot be meant, before anything is read.
+    [[nodiscard]] std::vector<std::string> output_names() const {
+        if (output_.empty() == to_.empty()) {
+            throw UsageError("either -o FILE or --to EXT is required");
+        }
+        if (!output_.empty() && inputs_.size() > 1) {
+            throw UsageError("-o is for one input; --to EXT is for several");
+        }
+        if (!out_dir_.empty() && to_.empty()) {
+            throw UsageError("--out-dir needs --to EXT");
+        }
+        std::vector<std::string> outputs;
+        std::map<std::string, std::string> input_of;  // of each output
+        for (const std::string& input : inputs_) {
+            const std::string output = output_.empty() ? name_for(input) : output_;
+            if (!has_texture_extension(output) && !writes_image_format(output)) {
+                throw UsageError("no image format has the extension of " + output);
+            }
+            std::error_code none;
+            if (fs::equivalent(os::native_path(input), os::native_path(output), none)) {
+                throw UsageError(input + " would be replaced by what is made of it");
+            }
+            const auto [known, added] =
+                input_of.emplace(os::text_of(os::path_of(output).lexically_normal()), input);
+            if (!added) {
+                std::string both = known->second;
+                throw UsageError(
+                    both.append(" and ").append(input).append(" would both become ").append(output));
+            }
+            outputs.push_back(output);
+        }
+        return outputs;
+    }
+
+    [[nodiscard]] std::string name_for(const std::string& input) const {
+        fs::path name = os::path_of(input).filename();
+        name.replace_extension(os::path_of(to_));
+        return os::text_of((out_dir_.empty() ? os::path_of(input).parent_path() : os::path_of(out_dir_)) /
+                           name);
+    }
+
+    static void report(const Conversion& conversion, bool line_wanted, ProgressBar& bar, Terminal& terminal) {
+        if (!conversion.diagnostics.empty()) {
+            bar.clear();
+            for (const Diagnostic& diagnostic : conversion.diagnostics) {
+                terminal.err << texture_diagnostic_text(diagnostic, terminal.err_paint);
+            }
+            terminal.err << std::flush;
+        }
+        if (line_wanted) {
+            terminal.out << conversion_line(conversion, terminal.out_paint) << std::flush;
+        }
+    }
+
+    std::vector<std::string> inputs_;
+    std::string output_;
+    std::string to_;
+    std::string out_dir_;
+    std::string alpha_ = "all";
+    bool convert_alpha_ = false;
+    bool json_ = false;
+    int jobs_ = 0;
+};
+
+}  // namespace
+
+Verb texture_convert_verb() {
+    return {
+        "texture convert",
+        "turn textures into images and images into textures",
+        {"Every format of the image library can be read and written; the extension of the output says which. "
+         "Images become textures with 8 bits a channel: one channel grey, three RGB, every other one an "
+         "alpha "
+         "channel, the image's own alpha first.",
+         "Every byte is carried over as it is stored, so that there and back again nothing is lost, also to "
+         "formats like PNG that expect colour not to be multiplied by alpha. --convert-alpha lets the image "
+         "library multiply and divide instead: an image looks right in a viewer then, but 8 bits lose some "
+         "of "
+         "it.",
+         "A file is written beside the one that it will replace, and takes its place when it is complete. An "
+         "image format without room for all alpha channels is an error; --alpha chooses."},
+        {{"vxr texture convert bark.txl -o bark.png", "One texture becomes a PNG."},
+         {"vxr texture convert scans/*.tif --to txl --out-dir maps",
+          "All scans become textures, several at a time."},
+         {"vxr texture convert bark.txl --alpha 2 -o mask.png", "The colour with the second alpha channel."},
+         {"vxr texture convert bark.txl --alpha none --to jpg", "bark.jpg beside it, without alpha."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<TextureConvertCommand>(); }};
+}
+
+}  // namespace cli

@@ -1,0 +1,19 @@
+#include "composition/model/project_settings.h"
+
+namespace {
+
+void DeleteSceneObjects(CDoubleLinkedList<CSceneObject>& objects) {
+    while (const CSceneObject* const object = objects.RemoveFirst()) {
+        delete object;
+    }
+}
+
+}  // namespace
+
+// The lists are members and go after the body, then the root composition.
+tagProjectSettings::~tagProjectSettings() {
+    while (CCompoChild* const child = files.RemoveFirst()) {
+        DeleteCompoChild(child);
+    }
+    DeleteSceneObjects(objects);
+}

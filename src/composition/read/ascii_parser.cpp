@@ -1,0 +1,384 @@
+#include "composition/read/ascii_parser.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <cstring>
+#include <string_view>
+
+#include "composition/model/heap_text.h"
+#include "composition/read/number_text.h"
+
+namespace {
+
+// Bits of kCharacters.
+constexpr unsigned char kBeginsNumber = 1;
+constexpr unsigned char kContinuesNumber = 2;
+constexpr unsigned char kBlank = 4;
+constexpr unsigned char kLineEnd = 8;
+
+constexpr std::array<unsigned char, 256> classified_characters() {
+    std::array<unsigned char, 256> table{};
+    const auto add = [&](std::string_view characters, unsigned char bit) {
+        for (const char c : characters) {
+            table[static_cast<unsigned char>(c)] |= bit;
+        }
+    };
+    add("0123456789.-", kBeginsNumber);
+    // Every character that a number may have in any form: decimal, hexadecimal, with an exponent.
+    add("0123456789.-abcdefABCDEF+xX", kContinuesNumber);
+    add(" \t", kBlank);
+    add("\n\r", kLineEnd);
+    return table;
+}
+
+constexpr std::array<unsigned char, 256> kCharacters = classified_characters();
+
+bool is(char c, unsigned char classes) {
+    return (kCharacters[static_cast<unsigned char>(c)] & classes) != 0;
+}
+
+constexpr std::size_t kFirstStringCapacity = 50;
+
+}  // namespace
+
+A_long ASCIIParser::CompareIdent(char* /*word*/) {
+    return 0;
+}
+
+A_long ASCIIParser::CompareOperator(char c) {
+    switch (c) {
+        case '{':
+            return kTokenOpenBrace;
+        case '}':
+            return kTokenCloseBrace;
+        case '=':
+            return kTokenEquals;
+        case ',':
+            return kTokenComma;
+        case ';':
+            return kTokenSemicolon;
+        case '+':
+            return kTokenPlus;
+        case '~':
+            return kTokenTilde;
+        case '\n':
+        case '\r':
+            return kTokenLineEnd;
+        default:
+            return kTokenOther;
+    }
+}
+
+int ASCIIParser::nextchar(char* out) {
+    if (status != 0) {
+        curChar = 0;
+    } else if (pushedBack != 0) {
+        pushedBack = 0;
+    } else {
+        const bool taken = TakeByte();
+        // Deliberately also when there was no byte to take: the last line end is then counted once more.
+        const bool completes_pair = CountLine();
+        if (taken) {
+            TrackPosition(completes_pair);
+        }
+    }
+    if (out != nullptr) {
+        *out = curChar;
+    }
+    CountUp(charCount);
+    return status == 0 ? 1 : 0;
+}
+
+bool ASCIIParser::TakeByte() {
+    if (bufCount < 1) {
+        Refill();
+    }
+    if (bufCount < 1) {
+        return false;
+    }
+    curChar = *bufPos;
+    ++bufPos;
+    --bufCount;
+    return true;
+}
+
+// Counts the line end that `curChar` may be; true when it completes a pair and so is part of the one before.
+bool ASCIIParser::CountLine() {
+    if ((curChar == '\n' && lastEol == '\r') || (curChar == '\r' && lastEol == '\n')) {
+        lastEol = 0;
+        return true;
+    }
+    if (is(curChar, kLineEnd)) {
+        CountUp(line);
+    }
+    lastEol = curChar;
+    return false;
+}
+
+// Moves char_position_ on to the byte just taken.
+void ASCIIParser::TrackPosition(bool completes_pair) {
+    if (line_ended_ && !completes_pair) {
+        ++char_position_.line;
+        char_position_.column = 0;
+    }
+    ++char_position_.offset_bytes;
+    ++char_position_.column;
+    line_ended_ = is(curChar, kLineEnd);
+}
+
+// Delivers the bytes of the block up to `to`, at least one and none of them a line end, as so many calls of
+// nextchar do.
+void ASCIIParser::Advance(const char* to) {
+    const std::ptrdiff_t count = to - bufPos;
+    if (line_ended_) {
+        ++char_position_.line;
+        char_position_.column = 0;
+        line_ended_ = false;
+    }
+    char_position_.offset_bytes += count;
+    char_position_.column += count;
+    bufCount -= static_cast<A_long>(count);
+    bufPos += count;
+    curChar = lastEol = to[-1];
+    CountUp(charCount, count);
+}
+
+TextPosition ASCIIParser::PositionBehind() const {
+    const TextPosition& last = char_position_;
+    return line_ended_ ? TextPosition{last.offset_bytes + 1, last.line + 1, 1}
+                       : TextPosition{last.offset_bytes + 1, last.line, last.column + 1};
+}
+
+int ASCIIParser::skipspaces() {
+    return Skip(false, true);
+}
+
+int ASCIIParser::skiplinetoend() {
+    return Skip(true, false);
+}
+
+// With `skipping` every character goes until the next line end, which clears it; with `comments` a "/" sets
+// it.
+int ASCIIParser::Skip(bool skipping, bool comments) {
+    if (!skipping && SkipBlanksInBlock()) {
+        return 1;
+    }
+    char c = 0;
+    for (;;) {
+        if (nextchar(&c) == 0) {
+            return 0;
+        }
+        if (is(c, kLineEnd)) {
+            if (eolIsToken != 0) {
+                break;
+            }
+            skipping = false;
+        } else if (comments && c == '/') {  // Deliberately one: "//" is written too, and means the same
+            skipping = true;
+        } else if (!skipping && c != ' ' && c != '\t') {
+            break;
+        }
+    }
+    pushedBack = 1;
+    return 1;
+}
+
+// Skips blanks, the first of which has been pushed back, and the line end that it may be. True when what
+// follows begins a token, which is then the character that has been pushed back; otherwise the rest is for
+// the loop above.
+bool ASCIIParser::SkipBlanksInBlock() {
+    const bool at_blank = pushedBack != 0 && is(curChar, eolIsToken != 0 ? kBlank : kBlank | kLineEnd);
+    if (!at_blank || status != 0) {
+        return false;
+    }
+    const char* const end = bufPos + bufCount;
+    const char* at = bufPos;
+    while (at < end && is(*at, kBlank)) {
+        ++at;
+    }
+    if (at == end || is(*at, kLineEnd) || *at == '/') {
+        return false;
+    }
+    CountUp(charCount);  // the one that was pushed back
+    Advance(at + 1);
+    return true;
+}
+
+A_long ASCIIParser::nextsym(int no_numbers) {
+    if (rewound != 0) {
+        rewound = 0;
+        return sym;
+    }
+    const bool use_b = textOnHeap != 0 || text != textB;
+    if (textOnHeap != 0) {
+        delete[] text;
+        textOnHeap = 0;
+    }
+    text = use_b ? textB : textA;
+    text[0] = '\0';
+    sym = kTokenNone;
+    cut_ = TokenCut::none;
+    if (skipspaces() == 0) {
+        token_start_ = PositionBehind();
+        return CutToken(TokenCut::end_of_input);
+    }
+    token_start_ = char_position_;
+    const char c = curChar;
+    if (no_numbers == 0 && is(c, kBeginsNumber)) {
+        return ReadWord(true);
+    }
+    if (charClass[static_cast<unsigned char>(c)] != 0) {
+        return ReadWord(false);
+    }
+    return c == '"' || c == '\'' ? ReadString(c) : ReadOperator();
+}
+
+// Takes a word whose end lies in the block. Its first character has been pushed back. False, nothing being
+// taken, for any other and for one that is too long.
+bool ASCIIParser::TakeWordInBlock(bool number) {
+    const char* const end = bufPos + std::min(static_cast<std::size_t>(bufCount), kTextBytes - 1);
+    const char* at = bufPos;
+    if (number) {
+        while (at < end && is(*at, kContinuesNumber)) {
+            ++at;
+        }
+    } else {
+        while (at < end && charClass[static_cast<unsigned char>(*at)] != 0) {
+            ++at;
+        }
+    }
+    if (at == end) {
+        return false;
+    }
+    const std::ptrdiff_t more = at - bufPos;
+    text[0] = curChar;
+    std::memcpy(text + 1, bufPos, static_cast<std::size_t>(more));
+    text[more + 1] = '\0';
+    CountUp(charCount);  // the one that was pushed back
+    pushedBack = 0;
+    if (more > 0) {
+        Advance(at);
+    }
+    nextchar(nullptr);
+    return true;
+}
+
+// A number or an identifier. Its first character has been pushed back.
+A_long ASCIIParser::ReadWord(bool number) {
+    if (!TakeWordInBlock(number)) {
+        std::size_t length = 0;
+        char c = 0;
+        for (;;) {
+            if (nextchar(&c) == 0) {
+                // Deliberate: what the end of the input cuts off is no word, as it may be half of one.
+                return CutToken(TokenCut::inside_word);
+            }
+            const bool belongs =
+                number ? is(c, kContinuesNumber) : charClass[static_cast<unsigned char>(c)] != 0;
+            if (!belongs) {
+                break;
+            }
+            if (length == kTextBytes - 1) {
+                pushedBack = 1;
+                return CutToken(TokenCut::word_too_long);
+            }
+            text[length] = c;
+            ++length;
+        }
+        text[length] = '\0';
+    }
+    pushedBack = 1;
+    sym = number ? A_long{kTokenNumber} : CompareIdent(text);
+    if (sym == kTokenNone) {
+        sym = kTokenIdentifier;
+    }
+    return sym;
+}
+
+A_long ASCIIParser::ReadOperator() {
+    nextchar(text);
+    text[1] = '\0';
+    sym = CompareOperator(text[0]);
+    if (sym == kTokenNone) {
+        sym = kTokenOther;
+    }
+    return sym;
+}
+
+A_long ASCIIParser::ReadString(char quote) {
+    char* const heap_text = new_text(kFirstStringCapacity + 2);
+    if (heap_text == nullptr) {
+        return CutToken(TokenCut::out_of_memory);
+    }
+    text = heap_text;
+    text[0] = '\0';
+    textOnHeap = 1;
+    pushedBack = 0;  // the opening quote
+    std::uint64_t capacity = kFirstStringCapacity;
+    std::size_t length = 0;
+    char c = 0;
+    for (;;) {
+        if (nextchar(&c) == 0) {
+            return CutToken(TokenCut::inside_string);
+        }
+        if (c == quote) {
+            break;
+        }
+        if (c == '$' && quote == '"') {
+            char behind = 0;
+            if (nextchar(&behind) == 0) {
+                return CutToken(TokenCut::inside_string);
+            }
+            if (behind == '"') {
+                c = behind;
+            } else {
+                pushedBack = 1;
+            }
+        }
+        text[length] = c;
+        ++length;
+        if (length == capacity) {
+            if (!grow_text(text, length, capacity * 2 + 2)) {
+                return CutToken(TokenCut::out_of_memory);
+            }
+            capacity *= 2;
+        }
+    }
+    text[length] = '\0';
+    sym = quote == '"' ? kTokenString : kTokenSingleQuoted;
+    return sym;
+}
+
+// The token cannot be finished: kind 0, and never a text that somebody could take for a whole one.
+A_long ASCIIParser::CutToken(TokenCut cut) {
+    text[0] = '\0';
+    sym = kTokenNone;
+    cut_ = status == kStatusReadFailed ? TokenCut::read_failed : cut;
+    return sym;
+}
+
+void ASCIIParser::rewindsym() {
+    rewound = 1;
+}
+
+// Both Deliberately answer 1 also when the text has no value: "FROM -" keeps what was there and passes.
+int ASCIIParser::GetReal(float& f) {
+    if (sym != kTokenNumber) {
+        return 0;
+    }
+    StrToReal(text, f);
+    return 1;
+}
+
+int ASCIIParser::GetLong(A_long& l) {
+    if (sym != kTokenNumber) {
+        return 0;
+    }
+    StrToVal(text, l);
+    return 1;
+}
+
+int Compare(const char* a, const char* b) {
+    return std::strcmp(a, b);
+}

@@ -1,0 +1,95 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "composition/read/read_error.h"
+#include "composition/read/text_position.h"
+
+/// Blocks that can be around a place in the file.
+enum class BlockKind { composition, camera, light, null_object };
+
+/// "composition", "camera", "light" or "null".
+[[nodiscard]] const char* block_word(BlockKind kind);
+
+/// A composition, camera, light or null of the file.
+struct ReadBlock {
+    BlockKind kind;
+    TextPosition at;       ///< of its keyword
+    std::string name;      ///< empty until it has been read
+    TextPosition name_at;  ///< of the opening quote
+};
+
+/// A value behind a keyword.
+struct ReadValue {
+    std::string_view keyword;  ///< "FPS", "KEY", "SHADOW" ...
+    TextPosition keyword_at;
+    int index;              ///< from 0; 7 is the field of view of a camera's KEY, 8 its target distance
+    std::string_view text;  ///< as written
+    double number;          ///< as kept; 0 for a word
+    TextPosition at;
+};
+
+/// A footage entry, in a composition or at the top level.
+struct ReadFootage {
+    bool is_sequence;
+    bool top_level;
+    TextPosition at;                       ///< of FILE or FSEQ
+    TextPosition path_at;                  ///< of the opening quote, or where reading the path began
+    std::string_view written;              ///< the path between the quotes; empty when there is none
+    const char* resolved;                  ///< the path that is kept; null when there is none
+    bool opens_as_written;                 ///< false: `resolved` was made of the composition file's folder
+    std::optional<ReadErrorCode> problem;  ///< why the path could not be read; fatal except at the top level
+};
+
+/// Is told what is read where, and why reading failed. Changes nothing of what is read; the plug-in has none.
+/// One observer follows one file. Texts are valid during the call only and hold any bytes but NUL. Every
+/// event does nothing unless overridden.
+class ReadObserver {
+  public:
+    ReadObserver() = default;
+    virtual ~ReadObserver() = default;
+    ReadObserver(const ReadObserver&) = delete;
+    ReadObserver& operator=(const ReadObserver&) = delete;
+
+    /// Reading stopped. Called at most once, and nothing after it.
+    virtual void on_failure(const ReadError& /*error*/) {}
+    /// A keyword of the settings or of an object's block, before its values: FPS, LOCAL, KEY ...
+    virtual void on_keyword(std::string_view /*keyword*/, const TextPosition& /*at*/) {}
+    /// A value of that keyword, after it was converted and before its range is checked.
+    virtual void on_value(const ReadValue& /*value*/) {}
+    /// Whether this observer takes keys as a whole where their numbers are plain: a minus sign or none and up
+    /// to eight digits, a point among them or not, the frame without. Reading is several times faster then.
+    [[nodiscard]] virtual bool takes_plain_keys() const { return false; }
+    /// Of such an observer: a KEY, in place of on_keyword and on_value. Keys written otherwise come with
+    /// those.
+    virtual void on_plain_key(const TextPosition& /*at*/, std::int32_t /*frame*/,
+                              std::span<const float> /*others*/) {}
+    /// A block whose name has just been read. blocks() are the ones around it, itself the last.
+    virtual void on_block_begin(const ReadBlock& /*block*/) {}
+    /// Its end: the closing brace, or the token behind the name of a composition without a block.
+    virtual void on_block_end(const ReadBlock& /*block*/, const TextPosition& /*at*/) {}
+    /// A footage entry, also one at the top level whose path could not be read.
+    virtual void on_footage(const ReadFootage& /*footage*/) {}
+    /// A token that the reader passes over: an unknown word in a composition, or what stands where a
+    /// composition's brace would. `text` is empty for one that could not be finished.
+    virtual void on_ignored(std::string_view /*text*/, const TextPosition& /*at*/) {}
+    /// The file was read successfully up to `at`. `at_end_of_file` is false when text follows there that is
+    /// ignored.
+    virtual void on_end(const TextPosition& /*at*/, bool /*at_end_of_file*/) {}
+
+    /// The blocks around the place of reading, outermost first.
+    [[nodiscard]] const std::vector<ReadBlock>& blocks() const { return blocks_; }
+
+    // For the grammar readers.
+    void enter_block(BlockKind kind, const TextPosition& at);
+    void name_block(std::string_view name, const TextPosition& at);
+    void leave_block(const TextPosition& at);
+
+  private:
+    std::vector<ReadBlock> blocks_;
+};

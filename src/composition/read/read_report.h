@@ -1,0 +1,27 @@
+#pragma once
+
+#include <string_view>
+
+#include "composition/read/ascii_parser.h"
+#include "composition/read/read_error.h"
+#include "composition/read/read_observer.h"
+
+// What the grammar readers say to the observer of their parser, if it has one. Nothing here touches what is
+// read.
+
+/// Tells that the current token is not what it had to be. A token that could not be finished is reported as
+/// that, whatever `code` says. Returns 0, the readers' failure.
+int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected);
+
+/// The same about another place than the current token.
+int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, std::string_view expected,
+            std::string_view found);
+
+/// A block begins with the current token, its keyword.
+void enter_block(const ASCIIParser& p, BlockKind kind);
+/// The current token is the name of that block.
+void name_block(const ASCIIParser& p);
+/// The block ends with the current token.
+void leave_block(const ASCIIParser& p);
+/// The current token is passed over.
+void ignore_token(const ASCIIParser& p);

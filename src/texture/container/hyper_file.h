@@ -1,0 +1,185 @@
+#pragma once
+
+#include <cstdint>
+
+#include "texture/container/private_string.h"
+#include "texture/container/texture_observer.h"
+#include "texture/file/memory.h"
+#include "texture/file/private_file.h"
+
+namespace limits {
+struct Limit;
+}
+
+/// The container of texture files: an 8-byte header, then big-endian values, each behind a one-byte type tag,
+/// and nested chunks between a start tag and an end tag. docs/texture-format.md describes every byte.
+///
+/// Operations return 1 for success and 0 for failure. The error code is sticky: the first failure sets it,
+/// and from then on every operation fails at once without touching the file, so a caller may issue a sequence
+/// of reads and ask GetError once at its end.
+class PrivateHyperFile : public PrivateFile {
+  public:
+    static constexpr std::int32_t kReading = 1;
+    static constexpr std::int32_t kWriting = 2;
+
+    static constexpr std::int32_t kErrorFile = 1;           // a short read or write
+    static constexpr std::int32_t kErrorDirection = -4;     // reading a chunk of a file open for writing
+    static constexpr std::int32_t kErrorRefused = -7;       // no memory, or data that is not acceptable
+    static constexpr std::int32_t kErrorFormat = -100;      // wrong magic, ident or tag
+    static constexpr std::int32_t kErrorStrayValue = -103;  // a value where only chunks may stand
+    static constexpr std::int32_t kErrorTruncated = -104;   // skipping failed
+
+    static constexpr std::uint8_t kTagChunkStart = 1;
+    static constexpr std::uint8_t kTagChunkEnd = 2;
+    static constexpr std::uint8_t kTagChar = 11;
+    static constexpr std::uint8_t kTagUChar = 12;
+    static constexpr std::uint8_t kTagWord = 13;
+    static constexpr std::uint8_t kTagUWord = 14;
+    static constexpr std::uint8_t kTagLong = 15;
+    static constexpr std::uint8_t kTagULong = 16;
+    static constexpr std::uint8_t kTagReal = 19;
+    static constexpr std::uint8_t kTagLReal = 20;
+    static constexpr std::uint8_t kTagBool = 21;
+    static constexpr std::uint8_t kTagMemory = 128;
+    static constexpr std::uint8_t kTagString = 130;
+
+    PrivateHyperFile() = default;
+    ~PrivateHyperFile();
+    PrivateHyperFile(const PrivateHyperFile&) = delete;
+    PrivateHyperFile& operator=(const PrivateHyperFile&) = delete;
+
+    /// Opens `name`, for writing when `write` is not 0. `mode` 2 writes the header with `ident`; any other
+    /// mode checks that the file begins with the magic and `ident`. The fourth argument is not used. A failed
+    /// open sets the error code 1, a failed header -100 and the file is closed again; an empty file fails
+    /// without a code. Files of 2^31 bytes and more are refused with -7: their lengths and positions do not
+    /// fit the format's 32 bits. Deliberately clears no earlier error: an object that failed stays failed
+    /// until its owner calls SetError(0).
+    int Open(std::int32_t ident, const char* name, std::int32_t mode, std::int32_t unused, int write);
+
+    /// Closes the file. When it was being written, bytes that could not be handed to the system set error 1.
+    /// Returns 0 if there was nothing to close.
+    int Close();
+
+    /// The length in bytes taken when the file was opened for reading; 0 when writing.
+    [[nodiscard]] std::int32_t GetLength() const { return length_; }
+    [[nodiscard]] std::int32_t GetError() const { return error_; }
+    void SetError(std::int32_t error) { error_ = error; }
+
+    /// An opaque pointer of the caller's, not owned.
+    [[nodiscard]] void* GetPrivateData() const { return private_data_; }
+    void SetPrivateData(void* data) { private_data_ = data; }
+
+    int WriteChar(char value);
+    int WriteUChar(unsigned char value);
+    int WriteWord(std::int16_t value);
+    int WriteUWord(std::uint16_t value);
+    int WriteLong(std::int32_t value);
+    int WriteULong(std::uint32_t value);
+    int WriteReal(float value);
+    int WriteLReal(double value);
+    /// Stores 1 for an argument above 0, else 0.
+    int WriteBool(int value);
+    int WriteMemory(const void* data, std::int32_t count);
+    int WriteString(const PrivateString& string);
+
+    // Each reads a tag and, when it is the operation's own, the value; another tag sets -100 and nothing more
+    // is read. A value that could not be read is left as it was.
+    int ReadChar(char* value);
+    int ReadUChar(unsigned char* value);
+    int ReadWord(std::int16_t* value);
+    int ReadUWord(std::uint16_t* value);
+    int ReadLong(std::int32_t* value);
+    int ReadULong(std::uint32_t* value);
+    int ReadReal(float* value);
+    /// 1 for any byte but 0.
+    int ReadBool(int* value);
+    /// The format has doubles, but nothing in it is read as one.
+    int ReadLReal(double* value) = delete;
+
+    /// A block of bytes, new memory that the caller gives back with MemFree; null and 0 for an empty block
+    /// and on failure. One zero byte that is not part of the count follows the bytes: the row decoder may
+    /// look one byte past its input. A negative count sets -7, one beyond the end of the file 1, both before
+    /// anything is allocated.
+    int ReadMemory(void** data, std::int32_t* count);
+
+    /// The same without a copy for the caller: the bytes belong to the container and are there until its next
+    /// operation; nothing follows them. One buffer serves all blocks.
+    int ReadMemoryInPlace(const unsigned char** data, std::int32_t* count);
+
+    /// A string; an odd last byte is dropped. Refuses counts as ReadMemory does.
+    int ReadString(PrivateString* string);
+
+    /// Reads one byte, which must be `tag`; otherwise -100.
+    int CheckIt(std::uint8_t tag);
+    /// Reads one tag without judging it.
+    int ReadValueHeader(std::uint8_t* tag);
+
+    int WriteChunkStart(std::int32_t id, std::int32_t version);
+    int WriteChunkEnd();
+    /// The identifier and version behind a start tag that has been read.
+    int ReadChunkStart(std::int32_t* id, std::int32_t* version);
+    /// Follows an end tag that has been read; reads nothing. Sets -4 when the file is open for writing.
+    int ReadChunkEnd();
+
+    /// Skips what follows a tag that has been read. A chunk start is entered; unknown tags have nothing to
+    /// skip; a block of negative length skips nothing more than its length.
+    int SkipValue(std::uint8_t tag);
+    /// Skips to just past the end of the chunk that is open, nested ones included. What cannot be skipped
+    /// sets -104; an end of file between two items fails without a code.
+    int SkipToEndChunk();
+    /// Skips `count` bytes; below 1 none.
+    int ReadDummy(std::int32_t count);
+
+    /// An observer (not owned) to be told of every failure, null for none.
+    void SetObserver(TextureObserver* observer) { observer_ = observer; }
+    [[nodiscard]] TextureObserver* GetObserver() const { return observer_; }
+
+    /// Offset in bytes of the tag of the item read last. Kept only while there is an observer.
+    [[nodiscard]] std::int64_t GetItemOffset() const { return item_offset_bytes_; }
+
+    /// The one place where an error begins: sets the fault's code and tells the observer. `reason` returns
+    /// the text and is called only when somebody listens. Returns 0.
+    template <typename Reason>
+    int Fail(TextureFault fault, const Reason& reason) {
+        error_ = container_code(fault);
+        if (observer_ != nullptr) {
+            observer_->Failed(fault, item_offset_bytes_, reason());
+        }
+        return 0;
+    }
+
+    /// The same where `limit` is the reason, which the observer is told before.
+    template <typename Reason>
+    int Fail(const limits::Limit& limit, TextureFault fault, const Reason& reason) {
+        if (observer_ != nullptr) {
+            observer_->OverLimit(limit);
+        }
+        return Fail(fault, reason);
+    }
+
+  protected:
+    std::int32_t error_ = 0;
+    std::int32_t mode_ = kReading;
+    std::int32_t length_ = 0;
+    std::uint32_t counter_ = 0;  // values and chunk marks handled, 1..50000 and again from 1
+    void* private_data_ = nullptr;
+
+  private:
+    int Count();
+    int Transferred(int success);
+    int OpenForReading(std::int32_t ident);
+    /// Reads the count of a block and refuses what is negative or not there.
+    int ReadByteCount(std::int32_t* count);
+    /// Makes block_ hold that many bytes; false when memory is short.
+    bool HasBlock(std::int32_t byte_count);
+    template <typename Value>
+    int ReadTyped(std::uint8_t tag, Value* value, int (PrivateFile::*read)(Value*));
+    template <typename Value>
+    int WriteTyped(std::uint8_t tag, Value value, int (PrivateFile::*write)(Value));
+    int WriteBlock(std::uint8_t tag, const void* data, std::int32_t count);
+
+    TextureObserver* observer_ = nullptr;
+    std::int64_t item_offset_bytes_ = 0;
+    MemBlock block_;  // of ReadMemoryInPlace, for what the file's own buffer does not hold
+    std::int32_t block_bytes_ = 0;
+};

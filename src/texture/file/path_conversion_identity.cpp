@@ -1,0 +1,29 @@
+#include <cstring>
+#include <new>
+
+#include "texture/file/path_conversion.h"
+
+namespace {
+
+// Any length and any bytes pass: nothing is widened, cut or re-encoded.
+std::unique_ptr<char[]> copy_of(const char* path) {
+    if (path == nullptr) {
+        return nullptr;
+    }
+    const std::size_t size = std::strlen(path) + 1;
+    std::unique_ptr<char[]> copy(new (std::nothrow) char[size]);
+    if (copy != nullptr) {
+        std::memcpy(copy.get(), path, size);
+    }
+    return copy;
+}
+
+}  // namespace
+
+std::unique_ptr<char[]> host_path_from_posix(const char* path) {
+    return copy_of(path);
+}
+
+std::unique_ptr<char[]> posix_path_from_host(const char* path) {
+    return copy_of(path);
+}

@@ -1,0 +1,61 @@
+#include "texture/txl/chunk.h"
+
+#include <string>
+
+#include "texture/container/hyper_file.h"
+
+bool Chunk::HandleSubChunk(PrivateHyperFile* /*hf*/, std::int32_t /*id*/, std::int32_t /*version*/) {
+    return false;
+}
+
+void Chunk::Write(PrivateHyperFile* /*hf*/) {}
+
+bool Chunk::ReadChunk(PrivateHyperFile* hf) {
+    std::uint8_t tag = 0;
+    while (hf->GetError() == 0 && hf->ReadValueHeader(&tag) != 0) {
+        if (tag == PrivateHyperFile::kTagChunkEnd) {
+            return hf->ReadChunkEnd() != 0;
+        }
+        if (tag != PrivateHyperFile::kTagChunkStart) {
+            return hf->Fail(TextureFault::stray_value, [&] {
+                return "a chunk must begin or end here, found tag " + std::to_string(tag);
+            }) != 0;
+        }
+        if (!ReadSubChunk(hf)) {
+            return false;
+        }
+        if (hf->GetPosition() >= hf->GetLength()) {
+            // Deliberately without a code: this is how the top level of every file ends, and what a file that
+            // was cut between two chunks delivered so far is kept.
+            return false;
+        }
+    }
+    return false;
+}
+
+// False only with the container's error set.
+bool Chunk::ReadSubChunk(PrivateHyperFile* hf) {
+    TextureObserver* observer = hf->GetObserver();
+    const std::int64_t offset_bytes = hf->GetItemOffset();
+    std::int32_t id = 0;
+    std::int32_t version = 0;
+    if (hf->ReadChunkStart(&id, &version) == 0) {
+        return false;
+    }
+    if (observer != nullptr) {
+        observer->ChunkStart(id, version, offset_bytes);
+    }
+    const bool handled = HandleSubChunk(hf, id, version);
+    const bool ended = handled || hf->SkipToEndChunk() != 0;
+    if (observer != nullptr && ended && hf->GetError() == 0) {
+        observer->ChunkEnd(hf->GetPosition(), handled);
+    }
+    return hf->GetError() == 0;
+}
+
+void Chunk::WriteObject(PrivateHyperFile* hf, std::int32_t id) {
+    hf->WriteChunkStart(id, 0);
+    Write(hf);
+    // After an error this writes nothing, as every operation of the container.
+    hf->WriteChunkEnd();
+}

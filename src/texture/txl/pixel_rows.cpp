@@ -1,0 +1,222 @@
+#include "texture/txl/pixel_rows.h"
+
+#include <algorithm>
+#include <limits>
+#include <string>
+
+#include "limit/limits.h"
+#include "texture/kernel/planes.h"
+#include "texture/txl/pack_bits.h"
+#include "texture/txl/txl_ids.h"
+
+namespace {
+
+using RowOutcome = TextureObserver::RowOutcome;
+
+/// The number of channels that are kept as planes while a row is read or written: that of colour.
+constexpr std::int32_t kJoinedChannels = 3;
+
+MemBlock zeroed(std::int64_t size_bytes) {
+    // Null means that there is no memory, and the C library may answer a request for nothing with null.
+    return MemBlock(static_cast<unsigned char*>(MemAllocZeroed(std::max<std::int64_t>(size_bytes, 1))));
+}
+
+int no_memory(PrivateHyperFile* hf, std::int64_t row_bytes) {
+    return hf->Fail(TextureFault::out_of_memory,
+                    [&] { return "no memory for rows of " + std::to_string(row_bytes) + " bytes"; });
+}
+
+int too_wide(PrivateHyperFile* hf, std::int64_t row_bytes) {
+    return hf->Fail(limits::kRowBytes, TextureFault::over_limit, [&] {
+        return "rows of " + std::to_string(row_bytes) + " bytes, at most " +
+               std::to_string(limits::kRowBytes.value) + " are allowed";
+    });
+}
+
+}  // namespace
+
+int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header) {
+    hf->ReadLong(&header->x);
+    hf->ReadLong(&header->y);
+    hf->ReadLong(&header->count);
+    hf->ReadLong(&header->rows);
+    hf->ReadLong(&header->channels);
+    if (hf->GetError() != 0) {
+        return 0;
+    }
+    if (hf->GetObserver() != nullptr) {
+        hf->GetObserver()->PixelRowsStart(*header);
+    }
+    return 1;
+}
+
+bool PixelRowReader::Begin() {
+    const std::int32_t count = header_.count;
+    const std::int32_t rows = header_.rows;
+    const std::int32_t channels = header_.channels;
+    if (count < 0 || rows < 0 || channels < 0) {
+        return hf_->Fail(TextureFault::negative_size, [&] {
+            return std::to_string(rows) + " rows of " + std::to_string(count) + " pixels with " +
+                   std::to_string(channels) + " channels";
+        }) != 0;
+    }
+    // Below 2^62: the factors have 31 bits each.
+    const std::int64_t row_bytes = std::int64_t{count} * channels;
+    if (row_bytes > limits::kRowBytes.value) {
+        return too_wide(hf_, row_bytes) != 0;
+    }
+    if (rows == 0 || channels == 0) {
+        return true;
+    }
+    const std::int64_t left = std::int64_t{hf_->GetLength()} - hf_->GetPosition();
+    if (row_bytes > limits::kRowRate.value * (left + 1)) {
+        return hf_->Fail(limits::kRowRate, TextureFault::block_too_long, [&] {
+            return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
+                   std::to_string(left) + " left, which cannot hold one";
+        }) != 0;
+    }
+    row_ = zeroed(row_bytes);
+    planes_ = zeroed(count * kept_planes());
+    return (row_ != nullptr && planes_ != nullptr) || no_memory(hf_, row_bytes) != 0;
+}
+
+bool PixelRowReader::Next() {
+    if (rows_read_ >= header_.rows || header_.channels < 1 || !CountRow()) {
+        return false;
+    }
+    for (std::int32_t channel = 0; channel < header_.channels; ++channel) {
+        if (!ReadChannel(channel)) {
+            return false;
+        }
+    }
+    if (header_.channels == kJoinedChannels) {
+        JoinPlanes(plane(0), plane(1), plane(2), header_.count, row_.get());
+    }
+    ++rows_read_;
+    return true;
+}
+
+// Sound rows never come near the bound: what they give is at most the best rate.
+bool PixelRowReader::CountRow() {
+    const std::int64_t most = limits::kRowRate.value * hf_->GetLength() + limits::kRepairedBytes.value;
+    file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
+    return file_row_bytes_ <= most || hf_->Fail(limits::kRepairedBytes, TextureFault::over_limit, [&] {
+        return "rows of " + std::to_string(file_row_bytes_) + " bytes so far, a file of this size gives " +
+               std::to_string(most) + " at most";
+    }) != 0;
+}
+
+std::int32_t PixelRowReader::row() const {
+    return static_cast<std::int32_t>(
+        std::min<std::int64_t>(header_.y + rows_read_ - 1, std::numeric_limits<std::int32_t>::max()));
+}
+
+std::int64_t PixelRowReader::kept_planes() const {
+    return header_.channels == kJoinedChannels ? kJoinedChannels : 1;
+}
+
+// Where a channel is put together: the row itself when it has but one, a plane of its own when three are
+// joined at the end of the row, else the one plane that serves all in turn.
+unsigned char* PixelRowReader::plane(std::int32_t channel) const {
+    if (header_.channels == 1) {
+        return row_.get();
+    }
+    return planes_.get() + (header_.channels == kJoinedChannels ? std::int64_t{header_.count} * channel : 0);
+}
+
+bool PixelRowReader::ReadChannel(std::int32_t channel) {
+    std::uint8_t flag = 0;
+    const unsigned char* block = nullptr;
+    std::int32_t byte_count = 0;
+    if (hf_->ReadUChar(&flag) == 0 || hf_->ReadMemoryInPlace(&block, &byte_count) == 0) {
+        return false;
+    }
+    const RowOutcome outcome = Decode(flag, block, byte_count, plane(channel));
+    if (outcome == RowOutcome::unknown_flag) {
+        // Deliberately nothing: the channel keeps the bytes of the row before.
+        if (header_.channels == kJoinedChannels) {
+            TakeChannel(channel);
+        }
+    } else if (header_.channels != 1 && header_.channels != kJoinedChannels) {
+        StoreChannel(channel);
+    }
+    if (TextureObserver* observer = hf_->GetObserver(); observer != nullptr) {
+        observer->Row({header_.y + rows_read_, channel, flag, outcome, byte_count, hf_->GetItemOffset()});
+    }
+    return true;
+}
+
+RowOutcome PixelRowReader::Decode(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
+                                  unsigned char* plane) const {
+    const std::int32_t count = header_.count;
+    if (flag == kRowRaw) {
+        if (byte_count < count) {
+            std::fill_n(plane, count, static_cast<unsigned char>(0));
+            return RowOutcome::raw_short;
+        }
+        MemCopy(block, plane, count);
+        return RowOutcome::raw;
+    }
+    if (flag == kRowPacked) {
+        if (!PackBitsDecodeBlock(block, byte_count, plane, count)) {
+            std::fill_n(plane, count, static_cast<unsigned char>(0));
+            return RowOutcome::packed_bad;
+        }
+        return RowOutcome::packed;
+    }
+    return RowOutcome::unknown_flag;
+}
+
+void PixelRowReader::StoreChannel(std::int32_t channel) {
+    const unsigned char* source = plane(channel);
+    unsigned char* target = row_.get() + channel;
+    for (std::int32_t i = 0; i < header_.count; ++i, target += header_.channels) {
+        *target = source[i];
+    }
+}
+
+void PixelRowReader::TakeChannel(std::int32_t channel) {
+    unsigned char* target = plane(channel);
+    const unsigned char* source = row_.get() + channel;
+    for (std::int32_t i = 0; i < header_.count; ++i, source += header_.channels) {
+        target[i] = *source;
+    }
+}
+
+bool PixelRowWriter::Begin() {
+    const std::int64_t row_bytes = std::int64_t{width_} * channels_;
+    if (row_bytes > limits::kRowBytes.value) {
+        return too_wide(hf_, row_bytes) != 0;
+    }
+    row_ = zeroed(row_bytes);
+    planes_ = zeroed(channels_ == kJoinedChannels ? row_bytes : 1);
+    packed_ = zeroed(std::int64_t{2} * width_);
+    return (row_ != nullptr && planes_ != nullptr && packed_ != nullptr) || no_memory(hf_, row_bytes) != 0;
+}
+
+bool PixelRowWriter::WriteRow() {
+    if (channels_ == 1) {
+        return WriteChannel(row_.get());
+    }
+    unsigned char* const first = planes_.get();
+    unsigned char* const second = first + width_;
+    unsigned char* const third = second + width_;
+    SplitPixels(row_.get(), width_, first, second, third);
+    return WriteChannel(first) && WriteChannel(second) && WriteChannel(third);
+}
+
+bool PixelRowWriter::WriteChannel(const unsigned char* plane) {
+    // 2^31 - 1 is enough room for a row near the limit too: packed rows are longer by 1 in 128 at most.
+    const auto capacity = static_cast<std::int32_t>(
+        std::min<std::int64_t>(std::int64_t{2} * width_, std::numeric_limits<std::int32_t>::max()));
+    const std::int32_t packed_bytes = PackBitsEncode(plane, width_, packed_.get(), capacity);
+    // 0 says that the row could not be packed, which no row of at least one pixel does in this room.
+    if (packed_bytes > 0 && packed_bytes < width_) {
+        hf_->WriteUChar(kRowPacked);
+        hf_->WriteMemory(packed_.get(), packed_bytes);
+    } else {
+        hf_->WriteUChar(kRowRaw);
+        hf_->WriteMemory(plane, width_);
+    }
+    return hf_->GetError() == 0;
+}

@@ -1,0 +1,35 @@
+#include "texture/txl/txl_image_filter.h"
+
+#include "texture/txl/txl_ids.h"
+#include "texture/txl/txl_image.h"
+
+bool TXLImageFilter::LoadImage(const char* path, TXLImage* target) {
+    file_.SetPrivateData(this);
+    if (target == nullptr || file_.Open(kTextureFileIdent, path, PrivateHyperFile::kReading, 0, 0) == 0) {
+        return false;
+    }
+    image_ = target;
+    row_bytes_ = 0;
+    header_count_ = 0;
+    // Its result does not matter: the top level has no end tag, so that reading it always ends in "no more".
+    ReadChunk(&file_);
+    file_.Close();
+    image_ = nullptr;
+    return file_.GetError() == 0;
+}
+
+bool TXLImageFilter::SaveImage(const char* path, TXLImage* source) {
+    file_.SetPrivateData(this);
+    if (source == nullptr || file_.Open(kTextureFileIdent, path, PrivateHyperFile::kWriting, 0, 1) == 0) {
+        return false;
+    }
+    image_ = source;
+    texture_.WriteObject(&file_, kChunkTexture);
+    file_.Close();
+    image_ = nullptr;
+    return file_.GetError() == 0;
+}
+
+bool TXLImageFilter::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t /*version*/) {
+    return id == kChunkTexture && texture_.ReadChunk(hf);
+}

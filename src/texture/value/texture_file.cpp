@@ -1,0 +1,122 @@
+#include "texture/value/texture_file.h"
+
+#include <algorithm>
+#include <array>
+#include <limits>
+#include <new>
+#include <utility>
+
+#include "limit/limits.h"
+#include "system/files.h"
+#include "texture/txl/txl_ids.h"
+#include "texture/txl/txl_image_filter.h"
+#include "texture/value/texture_image.h"
+#include "texture/value/texture_recorder.h"
+
+namespace {
+
+TextureError error_of(const std::string& path, TextureFault fault, std::string reason,
+                      const limits::Limit* limit = nullptr) {
+    return {fault, container_code(fault), path, 0, std::move(reason), {}, limit};
+}
+
+TextureReading read(const std::string& path, const TextureReadOptions& options) {
+    TextureReading reading;
+    Texture texture;
+    TextureRecorder recorder(path, options.outline);
+    TextureSink sink(texture, recorder, options.limits.decoded_bytes);
+    TXLImageFilter filter;
+    filter.SetObserver(&recorder);
+    const bool loaded = filter.LoadImage(path.c_str(), &sink);
+    if (recorder.error().has_value()) {
+        reading.error = recorder.error();
+    } else if (!loaded) {
+        reading.error = error_of(path, TextureFault::short_transfer, "the file could not be read");
+    } else {
+        recorder.Finish();
+        if (!sink.has_picture()) {
+            reading.error = error_of(path, TextureFault::no_picture, "the file has no texture header");
+        } else if (texture_channels(texture.mode) == 0) {
+            reading.error = error_of(path, TextureFault::unsupported,
+                                     "colour mode " + std::to_string(texture.mode) + "; 2 and 4 are read");
+        } else {
+            reading.texture = std::move(texture);
+        }
+    }
+    reading.warnings = std::move(recorder.warnings());
+    reading.layers = std::move(recorder.layers());
+    reading.chunks = std::move(recorder.chunks());
+    return reading;
+}
+
+std::optional<TextureError> write(const std::string& path, const Texture& texture) {
+    if (const std::optional<std::string> reason = check_texture(texture); reason.has_value()) {
+        return error_of(path, TextureFault::bad_value, *reason);
+    }
+    TextureRecorder recorder(path, false);
+    TextureSource source(texture);
+    TXLImageFilter filter;
+    filter.SetObserver(&recorder);
+    if (!filter.SaveImage(path.c_str(), &source)) {
+        return recorder.error().has_value()
+                   ? recorder.error()
+                   : error_of(path, TextureFault::short_transfer, "the file could not be written");
+    }
+    const std::uint64_t size = os::file_state(path).size_bytes;
+    if (size > static_cast<std::uint64_t>(limits::kTextureFile.value)) {
+        return error_of(path, TextureFault::over_limit,
+                        "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1",
+                        &limits::kTextureFile);
+    }
+    return std::nullopt;
+}
+
+}  // namespace
+
+bool begins_as_texture(std::span<const std::uint8_t> first_bytes) {
+    constexpr std::array<std::uint8_t, 8> kStart = {'A', 'V', 'X', 'R', 'T', 'e', 'x', 'a'};
+    return first_bytes.size() >= kStart.size() &&
+           std::equal(kStart.begin(), kStart.end(), first_bytes.begin());
+}
+
+TextureReading read_texture(const std::string& path, const TextureReadOptions& options) {
+    try {
+        return read(path, options);
+    } catch (const std::bad_alloc&) {
+        TextureReading reading;
+        reading.error = error_of(path, TextureFault::out_of_memory, "no memory");
+        return reading;
+    }
+}
+
+std::optional<TextureError> write_texture(const std::string& path, const Texture& texture) {
+    try {
+        return write(path, texture);
+    } catch (const std::bad_alloc&) {
+        return error_of(path, TextureFault::out_of_memory, "no memory");
+    }
+}
+
+std::optional<std::string> check_texture(const Texture& texture) {
+    if (texture_channels(texture.mode) == 0) {
+        return "colour mode " + std::to_string(texture.mode) + "; 2 and 4 are written";
+    }
+    const std::int64_t pixel_count = std::int64_t{texture.width_px} * texture.height_px;
+    if (texture.width_px < 0 || texture.height_px < 0 || pixel_count > limits::kTexturePixels.value) {
+        return std::to_string(texture.width_px) + " x " + std::to_string(texture.height_px) +
+               " pixels; sizes are not negative and at most 2^30 pixels are written";
+    }
+    if (texture.pixels.size() != texture.pixel_count() * static_cast<std::size_t>(texture.channels())) {
+        return std::to_string(texture.pixels.size()) + " bytes of colour do not fit the size and mode";
+    }
+    for (const AlphaChannel& alpha : texture.alphas) {
+        if (alpha.values.size() != texture.pixel_count()) {
+            return std::to_string(alpha.values.size()) + " bytes of alpha '" + alpha.name +
+                   "' do not fit the size";
+        }
+    }
+    if (texture.alphas.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
+        return "more alpha channels than 32 bits count";
+    }
+    return std::nullopt;
+}

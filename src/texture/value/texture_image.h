@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+
+#include "texture/txl/txl_image.h"
+#include "texture/value/texture.h"
+#include "texture/value/texture_recorder.h"
+
+/// Lets the texture filter fill a `Texture`: every layer becomes an alpha channel, every byte is kept as it
+/// is.
+class TextureSink final : public TXLImage {
+  public:
+    /// `texture` and `recorder` are not owned. At most `max_decoded_bytes` of pixels and alphas are held.
+    TextureSink(Texture& texture, TextureRecorder& recorder, std::uint64_t max_decoded_bytes)
+        : texture_(texture), recorder_(recorder), max_decoded_bytes_(max_decoded_bytes) {}
+
+    /// Starts over. False, with the reason in the recorder, for negative sizes, more pixels than a bitmap of
+    /// the host takes, more bytes than allowed, and when memory is short.
+    bool Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) override;
+    /// Appends a channel under the name of the layer announced last, made different from the others. False,
+    /// with the reason in the recorder, when it does not fit.
+    bool InitAlphaChannel(std::int32_t channel, std::int32_t w, std::int32_t h) override;
+    bool SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t count, unsigned char* data,
+                       std::int32_t stride) override;
+    /// Into the channel appended last; false when there is none.
+    bool SetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y, std::int32_t count,
+                       unsigned char* data) override;
+
+    /// Whether there was a texture header.
+    [[nodiscard]] bool has_picture() const { return has_picture_; }
+
+  private:
+    bool Reserve(std::uint64_t bytes, const char* what);
+    std::string UniqueName(const std::string& stored);
+    /// Where the part of a row that lies in the picture begins and ends, relative to `x`.
+    struct Part {
+        std::int32_t begin, end;
+    };
+    Part Clip(std::int32_t x, std::int32_t y, std::int32_t count);
+
+    Texture& texture_;
+    TextureRecorder& recorder_;
+    std::uint64_t max_decoded_bytes_;
+    std::uint64_t decoded_bytes_ = 0;
+    bool has_picture_ = false;
+    bool has_channel_ = false;
+    std::set<std::string> names_;
+    std::map<std::string, std::int64_t> last_number_;  // given to each stored name
+};
+
+/// Lets the texture filter read a `Texture`, which is sound (see check_texture) and not owned.
+class TextureSource final : public TXLImage {
+  public:
+    explicit TextureSource(const Texture& texture) : texture_(texture) {}
+
+    std::int32_t GetBw() override { return texture_.width_px; }
+    std::int32_t GetBh() override { return texture_.height_px; }
+    std::int32_t GetColorMode() override { return texture_.mode; }
+    std::int32_t GetPixelCount(std::int32_t x, std::int32_t y, std::int32_t count,
+                               unsigned char* data) override;
+    std::int32_t GetAlphaCount() override { return static_cast<std::int32_t>(texture_.alphas.size()); }
+    std::int32_t GetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y, std::int32_t count,
+                               unsigned char* data) override;
+
+  private:
+    const Texture& texture_;
+};

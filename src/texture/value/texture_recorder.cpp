@@ -1,0 +1,116 @@
+#include "texture/value/texture_recorder.h"
+
+#include <algorithm>
+#include <utility>
+
+void TextureRecorder::ChunkStart(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
+    ChunkOutline* added = nullptr;
+    if (outline_) {
+        // Places in these vectors stay where they are while a chunk is open: its siblings come after its end.
+        ChunkOutline* parent = outline();
+        std::vector<ChunkOutline>& siblings = parent == nullptr ? chunks_ : parent->children;
+        added = &siblings.emplace_back();
+        added->id = id;
+        added->version = version;
+        added->offset_bytes = offset_bytes;
+        added->size_bytes = -1;
+    }
+    open_.push_back({id, offset_bytes, added});
+}
+
+void TextureRecorder::ChunkEnd(std::int64_t end_bytes, bool handled) {
+    const OpenChunk& ended = open_.back();
+    if (ended.outline != nullptr) {
+        ended.outline->size_bytes = end_bytes - ended.offset_bytes;
+        ended.outline->handled = handled;
+    }
+    if (!handled) {
+        Notice(TextureNotice::chunk_skipped,
+               [&] { return "chunk " + chunk_name(ended.id) + " was skipped"; });
+    }
+    open_.pop_back();
+}
+
+void TextureRecorder::PixelRowsStart(const PixelRows& header) {
+    if (ChunkOutline* chunk = outline(); chunk != nullptr) {
+        chunk->rows = header;
+    }
+}
+
+void TextureRecorder::Row(const RowBlock& block) {
+    if (ChunkOutline* chunk = outline(); chunk != nullptr) {
+        chunk->blocks.push_back(block);
+    }
+    if (block.outcome == RowOutcome::raw || block.outcome == RowOutcome::packed) {
+        return;
+    }
+    const auto where = [&block] {
+        return "row " + std::to_string(block.row) + ", channel " + std::to_string(block.channel) + ": ";
+    };
+    if (block.outcome == RowOutcome::unknown_flag) {
+        NoticeAt(TextureNotice::row_repeated, block.offset_bytes, [&] {
+            return where() + "flag " + std::to_string(block.flag) + " is not known, the row before was kept";
+        });
+        return;
+    }
+    NoticeAt(TextureNotice::row_cleared, block.offset_bytes, [&] {
+        return where() + "its " + std::to_string(block.coded_bytes) + " bytes with flag " +
+               std::to_string(block.flag) + " do not give the row's length";
+    });
+}
+
+void TextureRecorder::Layer(const LayerHeader& header) {
+    layer_name_ = utf8_from_units(header.name);
+    layers_.push_back({header.color_mode, {header.attributes.begin(), header.attributes.end()}, layer_name_});
+    if (ChunkOutline* chunk = outline(); chunk != nullptr) {
+        chunk->layer = layers_.back();
+    }
+    if (header.color_mode < 2 || header.color_mode > 5) {
+        Notice(TextureNotice::layer_without_alpha, [&] {
+            return "a layer in colour mode " + std::to_string(header.color_mode) + " gives no alpha";
+        });
+    }
+}
+
+void TextureRecorder::Failed(TextureFault fault, std::int64_t offset_bytes, const std::string& reason) {
+    const limits::Limit* const limit = std::exchange(limit_, nullptr);
+    if (!refused_) {
+        error_ = TextureError{fault, container_code(fault), path_, offset_bytes, reason, within(), limit};
+    }
+}
+
+void TextureRecorder::Refuse(TextureFault fault, const std::string& reason) {
+    Failed(fault, open_.empty() ? 0 : open_.back().offset_bytes, reason);
+    refused_ = true;
+}
+
+void TextureRecorder::Refuse(const limits::Limit& limit, const std::string& reason) {
+    OverLimit(limit);
+    Refuse(TextureFault::over_limit, reason);
+}
+
+bool TextureRecorder::CountAgain(TextureNotice notice) {
+    const auto same = std::find_if(warnings_.begin(), warnings_.end(),
+                                   [notice](const TextureWarning& known) { return known.code == notice; });
+    if (same == warnings_.end()) {
+        return false;
+    }
+    ++same->count;
+    return true;
+}
+
+void TextureRecorder::Finish() {
+    if (!open_.empty()) {
+        Notice(TextureNotice::cut_off,
+               [this] { return "the file ends before chunk " + chunk_name(open_.back().id) + " does"; });
+    }
+}
+
+std::vector<std::string> TextureRecorder::within() const {
+    std::vector<std::string> names;
+    names.reserve(open_.size());
+    for (const OpenChunk& chunk : open_) {
+        names.push_back(chunk_name(chunk.id));
+    }
+    return names;
+}

@@ -1,0 +1,76 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "texture/container/texture_fault.h"
+#include "texture/container/texture_observer.h"
+
+namespace limits {
+struct Limit;
+}
+
+/// What was wrong with a texture file, and where.
+struct TextureError {
+    TextureFault code = TextureFault::cannot_open;
+    std::int32_t container_code = 0;       // the container's own number for it; 0 when it has none
+    std::string path;                      // of the file, as given
+    std::int64_t offset_bytes = 0;         // of the item that was wrong
+    std::string reason;                    // what was found and what was allowed
+    std::vector<std::string> within;       // the chunks around it, outermost first: {"502", "TaVx"}
+    const limits::Limit* limit = nullptr;  // what the file was above of; null for other errors
+};
+
+/// Something in a texture file that was repaired or passed over while it was read.
+enum class TextureNotice {
+    row_cleared,          ///< a channel of a row could not be decoded and became 0
+    row_repeated,         ///< a channel of a row has an unknown flag and kept the row before
+    chunk_skipped,        ///< a chunk that nothing here reads
+    layer_without_alpha,  ///< a layer in a colour mode that gives no alpha; its channel stays 0
+    outside_picture,      ///< rows, wholly or partly, outside the picture
+    second_header,        ///< a texture header after another: the picture started over
+    cut_off,              ///< the file ended between two items inside a chunk
+};
+
+[[nodiscard]] const char* notice_name(TextureNotice notice);
+
+/// One kind of notice, with its first place and how often it came.
+struct TextureWarning {
+    TextureNotice code = TextureNotice::row_cleared;
+    std::int64_t count = 0;
+    std::int64_t offset_bytes = 0;    // of the first
+    std::string reason;               // of the first
+    std::vector<std::string> within;  // around the first, outermost first
+};
+
+/// A chunk of a file as it was found.
+struct ChunkOutline {
+    struct Layer {
+        std::int32_t color_mode = 0;
+        std::vector<std::uint8_t> attributes;  // 5 bytes, zeros where the file has fewer
+        std::string name;                      // UTF-8, as stored
+    };
+
+    std::int32_t id = 0;
+    std::int32_t version = 0;
+    std::int64_t offset_bytes = 0;
+    std::int64_t size_bytes = 0;  // start tag to end tag, both included; -1 when the end was not found
+    bool handled = false;         // false: skipped
+    std::optional<Layer> layer;   // of a layer header
+    std::optional<TextureObserver::PixelRows> rows;  // of pixel rows
+    std::vector<TextureObserver::RowBlock> blocks;   // of pixel rows, in file order
+    std::vector<ChunkOutline> children;
+};
+
+/// How chunks are called: by their four characters ("TaVx") where they are letters, digits or spaces, else by
+/// their number ("502").
+[[nodiscard]] std::string chunk_name(std::int32_t id);
+
+/// "502 > 599 > 110100 > 501 > TaVx"; empty at the top of a file.
+[[nodiscard]] std::string chunk_path(const std::vector<std::string>& within);
+
+/// UTF-8 of code units. What is not a character becomes U+FFFD; units 0xFF80 to 0xFFFF, which are what bytes
+/// above 127 become in this format, are kept as they are.
+[[nodiscard]] std::string utf8_from_units(std::span<const std::uint16_t> units);
