@@ -1,5 +1,5 @@
-// Changes composition files by whole tokens and whole entries, so that most of what comes out is still read
-// far into the file.
+// Mutates composition files by whole tokens and whole entries, so that the readers still get far into most
+// of the results.
 
 #include <algorithm>
 #include <iterator>
@@ -14,7 +14,7 @@ namespace {
 
 using Tokens = std::vector<std::string>;
 
-// Every word of the language; written by make_dictionaries from the readers' own tables.
+// Every word of the language. make_dictionaries writes this file from the readers' own tables.
 constexpr std::string_view kWords[] = {
 #include "aec_words.inc"
 };
@@ -31,7 +31,7 @@ constexpr std::string_view kFootage[] = {
     "a/b\\c:d",  "quoted \" path", ":",      "scene.aec",
 };
 
-// Entries as a whole; % is a number, $ a path, @ a name.
+// Whole entries: % stands for a number, $ for a path, @ for a name.
 constexpr std::string_view kEntries[] = {
     "VORTAN XR COMPOSITION\n",
     "RESOLUTION % %\n",
@@ -61,7 +61,7 @@ bool is_blank(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r';
 }
 
-// Blanks are tokens here, too, so that joining the tokens gives the text again.
+// Blanks are tokens too, so joining the tokens restores the text.
 Tokens tokens_of(std::string_view text) {
     Tokens tokens;
     while (!text.empty()) {
@@ -101,7 +101,7 @@ std::string entry_of(Dice& dice) {
     return entry;
 }
 
-// A token of the same kind as the one that it stands for, most of the time.
+// A replacement for a token, usually of the same kind.
 std::string token_for(const std::string& token, Dice& dice) {
     if (token.front() == '"') {
         return '"' + (dice.one_in(2) ? name_of(dice) : std::string(dice.one_of(kFootage))) + '"';
@@ -131,7 +131,7 @@ void change_tokens(Tokens& tokens, Dice& dice) {
             return;
         }
         case 4: {
-            // The same again and again: long lists, deep nesting.
+            // Repetition makes long lists and deep nesting.
             Tokens copies;
             for (std::size_t i = 1 + dice.below(20); i > 0; --i) {
                 copies.insert(copies.end(), place, behind);

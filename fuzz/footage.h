@@ -2,6 +2,6 @@
 
 class TemporaryFolder;
 
-/// Puts the footage that seeds name into the folder, once: plate.tga and still.jpg, the sequence s1.tif,
-/// s2.tif, s4.tif, and grain.txl.
+/// Writes the footage that the seeds refer to into the folder, once: plate.tga, still.jpg, grain.txl and the
+/// sequence s1.tif, s2.tif, s4.tif.
 void put_footage_into(const TemporaryFolder& folder);

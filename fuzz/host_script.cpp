@@ -15,15 +15,15 @@ using embedded::Breach;
 
 constexpr embedded::InterfaceVersion kVersions[] = {{9, 31}, {9, 32}, {10, 0}, {12, 4}, {13, 0}, {25, 3}};
 
-/// What a bundle may be seen to do when calls fail: what it opened and could not close, and what it then does
-/// with the things that it did not get.
+/// What a bundle may do when calls fail: it cannot close what it opened, and it cannot use what it did not
+/// get.
 constexpr Breach kBreachesOfFaults[] = {
     Breach::stream_not_disposed,   Breach::additions_not_ended,     Breach::undo_group_unbalanced,
     Breach::footage_never_adopted, Breach::suite_not_released,      Breach::memory_left_locked,
     Breach::memory_left_alive,     Breach::missing_suite_exception,
 };
 
-/// Entry `choice` - 1 of a list, all of which can be chosen; null for 0.
+/// Entry `choice` - 1 of the list, wrapping around at its end; null for 0.
 template <class List>
 const typename List::value_type* chosen(const List& list, std::uint8_t choice) {
     return choice == 0 || list.empty() ? nullptr : &list[(choice - 1U) % list.size()];
@@ -35,10 +35,10 @@ bool contains(const List& list, const Value& value) {
 }
 
 bool is_allowed(const embedded::Finding& problem, bool faulty) {
-    // The record of a texture that could not be opened is deliberately left to the host.
+    // Deliberate: the host keeps the record of a texture that could not be opened.
     const bool unopened =
         problem.breach == Breach::memory_left_alive && problem.where == "AEIO_InitInSpecFromFile";
-    // Sizes and numbers of a file are handed on as they are; absurd ones are the host's to refuse.
+    // The bundle passes on sizes and numbers as the file has them; the host refuses absurd ones.
     return unopened || problem.breach == Breach::bad_argument ||
            (faulty && contains(kBreachesOfFaults, problem.breach));
 }
@@ -46,7 +46,8 @@ bool is_allowed(const embedded::Finding& problem, bool faulty) {
 constexpr std::string_view kFunctionsToMemory[] = {"AEGP_LockMemHandle", "AEGP_GetInSpecOptionsHandle"};
 constexpr std::string_view kSuitesToMemory[] = {"AEGP Memory Suite", "AEGP IO In Suite"};
 
-/// The bundle in memory, however often hosts load and unload it: what the fuzzer counts stays in its place.
+/// Keeps the bundle in memory while hosts load and unload it, so that the fuzzer's counters stay where they
+/// are.
 bool keep_bundle() {
     std::string error;
     static const std::unique_ptr<embedded::BundleLoader> kept =

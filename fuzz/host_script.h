@@ -6,25 +6,24 @@
 #include "input.h"
 #include "support/lost_memory.h"
 
-/// How many option bytes take_host_options takes.
+/// The number of option bytes that take_host_options reads.
 inline constexpr std::size_t kHostOptionBytes = 13;
 
-/// A host as the option bytes say:
+/// The host that the option bytes describe:
 ///   0      bit 0, a classic host; then which version
 ///   1      the preference for unlabeled alpha; 0: absent
-///   2, 3   a suite that is not offered, and one that is acquired as nothing; 0: none
-///   4..12  three times which call fails: a function (0: none), the number of the call (from 1), an error
+///   2, 3   a suite that the host does not offer, and one whose slots are empty; 0: none
+///   4..12  three failing calls, each a function (0: none), the number of the call (from 1), and an error
 [[nodiscard]] embedded::HostOptions take_host_options(Input& input);
 
-/// Whether something was made to go wrong.
+/// Whether any call fails or any suite is missing or empty.
 [[nodiscard]] bool has_faults(const embedded::HostOptions& options);
 
-/// Whether the host may keep from the bundle what it would give back: the picture of a texture is behind a
-/// memory handle, and a host that does not show that handle, or what is behind it, loses the picture.
-/// Deliberate.
+/// Whether the bundle may be unable to free what it owns. Deliberate: the picture of a texture lies behind a
+/// memory handle, and a host that withholds that handle, or its contents, loses the picture.
 [[nodiscard]] bool may_lose_memory(const embedded::HostOptions& options);
 
-/// A host with the built bundle in it, which stays in memory when the host goes.
+/// A host with the built bundle loaded. The bundle stays in memory after the host is gone.
 class HostWithBundle {
   public:
     explicit HostWithBundle(const embedded::HostOptions& options);
@@ -32,9 +31,8 @@ class HostWithBundle {
     [[nodiscard]] bool loaded() const { return loaded_; }
     [[nodiscard]] embedded::Host& host() { return host_; }
 
-    /// Unloads the bundle, then: the project is sound, and the bundle has broken no rule that it keeps
-    /// whatever goes wrong; and where nothing was made to, none but that absurd numbers of a file reach the
-    /// host.
+    /// Checks the project, unloads the bundle and checks again. The bundle must keep every rule of the host;
+    /// a faulty host excuses only what it makes impossible. Absurd numbers of a file may reach any host.
     void check(bool faulty);
 
   private:

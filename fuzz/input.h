@@ -9,14 +9,14 @@
 
 #include "support/temporary_folder.h"
 
-/// The entry of every target. Returns 0.
+/// The entry of every target. Always returns 0.
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 
-/// How many option bytes the inputs of a target begin with, for the mutators, which leave the rest its form.
+/// The number of option bytes at the start of a target's inputs. The mutators keep the rest well-formed.
 extern const std::size_t kOptionBytes;
 
-/// The bytes of one input. Targets that can be told how to do their work take option bytes from the front;
-/// what is missing there is 0. The rest is the content of a file or of a buffer.
+/// The bytes of one input. A target with options takes them from the front; missing ones are 0. The rest is
+/// the content of a file or buffer.
 class Input {
   public:
     Input(const std::uint8_t* data, std::size_t size) : bytes_(data, size) {}
@@ -29,7 +29,7 @@ class Input {
         bytes_ = bytes_.subspan(1);
         return first;
     }
-    /// The next bytes as one big-endian value.
+    /// Reads the next bytes as one big-endian value.
     template <class Value>
     Value take_value() {
         std::uint64_t bits = 0;
@@ -53,8 +53,8 @@ class Input {
     std::span<const std::uint8_t> bytes_;
 };
 
-/// The folder of this process for the files that the code under test reads, in the folder for temporary files
-/// (script/fuzz has that in memory).
+/// This process's folder for the files that the code under test reads. It lies in the system's temporary
+/// folder; script/fuzz puts that into memory.
 inline const TemporaryFolder& scratch() {
     static const TemporaryFolder folder;
     return folder;

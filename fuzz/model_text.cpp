@@ -42,7 +42,7 @@ const T* next_of(const CDoubleLinkedList<T>& list, const T* node) {
     return node->next == &list.tail ? nullptr : static_cast<const T*>(node->next);
 }
 
-// With a list of its own: compositions nest deep.
+// An explicit stack instead of recursion: compositions nest deep.
 void write_compositions(Writer& out, const CComposition& root) {
     std::vector<const CComposition*> to_write{&root};
     for (std::size_t i = 0; i < to_write.size(); ++i) {

@@ -4,5 +4,5 @@
 
 struct tagProjectSettings;
 
-/// Everything that a model says, so that two can be compared; numbers with all their bits.
+/// Prints a whole model, numbers with all their bits, so that two models can be compared.
 [[nodiscard]] std::string model_text(const tagProjectSettings& settings);

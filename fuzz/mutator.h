@@ -5,10 +5,10 @@
 #include <random>
 #include <vector>
 
-// What the mutators of both formats share. A mutator is given to the fuzzer as LLVMFuzzerCustomMutator; it
-// makes one change that keeps the form of the file, or lets the fuzzer change bytes as it likes.
+// Shared by the mutators of both formats. The fuzzer calls a mutator as LLVMFuzzerCustomMutator. It makes one
+// change that keeps the file well-formed, or leaves the change to the fuzzer.
 
-/// The fuzzer's own change of `size` bytes, at most to `max_size`; returns the new size.
+/// The fuzzer's own mutation of `size` bytes, up to `max_size`. Returns the new size.
 extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t max_size);
 
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size, std::size_t max_size,
@@ -19,7 +19,7 @@ using MutatedBytes = std::vector<std::uint8_t>;
 class Dice {
   public:
     explicit Dice(unsigned int seed) : random_(seed) {}
-    /// 0 to `sides` - 1; 0 without sides.
+    /// A number from 0 to `sides` - 1; 0 when `sides` is 0.
     std::size_t below(std::size_t sides) { return sides == 0 ? 0 : random_() % sides; }
     bool one_in(std::size_t sides) { return below(sides) == 0; }
     template <class List>
@@ -31,11 +31,11 @@ class Dice {
     std::minstd_rand random_;
 };
 
-/// The fuzzer's own change of a part, which may grow by `room`.
+/// The fuzzer's own mutation of a part, which may grow by `room` bytes.
 MutatedBytes changed_by_fuzzer(MutatedBytes bytes, std::size_t room);
 
-/// Runs `change` on what stands behind the option bytes, or now and then the fuzzer's own change on
-/// everything, and returns the new size.
+/// Runs `change` on the bytes after the options, or sometimes the fuzzer's own mutation on all bytes. Returns
+/// the new size.
 template <class Change>
 std::size_t mutate(std::uint8_t* data, std::size_t size, std::size_t max_size, std::size_t option_bytes,
                    Dice& dice, const Change& change) {

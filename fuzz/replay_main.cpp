@@ -1,5 +1,5 @@
-// Runs a target over the files of the folders that are named, without a fuzzer: seeds and former finds stay
-// what they were.
+// Runs a target over every file in the named folders, without a fuzzer: seeds and regressions must stay
+// sound.
 
 #include <algorithm>
 #include <cstdio>
@@ -30,7 +30,7 @@ std::vector<fs::path> files_in(const fs::path& folder) {
 
 void replay(const fs::path& path) {
     const std::string bytes = content_of(path);
-    // To whoever reads the end of a log: this is the input that did it.
+    // The last line of a log names the input that ended the process.
     std::printf("%s\n", path.c_str());
     std::fflush(stdout);
     LLVMFuzzerTestOneInput(reinterpret_cast<const std::uint8_t*>(bytes.data()), bytes.size());

@@ -1,4 +1,4 @@
-// Changes texture files by whole items, so that tags, lengths and nesting keep their form.
+// Mutates texture files by whole items, so that tags, lengths and nesting stay well-formed.
 
 #include <algorithm>
 #include <iterator>
@@ -31,7 +31,7 @@ constexpr std::int32_t kNumbers[] = {
     1 << 30, 2147483647, -1,    -2,    -2147483647 - 1,
 };
 
-// A tag with what belongs to it.
+// A tag and its payload.
 using Item = MutatedBytes;
 using Items = std::vector<Item>;
 
@@ -58,7 +58,7 @@ bool is_block(std::uint8_t tag) {
     return tag == PrivateHyperFile::kTagMemory || tag == PrivateHyperFile::kTagString;
 }
 
-// How many bytes behind the tag belong to it; for blocks, without the block itself.
+// The number of payload bytes after the tag; for blocks, without the block itself.
 std::size_t fixed_bytes(std::uint8_t tag) {
     switch (tag) {
         case PrivateHyperFile::kTagChunkStart:
@@ -103,7 +103,7 @@ Items items_of(const MutatedBytes& bytes) {
     return items;
 }
 
-// Behind the last item of the chunk that begins at `begin`.
+// The index past the last item of the chunk that starts at `begin`.
 Items::iterator end_of_chunk(Items& items, Items::iterator begin) {
     std::size_t depth = 0;
     for (auto item = begin; item != items.end(); ++item) {
@@ -116,7 +116,7 @@ Items::iterator end_of_chunk(Items& items, Items::iterator begin) {
     return items.end();
 }
 
-// A row of `count` equal bytes in packets, or as it is.
+// A row of `count` equal bytes, packed or raw.
 MutatedBytes row_of(Dice& dice, std::size_t count) {
     if (dice.one_in(2)) {
         return MutatedBytes(count, static_cast<std::uint8_t>(dice.below(256)));

@@ -1,4 +1,4 @@
-// A texture file into the picture that the plug-in keeps.
+// Reads a texture file into the picture that the plug-in keeps.
 
 #include "check.h"
 #include "input.h"

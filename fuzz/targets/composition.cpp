@@ -1,5 +1,5 @@
-// The reader of composition files: as the plug-in reads them, with an observer who wants every token, and
-// with one who takes keys as a whole. All three must read the same.
+// Reads a composition file three times: as the plug-in does, with an observer of every token, and with an
+// observer of whole keys. All three must read the same model.
 
 #include "check.h"
 #include "composition/model/model_complaint.h"

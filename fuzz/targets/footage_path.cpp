@@ -1,4 +1,4 @@
-// The reader of footage paths, as often as the file has bytes for one.
+// Reads footage paths until the file has no bytes left.
 
 #include <cstring>
 #include <memory>

@@ -1,5 +1,5 @@
-// The container. One option byte says how many bytes follow that each name an operation: with bit 7, they
-// are done on a file of the remaining bytes; without it, values are written and must read back the same.
+// The container. One option byte gives the number of operations, one byte each. With bit 7 set they run on a
+// file made of the remaining bytes; otherwise they write values, which must read back unchanged.
 
 #include <cstring>
 #include <vector>

@@ -1,5 +1,5 @@
-// Importing with the built bundle in the embedded host. The option bytes say which host it is and what goes
-// wrong (host_script.h); the rest is the file, beside which there is some footage.
+// Imports a file through the built bundle in the embedded host. The option bytes choose the host and its
+// failures (host_script.h); the rest is the file, with some footage beside it.
 
 #include "check.h"
 #include "footage.h"
@@ -17,10 +17,10 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     HostWithBundle bundle(options);
     if (bundle.loaded()) {
         const embedded::VerifyResult verified = bundle.host().verify(path);
-        // A host offers nothing else to the import; whoever asks for it all the same gets what the words say.
+        // A host imports only what is importable. Importing the file all the same must be safe, too.
         bundle.host().import_file(path);
         require(verified.importable == scene.starts_with("VORTAN XR"),
-                "importable is what begins with the nine letters, whatever words follow");
+                "a file is importable exactly when it begins with the nine letters");
     }
     bundle.check(has_faults(options));
     return 0;

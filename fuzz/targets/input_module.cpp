@@ -1,5 +1,5 @@
-// The input module of the built bundle in the embedded host: init, a frame of any geometry, dispose. After
-// the option bytes of the host come those of the frame: width, height, row bytes, origin, filling.
+// Runs the input module of the built bundle in the embedded host: init, one frame of any geometry, dispose.
+// The option bytes of the host come first, then those of the frame: width, height, row bytes, origin, fill.
 
 #include <cstdlib>
 

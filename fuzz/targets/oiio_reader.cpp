@@ -1,4 +1,4 @@
-// The image reader for OpenImageIO.
+// Reads a texture file through the OpenImageIO plug-in.
 
 #include <vector>
 
@@ -10,23 +10,23 @@ const std::size_t kOptionBytes = 0;
 
 namespace {
 
-/// In mebibytes; so that no row is larger than the memory that allocations are held to.
+/// In mebibytes. Keeps every row below the size at which an allocation is refused.
 constexpr int kMostDecoded = 1;
 constexpr int kMostRows = 64;
 
 void check_rows(imageio::TxlInput& reader, const OIIO::ImageSpec& spec) {
     std::vector<std::uint8_t> row(spec.scanline_bytes());
     require(row.size() == static_cast<std::size_t>(spec.width) * static_cast<std::size_t>(spec.nchannels),
-            "a row has a byte a channel");
+            "a row has one byte for each channel of each pixel");
     const int step = 1 + spec.height / kMostRows;
     for (int y = spec.height - 1; y >= 0; y -= step) {
-        require(reader.read_native_scanline(0, 0, y, 0, row.data()), "a row inside can be read");
+        require(reader.read_native_scanline(0, 0, y, 0, row.data()), "every row of the picture can be read");
     }
     require(!reader.read_native_scanline(0, 0, -1, 0, row.data()) &&
                 !reader.read_native_scanline(0, 0, spec.height, 0, row.data()) &&
                 !reader.read_native_scanline(1, 0, 0, 0, row.data()),
-            "a row outside cannot");
-    require(!reader.geterror().empty(), "and has a reason");
+            "a row outside the picture cannot be read");
+    require(!reader.geterror().empty(), "a row that cannot be read has a reason");
 }
 
 }  // namespace
@@ -42,7 +42,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     require(is_texture || !opened, "what opens is valid");
     require(opened || !reader.geterror().empty(), "what does not open has a reason");
     if (opened) {
-        require(spec.width > 0 && spec.height > 0 && spec.nchannels > 0, "there are pixels");
+        require(spec.width > 0 && spec.height > 0 && spec.nchannels > 0, "an open picture has pixels");
         require(spec.channelnames.size() == static_cast<std::size_t>(spec.nchannels),
                 "every channel has a name");
         check_rows(reader, spec);

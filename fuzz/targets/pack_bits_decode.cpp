@@ -1,5 +1,4 @@
-// The row decoder, on buffers of exactly the sizes that it is told. Two option bytes: how many bytes are
-// wanted.
+// Decodes a row into a buffer of exactly the size that the decoder is given. Two option bytes give that size.
 
 #include <vector>
 

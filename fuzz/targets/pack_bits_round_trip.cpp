@@ -1,4 +1,4 @@
-// The row coding there and back. Two option bytes: the room that the encoder is given.
+// Encodes a row and decodes it again. Two option bytes give the room that the encoder has.
 
 #include <vector>
 

@@ -1,5 +1,5 @@
-// A texture file into the tools' value: sound, the same picture as the plug-in's, and the same again when it
-// is written and read.
+// Reads a texture file into the tools' value. It must be sound, show the same picture as the plug-in's, and
+// survive being written and read again.
 
 #include <algorithm>
 
@@ -15,12 +15,12 @@ const std::size_t kOptionBytes = 0;
 
 namespace {
 
-/// Few enough bytes for every pixel to be compared, and for the plug-in's picture, of six bytes a pixel and
-/// more, to fit the memory that allocations are held to.
+/// Small enough to compare every pixel, and for the plug-in's picture, at six or more bytes a pixel, to fit
+/// into one allocation.
 constexpr std::uint64_t kMostDecodedBytes = std::uint64_t{1} << 20;
 
-/// Rows are written one channel at a time, whatever their length; more of them than this take a second under
-/// the sanitizers, which would be a find.
+/// Rows are written one channel at a time. More rows than this take a second under the sanitizers, which
+/// would count as a find.
 constexpr std::int64_t kMostRowsWritten = std::int64_t{1} << 14;
 
 bool started_over(const TextureReading& reading) {
@@ -34,15 +34,17 @@ void check_picture(const std::string& path, const TextureReading& reading) {
     BaseBitmap bitmap;
     ExampleTXLImage image(&bitmap);
     if (!TXLImageFilter().LoadImage(path.c_str(), &image)) {
-        // A picture that was dropped for the next one may have been too large for what allocations are held
-        // to; it has six bytes a pixel here before anything of it is read.
-        require(started_over(reading), "the plug-in reads it, too");
+        // A second header drops the first picture, which may have been too large for one allocation: the
+        // plug-in reserves six bytes a pixel before it reads any of them.
+        require(started_over(reading), "the plug-in reads every texture that the tools read");
         return;
     }
-    require(bitmap.width() == texture.width_px && bitmap.height() == texture.height_px, "of the same size");
-    require(bitmap.GetChannelCount() == (texture.alphas.empty() ? 0 : 1), "with the first alpha channel");
+    require(bitmap.width() == texture.width_px && bitmap.height() == texture.height_px,
+            "both pictures have the same size");
+    require(bitmap.GetChannelCount() == (texture.alphas.empty() ? 0 : 1),
+            "the plug-in's picture has the first alpha channel");
     if (texture.pixel_count() == 0) {
-        return;  // A billion rows without columns are a picture, too; there is nothing in them to look at.
+        return;  // A billion rows without columns are a picture, too, with no pixel to compare.
     }
     const std::int64_t channels = texture.channels();
     const std::uint8_t* pixel = texture.pixels.data();
@@ -50,7 +52,7 @@ void check_picture(const std::string& path, const TextureReading& reading) {
         const std::uint16_t* const row = bitmap.PixelRow(y);
         for (std::int64_t x = 0; x < texture.width_px; ++x, pixel += channels) {
             for (std::int64_t c = 0; c < 3; ++c) {
-                require(row[3 * x + c] == pixel[c % channels] * 256, "of the same colours");
+                require(row[3 * x + c] == pixel[c % channels] * 256, "both pictures have the same colours");
             }
         }
     }
@@ -64,12 +66,14 @@ void check_round_trip(const Texture& texture) {
     const std::string path = scratch().path("written.txl");
     require(!write_texture(path, texture).has_value(), "a texture that was read can be written");
     const TextureReading again = read_texture(path);
-    require(again.texture.has_value() && again.warnings.empty(), "and read again");
+    require(again.texture.has_value() && again.warnings.empty(),
+            "a texture that was written can be read again");
     require(again.texture->pixels == texture.pixels && again.texture->mode == texture.mode &&
                 again.texture->alphas.size() == texture.alphas.size(),
-            "with the same pixels");
+            "a texture that was written has the same pixels");
     for (std::size_t i = 0; i < texture.alphas.size(); ++i) {
-        require(again.texture->alphas[i].values == texture.alphas[i].values, "and the same alpha");
+        require(again.texture->alphas[i].values == texture.alphas[i].values,
+                "a texture that was written has the same alpha");
     }
 }
 

@@ -1,5 +1,5 @@
-// The tokenizer, over a file of any bytes. One option byte: bit 0, line ends are tokens; bit 1, there are no
-// numbers; bit 2, every token is handed back once.
+// Runs the tokenizer over a file of any bytes. One option byte: bit 0 makes line ends tokens, bit 1 turns
+// numbers off, bit 2 rewinds every token once.
 
 #include <cstring>
 
