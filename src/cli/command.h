@@ -7,12 +7,9 @@
 
 #include "cli/exit_codes.h"
 
-namespace CLI {
-class App;
-}
-
 namespace cli {
 
+class Options;
 struct Terminal;
 
 /// One verb of the program while it runs: takes its options, then works once.
@@ -24,8 +21,8 @@ class Command {
     Command& operator=(const Command&) = delete;
 
     /// Declares options and positionals, bound to members. Descriptions begin in lower case and have no full
-    /// stop; defaults go into the option (`capture_default_str`), tasks into its group. Touches no files.
-    virtual void add_options(CLI::App& app) = 0;
+    /// stop; defaults go into the option (`show_default`), tasks into its group. Touches no files.
+    virtual void add_options(Options& options) = 0;
 
     /// Does the work. Throws UsageError for options that do not go together; other exceptions become an
     /// error message and exit code 3.

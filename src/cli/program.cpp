@@ -1,12 +1,12 @@
 #include "cli/program.h"
 
-#include <CLI/CLI.hpp>
-#include <algorithm>
+#include <cstddef>
 #include <exception>
 #include <memory>
 #include <ostream>
 #include <utility>
 
+#include "cli/options.h"
 #include "cli/report/diagnostic.h"
 #include "cli/verbs.h"
 #include "embedded/image_probe.h"
@@ -27,94 +27,65 @@ std::string image_note() {
 /// The program's verbs with their options declared, ready to parse one command line.
 class CommandLine {
   public:
-    CommandLine() : app_(kSummary, kProgram) {
-        // A path that begins with a slash is a path on Windows, too. The verbs take this over.
-        app_.allow_windows_style_options(false);
-        app_.set_help_flag("-h,--help", "show this help");
-        app_.set_version_flag("--version", program_version(), "show the version");
-        // One verb a command line: further words are its own, also when they are the name of a verb.
-        app_.require_subcommand(0, 1);
+    CommandLine() : parser_(kProgram, kSummary, program_version()) {
         for (const VerbGroup& group : verb_groups()) {
-            app_.add_subcommand(group.name, group.summary)->require_subcommand(0, 1);
+            parser_.add_group(group.name, group.summary);
         }
         for (const Verb& verb : verbs()) {
-            add(verb);
+            Options options = parser_.add_verb(verb.name, verb.summary);
+            commands_.push_back(verb.make());
+            commands_.back()->add_options(options);
         }
     }
 
-    /// Throws CLI::Error, also for help and version.
-    void parse(std::vector<std::string> arguments) {
-        // The library takes arguments from the back.
-        std::reverse(arguments.begin(), arguments.end());
-        app_.parse(std::move(arguments));
-    }
+    ParsedLine parse(const std::vector<std::string>& arguments) { return parser_.parse(arguments); }
 
-    /// The command of the verb that was parsed; null when there was none.
-    [[nodiscard]] Command* chosen() const {
-        const auto one = std::find_if(entries_.begin(), entries_.end(),
-                                      [](const Entry& entry) { return entry.app->parsed(); });
-        return one == entries_.end() ? nullptr : one->command.get();
-    }
-
-    /// The page of what was parsed last: a verb, a group or the program.
-    [[nodiscard]] Page chosen_page() const {
-        const CLI::App* app = &app_;
-        while (!app->get_subcommands().empty()) {
-            app = app->get_subcommands().front();
+    /// The command of a verb; null for anything else.
+    [[nodiscard]] Command* command_of(const std::string& verb) const {
+        for (std::size_t i = 0; i < commands_.size(); ++i) {
+            if (verbs()[i].name == verb) {
+                return commands_[i].get();
+            }
         }
-        return page_of(*app);
+        return nullptr;
+    }
+
+    /// The page of a verb or group by its name; of the program for "".
+    [[nodiscard]] Page page_of(const std::string& name) const {
+        const std::vector<OptionFacts> options = parser_.options_of(name).facts();
+        for (const Verb& verb : verbs()) {
+            if (verb.name == name) {
+                return verb_page(verb, options);
+            }
+        }
+        for (const VerbGroup& group : verb_groups()) {
+            if (group.name == name) {
+                return overview_page(kProgram + (' ' + name), group.summary, {}, verb_entries(name + ' '),
+                                     options);
+            }
+        }
+        return program_page(options);
     }
 
     [[nodiscard]] std::vector<Page> pages() const {
-        std::vector<Page> pages{page_of(app_)};
+        std::vector<Page> pages{page_of({})};
         for (const VerbGroup& group : verb_groups()) {
-            pages.push_back(page_of(*app_.get_subcommand(group.name)));
+            pages.push_back(page_of(group.name));
         }
-        for (const Entry& entry : entries_) {
-            pages.push_back(verb_page(*entry.verb, *entry.app));
+        for (const Verb& verb : verbs()) {
+            pages.push_back(page_of(verb.name));
         }
         return pages;
     }
 
   private:
-    struct Entry {
-        const Verb* verb;
-        CLI::App* app;
-        std::unique_ptr<Command> command;
-    };
-
-    void add(const Verb& verb) {
-        const std::size_t blank = verb.name.find(' ');
-        CLI::App* const parent =
-            blank == std::string::npos ? &app_ : app_.get_subcommand(verb.name.substr(0, blank));
-        CLI::App* const app = parent->add_subcommand(
-            verb.name.substr(blank == std::string::npos ? 0 : blank + 1), verb.summary);
-        entries_.push_back({&verb, app, verb.make()});
-        entries_.back().command->add_options(*app);
-    }
-
-    [[nodiscard]] Page page_of(const CLI::App& app) const {
-        for (const Entry& entry : entries_) {
-            if (entry.app == &app) {
-                return verb_page(*entry.verb, app);
-            }
-        }
-        for (const VerbGroup& group : verb_groups()) {
-            if (&app == app_.get_subcommand(group.name)) {
-                return overview_page(kProgram + (' ' + group.name), group.summary, {},
-                                     verb_entries(group.name + ' '), app);
-            }
-        }
-        return program_page(app);
-    }
-
     // The program's examples are the first one of each verb.
-    static Page program_page(const CLI::App& app) {
+    static Page program_page(const std::vector<OptionFacts>& options) {
         Page page =
             overview_page(kProgram, kSummary,
                           {"Results go to the standard output, what is said about them to the standard "
                            "error stream. `vxr VERB --help` says more about a verb."},
-                          verb_entries({}), app);
+                          verb_entries({}), options);
         if (std::string note = image_note(); !note.empty()) {
             page.paragraphs.push_back(std::move(note));
         }
@@ -134,39 +105,44 @@ class CommandLine {
         return entries;
     }
 
-    // Not const only because the library hands out subcommands of a const app by non-const pointer alone.
-    mutable CLI::App app_;
-    std::vector<Entry> entries_;
+    OptionParser parser_;
+    std::vector<std::unique_ptr<Command>> commands_;  // one for each of verbs()
 };
 
-ExitCode usage_error(Terminal& terminal, const std::string& text, const std::string& command) {
+ExitCode usage_error(Terminal& terminal, const std::string& text, const std::string& verb) {
     complain(terminal, text);
-    terminal.err << "See `" << command << " --help`.\n";
+    terminal.err << "See `" << kProgram << (verb.empty() ? "" : " ") << verb << " --help`.\n";
     return ExitCode::usage;
 }
 
 ExitCode parse_and_run(const std::vector<std::string>& arguments, Terminal& terminal) {
     CommandLine line;
+    const ParsedLine parsed = line.parse(arguments);
+    Command* const command = line.command_of(parsed.verb);
+    switch (parsed.kind) {
+        case ParsedLine::Kind::help:
+            terminal.out << page_text(line.page_of(parsed.verb));
+            return ExitCode::fine;
+        case ParsedLine::Kind::version:
+            terminal.out << program_version() << '\n';
+            return ExitCode::fine;
+        case ParsedLine::Kind::extras:
+            if (command == nullptr && arguments.back().compare(0, 1, "-") != 0) {
+                return usage_error(terminal, "there is no verb \"" + arguments.back() + '"', parsed.verb);
+            }
+            return usage_error(terminal, parsed.error, parsed.verb);
+        case ParsedLine::Kind::wrong:
+            return usage_error(terminal, parsed.error, parsed.verb);
+        case ParsedLine::Kind::complete:
+            break;
+    }
+    if (command == nullptr) {
+        return usage_error(terminal, "a verb is required", parsed.verb);
+    }
     try {
-        line.parse(arguments);
-        if (line.chosen() == nullptr) {
-            throw UsageError("a verb is required");
-        }
-        return line.chosen()->run(terminal);
-    } catch (const CLI::CallForHelp&) {
-        terminal.out << page_text(line.chosen_page());
-        return ExitCode::fine;
-    } catch (const CLI::CallForVersion& version) {
-        terminal.out << version.what() << '\n';
-        return ExitCode::fine;
-    } catch (const CLI::ExtrasError& error) {
-        const bool verb = line.chosen() == nullptr && arguments.back().compare(0, 1, "-") != 0;
-        return usage_error(terminal, verb ? "there is no verb \"" + arguments.back() + '"' : error.what(),
-                           line.chosen_page().command);
-    } catch (const CLI::Error& error) {
-        return usage_error(terminal, error.what(), line.chosen_page().command);
+        return command->run(terminal);
     } catch (const UsageError& error) {
-        return usage_error(terminal, error.what(), line.chosen_page().command);
+        return usage_error(terminal, error.what(), parsed.verb);
     }
 }
 

@@ -1,6 +1,5 @@
 #include "cli/help/page.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <sstream>
 #include <utility>
@@ -12,61 +11,53 @@ namespace {
 
 constexpr std::size_t kTextColumn = 26;
 
-PageEntry entry_of(const CLI::Option& option) {
+PageEntry entry_of(const OptionFacts& option) {
     PageEntry entry;
-    entry.positional = option.get_positional();
-    if (entry.positional) {
-        entry.names.push_back(option.get_name());
+    entry.names = option.names;
+    entry.value = option.value_name;
+    entry.positional = option.positional;
+    entry.text = option.description;
+    if (!option.default_text.empty()) {
+        entry.text += " (default: " + option.default_text + ")";
     }
-    for (const std::string& name : option.get_snames()) {
-        entry.names.push_back("-" + name);
-    }
-    for (const std::string& name : option.get_lnames()) {
-        entry.names.push_back("--" + name);
-    }
-    if (!entry.positional && option.get_type_size_max() > 0) {
-        entry.value = option.get_type_name();
-    }
-    entry.text = option.get_description();
-    if (!option.get_default_str().empty()) {
-        entry.text += " (default: " + option.get_default_str() + ")";
-    }
-    if (!option.get_envname().empty()) {
-        entry.text += " (environment: " + option.get_envname() + ")";
+    if (!option.environment.empty()) {
+        entry.text += " (environment: " + option.environment + ")";
     }
     return entry;
 }
 
 // One section a group, in the order in which the groups come up; positionals first, help last.
-std::vector<PageSection> option_sections(const CLI::App& app) {
+std::vector<PageSection> option_sections(const std::vector<OptionFacts>& options) {
     std::vector<PageSection> sections;
     const auto section = [&](const std::string& title) -> PageSection& {
         const auto found = std::find_if(sections.begin(), sections.end(),
                                         [&](const PageSection& one) { return one.title == title; });
         return found != sections.end() ? *found : sections.emplace_back(PageSection{title, {}});
     };
-    std::vector<const CLI::Option*> last;
-    for (const CLI::Option* option : app.get_options()) {
-        if (option == app.get_help_ptr() || option == app.get_version_ptr()) {
-            last.push_back(option);
-        } else if (option->get_positional()) {
-            section("Arguments").entries.push_back(entry_of(*option));
-        } else if (!option->get_group().empty()) {
-            section(option->get_group()).entries.push_back(entry_of(*option));
+    for (const OptionFacts& option : options) {
+        if (option.general) {
+            continue;
+        }
+        if (option.positional) {
+            section("Arguments").entries.push_back(entry_of(option));
+        } else if (!option.group.empty()) {
+            section(option.group).entries.push_back(entry_of(option));
         }
     }
-    for (const CLI::Option* option : last) {
-        section("Help").entries.push_back(entry_of(*option));
+    for (const OptionFacts& option : options) {
+        if (option.general) {
+            section("Help").entries.push_back(entry_of(option));
+        }
     }
     return sections;
 }
 
-std::string usage_of(const std::string& command, const CLI::App& app) {
+std::string usage_of(const std::string& command, const std::vector<OptionFacts>& options) {
     std::string usage = command + " [options]";
-    for (const CLI::Option* option : app.get_options()) {
-        if (option->get_positional()) {
-            const std::string name = option->get_name() + (option->get_expected_max() > 1 ? "..." : "");
-            usage += option->get_required() ? ' ' + name : " [" + name + ']';
+    for (const OptionFacts& option : options) {
+        if (option.positional) {
+            const std::string name = option.names.front() + (option.repeatable ? "..." : "");
+            usage += option.required ? ' ' + name : " [" + name + ']';
         }
     }
     return usage;
@@ -99,27 +90,28 @@ std::string entry_text(const PageEntry& entry) {
 
 }  // namespace
 
-Page verb_page(const Verb& verb, const CLI::App& app) {
+Page verb_page(const Verb& verb, const std::vector<OptionFacts>& options) {
     Page page;
     page.command = "vxr " + verb.name;
     page.summary = verb.summary;
-    page.usage = usage_of(page.command, app);
+    page.usage = usage_of(page.command, options);
     page.paragraphs = verb.paragraphs;
-    page.sections = option_sections(app);
+    page.sections = option_sections(options);
     page.sections.push_back(exit_code_section());
     page.examples = verb.examples;
     return page;
 }
 
 Page overview_page(const std::string& command, const std::string& summary,
-                   std::vector<std::string> paragraphs, std::vector<PageEntry> entries, const CLI::App& app) {
+                   std::vector<std::string> paragraphs, std::vector<PageEntry> entries,
+                   const std::vector<OptionFacts>& options) {
     Page page;
     page.command = command;
     page.summary = summary;
     page.usage = command + " VERB [options] ...";
     page.paragraphs = std::move(paragraphs);
     page.sections.push_back({"Verbs", std::move(entries)});
-    for (PageSection& section : option_sections(app)) {
+    for (PageSection& section : option_sections(options)) {
         page.sections.push_back(std::move(section));
     }
     page.sections.push_back(exit_code_section());

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "cli/command.h"
+#include "cli/options.h"
 
 namespace cli {
 
@@ -32,12 +33,13 @@ struct Page {
     std::vector<Example> examples;
 };
 
-/// The page of a verb; `app` has its options.
-Page verb_page(const Verb& verb, const CLI::App& app);
+/// The page of a verb; `options` are its own.
+Page verb_page(const Verb& verb, const std::vector<OptionFacts>& options);
 
-/// A page that lists `entries` as verbs: the program itself or a group. `app` has the options.
+/// A page that lists `entries` as verbs: the program itself or a group. `options` are its own.
 Page overview_page(const std::string& command, const std::string& summary,
-                   std::vector<std::string> paragraphs, std::vector<PageEntry> entries, const CLI::App& app);
+                   std::vector<std::string> paragraphs, std::vector<PageEntry> entries,
+                   const std::vector<OptionFacts>& options);
 
 /// For a terminal of 80 columns.
 std::string page_text(const Page& page);

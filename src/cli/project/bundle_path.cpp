@@ -1,7 +1,6 @@
 #include "cli/project/bundle_path.h"
 
-#include <CLI/CLI.hpp>
-
+#include "cli/options.h"
 #include "system/files.h"
 #include "system/program_place.h"
 
@@ -12,11 +11,11 @@ constexpr const char* kBundle = VXR_BUNDLE_NAME;
 
 }  // namespace
 
-void add_bundle_option(CLI::App& app, std::string& path) {
-    app.add_option("--bundle", path, "the plug-in to load instead of the one beside this program")
-        ->type_name("PATH")
-        ->envname("VXR_BUNDLE")
-        ->group("The plug-in and its host");
+void add_bundle_option(Options& options, std::string& path) {
+    options.option("--bundle", path, "the plug-in to load instead of the one beside this program")
+        .value_name("PATH")
+        .environment("VXR_BUNDLE")
+        .group("The plug-in and its host");
 }
 
 std::vector<std::filesystem::path> bundle_places(const std::filesystem::path& program) {

@@ -4,14 +4,12 @@
 #include <string>
 #include <vector>
 
-namespace CLI {
-class App;
-}
-
 namespace cli {
 
+class Options;
+
 /// Adds `--bundle PATH`, with the environment variable VXR_BUNDLE, to a verb that loads the plug-in.
-void add_bundle_option(CLI::App& app, std::string& path);
+void add_bundle_option(Options& options, std::string& path);
 
 /// Where a bundle may be when nobody says: beside the program, as in the build folder and as installed.
 std::vector<std::filesystem::path> bundle_places(const std::filesystem::path& program);

@@ -1,10 +1,10 @@
 #include "cli/verb/check_command.h"
 
-#include <CLI/CLI.hpp>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "cli/options.h"
 #include "cli/report/codes.h"
 #include "cli/report/diagnostic.h"
 #include "cli/scene/scene_check.h"
@@ -88,14 +88,15 @@ void list_codes(std::ostream& out) {
 
 class CheckCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("FILE", files_, "composition files");
-        app.add_flag("--strict", strict_, "refuse files with warnings, too")->group("What counts");
-        app.add_flag("--list-codes", list_codes_,
-                     "write every error and warning code with its meaning, and stop")
-            ->group("What counts");
-        app.add_flag("--json", json_, "write one JSON document instead of a line a file")->group("Output");
-        app.add_flag("-q,--quiet", quiet_, "say nothing on the standard error stream")->group("Output");
+    void add_options(Options& options) override {
+        options.argument("FILE", files_, "composition files");
+        options.flag("--strict", strict_, "refuse files with warnings, too").group("What counts");
+        options
+            .flag("--list-codes", list_codes_,
+                  "write every error and warning code with its meaning, and stop")
+            .group("What counts");
+        options.flag("--json", json_, "write one JSON document instead of a line a file").group("Output");
+        options.flag("-q,--quiet", quiet_, "say nothing on the standard error stream").group("Output");
     }
 
     ExitCode run(Terminal& terminal) override {

@@ -1,6 +1,5 @@
 #include "cli/verb/doctor_command.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <ostream>
 #include <string>
@@ -10,6 +9,7 @@
 #include "cli/doctor/examination.h"
 #include "cli/doctor/trial.h"
 #include "cli/doctor/trial_json.h"
+#include "cli/options.h"
 #include "cli/project/bundle_path.h"
 #include "cli/terminal/terminal.h"
 #include "system/files.h"
@@ -19,25 +19,27 @@ namespace {
 
 class DoctorCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("BUNDLE", bundle_,
-                       "the plug-in: a .aex, a .plugin folder, a .so; without one, that of this program")
-            ->envname("VXR_BUNDLE");
-        app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
-        app.add_flag("--list-codes", list_codes_, "list what can be found, and look at nothing")
-            ->group("Output");
-        app.add_option("--timeout", timeout_s_, "how long the plug-in may take to be loaded and unloaded")
-            ->type_name("SECONDS")
-            ->check(CLI::Range(1, kLongestTimeout))
-            ->capture_default_str()
-            ->group("Loading");
-        app.add_option("--load", load_,
-                       "load it in this process as a host of that generation, today or classic, and write "
-                       "one line of "
-                       "JSON about it: for a debugger")
-            ->type_name("HOST")
-            ->check(CLI::IsMember({"today", "classic"}))
-            ->group("Loading");
+    void add_options(Options& options) override {
+        options
+            .argument("BUNDLE", bundle_,
+                      "the plug-in: a .aex, a .plugin folder, a .so; without one, that of this program")
+            .environment("VXR_BUNDLE");
+        options.flag("--json", json_, "write one JSON document instead of text").group("Output");
+        options.flag("--list-codes", list_codes_, "list what can be found, and look at nothing")
+            .group("Output");
+        options.option("--timeout", timeout_s_, "how long the plug-in may take to be loaded and unloaded")
+            .value_name("SECONDS")
+            .range(1, kLongestTimeout)
+            .show_default()
+            .group("Loading");
+        options
+            .option("--load", load_,
+                    "load it in this process as a host of that generation, today or classic, and write "
+                    "one line of "
+                    "JSON about it: for a debugger")
+            .value_name("HOST")
+            .choices({"today", "classic"})
+            .group("Loading");
     }
 
     ExitCode run(Terminal& terminal) override {

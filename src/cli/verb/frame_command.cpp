@@ -1,6 +1,5 @@
 #include "cli/verb/frame_command.h"
 
-#include <CLI/CLI.hpp>
 #include <charconv>
 #include <memory>
 #include <optional>
@@ -8,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "cli/options.h"
 #include "cli/project/bundle_path.h"
 #include "cli/project/frame_run.h"
 #include "cli/project/host_option.h"
@@ -38,32 +38,30 @@ std::optional<FrameSize> parse_frame_size(std::string_view text) {
 
 class FrameCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("FILE", file_, "the texture")->required();
-        app.add_option("-o,--output", output_, "the image to write; its extension says in which format")
-            ->type_name("IMAGE")
-            ->required()
-            ->group("Output");
-        app.add_flag("--json", json_, "write the host's project as a JSON document instead of text")
-            ->group("Output");
-        app.add_option("--size", size_, "the size of the host's frame; the texture's own without this")
-            ->type_name("WIDTHxHEIGHT")
-            ->check([](const std::string& text) {
+    void add_options(Options& options) override {
+        options.argument("FILE", file_, "the texture").required();
+        options.option("-o,--output", output_, "the image to write; its extension says in which format")
+            .value_name("IMAGE")
+            .required()
+            .group("Output");
+        options.flag("--json", json_, "write the host's project as a JSON document instead of text")
+            .group("Output");
+        options.option("--size", size_, "the size of the host's frame; the texture's own without this")
+            .value_name("WIDTHxHEIGHT")
+            .check([](const std::string& text) {
                 return parse_frame_size(text) ? std::string() : '"' + text + "\" is not WIDTHxHEIGHT";
             })
-            ->group("The frame");
-        app.add_option("--fill", fill_, "what every byte of the frame holds before it is drawn, 0 to 255")
-            ->type_name("BYTE")
-            ->capture_default_str()
-            ->check([](const std::string& text) {
-                int byte = -1;
-                return CLI::detail::lexical_cast(text, byte) && byte >= 0 && byte <= 255
-                           ? std::string()
-                           : '"' + text + "\" is not from 0 to 255";
+            .group("The frame");
+        options.option("--fill", fill_, "what every byte of the frame holds before it is drawn, 0 to 255")
+            .value_name("BYTE")
+            .show_default()
+            .check([](const std::string& text) {
+                const int byte = parse_option_integer(text).value_or(-1);
+                return byte >= 0 && byte <= 255 ? std::string() : '"' + text + "\" is not from 0 to 255";
             })
-            ->group("The frame");
-        add_bundle_option(app, bundle_);
-        add_host_option(app, host_);
+            .group("The frame");
+        add_bundle_option(options, bundle_);
+        add_host_option(options, host_);
     }
 
     ExitCode run(Terminal& terminal) override {

@@ -1,11 +1,11 @@
 #include "cli/verb/help_command.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <ostream>
 
 #include "cli/help/bash_completion.h"
 #include "cli/help/man_page.h"
+#include "cli/options.h"
 #include "cli/program.h"
 #include "cli/terminal/terminal.h"
 
@@ -14,9 +14,9 @@ namespace {
 
 class HelpCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("VERB", verb_, "the verb to explain; without one, the program")->expected(0, 2);
-        app.add_flag("--man", man_, "write the manual page vxr(1) instead");
+    void add_options(Options& options) override {
+        options.argument("VERB", verb_, "the verb to explain; without one, the program").count(0, 2);
+        options.flag("--man", man_, "write the manual page vxr(1) instead");
     }
 
     ExitCode run(Terminal& terminal) override {
@@ -45,10 +45,8 @@ class HelpCommand : public Command {
 
 class CompletionCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("SHELL", shell_, "the shell; bash is the one there is")
-            ->required()
-            ->check(CLI::IsMember({"bash"}));
+    void add_options(Options& options) override {
+        options.argument("SHELL", shell_, "the shell; bash is the one there is").required().choices({"bash"});
     }
 
     ExitCode run(Terminal& terminal) override {

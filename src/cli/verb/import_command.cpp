@@ -1,6 +1,5 @@
 #include "cli/verb/import_command.h"
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <optional>
 #include <ostream>
@@ -8,6 +7,7 @@
 #include <system_error>
 #include <vector>
 
+#include "cli/options.h"
 #include "cli/project/bundle_path.h"
 #include "cli/project/host_option.h"
 #include "cli/project/import_run.h"
@@ -24,7 +24,7 @@ namespace {
 
 constexpr const char* kHostGroup = "The plug-in and its host";
 
-// What CLI11 wants of a check: nothing for a good text, else what is wrong with it.
+// As an option wants its check: nothing for a good text, else what is wrong with it.
 template <class Parse>
 auto checked_by(Parse parse, const char* wanted) {
     return [parse, wanted](const std::string& text) {
@@ -36,8 +36,8 @@ bool is_preference(std::string_view text) {
     if (text == "none") {
         return true;
     }
-    int value = 0;
-    return CLI::detail::lexical_cast(std::string(text), value) && value >= 0 && value <= 255;
+    const int value = parse_option_integer(std::string(text)).value_or(-1);
+    return value >= 0 && value <= 255;
 }
 
 // Whether two paths lead to one file, be it there already or not.
@@ -53,36 +53,37 @@ bool same_file(const std::string& one, const std::string& other) {
 
 class ImportCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("FILE", file_, "the composition file")->required();
-        app.add_flag("--json", json_, "write the project as a JSON document instead of a tree")
-            ->group("Output");
-        app.add_option("--save", save_, "write the same JSON document to this file, too")
-            ->type_name("FILE")
-            ->group("Output");
-        app.add_option("--log", log_, "write every call into the host to this file, one JSON object a line")
-            ->type_name("FILE")
-            ->group("Output");
-        add_bundle_option(app, bundle_);
-        add_host_option(app, host_);
-        app.add_option("--alpha-preference", preference_,
-                       "the host's preference for unlabeled alpha: none, or a value from 0 to 255")
-            ->type_name("VALUE")
-            ->capture_default_str()
-            ->check(checked_by(is_preference, "none and not from 0 to 255"))
-            ->group(kHostGroup);
-        app.add_option("--without-suite", without_, "a suite that the host does not offer; may be repeated")
-            ->type_name("NAME:VERSION")
-            ->allow_extra_args(false)
-            ->check(checked_by(embedded::parse_suite_name, "NAME:VERSION"))
-            ->group("What goes wrong");
-        app.add_option("--fail", faults_, "the N-th call of a host function returns CODE; may be repeated")
-            ->type_name("FUNCTION:N:CODE")
-            ->allow_extra_args(false)
-            ->check(
+    void add_options(Options& options) override {
+        options.argument("FILE", file_, "the composition file").required();
+        options.flag("--json", json_, "write the project as a JSON document instead of a tree")
+            .group("Output");
+        options.option("--save", save_, "write the same JSON document to this file, too")
+            .value_name("FILE")
+            .group("Output");
+        options.option("--log", log_, "write every call into the host to this file, one JSON object a line")
+            .value_name("FILE")
+            .group("Output");
+        add_bundle_option(options, bundle_);
+        add_host_option(options, host_);
+        options
+            .option("--alpha-preference", preference_,
+                    "the host's preference for unlabeled alpha: none, or a value from 0 to 255")
+            .value_name("VALUE")
+            .show_default()
+            .check(checked_by(is_preference, "none and not from 0 to 255"))
+            .group(kHostGroup);
+        options.option("--without-suite", without_, "a suite that the host does not offer; may be repeated")
+            .value_name("NAME:VERSION")
+            .one_value_at_a_time()
+            .check(checked_by(embedded::parse_suite_name, "NAME:VERSION"))
+            .group("What goes wrong");
+        options.option("--fail", faults_, "the N-th call of a host function returns CODE; may be repeated")
+            .value_name("FUNCTION:N:CODE")
+            .one_value_at_a_time()
+            .check(
                 checked_by(embedded::parse_fault,
                            "FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
-            ->group("What goes wrong");
+            .group("What goes wrong");
     }
 
     ExitCode run(Terminal& terminal) override {

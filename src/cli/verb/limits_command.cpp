@@ -1,10 +1,10 @@
 #include "cli/verb/limits_command.h"
 
-#include <CLI/CLI.hpp>
 #include <ostream>
 #include <string>
 
 #include "cli/help/page.h"
+#include "cli/options.h"
 #include "cli/report/limit_words.h"
 #include "cli/terminal/terminal.h"
 #include "embedded/json_values.h"
@@ -54,8 +54,8 @@ Json limit_json(const limits::Limit& limit) {
 
 class LimitsCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
+    void add_options(Options& options) override {
+        options.flag("--json", json_, "write one JSON document instead of text").group("Output");
     }
 
     ExitCode run(Terminal& terminal) override {

@@ -1,11 +1,11 @@
 #include "cli/verb/modules_command.h"
 
-#include <CLI/CLI.hpp>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "cli/options.h"
 #include "cli/project/bundle_path.h"
 #include "cli/project/host_option.h"
 #include "cli/project/loaded_bundle.h"
@@ -60,10 +60,10 @@ Json module_json(const embedded::Module& module) {
 
 class ModulesCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
-        add_bundle_option(app, bundle_);
-        add_host_option(app, host_);
+    void add_options(Options& options) override {
+        options.flag("--json", json_, "write one JSON document instead of text").group("Output");
+        add_bundle_option(options, bundle_);
+        add_host_option(options, host_);
     }
 
     ExitCode run(Terminal& terminal) override {

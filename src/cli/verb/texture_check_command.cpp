@@ -1,12 +1,12 @@
 #include "cli/verb/texture_check_command.h"
 
-#include <CLI/CLI.hpp>
 #include <cstddef>
 #include <memory>
 #include <ostream>
 #include <string>
 #include <vector>
 
+#include "cli/options.h"
 #include "cli/report/diagnostic.h"
 #include "cli/report/unsound_result.h"
 #include "cli/terminal/printable_text.h"
@@ -68,11 +68,11 @@ Json verdict_json(const FileVerdict& verdict) {
 
 class TextureCheckCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("FILE", files_, "texture files")->required();
-        app.add_flag("--strict", strict_, "refuse files with warnings, too")->group("What counts");
-        app.add_flag("--json", json_, "write one JSON document instead of a line a file")->group("Output");
-        app.add_flag("-q,--quiet", quiet_, "say nothing on the standard error stream")->group("Output");
+    void add_options(Options& options) override {
+        options.argument("FILE", files_, "texture files").required();
+        options.flag("--strict", strict_, "refuse files with warnings, too").group("What counts");
+        options.flag("--json", json_, "write one JSON document instead of a line a file").group("Output");
+        options.flag("-q,--quiet", quiet_, "say nothing on the standard error stream").group("Output");
     }
 
     ExitCode run(Terminal& terminal) override {

@@ -1,6 +1,5 @@
 #include "cli/verb/texture_convert_command.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -13,6 +12,7 @@
 #include <utility>
 #include <vector>
 
+#include "cli/options.h"
 #include "cli/report/diagnostic.h"
 #include "cli/terminal/ordered_jobs.h"
 #include "cli/terminal/platform.h"
@@ -54,41 +54,42 @@ Json conversion_json(const Conversion& conversion) {
 
 class TextureConvertCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("IN", inputs_, "textures, or images to make textures of")->required();
-        app.add_option("-o,--output", output_, "the file to write, for one input")
-            ->type_name("FILE")
-            ->group("Output");
-        app.add_option("--to", to_, "the extension of the files to write: png, tif, exr, txl ...")
-            ->type_name("EXT")
-            ->group("Output");
-        app.add_option("--out-dir", out_dir_,
-                       "where to write them; made when it is not there; beside each input without this")
-            ->type_name("DIR")
-            ->group("Output");
-        app.add_flag("--json", json_, "write one JSON document instead of a line a file")->group("Output");
-        app.add_option("--alpha", alpha_, "which alpha channels go along: all, none, or the number of one")
-            ->type_name("N|all|none")
-            ->capture_default_str()
-            ->check([](const std::string& text) {
+    void add_options(Options& options) override {
+        options.argument("IN", inputs_, "textures, or images to make textures of").required();
+        options.option("-o,--output", output_, "the file to write, for one input")
+            .value_name("FILE")
+            .group("Output");
+        options.option("--to", to_, "the extension of the files to write: png, tif, exr, txl ...")
+            .value_name("EXT")
+            .group("Output");
+        options
+            .option("--out-dir", out_dir_,
+                    "where to write them; made when it is not there; beside each input without this")
+            .value_name("DIR")
+            .group("Output");
+        options.flag("--json", json_, "write one JSON document instead of a line a file").group("Output");
+        options.option("--alpha", alpha_, "which alpha channels go along: all, none, or the number of one")
+            .value_name("N|all|none")
+            .show_default()
+            .check([](const std::string& text) {
                 return parse_alpha_choice(text) ? std::string()
                                                 : '"' + text + "\" is neither all, none nor a number from 1";
             })
-            ->group("Alpha");
-        app.add_flag(
-               "--convert-alpha", convert_alpha_,
-               "multiply colour by alpha where the image keeps it straight, and divide it on the way back")
-            ->group("Alpha");
-        app.add_option("-j,--jobs", jobs_, "how many files at a time; 0 for one a processor")
-            ->type_name("N")
-            ->capture_default_str()
-            ->check([](const std::string& text) {
-                int jobs = -1;
-                return CLI::detail::lexical_cast(text, jobs) && jobs >= 0 && jobs <= kMostJobs
+            .group("Alpha");
+        options
+            .flag("--convert-alpha", convert_alpha_,
+                  "multiply colour by alpha where the image keeps it straight, and divide it on the way back")
+            .group("Alpha");
+        options.option("-j,--jobs", jobs_, "how many files at a time; 0 for one a processor")
+            .value_name("N")
+            .show_default()
+            .check([](const std::string& text) {
+                const int jobs = parse_option_integer(text).value_or(-1);
+                return jobs >= 0 && jobs <= kMostJobs
                            ? std::string()
                            : '"' + text + "\" is not from 0 to " + std::to_string(kMostJobs);
             })
-            ->group("Work");
+            .group("Work");
     }
 
     ExitCode run(Terminal& terminal) override {

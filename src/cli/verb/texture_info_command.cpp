@@ -1,6 +1,5 @@
 #include "cli/verb/texture_info_command.h"
 
-#include <CLI/CLI.hpp>
 #include <cstdint>
 #include <memory>
 #include <optional>
@@ -8,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/options.h"
 #include "cli/report/diagnostic.h"
 #include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
@@ -100,9 +100,9 @@ Json info_json(const FileInfo& info) {
 
 class TextureInfoCommand : public Command {
   public:
-    void add_options(CLI::App& app) override {
-        app.add_option("FILE", files_, "texture files")->required();
-        app.add_flag("--json", json_, "write one JSON document instead of text")->group("Output");
+    void add_options(Options& options) override {
+        options.argument("FILE", files_, "texture files").required();
+        options.flag("--json", json_, "write one JSON document instead of text").group("Output");
     }
 
     ExitCode run(Terminal& terminal) override {
