@@ -1,4 +1,4 @@
-"""What script/bench and script/figures share: running a benchmark program, and a part of a document that a script writes."""
+"""Shared by script/bench and script/reliability: running a benchmark program, and the part of a document that a script writes."""
 
 import json
 import os
