@@ -10,8 +10,9 @@ void CallLog::set_sink(Sink sink) {
 void CallLog::end(std::int64_t n, const nlohmann::ordered_json& line) {
     // Innermost calls end first, so the one looked for stands near the back.
     for (auto waiting = waiting_.rbegin(); waiting != waiting_.rend(); ++waiting) {
-        if (waiting->n != n)
+        if (waiting->n != n) {
             continue;
+        }
         waiting->line = line.dump();
         waiting->done = true;
         break;
@@ -23,8 +24,9 @@ void CallLog::flush() {
     while (!waiting_.empty() && waiting_.front().done) {
         const std::string line = std::move(waiting_.front().line);
         waiting_.pop_front();
-        if (sink_)
+        if (sink_) {
             sink_(line);
+        }
     }
 }
 

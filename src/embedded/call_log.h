@@ -31,8 +31,9 @@ class CallLog {
     /// outer's.
     std::int64_t begin() {
         ++last_;
-        if (on())
+        if (on()) {
             waiting_.push_back({last_, false, {}});
+        }
         return last_;
     }
     void end(std::int64_t n, const nlohmann::ordered_json& line);

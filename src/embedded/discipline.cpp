@@ -57,10 +57,11 @@ bool is_note(Breach breach) {
 
 void DisciplineReport::add(Finding finding) {
     std::vector<Finding>& list = is_note(finding.breach) ? notes_ : problems_;
-    if (list.size() < kMaxFindings)
+    if (list.size() < kMaxFindings) {
         list.push_back(std::move(finding));
-    else
+    } else {
         ++dropped_;
+    }
 }
 
 std::size_t DisciplineReport::count(Breach breach) const {
@@ -73,15 +74,17 @@ std::string DisciplineReport::to_text() const {
     std::string text;
     for (const std::vector<Finding>* list : {&problems_, &notes_}) {
         for (const Finding& finding : *list) {
-            if (finding.call == 0)
+            if (finding.call == 0) {
                 text += "end of ";
-            else
+            } else {
                 text += "call " + std::to_string(finding.call) + " ";
+            }
             text += finding.where + ": " + breach_word(finding.breach) + ": " + finding.text + "\n";
         }
     }
-    if (dropped_ > 0)
+    if (dropped_ > 0) {
         text += std::to_string(dropped_) + " more\n";
+    }
     return text;
 }
 

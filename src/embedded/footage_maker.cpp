@@ -64,8 +64,9 @@ Id keep(Session& session, Footage made) {
 
 Id make_module_footage(Session& session, const Module& module, const std::string& path) {
     const OpenResult opened = open_with_module(session, module, path);
-    if (opened.in_spec == 0)
+    if (opened.in_spec == 0) {
         throw Refusal{opened.callback.code};
+    }
     const InSpec& in_spec = session.in_spec(opened.in_spec);
     Footage made;
     made.kind = FootageKind::module_file;
@@ -94,18 +95,21 @@ A_Time sequence_duration(const SequenceFrames& frames) {
 }
 
 void note_gaps(Session& session, const SequenceFrames& frames) {
-    if (frames.gaps.empty())
+    if (frames.gaps.empty()) {
         return;
+    }
     std::string text = frames.pattern + " has gaps:";
     constexpr std::size_t kShown = 8;
     for (std::size_t i = 0; i < frames.gaps.size() && i < kShown; ++i) {
         const FrameRange& gap = frames.gaps[i];
         text += " " + std::to_string(gap.first);
-        if (gap.last != gap.first)
+        if (gap.last != gap.first) {
             text += "-" + std::to_string(gap.last);
+        }
     }
-    if (frames.gaps.size() > kShown)
+    if (frames.gaps.size() > kShown) {
         text += " and " + std::to_string(frames.gaps.size() - kShown) + " more";
+    }
     session.found(Breach::sequence_gap, std::move(text));
 }
 
@@ -113,13 +117,15 @@ void note_gaps(Session& session, const SequenceFrames& frames) {
 
 Id make_file_footage(Session& session, const std::string& path,
                      const std::optional<SequenceRequest>& sequence) {
-    if (const Module* module = module_for(session, path))
+    if (const Module* module = module_for(session, path)) {
         return make_module_footage(session, *module, path);
+    }
 
     std::string error;
     const auto facts = probe_image(path, error);
-    if (!facts)
+    if (!facts) {
         throw Refusal{kHostErrorGeneric};
+    }
     Footage made;
     made.path = path;
     made.name = file_name(path);
@@ -134,8 +140,9 @@ Id make_file_footage(Session& session, const std::string& path,
         made.kind = FootageKind::sequence;
         made.sequence = find_sequence(path, *sequence);
         const auto numbered = split_number(made.name);
-        if (!made.sequence && numbered)
+        if (!made.sequence && numbered) {
             throw Refusal{kHostErrorGeneric};  // no frame in the range that was asked for
+        }
         made.duration = {1, kImportRate_fps};
         if (made.sequence && numbered) {
             made.name = sequence_name(*made.sequence, *numbered);

@@ -20,18 +20,22 @@ std::int64_t distance(std::int64_t stride) {
 }  // namespace
 
 std::string GuardedFrame::problem_with(const FrameShape& shape) {
-    if (shape.width_px < 0 || shape.height_px < 0)
+    if (shape.width_px < 0 || shape.height_px < 0) {
         return "a frame of negative size";
-    if (distance(stride_of(shape)) < shape.width_px * kBytesPerPixel)
+    }
+    if (distance(stride_of(shape)) < shape.width_px * kBytesPerPixel) {
         return "rows of " + std::to_string(shape.row_bytes) + " bytes do not hold " +
                std::to_string(shape.width_px) + " pixels";
-    if (shape.time.scale == 0)
+    }
+    if (shape.time.scale == 0) {
         return "a time on a scale of 0";
+    }
     // Both factors are below 2^32; the stride alone is checked first, so that the product stays within 64
     // bits.
     if (distance(stride_of(shape)) > kMaxFrame_bytes ||
-        distance(stride_of(shape)) * shape.height_px > kMaxFrame_bytes)
+        distance(stride_of(shape)) * shape.height_px > kMaxFrame_bytes) {
         return "a frame of more than 1 GiB";
+    }
     return {};
 }
 
@@ -39,8 +43,9 @@ GuardedFrame::GuardedFrame(const FrameShape& shape) {
     const std::int64_t stride = stride_of(shape);
     const std::int64_t rows = distance(stride) * shape.height_px;
     bytes_.resize(static_cast<std::size_t>(rows + 2 * kMargin_bytes));
-    for (std::size_t i = 0; i < bytes_.size(); ++i)
+    for (std::size_t i = 0; i < bytes_.size(); ++i) {
         bytes_[i] = guard_byte(i);
+    }
     // With rows that run upwards the first row is the last in memory.
     first_row_ = kMargin_bytes + (stride < 0 && shape.height_px > 0 ? -stride * (shape.height_px - 1) : 0);
     world_.row_bytes = static_cast<A_long>(stride);
@@ -51,8 +56,9 @@ GuardedFrame::GuardedFrame(const FrameShape& shape) {
     world_.origin_x = shape.origin_x;
     world_.origin_y = shape.origin_y;
     world_.data = reinterpret_cast<PF_Pixel*>(bytes_.data() + first_row_);
-    for (A_long row = 0; row < shape.height_px; ++row)
+    for (A_long row = 0; row < shape.height_px; ++row) {
         std::fill_n(bytes_.begin() + row_offset(row), shape.width_px * kBytesPerPixel, shape.fill);
+    }
 }
 
 std::int64_t GuardedFrame::row_offset(A_long row) const {
@@ -67,10 +73,12 @@ std::optional<std::string> GuardedFrame::damage() const {
     std::size_t checked = 0;
     const auto check_until = [&](std::size_t end) {
         for (; checked < end; ++checked) {
-            if (bytes_[checked] == guard_byte(checked))
+            if (bytes_[checked] == guard_byte(checked)) {
                 continue;
-            if (changed++ == 0)
+            }
+            if (changed++ == 0) {
                 first_changed = checked;
+            }
         }
     };
     for (A_long i = 0; i < world_.height; ++i) {
@@ -79,8 +87,9 @@ std::optional<std::string> GuardedFrame::damage() const {
         checked = row + row_length;
     }
     check_until(bytes_.size());
-    if (changed == 0)
+    if (changed == 0) {
         return std::nullopt;
+    }
     return std::to_string(changed) + " bytes outside the frame were written, the first " +
            std::to_string(static_cast<std::int64_t>(first_changed) - first_row_) +
            " bytes from the start of row 0";
@@ -89,11 +98,13 @@ std::optional<std::string> GuardedFrame::damage() const {
 std::vector<PF_Pixel> GuardedFrame::pixels() const {
     std::vector<PF_Pixel> all(static_cast<std::size_t>(world_.width) *
                               static_cast<std::size_t>(world_.height));
-    if (world_.width == 0)
+    if (world_.width == 0) {
         return all;
-    for (A_long row = 0; row < world_.height; ++row)
+    }
+    for (A_long row = 0; row < world_.height; ++row) {
         std::memcpy(all.data() + static_cast<std::size_t>(row) * static_cast<std::size_t>(world_.width),
                     bytes_.data() + row_offset(row), static_cast<std::size_t>(world_.width * kBytesPerPixel));
+    }
     return all;
 }
 

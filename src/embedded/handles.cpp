@@ -44,8 +44,9 @@ HandleTable::Token* HandleTable::make_token(HandleKind kind) {
 
 const HandleTable::Token* HandleTable::look_up(const void* handle) const {
     const auto found = by_address_.find(handle);
-    if (found == by_address_.end())
+    if (found == by_address_.end()) {
         return nullptr;
+    }
     return recent_[recent_place(handle)] = found->second;
 }
 

@@ -19,13 +19,16 @@ const ImportFlavor* flavor_for(const Session& session, const std::string& path) 
     const std::string extension = lower_extension(path);
     const ImportFlavor* first = nullptr;
     for (const ImportFlavor& flavor : session.flavors) {
-        if (std::holds_alternative<std::monostate>(flavor.callbacks))
+        if (std::holds_alternative<std::monostate>(flavor.callbacks)) {
             continue;
+        }
         if (std::find(flavor.extensions.begin(), flavor.extensions.end(), extension) !=
-            flavor.extensions.end())
+            flavor.extensions.end()) {
             return &flavor;
-        if (first == nullptr)
+        }
+        if (first == nullptr) {
             first = &flavor;
+        }
     }
     return first;
 }
@@ -48,8 +51,9 @@ constexpr FlagWord kFlagWords[] = {
 LoadResult finish_loading(Session& session, const CallbackResult& entry) {
     LoadResult loaded;
     loaded.entry = entry;
-    if (loaded.entry.code == kHostErrorNone)
+    if (loaded.entry.code == kHostErrorNone) {
         return loaded;
+    }
     loaded.error = loaded.entry.missing_suite
                        ? "the entry point asked for a suite that this host does not offer"
                        : "the entry point failed with host error " + std::to_string(loaded.entry.code);
@@ -74,15 +78,17 @@ LoadResult call_entry(Session& session, AEGP_PluginInitFuncToday entry) {
 }
 
 void require_generation(const Session& session, HostGeneration generation) {
-    if (session.options.generation != generation)
+    if (session.options.generation != generation) {
         throw std::logic_error("the entry point is one for another generation of hosts");
+    }
 }
 
 /// Has `call(const auto& callbacks)` call one of an importer's callbacks, which the importer must have.
 template <class Call>
 A_Err call_importer(const ImportFlavor& flavor, const Call& call) {
-    if (const auto* classic = std::get_if<AE_FIM_ImportCallbacks>(&flavor.callbacks))
+    if (const auto* classic = std::get_if<AE_FIM_ImportCallbacks>(&flavor.callbacks)) {
         return call(*classic);
+    }
     return call(std::get<AE_FIM_ImportCallbacks3>(flavor.callbacks));
 }
 
@@ -97,8 +103,9 @@ std::vector<std::string> Module::extensions() const {
     // The table holds the file types first, then the extensions.
     for (int i = info.num_filetypes; i < info.num_filetypes + info.num_extensions; ++i) {
         std::string extension = extension_text(info.read_kinds[i].ext);
-        if (std::find(all.begin(), all.end(), extension) == all.end())
+        if (std::find(all.begin(), all.end(), extension) == all.end()) {
             all.push_back(std::move(extension));
+        }
     }
     return all;
 }
@@ -107,8 +114,9 @@ std::vector<std::string> Module::flag_words() const {
     std::vector<std::string> words;
     for (int bit = 0; bit < 32; ++bit) {
         const auto flag = static_cast<A_long>(1U << static_cast<unsigned>(bit));
-        if ((info.flags & flag) == 0)
+        if ((info.flags & flag) == 0) {
             continue;
+        }
         const auto* known = std::find_if(std::begin(kFlagWords), std::end(kFlagWords),
                                          [flag](const FlagWord& word) { return word.flag == flag; });
         words.push_back(known == std::end(kFlagWords) ? "bit " + std::to_string(bit) : known->word);
@@ -140,8 +148,9 @@ LoadResult Host::load(const std::filesystem::path& bundle, const std::string& en
     LoadResult loaded;
     session_->bundle = BundleLoader::open(bundle, loaded.error);
     if (!session_->bundle) {
-        if (loaded.error.empty())
+        if (loaded.error.empty()) {
             loaded.error = "the bundle cannot be loaded";
+        }
         return loaded;
     }
     const BundleLoader::Function function = session_->bundle->function(entry.c_str());
@@ -153,8 +162,9 @@ LoadResult Host::load(const std::filesystem::path& bundle, const std::string& en
     loaded = generation() == HostGeneration::classic
                  ? call_entry(*session_, reinterpret_cast<AEGP_PluginInitFunc>(function), os::text_of(bundle))
                  : call_entry(*session_, reinterpret_cast<AEGP_PluginInitFuncToday>(function));
-    if (!loaded.ok())
+    if (!loaded.ok()) {
         session_->bundle.reset();
+    }
     return loaded;
 }
 
@@ -193,8 +203,9 @@ std::string Host::path_problem(const std::string& path) const {
 VerifyResult Host::verify(const std::string& path) {
     VerifyResult result;
     const ImportFlavor* found = flavor_for(*session_, path);
-    if (found == nullptr)
+    if (found == nullptr) {
         return result;
+    }
     if (!path_problem(path).empty()) {
         result.callback.code = kHostErrorParameter;
         return result;
@@ -213,10 +224,12 @@ VerifyResult Host::verify(const std::string& path) {
 
 CallbackResult Host::import_file(const std::string& path) {
     const ImportFlavor* found = flavor_for(*session_, path);
-    if (found == nullptr)
+    if (found == nullptr) {
         return {kHostErrorGeneric, false};
-    if (!path_problem(path).empty())
+    }
+    if (!path_problem(path).empty()) {
         return {kHostErrorParameter, false};
+    }
     const ImportFlavor flavor = *found;
     const HostPath named(generation(), path);
     return run("import callback", [&] {
@@ -247,8 +260,9 @@ std::optional<std::string> Host::complaint() const {
 std::map<std::string, std::int64_t> Host::call_counts() const {
     std::map<std::string, std::int64_t> counts;
     for (std::size_t i = 0; i < kFunctionCount; ++i) {
-        if (session_->call_counts[i] > 0)
+        if (session_->call_counts[i] > 0) {
             counts[kFunctions[i].name] = session_->call_counts[i];
+        }
     }
     return counts;
 }
@@ -267,8 +281,9 @@ const Module* Host::module_for(std::string_view path) const {
 
 OpenResult Host::open_with_module(const std::string& path) {
     const Module* module = module_for(path);
-    if (module == nullptr)
+    if (module == nullptr) {
         return {{kHostErrorGeneric, false}, "no input module takes files of this kind", 0};
+    }
     return embedded::open_with_module(*session_, *module, path);
 }
 
@@ -294,8 +309,9 @@ AEIO_BasicData* Host::basic_data() {
 
 Id Host::new_in_spec(const std::string& path) {
     const Id made = make_in_spec(*session_, path);
-    if (const Module* module = module_for(path))
+    if (const Module* module = module_for(path)) {
         session_->in_spec(made).module_signature = module->info.signature;
+    }
     return made;
 }
 

@@ -14,12 +14,14 @@ std::string hex_byte(char byte) {
 }  // namespace
 
 std::string path_problem(HostGeneration generation, const std::string& path) {
-    if (generation == HostGeneration::classic)
+    if (generation == HostGeneration::classic) {
         return {};
+    }
     const std::string_view text = path;
     const auto fault = first_fault(text);
-    if (!fault)
+    if (!fault) {
         return {};
+    }
     return "the path is not UTF-8 (byte " + hex_byte(path[*fault]) + " at offset " + std::to_string(*fault) +
            "), and today's hosts name files in Unicode; only a classic host can be given it";
 }

@@ -21,28 +21,33 @@ Json json_bytes(std::span<const std::uint8_t> bytes) {
 }
 
 Json json_text(std::string_view text) {
-    if (is_utf8(text))
+    if (is_utf8(text)) {
         return Json(std::string(text));
+    }
     return json_bytes({reinterpret_cast<const std::uint8_t*>(text.data()), text.size()});
 }
 
 Json json_text(Utf16View text) {
-    if (const auto utf8 = to_utf8(text))
+    if (const auto utf8 = to_utf8(text)) {
         return Json(*utf8);
+    }
     std::string hex;
     for (const A_UTF16Char unit : text) {
         const unsigned value = unit;
-        for (const unsigned shift : {12U, 8U, 4U, 0U})
+        for (const unsigned shift : {12U, 8U, 4U, 0U}) {
             hex += "0123456789abcdef"[(value >> shift) & 0xFU];
+        }
     }
     return Json{{"utf16", hex}};
 }
 
 Json json_number(double value) {
-    if (std::isnan(value))
+    if (std::isnan(value)) {
         return "nan";
-    if (std::isinf(value))
+    }
+    if (std::isinf(value)) {
         return value > 0 ? "inf" : "-inf";
+    }
     return value;
 }
 
@@ -58,8 +63,9 @@ Json json_code(A_long code) {
     std::array<char, 4> text{};
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = (static_cast<std::uint32_t>(code) >> (24 - 8 * i)) & 0xFFU;
-        if (byte < 0x20 || byte > 0x7E)
+        if (byte < 0x20 || byte > 0x7E) {
             return code;
+        }
         text[i] = static_cast<char>(byte);
     }
     return std::string(text.data(), text.size());

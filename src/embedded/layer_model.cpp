@@ -27,8 +27,9 @@ struct Size {
 };
 
 Size source_size(const Project& project, const Layer& layer) {
-    if (layer.source_item == 0)
+    if (layer.source_item == 0) {
         return {kNullSize_px, kNullSize_px};
+    }
     const Item& source = project.item(layer.source_item);
     if (source.kind == ItemKind::composition) {
         const Composition& composition = project.composition(source.content);
@@ -48,10 +49,12 @@ StreamComponents starting_value(const Project& project, const Layer& layer, AEGP
             return {center.x, center.y, z, 0.0};
         }
         case kLayerStreamAnchorPoint: {
-            if (has_camera_streams(layer.kind))
+            if (has_camera_streams(layer.kind)) {
                 return {center.x, center.y, 0.0, 0.0};
-            if (layer.kind == LayerKind::null)
+            }
+            if (layer.kind == LayerKind::null) {
                 return {};
+            }
             const Size size = source_size(project, layer);
             return {size.width / 2.0, size.height / 2.0, 0.0, 0.0};
         }
@@ -81,8 +84,9 @@ Layer& add_layer(Session& session, Id composition, LayerKind kind, std::string n
     made.kind = kind;
     made.name = std::move(name);
     made.source_item = source_item;
-    if (has_camera_streams(kind))
+    if (has_camera_streams(kind)) {
         made.flags = kLayerFlag3D;
+    }
     Composition& parent = session.composition(composition);
     made.in_point = {0, parent.duration.scale};
     made.offset = made.in_point;
@@ -94,24 +98,29 @@ Layer& add_layer(Session& session, Id composition, LayerKind kind, std::string n
 
 bool can_add_layer(const Project& project, Id item, Id composition) {
     const Item& source = project.item(item);
-    if (source.kind == ItemKind::folder)
+    if (source.kind == ItemKind::folder) {
         return false;
-    if (source.kind == ItemKind::footage)
+    }
+    if (source.kind == ItemKind::footage) {
         return true;
+    }
     // Walked with a list of its own: compositions nest as deep as a file says.
     std::vector<Id> to_visit{source.content};
     std::set<Id> visited;
     while (!to_visit.empty()) {
         const Id next = to_visit.back();
         to_visit.pop_back();
-        if (next == composition)
+        if (next == composition) {
             return false;
-        if (!visited.insert(next).second)
+        }
+        if (!visited.insert(next).second) {
             continue;
+        }
         for (const Id layer : project.composition(next).layers) {
             const Id inner = project.layer(layer).source_item;
-            if (inner != 0 && project.item(inner).kind == ItemKind::composition)
+            if (inner != 0 && project.item(inner).kind == ItemKind::composition) {
                 to_visit.push_back(project.item(inner).content);
+            }
         }
     }
     return true;
@@ -119,8 +128,9 @@ bool can_add_layer(const Project& project, Id item, Id composition) {
 
 A_Time natural_duration(const Project& project, Id item, Id composition) {
     const Item& source = project.item(item);
-    if (source.kind == ItemKind::composition)
+    if (source.kind == ItemKind::composition) {
         return project.composition(source.content).duration;
+    }
     const A_Time duration = project.footage_of(source.content).duration;
     return duration.value == 0 ? project.composition(composition).duration : duration;
 }
@@ -163,8 +173,9 @@ std::optional<StreamShape> stream_shape(const Layer& layer, AEGP_LayerStream kin
 
 Stream* fetch_stream(Session& session, Layer& layer, AEGP_LayerStream kind) {
     const auto shape = stream_shape(layer, kind);
-    if (!shape)
+    if (!shape) {
         return nullptr;
+    }
     const auto [entry, is_new] = layer.streams.try_emplace(kind);
     Stream& stream = entry->second;
     stream.shape = *shape;  // a layer may have become a 3D layer since
@@ -181,8 +192,9 @@ void insert_keyframes(Stream& stream, const std::vector<Session::Additions::Key>
     };
     std::vector<Keyframe> added;
     added.reserve(keys.size());
-    for (const Session::Additions::Key& key : keys)
+    for (const Session::Additions::Key& key : keys) {
         added.push_back({key.time, key.value.value_or(stream.value)});
+    }
     const auto not_earlier = [&](const Keyframe& left, const Keyframe& right) {
         return !earlier(left, right);
     };
@@ -201,10 +213,11 @@ void insert_keyframes(Stream& stream, const std::vector<Session::Additions::Key>
     std::vector<Keyframe> unique;
     unique.reserve(merged.size());
     for (const Keyframe& key : merged) {
-        if (!unique.empty() && compare_times(unique.back().time, key.time) == 0)
+        if (!unique.empty() && compare_times(unique.back().time, key.time) == 0) {
             unique.back() = key;
-        else
+        } else {
             unique.push_back(key);
+        }
     }
     stream.keyframes = std::move(unique);
 }
@@ -255,11 +268,13 @@ std::optional<A_Time> subtract_times(const A_Time& left, const A_Time& right) {
     const auto left_factor = static_cast<std::int64_t>(common / left.scale);
     const auto right_factor = static_cast<std::int64_t>(common / right.scale);
     constexpr std::int64_t kLimit = std::int64_t{1} << 30;  // keeps the difference within 64 bits
-    if (common > std::numeric_limits<A_u_long>::max() || left_factor > kLimit || right_factor > kLimit)
+    if (common > std::numeric_limits<A_u_long>::max() || left_factor > kLimit || right_factor > kLimit) {
         return std::nullopt;
+    }
     const std::int64_t value = left.value * left_factor - right.value * right_factor;
-    if (value < std::numeric_limits<A_long>::min() || value > std::numeric_limits<A_long>::max())
+    if (value < std::numeric_limits<A_long>::min() || value > std::numeric_limits<A_long>::max()) {
         return std::nullopt;
+    }
     return A_Time{static_cast<A_long>(value), static_cast<A_u_long>(common)};
 }
 

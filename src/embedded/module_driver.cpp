@@ -39,8 +39,9 @@ OpenResult abandon(Session& session, Id in_spec, const CallbackResult& callback,
 std::string lower_extension(std::string_view path) {
     const std::size_t dot = path.rfind('.');
     const std::size_t separator = path.find_last_of("/\\");
-    if (dot == std::string_view::npos || (separator != std::string_view::npos && separator > dot))
+    if (dot == std::string_view::npos || (separator != std::string_view::npos && separator > dot)) {
         return {};
+    }
     std::string extension(path.substr(dot));
     std::transform(extension.begin(), extension.end(), extension.begin(), lower);
     return extension;
@@ -49,8 +50,9 @@ std::string lower_extension(std::string_view path) {
 std::string extension_text(const AEIO_FileExt& extension) {
     std::string text = ".";
     for (const A_char c : extension.extension) {
-        if (c != '\0' && c != ' ')
+        if (c != '\0' && c != ' ') {
             text += lower(c);
+        }
     }
     return text;
 }
@@ -59,8 +61,9 @@ const Module* module_for(const Session& session, std::string_view path) {
     const std::string extension = lower_extension(path);
     for (const Module& module : session.modules) {
         const std::vector<std::string> taken = module.extensions();
-        if (std::find(taken.begin(), taken.end(), extension) != taken.end())
+        if (std::find(taken.begin(), taken.end(), extension) != taken.end()) {
             return &module;
+        }
     }
     return nullptr;
 }
@@ -74,8 +77,9 @@ Id make_in_spec(Session& session, const std::string& path) {
 }
 
 OpenResult open_with_module(Session& session, const Module& registered, const std::string& path) {
-    if (std::string problem = path_problem(session.options.generation, path); !problem.empty())
+    if (std::string problem = path_problem(session.options.generation, path); !problem.empty()) {
         return failed({kHostErrorParameter, false}, std::move(problem));
+    }
     const HostPath named(session.options.generation, path);
     const Module module = registered;  // a callback may register more and move the table
     AEIO_BasicData* basic = &session.basic_data;
@@ -90,10 +94,12 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
         return functions.AEIO_VerifyFileImportable(basic, module.info.signature, named.given_to(functions),
                                                    &importable);
     });
-    if (callback.code != kHostErrorNone)
+    if (callback.code != kHostErrorNone) {
         return failed(callback, "the module could not verify the file");
-    if (importable == 0)
+    }
+    if (importable == 0) {
         return failed({kHostErrorGeneric, false}, "the module does not take the file");
+    }
 
     const Id id = make_in_spec(session, path);
     session.in_spec(id).module_signature = module.info.signature;
@@ -101,8 +107,9 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
     callback = ask("AEIO_InitInSpecFromFile", [&](const auto& functions) {
         return functions.AEIO_InitInSpecFromFile(basic, named.given_to(functions), handle);
     });
-    if (callback.code != kHostErrorNone)
+    if (callback.code != kHostErrorNone) {
         return abandon(session, id, callback, "the module could not read the file");
+    }
 
     AEIO_Verbiage verbiage{};
     callback = ask("AEIO_GetInSpecInfo", [&](const auto& functions) {
@@ -141,8 +148,9 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
     }
 
     const InSpec& opened = session.in_spec(id);
-    if (opened.width < 1 || opened.height < 1 || opened.duration.scale == 0)
+    if (opened.width < 1 || opened.height < 1 || opened.duration.scale == 0) {
         return abandon(session, id, {kHostErrorGeneric, false}, "the module gave neither size nor duration");
+    }
     return {{}, {}, id};
 }
 
@@ -154,16 +162,18 @@ DrawResult draw_frame(Session& session, Id id, const FrameShape& shape) {
     }
     const Module* found = nullptr;
     for (const Module& module : session.modules) {
-        if (module.info.signature == session.in_spec(id).module_signature)
+        if (module.info.signature == session.in_spec(id).module_signature) {
             found = &module;
+        }
     }
     if (found == nullptr) {
         drawn.error = "no module serves this in-spec";
         return drawn;
     }
     drawn.error = GuardedFrame::problem_with(shape);
-    if (!drawn.error.empty())
+    if (!drawn.error.empty()) {
         return drawn;
+    }
 
     const Module module = *found;
     GuardedFrame frame(shape);
@@ -183,8 +193,9 @@ DrawResult draw_frame(Session& session, Id id, const FrameShape& shape) {
                                                   &flags);
         });
     });
-    if (const auto damage = frame.damage())
+    if (const auto damage = frame.damage()) {
         session.discipline.add({Breach::write_outside_frame, 0, "AEIO_DrawSparseFrame", *damage});
+    }
     drawn.width_px = shape.width_px;
     drawn.height_px = shape.height_px;
     drawn.pixels = frame.pixels();
@@ -192,13 +203,15 @@ DrawResult draw_frame(Session& session, Id id, const FrameShape& shape) {
 }
 
 CallbackResult dispose_in_spec(Session& session, Id id) {
-    if (id < 1 || Project::index(id) >= session.project.in_specs.size() || session.in_spec(id).disposed)
+    if (id < 1 || Project::index(id) >= session.project.in_specs.size() || session.in_spec(id).disposed) {
         return {kHostErrorParameter, false};
+    }
     session.in_spec(id).disposed = true;
     CallbackResult result;
     for (const Module& registered : session.modules) {
-        if (registered.info.signature != session.in_spec(id).module_signature)
+        if (registered.info.signature != session.in_spec(id).module_signature) {
             continue;
+        }
         const Module module = registered;
         session.basic_data.refcon = module.refcon;
         const auto handle = session.handles.handle<AEIO_InSpecH>(id);

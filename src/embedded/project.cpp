@@ -21,8 +21,9 @@ int component_count(StreamShape shape) {
 std::vector<Id> Project::children_of(Id folder) const {
     std::vector<Id> children;
     for (const Item& candidate : items) {
-        if (candidate.parent_folder == folder)
+        if (candidate.parent_folder == folder) {
             children.push_back(candidate.id);
+        }
     }
     return children;
 }

@@ -36,8 +36,9 @@ Complaint each(const char* word, const Table& table, const Check& check) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         const Id expected = static_cast<Id>(i) + 1;
         const char* const wrong = table[i].id != expected ? "it stands in another's place" : check(table[i]);
-        if (wrong != nullptr)
+        if (wrong != nullptr) {
             return named(word, expected) + ": " + wrong;
+        }
     }
     return std::nullopt;
 }
@@ -67,23 +68,28 @@ const char* wrong_item(const Project& project, const Item& item) {
     }
     // Nothing is ever moved, so a folder is older than what it holds, and there are no circles.
     if (item.parent_folder < 1 || item.parent_folder >= item.id ||
-        project.item(item.parent_folder).kind != ItemKind::folder)
+        project.item(item.parent_folder).kind != ItemKind::folder) {
         return "it is in no folder";
-    if (item.kind != ItemKind::footage && item.name.size() > kMaxNameLength)
+    }
+    if (item.kind != ItemKind::footage && item.name.size() > kMaxNameLength) {
         return "its name is longer than names are";
+    }
     return wrong_content(project, item);
 }
 
 const char* wrong_sequence(const SequenceFrames& frames) {
-    if (frames.count < 1 || frames.padding < 1 || frames.range.first > frames.range.last)
+    if (frames.count < 1 || frames.padding < 1 || frames.range.first > frames.range.last) {
         return "its sequence has no frames";
-    if (frames.gaps.empty())
+    }
+    if (frames.gaps.empty()) {
         return nullptr;
+    }
     std::int64_t there = frames.range.last - frames.range.first + 1;
     std::int64_t next = frames.range.first + 1;  // the first file is there, so no gap begins earlier
     for (const FrameRange& gap : frames.gaps) {
-        if (gap.first < next || gap.last < gap.first || gap.last >= frames.range.last)
+        if (gap.first < next || gap.last < gap.first || gap.last >= frames.range.last) {
             return "its gaps are out of order or outside the sequence";
+        }
         there -= gap.last - gap.first + 1;
         next = gap.last + 2;
     }
@@ -93,49 +99,63 @@ const char* wrong_sequence(const SequenceFrames& frames) {
 const char* wrong_footage(const Project& project, const Footage& footage) {
     if (footage.item != 0 &&
         !(exists(project.items, footage.item) && project.item(footage.item).kind == ItemKind::footage &&
-          project.item(footage.item).content == footage.id))
+          project.item(footage.item).content == footage.id)) {
         return "its item is another's or none";
-    if (footage.width < 1 || footage.height < 1)
+    }
+    if (footage.width < 1 || footage.height < 1) {
         return "it has no pixels";
-    if (!is_time(footage.duration))
+    }
+    if (!is_time(footage.duration)) {
         return "its duration has no scale";
+    }
     const bool is_placeholder = footage.kind == FootageKind::placeholder;
-    if (is_placeholder != footage.path.empty())
+    if (is_placeholder != footage.path.empty()) {
         return "it has a path and is a placeholder, or neither";
-    if (is_placeholder && footage.name.size() > kMaxNameLength)
+    }
+    if (is_placeholder && footage.name.size() > kMaxNameLength) {
         return "its name is longer than names are";
+    }
     if ((footage.kind == FootageKind::module_file) != (footage.in_spec != 0) ||
-        (footage.in_spec != 0 && !exists(project.in_specs, footage.in_spec)))
+        (footage.in_spec != 0 && !exists(project.in_specs, footage.in_spec))) {
         return "its in-spec is missing, or none of a module's";
-    if (footage.sequence && footage.kind != FootageKind::sequence)
+    }
+    if (footage.sequence && footage.kind != FootageKind::sequence) {
         return "it is no sequence and has frames";
+    }
     return footage.sequence ? wrong_sequence(*footage.sequence) : nullptr;
 }
 
 const char* wrong_composition(const Project& project, const Composition& composition) {
     if (!exists(project.items, composition.item) ||
         project.item(composition.item).kind != ItemKind::composition ||
-        project.item(composition.item).content != composition.id)
+        project.item(composition.item).content != composition.id) {
         return "its item is another's or none";
-    if (composition.width < 1 || composition.height < 1)
+    }
+    if (composition.width < 1 || composition.height < 1) {
         return "it has no pixels";
+    }
     if (!is_time(composition.duration) || !is_positive(composition.pixel_aspect) ||
-        !is_positive(composition.frame_rate))
+        !is_positive(composition.frame_rate)) {
         return "its duration, pixel aspect or frame rate is no number";
+    }
     return nullptr;
 }
 
 const char* wrong_stream(AEGP_LayerStream kind, const Stream& stream) {
-    if (stream.kind != kind)
+    if (stream.kind != kind) {
         return "a stream stands in another's place";
-    if (component_count(stream.shape) == 0)
+    }
+    if (component_count(stream.shape) == 0) {
         return "a stream has no components";
+    }
     const Keyframe* before = nullptr;
     for (const Keyframe& key : stream.keyframes) {
-        if (!is_time(key.time))
+        if (!is_time(key.time)) {
             return "the time of a key has no scale";
-        if (before != nullptr && compare_times(before->time, key.time) >= 0)
+        }
+        if (before != nullptr && compare_times(before->time, key.time) >= 0) {
             return "the keys of a stream are out of order";
+        }
         before = &key;
     }
     return nullptr;
@@ -143,8 +163,9 @@ const char* wrong_stream(AEGP_LayerStream kind, const Stream& stream) {
 
 const char* wrong_source(const Project& project, const Layer& layer) {
     const bool needs_source = layer.kind == LayerKind::footage || layer.kind == LayerKind::composition;
-    if (!needs_source)
+    if (!needs_source) {
         return layer.source_item == 0 ? nullptr : "it has a source and is of a kind without";
+    }
     const ItemKind wanted = layer.kind == LayerKind::footage ? ItemKind::footage : ItemKind::composition;
     return exists(project.items, layer.source_item) && project.item(layer.source_item).kind == wanted
                ? nullptr
@@ -152,22 +173,29 @@ const char* wrong_source(const Project& project, const Layer& layer) {
 }
 
 const char* wrong_layer(const Project& project, const Layer& layer) {
-    if (!exists(project.compositions, layer.composition))
+    if (!exists(project.compositions, layer.composition)) {
         return "it is in no composition";
-    if (const char* wrong = wrong_source(project, layer))
+    }
+    if (const char* wrong = wrong_source(project, layer)) {
         return wrong;
-    if (!is_time(layer.in_point) || !is_time(layer.duration) || !is_time(layer.offset))
+    }
+    if (!is_time(layer.in_point) || !is_time(layer.duration) || !is_time(layer.offset)) {
         return "a time has no scale";
-    if (layer.source_item == 0 && layer.name.size() > kMaxNameLength)
+    }
+    if (layer.source_item == 0 && layer.name.size() > kMaxNameLength) {
         return "its name is longer than names are";
+    }
     const bool is_centered = layer.kind == LayerKind::camera || layer.kind == LayerKind::light;
-    if (layer.center.has_value() != is_centered)
+    if (layer.center.has_value() != is_centered) {
         return "only cameras and lights have a centre";
-    if (layer.light_type && layer.kind != LayerKind::light)
+    }
+    if (layer.light_type && layer.kind != LayerKind::light) {
         return "only lights are of a kind of light";
+    }
     for (const auto& [kind, stream] : layer.streams) {
-        if (const char* wrong = wrong_stream(kind, stream))
+        if (const char* wrong = wrong_stream(kind, stream)) {
             return wrong;
+        }
     }
     return nullptr;
 }
@@ -177,16 +205,19 @@ Complaint stacking_complaint(const Project& project) {
     std::vector<bool> seen(project.layers.size(), false);
     for (const Composition& composition : project.compositions) {
         for (const Id layer : composition.layers) {
-            if (!exists(project.layers, layer) || project.layer(layer).composition != composition.id)
+            if (!exists(project.layers, layer) || project.layer(layer).composition != composition.id) {
                 return named("comp", composition.id) + ": one of its layers is another's or none";
-            if (seen[Project::index(layer)])
+            }
+            if (seen[Project::index(layer)]) {
                 return named("comp", composition.id) + ": a layer is in it twice";
+            }
             seen[Project::index(layer)] = true;
         }
     }
     for (std::size_t i = 0; i < seen.size(); ++i) {
-        if (!seen[i])
+        if (!seen[i]) {
             return named("layer", static_cast<Id>(i) + 1) + ": its composition does not know it";
+        }
     }
     return std::nullopt;
 }
@@ -194,8 +225,9 @@ Complaint stacking_complaint(const Project& project) {
 /// The composition that a layer shows, by its place in the table, if it is one that shows one.
 std::optional<std::size_t> shown_by(const Project& project, Id layer) {
     const Layer& looked_at = project.layer(layer);
-    if (looked_at.kind != LayerKind::composition)
+    if (looked_at.kind != LayerKind::composition) {
         return std::nullopt;
+    }
     return Project::index(project.item(looked_at.source_item).content);
 }
 
@@ -203,13 +235,15 @@ std::optional<std::size_t> shown_by(const Project& project, Id layer) {
 Complaint nesting_complaint(const Project& project) {
     std::vector<std::int64_t> shown(project.compositions.size(), 0);
     for (const Layer& layer : project.layers) {
-        if (const auto inner = shown_by(project, layer.id))
+        if (const auto inner = shown_by(project, layer.id)) {
             ++shown[*inner];
+        }
     }
     std::vector<std::size_t> free;
     for (std::size_t i = 0; i < shown.size(); ++i) {
-        if (shown[i] == 0)
+        if (shown[i] == 0) {
             free.push_back(i);
+        }
     }
     std::size_t taken = 0;
     while (!free.empty()) {
@@ -218,8 +252,9 @@ Complaint nesting_complaint(const Project& project) {
         ++taken;
         for (const Id layer : outer.layers) {
             const auto inner = shown_by(project, layer);
-            if (inner && --shown[*inner] == 0)
+            if (inner && --shown[*inner] == 0) {
                 free.push_back(*inner);
+            }
         }
     }
     return taken == shown.size() ? std::nullopt : Complaint("a composition is a layer of itself");
@@ -227,8 +262,9 @@ Complaint nesting_complaint(const Project& project) {
 
 Complaint undo_complaint(const Project& project) {
     for (const UndoStep& step : project.undo_steps) {
-        if (!step.closed || step.changes < 0)
+        if (!step.closed || step.changes < 0) {
             return "undo step \"" + step.name + "\": it is open, or of less than no changes";
+        }
     }
     return std::nullopt;
 }
@@ -236,28 +272,35 @@ Complaint undo_complaint(const Project& project) {
 }  // namespace
 
 std::optional<std::string> project_complaint(const Project& project) {
-    if (project.items.empty())
+    if (project.items.empty()) {
         return "there is no root folder";
+    }
     Complaint found =
         each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
-    if (!found)
+    if (!found) {
         found = each("footage", project.footage,
                      [&](const Footage& footage) { return wrong_footage(project, footage); });
-    if (!found)
+    }
+    if (!found) {
         found = each("comp", project.compositions,
                      [&](const Composition& composition) { return wrong_composition(project, composition); });
-    if (!found)
+    }
+    if (!found) {
         found =
             each("layer", project.layers, [&](const Layer& layer) { return wrong_layer(project, layer); });
-    if (!found)
+    }
+    if (!found) {
         found = each("inspec", project.in_specs, [](const InSpec& in_spec) {
             // One that was given up keeps what the module said.
             return in_spec.disposed || is_time(in_spec.duration) ? nullptr : "its duration has no scale";
         });
-    if (!found)
+    }
+    if (!found) {
         found = stacking_complaint(project);
-    if (!found)
+    }
+    if (!found) {
         found = nesting_complaint(project);
+    }
     return found ? found : undo_complaint(project);
 }
 

@@ -100,8 +100,9 @@ const char* stream_word(AEGP_LayerStream kind) {
 }
 
 Json json_light_type(const std::optional<AEGP_LightType>& type) {
-    if (!type)
+    if (!type) {
         return {};
+    }
     switch (*type) {
         case kLightTypeParallel:
             return "parallel";
@@ -123,11 +124,13 @@ Json json_item(const Item& item) {
 }
 
 Json json_sequence(const std::optional<SequenceFrames>& sequence) {
-    if (!sequence)
+    if (!sequence) {
         return {};
+    }
     Json gaps = Json::array();
-    for (const FrameRange& gap : sequence->gaps)
+    for (const FrameRange& gap : sequence->gaps) {
         gaps.push_back(Json{{"first", gap.first}, {"last", gap.last}});
+    }
     return Json{{"pattern", json_text(sequence->pattern)},
                 {"first", sequence->range.first},
                 {"last", sequence->range.last},
@@ -157,9 +160,10 @@ Json json_footage(const Footage& footage) {
 
 Json json_stream(const Stream& stream) {
     Json keyframes = Json::array();
-    for (const Keyframe& key : stream.keyframes)
+    for (const Keyframe& key : stream.keyframes) {
         keyframes.push_back(
             Json{{"time", json_time(key.time)}, {"value", json_components(key.value, stream.shape)}});
+    }
     return Json{{"kind", stream.kind},
                 {"name", stream_word(stream.kind)},
                 {"shape", word(stream.shape)},
@@ -170,8 +174,9 @@ Json json_stream(const Stream& stream) {
 
 Json json_layer(const Layer& layer) {
     Json streams = Json::array();
-    for (const auto& [kind, stream] : layer.streams)
+    for (const auto& [kind, stream] : layer.streams) {
         streams.push_back(json_stream(stream));
+    }
     return Json{{"id", layer.id},
                 {"kind", word(layer.kind)},
                 {"name", json_text(layer.name)},
@@ -193,8 +198,9 @@ Json json_layer(const Layer& layer) {
 
 Json json_composition(const Project& project, const Composition& composition) {
     Json layers = Json::array();
-    for (const Id layer : composition.layers)
+    for (const Id layer : composition.layers) {
         layers.push_back(json_layer(project.layer(layer)));
+    }
     return Json{{"id", composition.id},
                 {"item", composition.item},
                 {"width", composition.width},
@@ -227,8 +233,9 @@ Json json_in_spec(const InSpec& in_spec) {
 template <class List, class ToJson>
 Json json_list(const List& list, const ToJson& to_json) {
     Json all = Json::array();
-    for (const auto& entry : list)
+    for (const auto& entry : list) {
         all.push_back(to_json(entry));
+    }
     return all;
 }
 

@@ -30,12 +30,14 @@ bool has_padding(std::string_view digits, std::size_t padding) {
 /// The padding of the numbering that `digits` belongs to. A number without leading zeros may belong to a
 /// padded numbering that it fills or has outgrown; the padded names beside it tell.
 std::size_t padding_of(std::string_view digits, const std::vector<std::string>& all) {
-    if (is_padded(digits))
+    if (is_padded(digits)) {
         return digits.size();
+    }
     std::size_t padding = 1;
     for (const std::string& other : all) {
-        if (is_padded(other) && other.size() <= digits.size())
+        if (is_padded(other) && other.size() <= digits.size()) {
             padding = std::max(padding, other.size());
+        }
     }
     return padding;
 }
@@ -46,11 +48,13 @@ std::vector<std::string> numbers_beside(const std::string& folder, const Numbere
     for (const std::string& candidate : os::regular_files_in(folder.empty() ? "." : folder)) {
         const std::size_t outer = name.prefix.size() + name.suffix.size();
         if (candidate.size() <= outer || candidate.size() > outer + kMaxDigits ||
-            !candidate.starts_with(name.prefix) || !candidate.ends_with(name.suffix))
+            !candidate.starts_with(name.prefix) || !candidate.ends_with(name.suffix)) {
             continue;
+        }
         const std::string digits = candidate.substr(name.prefix.size(), candidate.size() - outer);
-        if (digits.find_first_not_of(kDigits) == std::string::npos)
+        if (digits.find_first_not_of(kDigits) == std::string::npos) {
             numbers.push_back(digits);
+        }
     }
     return numbers;
 }
@@ -61,13 +65,15 @@ std::optional<NumberedName> split_number(std::string_view file_name) {
     const std::size_t dot = file_name.rfind('.');
     const std::string_view stem = file_name.substr(0, dot);  // npos: all of it
     const std::size_t last = stem.find_last_of(kDigits);
-    if (last == std::string_view::npos)
+    if (last == std::string_view::npos) {
         return std::nullopt;
+    }
     const std::size_t before = stem.find_last_not_of(kDigits, last);
     const std::size_t first = before == std::string_view::npos ? 0 : before + 1;
     const std::size_t count = last - first + 1;
-    if (count > kMaxDigits)
+    if (count > kMaxDigits) {
         return std::nullopt;
+    }
     return NumberedName{std::string(file_name.substr(0, first)), std::string(file_name.substr(first, count)),
                         std::string(file_name.substr(last + 1))};
 }
@@ -75,8 +81,9 @@ std::optional<NumberedName> split_number(std::string_view file_name) {
 std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames) {
     std::vector<FrameRange> gaps;
     for (std::size_t i = 1; i < frames.size(); ++i) {
-        if (frames[i] - frames[i - 1] > 1)
+        if (frames[i] - frames[i - 1] > 1) {
             gaps.push_back({frames[i - 1] + 1, frames[i] - 1});
+        }
     }
     return gaps;
 }
@@ -84,8 +91,9 @@ std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames) {
 std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request) {
     const std::filesystem::path file = os::path_of(path);
     const auto name = split_number(os::text_of(file.filename()));
-    if (!name)
+    if (!name) {
         return std::nullopt;
+    }
     const std::vector<std::string> numbers = numbers_beside(os::text_of(file.parent_path()), *name);
     const std::size_t padding = padding_of(name->digits, numbers);
     const bool named_file_only = !request.whole_folder && !request.first && !request.last;
@@ -94,12 +102,14 @@ std::optional<SequenceFrames> find_sequence(const std::string& path, const Seque
     for (const std::string& digits : numbers) {
         const std::int64_t frame = number_of(digits);
         if (!has_padding(digits, padding) || (named_file_only && digits != name->digits) ||
-            (request.first && frame < *request.first) || (request.last && frame > *request.last))
+            (request.first && frame < *request.first) || (request.last && frame > *request.last)) {
             continue;
+        }
         frames.push_back(frame);
     }
-    if (frames.empty())
+    if (frames.empty()) {
         return std::nullopt;
+    }
     std::sort(frames.begin(), frames.end());
 
     SequenceFrames found;
@@ -107,8 +117,9 @@ std::optional<SequenceFrames> find_sequence(const std::string& path, const Seque
     found.range = {frames.front(), frames.back()};
     found.count = static_cast<std::int64_t>(frames.size());
     found.padding = static_cast<int>(padding);
-    if (!request.ignore_numbers)
+    if (!request.ignore_numbers) {
         found.gaps = gaps_between(frames);
+    }
     return found;
 }
 

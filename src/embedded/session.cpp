@@ -56,21 +56,24 @@ Session* Session::active() {
 }
 
 Session::Session(HostOptions host_options) : options(std::move(host_options)) {
-    if (active_session() != nullptr)
+    if (active_session() != nullptr) {
         throw std::logic_error("another host lives in this process");
+    }
     for (const Fault& fault : options.faults) {
         const auto known = std::find_if(kFunctions.begin(), kFunctions.end(), [&fault](const auto& function) {
             return function.can_fail && fault.function == function.name;
         });
-        if (known == kFunctions.end())
+        if (known == kFunctions.end()) {
             throw std::invalid_argument("no host function \"" + fault.function + "\" that can fail");
+        }
         faults_.emplace_back(static_cast<Fn>(known - kFunctions.begin()), fault);
     }
     handles.make<AEGP_ProjectH>();
     handles.make<AEGP_ItemH>();  // the root folder
     handles.make<AEGP_PersistentBlobH>();
-    if (options.alpha_preference)
+    if (options.alpha_preference) {
         project.preferences[{kPreferenceSection, kAlphaPreference}] = {*options.alpha_preference};
+    }
     basic_data = {message_function, basic_suite_table(), plugin_id, nullptr};
     active_session() = this;
 }
@@ -81,8 +84,9 @@ Session::~Session() {
 
 const A_Err* Session::fault_of(Fn function, std::int64_t nth) const {
     for (const auto& [faulty, fault] : faults_) {
-        if (faulty == function && fault.nth == nth)
+        if (faulty == function && fault.nth == nth) {
             return &fault.code;
+        }
     }
     return nullptr;
 }
@@ -132,16 +136,18 @@ void Session::left(Breach breach, const std::string& callback, std::string text)
 
 void Session::check_left_behind(const Marks& since, const std::string& callback) {
     for (Id id = since.additions + 1; id <= handles.made(HandleKind::additions); ++id) {
-        if (!handles.alive(HandleKind::additions, id))
+        if (!handles.alive(HandleKind::additions, id)) {
             continue;
+        }
         handles.kill(HandleKind::additions, id);
         left(Breach::additions_not_ended, callback,
              "additions:" + std::to_string(id) + " of stream:" +
                  std::to_string(additions[Project::index(id)].stream_ref) + " were started and never ended");
     }
     for (Id id = since.streams + 1; id <= handles.made(HandleKind::stream); ++id) {
-        if (!handles.alive(HandleKind::stream, id))
+        if (!handles.alive(HandleKind::stream, id)) {
             continue;
+        }
         handles.kill(HandleKind::stream, id);
         left(Breach::stream_not_disposed, callback,
              "stream:" + std::to_string(id) + " of layer:" +
@@ -150,8 +156,9 @@ void Session::check_left_behind(const Marks& since, const std::string& callback)
     footage_reported_.resize(project.footage.size(), false);
     for (std::size_t i = since.footage; i < project.footage.size(); ++i) {
         const Footage& made = project.footage[i];
-        if (made.item != 0 || footage_reported_[i])
+        if (made.item != 0 || footage_reported_[i]) {
             continue;
+        }
         footage_reported_[i] = true;
         left(Breach::footage_never_adopted, callback,
              "footage:" + std::to_string(made.id) + " was made and never added to the project");
@@ -160,8 +167,9 @@ void Session::check_left_behind(const Marks& since, const std::string& callback)
         left(Breach::undo_group_unbalanced, callback,
              std::to_string(undo_depth - since.undo_depth) + " undo groups were left open");
         undo_depth = since.undo_depth;
-        if (undo_depth == 0)
+        if (undo_depth == 0) {
             project.undo_steps.back().closed = true;
+        }
     }
     check_memory(since, callback);
     check_suites(since, callback);
@@ -171,10 +179,11 @@ void Session::check_suites(const Marks& since, const std::string& callback) {
     for (std::size_t suite = 0; suite < kSuiteCount; ++suite) {
         const int kept = suites_acquired[suite] - since.suites[suite];
         suites_acquired[suite] = std::min(suites_acquired[suite], since.suites[suite]);
-        if (kept > 0 && !is_kept_suite(suite))
+        if (kept > 0 && !is_kept_suite(suite)) {
             left(Breach::suite_not_released, callback,
                  suite_text(static_cast<SuiteId>(suite)) + " was acquired and not released, " +
                      std::to_string(kept) + " times");
+        }
     }
 }
 
@@ -191,8 +200,9 @@ void Session::check_memory(const Marks& since, const std::string& callback) {
 
 void Session::left_memory(Id id, const std::string& callback) {
     MemoryBlock& block = memory.block(id);
-    if (!block.alive() || block.reported || block.in_spec != 0)
+    if (!block.alive() || block.reported || block.in_spec != 0) {
         return;
+    }
     block.reported = true;
     left(Breach::memory_left_alive, callback,
          memory_text(block) + " of " + std::to_string(block.size_bytes) + " bytes was left alive");
@@ -200,12 +210,14 @@ void Session::left_memory(Id id, const std::string& callback) {
 
 void Session::unload() {
     for (Id id = 1; id <= static_cast<Id>(project.in_specs.size()); ++id) {
-        if (!in_spec(id).disposed)
+        if (!in_spec(id).disposed) {
             dispose_in_spec(*this, id);
+        }
     }
     const auto hooks = std::move(death_hooks);
-    for (const auto& registered : hooks)
+    for (const auto& registered : hooks) {
         run("death hook", [&] { return registered.first(global_refcon, registered.second); });
+    }
     check_left_behind(Marks{}, "the host's life");
     forget_registrations();
     bundle.reset();
@@ -229,14 +241,17 @@ std::string Session::suite_text(SuiteId suite) const {
 
 void Session::refuse_handle(HandleKind kind, const void* handle, const char* argument) {
     const std::string what(argument);
-    if (handle == nullptr)
+    if (handle == nullptr) {
         refuse(Breach::bad_argument, what + " is null");
+    }
     const HandleTable::Token* token = handles.find(handle);
-    if (token == nullptr)
+    if (token == nullptr) {
         refuse(Breach::foreign_handle, what + " is no handle of this host");
-    if (token->kind != kind)
+    }
+    if (token->kind != kind) {
         refuse(Breach::foreign_handle,
                what + " is " + handles.text(handle) + ", which is no " + handle_word(kind));
+    }
     refuse(kind == HandleKind::memory ? Breach::memory_use_after_free : Breach::dead_handle,
            what + " is " + handles.text(handle) + ", which is gone");
 }
@@ -248,9 +263,10 @@ Id Session::folder_id(AEGP_ItemH handle, const char* argument) {
 }
 
 void Session::require_plugin(AEGP_PluginID id_given) {
-    if (id_given != plugin_id)
+    if (id_given != plugin_id) {
         refuse(Breach::bad_argument,
                "plugin_id is " + std::to_string(id_given) + " and not " + std::to_string(plugin_id));
+    }
 }
 
 const A_Time& Session::require_time(const A_Time* time, const char* argument) {
@@ -267,32 +283,36 @@ const A_Ratio& Session::require_positive(const A_Ratio* ratio, const char* argum
 
 std::string Session::name(const A_char* text, const char* argument) {
     const std::size_t length = std::strlen(&require(text, argument));
-    if (length > kMaxNameLength)
+    if (length > kMaxNameLength) {
         found(Breach::name_cut, std::string(argument) + " has " + std::to_string(length) +
                                     " bytes and is cut after " + std::to_string(kMaxNameLength));
+    }
     return {text, std::min(length, kMaxNameLength)};
 }
 
 std::string Session::path(const A_UTF16Char* text, const char* argument) {
     const Utf16View units(&require(text, argument));
-    if (const auto fault = first_fault(units))
+    if (const auto fault = first_fault(units)) {
         refuse(Breach::bad_argument, std::string(argument) + " is not UTF-16: unit " +
                                          std::to_string(*fault) +
                                          " is half of a pair without the other half");
+    }
     return *to_utf8(units);
 }
 
 AEGP_MemHandle Session::lend_path(const std::string& path) {
     const auto units = to_utf16(path);
-    if (!units)
+    if (!units) {
         throw Refusal{kHostErrorGeneric};
+    }
     const std::size_t size_bytes = (units->size() + 1) * sizeof(A_UTF16Char);
     MemoryBlock* block =
         size_bytes > kMaxLent_bytes
             ? nullptr
             : memory.allocate("path for the plug-in", static_cast<AEGP_MemSize>(size_bytes), false);
-    if (block == nullptr)
+    if (block == nullptr) {
         throw Refusal{kHostErrorAllocation};
+    }
     std::memcpy(block->bytes.get(), units->c_str(), size_bytes);
     return handles.make<AEGP_MemHandle>();
 }
@@ -300,10 +320,11 @@ AEGP_MemHandle Session::lend_path(const std::string& path) {
 // --- changes
 
 void Session::changed() {
-    if (undo_depth == 0)
+    if (undo_depth == 0) {
         found(Breach::change_outside_undo_group, "the project was changed outside an undo group");
-    else
+    } else {
         ++project.undo_steps.back().changes;
+    }
 }
 
 Item& Session::add_item(ItemKind kind, std::string item_name, Id parent_folder, Id content) {

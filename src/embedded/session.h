@@ -97,8 +97,9 @@ class Session {
     }
 
     void passing(Passage passage, std::string_view what) const {
-        if (watcher)
+        if (watcher) {
             watcher(passage, what);
+        }
     }
 
     // --- calls of the host into the bundle
@@ -121,8 +122,9 @@ class Session {
 
     template <class T>
     T& require(T* pointer, const char* argument) {
-        if (pointer == nullptr)
+        if (pointer == nullptr) {
             refuse(Breach::bad_argument, std::string(argument) + " is null");
+        }
         return *pointer;
     }
     /// The id of a living handle of its own kind.
@@ -130,16 +132,18 @@ class Session {
     Id id(H handle, const char* argument) {
         constexpr HandleKind kKind = HandleKindOf<H>::value;
         const HandleTable::Token* const token = handles.find(handle);
-        if (token == nullptr || token->kind != kKind || !token->alive)
+        if (token == nullptr || token->kind != kKind || !token->alive) {
             refuse_handle(kKind, handle, argument);
+        }
         return token->id;
     }
     /// The id of a folder's item.
     Id folder_id(AEGP_ItemH handle, const char* argument);
     void require_plugin(AEGP_PluginID id_given);
     void require_true(bool holds, const char* argument, const char* rule) {
-        if (!holds)
+        if (!holds) {
             refuse(Breach::bad_argument, std::string(argument) + " " + rule);
+        }
     }
     const A_Time& require_time(const A_Time* time, const char* argument);
     const A_Ratio& require_positive(const A_Ratio* ratio, const char* argument);

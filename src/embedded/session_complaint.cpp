@@ -38,9 +38,10 @@ Complaint count_complaint(const Session& session) {
     }};
     for (const Held& held : all) {
         const auto made = static_cast<std::size_t>(session.handles.made(held.kind));
-        if (made != held.things)
+        if (made != held.things) {
             return std::string(handle_word(held.kind)) + ": " + std::to_string(made) + " handles for " +
                    std::to_string(held.things) + " things";
+        }
     }
     return std::nullopt;
 }
@@ -51,11 +52,13 @@ Complaint handles_complaint(const Session& session, const IsAlive& is_alive) {
     constexpr HandleKind kKind = HandleKindOf<H>::value;
     for (Id id = 1; id <= session.handles.made(kKind); ++id) {
         const HandleTable::Token* const token = session.handles.find(session.handles.handle<H>(id));
-        if (token == nullptr || token->kind != kKind || token->id != id)
+        if (token == nullptr || token->kind != kKind || token->id != id) {
             return named(kKind, id) + ": its handle stands for something else";
-        if (token->alive != is_alive(id))
+        }
+        if (token->alive != is_alive(id)) {
             return named(kKind, id) + (token->alive ? ": it is gone and its handle is not"
                                                     : ": its handle is gone and it is not");
+        }
     }
     return std::nullopt;
 }
@@ -65,24 +68,32 @@ Complaint all_handles_complaint(const Session& session) {
     // Between callbacks nothing of these is open: what a callback leaves behind is ended at its end.
     const auto never = [](Id) { return false; };
     Complaint found = handles_complaint<AEGP_ProjectH>(session, always);
-    if (!found)
+    if (!found) {
         found = handles_complaint<AEGP_ItemH>(session, always);
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEGP_CompH>(session, always);
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEGP_LayerH>(session, always);
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEGP_FootageH>(session, always);
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEGP_StreamRefH>(session, never);
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEGP_AddKeyframesInfoH>(session, never);
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEGP_MemHandle>(
             session, [&](Id id) { return session.memory.blocks()[Project::index(id)].alive(); });
-    if (!found)
+    }
+    if (!found) {
         found = handles_complaint<AEIO_InSpecH>(session,
                                                 [&](Id id) { return !session.project.in_spec(id).disposed; });
+    }
     return found;
 }
 
@@ -91,13 +102,15 @@ Complaint stream_complaint(const Session& session) {
         const Session::StreamRef& ref = session.stream_refs[i];
         const bool known = ref.layer >= 1 && Project::index(ref.layer) < session.project.layers.size() &&
                            session.project.layer(ref.layer).streams.count(ref.kind) == 1;
-        if (!known)
+        if (!known) {
             return named(HandleKind::stream, static_cast<Id>(i) + 1) + ": no layer has it";
+        }
     }
     for (std::size_t i = 0; i < session.additions.size(); ++i) {
         const Id ref = session.additions[i].stream_ref;
-        if (ref < 1 || Project::index(ref) >= session.stream_refs.size())
+        if (ref < 1 || Project::index(ref) >= session.stream_refs.size()) {
             return named(HandleKind::additions, static_cast<Id>(i) + 1) + ": they are for no stream";
+        }
     }
     return std::nullopt;
 }
@@ -107,23 +120,28 @@ Complaint memory_complaint(const Session& session) {
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         const MemoryBlock& block = blocks[i];
         const std::string here = named(HandleKind::memory, static_cast<Id>(i) + 1);
-        if (block.id != static_cast<Id>(i) + 1)
+        if (block.id != static_cast<Id>(i) + 1) {
             return here + ": it stands in another's place";
-        if (block.locks < 0)
+        }
+        if (block.locks < 0) {
             return here + ": it is locked less often than not at all";
+        }
         const auto in_specs = static_cast<Id>(session.project.in_specs.size());
         const bool attached = block.in_spec >= 1 && block.in_spec <= in_specs &&
                               session.project.in_spec(block.in_spec).options == block.id;
-        if (block.in_spec != 0 && !attached)
+        if (block.in_spec != 0 && !attached) {
             return here + ": its in-spec has other options";
+        }
     }
     for (const InSpec& in_spec : session.project.in_specs) {
-        if (in_spec.options == 0)
+        if (in_spec.options == 0) {
             continue;
+        }
         const bool there = in_spec.options >= 1 && Project::index(in_spec.options) < blocks.size();
         if (!there || blocks[Project::index(in_spec.options)].in_spec != in_spec.id ||
-            !blocks[Project::index(in_spec.options)].alive())
+            !blocks[Project::index(in_spec.options)].alive()) {
             return named(HandleKind::in_spec, in_spec.id) + ": its options are another's or gone";
+        }
     }
     return std::nullopt;
 }
@@ -132,10 +150,12 @@ Complaint memory_complaint(const Session& session) {
 
 std::optional<std::string> session_complaint(const Session& session) {
     Complaint found = count_complaint(session);
-    if (!found)
+    if (!found) {
         found = all_handles_complaint(session);
-    if (!found)
+    }
+    if (!found) {
         found = stream_complaint(session);
+    }
     return found ? found : memory_complaint(session);
 }
 

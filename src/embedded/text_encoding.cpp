@@ -20,10 +20,12 @@ std::size_t utf8_sequence_length(std::string_view text) {
         return byte(i) >= low && byte(i) <= high;
     };
     const unsigned first = byte(0);
-    if (first < 0x80U)
+    if (first < 0x80U) {
         return 1;
-    if (first >= 0xC2U && first <= 0xDFU)
+    }
+    if (first >= 0xC2U && first <= 0xDFU) {
         return continues(1) ? 2 : 0;
+    }
     if (first >= 0xE0U && first <= 0xEFU) {
         const unsigned low = first == 0xE0U ? 0xA0U : 0x80U;   // no overlong forms
         const unsigned high = first == 0xEDU ? 0x9FU : 0xBFU;  // no surrogates
@@ -41,22 +43,25 @@ std::size_t utf8_sequence_length(std::string_view text) {
 unsigned code_point_of(std::string_view text, std::size_t length) {
     constexpr unsigned kBitsOfFirst[] = {0, 0x7FU, 0x1FU, 0x0FU, 0x07U};  // by length
     unsigned code_point = static_cast<unsigned char>(text[0]) & kBitsOfFirst[length];
-    for (std::size_t i = 1; i < length; ++i)
+    for (std::size_t i = 1; i < length; ++i) {
         code_point = (code_point << 6U) | (static_cast<unsigned char>(text[i]) & 0x3FU);
+    }
     return code_point;
 }
 
 /// How many units the well-formed sequence at the start of `text` has, 0 when there is none.
 std::size_t utf16_sequence_length(Utf16View text) {
     const unsigned first = text[0];
-    if (first < kFirstHigh || first > kLastLow)
+    if (first < kFirstHigh || first > kLastLow) {
         return 1;
+    }
     return first < kFirstLow && text.size() > 1 && text[1] >= kFirstLow && text[1] <= kLastLow ? 2 : 0;
 }
 
 unsigned code_point_of(Utf16View text, std::size_t length) {
-    if (length == 1)
+    if (length == 1) {
         return text[0];
+    }
     return kFirstPaired + ((text[0] - kFirstHigh) << 10U) + (text[1] - kFirstLow);
 }
 
@@ -94,8 +99,9 @@ template <class Text, class Length>
 std::optional<std::size_t> fault_in(Text text, const Length& sequence_length) {
     for (std::size_t at = 0; at < text.size();) {
         const std::size_t length = sequence_length(text.substr(at));
-        if (length == 0)
+        if (length == 0) {
             return at;
+        }
         at += length;
     }
     return std::nullopt;
@@ -106,8 +112,9 @@ std::optional<To> converted(Text text, const Length& sequence_length) {
     To made;
     while (!text.empty()) {
         const std::size_t length = sequence_length(text);
-        if (length == 0)
+        if (length == 0) {
             return std::nullopt;
+        }
         append(made, code_point_of(text, length));
         text.remove_prefix(length);
     }

@@ -659,8 +659,9 @@ TEST(ArgumentChecks, RefuseAndReportEveryBadArgument) {
         SCOPED_TRACE(c.name);
         BundleSide bundle;
         bundle.utility_suite->AEGP_StartUndoGroup("test");
-        if (c.breach == Breach::undo_group_unbalanced)
+        if (c.breach == Breach::undo_group_unbalanced) {
             bundle.utility_suite->AEGP_EndUndoGroup();
+        }
         const A_Err result = c.call(bundle);
         EXPECT_NE(result, kHostErrorNone);
         ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();

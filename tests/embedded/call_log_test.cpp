@@ -27,8 +27,9 @@ std::vector<std::string> lines_of(BundleSide& bundle, const std::function<void()
 /// The only line that `work` writes, without its number.
 std::string line_of(BundleSide& bundle, const std::function<void()>& work) {
     const std::vector<std::string> lines = lines_of(bundle, work);
-    if (lines.size() != 1)
+    if (lines.size() != 1) {
         return std::to_string(lines.size()) + " lines";
+    }
     const std::size_t comma = lines[0].find(',');
     return "{" + lines[0].substr(comma + 1);
 }
@@ -214,8 +215,9 @@ TEST(CallLog, WritesEachFunctionWithItsHandlesRecordsAndValues) {
          R"("sequence_options":{"all_in_folder":1,"force_alphabetical":0,"start_frame":-1,"end_frame":-1},)"
          R"("interpretation_style":0,"reserved":null},"out":{},"result":1})"},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(line_of(bundle, c.call), c.line);
+    }
 }
 
 TEST(CallLog, WritesTheInterpretationAsItIsReadAndSet) {

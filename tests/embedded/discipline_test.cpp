@@ -255,8 +255,9 @@ TEST(Discipline, FindsWhatIsLeftAtTheEndOfTheHost) {
 
 TEST(DisciplineReport, KeepsAThousandProblemsAndCountsTheRest) {
     embedded::DisciplineReport report;
-    for (int i = 0; i < 1005; ++i)
+    for (int i = 0; i < 1005; ++i) {
         report.add({Breach::bad_argument, i + 1, "f", "wrong"});
+    }
     report.add({Breach::name_cut, 1, "f", "cut"});
     EXPECT_EQ(report.problems().size(), embedded::DisciplineReport::kMaxFindings);
     EXPECT_EQ(report.dropped(), 5);

@@ -64,8 +64,9 @@ TEST(HostOptions, ReadKindsOfHosts) {
         {"no generation", ":25.3", std::nullopt},
         {"a blank", "today 25.3", std::nullopt},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(embedded::parse_host(c.text), c.kind) << c.name;
+    }
 }
 
 TEST(HostOptions, HaveTheUsualVersionOfTheirGeneration) {
@@ -83,8 +84,9 @@ TEST(HostOptions, ReadSuiteNames) {
     ASSERT_TRUE(suite.has_value());
     EXPECT_EQ(suite->name, "AEGP Comp Suite");
     EXPECT_EQ(suite->version, 9);
-    for (const char* wrong : {"", ":9", "AEGP Comp Suite", "AEGP Comp Suite:", "AEGP Comp Suite:x"})
+    for (const char* wrong : {"", ":9", "AEGP Comp Suite", "AEGP Comp Suite:", "AEGP Comp Suite:x"}) {
         EXPECT_FALSE(embedded::parse_suite_name(wrong).has_value()) << wrong;
+    }
 }
 
 TEST(HostOptions, ReadFaults) {
@@ -106,8 +108,9 @@ TEST(HostOptions, ReadFaults) {
         {"a function that cannot fail", "sin:1:4"},
         {"a count that is no number", "AEGP_CreateComp:x:4"},
     };
-    for (const auto& c : wrong)
+    for (const auto& c : wrong) {
         EXPECT_FALSE(embedded::parse_fault(c.text).has_value()) << c.name;
+    }
 }
 
 TEST(Faults, AnswerTheNthCallAloneAndChangeNothing) {

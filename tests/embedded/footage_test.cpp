@@ -104,8 +104,9 @@ TEST(Footage, IsInterpretedPlausiblyBeforeAnybodySaysHow) {
 
 TEST(Footage, OfASequenceCoversItsFramesAndNotesItsGaps) {
     const TemporaryFolder folder;
-    for (const int frame : {17, 18, 20, 21, 24})
+    for (const int frame : {17, 18, 20, 21, 24}) {
         write_image(folder.path("shot.00" + std::to_string(frame) + ".png"));
+    }
     BundleSide bundle;
     ASSERT_EQ(make(bundle, folder.path("shot.0017.png"), &kWholeSequence), kHostErrorNone);
     const Footage& footage = bundle.host.project().footage.at(0);
@@ -124,8 +125,9 @@ TEST(Footage, OfASequenceCoversItsFramesAndNotesItsGaps) {
 
 TEST(Footage, OfASequenceIsNamedByTheNumberAndNotByANumberSign) {
     const TemporaryFolder folder;
-    for (const char* name : {"#2 shot 0001.png", "#2 shot 0002.png"})
+    for (const char* name : {"#2 shot 0001.png", "#2 shot 0002.png"}) {
         write_image(folder.path(name));
+    }
     BundleSide bundle;
     ASSERT_EQ(make(bundle, folder.path("#2 shot 0001.png"), &kWholeSequence), kHostErrorNone);
     const Footage& footage = bundle.host.project().footage.at(0);

@@ -41,8 +41,9 @@ TEST(GuardedFrame, RefusesShapesThatCannotBe) {
         {"1 GiB exactly", shape(1 << 14, 1 << 14), true},
         {"a time on no scale", no_scale, false},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(GuardedFrame::problem_with(c.shape).empty(), c.possible) << c.name;
+    }
 }
 
 TEST(GuardedFrame, HandsOutItsPixelsWhateverTheirStride) {
@@ -51,8 +52,9 @@ TEST(GuardedFrame, HandsOutItsPixelsWhateverTheirStride) {
         FrameShape padded = shape(3, 2, row_bytes);
         padded.fill = 0x11;
         GuardedFrame frame(padded);
-        for (A_long row = 0; row < 2; ++row)
+        for (A_long row = 0; row < 2; ++row) {
             row_start(frame, row)[4] = static_cast<std::uint8_t>(0x20 + row);  // second pixel's alpha
+        }
         EXPECT_FALSE(frame.damage().has_value());
         const std::vector<PF_Pixel> pixels = frame.pixels();
         ASSERT_EQ(pixels.size(), 6U);

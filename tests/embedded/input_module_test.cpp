@@ -43,12 +43,15 @@ A_Err verify(AEIO_BasicData*, A_long signature, const A_char*, A_Boolean* import
 
 A_Err init(AEIO_BasicData* basic, const A_char*, AEIO_InSpecH in) {
     called.emplace_back("init");
-    if (script.throw_in_init)
+    if (script.throw_in_init) {
         throw 516L;
-    if (basic->plugin_id != side->host.plugin_id() || basic->basic_suite != side->host.basic_suite())
+    }
+    if (basic->plugin_id != side->host.plugin_id() || basic->basic_suite != side->host.basic_suite()) {
         return kHostErrorStructure;
-    if (script.leak)
+    }
+    if (script.leak) {
         side->memory(24);
+    }
     if (script.attach_options) {
         void* old = nullptr;
         side->io_in_suite->AEGP_SetInSpecOptionsHandle(in, side->memory(24), &old);
@@ -56,8 +59,9 @@ A_Err init(AEIO_BasicData* basic, const A_char*, AEIO_InSpecH in) {
     side->io_in_suite->AEGP_SetInSpecDepth(in, 32);
     const A_Time still{0, 30};
     side->io_in_suite->AEGP_SetInSpecDuration(in, &still);
-    if (script.set_size)
+    if (script.set_size) {
         side->io_in_suite->AEGP_SetInSpecDimensions(in, 8, 4);
+    }
     side->io_in_suite->AEGP_SetInSpecSize(in, 192);
     side->io_in_suite->AEGP_SetInSpecNativeFPS(in, 30 << 16);
     AEIO_AlphaLabel label{};
@@ -86,8 +90,9 @@ A_Err dimensions(AEIO_BasicData*, AEIO_InSpecH, const A_Ratio*, A_long* width, A
 
 A_Err duration(AEIO_BasicData*, AEIO_InSpecH, A_Time* time) {
     called.emplace_back("duration");
-    if (script.duration == kHostErrorNone)
+    if (script.duration == kHostErrorNone) {
         *time = {50, 25};
+    }
     return script.duration;
 }
 
@@ -98,8 +103,9 @@ A_Err draw(AEIO_BasicData*, AEIO_InSpecH, const AEIO_DrawSparseFramePB* request,
                         std::to_string(world->origin_x) + "," + std::to_string(world->origin_y));
     for (A_long y = 0; y < world->height; ++y) {
         auto* row = reinterpret_cast<std::uint8_t*>(world->data) + std::ptrdiff_t{world->row_bytes} * y;
-        for (A_long x = 0; x < world->width * 4 + script.overdraw_bytes; ++x)
+        for (A_long x = 0; x < world->width * 4 + script.overdraw_bytes; ++x) {
             row[x] = static_cast<std::uint8_t>(16 * y + x);
+        }
     }
     return script.draw;
 }
@@ -108,8 +114,9 @@ A_Err dispose(AEIO_BasicData*, AEIO_InSpecH in) {
     called.emplace_back("dispose");
     void* options = nullptr;
     side->io_in_suite->AEGP_GetInSpecOptionsHandle(in, &options);
-    if (options == nullptr || !script.free_on_dispose)
+    if (options == nullptr || !script.free_on_dispose) {
         return kHostErrorNone;
+    }
     return side->memory_suite->AEGP_FreeMemHandle(static_cast<AEGP_MemHandle>(options));
 }
 
@@ -261,8 +268,9 @@ TEST_F(InputModule, ThatCannotOpenAFileLeavesNothingOpen) {
         EXPECT_EQ(opened.callback.code, c.code);
         EXPECT_EQ(opened.error, c.error);
         EXPECT_EQ(called, c.calls);
-        for (const embedded::InSpec& in_spec : bundle.host.project().in_specs)
+        for (const embedded::InSpec& in_spec : bundle.host.project().in_specs) {
             EXPECT_TRUE(in_spec.disposed);
+        }
     }
     EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
 }

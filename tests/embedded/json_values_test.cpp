@@ -37,8 +37,9 @@ TEST(JsonText, IsAStringOnlyWhenItIsUtf8) {
         {"a byte that is never UTF-8", "\xFF", "{\"bytes\":\"ff\"}"},
         {"a NUL byte", std::string("a\0b", 3), "\"a\\u0000b\""},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         EXPECT_EQ(json_text(c.text).dump(), c.json) << c.name;
+    }
 }
 
 TEST(JsonNumber, ReadsBackToTheSameBits) {
@@ -47,13 +48,15 @@ TEST(JsonNumber, ReadsBackToTheSameBits) {
         EXPECT_EQ(std::bit_cast<std::uint64_t>(read), std::bit_cast<std::uint64_t>(value)) << value;
     };
     for (const double value : {0.0, -0.0, 1.0, 0.1, 1.0 / 3.0, 5e-324, 2.2250738585072014e-308,
-                               1.7976931348623157e308, -123456789.125})
+                               1.7976931348623157e308, -123456789.125}) {
         reads_back(value);
+    }
     std::mt19937_64 random(20);
     for (int i = 0; i < 20000; ++i) {
         const double value = std::bit_cast<double>(random());
-        if (std::isfinite(value))
+        if (std::isfinite(value)) {
             reads_back(value);
+        }
     }
 }
 

@@ -134,10 +134,12 @@ TEST(Streams, HaveTheShapeOfTheirLayer) {
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);
-        for (const AEGP_LayerStream which : c.exist)
+        for (const AEGP_LayerStream which : c.exist) {
             EXPECT_NE(bundle.stream(c.layer, which), nullptr) << which;
-        for (const AEGP_LayerStream which : c.do_not)
+        }
+        for (const AEGP_LayerStream which : c.do_not) {
             EXPECT_EQ(bundle.stream(c.layer, which), nullptr) << which;
+        }
     }
     const auto& layers = bundle.host.project().layers;
     EXPECT_EQ(layers[0].streams.at(kLayerStreamPosition).shape, StreamShape::three_d);
@@ -170,8 +172,9 @@ double seconds_for(int objects, int keys) {
     for (int object = 0; object < objects; ++object) {
         std::vector<std::pair<A_Time, double>> list;
         list.reserve(static_cast<std::size_t>(keys));
-        for (int key = keys; key > 0; --key)
+        for (int key = keys; key > 0; --key) {
             list.push_back({{key, 25}, 1.0});
+        }
         const AEGP_StreamRefH stream = bundle.stream(bundle.camera(comp), kLayerStreamZoom);
         add_keys(bundle, stream, list);
         bundle.stream_suite->AEGP_DisposeStream(stream);

@@ -12,8 +12,9 @@ using ::testing::ElementsAre;
 
 std::vector<std::string> keys_of(const Json& object) {
     std::vector<std::string> keys;
-    for (const auto& [key, value] : object.items())
+    for (const auto& [key, value] : object.items()) {
         keys.push_back(key);
+    }
     return keys;
 }
 
@@ -86,8 +87,9 @@ TEST(ProjectJson, IsTheSameForTheSameProject) {
         BundleSide bundle;
         fill(bundle);
         const std::string text = embedded::project_to_json(bundle.host.project()).dump(2);
-        if (run == 0)
+        if (run == 0) {
             first = text;
+        }
         EXPECT_EQ(text, first);
     }
 }
@@ -118,8 +120,9 @@ TEST(DisciplineJson, WritesProblemsAndNotes) {
 
 TEST(Breaches, HaveAWordOfTheirOwn) {
     std::vector<std::string> words;
-    for (int i = 0; i <= static_cast<int>(embedded::Breach::sequence_gap); ++i)
+    for (int i = 0; i <= static_cast<int>(embedded::Breach::sequence_gap); ++i) {
         words.emplace_back(embedded::breach_word(static_cast<embedded::Breach>(i)));
+    }
     std::sort(words.begin(), words.end());
     EXPECT_EQ(std::adjacent_find(words.begin(), words.end()), words.end());
     EXPECT_EQ(std::count(words.begin(), words.end(), "unknown"), 0);

@@ -33,8 +33,9 @@ TEST(NumberedNames, AreSplitAtTheLastNumberBeforeTheExtension) {
         SCOPED_TRACE(c.name);
         const auto split = embedded::split_number(c.file);
         ASSERT_EQ(split.has_value(), c.digits != nullptr);
-        if (!split)
+        if (!split) {
             continue;
+        }
         EXPECT_EQ(split->prefix, c.prefix);
         EXPECT_EQ(split->digits, c.digits);
         EXPECT_EQ(split->suffix, c.suffix);
@@ -122,12 +123,14 @@ TEST(Sequences, AreFoundInTheFolderOfTheNamedFile) {
     for (const Case& c : kCases) {
         SCOPED_TRACE(c.name);
         const TemporaryFolder folder;
-        for (const char* file : c.files)
+        for (const char* file : c.files) {
             folder.write(file, "");
+        }
         const auto found = embedded::find_sequence(folder.path(c.named), c.request);
         ASSERT_EQ(found.has_value(), c.pattern != nullptr);
-        if (!found)
+        if (!found) {
             continue;
+        }
         EXPECT_EQ(found->pattern, c.pattern);
         EXPECT_EQ(found->range, c.range);
         EXPECT_EQ(found->count, c.count);

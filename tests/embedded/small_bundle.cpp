@@ -34,8 +34,9 @@ __attribute__((visibility("default"))) A_Err Main_VORTANXR_AE(SPBasicSuite* basi
                                                               AEGP_GlobalRefcon*) {
     constexpr char kName[] = "AEGP File Import Manager Suite";
     const void* table = nullptr;
-    if (const A_Err error = basic->AcquireSuite(kName, 2, &table); error != kHostErrorNone)
+    if (const A_Err error = basic->AcquireSuite(kName, 2, &table); error != kHostErrorNone) {
         throw 516L;
+    }
     const auto* suite = static_cast<const AEGP_FileImportManagerSuite2*>(table);
     AE_FIM_ImportFlavorRef flavor = kInvalidImportFlavor;
     A_Err error = suite->AEGP_RegisterImportFlavor("small", &flavor);
@@ -51,8 +52,9 @@ __attribute__((visibility("default"))) A_Err EntryPointFunc(SPBasicSuite* basic,
                                                             AEGP_PluginID, AEGP_GlobalRefcon*) {
     constexpr char kName[] = "AEGP File Import Manager Suite";
     const void* table = nullptr;
-    if (const A_Err error = basic->AcquireSuite(kName, 3, &table); error != kHostErrorNone)
+    if (const A_Err error = basic->AcquireSuite(kName, 3, &table); error != kHostErrorNone) {
         return error;
+    }
     const auto* suite = static_cast<const AEGP_FileImportManagerSuite3*>(table);
     AE_FIM_ImportFlavorRef flavor = kInvalidImportFlavor;
     A_Err error = suite->AEGP_RegisterImportFlavor("small today", &flavor);

@@ -41,8 +41,9 @@ TEST(TextEncoding, ConvertsBothWaysAtTheLimitsOfEveryLength) {
 
 TEST(TextEncoding, ConvertsEveryCodePoint) {
     for (char32_t code_point = 1; code_point <= 0x10FFFF; ++code_point) {
-        if (code_point >= 0xD800 && code_point <= 0xDFFF)
+        if (code_point >= 0xD800 && code_point <= 0xDFFF) {
             continue;
+        }
         Utf16String units;
         if (code_point < 0x10000) {
             units += static_cast<char16_t>(code_point);

@@ -104,8 +104,9 @@ TEST(TodaysSuites, HaveTheirFullLength) {
         const void* table = nullptr;
         ASSERT_EQ(side.host.basic_suite()->AcquireSuite(suite.name, suite.today, &table), kHostErrorNone);
         const auto* slots = static_cast<A_Err (*const*)()>(table);
-        for (std::size_t slot = 0; slot < suite.slots_today; ++slot)
+        for (std::size_t slot = 0; slot < suite.slots_today; ++slot) {
             EXPECT_NE(slots[slot], nullptr) << slot;
+        }
         // The last slot of each is one that this host does not have.
         EXPECT_EQ(slots[suite.slots_today - 1](), kHostErrorGeneric);
         EXPECT_EQ(side.host.discipline().problems().back().breach, Breach::reserved_slot);

@@ -34,11 +34,13 @@ A_FpLong sine(A_FpLong x) {
 
 A_char* copy_string(A_char* destination, const A_char* source) {
     Session* session = Session::active();
-    if (session == nullptr)
+    if (session == nullptr) {
         return destination;
+    }
     CallScope call(*session, Fn::strcpy);
-    if (call.logged())
+    if (call.logged()) {
         call.args().text("source", source);
+    }
     if (destination == nullptr || source == nullptr) {
         session->found(Breach::bad_argument,
                        destination == nullptr ? "destination is null" : "source is null");

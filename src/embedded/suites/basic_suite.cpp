@@ -70,10 +70,12 @@ A_Err acquire_suite(const char* name, A_long version, const void** suite) {
             session.require(suite, "suite") = nullptr;
             SuiteId id{};
             const void* table = session.suite_table(name, version, id);
-            if (table == nullptr || listed(session.options.suites_not_offered, name, version))
+            if (table == nullptr || listed(session.options.suites_not_offered, name, version)) {
                 return kHostErrorMissingSuite;
-            if (listed(session.options.suites_empty, name, version))
+            }
+            if (listed(session.options.suites_empty, name, version)) {
                 return kHostErrorNone;
+            }
             ++session.suites_acquired[static_cast<std::size_t>(id)];
             *suite = table;
             return kHostErrorNone;
@@ -96,9 +98,10 @@ A_Err release_suite(const char* name, A_long version) {
             session.require(name, "name");
             SuiteId id{};
             if (session.suite_table(name, version, id) == nullptr ||
-                session.suites_acquired[static_cast<std::size_t>(id)] == 0)
+                session.suites_acquired[static_cast<std::size_t>(id)] == 0) {
                 session.refuse(Breach::suite_not_acquired, std::string(name) + " " + std::to_string(version) +
                                                                " was released and is not acquired");
+            }
             --session.suites_acquired[static_cast<std::size_t>(id)];
             return kHostErrorNone;
         });
@@ -117,17 +120,19 @@ SPBasicSuite* basic_suite_table() {
 
 void message_function(A_Err code, const A_char* text) {
     Session* session = Session::active();
-    if (session == nullptr)
+    if (session == nullptr) {
         return;
+    }
     CallScope call(*session, Fn::msg_func);
     if (call.logged()) {
         call.args().integer("code", code);
         call.args().text("text", text);
     }
-    if (text == nullptr)
+    if (text == nullptr) {
         session->found(Breach::bad_argument, "text is null");
-    else
+    } else {
         session->project.messages.push_back({text, code});
+    }
 }
 
 }  // namespace embedded

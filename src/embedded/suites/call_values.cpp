@@ -20,8 +20,9 @@ void CallScope::write_line() {
 }
 
 Json json_stream_value(const Session& session, const AEGP_StreamValue* value) {
-    if (value == nullptr)
+    if (value == nullptr) {
         return {};
+    }
     Json record = Json::object();
     record["stream"] = value->stream == nullptr ? Json() : Json(session.handles.text(value->stream));
     // Which members count is the stream's to say; of a stream unknown all four are shown.

@@ -112,11 +112,13 @@ A_Err create_null(const A_char* name, AEGP_CompH comp, const A_Time* duration, A
         [&](Session& session) -> A_Err {
             const Id parent = session.id(comp, "comp");
             session.require(layer, "layer");
-            if (duration != nullptr)
+            if (duration != nullptr) {
                 session.require_time(duration, "duration");
+            }
             Layer& made = add_layer(session, parent, LayerKind::null, session.name(name, "name"), 0);
-            if (duration != nullptr)  // null: as long as the composition
+            if (duration != nullptr) {  // null: as long as the composition
                 made.duration = *duration;
+            }
             session.changed();
             *layer = session.handles.handle<AEGP_LayerH>(made.id);
             return kHostErrorNone;

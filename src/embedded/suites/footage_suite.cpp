@@ -13,8 +13,9 @@ namespace {
 constexpr A_long kWholeSequence = -1;  // as first or last frame: no bound
 
 Json json_sequence_options(const AEGP_FileSequenceImportOptions* options) {
-    if (options == nullptr)
+    if (options == nullptr) {
         return {};
+    }
     return Json{{"all_in_folder", options->all_in_folder},
                 {"force_alphabetical", options->force_alphabetical},
                 {"start_frame", options->start_frame},
@@ -28,10 +29,12 @@ SequenceRequest request_of(Session& session, const AEGP_FileSequenceImportOption
     session.require_true(options.start_frame >= kWholeSequence, "sequence_options.start_frame",
                          "is below -1");
     session.require_true(options.end_frame >= kWholeSequence, "sequence_options.end_frame", "is below -1");
-    if (options.start_frame != kWholeSequence)
+    if (options.start_frame != kWholeSequence) {
         request.first = options.start_frame;
-    if (options.end_frame != kWholeSequence)
+    }
+    if (options.end_frame != kWholeSequence) {
         request.last = options.end_frame;
+    }
     session.require_true(!request.first || !request.last || *request.first <= *request.last,
                          "sequence_options", "ends before it starts");
     return request;
@@ -62,8 +65,9 @@ A_Err new_footage(AEGP_PluginID plugin_id, const Char* path, const AEGP_FootageL
             session.require_true(reserved == nullptr, "reserved", "is not null");
             session.require(footage, "footage");
             std::optional<SequenceRequest> sequence;
-            if (sequence_options != nullptr)
+            if (sequence_options != nullptr) {
                 sequence = request_of(session, *sequence_options);
+            }
             const Id made = make_file_footage(session, file, sequence);
             *footage = session.handles.handle<AEGP_FootageH>(made);
             return kHostErrorNone;

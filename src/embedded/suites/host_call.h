@@ -20,16 +20,18 @@ class CallScope {
         session.passing(Passage::call_begins, function_info(function).name);
         session.current_call = {session.log.begin(), function_info(function).name};
         fault_ = session.count_call(function);
-        if (logged_)
+        if (logged_) {
             line_.emplace(session);
+        }
     }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
     /// Writes the line also when an exception passes through; its result is then null.
     ~CallScope() {
         try {
-            if (logged_ && session_.log.on())
+            if (logged_ && session_.log.on()) {
                 write_line();
+            }
         } catch (...) {
             // A line that cannot be written must not end a call of the bundle, the more so in a destructor.
             logged_ = false;
@@ -71,11 +73,13 @@ class CallScope {
 template <class Args, class Body, class Out>
 A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out) {
     Session* session = Session::active();
-    if (session == nullptr)
+    if (session == nullptr) {
         return kHostErrorGeneric;
+    }
     CallScope call(*session, function);
-    if (call.logged())
+    if (call.logged()) {
         args(call.args());
+    }
     A_Err result = kHostErrorNone;
     if (call.fault() != nullptr) {
         result = *call.fault();
@@ -91,8 +95,9 @@ A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out)
         }
     }
     if (call.logged()) {
-        if (result == kHostErrorNone)
+        if (result == kHostErrorNone) {
             out(call.out());
+        }
         call.set_result(result);
     }
     return result;

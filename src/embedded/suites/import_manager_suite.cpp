@@ -32,21 +32,25 @@ A_Err register_flavor(const A_char* name, AE_FIM_ImportFlavorRef* flavor) {
 }
 
 Json json_types(A_long count, const AEIO_FileKind* kinds) {
-    if (kinds == nullptr || count > kMaxKinds)
+    if (kinds == nullptr || count > kMaxKinds) {
         return {};
+    }
     Json list = Json::array();
-    for (A_long i = 0; i < count; ++i)
+    for (A_long i = 0; i < count; ++i) {
         list.push_back(
             Json{{"type", json_code(kinds[i].mac.type)}, {"creator", json_code(kinds[i].mac.creator)}});
+    }
     return list;
 }
 
 Json json_extensions(A_long count, const AEIO_FileKind* extensions) {
-    if (extensions == nullptr || count > kMaxKinds)
+    if (extensions == nullptr || count > kMaxKinds) {
         return {};
+    }
     Json list = Json::array();
-    for (A_long i = 0; i < count; ++i)
+    for (A_long i = 0; i < count; ++i) {
         list.push_back(json_text({&extensions[i].ext.pad, sizeof extensions[i].ext}));
+    }
     return list;
 }
 
@@ -68,10 +72,12 @@ A_Err register_file_types(AE_FIM_ImportFlavorRef flavor, A_long num_kinds, const
                                  "is out of range");
             session.require_true(num_kinds == 0 || kinds != nullptr, "kinds", "is null");
             session.require_true(num_extensions == 0 || extensions != nullptr, "extensions", "is null");
-            for (A_long i = 0; i < num_kinds; ++i)
+            for (A_long i = 0; i < num_kinds; ++i) {
                 registered.file_types.push_back(kinds[i].mac);
-            for (A_long i = 0; i < num_extensions; ++i)
+            }
+            for (A_long i = 0; i < num_extensions; ++i) {
                 registered.extensions.push_back(extension_text(extensions[i].ext));
+            }
             return kHostErrorNone;
         });
 }

@@ -43,10 +43,12 @@ A_Err set_options(AEIO_InSpecH in_spec, void* options, void** old_options) {
             }
             *old_options =
                 changed.options == 0 ? nullptr : session.handles.handle<AEGP_MemHandle>(changed.options);
-            if (changed.options != 0)
+            if (changed.options != 0) {
                 session.memory.block(changed.options).in_spec = 0;
-            if (attached != 0)
+            }
+            if (attached != 0) {
                 session.memory.block(attached).in_spec = changed.id;
+            }
             changed.options = attached;
             return kHostErrorNone;
         },
@@ -117,8 +119,9 @@ A_Err get_size(AEIO_InSpecH in_spec, Size* size_bytes) {
 /// A classic host writes a path into the caller's buffer; longer ones it cannot give.
 A_Err copy_path(Session& session, const std::string& known, A_char* path) {
     session.require(path, "path");
-    if (known.size() >= kClassicPathBytes)
+    if (known.size() >= kClassicPathBytes) {
         return kHostErrorGeneric;
+    }
     std::memcpy(path, known.c_str(), known.size() + 1);
     return kHostErrorNone;
 }

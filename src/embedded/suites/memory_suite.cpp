@@ -23,8 +23,9 @@ A_Err new_handle(AEGP_PluginID plugin_id, const A_char* what, AEGP_MemSize size,
             session.require_true(size >= 1, "size", "is below 1");
             session.require_true((flags & ~kMemFlagClear) == 0, "flags", "has unknown bits");
             session.require(handle, "handle");
-            if (session.memory.allocate(what, size, (flags & kMemFlagClear) != 0) == nullptr)
+            if (session.memory.allocate(what, size, (flags & kMemFlagClear) != 0) == nullptr) {
                 return kHostErrorAllocation;
+            }
             *handle = session.handles.make<AEGP_MemHandle>();
             return kHostErrorNone;
         },
@@ -36,15 +37,18 @@ A_Err free_handle(AEGP_MemHandle handle) {
         Fn::AEGP_FreeMemHandle, [&](CallValues& args) { args.handle("handle", handle); },
         [&](Session& session) -> A_Err {
             const HandleTable::Token* token = session.handles.find(handle);
-            if (token != nullptr && token->kind == HandleKind::memory && !token->alive)
+            if (token != nullptr && token->kind == HandleKind::memory && !token->alive) {
                 session.refuse(Breach::memory_double_free,
                                session.handles.text(handle) + " was freed before");
+            }
             MemoryBlock& block = session.memory.block(session.id(handle, "handle"));
-            if (block.locks > 0)
+            if (block.locks > 0) {
                 session.found(Breach::memory_left_locked,
                               session.handles.text(handle) + " was freed while it was locked");
-            if (block.in_spec != 0)
+            }
+            if (block.in_spec != 0) {
                 session.in_spec(block.in_spec).options = 0;
+            }
             block.in_spec = 0;
             block.bytes.reset();
             session.handles.kill(HandleKind::memory, block.id);
@@ -69,9 +73,10 @@ A_Err unlock_handle(AEGP_MemHandle handle) {
         Fn::AEGP_UnlockMemHandle, [&](CallValues& args) { args.handle("handle", handle); },
         [&](Session& session) -> A_Err {
             MemoryBlock& block = session.memory.block(session.id(handle, "handle"));
-            if (block.locks == 0)
+            if (block.locks == 0) {
                 session.refuse(Breach::memory_unlock_without_lock,
                                session.handles.text(handle) + " is not locked");
+            }
             --block.locks;
             return kHostErrorNone;
         });

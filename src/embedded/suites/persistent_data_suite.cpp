@@ -77,8 +77,9 @@ A_Err get_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
             if (stored == session.project.preferences.end()) {
                 // Asking with a default makes the entry, as in the host.
                 std::vector<std::uint8_t> value(size, 0);
-                if (default_data != nullptr)
+                if (default_data != nullptr) {
                     std::memcpy(value.data(), default_data, size);
+                }
                 stored = session.project.preferences.emplace(preference, std::move(value)).first;
             }
             session.require_true(stored->second.size() == size, "size", "is not that of the stored value");

@@ -37,14 +37,16 @@ Json json_file_kind(const PFILE_FileKind& kind) {
 }
 
 Json json_module_info(const AEIO_ModuleInfo* info) {
-    if (info == nullptr)
+    if (info == nullptr) {
         return {};
+    }
     Json read_kinds = Json::array();
     Json aux_extensions = Json::array();
     // First the file types, then the extensions; the entries beyond both are not the module's to fill.
-    for (int i = 0; i < kMaxFileKinds && i < info->num_filetypes + info->num_extensions; ++i)
+    for (int i = 0; i < kMaxFileKinds && i < info->num_filetypes + info->num_extensions; ++i) {
         read_kinds.push_back(i < info->num_filetypes ? json_file_kind(info->read_kinds[i].mac)
                                                      : json_extension(info->read_kinds[i].ext));
+    }
     for (int i = 0; i < kMaxFileKinds && i < info->num_aux_extensions; ++i) {
         const AEIO_AuxExt& aux = info->aux_extensions[i];
         aux_extensions.push_back(Json{{"extension", json_text({aux.extension, sizeof aux.extension})},

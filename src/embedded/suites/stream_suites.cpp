@@ -14,8 +14,9 @@ constexpr char kStreamGone[] = "stream is one that the layer does not have any m
 Stream& stream_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     Stream* stream = fetch_stream(session, session.layer(ref.layer), ref.kind);
-    if (stream == nullptr)
+    if (stream == nullptr) {
         session.refuse(Breach::bad_argument, kStreamGone);
+    }
     return *stream;
 }
 
@@ -23,8 +24,9 @@ Stream& stream_behind(Session& session, Id stream_ref) {
 StreamShape shape_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     const auto shape = stream_shape(session.layer(ref.layer), ref.kind);
-    if (!shape)
+    if (!shape) {
         session.refuse(Breach::bad_argument, kStreamGone);
+    }
     return *shape;
 }
 
@@ -104,8 +106,9 @@ A_Time layer_time(Session& session, const Session::Additions& additions, AEGP_LT
                   const A_Time& time) {
     session.require_true(time_mode == kTimeModeLayer || time_mode == kTimeModeComp, "time_mode",
                          "is neither layer nor composition time");
-    if (time_mode == kTimeModeLayer)
+    if (time_mode == kTimeModeLayer) {
         return time;
+    }
     const Session::StreamRef& ref = session.stream_refs[Project::index(additions.stream_ref)];
     const auto converted = subtract_times(time, session.layer(ref.layer).offset);
     session.require_true(converted.has_value(), "time", "has no layer time that fits a time");
@@ -167,8 +170,9 @@ A_Err end_additions(A_Boolean add, AEGP_AddKeyframesInfoH handle) {
             session.handles.kill(HandleKind::additions, id);
             const std::vector<Session::Additions::Key> keys = std::move(additions.keys);
             additions.keys.clear();
-            if (add == 0 || keys.empty())
+            if (add == 0 || keys.empty()) {
                 return kHostErrorNone;
+            }
             session.require_true(session.handles.alive(HandleKind::stream, additions.stream_ref), "additions",
                                  "belongs to a stream that was disposed of");
             insert_keyframes(stream_behind(session, additions.stream_ref), keys);

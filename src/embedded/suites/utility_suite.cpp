@@ -28,8 +28,9 @@ A_Err start_undo_group(const A_char* name) {
         [&](Session& session) -> A_Err {
             session.require(name, "name");
             // Groups may nest; the outermost is the step that the user sees.
-            if (session.undo_depth++ == 0)
+            if (session.undo_depth++ == 0) {
                 session.project.undo_steps.push_back({name, 0, false});
+            }
             return kHostErrorNone;
         });
 }
@@ -38,10 +39,12 @@ A_Err end_undo_group() {
     return host_call(
         Fn::AEGP_EndUndoGroup, [](CallValues&) {},
         [](Session& session) -> A_Err {
-            if (session.undo_depth == 0)
+            if (session.undo_depth == 0) {
                 session.refuse(Breach::undo_group_unbalanced, "no undo group is open", kHostErrorGeneric);
-            if (--session.undo_depth == 0)
+            }
+            if (--session.undo_depth == 0) {
                 session.project.undo_steps.back().closed = true;
+            }
             return kHostErrorNone;
         });
 }
