@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "check.h"
-#include "embedded/bundle_loader.h"
+#include "system/dynamic_library.h"
 
 namespace {
 
@@ -50,8 +50,8 @@ constexpr std::string_view kSuitesToMemory[] = {"AEGP Memory Suite", "AEGP IO In
 /// are.
 bool keep_bundle() {
     std::string error;
-    static const std::unique_ptr<embedded::BundleLoader> kept =
-        embedded::BundleLoader::open(VXR_BUNDLE_PATH, error);
+    static const std::unique_ptr<os::DynamicLibrary> kept =
+        os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
     require(kept != nullptr, "the bundle can be loaded");
     return kept != nullptr;
 }

@@ -146,14 +146,14 @@ LoadResult Host::load(const std::filesystem::path& bundle) {
 LoadResult Host::load(const std::filesystem::path& bundle, const std::string& entry) {
     unload();
     LoadResult loaded;
-    session_->bundle = BundleLoader::open(bundle, loaded.error);
+    session_->bundle = os::DynamicLibrary::open(bundle, loaded.error);
     if (!session_->bundle) {
         if (loaded.error.empty()) {
             loaded.error = "the bundle cannot be loaded";
         }
         return loaded;
     }
-    const BundleLoader::Function function = session_->bundle->function(entry.c_str());
+    const os::DynamicLibrary::Function function = session_->bundle->function(entry.c_str());
     if (function == nullptr) {
         session_->bundle.reset();
         loaded.error = "the bundle does not export " + entry;

@@ -12,7 +12,7 @@ namespace {
 constexpr const char* kModule = "vxr_image_library.so";
 
 struct Loaded {
-    std::unique_ptr<BundleLoader> module;  // null after a problem
+    std::unique_ptr<os::DynamicLibrary> module;  // null after a problem
     std::string problem;
 };
 
@@ -22,7 +22,7 @@ Loaded load() {
         std::string why_not;
         if (os::is_regular_file(os::text_of(place), why_not)) {
             Loaded loaded;
-            loaded.module = BundleLoader::open(place, loaded.problem);
+            loaded.module = os::DynamicLibrary::open(place, loaded.problem);
             if (loaded.module == nullptr)
                 loaded.problem = "images need the image library, which was not loaded: " + loaded.problem;
             return loaded;
@@ -40,13 +40,13 @@ const Loaded& loaded_once() {
 
 }  // namespace
 
-BundleLoader::Function find_in_image_library(const char* name, std::string& problem) {
+os::DynamicLibrary::Function find_in_image_library(const char* name, std::string& problem) {
     const Loaded& loaded = loaded_once();
     if (loaded.module == nullptr) {
         problem = loaded.problem;
         return nullptr;
     }
-    const BundleLoader::Function function = loaded.module->function(name);
+    const os::DynamicLibrary::Function function = loaded.module->function(name);
     if (function == nullptr)
         problem = std::string(kModule) + " has no function " + name + ": it is of another version";
     return function;

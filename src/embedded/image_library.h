@@ -6,13 +6,13 @@
 
 #include <string>
 
-#include "embedded/bundle_loader.h"
+#include "system/dynamic_library.h"
 
 namespace embedded {
 
 /// The function that the module exports as `name`. Null when there is no module, it cannot be loaded or does
 /// not have the function; `problem` then says so, and where it was looked for. Safe on any thread.
-BundleLoader::Function find_in_image_library(const char* name, std::string& problem);
+os::DynamicLibrary::Function find_in_image_library(const char* name, std::string& problem);
 
 /// The same with the function's own type.
 template <class Type>

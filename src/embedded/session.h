@@ -12,7 +12,7 @@
 #include <utility>
 #include <vector>
 
-#include "embedded/bundle_loader.h"
+#include "system/dynamic_library.h"
 #include "embedded/call_log.h"
 #include "embedded/discipline.h"
 #include "embedded/handles.h"
@@ -58,7 +58,7 @@ class Session {
     std::vector<std::string> out_spec_paths;  ///< by id - 1
     std::vector<std::pair<AEGP_DeathHook, AEGP_DeathRefcon>> death_hooks;
     AEGP_GlobalRefcon global_refcon = nullptr;
-    std::unique_ptr<BundleLoader> bundle;
+    std::unique_ptr<os::DynamicLibrary> bundle;
 
     /// What a stream handle stands for; by id - 1.
     struct StreamRef {

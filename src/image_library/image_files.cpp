@@ -13,7 +13,7 @@
 
 #include "image_library/open_image.h"
 #include "imageio/channel_plan.h"
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 #include "imageio/texture_spec.h"
 #include "system/files.h"
 
@@ -132,7 +132,7 @@ std::string wrong_picture(const std::string& path, const OIIO::ImageSpec& spec, 
 /// library looks whether the disk has taken what it was given, and one ends the process when it has not. The
 /// others write the file themselves, and what they wrote is read again.
 Writing encode(OIIO::ImageOutput& output, const OIIO::ImageSpec& spec, const Texture& texture,
-               imageio::ReplacementFile& file) {
+               os::ReplacementFile& file) {
     OIIO::Filesystem::IOVecOutput memory;
     const bool in_memory = output.supports("ioproxy") != 0 && output.set_ioproxy(&memory);
     if (!output.open(file.temporary_path(), spec)) {
@@ -194,7 +194,7 @@ Writing write_file(const std::string& path, const Texture& texture, AlphaBytes a
         spec.attribute(kUnassociated, 1);
     }
     std::string error;
-    std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, error);
+    std::optional<os::ReplacementFile> file = os::ReplacementFile::create(path, error);
     if (!file.has_value()) {
         return not_written(Outcome::cannot_open_or_write, "cannot-open", error);
     }

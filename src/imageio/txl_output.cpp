@@ -42,7 +42,7 @@ bool TxlOutput::open(const std::string& name, const OIIO::ImageSpec& newspec, Op
 
 bool TxlOutput::prepare(const std::string& name) {
     std::string error;
-    std::optional<ReplacementFile> file = ReplacementFile::create(name, error);
+    std::optional<os::ReplacementFile> file = os::ReplacementFile::create(name, error);
     if (!file.has_value()) {
         errorfmt("{}", error);
         return false;

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "imageio/channel_plan.h"
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 #include "texture/value/texture.h"
 
 namespace imageio {
@@ -43,7 +43,7 @@ class TxlOutput final : public OIIO::ImageOutput {
   private:
     /// Everything that belongs to one open file.
     struct Writing {
-        ReplacementFile file;
+        os::ReplacementFile file;
         std::string name;
         ChannelPlan plan;
         Texture texture;

@@ -6,7 +6,7 @@
 #include <optional>
 #include <stdexcept>
 
-#include "embedded/bundle_loader.h"
+#include "system/dynamic_library.h"
 #include "embedded/project_json.h"
 #include "support/tested_host.h"
 
@@ -28,7 +28,7 @@ constexpr Breach kOfFaults[] = {
 /// Stays in memory: to load it anew for every rung would be most of the time.
 void keep_bundle() {
     static std::string error;
-    static const auto kept = embedded::BundleLoader::open(VXR_BUNDLE_PATH, error);
+    static const auto kept = os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
     if (kept == nullptr) {
         throw std::runtime_error(error);
     }

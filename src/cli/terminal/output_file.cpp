@@ -38,7 +38,7 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
         stream_.reset(os::open_device(target, failure_));
     } else {
         std::string reason;
-        replacement_ = imageio::ReplacementFile::create(path_, reason);
+        replacement_ = os::ReplacementFile::create(path_, reason);
         if (!replacement_) {
             throw std::runtime_error("cannot write " + reason);
         }

@@ -7,7 +7,7 @@
 #include <string_view>
 #include <system_error>
 
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 
 namespace cli {
 
@@ -35,7 +35,7 @@ class OutputFile {
     [[noreturn]] void give_up() const;
 
     std::string path_;
-    std::optional<imageio::ReplacementFile> replacement_;  // null for what is written as it is
+    std::optional<os::ReplacementFile> replacement_;  // null for what is written as it is
     std::unique_ptr<std::FILE, CloseStream> stream_;
     std::error_code failure_;  // the first
 };

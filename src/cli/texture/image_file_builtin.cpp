@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 #include "system/files.h"
 
 // Without an image library: no image is read, and TGA is written, which is a header and the pixels.
@@ -79,7 +79,7 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
                                std::to_string(texture.alphas.size()) + "; --alpha N chooses one");
     }
     std::string error;
-    std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, error);
+    std::optional<os::ReplacementFile> file = os::ReplacementFile::create(path, error);
     if (!file.has_value()) {
         return not_written(path, ExitCode::cannot_read_or_write, "cannot-open", error);
     }

@@ -9,7 +9,7 @@
 #include <utility>
 
 #include "cli/texture/texture_diagnostics.h"
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 #include "system/files.h"
 #include "system/input_file.h"
 #include "texture/value/texture_file.h"
@@ -34,7 +34,7 @@ ImageReading read_any(const std::string& path, const ConversionOptions& options)
 
 ImageWriting write_texture_file(const std::string& path, const Texture& texture) {
     std::string reason;
-    std::optional<imageio::ReplacementFile> file = imageio::ReplacementFile::create(path, reason);
+    std::optional<os::ReplacementFile> file = os::ReplacementFile::create(path, reason);
     if (!file.has_value()) {
         return {fail("cannot-open", {path}, reason), ExitCode::cannot_read_or_write};
     }

@@ -1,17 +1,17 @@
 #include <dlfcn.h>
 
-#include "embedded/bundle_loader.h"
+#include "system/dynamic_library.h"
 #include "system/files.h"
 
-namespace embedded {
+namespace os {
 namespace {
 
-class PosixBundle final : public BundleLoader {
+class PosixLibrary final : public DynamicLibrary {
   public:
-    explicit PosixBundle(void* library) : library_(library) {}
-    PosixBundle(const PosixBundle&) = delete;
-    PosixBundle& operator=(const PosixBundle&) = delete;
-    ~PosixBundle() override { dlclose(library_); }
+    explicit PosixLibrary(void* library) : library_(library) {}
+    PosixLibrary(const PosixLibrary&) = delete;
+    PosixLibrary& operator=(const PosixLibrary&) = delete;
+    ~PosixLibrary() override { dlclose(library_); }
 
     [[nodiscard]] Function function(const char* name) const override {
         return reinterpret_cast<Function>(dlsym(library_, name));
@@ -21,7 +21,7 @@ class PosixBundle final : public BundleLoader {
     void* library_;
 };
 
-/// The code of a Macintosh bundle folder, which has its name; any other path is the code itself.
+/// The code file inside a macOS plug-in folder, which carries the folder's name. Any other path is the code.
 std::filesystem::path code_of(const std::filesystem::path& path) {
     std::error_code none;
     return path.extension() == ".plugin" && std::filesystem::is_directory(path, none)
@@ -31,8 +31,8 @@ std::filesystem::path code_of(const std::filesystem::path& path) {
 
 }  // namespace
 
-std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& path, std::string& error) {
-    // Made absolute: dlopen looks a name without a slash up in the system's library folders.
+std::unique_ptr<DynamicLibrary> DynamicLibrary::open(const std::filesystem::path& path, std::string& error) {
+    // dlopen looks up a name without a slash in the system's library folders, so the path is made absolute.
     std::error_code failure;
     const std::filesystem::path absolute = std::filesystem::absolute(path, failure);
     if (failure) {
@@ -40,9 +40,9 @@ std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& pa
         return nullptr;
     }
     const std::filesystem::path code = code_of(absolute);
-    // The loader would wait for somebody to write into a pipe.
-    if (!os::is_regular_file(os::text_of(code), error)) {
-        error = os::text_of(code) + ": " + error;
+    // Given a pipe, dlopen would wait for a writer.
+    if (!is_regular_file(text_of(code), error)) {
+        error = text_of(code) + ": " + error;
         return nullptr;
     }
     void* library = dlopen(code.c_str(), RTLD_NOW | RTLD_LOCAL);
@@ -51,7 +51,7 @@ std::unique_ptr<BundleLoader> BundleLoader::open(const std::filesystem::path& pa
         error = reason == nullptr ? "unknown reason" : reason;
         return nullptr;
     }
-    return std::make_unique<PosixBundle>(library);
+    return std::make_unique<PosixLibrary>(library);
 }
 
-}  // namespace embedded
+}  // namespace os

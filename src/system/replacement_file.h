@@ -5,7 +5,7 @@
 #include <string_view>
 #include <utility>
 
-namespace imageio {
+namespace os {
 
 /// A file that is written beside the one it will replace and takes its place in one step, so that nobody ever
 /// sees half of it: what was there stays until everything is written, and stays when anything fails.
@@ -46,4 +46,4 @@ class ReplacementFile {
     std::string temporary_path_;  // empty once it is in place
 };
 
-}  // namespace imageio
+}  // namespace os

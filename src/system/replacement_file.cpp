@@ -1,4 +1,4 @@
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 
 #include <filesystem>
 #include <random>
@@ -7,7 +7,7 @@
 
 #include "system/files.h"
 
-namespace imageio {
+namespace os {
 
 namespace fs = std::filesystem;
 
@@ -27,33 +27,33 @@ std::string random_suffix() {
 
 std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, std::string& error) {
     std::error_code failure;
-    const std::string end = os::link_target(path, failure);
+    const std::string end = link_target(path, failure);
     if (failure) {
         error = path + ": " + failure.message();
         return std::nullopt;
     }
-    const os::FileKind kind = os::file_state(end).kind;
-    if (kind != os::FileKind::missing) {
-        if (kind != os::FileKind::regular) {
+    const FileKind kind = file_state(end).kind;
+    if (kind != FileKind::missing) {
+        if (kind != FileKind::regular) {
             error = path + ": not a regular file";
             return std::nullopt;
         }
         // Replacing it would not ask the system whether it may be written.
-        failure = os::may_write(end);
+        failure = may_write(end);
         if (failure) {
             error = path + ": " + failure.message();
             return std::nullopt;
         }
     }
-    const fs::path target = os::path_of(end);
+    const fs::path target = path_of(end);
     constexpr int kAttempts = 16;  // a name that is taken is tried again under another
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         fs::path name = ".";
         name += target.stem();
         name += "." + random_suffix();
         name += target.extension();
-        std::string temporary = os::text_of(target.parent_path() / name);
-        failure = os::create_file(temporary);
+        std::string temporary = text_of(target.parent_path() / name);
+        failure = create_file(temporary);
         if (!failure) {
             return ReplacementFile(path, end, std::move(temporary));
         }
@@ -85,7 +85,7 @@ ReplacementFile::~ReplacementFile() {
 }
 
 bool ReplacementFile::fill(std::string_view bytes, std::string& error) {
-    const std::error_code failure = os::fill_file(temporary_path_, bytes);
+    const std::error_code failure = fill_file(temporary_path_, bytes);
     if (failure) {
         error = path_ + ": " + failure.message();
     }
@@ -93,9 +93,9 @@ bool ReplacementFile::fill(std::string_view bytes, std::string& error) {
 }
 
 bool ReplacementFile::put_in_place(std::string& error) {
-    std::error_code failure = os::flush_file(temporary_path_);
+    std::error_code failure = flush_file(temporary_path_);
     if (!failure) {
-        failure = os::replace_file(temporary_path_, target_);
+        failure = replace_file(temporary_path_, target_);
     }
     if (failure) {
         error = path_ + ": " + failure.message();
@@ -108,9 +108,9 @@ bool ReplacementFile::put_in_place(std::string& error) {
 void ReplacementFile::discard() {
     if (!temporary_path_.empty()) {
         std::error_code ignored;
-        fs::remove(os::native_path(temporary_path_), ignored);
+        fs::remove(native_path(temporary_path_), ignored);
         temporary_path_.clear();
     }
 }
 
-}  // namespace imageio
+}  // namespace os

@@ -1,4 +1,4 @@
-#include "imageio/replacement_file.h"
+#include "system/replacement_file.h"
 
 #include <gmock/gmock.h>
 
@@ -33,7 +33,7 @@ std::vector<std::string> names_in(const TemporaryFolder& folder) {
 TEST(ReplacementFile, appears_only_when_put_in_place) {
     const TemporaryFolder folder;
     std::string error;
-    auto file = imageio::ReplacementFile::create(folder.path("a.txl"), error);
+    auto file = os::ReplacementFile::create(folder.path("a.txl"), error);
     ASSERT_TRUE(file.has_value()) << error;
     EXPECT_THAT(file->temporary_path(), EndsWith(".txl"));
     fill(file->temporary_path(), "new");
@@ -48,7 +48,7 @@ TEST(ReplacementFile, what_was_there_stays_when_given_up) {
     folder.write("a.txl", "old");
     std::string error;
     {
-        const auto file = imageio::ReplacementFile::create(folder.path("a.txl"), error);
+        const auto file = os::ReplacementFile::create(folder.path("a.txl"), error);
         ASSERT_TRUE(file.has_value()) << error;
         fill(file->temporary_path(), "half");
     }
@@ -62,7 +62,7 @@ TEST(ReplacementFile, keeps_the_permissions_of_what_it_replaces) {
     const fs::perms perms = fs::perms::owner_read | fs::perms::owner_write | fs::perms::others_read;
     fs::permissions(path, perms);
     std::string error;
-    auto file = imageio::ReplacementFile::create(path, error);
+    auto file = os::ReplacementFile::create(path, error);
     ASSERT_TRUE(file.has_value()) << error;
     ASSERT_TRUE(file->put_in_place(error)) << error;
     EXPECT_EQ(fs::status(path).permissions(), perms);
@@ -74,7 +74,7 @@ TEST(ReplacementFile, follows_a_link_and_leaves_it_a_link) {
     const std::string real = folder.write("elsewhere/real.txl", "old");
     fs::create_symlink(real, folder.path("a.txl"));
     std::string error;
-    auto file = imageio::ReplacementFile::create(folder.path("a.txl"), error);
+    auto file = os::ReplacementFile::create(folder.path("a.txl"), error);
     ASSERT_TRUE(file.has_value()) << error;
     fill(file->temporary_path(), "new");
     ASSERT_TRUE(file->put_in_place(error)) << error;
@@ -86,25 +86,25 @@ TEST(ReplacementFile, refuses_places_where_no_file_can_be_put) {
     const TemporaryFolder folder;
     fs::create_directory(folder.folder() / "folder.txl");
     std::string error;
-    EXPECT_FALSE(imageio::ReplacementFile::create(folder.path("folder.txl"), error).has_value());
+    EXPECT_FALSE(os::ReplacementFile::create(folder.path("folder.txl"), error).has_value());
     EXPECT_THAT(error, HasSubstr("not a regular file"));
-    EXPECT_FALSE(imageio::ReplacementFile::create("/dev/null", error).has_value());
+    EXPECT_FALSE(os::ReplacementFile::create("/dev/null", error).has_value());
     EXPECT_THAT(error, HasSubstr("not a regular file"));
-    EXPECT_FALSE(imageio::ReplacementFile::create(folder.path("missing/a.txl"), error).has_value());
+    EXPECT_FALSE(os::ReplacementFile::create(folder.path("missing/a.txl"), error).has_value());
     EXPECT_THAT(error, HasSubstr("No such file or directory"));
 }
 
 TEST(ReplacementFile, refuses_names_too_long_for_the_file_system) {
     const TemporaryFolder folder;
     std::string error;
-    EXPECT_FALSE(imageio::ReplacementFile::create(folder.path(std::string(300, 'n')), error).has_value());
+    EXPECT_FALSE(os::ReplacementFile::create(folder.path(std::string(300, 'n')), error).has_value());
     EXPECT_THAT(error, HasSubstr("File name too long"));
 }
 
 TEST(ReplacementFile, says_why_it_cannot_be_put_in_place) {
     const TemporaryFolder folder;
     std::string error;
-    auto file = imageio::ReplacementFile::create(folder.path("a.txl"), error);
+    auto file = os::ReplacementFile::create(folder.path("a.txl"), error);
     ASSERT_TRUE(file.has_value()) << error;
     fs::create_directories(folder.folder() / "a.txl" / "in the way");
     EXPECT_FALSE(file->put_in_place(error));
@@ -115,8 +115,8 @@ TEST(ReplacementFile, says_why_it_cannot_be_put_in_place) {
 TEST(ReplacementFile, moves_with_its_temporary_file) {
     const TemporaryFolder folder;
     std::string error;
-    auto first = imageio::ReplacementFile::create(folder.path("a.txl"), error);
-    auto second = imageio::ReplacementFile::create(folder.path("b.txl"), error);
+    auto first = os::ReplacementFile::create(folder.path("a.txl"), error);
+    auto second = os::ReplacementFile::create(folder.path("b.txl"), error);
     ASSERT_TRUE(first.has_value() && second.has_value());
     *first = std::move(*second);
     second.reset();
