@@ -328,7 +328,7 @@ TEST_F(ImportFileTest, WithoutTheAdvAppSuiteTheImportEndsWithTheHostsError) {
 }
 
 TEST_F(ImportFileTest, AnAdvAppSuiteThatIsNothingEndsTheImportQuietly) {
-    host_.empty_suite("PF AE Adv App Suite", 1);
+    host_.withhold_suite("PF AE Adv App Suite", 1, kHostErrorNone);
     EXPECT_EQ(import(kEmptyScene), 0);
     EXPECT_THAT(host_.reports, IsEmpty());
     EXPECT_THAT(host_.calls_of({"StartUndoGroup", "CreateNewFolder"}), IsEmpty());
@@ -503,10 +503,7 @@ TEST_F(ImportFileTest, EverySuiteThatIsMissingEndsTheImportWithEverythingGivenBa
             SCOPED_TRACE(std::string(name) + (empty ? " is nothing" : " is refused"));
             RecordingHost host;
             host.alpha_preference = 1;
-            if (empty)
-                host.empty_suite(name, version);
-            else
-                host.withhold_suite(name, version);
+            host.withhold_suite(name, version, empty ? kHostErrorNone : kHostErrorMissingSuite);
             long caught = 0;
             try {
                 import(kEverything);

@@ -14,7 +14,6 @@
 #include "support/recording_host.h"
 #include "support/shared_library.h"
 #include "support/temporary_folder.h"
-#include "support/today_host.h"
 
 namespace {
 
@@ -128,8 +127,8 @@ TEST(Bundle, ItsSecondEntryServesTodaysHosts) {
     const auto entry = bundle.function<AEGP_PluginInitFuncToday>("EntryPointFunc");
     ASSERT_NE(entry, nullptr);
 
-    TodayHost host;
-    EXPECT_EQ(entry(host.basic(), 13, 28, TodayHost::kPluginId, nullptr), 0);
+    CurrentHost host;
+    EXPECT_EQ(entry(host.basic(), 13, 28, RecordingHost::kPluginId, nullptr), 0);
     EXPECT_EQ(host.calls.size(), 5U);
     EXPECT_THAT(host.left_open(), ElementsAre("AEGP Register Suite 6 x 1"))
         << "the plug-in deliberately keeps the classic one";
@@ -151,9 +150,9 @@ TEST(Bundle, NoExceptionReachesTodaysHosts) {
     const SharedLibrary bundle(kBundle);
     const auto entry = bundle.function<AEGP_PluginInitFuncToday>("EntryPointFunc");
     ASSERT_NE(entry, nullptr);
-    TodayHost host;
+    CurrentHost host;
     host.withhold_suite("AEGP File Import Manager Suite", 3);
-    EXPECT_EQ(entry(host.basic(), 13, 28, TodayHost::kPluginId, nullptr), 13);
+    EXPECT_EQ(entry(host.basic(), 13, 28, RecordingHost::kPluginId, nullptr), 13);
     EXPECT_THAT(host.reports,
                 ElementsAre("This plug-in needs the suite \"AEGP File Import Manager Suite\" 3, "
                             "which the host does not offer."));

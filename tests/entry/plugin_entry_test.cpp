@@ -33,7 +33,7 @@ TEST(PluginEntry, RegistersTheImporterAndTheTextureModule) {
     RecordingHost host;
     EXPECT_EQ(enter(host), 0);
     EXPECT_THAT(host.calls, ElementsAre(kDeathHook, kFlavor, kTypes, kCallbacks, kModule));
-    EXPECT_EQ(host.registered_death_hook, &DeathHook);
+    EXPECT_THAT(host.death_hooks, ElementsAre(::testing::Pair(&DeathHook, nullptr)));
     EXPECT_EQ(host.registered_callbacks.refcon, nullptr);
     EXPECT_EQ(host.registered_callbacks.import_cb, &ImportFile);
     EXPECT_EQ(host.registered_callbacks.verify_cb, &VerifyFileImportable);

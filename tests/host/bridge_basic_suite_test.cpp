@@ -38,7 +38,7 @@ Acquired acquire(const SPBasicSuite* basic, const std::string& name, A_long vers
 TEST(BridgeBasicSuite, TodaysSuiteIsHeldAsLongAsTheClassicOne) {
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
-        TodayHost host;
+        CurrentHost host;
         const SPBasicSuite* bridge = bridge_over(host);
         const Acquired first = acquire(bridge, suite.name, suite.classic);
         EXPECT_EQ(first.err, 0);
@@ -61,7 +61,7 @@ TEST(BridgeBasicSuite, TodaysSuiteIsHeldAsLongAsTheClassicOne) {
 }
 
 TEST(BridgeBasicSuite, AFunctionAnswersWhileItsSuiteIsHeld) {
-    TodayHost host;
+    CurrentHost host;
     const SPBasicSuite* bridge = bridge_over(host);
     const auto* proj = acquired<AEGP_ProjSuite5>(bridge, "AEGP Proj Suite", 5);
     ASSERT_NE(proj, nullptr);
@@ -78,7 +78,7 @@ TEST(BridgeBasicSuite, AnErrorOfTheHostIsPassedOnAndNothingIsHeld) {
     for (const BridgedSuite& suite : kBridgedSuites) {
         for (const A_Err code : {13, 4, -7}) {
             SCOPED_TRACE(suite.name + " = " + std::to_string(code));
-            TodayHost host;
+            CurrentHost host;
             host.withhold_suite(suite.name, suite.today, code);
             const SPBasicSuite* bridge = bridge_over(host);
             const Acquired acquired = acquire(bridge, suite.name, suite.classic);
@@ -93,7 +93,7 @@ TEST(BridgeBasicSuite, AnErrorOfTheHostIsPassedOnAndNothingIsHeld) {
 TEST(BridgeBasicSuite, ASuccessWithoutATableIsAMissingSuite) {
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
-        TodayHost host;
+        CurrentHost host;
         host.withhold_suite(suite.name, suite.today, kHostErrorNone);
         const Acquired acquired = acquire(bridge_over(host), suite.name, suite.classic);
         EXPECT_EQ(acquired.err, 13);
@@ -105,7 +105,7 @@ TEST(BridgeBasicSuite, AHostBetweenTheGenerationsIsCalledAsItIsButForRegistratio
     const char classic_table = 0;
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
-        TodayHost host;
+        CurrentHost host;
         host.withhold_suite(suite.name, suite.today);
         host.offer_suite(suite.name, suite.classic, &classic_table);
         const SPBasicSuite* bridge = bridge_over(host);
@@ -129,7 +129,7 @@ TEST(BridgeBasicSuite, TodaysSuiteIsPreferredWhereTheHostHasBoth) {
     const char classic_table = 0;
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
-        TodayHost host;
+        CurrentHost host;
         host.offer_suite(suite.name, suite.classic, &classic_table);
         EXPECT_NE(acquire(bridge_over(host), suite.name, suite.classic).table, &classic_table);
         EXPECT_EQ(host.held(suite.name, suite.today), 1);
@@ -151,7 +151,7 @@ TEST(BridgeBasicSuite, EverythingElseIsTheHosts) {
     const char other_table = 0;
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
-        TodayHost host;
+        CurrentHost host;
         host.offer_suite("AEGP Footage Suite", 10, &other_table);
         host.offer_suite("AEGP footage Suite", 7, &other_table);
         const SPBasicSuite* bridge = bridge_over(host);
@@ -165,7 +165,7 @@ TEST(BridgeBasicSuite, EverythingElseIsTheHosts) {
 
 TEST(BridgeBasicSuite, WhatIsNotBridgedFailsAsTheHostSays) {
     for (const A_Err code : {0, 13, 5}) {
-        TodayHost host;
+        CurrentHost host;
         host.withhold_suite("PF AE Adv App Suite", 1, code);
         const Acquired acquired = acquire(bridge_over(host), "PF AE Adv App Suite", 1);
         EXPECT_EQ(acquired.err, code) << "a success without a table stays one";
@@ -174,23 +174,23 @@ TEST(BridgeBasicSuite, WhatIsNotBridgedFailsAsTheHostSays) {
 }
 
 TEST(BridgeBasicSuite, AReleaseAnswersWhatTheHostSays) {
-    TodayHost host;
+    CurrentHost host;
     const SPBasicSuite* bridge = bridge_over(host);
     acquire(bridge, "AEGP Proj Suite", 5);
     acquire(bridge, "AEGP Utility Suite", 7);
-    host.fail("ReleaseSuite", 8);
+    host.release_result = 8;
     EXPECT_EQ(bridge->ReleaseSuite("AEGP Proj Suite", 5), 8);
     EXPECT_EQ(bridge->ReleaseSuite("AEGP Utility Suite", 7), 8);
 }
 
 TEST(BridgeBasicSuite, NoPlaceForTheTableIsRefused) {
-    TodayHost host;
+    CurrentHost host;
     EXPECT_EQ(bridge_over(host)->AcquireSuite("AEGP Proj Suite", 5, nullptr), 3);
     EXPECT_THAT(host.traffic, IsEmpty());
 }
 
 TEST(BridgeBasicSuite, ItsOtherFunctionsAreTheHosts) {
-    TodayHost host;
+    CurrentHost host;
     const SPBasicSuite* bridge = bridge_over(host);
     EXPECT_EQ(bridge->IsEqual("a", "a"), 1);
     EXPECT_EQ(bridge->IsEqual("a", "b"), 0);
@@ -201,9 +201,9 @@ TEST(BridgeBasicSuite, ItsOtherFunctionsAreTheHosts) {
 }
 
 TEST(BridgeBasicSuite, TheNextHostBeginsWithNothingHeld) {
-    TodayHost first;
+    CurrentHost first;
     acquire(bridge_over(first), "AEGP Persistent Data Suite", 1);
-    TodayHost second;
+    CurrentHost second;
     const SPBasicSuite* bridge = bridge_over(second);
     EXPECT_EQ(bridge->ReleaseSuite("AEGP Persistent Data Suite", 1), 3);
     EXPECT_THAT(second.traffic, IsEmpty());

@@ -81,7 +81,7 @@ class BridgeCallbacks : public ::testing::Test {
         return registers->AEGP_RegisterIO(7, refcon, &info, &functions);
     }
 
-    TodayHost host;
+    CurrentHost host;
     SPBasicSuite* bridge;
     const AEGP_RegisterSuite4* registers;
     const AEGP_FileImportManagerSuite2* imports;
@@ -197,7 +197,7 @@ TEST_F(BridgeCallbacks, FourOfAKindAreToldApartAndAFifthIsRefused) {
                             "This plug-in registers more input modules than there is room for (4)."));
 
     A_Boolean importable = 0;
-    AEIO_BasicData data = host.basic_data();
+    AEIO_BasicData data = *host.basic_data();
     for (std::size_t i = 4; i-- > 0;) {
         host.death_hooks[i].first(nullptr, nullptr);
         host.importers[i].import_cb(u"p", nullptr, 0, nullptr, host.importers[i].refcon);
@@ -211,9 +211,9 @@ TEST_F(BridgeCallbacks, FourOfAKindAreToldApartAndAFifthIsRefused) {
 }
 
 TEST_F(BridgeCallbacks, WhatTheHostRefusesTakesNoPlace) {
-    host.fail("RegisterDeathHook", 3);
-    host.fail("RegisterImportFlavorImportCallbacks", 3);
-    host.fail("RegisterIO", 3);
+    host.fail_every("RegisterDeathHook", 3);
+    host.fail_every("RegisterImportFlavorImportCallbacks", 3);
+    host.fail_every("RegisterIO", 3);
     for (int i = 0; i < 10; ++i) {
         EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<1>, nullptr), 3);
         EXPECT_EQ(register_importer({nullptr, import_file<1>, verify_file<1>}), 3);
@@ -225,7 +225,7 @@ TEST_F(BridgeCallbacks, WhatTheHostRefusesTakesNoPlace) {
 TEST_F(BridgeCallbacks, TheNextHostFindsEveryPlaceFree) {
     for (int i = 0; i < 4; ++i)
         EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<1>, nullptr), 0);
-    TodayHost next;
+    CurrentHost next;
     const auto* next_registers = acquired<AEGP_RegisterSuite4>(bridge_over(next), "AEGP Register Suite", 4);
     EXPECT_EQ(next_registers->AEGP_RegisterDeathHook(7, death_hook<2>, nullptr), 0);
     next.death_hooks.at(0).first(nullptr, nullptr);
@@ -238,7 +238,7 @@ TEST_F(BridgeCallbacks, NoExceptionLeavesACallback) {
     ASSERT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<1>, nullptr), 0);
     ASSERT_EQ(register_importer({nullptr, import_file<1>, verify_file<1>}), 0);
     ASSERT_EQ(register_module(idle<1>, nullptr), 0);
-    AEIO_BasicData data = host.basic_data();
+    AEIO_BasicData data = *host.basic_data();
     A_Boolean importable = 0;
     const std::vector<std::pair<std::string, std::function<A_Err()>>> callbacks = {
         {"death hook", [&] { return host.death_hooks[0].first(nullptr, nullptr); }},
@@ -275,7 +275,7 @@ TEST_F(BridgeCallbacks, NoExceptionLeavesACallback) {
 TEST_F(BridgeCallbacks, ACallWithinACallNamesItsOwnMissingSuite) {
     ASSERT_EQ(register_importer({nullptr, import_file<1>, verify_file<1>}), 0);
     ASSERT_EQ(register_module(idle<1>, nullptr), 0);
-    AEIO_BasicData data = host.basic_data();
+    AEIO_BasicData data = *host.basic_data();
     // The importer calls the host, which calls the module, which misses a suite; then the importer misses
     // another.
     int depth = 0;

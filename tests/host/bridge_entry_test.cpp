@@ -17,7 +17,7 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 TEST(BridgeEntry, ThePluginGetsTheBridgeAndTheHostsArgumentsWithoutPaths) {
-    TodayHost host;
+    CurrentHost host;
     AEGP_GlobalRefcon refcon = nullptr;
     BridgedPlugin::entry = [](SPBasicSuite*) { return A_Err{17}; };
     EXPECT_EQ(EntryPointFunc(host.basic(), 13, 28, 4711, &refcon), 17) << "the entry's result";
@@ -57,7 +57,7 @@ TEST(BridgeEntry, NoExceptionLeaves) {
         {"something else", [] { throw "text"; }, 1},
     };
     for (const auto& c : cases) {
-        TodayHost host;
+        CurrentHost host;
         EXPECT_EQ(enter(host,
                         [&c](SPBasicSuite*) {
                             c.thrower();
@@ -92,7 +92,7 @@ TEST(BridgeEntry, AMissingSuiteIsNamedInOneReport) {
         // A host that says so, one that says something else, and one that says nothing and gives no table.
         for (const A_Err result : {kHostErrorMissingSuite, kHostErrorAllocation, kHostErrorNone}) {
             SCOPED_TRACE(std::string(c.name) + " = " + std::to_string(result));
-            TodayHost host;
+            CurrentHost host;
             host.withhold_suite(c.name, c.version, result);
             EXPECT_EQ(enter(host,
                             [&c](SPBasicSuite* bridge) {
@@ -110,7 +110,7 @@ TEST(BridgeEntry, AMissingSuiteIsNamedInOneReport) {
 }
 
 TEST(BridgeEntry, WithoutTheUtilitySuiteThereIsNoReport) {
-    TodayHost host;
+    CurrentHost host;
     host.withhold_suite("AEGP Utility Suite", 7);
     EXPECT_EQ(enter(host,
                     [](SPBasicSuite* bridge) {
@@ -122,7 +122,7 @@ TEST(BridgeEntry, WithoutTheUtilitySuiteThereIsNoReport) {
 }
 
 TEST(BridgeEntry, ASuiteThatNobodyMissedIsNotNamed) {
-    TodayHost host;
+    CurrentHost host;
     EXPECT_EQ(enter(host,
                     [](SPBasicSuite* bridge) {
                         // Asked for and done without, as the importer does with one suite; then another
@@ -147,7 +147,7 @@ TEST(BridgeEntry, ASuiteThatNobodyMissedIsNotNamed) {
 
 TEST(BridgeEntry, ANameOfAnyLengthIsReportedAsFarAsThereIsRoom) {
     const std::string long_name(1000, 'x');
-    TodayHost host;
+    CurrentHost host;
     EXPECT_EQ(enter(host,
                     [&long_name](SPBasicSuite* bridge) {
                         EXPECT_EQ(acquired<char>(bridge, long_name.c_str(), 1), nullptr);

@@ -27,7 +27,7 @@ constexpr A_Err kModulesResult = 4711;
 
 std::optional<AEIO_BasicData> seen_data;  ///< what the module's function got, if it was called
 
-AEIO_FunctionBlock4 registered_block(TodayHost& host, const AEIO_FunctionBlock2& functions) {
+AEIO_FunctionBlock4 registered_block(RecordingHost& host, const AEIO_FunctionBlock2& functions) {
     const auto* registers = acquired<AEGP_RegisterSuite4>(bridge_over(host), "AEGP Register Suite", 4);
     AEIO_ModuleInfo info{};
     EXPECT_EQ(registers->AEGP_RegisterIO(7, nullptr, &info, &functions), 0);
@@ -60,12 +60,13 @@ struct SameField<Classic, Today> {
     }
 
     static void check() {
-        TodayHost host;
+        CurrentHost host;
         AEIO_FunctionBlock2 functions{};
         functions.*Classic = module_function;
         const AEIO_FunctionBlock4 block = registered_block(host, functions);
         ASSERT_NE(block.*Today, nullptr);
-        AEIO_BasicData data = host.basic_data(reinterpret_cast<AEGP_IORefcon>(0x77));
+        AEIO_BasicData data = *host.basic_data();
+        data.refcon = reinterpret_cast<AEGP_IORefcon>(0x77);
         const auto arguments = []<std::size_t... N>(std::index_sequence<N...>) {
             return std::tuple<Arguments...>(nth_value<Arguments>(N)...);
         }
@@ -147,7 +148,7 @@ TEST(BridgeFunctionBlock, AFieldIsNullWhereThePluginsIs) {
         ClassicFields fields;
         fields.fill(do_nothing);
         fields[null_field] = nullptr;
-        TodayHost host;
+        CurrentHost host;
         const auto block =
             std::bit_cast<TodaysFields>(registered_block(host, std::bit_cast<AEIO_FunctionBlock2>(fields)));
         for (std::size_t field = 0; field < block.size(); ++field)
@@ -156,9 +157,9 @@ TEST(BridgeFunctionBlock, AFieldIsNullWhereThePluginsIs) {
 }
 
 TEST(BridgeFunctionBlock, TheThreeNewFieldsAskForTheDefault) {
-    TodayHost host;
+    CurrentHost host;
     const AEIO_FunctionBlock4 block = registered_block(host, {});
-    AEIO_BasicData data = host.basic_data();
+    AEIO_BasicData data = *host.basic_data();
     EXPECT_EQ(block.AEIO_AddMarker2(&data, nullptr, 1, nullptr, nullptr), 9992);
     EXPECT_EQ(block.AEIO_AddMarker3(&data, nullptr, 1, nullptr, 2, nullptr), 9992);
     A_char type[] = "before";
@@ -167,7 +168,7 @@ TEST(BridgeFunctionBlock, TheThreeNewFieldsAskForTheDefault) {
 }
 
 TEST(BridgeFunctionBlock, WithoutBasicDataTheModuleIsNotCalled) {
-    TodayHost host;
+    CurrentHost host;
     AEIO_FunctionBlock2 functions{};
     functions.AEIO_Idle = [](AEIO_BasicData* data, A_long, A_long*) {
         seen_data = *data;
@@ -235,9 +236,9 @@ const PathField kPathFields[] = {
 TEST(BridgeFunctionBlock, PathsArriveNarrow) {
     for (const PathField& field : kPathFields) {
         SCOPED_TRACE(field.name);
-        TodayHost host;
+        CurrentHost host;
         const AEIO_FunctionBlock4 block = registered_block(host, path_functions());
-        AEIO_BasicData data = host.basic_data();
+        AEIO_BasicData data = *host.basic_data();
         seen_path = {};
         importable = 0;
         EXPECT_EQ(field.call(block, &data, u"/caf\x00E9/\x6620 \xD83C\xDFAC.txl"), kModulesResult);
@@ -271,9 +272,9 @@ TEST(BridgeFunctionBlock, APathThatCannotBeTranslatedIsNotTheModulesToSee) {
     for (const PathField& field : kPathFields) {
         for (const auto& c : cases) {
             SCOPED_TRACE(field.name + ": " + c.why);
-            TodayHost host;
+            CurrentHost host;
             const AEIO_FunctionBlock4 block = registered_block(host, path_functions());
-            AEIO_BasicData data = host.basic_data();
+            AEIO_BasicData data = *host.basic_data();
             seen_path = {};
             importable = 1;
             std::optional<RefusedMemory> memory;
@@ -308,9 +309,9 @@ AEIO_FunctionBlock2 giving_functions() {
     return functions;
 }
 
-A_Err ask_for_path(TodayHost& host, AEGP_MemHandle* path) {
+A_Err ask_for_path(RecordingHost& host, AEGP_MemHandle* path) {
     const AEIO_FunctionBlock4 block = host.modules.at(0).second;
-    AEIO_BasicData data = host.basic_data();
+    AEIO_BasicData data = *host.basic_data();
     return block.AEIO_GetNthAuxFileSpec(&data, some_handle<AEIO_InSpecH>(5), 6, 7, path);
 }
 
@@ -332,7 +333,7 @@ TEST(BridgeFunctionBlock, AModulesPathBecomesAHandleOfTheHosts) {
         {"the longest", longest, longest_wide},
     };
     for (const auto& c : cases) {
-        TodayHost host;
+        CurrentHost host;
         registered_block(host, giving_functions());
         given_path = c.narrow;
         given_result = 0;
@@ -350,32 +351,42 @@ TEST(BridgeFunctionBlock, WithoutAPathThereIsNoHandle) {
         const char* why;
         std::string path;
         A_Err result;
-        std::function<void(TodayHost&)> script;
+        std::function<void(RecordingHost&)> script;
         A_Err err;
         std::vector<std::string> reports;
     } cases[] = {
-        {"the module wants the default", "", 9992, [](TodayHost&) {}, 9992, {}},
+        {"the module wants the default", "", 9992, [](RecordingHost&) {}, 9992, {}},
         {"the path is not valid",
          "/a\xE9",
          0,
-         [](TodayHost&) {},
+         [](RecordingHost&) {},
          3,
          {"A path cannot be given to the host: it is not valid UTF-8 (byte E9 behind \"/a\")."}},
-        {"the host has no memory", "/a", 0, [](TodayHost& h) { h.fail("NewMemHandle", 4); }, 4, {}},
-        {"the host makes no handle", "/a", 0, [](TodayHost& h) { h.yield_nothing("NewMemHandle"); }, 1, {}},
-        {"no lock", "/a", 0, [](TodayHost& h) { h.fail("LockMemHandle", 31); }, 31, {}},
-        {"a lock without an address", "/a", 0, [](TodayHost& h) { h.yield_nothing("LockMemHandle"); }, 1, {}},
-        {"no unlocking", "/a", 0, [](TodayHost& h) { h.fail("UnlockMemHandle", 32); }, 32, {}},
+        {"the host has no memory", "/a", 0, [](RecordingHost& h) { h.fail_every("NewMemHandle", 4); }, 4, {}},
+        {"the host makes no handle",
+         "/a",
+         0,
+         [](RecordingHost& h) { h.always_yield_nothing("NewMemHandle"); },
+         1,
+         {}},
+        {"no lock", "/a", 0, [](RecordingHost& h) { h.fail_every("LockMemHandle", 31); }, 31, {}},
+        {"a lock without an address",
+         "/a",
+         0,
+         [](RecordingHost& h) { h.always_yield_nothing("LockMemHandle"); },
+         1,
+         {}},
+        {"no unlocking", "/a", 0, [](RecordingHost& h) { h.fail_every("UnlockMemHandle", 32); }, 32, {}},
         {"no memory suite",
          "/a",
          0,
-         [](TodayHost& h) { h.withhold_suite("AEGP Memory Suite", 1); },
+         [](RecordingHost& h) { h.withhold_suite("AEGP Memory Suite", 1); },
          13,
          {"This plug-in needs the suite \"AEGP Memory Suite\" 1, which the host does not offer."}},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
-        TodayHost host;
+        CurrentHost host;
         registered_block(host, giving_functions());
         c.script(host);
         given_path = c.path;
@@ -386,7 +397,7 @@ TEST(BridgeFunctionBlock, WithoutAPathThereIsNoHandle) {
         EXPECT_EQ(host.reports, c.reports);
         EXPECT_THAT(host.left_open(), ElementsAre("AEGP Register Suite 6 x 1"));
     }
-    TodayHost host;
+    CurrentHost host;
     registered_block(host, giving_functions());
     given_path = "/a";
     given_result = 0;
@@ -395,7 +406,7 @@ TEST(BridgeFunctionBlock, WithoutAPathThereIsNoHandle) {
 }
 
 TEST(BridgeFunctionBlock, WithoutMemoryForThePathTheModuleIsNotAsked) {
-    TodayHost host;
+    CurrentHost host;
     registered_block(host, giving_functions());
     AEGP_MemHandle handle = nullptr;
     const RefusedMemory memory(0);

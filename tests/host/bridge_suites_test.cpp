@@ -47,7 +47,7 @@ class BridgeSuites : public ::testing::Test {
         bridge->ReleaseSuite("AEGP Register Suite", 4);
     }
 
-    TodayHost host;
+    CurrentHost host;
     SPBasicSuite* bridge;
     const AEGP_PersistentDataSuite1* persistent_data;
     const AEGP_ProjSuite5* proj;
@@ -123,7 +123,7 @@ TEST_F(BridgeSuiteCalls, ArriveAtTheHostWithEveryArgument) {
 
 TEST_F(BridgeSuiteCalls, AnswerWithTheHostsError) {
     for (const SuiteCall& c : suite_calls()) {
-        host.fail(c.function, kHostsError);
+        host.fail_every(c.function, kHostsError);
         EXPECT_EQ(c.call(*this), kHostsError) << c.function;
     }
     EXPECT_EQ(host.left_open(), held_at_first);
@@ -197,15 +197,15 @@ TEST_F(BridgeSuites, WithoutMemoryForTheWidePathThereIsNoFootage) {
 
 struct PathFunction {
     std::string name;
-    std::u16string TodayHost::*path;
+    std::u16string RecordingHost::*path;
     std::function<A_Err(const AEGP_IOInSuite1*, const AEGP_IOOutSuite1*, A_char*)> call;
 };
 const PathFunction kPathFunctions[] = {
-    {"GetInSpecFilePath", &TodayHost::in_path,
+    {"GetInSpecFilePath", &RecordingHost::in_path,
      [](const AEGP_IOInSuite1* in, const AEGP_IOOutSuite1*, A_char* path) {
          return in->AEGP_GetInSpecFilePath(some_handle<AEIO_InSpecH>(1), path);
      }},
-    {"GetOutSpecFilePath", &TodayHost::out_path,
+    {"GetOutSpecFilePath", &RecordingHost::out_path,
      [](const AEGP_IOInSuite1*, const AEGP_IOOutSuite1* out, A_char* path) {
          return out->AEGP_GetOutSpecFilePath(some_handle<AEIO_OutSpecH>(1), path);
      }},
@@ -302,30 +302,39 @@ TEST_F(BridgeSuites, AHostThatCannotLendItsPathIsAnError) {
     for (const PathFunction& function : kPathFunctions) {
         const struct {
             const char* why;
-            std::function<void(TodayHost&)> script;
+            std::function<void(RecordingHost&)> script;
             A_Err err;
-            std::vector<std::string> reports;
+            std::vector<std::string> reports = {};
+            std::vector<std::string> kept_memory = {};
         } cases[] = {
-            {"no handle", [&](TodayHost& h) { h.yield_nothing(function.name); }, 1, {}},
-            {"no lock", [](TodayHost& h) { h.fail("LockMemHandle", 31); }, 31, {}},
-            {"a lock without an address", [](TodayHost& h) { h.yield_nothing("LockMemHandle"); }, 1, {}},
-            {"no unlocking", [](TodayHost& h) { h.fail("UnlockMemHandle", 32); }, 32, {}},
-            {"no freeing", [](TodayHost& h) { h.fail("FreeMemHandle", 33); }, 33, {}},
+            {"no handle", [&](RecordingHost& h) { h.always_yield_nothing(function.name); }, 1, {}},
+            {"no lock", [](RecordingHost& h) { h.fail_every("LockMemHandle", 31); }, 31, {}},
+            {"a lock without an address",
+             [](RecordingHost& h) { h.always_yield_nothing("LockMemHandle"); },
+             1,
+             {}},
+            {"no unlocking", [](RecordingHost& h) { h.fail_every("UnlockMemHandle", 32); }, 32, {}},
+            {"no freeing",
+             [](RecordingHost& h) { h.fail_every("FreeMemHandle", 33); },
+             33,
+             {},
+             {"memory handle, locks 0"}},
             {"the first of several errors counts",
-             [](TodayHost& h) {
-                 h.fail("UnlockMemHandle", 32);
-                 h.fail("FreeMemHandle", 33);
+             [](RecordingHost& h) {
+                 h.fail_every("UnlockMemHandle", 32);
+                 h.fail_every("FreeMemHandle", 33);
              },
              32,
-             {}},
+             {},
+             {"memory handle, locks 0"}},
             {"no memory suite",
-             [](TodayHost& h) { h.withhold_suite("AEGP Memory Suite", 1); },
+             [](RecordingHost& h) { h.withhold_suite("AEGP Memory Suite", 1); },
              13,
              {"This plug-in needs the suite \"AEGP Memory Suite\" 1, which the host does not offer."}},
         };
         for (const auto& c : cases) {
             SCOPED_TRACE(function.name + ": " + c.why);
-            TodayHost other;
+            CurrentHost other;
             const SPBasicSuite* other_bridge = bridge_over(other);
             const auto* in = acquired<AEGP_IOInSuite1>(other_bridge, "AEGP IO In Suite", 1);
             const auto* out = acquired<AEGP_IOOutSuite1>(other_bridge, "AEGP IO Out Suite", 1);
@@ -334,7 +343,9 @@ TEST_F(BridgeSuites, AHostThatCannotLendItsPathIsAnError) {
             EXPECT_EQ(function.call(in, out, buffer.path.data()), c.err);
             EXPECT_TRUE(buffer.untouched());
             EXPECT_EQ(other.reports, c.reports);
-            EXPECT_THAT(other.left_open(), ElementsAre("AEGP IO In Suite 5 x 1", "AEGP IO Out Suite 7 x 1"));
+            std::vector<std::string> left_open = {"AEGP IO In Suite 5 x 1", "AEGP IO Out Suite 7 x 1"};
+            left_open.insert(left_open.end(), c.kept_memory.begin(), c.kept_memory.end());
+            EXPECT_EQ(other.left_open(), left_open);
         }
     }
 }
@@ -386,7 +397,7 @@ TEST_F(BridgeSuites, ASizeBeyond32BitsIsTheLargestThereIs) {
         EXPECT_EQ(io_in->AEGP_GetInSpecSize(some_handle<AEIO_InSpecH>(1), &size), 0);
         EXPECT_EQ(size, c.size);
     }
-    host.fail("GetInSpecSize", 9);
+    host.fail_every("GetInSpecSize", 9);
     A_long size = -1;
     EXPECT_EQ(io_in->AEGP_GetInSpecSize(some_handle<AEIO_InSpecH>(1), &size), 9);
     EXPECT_EQ(size, -1) << "nothing is written on an error";

@@ -20,7 +20,7 @@ const char* const kReport =
     "This plug-in needs the suite \"AEGP Comp Suite\" 9, which the host does not offer.";
 
 TEST(BridgeThreads, SuitesAreCountedAndExceptionsKeptInOnEveryThread) {
-    TodayHost host;
+    CurrentHost host;
     answered = 0;
     ASSERT_EQ(enter(host,
                     [](SPBasicSuite* bridge) {
@@ -44,7 +44,7 @@ TEST(BridgeThreads, SuitesAreCountedAndExceptionsKeptInOnEveryThread) {
     std::vector<std::thread> threads;
     for (int i = 0; i < kThreads; ++i)
         threads.emplace_back([&host, &block, &missing] {
-            AEIO_BasicData data = host.basic_data();
+            AEIO_BasicData data = *host.basic_data();
             for (int round = 0; round < kRounds; ++round)
                 if (block.AEIO_Idle(&data, round, nullptr) == kHostErrorMissingSuite)
                     ++missing;

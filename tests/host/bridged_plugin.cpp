@@ -9,12 +9,12 @@ A_Err Main_VORTANXR_AE(SPBasicSuite* basic, A_long majorVersion, A_long minorVer
     return BridgedPlugin::entry(basic);
 }
 
-A_Err enter(TodayHost& host, const BridgedPlugin::Entry& entry) {
+A_Err enter(RecordingHost& host, const BridgedPlugin::Entry& entry) {
     BridgedPlugin::entry = entry;
-    return EntryPointFunc(host.basic(), 13, 28, TodayHost::kPluginId, nullptr);
+    return EntryPointFunc(host.basic(), 13, 28, RecordingHost::kPluginId, nullptr);
 }
 
-SPBasicSuite* bridge_over(TodayHost& host) {
+SPBasicSuite* bridge_over(RecordingHost& host) {
     SPBasicSuite* bridge = nullptr;
     enter(host, [&bridge](SPBasicSuite* basic) {
         bridge = basic;

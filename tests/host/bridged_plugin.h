@@ -3,7 +3,7 @@
 #include <functional>
 
 #include "host/entry_points.h"
-#include "support/today_host.h"
+#include "support/recording_host.h"
 
 /// Stands where the plug-in stands: this program's Main_VORTANXR_AE calls `entry`.
 struct BridgedPlugin {
@@ -24,10 +24,10 @@ struct BridgedPlugin {
 };
 
 /// The result of EntryPointFunc on this host, while the plug-in's entry does this.
-A_Err enter(TodayHost& host, const BridgedPlugin::Entry& entry);
+A_Err enter(RecordingHost& host, const BridgedPlugin::Entry& entry);
 
 /// The bridge's basic suite over the host, for a plug-in that does nothing at its entry.
-SPBasicSuite* bridge_over(TodayHost& host);
+SPBasicSuite* bridge_over(RecordingHost& host);
 
 /// A suite by the bridge; null when there is none.
 template <typename Suite>

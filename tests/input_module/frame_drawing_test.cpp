@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "input_module/object_bytes.h"
-#include "input_module/small_host.h"
 #include "input_module/texture_files.h"
+#include "support/recording_host.h"
 #include "texture/input_module/frame_reading.h"
 
 namespace {
@@ -73,23 +73,24 @@ class FrameDrawing : public testing::Test {
   protected:
     void Import(const PaintedPicture& picture) {
         ASSERT_EQ(
-            InitInSpecFromFile(host.basic(), files.Save("picture.txl", picture).c_str(), host.in_spec()), 0);
-        host.Behave();
+            InitInSpecFromFile(host.basic_data(), files.Save("picture.txl", picture).c_str(), host.in_spec()),
+            0);
+        host.clear_script();
         host.calls.clear();
     }
 
     A_Err Draw(PF_LayerDef* world) {
-        return My_DrawSparseFrame(host.basic(), host.in_spec(), nullptr, world, nullptr);
+        return My_DrawSparseFrame(host.basic_data(), host.in_spec(), nullptr, world, nullptr);
     }
 
     void TearDown() override {
-        host.Behave();
-        EXPECT_EQ(My_DisposeInSpec(host.basic(), host.in_spec()), 0);
+        host.clear_script();
+        EXPECT_EQ(My_DisposeInSpec(host.basic_data(), host.in_spec()), 0);
         EXPECT_THAT(host.handles(), IsEmpty());
     }
 
     TextureFiles files;
-    SmallHost host;
+    RecordingHost host;
 };
 
 struct DrawCase {
@@ -132,10 +133,10 @@ TEST_F(FrameDrawing, PictureGoesToTheTopLeftAndNothingElseIsTouched) {
         EXPECT_EQ(Draw(frame.world()), 0);
         EXPECT_EQ(frame.bytes(), frame.BytesWith(c.picture));
         EXPECT_EQ(BytesOf(*frame.world()), world_before);
-        EXPECT_THAT(host.calls,
-                    ElementsAre("AEGP_GetInSpecOptionsHandle", "AEGP_LockMemHandle", "AEGP_UnlockMemHandle"));
+        EXPECT_THAT(host.functions_called(),
+                    ElementsAre("GetInSpecOptionsHandle", "LockMemHandle", "UnlockMemHandle"));
         EXPECT_THAT(host.reports, IsEmpty());
-        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_THAT(host.suites_held(), IsEmpty());
     }
 }
 
@@ -147,7 +148,7 @@ TEST_F(FrameDrawing, RequestAndFlagsAreNotConsulted) {
         const std::vector<unsigned char> request_before = BytesOf(request);
         AEIO_DrawingFlags flags = filling;
         Frame frame(5, 3, 20);
-        EXPECT_EQ(My_DrawSparseFrame(host.basic(), host.in_spec(), &request, frame.world(), &flags), 0);
+        EXPECT_EQ(My_DrawSparseFrame(host.basic_data(), host.in_spec(), &request, frame.world(), &flags), 0);
         EXPECT_EQ(frame.bytes(), frame.BytesWith(picture));
         EXPECT_EQ(BytesOf(request), request_before);
         EXPECT_EQ(flags, filling);
@@ -188,21 +189,21 @@ TEST_F(FrameDrawing, EveryFailingCallEndsItWithAMessage) {
     Import({5, 3, kRgb, 1});
     for (int n = 1; n <= 3; ++n) {
         SCOPED_TRACE(n);
-        host.Behave();
+        host.clear_script();
         host.reports.clear();
-        host.FailCall(n, 80 + n);
-        host.FailFunction("AEGP_ReportInfo", 99);
+        host.fail_call(n, 80 + n);
+        host.fail_every("ReportInfo", 99);
         Frame frame(5, 3, 20);
         EXPECT_EQ(Draw(frame.world()), 80 + n);
         EXPECT_EQ(frame.bytes(), std::vector<unsigned char>(60, kBefore));
         EXPECT_THAT(host.reports, ElementsAre(kDrawingMessage));
-        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_THAT(host.suites_held(), IsEmpty());
     }
 }
 
 TEST_F(FrameDrawing, LockThatYieldsNothingIsAnError) {
     Import({5, 3, kRgb, 1});
-    host.YieldNothing("AEGP_LockMemHandle");
+    host.always_yield_nothing("LockMemHandle");
     Frame frame(5, 3, 20);
     EXPECT_EQ(Draw(frame.world()), 1);
     EXPECT_THAT(host.reports, ElementsAre(kDrawingMessage));
@@ -213,14 +214,14 @@ TEST_F(FrameDrawing, WithoutItsSuitesItThrows) {
     Import({5, 3, kRgb, 1});
     Frame frame(5, 3, 20);
     for (const char* suite : {"AEGP Memory Suite", "AEGP IO In Suite"}) {
-        host.WithholdSuite(suite);
-        EXPECT_TRUE(ThrowsMissingSuite([&] { Draw(frame.world()); })) << suite;
-        host.Behave();
+        host.withhold_suite(suite, 1);
+        EXPECT_TRUE(throws_missing_suite([&] { Draw(frame.world()); })) << suite;
+        host.clear_script();
     }
-    host.WithholdSuite("AEGP Utility Suite");
-    EXPECT_TRUE(ThrowsMissingSuite([&] { Draw(nullptr); })) << "there is something to report";
+    host.withhold_suite("AEGP Utility Suite", 7);
+    EXPECT_TRUE(throws_missing_suite([&] { Draw(nullptr); })) << "there is something to report";
     EXPECT_THAT(host.reports, IsEmpty());
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_THAT(host.suites_held(), IsEmpty());
     EXPECT_EQ(frame.bytes(), std::vector<unsigned char>(60, kBefore));
     EXPECT_EQ(Draw(frame.world()), 0) << "there is nothing to report";
 }

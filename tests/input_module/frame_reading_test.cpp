@@ -10,8 +10,8 @@
 #include <vector>
 
 #include "host/plugin_globals.h"
-#include "input_module/small_host.h"
 #include "input_module/texture_files.h"
+#include "support/recording_host.h"
 
 namespace {
 
@@ -23,7 +23,7 @@ constexpr std::int32_t kRgb = 4;
 constexpr char kLoadingMessage[] = "There was an error loading the file in line %d.";
 
 const std::string kNewHandle =
-    "AEGP_NewMemHandle(optionsH, " + std::to_string(sizeof(tagTexalonHeader)) + ", 1)";
+    "NewMemHandle(7, \"optionsH\", " + std::to_string(sizeof(tagTexalonHeader)) + ", 1)";
 
 tagTexalonHeader& RecordIn(AEGP_MemHandle handle) {
     return *reinterpret_cast<tagTexalonHeader*>(handle->bytes.get());
@@ -32,12 +32,12 @@ tagTexalonHeader& RecordIn(AEGP_MemHandle handle) {
 class FrameReading : public testing::Test {
   protected:
     A_Err Import(const std::string& path) {
-        return InitInSpecFromFile(host.basic(), path.c_str(), host.in_spec());
+        return InitInSpecFromFile(host.basic_data(), path.c_str(), host.in_spec());
     }
 
     // As a host drops footage: after a success the in-spec is a new one.
     A_Err Dispose() {
-        const A_Err err = My_DisposeInSpec(host.basic(), host.in_spec());
+        const A_Err err = My_DisposeInSpec(host.basic_data(), host.in_spec());
         if (err == 0)
             host.footage() = {};
         return err;
@@ -50,7 +50,7 @@ class FrameReading : public testing::Test {
     }
 
     TextureFiles files;
-    SmallHost host;
+    RecordingHost host;
 };
 
 struct PictureCase {
@@ -71,7 +71,7 @@ TEST_F(FrameReading, HeaderTellsPathSizeAndDepth) {
         PaintedPicture picture = c.picture;
         const std::string path = files.Save("picture.txl", picture);
         tagTexalonHeader header;
-        EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 0);
+        EXPECT_EQ(ReadFileHeader(host.basic_data(), &header, path.c_str()), 0);
         EXPECT_EQ(header.path, path);
         EXPECT_EQ(header.width, picture.GetBw());
         EXPECT_EQ(header.height, picture.GetBh());
@@ -79,7 +79,7 @@ TEST_F(FrameReading, HeaderTellsPathSizeAndDepth) {
         EXPECT_EQ(header.bitmap.width(), picture.GetBw());
         EXPECT_EQ(header.bitmap.GetChannelCount(), c.expected_depth == 32 ? 1 : 0);
         EXPECT_THAT(host.reports, IsEmpty());
-        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_THAT(host.suites_held(), IsEmpty());
     }
 }
 
@@ -89,12 +89,12 @@ TEST_F(FrameReading, UnreadableFileIsReportedOnce) {
         SCOPED_TRACE(path);
         host.reports.clear();
         tagTexalonHeader header;
-        EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 3);
+        EXPECT_EQ(ReadFileHeader(host.basic_data(), &header, path.c_str()), 3);
         EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
         EXPECT_EQ(header.path, path);
         EXPECT_EQ(header.width, 0);
         EXPECT_EQ(header.depth, 0);
-        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_THAT(host.suites_held(), IsEmpty());
     }
 }
 
@@ -104,7 +104,7 @@ TEST_F(FrameReading, PathIsCutInTheRecordButNotForReading) {
     std::filesystem::create_directories(files.Path(folder));
     const std::string path = files.Save(folder + "/deep.txl", {2, 2, kRgb, 0});
     tagTexalonHeader header;
-    EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 0);
+    EXPECT_EQ(ReadFileHeader(host.basic_data(), &header, path.c_str()), 0);
     EXPECT_EQ(header.path, path.substr(0, 259));
     EXPECT_EQ(header.width, 2);
 }
@@ -113,7 +113,7 @@ TEST_F(FrameReading, PathsAtTheEndOfTheField) {
     for (const std::size_t length : {258U, 259U, 260U, 261U}) {
         const std::string path(length, 'p');
         tagTexalonHeader header;
-        EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 3);
+        EXPECT_EQ(ReadFileHeader(host.basic_data(), &header, path.c_str()), 3);
         EXPECT_EQ(header.path, path.substr(0, 259)) << length;
     }
 }
@@ -121,25 +121,26 @@ TEST_F(FrameReading, PathsAtTheEndOfTheField) {
 TEST_F(FrameReading, ReadingWithoutItsSuitesThrows) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 0});
     tagTexalonHeader header;
-    host.WithholdSuite("PF ANSI Suite");
-    EXPECT_TRUE(ThrowsMissingSuite([&] { ReadFileHeader(host.basic(), &header, path.c_str()); }));
-    host.Behave();
-    host.WithholdSuite("AEGP Utility Suite");
-    EXPECT_EQ(ReadFileHeader(host.basic(), &header, path.c_str()), 0) << "nothing to report";
-    EXPECT_TRUE(ThrowsMissingSuite([&] { ReadFileHeader(host.basic(), &header, "missing"); }));
+    host.withhold_suite("PF ANSI Suite", 1);
+    EXPECT_TRUE(throws_missing_suite([&] { ReadFileHeader(host.basic_data(), &header, path.c_str()); }));
+    host.clear_script();
+    host.withhold_suite("AEGP Utility Suite", 7);
+    EXPECT_EQ(ReadFileHeader(host.basic_data(), &header, path.c_str()), 0) << "nothing to report";
+    EXPECT_TRUE(throws_missing_suite([&] { ReadFileHeader(host.basic_data(), &header, "missing"); }));
     EXPECT_THAT(host.reports, IsEmpty());
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_THAT(host.suites_held(), IsEmpty());
 }
 
 TEST_F(FrameReading, ImportWithAlphaCallsTheHostInOrder) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
     EXPECT_EQ(Import(path), 0);
-    EXPECT_THAT(host.calls,
-                ElementsAre(kNewHandle, "AEGP_LockMemHandle", "AEGP_UnlockMemHandle", "strcpy",
-                            "AEGP_SetInSpecOptionsHandle", "AEGP_SetInSpecDepth", "AEGP_SetInSpecDuration",
-                            "AEGP_SetInSpecDimensions", "AEGP_SetInSpecSize", "AEGP_SetInSpecNativeFPS",
-                            "AEGP_SetInSpecAlphaLabel"));
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_EQ(host.calls.front(), kNewHandle);
+    EXPECT_THAT(
+        host.functions_called(),
+        ElementsAre("NewMemHandle", "LockMemHandle", "UnlockMemHandle", "strcpy", "SetInSpecOptionsHandle",
+                    "SetInSpecDepth", "SetInSpecDuration", "SetInSpecDimensions", "SetInSpecSize",
+                    "SetInSpecNativeFPS", "SetInSpecAlphaLabel"));
+    EXPECT_THAT(host.suites_held(), IsEmpty());
 
     const AEIO_SeqSpec& footage = host.footage();
     ASSERT_EQ(host.handles().size(), 1U);
@@ -207,8 +208,9 @@ TEST_F(FrameReading, SizeInBytesIsHeldAtTheEndOf32Bits) {
 TEST_F(FrameReading, UnreadableFileIsReportedTwiceAndItsHandleKept) {
     EXPECT_EQ(Import(files.Path("missing.txl")), 3);
     EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage, kLoadingMessage));
-    EXPECT_THAT(host.calls, ElementsAre(kNewHandle, "AEGP_LockMemHandle", "AEGP_UnlockMemHandle", "strcpy",
-                                        "AEGP_ReportInfo", "AEGP_ReportInfo"));
+    EXPECT_EQ(host.calls.front(), kNewHandle);
+    EXPECT_THAT(host.functions_called(), ElementsAre("NewMemHandle", "LockMemHandle", "UnlockMemHandle",
+                                                     "strcpy", "ReportInfo", "ReportInfo"));
     EXPECT_EQ(host.handles().size(), 1U);
     EXPECT_EQ(host.footage().options, nullptr);
     ExpectNothingWasSaidAboutTheFootage();
@@ -226,45 +228,45 @@ TEST_F(FrameReading, PictureOfAnUnreadableFileIsGivenBack) {
 TEST_F(FrameReading, EveryFailingCallOfAnImportEndsItWithOneMessage) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
     ASSERT_EQ(Import(path), 0);
-    const int all_calls = host.fallible_calls();
+    const int all_calls = host.call_count();
     ASSERT_EQ(all_calls, 10);
     ASSERT_EQ(Dispose(), 0);
     for (int n = 1; n <= all_calls; ++n) {
         SCOPED_TRACE(n);
-        host.Behave();
+        host.clear_script();
         host.reports.clear();
-        host.FailCall(n, 70 + n);
+        host.fail_call(n, 70 + n);
         const std::size_t handles_before = host.handles().size();
         EXPECT_EQ(Import(path), 70 + n);
         EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
-        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_THAT(host.suites_held(), IsEmpty());
         EXPECT_EQ(host.handles().size(), handles_before + (n == 1 ? 0 : 1)) << "the handle is kept";
         const bool attached = n > 4;
         EXPECT_EQ(host.footage().options != nullptr, attached);
         if (n == 4) {
             EXPECT_EQ(RecordIn(host.handles().back().get()).bitmap.width(), 0) << "the picture is not";
         }
-        host.Behave();
+        host.clear_script();
         EXPECT_EQ(Dispose(), 0);
     }
 }
 
 TEST_F(FrameReading, ReportThatFailsChangesNothing) {
-    host.FailFunction("AEGP_ReportInfo", 99);
+    host.fail_every("ReportInfo", 99);
     EXPECT_EQ(Import(files.Path("missing.txl")), 3);
     EXPECT_EQ(host.reports.size(), 2U);
 }
 
 TEST_F(FrameReading, SuccessThatYieldsNothingIsAnError) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
-    for (const char* function : {"AEGP_NewMemHandle", "AEGP_LockMemHandle"}) {
+    for (const char* function : {"NewMemHandle", "LockMemHandle"}) {
         SCOPED_TRACE(function);
         host.reports.clear();
-        host.YieldNothing(function);
+        host.always_yield_nothing(function);
         EXPECT_EQ(Import(path), 1);
         EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
         EXPECT_EQ(host.footage().options, nullptr);
-        host.Behave();
+        host.clear_script();
     }
 }
 
@@ -272,32 +274,32 @@ TEST_F(FrameReading, ImportWithoutItsSuitesThrows) {
     const std::string path = files.Save("picture.txl", {50, 30, kRgb, 1});
     for (const char* suite : {"AEGP Memory Suite", "PF ANSI Suite", "AEGP IO In Suite"}) {
         SCOPED_TRACE(suite);
-        host.WithholdSuite(suite);
-        EXPECT_TRUE(ThrowsMissingSuite([&] { Import(path); }));
+        host.withhold_suite(suite, 1);
+        EXPECT_TRUE(throws_missing_suite([&] { Import(path); }));
         EXPECT_EQ(host.footage().options, nullptr);
         EXPECT_THAT(host.reports, IsEmpty());
-        EXPECT_THAT(host.suites_in_use(), IsEmpty());
+        EXPECT_THAT(host.suites_held(), IsEmpty());
         if (!host.handles().empty()) {
             EXPECT_EQ(RecordIn(host.handles().back().get()).bitmap.width(), 0) << "the picture is given back";
         }
-        host.Behave();
+        host.clear_script();
     }
-    host.WithholdSuite("AEGP Utility Suite");
-    EXPECT_TRUE(ThrowsMissingSuite([&] { Import(files.Path("missing.txl")); }));
-    host.FailFunction("AEGP_SetInSpecDepth", 5);
-    EXPECT_TRUE(ThrowsMissingSuite([&] { Import(path); }));
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
-    host.Behave();
+    host.withhold_suite("AEGP Utility Suite", 7);
+    EXPECT_TRUE(throws_missing_suite([&] { Import(files.Path("missing.txl")); }));
+    host.fail_every("SetInSpecDepth", 5);
+    EXPECT_TRUE(throws_missing_suite([&] { Import(path); }));
+    EXPECT_THAT(host.suites_held(), IsEmpty());
+    host.clear_script();
     EXPECT_EQ(Dispose(), 0);
 }
 
 TEST_F(FrameReading, WithoutABasicSuiteEveryCallbackThrows) {
-    AEIO_BasicData basic = *host.basic();
+    AEIO_BasicData basic = *host.basic_data();
     basic.basic_suite = nullptr;
-    EXPECT_TRUE(ThrowsMissingSuite([&] { InitInSpecFromFile(&basic, "picture.txl", host.in_spec()); }));
-    EXPECT_TRUE(ThrowsMissingSuite([&] { My_DisposeInSpec(&basic, host.in_spec()); }));
+    EXPECT_TRUE(throws_missing_suite([&] { InitInSpecFromFile(&basic, "picture.txl", host.in_spec()); }));
+    EXPECT_TRUE(throws_missing_suite([&] { My_DisposeInSpec(&basic, host.in_spec()); }));
     EXPECT_TRUE(
-        ThrowsMissingSuite([&] { My_DrawSparseFrame(&basic, host.in_spec(), nullptr, nullptr, nullptr); }));
+        throws_missing_suite([&] { My_DrawSparseFrame(&basic, host.in_spec(), nullptr, nullptr, nullptr); }));
     EXPECT_THAT(host.calls, IsEmpty());
 }
 
@@ -305,11 +307,12 @@ TEST_F(FrameReading, SecondImportReplacesTheFirst) {
     EXPECT_EQ(Import(files.Save("first.txl", {50, 30, kRgb, 1})), 0);
     host.calls.clear();
     EXPECT_EQ(Import(files.Save("second.txl", {6, 4, kRgb, 0})), 0);
-    EXPECT_THAT(host.calls,
-                ElementsAre(kNewHandle, "AEGP_LockMemHandle", "AEGP_UnlockMemHandle", "strcpy",
-                            "AEGP_SetInSpecOptionsHandle", "AEGP_LockMemHandle", "AEGP_UnlockMemHandle",
-                            "AEGP_FreeMemHandle", "AEGP_SetInSpecDepth", "AEGP_SetInSpecDuration",
-                            "AEGP_SetInSpecDimensions", "AEGP_SetInSpecSize", "AEGP_SetInSpecNativeFPS"));
+    EXPECT_EQ(host.calls.front(), kNewHandle);
+    EXPECT_THAT(
+        host.functions_called(),
+        ElementsAre("NewMemHandle", "LockMemHandle", "UnlockMemHandle", "strcpy", "SetInSpecOptionsHandle",
+                    "LockMemHandle", "UnlockMemHandle", "FreeMemHandle", "SetInSpecDepth",
+                    "SetInSpecDuration", "SetInSpecDimensions", "SetInSpecSize", "SetInSpecNativeFPS"));
     ASSERT_EQ(host.handles().size(), 1U);
     EXPECT_EQ(RecordIn(host.handles()[0].get()).width, 6);
     EXPECT_EQ(Dispose(), 0);
@@ -319,76 +322,76 @@ TEST_F(FrameReading, OldHandleThatCannotBeFreedEndsTheImport) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 0});
     ASSERT_EQ(Import(path), 0);
     host.footage().depth.reset();
-    host.FailFunction("AEGP_FreeMemHandle", 55);
+    host.fail_every("FreeMemHandle", 55);
     EXPECT_EQ(Import(path), 55);
     EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage));
     EXPECT_FALSE(host.footage().depth.has_value());
-    host.Behave();
+    host.clear_script();
     EXPECT_EQ(Dispose(), 0);
 }
 
 TEST_F(FrameReading, DisposingNothingFreesNothing) {
     EXPECT_EQ(Dispose(), 0);
-    EXPECT_THAT(host.calls, ElementsAre("AEGP_GetInSpecOptionsHandle"));
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_THAT(host.functions_called(), ElementsAre("GetInSpecOptionsHandle"));
+    EXPECT_THAT(host.suites_held(), IsEmpty());
 }
 
 TEST_F(FrameReading, DisposingGivesBackPictureAndHandle) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
     host.calls.clear();
     EXPECT_EQ(Dispose(), 0);
-    EXPECT_THAT(host.calls, ElementsAre("AEGP_GetInSpecOptionsHandle", "AEGP_LockMemHandle",
-                                        "AEGP_UnlockMemHandle", "AEGP_FreeMemHandle"));
+    EXPECT_THAT(host.functions_called(),
+                ElementsAre("GetInSpecOptionsHandle", "LockMemHandle", "UnlockMemHandle", "FreeMemHandle"));
     EXPECT_THAT(host.handles(), IsEmpty());
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_THAT(host.suites_held(), IsEmpty());
 }
 
 TEST_F(FrameReading, DisposingReturnsTheErrorOfAsking) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
-    host.FailFunction("AEGP_GetInSpecOptionsHandle", 44);
+    host.fail_every("GetInSpecOptionsHandle", 44);
     EXPECT_EQ(Dispose(), 44);
     EXPECT_EQ(host.handles().size(), 1U);
     EXPECT_THAT(host.reports, IsEmpty());
-    host.Behave();
+    host.clear_script();
     EXPECT_EQ(Dispose(), 0);
 }
 
 TEST_F(FrameReading, DisposingFreesTheHandleWhateverItsLockSays) {
-    for (const char* function : {"AEGP_LockMemHandle", "AEGP_UnlockMemHandle"}) {
+    for (const char* function : {"LockMemHandle", "UnlockMemHandle"}) {
         SCOPED_TRACE(function);
         ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
         RecordIn(host.handles()[0].get()).bitmap.Destroy();  // out of the module's reach without a lock
-        host.FailFunction(function, 44);
+        host.fail_every(function, 44);
         EXPECT_EQ(Dispose(), 0);
         EXPECT_THAT(host.handles(), IsEmpty());
-        host.Behave();
+        host.clear_script();
     }
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
     RecordIn(host.handles()[0].get()).bitmap.Destroy();
-    host.YieldNothing("AEGP_LockMemHandle");
+    host.always_yield_nothing("LockMemHandle");
     EXPECT_EQ(Dispose(), 0);
     EXPECT_THAT(host.handles(), IsEmpty());
 }
 
 TEST_F(FrameReading, HandleThatCannotBeFreedKeepsAnEmptyRecord) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
-    host.FailFunction("AEGP_FreeMemHandle", 44);
+    host.fail_every("FreeMemHandle", 44);
     EXPECT_EQ(Dispose(), 44);
     EXPECT_THAT(host.reports, IsEmpty());
     ASSERT_EQ(host.handles().size(), 1U);
     EXPECT_EQ(RecordIn(host.handles()[0].get()).bitmap.width(), 0);
-    host.Behave();
+    host.clear_script();
     EXPECT_EQ(Dispose(), 0) << "a second try gives nothing back twice";
 }
 
 TEST_F(FrameReading, DisposingWithoutItsSuitesThrows) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
     for (const char* suite : {"AEGP Memory Suite", "AEGP IO In Suite"}) {
-        host.WithholdSuite(suite);
-        EXPECT_TRUE(ThrowsMissingSuite([&] { Dispose(); })) << suite;
-        host.Behave();
+        host.withhold_suite(suite, 1);
+        EXPECT_TRUE(throws_missing_suite([&] { Dispose(); })) << suite;
+        host.clear_script();
     }
-    EXPECT_THAT(host.suites_in_use(), IsEmpty());
+    EXPECT_THAT(host.suites_held(), IsEmpty());
     EXPECT_EQ(Dispose(), 0);
 }
 

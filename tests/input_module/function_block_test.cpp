@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "input_module/object_bytes.h"
-#include "input_module/small_host.h"
+#include "support/recording_host.h"
 #include "texture/input_module/frame_reading.h"
 #include "texture/input_module/input_callbacks.h"
 #include "texture/input_module/output_callbacks.h"
@@ -140,32 +140,33 @@ TEST(FunctionBlock, NoFieldIsLeftNull) {
 
 TEST(FunctionBlock, FixedCallbacksReturnTheirCodeAndTouchNothing) {
     const AEIO_FunctionBlock2 block = Block();
-    SmallHost host;
+    RecordingHost host;
     std::size_t callbacks = 0;
-#define VXR_EXPECT_FIXED(name, code)                                                 \
-    {                                                                                \
-        SCOPED_TRACE(#name);                                                         \
-        Canaries canaries;                                                           \
-        EXPECT_EQ(CallWith(canaries, host.basic(), block.AEIO_##name), A_Err{code}); \
-        EXPECT_TRUE(canaries.Untouched());                                           \
-        ++callbacks;                                                                 \
+#define VXR_EXPECT_FIXED(name, code)                                                      \
+    {                                                                                     \
+        SCOPED_TRACE(#name);                                                              \
+        Canaries canaries;                                                                \
+        EXPECT_EQ(CallWith(canaries, host.basic_data(), block.AEIO_##name), A_Err{code}); \
+        EXPECT_TRUE(canaries.Untouched());                                                \
+        ++callbacks;                                                                      \
     }
     VXR_FIXED_CALLBACKS(VXR_EXPECT_FIXED)
 #undef VXR_EXPECT_FIXED
     EXPECT_EQ(callbacks, 35U);
     EXPECT_TRUE(host.calls.empty());
     EXPECT_TRUE(host.messages.empty());
-    EXPECT_TRUE(host.suites_in_use().empty());
+    EXPECT_TRUE(host.suites_held().empty());
 }
 
 TEST(FunctionBlock, AnyFileIsImportable) {
     const AEIO_FunctionBlock2 block = Block();
-    SmallHost host;
+    RecordingHost host;
     for (const char* path : {"picture.txl", "no such file", "", "notes.txt"}) {
         for (const A_Boolean before : {A_Boolean{0}, A_Boolean{1}, A_Boolean{7}}) {
             A_Boolean importable = before;
             EXPECT_EQ(
-                block.AEIO_VerifyFileImportable(host.basic(), four_char_code("TXL "), path, &importable), 0);
+                block.AEIO_VerifyFileImportable(host.basic_data(), four_char_code("TXL "), path, &importable),
+                0);
             EXPECT_EQ(importable, 1) << path;
         }
     }
@@ -174,9 +175,9 @@ TEST(FunctionBlock, AnyFileIsImportable) {
 
 TEST(FunctionBlock, InSpecInfoIsEmptyButForTheName) {
     const AEIO_FunctionBlock2 block = Block();
-    SmallHost host;
+    RecordingHost host;
     auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
-    EXPECT_EQ(block.AEIO_GetInSpecInfo(host.basic(), host.in_spec(), &verbiage), 0);
+    EXPECT_EQ(block.AEIO_GetInSpecInfo(host.basic_data(), host.in_spec(), &verbiage), 0);
     std::vector<unsigned char> expected(sizeof(verbiage), kBefore);
     expected[offsetof(AEIO_Verbiage, type)] = 0;
     expected[offsetof(AEIO_Verbiage, sub_type)] = 0;
@@ -185,10 +186,10 @@ TEST(FunctionBlock, InSpecInfoIsEmptyButForTheName) {
 
 TEST(FunctionBlock, DialogsShowAFixedText) {
     const AEIO_FunctionBlock2 block = Block();
-    SmallHost host;
+    RecordingHost host;
     A_Boolean interacted = kBefore;
-    EXPECT_EQ(block.AEIO_SeqOptionsDlg(host.basic(), host.in_spec(), &interacted), 0);
-    EXPECT_EQ(block.AEIO_UserOptionsDialog(host.basic(), host.out_spec(), nullptr, &interacted), 0);
+    EXPECT_EQ(block.AEIO_SeqOptionsDlg(host.basic_data(), host.in_spec(), &interacted), 0);
+    EXPECT_EQ(block.AEIO_UserOptionsDialog(host.basic_data(), host.out_spec(), nullptr, &interacted), 0);
     EXPECT_THAT(host.messages, testing::ElementsAre(
                                    testing::Pair(0, "IO: Here's my sequence options dialog!"),
                                    testing::Pair(1, "Use the message func hanging off the AEIO_BasicData!")));
@@ -198,21 +199,21 @@ TEST(FunctionBlock, DialogsShowAFixedText) {
 
 TEST(FunctionBlock, NumbersThatAreAnswered) {
     const AEIO_FunctionBlock2 block = Block();
-    SmallHost host;
+    RecordingHost host;
     A_long depths = -1;
-    EXPECT_EQ(block.AEIO_GetDepths(host.basic(), host.out_spec(), &depths), 0);
+    EXPECT_EQ(block.AEIO_GetDepths(host.basic_data(), host.out_spec(), &depths), 0);
     EXPECT_EQ(depths, 128);
     A_long files = -1;
-    EXPECT_EQ(block.AEIO_NumAuxFiles(host.basic(), host.in_spec(), &files), 0);
+    EXPECT_EQ(block.AEIO_NumAuxFiles(host.basic_data(), host.in_spec(), &files), 0);
     EXPECT_EQ(files, 1);
 }
 
 TEST(FunctionBlock, OutputOptionsAreDeleted) {
     const AEIO_FunctionBlock2 block = Block();
-    SmallHost host;
-    EXPECT_EQ(block.AEIO_DisposeOutputOptions(host.basic(), nullptr), 0);
+    RecordingHost host;
+    EXPECT_EQ(block.AEIO_DisposeOutputOptions(host.basic_data(), nullptr), 0);
     // The leak checker of the sanitizer sees whether it was given back.
-    EXPECT_EQ(block.AEIO_DisposeOutputOptions(host.basic(), ::operator new(1000)), 0);
+    EXPECT_EQ(block.AEIO_DisposeOutputOptions(host.basic_data(), ::operator new(1000)), 0);
 }
 
 }  // namespace

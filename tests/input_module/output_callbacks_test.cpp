@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "input_module/object_bytes.h"
-#include "input_module/small_host.h"
+#include "support/recording_host.h"
 
 namespace {
 
@@ -45,43 +45,45 @@ const NameCase kNameCases[] = {
 TEST(GetOutputInfo, NameIsWhatFollowsTheLastBackslash) {
     for (const NameCase& c : kNameCases) {
         SCOPED_TRACE(c.name);
-        SmallHost host;
+        RecordingHost host;
         host.output().path = c.path;
         auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
-        EXPECT_EQ(My_GetOutputInfo(host.basic(), host.out_spec(), &verbiage), 0);
+        EXPECT_EQ(My_GetOutputInfo(host.basic_data(), host.out_spec(), &verbiage), 0);
         EXPECT_STREQ(verbiage.name, c.expected.c_str());
         EXPECT_STREQ(verbiage.type, "Texalon 3D");
         EXPECT_STREQ(verbiage.sub_type, "Texalon 3D");
         EXPECT_EQ(verbiage.type[11], kBefore);
         EXPECT_EQ(verbiage.sub_type[11], kBefore);
-        EXPECT_THAT(host.calls, testing::ElementsAre("AEGP_GetOutSpecFilePath"));
+        EXPECT_THAT(host.functions_called(), testing::ElementsAre("GetOutSpecFilePath"));
         EXPECT_TRUE(host.reports.empty());
-        EXPECT_TRUE(host.suites_in_use().empty());
+        EXPECT_TRUE(host.suites_held().empty());
     }
 }
 
 TEST(GetOutputInfo, ErrorIsReportedAndReturned) {
-    SmallHost host;
-    host.FailFunction("AEGP_GetOutSpecFilePath", 77);
-    host.FailFunction("AEGP_ReportInfo", 78);
+    RecordingHost host;
+    host.fail_every("GetOutSpecFilePath", 77);
+    host.fail_every("ReportInfo", 78);
     auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
-    EXPECT_EQ(My_GetOutputInfo(host.basic(), host.out_spec(), &verbiage), 77);
+    EXPECT_EQ(My_GetOutputInfo(host.basic_data(), host.out_spec(), &verbiage), 77);
     EXPECT_THAT(host.reports, testing::ElementsAre("Unable to get file data"));
     EXPECT_TRUE(Untouched(verbiage));
-    EXPECT_TRUE(host.suites_in_use().empty());
+    EXPECT_TRUE(host.suites_held().empty());
 }
 
 TEST(GetOutputInfo, MissingSuitesThrow) {
-    for (const char* suite : {"AEGP IO Out Suite", "AEGP Utility Suite"}) {
+    for (const auto& [suite, version] :
+         {std::pair("AEGP IO Out Suite", A_long{1}), std::pair("AEGP Utility Suite", A_long{7})}) {
         SCOPED_TRACE(suite);
-        SmallHost host;
-        host.FailFunction("AEGP_GetOutSpecFilePath", 77);
-        host.WithholdSuite(suite);
+        RecordingHost host;
+        host.fail_every("GetOutSpecFilePath", 77);
+        host.withhold_suite(suite, version);
         auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
-        EXPECT_TRUE(ThrowsMissingSuite([&] { My_GetOutputInfo(host.basic(), host.out_spec(), &verbiage); }));
+        EXPECT_TRUE(
+            throws_missing_suite([&] { My_GetOutputInfo(host.basic_data(), host.out_spec(), &verbiage); }));
         EXPECT_TRUE(Untouched(verbiage));
         EXPECT_TRUE(host.reports.empty());
-        EXPECT_TRUE(host.suites_in_use().empty());
+        EXPECT_TRUE(host.suites_held().empty());
     }
 }
 

@@ -146,7 +146,7 @@ TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Hosts, BundleThreads,
-                         testing::Values(HostGeneration::classic, HostGeneration::today),
+                         testing::Values(HostGeneration::classic, HostGeneration::current),
                          [](const auto& generation) {
                              return generation.param == HostGeneration::classic ? "classic" : "today";
                          });

@@ -147,9 +147,9 @@ const PF_ANSISuite1 kANSI = ansi_suite();
 const auto kClassicIOIn = io_in_suite<AEGP_IOInSuite1>();
 const auto kClassicImport = import_suite<AEGP_FileImportManagerSuite2>();
 const auto kClassicRegister = register_suite<AEGP_RegisterSuite4>();
-const auto kTodayIOIn = io_in_suite<AEGP_IOInSuite5>();
-const auto kTodayImport = import_suite<AEGP_FileImportManagerSuite3>();
-const auto kTodayRegister = register_suite<AEGP_RegisterSuite6>();
+const auto kCurrentIOIn = io_in_suite<AEGP_IOInSuite5>();
+const auto kCurrentImport = import_suite<AEGP_FileImportManagerSuite3>();
+const auto kCurrentRegister = register_suite<AEGP_RegisterSuite6>();
 const SuiteRow kSuites[] = {
     {"AEGP Memory Suite", 1, &kMemory},
     {"AEGP Utility Suite", 7, &kUtility},
@@ -157,9 +157,9 @@ const SuiteRow kSuites[] = {
     {"AEGP IO In Suite", 1, &kClassicIOIn, HostGeneration::classic},
     {"AEGP File Import Manager Suite", 2, &kClassicImport, HostGeneration::classic},
     {"AEGP Register Suite", 4, &kClassicRegister, HostGeneration::classic},
-    {"AEGP IO In Suite", 5, &kTodayIOIn, HostGeneration::today},
-    {"AEGP File Import Manager Suite", 3, &kTodayImport, HostGeneration::today},
-    {"AEGP Register Suite", 6, &kTodayRegister, HostGeneration::today},
+    {"AEGP IO In Suite", 5, &kCurrentIOIn, HostGeneration::current},
+    {"AEGP File Import Manager Suite", 3, &kCurrentImport, HostGeneration::current},
+    {"AEGP Register Suite", 6, &kCurrentRegister, HostGeneration::current},
 };
 
 A_Err acquire_suite(const char* name, A_long version, const void** suite) {
@@ -209,7 +209,7 @@ ThreadedHost::ThreadedHost(const std::string& bundle, HostGeneration generation)
     basic_.plugin_id = 1;
     if (const A_Err err = enter(); err != kHostErrorNone)
         throw std::runtime_error("the entry point failed with " + std::to_string(err));
-    if (!classic_module_ && !today_module_)
+    if (!classic_module_ && !current_module_)
         throw std::runtime_error("the bundle registered no input module");
 }
 
@@ -223,7 +223,7 @@ A_Err ThreadedHost::enter() {
 A_Err ThreadedHost::init_in_spec(const std::string& path, AEIO_InSpecH spec) {
     return generation_ == HostGeneration::classic
                ? classic_module_->AEIO_InitInSpecFromFile(&basic_, path.c_str(), spec)
-               : today_module_->AEIO_InitInSpecFromFile(
+               : current_module_->AEIO_InitInSpecFromFile(
                      &basic_, std::filesystem::path(path).u16string().c_str(), spec);
 }
 
@@ -231,13 +231,13 @@ A_Err ThreadedHost::draw_sparse_frame(AEIO_InSpecH spec, PF_LayerDef* world) {
     AEIO_DrawSparseFramePB request{};
     AEIO_DrawingFlags flags = 0;
     const auto draw = generation_ == HostGeneration::classic ? classic_module_->AEIO_DrawSparseFrame
-                                                             : today_module_->AEIO_DrawSparseFrame;
+                                                             : current_module_->AEIO_DrawSparseFrame;
     return draw(&basic_, spec, &request, world, &flags);
 }
 
 A_Err ThreadedHost::dispose_in_spec(AEIO_InSpecH spec) {
     return generation_ == HostGeneration::classic ? classic_module_->AEIO_DisposeInSpec(&basic_, spec)
-                                                  : today_module_->AEIO_DisposeInSpec(&basic_, spec);
+                                                  : current_module_->AEIO_DisposeInSpec(&basic_, spec);
 }
 
 ThreadedHost::~ThreadedHost() {

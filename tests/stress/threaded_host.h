@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "host/today_interface.h"
+#include "support/host_generation.h"
 
 /// What a host keeps of one footage item. Set by the thread that opens it, read by all that draw it.
 struct AEIO_SeqSpec {
@@ -33,9 +34,6 @@ struct FrameGeometry {
     A_long padding_bytes = 0;  ///< behind every row
     bool upwards = false;      ///< rows run upwards in memory
 };
-
-/// Which suites and paths a host has, and which entry it calls.
-enum class HostGeneration { classic, today };
 
 /// Loads the bundle and calls its input module. **Its suites take no lock and order nothing between threads**
 /// (what they count, they count with relaxed atomics), so that a race in the bundle is not hidden behind the
@@ -90,7 +88,7 @@ class ThreadedHost {
     std::atomic<long> suites_lent_{0};
     std::atomic<AEGP_MemHandle> newest_handle_{nullptr};
     void keep_module(const AEIO_FunctionBlock2& functions) { classic_module_ = functions; }
-    void keep_module(const AEIO_FunctionBlock4& functions) { today_module_ = functions; }
+    void keep_module(const AEIO_FunctionBlock4& functions) { current_module_ = functions; }
     const HostGeneration generation_;
 
   private:
@@ -109,5 +107,5 @@ class ThreadedHost {
     SPBasicSuite basic_suite_ = {};
     AEIO_BasicData basic_ = {};
     std::optional<AEIO_FunctionBlock2> classic_module_;
-    std::optional<AEIO_FunctionBlock4> today_module_;
+    std::optional<AEIO_FunctionBlock4> current_module_;
 };
