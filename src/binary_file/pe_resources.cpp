@@ -1,6 +1,6 @@
 #include "binary_file/pe_resources.h"
 
-#include <algorithm>
+#include "text/ascii.h"
 
 namespace binary_file {
 namespace {
@@ -67,9 +67,8 @@ class ResourceTree {
             return false;
         }
         for (std::size_t i = 0; i < name.size(); ++i) {
-            std::uint16_t unit = tree_.u16(at + 2 + i * 2);
-            unit = static_cast<std::uint16_t>(unit >= 'a' && unit <= 'z' ? unit - 'a' + 'A' : unit);
-            if (unit != static_cast<unsigned char>(name[i])) {
+            const std::uint16_t unit = tree_.u16(at + 2 + i * 2);
+            if (unit >= 0x80 || text::to_upper(static_cast<char>(unit)) != name[i]) {
                 return false;
             }
         }

@@ -8,9 +8,9 @@
 #include "cli/help/man_page.h"
 #include "cli/help/page.h"
 #include "cli/program.h"
-#include "cli/terminal/printable_text.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
+#include "text/printable.h"
 
 namespace {
 
@@ -70,7 +70,7 @@ TEST(Pages, NoLineOfAHelpIsWiderThanATerminalButForLongExamples) {
         std::istringstream lines(cli::page_text(page));
         for (std::string line; std::getline(lines, line);) {
             const bool example = line.compare(0, 6, "  vxr ") == 0;
-            EXPECT_TRUE(example || cli::columns_of(line) <= 88) << line;
+            EXPECT_TRUE(example || text::columns_of(line) <= 88) << line;
         }
     }
 }

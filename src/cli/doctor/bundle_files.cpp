@@ -9,6 +9,7 @@
 
 #include "system/files.h"
 #include "system/input_file.h"
+#include "text/ascii.h"
 
 namespace cli::doctor {
 namespace {
@@ -17,10 +18,6 @@ namespace fs = std::filesystem;
 
 /// Between the parts of a path; Windows takes either.
 constexpr const char* kSeparators = fs::path::preferred_separator == '/' ? "/" : "/\\";
-
-char lower(char letter) {
-    return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-}
 
 }  // namespace
 
@@ -78,7 +75,7 @@ PathKind path_kind(const std::string& path) {
 std::string last_name(const std::string& path) {
     const std::size_t end = path.find_last_not_of(kSeparators);
     const std::string whole = path.substr(0, end == std::string::npos ? 0 : end + 1);
-    return whole.substr(whole.find_last_of(kSeparators) + 1);
+    return std::string(text::last_component(whole, kSeparators));
 }
 
 std::string folder_of(const std::string& path) {
@@ -87,9 +84,7 @@ std::string folder_of(const std::string& path) {
 }
 
 bool has_ending(const std::string& name, const std::string& ending) {
-    return name.size() > ending.size() &&
-           std::equal(ending.rbegin(), ending.rend(), name.rbegin(),
-                      [](char one, char other) { return lower(one) == lower(other); });
+    return name.size() > ending.size() && text::ends_with_ignoring_case(name, ending);
 }
 
 std::optional<std::string> only_file(const std::string& folder, const std::string& ending) {

@@ -4,9 +4,9 @@
 
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/trial_json.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/text_table.h"
 #include "embedded/json_values.h"
+#include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
@@ -37,7 +37,7 @@ Cell answer_cell(Answer answer) {
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words) {
-        text += (text.empty() ? "" : ", ") + printable(word);
+        text += (text.empty() ? "" : ", ") + text::printable(word);
     }
     return text.empty() ? "none" : text;
 }
@@ -46,7 +46,7 @@ std::string verdicts_text(const Diagnosis& diagnosis, const Paint& paint) {
     TextTable table;
     table.add({{"host", Ink::bold}, {"lists it", Ink::bold}, {"because", Ink::bold}});
     for (const Verdict& verdict : diagnosis.verdicts) {
-        table.add({{host_words(verdict)}, answer_cell(verdict.answer), {printable(verdict.reason)}});
+        table.add({{host_words(verdict)}, answer_cell(verdict.answer), {text::printable(verdict.reason)}});
     }
     std::string text;
     for (const std::string& line : table.lines(paint)) {
@@ -65,9 +65,9 @@ std::string image_text(const ImageFacts& image) {
 std::string property_list_text(const PropertyListFacts& list) {
     std::string text = "  PiPL        " +
                        (list.number ? std::to_string(*list.number) : std::string("by name")) + " in " +
-                       printable(last_name(list.file)) + '\n';
+                       text::printable(last_name(list.file)) + '\n';
     for (const PropertyFacts& property : list.properties) {
-        text += "    " + printable(property.key) + "      " + printable(property.value) + '\n';
+        text += "    " + text::printable(property.key) + "      " + text::printable(property.value) + '\n';
     }
     return text;
 }
@@ -75,7 +75,7 @@ std::string property_list_text(const PropertyListFacts& list) {
 std::string trial_text(const Trial& trial) {
     std::string text;
     for (const Registration& one : trial.registered) {
-        text += "    " + one.kind + ' ' + cli::quoted(one.name) +
+        text += "    " + one.kind + ' ' + text::quoted(one.name) +
                 (one.extensions.empty() ? std::string() : " for " + joined(one.extensions)) + '\n';
     }
     return text.empty() ? text : "  registers in the embedded host, " + trial.generation + ":\n" + text;
@@ -85,7 +85,7 @@ std::string facts_text(const Diagnosis& diagnosis, const Paint& paint) {
     if (diagnosis.images.empty()) {
         return {};
     }
-    std::string text = '\n' + paint(Ink::bold, printable(diagnosis.binary)) + '\n';
+    std::string text = '\n' + paint(Ink::bold, text::printable(diagnosis.binary)) + '\n';
     for (const ImageFacts& image : diagnosis.images) {
         text += image_text(image);
     }
@@ -95,7 +95,7 @@ std::string facts_text(const Diagnosis& diagnosis, const Paint& paint) {
     if (!diagnosis.info_plist.empty()) {
         text += "  Info.plist\n";
         for (const auto& [key, value] : diagnosis.info_plist) {
-            text += "    " + key + ' ' + printable(value) + '\n';
+            text += "    " + key + ' ' + text::printable(value) + '\n';
         }
     }
     for (const Trial& trial : diagnosis.trials) {

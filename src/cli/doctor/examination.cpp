@@ -10,7 +10,6 @@
 #include "cli/doctor/needed_libraries.h"
 #include "cli/doctor/property_checks.h"
 #include "cli/doctor/verdicts.h"
-#include "cli/terminal/printable_text.h"
 
 namespace cli::doctor {
 namespace {

@@ -8,7 +8,7 @@
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/doctor_codes.h"
 #include "cli/doctor/property_checks.h"
-#include "cli/terminal/printable_text.h"
+#include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
@@ -47,7 +47,7 @@ class MacintoshChecks {
         if (bundle.name.empty() || path_kind(code + '/' + bundle.name) != PathKind::file) {
             add(Finding::executable_missing, {code},
                 bundle.name.empty() ? "there is no file with the code"
-                                    : "there is no file " + cli::quoted(bundle.name));
+                                    : "there is no file " + text::quoted(bundle.name));
             return bundle;
         }
         bundle.binary = code + '/' + bundle.name;
@@ -78,7 +78,7 @@ class MacintoshChecks {
             const std::optional<std::string> other = only_file(folder, ".rsrc");
             add(Finding::no_properties, {path},
                 "there is no such file, in which the properties are looked for" +
-                    (other ? "; " + cli::quoted(*other) + " is not named after the code" : std::string()));
+                    (other ? "; " + text::quoted(*other) + " is not named after the code" : std::string()));
             if (!other) {
                 return;
             }
@@ -136,7 +136,7 @@ class MacintoshChecks {
         diagnosis_.info_plist.emplace_back(required.key, text.value_or(""));
         if (text != required.value) {
             add(Finding::plist_value, {path},
-                std::string(required.key) + " is " + (text ? cli::quoted(*text) : std::string("missing")) +
+                std::string(required.key) + " is " + (text ? text::quoted(*text) : std::string("missing")) +
                     ", not \"" + required.value + '"');
         }
     }

@@ -7,7 +7,8 @@
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/doctor_codes.h"
 #include "cli/doctor/elf_libraries.h"
-#include "cli/terminal/printable_text.h"
+#include "text/ascii.h"
+#include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
@@ -31,14 +32,6 @@ bool is_file(const std::string& path) {
     return path_kind(path) == PathKind::file;
 }
 
-std::string lower_case(std::string_view text) {
-    std::string lower(text);
-    std::transform(lower.begin(), lower.end(), lower.begin(), [](char letter) {
-        return letter >= 'A' && letter <= 'Z' ? static_cast<char>(letter - 'A' + 'a') : letter;
-    });
-    return lower;
-}
-
 // What every Windows that hosts run on brings; a plug-in of this kind needs the first two.
 constexpr std::array<std::string_view, 38> kWindowsLibraries{
     "kernel32.dll", "msvcrt.dll",     "advapi32.dll", "bcrypt.dll",  "cfgmgr32.dll", "comctl32.dll",
@@ -50,7 +43,7 @@ constexpr std::array<std::string_view, 38> kWindowsLibraries{
     "winmm.dll",    "ws2_32.dll"};
 
 Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& library) {
-    const std::string name = lower_case(library.name);
+    const std::string name = text::lower_case(library.name);
     if (std::find(kWindowsLibraries.begin(), kWindowsLibraries.end(), name) != kWindowsLibraries.end() ||
         begins_with(name, "api-ms-win-")) {
         return {};
@@ -111,7 +104,7 @@ class LibraryChecks {
             const bool warning = library.optional || lookup.where == Where::elsewhere;
             diagnosis_.findings.push_back(
                 found(warning ? Finding::library_elsewhere : Finding::library_missing, {binary_},
-                      "the library " + cli::quoted(library.name) + ' ' + lookup.reason));
+                      "the library " + text::quoted(library.name) + ' ' + lookup.reason));
         }
     }
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cli/doctor/doctor_codes.h"
-#include "cli/terminal/printable_text.h"
+#include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
@@ -27,15 +27,9 @@ std::string version_text(std::uint32_t version) {
     return std::to_string(version >> 16U) + '.' + std::to_string(version & 0xFFFFU);
 }
 
-std::string hexadecimal(std::string_view bytes) {
-    constexpr char kDigits[] = "0123456789abcdef";
+std::string bytes_text(std::string_view bytes) {
     constexpr std::size_t kShown = 32;
-    std::string text;
-    for (const char byte : bytes.substr(0, kShown)) {
-        const auto value = static_cast<unsigned char>(byte);
-        text += {kDigits[value >> 4U], kDigits[value & 15U]};
-    }
-    return text + (bytes.size() > kShown ? "..." : "");
+    return text::hexadecimal_bytes(bytes.substr(0, kShown)) + (bytes.size() > kShown ? "..." : "");
 }
 
 std::optional<std::string> owned(std::optional<std::string_view> text) {
@@ -55,7 +49,7 @@ std::string value_text(const Property& property, PropertyForm form) {
                            [&](const NamedCode& code) { return property.key == code.key; })) {
         text = owned(property.terminated_text());
     }
-    return text.value_or(hexadecimal(property.data.all()));
+    return text.value_or(bytes_text(property.data.all()));
 }
 
 class PropertyChecks {
@@ -105,7 +99,7 @@ class PropertyChecks {
         const Property* kind = required("kind", "the kind of plug-in, \"AEgx\"");
         if (kind != nullptr && kind->code() != "AEgx") {
             add(Finding::property_wrong, kind,
-                "the kind \"kind\" is " + cli::quoted(kind->code().value_or(hexadecimal(kind->data.all()))) +
+                "the kind \"kind\" is " + text::quoted(kind->code().value_or(bytes_text(kind->data.all()))) +
                     ", not \"AEgx\", general plug-ins");
         }
     }
@@ -124,8 +118,7 @@ class PropertyChecks {
         if (version != nullptr && version->number() != kVersion) {
             add(Finding::property_unusual, version,
                 "the version \"vers\" is " +
-                    (version->number() ? version_text(*version->number())
-                                       : hexadecimal(version->data.all())) +
+                    (version->number() ? version_text(*version->number()) : bytes_text(version->data.all())) +
                     ", not 3.0");
         }
     }
@@ -142,7 +135,7 @@ class PropertyChecks {
                 "the property \"" + std::string(code.key) + "\" names no function");
         } else if (std::find(image.exports.begin(), image.exports.end(), name) == image.exports.end()) {
             add(Finding::entry_not_exported, entry,
-                "the property \"" + std::string(code.key) + "\" names " + cli::quoted(name) +
+                "the property \"" + std::string(code.key) + "\" names " + text::quoted(name) +
                     ", which the code for " + image.processor + " does not export");
         }
     }

@@ -1,7 +1,6 @@
 #include "cli/help/man_page.h"
 
-#include <algorithm>
-#include <cctype>
+#include "text/ascii.h"
 
 namespace cli {
 namespace {
@@ -22,12 +21,6 @@ std::string roff(const std::string& text) {
         }
     }
     return out;
-}
-
-std::string upper(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return text;
 }
 
 std::string entry_roff(const PageEntry& entry) {
@@ -78,7 +71,7 @@ std::string verb_roff(const Page& page) {
 
 std::string man_page(const std::vector<Page>& pages, const std::string& version) {
     const Page& program = pages.front();
-    std::string out = ".TH \"" + upper(program.command) + "\" 1 \"\" \"" + roff(version) + "\"\n";
+    std::string out = ".TH \"" + text::upper_case(program.command) + "\" 1 \"\" \"" + roff(version) + "\"\n";
     out += ".SH NAME\n" + roff(program.command) + " \\- " + roff(program.summary) + '\n';
     out += ".SH SYNOPSIS\n\\fB" + roff(program.usage) + "\\fR\n.SH DESCRIPTION\n";
     for (const std::string& paragraph : program.paragraphs) {
@@ -92,7 +85,7 @@ std::string man_page(const std::vector<Page>& pages, const std::string& version)
         if (section.title == "Verbs") {
             continue;
         }
-        out += ".SH \"" + upper(roff(section.title)) + "\"\n";
+        out += ".SH \"" + text::upper_case(roff(section.title)) + "\"\n";
         for (const PageEntry& entry : section.entries) {
             out += entry_roff(entry);
         }

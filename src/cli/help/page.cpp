@@ -4,7 +4,7 @@
 #include <sstream>
 #include <utility>
 
-#include "cli/terminal/printable_text.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -82,10 +82,10 @@ std::string heading_of(const PageEntry& entry) {
 std::string entry_text(const PageEntry& entry) {
     std::string head = "  " + heading_of(entry);
     const std::string text = wrapped(entry.text, kTextColumn);
-    if (columns_of(head) + 2 > kTextColumn) {
+    if (text::columns_of(head) + 2 > kTextColumn) {
         return head + '\n' + text;
     }
-    return head + text.substr(columns_of(head));
+    return head + text.substr(text::columns_of(head));
 }
 
 }  // namespace
@@ -127,7 +127,7 @@ std::string wrapped(const std::string& text, std::size_t indent, std::size_t wid
         line.clear();
     };
     for (std::string word; words >> word;) {
-        if (!line.empty() && indent + columns_of(line) + 1 + columns_of(word) > width) {
+        if (!line.empty() && indent + text::columns_of(line) + 1 + text::columns_of(word) > width) {
             end_line();
         }
         line += (line.empty() ? "" : " ") + word;

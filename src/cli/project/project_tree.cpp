@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "cli/project/project_words.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/text_table.h"
 #include "host/host_interface.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -34,7 +34,7 @@ std::string indent_of(std::size_t depth) {
 }
 
 std::string shown_name(const std::string& name) {
-    return name.empty() ? "(no name)" : printable(name);
+    return name.empty() ? "(no name)" : text::printable(name);
 }
 
 std::string size_text(A_long width, A_long height) {
@@ -236,7 +236,7 @@ std::string findings_text(const std::vector<embedded::Finding>& findings) {
     std::string text;
     for (const embedded::Finding& finding : findings) {
         text += "  " + (finding.call > 0 ? "call " + std::to_string(finding.call) + ' ' : std::string()) +
-                printable(finding.where) + ": " + printable(finding.text) + " [" +
+                text::printable(finding.where) + ": " + text::printable(finding.text) + " [" +
                 embedded::breach_word(finding.breach) + "]\n";
     }
     return text;
@@ -254,7 +254,7 @@ std::string host_report(const Project& project, const embedded::DisciplineReport
     if (!project.messages.empty()) {
         text += paint(Ink::bold, "Messages to the user:") + '\n';
         for (const embedded::Message& message : project.messages) {
-            text += "  " + printable(message.text) + '\n';
+            text += "  " + text::printable(message.text) + '\n';
         }
     }
     if (!report.problems().empty()) {

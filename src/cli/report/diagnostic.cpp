@@ -1,32 +1,21 @@
 #include "cli/report/diagnostic.h"
+#include "text/printable.h"
 
 #include <algorithm>
 #include <cstddef>
 #include <ostream>
 #include <utility>
 
-#include "cli/terminal/printable_text.h"
-
 namespace cli {
 namespace {
 
-std::string hexadecimal(std::int64_t value) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    std::string digits;
-    do {
-        digits.insert(digits.begin(), kDigits[value & 15]);
-        value >>= 4;
-    } while (value > 0);
-    return "0x" + digits;
-}
-
 std::string place_text(const Place& place) {
-    std::string text = printable(place.file);
+    std::string text = text::printable(place.file);
     if (place.line) {
         text += ':' + std::to_string(*place.line);
         text += place.column ? ':' + std::to_string(*place.column) : std::string();
     } else if (place.offset_bytes) {
-        text += '@' + hexadecimal(*place.offset_bytes);
+        text += '@' + text::hexadecimal(static_cast<std::uint64_t>(*place.offset_bytes));
     }
     return text;
 }
@@ -47,11 +36,11 @@ Excerpt excerpt_of(std::string_view line, std::size_t column) {
     const auto clean = [](std::string_view text) {
         std::string copy(text);
         std::replace(copy.begin(), copy.end(), '\t', ' ');
-        return printable(copy);
+        return text::printable(copy);
     };
     const std::string head = (first > 0 ? "..." : "") + clean(shown.substr(0, at - first));
     const bool cut = first + shown.size() < line.size();
-    return {head + clean(shown.substr(at - first)) + (cut ? "..." : ""), columns_of(head)};
+    return {head + clean(shown.substr(at - first)) + (cut ? "..." : ""), text::columns_of(head)};
 }
 
 std::string source_text(const Diagnostic& diagnostic, const Paint& paint) {
@@ -80,23 +69,23 @@ std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {
     const bool error = diagnostic.severity == Severity::error;
     std::string text = paint(Ink::bold, place_text(diagnostic.at) + ": ") +
                        paint(error ? Ink::red : Ink::yellow, error ? "error:" : "warning:") + ' ' +
-                       printable(diagnostic.reason) + paint(Ink::dim, " [" + diagnostic.code + ']') + '\n' +
-                       source_text(diagnostic, paint);
+                       text::printable(diagnostic.reason) + paint(Ink::dim, " [" + diagnostic.code + ']') +
+                       '\n' + source_text(diagnostic, paint);
     for (auto block = diagnostic.within.rbegin(); block != diagnostic.within.rend(); ++block) {
-        text += "      in " + printable(*block) + '\n';
+        text += "      in " + text::printable(*block) + '\n';
     }
     for (const std::string& effect : diagnostic.effects) {
-        text += "      = " + printable(effect) + '\n';
+        text += "      = " + text::printable(effect) + '\n';
     }
     return text;
 }
 
 void complain(Terminal& terminal, std::string_view text) {
-    terminal.err << "vxr: " << terminal.err_paint(Ink::red, "error:") << ' ' << printable(text) << '\n';
+    terminal.err << "vxr: " << terminal.err_paint(Ink::red, "error:") << ' ' << text::printable(text) << '\n';
 }
 
 void remark(Terminal& terminal, std::string_view text) {
-    terminal.err << "vxr: note: " << printable(text) << '\n';
+    terminal.err << "vxr: note: " << text::printable(text) << '\n';
 }
 
 }  // namespace cli

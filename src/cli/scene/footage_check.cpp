@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -9,6 +8,7 @@
 #include "embedded/image_probe.h"
 #include "embedded/sequence.h"
 #include "system/files.h"
+#include "text/ascii.h"
 #include "texture/file/base_file.h"
 #include "texture/value/texture_file.h"
 
@@ -22,9 +22,9 @@ std::string shown_path(std::string_view path) {
                                           : std::string(path.substr(0, kShownPathBytes)) + "...";
 }
 
+// Every platform's separator counts on every platform: files travel.
 std::string_view last_component(std::string_view path) {
-    const std::size_t separator = path.find_last_of(":\\/");
-    return separator == std::string_view::npos ? path : path.substr(separator + 1);
+    return text::last_component(path, ":\\/");
 }
 
 // The path beside the composition file as the user would name it.
@@ -95,12 +95,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
 
 // Textures are read by the bundle's input module, which goes by the extension in letters of either case.
 bool is_texture(std::string_view path) {
-    constexpr std::string_view kExtension = ".txl";
-    return path.size() >= kExtension.size() &&
-           std::equal(kExtension.begin(), kExtension.end(), path.end() - kExtension.size(),
-                      [](char a, char b) {
-                          return a == (b >= 'A' && b <= 'Z' ? static_cast<char>(b - 'A' + 'a') : b);
-                      });
+    return text::ends_with_ignoring_case(path, ".txl");
 }
 
 // Why no picture can be had from the file; empty when one can.

@@ -1,9 +1,8 @@
 #include "cli/terminal/text_table.h"
+#include "text/printable.h"
 
 #include <algorithm>
 #include <cstddef>
-
-#include "cli/terminal/printable_text.h"
 
 namespace cli {
 
@@ -15,7 +14,7 @@ std::vector<std::string> TextTable::lines(const Paint& paint) const {
     for (const std::vector<Cell>& row : rows_) {
         widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t i = 0; i < row.size(); ++i) {
-            widths[i] = std::max(widths[i], columns_of(row[i].text));
+            widths[i] = std::max(widths[i], text::columns_of(row[i].text));
         }
     }
     // A column with nothing but its heading is left out.
@@ -33,7 +32,7 @@ std::vector<std::string> TextTable::lines(const Paint& paint) const {
             if (widths[i] == 0) {
                 continue;
             }
-            const std::string fill(widths[i] - columns_of(row[i].text), ' ');
+            const std::string fill(widths[i] - text::columns_of(row[i].text), ' ');
             if (!row[i].text.empty()) {
                 line += blanks + (row[i].right ? fill : "") + paint(row[i].ink, row[i].text);
                 blanks = row[i].right ? "" : fill;

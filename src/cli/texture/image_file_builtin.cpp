@@ -7,6 +7,7 @@
 
 #include "system/replacement_file.h"
 #include "system/files.h"
+#include "text/ascii.h"
 
 // Without an image library: no image is read, and TGA is written, which is a header and the pixels.
 
@@ -90,17 +91,7 @@ ImageWriting write_image_file(const std::string& path, const Texture& texture, A
 }
 
 bool writes_image_format(const std::string& path) {
-    const std::string extension = os::text_of(os::path_of(path).extension());
-    if (extension.size() != kExtension.size()) {
-        return false;
-    }
-    for (std::size_t i = 0; i < extension.size(); ++i) {
-        const char c = extension[i];
-        if ((c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c) != kExtension[i]) {
-            return false;
-        }
-    }
-    return true;
+    return text::equal_ignoring_case(os::text_of(os::path_of(path).extension()), kExtension);
 }
 
 }  // namespace cli

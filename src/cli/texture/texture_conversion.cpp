@@ -12,6 +12,7 @@
 #include "system/replacement_file.h"
 #include "system/files.h"
 #include "system/input_file.h"
+#include "text/ascii.h"
 #include "texture/value/texture_file.h"
 
 namespace cli {
@@ -137,10 +138,7 @@ Conversion convert_texture(const std::string& input, const std::string& output,
 }
 
 bool has_texture_extension(const std::string& path) {
-    constexpr std::string_view kExtension = ".txl";
-    const std::string extension = os::text_of(os::path_of(path).extension());
-    return std::equal(extension.begin(), extension.end(), kExtension.begin(), kExtension.end(),
-                      [](char a, char b) { return (a >= 'A' && a <= 'Z' ? a - 'A' + 'a' : a) == b; });
+    return text::equal_ignoring_case(os::text_of(os::path_of(path).extension()), ".txl");
 }
 
 }  // namespace cli

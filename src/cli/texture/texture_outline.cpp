@@ -6,8 +6,8 @@
 #include <cstdio>
 #include <utility>
 
-#include "cli/terminal/printable_text.h"
 #include "cli/texture/row_coding.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -22,14 +22,8 @@ struct Line {
     bool dim = false;
 };
 
-std::string hexadecimal(std::int64_t value) {
-    char text[24];
-    std::snprintf(text, sizeof text, "0x%llx", static_cast<unsigned long long>(value));
-    return text;
-}
-
 std::string layer_text(const ChunkOutline::Layer& layer) {
-    std::string text = "layer " + cli::quoted(layer.name) + ", colour mode " +
+    std::string text = "layer " + text::quoted(layer.name) + ", colour mode " +
                        std::to_string(layer.color_mode) + ", attributes";
     for (const std::uint8_t byte : layer.attributes) {
         text += ' ' + std::to_string(byte);
@@ -81,7 +75,7 @@ void add_lines(const std::vector<ChunkOutline>& chunks, std::size_t depth, std::
     const std::string indent(2 * depth, ' ');
     for (const ChunkOutline& chunk : chunks) {
         lines.push_back({indent + chunk_name(chunk.id) + " v" + std::to_string(chunk.version),
-                         hexadecimal(chunk.offset_bytes),
+                         text::hexadecimal(static_cast<std::uint64_t>(chunk.offset_bytes)),
                          chunk.size_bytes < 0 ? "?" : std::to_string(chunk.size_bytes), content_of(chunk),
                          !chunk.handled});
         const std::vector<ChannelCoding> channels = channel_codings(chunk);

@@ -9,10 +9,10 @@
 #include "cli/report/diagnostic.h"
 #include "cli/scene/scene_check.h"
 #include "cli/scene/scene_reading.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
 #include "composition/read/read_error.h"
 #include "embedded/json_values.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -62,7 +62,7 @@ std::string verdict_line(const FileVerdict& verdict, const Paint& paint) {
     const Ink ink = verdict.code != ExitCode::fine ? Ink::red
                     : verdict.warnings > 0         ? Ink::yellow
                                                    : Ink::green;
-    return printable(verdict.file) + ": " + paint(ink, verdict_word(verdict.code)) +
+    return text::printable(verdict.file) + ": " + paint(ink, verdict_word(verdict.code)) +
            (verdict.warnings > 0 ? ", " + count_text(verdict.warnings, "warning") : "") + '\n';
 }
 
@@ -111,7 +111,7 @@ class CheckCommand : public Command {
         Json documents = Json::array();
         ExitCode code = ExitCode::fine;
         for (const std::string& file : files_) {
-            progress.step(printable(file));
+            progress.step(text::printable(file));
             const FileVerdict verdict = check_file(file, strict_);
             code = most_serious(code, verdict.code);
             progress.clear();

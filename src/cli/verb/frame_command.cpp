@@ -13,9 +13,9 @@
 #include "cli/project/host_option.h"
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/image_file.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -98,12 +98,12 @@ class FrameCommand : public Command {
 
     void show(const embedded::Host& host, const FrameRun& frame, Terminal& terminal) const {
         if (frame.in_spec.has_value()) {
-            terminal.out << terminal.out_paint(Ink::bold, printable(frame.file)) << ": "
+            terminal.out << terminal.out_paint(Ink::bold, text::printable(frame.file)) << ": "
                          << in_spec_text(*frame.in_spec) << '\n';
         }
         if (frame.frame.has_value()) {
             terminal.out << "frame of " << frame.frame->width_px << " x " << frame.frame->height_px << " -> "
-                         << printable(output_) << '\n';
+                         << text::printable(output_) << '\n';
         }
         terminal.out << host_report(host.project(), host.discipline(), terminal.out_paint);
     }

@@ -14,10 +14,10 @@
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic.h"
 #include "cli/terminal/output_file.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
 #include "embedded/host.h"
 #include "system/files.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -164,7 +164,7 @@ class ImportCommand : public Command {
         const embedded::Project& project = host.project();
         const std::string tree = project_tree(project, terminal.out_paint);
         if (!tree.empty()) {
-            terminal.out << terminal.out_paint(Ink::bold, printable(run.file)) << ": "
+            terminal.out << terminal.out_paint(Ink::bold, text::printable(run.file)) << ": "
                          << project_summary(project) << "\n\n"
                          << tree;
         }

@@ -10,10 +10,10 @@
 #include "cli/project/host_option.h"
 #include "cli/project/loaded_bundle.h"
 #include "cli/report/diagnostic.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
 #include "embedded/host.h"
 #include "embedded/json_values.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -25,7 +25,7 @@ constexpr int kModulesSchema = 1;
 std::string joined(const std::vector<std::string>& words) {
     std::string text;
     for (const std::string& word : words) {
-        text += (text.empty() ? "" : ", ") + printable(word);
+        text += (text.empty() ? "" : ", ") + text::printable(word);
     }
     return text;
 }
@@ -37,7 +37,7 @@ std::string code_text(A_long code) {
 }
 
 std::string module_text(const embedded::Module& module, const Paint& paint) {
-    return paint(Ink::bold, printable(module.name())) + '\n' + "  signature    " +
+    return paint(Ink::bold, text::printable(module.name())) + '\n' + "  signature    " +
            code_text(module.info.signature) + '\n' + "  extensions   " + joined(module.extensions()) + '\n' +
            "  flags        " + joined(module.flag_words()) + '\n' + "  creates      type " +
            code_text(module.info.create_kind.type) + ", creator " +

@@ -9,10 +9,10 @@
 #include "cli/options.h"
 #include "cli/report/diagnostic.h"
 #include "cli/report/unsound_result.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_diagnostics.h"
 #include "embedded/json_values.h"
+#include "text/printable.h"
 #include "texture/value/texture_complaint.h"
 
 namespace cli {
@@ -48,7 +48,7 @@ std::string verdict_line(const FileVerdict& verdict, const Paint& paint) {
     const Ink ink = verdict.code != ExitCode::fine ? Ink::red
                     : verdict.warnings > 0         ? Ink::yellow
                                                    : Ink::green;
-    std::string line = printable(verdict.file) + ": " + paint(ink, texture_verdict(verdict.code));
+    std::string line = text::printable(verdict.file) + ": " + paint(ink, texture_verdict(verdict.code));
     if (verdict.warnings > 0) {
         line += ", " + std::to_string(verdict.warnings) + (verdict.warnings == 1 ? " warning" : " warnings");
     }
@@ -80,7 +80,7 @@ class TextureCheckCommand : public Command {
         Json documents = Json::array();
         ExitCode code = ExitCode::fine;
         for (const std::string& file : files_) {
-            progress.step(printable(file));
+            progress.step(text::printable(file));
             const FileVerdict verdict = check_file(file, strict_);
             progress.clear();
             code = most_serious(code, verdict.code);

@@ -16,13 +16,13 @@
 #include "cli/report/diagnostic.h"
 #include "cli/terminal/ordered_jobs.h"
 #include "cli/terminal/platform.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/progress_bar.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
 #include "cli/texture/texture_diagnostics.h"
 #include "embedded/json_values.h"
 #include "system/files.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -34,10 +34,10 @@ constexpr int kConvertSchema = 1;
 
 std::string conversion_line(const Conversion& conversion, const Paint& paint) {
     if (conversion.code != ExitCode::fine) {
-        return printable(conversion.input) + ": " + paint(Ink::red, "not converted") + '\n';
+        return text::printable(conversion.input) + ": " + paint(Ink::red, "not converted") + '\n';
     }
-    return printable(conversion.input) + " -> " + printable(conversion.output) + ": " + conversion.size +
-           '\n';
+    return text::printable(conversion.input) + " -> " + text::printable(conversion.output) + ": " +
+           conversion.size + '\n';
 }
 
 Json conversion_json(const Conversion& conversion) {

@@ -9,13 +9,13 @@
 
 #include "cli/options.h"
 #include "cli/report/diagnostic.h"
-#include "cli/terminal/printable_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/row_coding.h"
 #include "cli/texture/texture_diagnostics.h"
 #include "cli/texture/texture_outline.h"
 #include "embedded/json_values.h"
 #include "system/files.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -50,7 +50,7 @@ FileInfo read_info(const std::string& file) {
 }
 
 std::string info_text(const FileInfo& info, const Paint& paint) {
-    std::string text = paint(Ink::bold, printable(info.file)) + ": ";
+    std::string text = paint(Ink::bold, text::printable(info.file)) + ": ";
     text += info.reading.texture.has_value() ? texture_size_text(*info.reading.texture)
                                              : paint(Ink::red, texture_verdict(info.code));
     text += info.size_bytes.has_value() ? ", " + std::to_string(*info.size_bytes) + " bytes\n" : "\n";
@@ -59,7 +59,7 @@ std::string info_text(const FileInfo& info, const Paint& paint) {
     }
     if (info.reading.texture.has_value()) {
         for (const AlphaChannel& alpha : info.reading.texture->alphas) {
-            text += "  alpha:  " + cli::quoted(alpha.name) + '\n';
+            text += "  alpha:  " + text::quoted(alpha.name) + '\n';
         }
     }
     return text + outline_text(info.reading.chunks, paint);

@@ -1,7 +1,8 @@
-#include "cli/terminal/printable_text.h"
+#include "text/printable.h"
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -34,17 +35,25 @@ const Case kCases[] = {
 
 TEST(Printable, Cases) {
     for (const Case& one : kCases) {
-        EXPECT_EQ(cli::printable(one.text), one.expected) << one.name;
+        EXPECT_EQ(text::printable(one.text), one.expected) << one.name;
     }
 }
 
 TEST(Printable, ColumnsCountCharactersNotBytes) {
-    EXPECT_EQ(cli::columns_of(""), 0U);
-    EXPECT_EQ(cli::columns_of("Sch\xc3\xb6n"), 5U);
+    EXPECT_EQ(text::columns_of(""), 0U);
+    EXPECT_EQ(text::columns_of("Sch\xc3\xb6n"), 5U);
+}
+
+TEST(Hexadecimal, NumbersHaveAPrefixAndBytesTwoDigits) {
+    EXPECT_EQ(text::hexadecimal(0), "0x0");
+    EXPECT_EQ(text::hexadecimal(0x1a4), "0x1a4");
+    EXPECT_EQ(text::hexadecimal(UINT64_MAX), "0xffffffffffffffff");
+    EXPECT_EQ(text::hexadecimal_bytes(""), "");
+    EXPECT_EQ(text::hexadecimal_bytes("\x0a\x1f\xff"), "0a1fff");
 }
 
 TEST(Printable, Quoted) {
-    EXPECT_EQ(cli::quoted("a\n"), "\"a\\x0a\"");
+    EXPECT_EQ(text::quoted("a\n"), "\"a\\x0a\"");
 }
 
 }  // namespace

@@ -1,0 +1,71 @@
+#include "text/printable.h"
+
+#include <algorithm>
+
+#include "text/utf8.h"
+
+namespace text {
+namespace {
+
+constexpr char kDigits[] = "0123456789abcdef";
+
+// Control characters drive the terminal; the others reorder what is read, or end a line.
+bool is_unsafe(char32_t code) {
+    return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x061C || code == 0x200E ||
+           code == 0x200F || (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+}
+
+}  // namespace
+
+std::string printable(std::string_view text) {
+    std::string out;
+    out.reserve(text.size());
+    while (!text.empty()) {
+        const Utf8Character character = first_character(text);
+        const std::string_view bytes = text.substr(0, character.size_bytes == 0 ? 1 : character.size_bytes);
+        if (character.size_bytes == 0 || is_unsafe(character.code_point)) {
+            for (const char byte : bytes) {
+                out += "\\x" + hexadecimal_bytes({&byte, 1});
+            }
+        } else {
+            out += bytes;
+        }
+        text.remove_prefix(bytes.size());
+    }
+    return out;
+}
+
+std::string quoted(std::string_view text) {
+    return '"' + printable(text) + '"';
+}
+
+std::size_t columns_of(std::string_view printable_text) {
+    std::size_t columns = 0;
+    for (const char c : printable_text) {
+        columns += (static_cast<std::uint8_t>(c) & 0xC0) == 0x80 ? 0 : 1;
+    }
+    return columns;
+}
+
+std::string hexadecimal(std::uint64_t value) {
+    std::string digits;
+    do {
+        digits += kDigits[value & 15U];
+        value >>= 4U;
+    } while (value > 0);
+    std::reverse(digits.begin(), digits.end());
+    return "0x" + digits;
+}
+
+std::string hexadecimal_bytes(std::string_view bytes) {
+    std::string digits;
+    digits.reserve(bytes.size() * 2);
+    for (const char c : bytes) {
+        const auto byte = static_cast<std::uint8_t>(c);
+        digits += kDigits[byte >> 4U];
+        digits += kDigits[byte & 15U];
+    }
+    return digits;
+}
+
+}  // namespace text

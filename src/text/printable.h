@@ -1,0 +1,28 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace text {
+
+/// Makes any bytes of a file safe to show on one line of a terminal: well-formed UTF-8 stays, except for
+/// control characters, line ends and characters that change the direction of writing. The bytes of those, and
+/// bytes that are not UTF-8, become "\xNN".
+[[nodiscard]] std::string printable(std::string_view text);
+
+/// The printable text in double quotes.
+[[nodiscard]] std::string quoted(std::string_view text);
+
+/// The number of columns that a printable text takes up, one for each character; wide characters count as
+/// one.
+[[nodiscard]] std::size_t columns_of(std::string_view printable_text);
+
+/// A number as "0x1a4".
+[[nodiscard]] std::string hexadecimal(std::uint64_t value);
+
+/// Two lower-case digits for each byte: "0a1f".
+[[nodiscard]] std::string hexadecimal_bytes(std::string_view bytes);
+
+}  // namespace text
