@@ -2,7 +2,7 @@
 // observer of whole keys. All three must read the same model.
 
 #include "check.h"
-#include "composition/model/model_complaint.h"
+#include "composition/model/model_invariants.h"
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
@@ -34,7 +34,7 @@ std::string read(const std::string& path, Listener* listener) {
     ASCIIParser p;
     p.SetObserver(listener);
     const bool complete = p.Init(Filename(path.c_str()), 1, 0) == 0 && ReadCompositionFile(p, settings) != 0;
-    require_sound(model_complaint(settings, complete ? ModelState::complete : ModelState::broken_off));
+    require_sound(validate_model(settings, complete ? ModelState::complete : ModelState::broken_off));
     require(listener == nullptr || listener->errors() == (complete ? 0 : 1), "a failure is told, once");
     return (complete ? "read " : "refused ") + model_text(settings) + std::to_string(p.line);
 }

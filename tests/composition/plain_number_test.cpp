@@ -9,7 +9,7 @@
 #include <string>
 #include <string_view>
 
-#include "composition/read/number_text.h"
+#include "composition/read/number_scan.h"
 
 namespace {
 

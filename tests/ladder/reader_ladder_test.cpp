@@ -5,7 +5,7 @@
 #include <optional>
 #include <string>
 
-#include "composition/model/model_complaint.h"
+#include "composition/model/model_invariants.h"
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
@@ -27,7 +27,7 @@ std::string scene_complaint(const std::string& path) {
     tagProjectSettings settings;
     const bool opened = parser.Init(Filename(path.c_str()), 1, 0) == 0;
     const bool read = opened && ReadCompositionFile(parser, settings) == 1;
-    return model_complaint(settings, read ? ModelState::complete : ModelState::broken_off).value_or("");
+    return validate_model(settings, read ? ModelState::complete : ModelState::broken_off).value_or("");
 }
 
 std::string texture_complaint_of(const std::string& path) {

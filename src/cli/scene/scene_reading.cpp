@@ -8,7 +8,7 @@
 #include "cli/report/limit_words.h"
 #include "cli/report/source_lines.h"
 #include "cli/report/unsound_result.h"
-#include "composition/model/model_complaint.h"
+#include "composition/model/model_invariants.h"
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
@@ -148,7 +148,7 @@ SceneReading read_scene(const std::string& file) {
         reading.error = fail(code_name(Code::cannot_read), {file}, "the file could not be read");
         reading.code = ExitCode::cannot_read_or_write;
     }
-    const auto complaint = model_complaint(settings, read ? ModelState::complete : ModelState::broken_off);
+    const auto complaint = validate_model(settings, read ? ModelState::complete : ModelState::broken_off);
     if (const auto defect = unsound_result(file, complaint)) {
         reading.error = defect;
         reading.code = ExitCode::refused;

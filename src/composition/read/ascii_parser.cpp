@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "composition/model/heap_text.h"
-#include "composition/read/number_text.h"
+#include "composition/read/number_scan.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // What is said about models: nothing about those that are read, and one rule at a time about broken ones.
 
-#include "composition/model/model_complaint.h"
+#include "composition/model/model_invariants.h"
 
 #include <gtest/gtest.h>
 
@@ -56,7 +56,7 @@ struct Model {
     }
 
     [[nodiscard]] std::optional<std::string> complaint(ModelState state = ModelState::complete) const {
-        return model_complaint(settings, state);
+        return validate_model(settings, state);
     }
 
   private:
@@ -224,9 +224,9 @@ TEST(ModelComplaint, AsDeepAsFilesMayBeAndOneDeeper) {
     for (A_long level = 1; level < limits::kCompositionNesting.value; ++level) {
         at = at->AddComposition();
     }
-    EXPECT_EQ(model_complaint(settings, ModelState::broken_off), std::nullopt);
+    EXPECT_EQ(validate_model(settings, ModelState::broken_off), std::nullopt);
     at->AddComposition();
-    const std::optional<std::string> found = model_complaint(settings, ModelState::broken_off);
+    const std::optional<std::string> found = validate_model(settings, ModelState::broken_off);
     ASSERT_TRUE(found.has_value());
     EXPECT_NE(found->find(", entry 1: it is more than 1024 deep"), std::string::npos);
 }
@@ -241,12 +241,12 @@ TEST(ModelComplaint, NothingAboutWhatIsRead) {
         const std::string text = content_of(entry.path());
         const ReadText whole(text);
         ASSERT_EQ(whole.result, 1);
-        EXPECT_EQ(model_complaint(whole.settings, ModelState::complete), std::nullopt);
+        EXPECT_EQ(validate_model(whole.settings, ModelState::complete), std::nullopt);
         // Wherever the file is cut, what was read until then is sound.
         const std::size_t step = 1 + text.size() / 12;
         for (std::size_t size = 1; size < text.size(); size += step) {
             const ReadText cut(text.substr(0, size));
-            EXPECT_EQ(model_complaint(cut.settings,
+            EXPECT_EQ(validate_model(cut.settings,
                                       cut.result != 0 ? ModelState::complete : ModelState::broken_off),
                       std::nullopt)
                 << "cut after " << size << " bytes";

@@ -1,4 +1,4 @@
-#include "composition/model/model_complaint.h"
+#include "composition/model/model_invariants.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -309,6 +309,6 @@ class ModelWalk {
 
 }  // namespace
 
-std::optional<std::string> model_complaint(const tagProjectSettings& settings, ModelState state) {
+std::optional<std::string> validate_model(const tagProjectSettings& settings, ModelState state) {
     return ModelWalk(settings, state).Run();
 }

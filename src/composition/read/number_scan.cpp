@@ -1,4 +1,4 @@
-#include "composition/read/number_text.h"
+#include "composition/read/number_scan.h"
 
 #include <algorithm>
 #include <charconv>
