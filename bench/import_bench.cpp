@@ -12,8 +12,8 @@
 #include <typeinfo>
 #include <vector>
 
-#include "composition/model/camera.h"
 #include "composition/model/project_settings.h"
+#include "composition/model/scene_object.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
 #include "embedded/host.h"

@@ -11,10 +11,8 @@
 #include <sstream>
 #include <string_view>
 
-#include "composition/model/camera.h"
 #include "composition/model/heap_text.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
+#include "composition/model/scene_object.h"
 
 namespace {
 

@@ -4,9 +4,8 @@
 #include <cstdint>
 #include <vector>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
 #include "composition/model/project_settings.h"
+#include "composition/model/scene_object.h"
 
 namespace {
 

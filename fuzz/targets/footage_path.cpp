@@ -5,7 +5,7 @@
 
 #include "check.h"
 #include "composition/read/ascii_parser.h"
-#include "composition/read/read_filename.h"
+#include "composition/read/read_footage.h"
 #include "input.h"
 
 const std::size_t kOptionBytes = 0;

@@ -8,9 +8,7 @@
 #include <typeinfo>
 #include <vector>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
+#include "composition/model/scene_object.h"
 #include "composition/parsed_text.h"
 
 namespace {

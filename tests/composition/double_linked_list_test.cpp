@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-#include "composition/model/compo_child.h"
+#include "composition/model/composition.h"
 #include "composition/parsed_text.h"
 
 namespace {

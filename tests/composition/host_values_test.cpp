@@ -74,10 +74,10 @@ TEST(HostValues, TheCenterIsInWholePixels) {
 TEST(HostValues, ASuccessThatYieldsNothingIsTheGenericError) {
     int something = 0;
     int* nothing = nullptr;
-    EXPECT_EQ(error_unless_yielded(0, &something), 0);
-    EXPECT_EQ(error_unless_yielded(0, nothing), 1);
-    EXPECT_EQ(error_unless_yielded(5, nothing), 5);
-    EXPECT_EQ(error_unless_yielded(5, &something), 5);
+    EXPECT_EQ(require_handle(0, &something), 0);
+    EXPECT_EQ(require_handle(0, nothing), 1);
+    EXPECT_EQ(require_handle(5, nothing), 5);
+    EXPECT_EQ(require_handle(5, &something), 5);
 }
 
 }  // namespace

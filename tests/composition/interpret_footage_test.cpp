@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "composition/model/file_item.h"
+#include "composition/model/composition.h"
 #include "composition/model/project_settings.h"
 #include "host/suite_handler.h"
 #include "support/recording_host.h"

@@ -9,9 +9,8 @@
 #include <cstddef>
 #include <vector>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
 #include "composition/model/project_settings.h"
+#include "composition/model/scene_object.h"
 #include "composition/read/ascii_parser.h"
 
 namespace {

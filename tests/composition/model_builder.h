@@ -5,7 +5,6 @@
 #include <string>
 
 #include "composition/model/composition.h"
-#include "composition/model/file_item.h"
 #include "composition/model/project_settings.h"
 #include "composition/model/scene_object.h"
 

@@ -10,9 +10,7 @@
 #include <optional>
 #include <string>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
+#include "composition/model/scene_object.h"
 #include "composition/model_builder.h"
 #include "composition/parsed_text.h"
 #include "limit/limits.h"
@@ -246,9 +244,9 @@ TEST(ModelComplaint, NothingAboutWhatIsRead) {
         const std::size_t step = 1 + text.size() / 12;
         for (std::size_t size = 1; size < text.size(); size += step) {
             const ReadText cut(text.substr(0, size));
-            EXPECT_EQ(validate_model(cut.settings,
-                                      cut.result != 0 ? ModelState::complete : ModelState::broken_off),
-                      std::nullopt)
+            EXPECT_EQ(
+                validate_model(cut.settings, cut.result != 0 ? ModelState::complete : ModelState::broken_off),
+                std::nullopt)
                 << "cut after " << size << " bytes";
         }
         ++count;

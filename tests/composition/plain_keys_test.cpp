@@ -10,9 +10,7 @@
 #include <tuple>
 #include <vector>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
+#include "composition/model/scene_object.h"
 #include "composition/read/plain_number.h"
 #include "composition/read/read_observer.h"
 #include "parsed_text.h"

@@ -8,9 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
+#include "composition/model/scene_object.h"
 #include "composition/model_builder.h"
 #include "host/suite_handler.h"
 #include "support/recording_host.h"

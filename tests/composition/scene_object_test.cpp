@@ -5,9 +5,6 @@
 
 #include <string>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
 #include "composition/parsed_text.h"
 
 namespace {

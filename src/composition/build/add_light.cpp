@@ -1,6 +1,6 @@
 #include "composition/build/host_values.h"
 #include "composition/build/layer_streams.h"
-#include "composition/model/light.h"
+#include "composition/model/scene_object.h"
 #include "host/messages.h"
 #include "host/suite_handler.h"
 

@@ -33,7 +33,7 @@ VXR_OWN_FRAME A_Err create_folder_and_comp(AEGP_SuiteHandler& suites, CCompositi
                                            tagProjectSettings& settings, AEGP_ItemH* folder) {
     A_Err err =
         suites.ItemSuite10()->AEGP_CreateNewFolder(composition.name, composition.parentFolder, folder);
-    err = error_unless_yielded(err, *folder);
+    err = require_handle(err, *folder);
     if (err != kHostErrorNone)
         return err;
 
@@ -42,13 +42,13 @@ VXR_OWN_FRAME A_Err create_folder_and_comp(AEGP_SuiteHandler& suites, CCompositi
     const A_Time duration = frames_time(settings.range, settings.fps);
     err = suites.CompSuite9()->AEGP_CreateComp(*folder, composition.name, settings.width, settings.height,
                                                &pixel_aspect, &duration, &frame_rate, &composition.compH);
-    err = error_unless_yielded(err, composition.compH);
+    err = require_handle(err, composition.compH);
     if (err != kHostErrorNone)
         return err;
 
     AEGP_ItemH comp_item = nullptr;
     err = suites.CompSuite9()->AEGP_GetItemFromComp(composition.compH, &comp_item);
-    err = error_unless_yielded(err, comp_item);
+    err = require_handle(err, comp_item);
     if (err != kHostErrorNone)
         return err;
 

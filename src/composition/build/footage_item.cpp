@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "composition/build/host_values.h"
-#include "composition/model/file_item.h"
+#include "composition/model/composition.h"
 #include "composition/model/project_settings.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
@@ -40,9 +40,9 @@ A_Err add_footage_item(AEGP_SuiteHandler& suites, const CFileItem& file, const t
     A_Err err = GeFExist(file.path) != 0 ? new_file_footage(suites, file, &made->footage)
                                          : new_placeholder(suites, file.path != nullptr ? file.path : "",
                                                            settings, placeholder_name_bytes, &made->footage);
-    err = error_unless_yielded(err, made->footage);
+    err = require_handle(err, made->footage);
     if (err != kHostErrorNone)
         return err;
     err = suites.FootageSuite7()->AEGP_AddFootageToProject(made->footage, folder, &made->item);
-    return error_unless_yielded(err, made->item);
+    return require_handle(err, made->item);
 }

@@ -30,6 +30,13 @@ A_Time layer_start(A_long from, A_long fps, A_long local);
 /// Frame `frame` of the scene's timeline in layer time: frame `from` is 0. May be negative.
 A_Time key_time(A_long frame, A_long from, A_long fps);
 
+/// Angles of the file in radians. Evaluated as written, first the product, then the quotient: what the host
+/// gets is held to the last bit.
+constexpr double radians_from_degrees(double degrees) {
+    constexpr double kPi = 3.141592653589793;
+    return degrees * kPi / 180;
+}
+
 /// The middle of a composition in whole pixels: an odd width of 721 gives 360.
 A_FloatPoint center_point(A_long width, A_long height);
 
@@ -37,6 +44,6 @@ A_FloatPoint center_point(A_long width, A_long height);
 /// it. The handle is taken by reference, so that it is read after the call even when both stand in one
 /// expression.
 template <typename Handle>
-A_Err error_unless_yielded(A_Err err, const Handle& handle) {
+A_Err require_handle(A_Err err, const Handle& handle) {
     return err == kHostErrorNone && handle == nullptr ? kHostErrorGeneric : err;
 }

@@ -32,11 +32,11 @@ A_Err test_adv_app_suite(bool* offered) {
 A_Err root_folder_of_project(AEGP_SuiteHandler& suites, AEGP_ItemH* root_folder) {
     AEGP_ProjectH project = nullptr;
     A_Err err = suites.ProjSuite5()->AEGP_GetProjectByIndex(0, &project);
-    err = error_unless_yielded(err, project);
+    err = require_handle(err, project);
     if (err != kHostErrorNone)
         return err;
     err = suites.ProjSuite5()->AEGP_GetProjectRootFolder(project, root_folder);
-    return error_unless_yielded(err, *root_folder);
+    return require_handle(err, *root_folder);
 }
 
 /// Footage that belongs to no composition, in a folder of its own; without such footage there is no folder.
@@ -48,7 +48,7 @@ A_Err add_top_level_footage(AEGP_SuiteHandler& suites, tagProjectSettings& setti
         A_Err err = kHostErrorNone;
         if (folder == nullptr) {
             err = suites.ItemSuite10()->AEGP_CreateNewFolder(g_pCh_Others, root_folder, &folder);
-            err = error_unless_yielded(err, folder);
+            err = require_handle(err, folder);
             if (err != kHostErrorNone)
                 return err;
         }

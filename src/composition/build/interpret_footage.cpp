@@ -1,7 +1,7 @@
 #include <cstring>
 
 #include "composition/build/host_values.h"
-#include "composition/model/file_item.h"
+#include "composition/model/composition.h"
 #include "composition/model/project_settings.h"
 #include "host/messages.h"
 #include "host/plugin_globals.h"

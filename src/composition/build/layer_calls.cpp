@@ -1,7 +1,7 @@
 #include "composition/build/layer_calls.h"
 
 #include "composition/build/host_values.h"
-#include "composition/model/file_item.h"
+#include "composition/model/composition.h"
 #include "host/suite_handler.h"
 
 A_Err add_item_as_layer(AEGP_SuiteHandler& suites, AEGP_ItemH item, AEGP_CompH comp, AEGP_LayerH* layer) {
@@ -11,7 +11,7 @@ A_Err add_item_as_layer(AEGP_SuiteHandler& suites, AEGP_ItemH item, AEGP_CompH c
     if (err != kHostErrorNone)
         return err;
     *layer = nullptr;
-    return error_unless_yielded(suites.LayerSuite11()->AEGP_AddLayer(item, comp, layer), *layer);
+    return require_handle(suites.LayerSuite11()->AEGP_AddLayer(item, comp, layer), *layer);
 }
 
 A_Err set_layer_blend_mode(AEGP_SuiteHandler& suites, AEGP_LayerH layer, A_long blend_mode) {

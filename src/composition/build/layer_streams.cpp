@@ -1,5 +1,6 @@
 #include "composition/build/layer_streams.h"
 
+#include "composition/build/host_values.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 
@@ -45,4 +46,24 @@ AEGP_StreamVal three_d_value(A_FpLong x, A_FpLong y, A_FpLong z) {
 A_Err set_stream_value(AEGP_SuiteHandler& suites, AEGP_StreamRefH stream, const AEGP_StreamVal& value) {
     AEGP_StreamValue set = {stream, value};
     return suites.StreamSuite7()->AEGP_SetStreamValue(g_PluginID, stream, &set);
+}
+
+A_Err StreamTrack::Start(AEGP_SuiteHandler& suites, AEGP_StreamRefH stream) {
+    suite_ = suites.KeyframeSuite3();
+    stream_ = stream;
+    return require_handle(suite_->AEGP_StartAddKeyframes(stream, &info_), info_);
+}
+
+A_Err StreamTrack::AddKey(const A_Time& time) {
+    return suite_->AEGP_AddKeyframes(info_, kTimeModeLayer, &time, &key_index_);
+}
+
+A_Err StreamTrack::SetKey(const AEGP_StreamVal& value) {
+    const AEGP_StreamValue key = {stream_, value};
+    return suite_->AEGP_SetAddKeyframe(info_, key_index_, &key);
+}
+
+A_Err StreamTrack::End() {
+    constexpr A_Boolean kAdd = 1;
+    return suite_->AEGP_EndAddKeyframes(kAdd, info_);
 }

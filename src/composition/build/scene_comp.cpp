@@ -29,19 +29,19 @@ A_Err create_scene_comp(AEGP_SuiteHandler& suites, const tagProjectSettings& set
     const A_Ratio frame_rate = frame_rate_ratio(settings.fps);
     A_Err err = comps->AEGP_CreateComp(settings.firstFolder, "Camera+Light", settings.width, settings.height,
                                        &pixel_aspect, &duration, &frame_rate, comp);
-    err = error_unless_yielded(err, *comp);
+    err = require_handle(err, *comp);
     if (err != kHostErrorNone)
         return err;
 
     AEGP_ItemH comp_item = nullptr;
     err = comps->AEGP_GetItemFromComp(*comp, &comp_item);
-    err = error_unless_yielded(err, comp_item);
+    err = require_handle(err, comp_item);
     if (err != kHostErrorNone)
         return err;
 
     AEGP_CompH root = nullptr;
     err = comps->AEGP_GetCompFromItem(settings.firstCompItem, &root);
-    err = error_unless_yielded(err, root);
+    err = require_handle(err, root);
     if (err != kHostErrorNone)
         return err;
 

@@ -8,11 +8,9 @@
 #include <unordered_set>
 #include <vector>
 
-#include "composition/model/camera.h"
 #include "composition/model/composition.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
 #include "composition/model/project_settings.h"
+#include "composition/model/scene_object.h"
 #include "limit/limits.h"
 
 namespace {

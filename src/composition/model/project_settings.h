@@ -1,6 +1,5 @@
 #pragma once
 
-#include "composition/model/compo_child.h"
 #include "composition/model/composition.h"
 #include "composition/model/double_linked_list.h"
 #include "composition/model/scene_object.h"

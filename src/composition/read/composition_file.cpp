@@ -3,11 +3,10 @@
 #include <memory>
 #include <new>
 
-#include "composition/model/camera.h"
-#include "composition/model/light.h"
-#include "composition/model/null_object.h"
 #include "composition/model/project_settings.h"
+#include "composition/model/scene_object.h"
 #include "composition/read/ascii_parser.h"
+#include "composition/read/read_footage.h"
 #include "composition/read/read_report.h"
 #include "composition/read/read_settings.h"
 #include "composition/read/read_values.h"
@@ -36,7 +35,7 @@ int read_top_level_entry(ASCIIParser& p, tagProjectSettings& settings) {
     }
     settings.files.AddAtTail(child.release());
     file->isSequence = is_word(p, "FSEQ") ? 1 : 0;
-    return file->ReadTopLevel(p);
+    return read_top_level_footage(p, *file);
 }
 
 // The object that the current token begins, or null when it begins none. `fits` is false when there was no
@@ -59,7 +58,7 @@ CSceneObject* new_object(const ASCIIParser& p, bool& fits) {
 
 // Top-level footage. `complete` tells that the file ended with it; otherwise the current token is the word
 // behind.
-int read_top_level_footage(ASCIIParser& p, tagProjectSettings& settings, bool& complete) {
+int read_top_level_section(ASCIIParser& p, tagProjectSettings& settings, bool& complete) {
     for (;;) {
         if (p.nextsym(0) != kTokenIdentifier) {
             complete = p.sym == kTokenNone && p.status == kStatusEndOfInput;
@@ -110,7 +109,7 @@ int ReadCompositionFile(ASCIIParser& p, tagProjectSettings& settings) {
         return 0;
     }
     bool complete = false;
-    if (read_top_level_footage(p, settings, complete) == 0 || (!complete && read_objects(p, settings) == 0)) {
+    if (read_top_level_section(p, settings, complete) == 0 || (!complete && read_objects(p, settings) == 0)) {
         return 0;
     }
     if (p.status == kStatusReadFailed) {

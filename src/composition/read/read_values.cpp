@@ -3,7 +3,7 @@
 #include <array>
 #include <string>
 
-#include "composition/model/file_item.h"
+#include "composition/model/composition.h"
 #include "composition/model/heap_text.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/read_report.h"

@@ -1,4 +1,4 @@
-#include "composition/read/read_filename.h"
+#include "composition/read/read_footage.h"
 
 #include <cstdint>
 #include <cstring>
@@ -6,9 +6,11 @@
 #include <string_view>
 #include <utility>
 
+#include "composition/model/composition.h"
 #include "composition/model/heap_text.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/read_report.h"
+#include "composition/read/read_values.h"
 #include "texture/file/base_file.h"
 #include "texture/file/filename.h"
 
@@ -140,6 +142,9 @@ int ReadFilename(ASCIIParser& p, char** result) {
     return read_footage_path(p, result).problem ? 0 : 1;
 }
 
+namespace {
+
+// Tells the observer why the path could not be read.
 int fail_path(const ASCIIParser& p, const FootagePath& path) {
     if (p.Observer() == nullptr) {
         return 0;
@@ -173,4 +178,44 @@ int fail_path(const ASCIIParser& p, const FootagePath& path) {
             break;
     }
     return fail_at(p, *path.problem, path.at, expected, found);
+}
+
+// Reads the path of an entry that begins at `at` and tells the observer.
+FootagePath read_path(ASCIIParser& p, CFileItem& file, const TextPosition& at, bool top_level) {
+    FootagePath read = read_footage_path(p, &file.path);
+    if (ReadObserver* const observer = p.Observer()) {
+        observer->on_footage({file.isSequence != 0, top_level, at, read.at,
+                              read.written == nullptr ? "" : read.written.get(), file.path,
+                              read.opens_as_written, read.problem});
+    }
+    return read;
+}
+
+}  // namespace
+
+int CFileItem::Read(ASCIIParser& p) {
+    const TextPosition at = p.TokenStart();
+    if (read_blend_mode(p, blendMode) == 0 || read_alpha_mode(p, alphaMode) == 0) {
+        return 0;
+    }
+    const FootagePath read = read_path(p, *this, at, false);
+    return read.problem ? fail_path(p, read) : 1;
+}
+
+int read_top_level_footage(ASCIIParser& p, CFileItem& file) {
+    const TextPosition at = p.TokenStart();
+    // "<->" comes as three tokens: the middle one is a number without a digit.
+    const bool opened = p.nextsym(0) == kTokenOther && Compare(p.text, "<") == 0;
+    const bool lined = opened && p.nextsym(0) == kTokenNumber && Compare(p.text, "-") == 0;
+    const bool closed = lined && p.nextsym(0) == kTokenOther && Compare(p.text, ">") == 0;
+    if (!closed) {
+        return fail(p, ReadErrorCode::expected_footage_mark, "<-> between FILE or FSEQ and the alpha word");
+    }
+    if (read_alpha_mode(p, file.alphaMode) == 0) {
+        return 0;
+    }
+    // Deliberately ignores the result: an entry whose path could not be read stays, and reading continues
+    // after it.
+    read_path(p, file, at, true);
+    return 1;
 }

@@ -7,6 +7,7 @@
 #include "composition/read/text_position.h"
 
 class ASCIIParser;
+class CFileItem;
 
 /// Reads a footage path from `p`, character by character: what stands between the next double quote and the
 /// last one of its line. `*result` receives the full path in the host's style, from array-new, owned by the
@@ -27,5 +28,7 @@ struct FootagePath {
 /// ReadFilename with what an observer wants to know. Reports nothing itself.
 [[nodiscard]] FootagePath read_footage_path(ASCIIParser& p, char** result);
 
-/// Tells the observer of `p` why `path` could not be read. Returns 0, the readers' failure.
-int fail_path(const ASCIIParser& p, const FootagePath& path);
+/// Reads what follows FILE or FSEQ at the top level into `file`: the mark "<->", alpha word, path. Returns 1,
+/// or 0 on the first failure. A path that cannot be read is no failure here; `path` is null then. The caller
+/// sets `isSequence`.
+int read_top_level_footage(ASCIIParser& p, CFileItem& file);

@@ -1,4 +1,4 @@
-#include "composition/read/read_filename.h"
+#include "composition/read/read_footage.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
