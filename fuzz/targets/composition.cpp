@@ -1,6 +1,8 @@
 // Reads a composition file three times: as the plug-in does, with an observer of every token, and with an
 // observer of whole keys. All three must read the same model.
 
+#include <string_view>
+
 #include "check.h"
 #include "composition/model/model_invariants.h"
 #include "composition/model/project_settings.h"
@@ -18,9 +20,13 @@ class Listener final : public ReadObserver {
   public:
     explicit Listener(bool whole_keys) : whole_keys_(whole_keys) {}
     [[nodiscard]] bool takes_plain_keys() const override { return whole_keys_; }
-    void on_failure(const ReadError& error) override {
+    void on_failure(const diagnostic::Diagnostic& error) override {
         ++errors_;
-        require(!error.expected.empty() && !error.found.empty(), "an error says what was expected and found");
+        const std::size_t found = error.reason.find(", found ");
+        require(error.reason.starts_with("expected ") && found != std::string::npos &&
+                    found > std::string_view("expected ").size() &&
+                    found + std::string_view(", found ").size() < error.reason.size(),
+                "an error says what was expected and found");
     }
     [[nodiscard]] int errors() const { return errors_; }
 

@@ -178,9 +178,9 @@ TEST(CheckVerb, ExamplesAreFine) {
 TEST(CheckVerb, EveryCodeIsListed) {
     const ProcessResult run = check(TemporaryFolder(), {"--list-codes"});
     EXPECT_EQ(run.exit_code, 0);
-    for (const ReadErrorRow& row : read_error_table()) {
-        EXPECT_NE(run.out.find(std::string(row.name) + ": error: " + row.meaning), std::string::npos)
-            << row.name;
+    for (const auto& [code, info] : read_error_table()) {
+        EXPECT_NE(run.out.find(std::string(info.name) + ": error: " + info.meaning), std::string::npos)
+            << info.name;
     }
     for (const cli::CodeRow& row : cli::code_table()) {
         EXPECT_NE(run.out.find(std::string(row.name) + ": "), std::string::npos) << row.name;

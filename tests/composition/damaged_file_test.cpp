@@ -8,9 +8,9 @@
 #include <cstring>
 #include <memory>
 #include <optional>
-#include <set>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "composition/parsed_text.h"
 #include "composition/read/composition_file.h"
@@ -161,7 +161,7 @@ TEST(DamagedFile, EveryAllocationRefused) {
 TEST(DamagedFile, EveryAllocationRefusedIsToldToTheObserver) {
     const TemporaryFolder folder;
     const std::string path = folder.write("shot.aec", kSmallFile);
-    std::set<ReadErrorCode> codes;
+    std::vector<diagnostic::Code> codes;
     for (long first_refused = 0; first_refused < 200; ++first_refused) {
         RecordingObserver observer;
         tagProjectSettings settings;
@@ -172,10 +172,10 @@ TEST(DamagedFile, EveryAllocationRefusedIsToldToTheObserver) {
             ReadCompositionFile(p, settings);
         }
         if (!observer.errors.empty()) {
-            codes.insert(observer.errors[0].code);
+            codes.push_back(observer.errors[0].code);
         }
     }
-    EXPECT_THAT(codes, testing::Contains(ReadErrorCode::out_of_memory));
+    EXPECT_THAT(codes, testing::Contains(diagnostic::Code(ReadErrorCode::out_of_memory)));
 }
 
 std::string nested(int levels) {

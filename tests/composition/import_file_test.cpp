@@ -548,7 +548,9 @@ TEST_F(ImportFileTest, WhenMemoryRunsShortTheImportEndsWithEverythingGivenBack) 
 // ---- observed
 
 struct FailureNotes : ReadObserver {
-    void on_failure(const ReadError& error) override { lines.push_back(error.at.line); }
+    void on_failure(const diagnostic::Diagnostic& error) override {
+        lines.push_back(error.at.line.value_or(0));
+    }
     void on_end(const TextPosition& /*at*/, bool at_end_of_file) override { ended.push_back(at_end_of_file); }
     std::vector<std::int64_t> lines;
     std::vector<bool> ended;

@@ -292,11 +292,11 @@ TEST(PlainKeys, ShortMemoryIsReportedAtTheKey) {
     const std::string text = file_with_objects("NULL \"One\" {\n KEY 1 1 2 3 4 5 6\n KEY 2 1 2 3 4 5 6\n}\n");
     class Failure : public EveryKey {
       public:
-        void on_failure(const ReadError& error) override {
+        void on_failure(const diagnostic::Diagnostic& error) override {
             code = error.code;
-            line = error.at.line;
+            line = error.at.line.value_or(0);
         }
-        ReadErrorCode code{};
+        diagnostic::Code code = ReadErrorCode::expected_name;
         std::int64_t line = 0;
     };
     long needed = 0;

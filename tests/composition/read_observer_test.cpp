@@ -12,6 +12,7 @@
 
 #include "composition/parsed_text.h"
 #include "composition/recording_observer.h"
+#include "limit/limits.h"
 
 namespace {
 
@@ -187,8 +188,11 @@ TEST(ReadObserver, FailuresOfOpening) {
         p.SetObserver(&observer);
         EXPECT_EQ(p.Init(Filename(path.c_str()), 1, 0), 4);
         ASSERT_EQ(observer.errors.size(), 1U) << name;
-        EXPECT_STREQ(read_error_row(observer.errors[0].code).name, name);
+        EXPECT_STREQ(observer.errors[0].code.name(), name);
         EXPECT_EQ(place(observer.errors[0].at), "1:1@0");
+        EXPECT_EQ(observer.errors[0].limit, observer.errors[0].code == ReadErrorCode::file_too_large
+                                                ? &limits::kCompositionFile
+                                                : nullptr);
     }
 }
 
@@ -212,8 +216,8 @@ TEST(ReadObserver, FailuresOfReadingOn) {
         EXPECT_EQ(ReadCompositionFile(parsed.p, settings), 0);
         ASSERT_EQ(observer.errors.size(), 1U);
         EXPECT_EQ(observer.errors[0].code, ReadErrorCode::read_failed);
-        EXPECT_THAT(observer.errors[0].message(), testing::EndsWith(message));
-        EXPECT_LE(observer.errors[0].at.offset_bytes, 5000);
+        EXPECT_THAT(observer.errors[0].reason, testing::EndsWith(message));
+        EXPECT_LE(observer.errors[0].at.offset_bytes.value(), 5000);
     }
 }
 
@@ -267,6 +271,21 @@ TEST(ReadObserver, NestingTooDeep) {
     EXPECT_EQ(observer.errors[0].code, ReadErrorCode::nesting_too_deep);
     EXPECT_EQ(observer.errors[0].at.line, 3 + 1024);
     EXPECT_EQ(observer.errors[0].within.size(), 1024U);
+    EXPECT_EQ(observer.errors[0].limit, &limits::kCompositionNesting);
+}
+
+TEST(ReadObserver, WordTooLongNamesItsLimitAndNoOther) {
+    RecordingObserver too_long;
+    EXPECT_EQ(
+        ReadText(file_with("COMPOSITION NRM \"a\" { " + std::string(512, 'a') + " }"), &too_long).result, 0);
+    ASSERT_EQ(too_long.errors.size(), 1U);
+    EXPECT_EQ(too_long.errors[0].code, ReadErrorCode::word_too_long);
+    EXPECT_EQ(too_long.errors[0].limit, &limits::kWord);
+
+    RecordingObserver unknown;
+    EXPECT_EQ(ReadText(file_with("SPEED 3"), &unknown).result, 0);
+    ASSERT_EQ(unknown.errors.size(), 1U);
+    EXPECT_EQ(unknown.errors[0].limit, nullptr);
 }
 
 TEST(ReadObserver, TellsEveryElementOfAFile) {
@@ -369,11 +388,12 @@ bool is_hyphenated(std::string_view name) {
 
 TEST(ReadErrorTable, HasEveryCodeUnderANameOfItsOwn) {
     std::set<std::string> names;
-    for (const ReadErrorRow& row : read_error_table()) {
-        EXPECT_TRUE(names.insert(row.name).second) << row.name;
-        EXPECT_TRUE(is_hyphenated(row.name)) << row.name;
-        EXPECT_THAT(row.meaning, testing::EndsWith("."));
-        EXPECT_EQ(&read_error_row(row.code), &row);
+    for (const auto& [code, info] : read_error_table()) {
+        EXPECT_TRUE(names.insert(info.name).second) << info.name;
+        EXPECT_TRUE(is_hyphenated(info.name)) << info.name;
+        EXPECT_EQ(info.severity, diagnostic::Severity::error) << info.name;
+        EXPECT_THAT(info.meaning, testing::EndsWith("."));
+        EXPECT_EQ(&code_info(code), &info);
     }
     EXPECT_EQ(names.size(), static_cast<std::size_t>(ReadErrorCode::expected_section) + 1);
 }

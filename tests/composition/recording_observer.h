@@ -6,6 +6,10 @@
 #include "composition/read/read_observer.h"
 
 /// "line:column@offset"
+inline std::string place(const diagnostic::Place& at) {
+    return std::to_string(at.line.value_or(-1)) + ":" + std::to_string(at.column.value_or(-1)) + "@" +
+           std::to_string(at.offset_bytes.value_or(-1));
+}
 inline std::string place(const TextPosition& at) {
     return std::to_string(at.line) + ":" + std::to_string(at.column) + "@" + std::to_string(at.offset_bytes);
 }
@@ -13,9 +17,8 @@ inline std::string place(const TextPosition& at) {
 /// Writes every event down, one text each.
 class RecordingObserver : public ReadObserver {
   public:
-    void on_failure(const ReadError& error) override {
-        std::string text =
-            "failure " + place(error.at) + " " + read_error_row(error.code).name + ": " + error.message();
+    void on_failure(const diagnostic::Diagnostic& error) override {
+        std::string text = "failure " + place(error.at) + " " + error.code.name() + ": " + error.reason;
         for (const std::string& block : error.within) {
             text += " in " + block;
         }
@@ -42,7 +45,7 @@ class RecordingObserver : public ReadObserver {
         events.push_back("footage " + place(footage.at) + (footage.is_sequence ? " sequence" : " file") +
                          (footage.top_level ? " top" : "") + " " + place(footage.path_at) + " " +
                          std::string(footage.written) + (footage.opens_as_written ? " opens" : "") +
-                         (footage.problem ? std::string(" ") + read_error_row(*footage.problem).name : ""));
+                         (footage.problem ? std::string(" ") + code_info(*footage.problem).name : ""));
         resolved.emplace_back(footage.resolved == nullptr ? "(null)" : footage.resolved);
     }
     void on_ignored(std::string_view text, const TextPosition& at) override {
@@ -54,5 +57,5 @@ class RecordingObserver : public ReadObserver {
 
     std::vector<std::string> events;
     std::vector<std::string> resolved;
-    std::vector<ReadError> errors;
+    std::vector<diagnostic::Diagnostic> errors;
 };

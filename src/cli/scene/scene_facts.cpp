@@ -52,7 +52,7 @@ const SceneKeyword* find_keyword(const std::vector<SceneKeyword>& keywords, std:
     return found == keywords.end() ? nullptr : &*found;
 }
 
-void SceneObserver::on_failure(const ReadError& error) {
+void SceneObserver::on_failure(const diagnostic::Diagnostic& error) {
     facts_.error = error;
 }
 

@@ -90,8 +90,8 @@ struct SceneFacts {
     std::vector<SceneBlock> objects;  ///< cameras, lights and nulls in file order
     std::vector<SceneFootage> footage;
     std::vector<ScenePassed> passed;
-    std::optional<TextPosition> ignored_from;  ///< where text begins that is not read any more
-    std::optional<ReadError> error;            ///< why reading stopped
+    std::optional<TextPosition> ignored_from;     ///< where text begins that is not read any more
+    std::optional<diagnostic::Diagnostic> error;  ///< why reading stopped
 };
 
 /// Collects the facts while a file is read.
@@ -99,7 +99,7 @@ class SceneObserver : public ReadObserver {
   public:
     explicit SceneObserver(SceneFacts& facts) : facts_(facts) {}
 
-    void on_failure(const ReadError& error) override;
+    void on_failure(const diagnostic::Diagnostic& error) override;
     void on_keyword(std::string_view keyword, const TextPosition& at) override;
     void on_value(const ReadValue& value) override;
     /// Plain numbers are all kept as written, so of such a key there is nothing to say but what it says.

@@ -68,7 +68,7 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     std::array<char, kBeginning.size()> bytes{};
     const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
     if (count == 0 && std::feof(file.get()) != 0) {
-        return fail(read_error_row(ReadErrorCode::empty_file).name, beginning_of(reading.file),
+        return fail(code_info(ReadErrorCode::empty_file).name, beginning_of(reading.file),
                     "the file is empty");
     }
     const std::string_view found(bytes.data(), count);
@@ -81,7 +81,7 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     }
     if (state.size_bytes > static_cast<std::uint64_t>(limits::kCompositionFile.value)) {
         Diagnostic error = fail(
-            read_error_row(ReadErrorCode::file_too_large).name, whole_file,
+            code_info(ReadErrorCode::file_too_large).name, whole_file,
             "the file has " + std::to_string(state.size_bytes) + " bytes, and less than 2147483648 are read");
         name_limit(error, &limits::kCompositionFile);
         return error;
@@ -90,32 +90,19 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     return std::nullopt;
 }
 
-ExitCode exit_code_of(ReadErrorCode code) {
+ExitCode exit_code_of(const diagnostic::Code& code) {
     const bool unreadable = code == ReadErrorCode::cannot_open || code == ReadErrorCode::read_failed ||
                             code == ReadErrorCode::out_of_memory;
     return unreadable ? ExitCode::cannot_read_or_write : ExitCode::refused;
 }
 
-const limits::Limit* limit_of(ReadErrorCode code) {
-    switch (code) {
-        case ReadErrorCode::file_too_large:
-            return &limits::kCompositionFile;
-        case ReadErrorCode::nesting_too_deep:
-            return &limits::kCompositionNesting;
-        case ReadErrorCode::word_too_long:
-            return &limits::kWord;
-        default:
-            return nullptr;
-    }
-}
-
-Diagnostic diagnostic_of(const ReadError& error, const std::string& file) {
+Diagnostic diagnostic_of(const diagnostic::Diagnostic& error, const std::string& file) {
     Diagnostic diagnostic =
-        fail(read_error_row(error.code).name, {file, error.at.offset_bytes, error.at.line, error.at.column},
-             error.message(), error.within);
+        fail(error.code.name(), {file, error.at.offset_bytes, error.at.line, error.at.column}, error.reason,
+             error.within);
     diagnostic.effects.emplace_back(
         "the import ends here without a word, and nothing is added to the project");
-    name_limit(diagnostic, limit_of(error.code));
+    name_limit(diagnostic, error.limit);
     return diagnostic;
 }
 

@@ -78,8 +78,8 @@ Json verdict_json(const FileVerdict& verdict) {
 }
 
 void list_codes(std::ostream& out) {
-    for (const ReadErrorRow& row : read_error_table()) {
-        out << row.name << ": error: " << row.meaning << '\n';
+    for (const auto& [code, info] : read_error_table()) {
+        out << info.name << ": error: " << info.meaning << '\n';
     }
     for (const CodeRow& row : code_table()) {
         out << row.name << (is_error(row.code) ? ": error: " : ": warning: ") << row.meaning << '\n';

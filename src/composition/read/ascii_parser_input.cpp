@@ -53,7 +53,8 @@ A_long ASCIIParser::Init(const Filename& name, int open_flag, int eol_is_token) 
         const bool empty = fileLength == 0;
         fail_at(*this, empty ? ReadErrorCode::empty_file : ReadErrorCode::file_too_large, {},
                 "a file of less than 2 GiB that is not empty",
-                empty ? "an empty file" : "a file of 2 GiB or more, or of no known length");
+                empty ? "an empty file" : "a file of 2 GiB or more, or of no known length",
+                empty ? nullptr : &limits::kCompositionFile);
         result = kCannotRead;
     } else {
         nextsym(0);

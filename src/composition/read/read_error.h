@@ -1,14 +1,12 @@
 #pragma once
 
+#include <cstdint>
 #include <span>
-#include <string>
-#include <vector>
 
-#include "composition/read/text_position.h"
+#include "diagnostic/code.h"
 
-/// Why a composition file was refused. Stable: tests, scripts and JSON rely on the names in
-/// read_error_table().
-enum class ReadErrorCode {
+/// Why a composition file was refused. Tests, scripts and JSON rely on the names in read_error_table().
+enum class ReadErrorCode : std::uint8_t {
     cannot_open,
     empty_file,
     file_too_large,
@@ -41,26 +39,7 @@ enum class ReadErrorCode {
     expected_section,
 };
 
-/// One code for people and scripts.
-struct ReadErrorRow {
-    ReadErrorCode code;
-    const char* name;     ///< stable, for JSON: lower case with hyphens
-    const char* meaning;  ///< one sentence: the rule that the file breaks
-};
-
 /// Every code, in the order of the enumeration.
-[[nodiscard]] std::span<const ReadErrorRow> read_error_table();
-/// The row of `code`.
-[[nodiscard]] const ReadErrorRow& read_error_row(ReadErrorCode code);
-
-/// The first failure in a composition file.
-struct ReadError {
-    ReadErrorCode code;
-    TextPosition at;                  ///< where the offending token begins
-    std::string expected;             ///< what would have been right: "a number after FPS"
-    std::string found;                ///< what was there: "\"abc\"", "the end of the file"
-    std::vector<std::string> within;  ///< blocks around it, outermost first: "composition \"Main\""
-
-    /// "expected a number after FPS, found "abc"". Bytes of the file are passed on as they are.
-    [[nodiscard]] std::string message() const { return "expected " + expected + ", found " + found; }
-};
+[[nodiscard]] std::span<const diagnostic::CodeRow<ReadErrorCode>> read_error_table();
+/// Name and meaning of `code`.
+[[nodiscard]] const diagnostic::CodeInfo& code_info(ReadErrorCode code);

@@ -9,6 +9,7 @@
 
 #include "composition/read/read_error.h"
 #include "composition/read/text_position.h"
+#include "diagnostic/diagnostic.h"
 
 /// Blocks that can be around a place in the file.
 enum class BlockKind { composition, camera, light, null_object };
@@ -56,8 +57,9 @@ class ReadObserver {
     ReadObserver(const ReadObserver&) = delete;
     ReadObserver& operator=(const ReadObserver&) = delete;
 
-    /// Reading stopped. Called at most once, and nothing after it.
-    virtual void on_failure(const ReadError& /*error*/) {}
+    /// Reading stopped: why, where (without the file's name) and inside which blocks. Called at most once, as
+    /// the last event.
+    virtual void on_failure(const diagnostic::Diagnostic& /*error*/) {}
     /// A keyword of the settings or of an object's block, before its values: FPS, LOCAL, KEY ...
     virtual void on_keyword(std::string_view /*keyword*/, const TextPosition& /*at*/) {}
     /// A value of that keyword, after it was converted and before its range is checked.

@@ -84,18 +84,25 @@ std::vector<std::string> names_of(const std::vector<ReadBlock>& blocks) {
 
 }  // namespace
 
-int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected) {
+int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected, const limits::Limit* limit) {
     if (p.Observer() == nullptr) {
         return 0;
     }
-    return fail_at(p, code_of(p.Cut(), code), p.TokenStart(), expected, found_token(p));
+    if (p.Cut() != TokenCut::none) {
+        limit = p.Cut() == TokenCut::word_too_long ? &limits::kWord : nullptr;
+    }
+    return fail_at(p, code_of(p.Cut(), code), p.TokenStart(), expected, found_token(p), limit);
 }
 
 int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, std::string_view expected,
-            std::string_view found) {
+            std::string_view found, const limits::Limit* limit) {
     if (ReadObserver* const observer = p.Observer()) {
-        observer->on_failure(
-            {code, at, std::string(expected), std::string(found), names_of(observer->blocks())});
+        diagnostic::Diagnostic error =
+            diagnostic::make(code, {{}, at.offset_bytes, at.line, at.column},
+                             "expected " + std::string(expected) + ", found " + std::string(found),
+                             names_of(observer->blocks()));
+        error.limit = limit;
+        observer->on_failure(error);
     }
     return 0;
 }

@@ -10,12 +10,14 @@
 // read.
 
 /// Tells that the current token is not what it had to be. A token that could not be finished is reported as
-/// that, whatever `code` says. Returns 0, the readers' failure.
-int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected);
+/// that, whatever `code` and `limit` say. Returns 0, the readers' failure.
+int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected,
+         const limits::Limit* limit = nullptr);
 
-/// The same about another place than the current token.
+/// Tells that `found` is not what had to be `at` this place. `limit` is the limit that the file exceeds, if
+/// that is the reason. Returns 0, the readers' failure.
 int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, std::string_view expected,
-            std::string_view found);
+            std::string_view found, const limits::Limit* limit = nullptr);
 
 /// A block begins with the current token, its keyword.
 void enter_block(const ASCIIParser& p, BlockKind kind);
