@@ -11,7 +11,7 @@
 
 #include "composition/read/read_error.h"
 #include "composition/read/read_observer.h"
-#include "composition/read/text_position.h"
+#include "composition/read/text_cursor.h"
 
 namespace cli {
 

@@ -78,9 +78,9 @@ int ASCIIParser::nextchar(char* out) {
     } else {
         const bool taken = TakeByte();
         // Deliberately also when there was no byte to take: the last line end is then counted once more.
-        const bool completes_pair = CountLine();
+        CountLine();
         if (taken) {
-            TrackPosition(completes_pair);
+            cursor_.pass(curChar);
         }
     }
     if (out != nullptr) {
@@ -103,51 +103,34 @@ bool ASCIIParser::TakeByte() {
     return true;
 }
 
-// Counts the line end that `curChar` may be; true when it completes a pair and so is part of the one before.
-bool ASCIIParser::CountLine() {
+// Counts the line end that `curChar` may be, unless it completes a pair and so is part of the one before.
+void ASCIIParser::CountLine() {
     if ((curChar == '\n' && lastEol == '\r') || (curChar == '\r' && lastEol == '\n')) {
         lastEol = 0;
-        return true;
+        return;
     }
     if (is(curChar, kLineEnd)) {
         CountUp(line);
     }
     lastEol = curChar;
-    return false;
 }
 
-// Moves char_position_ on to the byte just taken.
-void ASCIIParser::TrackPosition(bool completes_pair) {
-    if (line_ended_ && !completes_pair) {
-        ++char_position_.line;
-        char_position_.column = 0;
-    }
-    ++char_position_.offset_bytes;
-    ++char_position_.column;
-    line_ended_ = is(curChar, kLineEnd);
+// Delivers the bytes of the block up to `next`, the last of which is no line end, as so many calls of
+// nextchar do. `cursor` has passed them; `delivered_again` of their characters were pushed back in between.
+void ASCIIParser::MoveTo(const char* next, const TextCursor& cursor, std::int64_t delivered_again) {
+    CountUp(line, cursor.line_ends() - cursor_.line_ends());
+    CountUp(charCount, next - bufPos + delivered_again);
+    bufCount -= static_cast<A_long>(next - bufPos);
+    bufPos += next - bufPos;
+    curChar = lastEol = next[-1];
+    cursor_ = cursor;
 }
 
-// Delivers the bytes of the block up to `to`, at least one and none of them a line end, as so many calls of
-// nextchar do.
+// MoveTo for bytes none of which is a line end; at least one.
 void ASCIIParser::Advance(const char* to) {
-    const std::ptrdiff_t count = to - bufPos;
-    if (line_ended_) {
-        ++char_position_.line;
-        char_position_.column = 0;
-        line_ended_ = false;
-    }
-    char_position_.offset_bytes += count;
-    char_position_.column += count;
-    bufCount -= static_cast<A_long>(count);
-    bufPos += count;
-    curChar = lastEol = to[-1];
-    CountUp(charCount, count);
-}
-
-TextPosition ASCIIParser::PositionBehind() const {
-    const TextPosition& last = char_position_;
-    return line_ended_ ? TextPosition{last.offset_bytes + 1, last.line + 1, 1}
-                       : TextPosition{last.offset_bytes + 1, last.line, last.column + 1};
+    TextCursor cursor = cursor_;
+    cursor.pass_text(to - bufPos);
+    MoveTo(to, cursor, 0);
 }
 
 int ASCIIParser::skipspaces() {
@@ -220,10 +203,10 @@ A_long ASCIIParser::nextsym(int no_numbers) {
     sym = kTokenNone;
     cut_ = TokenCut::none;
     if (skipspaces() == 0) {
-        token_start_ = PositionBehind();
+        token_start_ = cursor_.next();
         return CutToken(TokenCut::end_of_input);
     }
-    token_start_ = char_position_;
+    token_start_ = cursor_.last();
     const char c = curChar;
     if (no_numbers == 0 && is(c, kBeginsNumber)) {
         return ReadWord(true);

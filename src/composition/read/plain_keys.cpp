@@ -16,135 +16,122 @@ bool is_line_end(char c) {
     return c == '\n' || c == '\r';
 }
 
-}  // namespace
+/// How far looking ahead has come.
+struct Ahead {
+    const char* next;         ///< the byte that comes next
+    TextCursor cursor;        ///< behind the byte before
+    std::int64_t tokens = 0;  ///< passed on the way
+};
 
-// Begins where the parser is.
-void PlainKeyReader::Begin() {
-    const ASCIIParser& p = p_;
-    block_ = p.block_begin_;
-    end_ = 0;
-    found_ = taken_ = {};
-    const std::ptrdiff_t next = p.bufPos - block_;
-    // A camera's key without a distance has had the word behind it read already.
-    key_is_read_ = p.rewound != 0;
-    const bool can_begin = p.status == 0 && (p.pushedBack != 0 || !p.line_ended_) &&
-                           (!key_is_read_ || (p.sym == kTokenIdentifier && Compare(p.text, "KEY") == 0)) &&
-                           p.textOnHeap == 0 && p.eolIsToken == 0 &&
-                           next > static_cast<std::ptrdiff_t>(plain_number::kBytesBefore);
-    if (!can_begin) {
-        return;
+/// Looks for entries of plain keys in a block of text.
+class KeyScan {
+  public:
+    /// The block ends before `end`. `key_read_at` is where the first KEY is if it has been read already,
+    /// otherwise null.
+    KeyScan(const char* end, const TextPosition* key_read_at) : end_(end), key_read_at_(key_read_at) {}
+
+    /// Moves `place` behind the next entry, which has at least `least` and at most `most` plain numbers, and
+    /// stores it in `key`. Returns false when anything else comes next; `place` then means nothing.
+    bool find(std::size_t least, std::size_t most, Ahead& place, PlainKey& key);
+    /// Whether the block ended inside an entry that had been plain so far.
+    [[nodiscard]] bool ran_out() const { return ran_out_; }
+
+  private:
+    [[nodiscard]] const char* skip_blanks(const char* at) const;
+    bool skip_to_word(Ahead& place);
+    bool find_word_key(Ahead& place, TextPosition& at);
+    std::size_t read_numbers(std::size_t most, Ahead& place, PlainKey& key);
+
+    const char* end_;
+    const TextPosition* key_read_at_;
+    bool ran_out_ = false;
+};
+
+const char* KeyScan::skip_blanks(const char* at) const {
+    while (at < end_ && is_blank(*at)) {
+        ++at;
     }
-    end_ = next + p.bufCount;
-    begin_ = next - 1;
-    found_.pending = p.pushedBack != 0 ? begin_ : next;
-    found_.line_begin = begin_ - (p.char_position_.column - 1);
-    begin_pair_may_follow_ = p.lastEol == p.curChar;
-    taken_ = found_;
+    return at;
 }
 
-// Moves `place` to the first character of a word behind blanks and at most one line end. False at anything
-// else.
-bool PlainKeyReader::SkipToWord(Place& place) {
-    std::ptrdiff_t at = place.pending;
-    while (at < end_ && is_blank(block_[at])) {
+// Moves `place` to the first character of a word, past blanks and at most one line end. Returns false at
+// anything else.
+bool KeyScan::skip_to_word(Ahead& place) {
+    const char* at = skip_blanks(place.next);
+    place.cursor.pass_text(at - place.next);
+    if (at < end_ && is_line_end(*at)) {
+        const char first = *at;
+        place.cursor.pass_line_end(first);
         ++at;
-    }
-    if (at < end_ && is_line_end(block_[at])) {
-        const bool pair_may_follow = at != begin_ || begin_pair_may_follow_;
-        const char first = block_[at];
-        ++at;
-        if (at < end_ && is_line_end(block_[at]) && block_[at] != first && pair_may_follow) {
+        if (at < end_ && is_line_end(*at) && *at != first) {
+            place.cursor.pass_line_end(*at);
             ++at;
         }
-        ++place.lines;
-        place.line_begin = at;
-        while (at < end_ && is_blank(block_[at])) {
-            ++at;
-        }
+        const char* const word = skip_blanks(at);
+        place.cursor.pass_text(word - at);
+        at = word;
     }
-    const bool moved = at != place.pending;
-    place.pending = at;
+    const bool moved = at != place.next;
+    place.next = at;
     ran_out_ = at == end_;
     return moved && !ran_out_;
 }
 
-// Moves found_ behind the word KEY. False when that does not come next.
-bool PlainKeyReader::FindKey(TextPosition& at) {
-    if (key_is_read_) {
-        key_is_read_ = false;
-        at = p_.token_start_;
-        return end_ != 0;
+// Moves `place` behind the word KEY. Returns false when another word comes next.
+bool KeyScan::find_word_key(Ahead& place, TextPosition& at) {
+    if (key_read_at_ != nullptr) {
+        at = *key_read_at_;
+        key_read_at_ = nullptr;
+        return true;
     }
     constexpr std::ptrdiff_t kWordBytes = 3;
-    if (end_ == 0 || !SkipToWord(found_)) {
+    if (!skip_to_word(place)) {
         return false;
     }
-    const std::ptrdiff_t bytes = std::min(end_ - found_.pending, kWordBytes);
-    if (std::memcmp(block_ + found_.pending, "KEY", static_cast<std::size_t>(bytes)) != 0) {
+    const std::ptrdiff_t bytes = std::min(end_ - place.next, kWordBytes);
+    if (std::memcmp(place.next, "KEY", static_cast<std::size_t>(bytes)) != 0) {
         return false;
     }
-    if (end_ - found_.pending <= kWordBytes) {
+    if (end_ - place.next <= kWordBytes) {
         ran_out_ = true;
         return false;
     }
-    at = {p_.char_position_.offset_bytes + (found_.pending - begin_), p_.char_position_.line + found_.lines,
-          found_.pending - found_.line_begin + 1};
-    found_.pending += kWordBytes;
-    ++found_.tokens;
+    at = place.cursor.next();
+    place.cursor.pass_text(kWordBytes);
+    place.next += kWordBytes;
+    ++place.tokens;
     return true;
 }
 
-bool PlainKeyReader::Next(std::size_t least, std::size_t most, PlainKey& key) {
-    if (NextInBlock(least, most, key)) {
-        return true;
-    }
-    if (!ran_out_) {
-        return false;
-    }
-    // Token by token it would be read beyond the end of the block as well.
-    Finish();
-    const bool joined = p_.JoinNextBlock();
-    Begin();
-    return joined && NextInBlock(least, most, key);
-}
-
-bool PlainKeyReader::NextInBlock(std::size_t least, std::size_t most, PlainKey& key) {
+bool KeyScan::find(std::size_t least, std::size_t most, Ahead& place, PlainKey& key) {
     ran_out_ = false;
-    if (!FindKey(key.at)) {
+    if (!find_word_key(place, key.at)) {
         return false;
     }
-    key.count = ReadNumbers(most, key);
+    key.count = read_numbers(most, place, key);
     if (ran_out_ || key.count < least) {
         return false;
     }
-    if (key.count == most && is_line_end(block_[found_.pending])) {
+    if (key.count == most && is_line_end(*place.next)) {
         return true;
     }
-    // A further number may stand behind blanks or on the next line: a letter or brace there says that it does
-    // not.
-    Place behind = found_;
-    return SkipToWord(behind) && block_[behind.pending] >= 'A';
+    // Another number may follow after blanks or on the next line: a letter or brace there rules that out.
+    Ahead behind = place;
+    return skip_to_word(behind) && *behind.next >= 'A';
 }
 
-// Reads the frame and up to `most` - 1 other numbers behind found_.pending and moves it to the byte behind
-// the last one. Returns how many.
-std::size_t PlainKeyReader::ReadNumbers(std::size_t most, PlainKey& key) {
-    const char* const limit = block_ + end_;
-    const char* end = block_ + found_.pending;  // of the word before
+// Reads the frame and up to `most` - 1 other numbers and moves `place` to the byte behind the last one.
+// Returns how many numbers there are.
+std::size_t KeyScan::read_numbers(std::size_t most, Ahead& place, PlainKey& key) {
+    const char* end = place.next;  // of the word before
     std::size_t count = 0;
     plain_number::Found number;
-    const auto next_word = [&] {
-        const char* at = end;
-        while (at < limit && is_blank(*at)) {
-            ++at;
-        }
-        return at;
-    };
-    if (limit - end > plain_number::kShortBytes && is_blank(*end)) {
+    const auto next_word = [&] { return skip_blanks(end); };
+    if (end_ - end > plain_number::kShortBytes && is_blank(*end)) {
         number.behind = plain_number::find_short_integer(end + 1, key.frame);
     }
     if (number.behind == nullptr && is_blank(*end)) {
-        number = plain_number::find_number(next_word(), limit, plain_number::read_integer, key.frame);
+        number = plain_number::find_number(next_word(), end_, plain_number::read_integer, key.frame);
     }
     float* value = key.others.data();
     while (number.behind != nullptr) {
@@ -153,73 +140,86 @@ std::size_t PlainKeyReader::ReadNumbers(std::size_t most, PlainKey& key) {
         if (count == most || !is_blank(*end)) {
             break;
         }
-        if (limit - end > plain_number::kShortBytes) {
+        if (end_ - end > plain_number::kShortBytes) {
             number.behind = plain_number::find_short_real(end + 1, *value);
         } else {
             number.behind = nullptr;
         }
         if (number.behind == nullptr) {
-            number = plain_number::find_number(next_word(), limit, plain_number::read_real, *value);
+            number = plain_number::find_number(next_word(), end_, plain_number::read_real, *value);
         }
         ++value;
     }
     ran_out_ = number.cut;
-    found_.pending = end - block_;
-    found_.tokens += static_cast<std::int64_t>(count);
+    place.cursor.pass_text(end - place.next);
+    place.next = end;
+    place.tokens += static_cast<std::int64_t>(count);
     return count;
 }
 
-void PlainKeyReader::Take() {
-    taken_ = found_;
+}  // namespace
+
+bool ASCIIParser::CanLookAhead() const {
+    const bool key_or_nothing_rewound =
+        rewound == 0 || (sym == kTokenIdentifier && Compare(text, "KEY") == 0);
+    // A line end that was pushed back is passed once more, so it must not be the second half of a pair.
+    const bool at_blank = pushedBack != 0 ? lastEol == curChar : !cursor_.at_line_end();
+    return status == 0 && eolIsToken == 0 && textOnHeap == 0 && key_or_nothing_rewound && at_blank &&
+           bufPos - block_begin_ > static_cast<std::ptrdiff_t>(plain_number::kBytesBefore);
 }
 
-void PlainKeyReader::Finish() {
-    if (taken_.tokens == 0) {
+void ASCIIParser::ReadPlainKeys(std::size_t least, std::size_t most, PlainKeySink& sink) {
+    PlainKey key;
+    bool more = true;
+    while (more && CanLookAhead()) {
+        Ahead taken = {bufPos - pushedBack, cursor_};
+        taken.cursor.step_back(pushedBack);
+        KeyScan scan(bufPos + bufCount, rewound != 0 ? &token_start_ : nullptr);
+        bool found = true;
+        while (found) {
+            Ahead place = taken;
+            found = scan.find(least, most, place, key);
+            more = found ? sink.take(key) : scan.ran_out();
+            found = found && more;
+            if (found) {
+                taken = place;
+            }
+        }
+        TakeTokens(taken.next, taken.cursor, taken.tokens);
+        // Where the block ran out, nextsym would read beyond its end as well.
+        more = more && JoinNextBlock();
+    }
+}
+
+// Makes everything up to `next`, the byte behind the last of `tokens` numbers of keys, the past. `cursor` is
+// behind that number.
+void ASCIIParser::TakeTokens(const char* next, TextCursor cursor, std::int64_t tokens) {
+    if (tokens == 0) {
         return;
     }
-    // The texts of the last two tokens, where nextsym would have left them.
-    const auto begin_of = [this](std::ptrdiff_t end) {
-        while (end > 0 && !is_blank(block_[end - 1])) {
-            --end;
+    // The last two tokens are left to nextsym: it then leaves their texts and places where they belong.
+    constexpr std::int64_t kTokensLeft = 2;
+    const char* behind = next;
+    for (std::int64_t i = 0; i < kTokensLeft; ++i) {
+        while (!is_blank(behind[-1])) {
+            --behind;
         }
-        return end;
-    };
-    const auto keep = [this](char* to, std::ptrdiff_t begin, std::ptrdiff_t end) {
-        const auto length = static_cast<std::size_t>(end - begin);
-        std::memcpy(to, block_ + begin, length);
-        to[length] = '\0';
-    };
-    char* const own = p_.text == p_.textB ? p_.textB : p_.textA;
-    char* const other = p_.text == p_.textB ? p_.textA : p_.textB;
-    p_.text = taken_.tokens % 2 == 0 ? own : other;
-    const std::ptrdiff_t last = begin_of(taken_.pending);
-    keep(p_.text, last, taken_.pending);
-    std::ptrdiff_t before = last;
-    while (is_blank(block_[before - 1])) {
-        --before;
+        while (is_blank(behind[-1])) {
+            --behind;
+        }
     }
-    keep(p_.text == own ? other : own, begin_of(before), before);
-    p_.rewound = 0;
-    p_.sym = kTokenNumber;
-    p_.cut_ = TokenCut::none;
-    // Everything up to the byte behind the last number ...
-    const bool counted = is_line_end(block_[begin_]);
-    ASCIIParser::CountUp(p_.line, taken_.lines - (counted && taken_.lines > 0 ? 1 : 0));
-    p_.char_position_ = {p_.char_position_.offset_bytes + (taken_.pending - 1 - begin_),
-                         p_.char_position_.line + taken_.lines, taken_.pending - taken_.line_begin};
-    p_.token_start_ = p_.char_position_;
-    p_.token_start_.offset_bytes -= taken_.pending - last - 1;
-    p_.token_start_.column -= taken_.pending - last - 1;
-    p_.line_ended_ = false;
-    p_.curChar = p_.lastEol = block_[taken_.pending - 1];
-    p_.bufPos += taken_.pending - begin_ - 1;
-    p_.bufCount = static_cast<A_long>(end_ - taken_.pending);
-    // Of each token two characters are delivered twice: its first, and the one before it if that was pushed
-    // back.
-    const std::int64_t twice = 2 * taken_.tokens - (p_.pushedBack != 0 ? 0 : 1);
-    ASCIIParser::CountUp(p_.charCount, taken_.pending - 1 - begin_ + twice);
-    // ... and that byte, which may be a line end.
-    p_.pushedBack = 0;
-    p_.nextchar(nullptr);
-    p_.pushedBack = 1;
+    const char* const next_left = behind + 1;  // the blank behind the token before is read with that token
+    cursor.step_back(next - next_left);
+    // Of each token two characters are delivered twice: its first one, and the one before it if that was
+    // pushed back.
+    const std::int64_t taken = tokens - kTokensLeft;
+    MoveTo(next_left, cursor, 2 * taken - (pushedBack != 0 ? 0 : 1));
+    pushedBack = 1;
+    rewound = 0;
+    if (taken % 2 != 0) {
+        text = text == textB ? textA : textB;
+    }
+    for (std::int64_t i = 0; i < kTokensLeft; ++i) {
+        nextsym(0);
+    }
 }

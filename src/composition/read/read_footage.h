@@ -4,7 +4,7 @@
 #include <optional>
 
 #include "composition/read/read_error.h"
-#include "composition/read/text_position.h"
+#include "composition/read/text_cursor.h"
 
 class ASCIIParser;
 class CFileItem;

@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "composition/read/read_error.h"
-#include "composition/read/text_position.h"
+#include "composition/read/text_cursor.h"
 #include "diagnostic/diagnostic.h"
 
 /// Blocks that can be around a place in the file.

@@ -50,38 +50,49 @@ int read_head(ASCIIParser& p, CSceneObject& object, BlockKind kind) {
                                            : fail(p, ReadErrorCode::expected_block, "\"{\" behind the name");
 }
 
-// Reads KEY entries for as long as the fast reader takes them. Returns 0 when out of memory, with KEY as the
-// current token.
+// Adds the keys that are read as a whole to an object, and tells the observer of them.
+class KeyframeSink final : public PlainKeySink {
+  public:
+    KeyframeSink(CSceneObject& object, ReadObserver* observer) : object_(object), observer_(observer) {}
+
+    bool take(const PlainKey& read) override {
+        tagKeyFrame* const key = object_.AddKeyframe();
+        fits_ = key != nullptr;
+        if (!fits_) {
+            return false;
+        }
+        key->frame = read.frame;
+        std::copy_n(read.others.begin(), 3, key->position);
+        std::copy_n(read.others.begin() + 3, 3, key->rotation);
+        if (read.count >= kCameraKey.least) {
+            key->fov = read.others[6];
+        }
+        if (read.count == kCameraKey.most) {
+            key->targetDistance = read.others[7];
+        }
+        if (observer_ != nullptr) {
+            observer_->on_plain_key(read.at, read.frame, std::span(read.others).first(read.count - 1));
+        }
+        return true;
+    }
+    [[nodiscard]] bool fits() const { return fits_; }
+
+  private:
+    CSceneObject& object_;
+    ReadObserver* observer_;
+    bool fits_ = true;
+};
+
+// Reads KEY entries for as long as they are plain. Returns 0 when out of memory, with KEY as the current
+// token.
 int read_plain_keys(ASCIIParser& p, CSceneObject& object, const KeyNumbers& numbers) {
     ReadObserver* const observer = p.Observer();
     if (observer != nullptr && !observer->takes_plain_keys()) {
         return 1;
     }
-    PlainKeyReader reader(p);
-    PlainKey read;
-    tagKeyFrame* key = nullptr;
-    bool fits = true;
-    while (fits && reader.Next(numbers.least, numbers.most, read)) {
-        key = object.AddKeyframe();
-        fits = key != nullptr;
-        if (fits) {
-            key->frame = read.frame;
-            std::copy_n(read.others.begin(), 3, key->position);
-            std::copy_n(read.others.begin() + 3, 3, key->rotation);
-            if (read.count >= kCameraKey.least) {
-                key->fov = read.others[6];
-            }
-            if (read.count == kCameraKey.most) {
-                key->targetDistance = read.others[7];
-            }
-            if (observer != nullptr) {
-                observer->on_plain_key(read.at, read.frame, std::span(read.others).first(read.count - 1));
-            }
-            reader.Take();
-        }
-    }
-    reader.Finish();
-    if (!fits) {
+    KeyframeSink sink(object, observer);
+    p.ReadPlainKeys(numbers.least, numbers.most, sink);
+    if (!sink.fits()) {
         p.nextsym(0);
         return fail(p, ReadErrorCode::out_of_memory, "a keyframe that fits into memory");
     }

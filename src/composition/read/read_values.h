@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "composition/read/text_position.h"
+#include "composition/read/text_cursor.h"
 #include "host/host_interface.h"
 
 class ASCIIParser;
