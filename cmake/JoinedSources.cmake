@@ -1,19 +1,21 @@
-# With VXR_JOINED several sources are compiled at a time: most of the time of each goes into the headers of libraries.
+# With VXR_JOINED, several sources are compiled as one: most of the compile time of each goes into library headers.
 
-# Twenty-four: with eight the tools took twice as long, as each set has the libraries' templates anew.
+# Sources per joined file. With eight the tools took twice as long, because every joined file instantiates the
+# libraries' templates again.
 set(VXR_JOINED_SOURCES 24)
 
-# vxr_joined(TARGET): for targets whose sources can simply be put behind each other: what stands in their unnamed
-# namespaces has different names.
+# vxr_joined(TARGET): joins the sources of a library by concatenation, so names in their unnamed namespaces must
+# differ within one target.
 function(vxr_joined target)
     if(VXR_JOINED)
         set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE ${VXR_JOINED_SOURCES})
     endif()
 endfunction()
 
-# vxr_joined_tests(NAME SOURCES RESULT): sets RESULT to the SOURCES of the program NAME, joined where that can be. In
-# tests the same names return, `Case` above all, so each gets a namespace of its own. What it includes is read before,
-# outside; inside, its include guards keep it from being read again. Sources that others link with keep their names.
+# vxr_joined_tests(NAME SOURCES RESULT): sets RESULT to the SOURCES of the test program NAME, with its *_test.cpp files
+# joined. Tests reuse names such as `Case`, so each file is put into a namespace of its own; its includes are read
+# before that, at global scope, and `#pragma once` skips them inside. Support files are not joined: other sources link
+# against their names.
 function(vxr_joined_tests name sources result)
     if(VXR_JOINED)
         set(tests ${sources})
