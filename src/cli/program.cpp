@@ -9,7 +9,7 @@
 #include "cli/options.h"
 #include "cli/report/diagnostic.h"
 #include "cli/verbs.h"
-#include "embedded/image_probe.h"
+#include "image/image.h"
 
 namespace cli {
 namespace {
@@ -17,12 +17,6 @@ namespace {
 constexpr const char* kProgram = "vxr";
 constexpr const char* kSummary =
     "VORTAN XR composition files and Texalon textures, without a host application";
-
-/// What a build without an image library cannot do; empty with one.
-std::string image_note() {
-    const std::string note = embedded::image_library_note();
-    return note.empty() ? note : note + " Of image formats it writes TGA alone.";
-}
 
 /// The program's verbs with their options declared, ready to parse one command line.
 class CommandLine {
@@ -86,7 +80,7 @@ class CommandLine {
                           {"Results go to the standard output, what is said about them to the standard "
                            "error stream. `vxr VERB --help` says more about a verb."},
                           verb_entries({}), options);
-        if (std::string note = image_note(); !note.empty()) {
+        if (std::string note = image::build_note(); !note.empty()) {
             page.paragraphs.push_back(std::move(note));
         }
         for (const Verb& verb : verbs()) {

@@ -4,8 +4,8 @@
 #include <limits>
 #include <utility>
 
-#include "embedded/image_probe.h"
 #include "embedded/module_driver.h"
+#include "image/image.h"
 
 namespace embedded {
 namespace {
@@ -121,20 +121,19 @@ Id make_file_footage(Session& session, const std::string& path,
         return make_module_footage(session, *module, path);
     }
 
-    std::string error;
-    const auto facts = probe_image(path, error);
-    if (!facts) {
+    const std::optional<image::Header> header = image::probe(path).header;
+    if (!header) {
         throw Refusal{kHostErrorGeneric};
     }
     Footage made;
     made.path = path;
     made.name = file_name(path);
-    made.width = facts->width_px;
-    made.height = facts->height_px;
-    made.channels = facts->channels;
-    made.bits_per_channel = facts->bits_per_channel;
-    made.has_alpha = facts->has_alpha;
-    made.alpha_premultiplied = facts->alpha_premultiplied;
+    made.width = header->width_px;
+    made.height = header->height_px;
+    made.channels = header->channels;
+    made.bits_per_channel = header->bits_per_channel;
+    made.has_alpha = header->has_alpha;
+    made.alpha_premultiplied = header->alpha_premultiplied;
     made.duration = {0, kImportRate_fps};
     if (sequence) {
         made.kind = FootageKind::sequence;

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "embedded/bundle_side.h"
-#include "embedded/image_probe.h"
+#include "image/image.h"
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
 
@@ -181,9 +181,10 @@ TEST(Footage, ThatCannotBeReadIsRefused) {
         EXPECT_EQ(make(bundle, c.path), kHostErrorGeneric);
         EXPECT_TRUE(bundle.host.project().footage.empty());
         EXPECT_TRUE(bundle.host.discipline().clean()) << "the file is bad, not the argument";
-        std::string error;
-        EXPECT_FALSE(embedded::probe_image(c.path, error).has_value());
-        EXPECT_FALSE(error.empty());
+        const image::Probe probe = image::probe(c.path);
+        EXPECT_FALSE(probe.header.has_value());
+        ASSERT_TRUE(probe.error.has_value());
+        EXPECT_FALSE(probe.error->reason.empty());
     }
 }
 

@@ -5,8 +5,8 @@
 
 #include "cli/report/limit_words.h"
 #include "cli/scene/scene_check.h"
-#include "embedded/image_probe.h"
 #include "embedded/sequence.h"
+#include "image/image.h"
 #include "system/files.h"
 #include "text/ascii.h"
 #include "texture/file/base_file.h"
@@ -108,11 +108,11 @@ std::string reading_obstacle(const std::string& path) {
         return error->limit == nullptr ? error->reason : error->reason + "; " + limit_text(*error->limit);
     }
     // Nothing is wrong with the picture then.
-    if (const std::string problem = embedded::image_library_problem(); !problem.empty()) {
+    if (const std::string problem = image::library_problem(); !problem.empty()) {
         throw std::runtime_error(problem);
     }
-    std::string error;
-    return embedded::probe_image(path, error) ? std::string() : error;
+    const image::Probe probe = image::probe(path);
+    return probe.error.has_value() ? probe.error->reason : std::string();
 }
 
 void check_readable(const SceneFootage& footage, WarningList& warnings) {

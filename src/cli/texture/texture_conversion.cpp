@@ -9,9 +9,9 @@
 #include <utility>
 
 #include "cli/texture/texture_diagnostics.h"
-#include "system/replacement_file.h"
 #include "system/files.h"
 #include "system/input_file.h"
+#include "system/replacement_file.h"
 #include "text/ascii.h"
 #include "texture/value/texture_file.h"
 
@@ -25,31 +25,71 @@ bool begins_as_texture_file(const std::string& path) {
            begins_as_texture(std::span(start).first(std::fread(start.data(), 1, start.size(), file.get())));
 }
 
-ImageReading read_any(const std::string& path, const ConversionOptions& options) {
+struct Input {
+    std::optional<Texture> texture;
+    std::vector<Diagnostic> diagnostics;  // the error first, if there is one
+    ExitCode code = ExitCode::fine;
+};
+
+struct Refusal {
+    Diagnostic error;
+    ExitCode code;
+};
+
+Diagnostic image_diagnostic(const diagnostic::Diagnostic& one) {
+    const bool warning = one.severity() == diagnostic::Severity::warning;
+    return (warning ? warn : fail)(one.code.name(), {one.at.file}, one.reason, {});
+}
+
+Input read_image(const std::string& path, image::AlphaBytes alpha_bytes) {
+    image::Reading reading = image::read(path, alpha_bytes);
+    Input input;
+    for (const diagnostic::Diagnostic& one : reading.diagnostics) {
+        input.diagnostics.push_back(image_diagnostic(one));
+    }
+    if (!reading.texture.has_value()) {
+        input.code = image_exit_code(reading.diagnostics.front());
+    }
+    input.texture = std::move(reading.texture);
+    return input;
+}
+
+Input read_any(const std::string& path, const ConversionOptions& options) {
     if (!has_texture_extension(path) && !begins_as_texture_file(path)) {
-        return read_image_file(path, options.alpha_bytes);
+        return read_image(path, options.alpha_bytes);
     }
     TextureReading reading = read_texture(path);
     return {std::move(reading.texture), texture_diagnostics(reading, path), texture_exit_code(reading)};
 }
 
-ImageWriting write_texture_file(const std::string& path, const Texture& texture) {
+std::optional<Refusal> write_texture_file(const std::string& path, const Texture& texture) {
     std::string reason;
     std::optional<os::ReplacementFile> file = os::ReplacementFile::create(path, reason);
     if (!file.has_value()) {
-        return {fail("cannot-open", {path}, reason), ExitCode::cannot_read_or_write};
+        return Refusal{fail("cannot-open", {path}, reason), ExitCode::cannot_read_or_write};
     }
     if (const std::optional<TextureError> error = write_texture(file->temporary_path(), texture);
         error.has_value()) {
         // A transfer that was too short is a full disk here.
         const ExitCode code = error->code == TextureFault::short_transfer ? ExitCode::cannot_read_or_write
                                                                           : texture_exit_code(*error);
-        return {texture_error(*error, path), code};
+        return Refusal{texture_error(*error, path), code};
     }
     if (!file->put_in_place(reason)) {
-        return {fail("not-written", {path}, reason), ExitCode::cannot_read_or_write};
+        return Refusal{fail("not-written", {path}, reason), ExitCode::cannot_read_or_write};
     }
-    return {};
+    return std::nullopt;
+}
+
+std::optional<Refusal> write_any(const std::string& path, const Texture& texture,
+                                 image::AlphaBytes alpha_bytes) {
+    if (has_texture_extension(path)) {
+        return write_texture_file(path, texture);
+    }
+    if (const auto error = image::write(path, texture, alpha_bytes)) {
+        return Refusal{image_diagnostic(*error), image_exit_code(*error)};
+    }
+    return std::nullopt;
 }
 
 /// Why the choice cannot be made; empty when it was.
@@ -80,22 +120,19 @@ void refuse(Conversion& conversion, ExitCode code, Diagnostic error) {
 }
 
 void convert(Conversion& conversion, const ConversionOptions& options) {
-    ImageReading reading = read_any(conversion.input, options);
-    conversion.code = reading.code;
-    conversion.diagnostics = std::move(reading.diagnostics);
-    if (!reading.texture.has_value()) {
+    Input input = read_any(conversion.input, options);
+    conversion.code = input.code;
+    conversion.diagnostics = std::move(input.diagnostics);
+    if (!input.texture.has_value()) {
         return;
     }
-    Texture& texture = *reading.texture;
+    Texture& texture = *input.texture;
     if (std::string reason = choose_alphas(texture, options.alpha); !reason.empty()) {
         refuse(conversion, ExitCode::refused, fail("no-such-alpha", {conversion.input}, std::move(reason)));
         return;
     }
-    ImageWriting writing = has_texture_extension(conversion.output)
-                               ? write_texture_file(conversion.output, texture)
-                               : write_image_file(conversion.output, texture, options.alpha_bytes);
-    if (writing.error.has_value()) {
-        refuse(conversion, writing.code, std::move(*writing.error));
+    if (auto refusal = write_any(conversion.output, texture, options.alpha_bytes)) {
+        refuse(conversion, refusal->code, std::move(refusal->error));
         return;
     }
     conversion.size = texture_size_text(texture);
@@ -135,6 +172,12 @@ Conversion convert_texture(const std::string& input, const std::string& output,
         refuse(conversion, ExitCode::cannot_read_or_write, fail("gave-up", {input}, failure.what()));
     }
     return conversion;
+}
+
+ExitCode image_exit_code(const diagnostic::Diagnostic& error) {
+    const bool prevented = error.code == image::Code::cannot_open || error.code == image::Code::not_written ||
+                           error.code == image::Code::gave_up;
+    return prevented ? ExitCode::cannot_read_or_write : ExitCode::refused;
 }
 
 bool has_texture_extension(const std::string& path) {

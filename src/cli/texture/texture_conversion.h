@@ -8,7 +8,8 @@
 
 #include "cli/exit_codes.h"
 #include "cli/report/diagnostic.h"
-#include "cli/texture/image_file.h"
+#include "diagnostic/diagnostic.h"
+#include "image/image.h"
 
 namespace cli {
 
@@ -24,7 +25,7 @@ std::optional<AlphaChoice> parse_alpha_choice(std::string_view text);
 
 struct ConversionOptions {
     AlphaChoice alpha;
-    AlphaBytes alpha_bytes = AlphaBytes::kept;
+    image::AlphaBytes alpha_bytes = image::AlphaBytes::kept;
 };
 
 /// What came of one file.
@@ -41,6 +42,9 @@ struct Conversion {
 /// exception out. Safe to call from several threads for different outputs.
 Conversion convert_texture(const std::string& input, const std::string& output,
                            const ConversionOptions& options);
+
+/// cannot_read_or_write for what the file system prevents, refused for everything else.
+ExitCode image_exit_code(const diagnostic::Diagnostic& error);
 
 /// Whether `path` ends in ".txl", letters of either case.
 bool has_texture_extension(const std::string& path);

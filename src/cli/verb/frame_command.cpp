@@ -14,7 +14,8 @@
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic.h"
 #include "cli/terminal/terminal.h"
-#include "cli/texture/image_file.h"
+#include "cli/texture/texture_conversion.h"
+#include "image/image.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -65,7 +66,7 @@ class FrameCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
-        if (!writes_image_format(output_)) {
+        if (!image::can_write(output_)) {
             throw UsageError("no image format has the extension of " + output_);
         }
         embedded::Host host(host_of_kind(host_));
@@ -88,10 +89,10 @@ class FrameCommand : public Command {
 
   private:
     void write(FrameRun& frame) const {
-        const ImageWriting written = write_image_file(output_, *frame.frame, AlphaBytes::kept);
-        if (written.error.has_value()) {
-            frame.code = most_serious(frame.code, written.code);
-            frame.problems.push_back(written.error->reason);
+        const auto error = image::write(output_, *frame.frame, image::AlphaBytes::kept);
+        if (error.has_value()) {
+            frame.code = most_serious(frame.code, image_exit_code(*error));
+            frame.problems.push_back(error->reason);
             frame.frame.reset();
         }
     }

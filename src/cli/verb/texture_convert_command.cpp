@@ -21,6 +21,7 @@
 #include "cli/texture/texture_conversion.h"
 #include "cli/texture/texture_diagnostics.h"
 #include "embedded/json_values.h"
+#include "image/image.h"
 #include "system/files.h"
 #include "text/printable.h"
 
@@ -98,7 +99,7 @@ class TextureConvertCommand : public Command {
             fs::create_directories(os::native_path(out_dir_));
         }
         const ConversionOptions options{*parse_alpha_choice(alpha_),
-                                        convert_alpha_ ? AlphaBytes::converted : AlphaBytes::kept};
+                                        convert_alpha_ ? image::AlphaBytes::converted : image::AlphaBytes::kept};
         const bool bar_wanted = terminal.live && is_terminal(1) && !json_ && inputs_.size() > 1;
         ProgressBar bar(terminal, inputs_.size(), bar_wanted);
         Json documents = Json::array();
@@ -153,7 +154,7 @@ class TextureConvertCommand : public Command {
         std::map<std::string, std::string> input_of;  // of each output
         for (const std::string& input : inputs_) {
             const std::string output = output_.empty() ? name_for(input) : output_;
-            if (!has_texture_extension(output) && !writes_image_format(output)) {
+            if (!has_texture_extension(output) && !image::can_write(output)) {
                 throw UsageError("no image format has the extension of " + output);
             }
             std::error_code none;

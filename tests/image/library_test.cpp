@@ -134,10 +134,16 @@ TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheSystemsReason) {
 
 TEST(ImageLibrary, OfAnotherVersionIsReportedWithWhatItLacks) {
     const MovedProgram moved;
-    fs::copy_file(VXR_UNRULY_BUNDLE, os::places_beside(moved.program(), kModule).back());
-    const ProcessResult run = moved.run({"check", kScene});
+    const fs::path place = os::places_beside(moved.program(), kModule).back();
+    fs::copy_file(VXR_BUNDLE_PATH, place);
+    ProcessResult run = moved.run({"check", kScene});
     EXPECT_EQ(run.exit_code, 3);
-    EXPECT_THAT(run.err, HasSubstr(kModule + " has no function vxr_probe_image"));
+    EXPECT_THAT(run.err, HasSubstr(kModule + " has no function vxr_image_functions"));
+
+    fs::copy_file(VXR_NEWER_MODULE, place, fs::copy_options::overwrite_existing);
+    run = moved.run({"check", kScene});
+    EXPECT_EQ(run.exit_code, 3);
+    EXPECT_THAT(run.err, HasSubstr(kModule + " has version 1000 of its functions"));
 }
 
 }  // namespace

@@ -1,16 +1,18 @@
-#include "embedded/image_header.h"
+#include "image/built_in_header.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdint>
 #include <string_view>
 
-namespace embedded {
+#include "text/ascii.h"
+
+namespace image {
 namespace {
 
 enum class Order { big, little };
 
-/// Numbers at places of a file. What lies behind its end reads as 0, and is remembered.
+/// Reads numbers from a file. Bytes past its end read as 0; `cut_off` then returns true.
 class HeaderBytes {
   public:
     explicit HeaderBytes(const ReadAt& read_at) : read_at_(read_at) {}
@@ -53,29 +55,28 @@ class HeaderBytes {
     bool cut_off_ = false;
 };
 
-using Facts = std::optional<ImageFacts>;
+using FoundHeader = std::optional<Header>;
 
-Facts sized(std::int64_t width, std::int64_t height, int channels, int bits, const char* format) {
+FoundHeader sized(std::int64_t width, std::int64_t height, int channels, int bits) {
     constexpr std::int64_t kLargest_px = 0x7FFFFFFF;
     if (width < 1 || height < 1 || width > kLargest_px || height > kLargest_px || channels < 1) {
         return std::nullopt;
     }
-    ImageFacts facts;
-    facts.width_px = static_cast<int>(width);
-    facts.height_px = static_cast<int>(height);
-    facts.channels = channels;
-    facts.bits_per_channel = bits;
-    facts.format = format;
-    return facts;
+    Header header;
+    header.width_px = static_cast<int>(width);
+    header.height_px = static_cast<int>(height);
+    header.channels = channels;
+    header.bits_per_channel = bits;
+    return header;
 }
 
-Facts png(HeaderBytes& file) {
+FoundHeader png(HeaderBytes& file) {
     const int depth = file.u8(24);
     const int type = file.u8(25);
     constexpr int kPalette = 1;
     constexpr int kColour = 2;
     constexpr int kAlpha = 4;
-    // Palettes are looked up, and a transparent colour becomes an alpha channel.
+    // The library expands palettes to RGB and turns a transparent colour into an alpha channel.
     bool alpha = (type & kAlpha) != 0;
     constexpr std::uint64_t kFirstChunk = 8;
     constexpr int kMostChunks = 1000;
@@ -89,14 +90,14 @@ Facts png(HeaderBytes& file) {
         at += 12 + std::uint64_t{file.u32(at)};
     }
     const int colours = (type & (kPalette | kColour)) != 0 ? 3 : 1;
-    Facts facts = sized(file.u32(16), file.u32(20), colours + (alpha ? 1 : 0), depth == 16 ? 16 : 8, "png");
-    if (facts) {
-        facts->has_alpha = alpha;
+    FoundHeader header = sized(file.u32(16), file.u32(20), colours + (alpha ? 1 : 0), depth == 16 ? 16 : 8);
+    if (header) {
+        header->has_alpha = alpha;
     }
-    return facts;
+    return header;
 }
 
-Facts jpeg(HeaderBytes& file) {
+FoundHeader jpeg(HeaderBytes& file) {
     std::uint64_t at = 2;
     constexpr int kMostSegments = 10000;
     for (int i = 0; i < kMostSegments && !file.cut_off(); ++i) {
@@ -105,12 +106,12 @@ Facts jpeg(HeaderBytes& file) {
         }
         const int marker = file.u8(at + 1);
         if (marker == 0xFF) {
-            ++at;  // a filling byte
+            ++at;  // a fill byte
             continue;
         }
-        // Beginnings of frames; the three left out are tables.
+        // The markers that start a frame; the three excluded ones are tables.
         if (marker >= 0xC0 && marker <= 0xCF && marker != 0xC4 && marker != 0xC8 && marker != 0xCC) {
-            return sized(file.u16(at + 7), file.u16(at + 5), file.u8(at + 9) == 1 ? 1 : 3, 8, "jpeg");
+            return sized(file.u16(at + 7), file.u16(at + 5), file.u8(at + 9) == 1 ? 1 : 3, 8);
         }
         const bool alone = marker == 0x01 || (marker >= 0xD0 && marker <= 0xD8);
         at += alone ? std::uint64_t{2} : 2 + std::uint64_t{file.u16(at + 2)};
@@ -124,11 +125,12 @@ class TiffDirectory {
     explicit TiffDirectory(HeaderBytes& file) : file_(file), big_(file.u16(2) == 43) {
         const std::uint64_t directory = big_ ? file.number(8, 8) : file.u32(4);
         first_ = directory + (big_ ? 8 : 2);
-        // An ordinary directory counts its entries in 16 bits; more than that is no header of a picture.
+        // BigTIFF counts entries in 64 bits; no real directory has more than the 16 bits of ordinary TIFF
+        // hold.
         count_ = std::min<std::uint64_t>(big_ ? file.number(directory, 8) : file.u16(directory), 0xFFFF);
     }
 
-    /// The value number `index` of a tag; `otherwise` when there is none.
+    /// Value number `index` of a tag; `otherwise` when there is none.
     std::int64_t value(int tag, std::int64_t otherwise, std::uint64_t index = 0) {
         const std::uint64_t entry = find(tag);
         const int bytes = entry == 0 ? 0 : type_bytes(file_.u16(entry + 2));
@@ -189,17 +191,17 @@ class TiffDirectory {
 
 constexpr int kTiffExtraSamples = 338;
 
-/// Which samples of a pixel are alpha. The library takes a fourth sample for alpha unless the file says that
-/// it is none.
-void find_tiff_alpha(TiffDirectory& directory, int photometric, ImageFacts& facts) {
+/// Decides which sample of a pixel is alpha. The library takes a fourth sample for alpha unless the file says
+/// otherwise.
+void find_tiff_alpha(TiffDirectory& directory, int photometric, Header& header) {
     constexpr std::int64_t kAssociated = 1;
     constexpr std::int64_t kUnassociated = 2;
     constexpr int kRgb = 2;
-    int alpha = facts.channels == 2 ? 1 : (facts.channels >= 4 ? 3 : -1);
+    int alpha = header.channels == 2 ? 1 : (header.channels >= 4 ? 3 : -1);
     bool premultiplied = true;
     const int colours = photometric < kRgb || photometric == 3 || photometric == 4 ? 1 : 3;
     const std::uint64_t extras = std::min<std::uint64_t>(directory.count(kTiffExtraSamples), 0xFFFF);
-    for (std::uint64_t i = 0; i < extras && colours + static_cast<int>(i) < facts.channels; ++i) {
+    for (std::uint64_t i = 0; i < extras && colours + static_cast<int>(i) < header.channels; ++i) {
         const int channel = colours + static_cast<int>(i);
         const std::int64_t kind = directory.value(kTiffExtraSamples, 0, i);
         if (kind == kAssociated || kind == kUnassociated) {
@@ -209,11 +211,11 @@ void find_tiff_alpha(TiffDirectory& directory, int photometric, ImageFacts& fact
             alpha = -1;
         }
     }
-    facts.has_alpha = alpha >= 0;
-    facts.alpha_premultiplied = facts.has_alpha && premultiplied;
+    header.has_alpha = alpha >= 0;
+    header.alpha_premultiplied = header.has_alpha && premultiplied;
 }
 
-Facts tiff(HeaderBytes& file) {
+FoundHeader tiff(HeaderBytes& file) {
     constexpr int kPalette = 3;
     TiffDirectory directory(file);
     const auto photometric = static_cast<int>(directory.value(262, 0));
@@ -221,26 +223,17 @@ Facts tiff(HeaderBytes& file) {
     const std::int64_t width = directory.value(256, 0);
     const std::int64_t height = directory.value(257, 0);
     const bool palette = photometric == kPalette;
-    // Where the picture is a part of a larger one, the footage has the size of that.
-    Facts facts =
+    // A picture that is part of a larger one makes footage of the larger size.
+    FoundHeader header =
         sized(directory.value(33300, width), directory.value(33301, height),
-              palette ? 3 : static_cast<int>(samples), static_cast<int>(directory.value(258, 1)), "tiff");
-    if (facts) {
-        facts->is_float = directory.value(339, 1) == 3;
-        find_tiff_alpha(directory, photometric, *facts);
+              palette ? 3 : static_cast<int>(samples), static_cast<int>(directory.value(258, 1)));
+    if (header) {
+        find_tiff_alpha(directory, photometric, *header);
     }
-    return facts;
+    return header;
 }
 
-bool has_extension(const std::string& name, std::string_view extension) {
-    return name.size() >= extension.size() &&
-           std::equal(extension.begin(), extension.end(),
-                      name.end() - static_cast<std::ptrdiff_t>(extension.size()), [](char wanted, char c) {
-                          return wanted == (c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c);
-                      });
-}
-
-Facts tga(HeaderBytes& file) {
+FoundHeader tga(HeaderBytes& file) {
     file.set_order(Order::little);
     const int map = file.u8(1);
     const int packed_type = file.u8(2);
@@ -252,53 +245,51 @@ Facts tga(HeaderBytes& file) {
     }
     const int colour_bits = type == 1 ? file.u8(7) : bits;
     const bool alpha = type == 3 ? bits == 16 : colour_bits == 32;
-    Facts facts = sized(file.u16(12), file.u16(14), (type == 3 ? 1 : 3) + (alpha ? 1 : 0), 8, "targa");
-    if (facts) {
-        facts->has_alpha = alpha;
+    FoundHeader header = sized(file.u16(12), file.u16(14), (type == 3 ? 1 : 3) + (alpha ? 1 : 0), 8);
+    if (header) {
+        header->has_alpha = alpha;
     }
-    return facts;
+    return header;
 }
 
-Facts bmp(HeaderBytes& file) {
+FoundHeader bmp(HeaderBytes& file) {
     file.set_order(Order::little);
     constexpr std::uint32_t kOldHeader = 12;
-    const std::uint32_t header = file.u32(14);
-    if (header < kOldHeader || (header > kOldHeader && header < 40)) {
+    const std::uint32_t header_bytes = file.u32(14);
+    if (header_bytes < kOldHeader || (header_bytes > kOldHeader && header_bytes < 40)) {
         return std::nullopt;
     }
-    const bool old = header == kOldHeader;
+    const bool old = header_bytes == kOldHeader;
     const std::int64_t width = old ? file.u16(18) : file.i32(18);
     const std::int64_t height = old ? std::int64_t{file.u16(20)} : std::int64_t{file.i32(22)};
     const int bits = file.u16(old ? 24 : 28);
-    Facts facts = sized(width, height < 0 ? -height : height, bits == 32 ? 4 : 3, 8, "bmp");
-    if (facts) {
-        facts->has_alpha = facts->channels == 4;
-        facts->alpha_premultiplied = facts->has_alpha;
+    FoundHeader header = sized(width, height < 0 ? -height : height, bits == 32 ? 4 : 3, 8);
+    if (header) {
+        header->has_alpha = header->channels == 4;
+        header->alpha_premultiplied = header->has_alpha;
     }
-    return facts;
+    return header;
 }
 
-Facts rla(HeaderBytes& file) {
+FoundHeader rla(HeaderBytes& file) {
     const int colours = file.i16(20);
     const int mattes = file.i16(22);
     const int others = file.i16(24);
     if (colours < 0 || mattes < 0 || others < 0) {
         return std::nullopt;
     }
-    // The window of the whole picture: left, right, bottom, top, all of them inside.
+    // The full window: left, right, bottom, top, all inclusive.
     const std::int64_t width = std::int64_t{file.i16(2)} - file.i16(0) + 1;
     const std::int64_t height = std::int64_t{file.i16(6)} - file.i16(4) + 1;
-    Facts facts = sized(width, height, colours + mattes + others, file.i16(658), "rla");
-    if (facts) {
-        constexpr int kFloat = 4;
-        facts->is_float = file.i16(18) == kFloat;
-        facts->has_alpha = mattes > 0;
-        facts->alpha_premultiplied = facts->has_alpha;
+    FoundHeader header = sized(width, height, colours + mattes + others, file.i16(658));
+    if (header) {
+        header->has_alpha = mattes > 0;
+        header->alpha_premultiplied = header->has_alpha;
     }
-    return facts;
+    return header;
 }
 
-Facts by_content(HeaderBytes& file, const std::string& name) {
+FoundHeader by_content(HeaderBytes& file, const std::string& name) {
     const std::string start = file.text(0, 8);
     if (start == "\x89PNG\r\n\x1a\n") {
         return png(file);
@@ -315,7 +306,7 @@ Facts by_content(HeaderBytes& file, const std::string& name) {
         start.starts_with(std::string_view("MM\0\x2b", 4))) {
         return tiff(file);
     }
-    if (has_extension(name, ".tga")) {
+    if (text::ends_with_ignoring_case(name, ".tga")) {
         return tga(file);
     }
     if (start.starts_with("BM")) {
@@ -327,17 +318,16 @@ Facts by_content(HeaderBytes& file, const std::string& name) {
 
 }  // namespace
 
-std::optional<ImageFacts> read_image_header(const ReadAt& read_at, const std::string& name,
-                                            std::string& error) {
+std::optional<Header> read_built_in_header(const ReadAt& read_at, const std::string& name,
+                                           std::string& error) {
     HeaderBytes bytes(read_at);
-    Facts facts = by_content(bytes, name);
-    if (facts && !bytes.cut_off()) {
-        return facts;
+    FoundHeader header = by_content(bytes, name);
+    if (header && !bytes.cut_off()) {
+        return header;
     }
-    error = bytes.cut_off()
-                ? "the header is cut off"
-                : std::string("no image that is known here: ") + kImageHeaderFormats + " are read";
+    error = bytes.cut_off() ? "the header is cut off"
+                            : std::string("no image that is known here: ") + kBuiltInFormats + " are read";
     return std::nullopt;
 }
 
-}  // namespace embedded
+}  // namespace image

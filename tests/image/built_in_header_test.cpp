@@ -1,7 +1,7 @@
 // The built-in reader of image headers, on the examples' images: the answers were read off with other
 // programs.
 
-#include "embedded/image_header.h"
+#include "image/built_in_header.h"
 
 #include <gtest/gtest.h>
 
@@ -12,8 +12,8 @@
 
 namespace {
 
-using embedded::ImageFacts;
-using embedded::read_image_header;
+using image::Header;
+using image::read_built_in_header;
 
 struct FileCase {
     const char* file;
@@ -33,7 +33,7 @@ std::string example(const char* file) {
 }
 
 /// Reads out of `bytes`, which it keeps.
-embedded::ReadAt reads(std::string bytes) {
+image::ReadAt reads(std::string bytes) {
     return [bytes = std::move(bytes)](std::uint64_t offset_bytes, char* data, std::size_t count) {
         if (offset_bytes > bytes.size() || bytes.size() - offset_bytes < count) {
             return false;
@@ -43,7 +43,7 @@ embedded::ReadAt reads(std::string bytes) {
     };
 }
 
-TEST(ImageHeader, OfTheExamplesSaysWhatTheyAre) {
+TEST(BuiltInHeader, OfTheExamplesSaysWhatTheyAre) {
     const FileCase kCases[] = {
         {"interlaced/lantern0017.tif", 720, 576, 4, 8, true, true},
         {"interlaced/depth0017.tif", 720, 576, 1, 16, false, false},
@@ -55,28 +55,28 @@ TEST(ImageHeader, OfTheExamplesSaysWhatTheyAre) {
     };
     for (const FileCase& c : kCases) {
         SCOPED_TRACE(c.file);
-        const embedded::ReadAt in = reads(example(c.file));
+        const image::ReadAt in = reads(example(c.file));
         std::string error;
-        const std::optional<ImageFacts> facts = read_image_header(in, c.file, error);
-        ASSERT_TRUE(facts.has_value()) << error;
-        EXPECT_EQ(facts->width_px, c.width_px);
-        EXPECT_EQ(facts->height_px, c.height_px);
-        EXPECT_EQ(facts->channels, c.channels);
-        EXPECT_EQ(facts->bits_per_channel, c.bits);
-        EXPECT_EQ(facts->has_alpha, c.has_alpha);
-        EXPECT_EQ(facts->alpha_premultiplied, c.premultiplied);
+        const std::optional<Header> header = read_built_in_header(in, c.file, error);
+        ASSERT_TRUE(header.has_value()) << error;
+        EXPECT_EQ(header->width_px, c.width_px);
+        EXPECT_EQ(header->height_px, c.height_px);
+        EXPECT_EQ(header->channels, c.channels);
+        EXPECT_EQ(header->bits_per_channel, c.bits);
+        EXPECT_EQ(header->has_alpha, c.has_alpha);
+        EXPECT_EQ(header->alpha_premultiplied, c.premultiplied);
     }
 }
 
-TEST(ImageHeader, CutOffAnywhereInTheHeaderIsRefusedWithAReason) {
+TEST(BuiltInHeader, CutOffAnywhereInTheHeaderIsRefusedWithAReason) {
     for (const char* const file : {"interlaced/lantern0017.tif", "interlaced/street.rla",
                                    "square/contact.png", "square/grey_card.jpg", "square/haze.tga"}) {
         const std::string whole = example(file);
         ASSERT_GT(whole.size(), 16U) << file;
         for (std::size_t length = 0; length <= 16; ++length) {
-            const embedded::ReadAt in = reads(whole.substr(0, length));
+            const image::ReadAt in = reads(whole.substr(0, length));
             std::string error;
-            EXPECT_FALSE(read_image_header(in, file, error).has_value()) << file << ' ' << length;
+            EXPECT_FALSE(read_built_in_header(in, file, error).has_value()) << file << ' ' << length;
             EXPECT_FALSE(error.empty()) << file << ' ' << length;
         }
     }
@@ -88,7 +88,7 @@ struct WrongCase {
     const char* file;
 };
 
-TEST(ImageHeader, ThatMakesNoSenseIsRefusedWithAReason) {
+TEST(BuiltInHeader, ThatMakesNoSenseIsRefusedWithAReason) {
     const std::string zeros(800, '\0');
     std::string directory_of_itself = "II\x2a";
     directory_of_itself += std::string("\0\x02\0\0\0", 5) + zeros;
@@ -104,9 +104,9 @@ TEST(ImageHeader, ThatMakesNoSenseIsRefusedWithAReason) {
         {"a BMP with half a header", "BM" + zeros, "a.bmp"},
     };
     for (const WrongCase& c : kCases) {
-        const embedded::ReadAt in = reads(c.bytes);
+        const image::ReadAt in = reads(c.bytes);
         std::string error;
-        EXPECT_FALSE(read_image_header(in, c.file, error).has_value()) << c.name;
+        EXPECT_FALSE(read_built_in_header(in, c.file, error).has_value()) << c.name;
         EXPECT_FALSE(error.empty()) << c.name;
     }
 }

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "image/image.h"
+
+// The function table between image.h and what implements it: the OpenImageIO module or the code built in.
+
+namespace image {
+
+/// Receives one error or warning. `reason` is copied.
+using Report = void (*)(void* reports, Code code, const char* reason);
+
+/// Plain C functions. `path` names a file as in system/files.h. False means failure, after exactly one error
+/// was reported. The module lets no exception out and reports it as `gave_up` instead. Module and program are
+/// built together, so both know the types; `version` guards against a module of another build.
+struct Functions {
+    static constexpr std::uint32_t kVersion = 1;  // raise it with every change of the table or of its types
+
+    std::uint32_t version;
+    bool (*probe)(const char* path, Header* header, Report report, void* reports);
+    /// Reports warnings on success.
+    bool (*read)(const char* path, AlphaBytes alpha_bytes, Texture* texture, Report report, void* reports);
+    bool (*write)(const char* path, const Texture* texture, AlphaBytes alpha_bytes, Report report,
+                  void* reports);
+    bool (*can_write)(const char* path);
+};
+
+/// The functions of the module, which is loaded on the first call and never unloaded. Null when there is no
+/// module beside the program, or it cannot be loaded or has another version; `problem` then says so and where
+/// it was looked for.
+[[nodiscard]] const Functions* library_functions(std::string& problem);
+
+/// What is there without a library: headers of common formats, no pixels, and TGA files to write.
+[[nodiscard]] const Functions& built_in_functions();
+
+}  // namespace image
+
+/// The one function that the module exports.
+extern "C" const image::Functions* vxr_image_functions();

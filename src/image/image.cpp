@@ -1,0 +1,121 @@
+#include "image/image.h"
+
+#include <stdexcept>
+#include <utility>
+
+#include "image/built_in_header.h"
+#include "image/functions.h"
+#include "system/files.h"
+
+namespace image {
+namespace {
+
+/// Set by the build: whether it has OpenImageIO.
+constexpr bool kHasLibrary = VXR_IMAGE_LIBRARY != 0;
+
+const Functions* find_functions(std::string& problem) {
+    return kHasLibrary ? library_functions(problem) : &built_in_functions();
+}
+
+const Functions& required_functions() {
+    std::string problem;
+    const Functions* const functions = find_functions(problem);
+    if (functions == nullptr) {
+        throw std::runtime_error(problem);
+    }
+    return *functions;
+}
+
+/// Collects what an implementation reports about the file at `path`.
+struct Reports {
+    const std::string& path;
+    std::vector<diagnostic::Diagnostic> diagnostics;
+
+    static void add(void* reports, Code code, const char* reason) {
+        auto* const self = static_cast<Reports*>(reports);
+        self->diagnostics.push_back(diagnostic::make(code, {self->path}, reason));
+    }
+
+    void throw_if_gave_up() const {
+        for (const diagnostic::Diagnostic& one : diagnostics) {
+            if (one.code == Code::gave_up) {
+                throw std::runtime_error(one.reason);
+            }
+        }
+    }
+};
+
+/// The error for what is not a regular file. Opening a pipe would wait for a writer.
+std::optional<diagnostic::Diagnostic> irregular_file(const std::string& path) {
+    std::string why_not;
+    if (os::is_regular_file(path, why_not)) {
+        return std::nullopt;
+    }
+    return diagnostic::make(Code::cannot_open, {path}, std::move(why_not));
+}
+
+}  // namespace
+
+Probe probe(const std::string& path) {
+    if (auto error = irregular_file(path)) {
+        return {std::nullopt, std::move(error)};
+    }
+    std::string problem;
+    const Functions* const functions = find_functions(problem);
+    if (functions == nullptr) {
+        return {std::nullopt, diagnostic::make(Code::gave_up, {path}, std::move(problem))};
+    }
+    Header header;
+    Reports reports{path, {}};
+    if (!functions->probe(path.c_str(), &header, &Reports::add, &reports)) {
+        return {std::nullopt, std::move(reports.diagnostics.front())};
+    }
+    return {header, std::nullopt};
+}
+
+Reading read(const std::string& path, AlphaBytes alpha_bytes) {
+    if (auto error = irregular_file(path)) {
+        return {std::nullopt, {std::move(*error)}};
+    }
+    Texture texture;
+    Reports reports{path, {}};
+    const bool done = required_functions().read(path.c_str(), alpha_bytes, &texture, &Reports::add, &reports);
+    reports.throw_if_gave_up();
+    Reading reading{std::nullopt, std::move(reports.diagnostics)};
+    if (done) {
+        reading.texture = std::move(texture);
+    }
+    return reading;
+}
+
+std::optional<diagnostic::Diagnostic> write(const std::string& path, const Texture& texture,
+                                            AlphaBytes alpha_bytes) {
+    Reports reports{path, {}};
+    if (required_functions().write(path.c_str(), &texture, alpha_bytes, &Reports::add, &reports)) {
+        return std::nullopt;
+    }
+    reports.throw_if_gave_up();
+    return std::move(reports.diagnostics.front());
+}
+
+bool can_write(const std::string& path) {
+    return required_functions().can_write(path.c_str());
+}
+
+std::string library_problem() {
+    std::string problem;
+    (void)find_functions(problem);
+    return problem;
+}
+
+std::string build_note() {
+    if (kHasLibrary) {
+        return {};
+    }
+    return std::string("This program is built without an image library: it reads the headers of ") +
+           kBuiltInFormats +
+           " footage, which is all that an import needs, and no pixels of images. Of image formats it writes "
+           "TGA alone.";
+}
+
+}  // namespace image

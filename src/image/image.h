@@ -1,0 +1,72 @@
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "diagnostic/diagnostic.h"
+#include "image/codes.h"
+#include "texture/value/texture.h"
+
+// Image files: what the host needs to know about footage, and conversion to textures and back. OpenImageIO
+// does the work, in a module that is loaded when the first image is met. Builds without it read the headers
+// of common formats and write TGA. Safe to call from several threads.
+
+namespace image {
+
+/// What a host needs to know about an image file before the file becomes footage.
+struct Header {
+    std::int32_t width_px = 0;  ///< of the whole picture; the file may hold a part of it
+    std::int32_t height_px = 0;
+    std::int32_t channels = 0;          ///< alpha included
+    std::int32_t bits_per_channel = 0;  ///< as stored, not as decoded: 8, 16, 32...
+    bool has_alpha = false;
+    bool alpha_premultiplied = false;
+};
+
+/// A header or an error, never both.
+struct Probe {
+    std::optional<Header> header;
+    std::optional<diagnostic::Diagnostic> error;
+};
+
+/// Reads the header of a regular file. Errors: cannot_open, not_an_image, gave_up.
+[[nodiscard]] Probe probe(const std::string& path);
+
+/// How bytes are carried over between a texture, whose colour is premultiplied by alpha, and an image format
+/// that stores straight alpha, as PNG does.
+enum class AlphaBytes : std::uint8_t {
+    kept,       ///< every byte is carried over as stored; converting there and back loses nothing
+    converted,  ///< colour is multiplied on reading and divided on writing, which loses precision in 8 bits
+};
+
+/// A texture or an error, never both.
+struct Reading {
+    std::optional<Texture> texture;
+    std::vector<diagnostic::Diagnostic> diagnostics;  ///< the error alone, or the warnings
+};
+
+// The three functions below throw std::runtime_error when the image library cannot be loaded or runs out of
+// memory.
+
+/// Reads an image at 8 bits a channel: the first image of the file, at full resolution. Warns when that
+/// leaves something out.
+[[nodiscard]] Reading read(const std::string& path, AlphaBytes alpha_bytes);
+
+/// Writes `texture` in the format that the extension of `path` names, and returns the error if there is one.
+/// Refuses a format that has no room for all channels. An existing file at `path` stays until the new one is
+/// complete.
+[[nodiscard]] std::optional<diagnostic::Diagnostic> write(const std::string& path, const Texture& texture,
+                                                          AlphaBytes alpha_bytes);
+
+/// Whether `write` knows the format that the extension of `path` names.
+[[nodiscard]] bool can_write(const std::string& path);
+
+/// Why the image library cannot be loaded; empty when it can, and in builds without it. Loads the library.
+[[nodiscard]] std::string library_problem();
+
+/// What a build without an image library cannot do, for users; empty in builds with it.
+[[nodiscard]] std::string build_note();
+
+}  // namespace image
