@@ -1,4 +1,4 @@
-#include "drawing.h"
+#include "texture_benchmarks.h"
 
 #include <benchmark/benchmark.h>
 
@@ -8,10 +8,9 @@
 
 #include "measuring.h"
 #include "texture/input_module/drawn_picture.h"
-#include "texture_samples.h"
 
 #if defined(VXR_HAS_V3)
-/// DrawPicture again, compiled for the newer processors.
+/// DrawPicture, compiled for newer processors.
 void DrawPictureV3(const BaseBitmap& bitmap, const PF_LayerDef& world);
 #endif
 
@@ -29,7 +28,7 @@ struct Frame {
     PF_LayerDef world{};
 };
 
-/// A call for the colour and one for the alpha of each pixel, each testing the bounds.
+/// Two calls per pixel, one for colour and one for alpha, each with bounds checks.
 void draw_by_pixel(const BaseBitmap& bitmap, const PF_LayerDef& world) {
     for (std::int32_t y = 0; y < world.height; ++y) {
         unsigned char* const row =
@@ -66,7 +65,7 @@ void measure_drawing(benchmark::State& state, Draw draw) {
     }
 }
 
-/// Drawing reads eight bytes a pixel and writes four: a copy of six reads six and writes six.
+/// Drawing reads eight bytes a pixel and writes four, which moves as much as copying six.
 void measure_copy(benchmark::State& state) {
     const auto count = static_cast<std::size_t>(6 * state.range(0) * state.range(0));
     const std::vector<unsigned char> from(count, 1);
@@ -90,10 +89,11 @@ void register_drawing(std::int64_t size_px) {
     add("draw/texture", DrawPicture);
     add("draw/pixels", draw_by_pixel);
 #if defined(VXR_HAS_V3)
-    // What the level asks for and a program compiled for it may use.
+    // The features of that level that the compiler may use.
     if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
-        __builtin_cpu_supports("fma") && __builtin_cpu_supports("popcnt"))
+        __builtin_cpu_supports("fma") && __builtin_cpu_supports("popcnt")) {
         add("draw/texture_v3", DrawPictureV3);
+    }
 #endif
     benchmark::RegisterBenchmark("draw/memcpy", measure_copy)->Arg(size_px)->Unit(benchmark::kMillisecond);
 }

@@ -1,4 +1,4 @@
-#include "image_reading.h"
+#include "texture_benchmarks.h"
 
 #include <OpenImageIO/imageio.h>
 #include <benchmark/benchmark.h>
@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "measuring.h"
-#include "texture_samples.h"
 
 namespace {
 
@@ -23,15 +22,16 @@ bool is_picture(const std::vector<std::uint8_t>& pixels, const Texture& picture)
         const std::uint8_t* const pixel = pixels.data() + 4 * i;
         const std::uint8_t* const colour = picture.pixels.data() + 3 * i;
         if (pixel[0] != colour[0] || pixel[1] != colour[1] || pixel[2] != colour[2] ||
-            pixel[3] != picture.alphas[0].values[i])
+            pixel[3] != picture.alphas[0].values[i]) {
             return false;
+        }
     }
     return true;
 }
 
 void measure_reading(benchmark::State& state, PictureKind kind, std::string Sample::*file) {
     OIIO::attribute("plugin_searchpath", VXR_PLUGIN_DIR);
-    OIIO::attribute("threads", 1);  // of both: the processor time that is compared is that of one
+    OIIO::attribute("threads", 1);  // for both files: the processor time of one thread is compared
     const auto size_px = static_cast<std::int32_t>(state.range(0));
     const Sample& sample = sample_of(kind, size_px);
     std::vector<std::uint8_t> pixels(4 * sample.picture.pixel_count());
@@ -40,8 +40,9 @@ void measure_reading(benchmark::State& state, PictureKind kind, std::string Samp
         peak_memory_bytes_once("image/" + path, [&] { require(read_image(path, size_px, pixels), path); });
     require(read_image(path, size_px, pixels), path + ": " + OIIO::geterror());
     require(is_picture(pixels, sample.picture), path + " reads different through the image library");
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         require(read_image(path, size_px, pixels), path);
+    }
     state.counters["peak_bytes"] = static_cast<double>(peak);
     state.counters["pixels"] = static_cast<double>(sample.picture.pixel_count());
 }

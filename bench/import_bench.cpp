@@ -1,5 +1,5 @@
-// How long a composition file takes: imported through the loaded bundle on the embedded host, read alone, and
-// looked at byte by byte; and how each of that grows with what the file holds.
+// How long a composition file takes: imported by the bundle in the embedded host, only read, and only scanned
+// byte by byte; and how each time grows with the contents of the file.
 
 #include <benchmark/benchmark.h>
 
@@ -38,7 +38,8 @@ std::size_t position_keys(const embedded::Layer& layer) {
     return stream == layer.streams.end() ? 0 : stream->second.keyframes.size();
 }
 
-/// Every key of every object has arrived, in every composition that there should be, without a complaint.
+/// Requires that every composition and every key of every object arrived and that the host found no rule
+/// violation.
 void check_import(embedded::Host& host, const Scene& scene) {
     const std::string name = std::string("import of ") + scene.name + ": ";
     const embedded::CallbackResult result = host.import_file(scene_file(scene));
@@ -52,8 +53,9 @@ void check_import(embedded::Host& host, const Scene& scene) {
     const std::int64_t layers = std::int64_t{shape.nesting} - 1 + shape.layers + shape.objects;
     require(static_cast<std::int64_t>(project.layers.size()) == layers, name + "layers");
     std::size_t keys = 0;
-    for (const embedded::Layer& layer : project.layers)
+    for (const embedded::Layer& layer : project.layers) {
         keys += position_keys(layer);
+    }
     const std::size_t expected =
         static_cast<std::size_t>(shape.objects) * static_cast<std::size_t>(shape.keys_per_object);
     require(keys == expected, name + std::to_string(keys) + " keys instead of " + std::to_string(expected));
@@ -88,12 +90,13 @@ void check_read(const Scene& scene, tagProjectSettings& settings) {
     require(read_model(scene_file(scene), settings) == 1, name + "failed");
     int objects = 0;
     for (CSceneObject* object = settings.objects.First(); object != nullptr;
-         object = settings.objects.Next(object), ++objects)
+         object = settings.objects.Next(object), ++objects) {
         require(object->keyCount == scene.shape.keys_per_object, name + "keys");
+    }
     require(objects == scene.shape.objects, name + "objects");
 }
 
-/// Times `read` into a new model each time. Deleting the model is no part of it.
+/// Times `read` into a new model each time, without deleting the model.
 template <class Read>
 void time_reading(benchmark::State& state, std::size_t size_bytes, Read read) {
     std::unique_ptr<tagProjectSettings> settings;
@@ -141,8 +144,9 @@ void check_same_models(tagProjectSettings& one, tagProjectSettings& other, const
                     ours->isNull == theirs->isNull && ours->keyCount == theirs->keyCount,
                 name + "an object");
         const bool camera = typeid(*ours) == typeid(CCamera);
-        for (A_long i = 0; i < ours->keyCount; ++i)
+        for (A_long i = 0; i < ours->keyCount; ++i) {
             require(same_key(*ours->keys[i], *theirs->keys[i], camera), name + "a key");
+        }
         theirs = other.objects.Next(theirs);
     }
 }
@@ -162,7 +166,7 @@ void measure_json(benchmark::State& state, const Scene& scene) {
                  [&](tagProjectSettings& settings) { return read_json_scene(path, buffer, settings); });
 }
 
-// --- the limit of reading: every byte of the file, already in memory, looked at once
+// --- the limit of reading: one pass over the bytes of the file, already in memory
 
 void measure_memchr(benchmark::State& state, const Scene& scene) {
     const std::string& path = scene_file(scene);
@@ -178,7 +182,7 @@ void measure_memchr(benchmark::State& state, const Scene& scene) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-// --- whole processes, the file in the page cache and everything else cold
+// --- whole processes: the file is in the page cache, everything else is cold
 
 void measure_process(benchmark::State& state, const Scene& scene, const std::vector<std::string>& command,
                      const std::string& expected_output) {
@@ -187,8 +191,9 @@ void measure_process(benchmark::State& state, const Scene& scene, const std::vec
     const ProcessResult answer = run_process(arguments);
     require(answer.exit_code == 0 && answer.out.find(expected_output) != std::string::npos,
             command.front() + " said: " + answer.out + answer.err);
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         state.SetIterationTime(child_seconds(arguments));
+    }
 }
 
 void measure_check(benchmark::State& state, const Scene& scene) {
@@ -199,13 +204,14 @@ void measure_words(benchmark::State& state, const Scene& scene) {
     measure_process(state, scene, {"wc", "-w"}, " ");
 }
 
-// --- the keyframe array alone, which grows by one slot a key
+// --- the keyframe array alone, which grows by one slot per key
 
 void measure_keyframe_array(benchmark::State& state) {
     while (state.KeepRunning()) {
         CSceneObject object;
-        for (std::int64_t i = 0; i < state.range(0); ++i)
+        for (std::int64_t i = 0; i < state.range(0); ++i) {
             require(object.AddKeyframe() != nullptr, "out of memory");
+        }
         benchmark::DoNotOptimize(object.keys);
     }
 }
@@ -213,8 +219,8 @@ void measure_keyframe_array(benchmark::State& state) {
 struct Measure {
     const char* name;
     void (*function)(benchmark::State&, const Scene&);
-    bool text_only;  ///< of the scenes that grow in text alone: what has a peer
-    bool process;    ///< timed by itself: the processor time of a child
+    bool text_only;  ///< only for the scenes that grow in text, because only those have a peer
+    bool process;    ///< reports the processor time of a child process
 };
 
 const Measure kMeasures[] = {
@@ -225,22 +231,26 @@ const Measure kMeasures[] = {
 
 void register_measure(const Measure& measure, const Scene& scene) {
     const std::string scene_name = scene.name;
-    if (measure.text_only && !scene_name.starts_with("text/"))
+    if (measure.text_only && !scene_name.starts_with("text/")) {
         return;
+    }
     auto* const registered =
         benchmark::RegisterBenchmark((measure.name + ("/" + scene_name)).c_str(), measure.function, scene);
     registered->Unit(benchmark::kMillisecond);
-    if (measure.process)
+    if (measure.process) {
         registered->UseManualTime();
+    }
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
     keep_freed_memory();
-    for (const Scene& scene : all_scenes())
-        for (const Measure& measure : kMeasures)
+    for (const Scene& scene : all_scenes()) {
+        for (const Measure& measure : kMeasures) {
             register_measure(measure, scene);
+        }
+    }
     benchmark::RegisterBenchmark("keyframe_array", measure_keyframe_array)
         ->RangeMultiplier(10)
         ->Range(100, 100000)

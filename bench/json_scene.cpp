@@ -1,6 +1,6 @@
 #include "json_scene.h"
 
-// The fastest that RapidJSON does on every x86-64.
+// RapidJSON's fastest variant that runs on every x86-64.
 #define RAPIDJSON_SSE2
 #include <rapidjson/reader.h>
 
@@ -27,7 +27,8 @@ constexpr IntegerName kIntegers[] = {
     {"range", &tagProjectSettings::range}, {"fps", &tagProjectSettings::fps},
 };
 
-/// Takes the events. Objects begin with their kind, so that the record is there for what follows.
+/// Receives the parser's events. An object's kind comes first, so that its record exists when the rest
+/// arrives.
 class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, SceneHandler> {
   public:
     explicit SceneHandler(tagProjectSettings& settings) : settings_(settings) {}
@@ -41,19 +42,23 @@ class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Scen
         } else if (name == "name") {
             text_ = TextPlace::name;
         } else {
-            for (const IntegerName& one : kIntegers)
-                if (name == one.name)
+            for (const IntegerName& one : kIntegers) {
+                if (name == one.name) {
                     integer_ = &(settings_.*one.member);
+                }
+            }
         }
         return true;
     }
 
     bool String(const char* text, rapidjson::SizeType length, bool /*copy*/) {
         const std::string_view value(text, length);
-        if (text_ == TextPlace::kind)
+        if (text_ == TextPlace::kind) {
             return begin_object(value);
-        if (text_ != TextPlace::name)
+        }
+        if (text_ != TextPlace::name) {
             return false;
+        }
         char*& name = object_ != nullptr ? object_->name : settings_.composition.name;
         name = copy_text(text);
         return name != nullptr;
@@ -61,8 +66,9 @@ class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Scen
 
     bool StartArray() {
         ++depth_;
-        if (depth_ < kKeyDepth)
+        if (depth_ < kKeyDepth) {
             return true;
+        }
         key_ = object_ == nullptr ? nullptr : object_->AddKeyframe();
         value_ = 0;
         return key_ != nullptr;
@@ -73,8 +79,9 @@ class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Scen
     }
 
     bool Double(double number) {
-        if (depth_ != kKeyDepth)
+        if (depth_ != kKeyDepth) {
             return false;
+        }
         return take_key_value(static_cast<float>(number));
     }
     bool Int(int number) { return take_integer(number); }
@@ -89,12 +96,13 @@ class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Scen
     enum class TextPlace { none, kind, name };
 
     bool begin_object(std::string_view kind) {
-        if (kind == "CAMERA")
+        if (kind == "CAMERA") {
             object_ = new CCamera;
-        else if (kind == "LIGHT")
+        } else if (kind == "LIGHT") {
             object_ = new CLight;
-        else
+        } else {
             object_ = new CNull;
+        }
         object_->isNull = kind == "NULL" ? 1 : 0;
         settings_.objects.AddAtHead(object_);
         return true;
@@ -102,14 +110,16 @@ class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Scen
 
     bool take_integer(int number) {
         if (depth_ == kKeyDepth) {
-            if (value_ != 0)
+            if (value_ != 0) {
                 return take_key_value(static_cast<float>(number));
+            }
             key_->frame = number;
             ++value_;
             return true;
         }
-        if (integer_ == nullptr)
+        if (integer_ == nullptr) {
             return false;
+        }
         *integer_ = number;
         return true;
     }
@@ -149,7 +159,7 @@ class SceneHandler : public rapidjson::BaseReaderHandler<rapidjson::UTF8<>, Scen
 }  // namespace
 
 std::string json_scene_text(const SceneShape& shape) {
-    // Made of the composition's text, line by line: no number is written twice.
+    // Converts the composition's text line by line, so that each number keeps its spelling.
     std::istringstream lines(composition_text(shape));
     std::string json = "{";
     bool in_object = false;
@@ -164,8 +174,9 @@ std::string json_scene_text(const SceneShape& shape) {
             json += first_key ? "[" : ",[";
             first_key = false;
             std::string separator;
-            for (std::string number; words >> number; separator = ",")
+            for (std::string number; words >> number; separator = ",") {
                 json.append(separator).append(number);
+            }
             json += "]";
         } else if (word == "CAMERA" || word == "LIGHT" || word == "NULL") {
             json += (first_object ? R"("objects":[{"kind":")" : R"(,{"kind":")") + word + R"(","name":)" +
@@ -185,8 +196,9 @@ std::string json_scene_text(const SceneShape& shape) {
         } else if (word != "VORTAN" && word != "}") {
             std::string number;
             words >> number;
-            for (char& c : word)
+            for (char& c : word) {
                 c = static_cast<char>(c - 'A' + 'a');
+            }
             json.append("\"").append(word).append("\":").append(number).append(",");
         }
     }
@@ -195,8 +207,9 @@ std::string json_scene_text(const SceneShape& shape) {
 
 bool read_json_scene(const std::string& path, std::vector<char>& buffer, tagProjectSettings& settings) {
     std::FILE* const file = std::fopen(path.c_str(), "rb");
-    if (file == nullptr)
+    if (file == nullptr) {
         return false;
+    }
     std::setvbuf(file, nullptr, _IONBF, 0);
     const std::size_t got = std::fread(buffer.data(), 1, buffer.size() - 1, file);
     std::fclose(file);

@@ -17,18 +17,19 @@
 
 namespace {
 
-/// A line of /proc/self/status such as "VmRSS:     2196 kB", in bytes; 0 when there is none.
+/// The value of a line of /proc/self/status such as "VmRSS:     2196 kB", in bytes; 0 if there is none.
 std::int64_t status_bytes(const std::string& key) {
     std::ifstream status("/proc/self/status");
     for (std::string word; status >> word;) {
         std::int64_t kilobytes = 0;
-        if (word == key && status >> kilobytes)
+        if (word == key && status >> kilobytes) {
             return kilobytes * 1024;
+        }
     }
     return 0;
 }
 
-/// Lets the kernel's high-water mark start over at what is resident now.
+/// Resets the kernel's high-water mark to the memory that is resident now.
 bool reset_peak() {
     std::ofstream clear("/proc/self/clear_refs");
     clear << "5" << std::flush;
@@ -38,8 +39,9 @@ bool reset_peak() {
 }  // namespace
 
 void require(bool holds, const std::string& what) {
-    if (holds)
+    if (holds) {
         return;
+    }
     std::fprintf(stderr, "error: %s\n", what.c_str());
     std::exit(EXIT_FAILURE);
 }
@@ -58,8 +60,9 @@ std::int64_t peak_memory_bytes(const std::function<void()>& work) {
 std::int64_t peak_memory_bytes_once(const std::string& name, const std::function<void()>& work) {
     static std::map<std::string, std::int64_t> known;
     const auto found = known.find(name);
-    if (found != known.end())
+    if (found != known.end()) {
         return found->second;
+    }
     return known[name] = peak_memory_bytes(work);
 }
 
@@ -72,8 +75,9 @@ void keep_freed_memory() {
 double child_seconds(const std::vector<std::string>& arguments) {
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments)
+    for (const std::string& argument : arguments) {
         pointers.push_back(const_cast<char*>(argument.c_str()));  // execvp does not change them
+    }
     pointers.push_back(nullptr);
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
@@ -94,8 +98,9 @@ double child_seconds(const std::vector<std::string>& arguments) {
 
 int run_benchmarks(int argc, char** argv) {
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv)) {
         return EXIT_FAILURE;
+    }
     const std::size_t run = benchmark::RunSpecifiedBenchmarks();
     benchmark::Shutdown();
     return run > 0 ? EXIT_SUCCESS : EXIT_FAILURE;

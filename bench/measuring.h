@@ -5,28 +5,27 @@
 #include <string>
 #include <vector>
 
-// What the benchmark programs share. Their numbers are processor time of one thread and wall time; see
-// script/bench for how they are collected.
+// What the benchmark programs share. They report the processor time of one thread and wall time, which
+// script/bench collects.
 
-/// Ends the program with exit code 1 and `what` on stderr unless `holds`. For answers, before they are timed:
-/// the benchmark library itself ends with 0 whatever a benchmark finds.
+/// Ends the program with exit code 1 and `what` on stderr unless `holds`. Checks answers before they are
+/// timed: the benchmark library itself always exits with 0.
 void require(bool holds, const std::string& what);
 
-/// How far the process's resident memory rises while `work` runs, in bytes; 0 where the system does not say.
-/// What an earlier run left with the allocator is given back first, so that it is counted again.
+/// How far the resident memory of the process rises while `work` runs, in bytes; 0 where the system does not
+/// tell. First returns the memory that the allocator kept from an earlier run, so that it is counted again.
 [[nodiscard]] std::int64_t peak_memory_bytes(const std::function<void()>& work);
 
-/// The same for the first call with this `name`; later calls answer without running `work` again, since the
-/// library enters a benchmark several times.
+/// peak_memory_bytes for the first call with this `name`. Later calls return the same number without running
+/// `work`, because the library enters a benchmark several times.
 [[nodiscard]] std::int64_t peak_memory_bytes_once(const std::string& name, const std::function<void()>& work);
 
-/// Has the allocator keep what is freed, so that a repetition finds warm pages: fresh ones cost more than the
-/// work that is measured on them.
+/// Makes the allocator keep freed memory, so that a repetition finds warm pages: fresh ones cost more than
+/// the work that is measured.
 void keep_freed_memory();
 
-/// Runs a program to its end, its output thrown away, and returns the processor time of its process, in
-/// seconds.
+/// Runs a program to its end, discards its output, and returns the processor time of the process in seconds.
 [[nodiscard]] double child_seconds(const std::vector<std::string>& arguments);
 
-/// main() of a benchmark program whose benchmarks are registered. Fails when its filter leaves none.
+/// The rest of main() once all benchmarks are registered. Fails when the filter matches none.
 int run_benchmarks(int argc, char** argv);

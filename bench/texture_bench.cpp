@@ -1,5 +1,5 @@
-// How long a texture takes to load, to save, to read as an image and to draw, beside others doing the same
-// work on the same pixels and beside what no coding could do without; and how that grows.
+// How long a texture takes to load, save, read as an image and draw, compared with other programs doing the
+// same work on the same pixels and with the work that any coding must do; and how the time grows.
 
 #include <benchmark/benchmark.h>
 
@@ -7,29 +7,28 @@
 #include <string>
 #include <vector>
 
-#include "drawing.h"
-#include "image_reading.h"
 #include "measuring.h"
-#include "planar_work.h"
 #include "texture/value/texture_file.h"
-#include "texture_growth.h"
+#include "texture_benchmarks.h"
+#include "texture_peers.h"
 #include "texture_samples.h"
-#include "tiff_peer.h"
 
 namespace {
 
-/// The planes of row `y`, from memory.
+/// The planes of row `y` of the sample.
 PlaneRow planes_at(const Sample& sample, std::int32_t y) {
     PlaneRow row{};
-    for (std::size_t plane = 0; plane < row.size(); ++plane)
+    for (std::size_t plane = 0; plane < row.size(); ++plane) {
         row[plane] = sample.planes.data() + plane * sample.picture.pixel_count() +
                      static_cast<std::size_t>(y) * static_cast<std::size_t>(sample.size_px);
+    }
     return row;
 }
 
 void expand(Sample& sample) {
-    for (std::int32_t y = 0; y < sample.size_px; ++y)
+    for (std::int32_t y = 0; y < sample.size_px; ++y) {
         expand_row(planes_at(sample, y), y, sample.warm.bitmap());
+    }
     benchmark::ClobberMemory();
 }
 
@@ -45,13 +44,13 @@ void split(Sample& sample) {
 struct Way {
     const char* name;
     void (*run)(Sample&);
-    std::string Sample::*file;  ///< what is loaded, or what saving gives
+    std::string Sample::*file;  ///< the file that is loaded or that saving produces
 };
 
 constexpr char kNowhere[] = "/dev/null";
 
-// There is no saving from a bitmap: read back through its adapter its colour is 0 throughout, so what would
-// be timed is a black picture.
+// Saving from a bitmap is not measured: its adapter reads back colour as 0, so the benchmark would time a
+// black picture.
 const Way kWays[] = {
     {"load/texture", [](Sample& sample) { require(load_texture(sample.txl, sample.warm), "load"); },
      &Sample::txl},
@@ -75,13 +74,14 @@ const Way kWays[] = {
      &Sample::tiff},
 };
 
-/// Bytes a second are those of the pixels, so that ways and kinds compare.
+/// Reports bytes of pixels per second, so that all ways and kinds compare.
 void measure(benchmark::State& state, PictureKind kind, const Way& way) {
     Sample& sample = sample_of(kind, static_cast<std::int32_t>(state.range(0)));
     const std::int64_t peak =
         peak_memory_bytes_once(std::string(way.name) + "/" + sample.name(), [&] { way.run(sample); });
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         way.run(sample);
+    }
     const std::size_t raw_bytes = sample.picture.pixel_count() * 4;
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(raw_bytes));
     state.counters["ratio"] =
@@ -98,11 +98,12 @@ int main(int argc, char** argv) {
     constexpr std::int64_t kLarge_px = 4096;
     for (const std::int64_t size_px : {kSmall_px, kLarge_px}) {
         for (const PictureKind kind : {PictureKind::flat, PictureKind::photographic, PictureKind::noise}) {
-            for (const Way& way : kWays)
+            for (const Way& way : kWays) {
                 benchmark::RegisterBenchmark((std::string(way.name) + "/" + picture_name(kind)).c_str(),
                                              measure, kind, way)
                     ->Arg(size_px)
                     ->Unit(benchmark::kMillisecond);
+            }
             register_image_reading(kind, size_px);
         }
         register_drawing(size_px);

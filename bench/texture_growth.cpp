@@ -1,4 +1,4 @@
-#include "texture_growth.h"
+#include "texture_benchmarks.h"
 
 #include <benchmark/benchmark.h>
 
@@ -12,11 +12,10 @@
 #include "support/temporary_folder.h"
 #include "texture/txl_builder.h"
 #include "texture/value/texture_file.h"
-#include "texture_samples.h"
 
 namespace {
 
-// --- pixels: the number of all, of a square picture
+// --- pixels: the total number, in a square picture
 
 std::int32_t side_of(std::int64_t pixels) {
     return static_cast<std::int32_t>(std::lround(std::sqrt(static_cast<double>(pixels))));
@@ -24,17 +23,19 @@ std::int32_t side_of(std::int64_t pixels) {
 
 void measure_pixel_loads(benchmark::State& state) {
     Sample& sample = sample_of(PictureKind::photographic, side_of(state.range(0)));
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         require(load_texture(sample.txl, sample.warm), "load");
+    }
 }
 
 void measure_pixel_saves(benchmark::State& state) {
     Sample& sample = sample_of(PictureKind::photographic, side_of(state.range(0)));
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         require(save_texture("/dev/null", sample.picture), "save");
+    }
 }
 
-// --- alpha channels, all of which only a value keeps
+// --- alpha channels; only the plain texture value keeps all of them
 
 struct Layered {
     Texture picture;
@@ -50,8 +51,9 @@ const Layered& layered(std::int64_t alphas) {
         one = std::make_unique<Layered>();
         one->picture = make_picture(PictureKind::photographic, kSize_px);
         const PixelBuffer values = one->picture.alphas[0].values;
-        for (std::int64_t i = 1; i < alphas; ++i)
+        for (std::int64_t i = 1; i < alphas; ++i) {
             one->picture.alphas.push_back({"Alpha." + std::to_string(i + 1), values});
+        }
         require(!write_texture(one->path, one->picture), "the layered texture was not written");
         require(read_texture(one->path).texture == one->picture, "the layered texture reads different");
     }
@@ -60,23 +62,26 @@ const Layered& layered(std::int64_t alphas) {
 
 void measure_alpha_loads(benchmark::State& state) {
     const Layered& file = layered(state.range(0));
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         benchmark::DoNotOptimize(read_texture(file.path));
+    }
 }
 
 void measure_alpha_saves(benchmark::State& state) {
     const Layered& file = layered(state.range(0));
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         require(save_texture("/dev/null", file.picture), "save");
+    }
 }
 
-// --- chunks that nothing reads, each with another in it and a few values
+// --- chunks that nothing reads, each holding another chunk and a few values
 
 std::string file_with_chunks(std::int64_t chunks) {
     HyperBytes bytes = HyperBytes().Header().Start(kChunkTexture, 0);
     bytes.Start(kChunkTextureHeader, 1).Long(1).Long(1).Long(Texture::kRgb).End();
-    for (std::int64_t i = 0; i < chunks; ++i)
+    for (std::int64_t i = 0; i < chunks; ++i) {
         bytes.Start(4711, 1).Long(1).Block("some bytes").Start(4712, 0).Bool(1).End().End();
+    }
     return bytes.End().bytes();
 }
 
@@ -88,8 +93,9 @@ void measure_skips(benchmark::State& state) {
                 reading.warnings[0].count == state.range(0),
             "skipped chunks");
     WarmPicture picture;
-    while (state.KeepRunning())
+    while (state.KeepRunning()) {
         require(load_texture(path, picture), "load");
+    }
 }
 
 struct Grown {
@@ -111,7 +117,9 @@ const Grown kGrown[] = {
 }  // namespace
 
 void register_texture_growth() {
-    for (const Grown& grown : kGrown)
-        for (std::int64_t size = grown.least; size <= grown.most; size *= grown.factor)
+    for (const Grown& grown : kGrown) {
+        for (std::int64_t size = grown.least; size <= grown.most; size *= grown.factor) {
             benchmark::RegisterBenchmark(grown.name, grown.measure)->Arg(size)->Unit(benchmark::kMillisecond);
+        }
+    }
 }

@@ -4,14 +4,14 @@
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <random>
 #include <utility>
 
 #include "measuring.h"
-#include "planar_work.h"
 #include "texture/txl/txl_image_filter.h"
 #include "texture/value/texture_file.h"
 #include "texture/value/texture_image.h"
-#include "tiff_peer.h"
+#include "texture_peers.h"
 
 bool WarmPicture::Init(std::int32_t w, std::int32_t h, std::int32_t mode) {
     const bool same = w == bitmap_.width() && h == bitmap_.height() && mode == mode_;
@@ -35,6 +35,58 @@ bool WarmPicture::SetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32
 
 namespace {
 
+constexpr std::uint32_t kSeed = 4096;
+constexpr std::int32_t kOpaque = 255;
+
+std::uint8_t to_byte(std::int64_t value) {
+    return static_cast<std::uint8_t>(std::clamp<std::int64_t>(value, 0, 255));
+}
+
+/// A parabola from 0 at both ends to 255 in the middle of `size_px`.
+std::int64_t bow(std::int64_t place, std::int64_t size_px) {
+    constexpr std::int64_t kPeak = 255;
+    return 4 * kPeak * place * (size_px - 1 - place) /
+           std::max<std::int64_t>((size_px - 1) * (size_px - 1), 1);
+}
+
+/// Uses integers only: sines and roots differ in their last bits between machines.
+void fill_photographic(Texture& picture) {
+    std::mt19937 random(kSeed);
+    const std::int64_t size_px = picture.width_px;
+    const std::int64_t radius_squared = size_px * size_px / 6;  // about 0.4 of the width
+    std::uint8_t* color = picture.pixels.data();
+    std::uint8_t* alpha = picture.alphas[0].values.data();
+    for (std::int64_t y = 0; y < size_px; ++y) {
+        for (std::int64_t x = 0; x < size_px; ++x) {
+            // Two bits of noise per channel, about as much as a camera sensor adds in daylight.
+            const auto noise = static_cast<std::int64_t>(random());
+            *color++ = to_byte(255 * x / size_px + (noise & 3) - 1);
+            *color++ = to_byte(bow(y, size_px) + ((noise >> 2) & 3) - 1);
+            *color++ = to_byte((bow(x, size_px) + 255 * y / size_px) / 2 + ((noise >> 4) & 3) - 1);
+            const std::int64_t dx = 2 * x - size_px;
+            const std::int64_t dy = 2 * y - size_px;
+            *alpha++ = to_byte((4 * radius_squared - (dx * dx + dy * dy)) * 2048 / (size_px * size_px));
+        }
+    }
+}
+
+void fill_noise(Texture& picture) {
+    std::mt19937 random(kSeed);
+    for (PixelBuffer* buffer : {&picture.pixels, &picture.alphas[0].values}) {
+        for (std::uint8_t& value : *buffer) {
+            value = static_cast<std::uint8_t>(random() >> 24);
+        }
+    }
+}
+
+void fill_flat(Texture& picture) {
+    static constexpr std::uint8_t kColor[] = {200, 120, 40};
+    for (std::size_t i = 0; i < picture.pixels.size(); ++i) {
+        picture.pixels[i] = kColor[i % 3];
+    }
+    std::fill(picture.alphas[0].values.begin(), picture.alphas[0].values.end(), std::uint8_t{kOpaque});
+}
+
 void clear(BaseBitmap& bitmap) {
     for (std::int32_t y = 0; y < bitmap.height(); ++y) {
         std::fill_n(bitmap.PixelRow(y), 3 * std::int64_t{bitmap.width()}, std::uint16_t{1});
@@ -48,9 +100,10 @@ std::vector<std::uint8_t> planes_of(const Texture& picture) {
     std::vector<std::uint8_t> planes(4 * picture.pixel_count());
     for (std::int32_t y = 0; y < picture.height_px; ++y) {
         const PlaneRow row = split_row(picture, y, colour.data());
-        for (std::size_t plane = 0; plane < row.size(); ++plane)
+        for (std::size_t plane = 0; plane < row.size(); ++plane) {
             std::copy_n(row[plane], width,
                         planes.data() + plane * picture.pixel_count() + static_cast<std::size_t>(y) * width);
+        }
     }
     return planes;
 }
@@ -60,9 +113,9 @@ void check(Sample& sample) {
     require(!write_texture(sample.txl, sample.picture), name + "the texture was not written");
     require(save_tiff(sample.tiff, sample.picture), name + "the TIFF was not written");
     require(std::filesystem::file_size(sample.txl) <= std::filesystem::file_size(sample.tiff),
-            name + "the texture's file is larger than the TIFF's");
+            name + "the texture file is larger than the TIFF");
     require(read_texture(sample.txl).texture == sample.picture, name + "the texture reads back different");
-    for (int time = 0; time < 2; ++time) {  // the second time into memory that is kept
+    for (int time = 0; time < 2; ++time) {  // the second time into kept memory
         require(load_texture(sample.txl, sample.warm), name + "the texture does not load");
         require(holds(sample.warm.bitmap(), sample.picture), name + "the bitmap holds different pixels");
         clear(sample.warm.bitmap());
@@ -77,6 +130,39 @@ void check(Sample& sample) {
 }
 
 }  // namespace
+
+const char* picture_name(PictureKind kind) {
+    switch (kind) {
+        case PictureKind::flat:
+            return "flat";
+        case PictureKind::photographic:
+            return "photographic";
+        case PictureKind::noise:
+            return "noise";
+    }
+    return "";
+}
+
+Texture make_picture(PictureKind kind, std::int32_t size_px) {
+    Texture picture;
+    picture.width_px = size_px;
+    picture.height_px = size_px;
+    picture.mode = Texture::kRgb;
+    picture.pixels = PixelBuffer(picture.pixel_count() * 3);
+    picture.alphas.push_back({"Alpha", PixelBuffer(picture.pixel_count())});
+    switch (kind) {
+        case PictureKind::flat:
+            fill_flat(picture);
+            break;
+        case PictureKind::photographic:
+            fill_photographic(picture);
+            break;
+        case PictureKind::noise:
+            fill_noise(picture);
+            break;
+    }
+    return picture;
+}
 
 Sample::Sample(PictureKind kind_wanted, std::int32_t size_wanted_px)
     : kind(kind_wanted),
@@ -93,8 +179,9 @@ std::string Sample::name() const {
 Sample& sample_of(PictureKind kind, std::int32_t size_px) {
     static std::map<std::pair<PictureKind, std::int32_t>, std::unique_ptr<Sample>> known;
     std::unique_ptr<Sample>& sample = known[{kind, size_px}];
-    if (sample == nullptr)
+    if (sample == nullptr) {
         sample = std::make_unique<Sample>(kind, size_px);
+    }
     return *sample;
 }
 

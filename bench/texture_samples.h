@@ -4,14 +4,24 @@
 #include <string>
 #include <vector>
 
-#include "pictures.h"
 #include "support/temporary_folder.h"
 #include "texture/txl/base_bitmap.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/value/texture.h"
 
-/// The host's bitmap and its adapter, as the input module has them, but loaded again and again: for a picture
-/// of the size that it has, the arrays are kept. Fresh pages cost more than decoding.
+enum class PictureKind {
+    flat,          ///< one colour, opaque: the best case of a row coding
+    photographic,  ///< smooth gradients under mild noise, and a disc with a soft rim as alpha
+    noise,         ///< random bytes: the worst case
+};
+
+[[nodiscard]] const char* picture_name(PictureKind kind);
+
+/// A square RGB texture with one alpha channel. The same arguments give the same bytes on every machine.
+[[nodiscard]] Texture make_picture(PictureKind kind, std::int32_t size_px);
+
+/// The host's bitmap and its adapter as in the input module, except that loading another picture of the same
+/// size keeps the arrays: fresh pages cost more than decoding.
 class WarmPicture final : public TXLImage {
   public:
     bool Init(std::int32_t w, std::int32_t h, std::int32_t mode) override;
@@ -29,7 +39,7 @@ class WarmPicture final : public TXLImage {
     std::int32_t mode_ = 0;
 };
 
-/// One picture, its files and warm memory for what is made of it.
+/// One picture, its files, and warm memory to load them into.
 struct Sample {
     PictureKind kind;
     std::int32_t size_px;
@@ -37,23 +47,24 @@ struct Sample {
     Texture picture;
     std::string txl = folder.path("picture.txl");
     std::string tiff = folder.path("picture.tif");
-    std::vector<std::uint8_t> planes;  // the four, one after the other
-    WarmPicture warm;                  // has been loaded
+    std::vector<std::uint8_t> planes;  // all four, one after the other
+    WarmPicture warm;                  // loaded at least once
 
     Sample(PictureKind kind_wanted, std::int32_t size_wanted_px);
 
     [[nodiscard]] std::string name() const;
 };
 
-/// The sample of these arguments, made once. Checked when it is made: every way of loading gives the picture
-/// back, and the texture's file is no larger than the TIFF's.
+/// The sample for these arguments, made on the first call and checked: every way of loading restores the
+/// picture, and the texture file is no larger than the TIFF.
 [[nodiscard]] Sample& sample_of(PictureKind kind, std::int32_t size_px);
 
-/// Loads a texture into a bitmap as the input module does; fresh arrays, the bitmap's first.
+/// Loads a texture into a bitmap without arrays, as the input module does.
 [[nodiscard]] bool load_bitmap(const std::string& path, BaseBitmap& bitmap);
 
-/// Loads a texture into any picture.
+/// Loads a texture into any image sink.
 [[nodiscard]] bool load_texture(const std::string& path, TXLImage& picture);
 
-/// Saves `texture` without looking at the file afterwards, as write_texture does, so that devices are files.
+/// Saves `texture` like write_texture, but without checking the file afterwards, so that `path` may be a
+/// device.
 [[nodiscard]] bool save_texture(const std::string& path, const Texture& texture);

@@ -152,8 +152,9 @@ inline constexpr AEIO_AlphaType kAlphaTypeNone = 3;
 /// A four-character code as the host writes it: the first character in the most significant byte.
 constexpr A_long four_char_code(const char (&text)[5]) {
     std::uint32_t code = 0;
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         code = (code << 8) | static_cast<unsigned char>(text[i]);
+}
     return static_cast<A_long>(code);
 }
 

@@ -1,4 +1,4 @@
-#include "tiff_peer.h"
+#include "texture_peers.h"
 
 #include <fcntl.h>
 #include <tiffio.h>
@@ -8,8 +8,6 @@
 #include <array>
 #include <memory>
 #include <vector>
-
-#include "planar_work.h"
 
 namespace {
 
@@ -38,27 +36,29 @@ std::uint32_t strip_of(std::size_t plane, std::int32_t y, std::int32_t height) {
            static_cast<std::uint32_t>(y);
 }
 
-// Row by row, so that what was split is still in the cache when it is coded.
+// Row by row, so that split rows are still in the cache when they are coded.
 bool save(TIFF* tiff, const Texture& texture) {
-    if (tiff == nullptr || !set_fields(tiff, texture))
+    if (tiff == nullptr || !set_fields(tiff, texture)) {
         return false;
+    }
     const auto width = static_cast<std::size_t>(texture.width_px);
     std::vector<std::uint8_t> colour(3 * width);
-    std::vector<std::uint8_t> alpha(width);  // a copy: the library may change what it is given
+    std::vector<std::uint8_t> alpha(width);  // a copy, because libtiff may change its input
     for (std::int32_t y = 0; y < texture.height_px; ++y) {
         const PlaneRow planes = split_row(texture, y, colour.data());
         std::copy(planes[3], planes[3] + width, alpha.begin());
         for (std::size_t plane = 0; plane < kPlanes; ++plane) {
             std::uint8_t* const row = plane == 3 ? alpha.data() : colour.data() + plane * width;
             if (TIFFWriteEncodedStrip(tiff, strip_of(plane, y, texture.height_px), row, texture.width_px) !=
-                texture.width_px)
+                texture.width_px) {
                 return false;
+            }
         }
     }
     return TIFFFlush(tiff) == 1;
 }
 
-/// A place in a file that is thrown away as it is written.
+/// The position in a file that is discarded as it is written.
 class Nowhere {
   public:
     Nowhere() : device_(::open("/dev/null", O_WRONLY | O_CLOEXEC)) {}
@@ -92,6 +92,46 @@ class Nowhere {
 
 }  // namespace
 
+void expand_row(const PlaneRow& planes, std::int32_t y, BaseBitmap& bitmap) {
+    const std::int64_t width = bitmap.width();
+    std::uint16_t* const colour = bitmap.PixelRow(y);
+    for (std::int64_t x = 0; x < width; ++x) {
+        colour[3 * x] = static_cast<std::uint16_t>(planes[0][x] * 256);
+        colour[3 * x + 1] = static_cast<std::uint16_t>(planes[1][x] * 256);
+        colour[3 * x + 2] = static_cast<std::uint16_t>(planes[2][x] * 256);
+    }
+    std::copy(planes[3], planes[3] + width, bitmap.AlphaRow(1, y));
+}
+
+PlaneRow split_row(const Texture& texture, std::int32_t y, std::uint8_t* colour) {
+    const std::int64_t width = texture.width_px;
+    const std::uint8_t* const pixels = texture.pixels.data() + 3 * width * y;
+    for (std::int64_t x = 0; x < width; ++x) {
+        colour[x] = pixels[3 * x];
+        colour[width + x] = pixels[3 * x + 1];
+        colour[2 * width + x] = pixels[3 * x + 2];
+    }
+    return {colour, colour + width, colour + 2 * width, texture.alphas[0].values.data() + width * y};
+}
+
+bool holds(const BaseBitmap& bitmap, const Texture& texture) {
+    if (bitmap.width() != texture.width_px || bitmap.height() != texture.height_px) {
+        return false;
+    }
+    const auto same_colour = [](std::uint16_t value, std::uint8_t byte) { return value == byte * 256; };
+    const std::uint8_t* colour = texture.pixels.data();
+    const std::uint8_t* alpha = texture.alphas[0].values.data();
+    const std::int64_t width = bitmap.width();
+    for (std::int32_t y = 0; y < bitmap.height(); ++y, colour += 3 * width, alpha += width) {
+        const std::uint16_t* const alpha_row = bitmap.AlphaRow(1, y);
+        if (alpha_row == nullptr || !std::equal(alpha, alpha + width, alpha_row) ||
+            !std::equal(bitmap.PixelRow(y), bitmap.PixelRow(y) + 3 * width, colour, same_colour)) {
+            return false;
+        }
+    }
+    return true;
+}
+
 bool save_tiff(const std::string& path, const Texture& texture) {
     const Tiff tiff(TIFFOpen(path.c_str(), "w"));
     return save(tiff.get(), texture);
@@ -105,7 +145,7 @@ bool save_tiff_nowhere(const Texture& texture) {
 }
 
 bool load_tiff(const std::string& path, BaseBitmap& bitmap) {
-    const Tiff tiff(TIFFOpen(path.c_str(), "r"));  // maps the file, which is the faster way
+    const Tiff tiff(TIFFOpen(path.c_str(), "r"));  // maps the file, which is faster than reading it
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint16_t planes = 0;
@@ -113,17 +153,20 @@ bool load_tiff(const std::string& path, BaseBitmap& bitmap) {
         TIFFGetField(tiff.get(), TIFFTAG_IMAGELENGTH, &height) != 1 ||
         TIFFGetField(tiff.get(), TIFFTAG_SAMPLESPERPIXEL, &planes) != 1 || planes != kPlanes ||
         static_cast<std::int32_t>(width) != bitmap.width() ||
-        static_cast<std::int32_t>(height) != bitmap.height() || TIFFStripSize64(tiff.get()) != width)
+        static_cast<std::int32_t>(height) != bitmap.height() || TIFFStripSize64(tiff.get()) != width) {
         return false;
+    }
     std::vector<std::uint8_t> decoded(std::size_t{kPlanes} * width);
     PlaneRow rows{};
-    for (std::size_t plane = 0; plane < kPlanes; ++plane)
+    for (std::size_t plane = 0; plane < kPlanes; ++plane) {
         rows[plane] = decoded.data() + plane * width;
+    }
     for (std::int32_t y = 0; y < bitmap.height(); ++y) {
         for (std::size_t plane = 0; plane < kPlanes; ++plane) {
             if (TIFFReadEncodedStrip(tiff.get(), strip_of(plane, y, bitmap.height()),
-                                     decoded.data() + plane * width, bitmap.width()) != bitmap.width())
+                                     decoded.data() + plane * width, bitmap.width()) != bitmap.width()) {
                 return false;
+            }
         }
         expand_row(rows, y, bitmap);
     }
