@@ -15,7 +15,7 @@ namespace imageio {
 
 namespace {
 
-/// The first channel with one of these names, letters of either case; -1 when there is none.
+/// The first channel with one of these names in any case; -1 if there is none.
 int find_channel(const OIIO::ImageSpec& spec, std::initializer_list<std::string_view> names) {
     for (std::size_t channel = 0; channel < spec.channelnames.size(); ++channel) {
         for (const std::string_view name : names) {
@@ -58,10 +58,10 @@ std::string unused_name(const std::string& wanted, std::set<std::string>& used) 
     return name;
 }
 
-/// By far the most frequent row: a pixel is a word.
+/// Interleaves RGB and one alpha, by far the most frequent case: a pixel is one 32-bit word.
 void join_rgba(const std::uint8_t* rgb, const std::uint8_t* alpha, std::size_t width, std::uint8_t* row) {
     std::size_t x = 0;
-    for (; x + 1 < width; ++x) {  // the word of the last pixel would reach out of its row
+    for (; x + 1 < width; ++x) {  // the last pixel's word would read past the row
         const auto colour = LoadLittle<std::uint32_t>(rgb + 3 * x) & 0xFFFFFFU;
         StoreLittle(colour | std::uint32_t{alpha[x]} << 24, row + 4 * x);
     }

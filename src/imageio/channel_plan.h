@@ -8,37 +8,38 @@
 
 #include "texture/value/texture.h"
 
-// Which channel of an image is which channel of a texture, in both directions.
+// How the channels of images and of textures correspond, in both directions.
 
 namespace imageio {
 
-/// How the channels of an image are stored in a texture.
+/// Where each channel of an image is stored in a texture.
 struct ChannelPlan {
     std::int32_t mode = Texture::kRgb;
-    std::vector<int> colour;  // channels of the image: one for grey, R, G, B for RGB
-    std::vector<int> alphas;  // all others; the image's own alpha first, the rest in their order
+    std::vector<int> colour;  // indices of the image's channels: one for grey; R, G, B for RGB
+    std::vector<int> alphas;  // all other channels: the image's own alpha first, the rest in order
 
     [[nodiscard]] int channels() const { return static_cast<int>(colour.size() + alphas.size()); }
 };
 
-/// By name where the names say it: "R", "G", "B" wherever they stand, else "Y" for grey. Otherwise by
-/// position: one or two channels are grey (and alpha), three or more RGB (and alphas). A channel that is the
-/// image's alpha is never colour, unless it is the only one.
+/// Chooses colour by name if it can: "R", "G", "B" at any position, else "Y" for grey. Otherwise by position:
+/// one or two channels are grey (and alpha), three or more are RGB (and alphas). The image's alpha channel is
+/// never colour unless it is the only channel.
 [[nodiscard]] ChannelPlan plan_channels(const OIIO::ImageSpec& spec);
 
-/// "Y" or "R", "G", "B", then "A" for the first alpha and the layers' own names for the others. No two are
-/// the same: a name that an earlier channel has gets ".2", ".3" and so on behind it.
+/// "Y" or "R", "G", "B", then "A" for the first alpha and the layers' own names for the others. Names are
+/// unique: a name that an earlier channel has gets the suffix ".2", ".3" and so on.
 [[nodiscard]] std::vector<std::string> channel_names(const Texture& texture);
 
-/// Row `y` of `texture` as `channel_names` orders it, channels interleaved, into width * channels bytes.
+/// Copies row `y` of `texture` to `row`, width * channels bytes, with channels interleaved in the order of
+/// `channel_names`.
 void copy_row_out(const Texture& texture, std::int32_t y, std::uint8_t* row);
 
-/// `count` pixels from (x, y) on, of `image_channels` interleaved bytes each, as `plan` sorts them. They must
-/// lie in the texture, which must have the plan's mode and number of alphas.
+/// Stores `count` pixels of `image_channels` interleaved bytes each at (x, y) and to its right, as `plan`
+/// says. The pixels must lie inside the texture, which must have the plan's mode and number of alphas.
 void copy_row_in(Texture& texture, const ChannelPlan& plan, std::int32_t x, std::int32_t y,
                  std::int32_t count, const std::uint8_t* row, int image_channels);
 
-/// A black texture of this size, with the plan's channels named as its image names them. Throws
+/// A black texture of this size with the channels of `plan`, whose alphas are named as in `spec`. Throws
 /// std::bad_alloc.
 [[nodiscard]] Texture make_texture(std::int32_t width_px, std::int32_t height_px, const ChannelPlan& plan,
                                    const OIIO::ImageSpec& spec);

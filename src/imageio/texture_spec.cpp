@@ -16,7 +16,7 @@ void add_layers(OIIO::ImageSpec& spec, const TextureReading& reading, std::size_
     if (layers.size() < alpha_count) {
         return;
     }
-    // The last ones: a second texture header drops the alphas of the layers before it.
+    // Only the last layers have alphas: a second texture header drops those of the layers before it.
     const std::size_t dropped = layers.size() - alpha_count;
     for (std::size_t i = 0; i < alpha_count; ++i) {
         const ChunkOutline::Layer& layer = layers[dropped + i];
@@ -53,7 +53,7 @@ std::string refuse_image(const OIIO::ImageSpec& spec) {
                                           spec.width, spec.height, spec.nchannels);
     }
     if (std::int64_t{spec.width} * spec.height > limits::kTexturePixels.value) {
-        return OIIO::Strutil::fmt::format("{} x {} pixels are more than the 2^30 of the largest texture",
+        return OIIO::Strutil::fmt::format("{} x {} pixels exceed the largest texture, which has 2^30",
                                           spec.width, spec.height);
     }
     return {};

@@ -15,7 +15,7 @@ namespace imageio {
 
 namespace {
 
-/// The library's own limit on decoded images, where it is below the reader's.
+/// Applies OpenImageIO's limit on decoded images if it is below the reader's.
 TextureReadOptions read_options() {
     TextureReadOptions options;
     constexpr int kBytesPerMebibyteBits = 20;
@@ -33,7 +33,7 @@ TxlInput::~TxlInput() {
 }
 
 bool TxlInput::valid_file(const std::string& filename) const {
-    // Regular files only: the library asks about any name, and a pipe must not make it wait.
+    // Regular files only: OpenImageIO asks about any name, and a pipe must not make it wait.
     std::FILE* const file = os::open_regular_file(filename.c_str());
     if (file == nullptr) {
         return false;
@@ -46,7 +46,7 @@ bool TxlInput::valid_file(const std::string& filename) const {
 
 bool TxlInput::open(const std::string& name, OIIO::ImageSpec& newspec) {
     close();
-    // Exceptions end here: the library's callers do not expect any.
+    // OpenImageIO's callers do not expect exceptions.
     try {
         if (!load(name)) {
             close();
@@ -69,13 +69,13 @@ bool TxlInput::load(const std::string& name) {
     }
     m_spec = texture_spec(reading);
     if (m_spec.width < 1 || m_spec.height < 1) {
-        errorfmt("{}: the picture is {} x {} pixels, there is nothing to read", name, m_spec.width,
+        errorfmt("{}: the picture has {} x {} pixels; there is nothing to read", name, m_spec.width,
                  m_spec.height);
         return false;
     }
     const int max_channels = OIIO::get_int_attribute("limits:channels", 0);
     if (max_channels > 0 && m_spec.nchannels > max_channels) {
-        errorfmt("{}: {} channels, limits:channels is {}", name, m_spec.nchannels, max_channels);
+        errorfmt("{}: {} channels exceed limits:channels, which is {}", name, m_spec.nchannels, max_channels);
         return false;
     }
     texture_ = std::move(reading.texture);
@@ -95,11 +95,11 @@ bool TxlInput::read_native_scanline(int subimage, int miplevel, int y, int /*z*/
         return false;
     }
     if (!seek_subimage(subimage, miplevel)) {
-        errorfmt("subimage {}, level {}: a texture has one image", subimage, miplevel);
+        errorfmt("subimage {}, level {}: a texture has only one image", subimage, miplevel);
         return false;
     }
     if (y < 0 || y >= texture_->height_px) {
-        errorfmt("row {} is outside the picture, which has {}", y, texture_->height_px);
+        errorfmt("row {} is outside the picture, which has {} rows", y, texture_->height_px);
         return false;
     }
     copy_row_out(*texture_, y, static_cast<std::uint8_t*>(data));

@@ -9,13 +9,13 @@
 
 namespace imageio {
 
-/// Reads layered textures for OpenImageIO: "Y" or "R", "G", "B", then one channel for every alpha, 8 bits
-/// each (see texture_spec). Opening decodes the whole file, because a texture's alphas follow its colour; the
-/// one decoded copy is what scanlines are taken from until `close`. One image a file: no subimages, no
-/// smaller levels, no tiles. Scanlines may be read from several threads at once.
+/// Reads layered textures for OpenImageIO: "Y" or "R", "G", "B", then a channel for every alpha, 8 bits each
+/// (see texture_spec). Opening decodes the whole file, because a texture's alphas follow its colour;
+/// scanlines come from that one copy until `close`. A file has one image: no subimages, no smaller levels, no
+/// tiles. Several threads may read scanlines at once.
 ///
-/// Refused with an error that names the byte and the chunk: what `read_texture` refuses, a picture without
-/// pixels, and what is above the library's own "limits:imagesize_MB" and "limits:channels".
+/// Refuses what `read_texture` refuses, with an error that names the byte and the chunk, as well as pictures
+/// without pixels and pictures above OpenImageIO's own "limits:imagesize_MB" and "limits:channels".
 class TxlInput final : public OIIO::ImageInput {
   public:
     TxlInput() = default;

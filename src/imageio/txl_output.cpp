@@ -14,15 +14,15 @@ TxlOutput::~TxlOutput() {
 }
 
 int TxlOutput::supports(OIIO::string_view feature) const {
-    // All rows are held until the file is written, because a texture's alphas follow its colour. That makes
-    // the order in which they come free.
+    // All rows are kept until the file is written, because a texture's alphas follow its colour, so they may
+    // come in any order.
     return feature == "alpha" || feature == "nchannels" || feature == "random_access" ? 1 : 0;
 }
 
 bool TxlOutput::open(const std::string& name, const OIIO::ImageSpec& newspec, OpenMode mode) {
     writing_.reset();
     if (mode != Create) {
-        errorfmt("{}: a texture has one image, no subimages and no smaller levels", name);
+        errorfmt("{}: a texture has only one image, without subimages or smaller levels", name);
         return false;
     }
     if (const std::string reason = refuse_image(newspec); !reason.empty()) {
@@ -31,7 +31,7 @@ bool TxlOutput::open(const std::string& name, const OIIO::ImageSpec& newspec, Op
     }
     m_spec = newspec;
     m_spec.set_format(OIIO::TypeDesc::UINT8);
-    // Exceptions end here: the library's callers do not expect any.
+    // OpenImageIO's callers do not expect exceptions.
     try {
         return prepare(name);
     } catch (const std::exception& failure) {
@@ -81,7 +81,7 @@ bool TxlOutput::finish(Writing& writing) {
     const auto missing = std::find(writing.written.begin(), writing.written.end(), false);
     if (missing != writing.written.end()) {
         const auto row = static_cast<std::size_t>(missing - writing.written.begin()) / writing.columns;
-        errorfmt("{}: closed before row {} of {} was written; no file was made", writing.name, row,
+        errorfmt("{}: closed before row {} of {} was written; no file is created", writing.name, row,
                  m_spec.height);
         return false;
     }
@@ -107,7 +107,7 @@ bool TxlOutput::write_scanline(int y, int z, OIIO::TypeDesc format, const void* 
     }
     const int row = y - m_spec.y;
     if (row < 0 || row >= m_spec.height) {
-        errorfmt("{}: row {} is outside the picture, which has {}", writing_->name, row, m_spec.height);
+        errorfmt("{}: row {} is outside the picture, which has {} rows", writing_->name, row, m_spec.height);
         return false;
     }
     const void* native = to_native_scanline(format, data, xstride, writing_->scratch, writing_->dither, y, z);
@@ -126,7 +126,7 @@ bool TxlOutput::write_tile(int x, int y, int z, OIIO::TypeDesc format, const voi
     const int top = y - m_spec.y;
     if (m_spec.tile_width < 1 || m_spec.tile_height < 1 || left < 0 || top < 0 || left >= m_spec.width ||
         top >= m_spec.height || left % m_spec.tile_width != 0 || top % m_spec.tile_height != 0) {
-        errorfmt("{}: no tile begins at {}, {}", writing_->name, x, y);
+        errorfmt("{}: no tile starts at {}, {}", writing_->name, x, y);
         return false;
     }
     const void* native =

@@ -12,22 +12,22 @@
 
 namespace imageio {
 
-/// Writes layered textures for OpenImageIO. Any number of channels (see plan_channels), 8 bits each; values
-/// of other types are converted by the library. Rows and tiles may come in any order. Metadata and channel
+/// Writes layered textures for OpenImageIO: any number of channels (see plan_channels), 8 bits each;
+/// OpenImageIO converts values of other types. Rows and tiles may come in any order. Metadata and channel
 /// names are not stored.
 ///
-/// The alpha of a texture is associated, as is that of every image in the library, so values are stored as
-/// they are given. That holds for an image marked "oiio:UnassociatedAlpha" as well: its caller has asked the
-/// library to keep its hands off, and the bytes of a PNG become the texture's bytes.
+/// The alpha of a texture is associated, like that of every image in OpenImageIO, so values are stored as
+/// given. This includes images marked "oiio:UnassociatedAlpha": their caller asked for unchanged bytes, and
+/// the bytes of a PNG become the texture's bytes.
 ///
-/// The file appears when `close` has succeeded and not before: what was there stays as it is until then, also
-/// when the image was closed before all of it was written, which is an error.
+/// The file appears only after `close` succeeded; until then an existing file stays as it is. Closing an
+/// image before all of it was written is an error.
 class TxlOutput final : public OIIO::ImageOutput {
   public:
     TxlOutput() = default;
     TxlOutput(const TxlOutput&) = delete;
     TxlOutput& operator=(const TxlOutput&) = delete;
-    /// Closes; what goes wrong then is told to nobody.
+    /// Closes and ignores errors: a destructor has no way to report them.
     ~TxlOutput() override;
 
     [[nodiscard]] const char* format_name() const override { return "txl"; }
@@ -41,21 +41,21 @@ class TxlOutput final : public OIIO::ImageOutput {
                     OIIO::stride_t ystride, OIIO::stride_t zstride) override;
 
   private:
-    /// Everything that belongs to one open file.
+    /// The state of one open file.
     struct Writing {
         os::ReplacementFile file;
         std::string name;
         ChannelPlan plan;
         Texture texture;
-        std::size_t columns;                // of tiles; 1 for an image in rows
-        std::vector<bool> written;          // for each row, each column of tiles
-        std::vector<std::uint8_t> scratch;  // for the library's conversions
+        std::size_t columns;                // of tiles; 1 for an image in scanlines
+        std::vector<bool> written;          // for each row: each column of tiles
+        std::vector<std::uint8_t> scratch;  // for OpenImageIO's conversions
         unsigned dither = 0;
     };
 
     bool prepare(const std::string& name);
     bool finish(Writing& writing);
-    /// Rows of `stride_bytes`; the part that lies in the picture is stored.
+    /// Stores the part that lies inside the picture. Rows of `bytes` are `stride_bytes` apart.
     void store(Writing& writing, OIIO::ROI part, const std::uint8_t* bytes, std::size_t stride_bytes);
 
     std::optional<Writing> writing_;

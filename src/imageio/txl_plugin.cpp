@@ -1,11 +1,11 @@
-// What OpenImageIO looks up by name in a file called txl.imageio.so.
+// The symbols that OpenImageIO looks up in a file called txl.imageio.so.
 
 #include <OpenImageIO/imageio.h>
 
 #include "imageio/txl_input.h"
 #include "imageio/txl_output.h"
 
-// The names and their types are the library's; it finds them in the file, so nothing else declares them.
+// OpenImageIO defines these names and types; no header declares them.
 extern "C" {
 
 OIIO_EXPORT int txl_imageio_version = OIIO_PLUGIN_VERSION;
@@ -13,7 +13,7 @@ OIIO_EXPORT const char* txl_input_extensions[] = {"txl", nullptr};
 OIIO_EXPORT const char* txl_output_extensions[] = {"txl", nullptr};
 
 OIIO_EXPORT const char* txl_imageio_library_version() {
-    return nullptr;  // reads the format by itself, without another library
+    return nullptr;  // the plug-in needs no other library
 }
 
 OIIO_EXPORT OIIO::ImageInput* txl_input_imageio_create() {

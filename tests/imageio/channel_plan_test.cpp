@@ -29,23 +29,23 @@ constexpr auto kRgb = Texture::kRgb;
 
 const PlanCase kPlans[] = {
     {"one_channel_is_grey", {"Y"}, -1, kGrey, {0}, {}},
-    {"a_lone_alpha_is_grey_too", {"A"}, 0, kGrey, {0}, {}},
-    {"a_lone_channel_of_any_name_is_grey", {"depth.Z"}, -1, kGrey, {0}, {}},
+    {"a_single_alpha_is_grey_as_well", {"A"}, 0, kGrey, {0}, {}},
+    {"a_single_channel_of_any_name_is_grey", {"depth.Z"}, -1, kGrey, {0}, {}},
     {"two_channels_are_grey_and_alpha", {"Y", "A"}, 1, kGrey, {0}, {1}},
     {"two_unnamed_channels_are_grey_and_alpha", {"channel0", "channel1"}, -1, kGrey, {0}, {1}},
     {"alpha_before_grey", {"A", "Y"}, 0, kGrey, {1}, {0}},
-    {"alpha_before_a_nameless_channel", {"A", "channel1"}, 0, kGrey, {1}, {0}},
+    {"alpha_before_an_unnamed_channel", {"A", "channel1"}, 0, kGrey, {1}, {0}},
     {"three_channels_are_rgb", {"R", "G", "B"}, -1, kRgb, {0, 1, 2}, {}},
     {"three_unnamed_channels_are_rgb", {"channel0", "channel1", "channel2"}, -1, kRgb, {0, 1, 2}, {}},
     {"names_in_lower_case", {"r", "g", "b", "a"}, 3, kRgb, {0, 1, 2}, {3}},
     {"names_in_full", {"Red", "Green", "Blue"}, -1, kRgb, {0, 1, 2}, {}},
-    {"names_backwards", {"A", "B", "G", "R"}, 0, kRgb, {3, 2, 1}, {0}},
+    {"names_in_reverse_order", {"A", "B", "G", "R"}, 0, kRgb, {3, 2, 1}, {0}},
     {"further_channels_are_alphas", {"R", "G", "B", "A", "Z", "mask"}, 3, kRgb, {0, 1, 2}, {3, 4, 5}},
     {"the_alpha_comes_first", {"R", "G", "B", "Z", "A"}, 4, kRgb, {0, 1, 2}, {4, 3}},
     {"rgb_beside_grey", {"Y", "R", "G", "B"}, -1, kRgb, {1, 2, 3}, {0}},
     {"grey_by_name_with_many_alphas", {"Y", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
-    {"grey_by_the_place_of_the_alpha", {"channel0", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
-    {"alpha_named_in_a_place_out_of_range", {"R", "G", "B"}, 7, kRgb, {0, 1, 2}, {}},
+    {"grey_by_the_position_of_the_alpha", {"channel0", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
+    {"alpha_channel_out_of_range", {"R", "G", "B"}, 7, kRgb, {0, 1, 2}, {}},
 };
 
 class PlanChannels : public ::testing::TestWithParam<PlanCase> {};
@@ -71,7 +71,7 @@ TEST(ChannelNames, first_alpha_is_a_and_the_others_keep_their_names) {
                 ElementsAre("R", "G", "B", "A", "Alpha.2", "Alpha.3"));
 }
 
-TEST(ChannelNames, layers_named_like_channels_are_told_apart) {
+TEST(ChannelNames, layers_named_like_channels_get_unique_names) {
     Texture texture = made_texture(2, 2, kRgb, 5);
     texture.alphas[1].name = "R";
     texture.alphas[2].name = "A";
@@ -81,7 +81,7 @@ TEST(ChannelNames, layers_named_like_channels_are_told_apart) {
                 ElementsAre("R", "G", "B", "A", "R.2", "A.2", "A.2.2", "A.3"));
 }
 
-TEST(CopyRow, out_and_in_again_keeps_every_byte) {
+TEST(CopyRow, out_and_back_in_keeps_every_byte) {
     for (const std::int32_t mode : {kGrey, kRgb}) {
         for (const int alphas : {0, 1, 3}) {
             const Texture texture = made_texture(5, 7, mode, alphas);
@@ -108,7 +108,7 @@ std::vector<int> bytes_of(const PixelBuffer& buffer) {
     return {buffer.begin(), buffer.end()};
 }
 
-TEST(CopyRow, in_fills_only_the_pixels_that_are_given) {
+TEST(CopyRow, in_fills_only_the_given_pixels) {
     OIIO::ImageSpec spec(4, 2, 2, OIIO::TypeDesc::UINT8);
     const imageio::ChannelPlan plan = imageio::plan_channels(spec);
     Texture texture = imageio::make_texture(4, 2, plan, spec);

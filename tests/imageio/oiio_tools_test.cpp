@@ -1,4 +1,4 @@
-// The plug-in in the programs that people use: oiiotool, iinfo and idiff find it through OIIO_LIBRARY_PATH.
+// The plug-in inside oiiotool, iinfo and idiff, which find it through OIIO_LIBRARY_PATH.
 
 #include <gmock/gmock.h>
 
@@ -81,7 +81,7 @@ TEST_P(RoundTrip, keeps_every_byte) {
 
     EXPECT_TRUE(succeeds({"oiiotool", first, "-o", between}));
     EXPECT_TRUE(succeeds({"oiiotool", between, "-o", second}));
-    // OpenEXR gets halves, which are near n / 255 and round back to n, so only the way there and back is
+    // OpenEXR stores halves, which are close to n / 255 and round back to n, so only the whole round trip is
     // exact.
     const bool halves = GetParam().extension == std::string("exr");
     EXPECT_TRUE(succeeds({"idiff", "-fail", "0", first, halves ? second : between}));
@@ -91,8 +91,8 @@ TEST_P(RoundTrip, keeps_every_byte) {
 INSTANTIATE_TEST_SUITE_P(Table, RoundTrip, ::testing::ValuesIn(kTrips),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(PngWithAlpha, keeps_every_byte_when_the_library_is_told_to_keep_its_hands_off) {
-    // PNG stores unassociated alpha, so the library divides on the way out and multiplies on the way in.
+TEST(PngWithAlpha, keeps_every_byte_when_conversion_is_switched_off) {
+    // PNG stores unassociated alpha, so by default OpenImageIO divides on writing and multiplies on reading.
     for (const std::int32_t mode : {Texture::kGrey, Texture::kRgb}) {
         const TemporaryFolder folder;
         const Texture texture = made_texture(67, 31, mode, 1);
@@ -105,12 +105,12 @@ TEST(PngWithAlpha, keeps_every_byte_when_the_library_is_told_to_keep_its_hands_o
     }
 }
 
-TEST(PngWithAlpha, is_divided_and_multiplied_otherwise) {
+TEST(PngWithAlpha, is_divided_and_multiplied_by_default) {
     const TemporaryFolder folder;
     Texture texture = made_texture(3, 1, Texture::kGrey, 1);
     texture.pixels[0] = 64;  // associated: 64 of 128 is half of full brightness
     texture.alphas[0].values[0] = 128;
-    texture.pixels[1] = 200;  // opaque: as it is
+    texture.pixels[1] = 200;  // opaque: unchanged
     texture.alphas[0].values[1] = 255;
     texture.pixels[2] = 0;
     texture.alphas[0].values[2] = 0;
@@ -124,7 +124,7 @@ TEST(PngWithAlpha, is_divided_and_multiplied_otherwise) {
     EXPECT_EQ(stored.pixels[2], 0);
     EXPECT_TRUE(stored.alphas == texture.alphas);
     ASSERT_TRUE(succeeds({"oiiotool", folder.path("between.png"), "-o", folder.path("second.txl")}));
-    // Rounded down on both ways.
+    // Rounded down in both directions.
     const Texture second = read_back(folder.path("second.txl"));
     EXPECT_NEAR(second.pixels[0], 64, 1);
     EXPECT_EQ(second.pixels[1], 200);
@@ -132,7 +132,7 @@ TEST(PngWithAlpha, is_divided_and_multiplied_otherwise) {
     EXPECT_TRUE(second.alphas == texture.alphas);
 }
 
-TEST(Oiiotool, a_png_gets_the_first_alpha_of_many_and_says_so) {
+TEST(Oiiotool, a_png_gets_the_first_of_many_alphas_and_a_message) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(16, 16, Texture::kRgb, 3);
     ASSERT_FALSE(write_texture(folder.path("a.txl"), texture).has_value());
@@ -168,7 +168,7 @@ TEST(Oiiotool, a_texture_gets_the_first_image_of_many) {
     EXPECT_EQ(read_back(folder.path("a.txl")).width_px, 8);
 }
 
-TEST(Oiiotool, tiled_images_and_crops_are_written_in_rows) {
+TEST(Oiiotool, tiled_images_and_crops_become_rows) {
     const TemporaryFolder folder;
     ASSERT_TRUE(succeeds({"oiiotool", "--pattern", "fill:topleft=0,0,0:bottomright=1,1,1", "70x50", "3", "-d",
                           "uint8", "--tile", "16", "16", "-o", folder.path("a.tif")}));
@@ -198,7 +198,7 @@ TEST(Iinfo, lists_the_format_with_its_extension) {
     EXPECT_THAT(result.out, HasSubstr("txl"));
 }
 
-TEST(Oiiotool, a_texture_is_known_by_its_first_bytes_whatever_its_name) {
+TEST(Oiiotool, a_texture_is_recognised_by_its_first_bytes_under_any_name) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(8, 8, Texture::kRgb, 0);
     ASSERT_FALSE(write_texture(folder.path("a.tex"), texture).has_value());
@@ -210,7 +210,7 @@ std::string first_bytes(const std::string& path, std::size_t count) {
     return content_of(path).substr(0, count);
 }
 
-TEST(WrongInput, is_an_error_with_its_place_and_leaves_no_output) {
+TEST(WrongInput, is_an_error_with_a_position_and_leaves_no_output) {
     const TemporaryFolder folder;
     ASSERT_FALSE(write_texture(folder.path("whole.txl"), made_texture(64, 64, Texture::kRgb, 1)).has_value());
     const struct {
@@ -232,7 +232,7 @@ TEST(WrongInput, is_an_error_with_its_place_and_leaves_no_output) {
     }
 }
 
-TEST(WrongOutput, is_an_error_and_leaves_what_was_there) {
+TEST(WrongOutput, is_an_error_and_keeps_the_existing_file) {
     const TemporaryFolder folder;
     const std::string path = folder.write("there.txl", "what was there");
     ASSERT_TRUE(succeeds({"oiiotool", "--create", "32x32", "3", "-d", "uint8", "-o", folder.path("a.tif")}));

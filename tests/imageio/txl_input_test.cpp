@@ -19,7 +19,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 
-/// A whole small texture as a file's bytes.
+/// The bytes of the file of `texture`.
 std::string texture_bytes(const Texture& texture) {
     const TemporaryFolder folder;
     EXPECT_FALSE(write_texture(folder.path("t.txl"), texture).has_value());
@@ -36,7 +36,7 @@ std::vector<std::uint8_t> interleaved(const Texture& texture) {
     return all;
 }
 
-TEST(TxlInput, reads_every_channel_as_it_is_stored) {
+TEST(TxlInput, reads_every_channel_as_stored) {
     const TemporaryFolder folder;
     for (const std::int32_t mode : {Texture::kGrey, Texture::kRgb}) {
         for (const int alphas : {0, 1, 3}) {
@@ -80,7 +80,7 @@ TEST(TxlInput, rows_come_in_any_order_and_from_several_threads) {
     EXPECT_EQ(pixels, interleaved(texture));
 }
 
-TEST(TxlInput, tells_mode_layers_and_attributes) {
+TEST(TxlInput, reports_mode_layers_and_attributes) {
     const TemporaryFolder folder;
     ASSERT_FALSE(write_texture(folder.path("a.txl"), made_texture(3, 3, Texture::kRgb, 2)).has_value());
     imageio::TxlInput input;
@@ -96,9 +96,9 @@ TEST(TxlInput, tells_mode_layers_and_attributes) {
     EXPECT_EQ(spec.get_string_attribute("txl:warnings"), "");
 }
 
-TEST(TxlInput, tells_what_was_passed_over) {
+TEST(TxlInput, reports_what_it_skipped) {
     const TemporaryFolder folder;
-    // An unknown chunk behind the texture.
+    // An unknown chunk after the texture.
     const std::string path = folder.write(
         "a.txl", texture_bytes(made_texture(3, 3, Texture::kRgb, 0)) + std::string("\1ABCD\0\0\0\0\2", 10));
     imageio::TxlInput input;
@@ -107,7 +107,7 @@ TEST(TxlInput, tells_what_was_passed_over) {
     EXPECT_THAT(spec.get_string_attribute("txl:warnings"), HasSubstr("chunk-skipped x 1 from 0x"));
 }
 
-TEST(TxlInput, valid_file_looks_at_magic_and_ident) {
+TEST(TxlInput, valid_file_checks_magic_and_ident) {
     const TemporaryFolder folder;
     const imageio::TxlInput input;
     EXPECT_TRUE(input.valid_file(folder.write("named.otherwise", "AVXRTexa")));
@@ -117,7 +117,7 @@ TEST(TxlInput, valid_file_looks_at_magic_and_ident) {
     EXPECT_FALSE(input.valid_file(folder.write("empty.txl", "")));
     EXPECT_FALSE(input.valid_file(folder.path("missing.txl")));
     EXPECT_FALSE(input.valid_file(folder.folder().string()));
-    // Nobody writes to this pipe: looking at it must not wait.
+    // Nothing writes to this pipe: checking it must not wait.
     const std::string pipe = folder.path("pipe.txl");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
     EXPECT_FALSE(input.valid_file(pipe));
@@ -126,7 +126,7 @@ TEST(TxlInput, valid_file_looks_at_magic_and_ident) {
 struct RefusedCase {
     const char* name;
     std::string bytes;
-    const char* message;  // a part of it
+    const char* message;  // part of it
 
     friend std::ostream& operator<<(std::ostream& out, const RefusedCase& c) { return out << c.name; }
 };
@@ -141,7 +141,7 @@ std::vector<RefusedCase> refused_cases() {
         {"other_magic", "II*\0................", "a.txl"},
         {"ends_in_a_block", whole.substr(0, 200), "a.txl@0x"},
         {"ends_in_a_block_says_where", whole.substr(0, 200), "(in 502 > TaVx)"},
-        {"nothing_behind_the_start", "AVXRTexa", "a.txl@0x8"},
+        {"nothing_after_the_start", "AVXRTexa", "a.txl@0x8"},
         {"no_texture_header", "AVXRTexa" + std::string("\1ABCD\0\0\0\0\2", 10), "no texture header"},
         {"no_pixels", texture_bytes(nothing), "0 x 8 pixels"},
     };
@@ -149,13 +149,13 @@ std::vector<RefusedCase> refused_cases() {
 
 class TxlInputRefuses : public ::testing::TestWithParam<RefusedCase> {};
 
-TEST_P(TxlInputRefuses, with_the_place_and_the_reason) {
+TEST_P(TxlInputRefuses, with_a_position_and_a_reason) {
     const TemporaryFolder folder;
     imageio::TxlInput input;
     OIIO::ImageSpec spec;
     EXPECT_FALSE(input.open(folder.write("a.txl", GetParam().bytes), spec));
     EXPECT_THAT(input.geterror(), HasSubstr(GetParam().message));
-    // Refused is closed: nothing can be read from it.
+    // A refused file is closed: nothing can be read from it.
     std::vector<std::uint8_t> row(1024);
     EXPECT_FALSE(input.read_native_scanline(0, 0, 0, 0, row.data()));
     EXPECT_THAT(input.geterror(), HasSubstr("no texture is open"));
@@ -164,7 +164,7 @@ TEST_P(TxlInputRefuses, with_the_place_and_the_reason) {
 INSTANTIATE_TEST_SUITE_P(Table, TxlInputRefuses, ::testing::ValuesIn(refused_cases()),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(TxlInput, a_missing_file_is_an_error_of_the_library) {
+TEST(TxlInput, a_missing_file_is_an_error) {
     const TemporaryFolder folder;
     imageio::TxlInput input;
     OIIO::ImageSpec spec;
@@ -172,7 +172,7 @@ TEST(TxlInput, a_missing_file_is_an_error_of_the_library) {
     EXPECT_THAT(input.geterror(), HasSubstr("missing.txl"));
 }
 
-TEST(TxlInput, wrong_use_is_an_error_of_the_library) {
+TEST(TxlInput, wrong_use_is_an_error) {
     const TemporaryFolder folder;
     ASSERT_FALSE(write_texture(folder.path("a.txl"), made_texture(4, 4, Texture::kGrey, 0)).has_value());
     imageio::TxlInput input;
@@ -180,17 +180,17 @@ TEST(TxlInput, wrong_use_is_an_error_of_the_library) {
     ASSERT_TRUE(input.open(folder.path("a.txl"), spec));
     std::vector<std::uint8_t> row(4);
     EXPECT_FALSE(input.read_native_scanline(0, 0, 4, 0, row.data()));
-    EXPECT_THAT(input.geterror(), HasSubstr("row 4 is outside the picture, which has 4"));
+    EXPECT_THAT(input.geterror(), HasSubstr("row 4 is outside the picture, which has 4 rows"));
     EXPECT_FALSE(input.read_native_scanline(0, 0, -1, 0, row.data()));
     EXPECT_TRUE(input.has_error());
     (void)input.geterror();
     EXPECT_FALSE(input.read_native_scanline(1, 0, 0, 0, row.data()));
-    EXPECT_THAT(input.geterror(), HasSubstr("a texture has one image"));
+    EXPECT_THAT(input.geterror(), HasSubstr("a texture has only one image"));
     EXPECT_FALSE(input.seek_subimage(0, 1));
     EXPECT_TRUE(input.read_native_scanline(0, 0, 3, 0, row.data()));
 }
 
-TEST(TxlInput, opening_another_file_lets_go_of_the_first) {
+TEST(TxlInput, opening_another_file_closes_the_first) {
     const TemporaryFolder folder;
     ASSERT_FALSE(write_texture(folder.path("a.txl"), made_texture(4, 4, Texture::kGrey, 0)).has_value());
     ASSERT_FALSE(write_texture(folder.path("b.txl"), made_texture(2, 6, Texture::kRgb, 1)).has_value());
@@ -202,7 +202,7 @@ TEST(TxlInput, opening_another_file_lets_go_of_the_first) {
     EXPECT_THAT(spec.channelnames, ElementsAre("R", "G", "B", "A"));
 }
 
-/// Sets a limit of the library and puts it back.
+/// Sets a limit of OpenImageIO and restores it.
 class LibraryLimit {
   public:
     LibraryLimit(const char* name, int value) : name_(name), before_(OIIO::get_int_attribute(name)) {
@@ -217,7 +217,7 @@ class LibraryLimit {
     int before_;
 };
 
-TEST(TxlInput, keeps_to_the_limits_of_the_library) {
+TEST(TxlInput, respects_the_limits_of_openimageio) {
     const TemporaryFolder folder;
     const std::string path = folder.path("a.txl");
     ASSERT_FALSE(
@@ -238,7 +238,7 @@ TEST(TxlInput, keeps_to_the_limits_of_the_library) {
         const LibraryLimit limit("limits:channels", 3);
         imageio::TxlInput input;
         EXPECT_FALSE(input.open(path, spec));
-        EXPECT_THAT(input.geterror(), HasSubstr("4 channels, limits:channels is 3"));
+        EXPECT_THAT(input.geterror(), HasSubstr("4 channels exceed limits:channels, which is 3"));
     }
 }
 

@@ -38,7 +38,7 @@ std::vector<std::uint8_t> interleaved(const Texture& texture) {
     return all;
 }
 
-/// Reads back what was written; nothing but the texture may be in the folder.
+/// Reads back the texture, which must be the only file in the folder.
 Texture only_texture_in(const TemporaryFolder& folder) {
     const std::vector<fs::path> files(fs::directory_iterator(folder.folder()), fs::directory_iterator());
     EXPECT_EQ(files.size(), 1U);
@@ -51,7 +51,7 @@ std::vector<int> colour_bytes(const Texture& texture) {
     return {texture.pixels.begin(), texture.pixels.end()};
 }
 
-TEST(TxlOutput, writes_every_channel_as_it_is_given) {
+TEST(TxlOutput, writes_every_channel_as_given) {
     for (const std::int32_t mode : {Texture::kGrey, Texture::kRgb}) {
         for (const int alphas : {0, 1, 3}) {
             const TemporaryFolder folder;
@@ -65,7 +65,7 @@ TEST(TxlOutput, writes_every_channel_as_it_is_given) {
     }
 }
 
-TEST(TxlOutput, other_depths_are_converted_by_the_library) {
+TEST(TxlOutput, other_depths_are_converted) {
     const TemporaryFolder folder;
     OIIO::ImageSpec spec(3, 1, 1, OIIO::TypeFloat);
     imageio::TxlOutput output;
@@ -117,7 +117,7 @@ TEST(TxlOutput, rows_are_counted_from_the_origin_of_the_image) {
     EXPECT_THAT(colour_bytes(only_texture_in(folder)), ElementsAre(1, 2, 3, 4));
 }
 
-TEST(TxlOutput, unassociated_values_are_stored_as_they_are_given) {
+TEST(TxlOutput, unassociated_values_are_stored_as_given) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(8, 8, Texture::kRgb, 1);
     OIIO::ImageSpec spec = spec_of(texture);
@@ -129,7 +129,7 @@ TEST(TxlOutput, unassociated_values_are_stored_as_they_are_given) {
     EXPECT_TRUE(only_texture_in(folder) == texture);
 }
 
-TEST(TxlOutput, closed_too_early_leaves_what_was_there) {
+TEST(TxlOutput, closed_too_early_keeps_the_existing_file) {
     const TemporaryFolder folder;
     const Texture before = made_texture(2, 2, Texture::kGrey, 0);
     ASSERT_FALSE(write_texture(folder.path("a.txl"), before).has_value());
@@ -140,11 +140,11 @@ TEST(TxlOutput, closed_too_early_leaves_what_was_there) {
         ASSERT_TRUE(output.write_scanline(y, 0, OIIO::TypeUInt8, texture.pixels.data(), OIIO::AutoStride));
     }
     EXPECT_FALSE(output.close());
-    EXPECT_THAT(output.geterror(), HasSubstr("closed before row 2 of 4 was written; no file was made"));
+    EXPECT_THAT(output.geterror(), HasSubstr("closed before row 2 of 4 was written; no file is created"));
     EXPECT_TRUE(only_texture_in(folder) == before);
 }
 
-TEST(TxlOutput, given_up_leaves_nothing) {
+TEST(TxlOutput, abandoned_leaves_nothing) {
     const TemporaryFolder folder;
     {
         imageio::TxlOutput output;
@@ -153,7 +153,7 @@ TEST(TxlOutput, given_up_leaves_nothing) {
     EXPECT_TRUE(fs::is_empty(folder.folder()));
 }
 
-TEST(TxlOutput, opening_again_drops_what_was_not_closed) {
+TEST(TxlOutput, opening_again_drops_an_image_that_was_not_closed) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(4, 4, Texture::kGrey, 0);
     imageio::TxlOutput output;
@@ -164,7 +164,7 @@ TEST(TxlOutput, opening_again_drops_what_was_not_closed) {
     EXPECT_TRUE(only_texture_in(folder) == texture);
 }
 
-TEST(TxlOutput, says_what_it_supports) {
+TEST(TxlOutput, reports_what_it_supports) {
     const imageio::TxlOutput output;
     for (const char* feature : {"alpha", "nchannels", "random_access"}) {
         EXPECT_EQ(output.supports(feature), 1) << feature;
@@ -185,24 +185,26 @@ struct RefusedCase {
 };
 
 const RefusedCase kRefused[] = {
-    {"second_image", [](OIIO::ImageSpec&) {}, OIIO::ImageOutput::AppendSubimage, "a texture has one image"},
-    {"smaller_level", [](OIIO::ImageSpec&) {}, OIIO::ImageOutput::AppendMIPLevel, "a texture has one image"},
+    {"second_image", [](OIIO::ImageSpec&) {}, OIIO::ImageOutput::AppendSubimage,
+     "a texture has only one image"},
+    {"smaller_level", [](OIIO::ImageSpec&) {}, OIIO::ImageOutput::AppendMIPLevel,
+     "a texture has only one image"},
     {"deep", [](OIIO::ImageSpec& spec) { spec.deep = true; }, kCreate, "deep images"},
     {"volume", [](OIIO::ImageSpec& spec) { spec.depth = 2; }, kCreate, "volumes"},
     {"no_width", [](OIIO::ImageSpec& spec) { spec.width = 0; }, kCreate, "0 x 4 pixels with 3 channels"},
     {"negative_height", [](OIIO::ImageSpec& spec) { spec.height = -1; }, kCreate, "nothing to store"},
     {"no_channels", [](OIIO::ImageSpec& spec) { spec.nchannels = 0; }, kCreate, "nothing to store"},
-    {"more_pixels_than_a_texture_has",
+    {"more_pixels_than_the_largest_texture",
      [](OIIO::ImageSpec& spec) {
          spec.width = 1 << 16;
          spec.height = (1 << 14) + 1;
      },
-     kCreate, "2^30 of the largest texture"},
+     kCreate, "exceed the largest texture, which has 2^30"},
 };
 
 class TxlOutputRefuses : public ::testing::TestWithParam<RefusedCase> {};
 
-TEST_P(TxlOutputRefuses, and_makes_no_file) {
+TEST_P(TxlOutputRefuses, and_creates_no_file) {
     const TemporaryFolder folder;
     OIIO::ImageSpec spec(4, 4, 3, OIIO::TypeUInt8);
     GetParam().change(spec);
@@ -215,14 +217,14 @@ TEST_P(TxlOutputRefuses, and_makes_no_file) {
 INSTANTIATE_TEST_SUITE_P(Table, TxlOutputRefuses, ::testing::ValuesIn(kRefused),
                          [](const auto& test) { return std::string(test.param.name); });
 
-TEST(TxlOutput, as_many_pixels_as_a_texture_has_are_taken) {
+TEST(TxlOutput, accepts_as_many_pixels_as_the_largest_texture) {
     const TemporaryFolder folder;
     imageio::TxlOutput output;
     EXPECT_TRUE(output.open(folder.path("a.txl"), OIIO::ImageSpec(1 << 16, 1 << 14, 1), kCreate))
         << output.geterror();
 }
 
-TEST(TxlOutput, a_place_that_cannot_be_written_is_an_error_at_once) {
+TEST(TxlOutput, a_path_that_cannot_be_written_is_an_error_at_once) {
     const TemporaryFolder folder;
     imageio::TxlOutput output;
     EXPECT_FALSE(output.open(folder.path("missing/a.txl"), OIIO::ImageSpec(4, 4, 3), kCreate));
@@ -231,7 +233,7 @@ TEST(TxlOutput, a_place_that_cannot_be_written_is_an_error_at_once) {
     EXPECT_THAT(output.geterror(), HasSubstr("not a regular file"));
 }
 
-TEST(TxlOutput, wrong_use_is_an_error_of_the_library) {
+TEST(TxlOutput, wrong_use_is_an_error) {
     const TemporaryFolder folder;
     const std::vector<std::uint8_t> pixels(64);
     imageio::TxlOutput output;
@@ -242,10 +244,10 @@ TEST(TxlOutput, wrong_use_is_an_error_of_the_library) {
     EXPECT_THAT(output.geterror(), HasSubstr("no texture is open"));
     ASSERT_TRUE(output.open(folder.path("a.txl"), OIIO::ImageSpec(4, 4, 1, OIIO::TypeUInt8), kCreate));
     EXPECT_FALSE(output.write_scanline(4, 0, OIIO::TypeUInt8, pixels.data(), OIIO::AutoStride));
-    EXPECT_THAT(output.geterror(), HasSubstr("row 4 is outside the picture, which has 4"));
+    EXPECT_THAT(output.geterror(), HasSubstr("row 4 is outside the picture, which has 4 rows"));
     EXPECT_FALSE(output.write_tile(0, 0, 0, OIIO::TypeUInt8, pixels.data(), OIIO::AutoStride,
                                    OIIO::AutoStride, OIIO::AutoStride));
-    EXPECT_THAT(output.geterror(), HasSubstr("no tile begins at 0, 0"));
+    EXPECT_THAT(output.geterror(), HasSubstr("no tile starts at 0, 0"));
     EXPECT_TRUE(imageio::TxlOutput().close());
 }
 
