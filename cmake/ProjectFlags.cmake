@@ -21,10 +21,7 @@ target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}/src")
 # -ffp-contract=off: the conversions of cameras and nulls are evaluated as written, operation by operation; a fused
 # multiply-add would change the last bit of what reaches the host.
 target_compile_options(project_flags INTERFACE
-    -Wall -Wextra -Wpedantic -Wconversion -Wshadow -ffp-contract=off)
-if(VXR_WERROR)
-    target_compile_options(project_flags INTERFACE -Werror)
-endif()
+    -Wall -Wextra -Wpedantic -Wconversion -Wshadow $<$<BOOL:${VXR_WERROR}>:-Werror> -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
     # This compiler takes std::string's own copying for an overlap when it optimises (GCC bug 105651, fixed in 13).
     target_compile_options(project_flags INTERFACE -Wno-restrict)
