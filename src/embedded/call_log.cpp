@@ -7,13 +7,13 @@ void CallLog::set_sink(Sink sink) {
     waiting_.clear();
 }
 
-void CallLog::end(std::int64_t n, const nlohmann::ordered_json& line) {
+void CallLog::end(std::int64_t n, std::string line) {
     // Innermost calls end first, so the one looked for stands near the back.
     for (auto waiting = waiting_.rbegin(); waiting != waiting_.rend(); ++waiting) {
         if (waiting->n != n) {
             continue;
         }
-        waiting->line = line.dump();
+        waiting->line = std::move(line);
         waiting->done = true;
         break;
     }

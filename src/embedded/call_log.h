@@ -9,7 +9,6 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
-#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -36,8 +35,8 @@ class CallLog {
         }
         return last_;
     }
-    void end(std::int64_t n, const nlohmann::ordered_json& line);
-    void end(std::int64_t n);
+    /// `line` is the whole JSON object, without a line break.
+    void end(std::int64_t n, std::string line);
 
     /// The number of the call begun last; 0 before the first.
     [[nodiscard]] std::int64_t last() const { return last_; }

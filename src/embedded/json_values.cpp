@@ -3,6 +3,7 @@
 #include <array>
 #include <cmath>
 #include <cstdint>
+#include <nlohmann/json.hpp>
 #include <string>
 
 #include "embedded/text_encoding.h"

@@ -1,9 +1,10 @@
 #pragma once
 
-// How values are written in every JSON document of the tools.
+// How values are written in every JSON document of the tools. Whoever looks into a value, or keeps one, also
+// includes <nlohmann/json.hpp>; it costs each source more than a second to compile, so no header does.
 
 #include <cstdint>
-#include <nlohmann/json.hpp>
+#include <nlohmann/json_fwd.hpp>
 #include <span>
 #include <string_view>
 

@@ -1,5 +1,7 @@
 #include "embedded/project_json.h"
 
+#include <nlohmann/json.hpp>
+
 #include "embedded/layer_model.h"
 
 namespace embedded {

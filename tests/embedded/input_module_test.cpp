@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 #include "embedded/bundle_side.h"
 #include "embedded/project_json.h"

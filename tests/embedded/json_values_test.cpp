@@ -5,6 +5,7 @@
 #include <bit>
 #include <cmath>
 #include <limits>
+#include <nlohmann/json.hpp>
 #include <random>
 
 namespace {

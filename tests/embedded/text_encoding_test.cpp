@@ -1,6 +1,7 @@
 #include "embedded/text_encoding.h"
 
 #include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
 
 #include "embedded/json_values.h"
 

@@ -6,6 +6,7 @@
 #include <array>
 #include <bit>
 #include <cstring>
+#include <nlohmann/json.hpp>
 
 #include "embedded/host.h"
 #include "embedded/json_values.h"

@@ -3,12 +3,13 @@
 #include <algorithm>
 #include <memory>
 #include <new>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <stdexcept>
 
-#include "system/dynamic_library.h"
 #include "embedded/project_json.h"
 #include "support/tested_host.h"
+#include "system/dynamic_library.h"
 
 namespace {
 

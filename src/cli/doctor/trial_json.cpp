@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <iterator>
+#include <nlohmann/json.hpp>
 
 #include "embedded/json_values.h"
 

@@ -1,6 +1,7 @@
 #include "cli/project/frame_run.h"
 
 #include <cstddef>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "cli/project/loaded_bundle.h"

@@ -1,6 +1,7 @@
 #include "cli/project/import_run.h"
 
 #include <algorithm>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "cli/project/import_outcome.h"

@@ -1,4 +1,7 @@
 #include "cli/report/diagnostic.h"
+
+#include <nlohmann/json.hpp>
+
 #include "embedded/json_values.h"
 #include "limit/limits.h"
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
+#include <nlohmann/json.hpp>
 #include <utility>
 
 #include "cli/texture/row_coding.h"

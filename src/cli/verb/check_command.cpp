@@ -1,5 +1,6 @@
 #include "cli/verb/check_command.h"
 
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>

@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>

@@ -1,6 +1,7 @@
 #include "cli/verb/import_command.h"
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>

@@ -1,5 +1,6 @@
 #include "cli/verb/limits_command.h"
 
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 

@@ -1,6 +1,7 @@
 #include "cli/verb/modules_command.h"
 
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <vector>

@@ -18,7 +18,7 @@ A_FpLong evaluate(Fn function, A_FpLong (*mathematics)(A_FpLong), A_FpLong x) {
         CallScope call(*session, function);
         if (call.logged()) {
             call.args().number("x", x);
-            call.set_result(json_number(value));
+            call.set_result(value);
         }
     }
     return value;
@@ -49,7 +49,7 @@ A_char* copy_string(A_char* destination, const A_char* source) {
     std::memmove(destination, source, std::strlen(source) + 1);
     if (call.logged()) {
         call.out().text("destination", destination);
-        call.set_result(json_text(destination));
+        call.set_result(destination);
     }
     return destination;
 }

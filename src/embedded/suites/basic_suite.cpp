@@ -81,9 +81,8 @@ A_Err acquire_suite(const char* name, A_long version, const void** suite) {
             return kHostErrorNone;
         },
         [&](CallValues& out) {
-            out.json("suite", *suite == nullptr
-                                  ? Json()
-                                  : json_text(std::string(name) + " " + std::to_string(version)));
+            const std::string acquired = std::string(name) + " " + std::to_string(version);
+            out.text("suite", *suite == nullptr ? nullptr : acquired.c_str());
         });
 }
 

@@ -1,11 +1,14 @@
 #pragma once
 
-// The arguments and results of one call, as the log writes them.
+// The arguments and results of one call, as the log writes them. All JSON of the suites is made here, so that
+// their sources compile without the JSON library.
 
+#include <concepts>
+#include <cstddef>
 #include <cstdint>
-#include <utility>
+#include <memory>
+#include <nlohmann/json_fwd.hpp>
 
-#include "embedded/json_values.h"
 #include "embedded/session.h"
 
 namespace embedded {
@@ -13,42 +16,59 @@ namespace embedded {
 /// Collects named values in order. A null pointer is written as null.
 class CallValues {
   public:
-    explicit CallValues(const Session& session) : session_(session) {}
+    explicit CallValues(const Session& session);
+    ~CallValues();
+    CallValues(const CallValues&) = delete;
+    CallValues& operator=(const CallValues&) = delete;
 
-    void json(const char* name, Json value) { values_[name] = std::move(value); }
-    void integer(const char* name, std::int64_t value) { values_[name] = value; }
-    void number(const char* name, double value) { values_[name] = json_number(value); }
-    void flag(const char* name, A_Boolean value) { values_[name] = value; }
-    void text(const char* name, const A_char* value) {
-        values_[name] = value == nullptr ? Json() : json_text(value);
+    template <std::signed_integral Integer>
+    void integer(const char* name, Integer value) {
+        signed_integer(name, value);
     }
-    void text(const char* name, const A_UTF16Char* value) {
-        values_[name] = value == nullptr ? Json() : json_text(Utf16View(value));
+    template <std::unsigned_integral Integer>
+    void integer(const char* name, Integer value) {
+        unsigned_integer(name, value);
     }
-    void time(const char* name, const A_Time* value) {
-        values_[name] = value == nullptr ? Json() : json_time(*value);
-    }
-    void ratio(const char* name, const A_Ratio* value) {
-        values_[name] = value == nullptr ? Json() : json_ratio(*value);
-    }
+    /// "inf", "-inf" and "nan" for what JSON has no number for.
+    void number(const char* name, double value);
+    void flag(const char* name, A_Boolean value);
+    /// Text that is no UTF-8 or no UTF-16 is written as its bytes or units.
+    void text(const char* name, const A_char* value);
+    void text(const char* name, const A_UTF16Char* value);
+    void bytes(const char* name, const void* value, std::size_t size_bytes);
+    void time(const char* name, const A_Time* value);
+    void ratio(const char* name, const A_Ratio* value);
+    void point(const char* name, const A_FloatPoint& value);
     /// "item:3"; "foreign" for what is no handle of this host.
-    void handle(const char* name, const void* value) {
-        values_[name] = value == nullptr ? Json() : Json(session_.handles.text(value));
-    }
-    /// An address that means something to the bundle alone: whether there is one.
-    void pointer(const char* name, const void* value) {
-        values_[name] = value == nullptr ? Json() : Json(true);
-    }
+    void handle(const char* name, const void* value);
+    /// An address or a function that means something to the bundle alone: true, or null.
+    void pointer(const char* name, const void* value) { present(name, value != nullptr); }
+    void present(const char* name, bool there);
 
-    /// An object, empty when nothing was collected.
-    Json take() { return values_.is_null() ? Json::object() : std::move(values_); }
+    // Records of the interface, under its names.
+    void interpretation(const char* name, const AEGP_FootageInterp* value);
+    void sequence_options(const char* name, const AEGP_FileSequenceImportOptions* value);
+    void alpha_label(const char* name, const AEIO_AlphaLabel* value);
+    void transfer_mode(const char* name, const AEGP_LayerTransferMode* value);
+    /// The value's members are those of the stream that it names.
+    void stream_value(const char* name, const AEGP_StreamValue* value);
+    void module_info(const char* name, const AEIO_ModuleInfo* value);
+    void file_types(const char* name, const AEIO_FileKind* kinds, A_long count);
+    void extensions(const char* name, const AEIO_FileKind* kinds, A_long count);
+    /// A record of its own members, which are taken out of `members`.
+    void record(const char* name, CallValues& members);
 
   private:
-    const Session& session_;
-    Json values_;  // null until there is a value
-};
+    friend class CallScope;
 
-/// {"stream":"stream:7","value":..}: the value's members are those of the stream's shape.
-Json json_stream_value(const Session& session, const AEGP_StreamValue* value);
+    void signed_integer(const char* name, std::int64_t value);
+    void unsigned_integer(const char* name, std::uint64_t value);
+    nlohmann::ordered_json& at(const char* name);
+    /// An object, empty when nothing was collected; nothing is left.
+    nlohmann::ordered_json take();
+
+    const Session& session_;
+    std::unique_ptr<nlohmann::ordered_json> values_;  // null until there is a value
+};
 
 }  // namespace embedded

@@ -76,7 +76,7 @@ A_Err create_centered(Fn function, LayerKind kind, const A_char* name, A_FloatPo
         function,
         [&](CallValues& args) {
             args.text("name", name);
-            args.json("center", Json{{"x", json_number(center.x)}, {"y", json_number(center.y)}});
+            args.point("center", center);
             args.handle("comp", comp);
         },
         [&](Session& session) -> A_Err {

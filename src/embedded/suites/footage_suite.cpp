@@ -12,16 +12,6 @@ namespace {
 
 constexpr A_long kWholeSequence = -1;  // as first or last frame: no bound
 
-Json json_sequence_options(const AEGP_FileSequenceImportOptions* options) {
-    if (options == nullptr) {
-        return {};
-    }
-    return Json{{"all_in_folder", options->all_in_folder},
-                {"force_alphabetical", options->force_alphabetical},
-                {"start_frame", options->start_frame},
-                {"end_frame", options->end_frame}};
-}
-
 SequenceRequest request_of(Session& session, const AEGP_FileSequenceImportOptions& options) {
     SequenceRequest request;
     request.whole_folder = options.all_in_folder != 0;
@@ -51,7 +41,7 @@ A_Err new_footage(AEGP_PluginID plugin_id, const Char* path, const AEGP_FootageL
             args.integer("plugin_id", plugin_id);
             args.text("path", path);
             args.pointer("layer_key", layer_key);
-            args.json("sequence_options", json_sequence_options(sequence_options));
+            args.sequence_options("sequence_options", sequence_options);
             args.integer("interpretation_style", style);
             args.pointer("reserved", reserved);
         },
@@ -138,7 +128,7 @@ A_Err get_interpretation(AEGP_ItemH item, A_Boolean proxy, AEGP_FootageInterp* i
             session.require(interpretation, "interpretation") = footage.interpretation;
             return kHostErrorNone;
         },
-        [&](CallValues& out) { out.json("interpretation", json_interpretation(*interpretation)); });
+        [&](CallValues& out) { out.interpretation("interpretation", interpretation); });
 }
 
 A_Err set_interpretation(AEGP_ItemH item, A_Boolean proxy, const AEGP_FootageInterp* interpretation) {
@@ -147,8 +137,7 @@ A_Err set_interpretation(AEGP_ItemH item, A_Boolean proxy, const AEGP_FootageInt
         [&](CallValues& args) {
             args.handle("item", item);
             args.flag("proxy", proxy);
-            args.json("interpretation",
-                      interpretation == nullptr ? Json() : json_interpretation(*interpretation));
+            args.interpretation("interpretation", interpretation);
         },
         [&](Session& session) -> A_Err {
             Footage& footage = footage_of(session, item, proxy);

@@ -46,16 +46,19 @@ class CallScope {
     /// Only of a logged call, as are the two below.
     CallValues& args() { return line_->args; }
     CallValues& out() { return line_->out; }
-    void set_result(Json result) { line_->result = std::move(result); }
+    void set_result(A_Err code) { line_->result.integer(kResult, code); }
+    void set_result(A_FpLong value) { line_->result.number(kResult, value); }
+    void set_result(const A_char* text) { line_->result.text(kResult, text); }
 
   private:
     /// What the log wants to know. Most calls are made with the log off and build nothing.
     struct Line {
-        explicit Line(const Session& session) : args(session), out(session) {}
+        explicit Line(const Session& session) : args(session), out(session), result(session) {}
         CallValues args;
         CallValues out;
-        Json result;
+        CallValues result;  ///< under the name kResult
     };
+    static constexpr char kResult[] = "result";
 
     void write_line();
 

@@ -31,29 +31,6 @@ A_Err register_flavor(const A_char* name, AE_FIM_ImportFlavorRef* flavor) {
         [&](CallValues& out) { out.integer("flavor", *flavor); });
 }
 
-Json json_types(A_long count, const AEIO_FileKind* kinds) {
-    if (kinds == nullptr || count > kMaxKinds) {
-        return {};
-    }
-    Json list = Json::array();
-    for (A_long i = 0; i < count; ++i) {
-        list.push_back(
-            Json{{"type", json_code(kinds[i].mac.type)}, {"creator", json_code(kinds[i].mac.creator)}});
-    }
-    return list;
-}
-
-Json json_extensions(A_long count, const AEIO_FileKind* extensions) {
-    if (extensions == nullptr || count > kMaxKinds) {
-        return {};
-    }
-    Json list = Json::array();
-    for (A_long i = 0; i < count; ++i) {
-        list.push_back(json_text({&extensions[i].ext.pad, sizeof extensions[i].ext}));
-    }
-    return list;
-}
-
 A_Err register_file_types(AE_FIM_ImportFlavorRef flavor, A_long num_kinds, const AEIO_FileKind* kinds,
                           A_long num_extensions, const AEIO_FileKind* extensions) {
     return host_call(
@@ -61,9 +38,9 @@ A_Err register_file_types(AE_FIM_ImportFlavorRef flavor, A_long num_kinds, const
         [&](CallValues& args) {
             args.integer("flavor", flavor);
             args.integer("num_kinds", num_kinds);
-            args.json("kinds", json_types(num_kinds, kinds));
+            args.file_types("kinds", num_kinds > kMaxKinds ? nullptr : kinds, num_kinds);
             args.integer("num_extensions", num_extensions);
-            args.json("extensions", json_extensions(num_extensions, extensions));
+            args.extensions("extensions", num_extensions > kMaxKinds ? nullptr : extensions, num_extensions);
         },
         [&](Session& session) -> A_Err {
             ImportFlavor& registered = flavor_of(session, flavor);
@@ -97,9 +74,9 @@ A_Err register_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags
             }
             CallValues record(*Session::active());
             record.pointer("refcon", callbacks->refcon);
-            record.json("import_cb", callbacks->import_cb == nullptr ? Json() : Json(true));
-            record.json("verify_cb", callbacks->verify_cb == nullptr ? Json() : Json(true));
-            args.json("callbacks", record.take());
+            record.present("import_cb", callbacks->import_cb != nullptr);
+            record.present("verify_cb", callbacks->verify_cb != nullptr);
+            args.record("callbacks", record);
         },
         [&](Session& session) -> A_Err {
             ImportFlavor& registered = flavor_of(session, flavor);

@@ -92,7 +92,7 @@ A_Err set_size(AEIO_InSpecH in_spec, Size size_bytes) {
         Fn::AEGP_SetInSpecSize,
         [&](CallValues& args) {
             args.handle("in_spec", in_spec);
-            args.json("size", size_bytes);
+            args.integer("size", size_bytes);
         },
         [&](Session& session) -> A_Err {
             InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
@@ -113,7 +113,7 @@ A_Err get_size(AEIO_InSpecH in_spec, Size* size_bytes) {
             session.require(size_bytes, "size") = static_cast<Size>(asked.size_bytes);
             return kHostErrorNone;
         },
-        [&](CallValues& out) { out.json("size", *size_bytes); });
+        [&](CallValues& out) { out.integer("size", *size_bytes); });
 }
 
 /// A classic host writes a path into the caller's buffer; longer ones it cannot give.
@@ -151,7 +151,7 @@ A_Err set_alpha_label(AEIO_InSpecH in_spec, const AEIO_AlphaLabel* label) {
         Fn::AEGP_SetInSpecAlphaLabel,
         [&](CallValues& args) {
             args.handle("in_spec", in_spec);
-            args.json("alpha_label", label == nullptr ? Json() : json_alpha_label(*label));
+            args.alpha_label("alpha_label", label);
         },
         [&](Session& session) -> A_Err {
             InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));

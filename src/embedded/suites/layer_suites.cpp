@@ -78,7 +78,7 @@ A_Err get_transfer_mode(AEGP_LayerH layer, AEGP_LayerTransferMode* mode) {
             session.require(mode, "mode") = asked.transfer;
             return kHostErrorNone;
         },
-        [&](CallValues& out) { out.json("mode", json_transfer_mode(*mode)); });
+        [&](CallValues& out) { out.transfer_mode("mode", mode); });
 }
 
 A_Err set_transfer_mode(AEGP_LayerH layer, const AEGP_LayerTransferMode* mode) {
@@ -86,7 +86,7 @@ A_Err set_transfer_mode(AEGP_LayerH layer, const AEGP_LayerTransferMode* mode) {
         Fn::AEGP_SetLayerTransferMode,
         [&](CallValues& args) {
             args.handle("layer", layer);
-            args.json("mode", mode == nullptr ? Json() : json_transfer_mode(*mode));
+            args.transfer_mode("mode", mode);
         },
         [&](Session& session) -> A_Err {
             Layer& changed = session.layer(session.id(layer, "layer"));

@@ -27,10 +27,8 @@ struct Key {
     }
 };
 
-Json json_data(const void* data, A_u_long size) {
-    return data == nullptr || size > kMaxPreference_bytes
-               ? Json()
-               : json_bytes({static_cast<const std::uint8_t*>(data), size});
+void describe_data(CallValues& values, const char* name, const void* data, A_u_long size) {
+    values.bytes(name, size > kMaxPreference_bytes ? nullptr : data, size);
 }
 
 void check_size(Session& session, A_u_long size) {
@@ -67,7 +65,7 @@ A_Err get_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
         [&](CallValues& args) {
             wanted.describe(args);
             args.integer("size", size);
-            args.json("default", json_data(default_data, size));
+            describe_data(args, "default", default_data, size);
         },
         [&](Session& session) -> A_Err {
             const PreferenceKey preference = wanted.check(session);
@@ -86,7 +84,7 @@ A_Err get_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
             std::memcpy(data, stored->second.data(), size);
             return kHostErrorNone;
         },
-        [&](CallValues& out) { out.json("data", json_data(data, size)); });
+        [&](CallValues& out) { describe_data(out, "data", data, size); });
 }
 
 A_Err set_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* key, A_u_long size,
@@ -97,7 +95,7 @@ A_Err set_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
         [&](CallValues& args) {
             wanted.describe(args);
             args.integer("size", size);
-            args.json("data", json_data(data, size));
+            describe_data(args, "data", data, size);
         },
         [&](Session& session) -> A_Err {
             const PreferenceKey preference = wanted.check(session);

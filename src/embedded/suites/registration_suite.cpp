@@ -17,7 +17,7 @@ A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_Dea
         Fn::AEGP_RegisterDeathHook,
         [&](CallValues& args) {
             args.integer("plugin_id", plugin_id);
-            args.json("hook", hook == nullptr ? Json() : Json(true));
+            args.present("hook", hook != nullptr);
             args.pointer("refcon", refcon);
         },
         [&](Session& session) -> A_Err {
@@ -26,49 +26,6 @@ A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_Dea
             session.death_hooks.emplace_back(hook, refcon);
             return kHostErrorNone;
         });
-}
-
-Json json_extension(const AEIO_FileExt& extension) {
-    return json_text({&extension.pad, sizeof extension});
-}
-
-Json json_file_kind(const PFILE_FileKind& kind) {
-    return Json{{"type", json_code(kind.type)}, {"creator", json_code(kind.creator)}};
-}
-
-Json json_module_info(const AEIO_ModuleInfo* info) {
-    if (info == nullptr) {
-        return {};
-    }
-    Json read_kinds = Json::array();
-    Json aux_extensions = Json::array();
-    // First the file types, then the extensions; the entries beyond both are not the module's to fill.
-    for (int i = 0; i < kMaxFileKinds && i < info->num_filetypes + info->num_extensions; ++i) {
-        read_kinds.push_back(i < info->num_filetypes ? json_file_kind(info->read_kinds[i].mac)
-                                                     : json_extension(info->read_kinds[i].ext));
-    }
-    for (int i = 0; i < kMaxFileKinds && i < info->num_aux_extensions; ++i) {
-        const AEIO_AuxExt& aux = info->aux_extensions[i];
-        aux_extensions.push_back(Json{{"extension", json_text({aux.extension, sizeof aux.extension})},
-                                      {"type", json_code(aux.type)},
-                                      {"creator", json_code(aux.creator)}});
-    }
-    const std::size_t name_length =
-        static_cast<std::size_t>(std::find(info->name, std::end(info->name), '\0') - info->name);
-    return Json{{"signature", json_code(info->signature)},
-                {"name", json_text({info->name, name_length})},
-                {"flags", info->flags},
-                {"flags2", info->flags2},
-                {"max_width", info->max_width},
-                {"max_height", info->max_height},
-                {"num_filetypes", info->num_filetypes},
-                {"num_extensions", info->num_extensions},
-                {"num_clips", info->num_clips},
-                {"create_kind", json_file_kind(info->create_kind)},
-                {"create_ext", json_extension(info->create_ext)},
-                {"read_kinds", read_kinds},
-                {"num_aux_extensions", info->num_aux_extensions},
-                {"aux_extensions", aux_extensions}};
 }
 
 template <class Block>
@@ -91,9 +48,14 @@ A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_Modu
         [&](CallValues& args) {
             args.integer("plugin_id", plugin_id);
             args.pointer("refcon", refcon);
-            args.json("info", json_module_info(info));
-            args.json("functions",
-                      functions == nullptr ? Json() : Json{{"filled", filled_functions(*functions)}});
+            args.module_info("info", info);
+            if (functions == nullptr) {
+                args.pointer("functions", nullptr);
+                return;
+            }
+            CallValues record(*Session::active());
+            record.integer("filled", filled_functions(*functions));
+            args.record("functions", record);
         },
         [&](Session& session) -> A_Err {
             session.require_plugin(plugin_id);

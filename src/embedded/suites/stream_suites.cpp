@@ -74,7 +74,7 @@ A_Err set_stream_value(AEGP_PluginID plugin_id, AEGP_StreamRefH stream, AEGP_Str
         [&](CallValues& args) {
             args.integer("plugin_id", plugin_id);
             args.handle("stream", stream);
-            args.json("value", json_stream_value(*Session::active(), value));
+            args.stream_value("value", value);
         },
         [&](Session& session) -> A_Err {
             session.require_plugin(plugin_id);
@@ -142,7 +142,7 @@ A_Err set_key(AEGP_AddKeyframesInfoH handle, A_long key_index, const AEGP_Stream
         [&](CallValues& args) {
             args.handle("additions", handle);
             args.integer("key_index", key_index);
-            args.json("value", json_stream_value(*Session::active(), value));
+            args.stream_value("value", value);
         },
         [&](Session& session) -> A_Err {
             Session::Additions& additions =
