@@ -45,7 +45,7 @@ void check_import(embedded::Host& host, const Scene& scene) {
     const embedded::CallbackResult result = host.import_file(scene_file(scene));
     require(result.code == kHostErrorNone, name + "host error " + std::to_string(result.code));
     require(host.messages().empty(), name + "the user was shown a message");
-    require(host.discipline().clean(), name + "the discipline report is not empty");
+    require(host.conformance().clean(), name + "the conformance report is not empty");
 
     const SceneShape& shape = scene.shape;
     const embedded::Project& project = host.project();

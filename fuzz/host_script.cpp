@@ -11,16 +11,17 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 
 constexpr embedded::InterfaceVersion kVersions[] = {{9, 31}, {9, 32}, {10, 0}, {12, 4}, {13, 0}, {25, 3}};
 
 /// What a bundle may do when calls fail: it cannot close what it opened, and it cannot use what it did not
 /// get.
-constexpr Breach kBreachesOfFaults[] = {
-    Breach::stream_not_disposed,   Breach::additions_not_ended,     Breach::undo_group_unbalanced,
-    Breach::footage_never_adopted, Breach::suite_not_released,      Breach::memory_left_locked,
-    Breach::memory_left_alive,     Breach::missing_suite_exception,
+constexpr RuleViolation kViolationsOfFaults[] = {
+    RuleViolation::stream_not_disposed,   RuleViolation::additions_not_ended,
+    RuleViolation::undo_group_unbalanced, RuleViolation::footage_never_adopted,
+    RuleViolation::suite_not_released,    RuleViolation::memory_left_locked,
+    RuleViolation::memory_left_alive,     RuleViolation::missing_suite_exception,
 };
 
 /// Entry `choice` - 1 of the list, wrapping around at its end; null for 0.
@@ -34,13 +35,13 @@ bool contains(const List& list, const Value& value) {
     return std::find(std::begin(list), std::end(list), value) != std::end(list);
 }
 
-bool is_allowed(const embedded::Finding& problem, bool faulty) {
+bool is_allowed(const diagnostic::Diagnostic& problem, bool faulty) {
     // Deliberate: the host keeps the record of a texture that could not be opened.
-    const bool unopened =
-        problem.breach == Breach::memory_left_alive && problem.where == "AEIO_InitInSpecFromFile";
+    const bool unopened = problem.code == RuleViolation::memory_left_alive &&
+                          problem.within.front() == "AEIO_InitInSpecFromFile";
     // The bundle passes on sizes and numbers as the file has them; the host refuses absurd ones.
-    return unopened || problem.breach == Breach::bad_argument ||
-           (faulty && contains(kBreachesOfFaults, problem.breach));
+    return unopened || problem.code == RuleViolation::bad_argument ||
+           (faulty && contains(kViolationsOfFaults, problem.code));
 }
 
 constexpr std::string_view kFunctionsToMemory[] = {"AEGP_LockMemHandle", "AEGP_GetInSpecOptionsHandle"};
@@ -50,8 +51,7 @@ constexpr std::string_view kSuitesToMemory[] = {"AEGP Memory Suite", "AEGP IO In
 /// are.
 bool keep_bundle() {
     std::string error;
-    static const std::unique_ptr<os::DynamicLibrary> kept =
-        os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
+    static const std::unique_ptr<os::DynamicLibrary> kept = os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
     require(kept != nullptr, "the bundle can be loaded");
     return kept != nullptr;
 }
@@ -117,9 +117,9 @@ void HostWithBundle::check(bool faulty) {
     require_sound(host_.complaint());
     host_.unload();
     require_sound(host_.complaint());
-    for (const embedded::Finding& problem : host_.discipline().problems()) {
+    for (const diagnostic::Diagnostic& problem : host_.conformance().violations()) {
         if (!is_allowed(problem, faulty)) {
-            report_find(host_.discipline().to_text());
+            report_find(host_.conformance().to_text());
         }
     }
 }

@@ -110,7 +110,7 @@ void note_gaps(Session& session, const SequenceFrames& frames) {
     if (frames.gaps.size() > kShown) {
         text += " and " + std::to_string(frames.gaps.size() - kShown) + " more";
     }
-    session.found(Breach::sequence_gap, std::move(text));
+    session.found(RuleViolation::sequence_gap, std::move(text));
 }
 
 }  // namespace

@@ -248,8 +248,8 @@ const std::vector<Message>& Host::messages() const {
     return session_->project.messages;
 }
 
-const DisciplineReport& Host::discipline() const {
-    return session_->discipline;
+const ConformanceReport& Host::conformance() const {
+    return session_->conformance;
 }
 
 std::optional<std::string> Host::complaint() const {

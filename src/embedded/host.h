@@ -6,7 +6,7 @@
 //   embedded::Host host;
 //   if (const auto loaded = host.load(bundle); !loaded.ok()) ...
 //   if (host.verify("shot.aec").importable) host.import_file("shot.aec");
-//   host.project(); host.discipline();
+//   host.project(); host.conformance();
 //
 // It is a classic host or one of today's, by its options. What differs is at the edge only: the suites'
 // versions, the entry, and the paths, which this interface and the project hold as UTF-8.
@@ -26,7 +26,7 @@
 #include <vector>
 
 #include "embedded/call_log.h"
-#include "embedded/discipline.h"
+#include "embedded/conformance.h"
 #include "embedded/host_options.h"
 #include "embedded/project.h"
 #include "host/today_interface.h"
@@ -164,7 +164,7 @@ class Host {
     [[nodiscard]] const Project& project() const;
     [[nodiscard]] const std::vector<Message>& messages() const;
     /// Brought up to date at the end of every callback.
-    [[nodiscard]] const DisciplineReport& discipline() const;
+    [[nodiscard]] const ConformanceReport& conformance() const;
     /// What does not fit together in the project, its handles and its memory: a defect of this host, whatever
     /// the bundle did. Nothing when all is well. Between callbacks.
     [[nodiscard]] std::optional<std::string> complaint() const;
@@ -182,7 +182,7 @@ class Host {
     /// Verify, init, info, dimensions, duration. What was opened is project().in_spec(result.in_spec); a
     /// footage's own in-spec is opened by AEGP_NewFootage in the same way.
     OpenResult open_with_module(const std::string& path);
-    /// Writes beyond the frame's pixels are undone and reported as Breach::write_outside_frame.
+    /// Writes beyond the frame's pixels are undone and reported as RuleViolation::write_outside_frame.
     DrawResult draw(Id in_spec, const FrameShape& shape);
     CallbackResult dispose(Id in_spec);
 
@@ -198,7 +198,7 @@ class Host {
     /// A new out-spec whose file path is `path`.
     AEIO_OutSpecH new_out_spec(const std::string& path);
     /// Runs `body` as the host runs a callback: the missing-suite exception becomes a result, every other
-    /// exception goes on to the caller, and afterwards the discipline is checked. `name` is what findings
+    /// exception goes on to the caller, and afterwards the rules are checked. `name` is what findings
     /// say.
     CallbackResult run(const std::string& name, const std::function<A_Err()>& body);
 

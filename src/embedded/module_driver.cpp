@@ -194,7 +194,8 @@ DrawResult draw_frame(Session& session, Id id, const FrameShape& shape) {
         });
     });
     if (const auto damage = frame.damage()) {
-        session.discipline.add({Breach::write_outside_frame, 0, "AEIO_DrawSparseFrame", *damage});
+        session.conformance.add(
+            conformance_finding(RuleViolation::write_outside_frame, 0, "AEIO_DrawSparseFrame", *damage));
     }
     drawn.width_px = shape.width_px;
     drawn.height_px = shape.height_px;

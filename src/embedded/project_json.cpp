@@ -241,11 +241,11 @@ Json json_list(const List& list, const ToJson& to_json) {
     return all;
 }
 
-Json json_finding(const Finding& finding) {
-    return Json{{"breach", breach_word(finding.breach)},
-                {"call", finding.call == 0 ? Json() : Json(finding.call)},
-                {"where", finding.where},
-                {"text", json_text(finding.text)}};
+Json json_finding(const diagnostic::Diagnostic& finding) {
+    return Json{{"breach", finding.code.name()},
+                {"call", finding.at.line ? Json(*finding.at.line) : Json()},
+                {"where", finding.within.front()},
+                {"text", json_text(finding.reason)}};
 }
 
 }  // namespace
@@ -273,10 +273,10 @@ Json project_to_json(const Project& project) {
     return document;
 }
 
-Json discipline_to_json(const DisciplineReport& report) {
+Json conformance_to_json(const ConformanceReport& report) {
     Json document = Json::object();
     document["clean"] = report.clean();
-    document["problems"] = json_list(report.problems(), json_finding);
+    document["problems"] = json_list(report.violations(), json_finding);
     document["notes"] = json_list(report.notes(), json_finding);
     document["dropped"] = report.dropped();
     return document;

@@ -105,7 +105,7 @@ CallbackResult Session::run(const std::string& name, const std::function<A_Err()
             throw;
         }
         result = {kHostErrorMissingSuite, true};
-        left(Breach::missing_suite_exception, name,
+        left(RuleViolation::missing_suite_exception, name,
              "a suite was missing, and the exception left the callback");
     } catch (...) {
         check_left_behind(before, name);
@@ -130,8 +130,8 @@ Session::Marks Session::marks() const {
             undo_depth};
 }
 
-void Session::left(Breach breach, const std::string& callback, std::string text) {
-    discipline.add({breach, 0, callback, std::move(text)});
+void Session::left(RuleViolation violation, const std::string& callback, std::string text) {
+    conformance.add(conformance_finding(violation, 0, callback, std::move(text)));
 }
 
 void Session::check_left_behind(const Marks& since, const std::string& callback) {
@@ -140,7 +140,7 @@ void Session::check_left_behind(const Marks& since, const std::string& callback)
             continue;
         }
         handles.kill(HandleKind::additions, id);
-        left(Breach::additions_not_ended, callback,
+        left(RuleViolation::additions_not_ended, callback,
              "additions:" + std::to_string(id) + " of stream:" +
                  std::to_string(additions[Project::index(id)].stream_ref) + " were started and never ended");
     }
@@ -149,7 +149,7 @@ void Session::check_left_behind(const Marks& since, const std::string& callback)
             continue;
         }
         handles.kill(HandleKind::stream, id);
-        left(Breach::stream_not_disposed, callback,
+        left(RuleViolation::stream_not_disposed, callback,
              "stream:" + std::to_string(id) + " of layer:" +
                  std::to_string(stream_refs[Project::index(id)].layer) + " was never disposed of");
     }
@@ -160,11 +160,11 @@ void Session::check_left_behind(const Marks& since, const std::string& callback)
             continue;
         }
         footage_reported_[i] = true;
-        left(Breach::footage_never_adopted, callback,
+        left(RuleViolation::footage_never_adopted, callback,
              "footage:" + std::to_string(made.id) + " was made and never added to the project");
     }
     if (undo_depth > since.undo_depth) {
-        left(Breach::undo_group_unbalanced, callback,
+        left(RuleViolation::undo_group_unbalanced, callback,
              std::to_string(undo_depth - since.undo_depth) + " undo groups were left open");
         undo_depth = since.undo_depth;
         if (undo_depth == 0) {
@@ -180,7 +180,7 @@ void Session::check_suites(const Marks& since, const std::string& callback) {
         const int kept = suites_acquired[suite] - since.suites[suite];
         suites_acquired[suite] = std::min(suites_acquired[suite], since.suites[suite]);
         if (kept > 0 && !is_kept_suite(suite)) {
-            left(Breach::suite_not_released, callback,
+            left(RuleViolation::suite_not_released, callback,
                  suite_text(static_cast<SuiteId>(suite)) + " was acquired and not released, " +
                      std::to_string(kept) + " times");
         }
@@ -191,7 +191,7 @@ void Session::check_memory(const Marks& since, const std::string& callback) {
     for (std::size_t i = since.memory; i < memory.blocks().size(); ++i) {
         MemoryBlock& block = memory.block(static_cast<Id>(i) + 1);
         if (block.alive() && block.locks > 0 && !block.reported) {
-            left(Breach::memory_left_locked, callback, memory_text(block) + " was left locked");
+            left(RuleViolation::memory_left_locked, callback, memory_text(block) + " was left locked");
             block.locks = 0;
         }
         left_memory(block.id, callback);
@@ -204,7 +204,7 @@ void Session::left_memory(Id id, const std::string& callback) {
         return;
     }
     block.reported = true;
-    left(Breach::memory_left_alive, callback,
+    left(RuleViolation::memory_left_alive, callback,
          memory_text(block) + " of " + std::to_string(block.size_bytes) + " bytes was left alive");
 }
 
@@ -225,12 +225,12 @@ void Session::unload() {
 
 // --- checks
 
-void Session::found(Breach breach, std::string text) {
-    discipline.add({breach, current_call.n, current_call.function, std::move(text)});
+void Session::found(RuleViolation violation, std::string text) {
+    conformance.add(conformance_finding(violation, current_call.n, current_call.function, std::move(text)));
 }
 
-void Session::refuse(Breach breach, std::string text, A_Err code) {
-    found(breach, std::move(text));
+void Session::refuse(RuleViolation violation, std::string text, A_Err code) {
+    found(violation, std::move(text));
     throw Refusal{code};
 }
 
@@ -242,17 +242,17 @@ std::string Session::suite_text(SuiteId suite) const {
 void Session::refuse_handle(HandleKind kind, const void* handle, const char* argument) {
     const std::string what(argument);
     if (handle == nullptr) {
-        refuse(Breach::bad_argument, what + " is null");
+        refuse(RuleViolation::bad_argument, what + " is null");
     }
     const HandleTable::Token* token = handles.find(handle);
     if (token == nullptr) {
-        refuse(Breach::foreign_handle, what + " is no handle of this host");
+        refuse(RuleViolation::foreign_handle, what + " is no handle of this host");
     }
     if (token->kind != kind) {
-        refuse(Breach::foreign_handle,
+        refuse(RuleViolation::foreign_handle,
                what + " is " + handles.text(handle) + ", which is no " + handle_word(kind));
     }
-    refuse(kind == HandleKind::memory ? Breach::memory_use_after_free : Breach::dead_handle,
+    refuse(kind == HandleKind::memory ? RuleViolation::memory_use_after_free : RuleViolation::dead_handle,
            what + " is " + handles.text(handle) + ", which is gone");
 }
 
@@ -264,7 +264,7 @@ Id Session::folder_id(AEGP_ItemH handle, const char* argument) {
 
 void Session::require_plugin(AEGP_PluginID id_given) {
     if (id_given != plugin_id) {
-        refuse(Breach::bad_argument,
+        refuse(RuleViolation::bad_argument,
                "plugin_id is " + std::to_string(id_given) + " and not " + std::to_string(plugin_id));
     }
 }
@@ -284,8 +284,8 @@ const A_Ratio& Session::require_positive(const A_Ratio* ratio, const char* argum
 std::string Session::name(const A_char* text, const char* argument) {
     const std::size_t length = std::strlen(&require(text, argument));
     if (length > kMaxNameLength) {
-        found(Breach::name_cut, std::string(argument) + " has " + std::to_string(length) +
-                                    " bytes and is cut after " + std::to_string(kMaxNameLength));
+        found(RuleViolation::name_cut, std::string(argument) + " has " + std::to_string(length) +
+                                           " bytes and is cut after " + std::to_string(kMaxNameLength));
     }
     return {text, std::min(length, kMaxNameLength)};
 }
@@ -293,9 +293,9 @@ std::string Session::name(const A_char* text, const char* argument) {
 std::string Session::path(const A_UTF16Char* text, const char* argument) {
     const Utf16View units(&require(text, argument));
     if (const auto fault = first_fault(units)) {
-        refuse(Breach::bad_argument, std::string(argument) + " is not UTF-16: unit " +
-                                         std::to_string(*fault) +
-                                         " is half of a pair without the other half");
+        refuse(RuleViolation::bad_argument, std::string(argument) + " is not UTF-16: unit " +
+                                                std::to_string(*fault) +
+                                                " is half of a pair without the other half");
     }
     return *to_utf8(units);
 }
@@ -321,7 +321,7 @@ AEGP_MemHandle Session::lend_path(const std::string& path) {
 
 void Session::changed() {
     if (undo_depth == 0) {
-        found(Breach::change_outside_undo_group, "the project was changed outside an undo group");
+        found(RuleViolation::change_outside_undo_group, "the project was changed outside an undo group");
     } else {
         ++project.undo_steps.back().changes;
     }

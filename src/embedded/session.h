@@ -12,9 +12,8 @@
 #include <utility>
 #include <vector>
 
-#include "system/dynamic_library.h"
 #include "embedded/call_log.h"
-#include "embedded/discipline.h"
+#include "embedded/conformance.h"
 #include "embedded/handles.h"
 #include "embedded/host.h"
 #include "embedded/host_options.h"
@@ -22,6 +21,7 @@
 #include "embedded/project.h"
 #include "embedded/suites/functions.h"
 #include "embedded/text_encoding.h"
+#include "system/dynamic_library.h"
 
 namespace embedded {
 
@@ -45,7 +45,7 @@ class Session {
 
     HostOptions options;
     Project project = empty_project();
-    DisciplineReport discipline;
+    ConformanceReport conformance;
     CallLog log;
     Watcher watcher;
     HandleTable handles;
@@ -109,11 +109,11 @@ class Session {
     /// Forgets what a bundle registered.
     void forget_registrations();
 
-    // --- what the bundle is told off for
+    // --- rule violations
 
     /// A finding in the call that is going on.
-    void found(Breach breach, std::string text);
-    [[noreturn]] void refuse(Breach breach, std::string text, A_Err code = kHostErrorParameter);
+    void found(RuleViolation violation, std::string text);
+    [[noreturn]] void refuse(RuleViolation violation, std::string text, A_Err code = kHostErrorParameter);
 
     /// A memory block that belongs to nobody any more.
     void left_memory(Id block, const std::string& callback);
@@ -123,7 +123,7 @@ class Session {
     template <class T>
     T& require(T* pointer, const char* argument) {
         if (pointer == nullptr) {
-            refuse(Breach::bad_argument, std::string(argument) + " is null");
+            refuse(RuleViolation::bad_argument, std::string(argument) + " is null");
         }
         return *pointer;
     }
@@ -142,7 +142,7 @@ class Session {
     void require_plugin(AEGP_PluginID id_given);
     void require_true(bool holds, const char* argument, const char* rule) {
         if (!holds) {
-            refuse(Breach::bad_argument, std::string(argument) + " " + rule);
+            refuse(RuleViolation::bad_argument, std::string(argument) + " " + rule);
         }
     }
     const A_Time& require_time(const A_Time* time, const char* argument);
@@ -190,7 +190,7 @@ class Session {
     void check_left_behind(const Marks& since, const std::string& callback);
     void check_suites(const Marks& since, const std::string& callback);
     void check_memory(const Marks& since, const std::string& callback);
-    void left(Breach breach, const std::string& callback, std::string text);
+    void left(RuleViolation violation, const std::string& callback, std::string text);
     [[noreturn]] void refuse_handle(HandleKind kind, const void* handle, const char* argument);
     [[nodiscard]] const A_Err* fault_of(Fn function, std::int64_t nth) const;
 

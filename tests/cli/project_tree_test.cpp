@@ -116,15 +116,17 @@ TEST(ProjectSummary, CountsAndMissing) {
 }
 
 TEST(HostReport, NothingToSay) {
-    EXPECT_EQ(cli::host_report(embedded::empty_project(), embedded::DisciplineReport(), kPlain), "");
+    EXPECT_EQ(cli::host_report(embedded::empty_project(), embedded::ConformanceReport(), kPlain), "");
 }
 
 TEST(HostReport, MessagesProblemsAndNotes) {
     embedded::Project project = embedded::empty_project();
     project.messages.push_back({"Could not interpret footage.", {}});
-    embedded::DisciplineReport report;
-    report.add({embedded::Breach::stream_not_disposed, 0, "import", "a stream is open"});
-    report.add({embedded::Breach::name_cut, 12, "AEGP_CreateComp", "the name was cut"});
+    embedded::ConformanceReport report;
+    report.add(embedded::conformance_finding(embedded::RuleViolation::stream_not_disposed, 0, "import",
+                                             "a stream is open"));
+    report.add(embedded::conformance_finding(embedded::RuleViolation::name_cut, 12, "AEGP_CreateComp",
+                                             "the name was cut"));
     EXPECT_EQ(cli::host_report(project, report, kPlain),
               "Messages to the user:\n"
               "  Could not interpret footage.\n"

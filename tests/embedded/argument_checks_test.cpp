@@ -11,11 +11,11 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 
 struct Case {
     const char* name;
-    Breach breach;
+    RuleViolation violation;
     std::function<A_Err(BundleSide&)> call;
 };
 
@@ -74,95 +74,95 @@ AEGP_AddKeyframesInfoH key_additions(BundleSide& b) {
 
 const Case kCases[] = {
     // basic suite
-    {"acquire without a name", Breach::bad_argument,
+    {"acquire without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const void* table = nullptr;
          return b.host.basic_suite()->AcquireSuite(nullptr, 1, &table);
      }},
-    {"acquire without a place for the suite", Breach::bad_argument,
+    {"acquire without a place for the suite", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.host.basic_suite()->AcquireSuite("AEGP Proj Suite", 5, nullptr); }},
-    {"release without a name", Breach::bad_argument,
+    {"release without a name", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.host.basic_suite()->ReleaseSuite(nullptr, 1); }},
-    {"release of a suite that nobody acquired", Breach::suite_not_acquired,
+    {"release of a suite that nobody acquired", RuleViolation::suite_not_acquired,
      [](BundleSide& b) { return b.host.basic_suite()->ReleaseSuite("PF AE Adv App Suite", 1); }},
-    {"release of a suite that does not exist", Breach::suite_not_acquired,
+    {"release of a suite that does not exist", RuleViolation::suite_not_acquired,
      [](BundleSide& b) { return b.host.basic_suite()->ReleaseSuite("No Suite", 1); }},
 
     // registration
-    {"death hook null", Breach::bad_argument,
+    {"death hook null", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.register_suite->AEGP_RegisterDeathHook(b.host.plugin_id(), nullptr, nullptr);
      }},
-    {"death hook of another plug-in", Breach::bad_argument,
+    {"death hook of another plug-in", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.register_suite->AEGP_RegisterDeathHook(
              b.host.plugin_id() + 1, [](AEGP_GlobalRefcon, AEGP_DeathRefcon) -> A_Err { return 0; }, nullptr);
      }},
-    {"module without its description", Breach::bad_argument,
+    {"module without its description", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_FunctionBlock2 functions{};
          return b.register_suite->AEGP_RegisterIO(b.host.plugin_id(), nullptr, nullptr, &functions);
      }},
-    {"module without functions", Breach::bad_argument,
+    {"module without functions", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_ModuleInfo info{};
          return b.register_suite->AEGP_RegisterIO(b.host.plugin_id(), nullptr, &info, nullptr);
      }},
-    {"module with a null function", Breach::bad_argument,
+    {"module with a null function", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_ModuleInfo info{};
          AEIO_FunctionBlock2 functions{};
          return b.register_suite->AEGP_RegisterIO(b.host.plugin_id(), nullptr, &info, &functions);
      }},
-    {"module with a name that does not end", Breach::bad_argument,
+    {"module with a name that does not end", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_ModuleInfo info{};
          std::memset(info.name, 'x', sizeof info.name);
          return register_module(b, info);
      }},
-    {"module with more kinds than the table holds", Breach::bad_argument,
+    {"module with more kinds than the table holds", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_ModuleInfo info{};
          info.num_filetypes = 9;
          info.num_extensions = 8;
          return register_module(b, info);
      }},
-    {"module with a negative count", Breach::bad_argument,
+    {"module with a negative count", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_ModuleInfo info{};
          info.num_extensions = -1;
          return register_module(b, info);
      }},
-    {"importer without a name", Breach::bad_argument,
+    {"importer without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          return b.import_suite->AEGP_RegisterImportFlavor(nullptr, &flavor);
      }},
-    {"importer without a place for its number", Breach::bad_argument,
+    {"importer without a place for its number", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.import_suite->AEGP_RegisterImportFlavor("x", nullptr); }},
-    {"file types of an unknown importer", Breach::bad_argument,
+    {"file types of an unknown importer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.import_suite->AEGP_RegisterImportFlavorFileTypes(kInvalidImportFlavor, 0, nullptr, 0, nullptr);
      }},
-    {"file types announced and not given", Breach::bad_argument,
+    {"file types announced and not given", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
          return b.import_suite->AEGP_RegisterImportFlavorFileTypes(flavor, 1, nullptr, 0, nullptr);
      }},
-    {"a negative number of extensions", Breach::bad_argument,
+    {"a negative number of extensions", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
          return b.import_suite->AEGP_RegisterImportFlavorFileTypes(flavor, 0, nullptr, -1, nullptr);
      }},
-    {"callbacks null", Breach::bad_argument,
+    {"callbacks null", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
          return b.import_suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, 2, nullptr);
      }},
-    {"callbacks without the import callback", Breach::bad_argument,
+    {"callbacks without the import callback", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
@@ -171,331 +171,331 @@ const Case kCases[] = {
      }},
 
     // utility
-    {"message without a text", Breach::bad_argument,
+    {"message without a text", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.utility_suite->AEGP_ReportInfo(b.host.plugin_id(), nullptr); }},
-    {"message of another plug-in", Breach::bad_argument,
+    {"message of another plug-in", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.utility_suite->AEGP_ReportInfo(99, "text"); }},
-    {"undo group without a name", Breach::bad_argument,
+    {"undo group without a name", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.utility_suite->AEGP_StartUndoGroup(nullptr); }},
-    {"undo group closed without being open", Breach::undo_group_unbalanced,
+    {"undo group closed without being open", RuleViolation::undo_group_unbalanced,
      [](BundleSide& b) { return b.utility_suite->AEGP_EndUndoGroup(); }},
 
     // preferences
-    {"blob without a place", Breach::bad_argument,
+    {"blob without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_GetApplicationBlob(nullptr); }},
-    {"key in no blob", Breach::bad_argument,
+    {"key in no blob", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_Boolean exists = 0;
          return b.data_suite->AEGP_DoesKeyExist(nullptr, "s", "k", &exists);
      }},
-    {"key in a foreign blob", Breach::foreign_handle,
+    {"key in a foreign blob", RuleViolation::foreign_handle,
      [](BundleSide& b) {
          A_Boolean exists = 0;
          return b.data_suite->AEGP_DoesKeyExist(foreign<AEGP_PersistentBlobH>(), "s", "k", &exists);
      }},
-    {"key without a section", Breach::bad_argument,
+    {"key without a section", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_Boolean exists = 0;
          return b.data_suite->AEGP_DoesKeyExist(b.blob(), nullptr, "k", &exists);
      }},
-    {"key without a name", Breach::bad_argument,
+    {"key without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_Boolean exists = 0;
          return b.data_suite->AEGP_DoesKeyExist(b.blob(), "s", nullptr, &exists);
      }},
-    {"key without a place for the answer", Breach::bad_argument,
+    {"key without a place for the answer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_DoesKeyExist(b.blob(), "s", "k", nullptr); }},
-    {"preference of no size", Breach::bad_argument,
+    {"preference of no size", RuleViolation::bad_argument,
      [](BundleSide& b) {
          char value = 0;
          return b.data_suite->AEGP_GetData(b.blob(), "s", "k", 0, nullptr, &value);
      }},
-    {"preference of another size than stored", Breach::bad_argument,
+    {"preference of another size than stored", RuleViolation::bad_argument,
      [](BundleSide& b) {
          char value[2] = {};
          b.data_suite->AEGP_SetData(b.blob(), "s", "k", 1, value);
          return b.data_suite->AEGP_GetData(b.blob(), "s", "k", 2, nullptr, value);
      }},
-    {"preference without a place", Breach::bad_argument,
+    {"preference without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_GetData(b.blob(), "s", "k", 1, nullptr, nullptr); }},
-    {"preference set to nothing", Breach::bad_argument,
+    {"preference set to nothing", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_SetData(b.blob(), "s", "k", 1, nullptr); }},
 
     // project and items
-    {"a second project", Breach::bad_argument,
+    {"a second project", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ProjectH project = nullptr;
          return b.project_suite->AEGP_GetProjectByIndex(1, &project);
      }},
-    {"project without a place", Breach::bad_argument,
+    {"project without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.project_suite->AEGP_GetProjectByIndex(0, nullptr); }},
-    {"root folder of no project", Breach::bad_argument,
+    {"root folder of no project", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH root = nullptr;
          return b.project_suite->AEGP_GetProjectRootFolder(nullptr, &root);
      }},
-    {"root folder without a place", Breach::bad_argument,
+    {"root folder without a place", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ProjectH project = nullptr;
          b.project_suite->AEGP_GetProjectByIndex(0, &project);
          return b.project_suite->AEGP_GetProjectRootFolder(project, nullptr);
      }},
-    {"folder without a name", Breach::bad_argument,
+    {"folder without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder(nullptr, b.root(), &made);
      }},
-    {"folder in nothing", Breach::bad_argument,
+    {"folder in nothing", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder("f", nullptr, &made);
      }},
-    {"folder in a foreign folder", Breach::foreign_handle,
+    {"folder in a foreign folder", RuleViolation::foreign_handle,
      [](BundleSide& b) {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder("f", foreign<AEGP_ItemH>(), &made);
      }},
-    {"folder in a composition's handle", Breach::foreign_handle,
+    {"folder in a composition's handle", RuleViolation::foreign_handle,
      [](BundleSide& b) {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder("f", reinterpret_cast<AEGP_ItemH>(b.comp()), &made);
      }},
-    {"folder in a composition's item", Breach::bad_argument,
+    {"folder in a composition's item", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder("f", b.item_of(b.comp()), &made);
      }},
-    {"folder without a place", Breach::bad_argument,
+    {"folder without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.item_suite->AEGP_CreateNewFolder("f", b.root(), nullptr); }},
 
     // footage
-    {"footage without a path", Breach::bad_argument,
+    {"footage without a path", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), nullptr, nullptr, nullptr, 0, nullptr, &made);
      }},
-    {"footage with a layer key", Breach::bad_argument,
+    {"footage with a layer key", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", foreign<AEGP_FootageLayerKey*>(),
                                                  nullptr, 0, nullptr, &made);
      }},
-    {"footage with a dialog", Breach::bad_argument,
+    {"footage with a dialog", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", nullptr, nullptr, 1, nullptr, &made);
      }},
-    {"footage with something reserved", Breach::bad_argument,
+    {"footage with something reserved", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", nullptr, nullptr, 0, &b, &made);
      }},
-    {"footage without a place", Breach::bad_argument,
+    {"footage without a place", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", nullptr, nullptr, 0, nullptr, nullptr);
      }},
-    {"sequence that starts below -1", Breach::bad_argument,
+    {"sequence that starts below -1", RuleViolation::bad_argument,
      [](BundleSide& b) { return new_footage(b, {1, 0, -2, -1}); }},
-    {"sequence that ends below -1", Breach::bad_argument,
+    {"sequence that ends below -1", RuleViolation::bad_argument,
      [](BundleSide& b) { return new_footage(b, {1, 0, -1, -2}); }},
-    {"sequence that ends before it starts", Breach::bad_argument,
+    {"sequence that ends before it starts", RuleViolation::bad_argument,
      [](BundleSide& b) { return new_footage(b, {1, 0, 5, 4}); }},
-    {"placeholder without a name", Breach::bad_argument,
+    {"placeholder without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), nullptr, 1, 1, &b.four_seconds, &made);
      }},
-    {"placeholder of no width", Breach::bad_argument,
+    {"placeholder of no width", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 0, 1, &b.four_seconds, &made);
      }},
-    {"placeholder of no height", Breach::bad_argument,
+    {"placeholder of no height", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 1, -1, &b.four_seconds, &made);
      }},
-    {"placeholder without a duration", Breach::bad_argument,
+    {"placeholder without a duration", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 1, 1, nullptr, &made);
      }},
-    {"placeholder with a duration on no scale", Breach::bad_argument,
+    {"placeholder with a duration on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 1, 1, &b.no_scale, &made);
      }},
-    {"no footage added", Breach::bad_argument,
+    {"no footage added", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH item = nullptr;
          return b.footage_suite->AEGP_AddFootageToProject(nullptr, b.root(), &item);
      }},
-    {"footage added twice", Breach::bad_argument,
+    {"footage added twice", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH item = nullptr;
          const AEGP_FootageH footage = b.placeholder();
          b.footage_suite->AEGP_AddFootageToProject(footage, b.root(), &item);
          return b.footage_suite->AEGP_AddFootageToProject(footage, b.root(), &item);
      }},
-    {"footage added to footage", Breach::bad_argument,
+    {"footage added to footage", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH item = nullptr;
          return b.footage_suite->AEGP_AddFootageToProject(b.placeholder(), b.placeholder_item(), &item);
      }},
-    {"interpretation of a folder", Breach::bad_argument,
+    {"interpretation of a folder", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageInterp record{};
          return b.footage_suite->AEGP_GetFootageInterpretation(b.root(), 0, &record);
      }},
-    {"interpretation of a proxy", Breach::bad_argument,
+    {"interpretation of a proxy", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageInterp record{};
          return b.footage_suite->AEGP_GetFootageInterpretation(b.placeholder_item(), 1, &record);
      }},
-    {"interpretation without a place", Breach::bad_argument,
+    {"interpretation without a place", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.footage_suite->AEGP_GetFootageInterpretation(b.placeholder_item(), 0, nullptr);
      }},
-    {"interpretation set to nothing", Breach::bad_argument,
+    {"interpretation set to nothing", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.footage_suite->AEGP_SetFootageInterpretation(b.placeholder_item(), 0, nullptr);
      }},
-    {"interpretation with unknown fields", Breach::bad_argument,
+    {"interpretation with unknown fields", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.interlace.type = 2; }); }},
-    {"interpretation with an unknown field order", Breach::bad_argument,
+    {"interpretation with an unknown field order", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.interlace.order = 2; }); }},
-    {"interpretation with unknown alpha flags", Breach::bad_argument,
+    {"interpretation with unknown alpha flags", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.alpha.flags = 8; }); }},
-    {"interpretation with a pixel aspect of 0", Breach::bad_argument,
+    {"interpretation with a pixel aspect of 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.pixel_aspect.num = 0; }); }},
-    {"interpretation with a pixel aspect over 0", Breach::bad_argument,
+    {"interpretation with a pixel aspect over 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.pixel_aspect.den = 0; }); }},
-    {"interpretation with a negative frame rate", Breach::bad_argument,
+    {"interpretation with a negative frame rate", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.conform_fps = -1.0; }); }},
-    {"interpretation with a frame rate that is no number", Breach::bad_argument,
+    {"interpretation with a frame rate that is no number", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return set_changed(b, [](auto& record) { record.conform_fps = std::nan(""); });
      }},
 
     // compositions
-    {"composition of no width", Breach::bad_argument,
+    {"composition of no width", RuleViolation::bad_argument,
      [](BundleSide& b) { return create_comp(b, 0, 1, {1, 1}, {1, 1}, {1, 1}); }},
-    {"composition of no height", Breach::bad_argument,
+    {"composition of no height", RuleViolation::bad_argument,
      [](BundleSide& b) { return create_comp(b, 1, 0, {1, 1}, {1, 1}, {1, 1}); }},
-    {"composition with a pixel aspect of 0", Breach::bad_argument,
+    {"composition with a pixel aspect of 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return create_comp(b, 1, 1, {0, 1}, {1, 1}, {1, 1}); }},
-    {"composition with a pixel aspect over 0", Breach::bad_argument,
+    {"composition with a pixel aspect over 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return create_comp(b, 1, 1, {1, 0}, {1, 1}, {1, 1}); }},
-    {"composition with a duration on no scale", Breach::bad_argument,
+    {"composition with a duration on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) { return create_comp(b, 1, 1, {1, 1}, {1, 0}, {1, 1}); }},
-    {"composition with a frame rate of 0", Breach::bad_argument,
+    {"composition with a frame rate of 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return create_comp(b, 1, 1, {1, 1}, {1, 1}, {0, 1}); }},
-    {"composition of a folder's item", Breach::bad_argument,
+    {"composition of a folder's item", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_CompH comp = nullptr;
          return b.comp_suite->AEGP_GetCompFromItem(b.root(), &comp);
      }},
-    {"item of no composition", Breach::bad_argument,
+    {"item of no composition", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH item = nullptr;
          return b.comp_suite->AEGP_GetItemFromComp(nullptr, &item);
      }},
-    {"camera at infinity", Breach::bad_argument,
+    {"camera at infinity", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_LayerH layer = nullptr;
          const double infinity = std::numeric_limits<double>::infinity();
          return b.comp_suite->AEGP_CreateCameraInComp("c", {infinity, 0.0}, b.comp(), &layer);
      }},
-    {"camera without a name", Breach::bad_argument,
+    {"camera without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_LayerH layer = nullptr;
          return b.comp_suite->AEGP_CreateCameraInComp(nullptr, {0.0, 0.0}, b.comp(), &layer);
      }},
-    {"light without a place", Breach::bad_argument,
+    {"light without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.comp_suite->AEGP_CreateLightInComp("l", {0.0, 0.0}, b.comp(), nullptr); }},
-    {"null with a duration on no scale", Breach::bad_argument,
+    {"null with a duration on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_LayerH layer = nullptr;
          return b.comp_suite->AEGP_CreateNullInComp("n", b.comp(), &b.no_scale, &layer);
      }},
 
     // layers
-    {"no flag at all", Breach::bad_argument,
+    {"no flag at all", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_SetLayerFlag(b.camera(b.comp()), 0, 1); }},
-    {"two flags at once", Breach::bad_argument,
+    {"two flags at once", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_SetLayerFlag(b.camera(b.comp()), 3, 1); }},
-    {"in-point in an unknown time", Breach::bad_argument,
+    {"in-point in an unknown time", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.layer_suite->AEGP_SetLayerInPointAndDuration(b.camera(b.comp()), 2, &b.four_seconds,
                                                                &b.four_seconds);
      }},
-    {"in-point on no scale", Breach::bad_argument,
+    {"in-point on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.layer_suite->AEGP_SetLayerInPointAndDuration(b.camera(b.comp()), 0, &b.no_scale,
                                                                &b.four_seconds);
      }},
-    {"layer duration null", Breach::bad_argument,
+    {"layer duration null", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.layer_suite->AEGP_SetLayerInPointAndDuration(b.camera(b.comp()), 0, &b.four_seconds, nullptr);
      }},
-    {"offset on no scale", Breach::bad_argument,
+    {"offset on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_SetLayerOffset(b.camera(b.comp()), &b.no_scale); }},
-    {"transfer mode without a place", Breach::bad_argument,
+    {"transfer mode without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_GetLayerTransferMode(b.camera(b.comp()), nullptr); }},
-    {"transfer mode below 0", Breach::bad_argument,
+    {"transfer mode below 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_LayerTransferMode mode{-1, 0, 0};
          return b.layer_suite->AEGP_SetLayerTransferMode(b.camera(b.comp()), &mode);
      }},
-    {"a folder as a layer", Breach::bad_argument,
+    {"a folder as a layer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_LayerH layer = nullptr;
          return b.layer_suite->AEGP_AddLayer(b.root(), b.comp(), &layer);
      }},
-    {"a composition as a layer of itself", Breach::bad_argument,
+    {"a composition as a layer of itself", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_LayerH layer = nullptr;
          const AEGP_CompH comp = b.comp();
          return b.layer_suite->AEGP_AddLayer(b.item_of(comp), comp, &layer);
      }},
-    {"type of a light that is a camera", Breach::bad_argument,
+    {"type of a light that is a camera", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.light_suite->AEGP_SetLightType(b.camera(b.comp()), kLightTypeSpot); }},
-    {"light type beyond ambient", Breach::bad_argument,
+    {"light type beyond ambient", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.light_suite->AEGP_SetLightType(b.light(b.comp()), kLightTypeAmbient + 1); }},
 
     // streams and keys
-    {"zoom of a light", Breach::bad_argument,
+    {"zoom of a light", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_StreamRefH stream = nullptr;
          return b.stream_suite->AEGP_GetNewLayerStream(b.host.plugin_id(), b.light(b.comp()), kLayerStreamZoom, &stream);
      }},
-    {"stream of another plug-in", Breach::bad_argument,
+    {"stream of another plug-in", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_StreamRefH stream = nullptr;
          return b.stream_suite->AEGP_GetNewLayerStream(0, b.light(b.comp()), kLayerStreamPosition, &stream);
      }},
-    {"stream disposed of twice", Breach::dead_handle,
+    {"stream disposed of twice", RuleViolation::dead_handle,
      [](BundleSide& b) {
          const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
          b.stream_suite->AEGP_DisposeStream(stream);
          return b.stream_suite->AEGP_DisposeStream(stream);
      }},
-    {"value null", Breach::bad_argument,
+    {"value null", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.stream_suite->AEGP_SetStreamValue(b.host.plugin_id(), b.stream(b.camera(b.comp()), kLayerStreamZoom), nullptr);
      }},
-    {"value without its stream", Breach::bad_argument,
+    {"value without its stream", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_StreamValue value = one_d(nullptr, 1.0);
          return b.stream_suite->AEGP_SetStreamValue(b.host.plugin_id(), b.stream(b.camera(b.comp()), kLayerStreamZoom), &value);
      }},
-    {"value for another stream", Breach::bad_argument,
+    {"value for another stream", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_LayerH camera = b.camera(b.comp());
          AEGP_StreamValue value = one_d(b.stream(camera, kLayerStreamPosition), 1.0);
          return b.stream_suite->AEGP_SetStreamValue(b.host.plugin_id(), b.stream(camera, kLayerStreamZoom), &value);
      }},
-    {"value of a stream that has keys", Breach::bad_argument,
+    {"value of a stream that has keys", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
          const AEGP_AddKeyframesInfoH info = b.additions(stream);
@@ -505,50 +505,50 @@ const Case kCases[] = {
          AEGP_StreamValue value = one_d(stream, 1.0);
          return b.stream_suite->AEGP_SetStreamValue(b.host.plugin_id(), stream, &value);
      }},
-    {"additions to a dead stream", Breach::dead_handle,
+    {"additions to a dead stream", RuleViolation::dead_handle,
      [](BundleSide& b) {
          const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
          b.stream_suite->AEGP_DisposeStream(stream);
          AEGP_AddKeyframesInfoH info = nullptr;
          return b.keyframe_suite->AEGP_StartAddKeyframes(stream, &info);
      }},
-    {"key on no scale", Breach::bad_argument,
+    {"key on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_long index = 0;
          return b.keyframe_suite->AEGP_AddKeyframes(key_additions(b), kTimeModeLayer, &b.no_scale, &index);
      }},
-    {"key in an unknown time", Breach::bad_argument,
+    {"key in an unknown time", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_long index = 0;
          return b.keyframe_suite->AEGP_AddKeyframes(key_additions(b), 7, &b.four_seconds, &index);
      }},
-    {"key without a place for its index", Breach::bad_argument,
+    {"key without a place for its index", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.keyframe_suite->AEGP_AddKeyframes(key_additions(b), kTimeModeLayer, &b.four_seconds, nullptr);
      }},
-    {"value of a key that was not added", Breach::bad_argument,
+    {"value of a key that was not added", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
          const AEGP_StreamValue value = one_d(stream, 1.0);
          return b.keyframe_suite->AEGP_SetAddKeyframe(b.additions(stream), 0, &value);
      }},
-    {"value of a key with a negative index", Breach::bad_argument,
+    {"value of a key with a negative index", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_StreamValue value = one_d(nullptr, 1.0);
          return b.keyframe_suite->AEGP_SetAddKeyframe(key_additions(b), -1, &value);
      }},
-    {"value of a key without its stream", Breach::bad_argument,
+    {"value of a key without its stream", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_StreamValue value = one_d(nullptr, 1.0);
          return b.keyframe_suite->AEGP_SetAddKeyframe(key_additions(b), 0, &value);
      }},
-    {"additions ended twice", Breach::dead_handle,
+    {"additions ended twice", RuleViolation::dead_handle,
      [](BundleSide& b) {
          const AEGP_AddKeyframesInfoH info = key_additions(b);
          b.keyframe_suite->AEGP_EndAddKeyframes(1, info);
          return b.keyframe_suite->AEGP_EndAddKeyframes(1, info);
      }},
-    {"additions ended after their stream was disposed of", Breach::bad_argument,
+    {"additions ended after their stream was disposed of", RuleViolation::bad_argument,
      [](BundleSide& b) {
          const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
          const AEGP_AddKeyframesInfoH info = b.additions(stream);
@@ -559,49 +559,49 @@ const Case kCases[] = {
      }},
 
     // memory
-    {"memory without a name", Breach::bad_argument,
+    {"memory without a name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_MemHandle made = nullptr;
          return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), nullptr, 1, 0, &made);
      }},
-    {"memory of no size", Breach::bad_argument,
+    {"memory of no size", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_MemHandle made = nullptr;
          return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), "m", 0, 0, &made);
      }},
-    {"memory with unknown flags", Breach::bad_argument,
+    {"memory with unknown flags", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_MemHandle made = nullptr;
          return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), "m", 1, 6, &made);
      }},
-    {"memory without a place", Breach::bad_argument,
+    {"memory without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), "m", 1, 0, nullptr); }},
-    {"memory locked without a place", Breach::bad_argument,
+    {"memory locked without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.memory_suite->AEGP_LockMemHandle(b.memory(), nullptr); }},
-    {"foreign memory freed", Breach::foreign_handle,
+    {"foreign memory freed", RuleViolation::foreign_handle,
      [](BundleSide& b) { return b.memory_suite->AEGP_FreeMemHandle(foreign<AEGP_MemHandle>()); }},
 
     // in-specs and out-specs
-    {"options of no in-spec", Breach::bad_argument,
+    {"options of no in-spec", RuleViolation::bad_argument,
      [](BundleSide& b) {
          void* options = nullptr;
          return b.io_in_suite->AEGP_GetInSpecOptionsHandle(nullptr, &options);
      }},
-    {"options without a place", Breach::bad_argument,
+    {"options without a place", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_GetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")), nullptr);
      }},
-    {"options without a place for the old ones", Breach::bad_argument,
+    {"options without a place for the old ones", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")), nullptr,
                                                            nullptr);
      }},
-    {"options that are no memory handle", Breach::foreign_handle,
+    {"options that are no memory handle", RuleViolation::foreign_handle,
      [](BundleSide& b) {
          void* old = nullptr;
          return b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")), &b, &old);
      }},
-    {"options that belong to another in-spec", Breach::bad_argument,
+    {"options that belong to another in-spec", RuleViolation::bad_argument,
      [](BundleSide& b) {
          void* old = nullptr;
          const AEGP_MemHandle memory = b.memory();
@@ -609,48 +609,48 @@ const Case kCases[] = {
          return b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("y")), memory,
                                                            &old);
      }},
-    {"rate of 0", Breach::bad_argument,
+    {"rate of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecNativeFPS(b.host.in_spec_handle(b.host.new_in_spec("x")), 0);
      }},
-    {"depth of 0", Breach::bad_argument,
+    {"depth of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecDepth(b.host.in_spec_handle(b.host.new_in_spec("x")), 0);
      }},
-    {"size below 0", Breach::bad_argument,
+    {"size below 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecSize(b.host.in_spec_handle(b.host.new_in_spec("x")), -1);
      }},
-    {"alpha label null", Breach::bad_argument,
+    {"alpha label null", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecAlphaLabel(b.host.in_spec_handle(b.host.new_in_spec("x")), nullptr);
      }},
-    {"alpha label of an unknown type", Breach::bad_argument,
+    {"alpha label of an unknown type", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_AlphaLabel label{};
          label.alpha_type = 4;
          return b.io_in_suite->AEGP_SetInSpecAlphaLabel(b.host.in_spec_handle(b.host.new_in_spec("x")), &label);
      }},
-    {"in-spec duration on no scale", Breach::bad_argument,
+    {"in-spec duration on no scale", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecDuration(b.host.in_spec_handle(b.host.new_in_spec("x")), &b.no_scale);
      }},
-    {"in-spec of no width", Breach::bad_argument,
+    {"in-spec of no width", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecDimensions(b.host.in_spec_handle(b.host.new_in_spec("x")), 0, 1);
      }},
-    {"in-spec that was disposed of", Breach::dead_handle,
+    {"in-spec that was disposed of", RuleViolation::dead_handle,
      [](BundleSide& b) {
          const embedded::Id in_spec = b.host.new_in_spec("x");
          b.host.dispose(in_spec);
          return b.io_in_suite->AEGP_SetInSpecDepth(b.host.in_spec_handle(in_spec), 24);
      }},
-    {"output path of a foreign output", Breach::foreign_handle,
+    {"output path of a foreign output", RuleViolation::foreign_handle,
      [](BundleSide& b) {
          char path[260] = {};
          return b.io_out_suite->AEGP_GetOutSpecFilePath(foreign<AEIO_OutSpecH>(), path);
      }},
-    {"output path without a place", Breach::bad_argument,
+    {"output path without a place", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.io_out_suite->AEGP_GetOutSpecFilePath(b.host.new_out_spec("x"), nullptr); }},
 };
 
@@ -659,15 +659,15 @@ TEST(ArgumentChecks, RefuseAndReportEveryBadArgument) {
         SCOPED_TRACE(c.name);
         BundleSide bundle;
         bundle.utility_suite->AEGP_StartUndoGroup("test");
-        if (c.breach == Breach::undo_group_unbalanced) {
+        if (c.violation == RuleViolation::undo_group_unbalanced) {
             bundle.utility_suite->AEGP_EndUndoGroup();
         }
         const A_Err result = c.call(bundle);
         EXPECT_NE(result, kHostErrorNone);
-        ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
-        EXPECT_EQ(bundle.host.discipline().problems().front().breach, c.breach)
-            << bundle.host.discipline().to_text();
-        EXPECT_GT(bundle.host.discipline().problems().front().call, 0);
+        ASSERT_EQ(bundle.host.conformance().violations().size(), 1U) << bundle.host.conformance().to_text();
+        EXPECT_EQ(bundle.host.conformance().violations().front().code, c.violation)
+            << bundle.host.conformance().to_text();
+        EXPECT_TRUE(bundle.host.conformance().violations().front().at.line.has_value());
     }
 }
 
@@ -729,10 +729,10 @@ TEST(Names, AreCutAfter31BytesAndNoted) {
         BundleSide bundle;
         bundle.utility_suite->AEGP_StartUndoGroup("test");
         EXPECT_EQ(kind.make(bundle, fits.c_str()), fits);
-        EXPECT_EQ(bundle.count(Breach::name_cut), 0U);
+        EXPECT_EQ(bundle.count(RuleViolation::name_cut), 0U);
         EXPECT_EQ(kind.make(bundle, too_long.c_str()), too_long.substr(0, 31));
-        EXPECT_EQ(bundle.count(Breach::name_cut), 1U);
-        EXPECT_TRUE(bundle.host.discipline().clean()) << "a cut name is a note, not a problem";
+        EXPECT_EQ(bundle.count(RuleViolation::name_cut), 1U);
+        EXPECT_TRUE(bundle.host.conformance().clean()) << "a cut name is a note, not a problem";
     }
 }
 
@@ -743,13 +743,15 @@ TEST(ReservedSlots, FailAndAreReportedWithTheirPlace) {
     EXPECT_EQ(call(bundle.layer_suite->reserved_26[19]), kHostErrorGeneric);
     const auto* app = bundle.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1);
     EXPECT_EQ(call(app->reserved_0[9]), kHostErrorGeneric);
-    const auto& problems = bundle.host.discipline().problems();
-    ASSERT_EQ(problems.size(), 3U);
-    EXPECT_EQ(problems[0].breach, Breach::reserved_slot);
-    EXPECT_NE(problems[0].text.find("slot 2 of AEGP Comp Suite 9"), std::string::npos) << problems[0].text;
-    EXPECT_NE(problems[1].text.find("slot 45 of AEGP Layer Suite 11"), std::string::npos) << problems[1].text;
-    EXPECT_NE(problems[2].text.find("slot 9 of PF AE Adv App Suite 1"), std::string::npos)
-        << problems[2].text;
+    const auto& violations = bundle.host.conformance().violations();
+    ASSERT_EQ(violations.size(), 3U);
+    EXPECT_EQ(violations[0].code, RuleViolation::reserved_slot);
+    EXPECT_NE(violations[0].reason.find("slot 2 of AEGP Comp Suite 9"), std::string::npos)
+        << violations[0].reason;
+    EXPECT_NE(violations[1].reason.find("slot 45 of AEGP Layer Suite 11"), std::string::npos)
+        << violations[1].reason;
+    EXPECT_NE(violations[2].reason.find("slot 9 of PF AE Adv App Suite 1"), std::string::npos)
+        << violations[2].reason;
 }
 
 }  // namespace

@@ -20,7 +20,7 @@ TEST(BundleLoading, CallsTheExportedEntryAndKeepsWhatItRegistered) {
     EXPECT_EQ(host.flavors()[0].name, "small");
     EXPECT_TRUE(host.verify("any file").importable);
     EXPECT_EQ(host.import_file("any file").code, kHostErrorNone);
-    EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
+    EXPECT_TRUE(host.conformance().clean()) << host.conformance().to_text();
 }
 
 TEST(BundleLoading, CallsTheEntryOfItsGeneration) {
@@ -33,7 +33,7 @@ TEST(BundleLoading, CallsTheEntryOfItsGeneration) {
     EXPECT_EQ(host.flavors()[0].name, "small today");
     EXPECT_TRUE(host.verify("any file").importable);
     EXPECT_EQ(host.import_file("any file").code, kHostErrorNone);
-    EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
+    EXPECT_TRUE(host.conformance().clean()) << host.conformance().to_text();
 }
 
 A_Err classic_entry(SPBasicSuite*, A_long, A_long, const A_char*, const A_char*, AEGP_PluginID,
@@ -127,7 +127,7 @@ TEST(BundleLoading, CatchesTheMissingSuiteExceptionOfAnotherLibrary) {
     EXPECT_FALSE(loaded.ok());
     EXPECT_TRUE(loaded.entry.missing_suite);
     EXPECT_EQ(loaded.entry.code, kHostErrorMissingSuite);
-    EXPECT_EQ(host.discipline().count(embedded::Breach::missing_suite_exception), 1U);
+    EXPECT_EQ(host.conformance().count(embedded::RuleViolation::missing_suite_exception), 1U);
 }
 
 int death_hooks_run = 0;
@@ -181,18 +181,18 @@ TEST(Host, PassesEveryOtherExceptionOn) {
     EXPECT_THROW(bundle.host.run("callback", []() -> A_Err { throw std::runtime_error("mine"); }),
                  std::runtime_error);
     EXPECT_THROW(bundle.host.run("callback", []() -> A_Err { throw 515L; }), long);
-    EXPECT_TRUE(bundle.host.discipline().clean());
+    EXPECT_TRUE(bundle.host.conformance().clean());
     EXPECT_THROW(bundle.host.run("callback",
                                  [&]() -> A_Err {
                                      bundle.memory();
                                      throw std::runtime_error("with a handle left alive");
                                  }),
                  std::runtime_error);
-    EXPECT_EQ(bundle.count(embedded::Breach::memory_left_alive), 1U);
+    EXPECT_EQ(bundle.count(embedded::RuleViolation::memory_left_alive), 1U);
     const embedded::CallbackResult missing = bundle.host.run("callback", []() -> A_Err { throw 516L; });
     EXPECT_TRUE(missing.missing_suite);
     EXPECT_EQ(missing.code, kHostErrorMissingSuite);
-    EXPECT_EQ(bundle.count(embedded::Breach::missing_suite_exception), 1U);
+    EXPECT_EQ(bundle.count(embedded::RuleViolation::missing_suite_exception), 1U);
 }
 
 TEST(Suites, AreOfferedByNameAndVersion) {
@@ -213,7 +213,7 @@ TEST(Suites, AreOfferedByNameAndVersion) {
             EXPECT_EQ(table, nullptr);
             EXPECT_EQ(host.basic_suite()->ReleaseSuite(suite.name.c_str(), suite.version), kHostErrorNone);
         }
-        EXPECT_TRUE(host.discipline().clean()) << host.discipline().to_text();
+        EXPECT_TRUE(host.conformance().clean()) << host.conformance().to_text();
     }
 }
 
@@ -231,7 +231,7 @@ TEST(Suites, CanBeWithheldOrEmpty) {
     EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Layer Suite", 11, &table), kHostErrorNone);
     EXPECT_NE(table, nullptr);
     EXPECT_EQ(host.basic_suite()->ReleaseSuite("AEGP Layer Suite", 11), kHostErrorNone);
-    EXPECT_TRUE(host.discipline().clean()) << "asking for a suite is no offence";
+    EXPECT_TRUE(host.conformance().clean()) << "asking for a suite is no offence";
 }
 
 }  // namespace

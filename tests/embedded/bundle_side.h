@@ -106,7 +106,9 @@ struct BundleSide {
         data_suite->AEGP_GetApplicationBlob(&made);
         return made;
     }
-    [[nodiscard]] std::size_t count(embedded::Breach breach) const { return host.discipline().count(breach); }
+    [[nodiscard]] std::size_t count(embedded::RuleViolation violation) const {
+        return host.conformance().count(violation);
+    }
 
     embedded::Host host;
     A_Ratio square{1, 1};

@@ -129,7 +129,7 @@ TEST(Faults, AnswerTheNthCallAloneAndChangeNothing) {
     EXPECT_NE(third, nullptr);
     EXPECT_EQ(bundle.host.project().items.size(), 3U);
     EXPECT_EQ(bundle.host.call_counts().at("AEGP_CreateNewFolder"), 3);
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
 TEST(Faults, CanBeAskedOfEveryFunctionThatCanFail) {

@@ -10,9 +10,9 @@
 
 namespace {
 
-using embedded::Breach;
 using embedded::Footage;
 using embedded::FootageKind;
+using embedded::RuleViolation;
 
 struct ImageCase {
     const char* name;
@@ -83,7 +83,7 @@ TEST(Footage, HasWhatTheFileSays) {
         EXPECT_EQ(footage.duration.value, 0) << "a still";
         EXPECT_EQ(footage.interpretation.depth, c.depth);
         EXPECT_EQ(footage.interpretation.alpha.flags, c.premultiplied ? kAlphaFlagPremultiplied : 0U);
-        EXPECT_TRUE(bundle.host.discipline().clean());
+        EXPECT_TRUE(bundle.host.conformance().clean());
     }
 }
 
@@ -117,10 +117,10 @@ TEST(Footage, OfASequenceCoversItsFramesAndNotesItsGaps) {
     EXPECT_EQ(footage.sequence->count, 5);
     EXPECT_EQ(footage.duration.value, 8);
     EXPECT_EQ(footage.duration.scale, 30U);
-    ASSERT_EQ(bundle.host.discipline().notes().size(), 1U);
-    EXPECT_EQ(bundle.host.discipline().notes()[0].breach, Breach::sequence_gap);
-    EXPECT_EQ(bundle.host.discipline().notes()[0].text, "shot.####.png has gaps: 19 22-23");
-    EXPECT_TRUE(bundle.host.discipline().clean()) << "a gap is not the bundle's fault";
+    ASSERT_EQ(bundle.host.conformance().notes().size(), 1U);
+    EXPECT_EQ(bundle.host.conformance().notes()[0].code, RuleViolation::sequence_gap);
+    EXPECT_EQ(bundle.host.conformance().notes()[0].reason, "shot.####.png has gaps: 19 22-23");
+    EXPECT_TRUE(bundle.host.conformance().clean()) << "a gap is not the bundle's fault";
 }
 
 TEST(Footage, OfASequenceIsNamedByTheNumberAndNotByANumberSign) {
@@ -180,7 +180,7 @@ TEST(Footage, ThatCannotBeReadIsRefused) {
         BundleSide bundle;
         EXPECT_EQ(make(bundle, c.path), kHostErrorGeneric);
         EXPECT_TRUE(bundle.host.project().footage.empty());
-        EXPECT_TRUE(bundle.host.discipline().clean()) << "the file is bad, not the argument";
+        EXPECT_TRUE(bundle.host.conformance().clean()) << "the file is bad, not the argument";
         const image::Probe probe = image::probe(c.path);
         EXPECT_FALSE(probe.header.has_value());
         ASSERT_TRUE(probe.error.has_value());
@@ -203,7 +203,7 @@ TEST(Footage, PlaceholdersHaveTheSizeAndLengthTheyWereGiven) {
     EXPECT_EQ(item.kind, embedded::ItemKind::footage);
     EXPECT_EQ(item.name, "missing.tif");
     EXPECT_EQ(item.parent_folder, embedded::kRootFolder);
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
 TEST(Footage, KeepsTheInterpretationItIsGiven) {

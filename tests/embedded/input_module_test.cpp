@@ -13,7 +13,7 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 using ::testing::ElementsAre;
 
 /// What the module of these tests does; a test changes one thing.
@@ -194,7 +194,7 @@ TEST_F(InputModule, IsAskedInOrderAndItsInSpecCountsWhereItLeavesTheAnswerToTheH
     EXPECT_EQ(in_spec.alpha_label->alpha_type, kAlphaTypePremultiplied);
     EXPECT_EQ(in_spec.type_text, "type");
     EXPECT_EQ(in_spec.sub_type_text, std::string(128, 's'));
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
     EXPECT_EQ(embedded::project_to_json(bundle.host.project())["in_specs"][0]["module"], "TEST");
 }
 
@@ -273,7 +273,7 @@ TEST_F(InputModule, ThatCannotOpenAFileLeavesNothingOpen) {
             EXPECT_TRUE(in_spec.disposed);
         }
     }
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
 TEST_F(InputModule, ThatThrowsForASuiteIsAMissingSuite) {
@@ -281,7 +281,7 @@ TEST_F(InputModule, ThatThrowsForASuiteIsAMissingSuite) {
     const embedded::OpenResult opened = bundle.host.open_with_module("x.tst");
     EXPECT_EQ(opened.callback.code, kHostErrorMissingSuite);
     EXPECT_TRUE(opened.callback.missing_suite);
-    EXPECT_EQ(bundle.count(Breach::missing_suite_exception), 1U);
+    EXPECT_EQ(bundle.count(RuleViolation::missing_suite_exception), 1U);
 }
 
 TEST_F(InputModule, ThatLosesAHandleIsTold) {
@@ -289,15 +289,15 @@ TEST_F(InputModule, ThatLosesAHandleIsTold) {
     script.init = 3;
     script.attach_options = false;
     bundle.host.open_with_module("x.tst");
-    ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
-    EXPECT_EQ(bundle.host.discipline().problems()[0].breach, Breach::memory_left_alive);
-    EXPECT_EQ(bundle.host.discipline().problems()[0].where, "AEIO_InitInSpecFromFile");
+    ASSERT_EQ(bundle.host.conformance().violations().size(), 1U) << bundle.host.conformance().to_text();
+    EXPECT_EQ(bundle.host.conformance().violations()[0].code, RuleViolation::memory_left_alive);
+    EXPECT_EQ(bundle.host.conformance().violations()[0].within.front(), "AEIO_InitInSpecFromFile");
 }
 
 TEST_F(InputModule, ThatKeepsItsOptionsOnDisposalIsTold) {
     script.free_on_dispose = false;
     EXPECT_EQ(bundle.host.dispose(open()).code, kHostErrorNone);
-    EXPECT_EQ(bundle.count(Breach::memory_left_alive), 1U);
+    EXPECT_EQ(bundle.count(RuleViolation::memory_left_alive), 1U);
 }
 
 TEST_F(InputModule, DisposesOnce) {
@@ -309,7 +309,7 @@ TEST_F(InputModule, DisposesOnce) {
     EXPECT_EQ(std::count(called.begin(), called.end(), "dispose"), 1);
     EXPECT_EQ(bundle.host.dispose(0).code, kHostErrorParameter);
     EXPECT_EQ(bundle.host.dispose(99).code, kHostErrorParameter);
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
 TEST_F(InputModule, DisposesOfEverythingWhenTheBundleGoes) {
@@ -317,7 +317,7 @@ TEST_F(InputModule, DisposesOfEverythingWhenTheBundleGoes) {
     open();
     bundle.host.unload();
     EXPECT_EQ(std::count(called.begin(), called.end(), "dispose"), 2);
-    EXPECT_EQ(bundle.count(Breach::memory_left_alive), 0U) << bundle.host.discipline().to_text();
+    EXPECT_EQ(bundle.count(RuleViolation::memory_left_alive), 0U) << bundle.host.conformance().to_text();
     EXPECT_TRUE(bundle.host.modules().empty());
 }
 
@@ -341,7 +341,7 @@ TEST_F(InputModule, DrawsIntoFramesOfAnyShape) {
         EXPECT_EQ(drawn.pixels[1].blue, 7);
         EXPECT_EQ(drawn.pixels[5].alpha, 36);
     }
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
 TEST_F(InputModule, ThatDrawsOutsideTheFrameIsTold) {
@@ -350,7 +350,7 @@ TEST_F(InputModule, ThatDrawsOutsideTheFrameIsTold) {
     shape.width_px = 2;
     shape.height_px = 1;
     bundle.host.draw(open(), shape);
-    EXPECT_EQ(bundle.count(Breach::write_outside_frame), 1U);
+    EXPECT_EQ(bundle.count(RuleViolation::write_outside_frame), 1U);
 }
 
 TEST_F(InputModule, IsNotAskedForImpossibleFrames) {

@@ -6,7 +6,7 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 
 TEST(MemoryHandles, GiveAsManyBytesAsAskedZeroedWhenAsked) {
     BundleSide bundle;
@@ -36,45 +36,45 @@ TEST(MemoryHandles, KeepTheirAddressWhenUnlocked) {
 
 struct Case {
     const char* name;
-    Breach breach;
+    RuleViolation violation;
     A_Err result;
     std::function<A_Err(BundleSide&, AEGP_MemHandle)> misuse;
 };
 
 const Case kMisuses[] = {
-    {"locked after it was freed", Breach::memory_use_after_free, kHostErrorParameter,
+    {"locked after it was freed", RuleViolation::memory_use_after_free, kHostErrorParameter,
      [](BundleSide& b, AEGP_MemHandle memory) {
          void* address = nullptr;
          b.memory_suite->AEGP_FreeMemHandle(memory);
          return b.memory_suite->AEGP_LockMemHandle(memory, &address);
      }},
-    {"unlocked after it was freed", Breach::memory_use_after_free, kHostErrorParameter,
+    {"unlocked after it was freed", RuleViolation::memory_use_after_free, kHostErrorParameter,
      [](BundleSide& b, AEGP_MemHandle memory) {
          b.memory_suite->AEGP_FreeMemHandle(memory);
          return b.memory_suite->AEGP_UnlockMemHandle(memory);
      }},
-    {"attached after it was freed", Breach::memory_use_after_free, kHostErrorParameter,
+    {"attached after it was freed", RuleViolation::memory_use_after_free, kHostErrorParameter,
      [](BundleSide& b, AEGP_MemHandle memory) {
          void* old = nullptr;
          b.memory_suite->AEGP_FreeMemHandle(memory);
          return b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")),
                                                            memory, &old);
      }},
-    {"freed twice", Breach::memory_double_free, kHostErrorParameter,
+    {"freed twice", RuleViolation::memory_double_free, kHostErrorParameter,
      [](BundleSide& b, AEGP_MemHandle memory) {
          b.memory_suite->AEGP_FreeMemHandle(memory);
          return b.memory_suite->AEGP_FreeMemHandle(memory);
      }},
-    {"unlocked without a lock", Breach::memory_unlock_without_lock, kHostErrorParameter,
+    {"unlocked without a lock", RuleViolation::memory_unlock_without_lock, kHostErrorParameter,
      [](BundleSide& b, AEGP_MemHandle memory) { return b.memory_suite->AEGP_UnlockMemHandle(memory); }},
-    {"unlocked more often than locked", Breach::memory_unlock_without_lock, kHostErrorParameter,
+    {"unlocked more often than locked", RuleViolation::memory_unlock_without_lock, kHostErrorParameter,
      [](BundleSide& b, AEGP_MemHandle memory) {
          void* address = nullptr;
          b.memory_suite->AEGP_LockMemHandle(memory, &address);
          b.memory_suite->AEGP_UnlockMemHandle(memory);
          return b.memory_suite->AEGP_UnlockMemHandle(memory);
      }},
-    {"freed while locked", Breach::memory_left_locked, kHostErrorNone,
+    {"freed while locked", RuleViolation::memory_left_locked, kHostErrorNone,
      [](BundleSide& b, AEGP_MemHandle memory) {
          void* address = nullptr;
          b.memory_suite->AEGP_LockMemHandle(memory, &address);
@@ -87,8 +87,8 @@ TEST(MemoryHandles, ReportEveryMisuse) {
         SCOPED_TRACE(c.name);
         BundleSide bundle;
         EXPECT_EQ(c.misuse(bundle, bundle.memory()), c.result);
-        ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
-        EXPECT_EQ(bundle.host.discipline().problems()[0].breach, c.breach);
+        ASSERT_EQ(bundle.host.conformance().violations().size(), 1U) << bundle.host.conformance().to_text();
+        EXPECT_EQ(bundle.host.conformance().violations()[0].code, c.violation);
     }
 }
 
@@ -98,8 +98,8 @@ TEST(MemoryHandles, NameWhatWasLeftAlive) {
         bundle.memory(48);
         return kHostErrorNone;
     });
-    ASSERT_EQ(bundle.host.discipline().problems().size(), 1U);
-    EXPECT_EQ(bundle.host.discipline().problems()[0].text, "mem:1 \"block\" of 48 bytes was left alive");
+    ASSERT_EQ(bundle.host.conformance().violations().size(), 1U);
+    EXPECT_EQ(bundle.host.conformance().violations()[0].reason, "mem:1 \"block\" of 48 bytes was left alive");
 }
 
 }  // namespace

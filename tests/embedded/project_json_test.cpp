@@ -107,26 +107,54 @@ TEST(ProjectJson, WritesSequencesWithTheirGaps) {
         R"({"pattern":"a.##.png","first":17,"last":30,"count":3,"padding":2,"gaps":[{"first":19,"last":20}]})");
 }
 
-TEST(DisciplineJson, WritesProblemsAndNotes) {
-    embedded::DisciplineReport report;
-    EXPECT_EQ(embedded::discipline_to_json(report).dump(),
+TEST(ConformanceJson, WritesViolationsAndNotes) {
+    embedded::ConformanceReport report;
+    EXPECT_EQ(embedded::conformance_to_json(report).dump(),
               R"({"clean":true,"problems":[],"notes":[],"dropped":0})");
-    report.add({embedded::Breach::reserved_slot, 4, "suite", "slot 2"});
-    report.add({embedded::Breach::name_cut, 0, "callback", "cut"});
+    report.add(embedded::conformance_finding(embedded::RuleViolation::reserved_slot, 4, "suite", "slot 2"));
+    report.add(embedded::conformance_finding(embedded::RuleViolation::name_cut, 0, "callback", "cut"));
     EXPECT_EQ(
-        embedded::discipline_to_json(report).dump(),
+        embedded::conformance_to_json(report).dump(),
         R"({"clean":false,"problems":[{"breach":"reserved_slot","call":4,"where":"suite","text":"slot 2"}],)"
         R"("notes":[{"breach":"name_cut","call":null,"where":"callback","text":"cut"}],"dropped":0})");
 }
 
-TEST(Breaches, HaveAWordOfTheirOwn) {
-    std::vector<std::string> words;
-    for (int i = 0; i <= static_cast<int>(embedded::Breach::sequence_gap); ++i) {
-        words.emplace_back(embedded::breach_word(static_cast<embedded::Breach>(i)));
+TEST(RuleViolations, HaveThePublishedNamesAndSeverities) {
+    using diagnostic::Severity;
+    // Scripts rely on these; docs/project-json.md lists them.
+    struct {
+        const char* name;
+        Severity severity;
+    } const published[] = {
+        {"bad_argument", Severity::error},
+        {"dead_handle", Severity::error},
+        {"foreign_handle", Severity::error},
+        {"reserved_slot", Severity::error},
+        {"stream_not_disposed", Severity::error},
+        {"additions_not_ended", Severity::error},
+        {"undo_group_unbalanced", Severity::error},
+        {"change_outside_undo_group", Severity::error},
+        {"footage_never_adopted", Severity::error},
+        {"suite_not_released", Severity::error},
+        {"suite_not_acquired", Severity::error},
+        {"memory_use_after_free", Severity::error},
+        {"memory_double_free", Severity::error},
+        {"memory_unlock_without_lock", Severity::error},
+        {"memory_left_locked", Severity::error},
+        {"memory_left_alive", Severity::error},
+        {"write_outside_frame", Severity::error},
+        {"missing_suite_exception", Severity::error},
+        {"name_cut", Severity::note},
+        {"sequence_gap", Severity::note},
+    };
+    ASSERT_EQ(std::size(published), static_cast<std::size_t>(embedded::RuleViolation::sequence_gap) + 1);
+    for (std::size_t i = 0; i < std::size(published); ++i) {
+        SCOPED_TRACE(published[i].name);
+        const diagnostic::Code code = static_cast<embedded::RuleViolation>(i);
+        EXPECT_STREQ(code.name(), published[i].name);
+        EXPECT_EQ(code.severity(), published[i].severity);
+        EXPECT_STRNE(code.meaning(), "");
     }
-    std::sort(words.begin(), words.end());
-    EXPECT_EQ(std::adjacent_find(words.begin(), words.end()), words.end());
-    EXPECT_EQ(std::count(words.begin(), words.end(), "unknown"), 0);
 }
 
 }  // namespace

@@ -15,7 +15,7 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 using embedded::Utf16String;
 using testing::ElementsAre;
 using testing::IsEmpty;
@@ -94,7 +94,7 @@ TEST(TodaysSuites, AreOfferedInsteadOfTheClassicOnes) {
             EXPECT_EQ(host.basic_suite()->AcquireSuite(suite.name, suite.today, &table),
                       is_today ? kHostErrorNone : kHostErrorMissingSuite);
         }
-        EXPECT_TRUE(host.discipline().clean());
+        EXPECT_TRUE(host.conformance().clean());
     }
 }
 
@@ -110,8 +110,8 @@ TEST(TodaysSuites, HaveTheirFullLength) {
         }
         // The last slot of each is one that this host does not have.
         EXPECT_EQ(slots[suite.slots_today - 1](), kHostErrorGeneric);
-        EXPECT_EQ(side.host.discipline().problems().back().breach, Breach::reserved_slot);
-        EXPECT_EQ(side.host.discipline().problems().back().text,
+        EXPECT_EQ(side.host.conformance().violations().back().code, RuleViolation::reserved_slot);
+        EXPECT_EQ(side.host.conformance().violations().back().reason,
                   "slot " + std::to_string(suite.slots_today - 1) + " of " + suite.name + " " +
                       std::to_string(suite.today) + " was called, which this host does not have");
     }
@@ -153,11 +153,11 @@ TEST(TodaysFootage, IsRefusedWhenItsPathIsNoUtf16) {
         EXPECT_EQ(footage, nullptr);
     }
     EXPECT_THAT(side.host.project().footage, IsEmpty());
-    const auto& problems = side.host.discipline().problems();
-    ASSERT_EQ(problems.size(), 2U);
-    EXPECT_EQ(problems[0].breach, Breach::bad_argument);
-    EXPECT_EQ(problems[0].text, "path is not UTF-16: unit 2 is half of a pair without the other half");
-    EXPECT_EQ(problems[1].text, "path is null");
+    const auto& violations = side.host.conformance().violations();
+    ASSERT_EQ(violations.size(), 2U);
+    EXPECT_EQ(violations[0].code, RuleViolation::bad_argument);
+    EXPECT_EQ(violations[0].reason, "path is not UTF-16: unit 2 is half of a pair without the other half");
+    EXPECT_EQ(violations[1].reason, "path is null");
 }
 
 TEST(PathsInMemory, AreTheBundlesToFree) {
@@ -166,7 +166,7 @@ TEST(PathsInMemory, AreTheBundlesToFree) {
     const AEIO_OutSpecH out = side.host.new_out_spec(kPath);
     const AEIO_InSpecH in = side.host.in_spec_handle(side.host.new_in_spec(kPath));
     for (const bool frees : {true, false}) {
-        const std::size_t before = side.host.discipline().problems().size();
+        const std::size_t before = side.host.conformance().violations().size();
         side.host.run("callback", [&] {
             AEGP_MemHandle output = nullptr;
             AEGP_MemHandle input = nullptr;
@@ -182,10 +182,10 @@ TEST(PathsInMemory, AreTheBundlesToFree) {
             }
             return kHostErrorNone;
         });
-        EXPECT_EQ(side.host.discipline().problems().size() - before, frees ? 0U : 2U)
-            << side.host.discipline().to_text();
+        EXPECT_EQ(side.host.conformance().violations().size() - before, frees ? 0U : 2U)
+            << side.host.conformance().to_text();
     }
-    EXPECT_EQ(side.host.discipline().count(Breach::memory_left_alive), 2U);
+    EXPECT_EQ(side.host.conformance().count(RuleViolation::memory_left_alive), 2U);
 }
 
 TEST(PathsInMemory, NeedSomewhereToBePut) {
@@ -198,7 +198,7 @@ TEST(PathsInMemory, NeedSomewhereToBePut) {
     EXPECT_EQ(path, nullptr);
     EXPECT_EQ(side.io_out_suite->AEGP_GetOutSpecFilePath(nullptr, &path, &reserved), kHostErrorParameter);
     EXPECT_EQ(side.io_in_suite->AEGP_GetInSpecFilePath(nullptr, &path), kHostErrorParameter);
-    EXPECT_EQ(side.host.discipline().count(Breach::bad_argument), 4U);
+    EXPECT_EQ(side.host.conformance().count(RuleViolation::bad_argument), 4U);
 }
 
 TEST(PathsInMemory, ThatAreNoUtf8CannotBeGiven) {
@@ -221,11 +221,11 @@ TEST(TodaysSizes, Have64Bits) {
         EXPECT_EQ(read, size);
         EXPECT_EQ(static_cast<AEIO_FileSize>(side.host.project().in_spec(id).size_bytes), size);
     }
-    EXPECT_TRUE(side.host.discipline().clean());
+    EXPECT_TRUE(side.host.conformance().clean());
     // A negative 32-bit size that was widened with its sign looks like this.
     EXPECT_EQ(side.io_in_suite->AEGP_SetInSpecSize(in, static_cast<AEIO_FileSize>(std::int64_t{-4})),
               kHostErrorParameter);
-    EXPECT_EQ(side.host.discipline().count(Breach::bad_argument), 1U);
+    EXPECT_EQ(side.host.conformance().count(RuleViolation::bad_argument), 1U);
 }
 
 // --- callbacks
@@ -297,7 +297,7 @@ TEST_F(TodaysCallbacks, GetUtf16Paths) {
     EXPECT_EQ(side.host.open_with_module("/caf\xC3\xA9.tst").callback.code, kHostErrorStructure);
     EXPECT_THAT(seen, ElementsAre(std::string("verify ") + kScene, std::string("import ") + kScene,
                                   "verify texture /caf\xC3\xA9.tst", "init /caf\xC3\xA9.tst"));
-    EXPECT_TRUE(side.host.discipline().clean()) << side.host.discipline().to_text();
+    EXPECT_TRUE(side.host.conformance().clean()) << side.host.conformance().to_text();
 }
 
 TEST_F(TodaysCallbacks, AreNotAskedAboutFilesThatHaveNoUtf16Name) {
@@ -328,7 +328,7 @@ TEST_F(TodaysCallbacks, AreAllToBeThere) {
     functions.AEIO_GetMimeType = nullptr;  // the last of the block
     EXPECT_EQ(side.register_suite->AEGP_RegisterIO(side.host.plugin_id(), nullptr, &info, &functions),
               kHostErrorParameter);
-    EXPECT_EQ(side.host.discipline().count(Breach::bad_argument), 1U);
+    EXPECT_EQ(side.host.conformance().count(RuleViolation::bad_argument), 1U);
     EXPECT_EQ(side.host.modules().size(), 1U);
 }
 

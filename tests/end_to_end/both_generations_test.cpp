@@ -21,7 +21,7 @@ using embedded::HostGeneration;
 /// What is left of a bundle's life in one host.
 struct Life {
     std::string project;
-    std::string discipline;
+    std::string conformance;
     std::vector<std::string> messages;
     std::vector<std::string> calls;  ///< lines of the log
     bool clean = false;
@@ -33,8 +33,8 @@ Life life_in(HostGeneration generation, embedded::HostOptions options, const Use
     EXPECT_EQ(bundle.loaded().error, "");
     use(bundle.host());
     bundle.host().unload();
-    return {embedded::project_to_json(bundle.host().project()).dump(1), bundle.host().discipline().to_text(),
-            bundle.message_texts(), bundle.take_calls(), bundle.host().discipline().clean()};
+    return {embedded::project_to_json(bundle.host().project()).dump(1), bundle.host().conformance().to_text(),
+            bundle.message_texts(), bundle.take_calls(), bundle.host().conformance().clean()};
 }
 
 template <class Use>
@@ -42,9 +42,9 @@ void expect_the_same_of(const embedded::HostOptions& options, const Use& use) {
     const Life classic = life_in(HostGeneration::classic, options, use);
     const Life today = life_in(HostGeneration::today, options, use);
     EXPECT_EQ(classic.project, today.project);
-    EXPECT_EQ(classic.discipline, today.discipline);
+    EXPECT_EQ(classic.conformance, today.conformance);
     EXPECT_EQ(classic.messages, today.messages);
-    EXPECT_TRUE(today.clean) << today.discipline;
+    EXPECT_TRUE(today.clean) << today.conformance;
     EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(today.calls)), "");
     // The translation is what makes them the same, and changes nothing that is classic already.
     EXPECT_NE(first_difference(classic.calls, today.calls), "");
@@ -116,7 +116,7 @@ TEST(BothGenerations, ReportTheSameFailures) {
     EXPECT_EQ(classic.messages.size(), 4U);
     EXPECT_EQ(classic.messages, today.messages);
     EXPECT_EQ(classic.project, today.project);
-    EXPECT_EQ(classic.discipline, today.discipline);
+    EXPECT_EQ(classic.conformance, today.conformance);
     EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(today.calls)), "");
 }
 

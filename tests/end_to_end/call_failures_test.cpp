@@ -19,7 +19,7 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 using testing::ElementsAreArray;
 
 enum class Then {
@@ -75,7 +75,7 @@ Calls joined(Calls first, const More&... more) {
 struct Function {
     const char* name;
     Calls calls;
-    std::optional<Breach> leaves;  // what the things that are left open are
+    std::optional<RuleViolation> leaves;  // what the things that are left open are
 };
 
 // Footage is made in the order plate (in Outer), inner and missing (in Inner), missing0001 (in Outer), card
@@ -90,7 +90,7 @@ const std::vector<Function>& functions() {
         // Changing, and putting back.
         {"AEGP_SetData", {{Then::ends_guard}, {Then::goes_on}}, {}},
         {"AEGP_StartUndoGroup", ends_import({0}), {}},
-        {"AEGP_EndUndoGroup", {{Then::goes_on, 0, 1}}, Breach::undo_group_unbalanced},
+        {"AEGP_EndUndoGroup", {{Then::goes_on, 0, 1}}, RuleViolation::undo_group_unbalanced},
         {"AEGP_GetProjectByIndex", ends_import({0}), {}},
         {"AEGP_GetProjectRootFolder", ends_import({0}), {}},
         // Outer, Middle, Inner, Special Passes.
@@ -113,7 +113,7 @@ const std::vector<Function>& functions() {
           {Then::ends_import, 1, 1},
           {Then::ends_import, 0, 1},
           {Then::ends_import, 0, 1}},
-         Breach::footage_never_adopted},
+         RuleViolation::footage_never_adopted},
         {"AEGP_GetFootageInterpretation", ends_interpretation({1, 3, 3, 1, 0, 0}), {}},
         {"AEGP_SetFootageInterpretation", ends_interpretation({1, 3, 3, 1, 0, 0}), {}},
         // Footage layers, then objects.
@@ -122,7 +122,7 @@ const std::vector<Function>& functions() {
         {"AEGP_CreateCameraInComp", ends_objects({0}), {}},
         {"AEGP_CreateLightInComp", ends_objects({0}), {}},
         {"AEGP_CreateNullInComp", ends_objects({0}), {}},
-        {"AEGP_SetLayerFlag", {{Then::ends_flat_null, 0, 1}}, Breach::bad_argument},
+        {"AEGP_SetLayerFlag", {{Then::ends_flat_null, 0, 1}}, RuleViolation::bad_argument},
         {"AEGP_SetLightType", {{Then::goes_on}}, {}},
         // The scale of Camera+Light; camera, then zoom; light, then colour, intensity, shadows, cone; null.
         {"AEGP_GetNewLayerStream",
@@ -133,20 +133,20 @@ const std::vector<Function>& functions() {
         // Of the scale's stream nobody looks at the result. The stream that could not be disposed of is left.
         {"AEGP_DisposeStream",
          joined({{Then::goes_on, 0, 1}}, repeated({Then::ends_objects, 0, 1}, 3 + 1 + 3 + 4 + 4)),
-         Breach::stream_not_disposed},
+         RuleViolation::stream_not_disposed},
         // Additions that were started are deliberately not ended when one of the transform tracks fails.
         {"AEGP_StartAddKeyframes", ends_objects({0, 1, 2, 0, 0, 1, 2, 0, 1, 2, 3}),
-         Breach::additions_not_ended},
+         RuleViolation::additions_not_ended},
         {"AEGP_AddKeyframes",
          joined(repeated({Then::ends_objects, 0, 3}, 2 * 3), repeated(kZoomKey, 2),
                 repeated({Then::ends_objects, 0, 3}, 3), repeated({Then::ends_objects, 0, 4}, 4)),
-         Breach::additions_not_ended},
+         RuleViolation::additions_not_ended},
         {"AEGP_SetAddKeyframe",
          joined(repeated({Then::ends_objects, 0, 3}, 2 * 3), repeated(kZoomKey, 2),
                 repeated({Then::ends_objects, 0, 3}, 3), repeated({Then::ends_objects, 0, 4}, 4)),
-         Breach::additions_not_ended},
+         RuleViolation::additions_not_ended},
         {"AEGP_EndAddKeyframes", ends_objects({3, 2, 1, 1, 3, 2, 1, 4, 3, 2, 1}),
-         Breach::additions_not_ended},
+         RuleViolation::additions_not_ended},
     };
     return table;
 }
@@ -277,12 +277,12 @@ void expect_put_right(const ImportRun& run, const Call& call, const std::string&
     }
 }
 
-void expect_discipline(const ImportRun& run, const Function& function, const Call& call) {
-    EXPECT_EQ(run.discipline.problems().size(), static_cast<std::size_t>(call.left_open))
-        << run.discipline.to_text();
+void expect_conformance(const ImportRun& run, const Function& function, const Call& call) {
+    EXPECT_EQ(run.conformance.violations().size(), static_cast<std::size_t>(call.left_open))
+        << run.conformance.to_text();
     if (function.leaves) {
-        EXPECT_EQ(run.discipline.count(*function.leaves), static_cast<std::size_t>(call.left_open))
-            << run.discipline.to_text();
+        EXPECT_EQ(run.conformance.count(*function.leaves), static_cast<std::size_t>(call.left_open))
+            << run.conformance.to_text();
     }
 }
 
@@ -309,7 +309,7 @@ TEST_P(FailingCall, HasTheConsequenceOfItsPlace) {
             EXPECT_THAT(run.messages, ElementsAreArray(expected_messages(call)));
             expect_calls_afterwards(run, call, function.name, nth);
             expect_put_right(run, call, function.name);
-            expect_discipline(run, function, call);
+            expect_conformance(run, function, call);
         }
     }
 }
@@ -329,7 +329,7 @@ TEST(FailingCalls, ACleanRunIsClean) {
     const ImportRun& run = clean_run();
     EXPECT_EQ(run.import.code, 0);
     EXPECT_TRUE(run.messages.empty());
-    EXPECT_TRUE(run.discipline.clean()) << run.discipline.to_text();
+    EXPECT_TRUE(run.conformance.clean()) << run.conformance.to_text();
     EXPECT_EQ(run.alpha_preference, int{kAlphaPreferenceBefore});
     EXPECT_EQ(run.project.compositions.size(), 4U);
     EXPECT_EQ(run.project.footage.size(), 6U);
@@ -348,7 +348,7 @@ TEST(FailingCalls, MessagesThatFailAreIgnored) {
             EXPECT_EQ(run.call_counts.at("AEGP_ReportInfo"), kReports);
             EXPECT_EQ(run.messages.size(), std::size_t{kReports} - 1);
             EXPECT_EQ(run.alpha_preference, int{kAlphaPreferenceBefore});
-            EXPECT_TRUE(run.discipline.clean()) << run.discipline.to_text();
+            EXPECT_TRUE(run.conformance.clean()) << run.conformance.to_text();
         }
     }
 }
@@ -362,7 +362,7 @@ TEST(FailingCalls, AnErrorOfPuttingRightDoesNotHideTheFirst) {
     EXPECT_THAT(run.messages,
                 testing::ElementsAre("Unable to create composition.", FailingScene::loading_message()));
     EXPECT_EQ(run.alpha_preference, 3);
-    EXPECT_EQ(run.discipline.count(Breach::undo_group_unbalanced), 1U);
+    EXPECT_EQ(run.conformance.count(RuleViolation::undo_group_unbalanced), 1U);
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ TEST_P(CallLog, IsTheExpectedOne) {
     const auto made = calls_in_notation(bundle.take_calls(), folder.files().folder().string());
     EXPECT_EQ(first_difference(expected, made), "");
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
-    EXPECT_EQ(bundle.host().discipline().clean(), true) << bundle.host().discipline().to_text();
+    EXPECT_EQ(bundle.host().conformance().clean(), true) << bundle.host().conformance().to_text();
     std::size_t found = 0;
     for (const embedded::Footage& footage : bundle.host().project().footage)
         found += footage.kind != embedded::FootageKind::placeholder ? 1 : 0;
@@ -101,7 +101,7 @@ TEST(CallLogOfTheDeathHook, IsEmpty) {
     bundle.take_calls();
     bundle.host().unload();
     EXPECT_THAT(bundle.take_calls(), IsEmpty());
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(CallNotation, TellsApartWhatDiffersInOneCall) {

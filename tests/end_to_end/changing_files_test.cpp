@@ -101,11 +101,11 @@ class ChangeAt {
 void expect_sound(LoadedBundle& bundle) {
     EXPECT_EQ(bundle.host().complaint().value_or(""), "");
     bundle.host().unload();
-    for (const embedded::Finding& problem : bundle.host().discipline().problems()) {
+    for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations()) {
         // The memory handle of a texture that is refused is deliberately kept.
-        EXPECT_TRUE(problem.breach == embedded::Breach::memory_left_alive &&
-                    problem.where == "AEIO_InitInSpecFromFile")
-            << bundle.host().discipline().to_text();
+        EXPECT_TRUE(problem.code == embedded::RuleViolation::memory_left_alive &&
+                    problem.within.front() == "AEIO_InitInSpecFromFile")
+            << bundle.host().conformance().to_text();
     }
     EXPECT_EQ(bundle.host().complaint().value_or(""), "");
     for (const embedded::UndoStep& step : bundle.host().project().undo_steps) {

@@ -47,8 +47,8 @@ TEST(Examples, ImportCleanlyAsOneUndoStepEach) {
         EXPECT_TRUE(bundle.host().project().undo_steps[0].closed);
         EXPECT_GT(bundle.host().project().undo_steps[0].changes, 0);
         bundle.host().unload();
-        EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
-        EXPECT_EQ(bundle.host().discipline().to_text(), "");
+        EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
+        EXPECT_EQ(bundle.host().conformance().to_text(), "");
     }
 }
 
@@ -64,7 +64,7 @@ TEST(Examples, AllInOneProject) {
             compositions = bundle.host().project().compositions.size();
         }
     }
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(Examples, Square) {

@@ -90,7 +90,7 @@ ImportRun FailingScene::run(embedded::HostOptions options) const {
     }
     run.messages = bundle.message_texts();
     run.project = bundle.host().project();
-    run.discipline = bundle.host().discipline();
+    run.conformance = bundle.host().conformance();
     run.call_counts = bundle.host().call_counts();
     const auto preference =
         run.project.preferences.find({"Main Pref Section", "Pref_DEFAULT_UNLABELED_ALPHA"});

@@ -21,7 +21,7 @@ struct ImportRun {
     std::vector<std::string> load_calls;    ///< in the notation of call_notation.h
     std::vector<std::string> import_calls;  ///< likewise
     embedded::Project project;
-    embedded::DisciplineReport discipline;
+    embedded::ConformanceReport conformance;
     std::map<std::string, std::int64_t> call_counts;
     int alpha_preference = -1;  ///< -1: absent
 

@@ -38,7 +38,7 @@ TEST_P(RefusedRegistration, IsReportedOnceAndEndsLoading) {
         EXPECT_THAT(bundle.message_texts(), ElementsAre(GetParam().message));
         EXPECT_THAT(bundle.host().flavors(), IsEmpty());
         EXPECT_THAT(bundle.host().modules(), IsEmpty());
-        EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+        EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 
         // Nothing is registered after the failure, and what comes before it is registered once.
         bool failed = false;

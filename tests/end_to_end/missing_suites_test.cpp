@@ -15,7 +15,7 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
@@ -86,9 +86,9 @@ void expect_exception(const ImportRun& run, const embedded::CallbackResult& call
     EXPECT_EQ(callback.missing_suite, exceptions == 1);
     EXPECT_EQ(callback.code, kHostErrorMissingSuite);
     EXPECT_EQ(run.messages, messages);
-    EXPECT_EQ(run.discipline.count(Breach::missing_suite_exception), exceptions);
-    EXPECT_EQ(run.discipline.count(Breach::additions_not_ended), others) << run.discipline.to_text();
-    EXPECT_EQ(run.discipline.problems().size(), exceptions + others) << run.discipline.to_text();
+    EXPECT_EQ(run.conformance.count(RuleViolation::missing_suite_exception), exceptions);
+    EXPECT_EQ(run.conformance.count(RuleViolation::additions_not_ended), others) << run.conformance.to_text();
+    EXPECT_EQ(run.conformance.violations().size(), exceptions + others) << run.conformance.to_text();
 }
 
 // What follows the last acquiring that yielded nothing.
@@ -132,18 +132,18 @@ void expect(const ImportRun& run, Without without, const Suite& suite) {
             EXPECT_FALSE(run.import.missing_suite);
             EXPECT_EQ(run.import.code, kHostErrorMissingSuite);
             EXPECT_THAT(run.messages, ElementsAre(FailingScene::loading_message()));
-            EXPECT_TRUE(run.discipline.clean()) << run.discipline.to_text();
+            EXPECT_TRUE(run.conformance.clean()) << run.conformance.to_text();
             expect_untouched(run);
             break;
         case Without::refuses_silently:
             EXPECT_EQ(run.import.code, 0);
             EXPECT_THAT(run.messages, IsEmpty());
-            EXPECT_TRUE(run.discipline.clean()) << run.discipline.to_text();
+            EXPECT_TRUE(run.conformance.clean()) << run.conformance.to_text();
             expect_untouched(run);
             break;
         case Without::imports:
             EXPECT_EQ(run.import.code, 0);
-            EXPECT_TRUE(run.discipline.clean()) << run.discipline.to_text();
+            EXPECT_TRUE(run.conformance.clean()) << run.conformance.to_text();
             EXPECT_EQ(first_difference(clean_run().import_calls, run.import_calls), "");
             break;
     }
@@ -233,8 +233,8 @@ TEST(EveryGivingBack, FailingInTurn) {
             const ImportRun run = scene().run(options);
             EXPECT_EQ(run.entry.code, 0);
             EXPECT_EQ(run.alpha_preference, int{kAlphaPreferenceBefore});
-            EXPECT_EQ(run.discipline.problems().size(), 1U);
-            EXPECT_EQ(run.discipline.count(Breach::suite_not_released), 1U);
+            EXPECT_EQ(run.conformance.violations().size(), 1U);
+            EXPECT_EQ(run.conformance.count(RuleViolation::suite_not_released), 1U);
             if (given_back[i].find("PF AE Adv App Suite") != std::string::npos) {
                 EXPECT_EQ(run.import.code, code);
                 EXPECT_THAT(run.messages, ElementsAre(FailingScene::loading_message()));

@@ -262,7 +262,7 @@ TEST(ModuleFunctions, AuxiliaryFilesHaveNoPath) {
             [&](const auto& functions) { return expect_no_auxiliary_path(bundle.host(), functions); });
     });
     EXPECT_EQ(result.code, 0);
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(ModuleFunctions, ThatOnlyTodaysHostsHaveAreLeftToThem) {
@@ -370,7 +370,7 @@ TEST(ModuleFunctions, OutputInfoNamesTheFileAndTheModule) {
         EXPECT_STREQ(verbiage.type, "Texalon 3D");
         EXPECT_STREQ(verbiage.sub_type, "Texalon 3D");
         EXPECT_THAT(bundle.message_texts(), IsEmpty());
-        EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+        EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
     }
 }
 
@@ -393,7 +393,7 @@ TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
                         "A path of the host cannot be used: in UTF-8 it is longer than 259 bytes.");
     EXPECT_EQ(bundle.message_texts(), messages);
     EXPECT_EQ(verbiage.name[0], 'x');
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(ModuleFunctions, OutputInfoOfAHostThatDoesNotKnowThePath) {

@@ -113,7 +113,7 @@ TEST_P(Paths, LeadToTheSceneAndToItsFootage) {
     EXPECT_EQ(project.footage[3].path, card);
 
     bundle.host().unload();
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST_P(Paths, LeadToATextureThatIsDrawn) {
@@ -135,7 +135,7 @@ TEST_P(Paths, LeadToATextureThatIsDrawn) {
     }
     EXPECT_EQ(bundle.host().dispose(opened.in_spec).code, 0);
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 INSTANTIATE_TEST_SUITE_P(Of, Paths, testing::ValuesIn(kPathCases),
@@ -189,7 +189,7 @@ TEST(NamesThatAreNoUtf8, AreForClassicHostsOnly) {
     }
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
     bundle.host().unload();
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(NamesThatAreNoUtf8, OfFootageEndTheImportInTodaysHostsAndSayWhy) {
@@ -217,7 +217,7 @@ TEST(NamesThatAreNoUtf8, OfFootageEndTheImportInTodaysHostsAndSayWhy) {
         EXPECT_EQ(bundle.host().project().footage[0].path, picture);
     }
     bundle.host().unload();
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 #endif
 
@@ -233,7 +233,7 @@ TEST(NamesThatAreNoUtf8, OfMissingFootageArePlaceholdersEverywhere) {
     ASSERT_EQ(bundle.host().project().footage.size(), 1U);
     EXPECT_EQ(bundle.host().project().footage[0].kind, embedded::FootageKind::placeholder);
     EXPECT_EQ(bundle.host().project().footage[0].name, std::string(kLatin1) + ".tga");
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 }  // namespace

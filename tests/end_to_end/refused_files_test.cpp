@@ -99,7 +99,7 @@ TEST(RefusedFiles, LeaveEverythingAsItWas) {
         EXPECT_EQ(everything_in(bundle.host().project()), before);
         EXPECT_THAT(bundle.message_texts(), IsEmpty());
     }
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
     // The bundle goes on as before.
     EXPECT_EQ(bundle.host().import_file(folder.scene(scene("COMPOSITION NRM \"After\" { } "))).code, 0);
     EXPECT_NE(bundle.host().project().find_item("After"), nullptr);
@@ -138,7 +138,7 @@ TEST(RefusedFiles, ThatCannotBeOpenedAreAnErrorOfTheirOwn) {
         EXPECT_THAT(bundle.message_texts(), IsEmpty());
         EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "refused before the host hears anything";
     }
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 #if !defined(_WIN32)  // which has another kind of user and of permission
@@ -195,7 +195,7 @@ TEST(RefusedFiles, FootageThatIsNoFileBecomesAPlaceholder) {
     ASSERT_EQ(bundle.host().project().footage.size(), 3U);
     for (const embedded::Footage& footage : bundle.host().project().footage)
         EXPECT_EQ(footage.kind, embedded::FootageKind::placeholder);
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 std::string nested(int levels) {
@@ -222,7 +222,7 @@ TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithinASmallStack) {
         EXPECT_EQ(result.code, 0);
         EXPECT_EQ(bundle.host().project().compositions.size(), built);
         EXPECT_EQ(everything_in(bundle.host().project()) == before, built == 0);
-        EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+        EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
     }
 }
 
@@ -240,7 +240,7 @@ TEST(Nesting, FailingInItsDepthReportsEveryLevel) {
     EXPECT_EQ(result.code, 4);
     EXPECT_EQ(bundle.host().messages().size(), 1024U + 1U);
     EXPECT_EQ(bundle.host().project().compositions.size(), 1023U);
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 // --- a file cut at every length
@@ -326,7 +326,7 @@ TEST(CutFiles, ChangeTheProjectOnlyWhenTheyAreComplete) {
         EXPECT_EQ(bundle.host().project().preferences.begin()->second.at(0), 1);
     }
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 // Every byte changed in turn: whatever comes of it, nothing is left open and the preference is as it was.
@@ -348,8 +348,8 @@ TEST(ChangedFiles, LeaveNothingOpen) {
     for (const embedded::UndoStep& step : bundle.host().project().undo_steps)
         EXPECT_TRUE(step.closed);
     // A size or a rate that became absurd is the host's to refuse; it is not the bundle's disorder.
-    for (const embedded::Finding& problem : bundle.host().discipline().problems())
-        EXPECT_EQ(problem.breach, embedded::Breach::bad_argument) << problem.text;
+    for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations())
+        EXPECT_EQ(problem.code, embedded::RuleViolation::bad_argument) << problem.reason;
 }
 
 }  // namespace

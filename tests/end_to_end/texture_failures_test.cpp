@@ -17,7 +17,7 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 using testing::ElementsAreArray;
 using testing::IsEmpty;
 using testing::UnorderedElementsAreArray;
@@ -31,7 +31,7 @@ enum class Callback { open, draw, dispose };
 struct TextureRun {
     std::map<Callback, embedded::CallbackResult> results;
     std::vector<std::string> messages;
-    std::vector<Breach> problems;
+    std::vector<diagnostic::Code> problems;
     std::map<std::string, std::int64_t> call_counts;
 };
 
@@ -54,8 +54,8 @@ TextureRun run_texture(embedded::HostOptions options, bool sound_file = true) {
         run.results[Callback::dispose] = bundle.host().dispose(opened.in_spec);
     }
     run.messages = bundle.message_texts();
-    for (const embedded::Finding& problem : bundle.host().discipline().problems())
-        run.problems.push_back(problem.breach);
+    for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations())
+        run.problems.push_back(problem.code);
     run.call_counts = bundle.host().call_counts();
     return run;
 }
@@ -66,22 +66,22 @@ struct Failure {
     Callback in;
     bool is_result;  // the code is what the callback returns
     std::vector<std::string> messages;
-    std::vector<Breach> left;    // what a host finds
-    bool loses_picture = false;  // the callback that would give it back cannot reach it
+    std::vector<diagnostic::Code> left;  // what a host finds
+    bool loses_picture = false;          // the callback that would give it back cannot reach it
 };
 
 // The record's handle is deliberately kept when opening fails before it is attached. A fault does nothing, so
 // what was to be unlocked or freed is left as it was.
 const Failure kFailures[] = {
     {"AEGP_NewMemHandle", 1, Callback::open, true, {kLoading}, {}},
-    {"AEGP_LockMemHandle", 1, Callback::open, true, {kLoading}, {Breach::memory_left_alive}},
+    {"AEGP_LockMemHandle", 1, Callback::open, true, {kLoading}, {RuleViolation::memory_left_alive}},
     {"AEGP_UnlockMemHandle",
      1,
      Callback::open,
      true,
      {kLoading},
-     {Breach::memory_left_locked, Breach::memory_left_alive}},
-    {"AEGP_SetInSpecOptionsHandle", 1, Callback::open, true, {kLoading}, {Breach::memory_left_alive}},
+     {RuleViolation::memory_left_locked, RuleViolation::memory_left_alive}},
+    {"AEGP_SetInSpecOptionsHandle", 1, Callback::open, true, {kLoading}, {RuleViolation::memory_left_alive}},
     // From here on the handle is the in-spec's, and goes with it.
     {"AEGP_SetInSpecDepth", 1, Callback::open, true, {kLoading}, {}},
     {"AEGP_SetInSpecDuration", 1, Callback::open, true, {kLoading}, {}},
@@ -91,12 +91,12 @@ const Failure kFailures[] = {
     {"AEGP_SetInSpecAlphaLabel", 1, Callback::open, true, {kLoading}, {}},
     {"AEGP_GetInSpecOptionsHandle", 1, Callback::draw, true, {kDrawing}, {}},
     {"AEGP_LockMemHandle", 2, Callback::draw, true, {kDrawing}, {}},
-    {"AEGP_UnlockMemHandle", 2, Callback::draw, true, {kDrawing}, {Breach::memory_left_locked}},
+    {"AEGP_UnlockMemHandle", 2, Callback::draw, true, {kDrawing}, {RuleViolation::memory_left_locked}},
     // Nobody is told about the end. What the host does not show cannot be given back.
-    {"AEGP_GetInSpecOptionsHandle", 2, Callback::dispose, true, {}, {Breach::memory_left_alive}, true},
+    {"AEGP_GetInSpecOptionsHandle", 2, Callback::dispose, true, {}, {RuleViolation::memory_left_alive}, true},
     {"AEGP_LockMemHandle", 3, Callback::dispose, false, {}, {}, true},
-    {"AEGP_UnlockMemHandle", 3, Callback::dispose, false, {}, {Breach::memory_left_locked}},
-    {"AEGP_FreeMemHandle", 1, Callback::dispose, true, {}, {Breach::memory_left_alive}},
+    {"AEGP_UnlockMemHandle", 3, Callback::dispose, false, {}, {RuleViolation::memory_left_locked}},
+    {"AEGP_FreeMemHandle", 1, Callback::dispose, true, {}, {RuleViolation::memory_left_alive}},
 };
 
 class FailingTextureCall : public testing::TestWithParam<Failure> {};
@@ -187,11 +187,11 @@ TEST(MissingTextureSuites, EveryAcquiringFailingInTurn) {
         // The handle that was made and not attached yet is left, and so is one that could not be asked for.
         const bool leaves_handle =
             (acquired[i].first == Callback::open && i > 0) || acquired[i].first == Callback::dispose;
-        std::vector<Breach> expected;
+        std::vector<diagnostic::Code> expected;
         if (!tests_today())
-            expected.push_back(Breach::missing_suite_exception);
+            expected.emplace_back(RuleViolation::missing_suite_exception);
         if (leaves_handle)
-            expected.push_back(Breach::memory_left_alive);
+            expected.emplace_back(RuleViolation::memory_left_alive);
         EXPECT_THAT(run.problems, UnorderedElementsAreArray(expected));
     }
 }

@@ -80,7 +80,7 @@ TEST_P(TextureFootage, SaysWhatTheFileHolds) {
     EXPECT_TRUE(bundle.host().project().in_spec(opened.in_spec).disposed);
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
     bundle.host().unload();
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST_P(TextureFootage, HasNoAlphaLabelInAnOlderHost) {
@@ -142,7 +142,7 @@ TEST_P(TextureFootage, IsDrawnIntoFramesOfEveryShape) {
     }
     EXPECT_EQ(bundle.host().dispose(opened.in_spec).code, 0);
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 INSTANTIATE_TEST_SUITE_P(Kinds, TextureFootage, testing::ValuesIn(kKinds),
@@ -173,7 +173,7 @@ TEST(TexturesSideBySide, KeepTheirOwnPictures) {
     EXPECT_EQ(first_pixel(bundle, again.in_spec).red, frame_pixel(first, 0, 0).red);
     EXPECT_EQ(bundle.host().dispose(b.in_spec).code, 0);
     bundle.host().unload();  // the host disposes of the third
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 // The picture was read when the file was opened.
@@ -215,8 +215,9 @@ TEST(BrokenTextures, AreReportedTwiceAndLeaveTheirHandle) {
         EXPECT_EQ(opened.callback.code, 3);
         EXPECT_FALSE(opened.callback.missing_suite);
         EXPECT_THAT(bundle.message_texts(), ElementsAre(kLoadingMessage, kLoadingMessage));
-        EXPECT_EQ(bundle.host().discipline().problems().size(), 1U) << bundle.host().discipline().to_text();
-        EXPECT_EQ(bundle.host().discipline().count(embedded::Breach::memory_left_alive), 1U);
+        EXPECT_EQ(bundle.host().conformance().violations().size(), 1U)
+            << bundle.host().conformance().to_text();
+        EXPECT_EQ(bundle.host().conformance().count(embedded::RuleViolation::memory_left_alive), 1U);
         // Nothing of it stays in the way of the next file.
         const auto sound = bundle.host().open_with_module(whole);
         EXPECT_EQ(sound.error, "");
@@ -242,7 +243,7 @@ TEST(TexturesAtTheHostsMercy, NoOptionsHandleMeansNothingToDrawAndNothingToFree)
     EXPECT_EQ(bundle.host().dispose(spec).code, 0);
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
     EXPECT_FALSE(bundle.host().call_counts().contains("AEGP_FreeMemHandle"));
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(TexturesAtTheHostsMercy, NoWorldToDrawIntoIsAnError) {
@@ -300,7 +301,7 @@ FILE <-> PREMUL "C:\textures\wall.txl"
     EXPECT_EQ(project.item(project.layers[0].source_item).content, cloth.id);
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
     bundle.host().unload();
-    EXPECT_TRUE(bundle.host().discipline().clean()) << bundle.host().discipline().to_text();
+    EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
 TEST(TexturesInCompositions, ThatAreBrokenEndTheImport) {
@@ -321,8 +322,8 @@ COMPOSITION NRM "Main" {
     EXPECT_EQ(bundle.host().project().items.size(), 3U);
     ASSERT_EQ(bundle.host().project().undo_steps.size(), 1U);
     EXPECT_TRUE(bundle.host().project().undo_steps[0].closed);
-    EXPECT_EQ(bundle.host().discipline().problems().size(), 1U) << bundle.host().discipline().to_text();
-    EXPECT_EQ(bundle.host().discipline().count(embedded::Breach::memory_left_alive), 1U);
+    EXPECT_EQ(bundle.host().conformance().violations().size(), 1U) << bundle.host().conformance().to_text();
+    EXPECT_EQ(bundle.host().conformance().count(embedded::RuleViolation::memory_left_alive), 1U);
 }
 
 }  // namespace

@@ -13,17 +13,23 @@
 
 namespace {
 
-using embedded::Breach;
 using embedded::Host;
+using embedded::RuleViolation;
 
 constexpr std::uint8_t kPreferenceBefore = 2;
 
 /// What a host may find when its own calls fail: what the bundle opened and then could not close, and what it
 /// was to do with things that it did not get.
-constexpr Breach kOfFaults[] = {
-    Breach::bad_argument,          Breach::stream_not_disposed,   Breach::additions_not_ended,
-    Breach::undo_group_unbalanced, Breach::footage_never_adopted, Breach::suite_not_released,
-    Breach::memory_left_locked,    Breach::memory_left_alive,     Breach::missing_suite_exception,
+constexpr RuleViolation kOfFaults[] = {
+    RuleViolation::bad_argument,
+    RuleViolation::stream_not_disposed,
+    RuleViolation::additions_not_ended,
+    RuleViolation::undo_group_unbalanced,
+    RuleViolation::footage_never_adopted,
+    RuleViolation::suite_not_released,
+    RuleViolation::memory_left_locked,
+    RuleViolation::memory_left_alive,
+    RuleViolation::missing_suite_exception,
 };
 
 /// Stays in memory: to load it anew for every rung would be most of the time.
@@ -63,19 +69,20 @@ std::string undo_complaint(const Host& host) {
 }
 
 std::string rule_complaint(const Host& host, bool with_faults) {
-    for (const embedded::Finding& problem : host.discipline().problems()) {
+    for (const diagnostic::Diagnostic& problem : host.conformance().violations()) {
         // The memory handle of a texture that is refused is deliberately kept, and a texture without a header
         // is one without pixels, which the host does not take.
-        const bool of_texture =
-            (problem.breach == Breach::memory_left_alive && problem.where == "AEIO_InitInSpecFromFile") ||
-            (problem.breach == Breach::bad_argument && problem.where == "AEGP_SetInSpecDimensions");
+        const bool of_texture = (problem.code == RuleViolation::memory_left_alive &&
+                                 problem.within.front() == "AEIO_InitInSpecFromFile") ||
+                                (problem.code == RuleViolation::bad_argument &&
+                                 problem.within.front() == "AEGP_SetInSpecDimensions");
         if (of_texture) {
             continue;
         }
         const bool allowed =
-            std::find(std::begin(kOfFaults), std::end(kOfFaults), problem.breach) != std::end(kOfFaults);
+            std::find(std::begin(kOfFaults), std::end(kOfFaults), problem.code) != std::end(kOfFaults);
         if (!with_faults || !allowed) {
-            return host.discipline().to_text();
+            return host.conformance().to_text();
         }
     }
     return {};

@@ -108,7 +108,7 @@ FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::s
     }
     // From here on nothing changes any more, and what the bundle leaves behind is in the report.
     host.unload();
-    if (run.code == ExitCode::fine && !host.discipline().clean()) {
+    if (run.code == ExitCode::fine && !host.conformance().clean()) {
         refuse(run, "the plug-in broke a rule of the host");
     }
     return run;
@@ -127,7 +127,7 @@ embedded::Json frame_document(const embedded::Host& host, const FrameRun& run, c
     using embedded::Json;
     const bool drawn = run.frame.has_value();
     Json document = embedded::project_to_json(host.project());
-    document["discipline"] = embedded::discipline_to_json(host.discipline());
+    document["discipline"] = embedded::conformance_to_json(host.conformance());
     document["frame"] = Json{{"file", embedded::json_text(run.file)},
                              {"exit_code", static_cast<int>(run.code)},
                              {"module", run.module.empty() ? Json() : embedded::json_text(run.module)},

@@ -134,7 +134,7 @@ embedded::Json import_document(const embedded::Host& host, const ImportRun& run)
         diagnostics.push_back(diagnostic_json(diagnostic));
     }
     Json document = embedded::project_to_json(host.project());
-    document["discipline"] = embedded::discipline_to_json(host.discipline());
+    document["discipline"] = embedded::conformance_to_json(host.conformance());
     document["import"] = Json{{"file", embedded::json_text(run.file)},
                               {"exit_code", static_cast<int>(run.code)},
                               {"finished", run.imported && run.code == ExitCode::fine},

@@ -232,12 +232,12 @@ std::string counted(std::ptrdiff_t count, const char* one, const char* several) 
     return std::to_string(count) + ' ' + (count == 1 ? one : several);
 }
 
-std::string findings_text(const std::vector<embedded::Finding>& findings) {
+std::string findings_text(const std::vector<diagnostic::Diagnostic>& findings) {
     std::string text;
-    for (const embedded::Finding& finding : findings) {
-        text += "  " + (finding.call > 0 ? "call " + std::to_string(finding.call) + ' ' : std::string()) +
-                text::printable(finding.where) + ": " + text::printable(finding.text) + " [" +
-                embedded::breach_word(finding.breach) + "]\n";
+    for (const diagnostic::Diagnostic& finding : findings) {
+        text += "  " + (finding.at.line ? "call " + std::to_string(*finding.at.line) + ' ' : std::string()) +
+                text::printable(finding.within.front()) + ": " + text::printable(finding.reason) + " [" +
+                finding.code.name() + "]\n";
     }
     return text;
 }
@@ -248,7 +248,7 @@ std::string project_tree(const Project& project, const Paint& paint) {
     return TreeWriter(project, paint).write();
 }
 
-std::string host_report(const Project& project, const embedded::DisciplineReport& report,
+std::string host_report(const Project& project, const embedded::ConformanceReport& report,
                         const Paint& paint) {
     std::string text;
     if (!project.messages.empty()) {
@@ -257,9 +257,9 @@ std::string host_report(const Project& project, const embedded::DisciplineReport
             text += "  " + text::printable(message.text) + '\n';
         }
     }
-    if (!report.problems().empty()) {
+    if (!report.violations().empty()) {
         text += paint(Ink::bold, "What the plug-in did wrong as the host sees it:") + '\n' +
-                findings_text(report.problems());
+                findings_text(report.violations());
     }
     if (!report.notes().empty()) {
         text += paint(Ink::bold, "Notes of the host:") + '\n' + findings_text(report.notes());

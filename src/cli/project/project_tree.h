@@ -3,7 +3,7 @@
 #include <string>
 
 #include "cli/terminal/terminal.h"
-#include "embedded/discipline.h"
+#include "embedded/conformance.h"
 #include "embedded/project.h"
 
 namespace cli {
@@ -14,7 +14,7 @@ std::string project_tree(const embedded::Project& project, const Paint& paint);
 
 /// What the bundle wanted the user to read, and what the host found to say about the bundle; empty when there
 /// is neither.
-std::string host_report(const embedded::Project& project, const embedded::DisciplineReport& report,
+std::string host_report(const embedded::Project& project, const embedded::ConformanceReport& report,
                         const Paint& paint);
 
 /// "4 compositions, 9 footage items (1 missing), 1 camera, 2 lights, 1 null"

@@ -107,7 +107,7 @@ class FrameCommand : public Command {
             terminal.out << "frame of " << frame.frame->width_px << " x " << frame.frame->height_px << " -> "
                          << text::printable(output_) << '\n';
         }
-        terminal.out << host_report(host.project(), host.discipline(), terminal.out_paint);
+        terminal.out << host_report(host.project(), host.conformance(), terminal.out_paint);
     }
 
     std::string file_;

@@ -169,7 +169,7 @@ class ImportCommand : public Command {
                          << project_summary(project) << "\n\n"
                          << tree;
         }
-        const std::string report = host_report(project, host.discipline(), terminal.out_paint);
+        const std::string report = host_report(project, host.conformance(), terminal.out_paint);
         terminal.out << (tree.empty() || report.empty() ? "" : "\n") << report;
     }
 

@@ -42,7 +42,7 @@ A_char* copy_string(A_char* destination, const A_char* source) {
         call.args().text("source", source);
     }
     if (destination == nullptr || source == nullptr) {
-        session->found(Breach::bad_argument,
+        session->found(RuleViolation::bad_argument,
                        destination == nullptr ? "destination is null" : "source is null");
         return destination;
     }

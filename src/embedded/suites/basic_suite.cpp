@@ -11,9 +11,10 @@ namespace embedded {
 
 A_Err reserved_slot_called(SuiteId suite, std::size_t slot_index) {
     if (Session* session = Session::active()) {
-        session->discipline.add({Breach::reserved_slot, session->log.last(), suite_info(suite).name,
-                                 "slot " + std::to_string(slot_index) + " of " + session->suite_text(suite) +
-                                     " was called, which this host does not have"});
+        session->conformance.add(
+            conformance_finding(RuleViolation::reserved_slot, session->log.last(), suite_info(suite).name,
+                                "slot " + std::to_string(slot_index) + " of " + session->suite_text(suite) +
+                                    " was called, which this host does not have"));
     }
     return kHostErrorGeneric;
 }
@@ -98,8 +99,9 @@ A_Err release_suite(const char* name, A_long version) {
             SuiteId id{};
             if (session.suite_table(name, version, id) == nullptr ||
                 session.suites_acquired[static_cast<std::size_t>(id)] == 0) {
-                session.refuse(Breach::suite_not_acquired, std::string(name) + " " + std::to_string(version) +
-                                                               " was released and is not acquired");
+                session.refuse(
+                    RuleViolation::suite_not_acquired,
+                    std::string(name) + " " + std::to_string(version) + " was released and is not acquired");
             }
             --session.suites_acquired[static_cast<std::size_t>(id)];
             return kHostErrorNone;
@@ -128,7 +130,7 @@ void message_function(A_Err code, const A_char* text) {
         call.args().text("text", text);
     }
     if (text == nullptr) {
-        session->found(Breach::bad_argument, "text is null");
+        session->found(RuleViolation::bad_argument, "text is null");
     } else {
         session->project.messages.push_back({text, code});
     }

@@ -38,12 +38,12 @@ A_Err free_handle(AEGP_MemHandle handle) {
         [&](Session& session) -> A_Err {
             const HandleTable::Token* token = session.handles.find(handle);
             if (token != nullptr && token->kind == HandleKind::memory && !token->alive) {
-                session.refuse(Breach::memory_double_free,
+                session.refuse(RuleViolation::memory_double_free,
                                session.handles.text(handle) + " was freed before");
             }
             MemoryBlock& block = session.memory.block(session.id(handle, "handle"));
             if (block.locks > 0) {
-                session.found(Breach::memory_left_locked,
+                session.found(RuleViolation::memory_left_locked,
                               session.handles.text(handle) + " was freed while it was locked");
             }
             if (block.in_spec != 0) {
@@ -74,7 +74,7 @@ A_Err unlock_handle(AEGP_MemHandle handle) {
         [&](Session& session) -> A_Err {
             MemoryBlock& block = session.memory.block(session.id(handle, "handle"));
             if (block.locks == 0) {
-                session.refuse(Breach::memory_unlock_without_lock,
+                session.refuse(RuleViolation::memory_unlock_without_lock,
                                session.handles.text(handle) + " is not locked");
             }
             --block.locks;

@@ -15,7 +15,7 @@ Stream& stream_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     Stream* stream = fetch_stream(session, session.layer(ref.layer), ref.kind);
     if (stream == nullptr) {
-        session.refuse(Breach::bad_argument, kStreamGone);
+        session.refuse(RuleViolation::bad_argument, kStreamGone);
     }
     return *stream;
 }
@@ -25,7 +25,7 @@ StreamShape shape_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     const auto shape = stream_shape(session.layer(ref.layer), ref.kind);
     if (!shape) {
-        session.refuse(Breach::bad_argument, kStreamGone);
+        session.refuse(RuleViolation::bad_argument, kStreamGone);
     }
     return *shape;
 }

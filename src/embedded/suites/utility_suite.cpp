@@ -40,7 +40,8 @@ A_Err end_undo_group() {
         Fn::AEGP_EndUndoGroup, [](CallValues&) {},
         [](Session& session) -> A_Err {
             if (session.undo_depth == 0) {
-                session.refuse(Breach::undo_group_unbalanced, "no undo group is open", kHostErrorGeneric);
+                session.refuse(RuleViolation::undo_group_unbalanced, "no undo group is open",
+                               kHostErrorGeneric);
             }
             if (--session.undo_depth == 0) {
                 session.project.undo_steps.back().closed = true;

@@ -6,30 +6,31 @@
 
 namespace {
 
-using embedded::Breach;
+using embedded::RuleViolation;
 
 struct Case {
     const char* name;
-    Breach breach;
+    RuleViolation violation;
     std::function<void(BundleSide&)> work;
 };
 
 const Case kLeftBehind[] = {
-    {"a stream", Breach::stream_not_disposed,
+    {"a stream", RuleViolation::stream_not_disposed,
      [](BundleSide& b) { b.stream(b.camera(b.comp()), kLayerStreamZoom); }},
-    {"key additions", Breach::additions_not_ended,
+    {"key additions", RuleViolation::additions_not_ended,
      [](BundleSide& b) {
          const AEGP_StreamRefH stream = b.stream(b.camera(b.comp()), kLayerStreamZoom);
          b.additions(stream);
          b.stream_suite->AEGP_DisposeStream(stream);
      }},
-    {"an undo group", Breach::undo_group_unbalanced,
+    {"an undo group", RuleViolation::undo_group_unbalanced,
      [](BundleSide& b) { b.utility_suite->AEGP_StartUndoGroup("open"); }},
-    {"footage that is in no folder", Breach::footage_never_adopted, [](BundleSide& b) { b.placeholder(); }},
-    {"a suite", Breach::suite_not_released,
+    {"footage that is in no folder", RuleViolation::footage_never_adopted,
+     [](BundleSide& b) { b.placeholder(); }},
+    {"a suite", RuleViolation::suite_not_released,
      [](BundleSide& b) { b.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1); }},
-    {"memory", Breach::memory_left_alive, [](BundleSide& b) { b.memory(); }},
-    {"locked memory that an in-spec owns", Breach::memory_left_locked,
+    {"memory", RuleViolation::memory_left_alive, [](BundleSide& b) { b.memory(); }},
+    {"locked memory that an in-spec owns", RuleViolation::memory_left_locked,
      [](BundleSide& b) {
          const AEGP_MemHandle memory = b.memory();
          void* address = nullptr;
@@ -49,23 +50,23 @@ void run_in_undo_group(BundleSide& bundle, const std::function<void(BundleSide&)
     });
 }
 
-TEST(Discipline, ReportsWhatACallbackLeavesOpenOnceAtItsEnd) {
+TEST(Conformance, ReportsWhatACallbackLeavesOpenOnceAtItsEnd) {
     for (const Case& c : kLeftBehind) {
         SCOPED_TRACE(c.name);
         BundleSide bundle;
         run_in_undo_group(bundle, c.work);
-        ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
-        const embedded::Finding& finding = bundle.host.discipline().problems().front();
-        EXPECT_EQ(finding.breach, c.breach);
-        EXPECT_EQ(finding.call, 0);
-        EXPECT_EQ(finding.where, "callback");
+        ASSERT_EQ(bundle.host.conformance().violations().size(), 1U) << bundle.host.conformance().to_text();
+        const diagnostic::Diagnostic& finding = bundle.host.conformance().violations().front();
+        EXPECT_EQ(finding.code, c.violation);
+        EXPECT_FALSE(finding.at.line.has_value());
+        EXPECT_EQ(finding.within, std::vector<std::string>{"callback"});
 
         run_in_undo_group(bundle, [](BundleSide&) {});
-        EXPECT_EQ(bundle.host.discipline().problems().size(), 1U) << "reported again by the next callback";
+        EXPECT_EQ(bundle.host.conformance().violations().size(), 1U) << "reported again by the next callback";
     }
 }
 
-TEST(Discipline, IsCleanAfterACallbackThatTidiesUp) {
+TEST(Conformance, IsCleanAfterACallbackThatTidiesUp) {
     BundleSide bundle;
     run_in_undo_group(bundle, [](BundleSide& b) {
         const AEGP_CompH comp = b.comp();
@@ -78,21 +79,21 @@ TEST(Discipline, IsCleanAfterACallbackThatTidiesUp) {
         b.host.basic_suite()->ReleaseSuite("AEGP Comp Suite", 9);
         b.acquire<AEGP_CompSuite9>("AEGP Comp Suite", 9);
     });
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
-    EXPECT_TRUE(bundle.host.discipline().notes().empty());
-    EXPECT_EQ(bundle.host.discipline().to_text(), "");
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
+    EXPECT_TRUE(bundle.host.conformance().notes().empty());
+    EXPECT_EQ(bundle.host.conformance().to_text(), "");
 }
 
-TEST(Discipline, LetsTheTwoKeptSuitesStayAcquired) {
+TEST(Conformance, LetsTheTwoKeptSuitesStayAcquired) {
     BundleSide bundle;
     run_in_undo_group(bundle, [](BundleSide& b) {
         b.acquire<AEGP_RegisterSuite4>("AEGP Register Suite", 4);
         b.acquire<AEGP_PersistentDataSuite1>("AEGP Persistent Data Suite", 1);
     });
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
-TEST(Discipline, ReportsEveryProjectChangeOutsideAnUndoGroup) {
+TEST(Conformance, ReportsEveryProjectChangeOutsideAnUndoGroup) {
     // Each row changes the project once; what it needs for that is made inside a group.
     struct {
         const char* name;
@@ -193,20 +194,20 @@ TEST(Discipline, ReportsEveryProjectChangeOutsideAnUndoGroup) {
         bundle.utility_suite->AEGP_StartUndoGroup("preparation");
         const auto make_change = change.prepare(bundle);
         bundle.utility_suite->AEGP_EndUndoGroup();
-        ASSERT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+        ASSERT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
         EXPECT_EQ(make_change(), kHostErrorNone);
-        EXPECT_EQ(bundle.count(Breach::change_outside_undo_group), 1U);
-        EXPECT_EQ(bundle.host.discipline().problems().size(), 1U);
+        EXPECT_EQ(bundle.count(RuleViolation::change_outside_undo_group), 1U);
+        EXPECT_EQ(bundle.host.conformance().violations().size(), 1U);
     }
 }
 
-TEST(Discipline, AllowsWhatIsNoProjectChangeOutsideAnUndoGroup) {
+TEST(Conformance, AllowsWhatIsNoProjectChangeOutsideAnUndoGroup) {
     BundleSide bundle;
     bundle.placeholder();
     const char value = 3;
     bundle.data_suite->AEGP_SetData(bundle.blob(), "section", "key", 1, &value);
     bundle.utility_suite->AEGP_ReportInfo(bundle.host.plugin_id(), "text");
-    EXPECT_TRUE(bundle.host.discipline().clean()) << bundle.host.discipline().to_text();
+    EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
 TEST(UndoSteps, CountTheChangesOfTheOutermostGroup) {
@@ -227,7 +228,7 @@ TEST(UndoSteps, CountTheChangesOfTheOutermostGroup) {
     EXPECT_FALSE(steps[1].closed);
 }
 
-TEST(Discipline, BlamesANestedCallbackForWhatItLeftAndNotForWhatWasOpenAround) {
+TEST(Conformance, BlamesANestedCallbackForWhatItLeftAndNotForWhatWasOpenAround) {
     BundleSide bundle;
     bundle.host.run("outer", [&]() -> A_Err {
         const AEGP_MemHandle around = bundle.memory();
@@ -239,27 +240,28 @@ TEST(Discipline, BlamesANestedCallbackForWhatItLeftAndNotForWhatWasOpenAround) {
         bundle.utility_suite->AEGP_EndUndoGroup();
         return bundle.memory_suite->AEGP_FreeMemHandle(around);
     });
-    ASSERT_EQ(bundle.host.discipline().problems().size(), 1U) << bundle.host.discipline().to_text();
-    EXPECT_EQ(bundle.host.discipline().problems()[0].where, "inner");
-    EXPECT_NE(bundle.host.discipline().problems()[0].text.find("mem:2"), std::string::npos);
+    ASSERT_EQ(bundle.host.conformance().violations().size(), 1U) << bundle.host.conformance().to_text();
+    EXPECT_EQ(bundle.host.conformance().violations()[0].within.front(), "inner");
+    EXPECT_NE(bundle.host.conformance().violations()[0].reason.find("mem:2"), std::string::npos);
 }
 
-TEST(Discipline, FindsWhatIsLeftAtTheEndOfTheHost) {
+TEST(Conformance, FindsWhatIsLeftAtTheEndOfTheHost) {
     BundleSide bundle;
     bundle.memory();
-    EXPECT_TRUE(bundle.host.discipline().clean()) << "nothing was a callback so far";
+    EXPECT_TRUE(bundle.host.conformance().clean()) << "nothing was a callback so far";
     bundle.host.unload();
-    EXPECT_EQ(bundle.count(Breach::memory_left_alive), 1U);
-    EXPECT_EQ(bundle.count(Breach::suite_not_released), 14U);  // 16 acquired by BundleSide, 2 of them kept
+    EXPECT_EQ(bundle.count(RuleViolation::memory_left_alive), 1U);
+    EXPECT_EQ(bundle.count(RuleViolation::suite_not_released),
+              14U);  // 16 acquired by BundleSide, 2 of them kept
 }
 
-TEST(DisciplineReport, KeepsAThousandProblemsAndCountsTheRest) {
-    embedded::DisciplineReport report;
+TEST(ConformanceReport, KeepsAThousandViolationsAndCountsTheRest) {
+    embedded::ConformanceReport report;
     for (int i = 0; i < 1005; ++i) {
-        report.add({Breach::bad_argument, i + 1, "f", "wrong"});
+        report.add(embedded::conformance_finding(RuleViolation::bad_argument, i + 1, "f", "wrong"));
     }
-    report.add({Breach::name_cut, 1, "f", "cut"});
-    EXPECT_EQ(report.problems().size(), embedded::DisciplineReport::kMaxFindings);
+    report.add(embedded::conformance_finding(RuleViolation::name_cut, 1, "f", "cut"));
+    EXPECT_EQ(report.violations().size(), embedded::ConformanceReport::kMaxFindings);
     EXPECT_EQ(report.dropped(), 5);
     EXPECT_EQ(report.notes().size(), 1U);
     EXPECT_NE(report.to_text().find("call 1 f: bad_argument: wrong\n"), std::string::npos);
