@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <iterator>
-#include <stdexcept>
 
 #include "embedded/host_path.h"
 #include "embedded/module_driver.h"
@@ -47,41 +46,6 @@ constexpr FlagWord kFlagWords[] = {
     {kModuleFlagNoOptions, "no options"},
     {kModuleFlagNoUserInterface, "no user interface"},
 };
-
-LoadResult finish_loading(Session& session, const CallbackResult& entry) {
-    LoadResult loaded;
-    loaded.entry = entry;
-    if (loaded.entry.code == kHostErrorNone) {
-        return loaded;
-    }
-    loaded.error = loaded.entry.missing_suite
-                       ? "the entry point asked for a suite that this host does not offer"
-                       : "the entry point failed with host error " + std::to_string(loaded.entry.code);
-    session.forget_registrations();
-    return loaded;
-}
-
-LoadResult call_entry(Session& session, AEGP_PluginInitFunc entry, const std::string& path) {
-    const InterfaceVersion version = session.options.interface_version();
-    return finish_loading(session, session.run("entry point", [&] {
-        return entry(basic_suite_table(), version.major, version.minor, path.c_str(), path.c_str(),
-                     session.plugin_id, &session.global_refcon);
-    }));
-}
-
-LoadResult call_entry(Session& session, AEGP_PluginInitFuncToday entry) {
-    const InterfaceVersion version = session.options.interface_version();
-    return finish_loading(session, session.run("entry point", [&] {
-        return entry(basic_suite_table(), version.major, version.minor, session.plugin_id,
-                     &session.global_refcon);
-    }));
-}
-
-void require_generation(const Session& session, HostGeneration generation) {
-    if (session.options.generation != generation) {
-        throw std::logic_error("the entry point is one for another generation of hosts");
-    }
-}
 
 /// Has `call(const auto& callbacks)` call one of an importer's callbacks, which the importer must have.
 template <class Call>
@@ -160,24 +124,12 @@ LoadResult Host::load(const std::filesystem::path& bundle, const std::string& en
         return loaded;
     }
     loaded = generation() == HostGeneration::classic
-                 ? call_entry(*session_, reinterpret_cast<AEGP_PluginInitFunc>(function), os::text_of(bundle))
-                 : call_entry(*session_, reinterpret_cast<AEGP_PluginInitFuncToday>(function));
+                 ? session_->call_entry(reinterpret_cast<AEGP_PluginInitFunc>(function), os::text_of(bundle))
+                 : session_->call_entry(reinterpret_cast<AEGP_PluginInitFuncToday>(function));
     if (!loaded.ok()) {
         session_->bundle.reset();
     }
     return loaded;
-}
-
-LoadResult Host::load_entry(AEGP_PluginInitFunc entry) {
-    require_generation(*session_, HostGeneration::classic);
-    unload();
-    return call_entry(*session_, entry, "");
-}
-
-LoadResult Host::load_entry(AEGP_PluginInitFuncToday entry) {
-    require_generation(*session_, HostGeneration::today);
-    unload();
-    return call_entry(*session_, entry);
 }
 
 void Host::unload() {
@@ -213,7 +165,7 @@ VerifyResult Host::verify(const std::string& path) {
     const ImportFlavor flavor = *found;  // a callback may register more and move the table
     const HostPath named(generation(), path);
     A_Boolean importable = 0;
-    result.callback = run("verify callback", [&] {
+    result.callback = session_->run("verify callback", [&] {
         return call_importer(flavor, [&](const auto& callbacks) {
             return callbacks.verify_cb(named.given_to(callbacks), callbacks.refcon, &importable);
         });
@@ -232,7 +184,7 @@ CallbackResult Host::import_file(const std::string& path) {
     }
     const ImportFlavor flavor = *found;
     const HostPath named(generation(), path);
-    return run("import callback", [&] {
+    return session_->run("import callback", [&] {
         return call_importer(flavor, [&](const auto& callbacks) {
             return callbacks.import_cb(named.given_to(callbacks), nullptr, kSpecialActionNone,
                                        session_->handles.handle<AEGP_ItemH>(kRootFolder), callbacks.refcon);
@@ -271,10 +223,6 @@ void Host::log_calls(CallLog::Sink sink) {
     session_->log.set_sink(std::move(sink));
 }
 
-void Host::watch(Watcher watcher) {
-    session_->watcher = std::move(watcher);
-}
-
 const Module* Host::module_for(std::string_view path) const {
     return embedded::module_for(*session_, path);
 }
@@ -293,39 +241,6 @@ DrawResult Host::draw(Id in_spec, const FrameShape& shape) {
 
 CallbackResult Host::dispose(Id in_spec) {
     return dispose_in_spec(*session_, in_spec);
-}
-
-SPBasicSuite* Host::basic_suite() {
-    return basic_suite_table();
-}
-
-AEGP_PluginID Host::plugin_id() const {
-    return session_->plugin_id;
-}
-
-AEIO_BasicData* Host::basic_data() {
-    return &session_->basic_data;
-}
-
-Id Host::new_in_spec(const std::string& path) {
-    const Id made = make_in_spec(*session_, path);
-    if (const Module* module = module_for(path)) {
-        session_->in_spec(made).module_signature = module->info.signature;
-    }
-    return made;
-}
-
-AEIO_InSpecH Host::in_spec_handle(Id in_spec) const {
-    return session_->handles.handle<AEIO_InSpecH>(in_spec);
-}
-
-AEIO_OutSpecH Host::new_out_spec(const std::string& path) {
-    session_->out_spec_paths.push_back(path);
-    return session_->handles.make<AEIO_OutSpecH>();
-}
-
-CallbackResult Host::run(const std::string& name, const std::function<A_Err()>& body) {
-    return session_->run(name, body);
 }
 
 }  // namespace embedded

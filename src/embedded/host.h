@@ -108,13 +108,6 @@ struct OpenResult {
     Id in_spec = 0;
 };
 
-/// Where control passes between the host and the bundle.
-enum class Passage { call_begins, call_ends, callback_begins, callback_ends };
-
-/// Is told of every passage: of a call of the bundle into the host by its function's name, before anything is
-/// done and when all is done, of a callback by the name that findings have. Must not throw.
-using Watcher = std::function<void(Passage passage, std::string_view what)>;
-
 class Session;
 
 class Host {
@@ -136,10 +129,6 @@ class Host {
     LoadResult load(const std::filesystem::path& bundle);
     /// The same with another entry than that of the host's generation.
     LoadResult load(const std::filesystem::path& bundle, const std::string& entry);
-    /// The same with an entry point that is already in this process. Throws std::logic_error when it is not
-    /// one for the host's generation.
-    LoadResult load_entry(AEGP_PluginInitFunc entry);
-    LoadResult load_entry(AEGP_PluginInitFuncToday entry);
     /// What the destructor does, earlier: afterwards project, report and messages are final.
     void unload();
 
@@ -172,8 +161,6 @@ class Host {
     [[nodiscard]] std::map<std::string, std::int64_t> call_counts() const;
     /// Null turns the log off.
     void log_calls(CallLog::Sink sink);
-    /// Null ends the watch. For tests, to act between host and bundle.
-    void watch(Watcher watcher);
 
     // --- input modules
 
@@ -186,21 +173,9 @@ class Host {
     DrawResult draw(Id in_spec, const FrameShape& shape);
     CallbackResult dispose(Id in_spec);
 
-    // --- driving the bundle's functions by hand, as the tests do
-
-    [[nodiscard]] SPBasicSuite* basic_suite();
-    [[nodiscard]] AEGP_PluginID plugin_id() const;
-    /// What every function of an input module gets first.
-    [[nodiscard]] AEIO_BasicData* basic_data();
-    /// A new, empty in-spec for `path`, and its handle; disposed of like the others.
-    Id new_in_spec(const std::string& path);
-    [[nodiscard]] AEIO_InSpecH in_spec_handle(Id in_spec) const;
-    /// A new out-spec whose file path is `path`.
-    AEIO_OutSpecH new_out_spec(const std::string& path);
-    /// Runs `body` as the host runs a callback: the missing-suite exception becomes a result, every other
-    /// exception goes on to the caller, and afterwards the rules are checked. `name` is what findings
-    /// say.
-    CallbackResult run(const std::string& name, const std::function<A_Err()>& body);
+  protected:
+    /// For TestHost (embedded/testing.h).
+    [[nodiscard]] Session& session() const { return *session_; }
 
   private:
     std::unique_ptr<Session> session_;

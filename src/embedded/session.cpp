@@ -115,6 +115,34 @@ CallbackResult Session::run(const std::string& name, const std::function<A_Err()
     return result;
 }
 
+LoadResult Session::finish_loading(const CallbackResult& entry) {
+    LoadResult loaded;
+    loaded.entry = entry;
+    if (loaded.entry.code == kHostErrorNone) {
+        return loaded;
+    }
+    loaded.error = loaded.entry.missing_suite
+                       ? "the entry point asked for a suite that this host does not offer"
+                       : "the entry point failed with host error " + std::to_string(loaded.entry.code);
+    forget_registrations();
+    return loaded;
+}
+
+LoadResult Session::call_entry(AEGP_PluginInitFunc entry, const std::string& path) {
+    const InterfaceVersion version = options.interface_version();
+    return finish_loading(run("entry point", [&] {
+        return entry(basic_suite_table(), version.major, version.minor, path.c_str(), path.c_str(), plugin_id,
+                     &global_refcon);
+    }));
+}
+
+LoadResult Session::call_entry(AEGP_PluginInitFuncToday entry) {
+    const InterfaceVersion version = options.interface_version();
+    return finish_loading(run("entry point", [&] {
+        return entry(basic_suite_table(), version.major, version.minor, plugin_id, &global_refcon);
+    }));
+}
+
 void Session::forget_registrations() {
     flavors.clear();
     modules.clear();

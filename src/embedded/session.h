@@ -20,6 +20,7 @@
 #include "embedded/memory_store.h"
 #include "embedded/project.h"
 #include "embedded/suites/functions.h"
+#include "embedded/testing.h"
 #include "embedded/text_encoding.h"
 #include "system/dynamic_library.h"
 
@@ -105,6 +106,9 @@ class Session {
     // --- calls of the host into the bundle
 
     CallbackResult run(const std::string& name, const std::function<A_Err()>& body);
+    /// `path` is what a classic host says the bundle's file is.
+    LoadResult call_entry(AEGP_PluginInitFunc entry, const std::string& path);
+    LoadResult call_entry(AEGP_PluginInitFuncToday entry);
     void unload();
     /// Forgets what a bundle registered.
     void forget_registrations();
@@ -186,6 +190,7 @@ class Session {
         std::array<int, kSuiteCount> suites{};
         int undo_depth = 0;
     };
+    LoadResult finish_loading(const CallbackResult& entry);
     [[nodiscard]] Marks marks() const;
     void check_left_behind(const Marks& since, const std::string& callback);
     void check_suites(const Marks& since, const std::string& callback);

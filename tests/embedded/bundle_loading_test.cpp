@@ -11,9 +11,10 @@ namespace {
 
 using embedded::Host;
 using embedded::LoadResult;
+using embedded::TestHost;
 
 TEST(BundleLoading, CallsTheExportedEntryAndKeepsWhatItRegistered) {
-    Host host(in_a_classic_host());
+    TestHost host(in_a_classic_host());
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
     ASSERT_TRUE(loaded.ok()) << loaded.error;
     ASSERT_EQ(host.flavors().size(), 1U);
@@ -26,7 +27,7 @@ TEST(BundleLoading, CallsTheExportedEntryAndKeepsWhatItRegistered) {
 TEST(BundleLoading, CallsTheEntryOfItsGeneration) {
     embedded::HostOptions options;
     options.generation = embedded::HostGeneration::today;
-    Host host(options);
+    TestHost host(options);
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
     ASSERT_TRUE(loaded.ok()) << loaded.error;
     ASSERT_EQ(host.flavors().size(), 1U);
@@ -47,25 +48,25 @@ A_Err today_entry(SPBasicSuite*, A_long, A_long, AEGP_PluginID, AEGP_GlobalRefco
 
 TEST(BundleLoading, TakesNoEntryOfTheOtherGeneration) {
     {
-        Host host(in_a_classic_host());
+        TestHost host(in_a_classic_host());
         EXPECT_TRUE(host.load_entry(classic_entry).ok());
         EXPECT_THROW(host.load_entry(today_entry), std::logic_error);
     }
     embedded::HostOptions options;
     options.generation = embedded::HostGeneration::today;
-    Host host(options);
+    TestHost host(options);
     EXPECT_TRUE(host.load_entry(today_entry).ok());
     EXPECT_THROW(host.load_entry(classic_entry), std::logic_error);
 }
 
 TEST(BundleLoading, WorksAgainInTheSameHostAndInTheNext) {
     {
-        Host host(in_a_classic_host());
+        TestHost host(in_a_classic_host());
         ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
         ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
         EXPECT_EQ(host.flavors().size(), 1U) << "what the first loading registered is gone";
     }
-    Host host(in_a_classic_host());
+    TestHost host(in_a_classic_host());
     ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
     EXPECT_TRUE(host.verify("any file").importable);
 }
@@ -75,7 +76,7 @@ TEST(BundleLoading, FindsTheCodeInAMacintoshFolder) {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder.path("Small.plugin/Contents/MacOS"));
     std::filesystem::create_symlink(VXR_SMALL_BUNDLE, folder.path("Small.plugin/Contents/MacOS/Small"));
-    Host host;
+    TestHost host;
     const LoadResult loaded = host.load(folder.path("Small.plugin"));
     ASSERT_TRUE(loaded.ok()) << loaded.error;
     EXPECT_EQ(host.flavors().size(), 1U);
@@ -85,7 +86,7 @@ TEST(BundleLoading, FindsTheCodeInAMacintoshFolder) {
 
 TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
     const TemporaryFolder folder;
-    Host host(in_a_classic_host());
+    TestHost host(in_a_classic_host());
     const LoadResult missing = host.load(folder.path("missing.so"));
     EXPECT_FALSE(missing.ok());
     EXPECT_NE(missing.error.find("missing.so"), std::string::npos) << missing.error;
@@ -103,7 +104,7 @@ TEST(BundleLoading, WaitsForNobody) {
     make_link(folder.path("circle"), folder.path("circle"));
     folder.make_folder("folder");
     for (const char* const name : {"pipe", "circle", "folder", "missing"}) {
-        Host host(in_a_classic_host());
+        TestHost host(in_a_classic_host());
         const LoadResult loaded = host.load(folder.path(name));
         EXPECT_FALSE(loaded.ok()) << name;
         EXPECT_NE(loaded.error.find(folder.path(name) + ": "), std::string::npos) << loaded.error;
@@ -111,7 +112,7 @@ TEST(BundleLoading, WaitsForNobody) {
 }
 
 TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
-    Host host(in_a_classic_host());
+    TestHost host(in_a_classic_host());
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE, "Failing_entry");
     EXPECT_FALSE(loaded.ok());
     EXPECT_EQ(loaded.entry.code, kHostErrorStructure);
@@ -122,7 +123,7 @@ TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
 TEST(BundleLoading, CatchesTheMissingSuiteExceptionOfAnotherLibrary) {
     embedded::HostOptions options;
     options.suites_not_offered = {{"AEGP File Import Manager Suite", 2}};
-    Host host(in_a_classic_host(options));
+    TestHost host(in_a_classic_host(options));
     const LoadResult loaded = host.load(VXR_SMALL_BUNDLE);
     EXPECT_FALSE(loaded.ok());
     EXPECT_TRUE(loaded.entry.missing_suite);
@@ -135,7 +136,7 @@ int death_hooks_run = 0;
 TEST(BundleLoading, RunsTheDeathHookWhenTheBundleGoes) {
     death_hooks_run = 0;
     {
-        Host host(in_a_classic_host());
+        TestHost host(in_a_classic_host());
         const LoadResult loaded =
             host.load_entry([](SPBasicSuite* basic, A_long, A_long, const A_char*, const A_char*,
                                AEGP_PluginID id, AEGP_GlobalRefcon*) -> A_Err {
@@ -199,7 +200,7 @@ TEST(Suites, AreOfferedByNameAndVersion) {
     for (const auto generation : {embedded::HostGeneration::classic, embedded::HostGeneration::today}) {
         embedded::HostOptions options;
         options.generation = generation;
-        Host host(options);
+        TestHost host(options);
         const auto offered = embedded::offered_suites(generation);
         EXPECT_EQ(offered.size(), 17U);
         for (const embedded::SuiteName& suite : offered) {
@@ -221,7 +222,7 @@ TEST(Suites, CanBeWithheldOrEmpty) {
     embedded::HostOptions options;
     options.suites_not_offered = {{"AEGP Comp Suite", 9}};
     options.suites_empty = {{"PF AE Adv App Suite", 1}};
-    Host host(options);
+    TestHost host(options);
     const void* table = &host;
     EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table), kHostErrorMissingSuite);
     EXPECT_EQ(table, nullptr);

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "embedded/host.h"
+#include "embedded/testing.h"
 #include "host/host_interface.h"
 
 /// The same options for a classic host.
@@ -110,7 +110,7 @@ struct BundleSide {
         return host.conformance().count(violation);
     }
 
-    embedded::Host host;
+    embedded::TestHost host;
     A_Ratio square{1, 1};
     A_Ratio rate{2500, 100};
     A_Time four_seconds{100, 25};

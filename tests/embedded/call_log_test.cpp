@@ -36,7 +36,7 @@ std::string line_of(BundleSide& bundle, const std::function<void()>& work) {
 }
 
 TEST(CallLog, NumbersCallsFromTheFirstOneAlsoWhileItIsOff) {
-    embedded::Host host;
+    embedded::TestHost host;
     std::vector<std::string> lines;
     const void* table = nullptr;
     host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table);

@@ -140,7 +140,7 @@ TEST(Faults, CanBeAskedOfEveryFunctionThatCanFail) {
         ASSERT_TRUE(fault.has_value()) << function.function;
         HostOptions options;
         options.faults = {*fault};
-        EXPECT_NO_THROW(const embedded::Host host(options)) << function.function;
+        EXPECT_NO_THROW(const embedded::TestHost host(options)) << function.function;
     }
     EXPECT_EQ(names.size(), 58U);
 }
@@ -148,7 +148,7 @@ TEST(Faults, CanBeAskedOfEveryFunctionThatCanFail) {
 TEST(Faults, ReachTheBasicSuite) {
     HostOptions options;
     options.faults = {{"AcquireSuite", 1, 41}, {"ReleaseSuite", 1, 42}};
-    embedded::Host host(options);
+    embedded::TestHost host(options);
     const void* table = nullptr;
     EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table), 41);
     EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Comp Suite", 9, &table), kHostErrorNone);

@@ -8,8 +8,8 @@
 #include <cstring>
 #include <nlohmann/json.hpp>
 
-#include "embedded/host.h"
 #include "embedded/json_values.h"
+#include "embedded/testing.h"
 #include "embedded/text_encoding.h"
 #include "support/temporary_folder.h"
 
@@ -55,7 +55,7 @@ struct TodaySide {
         return text;
     }
 
-    embedded::Host host{today()};
+    embedded::TestHost host{today()};
     const AEGP_RegisterSuite6* register_suite = nullptr;
     const AEGP_FileImportManagerSuite3* import_suite = nullptr;
     const AEGP_PersistentDataSuite3* data_suite = nullptr;
@@ -85,7 +85,7 @@ TEST(TodaysSuites, AreOfferedInsteadOfTheClassicOnes) {
         const bool is_today = generation == embedded::HostGeneration::today;
         embedded::HostOptions options;
         options.generation = generation;
-        embedded::Host host(options);
+        embedded::TestHost host(options);
         for (const TwoVersions& suite : kNewer) {
             SCOPED_TRACE(suite.name);
             const void* table = nullptr;
@@ -319,7 +319,7 @@ TEST_F(TodaysCallbacks, AreNotAskedAboutFilesThatHaveNoUtf16Name) {
 TEST(ClassicHosts, CanNameEveryFile) {
     embedded::HostOptions options;
     options.generation = embedded::HostGeneration::classic;
-    const embedded::Host host(options);
+    const embedded::TestHost host(options);
     EXPECT_EQ(host.path_problem("/caf\xE9.aec"), "");
 }
 

@@ -77,7 +77,7 @@ constexpr Change kChanges[] = {
 /// Changes a file at the `nth` passage of a kind, and never again.
 class ChangeAt {
   public:
-    ChangeAt(embedded::Host& host, Passage passage, std::string what, std::function<void()> change)
+    ChangeAt(embedded::TestHost& host, Passage passage, std::string what, std::function<void()> change)
         : host_(host) {
         host.watch([this, passage, what = std::move(what), change = std::move(change)](
                        Passage now, std::string_view where) {
@@ -94,7 +94,7 @@ class ChangeAt {
     [[nodiscard]] bool done() const { return done_; }
 
   private:
-    embedded::Host& host_;
+    embedded::TestHost& host_;
     bool done_ = false;
 };
 

@@ -233,7 +233,7 @@ TEST(ModuleFunctions, OutputFilesAreLeftToTheHost) {
 
 // The module says nothing about where its one file is. A classic host's buffer is left alone; today's get the
 // empty path in a memory handle that is theirs to free.
-A_Err expect_no_auxiliary_path(embedded::Host& host, const AEIO_FunctionBlock2& functions) {
+A_Err expect_no_auxiliary_path(embedded::TestHost& host, const AEIO_FunctionBlock2& functions) {
     std::array<A_char, kClassicPathBytes> path{};
     path.fill('x');
     EXPECT_EQ(functions.AEIO_GetNthAuxFileSpec(host.basic_data(), nullptr, 0, 0, path.data()), 0);
@@ -241,7 +241,7 @@ A_Err expect_no_auxiliary_path(embedded::Host& host, const AEIO_FunctionBlock2& 
     return kHostErrorNone;
 }
 
-A_Err expect_no_auxiliary_path(embedded::Host& host, const AEIO_FunctionBlock4& functions) {
+A_Err expect_no_auxiliary_path(embedded::TestHost& host, const AEIO_FunctionBlock4& functions) {
     const void* table = nullptr;
     EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Memory Suite", 1, &table), 0);
     const auto* memory = static_cast<const AEGP_MemorySuite1*>(table);

@@ -125,7 +125,7 @@ Climb climb(embedded::HostOptions options, const std::string& path, const embedd
     options.alpha_preference = kPreferenceBefore;
     const bool with_faults = faulty(options);
     Climb climb;
-    Host host(options);
+    embedded::TestHost host(options);
     host.watch(watcher);
     try {
         const embedded::LoadResult loaded = host.load(VXR_BUNDLE_PATH);
@@ -153,7 +153,7 @@ std::string result_of(const std::string& path) {
     keep_bundle();
     embedded::HostOptions options;
     options.generation = tested_generation();
-    Host host(options);
+    embedded::TestHost host(options);
     if (!host.load(VXR_BUNDLE_PATH).ok()) {
         throw std::runtime_error("the bundle does not load");
     }

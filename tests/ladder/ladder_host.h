@@ -3,7 +3,7 @@
 #include <map>
 #include <string>
 
-#include "embedded/host.h"
+#include "embedded/testing.h"
 
 /// What became of one rung.
 struct Climb {

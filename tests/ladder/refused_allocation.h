@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "embedded/host.h"
+#include "embedded/testing.h"
 
 /// Counts what the bundle allocates while one of these lives, and refuses one of them. This program's
 /// `operator new` in all its forms is the bundle's, too; without a sanitizer, whose own they are then, so are

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "embedded/host.h"
+#include "embedded/testing.h"
 #include "support/tested_host.h"
 
 /// The bundle that the build made, in a host of its own, with every call that it makes. Only its exported
@@ -22,7 +22,7 @@ class LoadedBundle {
         loaded_ = host_.load(VXR_BUNDLE_PATH);
     }
 
-    [[nodiscard]] embedded::Host& host() { return host_; }
+    [[nodiscard]] embedded::TestHost& host() { return host_; }
     [[nodiscard]] const embedded::LoadResult& loaded() const { return loaded_; }
 
     /// The lines of the call log so far, or since they were taken last.
@@ -43,6 +43,6 @@ class LoadedBundle {
     }
 
     std::vector<std::string> calls_;  // before the host, which writes to it until it is gone
-    embedded::Host host_;
+    embedded::TestHost host_;
     embedded::LoadResult loaded_;
 };
