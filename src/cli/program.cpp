@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "cli/options.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/verbs.h"
 #include "image/image.h"
 

@@ -1,16 +1,5 @@
 #include "cli/verbs.h"
 
-#include "cli/verb/check_command.h"
-#include "cli/verb/doctor_command.h"
-#include "cli/verb/frame_command.h"
-#include "cli/verb/help_command.h"
-#include "cli/verb/import_command.h"
-#include "cli/verb/limits_command.h"
-#include "cli/verb/modules_command.h"
-#include "cli/verb/texture_check_command.h"
-#include "cli/verb/texture_convert_command.h"
-#include "cli/verb/texture_info_command.h"
-
 namespace cli {
 
 const std::vector<Verb>& verbs() {

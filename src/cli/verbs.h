@@ -1,13 +1,25 @@
 #pragma once
 
-// The one table of what the program can do. A new verb is a file pair of its own that declares
-// `Verb some_verb();`, and a line in verbs.cpp.
-
 #include <vector>
 
 #include "cli/command.h"
 
+// The one table of what the program can do. A new verb is a source in verb/, its declaration here, and a line
+// in verbs.cpp.
+
 namespace cli {
+
+Verb import_verb();           ///< `vxr import FILE`
+Verb check_verb();            ///< `vxr check FILE...`
+Verb texture_info_verb();     ///< `vxr texture info FILE...`
+Verb texture_check_verb();    ///< `vxr texture check FILE...`
+Verb texture_convert_verb();  ///< `vxr texture convert IN...`
+Verb frame_verb();            ///< `vxr frame FILE -o IMAGE`
+Verb modules_verb();          ///< `vxr modules`
+Verb limits_verb();           ///< `vxr limits`
+Verb doctor_verb();           ///< `vxr doctor [BUNDLE]`
+Verb help_verb();             ///< `vxr help [VERB...]` and `vxr help --man`
+Verb completion_verb();       ///< `vxr completion bash`
 
 /// Every verb, in the order of the help.
 const std::vector<Verb>& verbs();

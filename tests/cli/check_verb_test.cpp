@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/report/codes.h"
+#include "cli/report/tool_code.h"
 #include "composition/read/read_error.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
@@ -182,8 +182,8 @@ TEST(CheckVerb, EveryCodeIsListed) {
         EXPECT_NE(run.out.find(std::string(info.name) + ": error: " + info.meaning), std::string::npos)
             << info.name;
     }
-    for (const cli::CodeRow& row : cli::code_table()) {
-        EXPECT_NE(run.out.find(std::string(row.name) + ": "), std::string::npos) << row.name;
+    for (const auto& [code, info] : cli::tool_code_table()) {
+        EXPECT_NE(run.out.find(std::string(info.name) + ": "), std::string::npos) << info.name;
     }
 }
 

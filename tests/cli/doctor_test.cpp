@@ -32,7 +32,7 @@ Trial listed(const std::string&, embedded::HostGeneration generation) {
 std::vector<std::string> codes_of(const Diagnosis& diagnosis) {
     std::vector<std::string> codes;
     for (const cli::Diagnostic& finding : diagnosis.findings) {
-        codes.push_back(finding.code);
+        codes.push_back(finding.code.name());
     }
     return codes;
 }

@@ -28,7 +28,7 @@ std::vector<Diagnostic> warnings_of(const std::string& text) {
 std::vector<std::string> places_of(const std::vector<Diagnostic>& warnings) {
     std::vector<std::string> places;
     for (const Diagnostic& warning : warnings) {
-        places.push_back(warning.code + ' ' + std::to_string(*warning.at.line) + ':' +
+        places.push_back(std::string(warning.code.name()) + ' ' + std::to_string(*warning.at.line) + ':' +
                          std::to_string(*warning.at.column));
     }
     return places;

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/report/limit_words.h"
+#include "cli/report/diagnostic_text.h"
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"

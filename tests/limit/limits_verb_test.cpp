@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/report/limit_words.h"
+#include "cli/report/diagnostic_text.h"
 #include "limit/limits.h"
 #include "support/program_run.h"
 

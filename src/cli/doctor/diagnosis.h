@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 
 namespace cli::doctor {
 

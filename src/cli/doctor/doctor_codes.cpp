@@ -99,10 +99,20 @@ std::span<const FindingRow> finding_table() {
     return kTable;
 }
 
+const diagnostic::CodeInfo& code_info(Finding finding) {
+    static const auto kInfos = [] {
+        std::array<diagnostic::CodeInfo, kTable.size()> infos{};
+        std::transform(kTable.begin(), kTable.end(), infos.begin(), [](const FindingRow& row) {
+            return diagnostic::CodeInfo{row.code, row.severity, row.meaning, row.remedy};
+        });
+        return infos;
+    }();
+    return kInfos[static_cast<std::size_t>(finding)];
+}
+
 Diagnostic found(Finding finding, Place at, std::string reason, std::vector<std::string> effects) {
     const FindingRow& row = kTable[static_cast<std::size_t>(finding)];
-    const auto report = row.severity == Severity::error ? fail : warn;
-    Diagnostic diagnostic = report(row.code, std::move(at), std::move(reason), {});
+    Diagnostic diagnostic = diagnostic::make(finding, std::move(at), std::move(reason));
     diagnostic.effects = std::move(effects);
     diagnostic.effects.emplace_back(row.remedy);
     return diagnostic;

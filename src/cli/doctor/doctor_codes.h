@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 
 namespace cli::doctor {
 
@@ -53,6 +53,8 @@ struct FindingRow {
 
 /// Every finding, in the order of the enumeration.
 std::span<const FindingRow> finding_table();
+
+[[nodiscard]] const diagnostic::CodeInfo& code_info(Finding finding);
 
 /// A finding with its remedy as the last of its effects.
 Diagnostic found(Finding finding, Place at, std::string reason, std::vector<std::string> effects = {});

@@ -4,6 +4,7 @@
 
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/trial_json.h"
+#include "cli/report/diagnostic_json.h"
 #include "cli/terminal/text_table.h"
 #include "embedded/json_values.h"
 #include "text/printable.h"

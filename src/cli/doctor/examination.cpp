@@ -241,7 +241,7 @@ class Examination {
 
 std::optional<std::string> Diagnosis::first_error() const {
     const auto error = std::find_if(findings.begin(), findings.end(), [](const Diagnostic& finding) {
-        return finding.severity == Severity::error;
+        return finding.severity() == Severity::error;
     });
     return error == findings.end() ? std::nullopt : std::optional(error->reason);
 }

@@ -6,7 +6,8 @@
 
 #include "cli/project/loaded_bundle.h"
 #include "cli/project/project_words.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_json.h"
+#include "cli/report/diagnostic_text.h"
 #include "embedded/project_json.h"
 #include "system/files.h"
 

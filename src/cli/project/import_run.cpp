@@ -6,7 +6,8 @@
 
 #include "cli/project/import_outcome.h"
 #include "cli/project/loaded_bundle.h"
-#include "cli/report/codes.h"
+#include "cli/report/diagnostic_json.h"
+#include "cli/report/tool_code.h"
 #include "cli/scene/scene_check.h"
 #include "embedded/project_json.h"
 
@@ -21,9 +22,8 @@ void refuse(ImportRun& run, std::string problem) {
 // A host error does not say what it was about; footage that nobody can read is the likeliest.
 void explain_failure(ImportRun& run, const SceneReading& reading) {
     std::vector<Diagnostic> warnings = scene_warnings(reading);
-    std::erase_if(warnings, [](const Diagnostic& warning) {
-        return warning.code != code_name(Code::footage_unreadable);
-    });
+    std::erase_if(warnings,
+                  [](const Diagnostic& warning) { return !(warning.code == ToolCode::footage_unreadable); });
     run.diagnostics = std::move(warnings);
 }
 
@@ -129,10 +129,6 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
 
 embedded::Json import_document(const embedded::Host& host, const ImportRun& run) {
     using embedded::Json;
-    Json diagnostics = Json::array();
-    for (const Diagnostic& diagnostic : run.diagnostics) {
-        diagnostics.push_back(diagnostic_json(diagnostic));
-    }
     Json document = embedded::project_to_json(host.project());
     document["discipline"] = embedded::conformance_to_json(host.conformance());
     document["import"] = Json{{"file", embedded::json_text(run.file)},
@@ -143,7 +139,7 @@ embedded::Json import_document(const embedded::Host& host, const ImportRun& run)
                               {"missing_suite", run.import.missing_suite},
                               {"problems", texts_json(run.problems)},
                               {"notes", texts_json(run.notes)},
-                              {"diagnostics", diagnostics}};
+                              {"diagnostics", diagnostics_json(run.diagnostics)}};
     return document;
 }
 

@@ -5,7 +5,7 @@
 
 #include "cli/exit_codes.h"
 #include "cli/project/bundle_path.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
 #include "embedded/host.h"
 #include "embedded/json_values.h"

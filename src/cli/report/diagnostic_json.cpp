@@ -1,4 +1,4 @@
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_json.h"
 
 #include <nlohmann/json.hpp>
 
@@ -33,6 +33,14 @@ nlohmann::ordered_json texts_json(const std::vector<std::string>& texts) {
     return array;
 }
 
+nlohmann::ordered_json diagnostics_json(const std::vector<diagnostic::Diagnostic>& diagnostics) {
+    Json array = Json::array();
+    for (const diagnostic::Diagnostic& one : diagnostics) {
+        array.push_back(diagnostic_json(one));
+    }
+    return array;
+}
+
 std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files) {
     Json document;
     document["schema"] = schema;
@@ -41,15 +49,15 @@ std::string files_document(int schema, ExitCode code, const nlohmann::ordered_js
     return document.dump(2) + '\n';
 }
 
-nlohmann::ordered_json diagnostic_json(const Diagnostic& diagnostic) {
+nlohmann::ordered_json diagnostic_json(const diagnostic::Diagnostic& diagnostic) {
     Json at;
     at["file"] = json_text(diagnostic.at.file);
     at["line"] = number_or_null(diagnostic.at.line);
     at["column"] = number_or_null(diagnostic.at.column);
     at["offset_bytes"] = number_or_null(diagnostic.at.offset_bytes);
     Json json;
-    json["severity"] = diagnostic.severity == Severity::error ? "error" : "warning";
-    json["code"] = diagnostic.code;
+    json["severity"] = severity_name(diagnostic.severity());
+    json["code"] = diagnostic.code.name();
     json["at"] = at;
     json["reason"] = json_text(diagnostic.reason);
     json["within"] = texts_json(diagnostic.within);

@@ -3,29 +3,28 @@
 #include <algorithm>
 #include <utility>
 
-#include "cli/report/source_lines.h"
-
 namespace cli {
 
-Diagnostic& WarningList::add(Code code, const TextPosition& at, std::string reason,
+Diagnostic& WarningList::add(ToolCode code, const TextPosition& at, std::string reason,
                              std::vector<std::string> within) {
-    const Place place{reading_.file, at.offset_bytes, at.line, at.column};
+    Diagnostic warning = diagnostic::make(code, {reading_.file, at.offset_bytes, at.line, at.column},
+                                          std::move(reason), std::move(within));
     if (++counts_[code] <= kMostOfOneCode) {
-        return kept_.emplace_back(warn(code_name(code), place, std::move(reason), std::move(within)));
+        return kept_.emplace_back(std::move(warning));
     }
     Overflow& overflow = overflow_[code];
     if (++overflow.count == 1) {
-        overflow.first = warn(code_name(code), place, {});
+        overflow.first = warning.at;
     }
-    uncounted_ = {};
-    return uncounted_;
+    return overflowing_.emplace(std::move(warning));
 }
 
 std::vector<Diagnostic> WarningList::finish() {
     for (auto& [code, overflow] : overflow_) {
-        overflow.first.reason = "from here on " + std::to_string(overflow.count) + " more of this kind";
-        overflow.first.count = overflow.count;
-        kept_.push_back(std::move(overflow.first));
+        Diagnostic& rest = kept_.emplace_back(
+            diagnostic::make(code, std::move(overflow.first),
+                             "from here on " + std::to_string(overflow.count) + " more of this kind"));
+        rest.count = overflow.count;
     }
     overflow_.clear();
     std::stable_sort(kept_.begin(), kept_.end(), [](const Diagnostic& a, const Diagnostic& b) {

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
-#include "cli/report/codes.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
+#include "cli/report/tool_code.h"
 #include "cli/scene/scene_reading.h"
 
 namespace cli {
@@ -20,22 +22,23 @@ class WarningList {
     explicit WarningList(const SceneReading& reading) : reading_(reading) {}
 
     /// The new warning, for its effects and count; of one that is only counted they are not kept.
-    Diagnostic& add(Code code, const TextPosition& at, std::string reason, std::vector<std::string> within);
+    Diagnostic& add(ToolCode code, const TextPosition& at, std::string reason,
+                    std::vector<std::string> within);
 
     /// Everything, with source lines.
     [[nodiscard]] std::vector<Diagnostic> finish();
 
   private:
     struct Overflow {
-        Diagnostic first;
+        Place first;
         std::int64_t count = 0;
     };
 
     const SceneReading& reading_;
     std::vector<Diagnostic> kept_;
-    std::map<Code, std::int64_t> counts_;
-    std::map<Code, Overflow> overflow_;
-    Diagnostic uncounted_;
+    std::map<ToolCode, std::int64_t> counts_;
+    std::map<ToolCode, Overflow> overflow_;
+    std::optional<Diagnostic> overflowing_;  ///< what add() returned last, if it was only counted
 };
 
 }  // namespace cli

@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/report/limit_words.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_check.h"
 #include "embedded/sequence.h"
 #include "image/image.h"
@@ -42,7 +42,7 @@ std::string placeholder_text(const SceneReading& reading, std::string_view name)
 
 void check_missing(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
     Diagnostic& warning =
-        warnings.add(Code::footage_missing, footage.path_at,
+        warnings.add(ToolCode::footage_missing, footage.path_at,
                      "the footage \"" + shown_path(footage.written) + "\" does not exist", footage.within);
     warning.effects.push_back("looked for as written, then as \"" +
                               shown_path(beside(reading, *footage.resolved)) + '"');
@@ -68,7 +68,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     const std::optional<embedded::SequenceFrames> frames = embedded::find_sequence(path, {});
     if (!frames) {
         warnings
-            .add(Code::sequence_without_number, footage.path_at,
+            .add(ToolCode::sequence_without_number, footage.path_at,
                  "the name \"" + shown_path(last_component(path)) + "\" holds no number to count frames by",
                  footage.within)
             .effects.emplace_back("the host takes this one file for the whole sequence");
@@ -76,7 +76,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     }
     if (frames->count == 1) {
         warnings
-            .add(Code::sequence_single_frame, footage.path_at,
+            .add(ToolCode::sequence_single_frame, footage.path_at,
                  "the sequence " + frames->pattern + " has one file, number " +
                      std::to_string(frames->range.first),
                  footage.within)
@@ -84,7 +84,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     }
     if (!frames->gaps.empty()) {
         Diagnostic& warning =
-            warnings.add(Code::sequence_gap, footage.path_at,
+            warnings.add(ToolCode::sequence_gap, footage.path_at,
                          "the sequence " + frames->pattern + " " + range_text(frames->range) +
                              " has gaps: " + gaps_text(frames->gaps),
                          footage.within);
@@ -121,7 +121,7 @@ void check_readable(const SceneFootage& footage, WarningList& warnings) {
         return;
     }
     warnings
-        .add(Code::footage_unreadable, footage.path_at,
+        .add(ToolCode::footage_unreadable, footage.path_at,
              "the footage \"" + shown_path(footage.written) +
                  "\" exists but is no readable image: " + obstacle,
              footage.within)
@@ -131,7 +131,7 @@ void check_readable(const SceneFootage& footage, WarningList& warnings) {
 void check_entry(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
     if (!footage.resolved) {
         warnings
-            .add(Code::footage_path_unread, footage.path_at, "no path could be read for this footage",
+            .add(ToolCode::footage_path_unread, footage.path_at, "no path could be read for this footage",
                  footage.within)
             .effects.push_back(placeholder_text(reading, ""));
         return;

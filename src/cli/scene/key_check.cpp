@@ -35,7 +35,7 @@ struct Offenders {
     std::int64_t shown = 0;
 };
 
-void report(WarningList& warnings, Code code, const Offenders& keys, const std::string& reason,
+void report(WarningList& warnings, ToolCode code, const Offenders& keys, const std::string& reason,
             const std::string& effect, const SceneBlock& object) {
     if (keys.count > 0) {
         Diagnostic& warning =
@@ -81,11 +81,11 @@ void check_frames(const SceneBlock& object, const SceneNumbers& numbers, Warning
         }
     }
     const std::string range = "FROM " + std::to_string(numbers.from) + " to TO " + std::to_string(numbers.to);
-    report(warnings, Code::key_outside_range, outside, "keys outside " + range,
+    report(warnings, ToolCode::key_outside_range, outside, "keys outside " + range,
            "they are set all the same, before or behind what the layer shows", object);
-    report(warnings, Code::key_out_of_order, disordered, "keys that go back in time",
+    report(warnings, ToolCode::key_out_of_order, disordered, "keys that go back in time",
            "the host puts keys in the order of their time", object);
-    report(warnings, Code::key_repeated, repeated, "more than one key for one frame",
+    report(warnings, ToolCode::key_repeated, repeated, "more than one key for one frame",
            "the one written last stays", object);
 }
 
@@ -102,9 +102,9 @@ void check_fields_of_view(const SceneBlock& object, WarningList& warnings) {
             impossible.add(key);
         }
     }
-    report(warnings, Code::field_of_view, zero, "a field of view of 0", "the camera's zoom becomes infinite",
+    report(warnings, ToolCode::field_of_view, zero, "a field of view of 0", "the camera's zoom becomes infinite",
            object);
-    report(warnings, Code::field_of_view, impossible, "a field of view that is not between 0 and 180",
+    report(warnings, ToolCode::field_of_view, impossible, "a field of view that is not between 0 and 180",
            "the camera's zoom becomes negative, or has nothing to do with the angle", object);
 }
 

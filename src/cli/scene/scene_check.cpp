@@ -17,7 +17,7 @@ constexpr std::size_t kNameBytes = 31;  // what the host keeps of a name
 void check_changes(const SceneReading& reading, WarningList& warnings) {
     for (const SceneChange& change : reading.facts.changes) {
         Diagnostic& warning =
-            warnings.add(Code::value_changed, change.first.at,
+            warnings.add(ToolCode::value_changed, change.first.at,
                          "the number \"" + change.first.text + "\" after " + change.keyword + " is read as " +
                              number_text(change.first.kept),
                          change.within);
@@ -43,7 +43,7 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
     // What the value is short of a hundredth in single precision is no loss.
     constexpr double kNoLoss = 1e-5;
     if (std::abs(value.kept * ratio.den - ratio.num) > kNoLoss * ratio.den) {
-        warnings.add(Code::aspect_cut, value.at,
+        warnings.add(ToolCode::aspect_cut, value.at,
                      "the pixel aspect " + value.text + " becomes " + std::to_string(ratio.num) + "/" +
                          std::to_string(ratio.den),
                      {});
@@ -64,7 +64,7 @@ void check_range(const SceneReading& reading, WarningList& warnings) {
     const SceneNumbers& numbers = reading.numbers;
     if (numbers.length() < 1) {
         warnings
-            .add(Code::range_reversed, to->at,
+            .add(ToolCode::range_reversed, to->at,
                  "TO " + std::to_string(numbers.to) + " is before FROM " + std::to_string(numbers.from), {})
             .effects.push_back("layers and placeholders get a length of " + std::to_string(numbers.length()) +
                                " frames, which a host may refuse");
@@ -73,7 +73,7 @@ void check_range(const SceneReading& reading, WarningList& warnings) {
     const std::int64_t end = (numbers.local ? numbers.from : 0) + numbers.length();
     if (end > numbers.range) {
         warnings
-            .add(Code::layer_past_end, range->at,
+            .add(ToolCode::layer_past_end, range->at,
                  "the composition has " + std::to_string(numbers.range) +
                      " frames, and its layers end at frame " + std::to_string(end),
                  {})
@@ -86,7 +86,7 @@ void check_names(const SceneReading& reading, WarningList& warnings) {
     for (const auto* const list : {&reading.facts.compositions, &reading.facts.objects}) {
         for (const SceneBlock& block : *list) {
             if (block.name.size() > kNameBytes) {
-                warnings.add(Code::name_cut, block.name_at,
+                warnings.add(ToolCode::name_cut, block.name_at,
                              "the name has " + std::to_string(block.name.size()) +
                                  " bytes; the host keeps \"" + kept_name(block.name) + '"',
                              {});
@@ -107,10 +107,10 @@ void check_settings(const SceneReading& reading, WarningList& warnings) {
     check_range(reading, warnings);
     check_names(reading, warnings);
     for (const ScenePassed& passed : reading.facts.passed) {
-        warnings.add(Code::word_ignored, passed.at, "\"" + passed.text + "\" is passed over", passed.within);
+        warnings.add(ToolCode::word_ignored, passed.at, "\"" + passed.text + "\" is passed over", passed.within);
     }
     if (reading.facts.ignored_from) {
-        warnings.add(Code::text_after_end, *reading.facts.ignored_from,
+        warnings.add(ToolCode::text_after_end, *reading.facts.ignored_from,
                      "the file ends here; the text from here on is ignored", {});
     }
 }
@@ -124,22 +124,22 @@ void check_lights(const SceneReading& reading, WarningList& warnings) {
             const SceneValue& value = entry.values.front();
             if (entry.word == "ANGLE") {
                 warnings
-                    .add(Code::angle_not_sent, entry.at,
+                    .add(ToolCode::angle_not_sent, entry.at,
                          "the angle " + value.text + " does not reach the host", object.within)
                     .effects.emplace_back("the light keeps the host's own cone angle");
             } else if (entry.word == "SHADOW" && value.text != "NONE") {
                 warnings
-                    .add(Code::shadow_kind_not_sent, value.at,
+                    .add(ToolCode::shadow_kind_not_sent, value.at,
                          "the kind of shadow " + value.text + " does not reach the host", object.within)
                     .effects.emplace_back("the light casts shadows of the host's own kind");
             } else if (entry.word == "TYPE" && (value.text == "TUBE" || value.text == "AREA")) {
                 warnings
-                    .add(Code::light_kind_changed, value.at,
+                    .add(ToolCode::light_kind_changed, value.at,
                          "the host has no lights of the kind " + value.text, object.within)
                     .effects.emplace_back("it becomes a point light");
             } else if (entry.word == "TYPE" && value.text == "PSPOT") {
                 warnings
-                    .add(Code::light_kind_changed, value.at, "the host has no lights of the kind PSPOT",
+                    .add(ToolCode::light_kind_changed, value.at, "the host has no lights of the kind PSPOT",
                          object.within)
                     .effects.emplace_back("it becomes a parallel light");
             }

@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/report/warning_list.h"
 #include "cli/scene/scene_reading.h"
 

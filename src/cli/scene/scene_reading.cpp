@@ -4,10 +4,8 @@
 #include <cstdio>
 #include <string_view>
 
-#include "cli/report/codes.h"
-#include "cli/report/limit_words.h"
-#include "cli/report/source_lines.h"
-#include "cli/report/unsound_result.h"
+#include "cli/report/diagnostic_text.h"
+#include "cli/report/tool_code.h"
 #include "composition/model/model_invariants.h"
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
@@ -58,30 +56,29 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     const Place whole_file{reading.file};
     const os::FileState state = os::file_state(reading.full_path);
     if (const auto reason = obstacle(state)) {
-        return fail(code_name(Code::cannot_read), whole_file, *reason);
+        return diagnostic::make(ToolCode::cannot_read, whole_file, *reason);
     }
     const os::InputFile file = os::open_input_file(reading.full_path);
     if (file == nullptr) {
-        return fail(code_name(Code::cannot_read), whole_file, "the file may not be read");
+        return diagnostic::make(ToolCode::cannot_read, whole_file, "the file may not be read");
     }
     code = ExitCode::refused;
     std::array<char, kBeginning.size()> bytes{};
     const std::size_t count = std::fread(bytes.data(), 1, bytes.size(), file.get());
     if (count == 0 && std::feof(file.get()) != 0) {
-        return fail(code_info(ReadErrorCode::empty_file).name, beginning_of(reading.file),
-                    "the file is empty");
+        return diagnostic::make(ReadErrorCode::empty_file, beginning_of(reading.file), "the file is empty");
     }
     const std::string_view found(bytes.data(), count);
     if (found != kBeginning) {
-        Diagnostic error =
-            fail(code_name(Code::not_importable), beginning_of(reading.file),
-                 "expected the file to begin with \"VORTAN XR\", found \"" + std::string(found) + '"');
+        Diagnostic error = diagnostic::make(
+            ToolCode::not_importable, beginning_of(reading.file),
+            "expected the file to begin with \"VORTAN XR\", found \"" + std::string(found) + '"');
         error.effects.emplace_back("the host is told that this is no composition file and does not offer it");
         return error;
     }
     if (state.size_bytes > static_cast<std::uint64_t>(limits::kCompositionFile.value)) {
-        Diagnostic error = fail(
-            code_info(ReadErrorCode::file_too_large).name, whole_file,
+        Diagnostic error = diagnostic::make(
+            ReadErrorCode::file_too_large, whole_file,
             "the file has " + std::to_string(state.size_bytes) + " bytes, and less than 2147483648 are read");
         name_limit(error, &limits::kCompositionFile);
         return error;
@@ -96,14 +93,12 @@ ExitCode exit_code_of(const diagnostic::Code& code) {
     return unreadable ? ExitCode::cannot_read_or_write : ExitCode::refused;
 }
 
-Diagnostic diagnostic_of(const diagnostic::Diagnostic& error, const std::string& file) {
-    Diagnostic diagnostic =
-        fail(error.code.name(), {file, error.at.offset_bytes, error.at.line, error.at.column}, error.reason,
-             error.within);
-    diagnostic.effects.emplace_back(
-        "the import ends here without a word, and nothing is added to the project");
-    name_limit(diagnostic, error.limit);
-    return diagnostic;
+// The reader's error as the user is told it.
+Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
+    error.at.file = file;
+    error.effects.emplace_back("the import ends here without a word, and nothing is added to the project");
+    name_limit(error, error.limit);
+    return error;
 }
 
 SceneNumbers numbers_of(const tagProjectSettings& settings) {
@@ -132,11 +127,11 @@ SceneReading read_scene(const std::string& file) {
         reading.error = diagnostic_of(*reading.facts.error, file);
         reading.code = exit_code_of(reading.facts.error->code);
     } else if (!read) {
-        reading.error = fail(code_name(Code::cannot_read), {file}, "the file could not be read");
+        reading.error = diagnostic::make(ToolCode::cannot_read, {file}, "the file could not be read");
         reading.code = ExitCode::cannot_read_or_write;
     }
     const auto complaint = validate_model(settings, read ? ModelState::complete : ModelState::broken_off);
-    if (const auto defect = unsound_result(file, complaint)) {
+    if (const auto defect = internal_error(file, complaint)) {
         reading.error = defect;
         reading.code = ExitCode::refused;
     }

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "cli/exit_codes.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_facts.h"
 
 namespace cli {

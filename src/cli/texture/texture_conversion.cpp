@@ -36,20 +36,13 @@ struct Refusal {
     ExitCode code;
 };
 
-Diagnostic image_diagnostic(const diagnostic::Diagnostic& one) {
-    const bool warning = one.severity() == diagnostic::Severity::warning;
-    return (warning ? warn : fail)(one.code.name(), {one.at.file}, one.reason, {});
-}
-
 Input read_image(const std::string& path, image::AlphaBytes alpha_bytes) {
     image::Reading reading = image::read(path, alpha_bytes);
     Input input;
-    for (const diagnostic::Diagnostic& one : reading.diagnostics) {
-        input.diagnostics.push_back(image_diagnostic(one));
-    }
     if (!reading.texture.has_value()) {
         input.code = image_exit_code(reading.diagnostics.front());
     }
+    input.diagnostics = std::move(reading.diagnostics);
     input.texture = std::move(reading.texture);
     return input;
 }
@@ -66,7 +59,7 @@ std::optional<Refusal> write_texture_file(const std::string& path, const Texture
     std::string reason;
     std::optional<os::ReplacementFile> file = os::ReplacementFile::create(path, reason);
     if (!file.has_value()) {
-        return Refusal{fail("cannot-open", {path}, reason), ExitCode::cannot_read_or_write};
+        return Refusal{diagnostic::make(image::Code::cannot_open, {path}, reason), ExitCode::cannot_read_or_write};
     }
     if (const std::optional<TextureError> error = write_texture(file->temporary_path(), texture);
         error.has_value()) {
@@ -76,7 +69,7 @@ std::optional<Refusal> write_texture_file(const std::string& path, const Texture
         return Refusal{texture_error(*error, path), code};
     }
     if (!file->put_in_place(reason)) {
-        return Refusal{fail("not-written", {path}, reason), ExitCode::cannot_read_or_write};
+        return Refusal{diagnostic::make(image::Code::not_written, {path}, reason), ExitCode::cannot_read_or_write};
     }
     return std::nullopt;
 }
@@ -86,8 +79,9 @@ std::optional<Refusal> write_any(const std::string& path, const Texture& texture
     if (has_texture_extension(path)) {
         return write_texture_file(path, texture);
     }
-    if (const auto error = image::write(path, texture, alpha_bytes)) {
-        return Refusal{image_diagnostic(*error), image_exit_code(*error)};
+    if (auto error = image::write(path, texture, alpha_bytes)) {
+        const ExitCode code = image_exit_code(*error);
+        return Refusal{std::move(*error), code};
     }
     return std::nullopt;
 }
@@ -128,7 +122,8 @@ void convert(Conversion& conversion, const ConversionOptions& options) {
     }
     Texture& texture = *input.texture;
     if (std::string reason = choose_alphas(texture, options.alpha); !reason.empty()) {
-        refuse(conversion, ExitCode::refused, fail("no-such-alpha", {conversion.input}, std::move(reason)));
+        refuse(conversion, ExitCode::refused,
+               diagnostic::make(image::Code::no_such_alpha, {conversion.input}, std::move(reason)));
         return;
     }
     if (auto refusal = write_any(conversion.output, texture, options.alpha_bytes)) {
@@ -166,10 +161,12 @@ Conversion convert_texture(const std::string& input, const std::string& output,
             convert(conversion, options);
         } else {
             refuse(conversion, ExitCode::refused,
-                   fail("no-texture", {input}, "neither it nor " + output + " is a texture"));
+                   diagnostic::make(image::Code::no_texture, {input},
+                                    "neither it nor " + output + " is a texture"));
         }
     } catch (const std::exception& failure) {
-        refuse(conversion, ExitCode::cannot_read_or_write, fail("gave-up", {input}, failure.what()));
+        refuse(conversion, ExitCode::cannot_read_or_write,
+               diagnostic::make(image::Code::gave_up, {input}, failure.what()));
     }
     return conversion;
 }

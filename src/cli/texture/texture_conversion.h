@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/report/diagnostic.h"
-#include "diagnostic/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "image/image.h"
 
 namespace cli {

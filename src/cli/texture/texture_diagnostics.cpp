@@ -1,8 +1,34 @@
 #include "cli/texture/texture_diagnostics.h"
 
+#include <array>
+#include <cstddef>
 #include <utility>
 
-#include "cli/report/limit_words.h"
+#include "cli/report/diagnostic_text.h"
+
+// The reader's codes as domains of src/diagnostic; the reader itself knows their names only.
+
+const diagnostic::CodeInfo& code_info(TextureFault fault) {
+    static const auto kTable = [] {
+        std::array<diagnostic::CodeInfo, static_cast<std::size_t>(TextureFault::bad_value) + 1> table{};
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            table[i] = {fault_name(static_cast<TextureFault>(i)), diagnostic::Severity::error, ""};
+        }
+        return table;
+    }();
+    return kTable[static_cast<std::size_t>(fault)];
+}
+
+const diagnostic::CodeInfo& code_info(TextureNotice notice) {
+    static const auto kTable = [] {
+        std::array<diagnostic::CodeInfo, static_cast<std::size_t>(TextureNotice::cut_off) + 1> table{};
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            table[i] = {notice_name(static_cast<TextureNotice>(i)), diagnostic::Severity::warning, ""};
+        }
+        return table;
+    }();
+    return kTable[static_cast<std::size_t>(notice)];
+}
 
 namespace cli {
 namespace {
@@ -36,14 +62,14 @@ Diagnostic texture_error(const TextureError& error, const std::string& file) {
     if (error.offset_bytes > 0 || !error.within.empty()) {
         at.offset_bytes = error.offset_bytes;
     }
-    Diagnostic diagnostic = fail(fault_name(error.code), std::move(at), error.reason, error.within);
+    Diagnostic diagnostic = diagnostic::make(error.code, std::move(at), error.reason, error.within);
     name_limit(diagnostic, error.limit);
     return diagnostic;
 }
 
 Diagnostic texture_warning(const TextureWarning& warning, const std::string& file) {
     Diagnostic diagnostic =
-        warn(notice_name(warning.code), Place{file, warning.offset_bytes}, warning.reason, warning.within);
+        diagnostic::make(warning.code, Place{file, warning.offset_bytes}, warning.reason, warning.within);
     diagnostic.effects.emplace_back(effect_of(warning.code));
     diagnostic.count = warning.count;
     if (warning.count > 1) {
@@ -98,19 +124,6 @@ ExitCode texture_exit_code(const TextureError& error) {
 
 ExitCode texture_exit_code(const TextureReading& reading) {
     return reading.error.has_value() ? texture_exit_code(*reading.error) : ExitCode::fine;
-}
-
-const char* texture_verdict(ExitCode code) {
-    switch (code) {
-        case ExitCode::fine:
-            return "ok";
-        case ExitCode::refused:
-            return "refused";
-        case ExitCode::usage:
-        case ExitCode::cannot_read_or_write:
-            break;
-    }
-    return "unreadable";
 }
 
 std::string texture_size_text(const Texture& texture) {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
 #include "texture/value/texture_file.h"
 
@@ -27,9 +27,6 @@ ExitCode texture_exit_code(const TextureError& error);
 
 /// The exit code of a reading: that of its error, if it has one.
 ExitCode texture_exit_code(const TextureReading& reading);
-
-/// "ok", "refused" or "unreadable"
-const char* texture_verdict(ExitCode code);
 
 /// "64 x 48, RGB, 1 alpha channel"
 std::string texture_size_text(const Texture& texture);

@@ -1,5 +1,3 @@
-#include "cli/verb/doctor_command.h"
-
 #include <memory>
 #include <ostream>
 #include <string>
@@ -12,6 +10,7 @@
 #include "cli/options.h"
 #include "cli/project/bundle_path.h"
 #include "cli/terminal/terminal.h"
+#include "cli/verbs.h"
 #include "system/files.h"
 
 namespace cli {

@@ -1,5 +1,3 @@
-#include "cli/verb/frame_command.h"
-
 #include <charconv>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -13,9 +11,10 @@
 #include "cli/project/frame_run.h"
 #include "cli/project/host_option.h"
 #include "cli/project/project_tree.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
+#include "cli/verbs.h"
 #include "image/image.h"
 #include "text/printable.h"
 

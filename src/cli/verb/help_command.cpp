@@ -1,5 +1,3 @@
-#include "cli/verb/help_command.h"
-
 #include <algorithm>
 #include <ostream>
 
@@ -8,6 +6,7 @@
 #include "cli/options.h"
 #include "cli/program.h"
 #include "cli/terminal/terminal.h"
+#include "cli/verbs.h"
 
 namespace cli {
 namespace {

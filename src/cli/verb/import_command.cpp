@@ -1,5 +1,3 @@
-#include "cli/verb/import_command.h"
-
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
@@ -13,9 +11,10 @@
 #include "cli/project/host_option.h"
 #include "cli/project/import_run.h"
 #include "cli/project/project_tree.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/terminal.h"
+#include "cli/verbs.h"
 #include "embedded/host.h"
 #include "system/files.h"
 #include "text/printable.h"

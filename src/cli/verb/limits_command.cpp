@@ -1,13 +1,12 @@
-#include "cli/verb/limits_command.h"
-
 #include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 
 #include "cli/help/page.h"
 #include "cli/options.h"
-#include "cli/report/limit_words.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
+#include "cli/verbs.h"
 #include "embedded/json_values.h"
 #include "limit/limits.h"
 

@@ -1,5 +1,3 @@
-#include "cli/verb/modules_command.h"
-
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
@@ -10,8 +8,9 @@
 #include "cli/project/bundle_path.h"
 #include "cli/project/host_option.h"
 #include "cli/project/loaded_bundle.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
+#include "cli/verbs.h"
 #include "embedded/host.h"
 #include "embedded/json_values.h"
 #include "text/printable.h"

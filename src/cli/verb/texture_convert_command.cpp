@@ -1,5 +1,3 @@
-#include "cli/verb/texture_convert_command.h"
-
 #include <algorithm>
 #include <cstddef>
 #include <filesystem>
@@ -14,13 +12,15 @@
 #include <vector>
 
 #include "cli/options.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_json.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/ordered_jobs.h"
 #include "cli/terminal/platform.h"
 #include "cli/terminal/progress_bar.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
 #include "cli/texture/texture_diagnostics.h"
+#include "cli/verbs.h"
 #include "embedded/json_values.h"
 #include "image/image.h"
 #include "system/files.h"
@@ -43,15 +43,11 @@ std::string conversion_line(const Conversion& conversion, const Paint& paint) {
 }
 
 Json conversion_json(const Conversion& conversion) {
-    Json diagnostics = Json::array();
-    for (const Diagnostic& diagnostic : conversion.diagnostics) {
-        diagnostics.push_back(diagnostic_json(diagnostic));
-    }
     return Json{{"file", embedded::json_text(conversion.input)},
                 {"output", embedded::json_text(conversion.output)},
                 {"converted", conversion.code == ExitCode::fine},
                 {"exit_code", static_cast<int>(conversion.code)},
-                {"diagnostics", diagnostics}};
+                {"diagnostics", diagnostics_json(conversion.diagnostics)}};
 }
 
 class TextureConvertCommand : public Command {
@@ -99,8 +95,9 @@ class TextureConvertCommand : public Command {
         if (!out_dir_.empty()) {
             fs::create_directories(os::native_path(out_dir_));
         }
-        const ConversionOptions options{*parse_alpha_choice(alpha_),
-                                        convert_alpha_ ? image::AlphaBytes::converted : image::AlphaBytes::kept};
+        const ConversionOptions options{*parse_alpha_choice(alpha_), convert_alpha_
+                                                                         ? image::AlphaBytes::converted
+                                                                         : image::AlphaBytes::kept};
         const bool bar_wanted = terminal.live && is_terminal(1) && !json_ && inputs_.size() > 1;
         ProgressBar bar(terminal, inputs_.size(), bar_wanted);
         Json documents = Json::array();

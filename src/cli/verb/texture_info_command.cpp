@@ -1,5 +1,3 @@
-#include "cli/verb/texture_info_command.h"
-
 #include <cstdint>
 #include <memory>
 #include <nlohmann/json.hpp>
@@ -9,11 +7,13 @@
 #include <vector>
 
 #include "cli/options.h"
-#include "cli/report/diagnostic.h"
+#include "cli/report/diagnostic_json.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/row_coding.h"
 #include "cli/texture/texture_diagnostics.h"
 #include "cli/texture/texture_outline.h"
+#include "cli/verbs.h"
 #include "embedded/json_values.h"
 #include "system/files.h"
 #include "text/printable.h"
@@ -53,7 +53,7 @@ FileInfo read_info(const std::string& file) {
 std::string info_text(const FileInfo& info, const Paint& paint) {
     std::string text = paint(Ink::bold, text::printable(info.file)) + ": ";
     text += info.reading.texture.has_value() ? texture_size_text(*info.reading.texture)
-                                             : paint(Ink::red, texture_verdict(info.code));
+                                             : paint(Ink::red, verdict_label(info.code));
     text += info.size_bytes.has_value() ? ", " + std::to_string(*info.size_bytes) + " bytes\n" : "\n";
     if (info.coding.rows() > 0) {
         text += "  pixels: " + coding_text(info.coding.decoded_bytes, info.coding.coded_bytes) + '\n';
@@ -68,12 +68,8 @@ std::string info_text(const FileInfo& info, const Paint& paint) {
 
 Json info_json(const FileInfo& info) {
     Json alphas = Json::array();
-    Json diagnostics = Json::array();
-    for (const Diagnostic& diagnostic : info.diagnostics) {
-        diagnostics.push_back(diagnostic_json(diagnostic));
-    }
     Json json{{"file", embedded::json_text(info.file)},
-              {"verdict", texture_verdict(info.code)},
+              {"verdict", verdict_label(info.code)},
               {"exit_code", static_cast<int>(info.code)},
               {"size_bytes", info.size_bytes.has_value() ? Json(*info.size_bytes) : Json()},
               {"width_px", nullptr},
@@ -85,7 +81,7 @@ Json info_json(const FileInfo& info) {
               {"coded_bytes", info.coding.coded_bytes},
               {"compression_ratio", compression_ratio(info.coding)},
               {"chunks", outline_json(info.reading.chunks)},
-              {"diagnostics", diagnostics}};
+              {"diagnostics", diagnostics_json(info.diagnostics)}};
     if (const std::optional<Texture>& texture = info.reading.texture; texture.has_value()) {
         for (const AlphaChannel& alpha : texture->alphas) {
             alphas.push_back(embedded::json_text(alpha.name));

@@ -1,10 +1,13 @@
-#include "cli/report/diagnostic.h"
-#include "text/printable.h"
+#include "cli/report/diagnostic_text.h"
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdio>
 #include <ostream>
-#include <utility>
+
+#include "limit/limits.h"
+#include "system/input_file.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -55,22 +58,23 @@ std::string source_text(const Diagnostic& diagnostic, const Paint& paint) {
            std::string(excerpt.caret, ' ') + paint(Ink::green, "^") + '\n';
 }
 
+// A longer line does not help anyone who reads the message.
+constexpr std::int64_t kLongestLine_bytes = 4096;
+
+bool is_line_end(char c) {
+    return c == '\n' || c == '\r';
+}
+
 }  // namespace
 
-Diagnostic fail(std::string code, Place at, std::string reason, std::vector<std::string> within) {
-    return {Severity::error, std::move(code), std::move(at), std::move(reason), std::move(within)};
-}
-
-Diagnostic warn(std::string code, Place at, std::string reason, std::vector<std::string> within) {
-    return {Severity::warning, std::move(code), std::move(at), std::move(reason), std::move(within)};
-}
-
 std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {
-    const bool error = diagnostic.severity == Severity::error;
-    std::string text = paint(Ink::bold, place_text(diagnostic.at) + ": ") +
-                       paint(error ? Ink::red : Ink::yellow, error ? "error:" : "warning:") + ' ' +
-                       text::printable(diagnostic.reason) + paint(Ink::dim, " [" + diagnostic.code + ']') +
-                       '\n' + source_text(diagnostic, paint);
+    const bool error = diagnostic.severity() == Severity::error;
+    std::string text =
+        paint(Ink::bold, place_text(diagnostic.at) + ": ") +
+        paint(error ? Ink::red : Ink::yellow, std::string(severity_name(diagnostic.severity())) + ':') + ' ' +
+        text::printable(diagnostic.reason) +
+        paint(Ink::dim, std::string(" [") + diagnostic.code.name() + ']') + '\n' +
+        source_text(diagnostic, paint);
     for (auto block = diagnostic.within.rbegin(); block != diagnostic.within.rend(); ++block) {
         text += "      in " + text::printable(*block) + '\n';
     }
@@ -78,6 +82,59 @@ std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {
         text += "      = " + text::printable(effect) + '\n';
     }
     return text;
+}
+
+void add_source_line(Diagnostic& diagnostic, const std::string& path) {
+    const Place& at = diagnostic.at;
+    if (!at.offset_bytes || !at.column || *at.column > kLongestLine_bytes / 2) {
+        return;
+    }
+    // The file may have changed since the place was found: then there is no line, or a different one.
+    const os::InputFile file = os::open_input_file(path);
+    if (file == nullptr ||
+        std::fseek(file.get(), static_cast<long>(*at.offset_bytes - (*at.column - 1)), SEEK_SET) != 0) {
+        return;
+    }
+    std::string line(static_cast<std::size_t>(kLongestLine_bytes), '\0');
+    line.resize(std::fread(line.data(), 1, line.size(), file.get()));
+    line.erase(std::find_if(line.begin(), line.end(), is_line_end), line.end());
+    diagnostic.source_line = line;
+}
+
+void name_limit(Diagnostic& diagnostic, const limits::Limit* limit) {
+    if (limit != nullptr) {
+        diagnostic.limit = limit;
+        diagnostic.effects.push_back(limit_text(*limit));
+    }
+}
+
+std::string limit_text(const limits::Limit& limit) {
+    return std::string(limit.name) + ": " + grouped(limit.value) + ' ' + limit.unit +
+           " are allowed (see `vxr limits`)";
+}
+
+std::string grouped(std::int64_t number) {
+    constexpr std::size_t kGroup = 3;
+    std::string text = std::to_string(number);
+    const std::size_t first_digit = number < 0 ? 1 : 0;
+    for (std::size_t end = text.size(); end > first_digit + kGroup;) {
+        end -= kGroup;
+        text.insert(end, 1, ',');
+    }
+    return text;
+}
+
+const char* verdict_label(ExitCode code) {
+    switch (code) {
+        case ExitCode::fine:
+            return "ok";
+        case ExitCode::refused:
+            return "refused";
+        case ExitCode::usage:
+        case ExitCode::cannot_read_or_write:
+            break;
+    }
+    return "unreadable";
 }
 
 void complain(Terminal& terminal, std::string_view text) {

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "cli/exit_codes.h"
+#include "cli/terminal/terminal.h"
+#include "diagnostic/diagnostic.h"
+
+namespace limits {
+struct Limit;
+}
+
+namespace cli {
+
+using diagnostic::Diagnostic;
+using diagnostic::Place;
+using diagnostic::Severity;
+
+/// "shot.aec:12:8: error: expected a number after FPS, found "abc" [expected-number]", then, as far as they
+/// are known, the source line with a caret, the blocks around the place, and what will happen. Ends with a
+/// line break.
+[[nodiscard]] std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
+
+/// Reads the line of `at` again from the text file at `path`, for diagnostic_text(). Does nothing when the
+/// place is unknown or more than 2048 bytes into its line.
+void add_source_line(Diagnostic& diagnostic, const std::string& path);
+
+/// Names the limit that the file exceeds; null changes nothing.
+void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);
+
+/// "nesting of compositions: 1,024 levels are allowed (see `vxr limits`)"
+[[nodiscard]] std::string limit_text(const limits::Limit& limit);
+
+/// "1,048,576"
+[[nodiscard]] std::string grouped(std::int64_t number);
+
+/// What became of a file: "ok", "refused" or "unreadable".
+[[nodiscard]] const char* verdict_label(ExitCode code);
+
+/// A message of the program itself on the error stream: "vxr: error: ...".
+void complain(Terminal& terminal, std::string_view text);
+/// The same for what is worth knowing and no error: "vxr: note: ...".
+void remark(Terminal& terminal, std::string_view text);
+
+}  // namespace cli

@@ -1,0 +1,92 @@
+#include "cli/report/tool_code.h"
+
+#include <cstddef>
+
+namespace cli {
+namespace {
+
+using diagnostic::Severity;
+
+consteval ToolCodeTable tool_codes() {
+    using enum ToolCode;
+    return {{
+        {cannot_read,
+         {"cannot-read", Severity::error,
+          "The file does not exist, may not be read, or is no regular file."}},
+        {not_importable,
+         {"not-importable", Severity::error, "The first nine bytes of a composition file are VORTAN XR."}},
+        {internal_error,
+         {"unsound-result", Severity::error,
+          "What was read breaks a rule that holds for every file: a defect of this program, please report "
+          "it.",
+          "this is a defect of this program; please report it together with the file"}},
+        {footage_missing,
+         {"footage-missing", Severity::warning,
+          "The footage is in neither place; a placeholder stands for it."}},
+        {footage_unreadable,
+         {"footage-unreadable", Severity::warning,
+          "The footage exists and no image reader takes it; a host that does not either ends the import "
+          "there."}},
+        {footage_path_unread,
+         {"footage-path-unread", Severity::warning,
+          "No path could be read for footage at the top level; a placeholder without a name stands for it."}},
+        {sequence_gap,
+         {"sequence-gap", Severity::warning,
+          "Numbers are missing between the first and the last file of a sequence."}},
+        {sequence_single_frame, {"sequence-single-frame", Severity::warning, "The sequence has one file."}},
+        {sequence_without_number,
+         {"sequence-without-number", Severity::warning,
+          "The file name of a sequence holds no number to count by."}},
+        {value_changed,
+         {"value-changed", Severity::warning, "The number that is kept is not the one that is written."}},
+        {aspect_cut,
+         {"aspect-cut", Severity::warning,
+          "The host is given the pixel aspect in hundredths, the rest cut off."}},
+        {name_cut, {"name-cut", Severity::warning, "The host keeps 31 bytes of a name."}},
+        {light_kind_changed,
+         {"light-kind-changed", Severity::warning, "The host has parallel, spot and point lights only."}},
+        {shadow_kind_not_sent,
+         {"shadow-kind-not-sent", Severity::warning,
+          "The host is told that the light casts shadows, not of which kind."}},
+        {angle_not_sent,
+         {"angle-not-sent", Severity::warning, "The cone angle of a light does not reach the host."}},
+        {key_outside_range, {"key-outside-range", Severity::warning, "A key is before FROM or after TO."}},
+        {key_out_of_order,
+         {"key-out-of-order", Severity::warning, "A key is earlier than the one written before it."}},
+        {key_repeated, {"key-repeated", Severity::warning, "An object has several keys for one frame."}},
+        {field_of_view,
+         {"field-of-view", Severity::warning, "A camera's field of view is not between 0 and 180 degrees."}},
+        {range_reversed,
+         {"range-reversed", Severity::warning, "TO is before FROM, so layers have no length."}},
+        {layer_past_end,
+         {"layer-past-end", Severity::warning,
+          "Layers end after the composition does, which has RANGE frames."}},
+        {word_ignored,
+         {"word-ignored", Severity::warning, "A word in a composition that begins no entry is passed over."}},
+        {text_after_end,
+         {"text-after-end", Severity::warning, "The file ends before its last word; the rest is not read."}},
+    }};
+}
+
+constexpr ToolCodeTable kToolCodes = tool_codes();
+static_assert(diagnostic::in_order(kToolCodes, ToolCode::text_after_end));
+
+}  // namespace
+
+const ToolCodeTable& tool_code_table() {
+    return kToolCodes;
+}
+
+const diagnostic::CodeInfo& code_info(ToolCode code) {
+    return kToolCodes[static_cast<std::size_t>(code)].info;
+}
+
+std::optional<diagnostic::Diagnostic> internal_error(const std::string& file,
+                                                     const std::optional<std::string>& violation) {
+    if (!violation) {
+        return std::nullopt;
+    }
+    return diagnostic::make(ToolCode::internal_error, {file}, *violation);
+}
+
+}  // namespace cli

@@ -1,0 +1,124 @@
+#include "cli/verb/check_files.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <nlohmann/json.hpp>
+#include <ostream>
+
+#include "cli/options.h"
+#include "cli/report/diagnostic_json.h"
+#include "cli/terminal/terminal.h"
+#include "embedded/json_values.h"
+#include "text/printable.h"
+
+namespace cli {
+namespace {
+
+using embedded::Json;
+
+constexpr int kCheckSchema = 1;
+
+std::size_t warnings_of(const FileCheck& check) {
+    return static_cast<std::size_t>(
+        std::count_if(check.diagnostics.begin(), check.diagnostics.end(),
+                      [](const Diagnostic& one) { return one.severity() == Severity::warning; }));
+}
+
+std::string verdict_line(const std::string& file, const FileCheck& check, const Paint& paint) {
+    const std::size_t warnings = warnings_of(check);
+    const Ink ink = check.code != ExitCode::fine ? Ink::red : warnings > 0 ? Ink::yellow : Ink::green;
+    std::string line = text::printable(file) + ": " + paint(ink, verdict_label(check.code));
+    if (warnings > 0) {
+        line += ", " + std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings");
+    }
+    return line + '\n';
+}
+
+Json check_json(const std::string& file, const FileCheck& check) {
+    return Json{{"file", embedded::json_text(file)},
+                {"verdict", verdict_label(check.code)},
+                {"exit_code", static_cast<int>(check.code)},
+                {"diagnostics", diagnostics_json(check.diagnostics)}};
+}
+
+class CheckCommand : public Command {
+  public:
+    explicit CheckCommand(const FileKind& kind) : kind_(kind) {}
+
+    void add_options(Options& options) override {
+        Option files = options.argument("FILE", files_, kind_.plural);
+        options.flag("--strict", strict_, "refuse files with warnings, too").group("What counts");
+        if (kind_.list_codes != nullptr) {
+            options
+                .flag("--list-codes", list_codes_,
+                      "write every error and warning code with its meaning, and stop")
+                .group("What counts");
+        } else {
+            files.required();
+        }
+        options.flag("--json", json_, "write one JSON document instead of a line a file").group("Output");
+        options.flag("-q,--quiet", quiet_, "say nothing on the standard error stream").group("Output");
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        if (list_codes_) {
+            kind_.list_codes(terminal.out);
+            return ExitCode::fine;
+        }
+        if (files_.empty()) {
+            throw UsageError("FILE is required");
+        }
+        Progress progress(terminal, quiet_ ? 0 : files_.size());
+        Json documents = Json::array();
+        ExitCode code = ExitCode::fine;
+        for (const std::string& file : files_) {
+            progress.step(text::printable(file));
+            const FileCheck check = check_file(file);
+            progress.clear();
+            code = most_serious(code, check.code);
+            if (json_) {
+                documents.push_back(check_json(file, check));
+            } else {
+                report(file, check, terminal);
+            }
+        }
+        if (json_) {
+            terminal.out << files_document(kCheckSchema, code, documents);
+        }
+        return code;
+    }
+
+  private:
+    [[nodiscard]] FileCheck check_file(const std::string& file) const {
+        FileCheck check = kind_.check(file);
+        if (strict_ && check.code == ExitCode::fine && warnings_of(check) > 0) {
+            check.code = ExitCode::refused;
+        }
+        return check;
+    }
+
+    void report(const std::string& file, const FileCheck& check, Terminal& terminal) const {
+        if (!quiet_) {
+            for (const Diagnostic& diagnostic : check.diagnostics) {
+                terminal.err << kind_.text(diagnostic, terminal.err_paint);
+            }
+            terminal.err << std::flush;
+        }
+        terminal.out << verdict_line(file, check, terminal.out_paint) << std::flush;
+    }
+
+    const FileKind& kind_;
+    std::vector<std::string> files_;
+    bool strict_ = false;
+    bool list_codes_ = false;
+    bool json_ = false;
+    bool quiet_ = false;
+};
+
+}  // namespace
+
+std::unique_ptr<Command> make_check_command(const FileKind& kind) {
+    return std::make_unique<CheckCommand>(kind);
+}
+
+}  // namespace cli
