@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/project/bundle_path.h"
+#include "cli/project/host_setup.h"
 #include "support/program_run.h"
 
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "cli/project/project_words.h"
+#include "cli/project/project_labels.h"
 #include "cli/project_builder.h"
 
 namespace {
@@ -159,7 +159,7 @@ TEST(ProjectWords, Alpha) {
         footage.has_alpha = one.has_alpha;
         footage.kind = one.kind;
         footage.interpretation.alpha.flags = one.flags;
-        EXPECT_EQ(cli::alpha_word(footage), one.expected) << one.name;
+        EXPECT_EQ(cli::alpha_label(footage), one.expected) << one.name;
     }
 }
 

@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "cli/project/loaded_bundle.h"
-#include "cli/project/project_words.h"
+#include "cli/project/host_setup.h"
+#include "cli/project/project_labels.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/report/diagnostic_text.h"
 #include "embedded/project_json.h"
@@ -71,7 +71,7 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<Fram
     run.frame = picture_of(drawn);
 }
 
-const char* alpha_label_word(const std::optional<AEIO_AlphaLabel>& label) {
+const char* alpha_label_text(const std::optional<AEIO_AlphaLabel>& label) {
     if (!label.has_value()) {
         return "no alpha label";
     }
@@ -120,7 +120,7 @@ std::string in_spec_text(const embedded::InSpec& in_spec) {
     const std::string length =
         in_spec.duration.value == 0 ? "still" : plain_number(seconds_of(in_spec.duration)) + " s";
     return std::to_string(in_spec.width) + " x " + std::to_string(in_spec.height) + ", " +
-           std::to_string(in_spec.depth) + " bits, " + alpha_label_word(in_spec.alpha_label) + ", " + length +
+           std::to_string(in_spec.depth) + " bits, " + alpha_label_text(in_spec.alpha_label) + ", " + length +
            " at " + plain_number(in_spec.native_fps / kFixedOne) + " frames a second";
 }
 

@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/project/bundle_path.h"
+#include "cli/project/host_setup.h"
 #include "embedded/host.h"
 #include "embedded/json_values.h"
 #include "texture/value/texture.h"

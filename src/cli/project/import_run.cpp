@@ -4,8 +4,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
+#include "cli/project/host_setup.h"
 #include "cli/project/import_outcome.h"
-#include "cli/project/loaded_bundle.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/report/tool_code.h"
 #include "cli/scene/scene_check.h"

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/project/bundle_path.h"
+#include "cli/project/host_setup.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
 #include "embedded/host.h"

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-#include "cli/project/project_words.h"
+#include "cli/project/project_labels.h"
 #include "cli/terminal/text_table.h"
 #include "host/host_interface.h"
 #include "text/printable.h"
@@ -51,7 +51,7 @@ std::string composition_line(const Composition& composition) {
 
 // The file's own words, then how the host reads them.
 std::string footage_line(const Footage& footage) {
-    std::string text = footage_word(footage.kind);
+    std::string text = footage_label(footage.kind);
     const bool placeholder = footage.kind == FootageKind::placeholder;
     if (placeholder) {
         text += ", a placeholder stands here";
@@ -63,12 +63,12 @@ std::string footage_line(const Footage& footage) {
         text += ", " + plain_number(seconds_of(footage.duration)) + " s long";
     } else {
         text +=
-            " " + channels_word(footage.channels) + " " + std::to_string(footage.bits_per_channel) + " bit";
+            " " + channels_label(footage.channels) + " " + std::to_string(footage.bits_per_channel) + " bit";
     }
     if (footage.interpretation_set) {
         const AEGP_FootageInterp& reading = footage.interpretation;
-        const std::string alpha = alpha_word(footage);
-        text += (alpha == "none" ? ", no alpha" : ", alpha " + alpha) + ", " + fields_word(reading) +
+        const std::string alpha = alpha_label(footage);
+        text += (alpha == "none" ? ", no alpha" : ", alpha " + alpha) + ", " + fields_label(reading) +
                 ", pixel aspect " + plain_number(rate_of(reading.pixel_aspect));
         if (footage.sequence || reading.conform_fps > 0) {
             text += ", " + plain_number(reading.conform_fps) + " fps";
@@ -135,10 +135,10 @@ std::vector<Cell> layer_row(const Project& project, const Layer& layer, std::siz
     const std::string keys = keys_text(layer, rate);
     return {{std::to_string(number), Ink::dim, true},
             {shown_name(layer.name), missing ? Ink::red : Ink::plain},
-            {layer_word(project, layer), missing ? Ink::red : Ink::plain},
-            {has_blend ? blend_word(layer.transfer) : ""},
-            {has_footage ? alpha_word(*footage) : ""},
-            {has_footage ? fields_word(footage->interpretation) : ""},
+            {layer_label(project, layer), missing ? Ink::red : Ink::plain},
+            {has_blend ? blend_label(layer.transfer) : ""},
+            {has_footage ? alpha_label(*footage) : ""},
+            {has_footage ? fields_label(footage->interpretation) : ""},
             {frames_text(seconds_of(layer.in_point) + seconds_of(layer.offset), rate), Ink::plain, true},
             {frames_text(seconds_of(layer.duration), rate), Ink::plain, true},
             {scale + (scale.empty() || keys.empty() ? "" : ", ") + keys}};

@@ -8,7 +8,7 @@
 #include "cli/doctor/trial.h"
 #include "cli/doctor/trial_json.h"
 #include "cli/options.h"
-#include "cli/project/bundle_path.h"
+#include "cli/project/host_setup.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
 #include "system/files.h"

@@ -7,9 +7,8 @@
 #include <string_view>
 
 #include "cli/options.h"
-#include "cli/project/bundle_path.h"
+#include "cli/project/host_setup.h"
 #include "cli/project/frame_run.h"
-#include "cli/project/host_option.h"
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"

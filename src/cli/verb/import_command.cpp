@@ -7,8 +7,7 @@
 #include <vector>
 
 #include "cli/options.h"
-#include "cli/project/bundle_path.h"
-#include "cli/project/host_option.h"
+#include "cli/project/host_setup.h"
 #include "cli/project/import_run.h"
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic_text.h"

@@ -5,9 +5,7 @@
 #include <vector>
 
 #include "cli/options.h"
-#include "cli/project/bundle_path.h"
-#include "cli/project/host_option.h"
-#include "cli/project/loaded_bundle.h"
+#include "cli/project/host_setup.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"

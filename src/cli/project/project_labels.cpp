@@ -1,4 +1,4 @@
-#include "cli/project/project_words.h"
+#include "cli/project/project_labels.h"
 
 #include <array>
 #include <charconv>
@@ -13,7 +13,7 @@ std::string range_text(const embedded::FrameRange& range) {
                                      : std::to_string(range.first) + "-" + std::to_string(range.last);
 }
 
-std::string light_word(const embedded::Layer& layer) {
+std::string light_label(const embedded::Layer& layer) {
     if (!layer.light_type) {
         return "light";
     }
@@ -71,7 +71,7 @@ std::string frame_count_text(double seconds, const A_Ratio& rate) {
     return count + (count == "1" ? " frame" : " frames");
 }
 
-std::string blend_word(const AEGP_LayerTransferMode& mode) {
+std::string blend_label(const AEGP_LayerTransferMode& mode) {
     switch (mode.mode) {
         case kTransferModeNormal:
             return "normal";
@@ -84,7 +84,7 @@ std::string blend_word(const AEGP_LayerTransferMode& mode) {
     }
 }
 
-std::string alpha_word(const embedded::Footage& footage) {
+std::string alpha_label(const embedded::Footage& footage) {
     const AEGP_AlphaFlags flags = footage.interpretation.alpha.flags;
     if ((flags & kAlphaFlagIgnore) != 0) {
         return "ignored";
@@ -95,14 +95,14 @@ std::string alpha_word(const embedded::Footage& footage) {
     return (flags & kAlphaFlagPremultiplied) != 0 ? "premultiplied" : "straight";
 }
 
-std::string fields_word(const AEGP_FootageInterp& interpretation) {
+std::string fields_label(const AEGP_FootageInterp& interpretation) {
     if (interpretation.interlace.type == kFieldTypeWholeFrames) {
         return "progressive";
     }
     return interpretation.interlace.order == kFieldOrderUpperFirst ? "upper first" : "lower first";
 }
 
-std::string footage_word(embedded::FootageKind kind) {
+std::string footage_label(embedded::FootageKind kind) {
     switch (kind) {
         case embedded::FootageKind::file:
             return "still";
@@ -116,23 +116,23 @@ std::string footage_word(embedded::FootageKind kind) {
     return "MISSING";
 }
 
-std::string layer_word(const embedded::Project& project, const embedded::Layer& layer) {
+std::string layer_label(const embedded::Project& project, const embedded::Layer& layer) {
     switch (layer.kind) {
         case embedded::LayerKind::footage:
-            return footage_word(project.footage_of(project.item(layer.source_item).content).kind);
+            return footage_label(project.footage_of(project.item(layer.source_item).content).kind);
         case embedded::LayerKind::composition:
             return "composition";
         case embedded::LayerKind::camera:
             return "camera";
         case embedded::LayerKind::light:
-            return light_word(layer);
+            return light_label(layer);
         case embedded::LayerKind::null:
             break;
     }
     return "null";
 }
 
-std::string channels_word(int channels) {
+std::string channels_label(int channels) {
     static constexpr std::array<const char*, 4> kWords{"grey", "grey+alpha", "RGB", "RGBA"};
     return channels >= 1 && channels <= 4 ? kWords[static_cast<std::size_t>(channels - 1)]
                                           : std::to_string(channels) + " channels";

@@ -19,16 +19,16 @@ double seconds_of(const A_Time& time);
 double rate_of(const A_Ratio& rate);
 
 /// "normal", "add", "multiply"; "mode 7" for any other.
-std::string blend_word(const AEGP_LayerTransferMode& mode);
+std::string blend_label(const AEGP_LayerTransferMode& mode);
 /// "straight", "premultiplied", "ignored", or "none" for footage without an alpha channel.
-std::string alpha_word(const embedded::Footage& footage);
+std::string alpha_label(const embedded::Footage& footage);
 /// "progressive", "upper first", "lower first"
-std::string fields_word(const AEGP_FootageInterp& interpretation);
+std::string fields_label(const AEGP_FootageInterp& interpretation);
 /// "camera", "point light", ...; of footage "still", "sequence", "texture", "MISSING".
-std::string layer_word(const embedded::Project& project, const embedded::Layer& layer);
-std::string footage_word(embedded::FootageKind kind);
+std::string layer_label(const embedded::Project& project, const embedded::Layer& layer);
+std::string footage_label(embedded::FootageKind kind);
 /// "grey", "RGB", "RGBA", "5 channels"
-std::string channels_word(int channels);
+std::string channels_label(int channels);
 
 /// Frame numbers with what is missing between them: "17-24", "1-9 without 4, 6-7".
 std::string frame_range_text(const embedded::SequenceFrames& frames);
