@@ -12,7 +12,7 @@ namespace cli {
 class Options;
 struct Terminal;
 
-/// One verb of the program while it runs: takes its options, then works once.
+/// One verb of the program while it runs: receives its options, then works once.
 class Command {
   public:
     Command() = default;
@@ -20,11 +20,11 @@ class Command {
     Command(const Command&) = delete;
     Command& operator=(const Command&) = delete;
 
-    /// Declares options and positionals, bound to members. Descriptions begin in lower case and have no full
-    /// stop; defaults go into the option (`show_default`), tasks into its group. Touches no files.
+    /// Declares options and arguments, bound to members. Descriptions begin in lower case and have no full
+    /// stop; defaults are shown by the option (`show_default`), tasks are its group. Touches no files.
     virtual void add_options(Options& options) = 0;
 
-    /// Does the work. Throws UsageError for options that do not go together; other exceptions become an
+    /// Does the work. Throws UsageError for options that exclude each other; any other exception becomes an
     /// error message and exit code 3.
     virtual ExitCode run(Terminal& terminal) = 0;
 };
@@ -37,7 +37,7 @@ class UsageError : public std::runtime_error {
 
 struct Example {
     std::string command;  ///< as typed: "vxr check shot.aec"
-    std::string effect;   ///< what one gets, one sentence
+    std::string effect;   ///< what it does, one sentence
 };
 
 /// A verb as the program, its help, its manual and its completion know it.

@@ -4,7 +4,7 @@
 
 namespace cli {
 
-/// What the program tells the shell.
+/// How the program ends.
 enum class ExitCode {
     fine = 0,
     refused = 1,
@@ -17,17 +17,16 @@ struct ExitCodeRow {
     const char* meaning;
 };
 
-/// Every exit code, for help, manual and documents.
+/// Every exit code, for the help and the manual.
 inline constexpr std::array<ExitCodeRow, 4> kExitCodes{{
-    {ExitCode::fine, "everything that was asked for was done"},
-    {ExitCode::refused, "a file is refused, or the import did not finish"},
+    {ExitCode::fine, "everything asked for was done"},
+    {ExitCode::refused, "a file was refused, or the import did not finish"},
     {ExitCode::usage, "wrong usage; nothing was read or written"},
-    {ExitCode::cannot_read_or_write, "a file cannot be read or written"},
+    {ExitCode::cannot_read_or_write, "a file could not be read or written"},
 }};
 
-/// With several files the most serious outcome counts. A file that could not be looked at at all is more
-/// serious than one that was looked at and refused; wrong usage comes before any file, so nothing outranks
-/// it.
+/// With several files the most serious outcome counts. A file that could not be read is more serious than
+/// one that was read and refused. Wrong usage outranks everything: it is found before any file is read.
 constexpr ExitCode most_serious(ExitCode a, ExitCode b) {
     constexpr auto rank = [](ExitCode code) {
         switch (code) {

@@ -73,12 +73,12 @@ class CommandLine {
     }
 
   private:
-    // The program's examples are the first one of each verb.
+    // The program's examples are the first of each verb.
     static Page program_page(const std::vector<OptionFacts>& options) {
         Page page =
             overview_page(kProgram, kSummary,
-                          {"Results go to the standard output, what is said about them to the standard "
-                           "error stream. `vxr VERB --help` says more about a verb."},
+                          {"Results go to standard output, messages about them to standard error. `vxr "
+                           "VERB --help` explains a verb."},
                           verb_entries({}), options);
         if (std::string note = image::build_note(); !note.empty()) {
             page.paragraphs.push_back(std::move(note));
@@ -153,11 +153,11 @@ ExitCode run_program(const std::vector<std::string>& arguments, Terminal& termin
     } catch (const std::exception& error) {
         complain(terminal, error.what());
     } catch (...) {
-        complain(terminal, "an exception of no known kind");
+        complain(terminal, "an exception of unknown type");
     }
     terminal.out.flush();
     if (!terminal.out) {
-        complain(terminal, "the result could not be written to the standard output");
+        complain(terminal, "the result could not be written to standard output");
         code = most_serious(code, ExitCode::cannot_read_or_write);
     }
     return code;

@@ -12,8 +12,8 @@ namespace cli {
 /// "vxr 1.0.0", as --version prints it.
 std::string program_version();
 
-/// Runs the program with `arguments` (without its own name). Lets no exception out: one becomes an error
-/// message and exit code 3. A result that could not be written is that, too.
+/// Runs the program with `arguments` (without its own name). Does not throw: an exception becomes an error
+/// message and exit code 3, and so does a result that could not be written.
 ExitCode run_program(const std::vector<std::string>& arguments, Terminal& terminal);
 
 /// The page of the program, then those of the groups and verbs, in the order of the help.

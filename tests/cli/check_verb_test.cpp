@@ -124,7 +124,7 @@ TEST(CheckVerb, SourceLineAndCaret) {
               "shot.aec:2:5: error: expected a number after FPS, found \"abc\" [expected-number]\n"
               "    2 | FPS abc\n"
               "      |     ^\n"
-              "      = the import ends here without a word, and nothing is added to the project\n");
+              "      = After Effects imports nothing and shows no message\n");
 }
 
 TEST(CheckVerb, PipesAreNotWaitedFor) {
@@ -193,7 +193,7 @@ TEST(CheckVerb, ResultThatCannotBeWritten) {
     const ProcessResult run = run_process(
         {"sh", "-c", std::string(VXR_PROGRAM) + " check " + folder.path("sound.aec") + " >/dev/full"});
     EXPECT_EQ(run.exit_code, 3);
-    EXPECT_EQ(run.err, "vxr: error: the result could not be written to the standard output\n");
+    EXPECT_EQ(run.err, "vxr: error: the result could not be written to standard output\n");
 }
 
 }  // namespace

@@ -105,13 +105,13 @@ TEST(DiagnosticJson, UnknownIsNullAndOtherEncodingsAreBytes) {
               R"("reason":"r","within":[],"effects":[],"count":1,"source_line":null,"limit":null})");
 }
 
-TEST(InternalError, IsAboutTheFileAndADefectOfThisProgram) {
+TEST(InternalError, IsAboutTheFileAndABugInThisProgram) {
     EXPECT_FALSE(cli::internal_error("a.aec", std::nullopt).has_value());
     const auto error = cli::internal_error("a.aec", "root: there is no name");
     ASSERT_TRUE(error.has_value());
     EXPECT_EQ(text_of(*error),
               "a.aec: error: root: there is no name [unsound-result]\n"
-              "      = this is a defect of this program; please report it together with the file\n");
+              "      = this is a bug in this program; please report it together with the file\n");
 }
 
 TEST(ToolCodes, ErrorsComeBeforeWarnings) {

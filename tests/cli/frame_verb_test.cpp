@@ -157,7 +157,7 @@ TEST(FrameVerb, ARefusedTextureLeavesNoImage) {
     folder.write("frame.png", "what was there");
     const ProcessResult run = vxr(folder, {"frame", "cut.txl", "-o", "frame.png"});
     EXPECT_EQ(run.exit_code, 1);
-    EXPECT_NE(run.err.find("the module did not open the file, it ended with host error 3"),
+    EXPECT_NE(run.err.find("the module did not open the file and ended with host error 3"),
               std::string::npos);
     EXPECT_NE(run.out.find("There was an error loading the file in line %d."), std::string::npos);
     const ProcessResult document = vxr(folder, {"frame", "cut.txl", "-o", "frame.png", "--json"});

@@ -46,12 +46,12 @@ TEST(ImportVerb, TreeOfAScene) {
             "frame 3\n"
             "    | 3  Inner         composition  multiply                               0       9\n"
             "    | 4  gone0001.tif  MISSING      add       premultiplied  progressive   1       8\n"
-            "  gone0001.tif  MISSING, a placeholder stands here, 64x36, 0.32 s long, alpha premultiplied, "
+            "  gone0001.tif  MISSING, replaced by a placeholder, 64x36, 0.32 s long, alpha premultiplied, "
             "progressive, pixel aspect 1, 25 fps\n"
             "  Inner/\n"
             "    Inner  composition, 64x36, pixel aspect 1, 9 frames at 25 fps, empty\n");
     EXPECT_EQ(run.err, "vxr: note: 1 footage file is missing; `vxr check " + scene +
-                           "` says where it was looked for\n");
+                           "` shows where it was searched for\n");
 }
 
 TEST(ImportVerb, ExamplesImportWithoutAWordAboutThePlugIn) {
@@ -173,30 +173,30 @@ const Fault kFaults[] = {
     {"composition that fails",
      {"--fail", "AEGP_CreateComp:2:4"},
      1,
-     "vxr: error: the import ended with host error 4; what was made before stays\n",
+     "vxr: error: the import ended with host error 4; what it made before stays\n",
      "Messages to the user:\n  Unable to create composition.\n  Unable to create composition.\n"},
     {"suite that is not there",
      {"--without-suite", "AEGP Comp Suite:9"},
      1,
-     "vxr: error: the import ended because the host does not offer a suite; what was made before stays\n",
+     "vxr: error: the import ended because the host does not offer a suite; what it made before stays\n",
      "Messages to the user:\n"
      "  This plug-in needs the suite \"AEGP Comp Suite\" 9, which the host does not offer.\n"},
     {"suite that is not there in a classic host",
      {"--without-suite", "AEGP Comp Suite:9", "--host", "classic"},
      1,
-     "vxr: error: the import ended because the host does not offer a suite; what was made before stays\n",
+     "vxr: error: the import ended because the host does not offer a suite; what it made before stays\n",
      "[missing_suite_exception]\n"},
     {"suite that today's hosts have in another version only",
      {"--without-suite", "AEGP Footage Suite:7"},
      0,
      "vxr: note: the host never offers \"AEGP Footage Suite\" version 7\n",
      "1 null\n"},
-    {"object that fails without a word",
+    {"object that fails without a message",
      {"--fail", "AEGP_CreateLightInComp:1:4"},
      1,
      "vxr: error: the import did not finish: light \"Moon\" is missing\n",
      "1 null\n"},
-    {"last object that fails without a word",
+    {"last object that fails without a message",
      {"--fail", "AEGP_CreateCameraInComp:1:4"},
      1,
      "vxr: error: the import did not finish: camera \"Camera\" is missing\n",
@@ -219,7 +219,7 @@ const Fault kFaults[] = {
     {"older host",
      {"--host-version", "9.31"},
      0,
-     "vxr: note: a host before 9.32 gets no cameras, lights and nulls; the file has 4\n",
+     "vxr: note: hosts before 9.32 get no cameras, lights and nulls; the file has 4\n",
      "0 cameras, 0 lights, 0 nulls\n"},
     {"first host that gets them", {"--host-version", "9.32"}, 0, "", "1 camera, 2 lights, 1 null\n"},
     {"preference", {"--alpha-preference", "2"}, 0, "", "1 camera"},
@@ -293,7 +293,7 @@ TEST(ImportVerb, OutputsReplaceNeitherTheSceneNorEachOther) {
     const std::string text = kSettings + "COMPOSITION NRM \"Main\" { }\n";
     const std::string scene = folder.write("shot.aec", text);
     std::filesystem::create_symlink(scene, folder.path("link.aec"));
-    const std::string taken = "shot.aec would be replaced by what is written about it\n";
+    const std::string taken = "shot.aec would be overwritten by the output\n";
     const struct {
         const char* name;
         std::vector<std::string> options;

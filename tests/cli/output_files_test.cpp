@@ -190,7 +190,7 @@ TEST(FullDisk, AResultOnTheStandardOutputIsAnError) {
         command.insert(command.end(), verb.begin(), verb.end());
         const ProcessResult run = run_process(command);
         EXPECT_EQ(run.exit_code, 3) << verb.front();
-        EXPECT_THAT(run.err, HasSubstr("could not be written to the standard output")) << verb.front();
+        EXPECT_THAT(run.err, HasSubstr("could not be written to standard output")) << verb.front();
     }
 }
 

@@ -35,11 +35,11 @@ const Case kWrongUsage[] = {
      "vxr: error: The following argument was not expected: b.aec\nSee `vxr import --help`.\n"},
     {"version that is none",
      {"import", "--host-version", "9", "a.aec"},
-     "vxr: error: --host: \"9\" is not classic, today, MAJOR.MINOR or both with a colon between\nSee `vxr "
+     "vxr: error: --host: \"9\" is not classic, today, MAJOR.MINOR, or both joined by a colon\nSee `vxr "
      "import --help`.\n"},
     {"preference out of range",
      {"import", "--alpha-preference", "256", "a.aec"},
-     "vxr: error: --alpha-preference: \"256\" is not none and not from 0 to 255\nSee `vxr import --help`.\n"},
+     "vxr: error: --alpha-preference: \"256\" is neither none nor a number from 0 to 255\nSee `vxr import --help`.\n"},
     {"suite without a version",
      {"import", "--without-suite", "AEGP Comp Suite", "a.aec"},
      "vxr: error: --without-suite: \"AEGP Comp Suite\" is not NAME:VERSION\nSee `vxr import --help`.\n"},

@@ -64,7 +64,7 @@ TEST(ProjectTree, MissingFootageIsMarkedInTheFolderAndInTheLayers) {
     EXPECT_NE(tree.find("| 1  gone.tif  MISSING  normal  straight  progressive   0      10\n"),
               std::string::npos)
         << tree;
-    EXPECT_NE(tree.find("gone.tif  MISSING, a placeholder stands here, 100x50, 0.32 s long"),
+    EXPECT_NE(tree.find("gone.tif  MISSING, replaced by a placeholder, 100x50, 0.32 s long"),
               std::string::npos)
         << tree;
 }
@@ -130,7 +130,7 @@ TEST(HostReport, MessagesProblemsAndNotes) {
     EXPECT_EQ(cli::host_report(project, report, kPlain),
               "Messages to the user:\n"
               "  Could not interpret footage.\n"
-              "What the plug-in did wrong as the host sees it:\n"
+              "Rules of the host that the plug-in broke:\n"
               "  import: a stream is open [stream_not_disposed]\n"
               "Notes of the host:\n"
               "  call 12 AEGP_CreateComp: the name was cut [name_cut]\n");

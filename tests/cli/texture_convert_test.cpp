@@ -125,7 +125,7 @@ TEST(TextureConvert, AlphaChoosesWhatGoesAlong) {
 
     const ProcessResult fourth = convert(folder, {"a.txl", "--alpha", "4", "-o", "x.png"});
     EXPECT_EQ(fourth.exit_code, 1);
-    EXPECT_EQ(fourth.err, "a.txl: error: alpha 4 is wanted, there are 3 [no-such-alpha]\n");
+    EXPECT_EQ(fourth.err, "a.txl: error: there is no alpha channel 4: the texture has 3 [no-such-alpha]\n");
     for (const char* wrong : {"0", "-1", "some", "1x", ""}) {
         EXPECT_EQ(convert(folder, {"a.txl", "--alpha", wrong, "-o", "x.png"}).exit_code, 2) << wrong;
     }
@@ -246,7 +246,7 @@ TEST(TextureConvert, NeitherSideATextureIsRefused) {
     ASSERT_EQ(run_process({"oiiotool", "--create", "8x8", "3", "-o", folder.path("a.tif")}).exit_code, 0);
     const ProcessResult run = convert(folder, {"a.tif", "--to", "png"});
     EXPECT_EQ(run.exit_code, 1);
-    EXPECT_EQ(run.err, "a.tif: error: neither it nor a.png is a texture [no-texture]\n");
+    EXPECT_EQ(run.err, "a.tif: error: neither this file nor a.png is a texture [no-texture]\n");
 }
 
 TEST(TextureConvert, ATextureIsKnownByItsFirstBytes) {
@@ -274,9 +274,9 @@ TEST(TextureConvert, WrongUsageReadsAndWritesNothing) {
          "--out-dir needs --to EXT"},
         {"unknown format", {"a.txl", "--to", "doc"}, "no image format has the extension of a.doc"},
         {"no extension", {"a.txl", "-o", "a"}, "no image format has the extension of a"},
-        {"onto itself", {"a.txl", "-o", "./a.txl"}, "would be replaced by what is made of it"},
+        {"onto itself", {"a.txl", "-o", "./a.txl"}, "would be overwritten by its own conversion"},
         {"two of one name", {"a.txl", "sub/a.txl", "--to", "png", "--out-dir", "."}, "would both become"},
-        {"jobs", {"a.txl", "--to", "png", "--jobs", "-1"}, "is not from 0 to 256"},
+        {"jobs", {"a.txl", "--to", "png", "--jobs", "-1"}, "is not a number from 0 to 256"},
     };
     const TemporaryFolder folder;
     fs::create_directory(folder.folder() / "sub");

@@ -19,7 +19,7 @@ void refuse(FrameRun& run, std::string problem, ExitCode code = ExitCode::refuse
     run.problems.push_back(std::move(problem));
 }
 
-/// The host's 8-bit pixels as a picture: nothing is multiplied or divided.
+/// The host's 8-bit pixels as a picture; colour is neither multiplied nor divided by alpha.
 Texture picture_of(const embedded::DrawResult& drawn) {
     Texture picture;
     picture.width_px = drawn.width_px;
@@ -52,7 +52,7 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<Fram
     const embedded::OpenResult opened = host.open_with_module(path);
     run.open = opened.callback;
     if (opened.in_spec == 0 || run.open.code != kHostErrorNone) {
-        refuse(run, "the module did not open the file, it ended " + end_text(run.open));
+        refuse(run, "the module did not open the file and ended " + end_text(run.open));
         return;
     }
     run.in_spec = host.project().in_spec(opened.in_spec);
@@ -63,10 +63,10 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<Fram
     const embedded::DrawResult drawn = host.draw(opened.in_spec, shape);
     run.draw = drawn.callback;
     if (!drawn.error.empty()) {
-        return refuse(run, "no frame was asked for: " + drawn.error);
+        return refuse(run, "no frame was requested: " + drawn.error);
     }
     if (run.draw.code != kHostErrorNone) {
-        return refuse(run, "the frame was not drawn, the module ended " + end_text(run.draw));
+        return refuse(run, "the frame was not drawn; the module ended " + end_text(run.draw));
     }
     run.frame = picture_of(drawn);
 }
@@ -107,7 +107,7 @@ FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::s
     } else {
         open_and_draw(run, host, size, fill);
     }
-    // From here on nothing changes any more, and what the bundle leaves behind is in the report.
+    // Nothing changes from here on, and what the bundle leaves behind is in the report.
     host.unload();
     if (run.code == ExitCode::fine && !host.conformance().clean()) {
         refuse(run, "the plug-in broke a rule of the host");

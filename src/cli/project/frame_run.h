@@ -17,11 +17,11 @@ struct FrameSize {
     A_long height_px = 0;
 };
 
-/// What came of opening one file with its input module and having a frame drawn.
+/// The outcome of opening one file with its input module and drawing a frame.
 struct FrameRun {
     std::string file;  ///< as the user named it
     ExitCode code = ExitCode::fine;
-    std::string module;  ///< that reads the file
+    std::string module;  ///< the input module that reads the file
     embedded::CallbackResult open;
     embedded::CallbackResult draw;
     std::optional<embedded::InSpec> in_spec;  ///< what the module said about the file
@@ -29,8 +29,8 @@ struct FrameRun {
     std::vector<std::string> problems;        ///< what did not happen, one sentence each
 };
 
-/// Loads the bundle, opens the file with the module for its extension, draws, unloads. The frame has the size
-/// that the module told unless another one is asked for, and `fill` in every byte that is not drawn.
+/// Loads the bundle, opens the file with the module for its extension, draws, unloads. Without `size` the
+/// frame has the size that the module reported. Every byte that is not drawn is `fill`.
 FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::string& file,
                    const std::optional<FrameSize>& size, std::uint8_t fill);
 

@@ -34,20 +34,20 @@ FoundBundle find_bundle(const std::string& chosen) {
         }
         looked += (looked.empty() ? "" : ", ") + os::text_of(place);
     }
-    return {{}, "no plug-in is in " + looked + "; name it with --bundle or VXR_BUNDLE"};
+    return {{}, "there is no plug-in in " + looked + "; name one with --bundle or VXR_BUNDLE"};
 }
 
 void add_host_option(Options& options, std::string& kind) {
     options
         .option("--host,--host-version", kind,
-                "what kind of host to be; an interface version such as 9.31 has its own kind, before 13.0 "
-                "classic, and may also be added to one, as in today:25.3")
+                "the kind of host; an interface version such as 9.31 implies its kind, classic before 13.0, "
+                "and may also follow a kind, as in today:25.3")
         .value_name("classic|today|MAJOR.MINOR")
         .show_default()
         .check([](const std::string& text) {
             return embedded::parse_host(text)
                        ? std::string()
-                       : '"' + text + "\" is not classic, today, MAJOR.MINOR or both with a colon between";
+                       : '"' + text + "\" is not classic, today, MAJOR.MINOR, or both joined by a colon";
         })
         .group("The plug-in and its host");
 }

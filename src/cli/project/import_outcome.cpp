@@ -27,7 +27,7 @@ LayerKind layer_kind(BlockKind kind) {
     return LayerKind::null;
 }
 
-// A host keeps one key for one time.
+// A host keeps one key per time.
 std::size_t expected_keys(const SceneBlock& object, std::int64_t from) {
     std::set<A_long> times;
     for (const SceneKey& key : object.keys) {

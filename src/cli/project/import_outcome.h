@@ -8,9 +8,9 @@
 
 namespace cli {
 
-/// What the file holds and the project does not, one sentence each; empty when everything arrived. A result
-/// of 0 does not tell: objects that a host refuses end the import with it, too. `objects_wanted` is false for
-/// hosts that get no cameras, lights and nulls.
+/// What the file holds and the project lacks, one sentence each; empty when everything arrived. The import's
+/// result does not show it: it is 0 even when the host refuses an object and the import ends there.
+/// `objects_wanted` is false for hosts that get no cameras, lights and nulls.
 std::vector<std::string> missing_in_project(const SceneReading& reading, const embedded::Project& project,
                                             bool objects_wanted);
 

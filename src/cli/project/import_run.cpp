@@ -19,7 +19,7 @@ void refuse(ImportRun& run, std::string problem) {
     run.problems.push_back(std::move(problem));
 }
 
-// A host error does not say what it was about; footage that nobody can read is the likeliest.
+// A host error does not say what it is about; footage that no reader accepts is the likeliest cause.
 void explain_failure(ImportRun& run, const SceneReading& reading) {
     std::vector<Diagnostic> warnings = scene_warnings(reading);
     std::erase_if(warnings,
@@ -27,7 +27,7 @@ void explain_failure(ImportRun& run, const SceneReading& reading) {
     run.diagnostics = std::move(warnings);
 }
 
-// The importer returned; what it says is checked against the file and the project.
+// The importer returned; checks its answer against the file and the project.
 void judge(ImportRun& run, const SceneReading& reading, const embedded::Project& project,
            const embedded::InterfaceVersion& version) {
     if (reading.error) {
@@ -36,7 +36,7 @@ void judge(ImportRun& run, const SceneReading& reading, const embedded::Project&
         return;
     }
     if (run.import.code != kHostErrorNone) {
-        refuse(run, "the import ended " + end_text(run.import) + "; what was made before stays");
+        refuse(run, "the import ended " + end_text(run.import) + "; what it made before stays");
         explain_failure(run, reading);
         return;
     }
@@ -45,7 +45,7 @@ void judge(ImportRun& run, const SceneReading& reading, const embedded::Project&
         refuse(run, "the import did not finish: " + problem);
     }
     if (!objects_wanted && !reading.facts.objects.empty()) {
-        run.notes.push_back("a host before 9.32 gets no cameras, lights and nulls; the file has " +
+        run.notes.push_back("hosts before 9.32 get no cameras, lights and nulls; the file has " +
                             std::to_string(reading.facts.objects.size()));
     }
 }
@@ -57,11 +57,11 @@ void note_missing_footage(ImportRun& run, const embedded::Project& project) {
     if (missing > 0) {
         run.notes.push_back(std::to_string(missing) +
                             (missing == 1 ? " footage file is" : " footage files are") +
-                            " missing; `vxr check " + run.file + "` says where it was looked for");
+                            " missing; `vxr check " + run.file + "` shows where it was searched for");
     }
 }
 
-// What was asked to go wrong and could not.
+// Failures that were asked for and could not happen.
 void note_unused_options(ImportRun& run, const embedded::Host& host, const embedded::HostOptions& options) {
     const auto counts = host.call_counts();
     for (const embedded::Fault& fault : options.faults) {
@@ -114,12 +114,12 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         run.import = host.import_file(reading.full_path);
     }
     if (const auto complaint = host.complaint()) {
-        refuse(run, "the host's project does not fit together, a defect of this program: " + *complaint);
+        refuse(run, "the host's project is inconsistent, a bug in this program: " + *complaint);
     }
-    // From here on nothing changes any more, and what the bundle leaves behind is in the report.
+    // Nothing changes from here on, and what the bundle leaves behind is in the report.
     host.unload();
     if (!run.imported && !reading.error) {
-        refuse(run, "the plug-in was asked and does not take the file");
+        refuse(run, "the plug-in does not accept the file");
     } else {
         judge(run, reading, host.project(), options.interface_version());
         add_notes(run, host, options);

@@ -12,7 +12,7 @@
 
 namespace cli {
 
-/// What came of importing one file.
+/// The outcome of importing one file.
 struct ImportRun {
     std::string file;  ///< as the user named it
     ExitCode code = ExitCode::fine;
@@ -22,11 +22,11 @@ struct ImportRun {
     bool imported = false;                ///< the importer was called
     std::vector<Diagnostic> diagnostics;  ///< about the file: why it was refused, or what may have failed
     std::vector<std::string> problems;    ///< about the import: what did not happen, one sentence each
-    std::vector<std::string> notes;       ///< what is worth knowing and no problem, likewise
+    std::vector<std::string> notes;       ///< worth knowing, but no problem; one sentence each
 };
 
 /// Does what a host does: loads the bundle, asks whether the file is importable, imports it, unloads. Then
-/// finds out what became of it. The project, messages and report are the host's, which was made with
+/// compares the result with the file. The project, messages and report stay in `host`, which was made with
 /// `options`.
 ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& options, const FoundBundle& bundle,
                        const std::string& file);

@@ -59,7 +59,7 @@ double rate_of(const A_Ratio& rate) {
 
 std::string frames_text(double seconds, const A_Ratio& rate) {
     const double frames = seconds * rate_of(rate);
-    // What is a whole frame but for the rounding of the divisions is one.
+    // The divisions round, so a value this close to a whole frame is one.
     constexpr double kRounding = 1e-6;
     const double whole = std::round(frames);
     return std::abs(frames - whole) < kRounding * std::max(1.0, std::abs(frames)) ? plain_number(whole)

@@ -1,6 +1,6 @@
 #pragma once
 
-// The words in which a compositor reads what the host keeps as numbers.
+// What compositors call the values that the host keeps as numbers.
 
 #include <string>
 
@@ -11,7 +11,7 @@ namespace cli {
 /// A number without needless digits: "25", "29.97", "-0.5".
 std::string plain_number(double value);
 
-/// A time in frames at `rate`: "17", or "17.5" between two.
+/// A time in frames at `rate`: "17", or "17.5" between two frames.
 std::string frames_text(double seconds, const A_Ratio& rate);
 /// "1 frame", "8 frames"
 std::string frame_count_text(double seconds, const A_Ratio& rate);
@@ -30,7 +30,7 @@ std::string footage_label(embedded::FootageKind kind);
 /// "grey", "RGB", "RGBA", "5 channels"
 std::string channels_label(int channels);
 
-/// Frame numbers with what is missing between them: "17-24", "1-9 without 4, 6-7".
+/// Frame numbers and the gaps between them: "17-24", "1-9 without 4, 6-7".
 std::string frame_range_text(const embedded::SequenceFrames& frames);
 
 }  // namespace cli

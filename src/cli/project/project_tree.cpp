@@ -23,7 +23,7 @@ using embedded::Layer;
 using embedded::LayerKind;
 using embedded::Project;
 
-// Deeper than this, lines would leave every terminal: the depth is then given as a number instead.
+// Deeper lines would be wider than a terminal: the depth is then given as a number.
 constexpr std::size_t kDeepestIndent = 12;
 
 std::string indent_of(std::size_t depth) {
@@ -49,12 +49,12 @@ std::string composition_line(const Composition& composition) {
            plain_number(rate_of(composition.frame_rate)) + " fps";
 }
 
-// The file's own words, then how the host reads them.
+// What the file is, then how the host interprets it.
 std::string footage_line(const Footage& footage) {
     std::string text = footage_label(footage.kind);
     const bool placeholder = footage.kind == FootageKind::placeholder;
     if (placeholder) {
-        text += ", a placeholder stands here";
+        text += ", replaced by a placeholder";
     } else if (footage.sequence) {
         text += " " + frame_range_text(*footage.sequence);
     }
@@ -83,7 +83,7 @@ struct KeyRange {
     double last = 0;
 };
 
-// The stream with the most keys speaks for the layer: all of one object's have the same.
+// The stream with the most keys stands for the layer: all animated streams of an object have the same keys.
 KeyRange keys_of(const Layer& layer) {
     KeyRange range;
     for (const auto& [kind, stream] : layer.streams) {
@@ -149,7 +149,7 @@ class TreeWriter {
   public:
     TreeWriter(const Project& project, const Paint& paint)
         : project_(project), paint_(paint), children_(project.items.size() + 1) {
-        // Asking the project for the children of every folder in turn would look at every item every time.
+        // Searching the project for the children of each folder would visit every item every time.
         for (const Item& item : project.items) {
             if (item.parent_folder != 0) {
                 children_[static_cast<std::size_t>(item.parent_folder)].push_back(item.id);
@@ -157,7 +157,7 @@ class TreeWriter {
         }
     }
 
-    // Folders are walked with a list of its own: they nest as deep as a file says.
+    // An explicit stack instead of recursion: folders nest as deep as the file says.
     std::string write() {
         struct Entry {
             Id id;
@@ -258,7 +258,7 @@ std::string host_report(const Project& project, const embedded::ConformanceRepor
         }
     }
     if (!report.violations().empty()) {
-        text += paint(Ink::bold, "What the plug-in did wrong as the host sees it:") + '\n' +
+        text += paint(Ink::bold, "Rules of the host that the plug-in broke:") + '\n' +
                 findings_text(report.violations());
     }
     if (!report.notes().empty()) {

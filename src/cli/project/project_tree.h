@@ -12,8 +12,8 @@ namespace cli {
 /// frames on the composition's own timeline.
 std::string project_tree(const embedded::Project& project, const Paint& paint);
 
-/// What the bundle wanted the user to read, and what the host found to say about the bundle; empty when there
-/// is neither.
+/// The messages of the bundle to the user, and the host's findings about the bundle; empty when there are
+/// neither.
 std::string host_report(const embedded::Project& project, const embedded::ConformanceReport& report,
                         const Paint& paint);
 

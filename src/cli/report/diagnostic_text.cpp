@@ -23,7 +23,7 @@ std::string place_text(const Place& place) {
     return text;
 }
 
-// As much of a long line as fits a terminal, chosen so that the place in question is in it.
+// The part of a long line that fits a terminal and contains the place in question.
 struct Excerpt {
     std::string text;
     std::size_t caret = 0;
@@ -35,7 +35,7 @@ Excerpt excerpt_of(std::string_view line, std::size_t column) {
     const std::size_t at = std::min(column - 1, line.size());
     const std::size_t first = at > kBefore + 10 ? at - kBefore : 0;
     const std::string_view shown = line.substr(first, kBytes);
-    // Tabs become one blank each, so that the caret stands below its character in every terminal.
+    // Each tab becomes one blank, so that the caret is below its character in every terminal.
     const auto clean = [](std::string_view text) {
         std::string copy(text);
         std::replace(copy.begin(), copy.end(), '\t', ' ');

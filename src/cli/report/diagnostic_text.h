@@ -41,7 +41,7 @@ void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);
 
 /// A message of the program itself on the error stream: "vxr: error: ...".
 void complain(Terminal& terminal, std::string_view text);
-/// The same for what is worth knowing and no error: "vxr: note: ...".
+/// What is worth knowing and no error, in the same way: "vxr: note: ...".
 void remark(Terminal& terminal, std::string_view text);
 
 }  // namespace cli

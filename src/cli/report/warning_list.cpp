@@ -23,7 +23,7 @@ std::vector<Diagnostic> WarningList::finish() {
     for (auto& [code, overflow] : overflow_) {
         Diagnostic& rest = kept_.emplace_back(
             diagnostic::make(code, std::move(overflow.first),
-                             "from here on " + std::to_string(overflow.count) + " more of this kind"));
+                             std::to_string(overflow.count) + " more of this kind from here on"));
         rest.count = overflow.count;
     }
     overflow_.clear();

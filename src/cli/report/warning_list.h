@@ -13,7 +13,7 @@
 
 namespace cli {
 
-/// The warnings about one file, in the order of their places. Of each code the first `kMostOfOneCode` are
+/// The warnings about one file, in the order of their places. The first `kMostOfOneCode` of each code are
 /// kept and the rest is counted: a script that writes a thousand wrong lines has made one mistake.
 class WarningList {
   public:
@@ -21,7 +21,8 @@ class WarningList {
 
     explicit WarningList(const SceneReading& reading) : reading_(reading) {}
 
-    /// The new warning, for its effects and count; of one that is only counted they are not kept.
+    /// Adds a warning and returns it, so that the caller can add effects and a count. A warning that is only
+    /// counted does not keep them.
     Diagnostic& add(ToolCode code, const TextPosition& at, std::string reason,
                     std::vector<std::string> within);
 

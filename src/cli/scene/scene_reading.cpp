@@ -96,7 +96,7 @@ ExitCode exit_code_of(const diagnostic::Code& code) {
 // The reader's error as the user is told it.
 Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
     error.at.file = file;
-    error.effects.emplace_back("the import ends here without a word, and nothing is added to the project");
+    error.effects.emplace_back("After Effects imports nothing and shows no message");
     name_limit(error, error.limit);
     return error;
 }

@@ -59,17 +59,19 @@ std::optional<Refusal> write_texture_file(const std::string& path, const Texture
     std::string reason;
     std::optional<os::ReplacementFile> file = os::ReplacementFile::create(path, reason);
     if (!file.has_value()) {
-        return Refusal{diagnostic::make(image::Code::cannot_open, {path}, reason), ExitCode::cannot_read_or_write};
+        return Refusal{diagnostic::make(image::Code::cannot_open, {path}, reason),
+                       ExitCode::cannot_read_or_write};
     }
     if (const std::optional<TextureError> error = write_texture(file->temporary_path(), texture);
         error.has_value()) {
-        // A transfer that was too short is a full disk here.
+        // When writing, a short transfer means a full disk.
         const ExitCode code = error->code == TextureFault::short_transfer ? ExitCode::cannot_read_or_write
                                                                           : texture_exit_code(*error);
         return Refusal{texture_error(*error, path), code};
     }
     if (!file->put_in_place(reason)) {
-        return Refusal{diagnostic::make(image::Code::not_written, {path}, reason), ExitCode::cannot_read_or_write};
+        return Refusal{diagnostic::make(image::Code::not_written, {path}, reason),
+                       ExitCode::cannot_read_or_write};
     }
     return std::nullopt;
 }
@@ -86,7 +88,7 @@ std::optional<Refusal> write_any(const std::string& path, const Texture& texture
     return std::nullopt;
 }
 
-/// Why the choice cannot be made; empty when it was.
+/// Keeps the chosen alpha channels. Says why it cannot; empty on success.
 std::string choose_alphas(Texture& texture, const AlphaChoice& choice) {
     std::vector<AlphaChannel>& alphas = texture.alphas;
     switch (choice.kind) {
@@ -99,8 +101,8 @@ std::string choose_alphas(Texture& texture, const AlphaChoice& choice) {
             break;
     }
     if (choice.number > alphas.size()) {
-        return "alpha " + std::to_string(choice.number) + " is wanted, there " +
-               (alphas.size() == 1 ? "is 1" : "are " + std::to_string(alphas.size()));
+        return "there is no alpha channel " + std::to_string(choice.number) + ": the texture has " +
+               (alphas.empty() ? "none" : std::to_string(alphas.size()));
     }
     AlphaChannel chosen = std::move(alphas[choice.number - 1]);
     alphas.clear();
@@ -162,7 +164,7 @@ Conversion convert_texture(const std::string& input, const std::string& output,
         } else {
             refuse(conversion, ExitCode::refused,
                    diagnostic::make(image::Code::no_texture, {input},
-                                    "neither it nor " + output + " is a texture"));
+                                    "neither this file nor " + output + " is a texture"));
         }
     } catch (const std::exception& failure) {
         refuse(conversion, ExitCode::cannot_read_or_write,

@@ -12,14 +12,14 @@
 
 namespace cli {
 
-/// Which alpha channels go along.
+/// Which alpha channels to keep.
 struct AlphaChoice {
     enum class Kind { all, none, one };
     Kind kind = Kind::all;
-    std::size_t number = 0;  // of the one, from 1
+    std::size_t number = 0;  ///< from 1, for `one`
 };
 
-/// "all", "none" or a number from 1; nothing for any other text.
+/// Parses "all", "none" or a number from 1; nothing for any other text.
 std::optional<AlphaChoice> parse_alpha_choice(std::string_view text);
 
 struct ConversionOptions {
@@ -27,25 +27,25 @@ struct ConversionOptions {
     image::AlphaBytes alpha_bytes = image::AlphaBytes::kept;
 };
 
-/// What came of one file.
+/// The outcome for one file.
 struct Conversion {
     std::string input;
     std::string output;
     ExitCode code = ExitCode::fine;
-    std::string size;                     // texture_size_text of what was written
-    std::vector<Diagnostic> diagnostics;  // the error first, if there is one
+    std::string size;                     ///< texture_size_text() of what was written
+    std::vector<Diagnostic> diagnostics;  ///< the error first, if there is one
 };
 
 /// Texture to image, image to texture, or texture to texture, by the extension of the output and the first
-/// bytes or the extension of the input. What was at `output` stays until everything is written. Lets no
-/// exception out. Safe to call from several threads for different outputs.
+/// bytes or the extension of the input. The old file at `output` stays until the new one is complete. Does
+/// not throw. Safe to call from several threads for different outputs.
 Conversion convert_texture(const std::string& input, const std::string& output,
                            const ConversionOptions& options);
 
 /// cannot_read_or_write for what the file system prevents, refused for everything else.
 ExitCode image_exit_code(const diagnostic::Diagnostic& error);
 
-/// Whether `path` ends in ".txl", letters of either case.
+/// Whether `path` ends in ".txl", in upper or lower case.
 bool has_texture_extension(const std::string& path);
 
 }  // namespace cli

@@ -17,7 +17,7 @@ using embedded::Json;
 
 struct Line {
     std::string label;   // indented
-    std::string offset;  // empty for what is no chunk
+    std::string offset;  // empty for lines that are not chunks
     std::string size;
     std::string content;
     bool dim = false;
@@ -70,9 +70,9 @@ std::string channel_text(const ChannelCoding& coding) {
     return text + "; " + coding_text(coding.decoded_bytes, coding.coded_bytes);
 }
 
-/// Depth is bounded by the reader.
+/// The reader bounds the depth.
 void add_lines(const std::vector<ChunkOutline>& chunks, std::size_t depth, std::vector<Line>& lines) {
-    constexpr std::size_t kMostChannels = 16;  // more are counted: a layer may claim any number
+    constexpr std::size_t kMostChannels = 16;  // the rest is counted: a layer may claim any number
     const std::string indent(2 * depth, ' ');
     for (const ChunkOutline& chunk : chunks) {
         lines.push_back({indent + chunk_name(chunk.id) + " v" + std::to_string(chunk.version),

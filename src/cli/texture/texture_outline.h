@@ -9,12 +9,13 @@
 
 namespace cli {
 
-/// The chunks of a texture file as a tree, one line a chunk with its offset, its size and what is in it, and
-/// a line for every channel of its rows. Ends with a line break; empty without chunks.
+/// The chunks of a texture file as a tree: one line per chunk with its offset, size and content, and one line
+/// for each channel of its rows. Ends with a line break; empty without chunks.
 std::string outline_text(const std::vector<ChunkOutline>& chunks, const Paint& paint);
 
-/// [{"chunk","id","version","offset_bytes","size_bytes","handled","layer","rows","chunks"}]; what there is
-/// not is null. "rows" is {"x","y","count","rows","channels","coding":[{"channel","raw","packed","raw_short",
+/// [{"chunk","id","version","offset_bytes","size_bytes","handled","layer","rows","chunks"}]; absent
+/// members are null. "rows" is
+/// {"x","y","count","rows","channels","coding":[{"channel","raw","packed","raw_short",
 /// "packed_bad","unknown_flag","coded_bytes","decoded_bytes"}]}.
 embedded::Json outline_json(const std::vector<ChunkOutline>& chunks);
 

@@ -41,22 +41,20 @@ constexpr FileKind kCompositionFiles{"composition files", check_composition, dia
 Verb check_verb() {
     return {
         "check",
-        "say what is wrong with composition files, and what will come out otherwise than written",
-        {"The plug-in ignores a file with a mistake in it without a word. This verb reads the file with the "
-         "plug-in's own readers and shows the first mistake: file, line, column, what was expected and what "
-         "was found, and a code that scripts can rely on.",
-         "Then come warnings about what imports, but not as it is written: missing or unreadable footage, "
-         "sequences with gaps, numbers and names that are changed, keys outside the range, values that do "
-         "not "
-         "reach the host. Every file gets its line of the result; with several files the most serious "
-         "outcome "
-         "is the exit code, a file that cannot be read being more serious than one that is refused."},
-        {{"vxr check shot.aec", "Shows the first mistake of shot.aec, or what its import will change."},
+        "report mistakes in composition files, and what an import will change",
+        {"After Effects imports nothing from a composition file with a mistake in it, and shows no message. "
+         "This verb reads the file with the plug-in's own readers and reports the first mistake: file, line, "
+         "column, what was expected, what was found, and a code that scripts can rely on.",
+         "Warnings follow about everything that arrives differently from how it is written: missing or "
+         "unreadable footage, sequences with gaps, numbers and names that change, keys outside the range, "
+         "values that do not reach After Effects. Each file gets one line on standard output. With several "
+         "files the most serious outcome is the exit code: a file that cannot be read is more serious than "
+         "one that is refused."},
+        {{"vxr check shot.aec", "Shows the first mistake in shot.aec, or what its import will change."},
          {"vxr check --strict --quiet renders/*.aec",
-          "For a script: one line a file, exit code 1 at the first "
-          "warning or mistake in any of them."},
+          "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."},
          {"vxr check --json shot.aec | jq -r '.files[].diagnostics[].code'",
-          "The codes of everything found."}},
+          "The codes of everything that was found."}},
         []() -> std::unique_ptr<Command> { return make_check_command(kCompositionFiles); }};
 }
 

@@ -47,17 +47,17 @@ class CheckCommand : public Command {
 
     void add_options(Options& options) override {
         Option files = options.argument("FILE", files_, kind_.plural);
-        options.flag("--strict", strict_, "refuse files with warnings, too").group("What counts");
+        options.flag("--strict", strict_, "also refuse files with warnings").group("What counts");
         if (kind_.list_codes != nullptr) {
             options
                 .flag("--list-codes", list_codes_,
-                      "write every error and warning code with its meaning, and stop")
+                      "list every error and warning code with its meaning, and exit")
                 .group("What counts");
         } else {
             files.required();
         }
-        options.flag("--json", json_, "write one JSON document instead of a line a file").group("Output");
-        options.flag("-q,--quiet", quiet_, "say nothing on the standard error stream").group("Output");
+        options.flag("--json", json_, "write one JSON document instead of one line per file").group("Output");
+        options.flag("-q,--quiet", quiet_, "write nothing to standard error").group("Output");
     }
 
     ExitCode run(Terminal& terminal) override {

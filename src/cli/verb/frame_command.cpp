@@ -7,8 +7,8 @@
 #include <string_view>
 
 #include "cli/options.h"
-#include "cli/project/host_setup.h"
 #include "cli/project/frame_run.h"
+#include "cli/project/host_setup.h"
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
@@ -40,24 +40,25 @@ class FrameCommand : public Command {
   public:
     void add_options(Options& options) override {
         options.argument("FILE", file_, "the texture").required();
-        options.option("-o,--output", output_, "the image to write; its extension says in which format")
+        options.option("-o,--output", output_, "the image to write; its extension chooses the format")
             .value_name("IMAGE")
             .required()
             .group("Output");
         options.flag("--json", json_, "write the host's project as a JSON document instead of text")
             .group("Output");
-        options.option("--size", size_, "the size of the host's frame; the texture's own without this")
+        options.option("--size", size_, "the size of the frame; without this, that of the texture")
             .value_name("WIDTHxHEIGHT")
             .check([](const std::string& text) {
                 return parse_frame_size(text) ? std::string() : '"' + text + "\" is not WIDTHxHEIGHT";
             })
             .group("The frame");
-        options.option("--fill", fill_, "what every byte of the frame holds before it is drawn, 0 to 255")
+        options.option("--fill", fill_, "the value of every byte of the frame before drawing, 0 to 255")
             .value_name("BYTE")
             .show_default()
             .check([](const std::string& text) {
                 const int byte = parse_option_integer(text).value_or(-1);
-                return byte >= 0 && byte <= 255 ? std::string() : '"' + text + "\" is not from 0 to 255";
+                return byte >= 0 && byte <= 255 ? std::string()
+                                                : '"' + text + "\" is not a number from 0 to 255";
             })
             .group("The frame");
         add_bundle_option(options, bundle_);
@@ -122,17 +123,17 @@ class FrameCommand : public Command {
 Verb frame_verb() {
     return {
         "frame",
-        "draw a texture as a host gets it, and write the frame as an image",
-        {"Loads the plug-in, offers it the texture, asks it for a frame and writes the 8 bits of alpha, red, "
-         "green and blue that it drew, every byte as it is. Says what the plug-in told the host about the "
+        "draw a texture as After Effects receives it, and write the frame as an image",
+        {"Loads the plug-in, has it open the texture and draw a frame, and writes the frame: 8 bits each of "
+         "alpha, red, green and blue, every byte unchanged. Also shows what the plug-in reports about the "
          "texture: size, depth, alpha, duration.",
-         "With `texture convert` the picture comes out of the file directly; this is the way through the "
-         "plug-in, and a difference between the two would be a mistake in one of them."},
-        {{"vxr frame bark.txl -o frame.png", "What a host draws of bark.txl."},
+         "`texture convert` takes the picture directly from the file; `frame` takes it through the plug-in. "
+         "A difference between the two would be a bug in one of them."},
+        {{"vxr frame bark.txl -o frame.png", "What After Effects draws for bark.txl."},
          {"vxr frame bark.txl -o corner.png --size 64x64 --fill 128",
-          "A frame smaller than the texture gets its top left part; pixels outside the texture stay grey."},
+          "A frame smaller than the texture shows its top left part; pixels outside the texture stay grey."},
          {"vxr frame bark.txl -o frame.png --json | jq .in_specs",
-          "What the plug-in told the host about the texture."}},
+          "What the plug-in reports about the texture."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<FrameCommand>(); }};
 }
 

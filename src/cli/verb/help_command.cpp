@@ -45,7 +45,7 @@ class HelpCommand : public Command {
 class CompletionCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("SHELL", shell_, "the shell; bash is the one there is").required().choices({"bash"});
+        options.argument("SHELL", shell_, "the shell; only bash is supported").required().choices({"bash"});
     }
 
     ExitCode run(Terminal& terminal) override {
@@ -67,7 +67,7 @@ std::unique_ptr<Command> make() {
 Verb help_verb() {
     return {"help",
             "explain a verb, or write the manual page",
-            {"The manual page is made from the same text as this help."},
+            {"The manual page has the same text as this help."},
             {{"vxr help import", "The same as `vxr import --help`."},
              {"vxr help --man | man -l -", "The manual page, formatted."}},
             make<HelpCommand>};

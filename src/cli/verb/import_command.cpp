@@ -23,11 +23,11 @@ namespace {
 
 constexpr const char* kHostGroup = "The plug-in and its host";
 
-// As an option wants its check: nothing for a good text, else what is wrong with it.
+// A check for an option: accepts what `parse` accepts, and says for anything else what is wrong.
 template <class Parse>
-auto checked_by(Parse parse, const char* wanted) {
-    return [parse, wanted](const std::string& text) {
-        return parse(text) ? std::string() : "\"" + text + "\" is not " + wanted;
+auto checked_by(Parse parse, const char* problem) {
+    return [parse, problem](const std::string& text) {
+        return parse(text) ? std::string() : "\"" + text + "\" " + problem;
     };
 }
 
@@ -39,7 +39,7 @@ bool is_preference(std::string_view text) {
     return value >= 0 && value <= 255;
 }
 
-// Whether two paths lead to one file, be it there already or not.
+// Whether two paths lead to the same file, whether or not it exists.
 bool same_file(const std::string& one, const std::string& other) {
     namespace fs = std::filesystem;
     std::error_code none;
@@ -56,10 +56,10 @@ class ImportCommand : public Command {
         options.argument("FILE", file_, "the composition file").required();
         options.flag("--json", json_, "write the project as a JSON document instead of a tree")
             .group("Output");
-        options.option("--save", save_, "write the same JSON document to this file, too")
+        options.option("--save", save_, "also write the JSON document to this file")
             .value_name("FILE")
             .group("Output");
-        options.option("--log", log_, "write every call into the host to this file, one JSON object a line")
+        options.option("--log", log_, "write every call into the host to this file, one JSON object per line")
             .value_name("FILE")
             .group("Output");
         add_bundle_option(options, bundle_);
@@ -69,26 +69,27 @@ class ImportCommand : public Command {
                     "the host's preference for unlabeled alpha: none, or a value from 0 to 255")
             .value_name("VALUE")
             .show_default()
-            .check(checked_by(is_preference, "none and not from 0 to 255"))
+            .check(checked_by(is_preference, "is neither none nor a number from 0 to 255"))
             .group(kHostGroup);
         options.option("--without-suite", without_, "a suite that the host does not offer; may be repeated")
             .value_name("NAME:VERSION")
             .one_value_at_a_time()
-            .check(checked_by(embedded::parse_suite_name, "NAME:VERSION"))
+            .check(checked_by(embedded::parse_suite_name, "is not NAME:VERSION"))
             .group("What goes wrong");
-        options.option("--fail", faults_, "the N-th call of a host function returns CODE; may be repeated")
+        options
+            .option("--fail", faults_, "make the N-th call of a host function return CODE; may be repeated")
             .value_name("FUNCTION:N:CODE")
             .one_value_at_a_time()
             .check(
                 checked_by(embedded::parse_fault,
-                           "FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
+                           "is not FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
             .group("What goes wrong");
     }
 
     ExitCode run(Terminal& terminal) override {
         const embedded::HostOptions options = host_options();
         refuse_to_overwrite();
-        // Files that cannot be written are found out before the work, not after it.
+        // Finds files that cannot be written before the work, not after it.
         std::optional<OutputFile> log = opened(log_);
         std::optional<OutputFile> save = opened(save_);
         embedded::Host host(options);
@@ -115,11 +116,11 @@ class ImportCommand : public Command {
         return path.empty() ? std::nullopt : std::optional<OutputFile>(std::in_place, path);
     }
 
-    // Creating an output empties what was there: that must never be the scene, which is only read afterwards.
+    // Creating an output empties the file that was there. That must never be the scene, which is read later.
     void refuse_to_overwrite() const {
         for (const std::string& output : {save_, log_}) {
             if (!output.empty() && same_file(output, file_)) {
-                throw UsageError(file_ + " would be replaced by what is written about it");
+                throw UsageError(file_ + " would be overwritten by the output");
             }
         }
         if (!save_.empty() && !log_.empty() && same_file(save_, log_)) {
@@ -187,21 +188,21 @@ class ImportCommand : public Command {
 Verb import_verb() {
     return {
         "import",
-        "import a composition file and show the project that comes of it",
-        {"Loads the plug-in into a small host, has it verify and import FILE, and shows the project as a "
-         "tree: "
-         "folders, compositions with their layers from top to bottom, footage as the host reads it, cameras, "
-         "lights and nulls with the number and range of their keys. In-points and keys are frames on the "
-         "composition's own timeline. Missing footage is marked where it stands.",
-         "Below the tree stand the messages that a user of the host would have seen, what the plug-in did "
-         "wrong as the host sees it, and the host's notes. A file that the plug-in ignores without a word is "
-         "explained as `vxr check` explains it.",
-         "The options under \"What goes wrong\" make the host misbehave, to see what the import then does."},
+        "import a composition file and show the resulting project",
+        {"Loads the plug-in into an embedded host, has it verify and import FILE, and shows the project as a "
+         "tree: folders, compositions with their layers from top to bottom, footage as the host interprets "
+         "it, cameras, lights and nulls with the number and range of their keys. In-points and keys are "
+         "frames on the composition's own timeline. Missing footage is marked in its place.",
+         "Below the tree come the messages that After Effects would have shown, the rules of the host that "
+         "the plug-in broke, and the host's notes. When the plug-in ignores the file and shows no message, "
+         "the reason is given as `vxr check` gives it.",
+         "The options under \"What goes wrong\" make the host fail on purpose, to show what the import does "
+         "then."},
         {{"vxr import examples/interlaced/lantern_010.aec", "Shows the project of an interlaced scene."},
          {"vxr import --json shot.aec | jq '.compositions[].name'",
           "The project as JSON, for another program."},
          {"vxr import --log calls.jsonl --host 9.31 shot.aec",
-          "Imports as into an older host, which gets no cameras, lights and nulls, and logs every call."},
+          "Imports into an older host, which gets no cameras, lights and nulls, and logs every call."},
          {"vxr import --fail AEGP_CreateComp:2:4 shot.aec",
           "What is left when the host has no memory for the second composition."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<ImportCommand>(); }};

@@ -17,12 +17,12 @@ using embedded::Json;
 
 constexpr int kLimitsSchema = 1;
 
-struct RuleWords {
+struct RuleLabels {
     const char* for_scripts;
     const char* for_people;
 };
 
-RuleWords words_of(limits::Rule rule) {
+RuleLabels labels_of(limits::Rule rule) {
     switch (rule) {
         case limits::Rule::format:
             return {"format", "the format's rule"};
@@ -31,14 +31,14 @@ RuleWords words_of(limits::Rule rule) {
         case limits::Rule::file_length:
             break;
     }
-    return {"file-length", "no rule but the file's length"};
+    return {"file-length", "no rule other than the file's length"};
 }
 
 std::string limit_block(const limits::Limit& limit, const Paint& paint) {
     constexpr std::size_t kIndent = 6;
     return paint(Ink::bold, limit.name) + ": " + grouped(limit.value) + ' ' + limit.unit +
            paint(Ink::dim, std::string(" [") + limit.id + ']') + '\n' +
-           wrapped(std::string(words_of(limit.rule).for_people) + ": " + limit.reason, kIndent) +
+           wrapped(std::string(labels_of(limit.rule).for_people) + ": " + limit.reason, kIndent) +
            wrapped(std::string("beyond it: ") + limit.beyond, kIndent);
 }
 
@@ -47,7 +47,7 @@ Json limit_json(const limits::Limit& limit) {
                 {"name", limit.name},
                 {"value", limit.value},
                 {"unit", limit.unit},
-                {"rule", words_of(limit.rule).for_scripts},
+                {"rule", labels_of(limit.rule).for_scripts},
                 {"reason", limit.reason},
                 {"beyond", limit.beyond}};
 }
@@ -86,11 +86,11 @@ class LimitsCommand : public Command {
 Verb limits_verb() {
     return {
         "limits",
-        "list the limits on what composition files and textures may hold, with a reason each",
-        {"Shows how much of each thing is accepted, whose rule that is, why there is a limit, and what "
-         "happens beyond it. A file that is refused for a limit names it: in the message, and in the JSON of "
-         "`vxr check`, `vxr texture` and `vxr import` as `limit`."},
-        {{"vxr limits", "Every limit, with the name by which scripts know it in brackets."},
+        "list the limits on composition files and textures, each with its reason",
+        {"Shows each limit, whose rule it is, why it exists, and what happens beyond it. When a file is "
+         "refused because of a limit, the message names the limit, and so does `limit` in the JSON of `vxr "
+         "check`, `vxr texture` and `vxr import`."},
+        {{"vxr limits", "Every limit; the name in brackets is the one for scripts."},
          {"vxr limits --json | jq -r '.limits[] | [.id, .value, .unit] | @tsv'",
           "The limits as columns, for a script."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<LimitsCommand>(); }};

@@ -98,14 +98,13 @@ class ModulesCommand : public Command {
 }  // namespace
 
 Verb modules_verb() {
-    return {
-        "modules",
-        "list the input modules that the plug-in registers with a host",
-        {"Loads the plug-in as a host does and shows what it says about its input modules: name, signature, "
-         "the extensions that they read, and the flags in words."},
-        {{"vxr modules", "The modules of the plug-in that belongs to this program."},
-         {"vxr modules --json | jq -r '.modules[].extensions[]'", "The extensions alone, for a script."}},
-        []() -> std::unique_ptr<Command> { return std::make_unique<ModulesCommand>(); }};
+    return {"modules",
+            "list the input modules that the plug-in registers",
+            {"Loads the plug-in as After Effects does and shows what it says about its input modules: name, "
+             "signature, the extensions that they read, and their flags in words."},
+            {{"vxr modules", "The modules of the plug-in that comes with this program."},
+             {"vxr modules --json | jq -r '.modules[].extensions[]'", "Only the extensions, for a script."}},
+            []() -> std::unique_ptr<Command> { return std::make_unique<ModulesCommand>(); }};
 }
 
 }  // namespace cli

@@ -29,16 +29,15 @@ constexpr FileKind kTextureFiles{"texture files", check_texture_file, texture_di
 Verb texture_check_verb() {
     return {
         "texture check",
-        "say what is wrong with texture files, and what was repaired or passed over",
-        {"Reads every file as a whole, as the plug-in does. An error names the byte where the wrong item "
-         "begins, the chunks around it, what was found and what was allowed. Warnings are about files that "
-         "are read, but not wholly as they are: rows that cannot be unpacked, chunks that nothing here "
-         "knows.",
-         "Every file gets its line of the result; with several files the most serious outcome is the exit "
-         "code, a file that cannot be read being more serious than one that is refused."},
-        {{"vxr texture check bark.txl", "Shows where bark.txl is broken, if it is."},
+        "report what is wrong with texture files, and what was repaired or skipped",
+        {"Reads each file completely, as the plug-in does. An error names the byte at which the wrong item "
+         "begins, the chunks around it, what was found and what is allowed. Warnings are about files that "
+         "can be read, but not exactly as they are stored: rows that cannot be unpacked, unknown chunks.",
+         "Each file gets one line on standard output. With several files the most serious outcome is the "
+         "exit code: a file that cannot be read is more serious than one that is refused."},
+        {{"vxr texture check bark.txl", "Shows where bark.txl is damaged, if it is."},
          {"vxr texture check --strict --quiet maps/*.txl",
-          "For a script: one line a file, exit code 1 at the first warning or mistake in any of them."}},
+          "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."}},
         []() -> std::unique_ptr<Command> { return make_check_command(kTextureFiles); }};
 }
 

@@ -53,7 +53,8 @@ Json conversion_json(const Conversion& conversion) {
 class TextureConvertCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("IN", inputs_, "textures, or images to make textures of").required();
+        options.argument("IN", inputs_, "textures to convert to images, or images to convert to textures")
+            .required();
         options.option("-o,--output", output_, "the file to write, for one input")
             .value_name("FILE")
             .group("Output");
@@ -62,11 +63,11 @@ class TextureConvertCommand : public Command {
             .group("Output");
         options
             .option("--out-dir", out_dir_,
-                    "where to write them; made when it is not there; beside each input without this")
+                    "the folder to write them to, created if missing; without this, beside each input")
             .value_name("DIR")
             .group("Output");
-        options.flag("--json", json_, "write one JSON document instead of a line a file").group("Output");
-        options.option("--alpha", alpha_, "which alpha channels go along: all, none, or the number of one")
+        options.flag("--json", json_, "write one JSON document instead of one line per file").group("Output");
+        options.option("--alpha", alpha_, "which alpha channels to keep: all, none, or the number of one")
             .value_name("N|all|none")
             .show_default()
             .check([](const std::string& text) {
@@ -76,16 +77,17 @@ class TextureConvertCommand : public Command {
             .group("Alpha");
         options
             .flag("--convert-alpha", convert_alpha_,
-                  "multiply colour by alpha where the image keeps it straight, and divide it on the way back")
+                  "multiply colour by alpha where the image stores straight alpha, and divide it on the way "
+                  "back")
             .group("Alpha");
-        options.option("-j,--jobs", jobs_, "how many files at a time; 0 for one a processor")
+        options.option("-j,--jobs", jobs_, "how many files to convert at a time; 0 for one per processor")
             .value_name("N")
             .show_default()
             .check([](const std::string& text) {
                 const int jobs = parse_option_integer(text).value_or(-1);
                 return jobs >= 0 && jobs <= kMostJobs
                            ? std::string()
-                           : '"' + text + "\" is not from 0 to " + std::to_string(kMostJobs);
+                           : '"' + text + "\" is not a number from 0 to " + std::to_string(kMostJobs);
             })
             .group("Work");
     }
@@ -137,7 +139,7 @@ class TextureConvertCommand : public Command {
                          : std::max<std::size_t>(1, std::thread::hardware_concurrency());
     }
 
-    /// One name for each input. Throws UsageError for what cannot be meant, before anything is read.
+    /// One name for each input. Throws UsageError for names that cannot be meant, before anything is read.
     [[nodiscard]] std::vector<std::string> output_names() const {
         if (output_.empty() == to_.empty()) {
             throw UsageError("either -o FILE or --to EXT is required");
@@ -157,7 +159,7 @@ class TextureConvertCommand : public Command {
             }
             std::error_code none;
             if (fs::equivalent(os::native_path(input), os::native_path(output), none)) {
-                throw UsageError(input + " would be replaced by what is made of it");
+                throw UsageError(input + " would be overwritten by its own conversion");
             }
             const auto [known, added] =
                 input_of.emplace(os::text_of(os::path_of(output).lexically_normal()), input);
@@ -206,23 +208,21 @@ class TextureConvertCommand : public Command {
 Verb texture_convert_verb() {
     return {
         "texture convert",
-        "turn textures into images and images into textures",
-        {"Every format of the image library can be read and written; the extension of the output says which. "
-         "Images become textures with 8 bits a channel: one channel grey, three RGB, every other one an "
-         "alpha "
-         "channel, the image's own alpha first.",
-         "Every byte is carried over as it is stored, so that there and back again nothing is lost, also to "
-         "formats like PNG that expect colour not to be multiplied by alpha. --convert-alpha lets the image "
-         "library multiply and divide instead: an image looks right in a viewer then, but 8 bits lose some "
-         "of "
-         "it.",
+        "convert textures to images and images to textures",
+        {"Reads and writes every format of the image library; the extension of the output chooses the "
+         "format. Images become textures with 8 bits per channel: one channel becomes grey, three become "
+         "RGB, and every other channel becomes an alpha channel, the image's own alpha first.",
+         "Every byte is copied as it is stored, so converting there and back loses nothing, even through "
+         "formats like PNG that expect colour not to be multiplied by alpha. With --convert-alpha the image "
+         "library multiplies and divides instead: the image then looks right in a viewer, but 8 bits lose "
+         "some precision.",
          "A file is written beside the one that it will replace, and takes its place when it is complete. An "
          "image format without room for all alpha channels is an error; --alpha chooses."},
-        {{"vxr texture convert bark.txl -o bark.png", "One texture becomes a PNG."},
+        {{"vxr texture convert bark.txl -o bark.png", "Converts one texture to PNG."},
          {"vxr texture convert scans/*.tif --to txl --out-dir maps",
-          "All scans become textures, several at a time."},
+          "Converts all scans to textures, several at a time."},
          {"vxr texture convert bark.txl --alpha 2 -o mask.png", "The colour with the second alpha channel."},
-         {"vxr texture convert bark.txl --alpha none --to jpg", "bark.jpg beside it, without alpha."}},
+         {"vxr texture convert bark.txl --alpha none --to jpg", "Writes bark.jpg beside it, without alpha."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<TextureConvertCommand>(); }};
 }
 

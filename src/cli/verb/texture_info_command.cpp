@@ -134,12 +134,12 @@ class TextureInfoCommand : public Command {
 Verb texture_info_verb() {
     return {
         "texture info",
-        "show what texture files hold: size, alphas, and every chunk with how its rows are coded",
-        {"Shows size, colour mode and alpha channels, how many bytes the pixels take beside what they take "
-         "in memory, and the file's chunks as a tree: where each begins, how long it is with everything in "
-         "it, and, for rows of pixels, how many of each channel are raw, packed or neither.",
-         "Of a file that is refused the chunks up to the mistake are shown."},
-        {{"vxr texture info bark.txl", "Size, alphas and the chunks of one texture."},
+        "show what texture files hold: size, alpha channels, and every chunk with its row coding",
+        {"Shows size, colour mode and alpha channels, how many bytes the pixels take in the file and in "
+         "memory, and the chunks of the file as a tree: where each begins, how long it is with everything "
+         "in it, and, for rows of pixels, how many of each channel are raw, packed or neither.",
+         "For a file that is refused, the chunks up to the mistake are shown."},
+        {{"vxr texture info bark.txl", "Size, alpha channels and chunks of one texture."},
          {"vxr texture info --json *.txl | jq '.files[] | [.file, .compression_ratio]'",
           "How well each texture is packed, for a script."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<TextureInfoCommand>(); }};
