@@ -1,5 +1,5 @@
-// Files that change while the verbs read them: what comes of it is a result or a refusal, nobody waits, and
-// what is written is whole.
+// Files that change while the verbs read them: the outcome is a result or a refusal, nothing hangs, and
+// every output file is complete.
 
 #include <gtest/gtest.h>
 
@@ -24,8 +24,8 @@ using cli::ExitCode;
 
 const std::set<ExitCode> kEveryOutcome{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write};
 
-/// Runs a command again and again beside the changes, at least until the file has rested. Returns which exit
-/// codes there were.
+/// Runs a command repeatedly while the file changes, at least until the file has rested. Returns the exit
+/// codes that occurred.
 std::set<ExitCode> codes_of(const std::vector<std::string>& command, ChangingFile& changing) {
     constexpr int kRuns = 100;
     const Deadline deadline;
@@ -52,7 +52,7 @@ TEST(ChangingInputs, ATextureIsReadOrRefused) {
     EXPECT_EQ(codes_of({"texture", "check", folder.path("a.txl")}, changing), kEveryOutcome);
 }
 
-TEST(ChangingInputs, WhatIsConvertedIsWhole) {
+TEST(ChangingInputs, ConvertedFilesAreComplete) {
     const TemporaryFolder folder;
     const TemporaryFolder results;
     const std::string output = results.path("b.txl");

@@ -51,7 +51,7 @@ const Case kCases[] = {
     {"a folder", {"."}, 3, ".: unreadable\n"},
 };
 
-TEST(CheckVerb, OneLineAFileAndTheMostSeriousExitCode) {
+TEST(CheckVerb, OneLinePerFileAndTheMostSeriousExitCode) {
     const TemporaryFolder folder;
     folder.write("sound.aec", kSound);
     folder.write("warned.aec", kWarned);
@@ -77,9 +77,9 @@ struct BadInput {
 };
 
 const BadInput kBadInputs[] = {
-    {"number that is none", kRefused, "expected a number after FPS, found \"abc\" [expected-number]"},
+    {"not a number", kRefused, "expected a number after FPS, found \"abc\" [expected-number]"},
     {"empty", "", "the file is empty [empty-file]"},
-    {"other kind of file", "\x89PNG\r\n\x1a\n",
+    {"another kind of file", "\x89PNG\r\n\x1a\n",
      "expected the file to begin with \"VORTAN XR\", found \"\\x89PNG\\x0d\\x0a\\x1a\\x0a\" "
      "[not-importable]"},
     {"cut in the header", "VORTAN XR COMP",
@@ -88,17 +88,17 @@ const BadInput kBadInputs[] = {
      "expected a setting or COMPOSITION, found the end of the file [unexpected-end]"},
     {"misspelt setting", "VORTAN XR COMPOSITION\nFSP 25\n",
      "expected a setting or COMPOSITION, found \"FSP\" [unknown-setting]"},
-    {"rate of nothing", "VORTAN XR COMPOSITION\nFPS 0\n",
+    {"frame rate 0", "VORTAN XR COMPOSITION\nFPS 0\n",
      "expected a number greater than 0 after FPS, found the number \"0\" [out-of-range]"},
     {"aspect out of range", "VORTAN XR COMPOSITION\nASPECT 0.009\n",
      "expected a number from 0.01 to 100 after ASPECT, found the number \"0.009\" [out-of-range]"},
     {"unknown fields", "VORTAN XR COMPOSITION\nFIELDS UPPER\n",
      "expected NONE, EVEN or ODD after FIELDS, found \"UPPER\" [expected-word]"},
-    {"settings that are missing", "VORTAN XR COMPOSITION\nFROM 0 TO 9 COMPOSITION NRM \"c\" { }\n",
+    {"missing settings", "VORTAN XR COMPOSITION\nFROM 0 TO 9 COMPOSITION NRM \"c\" { }\n",
      "expected RESOLUTION, RANGE, FPS before COMPOSITION, found \"COMPOSITION\" [missing-setting]"},
     {"control characters", "VORTAN XR COMPOSITION\nFPS \x1b[2J\n",
      "expected a number after FPS, found \"\\x1b\" [expected-number]"},
-    {"a NUL byte in the place of a word", "VORTAN XR COMPOSITION\nFPS \xff\n",
+    {"a byte of 0xFF in place of a word", "VORTAN XR COMPOSITION\nFPS \xff\n",
      "expected a number after FPS, found \"\\xff\" [expected-number]"},
 };
 
@@ -127,7 +127,7 @@ TEST(CheckVerb, SourceLineAndCaret) {
               "      = After Effects imports nothing and shows no message\n");
 }
 
-TEST(CheckVerb, PipesAreNotWaitedFor) {
+TEST(CheckVerb, NeverWaitsForAPipe) {
     const TemporaryFolder folder;
     ASSERT_EQ(run_process({"mkfifo", folder.path("pipe.aec")}).exit_code, 0);
     const ProcessResult run = check(folder, {"pipe.aec"});

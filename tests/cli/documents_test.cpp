@@ -8,7 +8,7 @@
 
 namespace {
 
-// What a document shows is what a reader gets who types it in the project's folder.
+// Every command in a document, run in the project's folder, prints what the document shows.
 void expect_true(const std::string& document) {
     std::size_t own_commands = 0;
     for (const ConsoleCommand& shown : console_commands(content_of(VXR_PROJECT_DIR "/" + document))) {

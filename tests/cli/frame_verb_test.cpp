@@ -1,4 +1,4 @@
-// `vxr modules` and `vxr frame`: the plug-in's input module as a host sees it, with the bundle as it is
+// `vxr modules` and `vxr frame`: the plug-in's input module as a host sees it, with the bundle as
 // built.
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ ProcessResult vxr(const TemporaryFolder& folder, const std::vector<std::string>&
     return run_process(command);
 }
 
-/// The image's bytes, colour not multiplied: through the converter, which keeps them.
+/// The bytes of the image, read through the converter, which keeps them as stored.
 Texture picture(const TemporaryFolder& folder, const std::string& image) {
     const ProcessResult run = vxr(folder, {"texture", "convert", image, "-o", "picture.txl"});
     EXPECT_EQ(run.exit_code, 0) << run.err;
@@ -80,7 +80,7 @@ TEST(FrameVerb, IsThePictureThatTheReaderReads) {
                     stored.mode == Texture::kGrey ? stored.pixels[i] : stored.pixels[3 * i + channel];
                 different += drawn.pixels[3 * i + channel] == expected ? 0 : 1;
             }
-            // The host gets the first alpha; 255 where there is none.
+            // The host receives the first alpha channel, or 255 if there is none.
             const std::uint8_t alpha = stored.alphas.empty() ? 255 : stored.alphas[0].values[i];
             different += drawn.alphas[0].values[i] == alpha ? 0 : 1;
         }
@@ -123,7 +123,7 @@ TEST(FrameVerb, EveryKindOfHostDrawsTheSame) {
     }
 }
 
-TEST(FrameVerb, ATextureWhoseNameIsNoUtf8IsForClassicHosts) {
+TEST(FrameVerb, FileNamesThatAreNotUtf8NeedAClassicHost) {
     const TemporaryFolder folder;
     const std::string file = "caf\xE9.txl";
     ASSERT_FALSE(write_texture(folder.path(file), made_texture(8, 6, Texture::kRgb, 1)).has_value());
@@ -184,10 +184,10 @@ TEST(FrameVerb, ExitCodes) {
         {"a format without room for alpha", {"frame", "a.txl", "-o", "f.jpg"}, 1},
         {"no bundle", {"frame", "a.txl", "-o", "f.png", "--bundle", "missing.so"}, 3},
         {"no output", {"frame", "a.txl"}, 2},
-        {"no format", {"frame", "a.txl", "-o", "f.doc"}, 2},
-        {"no size", {"frame", "a.txl", "-o", "f.png", "--size", "10"}, 2},
+        {"unknown format", {"frame", "a.txl", "-o", "f.doc"}, 2},
+        {"size without a height", {"frame", "a.txl", "-o", "f.png", "--size", "10"}, 2},
         {"size 0", {"frame", "a.txl", "-o", "f.png", "--size", "0x4"}, 2},
-        {"no byte", {"frame", "a.txl", "-o", "f.png", "--fill", "256"}, 2},
+        {"fill that is not a byte", {"frame", "a.txl", "-o", "f.png", "--fill", "256"}, 2},
     };
     for (const auto& one : cases) {
         EXPECT_EQ(vxr(folder, one.arguments).exit_code, one.exit_code) << one.name;

@@ -54,7 +54,7 @@ TEST(ImportVerb, TreeOfAScene) {
                            "` shows where it was searched for\n");
 }
 
-TEST(ImportVerb, ExamplesImportWithoutAWordAboutThePlugIn) {
+TEST(ImportVerb, ExamplesImportWithoutFindingsAboutThePlugIn) {
     for (const char* example :
          {"square/courtyard_020.aec", "interlaced/lantern_010.aec", "keyframes/orbit_030.aec"}) {
         const ProcessResult run = import_file({std::string(VXR_EXAMPLES_DIR) + "/" + example});
@@ -134,8 +134,8 @@ TEST(ImportVerb, TheLogSaysWhichHostItWas) {
     EXPECT_EQ(footage_versions({"--host", "classic"}), std::set<int>{7});
 }
 
-// Linux takes any bytes for a name, and a host of today's has no way to write them.
-TEST(ImportVerb, AFileWhoseNameIsNoUtf8IsForClassicHosts) {
+// Linux accepts any bytes as a file name; a current host cannot represent a name that is not UTF-8.
+TEST(ImportVerb, FileNamesThatAreNotUtf8NeedAClassicHost) {
     const TemporaryFolder folder;
     const std::string scene = folder.write("caf\xE9.aec", kSettings + "COMPOSITION NRM \"Main\" { }\n");
     const ProcessResult today = import_file({scene});
@@ -175,18 +175,18 @@ const Fault kFaults[] = {
      1,
      "vxr: error: the import ended with host error 4; what it made before stays\n",
      "Messages to the user:\n  Unable to create composition.\n  Unable to create composition.\n"},
-    {"suite that is not there",
+    {"missing suite",
      {"--without-suite", "AEGP Comp Suite:9"},
      1,
      "vxr: error: the import ended because the host does not offer a suite; what it made before stays\n",
      "Messages to the user:\n"
      "  This plug-in needs the suite \"AEGP Comp Suite\" 9, which the host does not offer.\n"},
-    {"suite that is not there in a classic host",
+    {"missing suite in a classic host",
      {"--without-suite", "AEGP Comp Suite:9", "--host", "classic"},
      1,
      "vxr: error: the import ended because the host does not offer a suite; what it made before stays\n",
      "[missing_suite_exception]\n"},
-    {"suite that today's hosts have in another version only",
+    {"suite that current hosts have only in another version",
      {"--without-suite", "AEGP Footage Suite:7"},
      0,
      "vxr: note: the host never offers \"AEGP Footage Suite\" version 7\n",
@@ -211,7 +211,7 @@ const Fault kFaults[] = {
      0,
      "vxr: note: AEGP_CreateComp was called 5 times, so its call 99 did not fail\n",
      "1 camera"},
-    {"suite that nobody offers",
+    {"suite that no host offers",
      {"--without-suite", "Nonsense:1"},
      0,
      "vxr: note: the host never offers \"Nonsense\" version 1\n",
@@ -221,7 +221,11 @@ const Fault kFaults[] = {
      0,
      "vxr: note: hosts before 9.32 get no cameras, lights and nulls; the file has 4\n",
      "0 cameras, 0 lights, 0 nulls\n"},
-    {"first host that gets them", {"--host-version", "9.32"}, 0, "", "1 camera, 2 lights, 1 null\n"},
+    {"first version that gets cameras and lights",
+     {"--host-version", "9.32"},
+     0,
+     "",
+     "1 camera, 2 lights, 1 null\n"},
     {"preference", {"--alpha-preference", "2"}, 0, "", "1 camera"},
     {"no such bundle",
      {"--bundle", "/missing.so"},
@@ -233,7 +237,7 @@ const Fault kFaults[] = {
      3,
      "vxr: error: cannot write /dev/full: No space left on device\n",
      ""},
-    {"document that cannot be made",
+    {"document that cannot be created",
      {"--save", "/missing/project.json"},
      3,
      "vxr: error: cannot write /missing/project.json: No such file or directory\n",
@@ -251,7 +255,7 @@ TEST(ImportVerb, HostsThatMisbehave) {
     }
 }
 
-TEST(ImportVerb, FootageThatNobodyReadsIsNamedWhenTheImportFails) {
+TEST(ImportVerb, UnreadableFootageIsNamedWhenTheImportFails) {
     const TemporaryFolder folder;
     folder.write("notes.tif", "no picture");
     const std::string scene = folder.write(

@@ -1,6 +1,5 @@
-// What becomes of the files that the verbs write when the disk is full and when something else is in their
-// place: what was there stays, nothing half written and no temporary file is left, and a message says what
-// and where.
+// The files that the verbs write, when the disk is full or something else is in their place: the old file
+// stays, no partial or temporary file is left, and a message says what is wrong and where.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -40,7 +39,7 @@ std::vector<std::string> names_in(const TemporaryFolder& folder) {
 
 using Command = std::vector<std::string>;
 
-/// The program in `folder`, ended after a minute, with no file that grows past `limit_blocks` of 512 bytes.
+/// Runs the program in `folder`, for at most a minute, with files limited to `limit_blocks` of 512 bytes.
 Command command_in(const TemporaryFolder& folder, const Command& arguments, const std::string& limit_blocks) {
     Command command{"env", "-C", folder.folder().string(), "timeout", "60", "sh", "-c"};
     command.insert(command.end(), {R"(ulimit -f "$1"; shift; exec "$@")", "sh", limit_blocks, VXR_PROGRAM});
@@ -53,7 +52,7 @@ ProcessResult vxr(const TemporaryFolder& folder, const Command& arguments,
     return run_process(command_in(folder, arguments, limit_blocks));
 }
 
-/// The same as a user who may not write everything, where the tests are run by one who may.
+/// Runs it as an unprivileged user when the tests run as root.
 ProcessResult vxr_of_ordinary_user(const TemporaryFolder& folder, const Command& arguments) {
     Command command = command_in(folder, arguments, "unlimited");
     if (::geteuid() == 0) {
@@ -74,8 +73,8 @@ struct Format {
     int alphas = 0;
 };
 
-// Every format that is written, by one of its extensions each; several ways through one writer where it has
-// them.
+// Every format that can be written, each by one of its extensions; some several times, once for each way
+// through the writer.
 constexpr Format kFormats[] = {
     {"bmp"},
     {"dpx"},
@@ -103,7 +102,7 @@ constexpr Format kFormats[] = {
 };
 
 TEST(FullDisk, EveryFormatLeavesTheOldFileAndNothingElse) {
-    // Codecs keep memory to themselves until the process ends.
+    // Codecs keep memory until the process ends.
     const std::vector<std::pair<std::string, std::string>> environment{{"ASAN_OPTIONS", "detect_leaks=0"}};
     for (const Format& format : kFormats) {
         const TemporaryFolder folder;
@@ -112,7 +111,7 @@ TEST(FullDisk, EveryFormatLeavesTheOldFileAndNothingElse) {
         const Command arguments{"texture", "convert", "a.txl", "-o", output};
         SCOPED_TRACE(output + ", " + std::to_string(format.alphas) + " alphas");
         folder.write(output, kOld);
-        // It is written when there is room, so that what follows is about the room.
+        // It can be written when there is room, so the failure below is about room.
         const ProcessResult room = run_process(command_in(folder, arguments, "unlimited"), environment);
         ASSERT_EQ(room.exit_code, 0) << room.err;
         const auto whole_bytes = static_cast<int>(fs::file_size(folder.path(output)));
@@ -132,7 +131,7 @@ struct Reason {
     const char* text;
 };
 
-// In memory first, by the program itself; and what writers tell that write files alone.
+// Files written in memory first, by the program itself, and by writers that only write files.
 TEST(FullDisk, TheMessageSaysWhatAndWhere) {
     const Reason reasons[] = {
         {"png", "b.png: error: b.png: File too large [not-written]\n"},
@@ -173,7 +172,7 @@ TEST(FullDisk, AnImportLeavesTheOldDocumentAndLog) {
     }
 }
 
-TEST(FullDisk, AResultOnTheStandardOutputIsAnError) {
+TEST(FullDisk, AResultThatCannotBePrintedIsAnError) {
     const TemporaryFolder folder;
     make_texture(folder, Texture::kRgb, 0);
     const std::vector<Command> verbs = {
@@ -194,7 +193,7 @@ TEST(FullDisk, AResultOnTheStandardOutputIsAnError) {
     }
 }
 
-/// A verb that writes a file, and how it begins to say that it cannot.
+/// A verb that writes a file, and the beginning of its error message.
 struct Writer {
     const char* name;
     std::string output;
@@ -341,7 +340,7 @@ TEST(WrittenAsItIs, DevicesPipesAndTheStandardOutput) {
     EXPECT_THAT(read.get(), HasSubstr("\"schema\": 1"));
 }
 
-TEST(FormatsThatMakeNoFile, AreNoFormats) {
+TEST(FormatsThatMakeNoFile, AreRefused) {
     const TemporaryFolder folder;
     make_texture(folder, Texture::kRgb, 0, 8);
     for (const char* output : {"a.null", "a.term"}) {
@@ -352,7 +351,7 @@ TEST(FormatsThatMakeNoFile, AreNoFormats) {
     EXPECT_THAT(names_in(folder), ElementsAre("a.txl"));
 }
 
-// The library has codecs that make nothing of a picture this small, and say nothing.
+// Some codecs of the library write nothing for a picture this small, and report no error.
 TEST(FormatsThatMakeNoFile, AnImageOfNoBytesIsAnError) {
     const TemporaryFolder folder;
     make_texture(folder, Texture::kRgb, 0, 8);

@@ -24,8 +24,8 @@ struct Case {
 
 const Case kWrongUsage[] = {
     {"no verb", {}, "vxr: error: a verb is required\nSee `vxr --help`.\n"},
-    {"verb that is none", {"importt"}, "vxr: error: there is no verb \"importt\"\nSee `vxr --help`.\n"},
-    {"option that is none",
+    {"unknown verb", {"importt"}, "vxr: error: there is no verb \"importt\"\nSee `vxr --help`.\n"},
+    {"unknown option",
      {"check", "--srtict", "a.aec"},
      "vxr: error: The following argument was not expected: --srtict\nSee `vxr check --help`.\n"},
     {"no file to check", {"check"}, "vxr: error: FILE is required\nSee `vxr check --help`.\n"},
@@ -33,13 +33,14 @@ const Case kWrongUsage[] = {
     {"two files to import",
      {"import", "a.aec", "b.aec"},
      "vxr: error: The following argument was not expected: b.aec\nSee `vxr import --help`.\n"},
-    {"version that is none",
+    {"malformed version",
      {"import", "--host-version", "9", "a.aec"},
      "vxr: error: --host: \"9\" is not classic, today, MAJOR.MINOR, or both joined by a colon\nSee `vxr "
      "import --help`.\n"},
     {"preference out of range",
      {"import", "--alpha-preference", "256", "a.aec"},
-     "vxr: error: --alpha-preference: \"256\" is neither none nor a number from 0 to 255\nSee `vxr import --help`.\n"},
+     "vxr: error: --alpha-preference: \"256\" is neither none nor a number from 0 to 255\nSee `vxr import "
+     "--help`.\n"},
     {"suite without a version",
      {"import", "--without-suite", "AEGP Comp Suite", "a.aec"},
      "vxr: error: --without-suite: \"AEGP Comp Suite\" is not NAME:VERSION\nSee `vxr import --help`.\n"},
@@ -48,10 +49,10 @@ const Case kWrongUsage[] = {
      "vxr: error: --fail: \"AEGP_Nonsense:1:4\" is not FUNCTION:N:CODE with a function of the host, N from 1 "
      "and "
      "a CODE other than 0\nSee `vxr import --help`.\n"},
-    {"shell that is none",
+    {"unknown shell",
      {"completion", "tcsh"},
      "vxr: error: SHELL: tcsh not in {bash}\nSee `vxr completion --help`.\n"},
-    {"help on a verb that is none",
+    {"help on an unknown verb",
      {"help", "nonsense"},
      "vxr: error: there is no verb \"nonsense\"\nSee `vxr help --help`.\n"},
 };
@@ -83,14 +84,14 @@ TEST(Program, HelpVerbAndHelpOptionSayTheSame) {
     }
 }
 
-TEST(Program, NamesOfVerbsAreGoodNamesForFiles) {
+TEST(Program, FilesMayHaveTheNameOfAVerb) {
     const Ran ran = run({"check", "import"});
     EXPECT_EQ(ran.code, ExitCode::cannot_read_or_write);
     EXPECT_EQ(ran.out, "import: unreadable\n");
 }
 
 TEST(ExitCodes, TheMostSeriousCounts) {
-    // In the order of seriousness.
+    // From the least to the most serious.
     const std::array<ExitCode, 4> order{ExitCode::fine, ExitCode::refused, ExitCode::cannot_read_or_write,
                                         ExitCode::usage};
     for (std::size_t a = 0; a < order.size(); ++a) {
@@ -114,7 +115,7 @@ TEST(BundlePath, PlacesBesideTheProgram) {
     EXPECT_EQ(places[2].generic_string(), "/opt/vxr/bin/" + name);
 }
 
-TEST(Progress, SilentUnlessSomebodyWatches) {
+TEST(Progress, SilentUnlessItIsWatched) {
     std::ostringstream out;
     std::ostringstream err;
     cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};

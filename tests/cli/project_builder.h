@@ -5,7 +5,7 @@
 
 #include "embedded/project.h"
 
-/// Makes the plain data of a project entry by entry, for tests of what is said about it.
+/// Builds the plain data of a project entry by entry, for tests of how it is shown.
 class ProjectBuilder {
   public:
     embedded::Project project = embedded::empty_project();
@@ -43,7 +43,7 @@ class ProjectBuilder {
         return project.footage.emplace_back(made);
     }
 
-    /// On top of the others of `composition`, at its beginning, 10 frames long.
+    /// A layer on top of the others of `composition`, at its beginning, 10 frames long.
     embedded::Layer& layer(embedded::Id composition, embedded::LayerKind kind, std::string name,
                            embedded::Id source = 0) {
         embedded::Layer made;
@@ -59,7 +59,7 @@ class ProjectBuilder {
         return project.layers.emplace_back(made);
     }
 
-    /// `frames` keys of a stream, one a frame from `first` on, at 25 frames a second.
+    /// `frames` keys of a stream, one per frame from `first` on, at 25 frames a second.
     static void keys(embedded::Layer& layer, AEGP_LayerStream kind, int first, int frames) {
         embedded::Stream& stream = layer.streams[kind];
         stream.kind = kind;

@@ -148,12 +148,12 @@ const AlphaCase kAlphaCases[] = {
     {"straight", true, FootageKind::file, 0, "straight"},
     {"premultiplied", true, FootageKind::file, kAlphaFlagPremultiplied, "premultiplied"},
     {"ignored wins", true, FootageKind::file, kAlphaFlagIgnore | kAlphaFlagPremultiplied, "ignored"},
-    {"none to speak of", false, FootageKind::file, kAlphaFlagPremultiplied, "none"},
+    {"file without alpha", false, FootageKind::file, kAlphaFlagPremultiplied, "none"},
     {"a placeholder has what its entry says", false, FootageKind::placeholder, kAlphaFlagPremultiplied,
      "premultiplied"},
 };
 
-TEST(ProjectWords, Alpha) {
+TEST(ProjectLabels, Alpha) {
     for (const AlphaCase& one : kAlphaCases) {
         embedded::Footage footage;
         footage.has_alpha = one.has_alpha;
@@ -163,7 +163,7 @@ TEST(ProjectWords, Alpha) {
     }
 }
 
-TEST(ProjectWords, Frames) {
+TEST(ProjectLabels, Frames) {
     const A_Ratio rate{2997, 100};
     EXPECT_EQ(cli::frames_text(10 / 29.97, rate), "10");
     EXPECT_EQ(cli::frames_text(-5 / 29.97, rate), "-5");

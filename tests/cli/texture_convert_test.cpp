@@ -81,7 +81,7 @@ TEST(TextureConvert, ThereAndBackAgainKeepsEveryByte) {
     }
 }
 
-TEST(TextureConvert, SaysWhatBecameOfEveryFileInTheirOrder) {
+TEST(TextureConvert, ReportsEveryFileInTheOrderNamed) {
     const TemporaryFolder folder;
     write(folder, "large.txl", made_texture(600, 400, Texture::kRgb, 1));
     write(folder, "small.txl", made_texture(4, 4, Texture::kGrey, 0));
@@ -105,7 +105,7 @@ TEST(TextureConvert, WithoutAFolderTheOutputIsBesideTheInput) {
     EXPECT_EQ(names_in(folder.folder() / "sub"), (std::vector<std::string>{"a.b.tif", "a.b.txl"}));
 }
 
-TEST(TextureConvert, AlphaChoosesWhatGoesAlong) {
+TEST(TextureConvert, AlphaChoosesTheChannelsToKeep) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(9, 7, Texture::kRgb, 3);
     write(folder, "a.txl", texture);
@@ -132,7 +132,7 @@ TEST(TextureConvert, AlphaChoosesWhatGoesAlong) {
     EXPECT_FALSE(fs::exists(folder.path("x.png")));
 }
 
-TEST(TextureConvert, ChannelsWithoutRoomAreAnErrorAndNotLeftOut) {
+TEST(TextureConvert, ChannelsWithoutRoomAreAnErrorInsteadOfDropped) {
     const TemporaryFolder folder;
     write(folder, "a.txl", made_texture(9, 7, Texture::kRgb, 3));
     folder.write("a.png", "what was there");
@@ -168,7 +168,7 @@ TEST(TextureConvert, ConvertAlphaMultipliesAndDivides) {
 }
 
 TEST(TextureConvert, TiffsAreMarkedAsAssociated) {
-    // A marked TIFF needs nothing done to its bytes, so every program reads the same from it.
+    // The bytes of a marked TIFF need no conversion, so every program reads the same values.
     const TemporaryFolder folder;
     write(folder, "a.txl", made_texture(9, 7, Texture::kRgb, 1));
     ASSERT_EQ(convert(folder, {"a.txl", "-o", "a.tif"}).exit_code, 0);
@@ -205,7 +205,7 @@ TEST(TextureConvert, WarnsAboutWhatWasRepaired) {
     }
 }
 
-TEST(TextureConvert, AFileThatIsRefusedLeavesWhatWasThere) {
+TEST(TextureConvert, ARefusedFileLeavesTheOldOutput) {
     const TemporaryFolder folder;
     folder.write("text.tif", "this is no image");
     folder.write("text.txl", "what was there");
@@ -241,7 +241,7 @@ TEST(TextureConvert, ExitCodeSaysWhetherFilesCouldBeReadAndWritten) {
     EXPECT_TRUE(fs::exists(folder.path("a.tif")));
 }
 
-TEST(TextureConvert, NeitherSideATextureIsRefused) {
+TEST(TextureConvert, RefusedWhenNeitherSideIsATexture) {
     const TemporaryFolder folder;
     ASSERT_EQ(run_process({"oiiotool", "--create", "8x8", "3", "-o", folder.path("a.tif")}).exit_code, 0);
     const ProcessResult run = convert(folder, {"a.tif", "--to", "png"});
@@ -249,7 +249,7 @@ TEST(TextureConvert, NeitherSideATextureIsRefused) {
     EXPECT_EQ(run.err, "a.tif: error: neither this file nor a.png is a texture [no-texture]\n");
 }
 
-TEST(TextureConvert, ATextureIsKnownByItsFirstBytes) {
+TEST(TextureConvert, ATextureIsRecognisedByItsFirstBytes) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(4, 4, Texture::kRgb, 1);
     write(folder, "a.tex", texture);
@@ -308,7 +308,7 @@ TEST(TextureConvert, JsonSaysTheSame) {
     EXPECT_EQ(document.at("files").at(1).at("diagnostics").at(0).at("code"), "cannot-open");
 }
 
-/// Runs a command with a terminal for all its streams; what it wrote there.
+/// Runs a command with a terminal for all its streams, and returns what it wrote there.
 std::string in_terminal(const std::vector<std::string>& arguments) {
     int terminal = -1;
     std::vector<char*> pointers;
@@ -324,7 +324,7 @@ std::string in_terminal(const std::vector<std::string>& arguments) {
     }
     std::string text;
     char buffer[4096];
-    // Reading fails when the last process with the terminal is gone.
+    // Reading fails once the last process that uses the terminal has ended.
     for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
         text.append(buffer, static_cast<std::size_t>(count));
     }
@@ -343,7 +343,7 @@ TEST(TextureConvert, ShowsABarOnATerminal) {
     EXPECT_NE(two.find("[########################################] 2/2"), std::string::npos) << two;
     EXPECT_NE(two.find("\r\x1b[K2 of 2 converted\r\n"), std::string::npos) << two;
     EXPECT_EQ(two.find(" -> "), std::string::npos) << two;
-    // One file is not worth a bar.
+    // A single file shows no bar.
     const std::string one = in_terminal(command_in(folder, {"a.txl", "--to", "tif"}));
     EXPECT_EQ(one, "a.txl -> a.tif: 4 x 4, RGB, no alpha\r\n");
 }
