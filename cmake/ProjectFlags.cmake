@@ -129,6 +129,9 @@ function(vxr_test name)
     target_compile_definitions(${name} PRIVATE
         VXR_EXAMPLES_DIR="${PROJECT_SOURCE_DIR}/examples"
         VXR_TEST_DATA_DIR="${PROJECT_SOURCE_DIR}/tests/data")
+    if(VXR_JOINED)
+        target_precompile_headers(${name} REUSE_FROM vxr_test_headers)
+    endif()
     if(arg_RUNS)
         list(TRANSFORM arg_RUNS PREPEND "${name}." OUTPUT_VARIABLE tests)
     else()
