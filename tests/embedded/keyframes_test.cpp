@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <chrono>
+#include <ctime>
 
 #include "embedded/bundle_side.h"
 #include "embedded/layer_model.h"
@@ -164,11 +164,12 @@ TEST(Streams, ReadOnlyTheMembersThatCount) {
     EXPECT_EQ(stream.value, (embedded::StreamComponents{100.0, 106.67, 0.0, 0.0}));
 }
 
-/// Seconds for `objects` cameras with `keys` keys each, added newest first, the worst order there is.
+/// Seconds of processor time for `objects` cameras with `keys` keys each, added newest first, the worst order
+/// there is.
 double seconds_for(int objects, int keys) {
     BundleSide bundle;
     const AEGP_CompH comp = bundle.comp();
-    const auto start = std::chrono::steady_clock::now();
+    const std::clock_t start = std::clock();
     for (int object = 0; object < objects; ++object) {
         std::vector<std::pair<A_Time, double>> list;
         list.reserve(static_cast<std::size_t>(keys));
@@ -179,9 +180,9 @@ double seconds_for(int objects, int keys) {
         add_keys(bundle, stream, list);
         bundle.stream_suite->AEGP_DisposeStream(stream);
     }
-    const std::chrono::duration<double> spent = std::chrono::steady_clock::now() - start;
+    const std::clock_t spent = std::clock() - start;
     EXPECT_EQ(zoom_of(bundle).keyframes.size(), static_cast<std::size_t>(keys));
-    return spent.count();
+    return static_cast<double>(spent) / CLOCKS_PER_SEC;
 }
 
 TEST(Keyframes, OfLargeScenesTakeTimeInProportionToTheirNumber) {

@@ -9,7 +9,7 @@ class Deadline {
   public:
 #if !defined(_WIN32)
     Deadline() {
-        constexpr unsigned kPatience_s = 120;
+        constexpr unsigned kPatience_s = 600;
         ::alarm(kPatience_s);
     }
     ~Deadline() {
