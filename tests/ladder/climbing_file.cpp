@@ -8,17 +8,26 @@
 #include <random>
 #include <set>
 #include <stdexcept>
+#include <utility>
 
 #include "support/file_content.h"
-#include "support/regressions.h"
+#include "support/fuzz_inputs.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 
-constexpr const char* kScene =
+constexpr const char* kSceneWithFootage =
     "VORTAN XR COMPOSITION\nRESOLUTION 64 48 FROM 0 TO 3 RANGE 4 FPS 25\n"
     "COMPOSITION NRM \"Main\" {\nFILE NRM PREMUL \"C:\\";
+
+constexpr const char* kEveryConstruct =
+    "VORTAN XR COMPOSITION RESOLUTION 7 5 FROM 0 TO 9 RANGE 10 FPS 25 ASPECT 1.5 FIELDS ODD LOCAL\n"
+    "COMPOSITION NRM \"M$\"\" { / c\n FILE ADD PREMUL \"a.tif\"\n COMPOSITION MUL \"N\" { } }\r\n"
+    "FSEQ <-> STRAIGHT \"a-path-of-more-than-twenty-bytes.tif\"\n"
+    "CAMERA \"C\" { KEY 0 1 2 3 4 5 6 40 KEY 1 1 2 3 4 5 6 40 900 }\n"
+    "LIGHT \"L\" { TYPE SPOT SHADOW HARD COLOR 1 1 1 INTENSITY 2 ANGLE 3 KEY 0 1 2 3 4 5 6 }\n"
+    "NULL \"a name that is longer than fifty characters, so that it grows\" { KEY 0 1 2 3 4 5 6 }\n";
 
 bool is_one_of(const std::string& text, std::initializer_list<const char*> all) {
     return std::find(all.begin(), all.end(), text) != all.end();
@@ -34,15 +43,19 @@ void add_examples(std::vector<Example>& examples) {
         const Kind kind = extension == ".aec"   ? Kind::scene
                           : extension == ".txl" ? Kind::texture
                                                 : Kind::footage;
-        examples.push_back({entry.path().string(), fs::relative(entry.path(), root).string(), kind, {}});
+        examples.push_back(
+            {entry.path().string(), fs::relative(entry.path(), root).string(), kind, {}, Origin::example});
     }
 }
 
-void add_regressions(std::vector<Example>& examples) {
-    for (const Regression& kept : regressions_in(VXR_REGRESSIONS_DIR)) {
-        if (!kept.extension.empty()) {
-            examples.push_back({kept.path, kept.name + kept.extension,
-                                kept.extension == ".aec" ? Kind::scene : Kind::texture, kept.bytes});
+// Several targets of the fuzzers keep the same file: each content climbs once.
+void add_fuzz_inputs(std::vector<Example>& examples, const char* folder, Origin origin) {
+    std::set<std::pair<std::string, std::string>> contents;
+    for (const FuzzInput& input : fuzz_inputs_in(folder)) {
+        if (!input.extension.empty() && contents.emplace(input.extension, input.bytes).second) {
+            examples.push_back({input.path, input.name + input.extension,
+                                input.extension == ".aec" ? Kind::scene : Kind::texture, input.bytes,
+                                origin});
         }
     }
 }
@@ -53,16 +66,28 @@ const std::vector<Example>& all_examples() {
     static const std::vector<Example> all = [] {
         std::vector<Example> examples;
         add_examples(examples);
-        add_regressions(examples);
+        add_fuzz_inputs(examples, VXR_REGRESSIONS_DIR, Origin::regression);
         std::sort(examples.begin(), examples.end(),
-                  [](const Example& a, const Example& b) { return a.path < b.path; });
+                  [](const Example& a, const Example& b) { return a.name < b.name; });
         return examples;
     }();
     return all;
 }
 
-bool is_sound(const Example& example) {
-    return example.path.starts_with(VXR_EXAMPLES_DIR "/");
+const std::vector<Example>& all_seeds() {
+    static const std::vector<Example> all = [] {
+        std::vector<Example> seeds;
+        seeds.push_back({{}, "every_construct.aec", Kind::scene, kEveryConstruct});
+        add_fuzz_inputs(seeds, VXR_CORPUS_DIR, Origin::seed);
+        return seeds;
+    }();
+    return all;
+}
+
+std::vector<Example> examples_and_seeds() {
+    std::vector<Example> all = all_examples();
+    all.insert(all.end(), all_seeds().begin(), all_seeds().end());
+    return all;
 }
 
 std::vector<Example> examples_of(Kind kind) {
@@ -76,19 +101,19 @@ std::vector<Example> examples_of(Kind kind) {
 }
 
 ClimbingFile::ClimbingFile(const Example& example, bool with_neighbours)
-    : bytes_(is_sound(example) ? content_of(example.path) : example.bytes) {
-    const fs::path original = example.path;
+    : bytes_(example.origin == Origin::example ? content_of(example.path) : example.bytes) {
     const std::string name = fs::path(example.name).filename().string();
     path_ = folder_.path(name);
-    if (with_neighbours) {
-        for (const fs::directory_entry& entry : fs::directory_iterator(original.parent_path())) {
+    if (with_neighbours && example.origin == Origin::example) {
+        for (const fs::directory_entry& entry :
+             fs::directory_iterator(fs::path(example.path).parent_path())) {
             if (entry.is_regular_file() && entry.path().filename() != name) {
                 fs::create_symlink(entry.path(), folder_.path(entry.path().filename().string()));
             }
         }
     }
     if (example.kind == Kind::footage) {
-        scene_ = folder_.write("climbing.aec", kScene + name + "\"\n}\n");
+        scene_ = folder_.write("climbing.aec", kSceneWithFootage + name + "\"\n}\n");
     }
     constexpr mode_t kOwnFile = 0600;
     descriptor_ = ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kOwnFile);
@@ -102,10 +127,10 @@ ClimbingFile::~ClimbingFile() {
     ::close(descriptor_);
 }
 
-// Only what is different is written: most rungs differ from the one before in one byte.
+// Writes only what differs: most rungs differ from the one before in one byte.
 void ClimbingFile::cut(std::size_t length_bytes) {
-    if (flipped_bytes_ < length_bytes_) {
-        write_at(flipped_bytes_, &bytes_[flipped_bytes_], 1);
+    if (changed_bytes_ < length_bytes_) {
+        write_at(changed_bytes_, &bytes_[changed_bytes_], 1);
     }
     if (length_bytes < length_bytes_) {
         if (::ftruncate(descriptor_, static_cast<off_t>(length_bytes)) != 0) {
@@ -118,10 +143,13 @@ void ClimbingFile::cut(std::size_t length_bytes) {
 }
 
 void ClimbingFile::flip(std::size_t offset_bytes, unsigned bit) {
+    replace(offset_bytes, static_cast<char>(static_cast<unsigned char>(bytes_[offset_bytes]) ^ (1U << bit)));
+}
+
+void ClimbingFile::replace(std::size_t offset_bytes, char byte) {
     cut(bytes_.size());
-    const auto byte = static_cast<char>(static_cast<unsigned char>(bytes_[offset_bytes]) ^ (1U << bit));
     write_at(offset_bytes, &byte, 1);
-    flipped_bytes_ = offset_bytes;
+    changed_bytes_ = offset_bytes;
 }
 
 void ClimbingFile::write_at(std::size_t offset_bytes, const char* bytes, std::size_t count) const {

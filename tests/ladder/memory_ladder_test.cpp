@@ -30,7 +30,8 @@ TEST(MemoryLadder, EveryAllocationRefused) {
             ASSERT_EQ(clean.complaint, "") << example.name;
         }
         // A texture's memory is malloc's, and a file that is refused by its first letters needs none.
-        if (RefusedAllocation::with_malloc() || (example.kind == Kind::scene && is_sound(example))) {
+        if (RefusedAllocation::with_malloc() ||
+            (example.kind == Kind::scene && example.origin == Origin::example)) {
             ASSERT_GT(asked, 0) << example.name;
         }
         const std::size_t most = example.kind == Kind::footage ? 1 : kOfOneFile;

@@ -1,7 +1,11 @@
-// The readers themselves, without a host: what they make of every cut and of every turned bit is sound.
+// The readers themselves, without a host: whatever is cut off and whichever bit is inverted, the result is a
+// sound model or texture, or a refusal with one reason.
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <filesystem>
+#include <iterator>
 #include <optional>
 #include <string>
 
@@ -9,6 +13,7 @@
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
+#include "composition/read/read_observer.h"
 #include "ladder/climbing_file.h"
 #include "ladder/rungs.h"
 #include "texture/value/texture_complaint.h"
@@ -16,18 +21,52 @@
 
 namespace {
 
+// Of each file at most so many inverted bits and an eighth as many lengths.
 #if defined(VXR_SANITIZED)
 constexpr std::size_t kMost = 480;
+constexpr std::size_t kMostOfASeed = 80;
 #else
 constexpr std::size_t kMost = std::size_t{8} * 4096;
+constexpr std::size_t kMostOfASeed = 1024;
 #endif
 
-std::string scene_complaint(const std::string& path) {
+struct FailureObserver : ReadObserver {
+    void on_failure(const diagnostic::Diagnostic& error) override {
+        ++failures;
+        offset_bytes = error.at.offset_bytes.value_or(-1);
+    }
+    int failures = 0;
+    std::int64_t offset_bytes = 0;
+};
+
+/// Reads a scene. Returns what is wrong with the result, or "".
+std::string scene_complaint(const std::string& path, ReadObserver* observer, bool& read) {
     ASCIIParser parser;
+    parser.SetObserver(observer);
     tagProjectSettings settings;
     const bool opened = parser.Init(Filename(path.c_str()), 1, 0) == 0;
-    const bool read = opened && ReadCompositionFile(parser, settings) == 1;
+    read = opened && ReadCompositionFile(parser, settings) == 1;
     return validate_model(settings, read ? ModelState::complete : ModelState::broken_off).value_or("");
+}
+
+/// As the bundle reads a scene and as the tools do, which must agree.
+std::string scene_complaint(const std::string& path) {
+    bool read = false;
+    bool read_by_tools = false;
+    FailureObserver observer;
+    const std::string complaint =
+        scene_complaint(path, nullptr, read) + scene_complaint(path, &observer, read_by_tools);
+    if (read != read_by_tools) {
+        return complaint + "an observer changes whether the file is read";
+    }
+    if (observer.failures != (read ? 0 : 1)) {
+        return complaint + std::to_string(observer.failures) + " reasons";
+    }
+    const auto size_bytes = static_cast<std::int64_t>(std::filesystem::file_size(path));
+    if (observer.offset_bytes < 0 || observer.offset_bytes > size_bytes) {
+        return complaint + "the place is outside the file";
+    }
+    return complaint;
 }
 
 std::string texture_complaint_of(const std::string& path) {
@@ -42,26 +81,84 @@ std::string complaint_of(const Example& example, const ClimbingFile& file) {
     return example.kind == Kind::scene ? scene_complaint(file.path()) : texture_complaint_of(file.path());
 }
 
-TEST(ReaderLadder, CutAtEveryLengthAndEveryBitTurned) {
-    for (const Example& example : all_examples()) {
+std::size_t most_bits(const Example& example, const ClimbingFile& file) {
+    if (example.origin == Origin::seed && !example.path.empty()) {
+        return kMostOfASeed;
+    }
+    return file.size_bytes() < 4096 ? kMost : kMost / 16;
+}
+
+TEST(ReaderLadder, CutAtEveryLengthAndEveryBitInverted) {
+    constexpr std::size_t kBits = 8;
+    for (const Example& example : examples_and_seeds()) {
         if (example.kind == Kind::footage) {
             continue;
         }
         ClimbingFile file(example, false);
         EXPECT_EQ(complaint_of(example, file), "") << example.name;
-        for (const std::size_t length : some_of(file.size_bytes(), kMost / 8)) {
+        const std::size_t most =
+            example.origin == Origin::seed && !example.path.empty() ? kMostOfASeed : kMost;
+        for (const std::size_t length : some_of(file.size_bytes(), most / kBits)) {
             file.cut(length);
             EXPECT_EQ(complaint_of(example, file), "") << example.name << " cut at " << length;
             count_rungs("cuts");
         }
-        constexpr std::size_t kBits = 8;
-        for (const std::size_t bit :
-             some_of(kBits * file.size_bytes(), file.size_bytes() < 4096 ? kMost : kMost / 16)) {
+        for (const std::size_t bit : some_of(kBits * file.size_bytes(), most_bits(example, file))) {
             file.flip(bit / kBits, static_cast<unsigned>(bit % kBits));
             EXPECT_EQ(complaint_of(example, file), "") << example.name << ", bit " << bit;
             count_rungs("flips");
         }
     }
+}
+
+TEST(ReaderLadder, EveryByteOfASceneReplacedByOnesThatMatter) {
+    for (const Example& example : examples_and_seeds()) {
+        if (example.kind != Kind::scene) {
+            continue;
+        }
+        ClimbingFile file(example, false);
+        for (const std::size_t offset :
+             some_of(file.size_bytes(), most_bits(example, file) / std::size(kBytesThatMatter))) {
+            for (const char byte : kBytesThatMatter) {
+                file.replace(offset, byte);
+                EXPECT_EQ(complaint_of(example, file), "")
+                    << example.name << ", byte " << offset << " is " << static_cast<int>(byte);
+                count_rungs("replaced_bytes");
+            }
+        }
+    }
+}
+
+// In a sanitizer's build too, every byte of the scene in which every construct occurs.
+TEST(ReaderLadder, EveryConstructIsReadAndBreaksInEveryPlace) {
+    const Example& scene = all_seeds().front();
+    ASSERT_EQ(scene.name, "every_construct.aec");
+    ClimbingFile file(scene, false);
+    bool read = false;
+    EXPECT_EQ(scene_complaint(file.path(), nullptr, read), "");
+    EXPECT_TRUE(read);
+    int accepted = 0;
+    for (std::size_t length = 0; length < file.size_bytes(); ++length) {
+        file.cut(length);
+        EXPECT_EQ(scene_complaint(file.path()), "") << "cut at " << length;
+        EXPECT_EQ(scene_complaint(file.path(), nullptr, read), "");
+        accepted += read ? 1 : 0;
+        count_rungs("cuts");
+    }
+    EXPECT_GT(accepted, 0) << "a file may end behind any of its sections";
+    EXPECT_LT(accepted, 300);
+    int refused = 0;
+    for (std::size_t offset = 0; offset < file.size_bytes(); ++offset) {
+        for (const char byte : kBytesThatMatter) {
+            file.replace(offset, byte);
+            EXPECT_EQ(scene_complaint(file.path()), "")
+                << "byte " << offset << " is " << static_cast<int>(byte);
+            EXPECT_EQ(scene_complaint(file.path(), nullptr, read), "");
+            refused += read ? 0 : 1;
+            count_rungs("replaced_bytes");
+        }
+    }
+    EXPECT_GT(refused, 0);
 }
 
 }  // namespace

@@ -4,7 +4,7 @@
 #include <limits>
 
 #include "limit/scene_text.h"
-#include "support/regressions.h"
+#include "support/fuzz_inputs.h"
 #include "texture/txl_builder.h"
 
 namespace {
@@ -146,7 +146,7 @@ std::vector<HostileFile> hostile_files() {
 
 std::vector<HostileFile> former_finds(const std::string& folder) {
     std::vector<HostileFile> files;
-    for (const Regression& kept : regressions_in(folder)) {
+    for (const FuzzInput& kept : fuzz_inputs_in(folder)) {
         for (const char* const extension : {".aec", ".txl"}) {
             files.push_back({kept.name, extension, kept.bytes});
         }

@@ -10,20 +10,20 @@
 
 #include "support/file_content.h"
 
-/// A former find of the fuzzers, kept in fuzz/regress/TARGET.
-struct Regression {
+/// A kept input of a fuzzer: a former find in fuzz/regress/TARGET or a seed in fuzz/corpus/TARGET.
+struct FuzzInput {
     std::string path;
-    std::string name;       ///< "TARGET/NNNN-what-it-was"
-    std::string extension;  ///< of the file in it; empty when a host can be given no such file
-    std::string bytes;      ///< of the file in it, or all of them
+    std::string name;       ///< "TARGET/FILE"
+    std::string extension;  ///< of the file in it; empty for a target whose inputs no host reads
+    std::string bytes;      ///< of the file in it, without the options that the target reads first
 };
 
-namespace regression_targets {
+namespace fuzz_targets {
 
 struct Target {
     const char* name;
     const char* extension;
-    std::size_t option_bytes;  // before the file, as fuzz/targets/NAME.cpp has them
+    std::size_t option_bytes;  // before the file, as fuzz/targets/NAME.cpp reads them
 };
 
 inline constexpr Target kAll[] = {
@@ -33,29 +33,28 @@ inline constexpr Target kAll[] = {
     {"texture", ".txl", 0},     {"tokenizer", ".aec", 1},
 };
 
-}  // namespace regression_targets
+}  // namespace fuzz_targets
 
-/// Every regression below `folder`, by name. Throws for one of a target that is not known here.
-inline std::vector<Regression> regressions_in(const std::filesystem::path& folder) {
-    using regression_targets::kAll;
-    std::vector<Regression> all;
+/// Every input below `folder`, by name. Throws for one of a target that is not known here.
+inline std::vector<FuzzInput> fuzz_inputs_in(const std::filesystem::path& folder) {
+    using fuzz_targets::kAll;
+    std::vector<FuzzInput> all;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(folder)) {
         if (!entry.is_regular_file() || entry.path().extension() == ".md") {
             continue;
         }
         const std::string name = entry.path().lexically_relative(folder).string();
         const auto* const target =
-            std::find_if(std::begin(kAll), std::end(kAll), [&](const regression_targets::Target& candidate) {
+            std::find_if(std::begin(kAll), std::end(kAll), [&](const fuzz_targets::Target& candidate) {
                 return name.starts_with(std::string(candidate.name) + "/");
             });
         if (target == std::end(kAll)) {
-            throw std::runtime_error(name + " is a regression of a target that is not known here");
+            throw std::runtime_error(name + " is an input of a target that is not known here");
         }
         const std::string bytes = content_of(entry.path());
         all.push_back({entry.path().string(), name, target->extension,
                        bytes.substr(std::min(target->option_bytes, bytes.size()))});
     }
-    std::sort(all.begin(), all.end(),
-              [](const Regression& a, const Regression& b) { return a.name < b.name; });
+    std::sort(all.begin(), all.end(), [](const FuzzInput& a, const FuzzInput& b) { return a.name < b.name; });
     return all;
 }
