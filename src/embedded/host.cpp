@@ -125,7 +125,7 @@ LoadResult Host::load(const std::filesystem::path& bundle, const std::string& en
     }
     loaded = generation() == HostGeneration::classic
                  ? session_->call_entry(reinterpret_cast<AEGP_PluginInitFunc>(function), os::text_of(bundle))
-                 : session_->call_entry(reinterpret_cast<AEGP_PluginInitFuncToday>(function));
+                 : session_->call_entry(reinterpret_cast<AEGP_PluginInitFuncCurrent>(function));
     if (!loaded.ok()) {
         session_->bundle.reset();
     }

@@ -29,7 +29,7 @@
 #include "embedded/conformance.h"
 #include "embedded/host_options.h"
 #include "embedded/project.h"
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 
 namespace embedded {
 

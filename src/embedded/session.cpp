@@ -136,7 +136,7 @@ LoadResult Session::call_entry(AEGP_PluginInitFunc entry, const std::string& pat
     }));
 }
 
-LoadResult Session::call_entry(AEGP_PluginInitFuncToday entry) {
+LoadResult Session::call_entry(AEGP_PluginInitFuncCurrent entry) {
     const InterfaceVersion version = options.interface_version();
     return finish_loading(run("entry point", [&] {
         return entry(basic_suite_table(), version.major, version.minor, plugin_id, &global_refcon);

@@ -108,7 +108,7 @@ class Session {
     CallbackResult run(const std::string& name, const std::function<A_Err()>& body);
     /// `path` is what a classic host says the bundle's file is.
     LoadResult call_entry(AEGP_PluginInitFunc entry, const std::string& path);
-    LoadResult call_entry(AEGP_PluginInitFuncToday entry);
+    LoadResult call_entry(AEGP_PluginInitFuncCurrent entry);
     void unload();
     /// Forgets what a bundle registered.
     void forget_registrations();

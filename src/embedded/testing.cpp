@@ -22,7 +22,7 @@ LoadResult TestHost::load_entry(AEGP_PluginInitFunc entry) {
     return session().call_entry(entry, "");
 }
 
-LoadResult TestHost::load_entry(AEGP_PluginInitFuncToday entry) {
+LoadResult TestHost::load_entry(AEGP_PluginInitFuncCurrent entry) {
     require_generation(session(), HostGeneration::today);
     unload();
     return session().call_entry(entry);

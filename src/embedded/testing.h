@@ -29,7 +29,7 @@ class TestHost : public Host {
     /// Calls an entry point that is already in this process. Throws std::logic_error when it is not one for
     /// the host's generation.
     LoadResult load_entry(AEGP_PluginInitFunc entry);
-    LoadResult load_entry(AEGP_PluginInitFuncToday entry);
+    LoadResult load_entry(AEGP_PluginInitFuncCurrent entry);
 
     // --- what a bundle is given
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 
 namespace embedded {
 

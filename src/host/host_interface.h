@@ -1,15 +1,15 @@
 #pragma once
 
-// The host's binary interface, as far as this system uses it: After Effects, 64-bit records, the suite
-// versions that the classic generation of hosts offers (narrow paths, interface 9.x to 12.x).
+// The part of After Effects' binary interface that the plug-in uses: 64-bit records, and the suite versions
+// of classic hosts (narrow paths, interface 9.x to 12.x). current_interface.h declares what current hosts
+// have instead.
 //
-// Declared here in our own words and held byte for byte by the static_asserts beside each record and table:
-// the host was compiled elsewhere, so a member in the wrong place is not an error message but a crash in
-// somebody's project. Slots that this system never calls are reserved pointers, so that every table has its
-// full length.
+// The declarations are our own. The static_asserts beside each record and table check every offset: the host
+// is compiled elsewhere, so a misplaced member causes no compile error but a crash in an artist's project.
+// Slots that the plug-in never calls are reserved pointers, which give every table its full length.
 //
-// All functions are plain C functions with the platform's default calling convention. Every one of them
-// returns an `A_Err`, 0 for success, unless its declaration says otherwise.
+// All functions are plain C functions with the platform's default calling convention. They return an `A_Err`,
+// 0 for success, unless a declaration says otherwise.
 
 #include <cstddef>
 #include <cstdint>
@@ -17,7 +17,7 @@
 static_assert(sizeof(void*) == 8, "the layouts below are those of 64-bit hosts");
 
 // ---------------------------------------------------------------------------------------------------------------
-// Scalars. Fixed widths on every platform: the host's records never hold a C `long`.
+// Scalars. The widths are the same on every platform: the host's records never contain a C `long`.
 
 using A_long = std::int32_t;
 using A_u_long = std::uint32_t;
@@ -51,7 +51,7 @@ using AE_FIM_ImportFlags = std::int32_t;
 using AE_FIM_SpecialAction = std::int32_t;
 
 // ---------------------------------------------------------------------------------------------------------------
-// Handles and refcons. Opaque to this system; distinct pointer types so that the compiler keeps them apart.
+// Handles and refcons. Opaque to the plug-in; distinct pointer types let the compiler tell them apart.
 
 using AEGP_ProjectH = struct AEGP_Project*;
 using AEGP_ItemH = struct AEGP_Item*;
@@ -66,7 +66,7 @@ using AEIO_InSpecH = struct AEIO_SeqSpec**;
 using AEIO_OutSpecH = struct AEIO_OutSpec**;
 using AEIO_Handle = AEGP_MemHandle;  ///< a memory handle, as the input-module block names it
 
-struct AEGP_FootageLayerKey;  ///< chooses a layer of a layered file; this system always passes null
+struct AEGP_FootageLayerKey;  ///< selects a layer of a layered file; the plug-in always passes null
 
 using AEGP_GlobalRefcon = void*;
 using AEGP_DeathRefcon = void*;
@@ -83,7 +83,7 @@ inline constexpr A_Err kHostErrorStructure = 2;
 inline constexpr A_Err kHostErrorParameter = 3;
 inline constexpr A_Err kHostErrorAllocation = 4;
 inline constexpr A_Err kHostErrorMissingSuite = 13;
-/// What an input-module callback returns to have the host do its default handling.
+/// An input-module callback returns this to request the host's default handling.
 inline constexpr A_Err kHostUseDefaultCallback = 9992;
 
 inline constexpr AEGP_LayerStream kLayerStreamAnchorPoint = 0;  ///< a camera's or light's point of interest
@@ -124,7 +124,7 @@ inline constexpr FIEL_Type kFieldTypeInterlaced = 1;
 inline constexpr FIEL_Order kFieldOrderUpperFirst = 0;
 inline constexpr FIEL_Order kFieldOrderLowerFirst = 1;
 
-/// The host guesses how footage is to be interpreted and asks nobody.
+/// The host guesses how to interpret footage and shows no dialog.
 inline constexpr AEGP_InterpretationStyle kInterpretationGuessWithoutDialog = 0;
 
 inline constexpr AE_FIM_ImportFlags kImportFlagComposition = 2;
@@ -141,7 +141,7 @@ inline constexpr A_long kModuleFlagNoUserInterface = 1 << 25;
 
 inline constexpr A_long kSupportedDepth32WithAlpha = 1 << 7;
 
-/// What a caller makes ready for a path that a classic host writes: 259 bytes and a terminator.
+/// The size of the caller's buffer for a path that a classic host writes: 259 bytes and a terminator.
 inline constexpr std::size_t kClassicPathBytes = 260;
 
 inline constexpr AEIO_AlphaType kAlphaTypeStraight = 0;
@@ -149,17 +149,17 @@ inline constexpr AEIO_AlphaType kAlphaTypePremultiplied = 1;
 inline constexpr AEIO_AlphaType kAlphaTypeIgnore = 2;
 inline constexpr AEIO_AlphaType kAlphaTypeNone = 3;
 
-/// A four-character code as the host writes it: the first character in the most significant byte.
+/// A four-character code with the first character in the most significant byte, as the host expects it.
 constexpr A_long four_char_code(const char (&text)[5]) {
     std::uint32_t code = 0;
     for (int i = 0; i < 4; ++i) {
         code = (code << 8) | static_cast<unsigned char>(text[i]);
-}
+    }
     return static_cast<A_long>(code);
 }
 
 // ---------------------------------------------------------------------------------------------------------------
-// Records. Natural alignment, packing 8, except where a packing is given.
+// Records. Natural alignment with packing 8, except where another packing is given.
 
 #pragma pack(push, 8)
 
@@ -221,7 +221,7 @@ struct AEGP_TwoDVal {
     A_FpLong y;
 };
 
-/// The value of a stream; which member counts depends on the stream.
+/// The value of a stream; the stream determines which member is used.
 union AEGP_StreamVal {
     AEGP_FourDVal four_d;
     AEGP_ThreeDVal three_d;
@@ -250,8 +250,8 @@ static_assert(sizeof(AEGP_LayerTransferMode) == 12 && offsetof(AEGP_LayerTransfe
 struct AEGP_FileSequenceImportOptions {
     A_Boolean all_in_folder;
     A_Boolean force_alphabetical;
-    A_long start_frame;  ///< -1: the first there is
-    A_long end_frame;    ///< -1: the last there is
+    A_long start_frame;  ///< -1: the first frame of the sequence
+    A_long end_frame;    ///< -1: the last frame of the sequence
 };
 static_assert(sizeof(AEGP_FileSequenceImportOptions) == 12 &&
               offsetof(AEGP_FileSequenceImportOptions, force_alphabetical) == 1 &&
@@ -260,7 +260,7 @@ static_assert(sizeof(AEGP_FileSequenceImportOptions) == 12 &&
 
 #pragma pack(push, 2)
 
-/// Fields of footage: whole frames or interlaced, and which field comes first.
+/// Interlacing of footage: whole frames or fields, and which field comes first.
 struct FIEL_Label {
     A_u_long signature;
     A_short version;
@@ -272,7 +272,7 @@ static_assert(sizeof(FIEL_Label) == 18 && offsetof(FIEL_Label, version) == 4 &&
               offsetof(FIEL_Label, type) == 6 && offsetof(FIEL_Label, order) == 10 &&
               offsetof(FIEL_Label, reserved) == 14);
 
-/// Alpha of an input module's picture.
+/// The alpha channel of an input module's image.
 struct AEIO_AlphaLabel {
     A_short version;
     AEIO_AlphaFlags flags;
@@ -287,7 +287,7 @@ static_assert(sizeof(AEIO_AlphaLabel) == 10 && offsetof(AEIO_AlphaLabel, flags) 
 
 #pragma pack(pop)
 
-/// Alpha of a footage item; the colour is the matte's.
+/// The alpha channel of a footage item; the colour is that of the matte.
 struct AEGP_AlphaLabel {
     AEGP_AlphaFlags flags;
     A_u_char red;
@@ -302,7 +302,7 @@ struct AEGP_LoopBehavior {
     A_long reserved;
 };
 
-/// How a footage item is read: fields, alpha, loops, pixel aspect, frame rate.
+/// How a footage item is interpreted: fields, alpha, loops, pixel aspect, frame rate.
 struct AEGP_FootageInterp {
     FIEL_Label interlace;
     AEGP_AlphaLabel alpha;
@@ -327,7 +327,7 @@ struct PFILE_FileKind {
 };
 static_assert(sizeof(PFILE_FileKind) == 8 && offsetof(PFILE_FileKind, creator) == 4);
 
-/// A file extension: as four bytes it reads ".txl".
+/// A file extension. Its four bytes spell ".txl".
 struct AEIO_FileExt {
     A_char pad;
     A_char extension[3];
@@ -350,7 +350,7 @@ static_assert(sizeof(AEIO_AuxExt) == 12 && offsetof(AEIO_AuxExt, type) == 4);
 
 inline constexpr int kMaxFileKinds = 16;
 
-/// What an input module tells the host about itself.
+/// An input module's description of itself.
 struct AEIO_ModuleInfo {
     A_long signature;
     A_char name[32];
@@ -391,7 +391,7 @@ struct AEIO_InterruptFuncs {
     void* functions[3];
 };
 
-/// What the host asks for when it wants a frame.
+/// The host's request for a frame.
 struct AEIO_DrawSparseFramePB {
     A_short quality;
     A_Ratio scale_x;
@@ -416,7 +416,7 @@ struct PF_Pixel {
 };
 static_assert(sizeof(PF_Pixel) == 4 && offsetof(PF_Pixel, blue) == 3);
 
-/// The host's 8-bit frame. A row starts `row_bytes` after the one above it.
+/// The host's 8-bit frame. Each row starts `row_bytes` after the one above it.
 struct PF_LayerDef {
     void* reserved_0;
     void* reserved_1;
@@ -449,7 +449,7 @@ using PF_EffectWorld = PF_LayerDef;
 extern "C" {
 
 // ---------------------------------------------------------------------------------------------------------------
-// The basic suite: how every other suite is reached.
+// The basic suite, which gives access to every other suite.
 
 struct SPBasicSuite {
     A_Err (*AcquireSuite)(const char* name, A_long version, const void** suite);
@@ -462,7 +462,7 @@ struct SPBasicSuite {
 };
 static_assert(sizeof(SPBasicSuite) == 56 && offsetof(SPBasicSuite, ReleaseSuite) == 8);
 
-/// What the host gives every input-module callback first.
+/// The first argument of every input-module callback.
 struct AEIO_BasicData {
     void (*msg_func)(A_Err code, const A_char* text);
     const SPBasicSuite* basic_suite;
@@ -476,7 +476,7 @@ using AEIO_InData = AEIO_BasicData;
 // ---------------------------------------------------------------------------------------------------------------
 // Entry point and callbacks
 
-/// The exported entry of a classic bundle. The two paths and the refcon are not used by this system.
+/// The entry point of a classic plug-in. Ours uses neither the two paths nor the refcon.
 using AEGP_PluginInitFunc = A_Err (*)(SPBasicSuite* basic, A_long major_version, A_long minor_version,
                                       const A_char* file_path, const A_char* resource_path,
                                       AEGP_PluginID plugin_id, AEGP_GlobalRefcon* refcon);
@@ -496,7 +496,7 @@ static_assert(sizeof(AE_FIM_ImportCallbacks) == 24 && offsetof(AE_FIM_ImportCall
               offsetof(AE_FIM_ImportCallbacks, verify_cb) == 16);
 
 // ---------------------------------------------------------------------------------------------------------------
-// The input-module function block. Every function takes the basic data first.
+// The function block of an input module. Every function takes the basic data first.
 
 struct AEIO_FunctionBlock2 {
     A_Err (*AEIO_InitInSpecFromFile)(AEIO_BasicData*, const A_char* path, AEIO_InSpecH);
@@ -564,7 +564,7 @@ struct AEIO_FunctionBlock2 {
 
 }  // extern "C"
 
-/// The byte offset of slot n of a table of function pointers.
+/// The byte offset of slot `n` in a table of function pointers.
 constexpr std::size_t slot(std::size_t n) {
     return n * sizeof(void*);
 }
@@ -621,7 +621,8 @@ VXR_FIELD_IS_AT(45, AEIO_UserAudioOptionsDialog);
 #undef VXR_FIELD_IS_AT
 
 // ---------------------------------------------------------------------------------------------------------------
-// Suites. A reserved slot is a function that this system never calls; it is named for the slots it covers.
+// Suites. The plug-in never calls the functions in reserved slots; the name of such a member has the number
+// of its first slot.
 
 using ReservedSlot = void (*)();
 
@@ -820,7 +821,7 @@ static_assert(sizeof(AEGP_MemorySuite1) == slot(8) &&
 struct AEGP_IOInSuite1 {
     A_Err (*AEGP_GetInSpecOptionsHandle)(AEIO_InSpecH, void** options);
     A_Err (*AEGP_SetInSpecOptionsHandle)(AEIO_InSpecH, void* options, void** old_options);
-    /// Into a buffer of kClassicPathBytes.
+    /// Writes to a buffer of kClassicPathBytes.
     A_Err (*AEGP_GetInSpecFilePath)(AEIO_InSpecH, A_char* path);
     ReservedSlot reserved_3[1];
     A_Err (*AEGP_SetInSpecNativeFPS)(AEIO_InSpecH, A_Fixed fps);
@@ -850,14 +851,14 @@ static_assert(sizeof(AEGP_IOInSuite1) == slot(29) &&
 
 struct AEGP_IOOutSuite1 {
     ReservedSlot reserved_0[2];
-    /// Into a buffer of kClassicPathBytes.
+    /// Writes to a buffer of kClassicPathBytes.
     A_Err (*AEGP_GetOutSpecFilePath)(AEIO_OutSpecH, A_char* path);
     ReservedSlot reserved_3[26];
 };
 static_assert(sizeof(AEGP_IOOutSuite1) == slot(29) &&
               offsetof(AEGP_IOOutSuite1, AEGP_GetOutSpecFilePath) == slot(2));
 
-/// The host's mathematics and string functions; they return values, not errors.
+/// The host's mathematics and string functions. They return values, not errors.
 struct PF_ANSISuite1 {
     ReservedSlot reserved_0[3];
     A_FpLong (*cos)(A_FpLong);
@@ -870,7 +871,7 @@ struct PF_ANSISuite1 {
 static_assert(sizeof(PF_ANSISuite1) == slot(19) && offsetof(PF_ANSISuite1, cos) == slot(3) &&
               offsetof(PF_ANSISuite1, sin) == slot(12) && offsetof(PF_ANSISuite1, strcpy) == slot(16));
 
-/// Only its presence is tested.
+/// The plug-in tests only whether it exists.
 struct PF_AEAdvAppSuite1 {
     ReservedSlot reserved_0[10];
 };

@@ -10,12 +10,12 @@ VXR_RELEASED_SUITE_ROWS(VXR_DECLARE_SUITE_TYPE)
 VXR_KEPT_SUITE_ROWS(VXR_DECLARE_SUITE_TYPE)
 #undef VXR_DECLARE_SUITE_TYPE
 
-/// Hands out the host's suites during one call of the host into the plug-in: each is acquired the first time
-/// it is asked for, kept for the rest of the call, and released by the destructor. Lives on the stack of that
-/// call and is used by its thread alone.
+/// Hands out the host's suites during one call of the host into the plug-in. It acquires each suite the first
+/// time it is asked for, keeps it for the rest of the call and releases it in the destructor. It lives on the
+/// stack of that call and is used by its thread alone.
 ///
-/// A suite that the host cannot supply throws MissingSuiteError; nothing in the plug-in catches it, so it
-/// ends the call. Unwinding runs the destructor: what was acquired before is still released.
+/// If the host cannot supply a suite, MissingSuiteError throws. Nothing in the plug-in catches the exception,
+/// so it ends the call. Unwinding runs the destructor, which releases the suites acquired before.
 class AEGP_SuiteHandler {
   public:
     /// Throws MissingSuiteError at once when `basic` is null.
@@ -24,8 +24,8 @@ class AEGP_SuiteHandler {
     AEGP_SuiteHandler(const AEGP_SuiteHandler&) = delete;
     AEGP_SuiteHandler& operator=(const AEGP_SuiteHandler&) = delete;
 
-    // One accessor a row, named after the suite's words and its version: UtilitySuite7() is "AEGP Utility
-    // Suite" 7. Never null; the table belongs to the host and is valid as long as this object.
+    // One accessor for each row, named after the suite's words and its version: UtilitySuite7() is "AEGP
+    // Utility Suite" 7. Never null; the table belongs to the host and is valid as long as this object.
 #define VXR_SUITE_ACCESSOR(name, version, accessor, type)                            \
     const type* accessor() {                                                         \
         return static_cast<const type*>(suite_in_slot(k_##accessor, name, version)); \
@@ -34,14 +34,15 @@ class AEGP_SuiteHandler {
     VXR_KEPT_SUITE_ROWS(VXR_SUITE_ACCESSOR)
 #undef VXR_SUITE_ACCESSOR
 
-    /// Gives one suite back to the host; the host's error code.
+    /// Gives one suite back to the host. Returns the host's error code.
     A_Err ReleaseSuite(const A_char* name, A_long version);
 
-    /// Releases every acquired suite of the released rows, in their order, and ignores the results. The slots
-    /// are not cleared: called once, by the destructor.
+    /// Releases every acquired suite of the released rows, in their order, and ignores the results. Does not
+    /// clear the slots: only the destructor calls it, once.
     void ReleaseAllSuites();
 
-    /// What a missing suite throws, as a `long`: the one exception of the whole plug-in.
+    /// The value that a missing suite throws, as a `long`: the only exception that the plug-in throws on
+    /// purpose.
     static constexpr long kMissingSuite = 516;
 
     /// Throws kMissingSuite.
@@ -56,15 +57,16 @@ class AEGP_SuiteHandler {
     };
 #undef VXR_SUITE_SLOT
 
-    /// Five slots more than there are rows: they have never been given a suite, and the table keeps its
-    /// length.
+    /// Five slots more than there are rows. They never hold a suite and are deliberately kept, with the
+    /// table's length.
     static constexpr std::size_t kSuiteSlots = 101;
     static_assert(kReleasedSuites == 94 && kUsedSlots + 5 == kSuiteSlots);
 
     const void* suite_in_slot(Slot slot_index, const A_char* name, A_long version) {
         const void*& suite = suites_[slot_index];
-        if (suite == nullptr)
+        if (suite == nullptr) {
             suite = acquire(name, version);
+        }
         return suite;
     }
     const void* acquire(const A_char* name, A_long version) const;

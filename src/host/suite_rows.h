@@ -2,14 +2,14 @@
 
 // Every host suite that AEGP_SuiteHandler knows, in one place: ROW(name, version, accessor, type).
 //
-// Names are matched by the host character for character, the lower-case "PF iterate16 Suite" and "PF
-// iterateFloat Suite", "PF ColorParamSuite" without a blank and "AE Plugin Helper Suite2" with its trailing 2
-// included. Only the tables that host_interface.h declares are ever looked into; the other types stay
+// The host matches names character for character, including the lower-case "PF iterate16 Suite" and "PF
+// iterateFloat Suite", "PF ColorParamSuite" without a blank and "AE Plugin Helper Suite2" with its
+// trailing 2. The plug-in reads only the tables that host_interface.h declares; the other types stay
 // incomplete.
 
 /// The suites that a handler releases, in the order in which it releases them. "PF Path Data Suite" 1
-/// deliberately stands twice, with a slot and an accessor each: hosts count every acquisition, and each is
-/// given back on its own.
+/// deliberately appears twice, with a slot and an accessor each: hosts count every acquisition, and each is
+/// released on its own.
 // clang-format off
 #define VXR_RELEASED_SUITE_ROWS(ROW) \
     ROW("AEGP Marker Suite", 1, MarkerSuite1, AEGP_MarkerSuite1) \

@@ -8,7 +8,7 @@ constexpr char32_t kLastSurrogate = 0xDFFF;
 constexpr char32_t kFirstBeyondBasicPlane = 0x10000;
 constexpr char32_t kLastCodePoint = 0x10FFFF;
 
-/// One code point and the units that it takes in the source; 0 units: not valid.
+/// One code point and its length in units of the source; 0 units if it is invalid.
 struct Decoded {
     char32_t code_point = 0;
     std::size_t units = 0;
@@ -18,8 +18,8 @@ bool is_surrogate(char32_t code_point) {
     return code_point >= kFirstHighSurrogate && code_point <= kLastSurrogate;
 }
 
-// What the first byte says: how many bytes there are, its own bits, and the smallest code point that needs so
-// many bytes. Anything smaller is overlong.
+// What the first byte says: the number of bytes, its share of the bits, and the smallest code point that
+// needs so many bytes. Anything smaller is overlong.
 struct LeadByte {
     std::size_t bytes;
     char32_t bits;
@@ -27,42 +27,52 @@ struct LeadByte {
 };
 
 LeadByte lead_byte(unsigned char byte) {
-    if (byte < 0x80)
+    if (byte < 0x80) {
         return {1, byte, 0};
-    if (byte >= 0xC0 && byte < 0xE0)
+    }
+    if (byte >= 0xC0 && byte < 0xE0) {
         return {2, byte & 0x1FU, 0x80};
-    if (byte >= 0xE0 && byte < 0xF0)
+    }
+    if (byte >= 0xE0 && byte < 0xF0) {
         return {3, byte & 0x0FU, 0x800};
-    if (byte >= 0xF0 && byte < 0xF8)
+    }
+    if (byte >= 0xF0 && byte < 0xF8) {
         return {4, byte & 0x07U, kFirstBeyondBasicPlane};
+    }
     return {0, 0, 0};
 }
 
 Decoded decode_utf8(std::string_view text) {
     const LeadByte lead = lead_byte(static_cast<unsigned char>(text.front()));
-    if (lead.bytes == 0 || lead.bytes > text.size())
+    if (lead.bytes == 0 || lead.bytes > text.size()) {
         return {};
+    }
     char32_t code_point = lead.bits;
     for (const char continuation : text.substr(1, lead.bytes - 1)) {
         const auto byte = static_cast<unsigned char>(continuation);
-        if ((byte & 0xC0U) != 0x80U)
+        if ((byte & 0xC0U) != 0x80U) {
             return {};
+        }
         code_point = (code_point << 6) | (byte & 0x3FU);
     }
-    if (code_point < lead.smallest || code_point > kLastCodePoint || is_surrogate(code_point))
+    if (code_point < lead.smallest || code_point > kLastCodePoint || is_surrogate(code_point)) {
         return {};
+    }
     return {code_point, lead.bytes};
 }
 
 Decoded decode_utf16(std::u16string_view text) {
     const char32_t first = text.front();
-    if (!is_surrogate(first))
+    if (!is_surrogate(first)) {
         return {first, 1};
-    if (first >= kFirstLowSurrogate || text.size() < 2)
+    }
+    if (first >= kFirstLowSurrogate || text.size() < 2) {
         return {};
+    }
     const char32_t second = text[1];
-    if (second < kFirstLowSurrogate || second > kLastSurrogate)
+    if (second < kFirstLowSurrogate || second > kLastSurrogate) {
         return {};
+    }
     return {kFirstBeyondBasicPlane + ((first - kFirstHighSurrogate) << 10) + (second - kFirstLowSurrogate),
             2};
 }
@@ -104,8 +114,9 @@ ConvertedText<String> converted(View text, Decoded (*decode)(View)) {
     result.text.reserve(text.size());
     for (std::size_t at = 0; at < text.size();) {
         const Decoded decoded = decode(text.substr(at));
-        if (decoded.units == 0)
+        if (decoded.units == 0) {
             return {{}, at};
+        }
         append(decoded.code_point, &result.text);
         at += decoded.units;
     }

@@ -7,7 +7,7 @@
 #include "image/built_in_header.h"
 #include "image/functions.h"
 #include "system/files.h"
-#include "system/input_file.h"
+#include "system/open_regular_file.h"
 #include "system/replacement_file.h"
 #include "text/ascii.h"
 

@@ -4,7 +4,7 @@
 #include "image/functions.h"
 #include "system/dynamic_library.h"
 #include "system/files.h"
-#include "system/program_place.h"
+#include "system/program_path.h"
 
 // Loads the module. Most of what the tools do needs no image, and binding the 250 libraries of OpenImageIO
 // takes longer than most of it.
@@ -45,7 +45,7 @@ Loaded open_module(const std::filesystem::path& place) {
 
 Loaded load() {
     std::string looked;
-    for (const std::filesystem::path& place : os::places_beside(os::program_path(), kModule)) {
+    for (const std::filesystem::path& place : os::paths_beside(os::program_path(), kModule)) {
         std::string why_not;
         if (os::is_regular_file(os::text_of(place), why_not)) {
             return open_module(place);

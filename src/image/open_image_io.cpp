@@ -21,7 +21,6 @@
 #include "imageio/channel_plan.h"
 #include "imageio/texture_spec.h"
 #include "system/files.h"
-#include "system/input_file.h"
 #include "system/open_regular_file.h"
 #include "system/replacement_file.h"
 

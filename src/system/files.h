@@ -25,8 +25,15 @@ struct FileState {
 /// What is at `path`, links followed; nothing is opened.
 FileState file_state(const std::string& path);
 
-/// True for a regular file; otherwise `why_not` says what is wrong.
-bool is_regular_file(const std::string& path, std::string& why_not);
+/// Whether a regular file is at `path`; if not, `why_not` says what is wrong.
+inline bool is_regular_file(const std::string& path, std::string& why_not) {
+    const FileState state = file_state(path);
+    if (state.kind == FileKind::regular) {
+        return true;
+    }
+    why_not = state.kind == FileKind::missing ? state.error : "not a regular file";
+    return false;
+}
 
 /// The names of the regular files in `folder`, links followed, in no order; none when it cannot be read.
 std::vector<std::string> regular_files_in(const std::string& folder);

@@ -1,7 +1,7 @@
 #pragma once
 
-// Sine, cosine and tangent as hosts compute them: to the last bit of a double, but for rare values next to
-// the middle of two. The C library of most systems does so; one source file per platform.
+// Sine, cosine and tangent as hosts compute them: exact to the last bit of a double, except for rare values
+// close to the middle between two doubles. The C library of most systems is as exact; that of Windows is not.
 
 namespace os {
 

@@ -2,7 +2,7 @@
 // today's hosts registers one under another name.
 
 #include "host/host_interface.h"
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 
 namespace {
 

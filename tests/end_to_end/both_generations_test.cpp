@@ -59,8 +59,9 @@ void import_scene(embedded::Host& host, const std::string& path) {
 TEST(BothGenerations, MakeTheSameOfTheExamples) {
     std::size_t scenes = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(VXR_EXAMPLES_DIR)) {
-        if (entry.path().extension() != ".aec")
+        if (entry.path().extension() != ".aec") {
             continue;
+        }
         SCOPED_TRACE(entry.path());
         ++scenes;
         expect_the_same_of({}, [&](embedded::Host& host) { import_scene(host, entry.path().string()); });

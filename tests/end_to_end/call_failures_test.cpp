@@ -43,22 +43,25 @@ using Calls = std::vector<Call>;
 
 Calls ends_import(std::initializer_list<int> compositions) {
     Calls calls;
-    for (const int count : compositions)
+    for (const int count : compositions) {
         calls.push_back({Then::ends_import, count, 0});
+    }
     return calls;
 }
 
 Calls ends_interpretation(std::initializer_list<int> compositions) {
     Calls calls;
-    for (const int count : compositions)
+    for (const int count : compositions) {
         calls.push_back({Then::ends_interpret, count, 0});
+    }
     return calls;
 }
 
 Calls ends_objects(std::initializer_list<int> left_open) {
     Calls calls;
-    for (const int count : left_open)
+    for (const int count : left_open) {
         calls.push_back({Then::ends_objects, 0, count});
+    }
     return calls;
 }
 
@@ -194,8 +197,9 @@ const ImportRun& clean_run() {
 
 std::vector<std::string> expected_messages(const Call& call) {
     std::vector<std::string> messages;
-    if (call.then == Then::ends_interpret)
+    if (call.then == Then::ends_interpret) {
         messages.emplace_back("Could not interpret footage.");
+    }
     if (call.then == Then::ends_interpret || call.then == Then::ends_import) {
         messages.insert(messages.end(), static_cast<std::size_t>(call.compositions),
                         "Unable to create composition.");
@@ -208,8 +212,9 @@ std::vector<std::string> expected_messages(const Call& call) {
 std::set<std::string> allowed_afterwards(Then then) {
     std::set<std::string> allowed = {"AEGP_DisposeStream", "AEGP_EndUndoGroup", "AEGP_SetData",
                                      "ReleaseSuite"};
-    if (then == Then::ends_import || then == Then::ends_interpret)
+    if (then == Then::ends_import || then == Then::ends_interpret) {
         allowed.insert({"AEGP_ReportInfo", "AcquireSuite"});
+    }
     return allowed;
 }
 
@@ -225,8 +230,9 @@ void expect_calls_afterwards(const ImportRun& run, const Call& call, const std::
             std::vector<std::string> without_preference;
             for (const std::string& made : clean_run().calls_after(function, nth)) {
                 const std::string name = function_of(made);
-                if (name != "AEGP_DoesKeyExist" && name != "AEGP_GetData" && name != "AEGP_SetData")
+                if (name != "AEGP_DoesKeyExist" && name != "AEGP_GetData" && name != "AEGP_SetData") {
                     without_preference.push_back(made);
+                }
             }
             EXPECT_EQ(first_difference(without_preference, after), "");
             break;
@@ -239,8 +245,9 @@ void expect_calls_afterwards(const ImportRun& run, const Call& call, const std::
             std::vector<std::string> without_keys;
             for (const std::string& made : clean_run().calls_after(function, nth)) {
                 if (!made.starts_with("AEGP_AddKeyframes" + additions) &&
-                    !made.starts_with("AEGP_SetAddKeyframe" + additions))
+                    !made.starts_with("AEGP_SetAddKeyframe" + additions)) {
                     without_keys.push_back(made);
+                }
             }
             EXPECT_EQ(first_difference(without_keys, after), "");
             break;
@@ -249,8 +256,9 @@ void expect_calls_afterwards(const ImportRun& run, const Call& call, const std::
             EXPECT_EQ(function_of(after.at(0)), "AEGP_SetLayerOffset");
             break;
         default:
-            for (const std::string& made : after)
+            for (const std::string& made : after) {
                 EXPECT_TRUE(allowed_afterwards(call.then).contains(function_of(made))) << made;
+            }
     }
 }
 
@@ -319,10 +327,12 @@ INSTANTIATE_TEST_SUITE_P(OfAnImport, FailingCall, testing::Range(std::size_t{0},
 
 TEST(FailingCalls, TheTableHoldsEveryFunctionThatCanFail) {
     std::set<std::string> in_table = tested_elsewhere();
-    for (const Function& function : functions())
+    for (const Function& function : functions()) {
         in_table.insert(function.name);
-    for (const embedded::HostFunction& function : embedded::failable_functions())
+    }
+    for (const embedded::HostFunction& function : embedded::failable_functions()) {
         EXPECT_TRUE(in_table.contains(function.function)) << function.function;
+    }
 }
 
 TEST(FailingCalls, ACleanRunIsClean) {

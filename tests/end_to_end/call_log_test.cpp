@@ -66,8 +66,9 @@ TEST_P(CallLog, IsTheExpectedOne) {
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
     EXPECT_EQ(bundle.host().conformance().clean(), true) << bundle.host().conformance().to_text();
     std::size_t found = 0;
-    for (const embedded::Footage& footage : bundle.host().project().footage)
+    for (const embedded::Footage& footage : bundle.host().project().footage) {
         found += footage.kind != embedded::FootageKind::placeholder ? 1 : 0;
+    }
     EXPECT_EQ(found, scene.footage_in_folder);
 }
 

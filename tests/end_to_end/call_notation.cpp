@@ -20,11 +20,13 @@ constexpr std::string_view kGetInterpretation = "AEGP_GetFootageInterpretation";
 std::string number_text(double value) {
     std::array<char, 32> buffer{};
     const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
-    if (error != std::errc())
+    if (error != std::errc()) {
         throw std::runtime_error("a number is too long");
+    }
     std::string text(buffer.data(), end);
-    if (text.find_first_of(".en") == std::string::npos)
+    if (text.find_first_of(".en") == std::string::npos) {
         text += ".0";
+    }
     return text;
 }
 
@@ -52,8 +54,9 @@ constexpr int kTodaysFunctions = 49;
 
 int classic_version(const std::string& suite, int version) {
     for (const TwoVersions& newer : kNewer) {
-        if (suite != newer.suite)
+        if (suite != newer.suite) {
             continue;
+        }
         // Today's hosts are asked for the classic version only when they do not have their own.
         return version == newer.today ? newer.classic : version;
     }
@@ -69,12 +72,14 @@ Json in_classic_spelling(Json call) {
         const std::string suite = args.at("name");
         const int version = classic_version(suite, args.at("version"));
         args["version"] = version;
-        if (call["out"].contains("suite") && call["out"]["suite"].is_string())
+        if (call["out"].contains("suite") && call["out"]["suite"].is_string()) {
             call["out"]["suite"] = suite + " " + std::to_string(version);
+        }
     } else if (function == "AEGP_RegisterIO" && args.at("functions").is_object()) {
         Json& filled = args["functions"]["filled"];
-        if (filled == kTodaysFunctions)
+        if (filled == kTodaysFunctions) {
             filled = kClassicFunctions;
+        }
     }
     return call;
 }
@@ -89,18 +94,21 @@ class Notation {
         const Json& result = call.at("result");
         if (function == kGetInterpretation) {
             given_.clear();
-            for (const Json& record : call.at("out"))
+            for (const Json& record : call.at("out")) {
                 flatten("", record, given_);
+            }
         } else if (function == "AcquireSuite" && !call.at("out").empty()) {
-            if (call.at("out").front().is_null())
+            if (call.at("out").front().is_null()) {
                 text += " -> null";
+            }
         } else if (!call.at("out").empty()) {
             text += " -> " + joined(call.at("out"));
         }
-        if (result.is_number_float() || result.is_string())
+        if (result.is_number_float() || result.is_string()) {
             text += " -> " + value(result);
-        else if (result != 0)
+        } else if (result != 0) {
             text += " !" + value(result);
+        }
         return text;
     }
 
@@ -108,8 +116,9 @@ class Notation {
     using Members = std::map<std::string, std::string>;
 
     std::string text(const std::string& content) const {
-        if (is_handle(content))
+        if (is_handle(content)) {
             return content;
+        }
         if (!folder_.empty() && content.starts_with(folder_)) {
             // The expectations are written with one separator for all systems.
             std::string below = content.substr(folder_.size());
@@ -122,32 +131,42 @@ class Notation {
     std::string joined(const Json& values) const {
         std::string all;
         for (const Json& one : values) {
-            if (!all.empty())
+            if (!all.empty()) {
                 all += ", ";
+            }
             all += value(one);
         }
         return all;
     }
 
     std::string value(const Json& json) const {
-        if (json.is_string())
+        if (json.is_string()) {
             return text(json);
-        if (json.is_number_float())
+        }
+        if (json.is_number_float()) {
             return number_text(json);
-        if (!json.is_structured())
+        }
+        if (!json.is_structured()) {
             return json.dump();
-        if (json.is_array())
+        }
+        if (json.is_array()) {
             return "[" + joined(json) + "]";
-        if (json.size() == 2 && json.contains("value") && json.contains("scale"))
+        }
+        if (json.size() == 2 && json.contains("value") && json.contains("scale")) {
             return value(json["value"]) + "@" + value(json["scale"]);
-        if (json.size() == 2 && json.contains("num") && json.contains("den"))
+        }
+        if (json.size() == 2 && json.contains("num") && json.contains("den")) {
             return value(json["num"]) + "/" + value(json["den"]);
-        if (json.size() == 1 && json.contains("bytes"))
+        }
+        if (json.size() == 1 && json.contains("bytes")) {
             return "bytes " + json["bytes"].get<std::string>();
-        if (json.size() == 2 && json.contains("stream") && json.contains("value"))
+        }
+        if (json.size() == 2 && json.contains("stream") && json.contains("value")) {
             return value(json["stream"]) + " " + value(json["value"]);
-        if (json.contains("x") || json.contains("red"))
+        }
+        if (json.contains("x") || json.contains("red")) {
             return "(" + joined(json) + ")";
+        }
         return "{" + joined(json) + "}";
     }
 
@@ -164,8 +183,9 @@ class Notation {
     }
 
     std::string arguments(const std::string& function, const Json& args) const {
-        if (function != kSetInterpretation)
+        if (function != kSetInterpretation) {
             return joined(args);
+        }
         Json others = args;
         Json record;
         for (const auto& [name, argument] : args.items()) {
@@ -182,8 +202,9 @@ class Notation {
             set.erase(decided);
         }
         for (const auto& [name, content] : set) {
-            if (given_.at(name) != content)
+            if (given_.at(name) != content) {
                 all.append(", ").append(name).append(" ").append(content);
+            }
         }
         return all;
     }
@@ -217,26 +238,31 @@ std::vector<std::string> read_expected_calls(const std::string& path) {
     std::vector<std::string> calls;
     for (std::string line; std::getline(in, line);) {
         const std::size_t begin = line.find_first_not_of(" \t");
-        if (begin != std::string::npos && line[begin] != '#')
+        if (begin != std::string::npos && line[begin] != '#') {
             calls.push_back(line.substr(begin));
+        }
     }
-    if (calls.empty())
+    if (calls.empty()) {
         throw std::runtime_error("no expected calls in " + path);
+    }
     return calls;
 }
 
 std::string first_difference(const std::vector<std::string>& expected, const std::vector<std::string>& made) {
     const auto [missed, strange] = std::mismatch(expected.begin(), expected.end(), made.begin(), made.end());
-    if (missed == expected.end() && strange == made.end())
+    if (missed == expected.end() && strange == made.end()) {
         return {};
+    }
     const auto at = static_cast<std::size_t>(missed - expected.begin());
     std::string text = "call " + std::to_string(at + 1) + " of " + std::to_string(expected.size()) +
                        " expected, " + std::to_string(made.size()) + " made:\n";
     constexpr std::size_t kAround = 3;
-    for (std::size_t i = at - std::min(at, kAround); i < at; ++i)
+    for (std::size_t i = at - std::min(at, kAround); i < at; ++i) {
         text += "           " + expected[i] + "\n";
+    }
     text += "  expected " + (missed == expected.end() ? "nothing" : *missed) + "\n";
-    for (std::size_t i = at; i < std::min(at + kAround, made.size()); ++i)
+    for (std::size_t i = at; i < std::min(at + kAround, made.size()); ++i) {
         text += "  made     " + made[i] + "\n";
+    }
     return text;
 }

@@ -17,8 +17,9 @@ using testing::IsEmpty;
 std::vector<std::filesystem::path> scenes_in_examples() {
     std::vector<std::filesystem::path> scenes;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(VXR_EXAMPLES_DIR)) {
-        if (entry.path().extension() == ".aec")
+        if (entry.path().extension() == ".aec") {
             scenes.push_back(entry.path());
+        }
     }
     return scenes;
 }
@@ -187,17 +188,20 @@ TEST(Examples, Keyframes) {
     ASSERT_EQ(project.layers.size(), 5U);
     std::size_t objects = 0;
     for (const embedded::Layer& layer : project.layers) {
-        if (layer.source_item != 0)
+        if (layer.source_item != 0) {
             continue;
+        }
         ++objects;
         std::size_t animated = 0;
         for (const auto& [kind, stream] : layer.streams) {
-            if (stream.keyframes.empty())
+            if (stream.keyframes.empty()) {
                 continue;
+            }
             ++animated;
             ASSERT_EQ(stream.keyframes.size(), 100U);
-            for (A_long i = 0; i < 100; ++i)
+            for (A_long i = 0; i < 100; ++i) {
                 EXPECT_EQ(stream.keyframes[static_cast<std::size_t>(i)].time.value, i);
+            }
         }
         // Position, point of interest, orientation, and a camera's zoom; a null's position and three angles.
         EXPECT_EQ(animated, layer.kind == embedded::LayerKind::light ? 3U : 4U) << layer.name;

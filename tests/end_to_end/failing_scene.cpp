@@ -49,8 +49,9 @@ std::vector<std::string>::const_iterator find_call(const std::vector<std::string
     const auto found = std::find_if(calls.begin(), calls.end(), [&](const std::string& call) {
         return function_of(call) == function && ++count == nth;
     });
-    if (found == calls.end())
+    if (found == calls.end()) {
         throw std::runtime_error("no call " + std::to_string(nth) + " of " + function);
+    }
     return found;
 }
 
@@ -71,15 +72,17 @@ std::vector<std::string> ImportRun::calls_until(const std::string& function, int
 }
 
 FailingScene::FailingScene() : path_(folder_.scene(kScene)) {
-    for (const char* name : {"plate.tga", "inner.tga", "card.tga"})
+    for (const char* name : {"plate.tga", "inner.tga", "card.tga"}) {
         folder_.image(name);
+    }
 }
 
 ImportRun FailingScene::run(embedded::HostOptions options) const {
     options.alpha_preference = kAlphaPreferenceBefore;
     LoadedBundle bundle(std::move(options));
-    if (!bundle.loaded().ok() && bundle.loaded().entry.code == 0)
+    if (!bundle.loaded().ok() && bundle.loaded().entry.code == 0) {
         throw std::runtime_error(bundle.loaded().error);
+    }
     const std::string folder = folder_.files().folder().string();
     ImportRun run;
     run.entry = bundle.loaded().entry;
@@ -94,8 +97,9 @@ ImportRun FailingScene::run(embedded::HostOptions options) const {
     run.call_counts = bundle.host().call_counts();
     const auto preference =
         run.project.preferences.find({"Main Pref Section", "Pref_DEFAULT_UNLABELED_ALPHA"});
-    if (preference != run.project.preferences.end())
+    if (preference != run.project.preferences.end()) {
         run.alpha_preference = preference->second.at(0);
+    }
     return run;
 }
 

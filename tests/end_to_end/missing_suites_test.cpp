@@ -122,8 +122,9 @@ void expect(const ImportRun& run, Without without, const Suite& suite) {
             // Nothing after the failed acquiring but what puts things right, and the report.
             for (const std::string& call : calls_after_the_missing_suite(run)) {
                 if (tests_today() && (function_of(call) == "AEGP_ReportInfo" ||
-                                      call == "AcquireSuite(\"AEGP Utility Suite\", 7)"))
+                                      call == "AcquireSuite(\"AEGP Utility Suite\", 7)")) {
                     continue;
+                }
                 EXPECT_THAT(function_of(call), testing::AnyOf("AEGP_DisposeStream", "AEGP_EndUndoGroup",
                                                               "AEGP_SetData", "ReleaseSuite"));
             }
@@ -180,9 +181,10 @@ TEST(MissingSuites, TheTableHoldsEverySuiteThatTheHostOffers) {
 
 std::vector<std::string> calls_of(const ImportRun& run, const std::string& function) {
     std::vector<std::string> calls;
-    for (const auto* list : {&run.load_calls, &run.import_calls})
+    for (const auto* list : {&run.load_calls, &run.import_calls}) {
         std::copy_if(list->begin(), list->end(), std::back_inserter(calls),
                      [&function](const std::string& call) { return function_of(call) == function; });
+    }
     return calls;
 }
 

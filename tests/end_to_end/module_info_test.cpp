@@ -26,8 +26,9 @@ using testing::ElementsAre;
 using testing::IsEmpty;
 
 const embedded::Module& registered(LoadedBundle& bundle) {
-    if (bundle.host().modules().size() != 1)
+    if (bundle.host().modules().size() != 1) {
         throw std::runtime_error("not one module");
+    }
     return bundle.host().modules()[0];
 }
 
@@ -35,8 +36,9 @@ const embedded::Module& registered(LoadedBundle& bundle) {
 class InfoBytes {
   public:
     void number(std::size_t offset, std::uint32_t value, std::size_t width) {
-        for (std::size_t i = 0; i < width; ++i)
+        for (std::size_t i = 0; i < width; ++i) {
             bytes_[offset + i] = static_cast<unsigned char>(value >> (8 * i));
+        }
     }
     void text(std::size_t offset, const std::string& text) {
         std::copy(text.begin(), text.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(offset));
@@ -68,8 +70,9 @@ TEST(ModuleInfo, IsTheExpectedRecord) {
     std::array<unsigned char, 396> made{};
     static_assert(sizeof(AEIO_ModuleInfo) == sizeof(made));
     std::memcpy(made.data(), &registered(bundle).info, made.size());
-    for (std::size_t i = 0; i < made.size(); ++i)
+    for (std::size_t i = 0; i < made.size(); ++i) {
         EXPECT_EQ(int{made[i]}, int{expected.bytes()[i]}) << "byte " << i;
+    }
     static_assert((1 << 0 | 1 << 2 | 1 << 3 | 1 << 6 | 1 << 16 | 1 << 25) == 33620045);
 }
 
@@ -106,18 +109,20 @@ class Rooms {
     /// For pointers and handles the next room, for numbers 1.
     template <typename Parameter>
     Parameter next() {
-        if constexpr (std::is_pointer_v<Parameter>)
+        if constexpr (std::is_pointer_v<Parameter>) {
             return reinterpret_cast<Parameter>(memory_.data() + kRoom_bytes * used_++);
-        else
+        } else {
             return Parameter{1};
+        }
     }
 
     /// Offsets of changed bytes, room * 1000 + byte.
     [[nodiscard]] std::vector<std::size_t> changed() const {
         std::vector<std::size_t> offsets;
         for (std::size_t i = 0; i < memory_.size(); ++i) {
-            if (memory_[i] != kKnown)
+            if (memory_[i] != kKnown) {
                 offsets.push_back(i / kRoom_bytes * 1000 + i % kRoom_bytes);
+            }
         }
         return offsets;
     }
@@ -269,8 +274,9 @@ TEST(ModuleFunctions, ThatOnlyTodaysHostsHaveAreLeftToThem) {
     LoadedBundle bundle;
     const auto* functions = std::get_if<AEIO_FunctionBlock4>(&registered(bundle).functions);
     ASSERT_EQ(functions != nullptr, tests_today());
-    if (functions == nullptr)
+    if (functions == nullptr) {
         return;
+    }
     AEIO_BasicData* basic = bundle.host().basic_data();
     const AEIO_OutSpecH out = bundle.host().new_out_spec("/a.txl");
     std::array<A_char, 4> mime_type = {'x', 'x', 'x', 'x'};
@@ -388,9 +394,10 @@ TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
     });
     EXPECT_EQ(result.code, tests_today() ? kHostErrorParameter : kHostErrorGeneric);
     std::vector<std::string> messages = {"Unable to get file data"};
-    if (tests_today())
+    if (tests_today()) {
         messages.insert(messages.begin(),
                         "A path of the host cannot be used: in UTF-8 it is longer than 259 bytes.");
+    }
     EXPECT_EQ(bundle.message_texts(), messages);
     EXPECT_EQ(verbiage.name[0], 'x');
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();

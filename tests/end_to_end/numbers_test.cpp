@@ -73,8 +73,9 @@ const Number kNumbers[] = {
 
 const embedded::Layer& layer_named(const embedded::Project& project, const std::string& name) {
     for (const embedded::Layer& layer : project.layers) {
-        if (layer.name == name)
+        if (layer.name == name) {
             return layer;
+        }
     }
     throw std::runtime_error("no layer " + name);
 }
@@ -122,9 +123,10 @@ TEST(Numbers, ReachTheHostToTheLastBit) {
     }
     // Nothing was keyed beyond the table.
     for (const embedded::Layer& layer : project.layers) {
-        for (const auto& [kind, stream] : layer.streams)
+        for (const auto& [kind, stream] : layer.streams) {
             EXPECT_EQ(stream.keyframes.size(), (keys_checked[{layer.name, kind}]))
                 << layer.name << " " << kind;
+        }
     }
 }
 

@@ -24,8 +24,9 @@ struct PathCase {
 
 std::string repeated(const std::string& text, int times) {
     std::string all;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         all += text;
+    }
     return all;
 }
 
@@ -83,8 +84,9 @@ constexpr const char* kSettings = "VORTAN XR COMPOSITION RESOLUTION 64 48 FROM 0
 TEST_P(Paths, LeadToTheSceneAndToItsFootage) {
     const std::string plate = write(".tga", picture());
     const std::string card = write(" card.tga", picture());
-    for (const char* frame : {" 0001.tga", " 0002.tga", " 0003.tga"})
+    for (const char* frame : {" 0001.tga", " 0002.tga", " 0003.tga"}) {
         write(frame, picture());
+    }
     ASSERT_FALSE(write_texture(path(".txl"), make_texture(7, 5, Texture::kRgb, 1)).has_value());
     const std::string scene =
         write(".aec", std::string(kSettings) + "COMPOSITION NRM \"Main\" {\n" + "FILE NRM STRAIGHT \"" +
@@ -146,8 +148,9 @@ TEST(PathCases, AreAsDeepAsTheySay) {
         return (static_cast<unsigned char>(byte) & 0xC0U) != 0x80U;
     };
     for (const PathCase& path : kPathCases) {
-        if (!std::string(path.name).starts_with("three_hundred"))
+        if (!std::string(path.name).starts_with("three_hundred")) {
             continue;
+        }
         EXPECT_GE(std::count_if(path.folder.begin(), path.folder.end(), begins_character), 300) << path.name;
     }
 }

@@ -52,16 +52,18 @@ std::string kind_word(const Footage& footage) {
 std::string footage_text(const Footage& footage) {
     std::string text =
         kind_word(footage) + " " + footage_name(footage) + " " + size_text(footage.width, footage.height);
-    if (footage.kind == FootageKind::placeholder)
+    if (footage.kind == FootageKind::placeholder) {
         text += " " + time_text(footage.duration);
+    }
     const AEGP_FootageInterp& read_as = footage.interpretation;
     if (footage.sequence) {
         const embedded::FrameRange& range = footage.sequence->range;
         text +=
             " " + std::to_string(range.first) + "-" + std::to_string(range.last) + " at " +
             std::to_string(read_as.conform_fps).substr(0, std::to_string(read_as.conform_fps).find('.') + 2);
-        if (!footage.sequence->gaps.empty())
+        if (!footage.sequence->gaps.empty()) {
             text += " with gaps";
+        }
     }
     return text + " alpha " + std::to_string(read_as.alpha.flags) + " fields " +
            std::to_string(read_as.interlace.type) + "/" + std::to_string(read_as.interlace.order) +
@@ -87,19 +89,22 @@ std::string item_text(const Project& project, const Item& item) {
 void append_children(const Project& project, Id folder, const std::string& indent, std::string& text) {
     for (const Id id : project.children_of(folder)) {
         text += indent + item_text(project, project.item(id)) + "\n";
-        if (project.item(id).kind == ItemKind::folder)
+        if (project.item(id).kind == ItemKind::folder) {
             append_children(project, id, indent + "  ", text);
+        }
     }
 }
 
 std::string keys_text(const Layer& layer) {
     std::set<std::size_t> counts;
     for (const auto& [kind, stream] : layer.streams) {
-        if (!stream.keyframes.empty())
+        if (!stream.keyframes.empty()) {
             counts.insert(stream.keyframes.size());
+        }
     }
-    if (counts.size() > 1)
+    if (counts.size() > 1) {
         throw std::runtime_error("streams of " + layer.name + " have different numbers of keys");
+    }
     return " keys " + std::to_string(counts.empty() ? 0 : *counts.begin());
 }
 
@@ -118,8 +123,9 @@ std::string layer_text(const Project& project, const Layer& layer) {
         }
         const Item& source = project.item(layer.source_item);
         const std::string mode = " mode " + std::to_string(layer.transfer.mode);
-        if (source.kind == ItemKind::composition)
+        if (source.kind == ItemKind::composition) {
             return "comp " + quoted(source.name) + mode;
+        }
         const Footage& footage = project.footage_of(source.content);
         return kind_word(footage) + " " + footage_name(footage) + mode;
     };
@@ -137,11 +143,13 @@ std::string items_text(const Project& project) {
 
 std::string layers_text(const Project& project, const std::string& composition) {
     for (const embedded::Composition& comp : project.compositions) {
-        if (project.item(comp.item).name != composition)
+        if (project.item(comp.item).name != composition) {
             continue;
+        }
         std::string text;
-        for (const Id id : comp.layers)
+        for (const Id id : comp.layers) {
             text += layer_text(project, project.layer(id)) + "\n";
+        }
         return text;
     }
     throw std::runtime_error("no composition " + composition);

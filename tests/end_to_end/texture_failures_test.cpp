@@ -38,13 +38,16 @@ struct TextureRun {
 TextureRun run_texture(embedded::HostOptions options, bool sound_file = true) {
     const TemporaryFolder folder;
     const std::string path = folder.path("a.txl");
-    if (write_texture(path, make_texture(4, 4, Texture::kRgb, 1)))
+    if (write_texture(path, make_texture(4, 4, Texture::kRgb, 1))) {
         throw std::runtime_error("cannot write " + path);
-    if (!sound_file)
+    }
+    if (!sound_file) {
         folder.write("a.txl", "no texture");
+    }
     LoadedBundle bundle(std::move(options));
-    if (bundle.loaded().entry.code != 0)
+    if (bundle.loaded().entry.code != 0) {
         throw std::runtime_error("the bundle does not load");
+    }
     TextureRun run;
     const embedded::OpenResult opened = bundle.host().open_with_module(path);
     run.results[Callback::open] = opened.callback;
@@ -54,8 +57,9 @@ TextureRun run_texture(embedded::HostOptions options, bool sound_file = true) {
         run.results[Callback::dispose] = bundle.host().dispose(opened.in_spec);
     }
     run.messages = bundle.message_texts();
-    for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations())
+    for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations()) {
         run.problems.push_back(problem.code);
+    }
     run.call_counts = bundle.host().call_counts();
     return run;
 }
@@ -126,13 +130,15 @@ INSTANTIATE_TEST_SUITE_P(Each, FailingTextureCall, testing::ValuesIn(kFailures),
 TEST(FailingTextureCalls, TheTableHoldsWhatACleanRunCalls) {
     const TextureRun clean = run_texture({});
     EXPECT_EQ(clean.results.size(), 3U);
-    for (const auto& [callback, result] : clean.results)
+    for (const auto& [callback, result] : clean.results) {
         EXPECT_EQ(result.code, 0);
+    }
     EXPECT_THAT(clean.messages, IsEmpty());
     EXPECT_THAT(clean.problems, IsEmpty());
     std::map<std::string, std::int64_t> last;
-    for (const Failure& failure : kFailures)
+    for (const Failure& failure : kFailures) {
         last[failure.function] = std::max<std::int64_t>(last[failure.function], failure.nth);
+    }
     for (const embedded::HostFunction& function : embedded::failable_functions()) {
         const bool of_textures =
             function.suite == "AEGP Memory Suite" || function.suite == "AEGP IO In Suite";
@@ -168,11 +174,13 @@ void expect_missing(const TextureRun& run, Callback callback, const std::string&
 
 TEST(MissingTextureSuites, EveryAcquiringFailingInTurn) {
     std::vector<std::pair<Callback, std::string>> acquired;
-    for (const char* suite : kAcquiredInOpen)
+    for (const char* suite : kAcquiredInOpen) {
         acquired.emplace_back(Callback::open, suite);
+    }
     for (const Callback callback : {Callback::draw, Callback::dispose}) {
-        for (const char* suite : kAcquiredInDrawAndDispose)
+        for (const char* suite : kAcquiredInDrawAndDispose) {
             acquired.emplace_back(callback, suite);
+        }
     }
     constexpr int kByTheEntryPoint = 2;
     ASSERT_EQ(run_texture({}).call_counts.at("AcquireSuite"),
@@ -188,10 +196,12 @@ TEST(MissingTextureSuites, EveryAcquiringFailingInTurn) {
         const bool leaves_handle =
             (acquired[i].first == Callback::open && i > 0) || acquired[i].first == Callback::dispose;
         std::vector<diagnostic::Code> expected;
-        if (!tests_today())
+        if (!tests_today()) {
             expected.emplace_back(RuleViolation::missing_suite_exception);
-        if (leaves_handle)
+        }
+        if (leaves_handle) {
             expected.emplace_back(RuleViolation::memory_left_alive);
+        }
         EXPECT_THAT(run.problems, UnorderedElementsAreArray(expected));
     }
 }

@@ -25,8 +25,9 @@ constexpr const char* kLoadingMessage = "There was an error loading the file in 
 
 std::string write(const TemporaryFolder& folder, const std::string& name, const Texture& texture) {
     const std::string path = folder.path(name);
-    if (const auto error = write_texture(path, texture))
+    if (const auto error = write_texture(path, texture)) {
         throw std::runtime_error(error->reason);
+    }
     return path;
 }
 
@@ -238,8 +239,9 @@ TEST(TexturesAtTheHostsMercy, NoOptionsHandleMeansNothingToDrawAndNothingToFree)
     const auto drawn = bundle.host().draw(spec, {2, 2, 0, 0, 0, {0, 1}, 0x11});
     EXPECT_EQ(drawn.error, "");
     EXPECT_EQ(drawn.callback.code, 0);
-    for (const PF_Pixel& pixel : drawn.pixels)
+    for (const PF_Pixel& pixel : drawn.pixels) {
         EXPECT_EQ(pixel.red, 0x11);
+    }
     EXPECT_EQ(bundle.host().dispose(spec).code, 0);
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
     EXPECT_FALSE(bundle.host().call_counts().contains("AEGP_FreeMemHandle"));

@@ -17,12 +17,14 @@ inline Texture make_texture(std::int32_t width_px, std::int32_t height_px, std::
     texture.mode = mode;
     texture.pixels = PixelBuffer(texture.pixel_count() * static_cast<std::size_t>(texture.channels()));
     int next = seed;
-    for (std::uint8_t& byte : texture.pixels)
+    for (std::uint8_t& byte : texture.pixels) {
         byte = static_cast<std::uint8_t>(next += 7);
+    }
     for (int i = 0; i < alphas; ++i) {
         texture.alphas.push_back({"Alpha", PixelBuffer(texture.pixel_count())});
-        for (std::uint8_t& byte : texture.alphas.back().values)
+        for (std::uint8_t& byte : texture.alphas.back().values) {
             byte = static_cast<std::uint8_t>(next += 11);
+        }
     }
     return texture;
 }
@@ -33,7 +35,8 @@ inline PF_Pixel frame_pixel(const Texture& texture, std::int32_t x, std::int32_t
     const auto at = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture.width_px) +
                     static_cast<std::size_t>(x);
     const std::uint8_t alpha = texture.alphas.empty() ? std::uint8_t{255} : texture.alphas[0].values[at];
-    if (texture.mode == Texture::kGrey)
+    if (texture.mode == Texture::kGrey) {
         return {alpha, texture.pixels[at], texture.pixels[at], texture.pixels[at]};
+    }
     return {alpha, texture.pixels[3 * at], texture.pixels[3 * at + 1], texture.pixels[3 * at + 2]};
 }

@@ -27,18 +27,22 @@ const std::string kBundle = VXR_BUNDLE;
 /// symbols.
 std::vector<std::string> lines_of(const std::string& command) {
     std::FILE* pipe = ::popen(command.c_str(), "r");
-    if (pipe == nullptr)
+    if (pipe == nullptr) {
         throw std::runtime_error("cannot run " + command);
+    }
     std::string output;
     std::array<char, 4096> part{};
-    while (const std::size_t read = std::fread(part.data(), 1, part.size(), pipe))
+    while (const std::size_t read = std::fread(part.data(), 1, part.size(), pipe)) {
         output.append(part.data(), read);
-    if (::pclose(pipe) != 0)
+    }
+    if (::pclose(pipe) != 0) {
         throw std::runtime_error("failed: " + command);
+    }
     std::istringstream in(output);
     std::vector<std::string> lines;
-    for (std::string line; std::getline(in, line);)
+    for (std::string line; std::getline(in, line);) {
         lines.push_back(line);
+    }
     return lines;
 }
 
@@ -58,12 +62,14 @@ TEST(Bundle, ExportsItsTwoEntryPointsAndNothingElse) {
 TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
     std::vector<std::string> allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
                                         "ld-linux-x86-64.so.2"};
-    if (VXR_SANITIZED)
+    if (VXR_SANITIZED) {
         allowed.insert(allowed.end(), {"libasan.so.8", "libubsan.so.1"});
+    }
     std::size_t needed = 0;
     for (const std::string& line : lines_of(VXR_READELF " --dynamic --wide '" + kBundle + "'")) {
-        if (line.find("(NEEDED)") == std::string::npos)
+        if (line.find("(NEEDED)") == std::string::npos) {
             continue;
+        }
         ++needed;
         const std::size_t begin = line.find('[') + 1;
         EXPECT_THAT(allowed, ::testing::Contains(line.substr(begin, line.find(']') - begin)));
@@ -72,13 +78,15 @@ TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
 }
 
 TEST(Bundle, StopsAtDamagedMemoryWhereItIsBuiltForUse) {
-    if (!VXR_HARDENED)
+    if (!VXR_HARDENED) {
         GTEST_SKIP() << "the checks are part of the optimised build without sanitizers";
+    }
     const std::vector<std::string> symbols =
         lines_of(VXR_NM " --dynamic --undefined-only --demangle '" + kBundle + "'");
     // What each check calls when it strikes; nothing calls it in a bundle that was built without.
-    for (const char* check : {"__stack_chk_fail", "__memcpy_chk", "std::__glibcxx_assert_fail"})
+    for (const char* check : {"__stack_chk_fail", "__memcpy_chk", "std::__glibcxx_assert_fail"}) {
         EXPECT_THAT(symbols, ::testing::Contains(::testing::HasSubstr(check)));
+    }
 }
 #endif
 
@@ -124,7 +132,7 @@ TEST(Bundle, TheMissingSuiteExceptionReachesTheHostsSide) {
 
 TEST(Bundle, ItsSecondEntryServesTodaysHosts) {
     const SharedLibrary bundle(kBundle);
-    const auto entry = bundle.function<AEGP_PluginInitFuncToday>("EntryPointFunc");
+    const auto entry = bundle.function<AEGP_PluginInitFuncCurrent>("EntryPointFunc");
     ASSERT_NE(entry, nullptr);
 
     CurrentHost host;
@@ -148,7 +156,7 @@ TEST(Bundle, ItsSecondEntryServesTodaysHosts) {
 
 TEST(Bundle, NoExceptionReachesTodaysHosts) {
     const SharedLibrary bundle(kBundle);
-    const auto entry = bundle.function<AEGP_PluginInitFuncToday>("EntryPointFunc");
+    const auto entry = bundle.function<AEGP_PluginInitFuncCurrent>("EntryPointFunc");
     ASSERT_NE(entry, nullptr);
     CurrentHost host;
     host.withhold_suite("AEGP File Import Manager Suite", 3);

@@ -6,8 +6,6 @@
 #include <string>
 
 #include "composition/build/import_file.h"
-#include "entry/verify_file.h"
-#include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "support/recording_host.h"
 
@@ -171,8 +169,9 @@ TEST(Messages, AreTheTextsThatTheUserSees) {
         {g_pCh_Others, "Special Passes"},
         {g_pCh_VortanXR_composition, "VORTAN XR Composition"},
     };
-    for (const auto& [message, text] : messages)
+    for (const auto& [message, text] : messages) {
         EXPECT_STREQ(message, text);
+    }
 }
 
 }  // namespace

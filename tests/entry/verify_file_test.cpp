@@ -1,4 +1,4 @@
-#include "entry/verify_file.h"
+#include "entry/plugin_entry.h"
 
 #include <gtest/gtest.h>
 

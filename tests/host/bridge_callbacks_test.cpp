@@ -27,8 +27,9 @@ A_Err callback_result = 0;
 
 A_Err noted(const std::string& call) {
     called.push_back(call);
-    if (in_callback)
+    if (in_callback) {
         in_callback();
+    }
     return callback_result;
 }
 
@@ -113,8 +114,9 @@ TEST_F(BridgeCallbacks, AnImporterGetsNarrowPathsAndItsOwnRefcon) {
                                  importer.refcon),
               6);
     std::string narrow;
-    for (int i = 0; i < 3000; ++i)
+    for (int i = 0; i < 3000; ++i) {
         narrow += "\xC3\xA9";
+    }
     EXPECT_THAT(called, ElementsAre("verify 1 /\xE6\x98\xA0\xF0\x9F\x8E\xAC.aec 21", "verify 1  21",
                                     "import 1 " + narrow + " 22 -1 23 21"));
     EXPECT_THAT(host.reports, IsEmpty());
@@ -223,8 +225,9 @@ TEST_F(BridgeCallbacks, WhatTheHostRefusesTakesNoPlace) {
 }
 
 TEST_F(BridgeCallbacks, TheNextHostFindsEveryPlaceFree) {
-    for (int i = 0; i < 4; ++i)
+    for (int i = 0; i < 4; ++i) {
         EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<1>, nullptr), 0);
+    }
     CurrentHost next;
     const auto* next_registers = acquired<AEGP_RegisterSuite4>(bridge_over(next), "AEGP Register Suite", 4);
     EXPECT_EQ(next_registers->AEGP_RegisterDeathHook(7, death_hook<2>, nullptr), 0);
@@ -281,8 +284,9 @@ TEST_F(BridgeCallbacks, ACallWithinACallNamesItsOwnMissingSuite) {
     int depth = 0;
     std::optional<A_Err> inner;
     in_callback = [&] {
-        if (++depth == 2)
+        if (++depth == 2) {
             AEGP_SuiteHandler(bridge).LightSuite2();
+        }
         inner = host.modules[0].second.AEIO_Idle(&data, 9, nullptr);
         AEGP_SuiteHandler(bridge).CompSuite9();
     };

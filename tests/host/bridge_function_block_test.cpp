@@ -38,10 +38,11 @@ AEIO_FunctionBlock4 registered_block(RecordingHost& host, const AEIO_FunctionBlo
 // Each argument another value.
 template <typename Value>
 Value nth_value(std::size_t n) {
-    if constexpr (std::is_pointer_v<Value>)
+    if constexpr (std::is_pointer_v<Value>) {
         return reinterpret_cast<Value>(0x1000 + n);
-    else
+    } else {
         return static_cast<Value>(100 + n);
+    }
 }
 
 // One field that is the same in both blocks: the module's function keeps what it gets.
@@ -151,8 +152,9 @@ TEST(BridgeFunctionBlock, AFieldIsNullWhereThePluginsIs) {
         CurrentHost host;
         const auto block =
             std::bit_cast<TodaysFields>(registered_block(host, std::bit_cast<AEIO_FunctionBlock2>(fields)));
-        for (std::size_t field = 0; field < block.size(); ++field)
+        for (std::size_t field = 0; field < block.size(); ++field) {
             EXPECT_EQ(block[field] == nullptr, field == null_field) << field;
+        }
     }
 }
 
@@ -278,8 +280,9 @@ TEST(BridgeFunctionBlock, APathThatCannotBeTranslatedIsNotTheModulesToSee) {
             seen_path = {};
             importable = 1;
             std::optional<RefusedMemory> memory;
-            if (!c.memory)
+            if (!c.memory) {
                 memory.emplace(0);
+            }
             const A_Err err = field.call(block, &data, c.path);
             memory.reset();
             EXPECT_EQ(err, c.err);

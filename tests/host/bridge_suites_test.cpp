@@ -132,8 +132,9 @@ TEST_F(BridgeSuiteCalls, AnswerWithTheHostsError) {
 
 TEST_F(BridgeSuiteCalls, AnswerWithTheMissingSuiteWhenTheirSuiteIsNotHeld) {
     release_all();
-    for (const SuiteCall& c : suite_calls())
+    for (const SuiteCall& c : suite_calls()) {
         EXPECT_EQ(c.call(*this), 13) << c.function;
+    }
     EXPECT_THAT(host.calls, IsEmpty());
     EXPECT_THAT(host.left_open(), IsEmpty());
 }
@@ -229,14 +230,16 @@ struct PathBuffer {
 
 std::u16string repeated(const std::u16string& part, int times) {
     std::u16string text;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         text += part;
+    }
     return text;
 }
 std::string repeated(const std::string& part, int times) {
     std::string text;
-    for (int i = 0; i < times; ++i)
+    for (int i = 0; i < times; ++i) {
         text += part;
+    }
     return text;
 }
 
@@ -366,8 +369,9 @@ TEST_F(BridgeSuites, WithoutMemoryForTheNarrowPathTheHandleIsFreedAllTheSame) {
 }
 
 TEST_F(BridgeSuites, NoBufferForAPathIsRefusedBeforeTheHostIsAsked) {
-    for (const PathFunction& function : kPathFunctions)
+    for (const PathFunction& function : kPathFunctions) {
         EXPECT_EQ(function.call(io_in, io_out, nullptr), 3) << function.name;
+    }
     EXPECT_THAT(host.calls, IsEmpty());
 }
 

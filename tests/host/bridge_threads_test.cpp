@@ -30,10 +30,12 @@ TEST(BridgeThreads, SuitesAreCountedAndExceptionsKeptInOnEveryThread) {
                         functions.AEIO_Idle = [](AEIO_BasicData* data, A_long round, A_long*) {
                             AEGP_SuiteHandler handler(data->basic_suite);
                             if (handler.IOInSuite1()->AEGP_SetInSpecDepth(nullptr, 32) == 0 &&
-                                handler.ProjSuite5()->AEGP_GetProjectByIndex(0, nullptr) == 0)
+                                handler.ProjSuite5()->AEGP_GetProjectByIndex(0, nullptr) == 0) {
                                 ++answered;
-                            if (round % 3 == 0)
+                            }
+                            if (round % 3 == 0) {
                                 handler.CompSuite9();
+                            }
                             return A_Err{0};
                         };
                         return suites.RegisterSuite4()->AEGP_RegisterIO(7, nullptr, &info, &functions);
@@ -42,15 +44,19 @@ TEST(BridgeThreads, SuitesAreCountedAndExceptionsKeptInOnEveryThread) {
     const AEIO_FunctionBlock4 block = host.modules.at(0).second;
     std::atomic<int> missing = 0;
     std::vector<std::thread> threads;
-    for (int i = 0; i < kThreads; ++i)
+    for (int i = 0; i < kThreads; ++i) {
         threads.emplace_back([&host, &block, &missing] {
             AEIO_BasicData data = *host.basic_data();
-            for (int round = 0; round < kRounds; ++round)
-                if (block.AEIO_Idle(&data, round, nullptr) == kHostErrorMissingSuite)
+            for (int round = 0; round < kRounds; ++round) {
+                if (block.AEIO_Idle(&data, round, nullptr) == kHostErrorMissingSuite) {
                     ++missing;
+                }
+            }
         });
-    for (std::thread& thread : threads)
+    }
+    for (std::thread& thread : threads) {
         thread.join();
+    }
     EXPECT_EQ(answered, kThreads * kRounds) << "no suite was ever taken from somebody who held it";
     EXPECT_EQ(missing, kThreads * kRounds / 3);
     EXPECT_EQ(host.reports, std::vector<std::string>(kThreads * kRounds / 3, kReport));

@@ -30,10 +30,12 @@ void* operator new(std::size_t size) {
         was_refused = true;
         throw std::bad_alloc();
     }
-    if (left_to_allow > 0)
+    if (left_to_allow > 0) {
         --left_to_allow;
-    if (void* block = std::malloc(size == 0 ? 1 : size))
+    }
+    if (void* block = std::malloc(size == 0 ? 1 : size)) {
         return block;
+    }
     throw std::bad_alloc();
 }
 

@@ -34,10 +34,12 @@ A_Err fake_acquire(const char* name, A_long version, const void** suite) {
     // Every acquisition lends another address, so that a test can tell two of them apart.
     *suite = &lent_tables[fake->acquired.size() % FakeBasicSuite::kTables];
     fake->acquired.push_back(key);
-    if (key == fake->refused)
+    if (key == fake->refused) {
         return kHostErrorMissingSuite;
-    if (key == fake->withheld)
+    }
+    if (key == fake->withheld) {
         *suite = nullptr;
+    }
     return kHostErrorNone;
 }
 
@@ -208,10 +210,12 @@ TEST_F(SuiteHandlerTest, EveryRowIsAskedForByItsExactNameAndVersion) {
 TEST_F(SuiteHandlerTest, AllAreReleasedInTheOrderOfTheRowsWhateverTheOrderOfAsking) {
     {
         AEGP_SuiteHandler suites(&basic_);
-        for (auto ask = kAskReleased.rbegin(); ask != kAskReleased.rend(); ++ask)
+        for (auto ask = kAskReleased.rbegin(); ask != kAskReleased.rend(); ++ask) {
             (*ask)(suites);
-        for (const AskForSuite ask : kAskKept)
+        }
+        for (const AskForSuite ask : kAskKept) {
             ask(suites);
+        }
         EXPECT_THAT(host_.released, IsEmpty()) << "suites are kept until the end of the call";
     }
     EXPECT_EQ(host_.acquired.size(), 96U);

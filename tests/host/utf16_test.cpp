@@ -51,14 +51,16 @@ TEST(Utf16, BothDirectionsAgreeOnValidText) {
 TEST(Utf16, EveryCodePointGoesThereAndBack) {
     std::size_t tried = 0;
     for (char32_t code_point = 0; code_point <= 0x10FFFF; ++code_point) {
-        if (code_point >= 0xD800 && code_point <= 0xDFFF)
+        if (code_point >= 0xD800 && code_point <= 0xDFFF) {
             continue;
+        }
         std::u16string wide;
-        if (code_point < 0x10000)
+        if (code_point < 0x10000) {
             wide = {static_cast<char16_t>(code_point)};
-        else
+        } else {
             wide = {static_cast<char16_t>(0xD7C0 + (code_point >> 10)),
                     static_cast<char16_t>(0xDC00 + (code_point & 0x3FF))};
+        }
         const ConvertedText<std::string> narrow = utf8_from_utf16(wide);
         const std::size_t bytes = code_point < 0x80      ? 1
                                   : code_point < 0x800   ? 2

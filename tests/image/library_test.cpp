@@ -14,7 +14,7 @@
 #include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
-#include "system/program_place.h"
+#include "system/program_path.h"
 #include "texture/value/texture_file.h"
 
 namespace {
@@ -71,12 +71,12 @@ TEST(ImageLibrary, IsNeededByTheModuleAloneAndNotByTheProgram) {
 }
 
 TEST(ImageLibrary, IsFoundInEveryPlaceBesideTheProgram) {
-    const std::size_t places = os::places_beside(MovedProgram().program(), kModule).size();
+    const std::size_t places = os::paths_beside(MovedProgram().program(), kModule).size();
     ASSERT_EQ(places, 3U);
     const std::string expected = run_process({VXR_PROGRAM, "check", kScene}).err;
     for (std::size_t i = 0; i < places; ++i) {
         const MovedProgram moved;
-        const fs::path place = os::places_beside(moved.program(), kModule)[i];
+        const fs::path place = os::paths_beside(moved.program(), kModule)[i];
         moved.put_module(place);
         const ProcessResult check = moved.run({"check", kScene});
         EXPECT_EQ(check.exit_code, 0) << place << check.err;
@@ -112,7 +112,7 @@ TEST(ImageLibrary, IsMissedBySayingWhereItWasLookedForAndOnlyWhereImagesAreMet) 
          3},
     };
     std::string places;
-    for (const fs::path& place : os::places_beside(moved.program(), kModule)) {
+    for (const fs::path& place : os::paths_beside(moved.program(), kModule)) {
         places += (places.empty() ? "" : ", ") + place.string();
     }
     for (const Case& one : cases) {
@@ -125,7 +125,7 @@ TEST(ImageLibrary, IsMissedBySayingWhereItWasLookedForAndOnlyWhereImagesAreMet) 
 
 TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheSystemsReason) {
     const MovedProgram moved;
-    const fs::path place = os::places_beside(moved.program(), kModule).back();
+    const fs::path place = os::paths_beside(moved.program(), kModule).back();
     std::ofstream(place) << "no library";
     const ProcessResult run = moved.run({"check", kScene});
     EXPECT_EQ(run.exit_code, 3);
@@ -134,7 +134,7 @@ TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheSystemsReason) {
 
 TEST(ImageLibrary, OfAnotherVersionIsReportedWithWhatItLacks) {
     const MovedProgram moved;
-    const fs::path place = os::places_beside(moved.program(), kModule).back();
+    const fs::path place = os::paths_beside(moved.program(), kModule).back();
     fs::copy_file(VXR_BUNDLE_PATH, place);
     ProcessResult run = moved.run({"check", kScene});
     EXPECT_EQ(run.exit_code, 3);

@@ -70,13 +70,15 @@ class BundleThreads : public testing::TestWithParam<HostGeneration> {
             EXPECT_EQ(item.code(), kHostErrorNone) << picture.name;
             EXPECT_EQ(item.width_px(), picture.width_px);
             std::vector<DrawnFrame>& frames = serial_.emplace_back();
-            for (const FrameGeometry& geometry : kGeometries)
+            for (const FrameGeometry& geometry : kGeometries) {
                 frames.push_back(item.draw(geometry));
+            }
             paths_.push_back(path);
         }
         // All pictures differ, or a thread that draws another's would not be noticed.
-        for (std::size_t i = 1; i < serial_.size(); ++i)
+        for (std::size_t i = 1; i < serial_.size(); ++i) {
             EXPECT_NE(serial_[0][0], serial_[i][0]);
+        }
         broken_ = folder_.write("broken.txl", "AVXRTexa and no more");
     }
     ~BundleThreads() override {
@@ -119,8 +121,9 @@ TEST_P(BundleThreads, DrawOneItemAtTheSameTime) {
 
 TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
     std::deque<ThreadedHost::Item> shared;  // drawn by every thread, while each opens and closes its own
-    for (const std::string& path : paths_)
+    for (const std::string& path : paths_) {
         shared.emplace_back(host_, path);
+    }
     constexpr int kRounds = 25;
     constexpr int kDrawsOfARound = kDrawsOfAThread / kRounds;
     static_assert(kRounds * kDrawsOfARound == kDrawsOfAThread);
@@ -130,10 +133,12 @@ TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
         std::mt19937 random(static_cast<unsigned>(thread));
         for (int round = 0; round < kRounds; ++round) {
             std::deque<ThreadedHost::Item> own;
-            for (const std::string& path : paths_)
+            for (const std::string& path : paths_) {
                 own.emplace_back(host_, path);
-            for (int i = 0; i < kDrawsOfARound; ++i)
+            }
+            for (int i = 0; i < kDrawsOfARound; ++i) {
                 equal += draws_like_alone(i % 2 == 0 ? own : shared, random) ? 1 : 0;
+            }
             refused += ThreadedHost::Item(host_, broken_).code() == kHostErrorParameter ? 1 : 0;
         }
     });

@@ -40,8 +40,9 @@ TEST(LibraryThreads, FilesAreWrittenAndReadAtTheSameTime) {
         });
     EXPECT_EQ(most_done, kFiles);
     ASSERT_EQ(reported.size(), kFiles);
-    for (std::size_t i = 0; i < kFiles; ++i)
+    for (std::size_t i = 0; i < kFiles; ++i) {
         EXPECT_EQ(reported[i], i);
+    }
 }
 
 }  // namespace

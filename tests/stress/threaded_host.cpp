@@ -39,8 +39,9 @@ A_Err new_handle(AEGP_PluginID, const A_char*, AEGP_MemSize size_bytes, AEGP_Mem
 }
 
 A_Err free_handle(AEGP_MemHandle handle) {
-    if (handle->bytes == nullptr || handle->locks.load(std::memory_order_relaxed) != 0)
+    if (handle->bytes == nullptr || handle->locks.load(std::memory_order_relaxed) != 0) {
         ThreadedHost::count(host().misuses_);
+    }
     handle->bytes.reset();
     ThreadedHost::count(host().handles_lent_, -1);
     return kHostErrorNone;
@@ -53,8 +54,9 @@ A_Err lock_handle(AEGP_MemHandle handle, void** address) {
 }
 
 A_Err unlock_handle(AEGP_MemHandle handle) {
-    if (handle->locks.fetch_sub(1, std::memory_order_relaxed) < 1)
+    if (handle->locks.fetch_sub(1, std::memory_order_relaxed) < 1) {
         ThreadedHost::count(host().misuses_);
+    }
     return kHostErrorNone;
 }
 
@@ -193,31 +195,35 @@ void ThreadedHost::Unload::operator()(void* bundle) const {
 template <typename Function>
 Function ThreadedHost::entry(const char* name) const {
     const auto function = reinterpret_cast<Function>(::dlsym(bundle_.get(), name));
-    if (function == nullptr)
+    if (function == nullptr) {
         throw std::runtime_error(std::string("the bundle does not export ") + name);
+    }
     return function;
 }
 
 ThreadedHost::ThreadedHost(const std::string& bundle, HostGeneration generation)
     : generation_(generation), bundle_(::dlopen(bundle.c_str(), RTLD_NOW | RTLD_LOCAL)) {
-    if (bundle_ == nullptr)
+    if (bundle_ == nullptr) {
         throw std::runtime_error(::dlerror());
+    }
     g_current = this;
     basic_suite_.AcquireSuite = acquire_suite;
     basic_suite_.ReleaseSuite = release_suite;
     basic_.basic_suite = &basic_suite_;
     basic_.plugin_id = 1;
-    if (const A_Err err = enter(); err != kHostErrorNone)
+    if (const A_Err err = enter(); err != kHostErrorNone) {
         throw std::runtime_error("the entry point failed with " + std::to_string(err));
-    if (!classic_module_ && !current_module_)
+    }
+    if (!classic_module_ && !current_module_) {
         throw std::runtime_error("the bundle registered no input module");
+    }
 }
 
 A_Err ThreadedHost::enter() {
     AEGP_GlobalRefcon refcon = nullptr;
     return generation_ == HostGeneration::classic
                ? entry<AEGP_PluginInitFunc>("Main_VORTANXR_AE")(&basic_suite_, 11, 0, "", "", 1, &refcon)
-               : entry<AEGP_PluginInitFuncToday>("EntryPointFunc")(&basic_suite_, 13, 28, 1, &refcon);
+               : entry<AEGP_PluginInitFuncCurrent>("EntryPointFunc")(&basic_suite_, 13, 28, 1, &refcon);
 }
 
 A_Err ThreadedHost::init_in_spec(const std::string& path, AEIO_InSpecH spec) {
@@ -242,8 +248,9 @@ A_Err ThreadedHost::dispose_in_spec(AEIO_InSpecH spec) {
 
 ThreadedHost::~ThreadedHost() {
     g_current = nullptr;
-    for (AEGP_Mem* handle = newest_handle_; handle != nullptr;)
+    for (AEGP_Mem* handle = newest_handle_; handle != nullptr;) {
         delete std::exchange(handle, handle->made_before);
+    }
 }
 
 ThreadedHost::Item::Item(ThreadedHost& host, const std::string& path) : host_(host) {
@@ -251,8 +258,9 @@ ThreadedHost::Item::Item(ThreadedHost& host, const std::string& path) : host_(ho
 }
 
 ThreadedHost::Item::~Item() {
-    if (host_.dispose_in_spec(&footage_pointer_) != kHostErrorNone)
+    if (host_.dispose_in_spec(&footage_pointer_) != kHostErrorNone) {
         count(host_.misuses_);
+    }
 }
 
 DrawnFrame ThreadedHost::Item::draw(const FrameGeometry& geometry) const {
@@ -264,8 +272,9 @@ DrawnFrame ThreadedHost::Item::draw(const FrameGeometry& geometry) const {
                        kFill);
     PF_LayerDef world{};
     unsigned char* first_row = frame.bytes.data();
-    if (geometry.upwards && geometry.height_px > 0)
+    if (geometry.upwards && geometry.height_px > 0) {
         first_row += static_cast<std::ptrdiff_t>(row_bytes) * (geometry.height_px - 1);
+    }
     world.data = reinterpret_cast<PF_Pixel*>(first_row);
     world.row_bytes = geometry.upwards ? -row_bytes : row_bytes;
     world.width = geometry.width_px;

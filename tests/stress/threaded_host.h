@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 #include "support/host_generation.h"
 
 /// What a host keeps of one footage item. Set by the thread that opens it, read by all that draw it.

@@ -30,8 +30,9 @@ class LoadedBundle {
 
     [[nodiscard]] std::vector<std::string> message_texts() const {
         std::vector<std::string> texts;
-        for (const embedded::Message& message : host_.messages())
+        for (const embedded::Message& message : host_.messages()) {
             texts.push_back(message.text);
+        }
         return texts;
     }
 

@@ -20,14 +20,16 @@ class LostMemory {
     explicit LostMemory([[maybe_unused]] bool expected) {
 #if defined(VXR_HAS_LEAK_CHECKER)
         expected_ = expected;
-        if (expected_)
+        if (expected_) {
             __lsan_disable();
+        }
 #endif
     }
 #if defined(VXR_HAS_LEAK_CHECKER)
     ~LostMemory() {
-        if (expected_)
+        if (expected_) {
             __lsan_enable();
+        }
     }
 #else
     ~LostMemory() = default;

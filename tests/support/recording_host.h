@@ -14,7 +14,7 @@
 #include <utility>
 #include <vector>
 
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 #include "support/host_generation.h"
 
 /// A footage item, as the input module describes it to a classic host.

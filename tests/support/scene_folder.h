@@ -24,8 +24,9 @@ class SceneFolder {
         bytes[14] = kHeight_px;
         bytes[16] = static_cast<char>(8 * channels);
         bytes[17] = with_alpha ? 8 : 0;  // bits of alpha
-        for (int i = 0; i < kWidth_px * kHeight_px * channels; ++i)
+        for (int i = 0; i < kWidth_px * kHeight_px * channels; ++i) {
             bytes += static_cast<char>(i * 5);
+        }
         return files_.write(name, bytes);
     }
 

@@ -12,8 +12,9 @@
 inline embedded::HostGeneration tested_generation() {
     const char* named = std::getenv("VXR_TESTED_HOST");
     const auto kind = embedded::parse_host(named == nullptr ? "today" : named);
-    if (!kind)
+    if (!kind) {
         throw std::runtime_error("VXR_TESTED_HOST is no kind of host: " + std::string(named));
+    }
     return kind->generation;
 }
 
@@ -24,8 +25,9 @@ inline bool tests_today() {
 /// The suite of this name in the version that the tested host offers.
 inline embedded::SuiteName offered_suite(const std::string& name) {
     for (const embedded::SuiteName& suite : embedded::offered_suites(tested_generation())) {
-        if (suite.name == name)
+        if (suite.name == name) {
             return suite;
+        }
     }
     throw std::runtime_error("no suite " + name);
 }
@@ -34,8 +36,9 @@ inline embedded::SuiteName offered_suite(const std::string& name) {
 /// host gets the exception and shows nothing; for today's the bridge keeps the exception in and reports the
 /// suite.
 inline std::vector<std::string> missing_suite_messages(const std::string& name) {
-    if (!tests_today())
+    if (!tests_today()) {
         return {};
+    }
     const embedded::SuiteName suite = offered_suite(name);
     return {"This plug-in needs the suite \"" + suite.name + "\" " + std::to_string(suite.version) +
             ", which the host does not offer."};

@@ -1,6 +1,6 @@
 #pragma once
 
-// What src/system/program_place_macintosh.cpp uses of the Macintosh's loader, in our own words: for
+// What src/system/program_path_macos.cpp uses of the Macintosh's loader, in our own words: for
 // script/check-macintosh.
 
 #include <cstdint>

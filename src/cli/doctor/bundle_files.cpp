@@ -8,7 +8,7 @@
 #include <utility>
 
 #include "system/files.h"
-#include "system/input_file.h"
+#include "system/open_regular_file.h"
 #include "text/ascii.h"
 
 namespace cli::doctor {

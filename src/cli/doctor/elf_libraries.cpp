@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "cli/doctor/bundle_files.h"
-#include "system/input_file.h"
+#include "system/open_regular_file.h"
 
 namespace cli::doctor {
 namespace {

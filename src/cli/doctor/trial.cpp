@@ -8,7 +8,7 @@
 #include "cli/terminal/child_process.h"
 #include "embedded/host.h"
 #include "system/files.h"
-#include "system/program_place.h"
+#include "system/program_path.h"
 
 namespace cli::doctor {
 namespace {

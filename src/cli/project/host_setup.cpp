@@ -2,7 +2,7 @@
 
 #include "cli/options.h"
 #include "system/files.h"
-#include "system/program_place.h"
+#include "system/program_path.h"
 
 namespace cli {
 namespace {
@@ -19,7 +19,7 @@ void add_bundle_option(Options& options, std::string& path) {
 }
 
 std::vector<std::filesystem::path> bundle_places(const std::filesystem::path& program) {
-    return os::places_beside(program, kBundle);
+    return os::paths_beside(program, kBundle);
 }
 
 FoundBundle find_bundle(const std::string& chosen) {

@@ -6,7 +6,7 @@
 #include <ostream>
 
 #include "limit/limits.h"
-#include "system/input_file.h"
+#include "system/open_regular_file.h"
 #include "text/printable.h"
 
 namespace cli {

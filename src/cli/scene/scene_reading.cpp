@@ -12,7 +12,7 @@
 #include "composition/read/composition_file.h"
 #include "limit/limits.h"
 #include "system/files.h"
-#include "system/input_file.h"
+#include "system/open_regular_file.h"
 #include "texture/file/filename.h"
 
 namespace cli {

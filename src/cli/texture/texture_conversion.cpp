@@ -10,7 +10,7 @@
 
 #include "cli/texture/texture_diagnostics.h"
 #include "system/files.h"
-#include "system/input_file.h"
+#include "system/open_regular_file.h"
 #include "system/replacement_file.h"
 #include "text/ascii.h"
 #include "texture/value/texture_file.h"

@@ -1,7 +1,7 @@
 #include "composition/build/host_values.h"
 #include "composition/build/layer_streams.h"
 #include "composition/model/scene_object.h"
-#include "host/messages.h"
+#include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 
 namespace {

@@ -3,7 +3,6 @@
 #include "composition/build/layer_calls.h"
 #include "composition/model/composition.h"
 #include "composition/model/project_settings.h"
-#include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 

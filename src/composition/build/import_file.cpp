@@ -12,7 +12,6 @@
 #include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
-#include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 

@@ -3,7 +3,6 @@
 #include "composition/build/host_values.h"
 #include "composition/model/composition.h"
 #include "composition/model/project_settings.h"
-#include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 #include "texture/file/base_file.h"

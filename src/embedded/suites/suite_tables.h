@@ -3,7 +3,7 @@
 // The function table of every suite, one source file each. The tables live as long as the process.
 
 #include "host/host_interface.h"
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 
 namespace embedded {
 

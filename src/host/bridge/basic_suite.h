@@ -4,16 +4,43 @@
 
 namespace bridge {
 
-/// Puts the bridge before `host` and yields the bridge's basic suite, the same one every time. Asked for one
-/// of the seven suites in the classic version that today's hosts do not have, it acquires today's from the
-/// host and hands out a table of its own; it releases today's when the classic one is released. An error
-/// of the host is passed on; a success without a table counts as 13. Everything else goes to the host as it
-/// is.
+/// Puts the bridge in front of `host` and returns the bridge's basic suite, the same one every time. When the
+/// plug-in acquires one of the seven suites in the classic version, which current hosts lack, the bridge
+/// acquires the current version from the host and hands out a table of its own; it releases the current one
+/// when the classic one is released. It passes on the host's errors; a success without a table counts as 13.
+/// Everything else goes to the host as it is.
 ///
 /// One host at a time: what was held and registered with another one is forgotten.
 SPBasicSuite* basic_suite_over(const SPBasicSuite* host, AEGP_PluginID plugin_id);
 
-/// The same, without changing anything.
+/// The bridge's basic suite, unchanged.
 const SPBasicSuite* basic_suite();
+
+// The seven classic suites as the bridge hands them out: tables of functions that call the current ones.
+// Slots that the plug-in never calls are null. Each function returns 13 while its suite is not held.
+
+/// Registers the death hook and the input modules behind functions of the bridge, which stop exceptions and
+/// give each callback basic data with the bridge's basic suite.
+const AEGP_RegisterSuite4* register_suite();
+
+/// Registers the import callbacks behind functions of the bridge, which convert their paths to UTF-8 and stop
+/// exceptions. The refcon stays as it is.
+const AEGP_FileImportManagerSuite2* file_import_manager_suite();
+
+const AEGP_PersistentDataSuite1* persistent_data_suite();
+
+const AEGP_ProjSuite5* proj_suite();
+
+/// Makes footage from UTF-16 paths; names pass as they are.
+const AEGP_FootageSuite7* footage_suite();
+
+/// Sizes are 64-bit in the host: a negative one is refused (3), one beyond 32 bits becomes the largest
+/// A_long.
+const AEGP_IOInSuite1* io_in_suite();
+
+const AEGP_IOOutSuite1* io_out_suite();
+
+/// Frees the places of everything that was registered, for the next host.
+void forget_registrations();
 
 }  // namespace bridge

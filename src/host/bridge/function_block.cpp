@@ -1,4 +1,4 @@
-#include "host/bridge/function_block.h"
+#include "host/bridge/registrations.h"
 
 #include <array>
 #include <bit>
@@ -12,16 +12,17 @@
 namespace bridge {
 namespace {
 
-// A module is not told how much room there is for a path that it writes. It may hand back one that the host
-// gave it, and the longest that a platform of today knows has 32767 units, each at most 3 bytes of UTF-8.
+// A module does not learn how much room there is for a path that it writes. It may return one that the host
+// gave it; the longest on any current platform has 32767 units, each at most 3 bytes in UTF-8.
 constexpr std::size_t kModulePathBytes = std::size_t{3} * 32767 + 1;
 
-// What `call(basic data, context)` yields; the data is the host's, but for the basic suite. Not a template:
-// there is a caller for each field and place.
+// The result of `call(data, context)`, where `data` is the host's with the bridge's basic suite. Not a
+// template, because each field at each place has a caller.
 A_Err call_with_bridge(const AEIO_BasicData* data, A_Err (*call)(AEIO_BasicData*, const void*),
                        const void* context) {
-    if (data == nullptr)
+    if (data == nullptr) {
         return kHostErrorParameter;
+    }
     AEIO_BasicData bridged = *data;
     bridged.basic_suite = basic_suite();
     return guarded([&bridged, call, context] { return call(&bridged, context); });
@@ -46,9 +47,9 @@ A_Err with_narrow_path(const AEIO_BasicData* data, const A_UTF16Char* path, cons
     });
 }
 
-// What the host calls differs from place to place in nothing but the place; so there is one function for each
-// field, told the place by a function of a few instructions that the host gets (AtPlace). Written into each
-// of them, as the compiler would, it takes twice the room.
+// The functions of two places differ in the place alone. So each field has one function that takes the place,
+// and the host gets a function of a few instructions (AtPlace) that passes it. Inlined into each of those, as
+// the compiler would do, the function would double the size of the code.
 
 // A field that is the same in both blocks.
 template <auto Field>
@@ -81,8 +82,9 @@ A_Err get_nth_aux_file_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpec
     return with_bridge(data, [=](AEIO_BasicData* bridged) {
         std::vector<A_char> narrow(kModulePathBytes);
         const A_Err err = input_modules[place].AEIO_GetNthAuxFileSpec(bridged, spec, frame, n, narrow.data());
-        if (err != kHostErrorNone)
+        if (err != kHostErrorNone) {
             return err;
+        }
         narrow.back() = 0;
         return make_path_handle(narrow.data(), path);
     });
@@ -90,7 +92,7 @@ A_Err get_nth_aux_file_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpec
 
 A_Err verify_file_importable(std::size_t place, AEIO_BasicData* data, A_long signature,
                              const A_UTF16Char* path, A_Boolean* importable) {
-    // A file whose path cannot be used is none to import; otherwise the module answers.
+    // A file whose path cannot be converted is not importable; otherwise the module answers.
     *importable = 0;
     return with_narrow_path(data, path, [=](AEIO_BasicData* bridged, const A_char* narrow) {
         return input_modules[place].AEIO_VerifyFileImportable(bridged, signature, narrow, importable);
@@ -120,7 +122,7 @@ A_Err get_mime_type(AEIO_BasicData* /*data*/, AEIO_OutSpecH /*spec*/, A_long /*s
     return kHostUseDefaultCallback;
 }
 
-// Every field filled.
+// The block with every field filled.
 template <std::size_t Place>
 constexpr AEIO_FunctionBlock4 kFullBlock = {
     .AEIO_InitInSpecFromFile = AtPlace<Place, init_in_spec_from_file>::call,
@@ -197,14 +199,16 @@ constexpr std::array<AEIO_FunctionBlock4, kPlaces> full_blocks(std::index_sequen
 AEIO_FunctionBlock4 function_block_at(std::size_t place) {
     static constexpr auto kFullBlocks = full_blocks(std::make_index_sequence<kPlaces>());
     using ClassicFields = std::array<ReservedSlot, kFunctionBlockFields>;
-    using TodaysFields = std::array<ReservedSlot, kFunctionBlock4Fields>;
+    using CurrentFields = std::array<ReservedSlot, kFunctionBlock4Fields>;
     const auto classic = std::bit_cast<ClassicFields>(input_modules[place]);
-    auto today = std::bit_cast<TodaysFields>(kFullBlocks[place]);
+    auto current = std::bit_cast<CurrentFields>(kFullBlocks[place]);
     // A field has the same number in both blocks.
-    for (std::size_t field = 0; field < classic.size(); ++field)
-        if (classic[field] == nullptr)
-            today[field] = nullptr;
-    return std::bit_cast<AEIO_FunctionBlock4>(today);
+    for (std::size_t field = 0; field < classic.size(); ++field) {
+        if (classic[field] == nullptr) {
+            current[field] = nullptr;
+        }
+    }
+    return std::bit_cast<AEIO_FunctionBlock4>(current);
 }
 
 }  // namespace bridge

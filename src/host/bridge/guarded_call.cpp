@@ -10,8 +10,8 @@
 namespace bridge {
 namespace {
 
-// What is known about the suite that a guarded call went without. Lives on the stack of the call; calls nest,
-// because the host calls the input module while the importer calls the host.
+// The suite that a guarded call lacks. Lives on the stack of the call. Calls nest, because the host calls the
+// input module while the importer calls the host.
 class MissingSuite {
   public:
     MissingSuite();
@@ -24,9 +24,10 @@ class MissingSuite {
         version_ = version;
     }
     void report() const {
-        // Without a name it was the basic suite itself.
-        if (name_.front() != 0)
+        // Without a name, the basic suite itself is missing.
+        if (name_.front() != 0) {
             report_missing_suite(name_.data(), version_);
+        }
     }
 
   private:
@@ -37,8 +38,8 @@ class MissingSuite {
     A_long version_ = 0;
 };
 
-// A handler throws on the thread whose acquisition failed. Null whenever no guarded call runs on the thread,
-// so nothing is left behind in threads of the host's.
+// Thread-local, because a handler throws on the thread whose acquisition failed. Null while no guarded call
+// runs on the thread, so nothing is left behind in the host's threads.
 thread_local MissingSuite* innermost = nullptr;
 
 MissingSuite::MissingSuite() : outer_(innermost) {
@@ -56,8 +57,9 @@ A_Err guarded_call(A_Err (*call)(const void* context), const void* context) noex
     try {
         return call(context);
     } catch (long value) {
-        if (value != AEGP_SuiteHandler::kMissingSuite)
+        if (value != AEGP_SuiteHandler::kMissingSuite) {
             return kHostErrorGeneric;
+        }
         missing_suite.report();
         return kHostErrorMissingSuite;
     } catch (const std::bad_alloc&) {
@@ -68,8 +70,9 @@ A_Err guarded_call(A_Err (*call)(const void* context), const void* context) noex
 }
 
 void note_missing_suite(const A_char* name, A_long version) noexcept {
-    if (innermost != nullptr)
+    if (innermost != nullptr) {
         innermost->note(name, version);
+    }
 }
 
 }  // namespace bridge

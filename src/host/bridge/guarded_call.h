@@ -2,23 +2,23 @@
 
 #include "host/host_interface.h"
 
-// The edge behind which the host is: it was built by another compiler, so no exception may cross.
+// The boundary to the host, which another compiler built: no exception may cross it.
 
 namespace bridge {
 
-/// `call(context)`, and its result. A missing suite (what AEGP_SuiteHandler throws) becomes 13 and one
-/// report, which names the suite; memory that could not be had 4; any other exception 1.
+/// Returns the result of `call(context)`. A missing suite (the exception of AEGP_SuiteHandler) becomes 13 and
+/// one report that names the suite, a failed allocation 4, any other exception 1.
 A_Err guarded_call(A_Err (*call)(const void* context), const void* context) noexcept;
 
-/// The same for anything that can be called without arguments.
+/// guarded_call for any callable without parameters.
 template <typename Function>
 A_Err guarded(const Function& function) noexcept {
     return guarded_call([](const void* context) { return (*static_cast<const Function*>(context))(); },
                         &function);
 }
 
-/// Remembers the suite that could not be acquired for the guarded call of this thread that is innermost: the
-/// exception does not say which it was. Without effect outside of guarded calls.
+/// Remembers, for the innermost guarded call of this thread, which suite could not be acquired: the exception
+/// does not say. Has no effect outside of guarded calls.
 void note_missing_suite(const A_char* name, A_long version) noexcept;
 
 }  // namespace bridge

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "host/bridge/host_behind.h"
 #include "host/bridge/reports.h"
+#include "host/bridge/underlying_host.h"
 #include "host/utf16.h"
 
 namespace bridge {
@@ -40,12 +40,14 @@ A_Err translate(View path, ConvertedText<Result> (*convert)(View), Result* trans
     }
 }
 
-// Its units without the terminator; none when there are more than a classic path's buffer has bytes for. No
-// unit becomes less than one byte, so no more of them are looked at.
+// The path without its terminator; nothing if it has more units than a classic path's buffer has bytes. Every
+// unit becomes at least one byte, so looking further is useless.
 std::optional<std::u16string_view> short_path(const A_UTF16Char* path) {
-    for (std::size_t length = 0; length < kClassicPathBytes; ++length)
-        if (path[length] == 0)
+    for (std::size_t length = 0; length < kClassicPathBytes; ++length) {
+        if (path[length] == 0) {
             return std::u16string_view(path, length);
+        }
+    }
     return std::nullopt;
 }
 
@@ -54,8 +56,9 @@ A_Err copy_path(const A_UTF16Char* wide, std::array<A_char, kClassicPathBytes>* 
     std::string narrow;
     if (units) {
         const A_Err err = translate(*units, utf8_from_utf16, &narrow);
-        if (err != kHostErrorNone)
+        if (err != kHostErrorNone) {
             return err;
+        }
     }
     if (!units || narrow.size() >= path->size()) {
         report_long_path();
@@ -65,13 +68,14 @@ A_Err copy_path(const A_UTF16Char* wide, std::array<A_char, kClassicPathBytes>* 
     return kHostErrorNone;
 }
 
-// What `use(address)` says about the memory behind the handle, or the error on the way to it or from it.
+// Locks the handle, calls `use(address)` and unlocks the handle. Returns the first error of the three.
 template <typename Use>
 A_Err with_locked(const AEGP_MemorySuite1& memory, AEGP_MemHandle handle, const Use& use) {
     void* address = nullptr;
     const A_Err err = memory.AEGP_LockMemHandle(handle, &address);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     const A_Err used = address == nullptr ? kHostErrorGeneric : use(address);
     return first_of(used, memory.AEGP_UnlockMemHandle(handle));
 }
@@ -79,8 +83,9 @@ A_Err with_locked(const AEGP_MemorySuite1& memory, AEGP_MemHandle handle, const 
 }  // namespace
 
 A_Err wide_path(const A_char* path, std::u16string* wide) noexcept {
-    if (path == nullptr)
+    if (path == nullptr) {
         return kHostErrorParameter;
+    }
     return translate(std::string_view(path), utf16_from_utf8, wide);
 }
 
@@ -94,55 +99,66 @@ A_Err narrow_path(const A_UTF16Char* path, std::string* narrow) noexcept {
 
 A_Err copy_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,
                       A_char* path) noexcept {
-    if (path == nullptr)
+    if (path == nullptr) {
         return kHostErrorParameter;
-    // Before the host is asked: without it the handle could not even be freed.
+    }
+    // Acquired first: without this suite the handle could not even be freed.
     const HostSuite<AEGP_MemorySuite1> memory(kMemorySuite, kMemorySuiteVersion);
-    if (memory.get() == nullptr)
+    if (memory.get() == nullptr) {
         return missing_memory_suite();
+    }
     AEGP_MemHandle handle = nullptr;
     const A_Err err = ask(context, &handle);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
-    if (handle == nullptr)
+    }
+    if (handle == nullptr) {
         return kHostErrorGeneric;
+    }
     std::array<A_char, kClassicPathBytes> copy = {};
     const A_Err copied = with_locked(*memory.get(), handle, [&copy](const void* address) {
         return copy_path(static_cast<const A_UTF16Char*>(address), &copy);
     });
     const A_Err freed = first_of(copied, memory.get()->AEGP_FreeMemHandle(handle));
-    if (freed == kHostErrorNone)
+    if (freed == kHostErrorNone) {
         std::memcpy(path, copy.data(), std::strlen(copy.data()) + 1);
+    }
     return freed;
 }
 
 A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept {
-    if (handle == nullptr)
+    if (handle == nullptr) {
         return kHostErrorParameter;
+    }
     *handle = nullptr;
     std::u16string wide;
     A_Err err = wide_path(path, &wide);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     const HostSuite<AEGP_MemorySuite1> memory(kMemorySuite, kMemorySuiteVersion);
-    if (memory.get() == nullptr)
+    if (memory.get() == nullptr) {
         return missing_memory_suite();
+    }
     const std::size_t size_bytes = (wide.size() + 1) * sizeof(A_UTF16Char);
     AEGP_MemHandle made = nullptr;
-    err = memory.get()->AEGP_NewMemHandle(host_behind.plugin_id, "path",
+    err = memory.get()->AEGP_NewMemHandle(underlying_host.plugin_id, "path",
                                           static_cast<AEGP_MemSize>(size_bytes), kMemFlagClear, &made);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
-    if (made == nullptr)
+    }
+    if (made == nullptr) {
         return kHostErrorGeneric;
+    }
     err = with_locked(*memory.get(), made, [&wide, size_bytes](void* address) {
         std::memcpy(address, wide.c_str(), size_bytes);
         return kHostErrorNone;
     });
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *handle = made;
-    else
+    } else {
         memory.get()->AEGP_FreeMemHandle(made);
+    }
     return err;
 }
 

@@ -2,27 +2,27 @@
 
 #include <string>
 
-#include "host/today_interface.h"
+#include "host/current_interface.h"
 
-// Paths between the plug-in, which knows narrow ones, and today's hosts. Separators stay as they are. What
-// cannot be translated is refused with 3 and one report that names what is wrong. None of these throws: 4
-// when there is no memory, 13 and a report when the host offers no memory handles, else the host's own error.
+// Converts paths between the plug-in, whose paths are UTF-8, and current hosts, whose paths are UTF-16.
+// Separators stay as they are. A path that cannot be converted is refused with 3 and one report that names
+// the fault. No function throws: 4 is returned when memory is short, 13 with a report when the host offers no
+// memory handles, and otherwise the host's own error.
 
 namespace bridge {
 
-/// For the host. Null is refused without a report: the plug-in has none to give.
+/// From the plug-in to the host. Null is refused without a report, because there is no path to name.
 A_Err wide_path(const A_char* path, std::u16string* wide) noexcept;
 
-/// For the plug-in.
+/// From the host to the plug-in.
 A_Err narrow_path(const A_UTF16Char* path, std::string* narrow) noexcept;
 
-/// Asks the host for a path and copies it into a classic path's buffer, which has kClassicPathBytes and is
-/// only written when all went well. A path that does not fit is refused. The host's memory handle is freed on
-/// every way out.
+/// Asks the host for a path and copies it into a classic path's buffer of kClassicPathBytes, which is written
+/// only on success. A path that does not fit is refused. The host's memory handle is always freed.
 A_Err copy_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,
                       A_char* path) noexcept;
 
-/// The same; `ask(AEGP_MemHandle*)` is the host's function with everything else that it takes.
+/// copy_asked_path for any callable `ask(AEGP_MemHandle*)`, which calls the host's function.
 template <typename Ask>
 A_Err copy_host_path(const Ask& ask, A_char* path) noexcept {
     return copy_asked_path([](const void* context,
@@ -30,7 +30,7 @@ A_Err copy_host_path(const Ask& ask, A_char* path) noexcept {
                            &ask, path);
 }
 
-/// Makes a memory handle with the path, which is the host's to free. Null is put into `handle` on an error.
+/// Makes a memory handle with the path, for the host to free. `*handle` is null on an error.
 A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept;
 
 }  // namespace bridge

@@ -1,8 +1,8 @@
 // "AEGP Persistent Data Suite" 1, "AEGP Proj Suite" 5 and "AEGP Footage Suite" 7.
 
-#include "host/bridge/classic_suites.h"
-#include "host/bridge/held_suites.h"
+#include "host/bridge/basic_suite.h"
 #include "host/bridge/path_translation.h"
+#include "host/bridge/underlying_host.h"
 
 namespace bridge {
 namespace {
@@ -10,9 +10,10 @@ namespace {
 A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_FootageLayerKey* layer_key,
                   const AEGP_FileSequenceImportOptions* sequence, AEGP_InterpretationStyle style,
                   void* reserved, AEGP_FootageH* footage) {
-    const auto* suite = today<AEGP_FootageSuite11>();
-    if (suite == nullptr)
+    const auto* suite = current_suite<AEGP_FootageSuite11>();
+    if (suite == nullptr) {
         return kHostErrorMissingSuite;
+    }
     std::u16string wide;
     const A_Err err = wide_path(path, &wide);
     return err != kHostErrorNone ? err
@@ -24,12 +25,12 @@ A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_Footag
 
 const AEGP_PersistentDataSuite1* persistent_data_suite() {
     static constexpr AEGP_PersistentDataSuite1 kTable = [] {
-        using Today = AEGP_PersistentDataSuite3;
+        using Current = AEGP_PersistentDataSuite3;
         AEGP_PersistentDataSuite1 suite = {};
-        suite.AEGP_GetApplicationBlob = Forward<&Today::AEGP_GetApplicationBlob>::call;
-        suite.AEGP_DoesKeyExist = Forward<&Today::AEGP_DoesKeyExist>::call;
-        suite.AEGP_GetData = Forward<&Today::AEGP_GetData>::call;
-        suite.AEGP_SetData = Forward<&Today::AEGP_SetData>::call;
+        suite.AEGP_GetApplicationBlob = Forward<&Current::AEGP_GetApplicationBlob>::call;
+        suite.AEGP_DoesKeyExist = Forward<&Current::AEGP_DoesKeyExist>::call;
+        suite.AEGP_GetData = Forward<&Current::AEGP_GetData>::call;
+        suite.AEGP_SetData = Forward<&Current::AEGP_SetData>::call;
         return suite;
     }();
     return &kTable;
@@ -37,10 +38,10 @@ const AEGP_PersistentDataSuite1* persistent_data_suite() {
 
 const AEGP_ProjSuite5* proj_suite() {
     static constexpr AEGP_ProjSuite5 kTable = [] {
-        using Today = AEGP_ProjSuite8;
+        using Current = AEGP_ProjSuite8;
         AEGP_ProjSuite5 suite = {};
-        suite.AEGP_GetProjectByIndex = Forward<&Today::AEGP_GetProjectByIndex>::call;
-        suite.AEGP_GetProjectRootFolder = Forward<&Today::AEGP_GetProjectRootFolder>::call;
+        suite.AEGP_GetProjectByIndex = Forward<&Current::AEGP_GetProjectByIndex>::call;
+        suite.AEGP_GetProjectRootFolder = Forward<&Current::AEGP_GetProjectRootFolder>::call;
         return suite;
     }();
     return &kTable;
@@ -48,13 +49,13 @@ const AEGP_ProjSuite5* proj_suite() {
 
 const AEGP_FootageSuite7* footage_suite() {
     static constexpr AEGP_FootageSuite7 kTable = [] {
-        using Today = AEGP_FootageSuite11;
+        using Current = AEGP_FootageSuite11;
         AEGP_FootageSuite7 suite = {};
         suite.AEGP_NewFootage = new_footage;
-        suite.AEGP_AddFootageToProject = Forward<&Today::AEGP_AddFootageToProject>::call;
-        suite.AEGP_GetFootageInterpretation = Forward<&Today::AEGP_GetFootageInterpretation>::call;
-        suite.AEGP_SetFootageInterpretation = Forward<&Today::AEGP_SetFootageInterpretation>::call;
-        suite.AEGP_NewPlaceholderFootage = Forward<&Today::AEGP_NewPlaceholderFootage>::call;
+        suite.AEGP_AddFootageToProject = Forward<&Current::AEGP_AddFootageToProject>::call;
+        suite.AEGP_GetFootageInterpretation = Forward<&Current::AEGP_GetFootageInterpretation>::call;
+        suite.AEGP_SetFootageInterpretation = Forward<&Current::AEGP_SetFootageInterpretation>::call;
+        suite.AEGP_NewPlaceholderFootage = Forward<&Current::AEGP_NewPlaceholderFootage>::call;
         return suite;
     }();
     return &kTable;

@@ -1,16 +1,15 @@
-// "AEGP Register Suite" 4 and "AEGP File Import Manager Suite" 2: what the plug-in registers for the life of
-// the host, and the functions that the host gets in its place.
+// "AEGP Register Suite" 4 and "AEGP File Import Manager Suite" 2: what the plug-in registers until the host
+// quits, and the functions that the host gets in its place.
 
 #include <array>
 #include <utility>
 
-#include "host/bridge/classic_suites.h"
-#include "host/bridge/function_block.h"
+#include "host/bridge/basic_suite.h"
 #include "host/bridge/guarded_call.h"
-#include "host/bridge/held_suites.h"
 #include "host/bridge/path_translation.h"
 #include "host/bridge/registrations.h"
 #include "host/bridge/reports.h"
+#include "host/bridge/underlying_host.h"
 
 namespace bridge {
 namespace {
@@ -38,7 +37,7 @@ A_Err import_file(const A_UTF16Char* path, AE_FIM_ImportOptions options, AE_FIM_
 template <std::size_t Place>
 A_Err verify_file(const A_UTF16Char* path, AE_FIM_Refcon refcon, A_Boolean* importable) {
     return guarded([=] {
-        // A file whose path cannot be used is none to import; otherwise the plug-in answers.
+        // A file whose path cannot be converted is not importable; otherwise the plug-in answers.
         *importable = 0;
         std::string narrow;
         const A_Err err = narrow_path(path, &narrow);
@@ -56,19 +55,20 @@ AEGP_DeathHook death_hook_at(std::size_t place) {
 
 AE_FIM_ImportCallbacks3 import_callbacks_at(std::size_t place) {
     const AE_FIM_ImportCallbacks& classic = importers[place];
-    AE_FIM_ImportCallbacks3 today = {};
-    today.refcon = classic.refcon;
-    [&classic, &today, place ]<std::size_t... Place>(std::index_sequence<Place...>) {
+    AE_FIM_ImportCallbacks3 current = {};
+    current.refcon = classic.refcon;
+    [&classic, &current, place ]<std::size_t... Place>(std::index_sequence<Place...>) {
         constexpr AE_FIM_ImportFileCB3 kImports[] = {import_file<Place>...};
         constexpr AE_FIM_VerifyFileCB3 kVerifies[] = {verify_file<Place>...};
-        today.import_cb = classic.import_cb == nullptr ? nullptr : kImports[place];
-        today.verify_cb = classic.verify_cb == nullptr ? nullptr : kVerifies[place];
+        current.import_cb = classic.import_cb == nullptr ? nullptr : kImports[place];
+        current.verify_cb = classic.verify_cb == nullptr ? nullptr : kVerifies[place];
     }
     (std::make_index_sequence<kPlaces>());
-    return today;
+    return current;
 }
 
-// Registers `record` by `tell_host(place)`; its place stays taken when the host agreed.
+// Claims a place for `record` and registers it by `tell_host(place)`. The place is freed again if the host
+// refuses.
 template <typename Record, typename TellHost>
 A_Err register_at_place(Registrations<Record>* registrations, const Record& record, const A_char* things,
                         const TellHost& tell_host) {
@@ -78,17 +78,20 @@ A_Err register_at_place(Registrations<Record>* registrations, const Record& reco
         return kHostErrorGeneric;
     }
     const A_Err err = tell_host(*place);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         registrations->give_back(*place);
+    }
     return err;
 }
 
 A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_DeathRefcon refcon) {
-    const auto* suite = today<AEGP_RegisterSuite6>();
-    if (suite == nullptr)
+    const auto* suite = current_suite<AEGP_RegisterSuite6>();
+    if (suite == nullptr) {
         return kHostErrorMissingSuite;
-    if (hook == nullptr)
+    }
+    if (hook == nullptr) {
         return suite->AEGP_RegisterDeathHook(plugin_id, nullptr, refcon);
+    }
     return register_at_place(&death_hooks, hook, "death hooks", [=](std::size_t place) {
         return suite->AEGP_RegisterDeathHook(plugin_id, death_hook_at(place), refcon);
     });
@@ -96,11 +99,13 @@ A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_Dea
 
 A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_ModuleInfo* info,
                   const AEIO_FunctionBlock2* functions) {
-    const auto* suite = today<AEGP_RegisterSuite6>();
-    if (suite == nullptr)
+    const auto* suite = current_suite<AEGP_RegisterSuite6>();
+    if (suite == nullptr) {
         return kHostErrorMissingSuite;
-    if (functions == nullptr)
+    }
+    if (functions == nullptr) {
         return suite->AEGP_RegisterIO(plugin_id, refcon, info, nullptr);
+    }
     return register_at_place(&input_modules, *functions, "input modules", [=](std::size_t place) {
         const AEIO_FunctionBlock4 block = function_block_at(place);
         return suite->AEGP_RegisterIO(plugin_id, refcon, info, &block);
@@ -109,14 +114,16 @@ A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_Modu
 
 A_Err register_import_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags,
                                 const AE_FIM_ImportCallbacks* callbacks) {
-    const auto* suite = today<AEGP_FileImportManagerSuite3>();
-    if (suite == nullptr)
+    const auto* suite = current_suite<AEGP_FileImportManagerSuite3>();
+    if (suite == nullptr) {
         return kHostErrorMissingSuite;
-    if (callbacks == nullptr)
+    }
+    if (callbacks == nullptr) {
         return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, nullptr);
+    }
     return register_at_place(&importers, *callbacks, "importers", [=](std::size_t place) {
-        const AE_FIM_ImportCallbacks3 today_callbacks = import_callbacks_at(place);
-        return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, &today_callbacks);
+        const AE_FIM_ImportCallbacks3 current_callbacks = import_callbacks_at(place);
+        return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, &current_callbacks);
     });
 }
 
@@ -134,10 +141,11 @@ const AEGP_RegisterSuite4* register_suite() {
 
 const AEGP_FileImportManagerSuite2* file_import_manager_suite() {
     static constexpr AEGP_FileImportManagerSuite2 kTable = [] {
-        using Today = AEGP_FileImportManagerSuite3;
+        using Current = AEGP_FileImportManagerSuite3;
         AEGP_FileImportManagerSuite2 suite = {};
-        suite.AEGP_RegisterImportFlavor = Forward<&Today::AEGP_RegisterImportFlavor>::call;
-        suite.AEGP_RegisterImportFlavorFileTypes = Forward<&Today::AEGP_RegisterImportFlavorFileTypes>::call;
+        suite.AEGP_RegisterImportFlavor = Forward<&Current::AEGP_RegisterImportFlavor>::call;
+        suite.AEGP_RegisterImportFlavorFileTypes =
+            Forward<&Current::AEGP_RegisterImportFlavorFileTypes>::call;
         suite.AEGP_RegisterImportFlavorImportCallbacks = register_import_callbacks;
         return suite;
     }();

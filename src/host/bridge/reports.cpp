@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdio>
 
-#include "host/bridge/host_behind.h"
+#include "host/bridge/underlying_host.h"
 
 namespace bridge {
 namespace {
@@ -19,8 +19,8 @@ void report_values(const char* format, Values... values) noexcept {
     report(text.data());
 }
 
-// What stands before the fault, as far as it helps to find it: its end, with a question mark for every unit
-// that is not printable ASCII.
+// The last part of the text before the fault, with a question mark for every unit that is not printable
+// ASCII.
 template <typename View>
 std::array<A_char, kMaxExcerpt + 1> excerpt(View path, std::size_t fault) {
     std::array<A_char, kMaxExcerpt + 1> shown = {};
@@ -35,8 +35,9 @@ std::array<A_char, kMaxExcerpt + 1> excerpt(View path, std::size_t fault) {
 
 void report(const A_char* text) noexcept {
     const HostSuite<AEGP_UtilitySuite7> utility("AEGP Utility Suite", 7);
-    if (utility.get() != nullptr)
-        utility.get()->AEGP_ReportInfo(host_behind.plugin_id, text);
+    if (utility.get() != nullptr) {
+        utility.get()->AEGP_ReportInfo(underlying_host.plugin_id, text);
+    }
 }
 
 void report_missing_suite(const A_char* name, A_long version) noexcept {

@@ -5,14 +5,14 @@
 
 #include "host/host_interface.h"
 
-// What the bridge tells the user, through the host's report function; silent where the host has none. The
-// texts are ASCII and made without asking for memory, because some of them are about there being none.
+// What the bridge tells the user through the host's report function; nothing if the host has none. The texts
+// are ASCII and are made without allocating memory, so that they also work when memory is short.
 
 namespace bridge {
 
 void report(const A_char* text) noexcept;
 
-/// `version` is today's, as it was asked of the host.
+/// `version` is the current one, which the host was asked for.
 void report_missing_suite(const A_char* name, A_long version) noexcept;
 
 /// The plug-in's path for the host is not valid UTF-8 at byte `fault`.
@@ -24,7 +24,7 @@ void report_invalid_path(std::u16string_view path, std::size_t fault) noexcept;
 /// The host's path does not fit into a classic path's buffer.
 void report_long_path() noexcept;
 
-/// The host passed no path where there must be one.
+/// The host passed null for a path.
 void report_no_path() noexcept;
 
 /// More than `room` of these ("input modules") were registered.

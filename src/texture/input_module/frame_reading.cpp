@@ -7,7 +7,6 @@
 #include <limits>
 #include <new>
 
-#include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 #include "texture/input_module/drawn_picture.h"

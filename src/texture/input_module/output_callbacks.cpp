@@ -6,7 +6,6 @@
 #include <new>
 #include <string_view>
 
-#include "host/messages.h"
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 #include "texture/input_module/module_info.h"

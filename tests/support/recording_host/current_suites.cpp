@@ -29,16 +29,18 @@ const AEGP_RegisterSuite6 kRegisterSuite = [] {
     AEGP_RegisterSuite6 suite{};
     suite.AEGP_RegisterDeathHook = [](AEGP_PluginID id, AEGP_DeathHook hook, AEGP_DeathRefcon refcon) {
         const A_Err err = host().call("RegisterDeathHook", list(id, A_Boolean{hook != nullptr}, refcon));
-        if (err == kHostErrorNone)
+        if (err == kHostErrorNone) {
             host().death_hooks.emplace_back(hook, refcon);
+        }
         return err;
     };
     suite.AEGP_RegisterIO = [](AEGP_PluginID id, AEGP_IORefcon refcon, const AEIO_ModuleInfo* info,
                                const AEIO_FunctionBlock4* functions) {
         const A_Err err = host().call("RegisterIO", list(id, refcon, info == nullptr ? nullptr : +info->name,
                                                          A_Boolean{functions != nullptr}));
-        if (err == kHostErrorNone && functions != nullptr)
+        if (err == kHostErrorNone && functions != nullptr) {
             host().modules.emplace_back(refcon, *functions);
+        }
         return err;
     };
     return suite;
@@ -48,8 +50,9 @@ const AEGP_FileImportManagerSuite3 kFileImportManagerSuite = [] {
     AEGP_FileImportManagerSuite3 suite{};
     suite.AEGP_RegisterImportFlavor = [](const A_char* name, AE_FIM_ImportFlavorRef* flavor) {
         const A_Err err = host().call("RegisterImportFlavor", list(name, *flavor));
-        if (err == kHostErrorNone)
+        if (err == kHostErrorNone) {
             *flavor = host().flavor;
+        }
         return err;
     };
     suite.AEGP_RegisterImportFlavorFileTypes = VXR_RECORDED("RegisterImportFlavorFileTypes");
@@ -65,8 +68,9 @@ const AEGP_FileImportManagerSuite3 kFileImportManagerSuite = [] {
                                        list(callbacks->refcon, A_Boolean{callbacks->import_cb != nullptr},
                                             A_Boolean{callbacks->verify_cb != nullptr}) +
                                        "}"));
-        if (err == kHostErrorNone && callbacks != nullptr)
+        if (err == kHostErrorNone && callbacks != nullptr) {
             host().importers.push_back(*callbacks);
+        }
         return err;
     };
     return suite;

@@ -13,10 +13,12 @@ bool all_zero(const void* begin, std::size_t bytes) {
 }
 
 std::size_t dimensions_of(const std::string& stream) {
-    if (stream.ends_with("/color"))
+    if (stream.ends_with("/color")) {
         return 4;
-    if (stream.ends_with("/position") || stream.ends_with("/anchor") || stream.ends_with("/orientation"))
+    }
+    if (stream.ends_with("/position") || stream.ends_with("/anchor") || stream.ends_with("/orientation")) {
         return 3;
+    }
     return stream.ends_with("/scale") ? 2 : 1;
 }
 
@@ -25,12 +27,15 @@ std::size_t dimensions_of(const std::string& stream) {
 std::string value_text(const AEGP_StreamValue* value, const std::string& stream) {
     const std::size_t dimensions = dimensions_of(stream);
     std::string out;
-    for (std::size_t i = 0; i < dimensions; ++i)
+    for (std::size_t i = 0; i < dimensions; ++i) {
         out += (i == 0 ? "" : ", ") + text(value->value.four_d.values[i]);
-    if (!all_zero(&value->value.four_d.values[dimensions], (4 - dimensions) * sizeof(double)))
+    }
+    if (!all_zero(&value->value.four_d.values[dimensions], (4 - dimensions) * sizeof(double))) {
         out += " NOT CLEARED";
-    if (host().name_of(value->stream) != stream)
+    }
+    if (host().name_of(value->stream) != stream) {
         out += " FOR ANOTHER STREAM";
+    }
     return "[" + out + "]";
 }
 
@@ -60,8 +65,9 @@ A_Err register_io(AEGP_PluginID id, AEGP_IORefcon refcon, const AEIO_ModuleInfo*
 
 A_Err register_flavor(const A_char* name, AE_FIM_ImportFlavorRef* flavor) {
     const A_Err err = host().call("RegisterImportFlavor", list(name, *flavor));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *flavor = host().flavor;
+    }
     return err;
 }
 
@@ -101,8 +107,9 @@ A_Err get_application_blob(AEGP_PersistentBlobH* blob) {
 
 A_Err does_key_exist(AEGP_PersistentBlobH blob, const A_char* section, const A_char* key, A_Boolean* exists) {
     const A_Err err = host().call("DoesKeyExist", list(blob, section, key));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *exists = host().alpha_preference.has_value() ? 1 : 0;
+    }
     return err;
 }
 
@@ -110,8 +117,9 @@ A_Err get_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
                const void* default_data, void* data) {
     const A_Err err = host().call("GetData", list(blob, section, key, size) + ", default " +
                                                  text(*static_cast<const A_u_char*>(default_data)));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *static_cast<A_u_char*>(data) = *host().alpha_preference;
+    }
     return err;
 }
 
@@ -119,8 +127,9 @@ A_Err set_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
                const void* data) {
     const A_u_char value = *static_cast<const A_u_char*>(data);
     const A_Err err = host().call("SetData", list(blob, section, key, size, value));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         host().alpha_preference = value;
+    }
     return err;
 }
 
@@ -161,8 +170,9 @@ A_Err get_interpretation(AEGP_ItemH item, A_Boolean proxy, AEGP_FootageInterp* i
     const bool cleared = all_zero(interpretation, sizeof *interpretation);
     const A_Err err =
         host().call("GetFootageInterpretation", list(item, proxy) + (cleared ? "" : " NOT CLEARED"));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *interpretation = host().interpretation;
+    }
     return err;
 }
 
@@ -179,8 +189,9 @@ A_Err set_interpretation(AEGP_ItemH item, A_Boolean proxy, const AEGP_FootageInt
 
 A_Err get_comp_from_item(AEGP_ItemH item, AEGP_CompH* comp) {
     std::string name = text(item);
-    if (name.starts_with("item("))
+    if (name.starts_with("item(")) {
         name = name.substr(5, name.size() - 6);
+    }
     return host().call("GetCompFromItem", list(item), comp, name);
 }
 
@@ -220,8 +231,9 @@ A_Err set_offset(AEGP_LayerH layer, const A_Time* offset) {
 
 A_Err get_transfer_mode(AEGP_LayerH layer, AEGP_LayerTransferMode* mode) {
     const A_Err err = host().call("GetLayerTransferMode", list(layer));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *mode = host().transfer_mode;
+    }
     return err;
 }
 
@@ -248,8 +260,9 @@ A_Err get_stream(AEGP_PluginID id, AEGP_LayerH layer, AEGP_LayerStream which, AE
     const std::string name = text(layer) + "/" + stream_name(which);
     *stream = nullptr;
     const A_Err err = host().call("GetNewLayerStream", list(id, layer, which), stream, name);
-    if (err == kHostErrorNone && *stream != nullptr)
+    if (err == kHostErrorNone && *stream != nullptr) {
         host().remember_open(name);
+    }
     return err;
 }
 
@@ -269,8 +282,9 @@ A_Err start_add_keyframes(AEGP_StreamRefH stream, AEGP_AddKeyframesInfoH* info) 
 // Each track begins at another index, so that one track's index given to another shows.
 A_long first_index(const std::string& keys) {
     A_long index = 0;
-    for (const char c : keys)
+    for (const char c : keys) {
         index = (index * 31 + c) % 89;
+    }
     return index * 100;
 }
 
@@ -281,8 +295,9 @@ std::string stream_of(AEGP_AddKeyframesInfoH info) {
 
 A_Err add_keyframes(AEGP_AddKeyframesInfoH info, AEGP_LTimeMode mode, const A_Time* time, A_long* index) {
     const A_Err err = host().call("AddKeyframes", list(info, mode, time));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         *index = first_index(text(info)) + host().key_counts[text(info)]++;
+    }
     return err;
 }
 

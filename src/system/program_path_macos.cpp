@@ -1,4 +1,4 @@
-// Written from documentation and checked for syntax only, as docs/hosts.md says.
+// Written from documentation; only its syntax is checked, as docs/hosts.md says.
 
 #include <mach-o/dyld.h>
 
@@ -6,12 +6,12 @@
 #include <string>
 #include <system_error>
 
-#include "system/program_place.h"
+#include "system/program_path.h"
 
 namespace os {
 
 std::filesystem::path program_path() {
-    // Asked without room it says how much it needs.
+    // Called without a buffer, it yields the size that it needs.
     std::uint32_t size = 0;
     _NSGetExecutablePath(nullptr, &size);
     std::string path(size, '\0');

@@ -1,19 +1,19 @@
 #pragma once
 
-// Today's generation of hosts: 64-bit After Effects, interface 13.0 and later. Most suites are those of
-// host_interface.h, unchanged; declared here is what differs, in the same way: our own words, every position
-// held by an assertion.
+// Current hosts: 64-bit After Effects, interface 13.0 and later. Most of their suites are those of
+// host_interface.h. This header declares the differences in the same way: the declarations are our own, and
+// assertions check every offset.
 //
-// Paths of this generation are zero-terminated UTF-16 with the platform's separators (Macintosh hosts are
-// assumed to pass POSIX paths). Names of items and layers stay narrow. Of the classic versions of the suites
-// below these hosts offer none.
+// Paths of current hosts are zero-terminated UTF-16 with the platform's separators (hosts on macOS are
+// assumed to pass POSIX paths). Names of items and layers stay narrow. These hosts do not offer the classic
+// versions of the suites below.
 
 #include <cstddef>
 #include <cstdint>
 
 #include "host/host_interface.h"
 
-/// A unit of UTF-16.
+/// A UTF-16 code unit.
 using A_UTF16Char = char16_t;
 static_assert(sizeof(A_UTF16Char) == 2);
 
@@ -27,9 +27,9 @@ extern "C" {
 // ---------------------------------------------------------------------------------------------------------------
 // Entry point and callbacks
 
-/// The exported entry of a bundle for today's hosts: the classic one without the two paths.
-using AEGP_PluginInitFuncToday = A_Err (*)(SPBasicSuite* basic, A_long major_version, A_long minor_version,
-                                           AEGP_PluginID plugin_id, AEGP_GlobalRefcon* refcon);
+/// The entry point that current hosts call: the classic one without the two paths.
+using AEGP_PluginInitFuncCurrent = A_Err (*)(SPBasicSuite* basic, A_long major_version, A_long minor_version,
+                                             AEGP_PluginID plugin_id, AEGP_GlobalRefcon* refcon);
 
 using AE_FIM_ImportFileCB3 = A_Err (*)(const A_UTF16Char* path, AE_FIM_ImportOptions options,
                                        AE_FIM_SpecialAction action, AEGP_ItemH folder, AE_FIM_Refcon refcon);
@@ -44,9 +44,9 @@ static_assert(sizeof(AE_FIM_ImportCallbacks3) == 24 && offsetof(AE_FIM_ImportCal
               offsetof(AE_FIM_ImportCallbacks3, verify_cb) == 16);
 
 // ---------------------------------------------------------------------------------------------------------------
-// The input-module function block: the classic fields, four of them with other paths, and three more. Every
-// function takes the basic data first. AEIO_GetNthAuxFileSpec hands the host a memory handle with a
-// zero-terminated UTF-16 path, which is the host's to free.
+// The function block of an input module: the classic fields, four of them with other path types, and three
+// more. Every function takes the basic data first. AEIO_GetNthAuxFileSpec gives the host a memory handle with
+// a zero-terminated UTF-16 path, which the host frees.
 
 struct AEIO_FunctionBlock4 {
     A_Err (*AEIO_InitInSpecFromFile)(AEIO_BasicData*, const A_UTF16Char* path, AEIO_InSpecH);
@@ -175,7 +175,7 @@ VXR_FIELD_IS_AT(48, AEIO_GetMimeType);
 #undef VXR_FIELD_IS_AT
 
 // ---------------------------------------------------------------------------------------------------------------
-// Suites, under the names of the classic ones with another version
+// Suites with the names of classic ones and newer versions
 
 extern "C" {
 
@@ -265,7 +265,7 @@ static_assert(sizeof(AEGP_FootageSuite11) == slot(21) &&
 struct AEGP_IOInSuite5 {
     A_Err (*AEGP_GetInSpecOptionsHandle)(AEIO_InSpecH, void** options);
     A_Err (*AEGP_SetInSpecOptionsHandle)(AEIO_InSpecH, void* options, void** old_options);
-    /// A zero-terminated UTF-16 path in a memory handle that is the caller's to free.
+    /// Yields a zero-terminated UTF-16 path in a memory handle that the caller frees.
     A_Err (*AEGP_GetInSpecFilePath)(AEIO_InSpecH, AEGP_MemHandle* path);
     ReservedSlot reserved_3[1];
     A_Err (*AEGP_SetInSpecNativeFPS)(AEIO_InSpecH, A_Fixed fps);
@@ -296,8 +296,8 @@ static_assert(sizeof(AEGP_IOInSuite5) == slot(31) &&
 /// "AEGP IO Out Suite" 7
 struct AEGP_IOOutSuite7 {
     ReservedSlot reserved_0[2];
-    /// A zero-terminated UTF-16 path in a memory handle that is the caller's to free. What the host writes
-    /// into `reserved` says nothing to this system; the pointer is never null.
+    /// Yields a zero-terminated UTF-16 path in a memory handle that the caller frees. The plug-in ignores
+    /// what the host writes to `*reserved`; the pointer must not be null.
     A_Err (*AEGP_GetOutSpecFilePath)(AEIO_OutSpecH, AEGP_MemHandle* path, A_Boolean* reserved);
     ReservedSlot reserved_3[29];
 };

@@ -3,18 +3,21 @@
 #include <cmath>
 
 namespace os {
+
+#if defined(_WIN32)
+
 namespace {
 
-// The library's functions are the processor's instructions, whose pi has 66 bits: next to its multiples
-// hardly a digit is right. Here the quarter turns are taken off first, with 163 bits of pi / 2; within an
-// eighth of a turn the instructions are good to the last bit of a long double.
+// The library's functions are the processor's instructions, whose pi has 66 bits: near multiples of pi hardly
+// a digit is right. So quarter turns are subtracted first, with 163 bits of pi / 2; within an eighth of a
+// turn the instructions are exact to the last bit of a long double.
 struct Reduced {
     long double rest;  // from -pi / 4 to pi / 4
-    int quarter;       // turns that were taken off, from 0 to 3
+    int quarter;       // number of quarter turns subtracted, modulo 4
 };
 
 Reduced reduced(double x) {
-    // Three parts of 33 bits, of which a multiple up to 2^31 is exact in 64 bits, and what follows them.
+    // Three parts of 33 bits, whose multiples up to 2^31 are exact in 64 bits, and the rest.
     constexpr long double kHalfPi[] = {0x1921FB544p-32L, 0x10B4611A6p-66L, 0x13198A2E0p-101L,
                                        0xDC1CD129024E088Ap-167L};
     constexpr double kLargest = 0x1p30;
@@ -55,9 +58,25 @@ double cosine(double x) {
     return sine_of(angle);
 }
 
-// In more digits than are kept: the library's tangent in doubles differs in the last bit.
+// Computed with more digits than are kept, because the library's tangent of a double differs in the last bit.
 double tangent(double x) {
     return static_cast<double>(std::tan(static_cast<long double>(x)));
 }
+
+#else
+
+double sine(double x) {
+    return std::sin(x);
+}
+
+double cosine(double x) {
+    return std::cos(x);
+}
+
+double tangent(double x) {
+    return std::tan(x);
+}
+
+#endif
 
 }  // namespace os
