@@ -4,8 +4,10 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <ctime>
 #include <string>
+#include <vector>
 
 #include "ladder/climbing_file.h"
 #include "ladder/ladder_host.h"
