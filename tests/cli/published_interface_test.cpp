@@ -12,6 +12,7 @@
 #include <string>
 #include <vector>
 
+#include "image/codes.h"
 #include "support/child_process.h"
 #include "support/file_content.h"
 #include "support/temporary_folder.h"
@@ -158,6 +159,34 @@ TEST(PublishedInterface, ListedCodes) {
         EXPECT_THAT(found["error"], ElementsAreArray(words_of(published.errors))) << published.verb;
         EXPECT_THAT(found["warning"], ElementsAreArray(words_of(published.warnings))) << published.verb;
         EXPECT_EQ(found.size(), 2U) << published.verb;
+    }
+}
+
+// Codes about images and conversions, which no verb lists.
+struct PublishedImageCode {
+    image::Code code;
+    const char* name;
+    diagnostic::Severity severity;
+};
+
+const PublishedImageCode kImageCodes[] = {
+    {image::Code::cannot_open, "cannot-open", diagnostic::Severity::error},
+    {image::Code::not_written, "not-written", diagnostic::Severity::error},
+    {image::Code::gave_up, "gave-up", diagnostic::Severity::error},
+    {image::Code::not_an_image, "not-an-image", diagnostic::Severity::error},
+    {image::Code::no_format, "no-format", diagnostic::Severity::error},
+    {image::Code::no_texture, "no-texture", diagnostic::Severity::error},
+    {image::Code::no_such_alpha, "no-such-alpha", diagnostic::Severity::error},
+    {image::Code::channels_without_room, "channels-without-room", diagnostic::Severity::error},
+    {image::Code::unsupported, "unsupported", diagnostic::Severity::error},
+    {image::Code::depth_reduced, "depth-reduced", diagnostic::Severity::warning},
+    {image::Code::images_left_out, "images-left-out", diagnostic::Severity::warning},
+};
+
+TEST(PublishedInterface, CodesOfImages) {
+    for (const PublishedImageCode& published : kImageCodes) {
+        EXPECT_STREQ(code_info(published.code).name, published.name);
+        EXPECT_EQ(code_info(published.code).severity, published.severity) << published.name;
     }
 }
 
