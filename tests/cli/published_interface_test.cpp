@@ -292,7 +292,7 @@ TEST(PublishedInterface, JsonOfTextureInfo) {
          "file verdict exit_code size_bytes width_px height_px mode color_mode alphas decoded_bytes "
          "coded_bytes compression_ratio chunks diagnostics"}};
     std::string chunk = "files[]";
-    for (int depth = 0; depth < 4; ++depth) {
+    for (int depth = 0; depth < 5; ++depth) {  // 502 > 599 > 110100 > 501 > TaLy
         chunk += ".chunks[]";
         published[chunk] = kChunk;
     }
