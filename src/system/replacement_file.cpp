@@ -38,7 +38,7 @@ std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, 
             error = path + ": not a regular file";
             return std::nullopt;
         }
-        // Replacing it would not ask the system whether it may be written.
+        // Renaming over a file does not check whether the file itself is writable.
         failure = may_write(end);
         if (failure) {
             error = path + ": " + failure.message();
@@ -46,7 +46,7 @@ std::optional<ReplacementFile> ReplacementFile::create(const std::string& path, 
         }
     }
     const fs::path target = path_of(end);
-    constexpr int kAttempts = 16;  // a name that is taken is tried again under another
+    constexpr int kAttempts = 16;  // a taken name is replaced by another random one
     for (int attempt = 0; attempt < kAttempts; ++attempt) {
         fs::path name = ".";
         name += target.stem();

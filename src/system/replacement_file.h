@@ -7,16 +7,17 @@
 
 namespace os {
 
-/// A file that is written beside the one it will replace and takes its place in one step, so that nobody ever
-/// sees half of it: what was there stays until everything is written, and stays when anything fails.
+/// A file that is written under a temporary name and then replaces its target in one step, so that a
+/// half-written file is never visible: the old file stays until everything is written, and stays if anything
+/// fails.
 ///
-/// The temporary file has a hidden name of its own with the same extension, and goes with this object when it
-/// was not put in place. Only a process that is killed leaves it behind.
+/// The temporary file is in the same folder, under a hidden name with the same extension. The destructor
+/// deletes it unless it was put in place; only a killed process leaves it behind.
 class ReplacementFile {
   public:
-    /// Makes the empty temporary file. A link at `path` is followed, also to where nothing is yet. Null when
-    /// there is no such folder, it cannot be written to, links lead round in a circle, or what is at `path`
-    /// is not a regular file that may be written; `error` then says why.
+    /// Creates the empty temporary file. Follows a link at `path`, even to a file that does not exist yet.
+    /// Null when the folder is missing or read-only, links form a cycle, or `path` is something other than a
+    /// writable regular file; `error` then says why.
     static std::optional<ReplacementFile> create(const std::string& path, std::string& error);
 
     ReplacementFile(ReplacementFile&& other) noexcept;
@@ -25,15 +26,15 @@ class ReplacementFile {
     ReplacementFile& operator=(const ReplacementFile&) = delete;
     ~ReplacementFile();
 
-    /// Where to write. Nothing may have the file open when it is put in place.
+    /// Where to write. Close the file before it is put in place.
     [[nodiscard]] const std::string& temporary_path() const { return temporary_path_; }
 
-    /// Makes `bytes` the whole of the temporary file. False when not all of it could be written; `error` then
-    /// says why.
+    /// Writes `bytes` as the whole contents of the temporary file. False when that fails; `error` then says
+    /// why.
     bool fill(std::string_view bytes, std::string& error);
 
-    /// Waits until the disk has the file and puts it in place, with the permissions of the one that it
-    /// replaces. False when that failed; `error` then says why, and what was there is still there.
+    /// Flushes the file to disk and moves it over the target, with the target's permissions. False when that
+    /// fails; `error` then says why, and the old file is still there.
     bool put_in_place(std::string& error);
 
   private:
@@ -41,8 +42,8 @@ class ReplacementFile {
         : path_(std::move(path)), target_(std::move(target)), temporary_path_(std::move(temporary_path)) {}
     void discard();
 
-    std::string path_;            // as it was given
-    std::string target_;          // behind its links
+    std::string path_;            // as given
+    std::string target_;          // with links followed
     std::string temporary_path_;  // empty once it is in place
 };
 

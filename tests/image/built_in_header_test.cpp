@@ -1,5 +1,4 @@
-// The built-in reader of image headers, on the examples' images: the answers were read off with other
-// programs.
+// The built-in header reader on the images of the examples. The expected values come from other programs.
 
 #include "image/built_in_header.h"
 
@@ -32,7 +31,7 @@ std::string example(const char* file) {
     return bytes.str();
 }
 
-/// Reads out of `bytes`, which it keeps.
+/// Reads from a copy of `bytes`.
 image::ReadAt reads(std::string bytes) {
     return [bytes = std::move(bytes)](std::uint64_t offset_bytes, char* data, std::size_t count) {
         if (offset_bytes > bytes.size() || bytes.size() - offset_bytes < count) {
@@ -43,7 +42,7 @@ image::ReadAt reads(std::string bytes) {
     };
 }
 
-TEST(BuiltInHeader, OfTheExamplesSaysWhatTheyAre) {
+TEST(BuiltInHeader, DescribesTheExamples) {
     const FileCase kCases[] = {
         {"interlaced/lantern0017.tif", 720, 576, 4, 8, true, true},
         {"interlaced/depth0017.tif", 720, 576, 1, 16, false, false},
@@ -68,7 +67,7 @@ TEST(BuiltInHeader, OfTheExamplesSaysWhatTheyAre) {
     }
 }
 
-TEST(BuiltInHeader, CutOffAnywhereInTheHeaderIsRefusedWithAReason) {
+TEST(BuiltInHeader, IsRefusedWithAReasonWhenCutOffAnywhere) {
     for (const char* const file : {"interlaced/lantern0017.tif", "interlaced/street.rla",
                                    "square/contact.png", "square/grey_card.jpg", "square/haze.tga"}) {
         const std::string whole = example(file);
@@ -88,7 +87,7 @@ struct WrongCase {
     const char* file;
 };
 
-TEST(BuiltInHeader, ThatMakesNoSenseIsRefusedWithAReason) {
+TEST(BuiltInHeader, IsRefusedWithAReasonWhenInvalid) {
     const std::string zeros(800, '\0');
     std::string directory_of_itself = "II\x2a";
     directory_of_itself += std::string("\0\x02\0\0\0", 5) + zeros;
@@ -97,7 +96,7 @@ TEST(BuiltInHeader, ThatMakesNoSenseIsRefusedWithAReason) {
     const WrongCase kCases[] = {
         {"a text", "VORTAN XR COMPOSITION" + zeros, "a.png"},
         {"a TIFF whose directory is its own header", directory_of_itself, "a.tif"},
-        {"a JPEG of segments without length", endless, "a.jpg"},
+        {"a JPEG with segments of no length", endless, "a.jpg"},
         {"a TGA of an unknown kind", "\x01\x01\x04" + zeros, "a.tga"},
         {"a TGA without pixels", std::string("\0\0\x02", 3) + zeros, "a.tga"},
         {"a PNG of no width", "\x89PNG\r\n\x1a\n" + zeros, "a.png"},

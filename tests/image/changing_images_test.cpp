@@ -1,6 +1,5 @@
-// Images that change while they are read, as footage and as what becomes a texture: what comes of it is a
-// picture or a refusal with a reason, and nobody waits. Every example's format, since each is read by another
-// part of the image library.
+// Images that change while they are probed or read: the result is a picture or a refusal with a reason, and
+// nothing waits. Covers the format of every example, because OpenImageIO reads each with a different reader.
 
 #include <gtest/gtest.h>
 
@@ -17,8 +16,7 @@ namespace {
 
 constexpr const char* kImages[] = {
 #if !defined(VXR_SANITIZED)
-    // The image library's reader of PNG leaves a text behind when the file is shorter than it must be, which
-    // the sanitizer for leaks would tell.
+    // OpenImageIO's PNG reader leaks a text when the file is too short, which the leak sanitizer reports.
     "square/contact.png",
 #endif
     "square/haze.tga", "square/grey_card.jpg", "interlaced/lantern0017.tif", "interlaced/street.rla"};

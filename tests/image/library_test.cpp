@@ -1,4 +1,4 @@
-// The program without and with the module that brings the image library, in every layout of files.
+// The program with and without the image library's module, in every layout of files.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -37,7 +37,7 @@ std::vector<std::string> needed_by(const std::string& path) {
     return names;
 }
 
-/// A copy of the program, with nothing beside it.
+/// A copy of the program with nothing beside it.
 class MovedProgram {
   public:
     MovedProgram() {
@@ -65,7 +65,7 @@ class MovedProgram {
     TemporaryFolder folder_;
 };
 
-TEST(ImageLibrary, IsNeededByTheModuleAloneAndNotByTheProgram) {
+TEST(ImageLibrary, IsNeededByTheModuleOnly) {
     EXPECT_THAT(needed_by(VXR_IMAGE_LIBRARY_PATH), Contains(HasSubstr("OpenImageIO")));
     EXPECT_THAT(needed_by(VXR_PROGRAM), Not(Contains(HasSubstr("OpenImageIO"))));
 }
@@ -88,7 +88,7 @@ TEST(ImageLibrary, IsFoundInEveryPlaceBesideTheProgram) {
     }
 }
 
-TEST(ImageLibrary, IsMissedBySayingWhereItWasLookedForAndOnlyWhereImagesAreMet) {
+TEST(ImageLibrary, IsReportedMissingWithThePlacesSearchedAndOnlyWhenAnImageIsMet) {
     const MovedProgram moved;
     struct Case {
         const char* name;
@@ -123,7 +123,7 @@ TEST(ImageLibrary, IsMissedBySayingWhereItWasLookedForAndOnlyWhereImagesAreMet) 
     }
 }
 
-TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheSystemsReason) {
+TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheReasonOfTheSystem) {
     const MovedProgram moved;
     const fs::path place = os::paths_beside(moved.program(), kModule).back();
     std::ofstream(place) << "no library";

@@ -43,7 +43,7 @@ TEST(ReplacementFile, appears_only_when_put_in_place) {
     EXPECT_THAT(names_in(folder), ElementsAre("a.txl"));
 }
 
-TEST(ReplacementFile, what_was_there_stays_when_given_up) {
+TEST(ReplacementFile, the_old_file_stays_when_abandoned) {
     const TemporaryFolder folder;
     folder.write("a.txl", "old");
     std::string error;
@@ -68,7 +68,7 @@ TEST(ReplacementFile, keeps_the_permissions_of_what_it_replaces) {
     EXPECT_EQ(fs::status(path).permissions(), perms);
 }
 
-TEST(ReplacementFile, follows_a_link_and_leaves_it_a_link) {
+TEST(ReplacementFile, follows_a_link_and_keeps_the_link) {
     const TemporaryFolder folder;
     fs::create_directory(folder.folder() / "elsewhere");
     const std::string real = folder.write("elsewhere/real.txl", "old");
@@ -82,7 +82,7 @@ TEST(ReplacementFile, follows_a_link_and_leaves_it_a_link) {
     EXPECT_EQ(content_of(real), "new");
 }
 
-TEST(ReplacementFile, refuses_places_where_no_file_can_be_put) {
+TEST(ReplacementFile, refuses_paths_that_cannot_hold_a_file) {
     const TemporaryFolder folder;
     fs::create_directory(folder.folder() / "folder.txl");
     std::string error;
@@ -101,7 +101,7 @@ TEST(ReplacementFile, refuses_names_too_long_for_the_file_system) {
     EXPECT_THAT(error, HasSubstr("File name too long"));
 }
 
-TEST(ReplacementFile, says_why_it_cannot_be_put_in_place) {
+TEST(ReplacementFile, reports_why_it_cannot_be_put_in_place) {
     const TemporaryFolder folder;
     std::string error;
     auto file = os::ReplacementFile::create(folder.path("a.txl"), error);
