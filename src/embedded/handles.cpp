@@ -2,7 +2,7 @@
 
 namespace embedded {
 
-const char* handle_word(HandleKind kind) {
+const char* handle_label(HandleKind kind) {
     switch (kind) {
         case HandleKind::project:
             return "project";
@@ -52,7 +52,7 @@ const HandleTable::Token* HandleTable::look_up(const void* handle) const {
 
 std::string HandleTable::text(const void* handle) const {
     const Token* token = find(handle);
-    return token == nullptr ? "foreign" : handle_word(token->kind) + (":" + std::to_string(token->id));
+    return token == nullptr ? "foreign" : handle_label(token->kind) + (":" + std::to_string(token->id));
 }
 
 }  // namespace embedded

@@ -33,7 +33,7 @@ enum class HandleKind : std::size_t {
 };
 
 /// "item", "comp": the word before the colon of "comp:1".
-const char* handle_word(HandleKind kind);
+const char* handle_label(HandleKind kind);
 
 template <class H>
 struct HandleKindOf;

@@ -5,7 +5,7 @@
 
 #include "embedded/host_path.h"
 #include "embedded/module_driver.h"
-#include "embedded/project_complaint.h"
+#include "embedded/invariants.h"
 #include "embedded/session.h"
 #include "system/files.h"
 
@@ -32,12 +32,12 @@ const ImportFlavor* flavor_for(const Session& session, const std::string& path) 
     return first;
 }
 
-struct FlagWord {
+struct FlagLabel {
     A_long flag;
     const char* word;
 };
 
-constexpr FlagWord kFlagWords[] = {
+constexpr FlagLabel kFlagLabels[] = {
     {kModuleFlagInput, "input"},
     {kModuleFlagOutput, "output"},
     {kModuleFlagFile, "file"},
@@ -74,16 +74,16 @@ std::vector<std::string> Module::extensions() const {
     return all;
 }
 
-std::vector<std::string> Module::flag_words() const {
+std::vector<std::string> Module::flag_labels() const {
     std::vector<std::string> words;
     for (int bit = 0; bit < 32; ++bit) {
         const auto flag = static_cast<A_long>(1U << static_cast<unsigned>(bit));
         if ((info.flags & flag) == 0) {
             continue;
         }
-        const auto* known = std::find_if(std::begin(kFlagWords), std::end(kFlagWords),
-                                         [flag](const FlagWord& word) { return word.flag == flag; });
-        words.push_back(known == std::end(kFlagWords) ? "bit " + std::to_string(bit) : known->word);
+        const auto* known = std::find_if(std::begin(kFlagLabels), std::end(kFlagLabels),
+                                         [flag](const FlagLabel& word) { return word.flag == flag; });
+        words.push_back(known == std::end(kFlagLabels) ? "bit " + std::to_string(bit) : known->word);
     }
     return words;
 }
@@ -204,9 +204,9 @@ const ConformanceReport& Host::conformance() const {
     return session_->conformance;
 }
 
-std::optional<std::string> Host::complaint() const {
-    std::optional<std::string> found = project_complaint(session_->project);
-    return found ? found : session_complaint(*session_);
+std::optional<std::string> Host::validate() const {
+    std::optional<std::string> found = validate_project(session_->project);
+    return found ? found : validate_session(*session_);
 }
 
 std::map<std::string, std::int64_t> Host::call_counts() const {

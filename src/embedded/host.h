@@ -78,7 +78,7 @@ struct Module {
     /// Its extensions with their full stop, without repetition.
     [[nodiscard]] std::vector<std::string> extensions() const;
     /// Its flags in words, in the order of their bits: "input", "file", ...; unknown ones as "bit 5".
-    [[nodiscard]] std::vector<std::string> flag_words() const;
+    [[nodiscard]] std::vector<std::string> flag_labels() const;
 };
 
 /// The frame that an input module is to draw into.
@@ -156,7 +156,7 @@ class Host {
     [[nodiscard]] const ConformanceReport& conformance() const;
     /// What does not fit together in the project, its handles and its memory: a defect of this host, whatever
     /// the bundle did. Nothing when all is well. Between callbacks.
-    [[nodiscard]] std::optional<std::string> complaint() const;
+    [[nodiscard]] std::optional<std::string> validate() const;
     /// How often each function was called so far, by name; calls that a fault answered included.
     [[nodiscard]] std::map<std::string, std::int64_t> call_counts() const;
     /// Null turns the log off.

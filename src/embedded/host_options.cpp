@@ -33,7 +33,7 @@ constexpr A_long kFirstMajorOfToday = 13;
 
 std::optional<HostGeneration> parse_generation(std::string_view text) {
     for (const HostGeneration generation : {HostGeneration::classic, HostGeneration::today}) {
-        if (text == generation_word(generation)) {
+        if (text == generation_label(generation)) {
             return generation;
         }
     }
@@ -42,7 +42,7 @@ std::optional<HostGeneration> parse_generation(std::string_view text) {
 
 }  // namespace
 
-const char* generation_word(HostGeneration generation) {
+const char* generation_label(HostGeneration generation) {
     return generation == HostGeneration::classic ? "classic" : "today";
 }
 

@@ -26,7 +26,7 @@ enum class HostGeneration {
 };
 
 /// "classic", "today"
-const char* generation_word(HostGeneration generation);
+const char* generation_label(HostGeneration generation);
 
 /// What a host says it is when nobody asks for more: 11.0 and 13.0.
 InterfaceVersion usual_version(HostGeneration generation);

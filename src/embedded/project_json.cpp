@@ -12,7 +12,7 @@ Json json_id(Id id) {
     return id == 0 ? Json() : Json(id);
 }
 
-const char* word(ItemKind kind) {
+const char* label(ItemKind kind) {
     switch (kind) {
         case ItemKind::folder:
             return "folder";
@@ -24,7 +24,7 @@ const char* word(ItemKind kind) {
     return "unknown";
 }
 
-const char* word(FootageKind kind) {
+const char* label(FootageKind kind) {
     switch (kind) {
         case FootageKind::file:
             return "file";
@@ -38,7 +38,7 @@ const char* word(FootageKind kind) {
     return "unknown";
 }
 
-const char* word(LayerKind kind) {
+const char* label(LayerKind kind) {
     switch (kind) {
         case LayerKind::footage:
             return "footage";
@@ -54,7 +54,7 @@ const char* word(LayerKind kind) {
     return "unknown";
 }
 
-const char* word(StreamShape shape) {
+const char* label(StreamShape shape) {
     switch (shape) {
         case StreamShape::one_d:
             return "one_d";
@@ -68,7 +68,7 @@ const char* word(StreamShape shape) {
     return "unknown";
 }
 
-const char* stream_word(AEGP_LayerStream kind) {
+const char* stream_label(AEGP_LayerStream kind) {
     switch (kind) {
         case kLayerStreamAnchorPoint:
             return "anchor_point";
@@ -119,7 +119,7 @@ Json json_light_type(const std::optional<AEGP_LightType>& type) {
 
 Json json_item(const Item& item) {
     return Json{{"id", item.id},
-                {"kind", word(item.kind)},
+                {"kind", label(item.kind)},
                 {"name", json_text(item.name)},
                 {"parent_folder", json_id(item.parent_folder)},
                 {"content", json_id(item.content)}};
@@ -143,7 +143,7 @@ Json json_sequence(const std::optional<SequenceFrames>& sequence) {
 
 Json json_footage(const Footage& footage) {
     return Json{{"id", footage.id},
-                {"kind", word(footage.kind)},
+                {"kind", label(footage.kind)},
                 {"item", json_id(footage.item)},
                 {"path", json_text(footage.path)},
                 {"name", json_text(footage.name)},
@@ -167,8 +167,8 @@ Json json_stream(const Stream& stream) {
             Json{{"time", json_time(key.time)}, {"value", json_components(key.value, stream.shape)}});
     }
     return Json{{"kind", stream.kind},
-                {"name", stream_word(stream.kind)},
-                {"shape", word(stream.shape)},
+                {"name", stream_label(stream.kind)},
+                {"shape", label(stream.shape)},
                 {"value_set", stream.value_set},
                 {"value", json_components(stream.value, stream.shape)},
                 {"keyframes", keyframes}};
@@ -180,7 +180,7 @@ Json json_layer(const Layer& layer) {
         streams.push_back(json_stream(stream));
     }
     return Json{{"id", layer.id},
-                {"kind", word(layer.kind)},
+                {"kind", label(layer.kind)},
                 {"name", json_text(layer.name)},
                 {"source_item", json_id(layer.source_item)},
                 {"transfer", json_transfer_mode(layer.transfer)},

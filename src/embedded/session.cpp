@@ -278,7 +278,7 @@ void Session::refuse_handle(HandleKind kind, const void* handle, const char* arg
     }
     if (token->kind != kind) {
         refuse(RuleViolation::foreign_handle,
-               what + " is " + handles.text(handle) + ", which is no " + handle_word(kind));
+               what + " is " + handles.text(handle) + ", which is no " + handle_label(kind));
     }
     refuse(kind == HandleKind::memory ? RuleViolation::memory_use_after_free : RuleViolation::dead_handle,
            what + " is " + handles.text(handle) + ", which is gone");

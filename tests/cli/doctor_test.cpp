@@ -26,7 +26,7 @@ using ::testing::IsEmpty;
 
 /// A host in which everything is listed: loading has tests of its own.
 Trial listed(const std::string&, embedded::HostGeneration generation) {
-    return {embedded::generation_word(generation), TrialEnd::listed, "", {{"importer", "x", {".x"}}}, {}};
+    return {embedded::generation_label(generation), TrialEnd::listed, "", {{"importer", "x", {".x"}}}, {}};
 }
 
 std::vector<std::string> codes_of(const Diagnosis& diagnosis) {
@@ -494,7 +494,7 @@ TEST(Doctor, EveryEndOfATrialIsAFinding) {
         SCOPED_TRACE(one.finding);
         const Diagnosis diagnosis =
             cli::doctor::examine(path, [&](const std::string&, embedded::HostGeneration generation) {
-                return Trial{embedded::generation_word(generation), one.end, "why", {}, {"word"}};
+                return Trial{embedded::generation_label(generation), one.end, "why", {}, {"word"}};
             });
         EXPECT_EQ(codes_of(diagnosis), std::vector<std::string>(one.findings, one.finding));
         EXPECT_EQ(diagnosis.findings[0].effects.front(), "it said: word");

@@ -171,7 +171,7 @@ TEST_F(InputModule, IsListedWithNameExtensionsAndFlagsInWords) {
     const embedded::Module& module = bundle.host.modules()[0];
     EXPECT_EQ(module.name(), "Test module");
     EXPECT_THAT(module.extensions(), ElementsAre(".tst"));
-    EXPECT_THAT(module.flag_words(), ElementsAre("input", "file", "still", "bit 5"));
+    EXPECT_THAT(module.flag_labels(), ElementsAre("input", "file", "still", "bit 5"));
     EXPECT_EQ(bundle.host.module_for("/some.where/x.tSt"), &module);
     EXPECT_EQ(bundle.host.module_for("x.png"), nullptr);
     EXPECT_EQ(bundle.host.module_for("tst"), nullptr);

@@ -99,7 +99,7 @@ class ChangeAt {
 };
 
 void expect_sound(LoadedBundle& bundle) {
-    EXPECT_EQ(bundle.host().complaint().value_or(""), "");
+    EXPECT_EQ(bundle.host().validate().value_or(""), "");
     bundle.host().unload();
     for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations()) {
         // The memory handle of a texture that is refused is deliberately kept.
@@ -107,7 +107,7 @@ void expect_sound(LoadedBundle& bundle) {
                     problem.within.front() == "AEIO_InitInSpecFromFile")
             << bundle.host().conformance().to_text();
     }
-    EXPECT_EQ(bundle.host().complaint().value_or(""), "");
+    EXPECT_EQ(bundle.host().validate().value_or(""), "");
     for (const embedded::UndoStep& step : bundle.host().project().undo_steps) {
         EXPECT_TRUE(step.closed);
     }

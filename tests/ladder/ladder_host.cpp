@@ -137,9 +137,9 @@ Climb climb(embedded::HostOptions options, const std::string& path, const embedd
         climb.no_memory_thrown = true;
     }
     host.watch({});
-    climb.complaint = host.complaint().value_or("");
+    climb.complaint = host.validate().value_or("");
     host.unload();
-    climb.complaint += host.complaint().value_or("");
+    climb.complaint += host.validate().value_or("");
     climb.complaint += rule_complaint(host, with_faults);
     climb.complaint += undo_complaint(host);
     if (!fails(options, "AEGP_SetData")) {

@@ -194,7 +194,7 @@ class Examination {
             // What the system does not load it loads for no host.
             if (!diagnosis_.trials.empty() && diagnosis_.trials.front().end == TrialEnd::not_loadable) {
                 diagnosis_.trials.push_back(diagnosis_.trials.front());
-                diagnosis_.trials.back().generation = embedded::generation_word(generation);
+                diagnosis_.trials.back().generation = embedded::generation_label(generation);
                 return;
             }
             diagnosis_.trials.push_back(try_it_(diagnosis_.binary, generation));

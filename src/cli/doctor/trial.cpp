@@ -53,7 +53,7 @@ std::vector<std::string> last_lines(const std::string& text) {
 
 Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
     Trial trial;
-    trial.generation = embedded::generation_word(generation);
+    trial.generation = embedded::generation_label(generation);
     // Whoever watches this process is to see the bundle's own end, not one that a sanitizer makes of it.
     for (const int crash : {SIGSEGV, SIGFPE, SIGILL}) {
         std::signal(crash, SIG_DFL);
@@ -78,7 +78,7 @@ Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
 
 Trial try_apart(const std::string& bundle, embedded::HostGeneration generation,
                 std::chrono::seconds longest) {
-    const std::string word = embedded::generation_word(generation);
+    const std::string word = embedded::generation_label(generation);
     const ChildResult child =
         run_child(os::program_path(), {"doctor", "--load", word, "--", bundle}, longest);
     if (!child.error.empty()) {

@@ -113,8 +113,8 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         run.imported = true;
         run.import = host.import_file(reading.full_path);
     }
-    if (const auto complaint = host.complaint()) {
-        refuse(run, "the host's project is inconsistent, a bug in this program: " + *complaint);
+    if (const auto broken = host.validate()) {
+        refuse(run, "the host's project is inconsistent, a bug in this program: " + *broken);
     }
     // Nothing changes from here on, and what the bundle leaves behind is in the report.
     host.unload();

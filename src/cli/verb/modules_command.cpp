@@ -37,7 +37,7 @@ std::string code_text(A_long code) {
 std::string module_text(const embedded::Module& module, const Paint& paint) {
     return paint(Ink::bold, text::printable(module.name())) + '\n' + "  signature    " +
            code_text(module.info.signature) + '\n' + "  extensions   " + joined(module.extensions()) + '\n' +
-           "  flags        " + joined(module.flag_words()) + '\n' + "  creates      type " +
+           "  flags        " + joined(module.flag_labels()) + '\n' + "  creates      type " +
            code_text(module.info.create_kind.type) + ", creator " +
            code_text(module.info.create_kind.creator) + '\n' + "  announces    at most " +
            std::to_string(module.info.max_width) + " x " + std::to_string(module.info.max_height) +
@@ -49,7 +49,7 @@ Json module_json(const embedded::Module& module) {
                 {"signature", embedded::json_code(module.info.signature)},
                 {"extensions", module.extensions()},
                 {"flags", module.info.flags},
-                {"flag_words", module.flag_words()},
+                {"flag_words", module.flag_labels()},
                 {"create_type", embedded::json_code(module.info.create_kind.type)},
                 {"create_creator", embedded::json_code(module.info.create_kind.creator)},
                 {"max_width_px", module.info.max_width},

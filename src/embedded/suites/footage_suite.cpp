@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "embedded/footage_maker.h"
+#include "embedded/footage.h"
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"

@@ -1,4 +1,4 @@
-#include "embedded/footage_maker.h"
+#include "embedded/footage.h"
 
 #include <algorithm>
 #include <limits>

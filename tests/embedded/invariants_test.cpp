@@ -1,7 +1,7 @@
 // What is said about projects and the handles behind them: nothing about those that hosts make, and one rule
 // at a time about broken ones.
 
-#include "embedded/project_complaint.h"
+#include "embedded/invariants.h"
 
 #include <gtest/gtest.h>
 
@@ -270,11 +270,11 @@ const Case kCases[] = {
 };
 
 TEST(ProjectComplaint, NothingAboutWhatAHostMade) {
-    EXPECT_EQ(embedded::project_complaint(embedded::empty_project()), std::nullopt);
+    EXPECT_EQ(embedded::validate_project(embedded::empty_project()), std::nullopt);
     const FilledHost filled;
     ASSERT_EQ(filled.bundle.host.project().layers.size(), 5U);
     ASSERT_EQ(filled.bundle.host.project().items.size(), 4U);
-    EXPECT_EQ(filled.bundle.host.complaint(), std::nullopt);
+    EXPECT_EQ(filled.bundle.host.validate(), std::nullopt);
 }
 
 TEST(ProjectComplaint, OneRuleAtATime) {
@@ -283,7 +283,7 @@ TEST(ProjectComplaint, OneRuleAtATime) {
         SCOPED_TRACE(broken.name);
         Project project = filled.bundle.host.project();
         broken.break_it(project);
-        EXPECT_EQ(embedded::project_complaint(project),
+        EXPECT_EQ(embedded::validate_project(project),
                   broken.complaint == nullptr ? std::nullopt : std::optional<std::string>(broken.complaint));
     }
 }
@@ -336,16 +336,16 @@ TEST(SessionComplaint, OneRuleAtATime) {
     for (const SessionCase& broken : kSessionCases) {
         SCOPED_TRACE(broken.name);
         const Undo mend = broken.break_it(FilledHost::session());
-        EXPECT_EQ(filled.bundle.host.complaint(), broken.complaint);
+        EXPECT_EQ(filled.bundle.host.validate(), broken.complaint);
         mend();
-        EXPECT_EQ(filled.bundle.host.complaint(), std::nullopt);
+        EXPECT_EQ(filled.bundle.host.validate(), std::nullopt);
     }
 }
 
 TEST(SessionComplaint, HandlesThatAreGoneTooEarly) {
     FilledHost filled;
     FilledHost::session().handles.kill(embedded::HandleKind::layer, 2);
-    EXPECT_EQ(filled.bundle.host.complaint(), "layer:2: its handle is gone and it is not");
+    EXPECT_EQ(filled.bundle.host.validate(), "layer:2: its handle is gone and it is not");
 }
 
 TEST(SessionComplaint, WhatIsOpenBetweenCallbacks) {
@@ -354,9 +354,9 @@ TEST(SessionComplaint, WhatIsOpenBetweenCallbacks) {
     AEGP_StreamRefH stream = nullptr;
     filled.bundle.stream_suite->AEGP_GetNewLayerStream(filled.bundle.host.plugin_id(),
                                                        filled.bundle.camera(comp), kLayerStreamZoom, &stream);
-    EXPECT_EQ(filled.bundle.host.complaint(), "stream:2: it is gone and its handle is not");
+    EXPECT_EQ(filled.bundle.host.validate(), "stream:2: it is gone and its handle is not");
     filled.bundle.stream_suite->AEGP_DisposeStream(stream);
-    EXPECT_EQ(filled.bundle.host.complaint(), std::nullopt);
+    EXPECT_EQ(filled.bundle.host.validate(), std::nullopt);
 }
 
 }  // namespace

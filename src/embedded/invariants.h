@@ -15,10 +15,10 @@ class Session;
 /// "layer:2: it is in no composition"; nothing for a sound one. Follows every id to what it names, in both
 /// directions, and looks at every name, time, key and range. The work grows with the project alone. Between
 /// callbacks only.
-[[nodiscard]] std::optional<std::string> project_complaint(const Project& project);
+[[nodiscard]] std::optional<std::string> validate_project(const Project& project);
 
 /// The same for the handles, streams, additions and memory of a host: every handle is found under its own
 /// address, stands for something that is there, and is alive as long as that is.
-[[nodiscard]] std::optional<std::string> session_complaint(const Session& session);
+[[nodiscard]] std::optional<std::string> validate_session(const Session& session);
 
 }  // namespace embedded

@@ -1,4 +1,4 @@
-#include "embedded/project_complaint.h"
+#include "embedded/invariants.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -11,7 +11,7 @@
 namespace embedded {
 namespace {
 
-using Complaint = std::optional<std::string>;
+using Broken = std::optional<std::string>;
 
 std::string named(const char* word, Id id) {
     return word + (":" + std::to_string(id));
@@ -32,7 +32,7 @@ bool is_positive(const A_Ratio& ratio) {
 
 /// Gives every entry of a table to `check`, which says what is wrong with it or null.
 template <class Table, class Check>
-Complaint each(const char* word, const Table& table, const Check& check) {
+Broken each(const char* word, const Table& table, const Check& check) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         const Id expected = static_cast<Id>(i) + 1;
         const char* const wrong = table[i].id != expected ? "it stands in another's place" : check(table[i]);
@@ -201,7 +201,7 @@ const char* wrong_layer(const Project& project, const Layer& layer) {
 }
 
 /// Every layer is in one composition, once, and that is the one that it names.
-Complaint stacking_complaint(const Project& project) {
+Broken validate_stacking(const Project& project) {
     std::vector<bool> seen(project.layers.size(), false);
     for (const Composition& composition : project.compositions) {
         for (const Id layer : composition.layers) {
@@ -232,7 +232,7 @@ std::optional<std::size_t> shown_by(const Project& project, Id layer) {
 }
 
 /// Takes away, again and again, the compositions that no remaining one shows. What is left shows itself.
-Complaint nesting_complaint(const Project& project) {
+Broken validate_nesting(const Project& project) {
     std::vector<std::int64_t> shown(project.compositions.size(), 0);
     for (const Layer& layer : project.layers) {
         if (const auto inner = shown_by(project, layer.id)) {
@@ -257,10 +257,10 @@ Complaint nesting_complaint(const Project& project) {
             }
         }
     }
-    return taken == shown.size() ? std::nullopt : Complaint("a composition is a layer of itself");
+    return taken == shown.size() ? std::nullopt : Broken("a composition is a layer of itself");
 }
 
-Complaint undo_complaint(const Project& project) {
+Broken validate_undo_steps(const Project& project) {
     for (const UndoStep& step : project.undo_steps) {
         if (!step.closed || step.changes < 0) {
             return "undo step \"" + step.name + "\": it is open, or of less than no changes";
@@ -271,11 +271,11 @@ Complaint undo_complaint(const Project& project) {
 
 }  // namespace
 
-std::optional<std::string> project_complaint(const Project& project) {
+std::optional<std::string> validate_project(const Project& project) {
     if (project.items.empty()) {
         return "there is no root folder";
     }
-    Complaint found =
+    Broken found =
         each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
     if (!found) {
         found = each("footage", project.footage,
@@ -296,12 +296,12 @@ std::optional<std::string> project_complaint(const Project& project) {
         });
     }
     if (!found) {
-        found = stacking_complaint(project);
+        found = validate_stacking(project);
     }
     if (!found) {
-        found = nesting_complaint(project);
+        found = validate_nesting(project);
     }
-    return found ? found : undo_complaint(project);
+    return found ? found : validate_undo_steps(project);
 }
 
 }  // namespace embedded

@@ -3,16 +3,16 @@
 #include <string>
 
 #include "embedded/handles.h"
-#include "embedded/project_complaint.h"
+#include "embedded/invariants.h"
 #include "embedded/session.h"
 
 namespace embedded {
 namespace {
 
-using Complaint = std::optional<std::string>;
+using Broken = std::optional<std::string>;
 
 std::string named(HandleKind kind, Id id) {
-    return handle_word(kind) + (":" + std::to_string(id));
+    return handle_label(kind) + (":" + std::to_string(id));
 }
 
 /// A kind of handle, and how many things of its kind there are.
@@ -21,7 +21,7 @@ struct Held {
     std::size_t things;
 };
 
-Complaint count_complaint(const Session& session) {
+Broken validate_counts(const Session& session) {
     const Project& project = session.project;
     const std::array<Held, static_cast<std::size_t>(HandleKind::count)> all{{
         {HandleKind::project, 1},
@@ -39,7 +39,7 @@ Complaint count_complaint(const Session& session) {
     for (const Held& held : all) {
         const auto made = static_cast<std::size_t>(session.handles.made(held.kind));
         if (made != held.things) {
-            return std::string(handle_word(held.kind)) + ": " + std::to_string(made) + " handles for " +
+            return std::string(handle_label(held.kind)) + ": " + std::to_string(made) + " handles for " +
                    std::to_string(held.things) + " things";
         }
     }
@@ -48,7 +48,7 @@ Complaint count_complaint(const Session& session) {
 
 /// Every handle of one type is found under its own address, and alive exactly when `is_alive` says so.
 template <class H, class IsAlive>
-Complaint handles_complaint(const Session& session, const IsAlive& is_alive) {
+Broken validate_handles(const Session& session, const IsAlive& is_alive) {
     constexpr HandleKind kKind = HandleKindOf<H>::value;
     for (Id id = 1; id <= session.handles.made(kKind); ++id) {
         const HandleTable::Token* const token = session.handles.find(session.handles.handle<H>(id));
@@ -63,41 +63,41 @@ Complaint handles_complaint(const Session& session, const IsAlive& is_alive) {
     return std::nullopt;
 }
 
-Complaint all_handles_complaint(const Session& session) {
+Broken validate_all_handles(const Session& session) {
     const auto always = [](Id) { return true; };
     // Between callbacks nothing of these is open: what a callback leaves behind is ended at its end.
     const auto never = [](Id) { return false; };
-    Complaint found = handles_complaint<AEGP_ProjectH>(session, always);
+    Broken found = validate_handles<AEGP_ProjectH>(session, always);
     if (!found) {
-        found = handles_complaint<AEGP_ItemH>(session, always);
+        found = validate_handles<AEGP_ItemH>(session, always);
     }
     if (!found) {
-        found = handles_complaint<AEGP_CompH>(session, always);
+        found = validate_handles<AEGP_CompH>(session, always);
     }
     if (!found) {
-        found = handles_complaint<AEGP_LayerH>(session, always);
+        found = validate_handles<AEGP_LayerH>(session, always);
     }
     if (!found) {
-        found = handles_complaint<AEGP_FootageH>(session, always);
+        found = validate_handles<AEGP_FootageH>(session, always);
     }
     if (!found) {
-        found = handles_complaint<AEGP_StreamRefH>(session, never);
+        found = validate_handles<AEGP_StreamRefH>(session, never);
     }
     if (!found) {
-        found = handles_complaint<AEGP_AddKeyframesInfoH>(session, never);
+        found = validate_handles<AEGP_AddKeyframesInfoH>(session, never);
     }
     if (!found) {
-        found = handles_complaint<AEGP_MemHandle>(
+        found = validate_handles<AEGP_MemHandle>(
             session, [&](Id id) { return session.memory.blocks()[Project::index(id)].alive(); });
     }
     if (!found) {
-        found = handles_complaint<AEIO_InSpecH>(session,
+        found = validate_handles<AEIO_InSpecH>(session,
                                                 [&](Id id) { return !session.project.in_spec(id).disposed; });
     }
     return found;
 }
 
-Complaint stream_complaint(const Session& session) {
+Broken validate_streams(const Session& session) {
     for (std::size_t i = 0; i < session.stream_refs.size(); ++i) {
         const Session::StreamRef& ref = session.stream_refs[i];
         const bool known = ref.layer >= 1 && Project::index(ref.layer) < session.project.layers.size() &&
@@ -115,7 +115,7 @@ Complaint stream_complaint(const Session& session) {
     return std::nullopt;
 }
 
-Complaint memory_complaint(const Session& session) {
+Broken validate_memory(const Session& session) {
     const auto& blocks = session.memory.blocks();
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         const MemoryBlock& block = blocks[i];
@@ -148,15 +148,15 @@ Complaint memory_complaint(const Session& session) {
 
 }  // namespace
 
-std::optional<std::string> session_complaint(const Session& session) {
-    Complaint found = count_complaint(session);
+std::optional<std::string> validate_session(const Session& session) {
+    Broken found = validate_counts(session);
     if (!found) {
-        found = all_handles_complaint(session);
+        found = validate_all_handles(session);
     }
     if (!found) {
-        found = stream_complaint(session);
+        found = validate_streams(session);
     }
-    return found ? found : memory_complaint(session);
+    return found ? found : validate_memory(session);
 }
 
 }  // namespace embedded
