@@ -4,8 +4,8 @@
 #include <iterator>
 
 #include "embedded/host_path.h"
-#include "embedded/module_driver.h"
 #include "embedded/invariants.h"
+#include "embedded/module_driver.h"
 #include "embedded/session.h"
 #include "system/files.h"
 

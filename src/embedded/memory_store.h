@@ -2,9 +2,12 @@
 
 // The memory handles that the host lends.
 
+#include <algorithm>
 #include <cstddef>
 #include <memory>
+#include <new>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "embedded/project.h"
@@ -38,5 +41,19 @@ class MemoryStore {
   private:
     std::vector<MemoryBlock> blocks_;
 };
+
+inline MemoryBlock* MemoryStore::allocate(const char* what, AEGP_MemSize size_bytes, bool clear) {
+    std::unique_ptr<std::byte[]> bytes(new (std::nothrow) std::byte[size_bytes]);
+    if (!bytes) {
+        return nullptr;
+    }
+    std::fill_n(bytes.get(), size_bytes, clear ? std::byte{0} : kUninitialisedMemory);
+    MemoryBlock& block = blocks_.emplace_back();
+    block.id = static_cast<Id>(blocks_.size());
+    block.what = what;
+    block.size_bytes = size_bytes;
+    block.bytes = std::move(bytes);
+    return &block;
+}
 
 }  // namespace embedded

@@ -275,8 +275,7 @@ std::optional<std::string> validate_project(const Project& project) {
     if (project.items.empty()) {
         return "there is no root folder";
     }
-    Broken found =
-        each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
+    Broken found = each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
     if (!found) {
         found = each("footage", project.footage,
                      [&](const Footage& footage) { return wrong_footage(project, footage); });

@@ -92,7 +92,7 @@ Broken validate_all_handles(const Session& session) {
     }
     if (!found) {
         found = validate_handles<AEIO_InSpecH>(session,
-                                                [&](Id id) { return !session.project.in_spec(id).disposed; });
+                                               [&](Id id) { return !session.project.in_spec(id).disposed; });
     }
     return found;
 }

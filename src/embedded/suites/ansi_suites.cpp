@@ -4,7 +4,6 @@
 #include <cstring>
 
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 #include "system/trigonometry.h"
 

@@ -2,7 +2,6 @@
 
 #include "embedded/module_driver.h"
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 
 namespace embedded {

@@ -5,7 +5,6 @@
 
 #include "embedded/layer_model.h"
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 
 namespace embedded {

@@ -1,7 +1,6 @@
 // "AEGP Memory Suite" 1: memory that the host lends.
 
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 
 namespace embedded {

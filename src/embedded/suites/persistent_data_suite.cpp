@@ -3,7 +3,6 @@
 #include <cstring>
 
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 
 namespace embedded {

@@ -1,7 +1,6 @@
 // "AEGP Proj Suite" 5, and 8 of today's hosts, and "AEGP Item Suite" 10: the project and its folders.
 
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 
 namespace embedded {

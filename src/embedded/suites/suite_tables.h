@@ -1,7 +1,14 @@
 #pragma once
 
-// The function table of every suite, one source file each. The tables live as long as the process.
+// The function table of every suite, one source file each. The tables live as long as the process. Every slot
+// that this host does not implement holds a function of its own that reports which slot was called and fails.
 
+#include <array>
+#include <bit>
+#include <cstddef>
+#include <utility>
+
+#include "embedded/suites/functions.h"
 #include "host/host_interface.h"
 #include "host/current_interface.h"
 
@@ -31,5 +38,28 @@ const AEGP_IOOutSuite1* io_out_suite();
 const AEGP_IOOutSuite7* io_out_suite_of_today();
 const PF_ANSISuite1* ansi_suite();
 const PF_AEAdvAppSuite1* adv_app_suite();
+
+/// Reports the call; kHostErrorGeneric.
+A_Err reserved_slot_called(SuiteId suite, std::size_t slot_index);
+
+/// Stands in slot `Slot`. Takes no arguments: whatever the caller passed is left where the calling convention
+/// put it.
+template <SuiteId Suite, std::size_t Slot>
+A_Err reserved_slot() {
+    return reserved_slot_called(Suite, Slot);
+}
+
+template <SuiteId Suite, std::size_t... Slots>
+std::array<ReservedSlot, sizeof...(Slots)> reserved_slots(std::index_sequence<Slots...>) {
+    return {reinterpret_cast<ReservedSlot>(&reserved_slot<Suite, Slots>)...};
+}
+
+/// A table of which every slot is reserved; the suite then puts its functions into the slots that it has.
+template <class Table, SuiteId Suite>
+Table reserved_table() {
+    static_assert(sizeof(Table) % sizeof(ReservedSlot) == 0);
+    return std::bit_cast<Table>(
+        reserved_slots<Suite>(std::make_index_sequence<sizeof(Table) / sizeof(ReservedSlot)>()));
+}
 
 }  // namespace embedded

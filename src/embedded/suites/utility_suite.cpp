@@ -1,7 +1,6 @@
 // "AEGP Utility Suite" 7: messages and undo groups.
 
 #include "embedded/suites/host_call.h"
-#include "embedded/suites/reserved_slots.h"
 #include "embedded/suites/suite_tables.h"
 
 namespace embedded {
