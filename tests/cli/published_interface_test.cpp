@@ -464,7 +464,8 @@ TEST(PublishedInterface, MembersOfTheCallLog) {
     std::size_t calls = 0;
     for (std::string line; std::getline(lines, line); ++calls) {
         std::vector<std::string> keys;
-        for (const auto& [key, value] : Json::parse(line).items()) {
+        const Json call = Json::parse(line);
+        for (const auto& [key, value] : call.items()) {
             keys.push_back(key);
         }
         EXPECT_THAT(keys, ElementsAreArray({"n", "suite", "version", "function", "args", "out", "result"}));
