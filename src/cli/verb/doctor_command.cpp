@@ -20,22 +20,22 @@ class DoctorCommand : public Command {
   public:
     void add_options(Options& options) override {
         options
-            .argument("BUNDLE", bundle_,
-                      "the plug-in: a .aex, a .plugin folder, a .so; without one, that of this program")
+            .argument(
+                "BUNDLE", bundle_,
+                "the plug-in: a .aex, a .plugin folder or a .so; without one, the plug-in of this program")
             .environment("VXR_BUNDLE");
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
-        options.flag("--list-codes", list_codes_, "list what can be found, and look at nothing")
+        options.flag("--list-codes", list_codes_, "list every finding with its meaning, and exit")
             .group("Output");
-        options.option("--timeout", timeout_s_, "how long the plug-in may take to be loaded and unloaded")
+        options.option("--timeout", timeout_s_, "how long loading and unloading the plug-in may take")
             .value_name("SECONDS")
             .range(1, kLongestTimeout)
             .show_default()
             .group("Loading");
         options
             .option("--load", load_,
-                    "load it in this process as a host of that generation, today or classic, and write "
-                    "one line of "
-                    "JSON about it: for a debugger")
+                    "load it in this process, as a host of this generation, and write one line of JSON about "
+                    "it: for a debugger")
             .value_name("HOST")
             .choices({"today", "classic"})
             .group("Loading");
@@ -86,19 +86,19 @@ class DoctorCommand : public Command {
 Verb doctor_verb() {
     return {
         "doctor",
-        "say why a host would list a plug-in, or would not",
-        {"Looks at a plug-in as hosts do before they load it, on any system and for any: what kind of code "
-         "it is "
-         "and for which processors, which entries it exports, its properties (the PiPL resource), its "
-         "Info.plist, "
-         "and the libraries that it needs. Where it can be loaded, it is loaded in the embedded host of both "
-         "generations, in a process of its own: a plug-in that crashes does no harm and is reported.",
+        "explain why a host lists a plug-in, or does not",
+        {"Inspects a plug-in as hosts do before they load it; works on any system, for plug-ins of any "
+         "system. "
+         "Looks at the kind of code and its processors, the exported entries, the properties (the PiPL "
+         "resource), Info.plist, and the libraries that it needs. Where the plug-in can be loaded, it is "
+         "loaded into the embedded host of both generations, in a process of its own: a plug-in that crashes "
+         "does no harm and is reported.",
          "One line for each kind of host says whether it would list the plug-in. Then come the findings, "
-         "each with "
-         "its place and with what to do, and what the plug-in is made of. The exit code is 0 when a host "
-         "would list it "
-         "and nothing stands in the way."},
-        {{"vxr doctor VORTANXR_AE.aex", "Why a host on Windows does not show the plug-in."},
+         "each "
+         "with its place and a remedy, and what the plug-in consists of. The exit code is 0 when a host "
+         "would "
+         "list it and there is no error."},
+        {{"vxr doctor VORTANXR_AE.aex", "Why After Effects on Windows does not show the plug-in."},
          {"vxr doctor --json VORTANXR_AE.plugin | jq -r '.findings[].code'", "What is wrong, for a script."},
          {"gdb --args vxr doctor --load today ./VORTANXR_AE.so", "A crash while loading, in a debugger."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<DoctorCommand>(); }};
