@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "measuring.h"
-#include "texture/input_module/drawn_picture.h"
+#include "texture/input_module/draw_picture.h"
 
 #if defined(VXR_HAS_V3)
 /// DrawPicture, compiled for newer processors.

@@ -3,7 +3,7 @@
 #include "check.h"
 #include "input.h"
 #include "texture/txl/base_bitmap.h"
-#include "texture/txl/bitmap_complaint.h"
+#include "texture/txl/bitmap_invariants.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/txl/txl_image_filter.h"
 
@@ -16,6 +16,6 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     TXLImageFilter filter;
     const bool loaded = filter.LoadImage(path.c_str(), &image);
     require(!loaded || filter.GetError() == 0, "a file with an error is not loaded");
-    require_sound(bitmap_complaint(bitmap));
+    require_sound(validate_bitmap(bitmap));
     return 0;
 }

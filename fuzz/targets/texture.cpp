@@ -8,7 +8,7 @@
 #include "texture/txl/base_bitmap.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/txl/txl_image_filter.h"
-#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_invariants.h"
 #include "texture/value/texture_file.h"
 
 const std::size_t kOptionBytes = 0;
@@ -90,7 +90,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
         require(!reading.error->reason.empty(), "an error has a reason");
         return 0;
     }
-    require_sound(texture_complaint(*reading.texture));
+    require_sound(validate_texture(*reading.texture));
     check_picture(path, reading);
     check_round_trip(*reading.texture);
     return 0;

@@ -16,7 +16,7 @@
 #include "composition/read/read_observer.h"
 #include "ladder/climbing_file.h"
 #include "ladder/rungs.h"
-#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_invariants.h"
 #include "texture/value/texture_file.h"
 
 namespace {
@@ -74,7 +74,7 @@ std::string texture_complaint_of(const std::string& path) {
     if (reading.texture.has_value() == reading.error.has_value()) {
         return "neither a texture nor an error, or both";
     }
-    return reading.texture.has_value() ? texture_complaint(*reading.texture).value_or("") : "";
+    return reading.texture.has_value() ? validate_texture(*reading.texture).value_or("") : "";
 }
 
 std::string complaint_of(const Example& example, const ClimbingFile& file) {

@@ -5,10 +5,10 @@
 #include <algorithm>
 #include <array>
 
-#include "texture/txl/bitmap_complaint.h"
+#include "texture/txl/bitmap_invariants.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/txl/txl_image_filter.h"
-#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_invariants.h"
 
 namespace {
 
@@ -49,12 +49,12 @@ BothLoads::BothLoads(const std::string& path) {
     TXLImageFilter filter;
     loaded = filter.LoadImage(path.c_str(), &image);
     error = filter.GetError();
-    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
     reading = read_texture(path);
     EXPECT_NE(reading.texture.has_value(), reading.error.has_value());
     if (reading.texture.has_value()) {
         EXPECT_TRUE(loaded);
-        EXPECT_EQ(texture_complaint(*reading.texture), std::nullopt);
+        EXPECT_EQ(validate_texture(*reading.texture), std::nullopt);
         expect_same_picture(bitmap, *reading.texture);
         return;
     }

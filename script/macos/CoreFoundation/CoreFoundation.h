@@ -1,6 +1,6 @@
 #pragma once
 
-// What src/texture/file/path_conversion_macintosh.cpp uses of the Macintosh's CoreFoundation, in our own words:
+// What src/texture/file/path_conversion_macos.cpp uses of macOS's CoreFoundation, in our own words:
 // for script/check-macintosh, which looks at syntax and types where there is no Macintosh. Nothing is linked
 // or built with it.
 

@@ -6,7 +6,7 @@
 #include "cli/texture/texture_diagnostics.h"
 #include "cli/verb/check_files.h"
 #include "cli/verbs.h"
-#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_invariants.h"
 
 namespace cli {
 namespace {
@@ -14,7 +14,7 @@ namespace {
 FileCheck check_texture_file(const std::string& file) {
     const TextureReading reading = read_texture(file);
     FileCheck check{texture_exit_code(reading), texture_diagnostics(reading, file)};
-    const auto violation = reading.texture ? texture_complaint(*reading.texture) : std::nullopt;
+    const auto violation = reading.texture ? validate_texture(*reading.texture) : std::nullopt;
     if (const auto error = internal_error(file, violation)) {
         check.diagnostics.insert(check.diagnostics.begin(), *error);
         check.code = ExitCode::refused;

@@ -9,7 +9,7 @@
 
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
-#include "texture/input_module/drawn_picture.h"
+#include "texture/input_module/draw_picture.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/txl/txl_image_filter.h"
 

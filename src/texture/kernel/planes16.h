@@ -1,6 +1,6 @@
 #pragma once
 
-#include "texture/kernel/bytes16.h"
+#include "texture/kernel/u8x16.h"
 
 /// Sixteen pixels of three bytes, in one of two orders: pixel by pixel as they come, or plane by plane.
 struct Pixels16 {

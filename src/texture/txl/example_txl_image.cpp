@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "texture/kernel/widened_bytes.h"
+#include "texture/kernel/expand_to_16_bits.h"
 
 namespace {
 

@@ -1,4 +1,4 @@
-#include "texture/kernel/widened_bytes.h"
+#include "texture/kernel/expand_to_16_bits.h"
 
 #include <gtest/gtest.h>
 

@@ -1,4 +1,4 @@
-#include "texture/value/texture_complaint.h"
+#include "texture/value/texture_invariants.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -27,7 +27,7 @@ void walk(const PixelBuffer& buffer) {
 
 }  // namespace
 
-std::optional<std::string> texture_complaint(const Texture& texture) {
+std::optional<std::string> validate_texture(const Texture& texture) {
     if (std::optional<std::string> found = check_texture(texture)) {
         return found;
     }

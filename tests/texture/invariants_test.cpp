@@ -13,8 +13,8 @@
 #include "support/made_texture.h"
 #include "texture/both_loads.h"
 #include "texture/txl/base_bitmap.h"
-#include "texture/txl/bitmap_complaint.h"
-#include "texture/value/texture_complaint.h"
+#include "texture/txl/bitmap_invariants.h"
+#include "texture/value/texture_invariants.h"
 
 namespace {
 
@@ -62,42 +62,42 @@ TEST(BitmapComplaint, OneRuleAtATime) {
         SCOPED_TRACE(broken.name);
         Parts parts;
         const Undo mend = broken.break_it(parts);
-        EXPECT_EQ(bitmap_complaint(parts.parts), broken.complaint);
+        EXPECT_EQ(validate_bitmap(parts.parts), broken.complaint);
         mend();
-        EXPECT_EQ(bitmap_complaint(parts.parts), std::nullopt);
+        EXPECT_EQ(validate_bitmap(parts.parts), std::nullopt);
     }
 }
 
 TEST(BitmapComplaint, AlphaWithoutItsChannel) {
     Parts parts;
     parts.parts.channel_count = parts.parts.channel_number = 0;
-    EXPECT_EQ(bitmap_complaint(parts.parts), "there is alpha without its channel or a channel without alpha");
+    EXPECT_EQ(validate_bitmap(parts.parts), "there is alpha without its channel or a channel without alpha");
 }
 
 TEST(BitmapComplaint, TheLastValueOfManyIsReadToo) {
     std::vector<std::uint16_t> pixels(3 * (std::size_t{1} << 22));
     const BitmapParts parts{1 << 11, 1 << 11, 24, 0, 0, pixels.data(), nullptr};
-    EXPECT_EQ(bitmap_complaint(parts), std::nullopt);
+    EXPECT_EQ(validate_bitmap(parts), std::nullopt);
     pixels.back() = 1;
-    EXPECT_EQ(bitmap_complaint(parts), "row 2047, column 2047: a colour is no byte times 256");
+    EXPECT_EQ(validate_bitmap(parts), "row 2047, column 2047: a colour is no byte times 256");
 }
 
 TEST(BitmapComplaint, ABitmapAsItBeginsAndIsFilled) {
     BaseBitmap bitmap;
-    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
     ASSERT_EQ(bitmap.Init(0, 3, 24), 0);
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
-    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
     ASSERT_EQ(bitmap.Init(3, 2, 24), 0);
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
-    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
     ASSERT_EQ(bitmap.SetPixel(2, 1, 0x1200, 0, 0x34), 0);
-    EXPECT_EQ(bitmap_complaint(bitmap), "row 1, column 2: a colour is no byte times 256");
+    EXPECT_EQ(validate_bitmap(bitmap), "row 1, column 2: a colour is no byte times 256");
     ASSERT_EQ(bitmap.SetPixel(2, 1, 0x1200, 0, 0x3400), 0);
     ASSERT_EQ(bitmap.SetAlphaPixel(1, 0, 1, 0x0100), 0);
-    EXPECT_EQ(bitmap_complaint(bitmap), "row 1, column 0: the alpha is no byte");
+    EXPECT_EQ(validate_bitmap(bitmap), "row 1, column 0: the alpha is no byte");
     bitmap.Destroy();
-    EXPECT_EQ(bitmap_complaint(bitmap), std::nullopt);
+    EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
 }
 
 struct TextureCase {
@@ -141,7 +141,7 @@ TEST(TextureComplaint, OneRuleAtATime) {
         SCOPED_TRACE(each.name);
         Texture texture = made_texture(4, 3, Texture::kRgb, 3);
         each.break_it(texture);
-        EXPECT_EQ(texture_complaint(texture),
+        EXPECT_EQ(validate_texture(texture),
                   each.complaint == nullptr ? std::nullopt : std::optional<std::string>(each.complaint));
     }
 }

@@ -1,11 +1,11 @@
-#include "texture/input_module/drawn_picture.h"
+#include "texture/input_module/draw_picture.h"
 
 #include <algorithm>
 
 #include "texture/file/little_endian.h"
-#include "texture/kernel/fetch.h"
+#include "texture/kernel/cache_hints.h"
 #include "texture/kernel/planes16.h"
-#include "texture/kernel/widened_bytes.h"
+#include "texture/kernel/expand_to_16_bits.h"
 
 namespace {
 

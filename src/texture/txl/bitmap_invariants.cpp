@@ -1,4 +1,4 @@
-#include "texture/txl/bitmap_complaint.h"
+#include "texture/txl/bitmap_invariants.h"
 
 #include <algorithm>
 
@@ -49,7 +49,7 @@ Complaint rows_complaint(const BaseBitmap& bitmap, const BitmapParts& parts) {
 
 }  // namespace
 
-std::optional<std::string> bitmap_complaint(const BitmapParts& parts) {
+std::optional<std::string> validate_bitmap(const BitmapParts& parts) {
     const std::int64_t pixel_count = std::int64_t{parts.width_px} * parts.height_px;
     if (parts.width_px < 0 || parts.height_px < 0 || pixel_count > limits::kTexturePixels.value) {
         return "no picture has " + std::to_string(parts.width_px) + " x " + std::to_string(parts.height_px) +
@@ -83,7 +83,7 @@ std::optional<std::string> bitmap_complaint(const BitmapParts& parts) {
     return std::nullopt;
 }
 
-std::optional<std::string> bitmap_complaint(const BaseBitmap& bitmap) {
+std::optional<std::string> validate_bitmap(const BaseBitmap& bitmap) {
     const BitmapParts parts = {bitmap.width(),
                                bitmap.height(),
                                bitmap.depth(),
@@ -91,7 +91,7 @@ std::optional<std::string> bitmap_complaint(const BaseBitmap& bitmap) {
                                bitmap.GetChannelNum(0),
                                bitmap.PixelRow(0),
                                bitmap.AlphaRow(kAlphaChannel, 0)};
-    if (Complaint found = bitmap_complaint(parts)) {
+    if (Complaint found = validate_bitmap(parts)) {
         return found;
     }
     return rows_complaint(bitmap, parts);

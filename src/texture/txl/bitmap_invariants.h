@@ -20,8 +20,8 @@ struct BitmapParts {
 /// The first thing about these parts that loading a texture cannot have brought about; nothing for sound
 /// ones. Colours are bytes in the upper half of a value, alpha is bytes in the lower half; rows are read
 /// whole, or where there are more than 2^22 values at evenly spaced places, so that the work has a bound.
-[[nodiscard]] std::optional<std::string> bitmap_complaint(const BitmapParts& parts);
+[[nodiscard]] std::optional<std::string> validate_bitmap(const BitmapParts& parts);
 
 /// The same for a bitmap that a texture was loaded into. Its rows must also be one behind the other and end
 /// where the picture does. Arrays that are too short are for AddressSanitizer to find.
-[[nodiscard]] std::optional<std::string> bitmap_complaint(const BaseBitmap& bitmap);
+[[nodiscard]] std::optional<std::string> validate_bitmap(const BaseBitmap& bitmap);

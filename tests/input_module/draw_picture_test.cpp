@@ -1,4 +1,4 @@
-#include "texture/input_module/drawn_picture.h"
+#include "texture/input_module/draw_picture.h"
 
 #include <gtest/gtest.h>
 

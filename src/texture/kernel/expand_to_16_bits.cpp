@@ -1,10 +1,10 @@
-#include "texture/kernel/widened_bytes.h"
+#include "texture/kernel/expand_to_16_bits.h"
 
 #include <algorithm>
 #include <bit>
 
-#include "texture/kernel/bytes16.h"
-#include "texture/kernel/fetch.h"
+#include "texture/kernel/u8x16.h"
+#include "texture/kernel/cache_hints.h"
 
 namespace {
 
