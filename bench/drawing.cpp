@@ -10,8 +10,8 @@
 #include "texture/input_module/draw_picture.h"
 
 #if defined(VXR_HAS_V3)
-/// DrawPicture, compiled for newer processors.
-void DrawPictureV3(const BaseBitmap& bitmap, const PF_LayerDef& world);
+/// draw_picture, compiled for newer processors.
+void draw_picture_v3(const BaseBitmap& bitmap, const PF_LayerDef& world);
 #endif
 
 namespace {
@@ -86,13 +86,13 @@ void register_drawing(std::int64_t size_px) {
             ->Arg(size_px)
             ->Unit(benchmark::kMillisecond);
     };
-    add("draw/texture", DrawPicture);
+    add("draw/texture", draw_picture);
     add("draw/pixels", draw_by_pixel);
 #if defined(VXR_HAS_V3)
     // The features of that level that the compiler may use.
     if (__builtin_cpu_supports("avx2") && __builtin_cpu_supports("bmi") && __builtin_cpu_supports("bmi2") &&
         __builtin_cpu_supports("fma") && __builtin_cpu_supports("popcnt")) {
-        add("draw/texture_v3", DrawPictureV3);
+        add("draw/texture_v3", draw_picture_v3);
     }
 #endif
     benchmark::RegisterBenchmark("draw/memcpy", measure_copy)->Arg(size_px)->Unit(benchmark::kMillisecond);

@@ -7,8 +7,7 @@
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 #include "system/open_regular_file.h"
-#include "texture/input_module/function_block.h"
-#include "texture/input_module/module_info.h"
+#include "texture/input_module/registration.h"
 
 namespace {
 

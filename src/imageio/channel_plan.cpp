@@ -9,7 +9,7 @@
 #include <string_view>
 #include <utility>
 
-#include "texture/file/little_endian.h"
+#include "texture/file/byte_order.h"
 
 namespace imageio {
 
@@ -62,8 +62,8 @@ std::string unused_name(const std::string& wanted, std::set<std::string>& used) 
 void join_rgba(const std::uint8_t* rgb, const std::uint8_t* alpha, std::size_t width, std::uint8_t* row) {
     std::size_t x = 0;
     for (; x + 1 < width; ++x) {  // the last pixel's word would read past the row
-        const auto colour = LoadLittle<std::uint32_t>(rgb + 3 * x) & 0xFFFFFFU;
-        StoreLittle(colour | std::uint32_t{alpha[x]} << 24, row + 4 * x);
+        const auto colour = load_little_endian<std::uint32_t>(rgb + 3 * x) & 0xFFFFFFU;
+        store_little_endian(colour | std::uint32_t{alpha[x]} << 24, row + 4 * x);
     }
     for (; x < width; ++x) {
         std::copy_n(rgb + 3 * x, 3, row + 4 * x);

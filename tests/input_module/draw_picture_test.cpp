@@ -12,8 +12,9 @@ namespace {
 template <typename Value>
 std::unique_ptr<Value[]> RandomValues(std::mt19937& random, std::size_t count) {
     std::unique_ptr<Value[]> values(new Value[count]);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         values[i] = static_cast<Value>(random());
+    }
     return values;
 }
 
@@ -31,11 +32,12 @@ TEST(DrawnRow, EveryPixelIsTheHighBytesOfColourAndTheLowByteOfAlpha) {
                     const std::unique_ptr<unsigned char[]> bytes(new unsigned char[byte_count]);
                     unsigned char* const argb = bytes.get() + begin;
                     const DrawnRow row = {colour.get(), has_alpha ? alpha.get() : nullptr, argb};
-                    DrawRow(row, static_cast<std::int32_t>(count), row, memory);
+                    draw_row(row, static_cast<std::int32_t>(count), row, memory);
                     for (std::size_t x = 0; x < count; ++x) {
                         ASSERT_EQ(argb[4 * x], has_alpha ? alpha[x] & 0xFF : 0xFF) << x << " of " << count;
-                        for (std::size_t i = 0; i < 3; ++i)
+                        for (std::size_t i = 0; i < 3; ++i) {
                             ASSERT_EQ(argb[4 * x + 1 + i], colour[3 * x + i] >> 8) << x << " of " << count;
+                        }
                     }
                 }
             }

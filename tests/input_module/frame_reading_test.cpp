@@ -38,8 +38,9 @@ class FrameReading : public testing::Test {
     // As a host drops footage: after a success the in-spec is a new one.
     A_Err Dispose() {
         const A_Err err = My_DisposeInSpec(host.basic_data(), host.in_spec());
-        if (err == 0)
+        if (err == 0) {
             host.footage() = {};
+        }
         return err;
     }
 

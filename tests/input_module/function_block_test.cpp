@@ -1,4 +1,4 @@
-#include "texture/input_module/function_block.h"
+#include "texture/input_module/registration.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,10 +32,11 @@ class Canaries {
     // A value for one parameter: for pointers and handles the next room, for numbers 1.
     template <typename Parameter>
     Parameter Next() {
-        if constexpr (std::is_pointer_v<Parameter>)
+        if constexpr (std::is_pointer_v<Parameter>) {
             return reinterpret_cast<Parameter>(memory_.data() + kRoom * rooms_++);
-        else
+        } else {
             return Parameter{1};
+        }
     }
 
     [[nodiscard]] std::size_t rooms() const { return rooms_; }

@@ -1,4 +1,4 @@
-#include "texture/input_module/module_info.h"
+#include "texture/input_module/registration.h"
 
 #include <gtest/gtest.h>
 
@@ -44,8 +44,9 @@ TEST(TexalonConstructModuleInfo, SetsItsFieldsAndNoOthers) {
     const std::vector<unsigned char> bytes = BytesOf(info);
     const std::vector<unsigned char> expected = ExpectedBytes();
     ASSERT_EQ(bytes.size(), expected.size());
-    for (std::size_t i = 0; i < bytes.size(); ++i)
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
         EXPECT_EQ(int{bytes[i]}, int{expected[i]}) << "byte " << i;
+    }
 }
 
 TEST(TexalonConstructModuleInfo, FlagsHaveTheirBits) {

@@ -19,16 +19,19 @@ unsigned char PaintedPicture::AlphaAt(std::int32_t x, std::int32_t y, std::int32
 std::int32_t PaintedPicture::GetPixelCount(std::int32_t x, std::int32_t y, std::int32_t count,
                                            unsigned char* data) {
     const std::int32_t channels = texture_channels(mode_);
-    for (std::int32_t i = 0; i < count; ++i)
-        for (std::int32_t channel = 0; channel < channels; ++channel)
+    for (std::int32_t i = 0; i < count; ++i) {
+        for (std::int32_t channel = 0; channel < channels; ++channel) {
             *data++ = ColourAt(x + i, y, channel);
+        }
+    }
     return 0;
 }
 
 std::int32_t PaintedPicture::GetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y,
                                            std::int32_t count, unsigned char* data) {
-    for (std::int32_t i = 0; i < count; ++i)
+    for (std::int32_t i = 0; i < count; ++i) {
         data[i] = AlphaAt(x + i, y, channel);
+    }
     return 0;
 }
 

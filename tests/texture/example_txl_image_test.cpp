@@ -32,8 +32,9 @@ Rgb PixelAt(const BaseBitmap& bitmap, std::int32_t x, std::int32_t y) {
 
 std::vector<Rgb> RowOf(const BaseBitmap& bitmap, std::int32_t y) {
     std::vector<Rgb> row;
-    for (std::int32_t x = 0; x < bitmap.width(); ++x)
+    for (std::int32_t x = 0; x < bitmap.width(); ++x) {
         row.push_back(PixelAt(bitmap, x, y));
+    }
     return row;
 }
 
@@ -255,8 +256,9 @@ TEST(ExampleTXLImage, ReadsColourAndAlpha) {
         ExactBuffer colour(3 * c.expected_bytes.size(), 0xEE);
         EXPECT_EQ(image.GetPixelCount(c.x, c.y, c.count, colour.data()), c.expected_colour);
         Bytes three_times;
-        for (const unsigned char byte : c.expected_bytes)
+        for (const unsigned char byte : c.expected_bytes) {
             three_times.insert(three_times.end(), 3, byte);
+        }
         EXPECT_EQ(colour.All(), three_times);
         ExactBuffer alpha(c.expected_bytes.size(), 0xEE);
         EXPECT_EQ(image.GetAlphaPixel(0, c.x, c.y, c.count, alpha.data()), c.expected_alpha);
@@ -366,11 +368,13 @@ TEST(ExampleTXLImage, RowsAreWhatTheirPixelsAre) {
     constexpr std::int32_t kWidth = 7;
     constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
     Bytes data(4 * 20);
-    for (std::size_t i = 0; i < data.size(); ++i)
+    for (std::size_t i = 0; i < data.size(); ++i) {
         data[i] = static_cast<unsigned char>(37 * i + 1);
-    for (const std::int32_t x : {kLeast, kLeast + 5, -20, -7, -3, -1, 0, 1, 6, 7, 8, kLargest - 5, kLargest})
-        for (const std::int32_t count : {-1, 0, 1, 3, 7, 9, 20})
-            for (const std::int32_t mode : {kGrey, kRgb})
+    }
+    for (const std::int32_t x :
+         {kLeast, kLeast + 5, -20, -7, -3, -1, 0, 1, 6, 7, 8, kLargest - 5, kLargest}) {
+        for (const std::int32_t count : {-1, 0, 1, 3, 7, 9, 20}) {
+            for (const std::int32_t mode : {kGrey, kRgb}) {
                 for (const std::int32_t stride : {3, 4}) {
                     BaseBitmap bitmap;
                     ExampleTXLImage image(&bitmap);
@@ -384,14 +388,16 @@ TEST(ExampleTXLImage, RowsAreWhatTheirPixelsAre) {
                         const auto value = [&](std::int64_t at) {
                             return stored ? data[static_cast<std::size_t>(at)] : 0;
                         };
-                        for (std::int64_t k = 0; k < 3; ++k)
+                        for (std::int64_t k = 0; k < 3; ++k) {
                             ASSERT_EQ(PixelAt(bitmap, column, 1)[static_cast<std::size_t>(k)],
                                       256 * value(i * stride + (mode == kRgb ? k : 0)))
                                 << column << " of " << count << " from " << x;
+                        }
                         ASSERT_EQ(AlphaRowOf(bitmap, 1)[static_cast<std::size_t>(column)], value(i));
                     }
-                    if (count < 1)
+                    if (count < 1) {
                         continue;
+                    }
                     Bytes read(static_cast<std::size_t>(count), 0xEE);
                     const std::int64_t last = std::int64_t{x} + count - 1;
                     ASSERT_EQ(image.GetAlphaPixel(0, x, 1, count, read.data()),
@@ -401,6 +407,9 @@ TEST(ExampleTXLImage, RowsAreWhatTheirPixelsAre) {
                         ASSERT_EQ(read[at], x + i >= 0 && x + i < kWidth ? data[at] : 0);
                     }
                 }
+            }
+        }
+    }
 }
 
 }  // namespace

@@ -16,22 +16,22 @@ using Bytes = std::vector<unsigned char>;
 
 struct Case {
     const char* name;
-    WidenedTo to;
+    ExpandInto to;
     std::uint16_t factor;
     bool streamed;
 };
 
 const Case kCases[] = {
-    {"Colour", WidenedTo::high_byte, 256, false},
-    {"ColourPastTheCaches", WidenedTo::high_byte, 256, true},
-    {"Alpha", WidenedTo::low_byte, 1, false},
-    {"AlphaPastTheCaches", WidenedTo::low_byte, 1, true},
+    {"Colour", ExpandInto::high_byte, 256, false},
+    {"ColourPastTheCaches", ExpandInto::high_byte, 256, true},
+    {"Alpha", ExpandInto::low_byte, 1, false},
+    {"AlphaPastTheCaches", ExpandInto::low_byte, 1, true},
 };
 
-class WidenedBytes : public testing::TestWithParam<Case> {};
+class ExpandTo16Bits : public testing::TestWithParam<Case> {};
 
 // Rows begin anywhere in a picture; buffers of exactly the size: with the sanitizer a touch outside fails.
-TEST_P(WidenedBytes, AreTheBytesTimesTheFactorWhereverTheRowBegins) {
+TEST_P(ExpandTo16Bits, AreTheBytesTimesTheFactorWhereverTheRowBegins) {
     std::mt19937 random(11);
     for (std::size_t count = 0; count <= 100; ++count) {
         Bytes bytes(count);
@@ -41,17 +41,19 @@ TEST_P(WidenedBytes, AreTheBytesTimesTheFactorWhereverTheRowBegins) {
             const std::unique_ptr<std::uint16_t[]> picture(new std::uint16_t[begin + count]);
             std::uint16_t* const row = picture.get() + begin;
             const auto values = static_cast<std::int64_t>(count);
-            if (GetParam().streamed)
-                StreamWidenedBytes(GetParam().to, source.data(), values, row);
-            else
-                WidenBytes(GetParam().to, source.data(), values, row, row);
-            for (std::size_t i = 0; i < count; ++i)
+            if (GetParam().streamed) {
+                stream_to_16_bits(GetParam().to, source.data(), values, row);
+            } else {
+                expand_to_16_bits(GetParam().to, source.data(), values, row, row);
+            }
+            for (std::size_t i = 0; i < count; ++i) {
                 ASSERT_EQ(row[i], bytes[i] * GetParam().factor) << i << " of " << count << " from " << begin;
+            }
         }
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(, WidenedBytes, testing::ValuesIn(kCases),
+INSTANTIATE_TEST_SUITE_P(, ExpandTo16Bits, testing::ValuesIn(kCases),
                          [](const auto& test) { return test.param.name; });
 
 }  // namespace

@@ -17,8 +17,9 @@ constexpr std::size_t kBuffer = PrivateFile::kBufferBytes;
 
 std::string RandomBytes(std::mt19937& random, std::size_t count) {
     std::string bytes(count, '\0');
-    for (char& byte : bytes)
+    for (char& byte : bytes) {
         byte = static_cast<char>(random() >> 24);
+    }
     return bytes;
 }
 
@@ -31,13 +32,16 @@ TEST(InPlaceBlocks, OfAnySizeAreTheBytesThatAreStored) {
     std::vector<std::string> blocks;
     for (const std::size_t size :
          {std::size_t{1}, std::size_t{0}, kBuffer - 1, kBuffer, kBuffer + 1, std::size_t{5}, 3 * kBuffer,
-          2 * kBuffer, std::size_t{0}, std::size_t{4096}})
+          2 * kBuffer, std::size_t{0}, std::size_t{4096}}) {
         blocks.push_back(RandomBytes(random, size));
-    for (int i = 0; i < 200; ++i)
+    }
+    for (int i = 0; i < 200; ++i) {
         blocks.push_back(RandomBytes(random, random() % 5000));
+    }
     HyperBytes file = HyperBytes().Header("AVXR", "Test");
-    for (const std::string& block : blocks)
+    for (const std::string& block : blocks) {
         file.Block(block).Byte(PrivateHyperFile::kTagUChar).Byte(7);
+    }
     const TemporaryFolder folder;
     PrivateHyperFile read;
     ASSERT_EQ(read.Open(kIdent, folder.write("blocks", file.bytes()).c_str(), 1, 0, 0), 1);
@@ -90,8 +94,9 @@ TEST(PrivateFileBuffer, TransfersOfEverySizeCrossItsEnds) {
     std::mt19937 random(5);
     const std::size_t sizes[] = {1, 2, 7, 100, 4096, kBuffer - 1, kBuffer, kBuffer + 1, 2 * kBuffer + 3};
     std::vector<std::string> pieces;
-    for (int i = 0; i < 120; ++i)
+    for (int i = 0; i < 120; ++i) {
         pieces.push_back(RandomBytes(random, sizes[random() % std::size(sizes)]));
+    }
     const TemporaryFolder folder;
     const std::string path = folder.path("pieces");
     PrivateFile file;

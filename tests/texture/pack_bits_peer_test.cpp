@@ -35,8 +35,9 @@ using Tiff = std::unique_ptr<TIFF, CloseTiff>;
 
 Tiff OpenForRow(const PeerFile& file, std::size_t width_px) {
     Tiff tiff(TIFFOpen(file.path(), "w"));
-    if (tiff == nullptr)
+    if (tiff == nullptr) {
         return tiff;
+    }
     TIFFSetField(tiff.get(), TIFFTAG_IMAGEWIDTH, static_cast<std::uint32_t>(width_px));
     TIFFSetField(tiff.get(), TIFFTAG_IMAGELENGTH, 1U);
     TIFFSetField(tiff.get(), TIFFTAG_BITSPERSAMPLE, 8);
@@ -81,8 +82,9 @@ TEST(PackBitsPeer, EachReadsWhatTheOtherWrites) {
         std::iota(distinct.begin(), distinct.end(), static_cast<unsigned char>(0));
         rows.push_back(distinct);
     }
-    for (int i = 0; i < 60; ++i)
+    for (int i = 0; i < 60; ++i) {
         rows.push_back(RandomRow(random, 1000));
+    }
     for (const Bytes& row : rows) {
         ASSERT_EQ(Decoded(CodedByPeer(file, row), row.size()), row) << testing::PrintToString(row);
         const auto coded = Encoded(row, 2 * row.size() + 2);

@@ -18,15 +18,17 @@ Bytes Repeated(std::size_t count, unsigned char value) {
 
 Bytes Counting(std::size_t count) {
     Bytes bytes(count);
-    for (std::size_t i = 0; i < count; ++i)
+    for (std::size_t i = 0; i < count; ++i) {
         bytes[i] = static_cast<unsigned char>(i);
+    }
     return bytes;
 }
 
 Bytes Joined(const std::vector<Bytes>& parts) {
     Bytes all;
-    for (const Bytes& part : parts)
+    for (const Bytes& part : parts) {
         all.insert(all.end(), part.begin(), part.end());
+    }
     return all;
 }
 
@@ -72,15 +74,16 @@ const EncodeCase kEncodeCases[] = {
 };
 
 TEST(PackBitsEncode, Cases) {
-    for (const EncodeCase& c : kEncodeCases)
+    for (const EncodeCase& c : kEncodeCases) {
         EXPECT_EQ(Encoded(c.plain, c.capacity), c.expected) << c.name;
+    }
 }
 
 TEST(PackBitsEncode, LengthsBelowOneWriteNothing) {
     for (const std::int32_t length : {0, -1, INT32_MIN}) {
         ExactBuffer dst(4, 0xEE);
         const unsigned char byte = 1;
-        EXPECT_EQ(PackBitsEncode(&byte, length, dst.data(), dst.size()), 0) << length;
+        EXPECT_EQ(pack_bits_encode(&byte, length, dst.data(), dst.size()), 0) << length;
         EXPECT_EQ(dst.All(), Repeated(4, 0xEE)) << length;
     }
 }
@@ -88,8 +91,8 @@ TEST(PackBitsEncode, LengthsBelowOneWriteNothing) {
 TEST(PackBitsEncode, NegativeCapacityIsNoRoom) {
     const unsigned char bytes[] = {1, 2, 2, 2};
     ExactBuffer dst(0);
-    EXPECT_EQ(PackBitsEncode(bytes, 4, dst.data(), -1), 0);
-    EXPECT_EQ(PackBitsEncode(bytes + 1, 3, dst.data(), INT32_MIN), 0);
+    EXPECT_EQ(pack_bits_encode(bytes, 4, dst.data(), -1), 0);
+    EXPECT_EQ(pack_bits_encode(bytes + 1, 3, dst.data(), INT32_MIN), 0);
 }
 
 // Calls `visit` with every sequence of 0 to `longest` letters of the alphabet; returns how many there were.
@@ -160,16 +163,17 @@ const DecodeCase kDecodeCases[] = {
 };
 
 TEST(PackBitsDecode, Cases) {
-    for (const DecodeCase& c : kDecodeCases)
+    for (const DecodeCase& c : kDecodeCases) {
         EXPECT_EQ(Decoded(c.coded, c.wanted), c.expected) << c.name;
+    }
 }
 
 TEST(PackBitsDecode, LengthsBelowZeroAreNothing) {
     unsigned char byte = 0;
-    EXPECT_TRUE(PackBitsDecode(&byte, -1, &byte, -1));
-    EXPECT_TRUE(PackBitsDecode(&byte, 0, &byte, INT32_MIN));
-    EXPECT_FALSE(PackBitsDecode(&byte, 1, &byte, -1));
-    EXPECT_FALSE(PackBitsDecode(&byte, INT32_MIN, &byte, 1));
+    EXPECT_TRUE(pack_bits_decode(&byte, -1, &byte, -1));
+    EXPECT_TRUE(pack_bits_decode(&byte, 0, &byte, INT32_MIN));
+    EXPECT_FALSE(pack_bits_decode(&byte, 1, &byte, -1));
+    EXPECT_FALSE(pack_bits_decode(&byte, INT32_MIN, &byte, 1));
 }
 
 void ExpectDecodedAsReference(const Bytes& coded, std::size_t wanted) {
@@ -183,8 +187,9 @@ TEST(PackBitsDecode, EveryShortInputAtEveryCapacity) {
     const Bytes alphabet = {0x00, 0x01, 0x02, 0x7F, 0x80, 0x81, 0xC0, 0xFE, 0xFF};
     const std::size_t words = ForEveryWord(alphabet, 3, [](const Bytes& coded) {
         // At most two runs of 128 (one with its value, one without), and one byte more than they give.
-        for (std::size_t wanted = 0; wanted <= 257; ++wanted)
+        for (std::size_t wanted = 0; wanted <= 257; ++wanted) {
             ExpectDecodedAsReference(coded, wanted);
+        }
     });
     EXPECT_EQ(words, 820U);
 }
@@ -218,8 +223,9 @@ TEST_P(PackBitsRandom, AnyBytesDecodeAsTheReferenceSays) {
 
 TEST_P(PackBitsRandom, RowsAtEveryCapacity) {
     std::mt19937 random(GetParam());
-    for (int i = 0; i < 20; ++i)
+    for (int i = 0; i < 20; ++i) {
         ExpectEncodedAsReferenceAtEveryCapacity(RandomRow(random, 600));
+    }
 }
 
 // Rows as pictures have them: short runs between short literals, and runs and literals of several packets.
@@ -228,8 +234,9 @@ TEST_P(PackBitsRandom, LongRowsOfEveryNumberOfValues) {
     for (const unsigned values : {1U, 2U, 4U, 16U, 256U}) {
         for (int i = 0; i < 40; ++i) {
             Bytes plain = RandomRow(random, 9000);
-            for (unsigned char& value : plain)
+            for (unsigned char& value : plain) {
                 value = static_cast<unsigned char>(value % values);
+            }
             const Reference reference = ReferenceEncode(plain);
             ASSERT_EQ(Encoded(plain, reference.room_bytes), reference.coded);
             ASSERT_EQ(Encoded(plain, reference.room_bytes - 1), std::nullopt);
@@ -248,12 +255,15 @@ TEST_P(PackBitsRandom, DamagedRowsDecodeAsTheReferenceSays) {
     for (int i = 0; i < 1500; ++i) {
         const Bytes plain = RandomRow(random, 800);
         Bytes coded = ReferenceEncode(plain).coded;
-        for (std::size_t changes = below(3); changes > 0; --changes)
+        for (std::size_t changes = below(3); changes > 0; --changes) {
             coded[below(coded.size())] = static_cast<unsigned char>(below(256));
-        if (below(3) == 0)
+        }
+        if (below(3) == 0) {
             coded.resize(1 + below(coded.size()));
-        for (const std::size_t wanted : {plain.size(), plain.size() + below(200), below(plain.size())})
+        }
+        for (const std::size_t wanted : {plain.size(), plain.size() + below(200), below(plain.size())}) {
             ExpectDecodedAsReference(coded, wanted);
+        }
     }
 }
 

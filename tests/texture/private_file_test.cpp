@@ -17,16 +17,16 @@ namespace {
 
 TEST(Memory, ANegativeSizeIsRefused) {
     EXPECT_EQ(MemAlloc(-1), nullptr);
-    EXPECT_EQ(MemAllocZeroed(-1), nullptr);
+    EXPECT_EQ(allocate_zeroed(-1), nullptr);
 }
 
 TEST(Memory, AMillionGigabytesAreRefused) {
     EXPECT_EQ(MemAlloc(std::int64_t{1} << 50), nullptr);
-    EXPECT_EQ(MemAllocZeroed(std::int64_t{1} << 50), nullptr);
+    EXPECT_EQ(allocate_zeroed(std::int64_t{1} << 50), nullptr);
 }
 
 TEST(Memory, ZeroedMemoryIsZero) {
-    const MemBlock block(static_cast<unsigned char*>(MemAllocZeroed(100)));
+    const MemBlock block(static_cast<unsigned char*>(allocate_zeroed(100)));
     ASSERT_NE(block, nullptr);
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(block.get()), 100), std::string(100, '\0'));
 }
@@ -56,8 +56,8 @@ TEST(ByteOrder, ConvertsEveryValueInPlace) {
 
 TEST(ByteOrder, TwiceIsTheSame) {
     double value = 1234.5;
-    DMotor(&value);
-    DMotor(&value);
+    convert_big_endian<8>(&value, 1);
+    convert_big_endian<8>(&value, 1);
     EXPECT_EQ(value, 1234.5);
 }
 

@@ -20,16 +20,18 @@ std::vector<Packet> PacketsOf(const Bytes& plain) {
     std::size_t i = 0;
     while (i < plain.size()) {
         std::size_t same = 1;
-        while (same < 128 && i + same < plain.size() && plain[i + same] == plain[i])
+        while (same < 128 && i + same < plain.size() && plain[i + same] == plain[i]) {
             ++same;
+        }
         if (same >= 3) {
             packets.push_back({true, Bytes(same, plain[i])});
             open = false;
             i += same;
             continue;
         }
-        if (!open)
+        if (!open) {
             packets.push_back({false, {}});
+        }
         packets.back().bytes.push_back(plain[i++]);
         open = packets.back().bytes.size() < 128;
     }
@@ -41,9 +43,10 @@ std::vector<Packet> PacketsOf(const Bytes& plain) {
 std::optional<Bytes> Encoded(const Bytes& plain, std::size_t capacity) {
     ExactBuffer src(plain);
     ExactBuffer dst(capacity);
-    const std::int32_t written = PackBitsEncode(src.data(), src.size(), dst.data(), dst.size());
-    if (written == 0)
+    const std::int32_t written = pack_bits_encode(src.data(), src.size(), dst.data(), dst.size());
+    if (written == 0) {
         return std::nullopt;
+    }
     return dst.First(static_cast<std::size_t>(written));
 }
 
@@ -52,16 +55,18 @@ std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted) {
     guarded.push_back(kGuard);
     ExactBuffer src(guarded);
     ExactBuffer dst(wanted);
-    if (!PackBitsDecode(src.data(), src.size() - 1, dst.data(), dst.size()))
+    if (!pack_bits_decode(src.data(), src.size() - 1, dst.data(), dst.size())) {
         return std::nullopt;
+    }
     return dst.All();
 }
 
 std::optional<Bytes> DecodedBlock(const Bytes& coded, std::size_t wanted) {
     ExactBuffer src(coded);
     ExactBuffer dst(wanted);
-    if (!PackBitsDecodeBlock(src.data(), src.size(), dst.data(), dst.size()))
+    if (!pack_bits_decode_block(src.data(), src.size(), dst.data(), dst.size())) {
         return std::nullopt;
+    }
     return dst.All();
 }
 
@@ -79,8 +84,9 @@ Reference ReferenceEncode(const Bytes& plain) {
         }
     }
     reference.room_bytes = reference.coded.size();
-    if (!packets.empty() && !packets.back().run && packets.back().bytes.size() == 128)
+    if (!packets.empty() && !packets.back().run && packets.back().bytes.size() == 128) {
         ++reference.room_bytes;
+    }
     return reference;
 }
 
@@ -89,24 +95,29 @@ std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted, uns
     std::size_t at = 0;
     while (out.size() < wanted && at < coded.size()) {
         const unsigned char control = coded[at++];
-        if (control == 0x80)
+        if (control == 0x80) {
             continue;
+        }
         if (control > 0x80) {
             const unsigned char value = at < coded.size() ? coded[at] : behind;
             ++at;
             out.insert(out.end(), 257U - control, value);
         } else {
-            if (at >= coded.size())
+            if (at >= coded.size()) {
                 return std::nullopt;
+            }
             // As far as the output has room and the input has bytes.
-            for (unsigned i = 0; i <= control && at < coded.size() && out.size() < wanted; ++i)
+            for (unsigned i = 0; i <= control && at < coded.size() && out.size() < wanted; ++i) {
                 out.push_back(coded[at++]);
+            }
         }
-        if (out.size() > wanted)
+        if (out.size() > wanted) {
             out.resize(wanted);
+        }
     }
-    if (out.size() < wanted || at < coded.size())
+    if (out.size() < wanted || at < coded.size()) {
         return std::nullopt;
+    }
     return out;
 }
 
@@ -120,8 +131,9 @@ Bytes RandomRow(std::mt19937& random, std::size_t longest) {
         const bool same = below(2) == 0;
         const std::size_t stretch = 1 + below(below(4) == 0 ? 300 : 5);
         const auto value = static_cast<unsigned char>(below(256));
-        for (std::size_t i = 0; i < stretch; ++i)
+        for (std::size_t i = 0; i < stretch; ++i) {
             row.push_back(same ? value : static_cast<unsigned char>(below(256)));
+        }
     }
     row.resize(length);
     return row;

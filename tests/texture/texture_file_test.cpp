@@ -332,9 +332,9 @@ class BadTextures : public testing::TestWithParam<BadTexture> {};
 
 TEST_P(BadTextures, AreNotWritten) {
     Texture texture = made(2, 2, Texture::kRgb, 1, Content::noisy);
-    ASSERT_EQ(check_texture(texture), std::nullopt);
+    ASSERT_EQ(validate_for_writing(texture), std::nullopt);
     GetParam().change(texture);
-    EXPECT_NE(check_texture(texture), std::nullopt);
+    EXPECT_NE(validate_for_writing(texture), std::nullopt);
     const TemporaryFolder folder;
     const std::optional<TextureError> error = write_texture(folder.path("bad.txl"), texture);
     ASSERT_TRUE(error.has_value());

@@ -1,4 +1,4 @@
-#include "texture/txl/txl_format.h"
+#include "texture/txl/txl_image_filter.h"
 
 #include <gtest/gtest.h>
 

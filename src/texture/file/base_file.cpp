@@ -7,7 +7,6 @@
 #include <new>
 
 #include "system/open_regular_file.h"
-#include "texture/file/path_conversion.h"
 
 BaseFile::~BaseFile() {
     Close();

@@ -2,11 +2,8 @@
 
 #include <cstring>
 #include <limits>
-#include <memory>
 #include <new>
 #include <utility>
-
-#include "texture/file/path_conversion.h"
 
 Filename::Filename(const char* path) {
     if (path == nullptr) {

@@ -1,7 +1,7 @@
 #include <cstring>
 #include <new>
 
-#include "texture/file/path_conversion.h"
+#include "texture/file/filename.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <new>
 #include <type_traits>
 
-#include "texture/file/path_conversion.h"
+#include "texture/file/filename.h"
 
 namespace {
 

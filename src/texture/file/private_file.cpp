@@ -12,17 +12,6 @@
 
 namespace {
 
-template <std::size_t Size>
-void convert_order(void* value) {
-    if constexpr (Size == 8) {
-        DMotor(value);
-    } else if constexpr (Size == 4) {
-        LMotor(value, 1);
-    } else if constexpr (Size == 2) {
-        WMotor(value, 1);
-    }
-}
-
 std::int32_t as_32_bits(std::int64_t bytes) {
     return static_cast<std::int32_t>(
         std::clamp<std::int64_t>(bytes, 0, std::numeric_limits<std::int32_t>::max()));
@@ -164,7 +153,7 @@ int PrivateFile::ReadValue(Value* value) {
     if (ReadBytes(bytes, sizeof(Value)) == 0) {
         return 0;
     }
-    convert_order<sizeof(Value)>(bytes);
+    convert_big_endian<sizeof(Value)>(bytes, 1);
     std::memcpy(value, bytes, sizeof(Value));
     return 1;
 }
@@ -173,7 +162,7 @@ template <typename Value>
 int PrivateFile::WriteValue(Value value) {
     unsigned char bytes[sizeof(Value)];
     std::memcpy(bytes, &value, sizeof(Value));
-    convert_order<sizeof(Value)>(bytes);
+    convert_big_endian<sizeof(Value)>(bytes, 1);
     return WriteBytes(bytes, sizeof(Value));
 }
 

@@ -8,7 +8,7 @@
 /// Draws `bitmap` into `world`, pixel (x, y) to pixel (x, y), as far as both reach: the high bytes of colour
 /// and the low byte of alpha, opaque without an alpha channel. The rest of `world` is left alone; its data is
 /// not null.
-void DrawPicture(const BaseBitmap& bitmap, const PF_LayerDef& world);
+void draw_picture(const BaseBitmap& bitmap, const PF_LayerDef& world);
 
 /// A row of a picture and the row of the host's frame that it is drawn to. The three are not owned.
 struct DrawnRow {
@@ -23,4 +23,4 @@ enum class FrameMemory { through_caches, past_caches };
 
 /// Draws `count` pixels of one row. `next` is the row that is drawn after this one, `row` itself when there
 /// is none: its beginning is fetched in time.
-void DrawRow(const DrawnRow& row, std::int32_t count, const DrawnRow& next, FrameMemory memory);
+void draw_row(const DrawnRow& row, std::int32_t count, const DrawnRow& next, FrameMemory memory);

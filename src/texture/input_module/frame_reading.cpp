@@ -23,37 +23,43 @@ constexpr std::int64_t kBytesPerPixel = 6;
 
 // The record's address behind a handle, looked up with one lock that is given back at once. Deliberately used
 // without the lock afterwards: the record lives as long as the in-spec, and the host does not move it.
-A_Err LookUpRecord(AEGP_SuiteHandler& suites, AEGP_MemHandle handle, void** record) {
+A_Err look_up_record(AEGP_SuiteHandler& suites, AEGP_MemHandle handle, void** record) {
     A_Err err = suites.MemorySuite1()->AEGP_LockMemHandle(handle, record);
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         err = suites.MemorySuite1()->AEGP_UnlockMemHandle(handle);
-    if (err == kHostErrorNone && *record == nullptr)
+    }
+    if (err == kHostErrorNone && *record == nullptr) {
         err = kHostErrorGeneric;
+    }
     return err;
 }
 
 // Makes the record in a fresh handle of its own. The memory comes cleared, but a record is more than zero
 // bytes: its picture has a constructor, which runs here.
-A_Err MakeRecord(AEGP_SuiteHandler& suites, AEGP_MemHandle* handle, tagTexalonHeader** record) {
+A_Err make_record(AEGP_SuiteHandler& suites, AEGP_MemHandle* handle, tagTexalonHeader** record) {
     A_Err err = suites.MemorySuite1()->AEGP_NewMemHandle(g_PluginID, "optionsH", sizeof(tagTexalonHeader),
                                                          kMemFlagClear, handle);
-    if (err == kHostErrorNone && *handle == nullptr)
+    if (err == kHostErrorNone && *handle == nullptr) {
         err = kHostErrorGeneric;
+    }
     void* address = nullptr;
-    if (err == kHostErrorNone)
-        err = LookUpRecord(suites, *handle, &address);
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
+        err = look_up_record(suites, *handle, &address);
+    }
+    if (err == kHostErrorNone) {
         *record = new (address) tagTexalonHeader;
+    }
     return err;
 }
 
 // Gives back the picture of the record, then the handle. The picture is emptied rather than ended: if the
 // host cannot free the handle and comes back with it, there is still a record in it, with nothing to draw.
-A_Err FreeRecord(AEGP_SuiteHandler& suites, AEGP_MemHandle handle) {
+A_Err free_record(AEGP_SuiteHandler& suites, AEGP_MemHandle handle) {
     void* record = nullptr;
     if (suites.MemorySuite1()->AEGP_LockMemHandle(handle, &record) == kHostErrorNone) {
-        if (record != nullptr)
+        if (record != nullptr) {
             static_cast<tagTexalonHeader*>(record)->bitmap.Destroy();
+        }
         suites.MemorySuite1()->AEGP_UnlockMemHandle(handle);
     }
     return suites.MemorySuite1()->AEGP_FreeMemHandle(handle);
@@ -67,34 +73,36 @@ class UnattachedPicture {
     UnattachedPicture(const UnattachedPicture&) = delete;
     UnattachedPicture& operator=(const UnattachedPicture&) = delete;
     ~UnattachedPicture() {
-        if (picture_ != nullptr)
+        if (picture_ != nullptr) {
             picture_->Destroy();
+        }
     }
-    void Attached() { picture_ = nullptr; }
+    void release() { picture_ = nullptr; }
 
   private:
     BaseBitmap* picture_;
 };
 
 // The record that was attached before is this module's too, so it goes the way of a disposed one.
-A_Err AttachRecord(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, AEGP_MemHandle handle,
-                   UnattachedPicture* picture) {
+A_Err attach_record(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, AEGP_MemHandle handle,
+                    UnattachedPicture* picture) {
     void* old_handle = nullptr;
     const A_Err err = suites.IOInSuite1()->AEGP_SetInSpecOptionsHandle(spec, handle, &old_handle);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
-    picture->Attached();
+    }
+    picture->release();
     return old_handle == nullptr ? kHostErrorNone
-                                 : FreeRecord(suites, static_cast<AEGP_MemHandle>(old_handle));
+                                 : free_record(suites, static_cast<AEGP_MemHandle>(old_handle));
 }
 
-A_long ClampedSize_bytes(const tagTexalonHeader& header) {
+A_long clamped_size_bytes(const tagTexalonHeader& header) {
     // A picture has at most 2^30 pixels, which is far from the end of 64 bits, but not of 32.
     const std::int64_t size_bytes = std::int64_t{header.width} * header.height * kBytesPerPixel;
     return static_cast<A_long>(std::min<std::int64_t>(size_bytes, std::numeric_limits<A_long>::max()));
 }
 
-A_Err SetAlphaLabel(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec) {
+A_Err set_alpha_label(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec) {
     AEIO_AlphaLabel label = {};
     label.version = 0x0101;
     label.flags = 1;
@@ -102,61 +110,72 @@ A_Err SetAlphaLabel(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec) {
     return in_suite.AEGP_SetInSpecAlphaLabel(spec, &label);
 }
 
-A_Err DescribeFootage(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec, const tagTexalonHeader& header) {
+A_Err describe_footage(const AEGP_IOInSuite1& in_suite, AEIO_InSpecH spec, const tagTexalonHeader& header) {
     A_Err err = in_suite.AEGP_SetInSpecDepth(spec, static_cast<A_short>(header.depth));
     if (err == kHostErrorNone) {
         const A_Time still = {0, kTimeScale};
         err = in_suite.AEGP_SetInSpecDuration(spec, &still);
     }
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         err = in_suite.AEGP_SetInSpecDimensions(spec, header.width, header.height);
-    if (err == kHostErrorNone)
-        err = in_suite.AEGP_SetInSpecSize(spec, ClampedSize_bytes(header));
-    if (err == kHostErrorNone)
+    }
+    if (err == kHostErrorNone) {
+        err = in_suite.AEGP_SetInSpecSize(spec, clamped_size_bytes(header));
+    }
+    if (err == kHostErrorNone) {
         err = in_suite.AEGP_SetInSpecNativeFPS(spec, kNativeFramesPerSecond);
-    if (err == kHostErrorNone && version55 && header.depth == kDepthWithAlpha)
-        err = SetAlphaLabel(in_suite, spec);
+    }
+    if (err == kHostErrorNone && version55 && header.depth == kDepthWithAlpha) {
+        err = set_alpha_label(in_suite, spec);
+    }
     return err;
 }
 
-A_Err ReadIntoInSpec(AEGP_SuiteHandler& suites, AEIO_BasicData* basic, const A_char* path,
-                     AEIO_InSpecH spec) {
+A_Err read_into_in_spec(AEGP_SuiteHandler& suites, AEIO_BasicData* basic, const A_char* path,
+                        AEIO_InSpecH spec) {
     AEGP_MemHandle handle = nullptr;
     tagTexalonHeader* header = nullptr;
-    A_Err err = MakeRecord(suites, &handle, &header);
-    if (err != kHostErrorNone)
+    A_Err err = make_record(suites, &handle, &header);
+    if (err != kHostErrorNone) {
         return err;
+    }
     UnattachedPicture picture(&header->bitmap);
     err = ReadFileHeader(basic, header, path);
-    if (err == kHostErrorNone)
-        err = AttachRecord(suites, spec, handle, &picture);
-    if (err == kHostErrorNone)
-        err = DescribeFootage(*suites.IOInSuite1(), spec, *header);
+    if (err == kHostErrorNone) {
+        err = attach_record(suites, spec, handle, &picture);
+    }
+    if (err == kHostErrorNone) {
+        err = describe_footage(*suites.IOInSuite1(), spec, *header);
+    }
     return err;
 }
 
-A_Err DrawInSpec(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, const PF_LayerDef* world) {
+A_Err draw_in_spec(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, const PF_LayerDef* world) {
     void* handle = nullptr;
     A_Err err = suites.IOInSuite1()->AEGP_GetInSpecOptionsHandle(spec, &handle);
-    if (err != kHostErrorNone || handle == nullptr)
+    if (err != kHostErrorNone || handle == nullptr) {
         return err;
+    }
     void* record = nullptr;
-    err = LookUpRecord(suites, static_cast<AEGP_MemHandle>(handle), &record);
-    if (err != kHostErrorNone)
+    err = look_up_record(suites, static_cast<AEGP_MemHandle>(handle), &record);
+    if (err != kHostErrorNone) {
         return err;
-    if (world == nullptr || world->data == nullptr)
+    }
+    if (world == nullptr || world->data == nullptr) {
         return kHostErrorParameter;
-    DrawPicture(static_cast<const tagTexalonHeader*>(record)->bitmap, *world);
+    }
+    draw_picture(static_cast<const tagTexalonHeader*>(record)->bitmap, *world);
     return kHostErrorNone;
 }
 
 // The path as the record keeps it.
-using KeptPath = std::array<A_char, sizeof(tagTexalonHeader::path)>;
+using TruncatedPath = std::array<A_char, sizeof(tagTexalonHeader::path)>;
 
-KeptPath CutPath(const A_char* path) {
-    KeptPath kept = {};
-    for (std::size_t i = 0; i + 1 < kept.size() && path[i] != 0; ++i)
+TruncatedPath truncated_path(const A_char* path) {
+    TruncatedPath kept = {};
+    for (std::size_t i = 0; i + 1 < kept.size() && path[i] != 0; ++i) {
         kept[i] = path[i];
+    }
     return kept;
 }
 
@@ -165,8 +184,8 @@ KeptPath CutPath(const A_char* path) {
 A_Err ReadFileHeader(AEIO_BasicData* basic, tagTexalonHeader* header, const A_char* path) {
     AEGP_SuiteHandler suites(basic->basic_suite);
     // The host's string copy knows no length, so it is given no more than fits.
-    const KeptPath kept_path = CutPath(path);
-    suites.ANSISuite1()->strcpy(header->path, kept_path.data());
+    const TruncatedPath truncated = truncated_path(path);
+    suites.ANSISuite1()->strcpy(header->path, truncated.data());
 
     TXLImageFilter filter;
     ExampleTXLImage image(&header->bitmap);
@@ -183,18 +202,20 @@ A_Err ReadFileHeader(AEIO_BasicData* basic, tagTexalonHeader* header, const A_ch
 
 A_Err InitInSpecFromFile(AEIO_BasicData* basic, const A_char* path, AEIO_InSpecH spec) {
     AEGP_SuiteHandler suites(basic->basic_suite);
-    const A_Err err = ReadIntoInSpec(suites, basic, path, spec);
-    if (err != kHostErrorNone)
+    const A_Err err = read_into_in_spec(suites, basic, path, spec);
+    if (err != kHostErrorNone) {
         suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_loading_file);
+    }
     return err;
 }
 
 A_Err My_DrawSparseFrame(AEIO_BasicData* basic, AEIO_InSpecH spec, const AEIO_DrawSparseFramePB* /*request*/,
                          PF_LayerDef* world, AEIO_DrawingFlags* /*flags*/) {
     AEGP_SuiteHandler suites(basic->basic_suite);
-    const A_Err err = DrawInSpec(suites, spec, world);
-    if (err != kHostErrorNone)
+    const A_Err err = draw_in_spec(suites, spec, world);
+    if (err != kHostErrorNone) {
         suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_Drawing_frame);
+    }
     return err;
 }
 
@@ -202,7 +223,8 @@ A_Err My_DisposeInSpec(AEIO_BasicData* basic, AEIO_InSpecH spec) {
     AEGP_SuiteHandler suites(basic->basic_suite);
     void* handle = nullptr;
     const A_Err err = suites.IOInSuite1()->AEGP_GetInSpecOptionsHandle(spec, &handle);
-    if (err != kHostErrorNone || handle == nullptr)
+    if (err != kHostErrorNone || handle == nullptr) {
         return err;
-    return FreeRecord(suites, static_cast<AEGP_MemHandle>(handle));
+    }
+    return free_record(suites, static_cast<AEGP_MemHandle>(handle));
 }

@@ -8,18 +8,18 @@
 
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
-#include "texture/input_module/module_info.h"
+#include "texture/input_module/registration.h"
 
 namespace {
 
 // Writes the text, cut where the field ends, and its terminator; the rest of the field is left alone.
 template <std::size_t N>
-void SetText(A_char (&field)[N], std::string_view text) {
+void set_text(A_char (&field)[N], std::string_view text) {
     const std::string_view kept = text.substr(0, N - 1);
     *std::copy(kept.begin(), kept.end(), field) = 0;
 }
 
-std::string_view NameInPath(std::string_view path) {
+std::string_view name_in_path(std::string_view path) {
     const std::size_t backslash = path.rfind('\\');
     return backslash == std::string_view::npos ? "???" : path.substr(backslash + 1);
 }
@@ -35,9 +35,9 @@ A_Err My_GetOutputInfo(AEIO_BasicData* basic, AEIO_OutSpecH spec, AEIO_Verbiage*
         return err;
     }
     path.back() = 0;
-    SetText(verbiage->name, NameInPath(path.data()));
-    SetText(verbiage->type, kModuleName);
-    SetText(verbiage->sub_type, kModuleName);
+    set_text(verbiage->name, name_in_path(path.data()));
+    set_text(verbiage->type, kModuleName);
+    set_text(verbiage->sub_type, kModuleName);
     return kHostErrorNone;
 }
 

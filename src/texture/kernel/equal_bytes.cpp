@@ -1,39 +1,42 @@
 #include "texture/kernel/equal_bytes.h"
 
-#include "texture/file/little_endian.h"
+#include "texture/file/byte_order.h"
 
 namespace {
 
 /// Eight bytes that are 0 or 1 as eight bits, the first byte's the lowest.
-std::uint64_t Bits(const unsigned char* bytes) {
+std::uint64_t eight_bits(const unsigned char* bytes) {
     // The factor moves the bit of byte i to bit 56 + i; no two of the other products meet, so nothing
     // carries.
-    return (LoadLittle<std::uint64_t>(bytes) * 0x0102040810204080U) >> 56;
+    return (load_little_endian<std::uint64_t>(bytes) * 0x0102040810204080U) >> 56;
 }
 
 /// The same of 64 bytes. Flat rows have only ones and noise has next to none, which is seen sooner.
-std::uint64_t WordOfBits(const unsigned char* bytes) {
+std::uint64_t word_of_bits(const unsigned char* bytes) {
     constexpr std::uint64_t kOnes = 0x0101010101010101U;
     std::uint64_t any = 0;
     std::uint64_t all = kOnes;
     for (std::int64_t part = 0; part < 8; ++part) {
-        const auto eight = LoadLittle<std::uint64_t>(bytes + 8 * part);
+        const auto eight = load_little_endian<std::uint64_t>(bytes + 8 * part);
         any |= eight;
         all &= eight;
     }
-    if (any == 0)
+    if (any == 0) {
         return 0;
-    if (all == kOnes)
+    }
+    if (all == kOnes) {
         return ~std::uint64_t{0};
+    }
     std::uint64_t bits = 0;
-    for (std::int64_t part = 0; part < 8; ++part)
-        bits |= Bits(bytes + 8 * part) << (8 * part);
+    for (std::int64_t part = 0; part < 8; ++part) {
+        bits |= eight_bits(bytes + 8 * part) << (8 * part);
+    }
     return bits;
 }
 
 }  // namespace
 
-void EqualBytes::LookAtBlock(std::int64_t word) {
+void EqualBytes::scan_block(std::int64_t word) {
     const std::int64_t block = word / kBlockWords;
     const std::int64_t first = block * kBlockPlaces;
     // The last two places have no two bytes behind them.
@@ -50,7 +53,8 @@ void EqualBytes::LookAtBlock(std::int64_t word) {
         even[i] = static_cast<unsigned char>(next & next_but_one);
     }
     std::fill(even + places, even + kBlockPlaces, static_cast<unsigned char>(0));
-    for (std::int64_t i = 0; i < kBlockWords; ++i)
-        words[i] = WordOfBits(even + kWordPlaces * i);
+    for (std::int64_t i = 0; i < kBlockWords; ++i) {
+        words[i] = word_of_bits(even + kWordPlaces * i);
+    }
     block_end_ = (block + 1) * kBlockWords;
 }

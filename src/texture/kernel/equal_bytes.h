@@ -17,13 +17,13 @@ class EqualBytes {
 
     /// The first even place from `place` on; the end of the bytes when there is none. Never asked for a place
     /// before one that it has given.
-    [[nodiscard]] std::int64_t NextEven(std::int64_t place) {
-        return Find(place, count_, [](std::uint64_t word) { return word; });
+    [[nodiscard]] std::int64_t next_even(std::int64_t place) {
+        return find(place, count_, [](std::uint64_t word) { return word; });
     }
 
     /// The first place from `place` on that is not even, `limit` at most.
-    [[nodiscard]] std::int64_t NextUneven(std::int64_t place, std::int64_t limit) {
-        return Find(place, limit, [](std::uint64_t word) { return ~word; });
+    [[nodiscard]] std::int64_t next_uneven(std::int64_t place, std::int64_t limit) {
+        return find(place, limit, [](std::uint64_t word) { return ~word; });
     }
 
   private:
@@ -32,23 +32,25 @@ class EqualBytes {
     static constexpr std::int64_t kBlockPlaces = kWordPlaces * kBlockWords;
 
     template <typename Wanted>
-    [[nodiscard]] std::int64_t Find(std::int64_t place, std::int64_t limit, Wanted wanted) {
+    [[nodiscard]] std::int64_t find(std::int64_t place, std::int64_t limit, Wanted wanted) {
         std::uint64_t mask = ~std::uint64_t{0} << (place % kWordPlaces);
         for (std::int64_t word = place / kWordPlaces; word * kWordPlaces < limit; ++word) {
-            if (const std::uint64_t found = wanted(Word(word)) & mask; found != 0)
+            if (const std::uint64_t found = wanted(word_at(word)) & mask; found != 0) {
                 return std::min(word * kWordPlaces + std::countr_zero(found), limit);
+            }
             mask = ~std::uint64_t{0};
         }
         return limit;
     }
 
-    [[nodiscard]] std::uint64_t Word(std::int64_t word) {
-        if (word >= block_end_)
-            LookAtBlock(word);
+    [[nodiscard]] std::uint64_t word_at(std::int64_t word) {
+        if (word >= block_end_) {
+            scan_block(word);
+        }
         return words_.data()[word % kBlockWords];
     }
 
-    void LookAtBlock(std::int64_t word);
+    void scan_block(std::int64_t word);
 
     const unsigned char* src_;
     std::int64_t count_;

@@ -3,7 +3,7 @@
 #include <bit>
 #include <cstring>
 
-#include "texture/kernel/planes16.h"
+#include "texture/kernel/planes.h"
 
 namespace {
 
@@ -11,7 +11,7 @@ constexpr std::int64_t kPixelsAtOnce = 16;  // pixels
 
 // Four pixels of four bytes, of which the last is no one's, to twelve bytes: pairs become six bytes each, and
 // each is stored with two bytes behind it, which belong to what is stored next.
-[[gnu::always_inline]] inline void StoreFour(Bytes16 four, unsigned char* pixels) {
+[[gnu::always_inline]] inline void store_four(u8x16 four, unsigned char* pixels) {
     using Words [[gnu::vector_size(16)]] = std::uint64_t;
     const auto words = std::bit_cast<Words>(four);
     const Words pairs = (words & 0xFFFFFF) | (words >> 8 & 0xFFFFFF000000);
@@ -23,23 +23,23 @@ constexpr std::int64_t kPixelsAtOnce = 16;  // pixels
 
 }  // namespace
 
-void JoinPlanes(const unsigned char* first, const unsigned char* second, const unsigned char* third,
-                std::int64_t count, unsigned char* pixels) {
+void join_planes(const unsigned char* first, const unsigned char* second, const unsigned char* third,
+                 std::int64_t count, unsigned char* pixels) {
     std::int64_t i = 0;
     if constexpr (std::endian::native == std::endian::little) {
         // One pixel more must follow: two bytes behind the last one are stored as well.
         for (; i + kPixelsAtOnce < count; i += kPixelsAtOnce) {
-            const Bytes16 a = LoadBytes16(first + i);
-            const Bytes16 b = LoadBytes16(second + i);
-            const Bytes16 c = LoadBytes16(third + i);
-            const Bytes16 low = ZipLow(a, b);
-            const Bytes16 high = ZipHigh(a, b);
-            const Bytes16 third_low = ZipLow(c, c);
-            const Bytes16 third_high = ZipHigh(c, c);
-            StoreFour(ZipPairsLow(low, third_low), pixels + 3 * i);
-            StoreFour(ZipPairsHigh(low, third_low), pixels + 3 * i + 12);
-            StoreFour(ZipPairsLow(high, third_high), pixels + 3 * i + 24);
-            StoreFour(ZipPairsHigh(high, third_high), pixels + 3 * i + 36);
+            const u8x16 a = load_u8x16(first + i);
+            const u8x16 b = load_u8x16(second + i);
+            const u8x16 c = load_u8x16(third + i);
+            const u8x16 low = zip_low(a, b);
+            const u8x16 high = zip_high(a, b);
+            const u8x16 third_low = zip_low(c, c);
+            const u8x16 third_high = zip_high(c, c);
+            store_four(zip_pairs_low(low, third_low), pixels + 3 * i);
+            store_four(zip_pairs_high(low, third_low), pixels + 3 * i + 12);
+            store_four(zip_pairs_low(high, third_high), pixels + 3 * i + 24);
+            store_four(zip_pairs_high(high, third_high), pixels + 3 * i + 36);
         }
     }
     for (; i < count; ++i) {
@@ -49,16 +49,15 @@ void JoinPlanes(const unsigned char* first, const unsigned char* second, const u
     }
 }
 
-void SplitPixels(const unsigned char* pixels, std::int64_t count, unsigned char* first, unsigned char* second,
-                 unsigned char* third) {
+void split_pixels(const unsigned char* pixels, std::int64_t count, unsigned char* first,
+                  unsigned char* second, unsigned char* third) {
     std::int64_t i = 0;
     for (; i + kPixelsAtOnce <= count; i += kPixelsAtOnce) {
         const unsigned char* const place = pixels + 3 * i;
-        const Pixels16 planes =
-            Split16({LoadBytes16(place), LoadBytes16(place + 16), LoadBytes16(place + 32)});
-        StoreBytes16(planes.first, first + i);
-        StoreBytes16(planes.second, second + i);
-        StoreBytes16(planes.third, third + i);
+        const Pixels16 planes = split_16({load_u8x16(place), load_u8x16(place + 16), load_u8x16(place + 32)});
+        store_u8x16(planes.first, first + i);
+        store_u8x16(planes.second, second + i);
+        store_u8x16(planes.third, third + i);
     }
     for (; i < count; ++i) {
         first[i] = pixels[3 * i];

@@ -20,9 +20,10 @@ constexpr std::uint64_t kEachByte = 0x0101010101010101;  // times a byte: eight 
 
 // `length` bytes, rounded up to pieces of kShort. Packets are too short for a call, and what compilers put in
 // its place for a length that they know to be small is slower than the call.
-void MovePieces(const unsigned char* src, unsigned char* dst, std::int64_t length) {
-    for (std::int64_t i = 0; i < length; i += kShort)
+void move_pieces(const unsigned char* src, unsigned char* dst, std::int64_t length) {
+    for (std::int64_t i = 0; i < length; i += kShort) {
         std::memcpy(dst + i, src + i, kShort);
+    }
 }
 
 // The coded side of the encoder. The control byte of a packet is only known when the packet is complete, so
@@ -31,15 +32,17 @@ class PacketWriter {
   public:
     PacketWriter(unsigned char* dst, std::int64_t capacity_bytes) : dst_(dst), capacity_(capacity_bytes) {}
 
-    [[nodiscard]] bool AddRun(unsigned char value, std::int64_t count) {
+    [[nodiscard]] bool add_run(unsigned char value, std::int64_t count) {
         if (literal_pending_) {
-            if (Full())
+            if (full()) {
                 return false;
+            }
             control_ = position_++;
             literal_pending_ = false;
         }
-        if (Full())
+        if (full()) {
             return false;
+        }
         dst_[control_] = static_cast<unsigned char>(1 - count);
         dst_[position_] = value;
         // Reserved without a test of the capacity: when nothing follows the byte is given back, and when
@@ -51,37 +54,41 @@ class PacketWriter {
 
     // The `length` bytes at `src`, up to the next run or the end of the row; `readable` bytes may be read
     // there.
-    [[nodiscard]] bool AddLiteral(const unsigned char* src, std::int64_t length, std::int64_t readable) {
+    [[nodiscard]] bool add_literal(const unsigned char* src, std::int64_t length, std::int64_t readable) {
         for (; length >= kLongestPacket; length -= kLongestPacket, src += kLongestPacket) {
             // Deliberately fails without room for the next control byte even if no input is left.
-            if (position_ + kLongestPacket >= capacity_)
+            if (position_ + kLongestPacket >= capacity_) {
                 return false;
-            MovePieces(src, dst_ + position_, kLongestPacket);
+            }
+            move_pieces(src, dst_ + position_, kLongestPacket);
             dst_[control_] = static_cast<unsigned char>(kLongestPacket - 1);
             control_ = position_ + kLongestPacket;
             position_ = control_ + 1;
             readable -= kLongestPacket;
         }
-        if (length == 0)
+        if (length == 0) {
             return true;
-        if (position_ + length > capacity_)
+        }
+        if (position_ + length > capacity_) {
             return false;
-        if (length <= kShortLiteral && readable >= kShortLiteral && position_ + kShortLiteral <= capacity_)
+        }
+        if (length <= kShortLiteral && readable >= kShortLiteral && position_ + kShortLiteral <= capacity_) {
             std::memcpy(dst_ + position_, src, kShortLiteral);
-        else
+        } else {
             std::memcpy(dst_ + position_, src, static_cast<std::size_t>(length));
+        }
         dst_[control_] = static_cast<unsigned char>(length - 1);
         position_ += length;
         literal_pending_ = true;
         return true;
     }
 
-    [[nodiscard]] std::int32_t Finish() const {
+    [[nodiscard]] std::int32_t finish() const {
         return static_cast<std::int32_t>(literal_pending_ ? position_ : position_ - 1);
     }
 
   private:
-    [[nodiscard]] bool Full() const { return position_ >= capacity_; }
+    [[nodiscard]] bool full() const { return position_ >= capacity_; }
 
     unsigned char* dst_;
     std::int64_t capacity_;
@@ -101,7 +108,7 @@ struct Progress {
 // Packets while there is so much room on both sides that they may be moved in pieces of kShort bytes: what is
 // too many is written over by the packets that follow. Stops before the first packet for which that is not
 // so.
-void DecodeWithRoom(Progress& at) {
+void decode_with_room(Progress& at) {
     const unsigned char* src = at.src;
     unsigned char* dst = at.dst;
     const unsigned char* const src_end = src + at.in;
@@ -128,10 +135,11 @@ void DecodeWithRoom(Progress& at) {
         } else if (run && dst_end - dst >= kLongestPacket) {
             const std::uint64_t value = src[1] * kEachByte;
             const std::uint64_t bytes[2] = {value, value};
-            for (std::int64_t i = 0; i < length; i += kShort)
+            for (std::int64_t i = 0; i < length; i += kShort) {
                 std::memcpy(dst + i, bytes, sizeof bytes);
+            }
         } else if (!run && dst_end - dst >= kLongestPacket && src_end - src > kLongestPacket) {
-            MovePieces(src + 1, dst, length);
+            move_pieces(src + 1, dst, length);
         } else {
             break;
         }
@@ -142,11 +150,12 @@ void DecodeWithRoom(Progress& at) {
 }
 
 // One packet, byte for byte. `behind` is taken for the byte behind the input.
-void DecodePacket(Progress& at, unsigned char behind) {
+void decode_packet(Progress& at, unsigned char behind) {
     const unsigned char control = *at.src++;
     --at.in;
-    if (control == kNoOperation)
+    if (control == kNoOperation) {
         return;
+    }
     std::int64_t length = 0;
     if (control > kNoOperation) {
         // Deliberately no test that the value byte lies inside the input: at its end the byte behind it is
@@ -166,45 +175,51 @@ void DecodePacket(Progress& at, unsigned char behind) {
     at.out -= length;
 }
 
-bool Decode(Progress at, unsigned char behind) {
+bool decode(Progress at, unsigned char behind) {
     while (at.out > 0 && at.in > 0) {
-        DecodeWithRoom(at);
-        if (at.out > 0 && at.in > 0)
-            DecodePacket(at, behind);
+        decode_with_room(at);
+        if (at.out > 0 && at.in > 0) {
+            decode_packet(at, behind);
+        }
     }
     return at.out <= 0 && at.in <= 0;
 }
 
 }  // namespace
 
-std::int32_t PackBitsEncode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
-                            std::int32_t dstLen) {
-    if (srcLen <= 0)
+std::int32_t pack_bits_encode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                              std::int32_t dstLen) {
+    if (srcLen <= 0) {
         return 0;
+    }
     PacketWriter writer(dst, dstLen);
     EqualBytes equal(src, srcLen);
     std::int64_t place = 0;
     while (place < srcLen) {
-        const std::int64_t run = equal.NextEven(place);
-        if (run > place && !writer.AddLiteral(src + place, run - place, srcLen - place))
+        const std::int64_t run = equal.next_even(place);
+        if (run > place && !writer.add_literal(src + place, run - place, srcLen - place)) {
             return 0;
+        }
         place = run;
-        if (place == srcLen)
+        if (place == srcLen) {
             break;
+        }
         // An even place has two equal bytes behind it, which belong to the run as well.
         const std::int64_t longest = std::min<std::int64_t>(run + kLongestPacket, srcLen);
-        place = equal.NextUneven(run, longest - 2) + 2;
-        if (!writer.AddRun(src[run], place - run))
+        place = equal.next_uneven(run, longest - 2) + 2;
+        if (!writer.add_run(src[run], place - run)) {
             return 0;
+        }
     }
-    return writer.Finish();
+    return writer.finish();
 }
 
-bool PackBitsDecode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst, std::int32_t dstLen) {
-    return Decode({src, dst, srcLen, dstLen}, srcLen > 0 && dstLen > 0 ? src[srcLen] : kNothing);
+bool pack_bits_decode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                      std::int32_t dstLen) {
+    return decode({src, dst, srcLen, dstLen}, srcLen > 0 && dstLen > 0 ? src[srcLen] : kNothing);
 }
 
-bool PackBitsDecodeBlock(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
-                         std::int32_t dstLen) {
-    return Decode({src, dst, srcLen, dstLen}, kNothing);
+bool pack_bits_decode_block(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                            std::int32_t dstLen) {
+    return decode({src, dst, srcLen, dstLen}, kNothing);
 }

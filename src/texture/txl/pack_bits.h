@@ -14,8 +14,8 @@
 /// `dst` is too small, after which the contents of `dst` are undefined. Deliberately a literal of 128 bytes
 /// needs one byte more of room than it fills: the control byte of the packet after it is reserved at once,
 /// even if nothing follows.
-[[nodiscard]] std::int32_t PackBitsEncode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
-                                          std::int32_t dstLen);
+[[nodiscard]] std::int32_t pack_bits_encode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                                            std::int32_t dstLen);
 
 /// Decodes the `srcLen` bytes at `src` into exactly `dstLen` bytes at `dst`.
 /// Precondition: when `srcLen` is positive, one byte after the input, `src[srcLen]`, is readable.
@@ -23,10 +23,10 @@
 /// using the input up. Returns true exactly when the output was filled and the input was used up at the same
 /// moment. Bytes left over make it false, even if they would decode to nothing. A packet that is longer than
 /// the room left is cut, which alone is not a failure. On failure the contents of `dst` are undefined.
-[[nodiscard]] bool PackBitsDecode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
-                                  std::int32_t dstLen);
+[[nodiscard]] bool pack_bits_decode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                                    std::int32_t dstLen);
 
 /// The same for input behind which nothing belongs to the caller: a 0 is taken for the byte behind it, which
 /// is not read.
-[[nodiscard]] bool PackBitsDecodeBlock(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
-                                       std::int32_t dstLen);
+[[nodiscard]] bool pack_bits_decode_block(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
+                                          std::int32_t dstLen);

@@ -18,7 +18,7 @@ constexpr std::int32_t kJoinedChannels = 3;
 
 MemBlock zeroed(std::int64_t size_bytes) {
     // Null means that there is no memory, and the C library may answer a request for nothing with null.
-    return MemBlock(static_cast<unsigned char*>(MemAllocZeroed(std::max<std::int64_t>(size_bytes, 1))));
+    return MemBlock(static_cast<unsigned char*>(allocate_zeroed(std::max<std::int64_t>(size_bytes, 1))));
 }
 
 int no_memory(PrivateHyperFile* hf, std::int64_t row_bytes) {
@@ -35,7 +35,7 @@ int too_wide(PrivateHyperFile* hf, std::int64_t row_bytes) {
 
 }  // namespace
 
-int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header) {
+int read_pixel_rows_header(PrivateHyperFile* hf, PixelRowsHeader* header) {
     hf->ReadLong(&header->x);
     hf->ReadLong(&header->y);
     hf->ReadLong(&header->count);
@@ -50,7 +50,7 @@ int ReadPixelRowsHeader(PrivateHyperFile* hf, PixelRowsHeader* header) {
     return 1;
 }
 
-bool PixelRowReader::Begin() {
+bool PixelRowReader::begin() {
     const std::int32_t count = header_.count;
     const std::int32_t rows = header_.rows;
     const std::int32_t channels = header_.channels;
@@ -80,24 +80,24 @@ bool PixelRowReader::Begin() {
     return (row_ != nullptr && planes_ != nullptr) || no_memory(hf_, row_bytes) != 0;
 }
 
-bool PixelRowReader::Next() {
-    if (rows_read_ >= header_.rows || header_.channels < 1 || !CountRow()) {
+bool PixelRowReader::next() {
+    if (rows_read_ >= header_.rows || header_.channels < 1 || !count_row()) {
         return false;
     }
     for (std::int32_t channel = 0; channel < header_.channels; ++channel) {
-        if (!ReadChannel(channel)) {
+        if (!read_channel(channel)) {
             return false;
         }
     }
     if (header_.channels == kJoinedChannels) {
-        JoinPlanes(plane(0), plane(1), plane(2), header_.count, row_.get());
+        join_planes(plane(0), plane(1), plane(2), header_.count, row_.get());
     }
     ++rows_read_;
     return true;
 }
 
 // Sound rows never come near the bound: what they give is at most the best rate.
-bool PixelRowReader::CountRow() {
+bool PixelRowReader::count_row() {
     const std::int64_t most = limits::kRowRate.value * hf_->GetLength() + limits::kRepairedBytes.value;
     file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
     return file_row_bytes_ <= most || hf_->Fail(limits::kRepairedBytes, TextureFault::over_limit, [&] {
@@ -124,21 +124,21 @@ unsigned char* PixelRowReader::plane(std::int32_t channel) const {
     return planes_.get() + (header_.channels == kJoinedChannels ? std::int64_t{header_.count} * channel : 0);
 }
 
-bool PixelRowReader::ReadChannel(std::int32_t channel) {
+bool PixelRowReader::read_channel(std::int32_t channel) {
     std::uint8_t flag = 0;
     const unsigned char* block = nullptr;
     std::int32_t byte_count = 0;
     if (hf_->ReadUChar(&flag) == 0 || hf_->ReadMemoryInPlace(&block, &byte_count) == 0) {
         return false;
     }
-    const RowOutcome outcome = Decode(flag, block, byte_count, plane(channel));
+    const RowOutcome outcome = decode(flag, block, byte_count, plane(channel));
     if (outcome == RowOutcome::unknown_flag) {
         // Deliberately nothing: the channel keeps the bytes of the row before.
         if (header_.channels == kJoinedChannels) {
-            TakeChannel(channel);
+            take_channel(channel);
         }
     } else if (header_.channels != 1 && header_.channels != kJoinedChannels) {
-        StoreChannel(channel);
+        store_channel(channel);
     }
     if (TextureObserver* observer = hf_->GetObserver(); observer != nullptr) {
         observer->Row({header_.y + rows_read_, channel, flag, outcome, byte_count, hf_->GetItemOffset()});
@@ -146,7 +146,7 @@ bool PixelRowReader::ReadChannel(std::int32_t channel) {
     return true;
 }
 
-RowOutcome PixelRowReader::Decode(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
+RowOutcome PixelRowReader::decode(std::uint8_t flag, const unsigned char* block, std::int32_t byte_count,
                                   unsigned char* plane) const {
     const std::int32_t count = header_.count;
     if (flag == kRowRaw) {
@@ -158,7 +158,7 @@ RowOutcome PixelRowReader::Decode(std::uint8_t flag, const unsigned char* block,
         return RowOutcome::raw;
     }
     if (flag == kRowPacked) {
-        if (!PackBitsDecodeBlock(block, byte_count, plane, count)) {
+        if (!pack_bits_decode_block(block, byte_count, plane, count)) {
             std::fill_n(plane, count, static_cast<unsigned char>(0));
             return RowOutcome::packed_bad;
         }
@@ -167,7 +167,7 @@ RowOutcome PixelRowReader::Decode(std::uint8_t flag, const unsigned char* block,
     return RowOutcome::unknown_flag;
 }
 
-void PixelRowReader::StoreChannel(std::int32_t channel) {
+void PixelRowReader::store_channel(std::int32_t channel) {
     const unsigned char* source = plane(channel);
     unsigned char* target = row_.get() + channel;
     for (std::int32_t i = 0; i < header_.count; ++i, target += header_.channels) {
@@ -175,7 +175,7 @@ void PixelRowReader::StoreChannel(std::int32_t channel) {
     }
 }
 
-void PixelRowReader::TakeChannel(std::int32_t channel) {
+void PixelRowReader::take_channel(std::int32_t channel) {
     unsigned char* target = plane(channel);
     const unsigned char* source = row_.get() + channel;
     for (std::int32_t i = 0; i < header_.count; ++i, source += header_.channels) {
@@ -183,7 +183,7 @@ void PixelRowReader::TakeChannel(std::int32_t channel) {
     }
 }
 
-bool PixelRowWriter::Begin() {
+bool PixelRowWriter::begin() {
     const std::int64_t row_bytes = std::int64_t{width_} * channels_;
     if (row_bytes > limits::kRowBytes.value) {
         return too_wide(hf_, row_bytes) != 0;
@@ -194,22 +194,22 @@ bool PixelRowWriter::Begin() {
     return (row_ != nullptr && planes_ != nullptr && packed_ != nullptr) || no_memory(hf_, row_bytes) != 0;
 }
 
-bool PixelRowWriter::WriteRow() {
+bool PixelRowWriter::write_row() {
     if (channels_ == 1) {
-        return WriteChannel(row_.get());
+        return write_channel(row_.get());
     }
     unsigned char* const first = planes_.get();
     unsigned char* const second = first + width_;
     unsigned char* const third = second + width_;
-    SplitPixels(row_.get(), width_, first, second, third);
-    return WriteChannel(first) && WriteChannel(second) && WriteChannel(third);
+    split_pixels(row_.get(), width_, first, second, third);
+    return write_channel(first) && write_channel(second) && write_channel(third);
 }
 
-bool PixelRowWriter::WriteChannel(const unsigned char* plane) {
+bool PixelRowWriter::write_channel(const unsigned char* plane) {
     // 2^31 - 1 is enough room for a row near the limit too: packed rows are longer by 1 in 128 at most.
     const auto capacity = static_cast<std::int32_t>(
         std::min<std::int64_t>(std::int64_t{2} * width_, std::numeric_limits<std::int32_t>::max()));
-    const std::int32_t packed_bytes = PackBitsEncode(plane, width_, packed_.get(), capacity);
+    const std::int32_t packed_bytes = pack_bits_encode(plane, width_, packed_.get(), capacity);
     // 0 says that the row could not be packed, which no row of at least one pixel does in this room.
     if (packed_bytes > 0 && packed_bytes < width_) {
         hf_->WriteUChar(kRowPacked);

@@ -1,5 +1,8 @@
 #include "texture/txl/txl_image_filter.h"
 
+#include <algorithm>
+#include <array>
+
 #include "texture/txl/txl_ids.h"
 #include "texture/txl/txl_image.h"
 
@@ -32,4 +35,17 @@ bool TXLImageFilter::SaveImage(const char* path, TXLImage* source) {
 
 bool TXLImageFilter::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t /*version*/) {
     return id == kChunkTexture && texture_.ReadChunk(hf);
+}
+
+bool TXLIdentify(Filename* /*name*/, unsigned char* probe, std::int32_t /*size*/) {
+    constexpr std::array<unsigned char, 4> kMark = {'T', 'F', 'F', 0};
+    return std::equal(kMark.begin(), kMark.end(), probe);
+}
+
+bool TXLLoad(const Filename& /*name*/, BaseBitmap* /*bitmap*/, std::int32_t /*unused*/) {
+    return true;
+}
+
+bool TXLSave(const Filename& /*name*/, BaseBitmap* /*bitmap*/, int /*unused*/) {
+    return true;
 }

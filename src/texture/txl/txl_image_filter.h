@@ -8,6 +8,8 @@
 #include "texture/txl/txl_alpha.h"
 #include "texture/txl/txl_texture.h"
 
+class BaseBitmap;
+class Filename;
 class TXLImage;
 
 /// What the texture's header chunk says; kept from one header to the next where a header does not say it.
@@ -39,11 +41,11 @@ class TXLImageFilter final : public Chunk {
     /// The row coding, as the filter's interface offers it; see pack_bits.h.
     static std::int32_t PackBitsEncode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                                        std::int32_t dstLen) {
-        return ::PackBitsEncode(src, srcLen, dst, dstLen);
+        return ::pack_bits_encode(src, srcLen, dst, dstLen);
     }
     static bool PackBitsDecode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                                std::int32_t dstLen) {
-        return ::PackBitsDecode(src, srcLen, dst, dstLen);
+        return ::pack_bits_decode(src, srcLen, dst, dstLen);
     }
 
     /// The container's error code of the last load or save, 0 for none.
@@ -73,3 +75,13 @@ class TXLImageFilter final : public Chunk {
     std::int64_t row_bytes_ = 0;
     std::int32_t header_count_ = 0;
 };
+
+// The format's entry points for a picture library that asks which files it can read.
+
+/// Whether the four bytes at `probe` are "TFF" and a zero; `name` and `size` are ignored. Deliberately not
+/// how the files of the texture filter begin: it is the mark of the format that such a library asks for.
+[[nodiscard]] bool TXLIdentify(Filename* name, unsigned char* probe, std::int32_t size);
+
+/// Both do nothing and return true: pictures are loaded and saved through the texture filter.
+bool TXLLoad(const Filename& name, BaseBitmap* bitmap, std::int32_t);
+bool TXLSave(const Filename& name, BaseBitmap* bitmap, int);

@@ -93,15 +93,15 @@ bool TXLPaintLayer::ReadAttributes(PrivateHyperFile* hf) {
 
 bool TXLPaintLayer::ReadRows(PrivateHyperFile* hf) {
     PixelRowsHeader header{};
-    if (ReadPixelRowsHeader(hf, &header) == 0) {
+    if (read_pixel_rows_header(hf, &header) == 0) {
         return false;
     }
     if (header.count > 0 && header.rows > 0 && header.channels > 0) {
         PixelRowReader rows(hf, header, TXLImageFilter::Of(hf)->row_bytes());
-        if (!rows.Begin()) {
+        if (!rows.begin()) {
             return false;
         }
-        while (rows.Next()) {
+        while (rows.next()) {
             SetPixelCount(hf, header.x, rows.row(), header.count, rows.bytes(), header.channels);
         }
     }
@@ -147,12 +147,12 @@ void TXLPaintLayer::WriteRows(PrivateHyperFile* hf) {
     hf->WriteLong(channels);
     if (width > 0 && height > 0) {
         PixelRowWriter rows(hf, width, channels);
-        if (!rows.Begin()) {
+        if (!rows.begin()) {
             return;
         }
         for (std::int32_t y = 0; y < height; ++y) {
             GetPixelCount(hf, 0, y, width, rows.bytes());
-            if (!rows.WriteRow()) {
+            if (!rows.write_row()) {
                 return;
             }
         }

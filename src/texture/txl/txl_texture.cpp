@@ -47,7 +47,7 @@ bool read_rows(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t versio
         }) != 0;
     }
     PixelRowsHeader rows_header{};
-    if (ReadPixelRowsHeader(hf, &rows_header) == 0) {
+    if (read_pixel_rows_header(hf, &rows_header) == 0) {
         return false;
     }
     const TXLTextureHeader& header = filter.header();
@@ -60,10 +60,10 @@ bool read_rows(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t versio
     }
     if (header.width > 0 && header.height > 0) {
         PixelRowReader rows(hf, rows_header, filter.row_bytes());
-        if (!rows.Begin()) {
+        if (!rows.begin()) {
             return false;
         }
-        while (rows.Next()) {
+        while (rows.next()) {
             filter.image()->SetPixelCount(rows_header.x, rows.row(), rows_header.count, rows.bytes(),
                                           channels);
         }
@@ -89,12 +89,12 @@ bool write_rows(PrivateHyperFile* hf, TXLImage* image, std::int32_t width, std::
     hf->WriteLong(channels);
     if (width > 0 && height > 0) {
         PixelRowWriter rows(hf, width, channels);
-        if (!rows.Begin()) {
+        if (!rows.begin()) {
             return false;
         }
         for (std::int32_t y = 0; y < height; ++y) {
             image->GetPixelCount(0, y, width, rows.bytes());
-            if (!rows.WriteRow()) {
+            if (!rows.write_row()) {
                 return false;
             }
         }

@@ -33,7 +33,7 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
     } else if (!loaded) {
         reading.error = error_of(path, TextureFault::short_transfer, "the file could not be read");
     } else {
-        recorder.Finish();
+        recorder.finish();
         if (!sink.has_picture()) {
             reading.error = error_of(path, TextureFault::no_picture, "the file has no texture header");
         } else if (texture_channels(texture.mode) == 0) {
@@ -50,7 +50,7 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
 }
 
 std::optional<TextureError> write(const std::string& path, const Texture& texture) {
-    if (const std::optional<std::string> reason = check_texture(texture); reason.has_value()) {
+    if (const std::optional<std::string> reason = validate_for_writing(texture); reason.has_value()) {
         return error_of(path, TextureFault::bad_value, *reason);
     }
     TextureRecorder recorder(path, false);
@@ -97,7 +97,7 @@ std::optional<TextureError> write_texture(const std::string& path, const Texture
     }
 }
 
-std::optional<std::string> check_texture(const Texture& texture) {
+std::optional<std::string> validate_for_writing(const Texture& texture) {
     if (texture_channels(texture.mode) == 0) {
         return "colour mode " + std::to_string(texture.mode) + "; 2 and 4 are written";
     }

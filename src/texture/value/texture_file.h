@@ -49,11 +49,11 @@ struct TextureReading {
 /// caller's to remove. **Names of alpha channels are not stored**: the format's writer calls every layer
 /// "Alpha", so they read back as "Alpha", "Alpha.2", "Alpha.3"... Returns the error, nullopt when all was
 /// written: cannot_open, header_not_written or short_transfer from the file, bad_value for a texture whose
-/// parts do not fit each other (see check_texture), over_limit for a file of 2^31 - 1 bytes or more, which no
-/// reader takes. Never throws.
+/// parts do not fit each other (see validate_for_writing), over_limit for a file of 2^31 - 1 bytes or more,
+/// which no reader takes. Never throws.
 [[nodiscard]] std::optional<TextureError> write_texture(const std::string& path, const Texture& texture);
 
 /// Why `texture` cannot be written; nullopt for a sound one: a mode of 2 or 4, sizes that are not negative
 /// with at most 2^30 pixels in all, buffers of exactly the size their comments say, and fewer than 2^31
 /// alphas.
-[[nodiscard]] std::optional<std::string> check_texture(const Texture& texture);
+[[nodiscard]] std::optional<std::string> validate_for_writing(const Texture& texture);

@@ -9,7 +9,7 @@
 
 bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     if (has_picture_) {
-        recorder_.Notice(TextureNotice::second_header,
+        recorder_.notice(TextureNotice::second_header,
                          [] { return std::string("a second texture header starts the picture over"); });
     }
     texture_ = Texture{};
@@ -22,9 +22,9 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
         const std::string reason = "a texture of " + std::to_string(w) + " x " + std::to_string(h) +
                                    " pixels; sizes are not negative and at most 2^30 pixels are read";
         if (negative) {
-            recorder_.Refuse(TextureFault::over_limit, reason);
+            recorder_.refuse(TextureFault::over_limit, reason);
         } else {
-            recorder_.Refuse(limits::kTexturePixels, reason);
+            recorder_.refuse(limits::kTexturePixels, reason);
         }
         return false;
     }
@@ -34,13 +34,13 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     // A mode without rows has no bytes; whether the picture can be given is decided after the load.
     const std::uint64_t bytes =
         texture_.pixel_count() * static_cast<std::uint64_t>(texture_channels(colorMode));
-    if (!Reserve(bytes, "the picture")) {
+    if (!reserve(bytes, "the picture")) {
         return false;
     }
     try {
         texture_.pixels = PixelBuffer(bytes);
     } catch (const std::bad_alloc&) {
-        recorder_.Refuse(TextureFault::out_of_memory, "no memory for " + std::to_string(bytes) + " bytes");
+        recorder_.refuse(TextureFault::out_of_memory, "no memory for " + std::to_string(bytes) + " bytes");
         return false;
     }
     has_picture_ = true;
@@ -50,13 +50,13 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
 bool TextureSink::InitAlphaChannel(std::int32_t /*channel*/, std::int32_t /*w*/, std::int32_t /*h*/) {
     has_channel_ = false;
     const std::size_t bytes = texture_.pixel_count();
-    if (!Reserve(bytes, "one more alpha channel")) {
+    if (!reserve(bytes, "one more alpha channel")) {
         return false;
     }
     try {
-        texture_.alphas.push_back({UniqueName(recorder_.layer_name()), PixelBuffer(bytes)});
+        texture_.alphas.push_back({unique_name(recorder_.layer_name()), PixelBuffer(bytes)});
     } catch (const std::bad_alloc&) {
-        recorder_.Refuse(TextureFault::out_of_memory, "no memory for " + std::to_string(bytes) + " bytes");
+        recorder_.refuse(TextureFault::out_of_memory, "no memory for " + std::to_string(bytes) + " bytes");
         return false;
     }
     has_channel_ = true;
@@ -65,7 +65,7 @@ bool TextureSink::InitAlphaChannel(std::int32_t /*channel*/, std::int32_t /*w*/,
 
 bool TextureSink::SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t count, unsigned char* data,
                                 std::int32_t stride) {
-    const Part part = Clip(x, y, count);
+    const Part part = clip(x, y, count);
     const std::int32_t channels = texture_channels(texture_.mode);
     if (part.begin >= part.end || channels != stride) {
         return true;
@@ -83,7 +83,7 @@ bool TextureSink::SetAlphaPixel(std::int32_t /*channel*/, std::int32_t x, std::i
     if (!has_channel_) {
         return false;
     }
-    const Part part = Clip(x, y, count);
+    const Part part = clip(x, y, count);
     if (part.begin < part.end) {
         const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture_.width_px) +
                                   static_cast<std::size_t>(x + part.begin);
@@ -92,12 +92,12 @@ bool TextureSink::SetAlphaPixel(std::int32_t /*channel*/, std::int32_t x, std::i
     return true;
 }
 
-TextureSink::Part TextureSink::Clip(std::int32_t x, std::int32_t y, std::int32_t count) {
+TextureSink::Part TextureSink::clip(std::int32_t x, std::int32_t y, std::int32_t count) {
     const bool row_inside = y >= 0 && y < texture_.height_px;
     const std::int64_t begin = std::clamp<std::int64_t>(-std::int64_t{x}, 0, count);
     const std::int64_t end = std::clamp<std::int64_t>(std::int64_t{texture_.width_px} - x, begin, count);
     if (!row_inside || begin != 0 || end != count) {
-        recorder_.Notice(TextureNotice::outside_picture, [&] {
+        recorder_.notice(TextureNotice::outside_picture, [&] {
             return "row " + std::to_string(y) + " with " + std::to_string(count) + " pixels from column " +
                    std::to_string(x) + " on reaches out of the picture";
         });
@@ -108,9 +108,9 @@ TextureSink::Part TextureSink::Clip(std::int32_t x, std::int32_t y, std::int32_t
     return {static_cast<std::int32_t>(begin), static_cast<std::int32_t>(end)};
 }
 
-bool TextureSink::Reserve(std::uint64_t bytes, const char* what) {
+bool TextureSink::reserve(std::uint64_t bytes, const char* what) {
     if (bytes > max_decoded_bytes_ - decoded_bytes_) {
-        recorder_.Refuse(limits::kDecodedBytes, std::string(what) + " takes " + std::to_string(bytes) +
+        recorder_.refuse(limits::kDecodedBytes, std::string(what) + " takes " + std::to_string(bytes) +
                                                     " bytes besides " + std::to_string(decoded_bytes_) +
                                                     ", at most " + std::to_string(max_decoded_bytes_) +
                                                     " are allowed");
@@ -120,7 +120,7 @@ bool TextureSink::Reserve(std::uint64_t bytes, const char* what) {
     return true;
 }
 
-std::string TextureSink::UniqueName(const std::string& stored) {
+std::string TextureSink::unique_name(const std::string& stored) {
     const std::string base = stored.empty() ? "Alpha" : stored;
     std::string name = base;
     while (!names_.insert(name).second) {

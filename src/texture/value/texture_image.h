@@ -33,13 +33,13 @@ class TextureSink final : public TXLImage {
     [[nodiscard]] bool has_picture() const { return has_picture_; }
 
   private:
-    bool Reserve(std::uint64_t bytes, const char* what);
-    std::string UniqueName(const std::string& stored);
+    bool reserve(std::uint64_t bytes, const char* what);
+    std::string unique_name(const std::string& stored);
     /// Where the part of a row that lies in the picture begins and ends, relative to `x`.
     struct Part {
         std::int32_t begin, end;
     };
-    Part Clip(std::int32_t x, std::int32_t y, std::int32_t count);
+    Part clip(std::int32_t x, std::int32_t y, std::int32_t count);
 
     Texture& texture_;
     TextureRecorder& recorder_;
@@ -51,7 +51,7 @@ class TextureSink final : public TXLImage {
     std::map<std::string, std::int64_t> last_number_;  // given to each stored name
 };
 
-/// Lets the texture filter read a `Texture`, which is sound (see check_texture) and not owned.
+/// Lets the texture filter read a `Texture`, which is sound (see validate_for_writing) and not owned.
 class TextureSource final : public TXLImage {
   public:
     explicit TextureSource(const Texture& texture) : texture_(texture) {}

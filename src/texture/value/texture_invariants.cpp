@@ -28,7 +28,7 @@ void walk(const PixelBuffer& buffer) {
 }  // namespace
 
 std::optional<std::string> validate_texture(const Texture& texture) {
-    if (std::optional<std::string> found = check_texture(texture)) {
+    if (std::optional<std::string> found = validate_for_writing(texture)) {
         return found;
     }
     walk(texture.pixels);

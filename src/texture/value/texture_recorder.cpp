@@ -25,7 +25,7 @@ void TextureRecorder::ChunkEnd(std::int64_t end_bytes, bool handled) {
         ended.outline->handled = handled;
     }
     if (!handled) {
-        Notice(TextureNotice::chunk_skipped,
+        notice(TextureNotice::chunk_skipped,
                [&] { return "chunk " + chunk_name(ended.id) + " was skipped"; });
     }
     open_.pop_back();
@@ -48,12 +48,12 @@ void TextureRecorder::Row(const RowBlock& block) {
         return "row " + std::to_string(block.row) + ", channel " + std::to_string(block.channel) + ": ";
     };
     if (block.outcome == RowOutcome::unknown_flag) {
-        NoticeAt(TextureNotice::row_repeated, block.offset_bytes, [&] {
+        notice_at(TextureNotice::row_repeated, block.offset_bytes, [&] {
             return where() + "flag " + std::to_string(block.flag) + " is not known, the row before was kept";
         });
         return;
     }
-    NoticeAt(TextureNotice::row_cleared, block.offset_bytes, [&] {
+    notice_at(TextureNotice::row_cleared, block.offset_bytes, [&] {
         return where() + "its " + std::to_string(block.coded_bytes) + " bytes with flag " +
                std::to_string(block.flag) + " do not give the row's length";
     });
@@ -66,7 +66,7 @@ void TextureRecorder::Layer(const LayerHeader& header) {
         chunk->layer = layers_.back();
     }
     if (header.color_mode < 2 || header.color_mode > 5) {
-        Notice(TextureNotice::layer_without_alpha, [&] {
+        notice(TextureNotice::layer_without_alpha, [&] {
             return "a layer in colour mode " + std::to_string(header.color_mode) + " gives no alpha";
         });
     }
@@ -79,17 +79,17 @@ void TextureRecorder::Failed(TextureFault fault, std::int64_t offset_bytes, cons
     }
 }
 
-void TextureRecorder::Refuse(TextureFault fault, const std::string& reason) {
+void TextureRecorder::refuse(TextureFault fault, const std::string& reason) {
     Failed(fault, open_.empty() ? 0 : open_.back().offset_bytes, reason);
     refused_ = true;
 }
 
-void TextureRecorder::Refuse(const limits::Limit& limit, const std::string& reason) {
+void TextureRecorder::refuse(const limits::Limit& limit, const std::string& reason) {
     OverLimit(limit);
-    Refuse(TextureFault::over_limit, reason);
+    refuse(TextureFault::over_limit, reason);
 }
 
-bool TextureRecorder::CountAgain(TextureNotice notice) {
+bool TextureRecorder::count_again(TextureNotice notice) {
     const auto same = std::find_if(warnings_.begin(), warnings_.end(),
                                    [notice](const TextureWarning& known) { return known.code == notice; });
     if (same == warnings_.end()) {
@@ -99,9 +99,9 @@ bool TextureRecorder::CountAgain(TextureNotice notice) {
     return true;
 }
 
-void TextureRecorder::Finish() {
+void TextureRecorder::finish() {
     if (!open_.empty()) {
-        Notice(TextureNotice::cut_off,
+        notice(TextureNotice::cut_off,
                [this] { return "the file ends before chunk " + chunk_name(open_.back().id) + " does"; });
     }
 }

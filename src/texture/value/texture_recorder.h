@@ -25,19 +25,19 @@ class TextureRecorder final : public TextureObserver {
 
     /// An error that the container does not see, at the chunk that is being read. It wins over every other:
     /// the ones that follow are its consequences.
-    void Refuse(TextureFault fault, const std::string& reason);
+    void refuse(TextureFault fault, const std::string& reason);
     /// The same where `limit` is the reason.
-    void Refuse(const limits::Limit& limit, const std::string& reason);
+    void refuse(const limits::Limit& limit, const std::string& reason);
 
     /// A notice at the chunk that is being read. `reason` returns its text and is called for the first of a
     /// kind only: a file may give cause for millions.
     template <typename Reason>
-    void Notice(TextureNotice notice, const Reason& reason) {
-        NoticeAt(notice, open_.empty() ? 0 : open_.back().offset_bytes, reason);
+    void notice(TextureNotice notice, const Reason& reason) {
+        notice_at(notice, open_.empty() ? 0 : open_.back().offset_bytes, reason);
     }
 
     /// The load is over without an error: chunks that have not ended were cut off.
-    void Finish();
+    void finish();
 
     /// Name of the layer announced last, UTF-8, as stored.
     [[nodiscard]] const std::string& layer_name() const { return layer_name_; }
@@ -56,10 +56,10 @@ class TextureRecorder final : public TextureObserver {
 
     [[nodiscard]] std::vector<std::string> within() const;
     /// Counts one more of a kind that is known already.
-    bool CountAgain(TextureNotice notice);
+    bool count_again(TextureNotice notice);
     template <typename Reason>
-    void NoticeAt(TextureNotice notice, std::int64_t offset_bytes, const Reason& reason) {
-        if (!CountAgain(notice)) {
+    void notice_at(TextureNotice notice, std::int64_t offset_bytes, const Reason& reason) {
+        if (!count_again(notice)) {
             warnings_.push_back({notice, 1, offset_bytes, reason(), within()});
         }
     }

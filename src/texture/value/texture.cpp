@@ -1,4 +1,4 @@
-#include "texture/value/pixel_buffer.h"
+#include "texture/value/texture.h"
 
 #include <algorithm>
 #include <limits>
@@ -12,7 +12,7 @@ PixelBuffer::PixelBuffer(std::size_t size) {
     if (size > static_cast<std::size_t>(std::numeric_limits<std::int64_t>::max())) {
         throw std::bad_alloc();
     }
-    bytes_.reset(static_cast<unsigned char*>(MemAllocZeroed(static_cast<std::int64_t>(size))));
+    bytes_.reset(static_cast<unsigned char*>(allocate_zeroed(static_cast<std::int64_t>(size))));
     if (bytes_ == nullptr) {
         throw std::bad_alloc();
     }
