@@ -8,8 +8,8 @@
 #include "texture/txl/base_bitmap.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/txl/txl_image_filter.h"
-#include "texture/value/texture_invariants.h"
 #include "texture/value/texture_file.h"
+#include "texture/value/texture_invariants.h"
 
 const std::size_t kOptionBytes = 0;
 
@@ -24,9 +24,9 @@ constexpr std::uint64_t kMostDecodedBytes = std::uint64_t{1} << 20;
 constexpr std::int64_t kMostRowsWritten = std::int64_t{1} << 14;
 
 bool started_over(const TextureReading& reading) {
-    return std::any_of(reading.warnings.begin(), reading.warnings.end(), [](const TextureWarning& warning) {
-        return warning.code == TextureNotice::second_header;
-    });
+    return std::any_of(
+        reading.warnings.begin(), reading.warnings.end(),
+        [](const diagnostic::Diagnostic& warning) { return warning.code == TextureNotice::second_header; });
 }
 
 void check_picture(const std::string& path, const TextureReading& reading) {

@@ -29,12 +29,12 @@ void add_layers(OIIO::ImageSpec& spec, const TextureReading& reading, std::size_
     }
 }
 
-std::string warnings_text(const std::vector<TextureWarning>& warnings) {
+std::string warnings_text(const std::vector<diagnostic::Diagnostic>& warnings) {
     std::string text;
-    for (const TextureWarning& warning : warnings) {
+    for (const diagnostic::Diagnostic& warning : warnings) {
         text += text.empty() ? "" : "; ";
-        text += OIIO::Strutil::fmt::format("{} x {} from 0x{:x}: {}", notice_name(warning.code),
-                                           warning.count, warning.offset_bytes, warning.reason);
+        text += OIIO::Strutil::fmt::format("{} x {} from 0x{:x}: {}", warning.code.name(), warning.count,
+                                           warning.at.offset_bytes.value_or(0), warning.reason);
     }
     return text;
 }
@@ -81,10 +81,10 @@ OIIO::ImageSpec texture_spec(const TextureReading& reading) {
     return spec;
 }
 
-std::string error_text(const TextureError& error) {
-    std::string text = error.path;
-    if (error.offset_bytes > 0 || !error.within.empty()) {
-        text += OIIO::Strutil::fmt::format("@0x{:x}", error.offset_bytes);
+std::string error_text(const diagnostic::Diagnostic& error) {
+    std::string text = error.at.file;
+    if (error.at.offset_bytes.has_value()) {
+        text += OIIO::Strutil::fmt::format("@0x{:x}", *error.at.offset_bytes);
     }
     text += ": " + error.reason;
     if (!error.within.empty()) {

@@ -28,6 +28,6 @@ namespace imageio {
 [[nodiscard]] OIIO::ImageSpec texture_spec(const TextureReading& reading);
 
 /// "a.txl@0x1a4: the row needs 64 bytes, 12 are left (in 502 > TaVx)"
-[[nodiscard]] std::string error_text(const TextureError& error);
+[[nodiscard]] std::string error_text(const diagnostic::Diagnostic& error);
 
 }  // namespace imageio

@@ -85,9 +85,10 @@ bool TxlOutput::finish(Writing& writing) {
                  m_spec.height);
         return false;
     }
-    if (std::optional<TextureError> error = write_texture(writing.file.temporary_path(), writing.texture);
+    if (std::optional<diagnostic::Diagnostic> error =
+            write_texture(writing.file.temporary_path(), writing.texture);
         error.has_value()) {
-        error->path = writing.name;
+        error->at.file = writing.name;
         errorfmt("{}", error_text(*error));
         return false;
     }

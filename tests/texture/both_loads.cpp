@@ -59,12 +59,12 @@ BothLoads::BothLoads(const std::string& path) {
         return;
     }
     EXPECT_FALSE(reading.error->reason.empty());
-    EXPECT_EQ(reading.error->path, path);
+    EXPECT_EQ(reading.error->at.file, path);
     // These two alone load as a picture and give no texture.
     const bool no_texture = reading.error->code == TextureFault::no_picture ||
                             (reading.error->code == TextureFault::unsupported && error == 0);
     EXPECT_EQ(loaded, no_texture);
     if (!loaded) {
-        EXPECT_EQ(reading.error->container_code, error) << reading.error->reason;
+        EXPECT_EQ(container_code(texture_fault(reading.error->code).value()), error) << reading.error->reason;
     }
 }

@@ -675,16 +675,16 @@ TEST_F(HyperFile, PrivateDataIsTheCallers) {
     EXPECT_EQ(file_.GetPrivateData(), &mine);
 }
 
-class Listener : public TextureObserver {
+class Listener : public FailureObserver {
   public:
-    void Failed(TextureFault fault, std::int64_t offset_bytes, const std::string& reason) override {
-        faults.push_back(fault);
-        offset = offset_bytes;
-        text = reason;
+    void on_failure(const diagnostic::Diagnostic& failure) override {
+        codes.emplace_back(failure.code.name());
+        offset_bytes = failure.at.offset_bytes;
+        reason = failure.reason;
     }
-    std::vector<TextureFault> faults;
-    std::int64_t offset = -1;
-    std::string text;
+    std::vector<std::string> codes;
+    std::optional<std::int64_t> offset_bytes;
+    std::string reason;
 };
 
 TEST_F(HyperFile, AnObserverIsToldWhatFailedAndWhere) {
@@ -694,9 +694,9 @@ TEST_F(HyperFile, AnObserverIsToldWhatFailedAndWhere) {
     std::int32_t value = 0;
     ASSERT_EQ(file_.ReadLong(&value), 1);
     EXPECT_EQ(file_.ReadLong(&value), 0);
-    EXPECT_EQ(listener.faults, std::vector<TextureFault>{TextureFault::wrong_tag});
-    EXPECT_EQ(listener.offset, 13) << "of the tag";
-    EXPECT_EQ(listener.text, "a value with tag 15 must stand here, found tag 16");
+    EXPECT_EQ(listener.codes, std::vector<std::string>{"wrong-tag"});
+    EXPECT_EQ(listener.offset_bytes, 13) << "of the tag";
+    EXPECT_EQ(listener.reason, "a value with tag 15 must stand here, found tag 16");
 }
 
 TEST_F(HyperFile, AnObserverIsToldOfASkipAfterTheReadThatEndedIt) {
@@ -704,9 +704,8 @@ TEST_F(HyperFile, AnObserverIsToldOfASkipAfterTheReadThatEndedIt) {
     file_.SetObserver(&listener);
     open(header().Raw("\x0F\x00"s));
     EXPECT_EQ(file_.SkipToEndChunk(), 0);
-    EXPECT_EQ(listener.faults,
-              (std::vector<TextureFault>{TextureFault::short_transfer, TextureFault::truncated}));
-    EXPECT_EQ(listener.offset, 8);
+    EXPECT_EQ(listener.codes, (std::vector<std::string>{"short-transfer", "truncated"}));
+    EXPECT_EQ(listener.offset_bytes, 8);
 }
 
 #if !defined(_WIN32)  // where no process can be kept from taking more memory

@@ -150,8 +150,8 @@ TEST_P(Notices, TellWhatWasRepairedOrPassedOver) {
     const TextureReading reading = read_texture(folder.write("notice.txl", file.bytes()));
     ASSERT_TRUE(reading.texture.has_value()) << reading.error->reason;
     ASSERT_EQ(reading.warnings.size(), 1u);
-    const TextureWarning& warning = reading.warnings[0];
-    EXPECT_STREQ(notice_name(warning.code), notice_name(GetParam().notice));
+    const diagnostic::Diagnostic& warning = reading.warnings[0];
+    EXPECT_STREQ(warning.code.name(), code_info(GetParam().notice).name);
     EXPECT_EQ(warning.count, GetParam().count);
     EXPECT_EQ(chunk_path(warning.within), GetParam().within);
     EXPECT_FALSE(warning.reason.empty());
@@ -195,7 +195,7 @@ TEST(TextureFile, AnErrorTellsTheByteWhereItIs) {
     const std::string bytes = file.bytes();
     const TextureReading reading = read_texture(folder.write("bad.txl", bytes));
     ASSERT_TRUE(reading.error.has_value());
-    EXPECT_EQ(reading.error->offset_bytes, 8 + 9 + static_cast<std::int64_t>(file.header_bytes().size()));
+    EXPECT_EQ(reading.error->at.offset_bytes, 8 + 9 + static_cast<std::int64_t>(file.header_bytes().size()));
     EXPECT_EQ(reading.error->reason, "a chunk must begin or end here, found tag 15");
 }
 
@@ -336,7 +336,7 @@ TEST_P(BadTextures, AreNotWritten) {
     GetParam().change(texture);
     EXPECT_NE(validate_for_writing(texture), std::nullopt);
     const TemporaryFolder folder;
-    const std::optional<TextureError> error = write_texture(folder.path("bad.txl"), texture);
+    const std::optional<diagnostic::Diagnostic> error = write_texture(folder.path("bad.txl"), texture);
     ASSERT_TRUE(error.has_value());
     EXPECT_EQ(error->code, TextureFault::bad_value);
     EXPECT_FALSE(std::filesystem::exists(folder.path("bad.txl")));
@@ -365,17 +365,17 @@ INSTANTIATE_TEST_SUITE_P(TextureFile, BadTextures, testing::ValuesIn(kBadTexture
 TEST(TextureFile, WhatCannotBeWrittenSaysWhy) {
     const TemporaryFolder folder;
     const Texture small = made(2, 2, Texture::kRgb, 1, Content::noisy);
-    const std::optional<TextureError> onto_a_folder = write_texture(folder.folder().string(), small);
+    const std::optional<diagnostic::Diagnostic> onto_a_folder =
+        write_texture(folder.folder().string(), small);
     ASSERT_TRUE(onto_a_folder.has_value());
     EXPECT_EQ(onto_a_folder->code, TextureFault::cannot_open);
-    EXPECT_EQ(onto_a_folder->path, folder.folder().string());
+    EXPECT_EQ(onto_a_folder->at.file, folder.folder().string());
 #if !defined(_WIN32)  // where no file stands for a full disk
     for (const std::int32_t size : {2, 400}) {
         const Texture texture = made(size, size, Texture::kRgb, 1, Content::noisy);
-        const std::optional<TextureError> on_a_full_disk = write_texture("/dev/full", texture);
+        const std::optional<diagnostic::Diagnostic> on_a_full_disk = write_texture("/dev/full", texture);
         ASSERT_TRUE(on_a_full_disk.has_value());
         EXPECT_EQ(on_a_full_disk->code, TextureFault::short_transfer);
-        EXPECT_EQ(on_a_full_disk->container_code, 1);
     }
 #endif
 }
@@ -423,15 +423,26 @@ TEST(TextureFile, UnitsBecomeUtf8) {
 
 TEST(TextureFile, EveryFaultAndNoticeHasItsOwnName) {
     std::vector<std::string> names;
-    for (int i = 0; i <= static_cast<int>(TextureFault::bad_value); ++i) {
-        names.emplace_back(fault_name(static_cast<TextureFault>(i)));
+    for (const auto& row : texture_faults()) {
+        names.emplace_back(row.info.name);
     }
-    for (int i = 0; i <= static_cast<int>(TextureNotice::cut_off); ++i) {
-        names.emplace_back(notice_name(static_cast<TextureNotice>(i)));
+    for (const auto& row : texture_notices()) {
+        names.emplace_back(row.info.name);
     }
     std::sort(names.begin(), names.end());
     EXPECT_EQ(std::adjacent_find(names.begin(), names.end()), names.end());
     EXPECT_FALSE(names.front().empty());
+}
+
+TEST(TextureFile, OnlyCodesOfFaultsAreFaults) {
+    for (const auto& row : texture_faults()) {
+        EXPECT_EQ(texture_fault(row.code), row.code) << row.info.name;
+        EXPECT_EQ(row.info.severity, diagnostic::Severity::error) << row.info.name;
+    }
+    for (const auto& row : texture_notices()) {
+        EXPECT_EQ(texture_fault(row.code), std::nullopt) << row.info.name;
+        EXPECT_EQ(row.info.severity, diagnostic::Severity::warning) << row.info.name;
+    }
 }
 
 TEST(PixelBuffer, IsAValue) {

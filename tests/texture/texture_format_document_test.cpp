@@ -51,4 +51,24 @@ TEST(TextureFormatDocument, ShowsEveryByteOfTheExample) {
     EXPECT_EQ(shown, annotated_dump(content_of(kExample)));
 }
 
+TEST(TextureFormatDocument, ListsEveryErrorWithItsNumberAndMeaning) {
+    const std::string document = content_of(kDocument);
+    for (const auto& [fault, info] : texture_faults()) {
+        const std::int32_t number = container_code(fault);
+        const std::string row = "| `" + std::string(info.name) + "` | " +
+                                (number == 0 ? "none" : std::to_string(number)) + " | " + info.meaning +
+                                " |\n";
+        EXPECT_NE(document.find(row), std::string::npos) << row;
+    }
+}
+
+TEST(TextureFormatDocument, ListsEveryWarningWithItsMeaningAndEffect) {
+    const std::string document = content_of(kDocument);
+    for (const auto& [notice, info] : texture_notices()) {
+        const std::string row =
+            "| `" + std::string(info.name) + "` | " + info.meaning + " | " + info.remedy + " |\n";
+        EXPECT_NE(document.find(row), std::string::npos) << row;
+    }
+}
+
 }  // namespace

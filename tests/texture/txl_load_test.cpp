@@ -479,11 +479,12 @@ TEST_P(Refusals, HaveACodeAndAPlace) {
     const TemporaryFolder folder;
     const BothLoads both(folder.write("case.txl", file.bytes()));
     ASSERT_TRUE(both.reading.error.has_value());
-    EXPECT_STREQ(fault_name(both.reading.error->code), fault_name(GetParam().fault))
+    EXPECT_STREQ(both.reading.error->code.name(), code_info(GetParam().fault).name)
         << both.reading.error->reason;
     EXPECT_EQ(chunk_path(both.reading.error->within), GetParam().within);
-    EXPECT_EQ(both.reading.error->container_code, container_code(GetParam().fault));
-    EXPECT_LT(both.reading.error->offset_bytes, static_cast<std::int64_t>(file.bytes().size()));
+    EXPECT_EQ(texture_fault(both.reading.error->code), GetParam().fault);
+    EXPECT_LT(both.reading.error->at.offset_bytes.value_or(0),
+              static_cast<std::int64_t>(file.bytes().size()));
 }
 
 const std::vector<RefusalCase> kRefusals = {
@@ -636,6 +637,7 @@ TEST(TxlLoad, AlphaChunksAreFollowedSixtyFourDeep) {
         ASSERT_TRUE(both.reading.error.has_value());
         EXPECT_EQ(both.reading.error->code, TextureFault::over_limit);
         EXPECT_EQ(both.error, -7);
+        EXPECT_EQ(both.reading.error->limit, &limits::kAlphaNesting);
         EXPECT_EQ(both.reading.error->within.size(), 67u) << "502, 599 and the 65 that were begun";
     }
 }

@@ -101,7 +101,7 @@ bool is_texture(std::string_view path) {
 // Why no picture can be had from the file; empty when one can.
 std::string reading_obstacle(const std::string& path) {
     if (is_texture(path)) {
-        const std::optional<TextureError> error = read_texture(path).error;
+        const std::optional<diagnostic::Diagnostic> error = read_texture(path).error;
         if (!error) {
             return {};
         }

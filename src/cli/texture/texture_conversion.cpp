@@ -62,12 +62,12 @@ std::optional<Refusal> write_texture_file(const std::string& path, const Texture
         return Refusal{diagnostic::make(image::Code::cannot_open, {path}, reason),
                        ExitCode::cannot_read_or_write};
     }
-    if (const std::optional<TextureError> error = write_texture(file->temporary_path(), texture);
+    if (const std::optional<diagnostic::Diagnostic> error = write_texture(file->temporary_path(), texture);
         error.has_value()) {
         // When writing, a short transfer means a full disk.
         const ExitCode code = error->code == TextureFault::short_transfer ? ExitCode::cannot_read_or_write
                                                                           : texture_exit_code(*error);
-        return Refusal{texture_error(*error, path), code};
+        return Refusal{texture_diagnostic(*error, path), code};
     }
     if (!file->put_in_place(reason)) {
         return Refusal{diagnostic::make(image::Code::not_written, {path}, reason),

@@ -10,10 +10,9 @@
 
 namespace cli {
 
-/// `file` is what the user called it. Codes are the names in docs/texture-format.md: "stray-value".
-/// `within` has one entry for each chunk: "502", "TaVx".
-Diagnostic texture_error(const TextureError& error, const std::string& file);
-Diagnostic texture_warning(const TextureWarning& warning, const std::string& file);
+/// A reader's diagnostic as the tools show it: `file` is the name that the user gave, and effects name the limit
+/// that the file exceeds and how often a warning occurs.
+Diagnostic texture_diagnostic(Diagnostic diagnostic, const std::string& file);
 
 /// Every warning of a reading, the error first if there is one.
 std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const std::string& file);
@@ -23,7 +22,7 @@ std::string texture_diagnostic_text(const Diagnostic& diagnostic, const Paint& p
 
 /// Refused for what is wrong with a file's content, cannot_read_or_write for what kept it from being looked
 /// at or written at all.
-ExitCode texture_exit_code(const TextureError& error);
+ExitCode texture_exit_code(const diagnostic::Diagnostic& error);
 
 /// The exit code of a reading: that of its error, if it has one.
 ExitCode texture_exit_code(const TextureReading& reading);

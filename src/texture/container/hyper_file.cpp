@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <string>
 #include <system_error>
+#include <utility>
 
 #include "limit/limits.h"
 #include "texture/file/byte_order.h"
@@ -34,6 +35,18 @@ std::string number(std::int64_t value) {
 
 PrivateHyperFile::~PrivateHyperFile() {
     PrivateFile::Close();
+}
+
+// Until an item has been read, nothing in the file is the place of a failure.
+void PrivateHyperFile::TellObserver(TextureFault fault, std::string reason,
+                                    const limits::Limit* limit) const {
+    diagnostic::Place at;
+    if (item_offset_bytes_ > 0) {
+        at.offset_bytes = item_offset_bytes_;
+    }
+    diagnostic::Diagnostic failure = diagnostic::make(fault, std::move(at), std::move(reason));
+    failure.limit = limit;
+    observer_->on_failure(failure);
 }
 
 // Deliberately kept although nothing reads it, and deliberately starting over at 1: it is part of the record.
@@ -90,9 +103,12 @@ int PrivateHyperFile::OpenForReading(std::int32_t ident) {
     }
     if (length_ > limits::kTextureFile.value) {
         PrivateFile::Close();
-        return Fail(limits::kTextureFile, TextureFault::over_limit, [] {
-            return std::string("the file has 2^31 - 1 bytes or more, lengths in this format are 32-bit");
-        });
+        return Fail(
+            TextureFault::over_limit,
+            [] {
+                return std::string("the file has 2^31 - 1 bytes or more, lengths in this format are 32-bit");
+            },
+            &limits::kTextureFile);
     }
     std::array<unsigned char, 4> magic{};
     std::int32_t found_ident = 0;

@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "texture/container/private_string.h"
-#include "texture/container/texture_observer.h"
+#include "texture/container/texture_fault.h"
 #include "texture/file/memory.h"
 #include "texture/file/private_file.h"
 
@@ -130,31 +131,22 @@ class PrivateHyperFile : public PrivateFile {
     /// Skips `count` bytes; below 1 none.
     int ReadDummy(std::int32_t count);
 
-    /// An observer (not owned) to be told of every failure, null for none.
-    void SetObserver(TextureObserver* observer) { observer_ = observer; }
-    [[nodiscard]] TextureObserver* GetObserver() const { return observer_; }
+    /// Sets an observer (not owned) that is told of every failure; null for none.
+    void SetObserver(FailureObserver* observer) { observer_ = observer; }
 
     /// Offset in bytes of the tag of the item read last. Kept only while there is an observer.
     [[nodiscard]] std::int64_t GetItemOffset() const { return item_offset_bytes_; }
 
     /// The one place where an error begins: sets the fault's code and tells the observer. `reason` returns
-    /// the text and is called only when somebody listens. Returns 0.
+    /// the text and is called only when there is an observer. `limit` is the limit that the file exceeds, if
+    /// that is the reason. Returns 0.
     template <typename Reason>
-    int Fail(TextureFault fault, const Reason& reason) {
+    int Fail(TextureFault fault, const Reason& reason, const limits::Limit* limit = nullptr) {
         error_ = container_code(fault);
         if (observer_ != nullptr) {
-            observer_->Failed(fault, item_offset_bytes_, reason());
+            TellObserver(fault, reason(), limit);
         }
         return 0;
-    }
-
-    /// The same where `limit` is the reason, which the observer is told before.
-    template <typename Reason>
-    int Fail(const limits::Limit& limit, TextureFault fault, const Reason& reason) {
-        if (observer_ != nullptr) {
-            observer_->OverLimit(limit);
-        }
-        return Fail(fault, reason);
     }
 
   protected:
@@ -165,6 +157,7 @@ class PrivateHyperFile : public PrivateFile {
     void* private_data_ = nullptr;
 
   private:
+    void TellObserver(TextureFault fault, std::string reason, const limits::Limit* limit) const;
     int Count();
     int Transferred(int success);
     int OpenForReading(std::int32_t ident);
@@ -178,7 +171,7 @@ class PrivateHyperFile : public PrivateFile {
     int WriteTyped(std::uint8_t tag, Value value, int (PrivateFile::*write)(Value));
     int WriteBlock(std::uint8_t tag, const void* data, std::int32_t count);
 
-    TextureObserver* observer_ = nullptr;
+    FailureObserver* observer_ = nullptr;
     std::int64_t item_offset_bytes_ = 0;
     MemBlock block_;  // of ReadMemoryInPlace, for what the file's own buffer does not hold
     std::int32_t block_bytes_ = 0;

@@ -3,6 +3,8 @@
 #include <string>
 
 #include "texture/container/hyper_file.h"
+#include "texture/txl/texture_observer.h"
+#include "texture/txl/txl_image_filter.h"
 
 bool Chunk::HandleSubChunk(PrivateHyperFile* /*hf*/, std::int32_t /*id*/, std::int32_t /*version*/) {
     return false;
@@ -35,7 +37,7 @@ bool Chunk::ReadChunk(PrivateHyperFile* hf) {
 
 // False only with the container's error set.
 bool Chunk::ReadSubChunk(PrivateHyperFile* hf) {
-    TextureObserver* observer = hf->GetObserver();
+    TextureObserver* const observer = TXLImageFilter::ObserverOf(hf);
     const std::int64_t offset_bytes = hf->GetItemOffset();
     std::int32_t id = 0;
     std::int32_t version = 0;
@@ -43,12 +45,12 @@ bool Chunk::ReadSubChunk(PrivateHyperFile* hf) {
         return false;
     }
     if (observer != nullptr) {
-        observer->ChunkStart(id, version, offset_bytes);
+        observer->on_chunk_start(id, version, offset_bytes);
     }
     const bool handled = HandleSubChunk(hf, id, version);
     const bool ended = handled || hf->SkipToEndChunk() != 0;
     if (observer != nullptr && ended && hf->GetError() == 0) {
-        observer->ChunkEnd(hf->GetPosition(), handled);
+        observer->on_chunk_end(hf->GetPosition(), handled);
     }
     return hf->GetError() == 0;
 }

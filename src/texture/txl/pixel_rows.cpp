@@ -8,6 +8,7 @@
 #include "texture/kernel/planes.h"
 #include "texture/txl/pack_bits.h"
 #include "texture/txl/txl_ids.h"
+#include "texture/txl/txl_image_filter.h"
 
 namespace {
 
@@ -27,10 +28,13 @@ int no_memory(PrivateHyperFile* hf, std::int64_t row_bytes) {
 }
 
 int too_wide(PrivateHyperFile* hf, std::int64_t row_bytes) {
-    return hf->Fail(limits::kRowBytes, TextureFault::over_limit, [&] {
-        return "rows of " + std::to_string(row_bytes) + " bytes, at most " +
-               std::to_string(limits::kRowBytes.value) + " are allowed";
-    });
+    return hf->Fail(
+        TextureFault::over_limit,
+        [&] {
+            return "rows of " + std::to_string(row_bytes) + " bytes, at most " +
+                   std::to_string(limits::kRowBytes.value) + " are allowed";
+        },
+        &limits::kRowBytes);
 }
 
 }  // namespace
@@ -44,8 +48,8 @@ int read_pixel_rows_header(PrivateHyperFile* hf, PixelRowsHeader* header) {
     if (hf->GetError() != 0) {
         return 0;
     }
-    if (hf->GetObserver() != nullptr) {
-        hf->GetObserver()->PixelRowsStart(*header);
+    if (TextureObserver* const observer = TXLImageFilter::ObserverOf(hf); observer != nullptr) {
+        observer->on_pixel_rows(*header);
     }
     return 1;
 }
@@ -70,10 +74,13 @@ bool PixelRowReader::begin() {
     }
     const std::int64_t left = std::int64_t{hf_->GetLength()} - hf_->GetPosition();
     if (row_bytes > limits::kRowRate.value * (left + 1)) {
-        return hf_->Fail(limits::kRowRate, TextureFault::block_too_long, [&] {
-            return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
-                   std::to_string(left) + " left, which cannot hold one";
-        }) != 0;
+        return hf_->Fail(
+                   TextureFault::block_too_long,
+                   [&] {
+                       return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
+                              std::to_string(left) + " left, which cannot hold one";
+                   },
+                   &limits::kRowRate) != 0;
     }
     row_ = zeroed(row_bytes);
     planes_ = zeroed(count * kept_planes());
@@ -100,10 +107,14 @@ bool PixelRowReader::next() {
 bool PixelRowReader::count_row() {
     const std::int64_t most = limits::kRowRate.value * hf_->GetLength() + limits::kRepairedBytes.value;
     file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
-    return file_row_bytes_ <= most || hf_->Fail(limits::kRepairedBytes, TextureFault::over_limit, [&] {
-        return "rows of " + std::to_string(file_row_bytes_) + " bytes so far, a file of this size gives " +
-               std::to_string(most) + " at most";
-    }) != 0;
+    return file_row_bytes_ <= most || hf_->Fail(
+                                          TextureFault::over_limit,
+                                          [&] {
+                                              return "rows of " + std::to_string(file_row_bytes_) +
+                                                     " bytes so far, a file of this size gives " +
+                                                     std::to_string(most) + " at most";
+                                          },
+                                          &limits::kRepairedBytes) != 0;
 }
 
 std::int32_t PixelRowReader::row() const {
@@ -140,8 +151,8 @@ bool PixelRowReader::read_channel(std::int32_t channel) {
     } else if (header_.channels != 1 && header_.channels != kJoinedChannels) {
         store_channel(channel);
     }
-    if (TextureObserver* observer = hf_->GetObserver(); observer != nullptr) {
-        observer->Row({header_.y + rows_read_, channel, flag, outcome, byte_count, hf_->GetItemOffset()});
+    if (TextureObserver* const observer = TXLImageFilter::ObserverOf(hf_); observer != nullptr) {
+        observer->on_row({header_.y + rows_read_, channel, flag, outcome, byte_count, hf_->GetItemOffset()});
     }
     return true;
 }

@@ -3,8 +3,8 @@
 #include <cstdint>
 
 #include "texture/container/hyper_file.h"
-#include "texture/container/texture_observer.h"
 #include "texture/file/memory.h"
+#include "texture/txl/texture_observer.h"
 
 // The rows of a pixel-rows chunk, which textures and layers store alike: for each row and each of its
 // channels a flag and a block with that channel's bytes, one a pixel.

@@ -58,10 +58,13 @@ bool TXLAlpha::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_
 
 bool TXLAlpha::ReadNested(PrivateHyperFile* hf) {
     if (nesting_ == limits::kAlphaNesting.value) {
-        return hf->Fail(limits::kAlphaNesting, TextureFault::over_limit, [] {
-            return "chunks 110100 are followed " + std::to_string(limits::kAlphaNesting.value) +
-                   " deep, this one is deeper";
-        }) != 0;
+        return hf->Fail(
+                   TextureFault::over_limit,
+                   [] {
+                       return "chunks 110100 are followed " + std::to_string(limits::kAlphaNesting.value) +
+                              " deep, this one is deeper";
+                   },
+                   &limits::kAlphaNesting) != 0;
     }
     ++nesting_;
     const bool read = ReadChunk(hf);

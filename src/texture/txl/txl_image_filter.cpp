@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 
+#include "texture/txl/texture_observer.h"
 #include "texture/txl/txl_ids.h"
 #include "texture/txl/txl_image.h"
 
@@ -31,6 +32,11 @@ bool TXLImageFilter::SaveImage(const char* path, TXLImage* source) {
     file_.Close();
     image_ = nullptr;
     return file_.GetError() == 0;
+}
+
+void TXLImageFilter::SetObserver(TextureObserver* observer) {
+    observer_ = observer;
+    file_.SetObserver(observer);
 }
 
 bool TXLImageFilter::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t /*version*/) {

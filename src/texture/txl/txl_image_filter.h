@@ -10,6 +10,7 @@
 
 class BaseBitmap;
 class Filename;
+class TextureObserver;
 class TXLImage;
 
 /// What the texture's header chunk says; kept from one header to the next where a header does not say it.
@@ -52,11 +53,16 @@ class TXLImageFilter final : public Chunk {
     [[nodiscard]] std::int32_t GetError() const { return file_.GetError(); }
 
     /// An observer (not owned) to be told what a load finds, null for none.
-    void SetObserver(TextureObserver* observer) { file_.SetObserver(observer); }
+    void SetObserver(TextureObserver* observer);
 
     // For the handlers. The filter that a container belongs to is its private data, null for none.
     [[nodiscard]] static TXLImageFilter* Of(const PrivateHyperFile* hf) {
         return static_cast<TXLImageFilter*>(hf->GetPrivateData());
+    }
+    /// The observer of that filter, null for none.
+    [[nodiscard]] static TextureObserver* ObserverOf(const PrivateHyperFile* hf) {
+        const TXLImageFilter* filter = Of(hf);
+        return filter == nullptr ? nullptr : filter->observer_;
     }
     [[nodiscard]] TXLImage* image() { return image_; }
     [[nodiscard]] TXLTextureHeader& header() { return header_; }
@@ -68,6 +74,7 @@ class TXLImageFilter final : public Chunk {
 
   private:
     PrivateHyperFile file_;
+    TextureObserver* observer_ = nullptr;
     TXLImage* image_ = nullptr;  // target or source, during a load or save
     TXLTexture texture_;
     TXLAlpha alpha_;

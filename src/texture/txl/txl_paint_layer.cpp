@@ -8,6 +8,7 @@
 #include "texture/container/private_string.h"
 #include "texture/file/memory.h"
 #include "texture/txl/pixel_rows.h"
+#include "texture/txl/texture_observer.h"
 #include "texture/txl/txl_alpha.h"
 #include "texture/txl/txl_ids.h"
 #include "texture/txl/txl_image.h"
@@ -27,7 +28,7 @@ void show(TextureObserver& observer, std::int32_t mode, std::span<const unsigned
           const PrivateString& name) {
     std::vector<std::uint16_t> units(static_cast<std::size_t>(name.GetLength()));
     PrivateString::GetUcBlock(name, units.data(), name.GetLength());
-    observer.Layer({mode, attributes, units});
+    observer.on_layer({mode, attributes, units});
 }
 
 }  // namespace
@@ -66,7 +67,7 @@ bool TXLPaintLayer::ReadHeader(PrivateHyperFile* hf) {
     if (hf->GetError() != 0) {
         return false;
     }
-    if (TextureObserver* observer = hf->GetObserver(); observer != nullptr) {
+    if (TextureObserver* const observer = TXLImageFilter::ObserverOf(hf); observer != nullptr) {
         show(*observer, color_mode_, attributes_, name);
     }
     const TXLTextureHeader& texture = TXLImageFilter::Of(hf)->header();

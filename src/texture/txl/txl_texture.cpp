@@ -16,10 +16,13 @@ constexpr std::int32_t kTextureRowsVersion = 2;
 
 bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
     if (++filter.header_count() > limits::kTextureHeaders.value) {
-        return hf->Fail(limits::kTextureHeaders, TextureFault::over_limit, [] {
-            return std::to_string(limits::kTextureHeaders.value) +
-                   " texture headers are followed, this is one more";
-        }) != 0;
+        return hf->Fail(
+                   TextureFault::over_limit,
+                   [] {
+                       return std::to_string(limits::kTextureHeaders.value) +
+                              " texture headers are followed, this is one more";
+                   },
+                   &limits::kTextureHeaders) != 0;
     }
     TXLTextureHeader& header = filter.header();
     hf->ReadLong(&header.width);

@@ -15,9 +15,8 @@
 
 namespace {
 
-TextureError error_of(const std::string& path, TextureFault fault, std::string reason,
-                      const limits::Limit* limit = nullptr) {
-    return {fault, container_code(fault), path, 0, std::move(reason), {}, limit};
+diagnostic::Diagnostic error_of(const std::string& path, TextureFault fault, std::string reason) {
+    return diagnostic::make(fault, {path}, std::move(reason));
 }
 
 TextureReading read(const std::string& path, const TextureReadOptions& options) {
@@ -49,7 +48,7 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
     return reading;
 }
 
-std::optional<TextureError> write(const std::string& path, const Texture& texture) {
+std::optional<diagnostic::Diagnostic> write(const std::string& path, const Texture& texture) {
     if (const std::optional<std::string> reason = validate_for_writing(texture); reason.has_value()) {
         return error_of(path, TextureFault::bad_value, *reason);
     }
@@ -64,9 +63,11 @@ std::optional<TextureError> write(const std::string& path, const Texture& textur
     }
     const std::uint64_t size = os::file_state(path).size_bytes;
     if (size > static_cast<std::uint64_t>(limits::kTextureFile.value)) {
-        return error_of(path, TextureFault::over_limit,
-                        "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1",
-                        &limits::kTextureFile);
+        diagnostic::Diagnostic error =
+            error_of(path, TextureFault::over_limit,
+                     "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1");
+        error.limit = &limits::kTextureFile;
+        return error;
     }
     return std::nullopt;
 }
@@ -89,7 +90,7 @@ TextureReading read_texture(const std::string& path, const TextureReadOptions& o
     }
 }
 
-std::optional<TextureError> write_texture(const std::string& path, const Texture& texture) {
+std::optional<diagnostic::Diagnostic> write_texture(const std::string& path, const Texture& texture) {
     try {
         return write(path, texture);
     } catch (const std::bad_alloc&) {

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "diagnostic/diagnostic.h"
 #include "limit/limits.h"
 #include "texture/value/texture.h"
 #include "texture/value/texture_report.h"
@@ -29,10 +30,10 @@ struct TextureReadOptions {
 /// are there in either case.
 struct TextureReading {
     std::optional<Texture> texture;
-    std::optional<TextureError> error;
-    std::vector<TextureWarning> warnings;     // in the order of their first places
-    std::vector<ChunkOutline::Layer> layers;  // the headers of all layers, in file order
-    std::vector<ChunkOutline> chunks;         // the top level of the file; empty unless asked for
+    std::optional<diagnostic::Diagnostic> error;
+    std::vector<diagnostic::Diagnostic> warnings;  // in the order of their first places
+    std::vector<ChunkOutline::Layer> layers;       // the headers of all layers, in file order
+    std::vector<ChunkOutline> chunks;              // the top level of the file; empty unless asked for
 };
 
 /// Whether a file beginning with these bytes (8 are enough) says that it is a layered texture.
@@ -51,7 +52,8 @@ struct TextureReading {
 /// written: cannot_open, header_not_written or short_transfer from the file, bad_value for a texture whose
 /// parts do not fit each other (see validate_for_writing), over_limit for a file of 2^31 - 1 bytes or more,
 /// which no reader takes. Never throws.
-[[nodiscard]] std::optional<TextureError> write_texture(const std::string& path, const Texture& texture);
+[[nodiscard]] std::optional<diagnostic::Diagnostic> write_texture(const std::string& path,
+                                                                  const Texture& texture);
 
 /// Why `texture` cannot be written; nullopt for a sound one: a mode of 2 or 4, sizes that are not negative
 /// with at most 2^30 pixels in all, buffers of exactly the size their comments say, and fewer than 2^31

@@ -21,11 +21,7 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     if (negative || std::int64_t{w} * h > limits::kTexturePixels.value) {
         const std::string reason = "a texture of " + std::to_string(w) + " x " + std::to_string(h) +
                                    " pixels; sizes are not negative and at most 2^30 pixels are read";
-        if (negative) {
-            recorder_.refuse(TextureFault::over_limit, reason);
-        } else {
-            recorder_.refuse(limits::kTexturePixels, reason);
-        }
+        recorder_.refuse(TextureFault::over_limit, reason, negative ? nullptr : &limits::kTexturePixels);
         return false;
     }
     texture_.width_px = w;
@@ -110,10 +106,11 @@ TextureSink::Part TextureSink::clip(std::int32_t x, std::int32_t y, std::int32_t
 
 bool TextureSink::reserve(std::uint64_t bytes, const char* what) {
     if (bytes > max_decoded_bytes_ - decoded_bytes_) {
-        recorder_.refuse(limits::kDecodedBytes, std::string(what) + " takes " + std::to_string(bytes) +
-                                                    " bytes besides " + std::to_string(decoded_bytes_) +
-                                                    ", at most " + std::to_string(max_decoded_bytes_) +
-                                                    " are allowed");
+        recorder_.refuse(TextureFault::over_limit,
+                         std::string(what) + " takes " + std::to_string(bytes) + " bytes besides " +
+                             std::to_string(decoded_bytes_) + ", at most " +
+                             std::to_string(max_decoded_bytes_) + " are allowed",
+                         &limits::kDecodedBytes);
         return false;
     }
     decoded_bytes_ += bytes;

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-void TextureRecorder::ChunkStart(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
+void TextureRecorder::on_chunk_start(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
     ChunkOutline* added = nullptr;
     if (outline_) {
         // Places in these vectors stay where they are while a chunk is open: its siblings come after its end.
@@ -18,7 +18,7 @@ void TextureRecorder::ChunkStart(std::int32_t id, std::int32_t version, std::int
     open_.push_back({id, offset_bytes, added});
 }
 
-void TextureRecorder::ChunkEnd(std::int64_t end_bytes, bool handled) {
+void TextureRecorder::on_chunk_end(std::int64_t end_bytes, bool handled) {
     const OpenChunk& ended = open_.back();
     if (ended.outline != nullptr) {
         ended.outline->size_bytes = end_bytes - ended.offset_bytes;
@@ -31,13 +31,13 @@ void TextureRecorder::ChunkEnd(std::int64_t end_bytes, bool handled) {
     open_.pop_back();
 }
 
-void TextureRecorder::PixelRowsStart(const PixelRows& header) {
+void TextureRecorder::on_pixel_rows(const PixelRows& header) {
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
         chunk->rows = header;
     }
 }
 
-void TextureRecorder::Row(const RowBlock& block) {
+void TextureRecorder::on_row(const RowBlock& block) {
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
         chunk->blocks.push_back(block);
     }
@@ -59,7 +59,7 @@ void TextureRecorder::Row(const RowBlock& block) {
     });
 }
 
-void TextureRecorder::Layer(const LayerHeader& header) {
+void TextureRecorder::on_layer(const LayerHeader& header) {
     layer_name_ = utf8_from_units(header.name);
     layers_.push_back({header.color_mode, {header.attributes.begin(), header.attributes.end()}, layer_name_});
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
@@ -72,26 +72,29 @@ void TextureRecorder::Layer(const LayerHeader& header) {
     }
 }
 
-void TextureRecorder::Failed(TextureFault fault, std::int64_t offset_bytes, const std::string& reason) {
-    const limits::Limit* const limit = std::exchange(limit_, nullptr);
+void TextureRecorder::on_failure(const diagnostic::Diagnostic& failure) {
     if (!refused_) {
-        error_ = TextureError{fault, container_code(fault), path_, offset_bytes, reason, within(), limit};
+        error_ = failure;
+        error_->at.file = path_;
+        error_->within = within();
     }
 }
 
-void TextureRecorder::refuse(TextureFault fault, const std::string& reason) {
-    Failed(fault, open_.empty() ? 0 : open_.back().offset_bytes, reason);
+void TextureRecorder::refuse(TextureFault fault, std::string reason, const limits::Limit* limit) {
+    diagnostic::Place at;
+    if (!open_.empty()) {
+        at.offset_bytes = open_.back().offset_bytes;
+    }
+    diagnostic::Diagnostic failure = diagnostic::make(fault, std::move(at), std::move(reason));
+    failure.limit = limit;
+    on_failure(failure);
     refused_ = true;
 }
 
-void TextureRecorder::refuse(const limits::Limit& limit, const std::string& reason) {
-    OverLimit(limit);
-    refuse(TextureFault::over_limit, reason);
-}
-
 bool TextureRecorder::count_again(TextureNotice notice) {
-    const auto same = std::find_if(warnings_.begin(), warnings_.end(),
-                                   [notice](const TextureWarning& known) { return known.code == notice; });
+    const auto same =
+        std::find_if(warnings_.begin(), warnings_.end(),
+                     [notice](const diagnostic::Diagnostic& known) { return known.code == notice; });
     if (same == warnings_.end()) {
         return false;
     }

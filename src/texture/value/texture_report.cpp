@@ -1,8 +1,36 @@
 #include "texture/value/texture_report.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
+
+using diagnostic::Severity;
+
+constexpr auto kNotices = std::to_array<diagnostic::CodeRow<TextureNotice>>({
+    {TextureNotice::row_cleared,
+     {"row-cleared", Severity::warning, "A channel of a row does not decode to the row's length.",
+      "that channel of the row is 0 throughout"}},
+    {TextureNotice::row_repeated,
+     {"row-repeated", Severity::warning, "A channel of a row has an unknown flag.",
+      "that channel of the row repeats the row before"}},
+    {TextureNotice::chunk_skipped,
+     {"chunk-skipped", Severity::warning, "Nothing here reads this chunk.",
+      "the chunk is passed over with everything in it"}},
+    {TextureNotice::layer_without_alpha,
+     {"layer-without-alpha", Severity::warning, "The colour mode of a layer gives no alpha.",
+      "the layer's alpha channel is 0 throughout"}},
+    {TextureNotice::outside_picture,
+     {"outside-picture", Severity::warning, "A row reaches out of the picture.",
+      "what is outside the picture is dropped"}},
+    {TextureNotice::second_header,
+     {"second-header", Severity::warning, "A texture header follows another.",
+      "what was read before it is dropped"}},
+    {TextureNotice::cut_off,
+     {"cut-off", Severity::warning, "The file ends between two items inside a chunk.",
+      "the chunks that are missing are not known; what is there is used"}},
+});
+static_assert(diagnostic::in_order(kNotices, TextureNotice::cut_off));
 
 bool names_a_chunk(unsigned char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '_';
@@ -39,24 +67,12 @@ constexpr bool trails(std::uint16_t unit) {
 
 }  // namespace
 
-const char* notice_name(TextureNotice notice) {
-    switch (notice) {
-        case TextureNotice::row_cleared:
-            return "row-cleared";
-        case TextureNotice::row_repeated:
-            return "row-repeated";
-        case TextureNotice::chunk_skipped:
-            return "chunk-skipped";
-        case TextureNotice::layer_without_alpha:
-            return "layer-without-alpha";
-        case TextureNotice::outside_picture:
-            return "outside-picture";
-        case TextureNotice::second_header:
-            return "second-header";
-        case TextureNotice::cut_off:
-            return "cut-off";
-    }
-    return "";
+std::span<const diagnostic::CodeRow<TextureNotice>> texture_notices() {
+    return kNotices;
+}
+
+const diagnostic::CodeInfo& code_info(TextureNotice notice) {
+    return kNotices[static_cast<std::size_t>(notice)].info;
 }
 
 std::string chunk_name(std::int32_t id) {

@@ -5,26 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "texture/container/texture_fault.h"
-#include "texture/container/texture_observer.h"
-
-namespace limits {
-struct Limit;
-}
-
-/// What was wrong with a texture file, and where.
-struct TextureError {
-    TextureFault code = TextureFault::cannot_open;
-    std::int32_t container_code = 0;       // the container's own number for it; 0 when it has none
-    std::string path;                      // of the file, as given
-    std::int64_t offset_bytes = 0;         // of the item that was wrong
-    std::string reason;                    // what was found and what was allowed
-    std::vector<std::string> within;       // the chunks around it, outermost first: {"502", "TaVx"}
-    const limits::Limit* limit = nullptr;  // what the file was above of; null for other errors
-};
+#include "diagnostic/code.h"
+#include "texture/txl/texture_observer.h"
 
 /// Something in a texture file that was repaired or passed over while it was read.
-enum class TextureNotice {
+enum class TextureNotice : std::uint8_t {
     row_cleared,          ///< a channel of a row could not be decoded and became 0
     row_repeated,         ///< a channel of a row has an unknown flag and kept the row before
     chunk_skipped,        ///< a chunk that nothing here reads
@@ -34,16 +19,10 @@ enum class TextureNotice {
     cut_off,              ///< the file ended between two items inside a chunk
 };
 
-[[nodiscard]] const char* notice_name(TextureNotice notice);
-
-/// One kind of notice, with its first place and how often it came.
-struct TextureWarning {
-    TextureNotice code = TextureNotice::row_cleared;
-    std::int64_t count = 0;
-    std::int64_t offset_bytes = 0;    // of the first
-    std::string reason;               // of the first
-    std::vector<std::string> within;  // around the first, outermost first
-};
+/// The row of each notice, in the order of the enumeration. Every one is a warning; its remedy says what the
+/// notice means for the picture.
+[[nodiscard]] std::span<const diagnostic::CodeRow<TextureNotice>> texture_notices();
+[[nodiscard]] const diagnostic::CodeInfo& code_info(TextureNotice notice);
 
 /// A chunk of a file as it was found.
 struct ChunkOutline {
