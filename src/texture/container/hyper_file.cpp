@@ -16,7 +16,7 @@ namespace {
 constexpr std::array<unsigned char, 4> kMagic = {'A', 'V', 'X', 'R'};
 constexpr std::uint32_t kCounterEnd = 50000;
 
-/// Bytes behind each tag below 27. Tags 17, 18 and 22 to 26 are skipped by size only: nothing here reads or
+/// Bytes that follow each tag below 27. Tags 17, 18 and 22 to 26 are only ever skipped: nothing here reads or
 /// writes them.
 constexpr std::array<std::int32_t, 27> kValueBytes = {
     0, 8,  0,  0,  0, 0, 0, 0, 0, 0, 0,  // 1 is a chunk start: identifier and version
@@ -49,16 +49,17 @@ void PrivateHyperFile::TellObserver(TextureFault fault, std::string reason,
     observer_->on_failure(failure);
 }
 
-// Deliberately kept although nothing reads it, and deliberately starting over at 1: it is part of the record.
+// Deliberately kept although nothing reads the count, and deliberately restarted at 1: it is part of the
+// container's record.
 int PrivateHyperFile::Count() {
     counter_ = counter_ == kCounterEnd ? 1 : counter_ + 1;
     return 1;
 }
 
-// Takes the byte file's own error over. A closed file has none, and its operations fail without a code.
+// Takes over the byte file's error. A closed file has no error: its operations fail without a code.
 int PrivateHyperFile::Transferred(int success) {
     if (success == 0 && PrivateFile::GetError() != 0) {
-        // Of a full disk, say.
+        // A full disk, for example.
         const int reason = errno;
         Fail(TextureFault::short_transfer, [&] {
             return mode_ == kWriting
@@ -220,7 +221,7 @@ int PrivateHyperFile::ReadMemory(void** data, std::int32_t* count) {
         return 0;
     }
     if (byte_count == 0) {
-        return 1;  // Deliberately not counted, unlike every other value.
+        return 1;  // Deliberately not counted, unlike every other value: the count belongs to the record.
     }
     MemBlock block(static_cast<unsigned char*>(MemAlloc(std::int64_t{byte_count} + 1)));
     if (block == nullptr) {
@@ -278,8 +279,8 @@ int PrivateHyperFile::ReadString(PrivateString* string) {
         return 0;
     }
     if (byte_count == 0) {
-        // Deliberately without releasing the buffer it had: who shares that buffer relies on it staying.
-        // Strings are fresh wherever this system reads one, so nothing is lost.
+        // Deliberately does not release the old buffer: whoever shares it relies on it. Nothing leaks,
+        // because every string that is read here is new.
         string->Abandon();
         return Count();
     }
@@ -333,7 +334,7 @@ int PrivateHyperFile::SkipToEndChunk() {
     if (error_ != 0) {
         return 0;
     }
-    std::int32_t depth = 0;  // A file of 2^31 bytes has no room for as many start tags.
+    std::int32_t depth = 0;  // cannot overflow: a file below 2^31 bytes holds fewer start tags
     while (GetPosition() < length_) {
         std::uint8_t tag = 0;
         bool skipped = ReadValueHeader(&tag) != 0;
@@ -350,11 +351,11 @@ int PrivateHyperFile::SkipToEndChunk() {
                         [] { return std::string("the file ends inside a chunk that is being skipped"); });
         }
     }
-    return 0;  // Deliberately without a code: an end of file between two items ends the reading, no more.
+    return 0;  // Deliberately without a code: a file that ends between two items is kept as far as it goes.
 }
 
 int PrivateHyperFile::ReadDummy(std::int32_t count) {
-    // In pieces instead of byte by byte: a short piece ends where a short byte would, at the end of the file.
+    // In pieces rather than byte by byte; either way a short read ends at the end of the file.
     std::array<unsigned char, 4096> ignored;
     while (count > 0) {
         const std::int32_t piece = std::min(count, static_cast<std::int32_t>(ignored.size()));

@@ -12,12 +12,12 @@ namespace limits {
 struct Limit;
 }
 
-/// The container of texture files: an 8-byte header, then big-endian values, each behind a one-byte type tag,
-/// and nested chunks between a start tag and an end tag. docs/texture-format.md describes every byte.
+/// The container of texture files: an 8-byte header, then big-endian values, each preceded by a one-byte type
+/// tag, and nested chunks between a start tag and an end tag. docs/texture-format.md describes every byte.
 ///
 /// Operations return 1 for success and 0 for failure. The error code is sticky: the first failure sets it,
-/// and from then on every operation fails at once without touching the file, so a caller may issue a sequence
-/// of reads and ask GetError once at its end.
+/// and every later operation fails at once without touching the file. A caller can therefore issue a sequence
+/// of reads and check GetError once at the end.
 class PrivateHyperFile : public PrivateFile {
   public:
     static constexpr std::int32_t kReading = 1;
@@ -25,9 +25,9 @@ class PrivateHyperFile : public PrivateFile {
 
     static constexpr std::int32_t kErrorFile = 1;           // a short read or write
     static constexpr std::int32_t kErrorDirection = -4;     // reading a chunk of a file open for writing
-    static constexpr std::int32_t kErrorRefused = -7;       // no memory, or data that is not acceptable
+    static constexpr std::int32_t kErrorRefused = -7;       // no memory, or unacceptable data
     static constexpr std::int32_t kErrorFormat = -100;      // wrong magic, ident or tag
-    static constexpr std::int32_t kErrorStrayValue = -103;  // a value where only chunks may stand
+    static constexpr std::int32_t kErrorStrayValue = -103;  // a value where only chunks are allowed
     static constexpr std::int32_t kErrorTruncated = -104;   // skipping failed
 
     static constexpr std::uint8_t kTagChunkStart = 1;
@@ -51,17 +51,16 @@ class PrivateHyperFile : public PrivateFile {
 
     /// Opens `name`, for writing when `write` is not 0. `mode` 2 writes the header with `ident`; any other
     /// mode checks that the file begins with the magic and `ident`. The fourth argument is not used. A failed
-    /// open sets the error code 1, a failed header -100 and the file is closed again; an empty file fails
-    /// without a code. Files of 2^31 bytes and more are refused with -7: their lengths and positions do not
-    /// fit the format's 32 bits. Deliberately clears no earlier error: an object that failed stays failed
-    /// until its owner calls SetError(0).
+    /// open sets error 1. A wrong or unwritten header sets -100 and closes the file; an empty file fails
+    /// without a code. Files of 2^31 - 1 bytes or more are refused with -7, because lengths and positions are
+    /// 32-bit in this format. Deliberately clears no earlier error: an object that failed stays failed until
+    /// its owner calls SetError(0).
     int Open(std::int32_t ident, const char* name, std::int32_t mode, std::int32_t unused, int write);
 
-    /// Closes the file. When it was being written, bytes that could not be handed to the system set error 1.
-    /// Returns 0 if there was nothing to close.
+    /// Closes the file. Sets error 1 when buffered bytes could not be written. Returns 0 if no file was open.
     int Close();
 
-    /// The length in bytes taken when the file was opened for reading; 0 when writing.
+    /// The file's length in bytes when it was opened for reading; 0 when writing.
     [[nodiscard]] std::int32_t GetLength() const { return length_; }
     [[nodiscard]] std::int32_t GetError() const { return error_; }
     void SetError(std::int32_t error) { error_ = error; }
@@ -83,8 +82,8 @@ class PrivateHyperFile : public PrivateFile {
     int WriteMemory(const void* data, std::int32_t count);
     int WriteString(const PrivateString& string);
 
-    // Each reads a tag and, when it is the operation's own, the value; another tag sets -100 and nothing more
-    // is read. A value that could not be read is left as it was.
+    // Each of these reads a tag and then the value. A tag of another type sets -100, and nothing more is
+    // read. On failure the output keeps its value.
     int ReadChar(char* value);
     int ReadUChar(unsigned char* value);
     int ReadWord(std::int16_t* value);
@@ -92,49 +91,50 @@ class PrivateHyperFile : public PrivateFile {
     int ReadLong(std::int32_t* value);
     int ReadULong(std::uint32_t* value);
     int ReadReal(float* value);
-    /// 1 for any byte but 0.
+    /// Gives 1 for any byte other than 0.
     int ReadBool(int* value);
-    /// The format has doubles, but nothing in it is read as one.
+    /// Deleted: the format has doubles, but no file contains one that is read.
     int ReadLReal(double* value) = delete;
 
-    /// A block of bytes, new memory that the caller gives back with MemFree; null and 0 for an empty block
-    /// and on failure. One zero byte that is not part of the count follows the bytes: the row decoder may
-    /// look one byte past its input. A negative count sets -7, one beyond the end of the file 1, both before
-    /// anything is allocated.
+    /// Reads a block of bytes into new memory, which the caller releases with MemFree; null and 0 for an
+    /// empty block and on failure. An uncounted zero byte follows the block, because PackBitsDecode may read
+    /// one byte past its input. A negative count sets -7 and one beyond the end of the file sets 1, both
+    /// before anything is allocated.
     int ReadMemory(void** data, std::int32_t* count);
 
-    /// The same without a copy for the caller: the bytes belong to the container and are there until its next
-    /// operation; nothing follows them. One buffer serves all blocks.
+    /// Like ReadMemory, but without a copy: the bytes belong to the container and stay valid until its next
+    /// operation. No zero byte follows them.
     int ReadMemoryInPlace(const unsigned char** data, std::int32_t* count);
 
-    /// A string; an odd last byte is dropped. Refuses counts as ReadMemory does.
+    /// Reads a string and drops an odd last byte. Refuses the same counts as ReadMemory.
     int ReadString(PrivateString* string);
 
-    /// Reads one byte, which must be `tag`; otherwise -100.
+    /// Reads one byte; sets -100 if it is not `tag`.
     int CheckIt(std::uint8_t tag);
-    /// Reads one tag without judging it.
+    /// Reads one tag and accepts any value.
     int ReadValueHeader(std::uint8_t* tag);
 
     int WriteChunkStart(std::int32_t id, std::int32_t version);
     int WriteChunkEnd();
-    /// The identifier and version behind a start tag that has been read.
+    /// Reads the identifier and version that follow a start tag, which the caller has read.
     int ReadChunkStart(std::int32_t* id, std::int32_t* version);
-    /// Follows an end tag that has been read; reads nothing. Sets -4 when the file is open for writing.
+    /// Counts an end tag, which the caller has read; reads nothing. Sets -4 when the file is open for
+    /// writing.
     int ReadChunkEnd();
 
-    /// Skips what follows a tag that has been read. A chunk start is entered; unknown tags have nothing to
-    /// skip; a block of negative length skips nothing more than its length.
+    /// Skips the bytes that belong to a tag, which the caller has read. Skipping a chunk start enters the
+    /// chunk. An unknown tag has no bytes; of a block with a negative length only the length is skipped.
     int SkipValue(std::uint8_t tag);
-    /// Skips to just past the end of the chunk that is open, nested ones included. What cannot be skipped
-    /// sets -104; an end of file between two items fails without a code.
+    /// Skips to just past the end of the open chunk, including nested chunks. An item that cannot be skipped
+    /// sets -104; reaching the end of the file between two items fails without a code.
     int SkipToEndChunk();
-    /// Skips `count` bytes; below 1 none.
+    /// Skips `count` bytes; a count below 1 skips nothing.
     int ReadDummy(std::int32_t count);
 
     /// Sets an observer (not owned) that is told of every failure; null for none.
     void SetObserver(FailureObserver* observer) { observer_ = observer; }
 
-    /// Offset in bytes of the tag of the item read last. Kept only while there is an observer.
+    /// Offset in bytes of the tag of the last item read. Maintained only while an observer is set.
     [[nodiscard]] std::int64_t GetItemOffset() const { return item_offset_bytes_; }
 
     /// The one place where an error begins: sets the fault's code and tells the observer. `reason` returns
@@ -153,7 +153,7 @@ class PrivateHyperFile : public PrivateFile {
     std::int32_t error_ = 0;
     std::int32_t mode_ = kReading;
     std::int32_t length_ = 0;
-    std::uint32_t counter_ = 0;  // values and chunk marks handled, 1..50000 and again from 1
+    std::uint32_t counter_ = 0;  // values and chunk marks handled; runs from 1 to 50000 and restarts at 1
     void* private_data_ = nullptr;
 
   private:
@@ -161,9 +161,9 @@ class PrivateHyperFile : public PrivateFile {
     int Count();
     int Transferred(int success);
     int OpenForReading(std::int32_t ident);
-    /// Reads the count of a block and refuses what is negative or not there.
+    /// Reads the count of a block; refuses negative counts and counts beyond the end of the file.
     int ReadByteCount(std::int32_t* count);
-    /// Makes block_ hold that many bytes; false when memory is short.
+    /// Makes room in block_ for that many bytes; false when memory is short.
     bool HasBlock(std::int32_t byte_count);
     template <typename Value>
     int ReadTyped(std::uint8_t tag, Value* value, int (PrivateFile::*read)(Value*));
@@ -173,6 +173,6 @@ class PrivateHyperFile : public PrivateFile {
 
     FailureObserver* observer_ = nullptr;
     std::int64_t item_offset_bytes_ = 0;
-    MemBlock block_;  // of ReadMemoryInPlace, for what the file's own buffer does not hold
+    MemBlock block_;  // blocks of ReadMemoryInPlace that do not fit the file's own buffer
     std::int32_t block_bytes_ = 0;
 };

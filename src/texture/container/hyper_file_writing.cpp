@@ -1,4 +1,4 @@
-// The writing half of the container.
+// The operations of the container that write.
 
 #include <limits>
 #include <string>

@@ -27,7 +27,7 @@ std::int32_t BaseFile::ReadBytes(void* buffer, std::int32_t count, int /*flags*/
     const std::size_t read =
         count > 0 ? std::fread(buffer, 1, static_cast<std::size_t>(count), handle_) : std::size_t{0};
     if (read == 0) {
-        error_ = 0;  // Deliberate: a failed read is told by the result alone, the field stays good.
+        error_ = 0;  // Deliberate: only the result reports a failed read; the error field is for Open.
         return -1;
     }
     return static_cast<std::int32_t>(read);

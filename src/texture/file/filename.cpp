@@ -38,7 +38,7 @@ Filename::~Filename() {
     delete[] text_;
 }
 
-// Only called on an empty object. The spare byte behind the terminator belongs to the record's layout.
+// Called only on an empty object. The spare byte after the terminator belongs to the record's layout.
 void Filename::Store(const char* text) {
     const std::size_t length = std::strlen(text);
     if (length > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()) - 2) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-// Any length and any bytes pass: nothing is widened, cut or re-encoded.
+// Accepts any length and any bytes; nothing is re-encoded or cut.
 std::unique_ptr<char[]> copy_of(const char* path) {
     if (path == nullptr) {
         return nullptr;

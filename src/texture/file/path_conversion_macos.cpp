@@ -1,5 +1,5 @@
-// The two conversions where CoreFoundation knows the styles of paths. Written from its documentation and
-// checked for syntax only: no Macintosh builds or runs it here (docs/hosts.md).
+// The two path conversions on macOS, by CoreFoundation. Written from its documentation and checked only for
+// syntax: this repository is not built or run on macOS (docs/hosts.md).
 
 #include <CoreFoundation/CoreFoundation.h>
 
@@ -14,7 +14,7 @@
 
 namespace {
 
-/// Longer paths are refused; the interface has no longer ones.
+/// In bytes. Longer paths are refused; the host's interface has none.
 constexpr std::size_t kLongestPath = 2000;
 
 struct Release {
@@ -32,7 +32,7 @@ std::unique_ptr<char[]> copy_of(const char* path) {
     return copy;
 }
 
-/// One style into the other, by way of a URL. Null when a step fails or the result is no ASCII.
+/// Converts one style into the other through a URL. Null when a step fails or the result is not ASCII.
 std::unique_ptr<char[]> converted(const char* path, CFStringEncoding encoding, CFURLPathStyle from,
                                   CFURLPathStyle to) {
     const Owned<CFStringRef> text(CFStringCreateWithCString(kCFAllocatorDefault, path, encoding));
@@ -59,8 +59,8 @@ bool is_ascii(const char* path) {
 
 }  // namespace
 
-// Deliberate: a path from the root with other characters keeps its style. The host's style has no room for
-// them, and today's hosts, which are the only ones that this is built for, hand such paths over.
+// Deliberate: an absolute path with other characters keeps its style. The host's style cannot express them,
+// and current hosts, the only ones that this is built for, do pass such paths.
 std::unique_ptr<char[]> host_path_from_posix(const char* path) {
     if (path == nullptr) {
         return nullptr;
@@ -71,8 +71,8 @@ std::unique_ptr<char[]> host_path_from_posix(const char* path) {
     return path[0] == '/' ? copy_of(path) : nullptr;
 }
 
-// What host_path_from_posix makes has a colon and does not begin with a slash; everything else was never
-// converted.
+// A path that host_path_from_posix has converted contains a colon and does not begin with a slash; any other
+// path was never converted.
 std::unique_ptr<char[]> posix_path_from_host(const char* path) {
     if (path == nullptr) {
         return nullptr;

@@ -33,7 +33,7 @@ int PrivateFile::Open(const char* path, int write) {
         handle_ = writing_ ? os::open_file_to_write(path) : os::open_regular_file(path);
     }
     if (handle_ != nullptr) {
-        // The stream's own buffer would be a second copy.
+        // The stream's own buffer would only add a second copy.
         std::setvbuf(handle_, nullptr, _IONBF, 0);
     }
     error_ = handle_ == nullptr ? 1 : 0;
@@ -45,7 +45,7 @@ int PrivateFile::Fail() {
     return 0;
 }
 
-// `count` bytes from the stream itself; fewer are an error.
+// Reads `count` bytes from the stream itself; fewer are an error.
 bool PrivateFile::ReadStream(unsigned char* target, std::int64_t count) {
     const auto wanted = static_cast<std::size_t>(count);
     return std::fread(target, 1, wanted, handle_) == wanted;
@@ -56,8 +56,8 @@ bool PrivateFile::WriteStream(const unsigned char* source, std::int64_t count) {
     return std::fwrite(source, 1, wanted, handle_) == wanted;
 }
 
-// Moves what is left to the front of the buffer and reads on behind it, until `count` bytes are there. False
-// at the end of the file and after a failure.
+// Moves the unread bytes to the front of the buffer and reads more until it holds `count` bytes. False at the
+// end of the file and after a failure.
 bool PrivateFile::Fill(std::int32_t count) {
     std::memmove(buffer_.data(), buffer_.data() + begin_, static_cast<std::size_t>(end_ - begin_));
     end_ -= begin_;
@@ -138,7 +138,7 @@ int PrivateFile::WriteBytes(const void* buffer, std::int32_t count) {
     return 1;
 }
 
-// Hands the buffer of a file that is being written to the system.
+// Writes the buffered bytes to the stream.
 bool PrivateFile::Empty() {
     const std::int32_t there = end_;
     end_ = 0;
@@ -146,7 +146,7 @@ bool PrivateFile::Empty() {
     return WriteStream(buffer_.data(), there);
 }
 
-// Values cross as bytes: a float that is swapped while it is a float may lose its exact pattern.
+// Values are swapped as bytes: a float that is swapped as a float may lose its exact bit pattern.
 template <typename Value>
 int PrivateFile::ReadValue(Value* value) {
     unsigned char bytes[sizeof(Value)];
@@ -240,7 +240,7 @@ std::int32_t PrivateFile::GetLength() {
     }
     const std::int64_t length = ::ftello(handle_);
     if (::fseeko(handle_, position, SEEK_SET) != 0) {
-        Fail();  // The position is lost: what would be read next is no longer what the caller expects.
+        Fail();  // The position is lost, so the next read would not return what the caller expects.
         return 0;
     }
     return as_32_bits(length);
@@ -250,7 +250,7 @@ std::int32_t PrivateFile::GetPosition() const {
     if (handle_ == nullptr || error_ != 0) {
         return 0;
     }
-    // Read ahead of the position, or not written yet.
+    // The stream is ahead of the position when reading and behind it when writing.
     return as_32_bits(writing_ ? passed_bytes_ + end_ : passed_bytes_ - (end_ - begin_));
 }
 

@@ -9,16 +9,16 @@
 
 namespace {
 
-/// Pixels between two requests for what comes: the smallest number that is whole cache lines everywhere.
+/// Pixels per prefetch: the smallest number that fills whole cache lines in every array.
 constexpr std::int32_t kStretch = 32;
 
-/// How many pixels ahead memory is asked for. A picture is larger than any cache, and the processor's own
-/// guessing stops at the end of every page: without this, drawing takes half as long again.
+/// How many pixels ahead memory is prefetched. A picture is larger than any cache, and the processor's own
+/// prefetcher stops at the end of every page: without this, drawing takes half as long again.
 constexpr std::int32_t kAhead = 512;
 
 constexpr std::uint32_t kOpaque = 0xFF;
 
-/// Asks for the cache lines of a stretch, those of the frame unless they are passed by.
+/// Prefetches the cache lines of a stretch, including those of the frame unless stores bypass the caches.
 template <bool Streamed>
 [[gnu::always_inline]] inline void prefetch_stretch(const DrawnRow& row, std::int32_t x) {
     constexpr std::int64_t kLineValues = 32;  // of 16 bits in a cache line
@@ -73,7 +73,7 @@ template <bool HasAlpha, bool Streamed>
     store_pixels<Streamed>(zip_pairs_high(alpha_red_high, green_blue_high), argb + 48);
 }
 
-/// The rows are copies, which no store into the frame can change as far as the compiler knows.
+/// Takes the rows by value, so that the compiler knows that no store into the frame can change them.
 template <bool HasAlpha, bool Streamed>
 // cppcheck-suppress passedByValue
 void draw(const DrawnRow row, std::int32_t count, const DrawnRow next) {
@@ -102,7 +102,7 @@ void draw(const DrawnRow row, std::int32_t count, const DrawnRow next) {
 
 template <bool HasAlpha>
 void draw_into(FrameMemory memory, const DrawnRow& row, std::int32_t count, const DrawnRow& next) {
-    // Pixels that lie across words are not streamed: no number of them reaches an address to begin at.
+    // Streaming needs aligned stores, and pixels that straddle words never reach an aligned address.
     if (memory == FrameMemory::past_caches && reinterpret_cast<std::uintptr_t>(row.argb) % 4 == 0) {
         draw<HasAlpha, true>(row, count, next);
     } else {
@@ -110,10 +110,10 @@ void draw_into(FrameMemory memory, const DrawnRow& row, std::int32_t count, cons
     }
 }
 
-// Where row `y` of the picture is drawn. The host's alpha is the picture's own, opaque for a picture without.
-// Deliberately not what a lookup under channel number 0 gives: the bitmap refuses that number.
+// Row `y` of the picture and its place in the frame. Draws the picture's own alpha, and opaque pixels without
+// one. Deliberately does not look alpha up under channel number 0: the bitmap refuses that number.
 DrawnRow row_of(const BaseBitmap& bitmap, const PF_LayerDef& world, A_long y) {
-    // Rows of a host's frame may be padded, and may run upwards.
+    // Rows of a host's frame may be padded, and may run from bottom to top.
     unsigned char* const argb =
         reinterpret_cast<unsigned char*>(world.data) + std::int64_t{y} * world.row_bytes;
     return {bitmap.PixelRow(y), bitmap.AlphaRow(bitmap.GetChannelNum(0), y), argb};

@@ -21,8 +21,9 @@ constexpr A_u_long kTimeScale = 30;
 constexpr A_Fixed kNativeFramesPerSecond = 30 << 16;
 constexpr std::int64_t kBytesPerPixel = 6;
 
-// The record's address behind a handle, looked up with one lock that is given back at once. Deliberately used
-// without the lock afterwards: the record lives as long as the in-spec, and the host does not move it.
+// Gets the address of the record in a handle by locking the handle and unlocking it at once. The address is
+// deliberately used without the lock afterwards: the record lives as long as the in-spec, and the host does
+// not move it.
 A_Err look_up_record(AEGP_SuiteHandler& suites, AEGP_MemHandle handle, void** record) {
     A_Err err = suites.MemorySuite1()->AEGP_LockMemHandle(handle, record);
     if (err == kHostErrorNone) {
@@ -34,8 +35,8 @@ A_Err look_up_record(AEGP_SuiteHandler& suites, AEGP_MemHandle handle, void** re
     return err;
 }
 
-// Makes the record in a fresh handle of its own. The memory comes cleared, but a record is more than zero
-// bytes: its picture has a constructor, which runs here.
+// Constructs the record in a new handle. The memory is cleared, but the record's picture has a constructor,
+// which must run.
 A_Err make_record(AEGP_SuiteHandler& suites, AEGP_MemHandle* handle, tagTexalonHeader** record) {
     A_Err err = suites.MemorySuite1()->AEGP_NewMemHandle(g_PluginID, "optionsH", sizeof(tagTexalonHeader),
                                                          kMemFlagClear, handle);
@@ -52,8 +53,8 @@ A_Err make_record(AEGP_SuiteHandler& suites, AEGP_MemHandle* handle, tagTexalonH
     return err;
 }
 
-// Gives back the picture of the record, then the handle. The picture is emptied rather than ended: if the
-// host cannot free the handle and comes back with it, there is still a record in it, with nothing to draw.
+// Frees the picture of the record, then the handle. The picture is emptied rather than destroyed: if the host
+// fails to free the handle and uses it again, the handle still holds a record, with nothing to draw.
 A_Err free_record(AEGP_SuiteHandler& suites, AEGP_MemHandle handle) {
     void* record = nullptr;
     if (suites.MemorySuite1()->AEGP_LockMemHandle(handle, &record) == kHostErrorNone) {
@@ -65,8 +66,8 @@ A_Err free_record(AEGP_SuiteHandler& suites, AEGP_MemHandle handle) {
     return suites.MemorySuite1()->AEGP_FreeMemHandle(handle);
 }
 
-// Gives back the picture of a record that nobody will dispose of, because it never got attached: also on the
-// way of the exception for a missing suite.
+// Frees the picture of a record that was never attached and so is never disposed of, also when a missing
+// suite throws.
 class UnattachedPicture {
   public:
     explicit UnattachedPicture(BaseBitmap* picture) : picture_(picture) {}
@@ -83,7 +84,7 @@ class UnattachedPicture {
     BaseBitmap* picture_;
 };
 
-// The record that was attached before is this module's too, so it goes the way of a disposed one.
+// A record that was attached before is this module's as well, so it is freed like a disposed one.
 A_Err attach_record(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, AEGP_MemHandle handle,
                     UnattachedPicture* picture) {
     void* old_handle = nullptr;
@@ -97,7 +98,7 @@ A_Err attach_record(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, AEGP_MemHandle
 }
 
 A_long clamped_size_bytes(const tagTexalonHeader& header) {
-    // A picture has at most 2^30 pixels, which is far from the end of 64 bits, but not of 32.
+    // A picture has at most 2^30 pixels: the size fits 64 bits easily, but not always 32.
     const std::int64_t size_bytes = std::int64_t{header.width} * header.height * kBytesPerPixel;
     return static_cast<A_long>(std::min<std::int64_t>(size_bytes, std::numeric_limits<A_long>::max()));
 }
@@ -168,7 +169,7 @@ A_Err draw_in_spec(AEGP_SuiteHandler& suites, AEIO_InSpecH spec, const PF_LayerD
     return kHostErrorNone;
 }
 
-// The path as the record keeps it.
+// The path as the record holds it.
 using TruncatedPath = std::array<A_char, sizeof(tagTexalonHeader::path)>;
 
 TruncatedPath truncated_path(const A_char* path) {
@@ -183,14 +184,14 @@ TruncatedPath truncated_path(const A_char* path) {
 
 A_Err ReadFileHeader(AEIO_BasicData* basic, tagTexalonHeader* header, const A_char* path) {
     AEGP_SuiteHandler suites(basic->basic_suite);
-    // The host's string copy knows no length, so it is given no more than fits.
+    // The host's string copy takes no length, so the text is truncated to fit first.
     const TruncatedPath truncated = truncated_path(path);
     suites.ANSISuite1()->strcpy(header->path, truncated.data());
 
     TXLImageFilter filter;
     ExampleTXLImage image(&header->bitmap);
     if (!filter.LoadImage(path, &image)) {
-        // Deliberately shown as it stands: there is no line to name in this kind of file.
+        // Deliberately shown with its "%d" unreplaced: this kind of file has no lines.
         suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_loading_file);
         return kHostErrorParameter;
     }

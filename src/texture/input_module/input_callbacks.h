@@ -2,22 +2,22 @@
 
 #include "host/host_interface.h"
 
-// The callbacks of the input side, other than those that read files and frames (frame_reading.h). All return
-// a host error code, 0 for success. The basic data comes from the host and is never null.
+// The callbacks of the input side, except those that read files and frames (frame_reading.h). Each returns a
+// host error code, 0 for success. The basic data comes from the host and is never null.
 
-/// Empties the verbiage's type and sub-type; the name is left alone.
+/// Sets the verbiage's type and sub-type to empty strings; the name stays unchanged.
 A_Err My_GetInSpecInfo(AEIO_BasicData*, AEIO_InSpecH, AEIO_Verbiage*);
 
 /// Shows a fixed text through the message function of the basic data, with code 0.
 A_Err My_SeqOptionsDlg(AEIO_BasicData*, AEIO_InSpecH, A_Boolean* user_interacted);
 
-/// One: the file itself.
+/// Sets `*num` to 1: the file itself.
 A_Err My_NumAuxFiles(AEIO_BasicData*, AEIO_InSpecH, A_long* num);
 
-/// Declares every file importable, without looking at it.
+/// Declares every file importable without reading it.
 A_Err My_VerifyFileImportable(AEIO_BasicData*, A_long signature, const A_char* path, A_Boolean* importable);
 
-// Left to the host: kHostUseDefaultCallback, no output argument touched.
+// Left to the host: these return kHostUseDefaultCallback and change no output argument.
 
 A_Err My_FlattenOptions(AEIO_BasicData*, AEIO_InSpecH, AEIO_Handle* flat_options);
 A_Err My_SynchInSpec(AEIO_BasicData*, AEIO_InSpecH, A_Boolean* changed);
@@ -31,7 +31,7 @@ A_Err My_GetSound(AEIO_BasicData*, AEIO_InSpecH, A_short quality, const AEIO_Int
 A_Err My_InqNextFrameTime(AEIO_BasicData*, AEIO_InSpecH, const A_Time*, A_short direction, A_Boolean* found,
                           A_Time* next);
 
-// Accepted without doing anything: 0, no output argument touched.
+// Accepted without effect: these return 0 and change no output argument.
 
 A_Err My_InitInSpecInteractive(AEIO_BasicData*, AEIO_InSpecH);
 A_Err My_InflateOptions(AEIO_BasicData*, AEIO_InSpecH, AEIO_Handle flat_options);

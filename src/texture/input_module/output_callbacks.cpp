@@ -12,7 +12,7 @@
 
 namespace {
 
-// Writes the text, cut where the field ends, and its terminator; the rest of the field is left alone.
+// Writes the text, truncated to fit the field, and its terminator; the rest of the field stays unchanged.
 template <std::size_t N>
 void set_text(A_char (&field)[N], std::string_view text) {
     const std::string_view kept = text.substr(0, N - 1);

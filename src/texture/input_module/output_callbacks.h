@@ -2,28 +2,27 @@
 
 #include "host/host_interface.h"
 
-// The callbacks of the output side. The module is an input module; these are present because the host's
-// record has a place for each. All return a host error code, 0 for success. The basic data comes from the
-// host and is never null.
+// The callbacks of the output side. The module only reads; these exist because the host's record requires
+// them. Each returns a host error code, 0 for success. The basic data comes from the host and is never null.
 
-/// Gives back what the plain global operator new made; null is allowed. The type behind the pointer is the
-/// host's to know, so no destructor is run.
+/// Frees memory from the global operator new; null is allowed. The type of the object is unknown here, so no
+/// destructor runs.
 A_Err My_DisposeOutputOptions(AEIO_BasicData*, void* options);
 
 /// Shows a fixed text through the message function of the basic data, with code 1.
 A_Err My_UserOptionsDialog(AEIO_BasicData*, AEIO_OutSpecH, const PF_LayerDef* sample,
                            A_Boolean* user_interacted);
 
-/// Describes the output file: its name is what follows the last backslash of the host's path for it, at most
-/// 31 characters, "???" when there is none; type and sub-type are the module's name. Deliberately no other
-/// separator counts, whatever the host's paths use. Reports "Unable to get file data" and returns the host's
-/// error when it has no path.
+/// Describes the output file: the name is the part of the host's path after the last backslash, at most 31
+/// characters, or "???" without a backslash; type and sub-type are the module's name. Deliberately recognises
+/// only the backslash, also where the host's paths use another separator: the rule for the name is fixed.
+/// Reports "Unable to get file data" and returns the host's error when the host has no path.
 A_Err My_GetOutputInfo(AEIO_BasicData*, AEIO_OutSpecH, AEIO_Verbiage*);
 
-/// 32 bits with alpha is the one depth that would be written.
+/// Gives 32 bits with alpha as the only supported depth.
 A_Err My_GetDepths(AEIO_BasicData*, AEIO_OutSpecH, A_long* which);
 
-// Left to the host: kHostUseDefaultCallback, no output argument touched.
+// Left to the host: these return kHostUseDefaultCallback and change no output argument.
 
 A_Err My_InitOutputSpec(AEIO_BasicData*, AEIO_OutSpecH, A_Boolean* user_interacted);
 A_Err My_GetFlatOutputOptions(AEIO_BasicData*, AEIO_OutSpecH, AEIO_Handle* options);
@@ -34,7 +33,7 @@ A_Err My_GetSizes(AEIO_BasicData*, AEIO_OutSpecH, std::uint64_t* free_space, std
 A_Err My_GetOutputSuffix(AEIO_BasicData*, AEIO_OutSpecH, A_char* suffix);
 A_Err My_UserAudioOptionsDialog(AEIO_BasicData*, AEIO_OutSpecH, A_Boolean* user_interacted);
 
-// Accepted without doing anything: 0, no output argument touched.
+// Accepted without effect: these return 0 and change no output argument.
 
 A_Err My_StartAdding(AEIO_BasicData*, AEIO_OutSpecH, A_long flags);
 A_Err My_AddFrame(AEIO_BasicData*, AEIO_OutSpecH, A_long index, A_long frames, const PF_LayerDef*,

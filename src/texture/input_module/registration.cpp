@@ -13,7 +13,7 @@ constexpr A_long kTextureCreator = four_char_code("VXR1");
 constexpr A_long kAnyCreator = -1;
 constexpr AEIO_FileExt kTextureExtension = {'.', {'t', 'x', 'l'}};
 
-// Announced, and deliberately enforced nowhere: textures of any size are read.
+// Announced to the host and deliberately enforced nowhere: textures of any size are read.
 constexpr A_long kMaxWidth_px = 320;
 constexpr A_long kMaxHeight_px = 240;
 
@@ -35,8 +35,8 @@ A_Err TexalonConstructModuleInfo(AEIO_ModuleInfo* info) {
     info->create_kind.creator = kTextureCreator;
     info->create_ext = kTextureExtension;
 
-    // One file type, then one extension. The third entry is deliberately filled beyond the counts: the
-    // extension again, with a zero behind it.
+    // One file type, then one extension. Deliberately, because the whole record is fixed, a third entry
+    // beyond these counts repeats the extension, followed by a zero.
     info->read_kinds[0].mac = {kTextureType, kAnyCreator};
     info->read_kinds[1].ext = info->create_ext;
     info->read_kinds[2].ext = kTextureExtension;

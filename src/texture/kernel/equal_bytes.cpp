@@ -4,14 +4,15 @@
 
 namespace {
 
-/// Eight bytes that are 0 or 1 as eight bits, the first byte's the lowest.
+/// Packs eight bytes that are 0 or 1 into eight bits, the first byte in the lowest.
 std::uint64_t eight_bits(const unsigned char* bytes) {
-    // The factor moves the bit of byte i to bit 56 + i; no two of the other products meet, so nothing
+    // The factor moves the bit of byte i to bit 56 + i. The other partial products never overlap, so nothing
     // carries.
     return (load_little_endian<std::uint64_t>(bytes) * 0x0102040810204080U) >> 56;
 }
 
-/// The same of 64 bytes. Flat rows have only ones and noise has next to none, which is seen sooner.
+/// Packs 64 such bytes into one word. Flat rows are all ones and noise is nearly all zeros: both have
+/// shortcuts.
 std::uint64_t word_of_bits(const unsigned char* bytes) {
     constexpr std::uint64_t kOnes = 0x0101010101010101U;
     std::uint64_t any = 0;
@@ -39,10 +40,10 @@ std::uint64_t word_of_bits(const unsigned char* bytes) {
 void EqualBytes::scan_block(std::int64_t word) {
     const std::int64_t block = word / kBlockWords;
     const std::int64_t first = block * kBlockPlaces;
-    // The last two places have no two bytes behind them.
+    // The last two places are not followed by two bytes.
     const std::int64_t places = std::clamp<std::int64_t>(count_ - 2 - first, 0, kBlockPlaces);
-    // Through pointers: a test of an index, even one that is known to hold, keeps loops from being
-    // vectorised.
+    // Plain pointers, because a bounds check, even a redundant one, keeps compilers from vectorising the
+    // loop.
     std::array<unsigned char, kBlockPlaces> even_places;
     unsigned char* const even = even_places.data();
     std::uint64_t* const words = words_.data();

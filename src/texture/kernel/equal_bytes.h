@@ -6,22 +6,22 @@
 #include <cstddef>
 #include <cstdint>
 
-/// Where runs stand in a stretch of bytes, found many bytes at a time. For a reader that only goes forward.
+/// Finds runs of equal bytes, many bytes at a time, for a caller that only moves forward.
 ///
-/// A place is *even* when the two bytes behind it equal its own: a run of three or more begins or goes on
-/// there. Places are looked at in blocks, with loops that compilers vectorise, and kept as one bit each.
+/// A place is *even* when the next two bytes equal its own: a run of three or more begins or continues there.
+/// Places are examined in blocks, by loops that compilers vectorise, and kept as one bit each.
 class EqualBytes {
   public:
-    /// The `count` bytes at `src`, at least one, are not owned.
+    /// Searches the `count` bytes at `src`, at least one, which are not owned.
     EqualBytes(const unsigned char* src, std::int64_t count) : src_(src), count_(count) {}
 
-    /// The first even place from `place` on; the end of the bytes when there is none. Never asked for a place
-    /// before one that it has given.
+    /// The first even place at or after `place`, or the end of the bytes if there is none. `place` must not
+    /// be before a place that was returned earlier.
     [[nodiscard]] std::int64_t next_even(std::int64_t place) {
         return find(place, count_, [](std::uint64_t word) { return word; });
     }
 
-    /// The first place from `place` on that is not even, `limit` at most.
+    /// The first place at or after `place` that is not even, at most `limit`.
     [[nodiscard]] std::int64_t next_uneven(std::int64_t place, std::int64_t limit) {
         return find(place, limit, [](std::uint64_t word) { return ~word; });
     }
@@ -54,6 +54,6 @@ class EqualBytes {
 
     const unsigned char* src_;
     std::int64_t count_;
-    std::int64_t block_end_ = 0;  // words of which the bits are known end here
+    std::int64_t block_end_ = 0;  // end of the words whose bits are known
     std::array<std::uint64_t, kBlockWords> words_;
 };

@@ -37,7 +37,7 @@ void expand_and_prefetch(const unsigned char* bytes, std::int64_t count, std::ui
 template <ExpandInto To>
 void stream(const unsigned char* bytes, std::int64_t count, std::uint16_t* values) {
     constexpr bool kByteFirst = (To == ExpandInto::low_byte) == (std::endian::native == std::endian::little);
-    // Values lie at even addresses, so a whole number of them is in front of the first block.
+    // Values have even addresses, so a whole number of them precedes the first aligned block.
     const auto misplaced = static_cast<std::int64_t>(reinterpret_cast<std::uintptr_t>(values) % 16);
     const std::int64_t head = std::min((16 - misplaced) % 16 / 2, count);
     expand<To>(bytes, head, values);

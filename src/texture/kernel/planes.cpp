@@ -9,8 +9,8 @@ namespace {
 
 constexpr std::int64_t kPixelsAtOnce = 16;  // pixels
 
-// Four pixels of four bytes, of which the last is no one's, to twelve bytes: pairs become six bytes each, and
-// each is stored with two bytes behind it, which belong to what is stored next.
+// Stores four pixels of four bytes, the last of which is unused, as twelve bytes: each pair becomes six bytes
+// and is stored with two bytes too many, which the next store overwrites.
 [[gnu::always_inline]] inline void store_four(u8x16 four, unsigned char* pixels) {
     using Words [[gnu::vector_size(16)]] = std::uint64_t;
     const auto words = std::bit_cast<Words>(four);
@@ -27,7 +27,7 @@ void join_planes(const unsigned char* first, const unsigned char* second, const 
                  std::int64_t count, unsigned char* pixels) {
     std::int64_t i = 0;
     if constexpr (std::endian::native == std::endian::little) {
-        // One pixel more must follow: two bytes behind the last one are stored as well.
+        // At least one more pixel must follow, because two bytes after the last one are stored as well.
         for (; i + kPixelsAtOnce < count; i += kPixelsAtOnce) {
             const u8x16 a = load_u8x16(first + i);
             const u8x16 b = load_u8x16(second + i);

@@ -18,7 +18,7 @@ constexpr std::int64_t kBytesPerValue = sizeof(std::uint16_t);
 }  // namespace
 
 BaseBitmap::Array BaseBitmap::AllocateArray(std::int64_t count) {
-    // At least one value: null means failure, and the C library may answer a request for nothing with null.
+    // At least one value: null means failure here, and the C library may return null for an empty request.
     const std::int64_t size_bytes = std::max<std::int64_t>(count, 1) * kBytesPerValue;
     return Array(static_cast<std::uint16_t*>(allocate_zeroed(size_bytes)));
 }
@@ -32,7 +32,7 @@ std::int32_t BaseBitmap::Init(std::int32_t w, std::int32_t h, std::int32_t depth
     if (pixel_count > limits::kTexturePixels.value) {
         return kOutOfMemory;
     }
-    // At most 2^30 * 2^31 / 8, far from the end of 64 bits.
+    // At most 2^30 * 2^31 / 8, which fits 64 bits easily.
     const std::int64_t value_count = std::max(pixel_count * depth / 8, pixel_count * kColourValues);
     pixels_ = AllocateArray(value_count);
     if (pixels_ == nullptr) {
@@ -98,8 +98,8 @@ std::int32_t BaseBitmap::AddChannel(std::int32_t /*unused*/, int /*unused*/) {
 }
 
 std::int64_t BaseBitmap::AlphaIndex(std::int32_t channel, std::int32_t x, std::int32_t y) const {
-    // Channel 1 is refused too while it does not exist: a repeated `Init` takes it away from a writer that
-    // knows its number.
+    // Channel 1 is refused as well while it does not exist: a second `Init` removes it, and a writer may
+    // still hold its number.
     if (channel != kAlphaChannel || alpha_ == nullptr) {
         return -1;
     }

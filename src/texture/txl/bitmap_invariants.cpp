@@ -7,13 +7,13 @@
 
 namespace {
 
-using Complaint = std::optional<std::string>;
+using Violation = std::optional<std::string>;
 
 constexpr std::int64_t kColourValues = 3;
 constexpr std::int64_t kMostValuesRead = std::int64_t{1} << 22;
 constexpr std::int32_t kAlphaChannel = 1;
 
-/// The first value with bits outside `allowed`, by its index; the last value is always among those read.
+/// The index of the first value with bits outside `allowed`; the last value is always among those read.
 std::optional<std::int64_t> wrong_value(const std::uint16_t* values, std::int64_t count,
                                         std::uint16_t allowed) {
     const auto is_wrong = [&](std::int64_t i) { return (values[i] & ~allowed) != 0; };
@@ -30,7 +30,7 @@ std::string place_text(std::int64_t pixel, std::int32_t width_px) {
     return "row " + std::to_string(pixel / width_px) + ", column " + std::to_string(pixel % width_px);
 }
 
-Complaint rows_complaint(const BaseBitmap& bitmap, const BitmapParts& parts) {
+Violation validate_rows(const BaseBitmap& bitmap, const BitmapParts& parts) {
     const std::int32_t height = parts.height_px;
     if (bitmap.PixelRow(-1) != nullptr || bitmap.PixelRow(height) != nullptr ||
         bitmap.AlphaRow(kAlphaChannel, -1) != nullptr || bitmap.AlphaRow(kAlphaChannel, height) != nullptr) {
@@ -42,7 +42,7 @@ Complaint rows_complaint(const BaseBitmap& bitmap, const BitmapParts& parts) {
     const std::int64_t before = std::int64_t{parts.width_px} * (height - 1);
     if (bitmap.PixelRow(height - 1) != parts.pixels + kColourValues * before ||
         (parts.alpha != nullptr && bitmap.AlphaRow(kAlphaChannel, height - 1) != parts.alpha + before)) {
-        return "the last row is not behind the others";
+        return "the last row does not follow the others";
     }
     return std::nullopt;
 }
@@ -73,11 +73,11 @@ std::optional<std::string> validate_bitmap(const BitmapParts& parts) {
         return std::nullopt;
     }
     if (const auto wrong = wrong_value(parts.pixels, kColourValues * pixel_count, 0xFF00)) {
-        return place_text(*wrong / kColourValues, parts.width_px) + ": a colour is no byte times 256";
+        return place_text(*wrong / kColourValues, parts.width_px) + ": a colour is not a byte times 256";
     }
     if (parts.alpha != nullptr) {
         if (const auto wrong = wrong_value(parts.alpha, pixel_count, 0x00FF)) {
-            return place_text(*wrong, parts.width_px) + ": the alpha is no byte";
+            return place_text(*wrong, parts.width_px) + ": the alpha is not a byte";
         }
     }
     return std::nullopt;
@@ -91,8 +91,8 @@ std::optional<std::string> validate_bitmap(const BaseBitmap& bitmap) {
                                bitmap.GetChannelNum(0),
                                bitmap.PixelRow(0),
                                bitmap.AlphaRow(kAlphaChannel, 0)};
-    if (Complaint found = validate_bitmap(parts)) {
+    if (Violation found = validate_bitmap(parts)) {
         return found;
     }
-    return rows_complaint(bitmap, parts);
+    return validate_rows(bitmap, parts);
 }

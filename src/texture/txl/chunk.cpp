@@ -27,15 +27,15 @@ bool Chunk::ReadChunk(PrivateHyperFile* hf) {
             return false;
         }
         if (hf->GetPosition() >= hf->GetLength()) {
-            // Deliberately without a code: this is how the top level of every file ends, and what a file that
-            // was cut between two chunks delivered so far is kept.
+            // Deliberately without a code: the top level of every file ends like this, and a file that was
+            // cut between two chunks keeps what it has delivered.
             return false;
         }
     }
     return false;
 }
 
-// False only with the container's error set.
+// Returns false only with the container's error set.
 bool Chunk::ReadSubChunk(PrivateHyperFile* hf) {
     TextureObserver* const observer = TXLImageFilter::ObserverOf(hf);
     const std::int64_t offset_bytes = hf->GetItemOffset();
@@ -58,6 +58,6 @@ bool Chunk::ReadSubChunk(PrivateHyperFile* hf) {
 void Chunk::WriteObject(PrivateHyperFile* hf, std::int32_t id) {
     hf->WriteChunkStart(id, 0);
     Write(hf);
-    // After an error this writes nothing, as every operation of the container.
+    // Like every operation of the container, this does nothing after an error.
     hf->WriteChunkEnd();
 }

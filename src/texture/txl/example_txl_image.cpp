@@ -11,7 +11,8 @@ constexpr std::int32_t kGrey = 2;
 constexpr std::int32_t kRgb = 4;
 constexpr std::int32_t kBitmapDepth = 24;
 
-// Which of `count` pixels from column `x` on lie in a picture of that width: [begin, end), counted from `x`.
+// Which of `count` pixels starting at column `x` lie in a picture of that width: [begin, end), relative to
+// `x`.
 struct Inside {
     std::int32_t begin;
     std::int32_t end;
@@ -32,7 +33,7 @@ unsigned char low_byte(std::uint16_t value) {
     return static_cast<unsigned char>(value & 0xFF);
 }
 
-// A row of colour or alpha; only a row that is not the `last` has one below it.
+// Stores a row of colour or alpha. `last` is true for the bottom row, which has no next row to prefetch.
 void store_row(const BaseBitmap& bitmap, std::int64_t channels, ExpandInto to, const unsigned char* data,
                std::int64_t count, std::uint16_t* place, bool last) {
     const std::int64_t row_values = channels * bitmap.width();
@@ -54,9 +55,9 @@ void store_pixels(const unsigned char* data, std::int32_t stride, bool grey, std
     }
 }
 
-// Writes `values` low bytes a pixel: those of `row` for pixels inside of its `width`, zeros for the others
-// and everywhere without a row. The result is that of the last pixel: 0 inside, 1 outside. For no pixels it
-// is `none`.
+// Writes the low bytes of `values` values per pixel: from `row` for pixels inside its `width`, zeros for all
+// others and when there is no row. Returns the result for the last pixel, 0 inside and 1 outside; `none` when
+// there are no pixels.
 std::int32_t take_low_bytes(const std::uint16_t* row, std::int32_t width, std::int32_t x, std::int32_t count,
                             std::int32_t values, std::int32_t none, unsigned char* data) {
     if (count < 1) {

@@ -11,23 +11,23 @@ constexpr std::int64_t kLongestPacket = 128;
 constexpr unsigned char kNoOperation = 0x80;
 constexpr unsigned char kNothing = 0;
 
-// Most packets of a picture are short. What has at most this many bytes is moved as so many, whatever it has:
-// one way without a branch instead of one for each length.
+// Most packets of a picture are short. A packet of at most this many bytes is moved as exactly this many,
+// which needs no branch on its length.
 constexpr std::int64_t kShort = 16;
 constexpr std::int64_t kShortLiteral = 32;
 
-constexpr std::uint64_t kEachByte = 0x0101010101010101;  // times a byte: eight of it
+constexpr std::uint64_t kEachByte = 0x0101010101010101;  // multiplied by a byte: that byte eight times
 
-// `length` bytes, rounded up to pieces of kShort. Packets are too short for a call, and what compilers put in
-// its place for a length that they know to be small is slower than the call.
+// Moves `length` bytes, rounded up to pieces of kShort. Packets are too short for a call to memcpy, and the
+// code that compilers inline for a small unknown length is slower than the call.
 void move_pieces(const unsigned char* src, unsigned char* dst, std::int64_t length) {
     for (std::int64_t i = 0; i < length; i += kShort) {
         std::memcpy(dst + i, src + i, kShort);
     }
 }
 
-// The coded side of the encoder. The control byte of a packet is only known when the packet is complete, so
-// its place is reserved first. Positions are 64-bit: they step past a capacity of 2^31 - 1.
+// The output side of the encoder. The control byte of a packet is known only when the packet is complete, so
+// its place is reserved first. Positions are 64-bit because they can step past a capacity of 2^31 - 1.
 class PacketWriter {
   public:
     PacketWriter(unsigned char* dst, std::int64_t capacity_bytes) : dst_(dst), capacity_(capacity_bytes) {}
@@ -45,18 +45,19 @@ class PacketWriter {
         }
         dst_[control_] = static_cast<unsigned char>(1 - count);
         dst_[position_] = value;
-        // Reserved without a test of the capacity: when nothing follows the byte is given back, and when
-        // something follows the position behind it is tested before anything is stored.
+        // Reserved without checking the capacity: if nothing follows, the byte is given back; if something
+        // does, the position after it is checked before anything is stored.
         control_ = position_ + 1;
         position_ += 2;
         return true;
     }
 
-    // The `length` bytes at `src`, up to the next run or the end of the row; `readable` bytes may be read
-    // there.
+    // Adds the `length` bytes at `src`, which end at the next run or at the end of the row. `readable` bytes
+    // may be read at `src`.
     [[nodiscard]] bool add_literal(const unsigned char* src, std::int64_t length, std::int64_t readable) {
         for (; length >= kLongestPacket; length -= kLongestPacket, src += kLongestPacket) {
-            // Deliberately fails without room for the next control byte even if no input is left.
+            // Deliberately fails without room for the next control byte, even if no input is left: the
+            // encoder reserves that byte at once.
             if (position_ + kLongestPacket >= capacity_) {
                 return false;
             }
@@ -94,10 +95,10 @@ class PacketWriter {
     std::int64_t capacity_;
     std::int64_t position_ = 1;
     std::int64_t control_ = 0;
-    bool literal_pending_ = false;  // the packet before `position_` is a literal of less than 128 bytes
+    bool literal_pending_ = false;  // the packet before `position_` is a literal of fewer than 128 bytes
 };
 
-// The input of the decoder, and where its output goes.
+// The positions of the decoder in its input and output.
 struct Progress {
     const unsigned char* src;
     unsigned char* dst;
@@ -105,9 +106,8 @@ struct Progress {
     std::int64_t out;  // bytes wanted at dst
 };
 
-// Packets while there is so much room on both sides that they may be moved in pieces of kShort bytes: what is
-// too many is written over by the packets that follow. Stops before the first packet for which that is not
-// so.
+// Decodes packets as long as both buffers have room to move them in pieces of kShort bytes; later packets
+// overwrite the excess. Stops before the first packet without that room.
 void decode_with_room(Progress& at) {
     const unsigned char* src = at.src;
     unsigned char* dst = at.dst;
@@ -122,8 +122,8 @@ void decode_with_room(Progress& at) {
         const bool run = control > kNoOperation;
         const std::int64_t length = run ? 257 - control : control + 1;
         if (length <= kShort && src_end - src > kShort) {
-            // The literal's bytes or the run's value eight times, chosen by a mask: which of the two it is
-            // cannot be foretold.
+            // Selects the literal's bytes or the repeated value of the run by a mask, because a branch would
+            // be unpredictable.
             const std::uint64_t mask = run ? ~std::uint64_t{0} : 0;
             const std::uint64_t value = src[1] * kEachByte;
             std::uint64_t bytes[2];
@@ -149,7 +149,7 @@ void decode_with_room(Progress& at) {
     at = {src, dst, src_end - src, dst_end - dst};
 }
 
-// One packet, byte for byte. `behind` is taken for the byte behind the input.
+// Decodes one packet byte by byte. `behind` stands for the byte after the input.
 void decode_packet(Progress& at, unsigned char behind) {
     const unsigned char control = *at.src++;
     --at.in;
@@ -158,14 +158,15 @@ void decode_packet(Progress& at, unsigned char behind) {
     }
     std::int64_t length = 0;
     if (control > kNoOperation) {
-        // Deliberately no test that the value byte lies inside the input: at its end the byte behind it is
-        // taken, `in` becomes -1, and that counts as used up.
+        // Deliberately does not require the value byte to lie inside the input, which is the settled
+        // behaviour: at the end of the input the byte after it is taken, `in` becomes -1, and the input
+        // counts as used up.
         length = std::min<std::int64_t>(257 - control, at.out);
         std::memset(at.dst, at.in > 0 ? *at.src : behind, static_cast<std::size_t>(length));
         ++at.src;
         --at.in;
     } else {
-        // No byte left copies nothing, and leaves output that is still wanted.
+        // With no input left this copies nothing and leaves output unfilled.
         length = std::min({std::int64_t{control} + 1, at.in, at.out});
         std::memcpy(at.dst, at.src, static_cast<std::size_t>(length));
         at.src += length;
@@ -204,7 +205,7 @@ std::int32_t pack_bits_encode(const unsigned char* src, std::int32_t srcLen, uns
         if (place == srcLen) {
             break;
         }
-        // An even place has two equal bytes behind it, which belong to the run as well.
+        // The two bytes after an even place belong to the run as well.
         const std::int64_t longest = std::min<std::int64_t>(run + kLongestPacket, srcLen);
         place = equal.next_uneven(run, longest - 2) + 2;
         if (!writer.add_run(src[run], place - run)) {

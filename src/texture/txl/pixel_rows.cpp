@@ -14,11 +14,11 @@ namespace {
 
 using RowOutcome = TextureObserver::RowOutcome;
 
-/// The number of channels that are kept as planes while a row is read or written: that of colour.
+/// The number of channels of RGB rows, which are kept as planes while a row is read or written.
 constexpr std::int32_t kJoinedChannels = 3;
 
 MemBlock zeroed(std::int64_t size_bytes) {
-    // Null means that there is no memory, and the C library may answer a request for nothing with null.
+    // At least one byte: null means failure here, and the C library may return null for an empty request.
     return MemBlock(static_cast<unsigned char*>(allocate_zeroed(std::max<std::int64_t>(size_bytes, 1))));
 }
 
@@ -103,7 +103,7 @@ bool PixelRowReader::next() {
     return true;
 }
 
-// Sound rows never come near the bound: what they give is at most the best rate.
+// Sound rows never reach this bound: they decode at most at the best compression.
 bool PixelRowReader::count_row() {
     const std::int64_t most = limits::kRowRate.value * hf_->GetLength() + limits::kRepairedBytes.value;
     file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
@@ -126,8 +126,8 @@ std::int64_t PixelRowReader::kept_planes() const {
     return header_.channels == kJoinedChannels ? kJoinedChannels : 1;
 }
 
-// Where a channel is put together: the row itself when it has but one, a plane of its own when three are
-// joined at the end of the row, else the one plane that serves all in turn.
+// Where a channel is decoded: into the row itself if it has one channel, into a plane of its own if three
+// planes are joined at the end of the row, otherwise into one plane that all channels share in turn.
 unsigned char* PixelRowReader::plane(std::int32_t channel) const {
     if (header_.channels == 1) {
         return row_.get();
@@ -144,7 +144,7 @@ bool PixelRowReader::read_channel(std::int32_t channel) {
     }
     const RowOutcome outcome = decode(flag, block, byte_count, plane(channel));
     if (outcome == RowOutcome::unknown_flag) {
-        // Deliberately nothing: the channel keeps the bytes of the row before.
+        // Deliberately not an error and not cleared: by the format's rule the channel keeps the previous row.
         if (header_.channels == kJoinedChannels) {
             take_channel(channel);
         }
@@ -217,11 +217,11 @@ bool PixelRowWriter::write_row() {
 }
 
 bool PixelRowWriter::write_channel(const unsigned char* plane) {
-    // 2^31 - 1 is enough room for a row near the limit too: packed rows are longer by 1 in 128 at most.
+    // 2^31 - 1 is enough even for a row at the limit: packing lengthens a row by at most 1 byte in 128.
     const auto capacity = static_cast<std::int32_t>(
         std::min<std::int64_t>(std::int64_t{2} * width_, std::numeric_limits<std::int32_t>::max()));
     const std::int32_t packed_bytes = pack_bits_encode(plane, width_, packed_.get(), capacity);
-    // 0 says that the row could not be packed, which no row of at least one pixel does in this room.
+    // 0 means that the row could not be packed; with this much room that never happens to a non-empty row.
     if (packed_bytes > 0 && packed_bytes < width_) {
         hf_->WriteUChar(kRowPacked);
         hf_->WriteMemory(packed_.get(), packed_bytes);

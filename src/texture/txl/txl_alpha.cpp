@@ -10,13 +10,13 @@
 
 namespace {
 
-/// How a layer's colour mode gives alpha: the average of `used` bytes of each pixel from `first` on.
+/// How a layer's colour mode yields alpha: the average of `used` bytes of each pixel, starting at `first`.
 struct Reduction {
     std::int32_t first;
     std::int32_t used;
 };
 
-// `used` is 0 for modes that give no alpha.
+// `used` is 0 for modes without alpha.
 constexpr Reduction reduction(std::int32_t mode) {
     switch (mode) {
         case 2:
@@ -108,7 +108,7 @@ bool TXLAlpha::SetPixelCount(PrivateHyperFile* hf, std::int32_t x, std::int32_t 
     if (channels == 1 && by.first == 0 && by.used == 1) {
         return filter->image()->SetAlphaPixel(alpha_index_, x, y, count, buffer);
     }
-    // In place from the left: the byte that is stored never lies behind the pixel that is read next.
+    // In place from the left: a stored byte never lies beyond the pixel that is read next.
     const unsigned char* pixel = buffer;
     for (std::int32_t i = 0; i < count; ++i, pixel += channels) {
         buffer[i] = alpha_of(pixel, channels, by);

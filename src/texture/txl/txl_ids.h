@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-// Identifiers of a texture file, in one place for the reader, the writer and the tools that print them.
+// The identifiers in a texture file, for the reader, the writer and the tools that print them.
 
 /// Four ASCII characters read as one big-endian value.
 constexpr std::int32_t four_characters(const char (&text)[5]) {
@@ -23,7 +23,7 @@ constexpr std::int32_t kChunkAlphaChannels = 110100;
 constexpr std::int32_t kChunkLayer = 501;
 constexpr std::int32_t kChunkLayerHeader = four_characters("TaLy");
 
-/// Colour modes, and the bytes per pixel that the texture's own rows have in each; 0 for modes without rows.
+/// Colour modes, and the bytes per pixel of the texture's own rows in each; 0 for modes without rows.
 constexpr std::int32_t kModeGrey = 2;
 constexpr std::int32_t kModeRgb = 4;
 constexpr std::int32_t texture_channels(std::int32_t mode) {

@@ -15,7 +15,7 @@ bool TXLImageFilter::LoadImage(const char* path, TXLImage* target) {
     image_ = target;
     row_bytes_ = 0;
     header_count_ = 0;
-    // Its result does not matter: the top level has no end tag, so that reading it always ends in "no more".
+    // The result is ignored: the top level has no end tag, so reading it always ends at the end of the file.
     ReadChunk(&file_);
     file_.Close();
     image_ = nullptr;

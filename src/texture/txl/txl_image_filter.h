@@ -13,33 +13,33 @@ class Filename;
 class TextureObserver;
 class TXLImage;
 
-/// What the texture's header chunk says; kept from one header to the next where a header does not say it.
+/// The values of the texture's header chunk. A value that a header lacks keeps that of the header before.
 struct TXLTextureHeader {
     std::int32_t width = 0;   // pixels
     std::int32_t height = 0;  // pixels
     std::int32_t color_mode = 0;
 };
 
-/// Reads a texture file into a picture and writes one from a picture. Results are success or failure; after a
-/// failed load, rows that were delivered stay delivered. One object serves one load or save: a failure stays
-/// in its container.
+/// Loads a texture file into a picture and saves a picture as one. After a failed load, rows that were
+/// delivered stay delivered. Use one object per load or save: a failure stays in its container.
 class TXLImageFilter final : public Chunk {
   public:
     TXLImageFilter() = default;
 
-    /// Loads the file at `path` into `target`, which is not kept beyond the call. True when the container
-    /// ended without an error. Deliberately that includes files without a texture and files that were cut
-    /// between two chunks.
+    /// Loads the file at `path` into `target`, which is not kept after the call. True when the container has
+    /// no error at the end. Deliberately true for a file without a texture and for one that was cut between
+    /// two chunks: the top level of the format has no end, so they cannot be told from complete files.
     bool LoadImage(const char* path, TXLImage* target);
 
-    /// Saves `source` to `path`, replacing what was there; every alpha channel becomes a layer "Alpha".
-    /// Deliberately a colour mode that, with bit 0 cleared, is neither 2 nor 4 is not refused: the file then
-    /// ends in a pixel-rows chunk without its end tag, and has no alpha channels.
+    /// Saves `source` to `path` and replaces an existing file; every alpha channel becomes a layer "Alpha".
+    /// Deliberately, as the format requires of its writer, a colour mode that is neither 2 nor 4 with bit 0
+    /// cleared is not refused: the file then has a pixel-rows chunk without its end tag and no alpha
+    /// channels.
     bool SaveImage(const char* path, TXLImage* source);
 
     bool HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t version) override;
 
-    /// The row coding, as the filter's interface offers it; see pack_bits.h.
+    /// The row coding as part of the filter's interface; see pack_bits.h.
     static std::int32_t PackBitsEncode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                                        std::int32_t dstLen) {
         return ::pack_bits_encode(src, srcLen, dst, dstLen);
@@ -49,17 +49,17 @@ class TXLImageFilter final : public Chunk {
         return ::pack_bits_decode(src, srcLen, dst, dstLen);
     }
 
-    /// The container's error code of the last load or save, 0 for none.
+    /// The container's error code after the last load or save; 0 for none.
     [[nodiscard]] std::int32_t GetError() const { return file_.GetError(); }
 
-    /// An observer (not owned) to be told what a load finds, null for none.
+    /// Sets an observer (not owned) that is told what a load finds; null for none.
     void SetObserver(TextureObserver* observer);
 
-    // For the handlers. The filter that a container belongs to is its private data, null for none.
+    // For the handlers. The filter that a container belongs to, which is its private data; null for none.
     [[nodiscard]] static TXLImageFilter* Of(const PrivateHyperFile* hf) {
         return static_cast<TXLImageFilter*>(hf->GetPrivateData());
     }
-    /// The observer of that filter, null for none.
+    /// The observer of that filter; null for none.
     [[nodiscard]] static TextureObserver* ObserverOf(const PrivateHyperFile* hf) {
         const TXLImageFilter* filter = Of(hf);
         return filter == nullptr ? nullptr : filter->observer_;
@@ -67,9 +67,9 @@ class TXLImageFilter final : public Chunk {
     [[nodiscard]] TXLImage* image() { return image_; }
     [[nodiscard]] TXLTextureHeader& header() { return header_; }
     [[nodiscard]] TXLAlpha& alpha() { return alpha_; }
-    /// Bytes of all rows read so far; see PixelRowReader.
+    /// Total bytes of the rows read so far; see PixelRowReader.
     [[nodiscard]] std::int64_t& row_bytes() { return row_bytes_; }
-    /// Texture headers read so far; see TXLTexture.
+    /// Number of texture headers read so far; see TXLTexture.
     [[nodiscard]] std::int32_t& header_count() { return header_count_; }
 
   private:

@@ -19,7 +19,7 @@ namespace {
 constexpr std::int32_t kLayerHeaderVersion = 0;
 constexpr std::int32_t kLayerRowsVersion = 1;
 
-// What is written for a layer in grey; in every other mode it has as many channels as RGB.
+// The number of channels that is written: 1 for grey, that of RGB for every other mode.
 constexpr std::int32_t layer_channels(std::int32_t mode) {
     return mode == kModeGrey ? 1 : 3;
 }
@@ -72,8 +72,8 @@ bool TXLPaintLayer::ReadHeader(PrivateHyperFile* hf) {
     }
     const TXLTextureHeader& texture = TXLImageFilter::Of(hf)->header();
     if (!Init(hf, texture.width, texture.height, color_mode_)) {
-        // Not an error: the rest of this chunk is skipped, and a target that refused the layer refuses its
-        // rows as well. The load goes on.
+        // Not an error: the rest of this chunk is skipped, and a target that refused the layer also refuses
+        // its rows. The load goes on.
         return false;
     }
     return hf->SkipToEndChunk() != 0;

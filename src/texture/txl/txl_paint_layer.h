@@ -7,8 +7,8 @@
 
 class TXLAlpha;
 
-/// The layer chunk: its header and its pixel rows. What it reads and writes belongs to its owner, to whom the
-/// four operations after Write are passed on unchanged; without an owner they return 0.
+/// Handles the layer chunk: its header and its pixel rows. The four operations after Write are forwarded
+/// unchanged to the owner, whose pixels it reads and writes; without an owner they return 0.
 class TXLPaintLayer : public Chunk {
   public:
     TXLPaintLayer() = default;
@@ -16,12 +16,13 @@ class TXLPaintLayer : public Chunk {
     bool HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_t version) override;
     void Write(PrivateHyperFile* hf) override;
 
-    /// A layer of `w` by `h` pixels in the layer's colour mode begins. False: the layer is not wanted.
+    /// Begins a layer of `w` by `h` pixels in the layer's colour mode. False when the owner refuses the
+    /// layer.
     virtual bool Init(PrivateHyperFile* hf, std::int32_t w, std::int32_t h, std::int32_t mode);
-    /// A row of the layer, `channels` bytes a pixel, which may be changed in place.
+    /// Stores a row of the layer, `channels` bytes per pixel; may change the buffer.
     virtual bool SetPixelCount(PrivateHyperFile* hf, std::int32_t x, std::int32_t y, std::int32_t count,
                                unsigned char* buffer, std::int32_t channels);
-    /// The colour mode that the layer is written with.
+    /// The colour mode in which the layer is written.
     virtual std::int32_t GetColorMode(PrivateHyperFile* hf);
     /// Fills `buffer` with `count` pixels of row `y`.
     virtual std::int32_t GetPixelCount(PrivateHyperFile* hf, std::int32_t x, std::int32_t y,

@@ -82,7 +82,7 @@ void write_header(PrivateHyperFile* hf, std::int32_t width, std::int32_t height,
     hf->WriteChunkEnd();
 }
 
-// False with the container's error set.
+// Returns false with the container's error set.
 bool write_rows(PrivateHyperFile* hf, TXLImage* image, std::int32_t width, std::int32_t height,
                 std::int32_t channels) {
     hf->WriteLong(0);
@@ -130,7 +130,7 @@ void TXLTexture::Write(PrivateHyperFile* hf) {
         return;
     }
     TXLImage* image = filter->image();
-    // Bit 0 announces an alpha channel to pictures; files tell those by their layers.
+    // In a picture, bit 0 of the mode announces an alpha channel; in a file, the layers do.
     const std::int32_t mode = image->GetColorMode() & ~1;
     const std::int32_t width = image->GetBw();
     const std::int32_t height = image->GetBh();
@@ -138,7 +138,8 @@ void TXLTexture::Write(PrivateHyperFile* hf) {
     hf->WriteChunkStart(kChunkPixelRows, kTextureRowsVersion);
     const std::int32_t channels = texture_channels(mode);
     if (channels == 0) {
-        return;  // Deliberately without the chunk's end tag: readers of such files know no other form.
+        return;  // Deliberately without the chunk's end tag: the format has no other form for such modes.
+                 // had.
     }
     if (!write_rows(hf, image, width, height, channels)) {
         return;

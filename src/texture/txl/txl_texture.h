@@ -4,7 +4,7 @@
 
 #include "texture/txl/chunk.h"
 
-/// The texture chunk: the header, the flattened colour pixels and the list of layers.
+/// Handles the texture chunk: the header, the flattened colour pixels and the list of layers.
 class TXLTexture final : public Chunk {
   public:
     TXLTexture() = default;

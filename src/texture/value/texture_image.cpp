@@ -27,7 +27,7 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     texture_.width_px = w;
     texture_.height_px = h;
     texture_.mode = colorMode;
-    // A mode without rows has no bytes; whether the picture can be given is decided after the load.
+    // A mode without rows takes no bytes; read_texture refuses such a picture after the load.
     const std::uint64_t bytes =
         texture_.pixel_count() * static_cast<std::uint64_t>(texture_channels(colorMode));
     if (!reserve(bytes, "the picture")) {

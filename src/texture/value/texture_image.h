@@ -9,33 +9,33 @@
 #include "texture/value/texture.h"
 #include "texture/value/texture_recorder.h"
 
-/// Lets the texture filter fill a `Texture`: every layer becomes an alpha channel, every byte is kept as it
-/// is.
+/// Lets the texture filter fill a `Texture`: every layer becomes an alpha channel, and every byte is kept
+/// unchanged.
 class TextureSink final : public TXLImage {
   public:
-    /// `texture` and `recorder` are not owned. At most `max_decoded_bytes` of pixels and alphas are held.
+    /// `texture` and `recorder` are not owned. Holds at most `max_decoded_bytes` bytes of pixels and alphas.
     TextureSink(Texture& texture, TextureRecorder& recorder, std::uint64_t max_decoded_bytes)
         : texture_(texture), recorder_(recorder), max_decoded_bytes_(max_decoded_bytes) {}
 
-    /// Starts over. False, with the reason in the recorder, for negative sizes, more pixels than a bitmap of
-    /// the host takes, more bytes than allowed, and when memory is short.
+    /// Starts over. False, with the reason in the recorder, for negative sizes, for more pixels than
+    /// limits::kTexturePixels, for more bytes than allowed, and when memory is short.
     bool Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) override;
-    /// Appends a channel under the name of the layer announced last, made different from the others. False,
-    /// with the reason in the recorder, when it does not fit.
+    /// Appends a channel with the name of the layer announced last, made unique. False, with the reason in
+    /// the recorder, when it exceeds the limit or memory is short.
     bool InitAlphaChannel(std::int32_t channel, std::int32_t w, std::int32_t h) override;
     bool SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t count, unsigned char* data,
                        std::int32_t stride) override;
-    /// Into the channel appended last; false when there is none.
+    /// Stores into the channel appended last; false when there is none.
     bool SetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y, std::int32_t count,
                        unsigned char* data) override;
 
-    /// Whether there was a texture header.
+    /// Whether a texture header was read.
     [[nodiscard]] bool has_picture() const { return has_picture_; }
 
   private:
     bool reserve(std::uint64_t bytes, const char* what);
     std::string unique_name(const std::string& stored);
-    /// Where the part of a row that lies in the picture begins and ends, relative to `x`.
+    /// The part of a row that lies inside the picture: [begin, end), relative to `x`.
     struct Part {
         std::int32_t begin, end;
     };
@@ -48,10 +48,10 @@ class TextureSink final : public TXLImage {
     bool has_picture_ = false;
     bool has_channel_ = false;
     std::set<std::string> names_;
-    std::map<std::string, std::int64_t> last_number_;  // given to each stored name
+    std::map<std::string, std::int64_t> last_number_;  // the last number appended to each stored name
 };
 
-/// Lets the texture filter read a `Texture`, which is sound (see validate_for_writing) and not owned.
+/// Lets the texture filter read a `Texture`, which is not owned and passes validate_for_writing.
 class TextureSource final : public TXLImage {
   public:
     explicit TextureSource(const Texture& texture) : texture_(texture) {}

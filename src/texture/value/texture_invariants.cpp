@@ -10,8 +10,8 @@
 
 namespace {
 
-/// Reads the bytes, so that a buffer that is shorter than it says meets AddressSanitizer. The sum is looked
-/// at by nobody; volatile keeps the reading.
+/// Reads the bytes, so that AddressSanitizer finds a buffer that is shorter than its size. The sum is unused;
+/// volatile keeps compilers from removing the reads.
 void walk(const PixelBuffer& buffer) {
     constexpr std::size_t kMostBytesRead = std::size_t{1} << 26;
     const std::size_t step = 1 + buffer.size() / kMostBytesRead;
@@ -44,7 +44,7 @@ std::optional<std::string> validate_texture(const Texture& texture) {
             return wrong("it has no name");
         }
         if (!text::is_utf8(alpha.name)) {
-            return wrong("its name is no UTF-8");
+            return wrong("its name is not UTF-8");
         }
         if (!names.insert(alpha.name).second) {
             return wrong("another has its name");

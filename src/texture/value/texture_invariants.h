@@ -5,7 +5,7 @@
 
 struct Texture;
 
-/// The first thing in a texture that reading a file cannot have brought about; nothing for a sound one. That
-/// is what validate_for_writing refuses, and names of alpha channels that are empty, no UTF-8 or the same.
-/// Every byte is read, or where there are more than 2^26 in one buffer, evenly spaced ones.
+/// Describes the first invariant that the texture violates; nullopt when reading a file can have produced it.
+/// Violations are what validate_for_writing refuses, and names of alpha channels that are empty, not UTF-8 or
+/// not unique. Reads every byte, or evenly spaced ones in buffers of more than 2^26 bytes.
 [[nodiscard]] std::optional<std::string> validate_texture(const Texture& texture);

@@ -6,7 +6,8 @@
 void TextureRecorder::on_chunk_start(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
     ChunkOutline* added = nullptr;
     if (outline_) {
-        // Places in these vectors stay where they are while a chunk is open: its siblings come after its end.
+        // Pointers into these vectors stay valid while a chunk is open: siblings are added only after its
+        // end.
         ChunkOutline* parent = outline();
         std::vector<ChunkOutline>& siblings = parent == nullptr ? chunks_ : parent->children;
         added = &siblings.emplace_back();

@@ -9,11 +9,12 @@
 #include "texture/txl/texture_observer.h"
 #include "texture/value/texture_report.h"
 
-/// Keeps what the reader tells: the error with its place, warnings, the headers of layers, and, when asked,
+/// Records what a load reports: the error with its place, warnings, the headers of layers and, on request,
 /// the outline of all chunks.
 class TextureRecorder final : public TextureObserver {
   public:
-    /// `path` names the file in the error. The outline takes memory in proportion to the file's rows.
+    /// `path` is the file's name in the diagnostics. The outline takes memory in proportion to the file's
+    /// rows.
     TextureRecorder(std::string path, bool outline) : path_(std::move(path)), outline_(outline) {}
 
     void on_chunk_start(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) override;
@@ -28,17 +29,17 @@ class TextureRecorder final : public TextureObserver {
     /// its consequences.
     void refuse(TextureFault fault, std::string reason, const limits::Limit* limit = nullptr);
 
-    /// A notice at the chunk that is being read. `reason` returns its text and is called for the first of a
-    /// kind only: a file may give cause for millions.
+    /// Records a notice at the chunk that is being read. `reason` returns the text and is called only for the
+    /// first notice of each kind: a file can cause millions.
     template <typename Reason>
     void notice(TextureNotice notice, const Reason& reason) {
         notice_at(notice, open_.empty() ? 0 : open_.back().offset_bytes, reason);
     }
 
-    /// The load is over without an error: chunks that have not ended were cut off.
+    /// Ends a load without an error. A chunk that is still open was cut off, which is recorded as a notice.
     void finish();
 
-    /// Name of the layer announced last, UTF-8, as stored.
+    /// Name of the layer announced last, as stored, in UTF-8.
     [[nodiscard]] const std::string& layer_name() const { return layer_name_; }
 
     [[nodiscard]] const std::optional<diagnostic::Diagnostic>& error() const { return error_; }
@@ -50,11 +51,11 @@ class TextureRecorder final : public TextureObserver {
     struct OpenChunk {
         std::int32_t id;
         std::int64_t offset_bytes;
-        ChunkOutline* outline;  // in chunks_, null without an outline
+        ChunkOutline* outline;  // in chunks_; null without an outline
     };
 
     [[nodiscard]] std::vector<std::string> within() const;
-    /// Counts one more of a kind that is known already.
+    /// Counts one more notice of a kind; false if it is the first of its kind.
     bool count_again(TextureNotice notice);
     template <typename Reason>
     void notice_at(TextureNotice notice, std::int64_t offset_bytes, const Reason& reason) {

@@ -8,13 +8,13 @@
 #include "diagnostic/code.h"
 #include "texture/txl/texture_observer.h"
 
-/// Something in a texture file that was repaired or passed over while it was read.
+/// Something in a texture file that was repaired or skipped while it was read.
 enum class TextureNotice : std::uint8_t {
     row_cleared,          ///< a channel of a row could not be decoded and became 0
-    row_repeated,         ///< a channel of a row has an unknown flag and kept the row before
-    chunk_skipped,        ///< a chunk that nothing here reads
-    layer_without_alpha,  ///< a layer in a colour mode that gives no alpha; its channel stays 0
-    outside_picture,      ///< rows, wholly or partly, outside the picture
+    row_repeated,         ///< a channel of a row has an unknown flag and kept the previous row
+    chunk_skipped,        ///< a chunk that the reader does not know
+    layer_without_alpha,  ///< a layer in a colour mode without alpha; its channel stays 0
+    outside_picture,      ///< rows that lie partly or wholly outside the picture
     second_header,        ///< a texture header after another: the picture started over
     cut_off,              ///< the file ended between two items inside a chunk
 };
@@ -24,7 +24,7 @@ enum class TextureNotice : std::uint8_t {
 [[nodiscard]] std::span<const diagnostic::CodeRow<TextureNotice>> texture_notices();
 [[nodiscard]] const diagnostic::CodeInfo& code_info(TextureNotice notice);
 
-/// A chunk of a file as it was found.
+/// A chunk as it was found in a file.
 struct ChunkOutline {
     struct Layer {
         std::int32_t color_mode = 0;
@@ -35,7 +35,7 @@ struct ChunkOutline {
     std::int32_t id = 0;
     std::int32_t version = 0;
     std::int64_t offset_bytes = 0;
-    std::int64_t size_bytes = 0;  // start tag to end tag, both included; -1 when the end was not found
+    std::int64_t size_bytes = 0;  // from the start tag to the end tag, inclusive; -1 without an end
     bool handled = false;         // false: skipped
     std::optional<Layer> layer;   // of a layer header
     std::optional<TextureObserver::PixelRows> rows;  // of pixel rows
@@ -43,13 +43,13 @@ struct ChunkOutline {
     std::vector<ChunkOutline> children;
 };
 
-/// How chunks are called: by their four characters ("TaVx") where they are letters, digits or spaces, else by
-/// their number ("502").
+/// The name of a chunk: its four characters ("TaVx") if they are letters, digits, spaces or underscores,
+/// otherwise its number ("502").
 [[nodiscard]] std::string chunk_name(std::int32_t id);
 
-/// "502 > 599 > 110100 > 501 > TaVx"; empty at the top of a file.
+/// Joins names of chunks: "502 > 599 > 110100 > 501 > TaVx". Empty at the top level of a file.
 [[nodiscard]] std::string chunk_path(const std::vector<std::string>& within);
 
-/// UTF-8 of code units. What is not a character becomes U+FFFD; units 0xFF80 to 0xFFFF, which are what bytes
-/// above 127 become in this format, are kept as they are.
+/// Converts code units to UTF-8. Unpaired surrogates become U+FFFD; units 0xFF80 to 0xFFFF, to which the
+/// format extends bytes above 127, are kept.
 [[nodiscard]] std::string utf8_from_units(std::span<const std::uint16_t> units);
