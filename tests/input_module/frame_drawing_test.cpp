@@ -66,7 +66,7 @@ class Frame {
 
     A_long stride_bytes_;
     std::vector<unsigned char> bytes_;
-    PF_LayerDef world_ = FilledWith<PF_LayerDef>(kBefore);
+    PF_LayerDef world_ = filled_with<PF_LayerDef>(kBefore);
 };
 
 class FrameDrawing : public testing::Test {
@@ -129,10 +129,10 @@ TEST_F(FrameDrawing, PictureGoesToTheTopLeftAndNothingElseIsTouched) {
         SCOPED_TRACE(c.name);
         Import(c.picture);
         Frame frame(c.width_px, c.height_px, c.stride_bytes);
-        const std::vector<unsigned char> world_before = BytesOf(*frame.world());
+        const std::vector<unsigned char> world_before = bytes_of(*frame.world());
         EXPECT_EQ(Draw(frame.world()), 0);
         EXPECT_EQ(frame.bytes(), frame.BytesWith(c.picture));
-        EXPECT_EQ(BytesOf(*frame.world()), world_before);
+        EXPECT_EQ(bytes_of(*frame.world()), world_before);
         EXPECT_THAT(host.functions_called(),
                     ElementsAre("GetInSpecOptionsHandle", "LockMemHandle", "UnlockMemHandle"));
         EXPECT_THAT(host.reports, IsEmpty());
@@ -144,13 +144,13 @@ TEST_F(FrameDrawing, RequestAndFlagsAreNotConsulted) {
     const PaintedPicture picture = {5, 3, kRgb, 1};
     Import(picture);
     for (const unsigned char filling : {kZeros, kBefore, kOnes}) {
-        const auto request = FilledWith<AEIO_DrawSparseFramePB>(filling);
-        const std::vector<unsigned char> request_before = BytesOf(request);
+        const auto request = filled_with<AEIO_DrawSparseFramePB>(filling);
+        const std::vector<unsigned char> request_before = bytes_of(request);
         AEIO_DrawingFlags flags = filling;
         Frame frame(5, 3, 20);
         EXPECT_EQ(My_DrawSparseFrame(host.basic_data(), host.in_spec(), &request, frame.world(), &flags), 0);
         EXPECT_EQ(frame.bytes(), frame.BytesWith(picture));
-        EXPECT_EQ(BytesOf(request), request_before);
+        EXPECT_EQ(bytes_of(request), request_before);
         EXPECT_EQ(flags, filling);
     }
 }

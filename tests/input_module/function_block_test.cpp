@@ -59,7 +59,7 @@ A_Err CallWith(Canaries& canaries, AEIO_BasicData* basic, A_Err (*callback)(AEIO
 }
 
 AEIO_FunctionBlock2 Block() {
-    auto block = FilledWith<AEIO_FunctionBlock2>(0xFF);
+    auto block = filled_with<AEIO_FunctionBlock2>(0xFF);
     EXPECT_EQ(TexalonConstructFunctionBlock(&block), 0);
     return block;
 }
@@ -177,12 +177,12 @@ TEST(FunctionBlock, AnyFileIsImportable) {
 TEST(FunctionBlock, InSpecInfoIsEmptyButForTheName) {
     const AEIO_FunctionBlock2 block = Block();
     RecordingHost host;
-    auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+    auto verbiage = filled_with<AEIO_Verbiage>(kBefore);
     EXPECT_EQ(block.AEIO_GetInSpecInfo(host.basic_data(), host.in_spec(), &verbiage), 0);
     std::vector<unsigned char> expected(sizeof(verbiage), kBefore);
     expected[offsetof(AEIO_Verbiage, type)] = 0;
     expected[offsetof(AEIO_Verbiage, sub_type)] = 0;
-    EXPECT_EQ(BytesOf(verbiage), expected);
+    EXPECT_EQ(bytes_of(verbiage), expected);
 }
 
 TEST(FunctionBlock, DialogsShowAFixedText) {

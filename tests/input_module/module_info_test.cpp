@@ -39,9 +39,9 @@ std::vector<unsigned char> ExpectedBytes() {
 }
 
 TEST(TexalonConstructModuleInfo, SetsItsFieldsAndNoOthers) {
-    auto info = FilledWith<AEIO_ModuleInfo>(kBefore);
+    auto info = filled_with<AEIO_ModuleInfo>(kBefore);
     EXPECT_EQ(TexalonConstructModuleInfo(&info), 0);
-    const std::vector<unsigned char> bytes = BytesOf(info);
+    const std::vector<unsigned char> bytes = bytes_of(info);
     const std::vector<unsigned char> expected = ExpectedBytes();
     ASSERT_EQ(bytes.size(), expected.size());
     for (std::size_t i = 0; i < bytes.size(); ++i) {

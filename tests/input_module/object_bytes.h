@@ -6,7 +6,7 @@
 
 /// Every byte of a record of the host, padding included.
 template <typename Record>
-[[nodiscard]] std::vector<unsigned char> BytesOf(const Record& record) {
+[[nodiscard]] std::vector<unsigned char> bytes_of(const Record& record) {
     static_assert(std::is_trivially_copyable_v<Record>);
     std::vector<unsigned char> bytes(sizeof(record));
     std::memcpy(bytes.data(), &record, sizeof(record));
@@ -15,7 +15,7 @@ template <typename Record>
 
 /// A record of which every byte is `filling`.
 template <typename Record>
-[[nodiscard]] Record FilledWith(unsigned char filling) {
+[[nodiscard]] Record filled_with(unsigned char filling) {
     static_assert(std::is_trivially_copyable_v<Record>);
     Record record;
     std::memset(&record, filling, sizeof(record));

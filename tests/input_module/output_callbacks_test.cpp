@@ -17,8 +17,8 @@ std::string Characters(std::size_t count) {
     return std::string(count, 'n');
 }
 
-bool Untouched(const AEIO_Verbiage& verbiage) {
-    return BytesOf(verbiage) == std::vector<unsigned char>(sizeof(verbiage), kBefore);
+bool is_untouched(const AEIO_Verbiage& verbiage) {
+    return bytes_of(verbiage) == std::vector<unsigned char>(sizeof(verbiage), kBefore);
 }
 
 struct NameCase {
@@ -47,7 +47,7 @@ TEST(GetOutputInfo, NameIsWhatFollowsTheLastBackslash) {
         SCOPED_TRACE(c.name);
         RecordingHost host;
         host.output().path = c.path;
-        auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+        auto verbiage = filled_with<AEIO_Verbiage>(kBefore);
         EXPECT_EQ(My_GetOutputInfo(host.basic_data(), host.out_spec(), &verbiage), 0);
         EXPECT_STREQ(verbiage.name, c.expected.c_str());
         EXPECT_STREQ(verbiage.type, "Texalon 3D");
@@ -64,10 +64,10 @@ TEST(GetOutputInfo, ErrorIsReportedAndReturned) {
     RecordingHost host;
     host.fail_every("GetOutSpecFilePath", 77);
     host.fail_every("ReportInfo", 78);
-    auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+    auto verbiage = filled_with<AEIO_Verbiage>(kBefore);
     EXPECT_EQ(My_GetOutputInfo(host.basic_data(), host.out_spec(), &verbiage), 77);
     EXPECT_THAT(host.reports, testing::ElementsAre("Unable to get file data"));
-    EXPECT_TRUE(Untouched(verbiage));
+    EXPECT_TRUE(is_untouched(verbiage));
     EXPECT_TRUE(host.suites_held().empty());
 }
 
@@ -78,10 +78,10 @@ TEST(GetOutputInfo, MissingSuitesThrow) {
         RecordingHost host;
         host.fail_every("GetOutSpecFilePath", 77);
         host.withhold_suite(suite, version);
-        auto verbiage = FilledWith<AEIO_Verbiage>(kBefore);
+        auto verbiage = filled_with<AEIO_Verbiage>(kBefore);
         EXPECT_TRUE(
             throws_missing_suite([&] { My_GetOutputInfo(host.basic_data(), host.out_spec(), &verbiage); }));
-        EXPECT_TRUE(Untouched(verbiage));
+        EXPECT_TRUE(is_untouched(verbiage));
         EXPECT_TRUE(host.reports.empty());
         EXPECT_TRUE(host.suites_held().empty());
     }

@@ -13,11 +13,11 @@ class Dump {
   public:
     explicit Dump(const std::string& bytes) : bytes_(bytes) {}
 
-    std::string All() {
-        Line({4}, "magic \"" + bytes_.substr(0, 4) + "\"");
-        Line({4}, "ident \"" + bytes_.substr(4, 4) + "\"");
+    std::string all() {
+        add_line({4}, "magic \"" + bytes_.substr(0, 4) + "\"");
+        add_line({4}, "ident \"" + bytes_.substr(4, 4) + "\"");
         while (at_ < bytes_.size()) {
-            Item();
+            item();
         }
         return text_;
     }
@@ -29,7 +29,7 @@ class Dump {
         std::int64_t channels = 1;
     };
 
-    [[nodiscard]] std::int64_t Number(std::size_t at, std::size_t size) const {
+    [[nodiscard]] std::int64_t number_at(std::size_t at, std::size_t size) const {
         std::uint32_t value = 0;
         for (std::size_t i = 0; i < size; ++i) {
             value = (value << 8) | static_cast<unsigned char>(bytes_.at(at + i));
@@ -37,7 +37,7 @@ class Dump {
         return static_cast<std::int32_t>(value);
     }
 
-    [[nodiscard]] static const char* ChunkMeaning(std::int64_t id) {
+    [[nodiscard]] static const char* chunk_meaning(std::int64_t id) {
         switch (id) {
             case kChunkTexture:
                 return "502, the texture";
@@ -59,7 +59,7 @@ class Dump {
     }
 
     // What the value that comes next in the innermost chunk means.
-    std::string Meaning() {
+    std::string meaning_of_next() {
         constexpr std::array<const char*, 3> kTexture = {"width", "height", "colour mode"};
         constexpr std::array<const char*, 5> kRows = {"x", "y", "pixels per row", "rows", "channels"};
         constexpr std::array<const char*, 11> kLayer = {"colour mode", "attributes", "0", "1.0", "false", "0",
@@ -85,45 +85,47 @@ class Dump {
         return where + ((i - kRows.size()) % 2 == 0 ? "flag" : "its bytes");
     }
 
-    void Item() {
+    void item() {
         const auto tag = static_cast<unsigned char>(bytes_.at(at_));
         switch (tag) {
             case 1:
-                open_.push_back({Number(at_ + 1, 4)});
-                Line({1, 4, 4}, std::string("chunk ") + ChunkMeaning(open_.back().id) + ", version " +
-                                    std::to_string(Number(at_ + 5, 4)));
+                open_.push_back({number_at(at_ + 1, 4)});
+                add_line({1, 4, 4}, std::string("chunk ") + chunk_meaning(open_.back().id) + ", version " +
+                                        std::to_string(number_at(at_ + 5, 4)));
                 return;
             case 2:
-                Line({1}, std::string("end of ") + ChunkMeaning(open_.back().id));
+                add_line({1}, std::string("end of ") + chunk_meaning(open_.back().id));
                 open_.pop_back();
                 return;
             case 12:
-                return ValueLine({1, 1}, "UChar", Number(at_ + 1, 1));
+                return value_line({1, 1}, "UChar", number_at(at_ + 1, 1));
             case 15:
-                return ValueLine({1, 4}, "Long", Number(at_ + 1, 4));
+                return value_line({1, 4}, "Long", number_at(at_ + 1, 4));
             case 19:
-                return Line({1, 4}, "Real, " + Meaning());
+                return add_line({1, 4}, "Real, " + meaning_of_next());
             case 21:
-                return Line({1, 1}, "Bool, " + Meaning());
+                return add_line({1, 1}, "Bool, " + meaning_of_next());
             case 128:
-                return Line({1, 4, static_cast<std::size_t>(Number(at_ + 1, 4))}, "block, " + Meaning());
+                return add_line({1, 4, static_cast<std::size_t>(number_at(at_ + 1, 4))},
+                                "block, " + meaning_of_next());
             case 130:
-                return Line({1, 4, static_cast<std::size_t>(Number(at_ + 1, 4))}, "string, " + Meaning());
+                return add_line({1, 4, static_cast<std::size_t>(number_at(at_ + 1, 4))},
+                                "string, " + meaning_of_next());
             default:
-                return Line({1}, "not known");
+                return add_line({1}, "not known");
         }
     }
 
-    void ValueLine(const std::vector<std::size_t>& sizes, const std::string& type, std::int64_t value) {
-        const std::string meaning = Meaning();
+    void value_line(const std::vector<std::size_t>& sizes, const std::string& type, std::int64_t value) {
+        const std::string meaning = meaning_of_next();
         if (meaning == "channels") {
             open_.back().channels = value;
         }
-        Line(sizes, type + ", " + meaning + (meaning == "0" ? "" : " " + std::to_string(value)));
+        add_line(sizes, type + ", " + meaning + (meaning == "0" ? "" : " " + std::to_string(value)));
     }
 
     // One line of the next `sizes` bytes, each part set off by a space.
-    void Line(const std::vector<std::size_t>& sizes, const std::string& meaning) {
+    void add_line(const std::vector<std::size_t>& sizes, const std::string& meaning) {
         char offset[16];
         std::snprintf(offset, sizeof(offset), "%04zx ", at_);
         std::string line = offset;
@@ -155,5 +157,5 @@ class Dump {
 }  // namespace
 
 std::string annotated_dump(const std::string& bytes) {
-    return Dump(bytes).All();
+    return Dump(bytes).all();
 }

@@ -23,22 +23,22 @@ using Rgb = std::array<std::uint16_t, 3>;
 constexpr Rgb kUntouched = {11, 22, 33};
 
 // The pixel, or `kUntouched` when it was refused without an output being touched.
-Rgb PixelAt(const BaseBitmap& bitmap, std::int32_t x, std::int32_t y, std::int32_t expected_result = 0) {
+Rgb pixel_at(const BaseBitmap& bitmap, std::int32_t x, std::int32_t y, std::int32_t expected_result = 0) {
     Rgb pixel = kUntouched;
     EXPECT_EQ(bitmap.GetPixel(x, y, &pixel[0], &pixel[1], &pixel[2]), expected_result);
     return pixel;
 }
 
-void ExpectEmpty(const BaseBitmap& bitmap) {
+void expect_empty(const BaseBitmap& bitmap) {
     EXPECT_EQ(bitmap.width(), 0);
     EXPECT_EQ(bitmap.height(), 0);
     EXPECT_EQ(bitmap.depth(), 0);
     EXPECT_EQ(bitmap.GetChannelCount(), 0);
-    EXPECT_EQ(PixelAt(bitmap, 0, 0, 1), kUntouched);
+    EXPECT_EQ(pixel_at(bitmap, 0, 0, 1), kUntouched);
 }
 
 TEST(BaseBitmap, BeginsEmpty) {
-    ExpectEmpty(BaseBitmap());
+    expect_empty(BaseBitmap());
 }
 
 struct InitCase {
@@ -77,7 +77,7 @@ TEST(BaseBitmap, InitAcceptsOrLeavesEmpty) {
         ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
         ASSERT_EQ(bitmap.Init(c.w, c.h, c.depth), c.expected);
         if (c.expected != 0) {
-            ExpectEmpty(bitmap);
+            expect_empty(bitmap);
             continue;
         }
         EXPECT_EQ(bitmap.width(), c.w);
@@ -86,7 +86,7 @@ TEST(BaseBitmap, InitAcceptsOrLeavesEmpty) {
         EXPECT_EQ(bitmap.GetChannelCount(), 0);
         if (c.w > 0 && c.h > 0) {
             EXPECT_EQ(bitmap.SetPixel(c.w - 1, c.h - 1, 1, 2, 3), 0);
-            EXPECT_EQ(PixelAt(bitmap, c.w - 1, c.h - 1), (Rgb{1, 2, 3}));
+            EXPECT_EQ(pixel_at(bitmap, c.w - 1, c.h - 1), (Rgb{1, 2, 3}));
         }
     }
 }
@@ -97,7 +97,7 @@ TEST(BaseBitmap, PixelsBeginAsZero) {
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
     for (std::int32_t y = 0; y < 4; ++y) {
         for (std::int32_t x = 0; x < 5; ++x) {
-            EXPECT_EQ(PixelAt(bitmap, x, y), (Rgb{0, 0, 0}));
+            EXPECT_EQ(pixel_at(bitmap, x, y), (Rgb{0, 0, 0}));
             std::uint16_t alpha = 7;
             EXPECT_EQ(bitmap.GetAlphaPixel(1, x, y, &alpha), 0);
             EXPECT_EQ(alpha, 0);
@@ -120,7 +120,7 @@ TEST(BaseBitmap, EveryPixelHasItsOwnPlace) {
     }
     for (std::int32_t y = 0; y < 5; ++y) {
         for (std::int32_t x = 0; x < 7; ++x) {
-            EXPECT_EQ(PixelAt(bitmap, x, y), (Rgb{value(x, y, 0), value(x, y, 1), value(x, y, 2)}));
+            EXPECT_EQ(pixel_at(bitmap, x, y), (Rgb{value(x, y, 0), value(x, y, 1), value(x, y, 2)}));
             std::uint16_t alpha = 0;
             EXPECT_EQ(bitmap.GetAlphaPixel(1, x, y, &alpha), 0);
             EXPECT_EQ(alpha, value(x, y, 3));
@@ -153,12 +153,12 @@ TEST(BaseBitmap, OutsideNothingIsReadOrWritten) {
         ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
         EXPECT_EQ(bitmap.SetPixel(place.x, place.y, 1, 2, 3), 1);
         EXPECT_EQ(bitmap.SetAlphaPixel(1, place.x, place.y, 4), 1);
-        EXPECT_EQ(PixelAt(bitmap, place.x, place.y, 1), kUntouched);
+        EXPECT_EQ(pixel_at(bitmap, place.x, place.y, 1), kUntouched);
         std::uint16_t alpha = 77;
         EXPECT_EQ(bitmap.GetAlphaPixel(1, place.x, place.y, &alpha), 1);
         EXPECT_EQ(alpha, 77);
         for (std::int32_t i = 0; i < 6; ++i) {
-            EXPECT_EQ(PixelAt(bitmap, i % 3, i / 3), (Rgb{0, 0, 0}));
+            EXPECT_EQ(pixel_at(bitmap, i % 3, i / 3), (Rgb{0, 0, 0}));
             EXPECT_EQ(bitmap.GetAlphaPixel(1, i % 3, i / 3, &alpha), 0);
             EXPECT_EQ(alpha, 0);
         }
@@ -211,7 +211,7 @@ TEST(BaseBitmap, SecondInitDropsPixelsAndAlpha) {
     ASSERT_EQ(bitmap.Init(2, 2, 24), 0);
     EXPECT_EQ(bitmap.GetChannelCount(), 0);
     EXPECT_EQ(bitmap.SetAlphaPixel(1, 0, 0, 5), 1);
-    EXPECT_EQ(PixelAt(bitmap, 0, 0), (Rgb{0, 0, 0}));
+    EXPECT_EQ(pixel_at(bitmap, 0, 0), (Rgb{0, 0, 0}));
     EXPECT_EQ(bitmap.AddChannel(0, 0), 1) << "there is room for a channel again";
 }
 
@@ -220,14 +220,14 @@ TEST(BaseBitmap, DestroyEmpties) {
     ASSERT_EQ(bitmap.Init(2, 2, 24), 0);
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
     bitmap.Destroy();
-    ExpectEmpty(bitmap);
+    expect_empty(bitmap);
     bitmap.Destroy();
-    ExpectEmpty(bitmap);
+    expect_empty(bitmap);
 }
 
 #if !defined(_WIN32)  // where memory that is not touched counts as taken, and no process can be kept from
                       // taking more
-std::int64_t ResidentBytes() {
+std::int64_t resident_bytes() {
     std::int64_t total_pages = 0;
     std::int64_t resident_pages = 0;
     std::ifstream("/proc/self/statm") >> total_pages >> resident_pages;
@@ -237,11 +237,11 @@ std::int64_t ResidentBytes() {
 
 TEST(BaseBitmap, LargePictureCostsNothingUntilItIsTouched) {
     BaseBitmap bitmap;
-    const std::int64_t before = ResidentBytes();
+    const std::int64_t before = resident_bytes();
     ASSERT_EQ(bitmap.Init(8192, 8192, 24), 0);  // 384 MiB
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);      // 128 MiB
-    EXPECT_EQ(PixelAt(bitmap, 8191, 8191), (Rgb{0, 0, 0}));
-    EXPECT_LT(ResidentBytes() - before, std::int64_t{32} << 20);
+    EXPECT_EQ(pixel_at(bitmap, 8191, 8191), (Rgb{0, 0, 0}));
+    EXPECT_LT(resident_bytes() - before, std::int64_t{32} << 20);
 }
 
 TEST(BaseBitmapDeathTest, WithoutMemoryThereIsNoAlphaChannel) {
@@ -249,7 +249,7 @@ TEST(BaseBitmapDeathTest, WithoutMemoryThereIsNoAlphaChannel) {
         {
             BaseBitmap bitmap;
             const bool made = bitmap.Init(8192, 8192, 24) == 0;
-            RefuseFurtherMemory();
+            refuse_further_memory();
             const bool refused = bitmap.AddChannel(0, 0) == 2 && bitmap.GetChannelCount() == 0;
             const bool kept = bitmap.width() == 8192 && bitmap.SetPixel(0, 0, 1, 2, 3) == 0;
             _exit(made && refused && kept ? 0 : 1);

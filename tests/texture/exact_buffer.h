@@ -20,10 +20,10 @@ class ExactBuffer {
 
     [[nodiscard]] unsigned char* data() { return bytes_.get(); }
     [[nodiscard]] std::int32_t size() const { return static_cast<std::int32_t>(size_); }
-    [[nodiscard]] std::vector<unsigned char> First(std::size_t count) const {
+    [[nodiscard]] std::vector<unsigned char> first(std::size_t count) const {
         return {bytes_.get(), bytes_.get() + count};
     }
-    [[nodiscard]] std::vector<unsigned char> All() const { return First(size_); }
+    [[nodiscard]] std::vector<unsigned char> all() const { return first(size_); }
 
   private:
     std::size_t size_;

@@ -24,21 +24,21 @@ constexpr std::int32_t kLargest = std::numeric_limits<std::int32_t>::max();
 using Rgb = std::array<std::uint16_t, 3>;
 using Bytes = std::vector<unsigned char>;
 
-Rgb PixelAt(const BaseBitmap& bitmap, std::int32_t x, std::int32_t y) {
+Rgb pixel_at(const BaseBitmap& bitmap, std::int32_t x, std::int32_t y) {
     Rgb pixel = {1, 1, 1};
     EXPECT_EQ(bitmap.GetPixel(x, y, &pixel[0], &pixel[1], &pixel[2]), 0);
     return pixel;
 }
 
-std::vector<Rgb> RowOf(const BaseBitmap& bitmap, std::int32_t y) {
+std::vector<Rgb> row_of(const BaseBitmap& bitmap, std::int32_t y) {
     std::vector<Rgb> row;
     for (std::int32_t x = 0; x < bitmap.width(); ++x) {
-        row.push_back(PixelAt(bitmap, x, y));
+        row.push_back(pixel_at(bitmap, x, y));
     }
     return row;
 }
 
-std::vector<int> AlphaRowOf(const BaseBitmap& bitmap, std::int32_t y) {
+std::vector<int> alpha_row_of(const BaseBitmap& bitmap, std::int32_t y) {
     std::vector<int> row;
     for (std::int32_t x = 0; x < bitmap.width(); ++x) {
         std::uint16_t alpha = 1;
@@ -142,8 +142,8 @@ TEST(ExampleTXLImage, StoresColour) {
         ASSERT_TRUE(image.Init(3, 2, c.mode));
         ExactBuffer data(c.data);
         EXPECT_TRUE(image.SetPixelCount(c.x, c.y, c.count, data.data(), c.stride));
-        EXPECT_EQ(RowOf(bitmap, 1), c.expected_row);
-        EXPECT_EQ(RowOf(bitmap, 0), (std::vector<Rgb>{kZero, kZero, kZero}));
+        EXPECT_EQ(row_of(bitmap, 1), c.expected_row);
+        EXPECT_EQ(row_of(bitmap, 0), (std::vector<Rgb>{kZero, kZero, kZero}));
     }
 }
 
@@ -153,7 +153,7 @@ TEST(ExampleTXLImage, ColourBeforeInitIsDropped) {
     ExampleTXLImage image(&bitmap);
     Bytes data = {9, 9, 9};
     EXPECT_TRUE(image.SetPixelCount(0, 0, 1, data.data(), 3)) << "the mode is 0 until Init";
-    EXPECT_EQ(PixelAt(bitmap, 0, 0), kZero);
+    EXPECT_EQ(pixel_at(bitmap, 0, 0), kZero);
 }
 
 TEST(ExampleTXLImage, StoredColourReadsBackAsZero) {
@@ -164,7 +164,7 @@ TEST(ExampleTXLImage, StoredColourReadsBackAsZero) {
     ASSERT_TRUE(image.SetPixelCount(0, 0, 2, data.data(), 3));
     ExactBuffer back(6, 0xEE);
     EXPECT_EQ(image.GetPixelCount(0, 0, 2, back.data()), 0);
-    EXPECT_EQ(back.All(), Bytes(6, 0));
+    EXPECT_EQ(back.all(), Bytes(6, 0));
 }
 
 TEST(ExampleTXLImage, ReadsTheLowByteOfAColour) {
@@ -175,7 +175,7 @@ TEST(ExampleTXLImage, ReadsTheLowByteOfAColour) {
     ASSERT_EQ(bitmap.SetPixel(1, 0, 1, 2, 3), 0);
     ExactBuffer row(6);
     EXPECT_EQ(image.GetPixelCount(0, 0, 2, row.data()), 0);
-    EXPECT_EQ(row.All(), (Bytes{0x34, 0x78, 0xBC, 1, 2, 3}));
+    EXPECT_EQ(row.all(), (Bytes{0x34, 0x78, 0xBC, 1, 2, 3}));
 }
 
 struct ReadCase {
@@ -216,10 +216,10 @@ TEST(ExampleTXLImage, ReadsColourAndAlpha) {
         for (const unsigned char byte : c.expected_bytes) {
             three_times.insert(three_times.end(), 3, byte);
         }
-        EXPECT_EQ(colour.All(), three_times);
+        EXPECT_EQ(colour.all(), three_times);
         ExactBuffer alpha(c.expected_bytes.size(), 0xEE);
         EXPECT_EQ(image.GetAlphaPixel(0, c.x, c.y, c.count, alpha.data()), c.expected_alpha);
-        EXPECT_EQ(alpha.All(), c.expected_bytes);
+        EXPECT_EQ(alpha.all(), c.expected_bytes);
     }
 }
 
@@ -244,11 +244,11 @@ TEST(ExampleTXLImage, AlphaIsKeptUnscaledAndReadsBack) {
     EXPECT_EQ(image.GetAlphaCount(), 1);
     ExactBuffer data(Bytes{255, 1, 128});
     EXPECT_TRUE(image.SetAlphaPixel(99, 0, 1, 3, data.data())) << "the channel is ignored";
-    EXPECT_EQ(AlphaRowOf(bitmap, 1), (std::vector<int>{255, 1, 128}));
-    EXPECT_EQ(AlphaRowOf(bitmap, 0), (std::vector<int>{0, 0, 0}));
+    EXPECT_EQ(alpha_row_of(bitmap, 1), (std::vector<int>{255, 1, 128}));
+    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{0, 0, 0}));
     ExactBuffer back(3);
     EXPECT_EQ(image.GetAlphaPixel(0, 0, 1, 3, back.data()), 0);
-    EXPECT_EQ(back.All(), (Bytes{255, 1, 128}));
+    EXPECT_EQ(back.all(), (Bytes{255, 1, 128}));
 }
 
 TEST(ExampleTXLImage, AlphaOutsideIsDropped) {
@@ -262,7 +262,7 @@ TEST(ExampleTXLImage, AlphaOutsideIsDropped) {
     EXPECT_TRUE(image.SetAlphaPixel(0, 0, 1, 2, data.data()));
     EXPECT_TRUE(image.SetAlphaPixel(0, 0, 0, 0, data.data()));
     EXPECT_TRUE(image.SetAlphaPixel(0, 0, 0, -1, data.data()));
-    EXPECT_EQ(AlphaRowOf(bitmap, 0), (std::vector<int>{2, 3}));
+    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{2, 3}));
 }
 
 TEST(ExampleTXLImage, AlphaIsRefusedUntilAChannelIsAnnounced) {
@@ -285,7 +285,7 @@ TEST(ExampleTXLImage, SecondAlphaChannelIsRefusedAndTheFirstKept) {
     value = 6;
     EXPECT_FALSE(image.SetAlphaPixel(1, 0, 0, 1, &value));
     EXPECT_EQ(image.GetAlphaCount(), 1);
-    EXPECT_EQ(AlphaRowOf(bitmap, 0), (std::vector<int>{5}));
+    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{5}));
 }
 
 TEST(ExampleTXLImage, SecondInitTakesTheAlphaChannelAway) {
@@ -298,9 +298,9 @@ TEST(ExampleTXLImage, SecondInitTakesTheAlphaChannelAway) {
     unsigned char value = 5;
     image.SetAlphaPixel(0, 0, 0, 1, &value);
     ASSERT_TRUE(image.InitAlphaChannel(0, 1, 1));
-    EXPECT_EQ(AlphaRowOf(bitmap, 0), (std::vector<int>{0})) << "the value came too early";
+    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{0})) << "the value came too early";
     EXPECT_TRUE(image.SetAlphaPixel(0, 0, 0, 1, &value));
-    EXPECT_EQ(AlphaRowOf(bitmap, 0), (std::vector<int>{5}));
+    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{5}));
 }
 
 #if !defined(_WIN32)  // where no process can be kept from taking more memory
@@ -310,7 +310,7 @@ TEST(ExampleTXLImageDeathTest, ChannelThatMemoryRefusedCountsAsOne) {
             BaseBitmap bitmap;
             ExampleTXLImage image(&bitmap);
             const bool made = image.Init(8192, 8192, kGrey);
-            RefuseFurtherMemory();
+            refuse_further_memory();
             unsigned char value = 5;
             const bool announced = image.InitAlphaChannel(0, 1, 1);
             const bool taken = image.SetAlphaPixel(0, 0, 0, 1, &value);
@@ -346,11 +346,11 @@ TEST(ExampleTXLImage, RowsAreWhatTheirPixelsAre) {
                             return stored ? data[static_cast<std::size_t>(at)] : 0;
                         };
                         for (std::int64_t k = 0; k < 3; ++k) {
-                            ASSERT_EQ(PixelAt(bitmap, column, 1)[static_cast<std::size_t>(k)],
+                            ASSERT_EQ(pixel_at(bitmap, column, 1)[static_cast<std::size_t>(k)],
                                       256 * value(i * stride + (mode == kRgb ? k : 0)))
                                 << column << " of " << count << " from " << x;
                         }
-                        ASSERT_EQ(AlphaRowOf(bitmap, 1)[static_cast<std::size_t>(column)], value(i));
+                        ASSERT_EQ(alpha_row_of(bitmap, 1)[static_cast<std::size_t>(column)], value(i));
                     }
                     if (count < 1) {
                         continue;

@@ -161,7 +161,7 @@ TEST_F(HyperFileDeathTest, WithoutMemoryABlockAndAStringAreRefused) {
                 TestedFile file;
                 const bool opened = file.OpenToRead(path) != 0;
                 std::uint8_t byte = 0;
-                RefuseFurtherMemory();
+                refuse_further_memory();
                 void* data = &byte;
                 std::int32_t count = 0;
                 PrivateString string;

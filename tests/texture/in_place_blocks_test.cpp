@@ -15,7 +15,7 @@ namespace {
 constexpr std::int32_t kIdent = four_characters("Test");
 constexpr std::size_t kBuffer = PrivateFile::kBufferBytes;
 
-std::string RandomBytes(std::mt19937& random, std::size_t count) {
+std::string random_bytes(std::mt19937& random, std::size_t count) {
     std::string bytes(count, '\0');
     for (char& byte : bytes) {
         byte = static_cast<char>(random() >> 24);
@@ -23,7 +23,7 @@ std::string RandomBytes(std::mt19937& random, std::size_t count) {
     return bytes;
 }
 
-std::string AsText(const unsigned char* bytes, std::size_t count) {
+std::string as_text(const unsigned char* bytes, std::size_t count) {
     return {bytes, bytes + count};
 }
 
@@ -33,10 +33,10 @@ TEST(InPlaceBlocks, OfAnySizeAreTheBytesThatAreStored) {
     for (const std::size_t size :
          {std::size_t{1}, std::size_t{0}, kBuffer - 1, kBuffer, kBuffer + 1, std::size_t{5}, 3 * kBuffer,
           2 * kBuffer, std::size_t{0}, std::size_t{4096}}) {
-        blocks.push_back(RandomBytes(random, size));
+        blocks.push_back(random_bytes(random, size));
     }
     for (int i = 0; i < 200; ++i) {
-        blocks.push_back(RandomBytes(random, random() % 5000));
+        blocks.push_back(random_bytes(random, random() % 5000));
     }
     HyperBytes file = HyperBytes().Header("AVXR", "Test");
     for (const std::string& block : blocks) {
@@ -51,7 +51,7 @@ TEST(InPlaceBlocks, OfAnySizeAreTheBytesThatAreStored) {
         ASSERT_EQ(read.ReadMemoryInPlace(&data, &count), 1);
         ASSERT_EQ(static_cast<std::size_t>(count), block.size());
         ASSERT_EQ(data == nullptr, block.empty());
-        ASSERT_EQ(AsText(data, block.size()), block);
+        ASSERT_EQ(as_text(data, block.size()), block);
         unsigned char behind = 0;
         ASSERT_EQ(read.ReadUChar(&behind), 1);
         ASSERT_EQ(behind, 7);
@@ -95,7 +95,7 @@ TEST(PrivateFileBuffer, TransfersOfEverySizeCrossItsEnds) {
     const std::size_t sizes[] = {1, 2, 7, 100, 4096, kBuffer - 1, kBuffer, kBuffer + 1, 2 * kBuffer + 3};
     std::vector<std::string> pieces;
     for (int i = 0; i < 120; ++i) {
-        pieces.push_back(RandomBytes(random, sizes[random() % std::size(sizes)]));
+        pieces.push_back(random_bytes(random, sizes[random() % std::size(sizes)]));
     }
     const TemporaryFolder folder;
     const std::string path = folder.path("pieces");
@@ -118,7 +118,7 @@ TEST(PrivateFileBuffer, TransfersOfEverySizeCrossItsEnds) {
         if (random() % 2 == 0 && piece.size() <= kBuffer) {
             const unsigned char* bytes = file.ReadInPlace(static_cast<std::int32_t>(piece.size()));
             ASSERT_NE(bytes, nullptr);
-            read = AsText(bytes, piece.size());
+            read = as_text(bytes, piece.size());
         } else {
             ASSERT_EQ(file.ReadBytes(read.data(), static_cast<std::int32_t>(read.size())), 1);
         }

@@ -33,7 +33,7 @@ struct CloseTiff {
 };
 using Tiff = std::unique_ptr<TIFF, CloseTiff>;
 
-Tiff OpenForRow(const PeerFile& file, std::size_t width_px) {
+Tiff open_for_row(const PeerFile& file, std::size_t width_px) {
     Tiff tiff(TIFFOpen(file.path(), "w"));
     if (tiff == nullptr) {
         return tiff;
@@ -48,9 +48,9 @@ Tiff OpenForRow(const PeerFile& file, std::size_t width_px) {
     return tiff;
 }
 
-Bytes CodedByPeer(const PeerFile& file, Bytes plain) {
+Bytes coded_by_peer(const PeerFile& file, Bytes plain) {
     const auto size = static_cast<tmsize_t>(plain.size());
-    const Tiff writer = OpenForRow(file, plain.size());
+    const Tiff writer = open_for_row(file, plain.size());
     EXPECT_EQ(TIFFWriteEncodedStrip(writer.get(), 0, plain.data(), size), size);
     EXPECT_EQ(TIFFFlush(writer.get()), 1);
     const Tiff reader(TIFFOpen(file.path(), "r"));
@@ -60,9 +60,9 @@ Bytes CodedByPeer(const PeerFile& file, Bytes plain) {
     return coded;
 }
 
-Bytes DecodedByPeer(const PeerFile& file, Bytes coded, std::size_t width_px) {
+Bytes decoded_by_peer(const PeerFile& file, Bytes coded, std::size_t width_px) {
     {
-        const Tiff writer = OpenForRow(file, width_px);
+        const Tiff writer = open_for_row(file, width_px);
         const auto size = static_cast<tmsize_t>(coded.size());
         EXPECT_EQ(TIFFWriteRawStrip(writer.get(), 0, coded.data(), size), size);
     }
@@ -83,13 +83,13 @@ TEST(PackBitsPeer, EachReadsWhatTheOtherWrites) {
         rows.push_back(distinct);
     }
     for (int i = 0; i < 60; ++i) {
-        rows.push_back(RandomRow(random, 1000));
+        rows.push_back(random_row(random, 1000));
     }
     for (const Bytes& row : rows) {
-        ASSERT_EQ(Decoded(CodedByPeer(file, row), row.size()), row) << testing::PrintToString(row);
-        const auto coded = Encoded(row, 2 * row.size() + 2);
+        ASSERT_EQ(decoded(coded_by_peer(file, row), row.size()), row) << testing::PrintToString(row);
+        const auto coded = encoded(row, 2 * row.size() + 2);
         ASSERT_TRUE(coded.has_value());
-        ASSERT_EQ(DecodedByPeer(file, *coded, row.size()), row) << testing::PrintToString(row);
+        ASSERT_EQ(decoded_by_peer(file, *coded, row.size()), row) << testing::PrintToString(row);
     }
 }
 

@@ -12,11 +12,11 @@
 
 namespace {
 
-Bytes Repeated(std::size_t count, unsigned char value) {
+Bytes repeated(std::size_t count, unsigned char value) {
     return Bytes(count, value);
 }
 
-Bytes Counting(std::size_t count) {
+Bytes counting(std::size_t count) {
     Bytes bytes(count);
     for (std::size_t i = 0; i < count; ++i) {
         bytes[i] = static_cast<unsigned char>(i);
@@ -24,7 +24,7 @@ Bytes Counting(std::size_t count) {
     return bytes;
 }
 
-Bytes Joined(const std::vector<Bytes>& parts) {
+Bytes joined(const std::vector<Bytes>& parts) {
     Bytes all;
     for (const Bytes& part : parts) {
         all.insert(all.end(), part.begin(), part.end());
@@ -39,8 +39,8 @@ struct EncodeCase {
     std::optional<Bytes> expected;
 };
 
-const Bytes k128 = Counting(128);
-const Bytes k129 = Counting(129);
+const Bytes k128 = counting(128);
+const Bytes k129 = counting(129);
 
 const EncodeCase kEncodeCases[] = {
     {"no bytes are no packets", {}, 8, std::nullopt},
@@ -61,21 +61,21 @@ const EncodeCase kEncodeCases[] = {
     {"run, then literal one too small", {7, 7, 7, 1}, 3, std::nullopt},
     {"run, then literal two too small", {7, 7, 7, 1}, 2, std::nullopt},
     {"run, then run", {7, 7, 7, 8, 8, 8}, 4, Bytes{0xFE, 7, 0xFE, 8}},
-    {"run of 128", Repeated(128, 9), 2, Bytes{0x81, 9}},
-    {"run of 128 and a literal of 1", Repeated(129, 9), 4, Bytes{0x81, 9, 0x00, 9}},
-    {"run of 128 and a literal of 2", Repeated(130, 9), 5, Bytes{0x81, 9, 0x01, 9, 9}},
-    {"run of 128 and a run of 3", Repeated(131, 9), 4, Bytes{0x81, 9, 0xFE, 9}},
-    {"128 distinct bytes need room for 130", k128, 130, Joined({{0x7F}, k128})},
+    {"run of 128", repeated(128, 9), 2, Bytes{0x81, 9}},
+    {"run of 128 and a literal of 1", repeated(129, 9), 4, Bytes{0x81, 9, 0x00, 9}},
+    {"run of 128 and a literal of 2", repeated(130, 9), 5, Bytes{0x81, 9, 0x01, 9, 9}},
+    {"run of 128 and a run of 3", repeated(131, 9), 4, Bytes{0x81, 9, 0xFE, 9}},
+    {"128 distinct bytes need room for 130", k128, 130, joined({{0x7F}, k128})},
     {"128 distinct bytes, room for only what they fill", k128, 129, std::nullopt},
-    {"129 distinct bytes", k129, 131, Joined({{0x7F}, k128, {0x00, 0x80}})},
+    {"129 distinct bytes", k129, 131, joined({{0x7F}, k128, {0x00, 0x80}})},
     {"129 distinct bytes, one too small", k129, 130, std::nullopt},
-    {"a full literal, then a run", Joined({k128, {7, 7, 7}}), 131, Joined({{0x7F}, k128, {0xFE, 7}})},
-    {"a full literal, then a run one too small", Joined({k128, {7, 7, 7}}), 130, std::nullopt},
+    {"a full literal, then a run", joined({k128, {7, 7, 7}}), 131, joined({{0x7F}, k128, {0xFE, 7}})},
+    {"a full literal, then a run one too small", joined({k128, {7, 7, 7}}), 130, std::nullopt},
 };
 
 TEST(PackBitsEncode, Cases) {
     for (const EncodeCase& c : kEncodeCases) {
-        EXPECT_EQ(Encoded(c.plain, c.capacity), c.expected) << c.name;
+        EXPECT_EQ(encoded(c.plain, c.capacity), c.expected) << c.name;
     }
 }
 
@@ -84,7 +84,7 @@ TEST(PackBitsEncode, LengthsBelowOneWriteNothing) {
         ExactBuffer dst(4, 0xEE);
         const unsigned char byte = 1;
         EXPECT_EQ(pack_bits_encode(&byte, length, dst.data(), dst.size()), 0) << length;
-        EXPECT_EQ(dst.All(), Repeated(4, 0xEE)) << length;
+        EXPECT_EQ(dst.all(), repeated(4, 0xEE)) << length;
     }
 }
 
@@ -97,7 +97,7 @@ TEST(PackBitsEncode, NegativeCapacityIsNoRoom) {
 
 // Calls `visit` with every sequence of 0 to `longest` letters of the alphabet; returns how many there were.
 template <typename Visit>
-std::size_t ForEveryWord(const Bytes& alphabet, std::size_t longest, Visit visit) {
+std::size_t for_every_word(const Bytes& alphabet, std::size_t longest, Visit visit) {
     std::size_t words = 0;
     std::size_t of_this_length = 1;
     for (std::size_t length = 0; length <= longest; ++length) {
@@ -116,19 +116,20 @@ std::size_t ForEveryWord(const Bytes& alphabet, std::size_t longest, Visit visit
     return words;
 }
 
-void ExpectEncodedAsReferenceAtEveryCapacity(const Bytes& plain) {
-    const Reference reference = ReferenceEncode(plain);
+void expect_encoded_as_reference_at_every_capacity(const Bytes& plain) {
+    const Reference reference = reference_encode(plain);
     for (std::size_t capacity = 0; capacity <= reference.room_bytes + 2; ++capacity) {
         const bool fits = !plain.empty() && capacity >= reference.room_bytes;
         const auto expected = fits ? std::optional<Bytes>(reference.coded) : std::nullopt;
-        ASSERT_EQ(Encoded(plain, capacity), expected)
+        ASSERT_EQ(encoded(plain, capacity), expected)
             << testing::PrintToString(plain) << " into " << capacity;
     }
 }
 
 TEST(PackBitsEncode, EveryShortInputAtEveryCapacity) {
-    EXPECT_EQ(ForEveryWord({0x00, 0x01, 0x80, 0xFF}, 3, ExpectEncodedAsReferenceAtEveryCapacity), 85U);
-    EXPECT_EQ(ForEveryWord({0x00, 0x01}, 9, ExpectEncodedAsReferenceAtEveryCapacity), 1023U);
+    EXPECT_EQ(for_every_word({0x00, 0x01, 0x80, 0xFF}, 3, expect_encoded_as_reference_at_every_capacity),
+              85U);
+    EXPECT_EQ(for_every_word({0x00, 0x01}, 9, expect_encoded_as_reference_at_every_capacity), 1023U);
 }
 
 struct DecodeCase {
@@ -147,7 +148,7 @@ const DecodeCase kDecodeCases[] = {
     {"run of 3 cut to 2", {0xFE, 7}, 2, Bytes{7, 7}},
     {"run of 3 where 4 are wanted", {0xFE, 7}, 4, std::nullopt},
     {"run of 2 is accepted", {0xFF, 7}, 2, Bytes{7, 7}},
-    {"longest run", {0x81, 7}, 128, Repeated(128, 7)},
+    {"longest run", {0x81, 7}, 128, repeated(128, 7)},
     {"run without its value takes the byte behind the input", {0xFE}, 3, Bytes{kGuard, kGuard, kGuard}},
     {"literal, then a run without its value", {0x00, 1, 0xFF}, 3, Bytes{1, kGuard, kGuard}},
     {"literal", {0x01, 1, 2}, 2, Bytes{1, 2}},
@@ -155,7 +156,7 @@ const DecodeCase kDecodeCases[] = {
     {"literal with a byte missing that was not wanted", {0x02, 0x41, 0x42}, 2, Bytes{0x41, 0x42}},
     {"literal without any byte", {0x00}, 1, std::nullopt},
     {"literal cut by the output leaves input over", {0x01, 1, 2}, 1, std::nullopt},
-    {"longest literal", Joined({{0x7F}, k128}), 128, k128},
+    {"longest literal", joined({{0x7F}, k128}), 128, k128},
     {"no-op before a literal", {0x80, 0x00, 0x41}, 1, Bytes{0x41}},
     {"no-op after a literal is input left over", {0x00, 0x41, 0x80}, 1, std::nullopt},
     {"no-op between literals", {0x00, 1, 0x80, 0x00, 2}, 2, Bytes{1, 2}},
@@ -164,7 +165,7 @@ const DecodeCase kDecodeCases[] = {
 
 TEST(PackBitsDecode, Cases) {
     for (const DecodeCase& c : kDecodeCases) {
-        EXPECT_EQ(Decoded(c.coded, c.wanted), c.expected) << c.name;
+        EXPECT_EQ(decoded(c.coded, c.wanted), c.expected) << c.name;
     }
 }
 
@@ -176,19 +177,19 @@ TEST(PackBitsDecode, LengthsBelowZeroAreNothing) {
     EXPECT_FALSE(pack_bits_decode(&byte, INT32_MIN, &byte, 1));
 }
 
-void ExpectDecodedAsReference(const Bytes& coded, std::size_t wanted) {
-    ASSERT_EQ(Decoded(coded, wanted), ReferenceDecode(coded, wanted))
+void expect_decoded_as_reference(const Bytes& coded, std::size_t wanted) {
+    ASSERT_EQ(decoded(coded, wanted), reference_decode(coded, wanted))
         << testing::PrintToString(coded) << " into " << wanted;
-    ASSERT_EQ(DecodedBlock(coded, wanted), ReferenceDecode(coded, wanted, 0))
+    ASSERT_EQ(decoded_block(coded, wanted), reference_decode(coded, wanted, 0))
         << testing::PrintToString(coded) << " into " << wanted << ", nothing behind it";
 }
 
 TEST(PackBitsDecode, EveryShortInputAtEveryCapacity) {
     const Bytes alphabet = {0x00, 0x01, 0x02, 0x7F, 0x80, 0x81, 0xC0, 0xFE, 0xFF};
-    const std::size_t words = ForEveryWord(alphabet, 3, [](const Bytes& coded) {
+    const std::size_t words = for_every_word(alphabet, 3, [](const Bytes& coded) {
         // At most two runs of 128 (one with its value, one without), and one byte more than they give.
         for (std::size_t wanted = 0; wanted <= 257; ++wanted) {
-            ExpectDecodedAsReference(coded, wanted);
+            expect_decoded_as_reference(coded, wanted);
         }
     });
     EXPECT_EQ(words, 820U);
@@ -199,12 +200,12 @@ class PackBitsRandom : public testing::TestWithParam<unsigned> {};
 TEST_P(PackBitsRandom, RoundTripIsExactAndNeedsWhatTheReferenceSays) {
     std::mt19937 random(GetParam());
     for (int i = 0; i < 500; ++i) {
-        const Bytes plain = RandomRow(random, 1500);
-        const Reference reference = ReferenceEncode(plain);
-        ASSERT_EQ(Encoded(plain, reference.room_bytes), reference.coded);
-        ASSERT_EQ(Encoded(plain, reference.room_bytes - 1), std::nullopt);
-        ASSERT_EQ(Decoded(reference.coded, plain.size()), plain);
-        ASSERT_EQ(Decoded(reference.coded, plain.size() + 1), std::nullopt);
+        const Bytes plain = random_row(random, 1500);
+        const Reference reference = reference_encode(plain);
+        ASSERT_EQ(encoded(plain, reference.room_bytes), reference.coded);
+        ASSERT_EQ(encoded(plain, reference.room_bytes - 1), std::nullopt);
+        ASSERT_EQ(decoded(reference.coded, plain.size()), plain);
+        ASSERT_EQ(decoded(reference.coded, plain.size() + 1), std::nullopt);
     }
 }
 
@@ -212,10 +213,10 @@ TEST_P(PackBitsRandom, AnyBytesDecodeAsTheReferenceSays) {
     std::mt19937 random(GetParam());
     std::size_t accepted = 0;
     for (int i = 0; i < 20000; ++i) {
-        const Bytes coded = RandomRow(random, 12);
+        const Bytes coded = random_row(random, 12);
         const std::size_t wanted = std::uniform_int_distribution<std::size_t>(0, 300)(random);
-        const auto expected = ReferenceDecode(coded, wanted);
-        ASSERT_EQ(Decoded(coded, wanted), expected) << testing::PrintToString(coded) << " into " << wanted;
+        const auto expected = reference_decode(coded, wanted);
+        ASSERT_EQ(decoded(coded, wanted), expected) << testing::PrintToString(coded) << " into " << wanted;
         accepted += expected.has_value() ? 1 : 0;
     }
     EXPECT_GT(accepted, 0U);
@@ -224,7 +225,7 @@ TEST_P(PackBitsRandom, AnyBytesDecodeAsTheReferenceSays) {
 TEST_P(PackBitsRandom, RowsAtEveryCapacity) {
     std::mt19937 random(GetParam());
     for (int i = 0; i < 20; ++i) {
-        ExpectEncodedAsReferenceAtEveryCapacity(RandomRow(random, 600));
+        expect_encoded_as_reference_at_every_capacity(random_row(random, 600));
     }
 }
 
@@ -233,16 +234,16 @@ TEST_P(PackBitsRandom, LongRowsOfEveryNumberOfValues) {
     std::mt19937 random(GetParam());
     for (const unsigned values : {1U, 2U, 4U, 16U, 256U}) {
         for (int i = 0; i < 40; ++i) {
-            Bytes plain = RandomRow(random, 9000);
+            Bytes plain = random_row(random, 9000);
             for (unsigned char& value : plain) {
                 value = static_cast<unsigned char>(value % values);
             }
-            const Reference reference = ReferenceEncode(plain);
-            ASSERT_EQ(Encoded(plain, reference.room_bytes), reference.coded);
-            ASSERT_EQ(Encoded(plain, reference.room_bytes - 1), std::nullopt);
-            ASSERT_EQ(Encoded(plain, 2 * plain.size() + 2), reference.coded);
-            ASSERT_EQ(Decoded(reference.coded, plain.size()), plain);
-            ASSERT_EQ(DecodedBlock(reference.coded, plain.size()), plain);
+            const Reference reference = reference_encode(plain);
+            ASSERT_EQ(encoded(plain, reference.room_bytes), reference.coded);
+            ASSERT_EQ(encoded(plain, reference.room_bytes - 1), std::nullopt);
+            ASSERT_EQ(encoded(plain, 2 * plain.size() + 2), reference.coded);
+            ASSERT_EQ(decoded(reference.coded, plain.size()), plain);
+            ASSERT_EQ(decoded_block(reference.coded, plain.size()), plain);
         }
     }
 }
@@ -253,8 +254,8 @@ TEST_P(PackBitsRandom, DamagedRowsDecodeAsTheReferenceSays) {
         return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
     };
     for (int i = 0; i < 1500; ++i) {
-        const Bytes plain = RandomRow(random, 800);
-        Bytes coded = ReferenceEncode(plain).coded;
+        const Bytes plain = random_row(random, 800);
+        Bytes coded = reference_encode(plain).coded;
         for (std::size_t changes = below(3); changes > 0; --changes) {
             coded[below(coded.size())] = static_cast<unsigned char>(below(256));
         }
@@ -262,7 +263,7 @@ TEST_P(PackBitsRandom, DamagedRowsDecodeAsTheReferenceSays) {
             coded.resize(1 + below(coded.size()));
         }
         for (const std::size_t wanted : {plain.size(), plain.size() + below(200), below(plain.size())}) {
-            ExpectDecodedAsReference(coded, wanted);
+            expect_decoded_as_reference(coded, wanted);
         }
     }
 }

@@ -14,7 +14,7 @@ struct Packet {
     Bytes bytes;
 };
 
-std::vector<Packet> PacketsOf(const Bytes& plain) {
+std::vector<Packet> packets_of(const Bytes& plain) {
     std::vector<Packet> packets;
     bool open = false;
     std::size_t i = 0;
@@ -40,17 +40,17 @@ std::vector<Packet> PacketsOf(const Bytes& plain) {
 
 }  // namespace
 
-std::optional<Bytes> Encoded(const Bytes& plain, std::size_t capacity) {
+std::optional<Bytes> encoded(const Bytes& plain, std::size_t capacity) {
     ExactBuffer src(plain);
     ExactBuffer dst(capacity);
     const std::int32_t written = pack_bits_encode(src.data(), src.size(), dst.data(), dst.size());
     if (written == 0) {
         return std::nullopt;
     }
-    return dst.First(static_cast<std::size_t>(written));
+    return dst.first(static_cast<std::size_t>(written));
 }
 
-std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted) {
+std::optional<Bytes> decoded(const Bytes& coded, std::size_t wanted) {
     Bytes guarded = coded;
     guarded.push_back(kGuard);
     ExactBuffer src(guarded);
@@ -58,21 +58,21 @@ std::optional<Bytes> Decoded(const Bytes& coded, std::size_t wanted) {
     if (!pack_bits_decode(src.data(), src.size() - 1, dst.data(), dst.size())) {
         return std::nullopt;
     }
-    return dst.All();
+    return dst.all();
 }
 
-std::optional<Bytes> DecodedBlock(const Bytes& coded, std::size_t wanted) {
+std::optional<Bytes> decoded_block(const Bytes& coded, std::size_t wanted) {
     ExactBuffer src(coded);
     ExactBuffer dst(wanted);
     if (!pack_bits_decode_block(src.data(), src.size(), dst.data(), dst.size())) {
         return std::nullopt;
     }
-    return dst.All();
+    return dst.all();
 }
 
-Reference ReferenceEncode(const Bytes& plain) {
+Reference reference_encode(const Bytes& plain) {
     Reference reference;
-    const std::vector<Packet> packets = PacketsOf(plain);
+    const std::vector<Packet> packets = packets_of(plain);
     for (const Packet& packet : packets) {
         const std::size_t length = packet.bytes.size();
         if (packet.run) {
@@ -90,7 +90,7 @@ Reference ReferenceEncode(const Bytes& plain) {
     return reference;
 }
 
-std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted, unsigned char behind) {
+std::optional<Bytes> reference_decode(const Bytes& coded, std::size_t wanted, unsigned char behind) {
     Bytes out;
     std::size_t at = 0;
     while (out.size() < wanted && at < coded.size()) {
@@ -121,7 +121,7 @@ std::optional<Bytes> ReferenceDecode(const Bytes& coded, std::size_t wanted, uns
     return out;
 }
 
-Bytes RandomRow(std::mt19937& random, std::size_t longest) {
+Bytes random_row(std::mt19937& random, std::size_t longest) {
     const auto below = [&random](std::size_t limit) {
         return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);
     };

@@ -245,7 +245,7 @@ TEST(TextureFileDeathTest, WithoutMemoryThereIsAnError) {
             // Once before: what the libraries set up at the first read and the first throw is then there.
             const bool sound = read_texture(small).texture.has_value();
             EXPECT_THROW(PixelBuffer{SIZE_MAX}, std::bad_alloc);
-            RefuseFurtherMemory();
+            refuse_further_memory();
             const TextureReading reading = read_texture(path);
             _exit(sound && reading.error.has_value() && reading.error->code == TextureFault::out_of_memory
                       ? 0

@@ -31,7 +31,7 @@ TEST(TXLImage, TakesEverythingAndHoldsNothing) {
 // the slot of that number in the table of functions. Slots are counted as the platform's member pointers
 // encode them.
 template <typename Operation>
-std::ptrdiff_t SlotOf(Operation operation) {
+std::ptrdiff_t slot_of(Operation operation) {
     static_assert(sizeof(operation) == 2 * sizeof(std::ptrdiff_t));
     std::array<std::ptrdiff_t, 2> parts = {};
     std::memcpy(parts.data(), &operation, sizeof(operation));
@@ -39,16 +39,16 @@ std::ptrdiff_t SlotOf(Operation operation) {
 }
 
 TEST(TXLImage, OperationsHaveTheirSlots) {
-    EXPECT_EQ(SlotOf(&TXLImage::Init), 1);
-    EXPECT_EQ(SlotOf(&TXLImage::InitAlphaChannel), 2);
-    EXPECT_EQ(SlotOf(&TXLImage::SetPixelCount), 3);
-    EXPECT_EQ(SlotOf(&TXLImage::SetAlphaPixel), 4);
-    EXPECT_EQ(SlotOf(&TXLImage::GetBw), 5);
-    EXPECT_EQ(SlotOf(&TXLImage::GetBh), 6);
-    EXPECT_EQ(SlotOf(&TXLImage::GetColorMode), 7);
-    EXPECT_EQ(SlotOf(&TXLImage::GetPixelCount), 8);
-    EXPECT_EQ(SlotOf(&TXLImage::GetAlphaCount), 9);
-    EXPECT_EQ(SlotOf(&TXLImage::GetAlphaPixel), 10);
+    EXPECT_EQ(slot_of(&TXLImage::Init), 1);
+    EXPECT_EQ(slot_of(&TXLImage::InitAlphaChannel), 2);
+    EXPECT_EQ(slot_of(&TXLImage::SetPixelCount), 3);
+    EXPECT_EQ(slot_of(&TXLImage::SetAlphaPixel), 4);
+    EXPECT_EQ(slot_of(&TXLImage::GetBw), 5);
+    EXPECT_EQ(slot_of(&TXLImage::GetBh), 6);
+    EXPECT_EQ(slot_of(&TXLImage::GetColorMode), 7);
+    EXPECT_EQ(slot_of(&TXLImage::GetPixelCount), 8);
+    EXPECT_EQ(slot_of(&TXLImage::GetAlphaCount), 9);
+    EXPECT_EQ(slot_of(&TXLImage::GetAlphaPixel), 10);
 }
 
 }  // namespace
