@@ -24,7 +24,7 @@ constexpr unsigned char kZeros = 0x00;
 constexpr unsigned char kOnes = 0xFF;
 constexpr char kDrawingMessage[] = "There was an error drawing the frame.";
 
-// A host's frame in a block of its own: rows of `stride_bytes`, top row first, or last when the stride is
+// A host's frame in its own block: rows of `stride_bytes`, the top row first, or last if the stride is
 // negative.
 class Frame {
   public:
@@ -42,7 +42,7 @@ class Frame {
     [[nodiscard]] PF_LayerDef* world() { return &world_; }
     [[nodiscard]] const std::vector<unsigned char>& bytes() const { return bytes_; }
 
-    // What the frame holds when `picture` was drawn into it and nothing else happened.
+    // The expected content of the frame after only `picture` has been drawn.
     [[nodiscard]] std::vector<unsigned char> BytesWith(PaintedPicture picture) const {
         std::vector<unsigned char> expected(bytes_.size(), kBefore);
         for (A_long y = 0; y < std::min(world_.height, picture.GetBh()); ++y) {
@@ -106,9 +106,9 @@ const DrawCase kDrawCases[] = {
     {"with alpha", {5, 3, kRgb, 1}, 5, 3, 20},
     {"grey", {5, 3, kGrey, 0}, 5, 3, 20},
     {"grey with alpha", {5, 3, kGrey, 1}, 5, 3, 20},
-    {"three alphas, the first counts", {5, 3, kRgb, 3}, 5, 3, 20},
+    {"three alphas, of which the first is drawn", {5, 3, kRgb, 3}, 5, 3, 20},
     {"padded rows", {5, 3, kRgb, 1}, 5, 3, 29},
-    {"rows that run upwards", {5, 3, kRgb, 1}, 5, 3, -32},
+    {"rows from bottom to top", {5, 3, kRgb, 1}, 5, 3, -32},
     {"narrower", {5, 3, kRgb, 1}, 2, 3, 8},
     {"lower", {5, 3, kRgb, 1}, 5, 1, 20},
     {"smaller", {5, 3, kRgb, 1}, 2, 2, 11},
@@ -124,7 +124,7 @@ const DrawCase kDrawCases[] = {
     {"picture without pixels", {0, 0, kRgb, 0}, 5, 3, 20},
 };
 
-TEST_F(FrameDrawing, PictureGoesToTheTopLeftAndNothingElseIsTouched) {
+TEST_F(FrameDrawing, PictureIsDrawnAtTheTopLeftAndNothingElseChanges) {
     for (const DrawCase& c : kDrawCases) {
         SCOPED_TRACE(c.name);
         Import(c.picture);
@@ -140,7 +140,7 @@ TEST_F(FrameDrawing, PictureGoesToTheTopLeftAndNothingElseIsTouched) {
     }
 }
 
-TEST_F(FrameDrawing, RequestAndFlagsAreNotConsulted) {
+TEST_F(FrameDrawing, RequestAndFlagsAreIgnored) {
     const PaintedPicture picture = {5, 3, kRgb, 1};
     Import(picture);
     for (const unsigned char filling : {kZeros, kBefore, kOnes}) {
@@ -155,7 +155,7 @@ TEST_F(FrameDrawing, RequestAndFlagsAreNotConsulted) {
     }
 }
 
-TEST_F(FrameDrawing, AnyNumberOfFramesComeFromOneImport) {
+TEST_F(FrameDrawing, OneImportServesAnyNumberOfFrames) {
     const PaintedPicture picture = {5, 3, kRgb, 1};
     Import(picture);
     std::filesystem::remove(files.Path("picture.txl"));
@@ -169,7 +169,7 @@ TEST_F(FrameDrawing, AnyNumberOfFramesComeFromOneImport) {
 TEST_F(FrameDrawing, WithoutARecordNothingIsDrawn) {
     Frame frame(5, 3, 20);
     EXPECT_EQ(Draw(frame.world()), 0);
-    EXPECT_EQ(Draw(nullptr), 0) << "the record is looked for first";
+    EXPECT_EQ(Draw(nullptr), 0) << "the record is looked up first";
     EXPECT_EQ(frame.bytes(), std::vector<unsigned char>(60, kBefore));
     EXPECT_THAT(host.reports, IsEmpty());
 }
@@ -201,7 +201,7 @@ TEST_F(FrameDrawing, EveryFailingCallEndsItWithAMessage) {
     }
 }
 
-TEST_F(FrameDrawing, LockThatYieldsNothingIsAnError) {
+TEST_F(FrameDrawing, ALockWithoutAnAddressIsAnError) {
     Import({5, 3, kRgb, 1});
     host.always_yield_nothing("LockMemHandle");
     Frame frame(5, 3, 20);

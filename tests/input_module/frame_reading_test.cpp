@@ -25,7 +25,7 @@ constexpr char kLoadingMessage[] = "There was an error loading the file in line 
 const std::string kNewHandle =
     "NewMemHandle(7, \"optionsH\", " + std::to_string(sizeof(tagTexalonHeader)) + ", 1)";
 
-tagTexalonHeader& RecordIn(AEGP_MemHandle handle) {
+tagTexalonHeader& record_in(AEGP_MemHandle handle) {
     return *reinterpret_cast<tagTexalonHeader*>(handle->bytes.get());
 }
 
@@ -35,7 +35,7 @@ class FrameReading : public testing::Test {
         return InitInSpecFromFile(host.basic_data(), path.c_str(), host.in_spec());
     }
 
-    // As a host drops footage: after a success the in-spec is a new one.
+    // Disposes of the footage as a host does: after a success the in-spec is a new one.
     A_Err Dispose() {
         const A_Err err = My_DisposeInSpec(host.basic_data(), host.in_spec());
         if (err == 0) {
@@ -44,7 +44,7 @@ class FrameReading : public testing::Test {
         return err;
     }
 
-    void ExpectNothingWasSaidAboutTheFootage() {
+    void ExpectFootageNotDescribed() {
         const AEIO_SeqSpec& footage = host.footage();
         EXPECT_FALSE(footage.depth || footage.duration || footage.dimensions || footage.size_bytes ||
                      footage.fps || footage.alpha_label);
@@ -66,7 +66,7 @@ const PictureCase kPictureCases[] = {
     {"three alphas", {5, 3, kRgb, 3}, 32}, {"no pixels", {0, 0, kRgb, 0}, 24},
 };
 
-TEST_F(FrameReading, HeaderTellsPathSizeAndDepth) {
+TEST_F(FrameReading, HeaderHoldsPathSizeAndDepth) {
     for (const PictureCase& c : kPictureCases) {
         SCOPED_TRACE(c.name);
         PaintedPicture picture = c.picture;
@@ -99,7 +99,7 @@ TEST_F(FrameReading, UnreadableFileIsReportedOnce) {
     }
 }
 
-TEST_F(FrameReading, PathIsCutInTheRecordButNotForReading) {
+TEST_F(FrameReading, PathIsTruncatedInTheRecordButNotForReading) {
     // Folders long enough that the file name begins past the 260 characters of the record.
     const std::string folder = std::string(200, 'd') + "/" + std::string(200, 'e');
     std::filesystem::create_directories(files.Path(folder));
@@ -110,7 +110,7 @@ TEST_F(FrameReading, PathIsCutInTheRecordButNotForReading) {
     EXPECT_EQ(header.width, 2);
 }
 
-TEST_F(FrameReading, PathsAtTheEndOfTheField) {
+TEST_F(FrameReading, PathsAroundTheSizeOfTheField) {
     for (const std::size_t length : {258U, 259U, 260U, 261U}) {
         const std::string path(length, 'p');
         tagTexalonHeader header;
@@ -167,7 +167,7 @@ TEST_F(FrameReading, ImportWithAlphaCallsTheHostInOrder) {
     EXPECT_THAT(host.handles(), IsEmpty());
 }
 
-TEST_F(FrameReading, AlphaLabelNeedsAlphaAndAHostThatKnowsIt) {
+TEST_F(FrameReading, AlphaLabelNeedsAlphaAndAHostThatSupportsIt) {
     const std::string plain = files.Save("plain.txl", {5, 3, kRgb, 0});
     const std::string alpha = files.Save("alpha.txl", {5, 3, kRgb, 1});
     for (const bool new_host : {false, true}) {
@@ -191,12 +191,12 @@ struct SizeCase {
 
 const SizeCase kSizeCases[] = {
     {"ordinary", 640, 480, 1843200},
-    {"last that fits 32 bits", 18918, 18918, 2147344344},
-    {"first that does not", 18919, 18919, 2147483647},
+    {"largest that fits 32 bits", 18918, 18918, 2147344344},
+    {"smallest that does not", 18919, 18919, 2147483647},
     {"nothing", 0, 480, 0},
 };
 
-TEST_F(FrameReading, SizeInBytesIsHeldAtTheEndOf32Bits) {
+TEST_F(FrameReading, SizeInBytesIsCappedAt32Bits) {
     for (const SizeCase& c : kSizeCases) {
         SCOPED_TRACE(c.name);
         EXPECT_EQ(Import(files.SaveHeaderOnly("large.txl", c.width_px, c.height_px)), 0);
@@ -206,7 +206,7 @@ TEST_F(FrameReading, SizeInBytesIsHeldAtTheEndOf32Bits) {
     }
 }
 
-TEST_F(FrameReading, UnreadableFileIsReportedTwiceAndItsHandleKept) {
+TEST_F(FrameReading, UnreadableFileIsReportedTwiceAndKeepsItsHandle) {
     EXPECT_EQ(Import(files.Path("missing.txl")), 3);
     EXPECT_THAT(host.reports, ElementsAre(kLoadingMessage, kLoadingMessage));
     EXPECT_EQ(host.calls.front(), kNewHandle);
@@ -214,14 +214,14 @@ TEST_F(FrameReading, UnreadableFileIsReportedTwiceAndItsHandleKept) {
                                                      "strcpy", "ReportInfo", "ReportInfo"));
     EXPECT_EQ(host.handles().size(), 1U);
     EXPECT_EQ(host.footage().options, nullptr);
-    ExpectNothingWasSaidAboutTheFootage();
+    ExpectFootageNotDescribed();
 }
 
-TEST_F(FrameReading, PictureOfAnUnreadableFileIsGivenBack) {
+TEST_F(FrameReading, PictureOfAnUnreadableFileIsFreed) {
     const std::string whole = files.Save("whole.txl", {50, 30, kRgb, 0});
     EXPECT_EQ(Import(files.Cut(whole, 2000)), 3) << "some rows were read";
     ASSERT_EQ(host.handles().size(), 1U);
-    const BaseBitmap& picture = RecordIn(host.handles()[0].get()).bitmap;
+    const BaseBitmap& picture = record_in(host.handles()[0].get()).bitmap;
     EXPECT_EQ(picture.width(), 0);
     EXPECT_EQ(picture.depth(), 0);
 }
@@ -245,20 +245,20 @@ TEST_F(FrameReading, EveryFailingCallOfAnImportEndsItWithOneMessage) {
         const bool attached = n > 4;
         EXPECT_EQ(host.footage().options != nullptr, attached);
         if (n == 4) {
-            EXPECT_EQ(RecordIn(host.handles().back().get()).bitmap.width(), 0) << "the picture is not";
+            EXPECT_EQ(record_in(host.handles().back().get()).bitmap.width(), 0) << "the picture is freed";
         }
         host.clear_script();
         EXPECT_EQ(Dispose(), 0);
     }
 }
 
-TEST_F(FrameReading, ReportThatFailsChangesNothing) {
+TEST_F(FrameReading, AFailingReportChangesNothing) {
     host.fail_every("ReportInfo", 99);
     EXPECT_EQ(Import(files.Path("missing.txl")), 3);
     EXPECT_EQ(host.reports.size(), 2U);
 }
 
-TEST_F(FrameReading, SuccessThatYieldsNothingIsAnError) {
+TEST_F(FrameReading, ASuccessfulCallWithoutAResultIsAnError) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 1});
     for (const char* function : {"NewMemHandle", "LockMemHandle"}) {
         SCOPED_TRACE(function);
@@ -281,7 +281,7 @@ TEST_F(FrameReading, ImportWithoutItsSuitesThrows) {
         EXPECT_THAT(host.reports, IsEmpty());
         EXPECT_THAT(host.suites_held(), IsEmpty());
         if (!host.handles().empty()) {
-            EXPECT_EQ(RecordIn(host.handles().back().get()).bitmap.width(), 0) << "the picture is given back";
+            EXPECT_EQ(record_in(host.handles().back().get()).bitmap.width(), 0) << "the picture is freed";
         }
         host.clear_script();
     }
@@ -315,11 +315,11 @@ TEST_F(FrameReading, SecondImportReplacesTheFirst) {
                     "LockMemHandle", "UnlockMemHandle", "FreeMemHandle", "SetInSpecDepth",
                     "SetInSpecDuration", "SetInSpecDimensions", "SetInSpecSize", "SetInSpecNativeFPS"));
     ASSERT_EQ(host.handles().size(), 1U);
-    EXPECT_EQ(RecordIn(host.handles()[0].get()).width, 6);
+    EXPECT_EQ(record_in(host.handles()[0].get()).width, 6);
     EXPECT_EQ(Dispose(), 0);
 }
 
-TEST_F(FrameReading, OldHandleThatCannotBeFreedEndsTheImport) {
+TEST_F(FrameReading, FailingToFreeTheOldHandleEndsTheImport) {
     const std::string path = files.Save("picture.txl", {5, 3, kRgb, 0});
     ASSERT_EQ(Import(path), 0);
     host.footage().depth.reset();
@@ -337,7 +337,7 @@ TEST_F(FrameReading, DisposingNothingFreesNothing) {
     EXPECT_THAT(host.suites_held(), IsEmpty());
 }
 
-TEST_F(FrameReading, DisposingGivesBackPictureAndHandle) {
+TEST_F(FrameReading, DisposingFreesPictureAndHandle) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
     host.calls.clear();
     EXPECT_EQ(Dispose(), 0);
@@ -347,7 +347,7 @@ TEST_F(FrameReading, DisposingGivesBackPictureAndHandle) {
     EXPECT_THAT(host.suites_held(), IsEmpty());
 }
 
-TEST_F(FrameReading, DisposingReturnsTheErrorOfAsking) {
+TEST_F(FrameReading, DisposingReturnsTheErrorOfGettingTheHandle) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
     host.fail_every("GetInSpecOptionsHandle", 44);
     EXPECT_EQ(Dispose(), 44);
@@ -357,32 +357,32 @@ TEST_F(FrameReading, DisposingReturnsTheErrorOfAsking) {
     EXPECT_EQ(Dispose(), 0);
 }
 
-TEST_F(FrameReading, DisposingFreesTheHandleWhateverItsLockSays) {
+TEST_F(FrameReading, DisposingFreesTheHandleEvenIfLockingFails) {
     for (const char* function : {"LockMemHandle", "UnlockMemHandle"}) {
         SCOPED_TRACE(function);
         ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
-        RecordIn(host.handles()[0].get()).bitmap.Destroy();  // out of the module's reach without a lock
+        record_in(host.handles()[0].get()).bitmap.Destroy();  // the module cannot reach it without a lock
         host.fail_every(function, 44);
         EXPECT_EQ(Dispose(), 0);
         EXPECT_THAT(host.handles(), IsEmpty());
         host.clear_script();
     }
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
-    RecordIn(host.handles()[0].get()).bitmap.Destroy();
+    record_in(host.handles()[0].get()).bitmap.Destroy();
     host.always_yield_nothing("LockMemHandle");
     EXPECT_EQ(Dispose(), 0);
     EXPECT_THAT(host.handles(), IsEmpty());
 }
 
-TEST_F(FrameReading, HandleThatCannotBeFreedKeepsAnEmptyRecord) {
+TEST_F(FrameReading, AHandleThatCannotBeFreedKeepsAnEmptyRecord) {
     ASSERT_EQ(Import(files.Save("picture.txl", {5, 3, kRgb, 1})), 0);
     host.fail_every("FreeMemHandle", 44);
     EXPECT_EQ(Dispose(), 44);
     EXPECT_THAT(host.reports, IsEmpty());
     ASSERT_EQ(host.handles().size(), 1U);
-    EXPECT_EQ(RecordIn(host.handles()[0].get()).bitmap.width(), 0);
+    EXPECT_EQ(record_in(host.handles()[0].get()).bitmap.width(), 0);
     host.clear_script();
-    EXPECT_EQ(Dispose(), 0) << "a second try gives nothing back twice";
+    EXPECT_EQ(Dispose(), 0) << "a second attempt frees nothing twice";
 }
 
 TEST_F(FrameReading, DisposingWithoutItsSuitesThrows) {

@@ -4,7 +4,7 @@
 #include <type_traits>
 #include <vector>
 
-/// Every byte of a record of the host, padding included.
+/// Every byte of a host record, including padding.
 template <typename Record>
 [[nodiscard]] std::vector<unsigned char> bytes_of(const Record& record) {
     static_assert(std::is_trivially_copyable_v<Record>);
@@ -13,7 +13,7 @@ template <typename Record>
     return bytes;
 }
 
-/// A record of which every byte is `filling`.
+/// A record filled with the byte `filling`.
 template <typename Record>
 [[nodiscard]] Record filled_with(unsigned char filling) {
     static_assert(std::is_trivially_copyable_v<Record>);

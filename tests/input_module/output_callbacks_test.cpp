@@ -13,7 +13,7 @@ namespace {
 
 constexpr char kBefore = 0x5A;
 
-std::string Characters(std::size_t count) {
+std::string characters(std::size_t count) {
     return std::string(count, 'n');
 }
 
@@ -32,17 +32,17 @@ const NameCase kNameCases[] = {
     {"one backslash", "\\wall.txl", "wall.txl"},
     {"nothing after the backslash", "C:\\out\\", ""},
     {"no backslash", "wall.txl", "???"},
-    {"slashes are no separators", "/home/out/wall.txl", "???"},
+    {"slashes are not separators", "/home/out/wall.txl", "???"},
     {"slash after the backslash", "C:\\out/wall.txl", "out/wall.txl"},
-    {"colons are no separators", "Disk:out:wall.txl", "???"},
+    {"colons are not separators", "Disk:out:wall.txl", "???"},
     {"empty path", "", "???"},
-    {"longest name", "C:\\" + Characters(31), Characters(31)},
-    {"one character longer", "C:\\" + Characters(32), Characters(31)},
-    {"longest path", "C:\\" + Characters(256), Characters(31)},
+    {"longest name", "C:\\" + characters(31), characters(31)},
+    {"one character longer", "C:\\" + characters(32), characters(31)},
+    {"longest path", "C:\\" + characters(256), characters(31)},
     {"path without a terminator loses its last character", std::string(258, 'd') + "\\n", ""},
 };
 
-TEST(GetOutputInfo, NameIsWhatFollowsTheLastBackslash) {
+TEST(GetOutputInfo, NameFollowsTheLastBackslash) {
     for (const NameCase& c : kNameCases) {
         SCOPED_TRACE(c.name);
         RecordingHost host;

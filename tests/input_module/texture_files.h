@@ -7,15 +7,14 @@
 
 #include "texture/txl/txl_image.h"
 
-/// A picture for files: every colour and alpha byte is told by its place, and all differ from their
-/// neighbours.
+/// A picture to be saved: its place determines every colour and alpha byte, and neighbours differ.
 class PaintedPicture final : public TXLImage {
   public:
     /// Colour mode 2 (grey) or 4 (RGB).
     PaintedPicture(std::int32_t width_px, std::int32_t height_px, std::int32_t mode, std::int32_t alphas)
         : width_(width_px), height_(height_px), mode_(mode), alphas_(alphas) {}
 
-    /// Channel 0, 1, 2 of the colour at a place; all the same when grey.
+    /// Channel 0, 1 or 2 of the colour at a place; all three are equal when grey.
     [[nodiscard]] unsigned char ColourAt(std::int32_t x, std::int32_t y, std::int32_t channel) const;
     [[nodiscard]] static unsigned char AlphaAt(std::int32_t x, std::int32_t y, std::int32_t alpha);
 
@@ -43,7 +42,7 @@ class PaintedPicture final : public TXLImage {
     std::int32_t alphas_;
 };
 
-/// A folder for texture files that goes away with the object.
+/// A folder for texture files, removed with the object.
 class TextureFiles {
   public:
     TextureFiles();
@@ -51,16 +50,16 @@ class TextureFiles {
     TextureFiles(const TextureFiles&) = delete;
     TextureFiles& operator=(const TextureFiles&) = delete;
 
-    /// Where a file of that name would be.
+    /// The path of a file with that name.
     [[nodiscard]] std::string Path(const std::string& name) const { return (folder_ / name).string(); }
 
     /// Saves the picture; returns its path.
     [[nodiscard]] std::string Save(const std::string& name, PaintedPicture picture) const;
 
-    /// The first `size_bytes` bytes of a file as a file of their own.
+    /// Copies the first `size_bytes` bytes of a file to a new file; returns its path.
     [[nodiscard]] std::string Cut(const std::string& path, std::size_t size_bytes) const;
 
-    /// A file with a texture header for that many pixels of RGB and no rows.
+    /// Saves a file with a header for an RGB texture of that size and without rows; returns its path.
     [[nodiscard]] std::string SaveHeaderOnly(const std::string& name, std::int32_t width_px,
                                              std::int32_t height_px) const;
 

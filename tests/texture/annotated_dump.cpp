@@ -25,7 +25,7 @@ class Dump {
   private:
     struct OpenChunk {
         std::int64_t id = 0;
-        std::size_t values = 0;  // seen so far
+        std::size_t values = 0;  // read so far
         std::int64_t channels = 1;
     };
 
@@ -58,7 +58,7 @@ class Dump {
         }
     }
 
-    // What the value that comes next in the innermost chunk means.
+    // The meaning of the next value in the innermost chunk.
     std::string meaning_of_next() {
         constexpr std::array<const char*, 3> kTexture = {"width", "height", "colour mode"};
         constexpr std::array<const char*, 5> kRows = {"x", "y", "pixels per row", "rows", "channels"};
@@ -124,7 +124,7 @@ class Dump {
         add_line(sizes, type + ", " + meaning + (meaning == "0" ? "" : " " + std::to_string(value)));
     }
 
-    // One line of the next `sizes` bytes, each part set off by a space.
+    // Adds one line with the next bytes, in parts of the given sizes separated by spaces.
     void add_line(const std::vector<std::size_t>& sizes, const std::string& meaning) {
         char offset[16];
         std::snprintf(offset, sizeof(offset), "%04zx ", at_);

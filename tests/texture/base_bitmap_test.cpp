@@ -22,7 +22,7 @@ using Rgb = std::array<std::uint16_t, 3>;
 
 constexpr Rgb kUntouched = {11, 22, 33};
 
-// The pixel, or `kUntouched` when it was refused without an output being touched.
+// The pixel, or `kUntouched` when it was refused and no output was changed.
 Rgb pixel_at(const BaseBitmap& bitmap, std::int32_t x, std::int32_t y, std::int32_t expected_result = 0) {
     Rgb pixel = kUntouched;
     EXPECT_EQ(bitmap.GetPixel(x, y, &pixel[0], &pixel[1], &pixel[2]), expected_result);
@@ -37,7 +37,7 @@ void expect_empty(const BaseBitmap& bitmap) {
     EXPECT_EQ(pixel_at(bitmap, 0, 0, 1), kUntouched);
 }
 
-TEST(BaseBitmap, BeginsEmpty) {
+TEST(BaseBitmap, StartsEmpty) {
     expect_empty(BaseBitmap());
 }
 
@@ -54,19 +54,19 @@ const InitCase kInitCases[] = {
     {"no columns", 0, 3, 24, 0},
     {"no rows", 4, 0, 24, 0},
     {"nothing", 0, 0, 24, 0},
-    {"no columns of the tallest", 0, kLargest, 24, 0},
-    {"less depth than a pixel takes", 4, 3, 1, 0},
+    {"no columns and the most rows", 0, kLargest, 24, 0},
+    {"less depth than a pixel needs", 4, 3, 1, 0},
     {"depth 0", 4, 3, 0, 0},
     {"negative width", -4, 3, 24, 2},
     {"negative height", 4, -3, 24, 2},
     {"both negative, product positive", -4, -3, 24, 2},
     {"smallest numbers", kSmallest, kSmallest, 24, 2},
     {"negative depth", 4, 3, -24, 2},
-    {"as many pixels as are accepted", 1 << 15, 1 << 15, 24, 0},
-    {"one row of pixels more", 1 << 15, (1 << 15) + 1, 24, 2},
-    {"one pixel more", (1 << 30) + 1, 1, 24, 2},
+    {"as many pixels as allowed", 1 << 15, 1 << 15, 24, 0},
+    {"one row more than allowed", 1 << 15, (1 << 15) + 1, 24, 2},
+    {"one pixel more than allowed", (1 << 30) + 1, 1, 24, 2},
     {"largest numbers", kLargest, kLargest, 24, 2},
-    {"memory that nobody has", 1 << 15, 1 << 15, kLargest, 2},
+    {"more memory than any machine has", 1 << 15, 1 << 15, kLargest, 2},
 };
 
 TEST(BaseBitmap, InitAcceptsOrLeavesEmpty) {
@@ -91,7 +91,7 @@ TEST(BaseBitmap, InitAcceptsOrLeavesEmpty) {
     }
 }
 
-TEST(BaseBitmap, PixelsBeginAsZero) {
+TEST(BaseBitmap, PixelsStartAsZeros) {
     BaseBitmap bitmap;
     ASSERT_EQ(bitmap.Init(5, 4, 24), 0);
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
@@ -105,7 +105,7 @@ TEST(BaseBitmap, PixelsBeginAsZero) {
     }
 }
 
-TEST(BaseBitmap, EveryPixelHasItsOwnPlace) {
+TEST(BaseBitmap, PixelsDoNotOverlap) {
     BaseBitmap bitmap;
     ASSERT_EQ(bitmap.Init(7, 5, 24), 0);
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
@@ -145,7 +145,7 @@ const Place kOutside[] = {
     {"far below", 1, kLargest},
 };
 
-TEST(BaseBitmap, OutsideNothingIsReadOrWritten) {
+TEST(BaseBitmap, NothingIsReadOrWrittenOutside) {
     for (const Place& place : kOutside) {
         SCOPED_TRACE(place.name);
         BaseBitmap bitmap;
@@ -187,14 +187,14 @@ TEST(BaseBitmap, SecondAlphaChannelIsRefusedAndTheFirstKept) {
     EXPECT_EQ(bitmap.AddChannel(0, 0), 0);
     EXPECT_EQ(bitmap.GetChannelCount(), 1);
     EXPECT_EQ(bitmap.GetChannelNum(0), 1);
-    EXPECT_EQ(bitmap.GetChannelNum(1), 0) << "the index is not the number";
+    EXPECT_EQ(bitmap.GetChannelNum(1), 0) << "an index is not a channel number";
     EXPECT_EQ(bitmap.GetChannelNum(-1), 0);
     std::uint16_t alpha = 0;
     EXPECT_EQ(bitmap.GetAlphaPixel(1, 1, 1, &alpha), 0);
     EXPECT_EQ(alpha, 40000);
 }
 
-TEST(BaseBitmap, WithoutAnAlphaChannelItsNumberIsRefused) {
+TEST(BaseBitmap, ChannelOneIsRefusedWhileItDoesNotExist) {
     BaseBitmap bitmap;
     ASSERT_EQ(bitmap.Init(2, 2, 24), 0);
     std::uint16_t alpha = 77;
@@ -212,7 +212,7 @@ TEST(BaseBitmap, SecondInitDropsPixelsAndAlpha) {
     EXPECT_EQ(bitmap.GetChannelCount(), 0);
     EXPECT_EQ(bitmap.SetAlphaPixel(1, 0, 0, 5), 1);
     EXPECT_EQ(pixel_at(bitmap, 0, 0), (Rgb{0, 0, 0}));
-    EXPECT_EQ(bitmap.AddChannel(0, 0), 1) << "there is room for a channel again";
+    EXPECT_EQ(bitmap.AddChannel(0, 0), 1) << "a channel can be added again";
 }
 
 TEST(BaseBitmap, DestroyEmpties) {
@@ -225,8 +225,8 @@ TEST(BaseBitmap, DestroyEmpties) {
     expect_empty(bitmap);
 }
 
-#if !defined(_WIN32)  // where memory that is not touched counts as taken, and no process can be kept from
-                      // taking more
+#if !defined(_WIN32)  // where untouched memory counts as used, and the memory of a process cannot be
+                      // limited
 std::int64_t resident_bytes() {
     std::int64_t total_pages = 0;
     std::int64_t resident_pages = 0;

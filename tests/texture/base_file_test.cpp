@@ -21,14 +21,14 @@ namespace {
 
 constexpr std::int32_t kRead = 1;
 
-TEST(BaseFile, ClosedFileHasNothing) {
+TEST(BaseFile, ClosedFileYieldsNothing) {
     BaseFile file;
     char byte = 'x';
     EXPECT_EQ(file.ReadBytes(&byte, 1, 0), -1);
     EXPECT_EQ(byte, 'x');
     EXPECT_EQ(file.GetLength(), -1);
     EXPECT_EQ(file.GetError(), 0);
-    EXPECT_EQ(file.Close(), 1) << "nothing open is nothing to fail";
+    EXPECT_EQ(file.Close(), 1) << "closing a closed file succeeds";
 }
 
 TEST(BaseFile, ReadsInPiecesAndKeepsItsPlaceWhileMeasuring) {
@@ -39,7 +39,7 @@ TEST(BaseFile, ReadsInPiecesAndKeepsItsPlaceWhileMeasuring) {
     std::array<char, 16> bytes{};
     EXPECT_EQ(file.ReadBytes(bytes.data(), 5, 0), 5);
     EXPECT_EQ(file.GetLength(), 7);
-    EXPECT_EQ(file.ReadBytes(bytes.data() + 5, 10, 0), 2) << "fewer bytes than asked for are no failure";
+    EXPECT_EQ(file.ReadBytes(bytes.data() + 5, 10, 0), 2) << "a short read is not a failure";
     EXPECT_STREQ(bytes.data(), "sevenby");
 }
 
@@ -51,7 +51,7 @@ TEST(BaseFile, EndOfFileGivesMinusOneAndLengthStillWorks) {
     std::array<char, 4> bytes{};
     ASSERT_EQ(file.ReadBytes(bytes.data(), 3, 0), 3);
     EXPECT_EQ(file.ReadBytes(bytes.data(), 1, 0), -1);
-    EXPECT_EQ(file.GetError(), 0) << "a failed read does not raise the error field";
+    EXPECT_EQ(file.GetError(), 0) << "a failed read does not set the error field";
     EXPECT_EQ(file.GetLength(), 3);
 }
 
@@ -66,7 +66,7 @@ TEST(BaseFile, CountsBelowOneReadNothing) {
     EXPECT_EQ(byte, 'x');
 }
 
-TEST(BaseFile, AlwaysOpensForReadingWhateverTheMode) {
+TEST(BaseFile, EveryModeOpensForReading) {
     const TemporaryFolder folder;
     const std::string path = folder.write("kept", "kept");
     for (const std::int32_t mode : {0, 1, 2, 3, -1}) {
@@ -91,7 +91,7 @@ TEST(BaseFile, OpeningAnotherFileClosesTheFirst) {
     EXPECT_EQ(file.GetError(), 0) << "closing clears the field";
 }
 
-TEST(BaseFile, TwoGibibytesAreMoreThanALengthCanTell) {
+TEST(BaseFile, LengthsFromTwoGibibytesAreUnknown) {
     const TemporaryFolder folder;
     const std::string path = folder.write("sparse", "");
     const std::uintmax_t limit = std::uintmax_t{1} << 31;
@@ -101,7 +101,7 @@ TEST(BaseFile, TwoGibibytesAreMoreThanALengthCanTell) {
     EXPECT_EQ(file.GetLength(), 0x7fffffff);
     std::filesystem::resize_file(path, limit);
     EXPECT_EQ(file.GetLength(), -1);
-    EXPECT_EQ(GeFExist(path.c_str()), 1) << "footage of that size exists all the same";
+    EXPECT_EQ(GeFExist(path.c_str()), 1) << "footage of that size exists nevertheless";
 }
 
 TEST(BaseFile, AllocAndFree) {
@@ -124,7 +124,7 @@ TEST(GeFExist, FindsRegularFilesOnly) {
         make_link(target, folder.path(name));
         return folder.path(name);
     };
-#if !defined(_WIN32)  // where only administrators may make links
+#if !defined(_WIN32)  // where only administrators can create links
     const std::string to_file = link("to-file", regular);
 #else
     const std::string& to_file = regular;
@@ -134,7 +134,7 @@ TEST(GeFExist, FindsRegularFilesOnly) {
     const std::string to_itself = link("to-itself", folder.path("to-itself"));
 
     const std::string socket_path = folder.path("socket");
-#if !defined(_WIN32)  // where the name of a socket stays free, like that of a pipe
+#if !defined(_WIN32)  // where sockets and pipes leave no name in the folder
     const int socket_fd = ::socket(AF_UNIX, SOCK_STREAM, 0);
     sockaddr_un address{};
     address.sun_family = AF_UNIX;
@@ -153,7 +153,7 @@ TEST(GeFExist, FindsRegularFilesOnly) {
         {"link to a file", to_file, 1},
         {"directory", folder.folder().string(), 0},
         {"directory with a slash", folder.folder().string() + "/", 0},
-        {"pipe without a writer, which must not be waited for", fifo, 0},
+        {"pipe without a writer, which must not block", fifo, 0},
         {"link to that pipe", to_fifo, 0},
         {"socket", socket_path, 0},
         {"device", "/dev/null", 0},
@@ -161,9 +161,9 @@ TEST(GeFExist, FindsRegularFilesOnly) {
         {"dangling link", to_nothing, 0},
         {"link to itself", to_itself, 0},
         {"missing", folder.path("missing"), 0},
-        {"file taken for a folder", regular + "/below", 0},
+        {"file used as a folder", regular + "/below", 0},
         {"empty path", "", 0},
-        {"name longer than any file system takes", folder.path(std::string(5000, 'x')), 0},
+        {"name longer than any file system allows", folder.path(std::string(5000, 'x')), 0},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(GeFExist(c.path.c_str()), c.exists) << c.why;
@@ -174,10 +174,10 @@ TEST(GeFExist, FindsRegularFilesOnly) {
 #endif
 }
 
-#if !defined(_WIN32)  // which has another kind of user and of permission
-// As root every file is readable, so the question is asked as another user; the readable neighbour proves
-// that the folder itself can be reached.
-TEST(GeFExist, FileThatTheUserMayNotReadDoesNotExist) {
+#if !defined(_WIN32)  // whose users and permissions are of another kind
+// Root can read every file, so the test asks as another user. The readable neighbour proves that the folder
+// itself can be reached.
+TEST(GeFExist, UnreadableFilesDoNotExist) {
     const TemporaryFolder folder;
     const std::string secret = folder.write("secret", "x");
     const std::string open = folder.write("open", "x");

@@ -60,7 +60,7 @@ BothLoads::BothLoads(const std::string& path) {
     }
     EXPECT_FALSE(reading.error->reason.empty());
     EXPECT_EQ(reading.error->at.file, path);
-    // These two alone load as a picture and give no texture.
+    // Only these two failures load as a picture and yield no texture.
     const bool no_texture = reading.error->code == TextureFault::no_picture ||
                             (reading.error->code == TextureFault::unsupported && error == 0);
     EXPECT_EQ(loaded, no_texture);

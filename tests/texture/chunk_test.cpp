@@ -12,7 +12,7 @@
 
 namespace {
 
-TEST(TXLImageFilter, WithoutATargetNothingIsLoaded) {
+TEST(TXLImageFilter, NeedsATargetOrASource) {
     const TemporaryFolder folder;
     const std::string path = folder.write("sound.txl", TxlFile().bytes());
     TXLImageFilter filter;
@@ -20,7 +20,7 @@ TEST(TXLImageFilter, WithoutATargetNothingIsLoaded) {
     EXPECT_FALSE(filter.SaveImage(path.c_str(), nullptr));
 }
 
-TEST(TXLImageFilter, AFilterThatFailedStaysFailed) {
+TEST(TXLImageFilter, StaysFailedAfterAFailure) {
     const TemporaryFolder folder;
     const std::string bad = folder.write("bad.txl", "AVXRNope");
     const std::string sound = folder.write("sound.txl", TxlFile().bytes());
@@ -32,7 +32,7 @@ TEST(TXLImageFilter, AFilterThatFailedStaysFailed) {
     EXPECT_EQ(filter.GetError(), -100);
 }
 
-TEST(TXLImageFilter, TheFiltersRowCodingIsTheFormats) {
+TEST(TXLImageFilter, OffersTheRowCodingOfTheFormat) {
     unsigned char row[] = {7, 7, 7, 7};
     unsigned char packed[8];
     unsigned char unpacked[4] = {};
@@ -67,7 +67,7 @@ TEST(Chunk, HandlersWithoutAFilterDoNothing) {
     EXPECT_EQ(hf.GetError(), 0);
 }
 
-TEST(Chunk, AChunkThatHandlesNothingIsSkippedThrough) {
+TEST(Chunk, ChunksThatAreNotHandledAreSkipped) {
     class Nothing final : public Chunk {};
     const TemporaryFolder folder;
     const std::string path =

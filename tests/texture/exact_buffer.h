@@ -6,7 +6,7 @@
 #include <memory>
 #include <vector>
 
-/// A heap block of exactly the bytes asked for, zero bytes included, so that AddressSanitizer sees a touch
+/// A heap block of exactly the requested size, which may be zero, so that AddressSanitizer detects an access
 /// one byte outside.
 class ExactBuffer {
   public:

@@ -75,7 +75,7 @@ TEST(ExampleTXLImage, InitMakesABitmapOf24Bits) {
     EXPECT_EQ(bitmap.depth(), 24);
     EXPECT_EQ(image.GetBw(), 4);
     EXPECT_EQ(image.GetBh(), 3);
-    EXPECT_EQ(image.GetColorMode(), kRgb) << "the bitmap is RGB whatever mode it was filled in";
+    EXPECT_EQ(image.GetColorMode(), kRgb) << "the bitmap is RGB in every mode";
     EXPECT_EQ(image.GetAlphaCount(), 0);
     EXPECT_FALSE(image.Init(-4, 3, kGrey));
     EXPECT_EQ(image.GetBw(), 0);
@@ -122,11 +122,11 @@ const StoreCase kStoreCases[] = {
      5,
      {{256, 256, 256}, {512, 512, 512}, kZero}},
     {"stride 0 repeats a pixel", kGrey, 0, 1, 3, {1}, 0, {{256, 256, 256}, {256, 256, 256}, {256, 256, 256}}},
-    {"left of the picture is dropped", kGrey, -1, 1, 2, {1, 2}, 1, {{512, 512, 512}, kZero, kZero}},
-    {"right of the picture is dropped", kGrey, 2, 1, 2, {1, 2}, 1, {kZero, kZero, {256, 256, 256}}},
-    {"columns past 32 bits are dropped", kGrey, kLargest, 1, 2, {1, 2}, 1, {kZero, kZero, kZero}},
-    {"below the picture is dropped", kGrey, 0, 2, 1, {1}, 1, {kZero, kZero, kZero}},
-    {"above the picture is dropped", kGrey, 0, -1, 1, {1}, 1, {kZero, kZero, kZero}},
+    {"pixels left of the picture are dropped", kGrey, -1, 1, 2, {1, 2}, 1, {{512, 512, 512}, kZero, kZero}},
+    {"pixels right of the picture are dropped", kGrey, 2, 1, 2, {1, 2}, 1, {kZero, kZero, {256, 256, 256}}},
+    {"columns beyond 32 bits are dropped", kGrey, kLargest, 1, 2, {1, 2}, 1, {kZero, kZero, kZero}},
+    {"pixels below the picture are dropped", kGrey, 0, 2, 1, {1}, 1, {kZero, kZero, kZero}},
+    {"pixels above the picture are dropped", kGrey, 0, -1, 1, {1}, 1, {kZero, kZero, kZero}},
     {"count 0", kRgb, 0, 1, 0, {}, 3, {kZero, kZero, kZero}},
     {"negative count", kRgb, 0, 1, -1, {}, 3, {kZero, kZero, kZero}},
     {"mode 0 stores nothing", 0, 0, 1, 1, {}, 3, {kZero, kZero, kZero}},
@@ -185,7 +185,7 @@ struct ReadCase {
     std::int32_t count;
     std::int32_t expected_colour;
     std::int32_t expected_alpha;
-    Bytes expected_bytes;  // alpha; colour is the same, three times a pixel
+    Bytes expected_bytes;  // alpha; colour is the same byte three times per pixel
 };
 
 const ReadCase kReadCases[] = {
@@ -193,7 +193,7 @@ const ReadCase kReadCases[] = {
     {"the last pixel decides: ends outside", 1, 0, 2, 1, 1, {6, 0}},
     {"the last pixel decides: begins outside", -1, 0, 2, 0, 0, {0, 5}},
     {"all outside", 0, 1, 2, 1, 1, {0, 0}},
-    {"columns past 32 bits", kLargest, 0, 2, 1, 1, {0, 0}},
+    {"columns beyond 32 bits", kLargest, 0, 2, 1, 1, {0, 0}},
     {"count 0", 0, 0, 0, 1, 1, {}},
     {"negative count", 0, 0, -1, 1, 1, {}},
 };
@@ -231,7 +231,7 @@ TEST(ExampleTXLImage, AlphaOfAnotherIndexIsZero) {
     Bytes value = {200};
     ASSERT_TRUE(image.SetAlphaPixel(0, 0, 0, 1, value.data()));
     unsigned char read = 9;
-    EXPECT_EQ(image.GetAlphaPixel(1, 0, 0, 0, &read), 0) << "there is no number for index 1";
+    EXPECT_EQ(image.GetAlphaPixel(1, 0, 0, 0, &read), 0) << "index 1 has no channel number";
     EXPECT_EQ(image.GetAlphaPixel(1, 0, 0, 1, &read), 1);
     EXPECT_EQ(read, 0);
 }
@@ -298,13 +298,14 @@ TEST(ExampleTXLImage, SecondInitTakesTheAlphaChannelAway) {
     unsigned char value = 5;
     image.SetAlphaPixel(0, 0, 0, 1, &value);
     ASSERT_TRUE(image.InitAlphaChannel(0, 1, 1));
-    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{0})) << "the value came too early";
+    EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{0}))
+        << "the value was stored before the channel existed";
     EXPECT_TRUE(image.SetAlphaPixel(0, 0, 0, 1, &value));
     EXPECT_EQ(alpha_row_of(bitmap, 0), (std::vector<int>{5}));
 }
 
-#if !defined(_WIN32)  // where no process can be kept from taking more memory
-TEST(ExampleTXLImageDeathTest, ChannelThatMemoryRefusedCountsAsOne) {
+#if !defined(_WIN32)  // where the memory of a process cannot be limited
+TEST(ExampleTXLImageDeathTest, AChannelWithoutMemoryCountsAsAdded) {
     EXPECT_EXIT(
         {
             BaseBitmap bitmap;
@@ -320,8 +321,8 @@ TEST(ExampleTXLImageDeathTest, ChannelThatMemoryRefusedCountsAsOne) {
 }
 #endif
 
-// What is stored and read in rows is what pixel after pixel would give, wherever the row lies.
-TEST(ExampleTXLImage, RowsAreWhatTheirPixelsAre) {
+// Storing and reading whole rows gives the same as pixel by pixel, wherever the row lies.
+TEST(ExampleTXLImage, RowsMatchTheirPixels) {
     constexpr std::int32_t kWidth = 7;
     constexpr std::int32_t kLeast = std::numeric_limits<std::int32_t>::min();
     Bytes data(4 * 20);

@@ -26,11 +26,11 @@ struct Case {
 
 TEST(Filename, KeepsEveryPathByteForByte) {
     const Case cases[] = {
-        {"empty text is a text", ""},
-        {"no slash is never converted", "Macintosh HD:Renders:shot.tif"},
+        {"an empty path", ""},
+        {"a path without a slash is not converted", "Macintosh HD:Renders:shot.tif"},
         {"backslashes are ordinary bytes", "C:\\media\\shot.tif"},
-        {"slashes convert to themselves here", "/media/renders/shot.tif"},
-        {"longer than the 2000 bytes of the Macintosh conversion", "/" + std::string(5000, 'x')},
+        {"a path with slashes converts to itself here", "/media/renders/shot.tif"},
+        {"longer than the 2000 bytes of the conversion on macOS", "/" + std::string(5000, 'x')},
         {"bytes outside ASCII", "/media/\x80\xe9\xff/\xc3\xa4.tif"},
         {"blanks, quotes and line ends", "/a b/\"c\"\r\n.tif"},
     };
@@ -60,7 +60,7 @@ TEST(Filename, CopiesOwnTheirText) {
     EXPECT_STREQ(constructed.GetString(), "/media/shot.tif");
 }
 
-TEST(Filename, AssigningAnEmptyOneEmpties) {
+TEST(Filename, AssigningAnEmptyNameEmpties) {
     Filename name("shot.tif");
     name = Filename();
     EXPECT_EQ(name.GetString(), nullptr);

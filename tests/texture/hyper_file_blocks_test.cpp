@@ -14,7 +14,7 @@
 
 namespace {
 
-TEST_F(HyperFile, BlocksOfManyLengthsComeBackWithAGuardByte) {
+TEST_F(HyperFile, BlocksOfManyLengthsReadBackWithAGuardByte) {
     for (const std::size_t length : {0u, 1u, 2u, 3u, 255u, 4096u, 100001u}) {
         SCOPED_TRACE(length);
         std::string data(length, '\0');
@@ -43,7 +43,7 @@ TEST_F(HyperFile, BlocksOfManyLengthsComeBackWithAGuardByte) {
     }
 }
 
-TEST_F(HyperFile, StringsOfManyLengthsComeBack) {
+TEST_F(HyperFile, StringsOfManyLengthsReadBack) {
     for (const std::int32_t length : {0, 1, 2, 3, 255, 4097, 50000}) {
         SCOPED_TRACE(length);
         PrivateString string;
@@ -81,7 +81,7 @@ TEST_F(HyperFile, AnOddLastByteOfAStringIsDropped) {
     EXPECT_EQ(file_.ReadUChar(&next), 1);
 }
 
-TEST_F(HyperFile, AnEmptyStringLeavesTheOldBufferToWhoeverSharesIt) {
+TEST_F(HyperFile, AnEmptyStringDoesNotReleaseTheOldBuffer) {
     class SharedString : public PrivateString {
       public:
         using PrivateString::PrivateString;
@@ -127,11 +127,11 @@ TEST_P(BlockCounts, AreRefusedBeforeAnythingIsAllocated) {
 INSTANTIATE_TEST_SUITE_P(HyperFile, BlockCounts,
                          testing::Values(BadBlock{"MinusOne", -1, -7},
                                          BadBlock{"MostNegative", INT32_MIN, -7},
-                                         BadBlock{"OneMoreThanIsLeft", 9, 1},
+                                         BadBlock{"OneMoreThanTheFileHasLeft", 9, 1},
                                          BadBlock{"TwoGigabytes", INT32_MAX, 1}),
                          [](const auto& tested) { return tested.param.name; });
 
-TEST_F(HyperFile, ABlockUpToTheLastByteIsRead) {
+TEST_F(HyperFile, ABlockThatEndsWithTheFileIsRead) {
     open(header().Block("xxxxxxxx"));
     void* data = nullptr;
     std::int32_t count = 0;
@@ -148,7 +148,7 @@ TEST_F(HyperFile, NegativeBlocksAreNotWritten) {
     EXPECT_EQ(content_of(path), header().bytes());
 }
 
-#if !defined(_WIN32)  // where no process can be kept from taking more memory
+#if !defined(_WIN32)  // where the memory of a process cannot be limited
 using HyperFileDeathTest = HyperFile;
 
 TEST_F(HyperFileDeathTest, WithoutMemoryABlockAndAStringAreRefused) {

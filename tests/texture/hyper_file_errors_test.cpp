@@ -37,13 +37,13 @@ INSTANTIATE_TEST_SUITE_P(
                     BadOpen{"WrongIdent", "AVXRTexa", -100}, BadOpen{"IdentBackwards", "AVXRtseT", -100}),
     [](const auto& tested) { return tested.param.name; });
 
-TEST_F(HyperFile, AHeaderAloneOpens) {
+TEST_F(HyperFile, AFileOfOnlyAHeaderOpens) {
     open(header());
     EXPECT_EQ(file_.GetLength(), 8);
     EXPECT_EQ(file_.GetPosition(), 8);
 }
 
-TEST_F(HyperFile, AnyModeButWritingReads) {
+TEST_F(HyperFile, EveryOtherModeReads) {
     const std::string path = write(header());
     for (const std::int32_t mode : {0, 1, 3, -1}) {
         TestedFile file;
@@ -52,12 +52,12 @@ TEST_F(HyperFile, AnyModeButWritingReads) {
     }
 }
 
-TEST_F(HyperFile, WritingToAFileOpenForReadingDoesNotWriteTheHeader) {
+TEST_F(HyperFile, TheHeaderIsNotWrittenToAFileOpenForReading) {
     EXPECT_EQ(file_.Open(kIdent, write(header()).c_str(), PrivateHyperFile::kWriting, 0, 0), 0);
     EXPECT_EQ(file_.GetError(), -100);
 }
 
-TEST_F(HyperFile, WhatCannotBeOpenedSetsTheFilesOwnError) {
+TEST_F(HyperFile, FailingToOpenSetsTheFileError) {
     const std::string pipe = folder_.path("pipe");
     make_pipe(pipe);
     for (const std::string& path : {folder_.path("missing"), folder_.folder().string(), pipe}) {
@@ -82,8 +82,8 @@ TEST_F(HyperFile, AFileOfTwoGigabytesIsRefused) {
     EXPECT_EQ(file_.GetError(), -7);
 }
 
-#if !defined(_WIN32)  // where no file stands for a full disk
-TEST_F(HyperFile, AFullDiskIsAnErrorAtTheLatestWhenClosing) {
+#if !defined(_WIN32)  // where no device simulates a full disk
+TEST_F(HyperFile, AFullDiskIsNoticedWhenClosingAtTheLatest) {
     ASSERT_EQ(file_.OpenToWrite("/dev/full"), 1);
     EXPECT_EQ(file_.WriteLong(1), 1);
     EXPECT_EQ(file_.Close(), 1);
@@ -97,7 +97,7 @@ TEST_F(HyperFile, AFullDiskIsAnErrorAtTheLatestWhenClosing) {
 }
 #endif
 
-TEST_F(HyperFile, AfterAnErrorWritesLeaveTheFileAsItIs) {
+TEST_F(HyperFile, AfterAnErrorNothingIsWritten) {
     const std::string path = folder_.path("out");
     ASSERT_EQ(file_.OpenToWrite(path), 1);
     ASSERT_EQ(file_.WriteLong(1), 1);
@@ -121,7 +121,7 @@ TEST_F(HyperFile, AfterAnErrorWritesLeaveTheFileAsItIs) {
     EXPECT_EQ(content_of(path), header().Long(1).bytes());
 }
 
-TEST_F(HyperFile, AfterAnErrorReadsDoNotMove) {
+TEST_F(HyperFile, AfterAnErrorNothingIsRead) {
     open(header().Long(1).Start(1, 1).End().Raw(std::string(50, '\x02')));
     file_.SetError(-7);
     for (const Typed& reader : typed_values()) {
@@ -142,23 +142,23 @@ TEST_F(HyperFile, AfterAnErrorReadsDoNotMove) {
     EXPECT_EQ(file_.counter(), 0u);
 }
 
-TEST_F(HyperFile, AnObjectThatFailedStaysFailedUntilToldOtherwise) {
+TEST_F(HyperFile, AFailedObjectStaysFailedUntilItsErrorIsCleared) {
     const std::string path = write(header().Long(1));
     file_.SetError(-100);
     EXPECT_EQ(file_.OpenToRead(path), 0);
     EXPECT_EQ(file_.OpenToWrite(path), 0);
-    EXPECT_EQ(content_of(path), header().Long(1).bytes()) << "not even emptied";
+    EXPECT_EQ(content_of(path), header().Long(1).bytes()) << "the file is not even emptied";
     file_.SetError(0);
     EXPECT_EQ(file_.OpenToRead(path), 1);
 }
 
-TEST_F(HyperFile, AnEndIsNotReadWhileWriting) {
+TEST_F(HyperFile, AChunkEndCannotBeReadWhileWriting) {
     ASSERT_EQ(file_.OpenToWrite(folder_.path("out")), 1);
     EXPECT_EQ(file_.ReadChunkEnd(), 0);
     EXPECT_EQ(file_.GetError(), -4);
 }
 
-TEST_F(HyperFile, ReadingFromAFileThatIsWrittenFails) {
+TEST_F(HyperFile, ReadingFailsWhileWriting) {
     ASSERT_EQ(file_.OpenToWrite(folder_.path("out")), 1);
     std::int32_t value = 0;
     EXPECT_EQ(file_.ReadLong(&value), 0);
@@ -173,7 +173,7 @@ TEST_F(HyperFile, AClosedFileFailsWithoutACode) {
     EXPECT_EQ(file_.Close(), 0);
 }
 
-TEST_F(HyperFile, PrivateDataIsTheCallers) {
+TEST_F(HyperFile, PrivateDataBelongsToTheCaller) {
     EXPECT_EQ(file_.GetPrivateData(), nullptr);
     int mine = 0;
     file_.SetPrivateData(&mine);
@@ -192,7 +192,7 @@ class Listener : public FailureObserver {
     std::string reason;
 };
 
-TEST_F(HyperFile, AnObserverIsToldWhatFailedAndWhere) {
+TEST_F(HyperFile, TheObserverLearnsWhatFailedAndWhere) {
     Listener listener;
     file_.SetObserver(&listener);
     open(header().Long(1).Byte(16).Be32(1));
@@ -204,7 +204,7 @@ TEST_F(HyperFile, AnObserverIsToldWhatFailedAndWhere) {
     EXPECT_EQ(listener.reason, "a value with tag 15 must stand here, found tag 16");
 }
 
-TEST_F(HyperFile, AnObserverIsToldOfASkipAfterTheReadThatEndedIt) {
+TEST_F(HyperFile, TheObserverLearnsOfAFailedReadAndThenOfTheFailedSkip) {
     Listener listener;
     file_.SetObserver(&listener);
     open(header().Raw("\x0F\x00"s));

@@ -23,7 +23,7 @@ class TestedFile : public PrivateHyperFile {
     }
 };
 
-/// A folder with one file of the container.
+/// A folder with one container file.
 class HyperFile : public testing::Test {
   protected:
     static HyperBytes header() { return HyperBytes().Header("AVXR", "Test"); }

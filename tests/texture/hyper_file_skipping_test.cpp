@@ -8,7 +8,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST_F(HyperFile, EveryTagIsSkippedByItsWidth) {
+TEST_F(HyperFile, EveryTagIsSkippedWithItsBytes) {
     const auto width = [](int tag) {
         switch (tag) {
             case 1:
@@ -54,7 +54,7 @@ TEST_F(HyperFile, EveryTagIsSkippedByItsWidth) {
     }
 }
 
-TEST_F(HyperFile, ABlockOfNegativeLengthSkipsItsLengthOnly) {
+TEST_F(HyperFile, OnlyTheLengthOfANegativeBlockIsSkipped) {
     open(header().Be32(-5).Raw("xxxxxxxxxx"));
     EXPECT_EQ(file_.SkipValue(0xC0), 1);
     EXPECT_EQ(file_.GetPosition(), 12);
@@ -70,7 +70,7 @@ TEST_F(HyperFile, SkippingPastTheEndIsAShortRead) {
     EXPECT_EQ(file_.ReadDummy(0), 0);
 }
 
-TEST_F(HyperFile, ALongBlockIsSkippedWhole) {
+TEST_F(HyperFile, ALongBlockIsSkippedAsAWhole) {
     open(header().Be32(10000).Raw(std::string(10000, 'x')).UChar(9));
     EXPECT_EQ(file_.SkipValue(128), 1);
     unsigned char value = 0;
@@ -78,7 +78,7 @@ TEST_F(HyperFile, ALongBlockIsSkippedWhole) {
     EXPECT_EQ(value, 9);
 }
 
-TEST_F(HyperFile, ChunkMarksAreReadAndCounted) {
+TEST_F(HyperFile, ChunkStartsAndEndsAreReadAndCounted) {
     open(header().Start(-5, 70000).End());
     ASSERT_EQ(file_.CheckIt(1), 1);
     std::int32_t id = 0;
@@ -89,11 +89,11 @@ TEST_F(HyperFile, ChunkMarksAreReadAndCounted) {
     ASSERT_EQ(file_.CheckIt(2), 1);
     const std::int32_t position = file_.GetPosition();
     EXPECT_EQ(file_.ReadChunkEnd(), 1);
-    EXPECT_EQ(file_.GetPosition(), position) << "the end tag was read before";
+    EXPECT_EQ(file_.GetPosition(), position) << "the end tag has already been read";
     EXPECT_EQ(file_.counter(), 2u);
 }
 
-TEST_F(HyperFile, SkippingAChunkStopsAfterTheEndThatBalancesIt) {
+TEST_F(HyperFile, SkippingAChunkStopsAfterItsOwnEnd) {
     open(header().Long(1).Raw(unknown_chunk()).Block("\x02\x02").End().UChar(42).End());
     EXPECT_EQ(file_.SkipToEndChunk(), 1);
     unsigned char value = 0;
@@ -115,14 +115,14 @@ TEST_F(HyperFile, AThousandNestedChunksAreSkipped) {
     EXPECT_EQ(file_.ReadUChar(&value), 1);
 }
 
-TEST_F(HyperFile, ReachingTheEndBetweenTwoItemsIsNotAnError) {
+TEST_F(HyperFile, TheEndOfTheFileBetweenTwoItemsIsNotAnError) {
     open(header().Long(1).Start(1, 1));
     EXPECT_EQ(file_.SkipToEndChunk(), 0);
     EXPECT_EQ(file_.GetError(), 0);
     EXPECT_EQ(file_.SkipToEndChunk(), 0);
 }
 
-TEST_F(HyperFile, ReachingTheEndInsideAnItemIsAnErrorOfItsOwn) {
+TEST_F(HyperFile, TheEndOfTheFileInsideAnItemIsTruncation) {
     for (const std::string& item :
          {"\x0F\x00\x00"s, "\x01\x00"s, "\x80\x00\x00"s, "\x80\x00\x00\x00\x09x"s}) {
         TestedFile file;

@@ -11,7 +11,7 @@ namespace {
 
 using namespace std::string_literals;
 
-TEST_F(HyperFile, EveryByteOfAFileIsAsWrittenByHand) {
+TEST_F(HyperFile, WritesTheExpectedBytes) {
     const std::string path = folder_.path("all");
     ASSERT_EQ(file_.OpenToWrite(path), 1);
     EXPECT_EQ(file_.WriteChunkStart(502, 3), 1);
@@ -30,7 +30,7 @@ TEST_F(HyperFile, EveryByteOfAFileIsAsWrittenByHand) {
     EXPECT_EQ(file_.WriteString(PrivateString("A\x80")), 1);
     EXPECT_EQ(file_.WriteString(PrivateString()), 1);
     EXPECT_EQ(file_.WriteChunkEnd(), 1);
-    EXPECT_EQ(file_.GetLength(), 0) << "a file that is written has no stored length";
+    EXPECT_EQ(file_.GetLength(), 0) << "no length is stored while writing";
     EXPECT_EQ(file_.counter(), 16u);
     EXPECT_EQ(file_.Close(), 1);
     EXPECT_EQ(file_.GetError(), 0);
@@ -106,7 +106,7 @@ TEST_F(HyperFile, ARealKeepsEveryBitPattern) {
     EXPECT_EQ(bits, 0x7F800001u);
 }
 
-TEST_F(HyperFile, AValueReadsAsItsOwnTypeOnly) {
+TEST_F(HyperFile, AValueReadsOnlyAsItsOwnType) {
     std::vector<Typed> stored = typed_values();
     stored.push_back({"LReal", "\x14\x00\x00\x00\x00\x00\x00\x00\x00"s, nullptr});
     stored.push_back({"chunk start", "\x01\x00\x00\x00\x00\x00\x00\x00\x00"s, nullptr});
@@ -120,13 +120,13 @@ TEST_F(HyperFile, AValueReadsAsItsOwnTypeOnly) {
             EXPECT_EQ(reader.read(file), same ? 1 : 0);
             EXPECT_EQ(file.GetError(), same ? 0 : -100);
             EXPECT_EQ(file.GetPosition(), same ? 8 + static_cast<std::int32_t>(value.stored.size()) : 9)
-                << "of a wrong value only the tag is read";
+                << "only the tag of a wrong value is read";
             EXPECT_EQ(file.counter(), same ? 1u : 0u);
         }
     }
 }
 
-TEST_F(HyperFile, EveryTypeCutAtEveryByteIsAShortRead) {
+TEST_F(HyperFile, EveryTypeCutAnywhereIsAShortRead) {
     for (const Typed& value : typed_values()) {
         for (std::size_t length = 0; length < value.stored.size(); ++length) {
             SCOPED_TRACE(std::string(value.name) + " cut to " + std::to_string(length));
@@ -139,7 +139,7 @@ TEST_F(HyperFile, EveryTypeCutAtEveryByteIsAShortRead) {
     }
 }
 
-TEST_F(HyperFile, TheCounterRunsToFiftyThousandAndStartsAtOne) {
+TEST_F(HyperFile, TheCounterRunsTo50000AndRestartsAtOne) {
     open(header().UChar(1).UChar(1).UChar(1));
     unsigned char value = 0;
     file_.set_counter(49999);

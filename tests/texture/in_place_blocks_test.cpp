@@ -1,4 +1,4 @@
-// Blocks that are looked at where they are, and the buffer that they lie in.
+// Blocks that are read in place, and the buffer that holds them.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ std::string as_text(const unsigned char* bytes, std::size_t count) {
     return {bytes, bytes + count};
 }
 
-TEST(InPlaceBlocks, OfAnySizeAreTheBytesThatAreStored) {
+TEST(InPlaceBlocks, OfAnySizeHoldTheStoredBytes) {
     std::mt19937 random(11);
     std::vector<std::string> blocks;
     for (const std::size_t size :
@@ -52,9 +52,9 @@ TEST(InPlaceBlocks, OfAnySizeAreTheBytesThatAreStored) {
         ASSERT_EQ(static_cast<std::size_t>(count), block.size());
         ASSERT_EQ(data == nullptr, block.empty());
         ASSERT_EQ(as_text(data, block.size()), block);
-        unsigned char behind = 0;
-        ASSERT_EQ(read.ReadUChar(&behind), 1);
-        ASSERT_EQ(behind, 7);
+        unsigned char next = 0;
+        ASSERT_EQ(read.ReadUChar(&next), 1);
+        ASSERT_EQ(next, 7);
     }
     EXPECT_EQ(read.GetPosition(), read.GetLength());
 }
@@ -67,13 +67,13 @@ struct BadBlock {
 };
 
 const BadBlock kBadBlocks[] = {
-    {"a string is no block", 130, 4, -100},
+    {"a string instead of a block", 130, 4, -100},
     {"a negative count", 128, -1, -7},
-    {"one byte more than is left", 128, 9, 1},
+    {"one byte more than the file has left", 128, 9, 1},
     {"two gigabytes", 128, INT32_MAX, 1},
 };
 
-TEST(InPlaceBlocks, AreRefusedAsCopiedOnesAre) {
+TEST(InPlaceBlocks, AreRefusedLikeCopiedBlocks) {
     const TemporaryFolder folder;
     for (const BadBlock& bad : kBadBlocks) {
         const HyperBytes file =
@@ -90,7 +90,7 @@ TEST(InPlaceBlocks, AreRefusedAsCopiedOnesAre) {
     }
 }
 
-TEST(PrivateFileBuffer, TransfersOfEverySizeCrossItsEnds) {
+TEST(PrivateFileBuffer, TransfersCrossItsBoundaries) {
     std::mt19937 random(5);
     const std::size_t sizes[] = {1, 2, 7, 100, 4096, kBuffer - 1, kBuffer, kBuffer + 1, 2 * kBuffer + 3};
     std::vector<std::string> pieces;
@@ -107,7 +107,7 @@ TEST(PrivateFileBuffer, TransfersOfEverySizeCrossItsEnds) {
         position += piece.size();
         ASSERT_EQ(static_cast<std::size_t>(file.GetPosition()), position);
     }
-    EXPECT_EQ(static_cast<std::size_t>(file.GetLength()), position) << "with what is still in the buffer";
+    EXPECT_EQ(static_cast<std::size_t>(file.GetLength()), position) << "includes the bytes in the buffer";
     ASSERT_EQ(file.Close(), 1);
     EXPECT_EQ(file.GetError(), 0);
 
@@ -126,12 +126,12 @@ TEST(PrivateFileBuffer, TransfersOfEverySizeCrossItsEnds) {
         position += piece.size();
         ASSERT_EQ(static_cast<std::size_t>(file.GetPosition()), position);
     }
-    EXPECT_EQ(file.ReadInPlace(1), nullptr) << "the end";
+    EXPECT_EQ(file.ReadInPlace(1), nullptr) << "at the end";
     EXPECT_EQ(file.GetError(), 1);
     EXPECT_EQ(file.ReadInPlace(0), nullptr) << "after a failure";
 }
 
-TEST(PrivateFileBuffer, RefusesWhatItsFileIsNotOpenFor) {
+TEST(PrivateFileBuffer, RefusesOperationsThatTheFileIsNotOpenFor) {
     const TemporaryFolder folder;
     const std::string path = folder.write("one", "a");
     char byte = 0;

@@ -1,5 +1,5 @@
-// What is said about bitmaps and textures: nothing about those that are read, and one rule at a time about
-// broken ones.
+// The validators of bitmaps and textures accept everything that is read, and name the violated invariant of
+// broken values, one invariant at a time.
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ struct Parts {
 
 struct BitmapCase {
     const char* name;
-    const char* complaint;
+    const char* violation;
     Undo (*break_it)(Parts&);
 };
 
@@ -36,12 +36,12 @@ const BitmapCase kBitmapCases[] = {
      [](Parts& p) { return changed(p.parts.width_px, -2); }},
     {"a negative height", "no picture has 2 x -2 pixels",
      [](Parts& p) { return changed(p.parts.height_px, -2); }},
-    {"more pixels than there may be", "no picture has 536870913 x 2 pixels",
+    {"more pixels than allowed", "no picture has 536870913 x 2 pixels",
      [](Parts& p) { return changed(p.parts.width_px, (1 << 29) + 1); }},
     {"a negative depth", "the depth is -1 bits", [](Parts& p) { return changed(p.parts.depth_bits, -1); }},
     {"two channels", "2 alpha channels, the first with number 1",
      [](Parts& p) { return changed(p.parts.channel_count, 2); }},
-    {"less than no channels", "-1 alpha channels, the first with number 1",
+    {"a negative channel count", "-1 alpha channels, the first with number 1",
      [](Parts& p) { return changed(p.parts.channel_count, -1); }},
     {"a channel without its number", "1 alpha channels, the first with number 0",
      [](Parts& p) { return changed(p.parts.channel_number, 0); }},
@@ -51,38 +51,38 @@ const BitmapCase kBitmapCases[] = {
      [](Parts& p) { return changed(p.parts.height_px, 0); }},
     {"a channel without alpha", "there is alpha without its channel or a channel without alpha",
      [](Parts& p) { return changed(p.parts.alpha, nullptr); }},
-    {"a colour that is no byte times 256", "row 1, column 1: a colour is no byte times 256",
+    {"a colour that is not a byte times 256", "row 1, column 1: a colour is not a byte times 256",
      [](Parts& p) { return changed(p.pixels[11], 0x0101); }},
-    {"alpha that is no byte", "row 1, column 0: the alpha is no byte",
+    {"alpha that is not a byte", "row 1, column 0: the alpha is not a byte",
      [](Parts& p) { return changed(p.alpha[2], 0x0100); }},
 };
 
-TEST(BitmapComplaint, OneRuleAtATime) {
+TEST(ValidateBitmap, NamesEachViolation) {
     for (const BitmapCase& broken : kBitmapCases) {
         SCOPED_TRACE(broken.name);
         Parts parts;
-        const Undo mend = broken.break_it(parts);
-        EXPECT_EQ(validate_bitmap(parts.parts), broken.complaint);
-        mend();
+        const Undo undo = broken.break_it(parts);
+        EXPECT_EQ(validate_bitmap(parts.parts), broken.violation);
+        undo();
         EXPECT_EQ(validate_bitmap(parts.parts), std::nullopt);
     }
 }
 
-TEST(BitmapComplaint, AlphaWithoutItsChannel) {
+TEST(ValidateBitmap, RefusesAlphaWithoutItsChannel) {
     Parts parts;
     parts.parts.channel_count = parts.parts.channel_number = 0;
     EXPECT_EQ(validate_bitmap(parts.parts), "there is alpha without its channel or a channel without alpha");
 }
 
-TEST(BitmapComplaint, TheLastValueOfManyIsReadToo) {
+TEST(ValidateBitmap, ReadsTheLastValueOfALargePicture) {
     std::vector<std::uint16_t> pixels(3 * (std::size_t{1} << 22));
     const BitmapParts parts{1 << 11, 1 << 11, 24, 0, 0, pixels.data(), nullptr};
     EXPECT_EQ(validate_bitmap(parts), std::nullopt);
     pixels.back() = 1;
-    EXPECT_EQ(validate_bitmap(parts), "row 2047, column 2047: a colour is no byte times 256");
+    EXPECT_EQ(validate_bitmap(parts), "row 2047, column 2047: a colour is not a byte times 256");
 }
 
-TEST(BitmapComplaint, ABitmapAsItBeginsAndIsFilled) {
+TEST(ValidateBitmap, FollowsABitmapThroughItsLife) {
     BaseBitmap bitmap;
     EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
     ASSERT_EQ(bitmap.Init(0, 3, 24), 0);
@@ -92,61 +92,61 @@ TEST(BitmapComplaint, ABitmapAsItBeginsAndIsFilled) {
     ASSERT_EQ(bitmap.AddChannel(0, 0), 1);
     EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
     ASSERT_EQ(bitmap.SetPixel(2, 1, 0x1200, 0, 0x34), 0);
-    EXPECT_EQ(validate_bitmap(bitmap), "row 1, column 2: a colour is no byte times 256");
+    EXPECT_EQ(validate_bitmap(bitmap), "row 1, column 2: a colour is not a byte times 256");
     ASSERT_EQ(bitmap.SetPixel(2, 1, 0x1200, 0, 0x3400), 0);
     ASSERT_EQ(bitmap.SetAlphaPixel(1, 0, 1, 0x0100), 0);
-    EXPECT_EQ(validate_bitmap(bitmap), "row 1, column 0: the alpha is no byte");
+    EXPECT_EQ(validate_bitmap(bitmap), "row 1, column 0: the alpha is not a byte");
     bitmap.Destroy();
     EXPECT_EQ(validate_bitmap(bitmap), std::nullopt);
 }
 
 struct TextureCase {
     const char* name;
-    const char* complaint;  // nothing for a sound texture
+    const char* violation;  // null for a sound texture
     void (*break_it)(Texture&);
 };
 
 const TextureCase kTextureCases[] = {
-    {"as it was made", nullptr, [](Texture&) {}},
+    {"unchanged", nullptr, [](Texture&) {}},
     {"a mode without rows", "colour mode 3; 2 and 4 are written", [](Texture& t) { t.mode = 3; }},
     {"a negative width", "-4 x 3 pixels; sizes are not negative and at most 2^30 pixels are written",
      [](Texture& t) { t.width_px = -4; }},
-    {"colours that do not fit", "35 bytes of colour do not fit the size and mode",
+    {"colours that do not fit the size", "35 bytes of colour do not fit the size and mode",
      [](Texture& t) { t.pixels = PixelBuffer(35); }},
-    {"alpha that does not fit", "11 bytes of alpha 'Alpha.2' do not fit the size",
+    {"alpha that does not fit the size", "11 bytes of alpha 'Alpha.2' do not fit the size",
      [](Texture& t) { t.alphas[1].values = PixelBuffer(11); }},
     {"no name", "alpha channel 2: it has no name", [](Texture& t) { t.alphas[1].name.clear(); }},
-    {"the name of another", "alpha channel 3: another has its name",
+    {"a name that is not unique", "alpha channel 3: another has its name",
      [](Texture& t) { t.alphas[2].name = "Alpha"; }},
-    {"a name to the end of Unicode", nullptr,
+    {"a name up to the last code point", nullptr,
      [](Texture& t) { t.alphas[0].name = "\x7F \xC2\x80 \xE0\xA0\x80 \xED\x9F\xBF \xF4\x8F\xBF\xBF"; }},
-    {"a name beyond the end of Unicode", "alpha channel 1: its name is no UTF-8",
+    {"a name beyond the last code point", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\xF4\x90\x80\x80"; }},
-    {"half of a pair", "alpha channel 1: its name is no UTF-8",
+    {"an unpaired surrogate", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\xED\xA0\x80"; }},
-    {"a character longer than needed", "alpha channel 1: its name is no UTF-8",
+    {"an overlong character", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\xC1\xBF"; }},
-    {"a character that begins in its middle", "alpha channel 1: its name is no UTF-8",
+    {"a stray continuation byte", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\x80"; }},
-    {"a character that does not go on", "alpha channel 1: its name is no UTF-8",
+    {"a lead byte without a continuation", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\xC3("; }},
-    {"a character that is cut off", "alpha channel 1: its name is no UTF-8",
+    {"a character that is cut off", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\xE2\x82"; }},
-    {"a byte that begins none", "alpha channel 1: its name is no UTF-8",
+    {"a byte that cannot begin a character", "alpha channel 1: its name is not UTF-8",
      [](Texture& t) { t.alphas[0].name = "\xF8\x88\x80\x80\x80"; }},
 };
 
-TEST(TextureComplaint, OneRuleAtATime) {
+TEST(ValidateTexture, NamesEachViolation) {
     for (const TextureCase& each : kTextureCases) {
         SCOPED_TRACE(each.name);
         Texture texture = made_texture(4, 3, Texture::kRgb, 3);
         each.break_it(texture);
         EXPECT_EQ(validate_texture(texture),
-                  each.complaint == nullptr ? std::nullopt : std::optional<std::string>(each.complaint));
+                  each.violation == nullptr ? std::nullopt : std::optional<std::string>(each.violation));
     }
 }
 
-TEST(Complaints, NothingAboutWhatIsRead) {
+TEST(Validators, AcceptEveryExample) {
     std::size_t count = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(VXR_EXAMPLES_DIR)) {
         if (entry.path().extension() != ".txl") {

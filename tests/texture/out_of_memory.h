@@ -5,9 +5,9 @@
 
 #include <fstream>
 
-/// From here on this process gets no new large blocks of memory, of a megabyte or more in all. For child
-/// processes only: there is no way back. The little that remains is for the process itself: its stack, and
-/// what a sanitizer notes down about an allocation that fails.
+/// Limits this process to about a megabyte of further memory. Only for child processes, because the limit
+/// cannot be lifted. The rest is left for the stack and for what a sanitizer records about a failed
+/// allocation.
 inline void refuse_further_memory() {
     constexpr rlim_t kRestBytes = rlim_t{1} << 20;
     rlim_t pages = 0;

@@ -14,7 +14,7 @@
 
 namespace {
 
-// The same rows through the image library's own codec, as one grey strip of one row.
+// A TIFF file, through whose library the same rows pass as one grey strip of one row.
 class PeerFile {
   public:
     PeerFile() : path_(testing::TempDir() + "pack_bits_peer_" + std::to_string(::getpid()) + ".tif") {}

@@ -43,7 +43,7 @@ const Bytes k128 = counting(128);
 const Bytes k129 = counting(129);
 
 const EncodeCase kEncodeCases[] = {
-    {"no bytes are no packets", {}, 8, std::nullopt},
+    {"no bytes give no packets", {}, 8, std::nullopt},
     {"one byte is a literal", {0x41}, 8, Bytes{0x00, 0x41}},
     {"one byte fits exactly", {0x41}, 2, Bytes{0x00, 0x41}},
     {"one byte, room for one", {0x41}, 1, std::nullopt},
@@ -66,7 +66,7 @@ const EncodeCase kEncodeCases[] = {
     {"run of 128 and a literal of 2", repeated(130, 9), 5, Bytes{0x81, 9, 0x01, 9, 9}},
     {"run of 128 and a run of 3", repeated(131, 9), 4, Bytes{0x81, 9, 0xFE, 9}},
     {"128 distinct bytes need room for 130", k128, 130, joined({{0x7F}, k128})},
-    {"128 distinct bytes, room for only what they fill", k128, 129, std::nullopt},
+    {"128 distinct bytes, room for only the bytes they fill", k128, 129, std::nullopt},
     {"129 distinct bytes", k129, 131, joined({{0x7F}, k128, {0x00, 0x80}})},
     {"129 distinct bytes, one too small", k129, 130, std::nullopt},
     {"a full literal, then a run", joined({k128, {7, 7, 7}}), 131, joined({{0x7F}, k128, {0xFE, 7}})},
@@ -88,14 +88,14 @@ TEST(PackBitsEncode, LengthsBelowOneWriteNothing) {
     }
 }
 
-TEST(PackBitsEncode, NegativeCapacityIsNoRoom) {
+TEST(PackBitsEncode, ANegativeCapacityFails) {
     const unsigned char bytes[] = {1, 2, 2, 2};
     ExactBuffer dst(0);
     EXPECT_EQ(pack_bits_encode(bytes, 4, dst.data(), -1), 0);
     EXPECT_EQ(pack_bits_encode(bytes + 1, 3, dst.data(), INT32_MIN), 0);
 }
 
-// Calls `visit` with every sequence of 0 to `longest` letters of the alphabet; returns how many there were.
+// Calls `visit` with every sequence of 0 to `longest` letters of the alphabet; returns their number.
 template <typename Visit>
 std::size_t for_every_word(const Bytes& alphabet, std::size_t longest, Visit visit) {
     std::size_t words = 0;
@@ -149,16 +149,16 @@ const DecodeCase kDecodeCases[] = {
     {"run of 3 where 4 are wanted", {0xFE, 7}, 4, std::nullopt},
     {"run of 2 is accepted", {0xFF, 7}, 2, Bytes{7, 7}},
     {"longest run", {0x81, 7}, 128, repeated(128, 7)},
-    {"run without its value takes the byte behind the input", {0xFE}, 3, Bytes{kGuard, kGuard, kGuard}},
+    {"run without its value takes the byte after the input", {0xFE}, 3, Bytes{kGuard, kGuard, kGuard}},
     {"literal, then a run without its value", {0x00, 1, 0xFF}, 3, Bytes{1, kGuard, kGuard}},
     {"literal", {0x01, 1, 2}, 2, Bytes{1, 2}},
     {"literal with a byte missing", {0x02, 0x41, 0x42}, 3, std::nullopt},
     {"literal with a byte missing that was not wanted", {0x02, 0x41, 0x42}, 2, Bytes{0x41, 0x42}},
     {"literal without any byte", {0x00}, 1, std::nullopt},
-    {"literal cut by the output leaves input over", {0x01, 1, 2}, 1, std::nullopt},
+    {"literal cut by the output leaves input unused", {0x01, 1, 2}, 1, std::nullopt},
     {"longest literal", joined({{0x7F}, k128}), 128, k128},
     {"no-op before a literal", {0x80, 0x00, 0x41}, 1, Bytes{0x41}},
-    {"no-op after a literal is input left over", {0x00, 0x41, 0x80}, 1, std::nullopt},
+    {"no-op after a literal is unused input", {0x00, 0x41, 0x80}, 1, std::nullopt},
     {"no-op between literals", {0x00, 1, 0x80, 0x00, 2}, 2, Bytes{1, 2}},
     {"only no-ops", {0x80, 0x80}, 1, std::nullopt},
 };
@@ -169,7 +169,7 @@ TEST(PackBitsDecode, Cases) {
     }
 }
 
-TEST(PackBitsDecode, LengthsBelowZeroAreNothing) {
+TEST(PackBitsDecode, NegativeLengthsCountAsZero) {
     unsigned char byte = 0;
     EXPECT_TRUE(pack_bits_decode(&byte, -1, &byte, -1));
     EXPECT_TRUE(pack_bits_decode(&byte, 0, &byte, INT32_MIN));
@@ -181,13 +181,13 @@ void expect_decoded_as_reference(const Bytes& coded, std::size_t wanted) {
     ASSERT_EQ(decoded(coded, wanted), reference_decode(coded, wanted))
         << testing::PrintToString(coded) << " into " << wanted;
     ASSERT_EQ(decoded_block(coded, wanted), reference_decode(coded, wanted, 0))
-        << testing::PrintToString(coded) << " into " << wanted << ", nothing behind it";
+        << testing::PrintToString(coded) << " into " << wanted << " and followed by nothing";
 }
 
 TEST(PackBitsDecode, EveryShortInputAtEveryCapacity) {
     const Bytes alphabet = {0x00, 0x01, 0x02, 0x7F, 0x80, 0x81, 0xC0, 0xFE, 0xFF};
     const std::size_t words = for_every_word(alphabet, 3, [](const Bytes& coded) {
-        // At most two runs of 128 (one with its value, one without), and one byte more than they give.
+        // At most two runs of 128, one with its value and one without, and one byte more than they yield.
         for (std::size_t wanted = 0; wanted <= 257; ++wanted) {
             expect_decoded_as_reference(coded, wanted);
         }
@@ -197,7 +197,7 @@ TEST(PackBitsDecode, EveryShortInputAtEveryCapacity) {
 
 class PackBitsRandom : public testing::TestWithParam<unsigned> {};
 
-TEST_P(PackBitsRandom, RoundTripIsExactAndNeedsWhatTheReferenceSays) {
+TEST_P(PackBitsRandom, RoundTripIsExactAndNeedsTheRoomOfTheReference) {
     std::mt19937 random(GetParam());
     for (int i = 0; i < 500; ++i) {
         const Bytes plain = random_row(random, 1500);
@@ -209,7 +209,7 @@ TEST_P(PackBitsRandom, RoundTripIsExactAndNeedsWhatTheReferenceSays) {
     }
 }
 
-TEST_P(PackBitsRandom, AnyBytesDecodeAsTheReferenceSays) {
+TEST_P(PackBitsRandom, AnyBytesDecodeLikeTheReference) {
     std::mt19937 random(GetParam());
     std::size_t accepted = 0;
     for (int i = 0; i < 20000; ++i) {
@@ -229,7 +229,7 @@ TEST_P(PackBitsRandom, RowsAtEveryCapacity) {
     }
 }
 
-// Rows as pictures have them: short runs between short literals, and runs and literals of several packets.
+// Rows like those of pictures: short runs between short literals, and runs and literals of several packets.
 TEST_P(PackBitsRandom, LongRowsOfEveryNumberOfValues) {
     std::mt19937 random(GetParam());
     for (const unsigned values : {1U, 2U, 4U, 16U, 256U}) {
@@ -248,7 +248,7 @@ TEST_P(PackBitsRandom, LongRowsOfEveryNumberOfValues) {
     }
 }
 
-TEST_P(PackBitsRandom, DamagedRowsDecodeAsTheReferenceSays) {
+TEST_P(PackBitsRandom, DamagedRowsDecodeLikeTheReference) {
     std::mt19937 random(GetParam());
     const auto below = [&random](std::size_t limit) {
         return std::uniform_int_distribution<std::size_t>(0, limit - 1)(random);

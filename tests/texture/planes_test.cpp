@@ -19,7 +19,7 @@ Bytes plane(std::size_t count, unsigned char first, unsigned char step) {
     return plane;
 }
 
-// Buffers of exactly the size: with the sanitizer a touch outside fails.
+// Buffers of exactly the right size, so that the sanitizer detects an access outside.
 TEST(Planes, JoinAndSplitEveryNumberOfPixels) {
     for (std::size_t count = 0; count <= 70; ++count) {
         const Bytes planes[] = {plane(count, 1, 7), plane(count, 200, 3), plane(count, 90, 11)};

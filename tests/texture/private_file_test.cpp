@@ -20,7 +20,7 @@ TEST(Memory, ANegativeSizeIsRefused) {
     EXPECT_EQ(allocate_zeroed(-1), nullptr);
 }
 
-TEST(Memory, AMillionGigabytesAreRefused) {
+TEST(Memory, APetabyteIsRefused) {
     EXPECT_EQ(MemAlloc(std::int64_t{1} << 50), nullptr);
     EXPECT_EQ(allocate_zeroed(std::int64_t{1} << 50), nullptr);
 }
@@ -31,7 +31,7 @@ TEST(Memory, ZeroedMemoryIsZero) {
     EXPECT_EQ(std::string(reinterpret_cast<const char*>(block.get()), 100), std::string(100, '\0'));
 }
 
-TEST(Memory, CopyTakesTheSourceFirst) {
+TEST(Memory, MemCopyTakesTheSourceFirst) {
     const std::array<char, 4> source = {'a', 'b', 'c', 'd'};
     std::array<char, 4> destination = {'w', 'x', 'y', 'z'};
     MemCopy(source.data(), destination.data(), 2);
@@ -54,7 +54,7 @@ TEST(ByteOrder, ConvertsEveryValueInPlace) {
     EXPECT_EQ(bytes, (std::array<unsigned char, 8>{1, 2, 0xA0, 0xB0, 0xA0, 0xB0, 0xC0, 0xD0}));
 }
 
-TEST(ByteOrder, TwiceIsTheSame) {
+TEST(ByteOrder, ConvertingTwiceRestoresTheValue) {
     double value = 1234.5;
     convert_big_endian<8>(&value, 1);
     convert_big_endian<8>(&value, 1);
@@ -131,7 +131,7 @@ TEST(PrivateFile, AShortReadIsSticky) {
     ASSERT_EQ(file.Open(path.c_str(), 0), 1);
     std::int32_t value = 7;
     EXPECT_EQ(file.ReadLong(&value), 0);
-    EXPECT_EQ(value, 7) << "what could not be read is left alone";
+    EXPECT_EQ(value, 7) << "a failed read leaves the value unchanged";
     EXPECT_EQ(file.GetError(), 1);
     unsigned char byte = 0;
     EXPECT_EQ(file.ReadUChar(&byte), 0);
@@ -191,7 +191,7 @@ TEST(PrivateFile, LengthKeepsThePosition) {
     EXPECT_EQ(byte, 'b');
 }
 
-TEST(PrivateFile, ALengthPastThirtyTwoBitsIsTheLargest) {
+TEST(PrivateFile, ALengthBeyond32BitsIsCapped) {
     const TemporaryFolder folder;
     const std::string path = folder.write("huge", "");
     std::filesystem::resize_file(path, std::uintmax_t{5} << 30);
@@ -218,8 +218,8 @@ TEST(PrivateFile, WithoutAPathNothingOpens) {
     EXPECT_EQ(file.Open(nullptr, 1), 0);
 }
 
-#if !defined(_WIN32)  // where no file stands for a full disk
-TEST(PrivateFile, AFullDiskShowsWhenTheBytesLeave) {
+#if !defined(_WIN32)  // where no device simulates a full disk
+TEST(PrivateFile, AFullDiskIsNoticedWhenTheBufferIsWritten) {
     PrivateFile file;
     ASSERT_EQ(file.Open("/dev/full", 1), 1);
     EXPECT_EQ(file.WriteLong(1), 1) << "still in the buffer";

@@ -6,7 +6,7 @@
 
 namespace {
 
-TEST(PrivateString, BytesAreWidenedWithTheirSign) {
+TEST(PrivateString, BytesAreSignExtended) {
     const PrivateString text("A\x7F\x80\xFF");
     ASSERT_EQ(text.GetLength(), 4);
     EXPECT_EQ(text[0], 0x0041);
@@ -15,7 +15,7 @@ TEST(PrivateString, BytesAreWidenedWithTheirSign) {
     EXPECT_EQ(text[3], 0xFFFF);
 }
 
-TEST(PrivateString, PlacesOutsideReadAsZeroAndIgnoreAssignments) {
+TEST(PrivateString, IndicesOutsideReadAsZeroAndIgnoreAssignments) {
     PrivateString text("ab");
     text[2] = std::uint16_t{7};
     text[-1] = std::uint16_t{7};
@@ -29,7 +29,7 @@ TEST(PrivateString, PlacesOutsideReadAsZeroAndIgnoreAssignments) {
     EXPECT_EQ(static_cast<const PrivateString&>(empty)[0], 0);
 }
 
-TEST(PrivateString, APlaceTakesAnotherPlacesUnit) {
+TEST(PrivateString, AssigningAReferenceCopiesTheUnit) {
     PrivateString a("ab");
     PrivateString b("xy");
     a[0] = b[1];
@@ -37,9 +37,9 @@ TEST(PrivateString, APlaceTakesAnotherPlacesUnit) {
     a[1] = a[0];
     EXPECT_EQ(a[1], 'y');
     a[0] = b[5];
-    EXPECT_EQ(a[0], 0) << "a place outside gives 0";
-    const PChar place = b[0];
-    EXPECT_EQ(place, 'x');
+    EXPECT_EQ(a[0], 0) << "an index outside gives 0";
+    const PChar unit = b[0];
+    EXPECT_EQ(unit, 'x');
 }
 
 TEST(PrivateString, InitSetsTheLength) {
@@ -58,7 +58,7 @@ TEST(PrivateString, NullIsEmpty) {
     EXPECT_EQ(text.GetLength(), 0);
 }
 
-TEST(PrivateString, BlocksGoInAndOut) {
+TEST(PrivateString, BlocksCanBeStoredAndRead) {
     PrivateString text;
     const std::array<std::uint16_t, 3> units = {1, 0xFFFF, 3};
     ASSERT_EQ(PrivateString::SetUcBlock(text, units.data(), 3), 1);

@@ -7,8 +7,8 @@
 
 namespace {
 
-// The encoder again, from the table of packets alone: first the packets, then the bytes and the room that
-// they need.
+// An independent encoder, written from the table of packets alone: it forms the packets first, then the bytes
+// and the room that they need.
 struct Packet {
     bool run = false;
     Bytes bytes;
@@ -106,7 +106,7 @@ std::optional<Bytes> reference_decode(const Bytes& coded, std::size_t wanted, un
             if (at >= coded.size()) {
                 return std::nullopt;
             }
-            // As far as the output has room and the input has bytes.
+            // Until the output is full or the input is used up.
             for (unsigned i = 0; i <= control && at < coded.size() && out.size() < wanted; ++i) {
                 out.push_back(coded[at++]);
             }

@@ -53,7 +53,7 @@ Texture made(std::int32_t width, std::int32_t height, std::int32_t mode, std::si
     return texture;
 }
 
-TEST(TextureFile, EveryByteOfEveryChannelComesBack) {
+TEST(TextureFile, EveryByteOfEveryChannelReadsBack) {
     const TemporaryFolder folder;
     const std::string path = folder.path("round.txl");
     for (const std::int32_t mode : {Texture::kGrey, Texture::kRgb}) {
@@ -76,7 +76,7 @@ TEST(TextureFile, EveryByteOfEveryChannelComesBack) {
     }
 }
 
-TEST(TextureFile, BytesThatBeginATexture) {
+TEST(TextureFile, TexturesAreRecognisedByTheirFirstBytes) {
     const std::string bytes = TxlFile().bytes();
     const auto begins = [](const std::string& first) {
         return begins_as_texture({reinterpret_cast<const std::uint8_t*>(first.data()), first.size()});
@@ -89,7 +89,7 @@ TEST(TextureFile, BytesThatBeginATexture) {
     EXPECT_FALSE(begins("TFF\0Texa"s));
 }
 
-TEST(TextureFile, NamesAreMadeDifferent) {
+TEST(TextureFile, NamesAreMadeUnique) {
     const std::vector<std::pair<std::u16string, std::string>> names = {
         {u"Alpha", "Alpha"},   {u"Alpha", "Alpha.2"}, {u"", "Alpha.3"},    {u"Alpha.2", "Alpha.2.2"},
         {u"Alpha", "Alpha.4"}, {u"Fell", "Fell"},     {u"Fell", "Fell.2"}, {u"\u00e9\uFF80", "\u00e9\uFF80"},
@@ -107,7 +107,7 @@ TEST(TextureFile, NamesAreMadeDifferent) {
     }
 }
 
-TEST(TextureFile, NamesAreForgottenWhenTheTextureStartsOver) {
+TEST(TextureFile, ASecondTextureReusesNames) {
     TxlFile file;
     file.layers.resize(1);
     TxlFile again = file;
@@ -119,7 +119,7 @@ TEST(TextureFile, NamesAreForgottenWhenTheTextureStartsOver) {
     EXPECT_EQ(reading.texture->alphas[0].name, "Alpha");
 }
 
-TEST(TextureFile, NamesThatAreWrittenAreNotStored) {
+TEST(TextureFile, WritingDoesNotStoreNames) {
     const TemporaryFolder folder;
     Texture texture = made(2, 2, Texture::kRgb, 2, Content::noisy);
     texture.alphas[0].name = "Mask";
@@ -141,7 +141,7 @@ struct LimitCase {
 
 class Limits : public testing::TestWithParam<LimitCase> {};
 
-TEST_P(Limits, HoldPictureAndAlphasTogether) {
+TEST_P(Limits, CoverThePictureAndItsAlphas) {
     TxlFile file;
     file.layers.resize(2);
     const TemporaryFolder folder;
@@ -163,7 +163,7 @@ INSTANTIATE_TEST_SUITE_P(TextureFile, Limits,
                                          LimitCase{"LessThanThePicture", 11, false}),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST(TextureFile, AReadAfterARefusalKeepsTheFirstReason) {
+TEST(TextureFile, TheFirstRefusalIsReported) {
     TxlFile file;
     file.layers.resize(1);
     file.after_layers = HyperBytes().Long(1).bytes();
@@ -214,7 +214,7 @@ const std::vector<BadTexture> kBadTextures = {
 INSTANTIATE_TEST_SUITE_P(TextureFile, BadTextures, testing::ValuesIn(kBadTextures),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST(TextureFile, WhatCannotBeWrittenSaysWhy) {
+TEST(TextureFile, FailingToWriteSaysWhy) {
     const TemporaryFolder folder;
     const Texture small = made(2, 2, Texture::kRgb, 1, Content::noisy);
     const std::optional<diagnostic::Diagnostic> onto_a_folder =
@@ -222,7 +222,7 @@ TEST(TextureFile, WhatCannotBeWrittenSaysWhy) {
     ASSERT_TRUE(onto_a_folder.has_value());
     EXPECT_EQ(onto_a_folder->code, TextureFault::cannot_open);
     EXPECT_EQ(onto_a_folder->at.file, folder.folder().string());
-#if !defined(_WIN32)  // where no file stands for a full disk
+#if !defined(_WIN32)  // where no device simulates a full disk
     for (const std::int32_t size : {2, 400}) {
         const Texture texture = made(size, size, Texture::kRgb, 1, Content::noisy);
         const std::optional<diagnostic::Diagnostic> on_a_full_disk = write_texture("/dev/full", texture);
@@ -232,8 +232,8 @@ TEST(TextureFile, WhatCannotBeWrittenSaysWhy) {
 #endif
 }
 
-#if !defined(_WIN32)  // where no process can be kept from taking more memory
-TEST(TextureFileDeathTest, WithoutMemoryThereIsAnError) {
+#if !defined(_WIN32)  // where the memory of a process cannot be limited
+TEST(TextureFileDeathTest, ShortMemoryIsAnError) {
     const TemporaryFolder folder;
     TxlFile file;
     file.width = 1 << 14;
@@ -242,7 +242,7 @@ TEST(TextureFileDeathTest, WithoutMemoryThereIsAnError) {
     const std::string small = folder.write("small.txl", TxlFile().bytes());
     EXPECT_EXIT(
         {
-            // Once before: what the libraries set up at the first read and the first throw is then there.
+            // The first read and the first throw let the libraries allocate what they keep.
             const bool sound = read_texture(small).texture.has_value();
             EXPECT_THROW(PixelBuffer{SIZE_MAX}, std::bad_alloc);
             refuse_further_memory();
@@ -255,7 +255,7 @@ TEST(TextureFileDeathTest, WithoutMemoryThereIsAnError) {
 }
 #endif
 
-TEST(PixelBuffer, IsAValue) {
+TEST(PixelBuffer, HasValueSemantics) {
     PixelBuffer a(3);
     a[1] = 5;
     PixelBuffer b = a;

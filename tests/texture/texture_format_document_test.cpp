@@ -31,7 +31,7 @@ Texture tiny() {
     return texture;
 }
 
-TEST(TextureFormatDocument, TheExampleIsWhatTheWriterWrites) {
+TEST(TextureFormatDocument, TheWriterWritesTheExample) {
     const TemporaryFolder folder;
     const std::string path = folder.path("tiny.txl");
     ASSERT_FALSE(write_texture(path, tiny()).has_value());

@@ -26,7 +26,7 @@ struct NoticeCase {
 
 class Notices : public testing::TestWithParam<NoticeCase> {};
 
-TEST_P(Notices, TellWhatWasRepairedOrPassedOver) {
+TEST_P(Notices, ReportRepairsAndSkippedParts) {
     TxlFile file;
     GetParam().change(file);
     const TemporaryFolder folder;
@@ -71,7 +71,7 @@ const std::vector<NoticeCase> kNotices = {
 INSTANTIATE_TEST_SUITE_P(TextureReport, Notices, testing::ValuesIn(kNotices),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST(TextureReport, AnErrorTellsTheByteWhereItIs) {
+TEST(TextureReport, AnErrorNamesItsOffset) {
     const TemporaryFolder folder;
     TxlFile file;
     file.before_rows = HyperBytes().Long(1).bytes();
@@ -91,7 +91,7 @@ void expect_sound(const std::vector<ChunkOutline>& chunks, std::int64_t begin, s
     }
 }
 
-TEST(TextureReport, TheOutlineHasEveryChunkAndRow) {
+TEST(TextureReport, TheOutlineListsEveryChunkAndRow) {
     TxlFile file;
     file.before_rows = unknown_chunk();
     file.rows.blocks[1] = {1, "\xFF\x55"};
@@ -104,8 +104,8 @@ TEST(TextureReport, TheOutlineHasEveryChunkAndRow) {
     const TemporaryFolder folder;
     const std::string path = folder.write("outline.txl", file.bytes());
     const TextureReading lean = read_texture(path);
-    EXPECT_TRUE(lean.chunks.empty()) << "only when asked for";
-    ASSERT_EQ(lean.layers.size(), 1u) << "always there";
+    EXPECT_TRUE(lean.chunks.empty()) << "only on request";
+    ASSERT_EQ(lean.layers.size(), 1u) << "always present";
     EXPECT_EQ(lean.layers[0].color_mode, 2);
     EXPECT_EQ(lean.layers[0].name, "Mask");
     EXPECT_EQ(lean.layers[0].attributes, (std::vector<std::uint8_t>{5, 6, 0, 0, 0}));
@@ -152,7 +152,7 @@ TEST(TextureReport, TheOutlineHasEveryChunkAndRow) {
     EXPECT_EQ(layer.children.at(1).rows->channels, 1);
 }
 
-TEST(TextureReport, TheOutlineOfACutFileSaysWhichChunksNeverEnded) {
+TEST(TextureReport, TheOutlineOfACutFileMarksChunksWithoutAnEnd) {
     const TemporaryFolder folder;
     const std::string bytes = TxlFile().bytes();
     const TextureReading reading = read_texture(folder.write("cut.txl", bytes.substr(0, bytes.size() - 10)),
@@ -164,7 +164,7 @@ TEST(TextureReport, TheOutlineOfACutFileSaysWhichChunksNeverEnded) {
     EXPECT_EQ(reading.chunks[0].children.at(1).size_bytes, -1);
 }
 
-TEST(TextureReport, ChunksAreNamedByTheirCharactersOrTheirNumber) {
+TEST(TextureReport, ChunksAreNamedByCharactersOrNumber) {
     EXPECT_EQ(chunk_name(kChunkPixelRows), "TaVx");
     EXPECT_EQ(chunk_name(502), "502");
     EXPECT_EQ(chunk_name(-1), "-1");
@@ -172,14 +172,15 @@ TEST(TextureReport, ChunksAreNamedByTheirCharactersOrTheirNumber) {
     EXPECT_EQ(chunk_name(four_characters("\x1b[0m")), "458961005");
 }
 
-TEST(TextureReport, UnitsBecomeUtf8) {
+TEST(TextureReport, CodeUnitsBecomeUtf8) {
     using Units = std::vector<std::uint16_t>;
     EXPECT_EQ(utf8_from_units(Units{}), "");
     EXPECT_EQ(utf8_from_units(Units{'A', 0x7F, 0x80, 0x7FF, 0x800}), "A\x7f\xC2\x80\xDF\xBF\xE0\xA0\x80");
     EXPECT_EQ(utf8_from_units(Units{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
-    EXPECT_EQ(utf8_from_units(Units{0xD83D}), "\xEF\xBF\xBD") << "half a pair";
+    EXPECT_EQ(utf8_from_units(Units{0xD83D}), "\xEF\xBF\xBD") << "an unpaired surrogate";
     EXPECT_EQ(utf8_from_units(Units{0xD83D, '!', 0xDE00}), "\xEF\xBF\xBD!\xEF\xBF\xBD");
-    EXPECT_EQ(utf8_from_units(Units{0xFF80, 0xFFFF}), "\xEF\xBE\x80\xEF\xBF\xBF") << "widened bytes are kept";
+    EXPECT_EQ(utf8_from_units(Units{0xFF80, 0xFFFF}), "\xEF\xBE\x80\xEF\xBF\xBF")
+        << "sign-extended bytes are kept";
 }
 
 TEST(TextureReport, EveryFaultAndNoticeHasItsOwnName) {

@@ -50,7 +50,7 @@ const std::vector<LoadCase> kAlphaCases = {
      },
      kSoundPixels,
      {"\x10\x20\x30\x40"}},
-    {"SixtyFourDeepTwiceBesideEachOther",
+    {"SixtyFourDeepTwiceSideBySide",
      [](TxlFile& f) {
          f.layers.resize(1);
          f.in_alphas = nested_alphas(63) + nested_alphas(63);
@@ -75,23 +75,23 @@ const std::vector<LoadCase> kAlphaCases = {
      },
      kSoundPixels,
      {"\0\0\0\0"s}},
-    {"NegativeRowsUnderALayerAreNone",
+    {"NegativeRowsOfALayerCountAsNone",
      [](TxlFile& f) { f.layers = {layer_with([](TxlLayer& l) { l.rows.rows = -1; })}; },
      kSoundPixels,
      {"\0\0\0\0"s}},
-    {"NegativeCountUnderALayerIsNone",
+    {"NegativeCountOfALayerCountsAsNone",
      [](TxlFile& f) { f.layers = {layer_with([](TxlLayer& l) { l.rows.count = -1; })}; },
      kSoundPixels,
      {"\0\0\0\0"s}},
-    {"NoChannelUnderALayerIsNone",
+    {"RowsOfALayerWithoutChannelsCountAsNone",
      [](TxlFile& f) { f.layers = {layer_with([](TxlLayer& l) { l.rows.channels = 0; })}; },
      kSoundPixels,
      {"\0\0\0\0"s}},
-    {"NegativeChannelsUnderALayerAreNone",
+    {"NegativeChannelsOfALayerCountAsNone",
      [](TxlFile& f) { f.layers = {layer_with([](TxlLayer& l) { l.rows.channels = -3; })}; },
      kSoundPixels,
      {"\0\0\0\0"s}},
-    {"RowsOfVersionZeroUnderALayerAreSkipped",
+    {"RowsOfVersionZeroInALayerAreSkipped",
      [](TxlFile& f) { f.layers = {layer_with([](TxlLayer& l) { l.rows.version = 0; })}; },
      kSoundPixels,
      {"\0\0\0\0"s}},
@@ -103,7 +103,7 @@ const std::vector<LoadCase> kAlphaCases = {
      [](TxlFile& f) { f.layers = {layer_with([](TxlLayer& l) { l.with_header = false; })}; },
      kSoundPixels,
      {}},
-    {"RowsWithoutALayerHeaderGoToTheChannelBefore",
+    {"RowsWithoutALayerHeaderGoToThePreviousChannel",
      [](TxlFile& f) {
          f.layers = {TxlLayer(), layer_of_mode(2, 1, {"\x05\x06"})};
          f.layers[1].with_header = false;
@@ -160,7 +160,7 @@ const std::vector<LoadCase> kAlphaCases = {
      },
      kSoundPixels,
      {"\0\0\0\0"s, "\x03\x02\0\0"s, "\x04\x01\0\0"s, "\0\0\0\0"s}},
-    {"BytesThatTheModeDoesNotHaveAreIgnored",
+    {"BytesBeyondThoseOfTheModeAreIgnored",
      [](TxlFile& f) {
          f.layers = {layer_of_mode(2, 3, {"\x01\x02", "\xFF\xFF", "\xFF\xFF"})};
      },
@@ -173,10 +173,11 @@ const std::vector<LoadCase> kAlphaCases = {
              f.layers[0].rows.blocks[i].first = 7;
          }
      },
-     // The first row leaves 3 6 3 6 6 6 behind; of that the second makes (3 + 6 + 3) / 3 and (6 + 6 + 6) / 3.
+     // The first row leaves 3 6 3 6 6 6 in the buffer; the second makes (3 + 6 + 3) / 3 and (6 + 6 + 6) / 3
+     // of it.
      kSoundPixels,
      {"\x03\x06\x04\x06"}},
-    {"LayerRowsReachingOutAreDropped",
+    {"LayerRowsOutsideThePictureAreDropped",
      [](TxlFile& f) {
          f.layers.resize(1);
          f.layers[0].rows.x = 1;

@@ -8,7 +8,7 @@
 
 #include "texture/txl/txl_ids.h"
 
-/// Bytes of a container, written by hand: independent of the code under test.
+/// Builds the bytes of a container independently of the code under test.
 class HyperBytes {
   public:
     HyperBytes& Raw(std::string_view more) {
@@ -52,7 +52,7 @@ class HyperBytes {
     std::string bytes_;
 };
 
-/// A pixel-rows chunk of which every field can be overridden.
+/// A pixel-rows chunk; a test overrides any field.
 struct TxlRows {
     std::int32_t version = 2;
     std::int32_t x = 0;
@@ -60,8 +60,8 @@ struct TxlRows {
     std::int32_t count = 2;
     std::int32_t rows = 2;
     std::int32_t channels = 3;
-    std::vector<std::pair<int, std::string>> blocks;  // flag and block, row by row and channel by channel
-    std::string trailing = {};                        // values and chunks behind the rows
+    std::vector<std::pair<int, std::string>> blocks;  // flag and block for each row and each of its channels
+    std::string trailing = {};                        // values and chunks after the rows
     bool ended = true;
 
     [[nodiscard]] std::string bytes() const {
@@ -80,7 +80,7 @@ struct TxlLayer {
     std::int32_t mode = 2;
     std::string attributes = std::string(1, '\0');
     std::u16string name = u"Alpha";
-    std::string trailing;  // behind the eleven values
+    std::string trailing;  // after the eleven values
     bool with_header = true;
     TxlRows rows = {.version = 1, .channels = 1, .blocks = {{0, "\x10\x20"}, {0, "\x30\x40"}}};
 
@@ -96,11 +96,12 @@ struct TxlLayer {
     }
 };
 
-/// A texture file: sound as it stands, 2 x 2 pixels in RGB without alpha. A test overrides what it is about.
+/// A texture file: by default sound, with 2 x 2 RGB pixels and no alpha. A test overrides the fields that it
+/// is about.
 struct TxlFile {
     std::string magic = "AVXR";
     std::string ident = "Texa";
-    std::string before_texture;  // chunks in front of the texture chunk
+    std::string before_texture;  // chunks before the texture chunk
     std::int32_t texture_id = 502;
     std::string before_header;  // chunks at the start of the texture chunk
     std::int32_t header_version = 1;
@@ -118,7 +119,7 @@ struct TxlFile {
                                {0, "\x23\x24"}}};
     std::string before_layers;
     std::vector<TxlLayer> layers;
-    std::string in_alphas;   // chunks behind the layers
+    std::string in_alphas;   // chunks after the layers
     int alphas_nesting = 1;  // chunks 110100 around the layers
     std::string after_layers;
     bool texture_ended = true;

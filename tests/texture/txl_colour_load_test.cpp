@@ -12,7 +12,7 @@ using namespace std::string_literals;
 class TxlColourLoad : public testing::TestWithParam<LoadCase> {};
 
 const std::vector<LoadCase> kColourCases = {
-    {"SoundAsItStands", [](TxlFile&) {}, kSoundPixels, {}},
+    {"SoundFile", [](TxlFile&) {}, kSoundPixels, {}},
     {"GreyHasOneChannel",
      [](TxlFile& f) {
          f.mode = 2;
@@ -28,14 +28,14 @@ const std::vector<LoadCase> kColourCases = {
      },
      kSoundPixels,
      {}},
-    {"ValuesBehindTheKnownOnesAreSkipped",
+    {"ValuesAfterTheKnownOnesAreSkipped",
      [](TxlFile& f) {
          f.header_trailing = HyperBytes().Long(7).Block("\x02").bytes();
          f.rows.trailing = HyperBytes().Long(7).Raw(unknown_chunk()).bytes();
      },
      kSoundPixels,
      {}},
-    {"UnknownChunksAnywhereAreSkippedWhole",
+    {"UnknownChunksAreSkippedAnywhere",
      [](TxlFile& f) {
          f.before_texture = unknown_chunk();
          f.before_header = unknown_chunk();
@@ -48,14 +48,14 @@ const std::vector<LoadCase> kColourCases = {
      {}},
     {"ATextureChunkMayBeLeftOpen", [](TxlFile& f) { f.texture_ended = false; }, kSoundPixels, {}},
     {"WithoutRowsThePictureIsZero", [](TxlFile& f) { f.with_rows = false; }, kNoPixels, {}},
-    {"NoRowsIsFewerThanThePictureHas",
+    {"ARowsChunkMayHaveNoRows",
      [](TxlFile& f) {
          f.rows.rows = 0;
          f.rows.blocks.clear();
      },
      kNoPixels,
      {}},
-    {"RowsOfNoPixelsStillHaveBlocks",
+    {"RowsWithoutPixelsStillHaveBlocks",
      [](TxlFile& f) {
          f.rows.count = 0;
          f.rows.blocks.assign(6, {0, ""});
@@ -64,14 +64,14 @@ const std::vector<LoadCase> kColourCases = {
      },
      kNoPixels,
      {}},
-    {"FewerRowsLeaveTheRestZero",
+    {"MissingRowsAreZero",
      [](TxlFile& f) {
          f.rows.rows = 1;
          f.rows.blocks.resize(3);
      },
      kSoundPixels.substr(0, 6) + "\0\0\0\0\0\0"s,
      {}},
-    {"RowsFartherDownArriveThere",
+    {"RowsStartAtTheirOwnY",
      [](TxlFile& f) {
          f.rows.y = 1;
          f.rows.rows = 1;
@@ -79,7 +79,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      "\0\0\0\0\0\0"s + kSoundPixels.substr(0, 6),
      {}},
-    {"WhatReachesOutIsDropped",
+    {"PixelsOutsideThePictureAreDropped",
      [](TxlFile& f) {
          f.rows.x = 1;
          f.rows.y = -1;
@@ -90,14 +90,14 @@ const std::vector<LoadCase> kColourCases = {
      [](TxlFile& f) { f.rows.x = -1; },
      "\x02\x12\x22\0\0\0\x04\x14\x24\0\0\0"s,
      {}},
-    {"RowsAtTheEndOfThirtyTwoBitsAreDropped",
+    {"RowsAtTheLargestPlaceAreDropped",
      [](TxlFile& f) {
          f.rows.x = INT32_MAX;
          f.rows.y = INT32_MAX;
      },
      kNoPixels,
      {}},
-    {"RowsAtTheOtherEndAreDroppedToo",
+    {"RowsAtTheSmallestPlaceAreDropped",
      [](TxlFile& f) {
          f.rows.x = INT32_MIN;
          f.rows.y = INT32_MIN;
@@ -111,7 +111,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      "\x55\x11\x21\x55\x12\x22\x03\x66\x23\x04\x77\x24",
      {}},
-    {"ATrailingRunTakesTheGuardByteForItsValue",
+    {"ATrailingRunTakesTheValueZero",
      [](TxlFile& f) {
          f.rows.blocks[0] = {1, "\xFF"};
      },
@@ -129,7 +129,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      "\0\x11\x21\0\x12\x22\x03\x13\x23\x04\x14\x24"s,
      {}},
-    {"APackedRunThatIsCutIsNot",
+    {"APackedRunThatIsCutIsAccepted",
      [](TxlFile& f) {
          f.rows.blocks[0] = {1, "\xFE\x55"};
      },
@@ -141,13 +141,13 @@ const std::vector<LoadCase> kColourCases = {
      },
      "\0\x11\x21\0\x12\x22\x03\x13\x23\x04\x14\x24"s,
      {}},
-    {"AZeroedRowClearsItsOwnChannelOnly",
+    {"AZeroedRowClearsOnlyItsOwnChannel",
      [](TxlFile& f) {
          f.rows.blocks[4] = {1, ""};
      },
      "\x01\x11\x21\x02\x12\x22\x03\0\x23\x04\0\x24"s,
      {}},
-    {"ARawRowTooShortIsZeroThroughout",
+    {"ARawRowTooShortIsZero",
      [](TxlFile& f) {
          f.rows.blocks[0] = {0, "\x55"};
      },
@@ -159,7 +159,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      "\x55\x11\x21\x66\x12\x22\x03\x13\x23\x04\x14\x24",
      {}},
-    {"AnUnknownFlagKeepsTheRowBefore",
+    {"AnUnknownFlagKeepsThePreviousRow",
      [](TxlFile& f) {
          f.rows.blocks[3] = {2, "\x55\x66"};
          f.rows.blocks[4] = {255, ""};
@@ -172,7 +172,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      "\0\x11\x21\0\x12\x22\x03\x13\x23\x04\x14\x24"s,
      {}},
-    {"ASecondRowsChunkBeginsWithZerosAgain",
+    {"ASecondRowsChunkStartsWithZeros",
      [](TxlFile& f) {
          TxlRows more = f.rows;
          more.y = 1;
@@ -190,7 +190,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      "",
      {}},
-    {"APictureOfNoRowsToo", [](TxlFile& f) { f.height = 0; }, "", {}},
+    {"APictureWithoutRows", [](TxlFile& f) { f.height = 0; }, "", {}},
     {"ASecondHeaderStartsOver",
      [](TxlFile& f) {
          f.layers.resize(1);
@@ -200,7 +200,7 @@ const std::vector<LoadCase> kColourCases = {
      },
      std::string(6, '\0'),
      {}},
-    {"AHeaderOfVersionZeroKeepsTheModeBefore",
+    {"AHeaderOfVersionZeroKeepsTheEarlierMode",
      [](TxlFile& f) {
          TxlFile again;
          again.header_version = 0;

@@ -8,10 +8,10 @@
 
 namespace {
 
-// A picture that overrides nothing.
+// A picture that overrides no operation.
 class PlainPicture final : public TXLImage {};
 
-TEST(TXLImage, TakesEverythingAndHoldsNothing) {
+TEST(TXLImage, AcceptsEverythingAndHoldsNothing) {
     PlainPicture picture;
     unsigned char byte = 9;
     EXPECT_TRUE(picture.Init(1, 2, 3));
@@ -27,9 +27,8 @@ TEST(TXLImage, TakesEverythingAndHoldsNothing) {
     EXPECT_EQ(byte, 9);
 }
 
-// The order of the virtual operations is part of the interface: a virtual call through the base must land in
-// the slot of that number in the table of functions. Slots are counted as the platform's member pointers
-// encode them.
+// The order of the virtual operations is part of the interface. Returns an operation's slot in the table of
+// virtual functions, counted from 1, as the platform encodes it in member pointers.
 template <typename Operation>
 std::ptrdiff_t slot_of(Operation operation) {
     static_assert(sizeof(operation) == 2 * sizeof(std::ptrdiff_t));

@@ -12,7 +12,7 @@
 
 namespace {
 
-TEST(TxlLimits, AlphaChunksAreFollowedSixtyFourDeep) {
+TEST(TxlLimits, AlphaChunksNestUpTo64Deep) {
     const TemporaryFolder folder;
     TxlFile file;
     file.layers.resize(1);
@@ -23,11 +23,11 @@ TEST(TxlLimits, AlphaChunksAreFollowedSixtyFourDeep) {
         EXPECT_EQ(both.reading.error->code, TextureFault::over_limit);
         EXPECT_EQ(both.error, -7);
         EXPECT_EQ(both.reading.error->limit, &limits::kAlphaNesting);
-        EXPECT_EQ(both.reading.error->within.size(), 67u) << "502, 599 and the 65 that were begun";
+        EXPECT_EQ(both.reading.error->within.size(), 67u) << "502, 599 and 65 chunks 110100";
     }
 }
 
-#if !defined(_WIN32)  // where memory that is not touched counts as taken
+#if !defined(_WIN32)  // where untouched memory counts as used
 /// Resident memory of this process in bytes.
 std::int64_t resident_bytes() {
     std::FILE* statm = std::fopen("/proc/self/statm", "r");
@@ -41,7 +41,7 @@ std::int64_t resident_bytes() {
     return resident * 4096;
 }
 
-TEST(TxlLimits, AHeaderThatClaimsTheMostPixelsCostsNothing) {
+TEST(TxlLimits, AHeaderThatClaimsTheLargestPictureCostsNothing) {
     const TemporaryFolder folder;
     TxlFile file;
     file.width = 1 << 15;
@@ -59,7 +59,7 @@ TEST(TxlLimits, AHeaderThatClaimsTheMostPixelsCostsNothing) {
 }
 #endif
 
-/// Rows of 2^20 pixels that only repeat the row before, in a file that could hold one such row.
+/// Rows of 2^20 pixels that only repeat the previous row, in a file that could hold one such row.
 TxlFile rows_without_bytes(std::int32_t rows) {
     TxlFile file;
     file.mode = 2;
@@ -71,7 +71,7 @@ TxlFile rows_without_bytes(std::int32_t rows) {
     return file;
 }
 
-TEST(TxlLimits, RowsThatHoldNothingAreRepairedUpToALimit) {
+TEST(TxlLimits, EmptyRowsAreRepairedUpToALimit) {
     const TemporaryFolder folder;
     const BothLoads repaired(folder.write("repaired.txl", rows_without_bytes(16).bytes()));
     EXPECT_TRUE(repaired.loaded);
@@ -84,14 +84,14 @@ TEST(TxlLimits, RowsThatHoldNothingAreRepairedUpToALimit) {
     EXPECT_EQ(chunk_path(refused.reading.error->within), "502 > TaVx");
 }
 
-TEST(TxlLimits, TheLimitOfRepairedRowsHoldsForAllChunksTogether) {
+TEST(TxlLimits, TheLimitOfRepairedRowsCoversAllChunksTogether) {
     const TemporaryFolder folder;
     TxlFile file = rows_without_bytes(12);
     file.before_rows = file.rows.bytes() + file.rows.bytes();
     EXPECT_FALSE(BothLoads(folder.write("three.txl", file.bytes())).loaded);
 }
 
-TEST(TxlLimits, SixteenHeadersAreFollowed) {
+TEST(TxlLimits, SixteenTextureHeadersAreRead) {
     const TemporaryFolder folder;
     TxlFile file;
     for (std::int32_t i = 1; i < limits::kTextureHeaders.value; ++i) {

@@ -51,7 +51,7 @@ const std::vector<RefusalCase> kRefusals = {
      TextureFault::no_picture, ""},
     {"RowsBeforeTheHeader", [](TxlFile& f) { f.before_header = f.rows.bytes(); }, TextureFault::unsupported,
      "502 > TaVx"},
-    {"RowsOfVersionOneUnderTheTexture", [](TxlFile& f) { f.rows.version = 1; }, TextureFault::unsupported,
+    {"RowsOfVersionOneInTheTexture", [](TxlFile& f) { f.rows.version = 1; }, TextureFault::unsupported,
      "502 > TaVx"},
     {"AHeaderOfVersionZeroHasNoMode", [](TxlFile& f) { f.header_version = 0; }, TextureFault::unsupported,
      "502 > TaVx"},
@@ -86,12 +86,12 @@ const std::vector<RefusalCase> kRefusals = {
      "502 > TaVx"},
     {"RowsOfOneGigabyteThatTheFileCannotHold", [](TxlFile& f) { f.rows.count = (1 << 30) / 3; },
      TextureFault::block_too_long, "502 > TaVx"},
-    {"MoreRowsThanThereAre", [](TxlFile& f) { f.rows.rows = 3; }, TextureFault::wrong_tag, "502 > TaVx"},
-    {"TwoThousandMillionRows", [](TxlFile& f) { f.rows.rows = INT32_MAX; }, TextureFault::wrong_tag,
+    {"FewerRowsThanAnnounced", [](TxlFile& f) { f.rows.rows = 3; }, TextureFault::wrong_tag, "502 > TaVx"},
+    {"TwoBillionRowsAnnounced", [](TxlFile& f) { f.rows.rows = INT32_MAX; }, TextureFault::wrong_tag,
      "502 > TaVx"},
     {"AValueBetweenChunks", [](TxlFile& f) { f.before_rows = HyperBytes().Long(1).bytes(); },
      TextureFault::stray_value, "502"},
-    {"AValueAtTheTop", [](TxlFile& f) { f.before_texture = HyperBytes().Long(1).bytes(); },
+    {"AValueAtTheTopLevel", [](TxlFile& f) { f.before_texture = HyperBytes().Long(1).bytes(); },
      TextureFault::stray_value, ""},
     {"AnUnknownTagBetweenChunks", [](TxlFile& f) { f.before_rows = "\x05"; }, TextureFault::stray_value,
      "502"},
@@ -161,7 +161,7 @@ const std::vector<RefusalCase> kRefusals = {
          f.layers[0].rows.rows = 3;
      },
      TextureFault::wrong_tag, "502 > 599 > 110100 > 501 > TaVx"},
-    {"AnErrorInTheRowsOfALayerThatTheBitmapRefused",
+    {"AnErrorInTheRowsOfALayerThatTheBitmapRefuses",
      [](TxlFile& f) {
          f.layers.resize(2);
          f.layers[1].rows.rows = 3;
@@ -178,7 +178,7 @@ const std::vector<RefusalCase> kRefusals = {
 INSTANTIATE_TEST_SUITE_P(Texture, Refusals, testing::ValuesIn(kRefusals),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST(TxlRefusal, WhatCannotBeOpenedSaysSo) {
+TEST(TxlRefusal, FilesThatCannotBeOpened) {
     const TemporaryFolder folder;
     for (const std::string& path : {folder.path("missing"), folder.folder().string()}) {
         const BothLoads both(path);

@@ -14,7 +14,7 @@ namespace {
 
 using namespace std::string_literals;
 
-/// A source whose answers are all set by the test; pixels count upwards along a row.
+/// A source whose properties are set by the test; pixel values increase along a row.
 class AnySource final : public TXLImage {
   public:
     std::int32_t width = 2;
@@ -94,7 +94,7 @@ TEST(TxlSave, GreyHasOneChannel) {
     EXPECT_EQ(saved(source), expected.bytes());
 }
 
-TEST(TxlSave, ALayerForEachAlphaChannel) {
+TEST(TxlSave, EveryAlphaChannelBecomesALayer) {
     AnySource source;
     source.mode = 2;
     source.height = 2;
@@ -116,7 +116,7 @@ TEST(TxlSave, BitZeroOfTheModeIsCleared) {
     }
 }
 
-TEST(TxlSave, OtherModesEndInRowsWithoutAnEndAndHaveNoAlpha) {
+TEST(TxlSave, OtherModesEndInAnUnterminatedRowsChunk) {
     for (const std::int32_t mode : {0, 1, 6, 7, -1, 8}) {
         SCOPED_TRACE(mode);
         AnySource source;
@@ -136,7 +136,7 @@ TEST(TxlSave, OtherModesEndInRowsWithoutAnEndAndHaveNoAlpha) {
         EXPECT_EQ(saved(source), expected);
         const TemporaryFolder folder;
         const BothLoads both(folder.write("open.txl", expected));
-        EXPECT_EQ(both.error, -100) << "the end of the texture stands where the rows' values must";
+        EXPECT_EQ(both.error, -100) << "an end tag stands in place of the values of the rows chunk";
     }
 }
 
@@ -153,7 +153,7 @@ TEST(TxlSave, AnEmptyPictureHasRowsWithoutData) {
     }
 }
 
-TEST(TxlSave, ARowIsPackedOnlyWhereThatIsShorter) {
+TEST(TxlSave, ARowIsPackedOnlyIfThatIsShorter) {
     struct Row {
         const char* name;
         std::string pixels;
@@ -164,9 +164,9 @@ TEST(TxlSave, ARowIsPackedOnlyWhereThatIsShorter) {
         {"one pixel", "\x05", 0, "\x05"},
         {"two equal pixels", "\x05\x05", 0, "\x05\x05"},
         {"three equal pixels are shorter", "\x05\x05\x05", 1, "\xFE\x05"},
-        {"as long packed as raw", "\x05\x05\x05\x06", 0, "\x05\x05\x05\x06"},
-        {"one shorter", "\x05\x05\x05\x05\x06", 1, "\xFD\x05\x00\x06"s},
-        {"128 different and nothing behind", std::string(128, 'x').replace(1, 1, "y"), 1, ""},
+        {"equally long when packed", "\x05\x05\x05\x06", 0, "\x05\x05\x05\x06"},
+        {"one byte shorter when packed", "\x05\x05\x05\x05\x06", 1, "\xFD\x05\x00\x06"s},
+        {"128 pixels, packed in two packets", std::string(128, 'x').replace(1, 1, "y"), 1, ""},
     };
     for (const Row& row : rows) {
         SCOPED_TRACE(row.name);
@@ -192,7 +192,7 @@ TEST(TxlSave, ARowIsPackedOnlyWhereThatIsShorter) {
     }
 }
 
-TEST(TxlSave, ABitmapsColourIsSavedByItsLowBytesAndItsAlphaAsItIs) {
+TEST(TxlSave, ABitmapIsSavedWithTheLowBytesOfItsColourAndItsAlpha) {
     const TemporaryFolder folder;
     TxlFile file;
     file.layers.resize(1);
@@ -206,13 +206,13 @@ TEST(TxlSave, ABitmapsColourIsSavedByItsLowBytesAndItsAlphaAsItIs) {
     EXPECT_EQ(saved(image), expected.bytes());
 }
 
-TEST(TxlSave, WhatCannotBeWrittenIsAnError) {
+TEST(TxlSave, FailingToWriteIsAnError) {
     AnySource source;
     const TemporaryFolder folder;
     TXLImageFilter onto_a_folder;
     EXPECT_FALSE(onto_a_folder.SaveImage(folder.folder().string().c_str(), &source));
     EXPECT_EQ(onto_a_folder.GetError(), 1);
-#if !defined(_WIN32)  // where no file stands for a full disk
+#if !defined(_WIN32)  // where no device simulates a full disk
     TXLImageFilter small_on_a_full_disk;
     EXPECT_FALSE(small_on_a_full_disk.SaveImage("/dev/full", &source));
     EXPECT_EQ(small_on_a_full_disk.GetError(), 1);

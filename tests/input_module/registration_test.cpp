@@ -23,13 +23,57 @@ namespace {
 
 constexpr unsigned char kBefore = 0xA5;
 
-// Memory behind every pointer that a callback is given, each with room of its own, and all of it known
-// beforehand.
+// The expected bytes of the record on a little-endian machine: what the module sets, and `kBefore` elsewhere.
+std::vector<unsigned char> expected_bytes() {
+    std::string bytes(sizeof(AEIO_ModuleInfo), static_cast<char>(kBefore));
+    const auto put = [&bytes](std::size_t offset, const std::string& value) {
+        bytes.replace(offset, value.size(), value);
+    };
+    using namespace std::string_literals;
+    put(0, " LXT");                   // signature 'TXL '
+    put(4, "Texalon 3D\0"s);          // name
+    put(36, "\x4D\x00\x01\x02"s);     // flags 33620045
+    put(44, "\x40\x01\x00\x00"s);     // 320
+    put(48, "\xF0\x00\x00\x00"s);     // 240
+    put(52, "\x01\x00"s);             // one file type
+    put(54, "\x01\x00"s);             // one extension
+    put(56, "\x00\x00"s);             // no clips
+    put(60, " LXT");                  // creates 'TXL '
+    put(64, "1RXV");                  // by 'VXR1'
+    put(68, ".txl");                  // named so
+    put(72, " LXT\xFF\xFF\xFF\xFF");  // reads 'TXL ' of any creator
+    put(80, ".txl");
+    put(88, ".txl\0"s);
+    put(200, "\x00\x00"s);  // no auxiliary extensions
+    return {bytes.begin(), bytes.end()};
+}
+
+TEST(TexalonConstructModuleInfo, SetsOnlyItsFields) {
+    auto info = filled_with<AEIO_ModuleInfo>(kBefore);
+    EXPECT_EQ(TexalonConstructModuleInfo(&info), 0);
+    const std::vector<unsigned char> bytes = bytes_of(info);
+    const std::vector<unsigned char> expected = expected_bytes();
+    ASSERT_EQ(bytes.size(), expected.size());
+    for (std::size_t i = 0; i < bytes.size(); ++i) {
+        EXPECT_EQ(int{bytes[i]}, int{expected[i]}) << "byte " << i;
+    }
+}
+
+TEST(TexalonConstructModuleInfo, FlagsAreTheSumOfTheirBits) {
+    AEIO_ModuleInfo info = {};
+    ASSERT_EQ(TexalonConstructModuleInfo(&info), 0);
+    EXPECT_EQ(info.flags, 33620045);
+    EXPECT_EQ(info.flags, 1 << 0 | 1 << 2 | 1 << 3 | 1 << 6 | 1 << 16 | 1 << 25);
+    EXPECT_STREQ(info.name, "Texalon 3D");
+}
+
+// The memory behind every pointer that is passed to a callback: each pointer has its own room, and all bytes
+// are known beforehand.
 class Canaries {
   public:
     Canaries() { memory_.fill(kBefore); }
 
-    // A value for one parameter: for pointers and handles the next room, for numbers 1.
+    // A value for one parameter: the next room for pointers and handles, 1 for numbers.
     template <typename Parameter>
     Parameter Next() {
         if constexpr (std::is_pointer_v<Parameter>) {
@@ -52,19 +96,20 @@ class Canaries {
 };
 
 template <typename... Parameters>
-A_Err CallWith(Canaries& canaries, AEIO_BasicData* basic, A_Err (*callback)(AEIO_BasicData*, Parameters...)) {
-    // Braces: the rooms are handed out from left to right.
+A_Err call_with(Canaries& canaries, AEIO_BasicData* basic,
+                A_Err (*callback)(AEIO_BasicData*, Parameters...)) {
+    // Braces guarantee that the rooms are handed out from left to right.
     const std::tuple<Parameters...> arguments{canaries.Next<Parameters>()...};
     return std::apply([&](auto... values) { return callback(basic, values...); }, arguments);
 }
 
-AEIO_FunctionBlock2 Block() {
+AEIO_FunctionBlock2 made_block() {
     auto block = filled_with<AEIO_FunctionBlock2>(0xFF);
     EXPECT_EQ(TexalonConstructFunctionBlock(&block), 0);
     return block;
 }
 
-// The callbacks that only return a code, with the code.
+// The callbacks that only return a code, and that code.
 #define VXR_FIXED_CALLBACKS(ROW)      \
     ROW(GetDimensions, 9992)          \
     ROW(GetDuration, 9992)            \
@@ -102,7 +147,7 @@ AEIO_FunctionBlock2 Block() {
     ROW(SetUserData, 0)               \
     ROW(StartAdding, 0)
 
-// The others that go by their own name.
+// All other callbacks whose function is named My_ and the field's name.
 #define VXR_OTHER_CALLBACKS(ROW) \
     ROW(VerifyFileImportable, 0) \
     ROW(GetInSpecInfo, 0)        \
@@ -116,7 +161,7 @@ AEIO_FunctionBlock2 Block() {
     ROW(DisposeInSpec, 0)
 
 TEST(FunctionBlock, EveryFieldHoldsTheCallbackOfItsName) {
-    const AEIO_FunctionBlock2 block = Block();
+    const AEIO_FunctionBlock2 block = made_block();
     std::size_t fields = 1;
     EXPECT_EQ(block.AEIO_InitInSpecFromFile, &InitInSpecFromFile);
 #define VXR_EXPECT_NAMED(name, code)                   \
@@ -129,7 +174,7 @@ TEST(FunctionBlock, EveryFieldHoldsTheCallbackOfItsName) {
 }
 
 TEST(FunctionBlock, NoFieldIsLeftNull) {
-    const AEIO_FunctionBlock2 block = Block();
+    const AEIO_FunctionBlock2 block = made_block();
     std::array<void*, kFunctionBlockFields> fields = {};
     static_assert(sizeof(fields) == sizeof(block));
     std::memcpy(fields.data(), &block, sizeof(block));
@@ -139,17 +184,17 @@ TEST(FunctionBlock, NoFieldIsLeftNull) {
     }
 }
 
-TEST(FunctionBlock, FixedCallbacksReturnTheirCodeAndTouchNothing) {
-    const AEIO_FunctionBlock2 block = Block();
+TEST(FunctionBlock, FixedCallbacksReturnTheirCodeAndChangeNothing) {
+    const AEIO_FunctionBlock2 block = made_block();
     RecordingHost host;
     std::size_t callbacks = 0;
-#define VXR_EXPECT_FIXED(name, code)                                                      \
-    {                                                                                     \
-        SCOPED_TRACE(#name);                                                              \
-        Canaries canaries;                                                                \
-        EXPECT_EQ(CallWith(canaries, host.basic_data(), block.AEIO_##name), A_Err{code}); \
-        EXPECT_TRUE(canaries.Untouched());                                                \
-        ++callbacks;                                                                      \
+#define VXR_EXPECT_FIXED(name, code)                                                       \
+    {                                                                                      \
+        SCOPED_TRACE(#name);                                                               \
+        Canaries canaries;                                                                 \
+        EXPECT_EQ(call_with(canaries, host.basic_data(), block.AEIO_##name), A_Err{code}); \
+        EXPECT_TRUE(canaries.Untouched());                                                 \
+        ++callbacks;                                                                       \
     }
     VXR_FIXED_CALLBACKS(VXR_EXPECT_FIXED)
 #undef VXR_EXPECT_FIXED
@@ -160,7 +205,7 @@ TEST(FunctionBlock, FixedCallbacksReturnTheirCodeAndTouchNothing) {
 }
 
 TEST(FunctionBlock, AnyFileIsImportable) {
-    const AEIO_FunctionBlock2 block = Block();
+    const AEIO_FunctionBlock2 block = made_block();
     RecordingHost host;
     for (const char* path : {"picture.txl", "no such file", "", "notes.txt"}) {
         for (const A_Boolean before : {A_Boolean{0}, A_Boolean{1}, A_Boolean{7}}) {
@@ -174,8 +219,8 @@ TEST(FunctionBlock, AnyFileIsImportable) {
     EXPECT_TRUE(host.calls.empty());
 }
 
-TEST(FunctionBlock, InSpecInfoIsEmptyButForTheName) {
-    const AEIO_FunctionBlock2 block = Block();
+TEST(FunctionBlock, InSpecInfoIsEmptyExceptForTheName) {
+    const AEIO_FunctionBlock2 block = made_block();
     RecordingHost host;
     auto verbiage = filled_with<AEIO_Verbiage>(kBefore);
     EXPECT_EQ(block.AEIO_GetInSpecInfo(host.basic_data(), host.in_spec(), &verbiage), 0);
@@ -186,7 +231,7 @@ TEST(FunctionBlock, InSpecInfoIsEmptyButForTheName) {
 }
 
 TEST(FunctionBlock, DialogsShowAFixedText) {
-    const AEIO_FunctionBlock2 block = Block();
+    const AEIO_FunctionBlock2 block = made_block();
     RecordingHost host;
     A_Boolean interacted = kBefore;
     EXPECT_EQ(block.AEIO_SeqOptionsDlg(host.basic_data(), host.in_spec(), &interacted), 0);
@@ -198,8 +243,8 @@ TEST(FunctionBlock, DialogsShowAFixedText) {
     EXPECT_TRUE(host.calls.empty());
 }
 
-TEST(FunctionBlock, NumbersThatAreAnswered) {
-    const AEIO_FunctionBlock2 block = Block();
+TEST(FunctionBlock, DepthsAndAuxiliaryFilesAreFixed) {
+    const AEIO_FunctionBlock2 block = made_block();
     RecordingHost host;
     A_long depths = -1;
     EXPECT_EQ(block.AEIO_GetDepths(host.basic_data(), host.out_spec(), &depths), 0);
@@ -210,10 +255,10 @@ TEST(FunctionBlock, NumbersThatAreAnswered) {
 }
 
 TEST(FunctionBlock, OutputOptionsAreDeleted) {
-    const AEIO_FunctionBlock2 block = Block();
+    const AEIO_FunctionBlock2 block = made_block();
     RecordingHost host;
     EXPECT_EQ(block.AEIO_DisposeOutputOptions(host.basic_data(), nullptr), 0);
-    // The leak checker of the sanitizer sees whether it was given back.
+    // The leak checker of the sanitizer detects whether it was freed.
     EXPECT_EQ(block.AEIO_DisposeOutputOptions(host.basic_data(), ::operator new(1000)), 0);
 }
 
