@@ -7,6 +7,8 @@
 
 namespace {
 
+using embedded::RuleViolation;
+
 using embedded::LayerKind;
 using ::testing::ElementsAre;
 
@@ -181,6 +183,59 @@ TEST(OutputSpecs, TellTheirPathWhenItFitsTheBundlesBuffer) {
     EXPECT_EQ(path, longest);
     EXPECT_EQ(bundle.io_out_suite->AEGP_GetOutSpecFilePath(bundle.host.new_out_spec(longest + "p"), path),
               kHostErrorGeneric);
+}
+
+TEST(Names, AreCutAfter31BytesAndNoted) {
+    const std::string fits(31, 'f');
+    const std::string too_long(32, 'l');
+    struct {
+        const char* name;
+        std::function<std::string(BundleSide&, const char*)> make;  // the name that the host keeps
+    } const kinds[] = {
+        {"folder",
+         [](BundleSide& b, const char* name) {
+             b.folder(name);
+             return b.host.project().items.back().name;
+         }},
+        {"composition",
+         [](BundleSide& b, const char* name) {
+             b.comp(name);
+             return b.host.project().items.back().name;
+         }},
+        {"placeholder",
+         [](BundleSide& b, const char* name) {
+             b.placeholder(name);
+             return b.host.project().footage.back().name;
+         }},
+        {"camera",
+         [](BundleSide& b, const char* name) {
+             AEGP_LayerH layer = nullptr;
+             b.comp_suite->AEGP_CreateCameraInComp(name, {0.0, 0.0}, b.comp(), &layer);
+             return b.host.project().layers.back().name;
+         }},
+        {"light",
+         [](BundleSide& b, const char* name) {
+             AEGP_LayerH layer = nullptr;
+             b.comp_suite->AEGP_CreateLightInComp(name, {0.0, 0.0}, b.comp(), &layer);
+             return b.host.project().layers.back().name;
+         }},
+        {"null",
+         [](BundleSide& b, const char* name) {
+             AEGP_LayerH layer = nullptr;
+             b.comp_suite->AEGP_CreateNullInComp(name, b.comp(), nullptr, &layer);
+             return b.host.project().layers.back().name;
+         }},
+    };
+    for (const auto& kind : kinds) {
+        SCOPED_TRACE(kind.name);
+        BundleSide bundle;
+        bundle.utility_suite->AEGP_StartUndoGroup("test");
+        EXPECT_EQ(kind.make(bundle, fits.c_str()), fits);
+        EXPECT_EQ(bundle.count(RuleViolation::name_cut), 0U);
+        EXPECT_EQ(kind.make(bundle, too_long.c_str()), too_long.substr(0, 31));
+        EXPECT_EQ(bundle.count(RuleViolation::name_cut), 1U);
+        EXPECT_TRUE(bundle.host.conformance().clean()) << "a cut name is a note, not a problem";
+    }
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // A bundle of the smallest kind, for loading: it registers one importer and nothing else. Its entry for
 // today's hosts registers one under another name.
 
-#include "host/host_interface.h"
 #include "host/current_interface.h"
+#include "host/host_interface.h"
 
 namespace {
 
