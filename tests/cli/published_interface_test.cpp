@@ -16,6 +16,8 @@
 #include "support/child_process.h"
 #include "support/file_content.h"
 #include "support/temporary_folder.h"
+#include "texture/container/texture_fault.h"
+#include "texture/value/texture_report.h"
 
 namespace {
 
@@ -188,6 +190,28 @@ TEST(PublishedInterface, CodesOfImages) {
         EXPECT_STREQ(code_info(published.code).name, published.name);
         EXPECT_EQ(code_info(published.code).severity, published.severity) << published.name;
     }
+}
+
+// Codes of the texture reader and writer, in the order of their tables.
+template <typename Rows>
+std::string names_of(const Rows& rows, diagnostic::Severity severity) {
+    std::string names;
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.info.severity, severity) << row.info.name;
+        names += (names.empty() ? "" : " ") + std::string(row.info.name);
+    }
+    return names;
+}
+
+TEST(PublishedInterface, CodesOfTextures) {
+    EXPECT_EQ(
+        names_of(texture_faults(), diagnostic::Severity::error),
+        "cannot-open empty-file not-a-texture header-not-written short-transfer block-too-long wrong-tag "
+        "stray-value truncated wrong-direction negative-size unsupported over-limit refused-picture "
+        "out-of-memory no-picture bad-value");
+    EXPECT_EQ(
+        names_of(texture_notices(), diagnostic::Severity::warning),
+        "row-cleared row-repeated chunk-skipped layer-without-alpha outside-picture second-header cut-off");
 }
 
 // The members of every object of a document, in one line for each place where objects are: "footage[]:

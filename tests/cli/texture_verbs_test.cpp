@@ -166,11 +166,11 @@ TEST(TextureCheck, SaysWhereAFileIsWrong) {
          "a.txl@0x4e: warning: row 0, channel 0: flag 9 is not known, the row before was kept "
          "[row-repeated]\n"
          "      in 502 > TaVx\n"
-         "      = that channel of the row repeats the row before\n"},
+         "      = this channel of the row repeats the previous row\n"},
         {"ends between two items", tiny_cut(0x61), 0, "a.txl: ok, 1 warning\n",
          "a.txl@0x8: warning: the file ends before chunk 502 does [cut-off]\n"
          "      in 502\n"
-         "      = the chunks that are missing are not known; what is there is used\n"},
+         "      = the missing chunks are unknown; the chunks that are there are used\n"},
     };
     for (const Case& one : cases) {
         const TemporaryFolder folder;
@@ -192,8 +192,8 @@ TEST(TextureCheck, CountsWhatOccursSeveralTimes) {
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_NE(run.err.find("every_flag.txl@0x8: warning: chunk TaZz was skipped [chunk-skipped]\n"
                            "      in TaZz\n"
-                           "      = the chunk is passed over with everything in it\n"
-                           "      = 8 times in the file, here first\n"),
+                           "      = the chunk is skipped with everything in it\n"
+                           "      = 8 times in the file; this is the first place\n"),
               std::string::npos)
         << run.err;
 }

@@ -8,7 +8,8 @@ Diagnostic texture_diagnostic(Diagnostic diagnostic, const std::string& file) {
     diagnostic.at.file = file;
     name_limit(diagnostic, diagnostic.limit);
     if (diagnostic.count > 1) {
-        diagnostic.effects.push_back(std::to_string(diagnostic.count) + " times in the file, here first");
+        diagnostic.effects.push_back(std::to_string(diagnostic.count) +
+                                     " times in the file; this is the first place");
     }
     return diagnostic;
 }

@@ -10,21 +10,20 @@
 
 namespace cli {
 
-/// A reader's diagnostic as the tools show it: `file` is the name that the user gave, and effects name the limit
-/// that the file exceeds and how often a warning occurs.
+/// A reader's diagnostic as the tools show it: `file` is the name that the user gave, and effects name the
+/// limit that the file exceeds and how often a warning occurs.
 Diagnostic texture_diagnostic(Diagnostic diagnostic, const std::string& file);
 
-/// Every warning of a reading, the error first if there is one.
+/// The error of a reading, if there is one, then its warnings.
 std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const std::string& file);
 
 /// diagnostic_text with the chunks around the place on one line: "in 502 > 599 > 110100 > 501 > TaVx".
 std::string texture_diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
 
-/// Refused for what is wrong with a file's content, cannot_read_or_write for what kept it from being looked
-/// at or written at all.
+/// Refused for a mistake in the file's content, cannot_read_or_write for what prevents reading or writing it.
 ExitCode texture_exit_code(const diagnostic::Diagnostic& error);
 
-/// The exit code of a reading: that of its error, if it has one.
+/// The exit code for a reading's error; fine without one.
 ExitCode texture_exit_code(const TextureReading& reading);
 
 /// "64 x 48, RGB, 1 alpha channel"
