@@ -1,7 +1,7 @@
-# What a build for another system takes from this one: the header libraries, which suit every system, and GoogleTest, of
-# which the package has the source. /usr/include itself must not be seen: it has this system's headers.
+# Packages of this system that a build for another one can use: header libraries, which suit every system, and GoogleTest,
+# whose package contains the source. /usr/include itself stays hidden, because it has this system's headers.
 
-# vxr_found(NAME): find_package(NAME) is answered by the targets that are here already.
+# vxr_found(NAME): makes find_package(NAME) succeed with the targets that exist already.
 function(vxr_found name)
     string(TOLOWER "${name}" file)
     file(WRITE "${CMAKE_FIND_PACKAGE_REDIRECTS_DIR}/${file}-config.cmake" "set(${name}_FOUND TRUE)\n")
@@ -9,7 +9,7 @@ function(vxr_found name)
         "set(PACKAGE_VERSION_COMPATIBLE TRUE)\n")
 endfunction()
 
-# vxr_header_package(NAME TARGET FOLDER): the headers below /usr/include/FOLDER.
+# vxr_header_package(NAME TARGET FOLDER): makes TARGET of the headers in /usr/include/FOLDER.
 function(vxr_header_package name target folder)
     if(NOT EXISTS "/usr/include/${folder}")
         message(FATAL_ERROR "${name}: there is no /usr/include/${folder}")

@@ -1,5 +1,5 @@
-# OpenImageIO as the target OpenImageIO::OpenImageIO. The configuration that the Debian package brings names files of
-# packages that it does not depend on (OpenCV's headers, Imath's Python library), and fails where they are missing.
+# Defines the target OpenImageIO::OpenImageIO. The configuration file of the Debian package requires files of packages
+# that it does not depend on (OpenCV's headers, Imath's Python library), and fails without them.
 
 if(TARGET OpenImageIO::OpenImageIO)
     set(OpenImageIO_FOUND TRUE)

@@ -1,10 +1,10 @@
-# The property list by which a host finds the bundle; script/pipl holds the properties.
+# The property list by which a host finds the bundle. script/pipl has the properties.
 
 find_package(Python3 COMPONENTS Interpreter REQUIRED)
 set(VXR_PIPL_SCRIPT "${PROJECT_SOURCE_DIR}/script/pipl")
 
-# vxr_pipl(FORM FILE): makes FILE while building. FORM is rc (Windows: a resource script) or rsrc (Macintosh: a
-# resource file). FILE becomes a source of whatever target needs it.
+# vxr_pipl(FORM FILE): generates FILE during the build. FORM is rc (Windows: a resource script) or rsrc (macOS: a resource
+# file). The target that needs FILE lists it as a source.
 function(vxr_pipl form file)
     add_custom_command(
         OUTPUT "${file}"

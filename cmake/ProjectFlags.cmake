@@ -1,5 +1,5 @@
-# The one interface target that every target of this project takes its language level and flags from, and the two
-# functions with which the folders declare what they build.
+# The interface target from which every target of this project takes its language level and flags, and the functions with
+# which the folders declare what they build.
 
 set(CMAKE_POSITION_INDEPENDENT_CODE ON)
 set(CMAKE_CXX_VISIBILITY_PRESET hidden)
@@ -8,7 +8,7 @@ set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 set(CMAKE_LIBRARY_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/lib")
 set(CMAKE_RUNTIME_OUTPUT_DIRECTORY "${CMAKE_BINARY_DIR}/bin")
 
-# What stands for the platform in the names of files of which there is one for each.
+# The suffix of source files that exist once for each platform.
 if(WIN32)
     set(VXR_PLATFORM windows)
 else()
@@ -23,19 +23,19 @@ target_include_directories(project_flags INTERFACE "${PROJECT_SOURCE_DIR}/src")
 target_compile_options(project_flags INTERFACE
     -Wall -Wextra -Wpedantic -Wconversion -Wshadow $<$<BOOL:${VXR_WERROR}>:-Werror> -ffp-contract=off)
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
-    # This compiler takes std::string's own copying for an overlap when it optimises (GCC bug 105651, fixed in 13).
+    # When it optimises, this compiler reports an overlap in std::string's own copying (GCC bug 105651, fixed in 13).
     target_compile_options(project_flags INTERFACE -Wno-restrict)
 endif()
 
 if(WIN32)
-    # _FILE_OFFSET_BITS: positions in files have 64 bits, as they have elsewhere without asking.
+    # _FILE_OFFSET_BITS: positions in files have 64 bits, as they have by default elsewhere.
     target_compile_definitions(project_flags INTERFACE
         _FILE_OFFSET_BITS=64
         NOMINMAX
         UNICODE
         WIN32_LEAN_AND_MEAN
         _WIN32_WINNT=0x0A00)
-    # Nothing of ours is debugged where it is used.
+    # Users do not debug, so released files carry no symbols.
     target_link_options(project_flags INTERFACE $<$<CONFIG:Release>:LINKER:--strip-all>)
 endif()
 
@@ -52,17 +52,16 @@ function(vxr_without_unused target)
     endif()
 endfunction()
 
-# A sanitizer's runtime is found in the program that loads a library, not in the library.
+# A sanitizer's runtime is in the program that loads a library, not in the library.
 set(VXR_INSTRUMENTED OFF)
 if(VXR_SANITIZE OR VXR_THREADS OR VXR_FUZZ)
     set(VXR_INSTRUMENTED ON)
 endif()
 
-# What runs in somebody's unsaved project stops at the first sign of damaged memory instead of going on with it: checks
-# in the C++ library's containers, a guard word before the return address, and lengths in the C library's copying. Not
-# beside sanitizers, which see more and would find less of it; not in debug builds, where fortifying does nothing. For
-# Windows only the first: the others would bring a library of the compiler's into the bundle, and one of the system's
-# that it has no other need of.
+# The bundle runs inside somebody's unsaved project, so it stops at the first sign of damaged memory: the C++ library's
+# containers are checked, a guard word stands before the return address, and the C library's copying checks lengths. Not
+# together with sanitizers, which find more without it, nor in debug builds, where fortifying has no effect. Windows gets
+# only the first: the others would make the bundle need two more libraries.
 if(NOT VXR_INSTRUMENTED)
     target_compile_definitions(project_flags INTERFACE $<$<CONFIG:Release>:_GLIBCXX_ASSERTIONS>)
     if(NOT WIN32)
@@ -71,8 +70,8 @@ if(NOT VXR_INSTRUMENTED)
     endif()
 endif()
 
-# Not -fsanitize=function: it compares where types are described, and that is another place in the bundle than in the
-# host that calls it. Only clang has it.
+# Not -fsanitize=function, which only clang has: it compares addresses of type descriptions, and the bundle and the host
+# that calls it have their own.
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
     set(no_function -fno-sanitize=function)
 endif()
@@ -118,8 +117,8 @@ function(vxr_library name)
 endfunction()
 
 # vxr_test(NAME SOURCES ... [LINKS ...] [RUNS ...] [COST ...]): one GoogleTest program, run by ctest under its own name, or
-# with RUNS several times as NAME.RUN; the caller sets what is different. COST is about how many seconds it runs under
-# the sanitizers, for the long ones: they begin first, so that none runs alone at the end.
+# with RUNS several times as NAME.RUN; the caller sets what differs. COST is the approximate running time in seconds
+# under the sanitizers, given for long tests: they start first, so that none runs alone at the end.
 function(vxr_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "COST" "SOURCES;LINKS;RUNS")
     vxr_joined_tests(${name} "${arg_SOURCES}" sources)

@@ -30,7 +30,7 @@ class Medians:
     """The medians of one run of a benchmark program. Times are in milliseconds."""
 
     def __init__(self, program, pattern, repetitions, least_seconds):
-        # Repetitions of all rows take turns, so that a disturbance meets a row and its peer alike.
+        # Repetitions of all rows take turns, so that a disturbance affects a row and its peer alike.
         with tempfile.TemporaryDirectory() as folder:
             out = Path(folder) / "medians.json"
             run(f"build/release/bin/{program}", f"--benchmark_filter={pattern}",
@@ -46,8 +46,8 @@ class Medians:
         return name in self.rows
 
     def cpu(self, name):
-        """Processor time of the one thread that works: what other programs on the machine disturb least. Of a row
-        about whole processes, which is timed by itself, that of the child."""
+        """Processor time, which other programs disturb least: of the one thread that works or, for a row that times a
+        whole process, of that process."""
         return self.rows[name]["real_time" if name.endswith("/manual_time") else "cpu_time"]
 
     def wall(self, name):
@@ -58,7 +58,7 @@ class Medians:
 
 
 def three_digits(value):
-    """A number as short as three digits that count allow: 1510, 151, 15.1, 1.51, 0.151."""
+    """A number with three significant digits, or its whole part if that is longer: 1510, 151, 15.1, 1.51, 0.151."""
     return f"{value:.0f}" if value >= 100 else f"{value:.1f}" if value >= 10 else f"{value:.3g}"
 
 

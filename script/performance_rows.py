@@ -1,6 +1,6 @@
-"""The rows of docs/performance.md as data: what is measured, beside what, and what the goal is.
+"""The rows of docs/performance.md as data: what is measured, what it is compared with, and the goal.
 
-Names of benchmarks hold `{}` where the size stands: SIZES has the size that is written down and the one of a smoke run.
+The `{}` in the name of a benchmark stands for the size: SIZES has the size of the document and that of a smoke run.
 """
 
 from dataclasses import dataclass
@@ -15,7 +15,7 @@ SIZES = {
 
 @dataclass(frozen=True)
 class Beside:
-    """What a row is compared with, and the largest ratio of the row's time to its time that meets the goal."""
+    """What a row is compared with. `goal` is the largest ratio of the row's time to this time that meets the goal."""
     text: str
     name: str
     goal: Optional[float] = None
@@ -60,7 +60,7 @@ ROWS = [
     Row("import the same into the embedded host", "import_bench", "import/text/{}",
         peer=Beside("reading alone", "read/text/{}", 4)),
 ]
-# What the limits of the goals are, picture by picture: load beside the peer and the limit, save beside both.
+# Goals for each picture: load against the peer and the limit, save against both.
 _TEXTURE_GOALS = [
     ("flat", 0.55, 2, 0.50, 2),
     ("photographic", 0.60, 9, 0.50, 8),

@@ -11,7 +11,7 @@ def sized(program, name, smoke):
 
 
 def growth_sizes(growth, smoke):
-    """A smoke run takes the two smallest: the tables are built, their numbers mean nothing."""
+    """A smoke run takes the two smallest: it only shows that the tables can be built."""
     return list(growth.sizes[:2] if smoke else growth.sizes)
 
 
