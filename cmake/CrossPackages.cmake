@@ -25,6 +25,10 @@ endfunction()
 if(VXR_TOOLS)
     vxr_header_package(CLI11 CLI11::CLI11 CLI)
     vxr_header_package(nlohmann_json nlohmann_json::nlohmann_json nlohmann)
+    # The package of pugixml has a library, which suits this system only. OpenImageIO's headers include a copy of it that
+    # is compiled where it is included.
+    vxr_header_package(pugixml pugixml::pugixml OpenImageIO)
+    target_include_directories(pugixml::pugixml INTERFACE /usr/include/OpenImageIO/detail/pugixml)
 endif()
 if(VXR_TESTS)
     set(INSTALL_GTEST OFF)

@@ -1,115 +1,73 @@
 #include "binary_file/info_plist.h"
 
-#include <vector>
+#include <pugixml.hpp>
+#include <string_view>
+
+#include "text/ascii.h"
 
 namespace binary_file {
 namespace {
 
-/// The few entities that XML defines by itself; property lists declare no others.
-constexpr std::pair<std::string_view, char> kEntities[] = {
-    {"&amp;", '&'}, {"&lt;", '<'}, {"&gt;", '>'}, {"&quot;", '"'}, {"&apos;", '\''},
-};
+/// Real ones have a few thousand bytes. The parser takes up to 25 times the length in memory.
+constexpr std::size_t kLargestInfoPlist_bytes = std::size_t{4} << 20U;
 
-std::string without_entities(std::string_view text) {
-    std::string plain;
-    while (!text.empty()) {
-        std::size_t length = 1;
-        char meant = text.front();
-        for (const auto& [entity, character] : kEntities) {
-            if (text.substr(0, entity.size()) == entity) {
-                length = entity.size();
-                meant = character;
-            }
+// Entities that a DOCTYPE declares are not expanded, and nothing outside the file is read.
+constexpr unsigned kParsing = pugi::parse_default | pugi::parse_ws_pcdata_single;
+
+/// All text directly inside an element, whether or not comments interrupt it.
+std::string text_of(const pugi::xml_node& element) {
+    std::string text;
+    for (const pugi::xml_node& child : element) {
+        if (child.type() == pugi::node_pcdata || child.type() == pugi::node_cdata) {
+            text += child.value();
         }
-        plain += meant;
-        text.remove_prefix(length);
     }
-    return plain;
+    return text;
 }
 
-class PlistReader {
-  public:
-    PlistReader(std::string_view bytes, InfoPlist& plist) : bytes_(bytes), plist_(plist) {}
-
-    /// One run over the tags; what is open is kept by name, so nothing recurses.
-    void read() {
-        while (next_tag()) {
-            if (tag_.substr(0, 1) == "?" || tag_.substr(0, 1) == "!") {
-                continue;
-            }
-            if (tag_.substr(0, 1) == "/") {
-                close(tag_.substr(1));
-            } else if (tag_.back() != '/') {
-                open_.push_back(tag_.substr(0, tag_.find_first_of(" \t\r\n")));
-            } else {
-                outermost_value();
-            }
-        }
-        if (!open_.empty()) {
-            throw Damage(bytes_.size(), "the property list ends inside <" + std::string(open_.back()) + ">");
-        }
-        if (!seen_) {
-            throw Damage(0, "there is no <plist> with a <dict> in it");
-        }
-    }
-
-  private:
-    /// Up to the next tag: `before_` is the text in front of it, `tag_` what is between its brackets.
-    bool next_tag() {
-        const std::size_t begin = bytes_.find('<', at_);
-        if (begin == std::string_view::npos) {
-            return false;
-        }
-        before_ = bytes_.substr(at_, begin - at_);
-        const bool comment = bytes_.substr(begin, 4) == "<!--";
-        const std::size_t end = bytes_.find(comment ? "-->" : ">", begin + 1);
-        if (end == std::string_view::npos || (!comment && end == begin + 1)) {
-            throw Damage(begin, "a tag without an end, or without a name");
-        }
-        tag_ = bytes_.substr(begin + 1, end - begin - 1);
-        at_ = end + (comment ? 3 : 1);
-        return true;
-    }
-
-    [[nodiscard]] bool in_outermost_dictionary() const {
-        return open_.size() == 2 && open_[0] == "plist" && open_[1] == "dict";
-    }
-
-    void close(std::string_view name) {
-        if (open_.empty() || open_.back() != name) {
-            throw Damage(at_, "</" + std::string(name) + "> closes what is not open");
-        }
-        seen_ = seen_ || in_outermost_dictionary();
-        open_.pop_back();
-        if (!in_outermost_dictionary()) {
-            return;
+std::map<std::string, std::string> texts_of(const pugi::xml_node& dictionary) {
+    std::map<std::string, std::string> texts;
+    std::optional<std::string> key;  // belongs to the value directly behind it
+    for (const pugi::xml_node& element : dictionary) {
+        const std::string_view name = element.name();
+        if (element.type() != pugi::node_element) {
+            continue;
         }
         if (name == "key") {
-            key_ = without_entities(before_);
-            return;
+            key = text_of(element);
+            continue;
         }
-        if (name == "string" && key_) {
-            plist_.texts.emplace(*key_, without_entities(before_));
+        if (name == "string" && key) {
+            texts.emplace(*key, text_of(element));
         }
-        outermost_value();
+        key.reset();
     }
+    return texts;
+}
 
-    /// A key belongs to the one value behind it.
-    void outermost_value() {
-        if (in_outermost_dictionary()) {
-            key_.reset();
-        }
+void read_xml(std::string_view bytes, InfoPlist& plist) {
+    if (bytes.size() > kLargestInfoPlist_bytes) {
+        throw Damage(0, "the property list has " + std::to_string(bytes.size()) + " bytes; more than " +
+                            std::to_string(kLargestInfoPlist_bytes) + " are not read");
     }
-
-    std::string_view bytes_;
-    InfoPlist& plist_;
-    std::size_t at_ = 0;
-    std::string_view before_;
-    std::string_view tag_;
-    std::vector<std::string_view> open_;
-    std::optional<std::string> key_;
-    bool seen_ = false;
-};
+    pugi::xml_document document;
+    const pugi::xml_parse_result result =
+        document.load_buffer(bytes.data(), bytes.size(), kParsing, pugi::encoding_utf8);
+    if (result.status == pugi::status_out_of_memory) {
+        throw std::bad_alloc();
+    }
+    // What comes before the damage is in the document and counts.
+    const pugi::xml_node dictionary = document.child("plist").child("dict");
+    plist.texts = texts_of(dictionary);
+    if (!result && result.status != pugi::status_no_document_element) {
+        std::string reason = result.description();
+        reason[0] = text::to_lower(reason[0]);
+        throw Damage(static_cast<std::uint64_t>(result.offset), "the XML is damaged: " + reason);
+    }
+    if (!dictionary) {
+        throw Damage(0, "there is no <plist> with a <dict> in it");
+    }
+}
 
 }  // namespace
 
@@ -125,7 +83,7 @@ InfoPlist read_info_plist(std::string_view bytes) {
         return plist;
     }
     try {
-        PlistReader(bytes, plist).read();
+        read_xml(bytes, plist);
     } catch (const Damage& damage) {
         plist.damage = damage;
     }

@@ -168,7 +168,10 @@ TEST(InfoPlistReader, ReadsTheTextsOfTheOutermostDictionary) {
          {{"a&b", "<c> \"d\" ' &x;"}}},
         {"an empty text of either spelling",
          "<key>a</key><string></string><key>b</key><string/>",
-         {{"a", ""}}},
+         {{"a", ""}, {"b", ""}}},
+        {"a text around a comment", "<key>a</key><string>b<!-- c -->d</string>", {{"a", "bd"}}},
+        {"a text of blanks", "<key>a</key><string> </string>", {{"a", " "}}},
+        {"a text that is quoted as a whole", "<key>a</key><string><![CDATA[<b>]]></string>", {{"a", "<b>"}}},
         {"other values are passed over",
          "<key>a</key><true/><key>b</key><integer>3</integer><key>c</key><string>d</string>",
          {{"c", "d"}}},
@@ -197,11 +200,12 @@ TEST(InfoPlistReader, SaysWhatItCannotRead) {
     const std::pair<std::string, const char*> cases[] = {
         {"", "there is no <plist> with a <dict> in it"},
         {"{ CFBundleName = a; }", "there is no <plist> with a <dict> in it"},
-        {"<plist><dict>", "the property list ends inside <dict>"},
-        {"<plist></dict>", "</dict> closes what is not open"},
-        {"<plist", "a tag without an end, or without a name"},
-        {"<>", "a tag without an end, or without a name"},
-        {"<!-- ->", "a tag without an end, or without a name"},
+        {"<plist><dict>", "the XML is damaged: start-end tags mismatch"},
+        {"<plist></dict>", "the XML is damaged: start-end tags mismatch"},
+        {"<plist", "the XML is damaged: error parsing start element tag"},
+        {"<>", "the XML is damaged: could not determine tag type"},
+        {"<!-- ->", "the XML is damaged: error parsing comment"},
+        {"<array></array>", "there is no <plist> with a <dict> in it"},
     };
     for (const auto& [bytes, reason] : cases) {
         const InfoPlist read = binary_file::read_info_plist(bytes);
@@ -209,10 +213,42 @@ TEST(InfoPlistReader, SaysWhatItCannotRead) {
         EXPECT_STREQ(read.damage->what(), reason) << bytes;
         EXPECT_FALSE(read.binary);
     }
+    EXPECT_EQ(binary_file::read_info_plist("<plist><dict><key>a</key><string>b</string></plist>").text("a"),
+              "b")
+        << "what comes before the damage counts";
     const std::string whole = plist("<key>a</key><string>b &amp;</string><true/>");
     for (std::size_t size = 0; size + 1 < whole.size(); ++size) {
         EXPECT_TRUE(binary_file::read_info_plist(whole.substr(0, size)).damage.has_value()) << size;
     }
+}
+
+TEST(InfoPlistReader, ExpandsNoEntityThatTheFileDeclares) {
+    const InfoPlist read = binary_file::read_info_plist(
+        "<!DOCTYPE plist [<!ENTITY a \"aaaa\"><!ENTITY b \"&a;&a;\"><!ENTITY c SYSTEM \"/etc/hostname\">]>"
+        "<plist><dict><key>k</key><string>&b;&c;</string></dict></plist>");
+    EXPECT_FALSE(read.damage.has_value());
+    EXPECT_EQ(read.text("k"), "&b;&c;");
+}
+
+TEST(InfoPlistReader, ReadsFilesUpToItsLimit) {
+    constexpr std::size_t kLargest_bytes = std::size_t{4} << 20U;
+    std::string largest = plist("<key>a</key><string>b</string>");
+    largest.resize(kLargest_bytes, ' ');
+    const InfoPlist read = binary_file::read_info_plist(largest);
+    EXPECT_FALSE(read.damage.has_value()) << read.damage->what();
+    EXPECT_EQ(read.text("a"), "b");
+    const InfoPlist refused = binary_file::read_info_plist(largest + ' ');
+    ASSERT_TRUE(refused.damage.has_value());
+    EXPECT_STREQ(refused.damage->what(),
+                 "the property list has 4194305 bytes; more than 4194304 are not read");
+}
+
+TEST(InfoPlistReader, NestingHasNoLimitButTheLengthOfTheFile) {
+    std::string nested = "<plist><dict>";
+    for (int i = 0; i < 500000; ++i) {
+        nested += "<dict>";
+    }
+    EXPECT_TRUE(binary_file::read_info_plist(nested).damage.has_value());
 }
 
 }  // namespace
