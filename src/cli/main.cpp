@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "cli/program.h"
-#include "cli/terminal/platform.h"
 #include "cli/terminal/terminal.h"
 
 int main(int argc, char** argv) {

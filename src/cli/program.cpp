@@ -45,24 +45,24 @@ class CommandLine {
     }
 
     /// The page of a verb or group by its name; of the program for "".
-    [[nodiscard]] Page page_of(const std::string& name) const {
+    [[nodiscard]] HelpPage page_of(const std::string& name) const {
         const std::vector<OptionFacts> options = parser_.options_of(name).facts();
         for (const Verb& verb : verbs()) {
             if (verb.name == name) {
-                return verb_page(verb, options);
+                return verb_help_page(verb, options);
             }
         }
         for (const VerbGroup& group : verb_groups()) {
             if (group.name == name) {
-                return overview_page(kProgram + (' ' + name), group.summary, {}, verb_entries(name + ' '),
-                                     options);
+                return overview_help_page(kProgram + (' ' + name), group.summary, {},
+                                          verb_entries(name + ' '), options);
             }
         }
         return program_page(options);
     }
 
-    [[nodiscard]] std::vector<Page> pages() const {
-        std::vector<Page> pages{page_of({})};
+    [[nodiscard]] std::vector<HelpPage> pages() const {
+        std::vector<HelpPage> pages{page_of({})};
         for (const VerbGroup& group : verb_groups()) {
             pages.push_back(page_of(group.name));
         }
@@ -74,12 +74,12 @@ class CommandLine {
 
   private:
     // The program's examples are the first of each verb.
-    static Page program_page(const std::vector<OptionFacts>& options) {
-        Page page =
-            overview_page(kProgram, kSummary,
-                          {"Results go to standard output, messages about them to standard error. `vxr "
-                           "VERB --help` explains a verb."},
-                          verb_entries({}), options);
+    static HelpPage program_page(const std::vector<OptionFacts>& options) {
+        HelpPage page =
+            overview_help_page(kProgram, kSummary,
+                               {"Results go to standard output, messages about them to standard error. `vxr "
+                                "VERB --help` explains a verb."},
+                               verb_entries({}), options);
         if (std::string note = image::build_note(); !note.empty()) {
             page.paragraphs.push_back(std::move(note));
         }
@@ -89,8 +89,8 @@ class CommandLine {
         return page;
     }
 
-    static std::vector<PageEntry> verb_entries(const std::string& prefix) {
-        std::vector<PageEntry> entries;
+    static std::vector<HelpEntry> verb_entries(const std::string& prefix) {
+        std::vector<HelpEntry> entries;
         for (const Verb& verb : verbs()) {
             if (verb.name.compare(0, prefix.size(), prefix) == 0) {
                 entries.push_back({{verb.name.substr(prefix.size())}, {}, verb.summary, true});
@@ -115,7 +115,7 @@ ExitCode parse_and_run(const std::vector<std::string>& arguments, Terminal& term
     Command* const command = line.command_of(parsed.verb);
     switch (parsed.kind) {
         case ParsedLine::Kind::help:
-            terminal.out << page_text(line.page_of(parsed.verb));
+            terminal.out << help_page_text(line.page_of(parsed.verb));
             return ExitCode::fine;
         case ParsedLine::Kind::version:
             terminal.out << program_version() << '\n';
@@ -163,7 +163,7 @@ ExitCode run_program(const std::vector<std::string>& arguments, Terminal& termin
     return code;
 }
 
-std::vector<Page> program_pages() {
+std::vector<HelpPage> program_help_pages() {
     return CommandLine().pages();
 }
 

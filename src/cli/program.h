@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/help/page.h"
+#include "cli/help/help_page.h"
 #include "cli/terminal/terminal.h"
 
 namespace cli {
@@ -17,6 +17,6 @@ std::string program_version();
 ExitCode run_program(const std::vector<std::string>& arguments, Terminal& terminal);
 
 /// The page of the program, then those of the groups and verbs, in the order of the help.
-std::vector<Page> program_pages();
+std::vector<HelpPage> program_help_pages();
 
 }  // namespace cli

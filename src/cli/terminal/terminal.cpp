@@ -4,8 +4,6 @@
 #include <iostream>
 #include <string>
 
-#include "cli/terminal/platform.h"
-
 namespace cli {
 namespace {
 
@@ -51,22 +49,34 @@ Terminal standard_terminal() {
             is_terminal(2)};
 }
 
-Progress::Progress(Terminal& terminal, std::size_t total) : terminal_(terminal), total_(total) {}
+Progress::Progress(Terminal& terminal, std::size_t total, bool wanted)
+    : terminal_(terminal), total_(total), drawn_(wanted && terminal.live && total >= 2) {}
 
 Progress::~Progress() {
     clear();
 }
 
 void Progress::step(std::string_view what) {
-    ++done_;
-    if (!terminal_.live || total_ < 2) {
-        return;
-    }
-    clear();
-    // Wider than the terminal, the line could not be wiped.
+    // A line wider than the terminal could not be wiped.
     constexpr std::size_t kWidth = 60;
-    terminal_.err << '[' << done_ << '/' << total_ << "] " << what.substr(0, kWidth) << std::flush;
-    shown_ = true;
+    ++done_;
+    draw('[' + std::to_string(done_) + '/' + std::to_string(total_) + "] " +
+         std::string(what.substr(0, kWidth)));
+}
+
+void Progress::bar(std::size_t done) {
+    constexpr std::size_t kWidth = 40;
+    const std::size_t filled = total_ == 0 ? 0 : kWidth * done / total_;
+    draw('[' + std::string(filled, '#') + std::string(kWidth - filled, '.') + "] " + std::to_string(done) +
+         '/' + std::to_string(total_));
+}
+
+void Progress::draw(const std::string& line) {
+    if (drawn_) {
+        clear();
+        terminal_.err << line << std::flush;
+        shown_ = true;
+    }
 }
 
 void Progress::clear() {

@@ -4,12 +4,22 @@
 #include <iosfwd>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace cli {
 
+/// Whether the standard stream `descriptor` (1 or 2) is a terminal. One implementation for each platform:
+/// terminal_<platform>.cpp.
+bool is_terminal(int descriptor);
+
+/// Called first in main(): sets up the standard streams to carry bytes unchanged, and UTF-8 on Windows.
+/// Returns the arguments without the program's name, in UTF-8 on Windows. One implementation for each
+/// platform.
+std::vector<std::string> begin_program(int argc, char** argv);
+
 enum class Ink { plain, bold, dim, red, yellow, green, cyan };
 
-/// Puts colour round a text, or leaves it alone.
+/// Colours a text, or returns it unchanged where there is no colour.
 class Paint {
   public:
     explicit Paint(bool colour = false) : colour_(colour) {}
@@ -19,38 +29,43 @@ class Paint {
     bool colour_;
 };
 
-/// Where a verb writes to: its result to `out`, its talk to `err`. Both outlive the terminal.
+/// Where a verb writes: its result to `out`, everything about it to `err`. Both streams outlive the terminal.
 struct Terminal {
     std::ostream& out;
     std::ostream& err;
     Paint out_paint;
     Paint err_paint;
-    bool live = false;  ///< somebody watches `err`: progress may be shown there
+    bool live = false;  ///< `err` is a terminal, so progress may be shown there
 };
 
-/// The process's own streams. Colour only on a terminal, and there neither when NO_COLOR is set and not empty
-/// nor when TERM is "dumb".
+/// The process's own streams. Colour only on a terminal, and not when NO_COLOR is set and not empty, TERM is
+/// unset or TERM is "dumb".
 Terminal standard_terminal();
 
-/// One line on the error stream that says how far long work has come, while somebody watches; silent
-/// otherwise. Not for several threads at once.
+/// One line on the error stream that shows how far the work has got and is redrawn in place. Draws nothing
+/// when the error stream is not a terminal, when the line is not wanted, and for fewer than two steps. For
+/// one thread.
 class Progress {
   public:
-    /// `total` steps; fewer than two are not worth a word.
-    Progress(Terminal& terminal, std::size_t total);
+    Progress(Terminal& terminal, std::size_t total, bool wanted = true);
     /// Wipes the line.
     ~Progress();
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// The next step begins; `what` is safe to print.
+    /// Begins the next step: "[2/10] shot.aec". `what` is safe to print.
     void step(std::string_view what);
-    /// Wipes the line, before something else is written.
+    /// Draws a bar for steps that end in any order: "[########............] 4/10".
+    void bar(std::size_t done);
+    /// Wipes the line; called before anything else is written.
     void clear();
 
   private:
+    void draw(const std::string& line);
+
     Terminal& terminal_;
     std::size_t total_;
+    bool drawn_;
     std::size_t done_ = 0;
     bool shown_ = false;
 };

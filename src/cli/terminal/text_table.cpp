@@ -1,8 +1,9 @@
 #include "cli/terminal/text_table.h"
-#include "text/printable.h"
 
 #include <algorithm>
 #include <cstddef>
+
+#include "text/printable.h"
 
 namespace cli {
 

@@ -1,8 +1,7 @@
 #include <algorithm>
 #include <ostream>
 
-#include "cli/help/bash_completion.h"
-#include "cli/help/man_page.h"
+#include "cli/help/help_page.h"
 #include "cli/options.h"
 #include "cli/program.h"
 #include "cli/terminal/terminal.h"
@@ -19,9 +18,9 @@ class HelpCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
-        const std::vector<Page> pages = program_pages();
+        const std::vector<HelpPage> pages = program_help_pages();
         if (man_) {
-            terminal.out << man_page(pages, program_version());
+            terminal.out << manual_page(pages, program_version());
             return ExitCode::fine;
         }
         std::string command = "vxr";
@@ -29,11 +28,11 @@ class HelpCommand : public Command {
             command += ' ' + word;
         }
         const auto page =
-            std::find_if(pages.begin(), pages.end(), [&](const Page& one) { return one.command == command; });
+            std::find_if(pages.begin(), pages.end(), [&](const HelpPage& one) { return one.command == command; });
         if (page == pages.end()) {
             throw UsageError("there is no verb \"" + command.substr(4) + '"');
         }
-        terminal.out << page_text(*page);
+        terminal.out << help_page_text(*page);
         return ExitCode::fine;
     }
 
@@ -49,7 +48,7 @@ class CompletionCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
-        terminal.out << bash_completion(program_pages());
+        terminal.out << bash_completion(program_help_pages());
         return ExitCode::fine;
     }
 

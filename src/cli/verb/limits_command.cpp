@@ -2,7 +2,7 @@
 #include <ostream>
 #include <string>
 
-#include "cli/help/page.h"
+#include "cli/help/help_page.h"
 #include "cli/options.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"

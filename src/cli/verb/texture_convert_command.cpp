@@ -15,8 +15,6 @@
 #include "cli/report/diagnostic_json.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/ordered_jobs.h"
-#include "cli/terminal/platform.h"
-#include "cli/terminal/progress_bar.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
 #include "cli/texture/texture_diagnostics.h"
@@ -101,14 +99,14 @@ class TextureConvertCommand : public Command {
                                                                          ? image::AlphaBytes::converted
                                                                          : image::AlphaBytes::kept};
         const bool bar_wanted = terminal.live && is_terminal(1) && !json_ && inputs_.size() > 1;
-        ProgressBar bar(terminal, inputs_.size(), bar_wanted);
+        Progress progress(terminal, inputs_.size(), bar_wanted);
         Json documents = Json::array();
         ExitCode code = ExitCode::fine;
         std::size_t converted = 0;
         run_in_order<Conversion>(
             inputs_.size(), threads(),
             [&](std::size_t i) { return convert_texture(inputs_[i], outputs[i], options); },
-            [&](std::size_t done) { bar.show(done); },
+            [&](std::size_t done) { progress.bar(done); },
             [&](std::size_t, const Conversion& conversion) {
                 code = most_serious(code, conversion.code);
                 converted += conversion.code == ExitCode::fine ? 1 : 0;
@@ -116,9 +114,9 @@ class TextureConvertCommand : public Command {
                     documents.push_back(conversion_json(conversion));
                     return;
                 }
-                report(conversion, !bar_wanted, bar, terminal);
+                report(conversion, !bar_wanted, progress, terminal);
             });
-        bar.clear();
+        progress.clear();
         if (json_) {
             terminal.out << Json{{"schema", kConvertSchema},
                                  {"exit_code", static_cast<int>(code)},
@@ -180,9 +178,10 @@ class TextureConvertCommand : public Command {
                            name);
     }
 
-    static void report(const Conversion& conversion, bool line_wanted, ProgressBar& bar, Terminal& terminal) {
+    static void report(const Conversion& conversion, bool line_wanted, Progress& progress,
+                       Terminal& terminal) {
         if (!conversion.diagnostics.empty()) {
-            bar.clear();
+            progress.clear();
             for (const Diagnostic& diagnostic : conversion.diagnostics) {
                 terminal.err << texture_diagnostic_text(diagnostic, terminal.err_paint);
             }

@@ -9,7 +9,7 @@
 #include <memory>
 #include <string>
 
-#include "cli/terminal/platform.h"
+#include "cli/terminal/terminal.h"
 #include "system/wide_path_windows.h"
 
 namespace cli {

@@ -2,7 +2,7 @@
 
 #include <csignal>
 
-#include "cli/terminal/platform.h"
+#include "cli/terminal/terminal.h"
 
 namespace cli {
 

@@ -1,4 +1,4 @@
-#include "cli/help/page.h"
+#include "cli/help/help_page.h"
 
 #include <algorithm>
 #include <sstream>
@@ -11,8 +11,8 @@ namespace {
 
 constexpr std::size_t kTextColumn = 26;
 
-PageEntry entry_of(const OptionFacts& option) {
-    PageEntry entry;
+HelpEntry entry_of(const OptionFacts& option) {
+    HelpEntry entry;
     entry.names = option.names;
     entry.value = option.value_name;
     entry.positional = option.positional;
@@ -27,12 +27,12 @@ PageEntry entry_of(const OptionFacts& option) {
 }
 
 // One section a group, in the order in which the groups come up; positionals first, help last.
-std::vector<PageSection> option_sections(const std::vector<OptionFacts>& options) {
-    std::vector<PageSection> sections;
-    const auto section = [&](const std::string& title) -> PageSection& {
+std::vector<HelpSection> option_sections(const std::vector<OptionFacts>& options) {
+    std::vector<HelpSection> sections;
+    const auto section = [&](const std::string& title) -> HelpSection& {
         const auto found = std::find_if(sections.begin(), sections.end(),
-                                        [&](const PageSection& one) { return one.title == title; });
-        return found != sections.end() ? *found : sections.emplace_back(PageSection{title, {}});
+                                        [&](const HelpSection& one) { return one.title == title; });
+        return found != sections.end() ? *found : sections.emplace_back(HelpSection{title, {}});
     };
     for (const OptionFacts& option : options) {
         if (option.general) {
@@ -63,15 +63,15 @@ std::string usage_of(const std::string& command, const std::vector<OptionFacts>&
     return usage;
 }
 
-PageSection exit_code_section() {
-    PageSection section{"Exit codes", {}};
+HelpSection exit_code_section() {
+    HelpSection section{"Exit codes", {}};
     for (const ExitCodeRow& row : kExitCodes) {
         section.entries.push_back({{std::to_string(static_cast<int>(row.code))}, {}, row.meaning, true});
     }
     return section;
 }
 
-std::string heading_of(const PageEntry& entry) {
+std::string heading_of(const HelpEntry& entry) {
     std::string heading;
     for (const std::string& name : entry.names) {
         heading += (heading.empty() ? "" : ", ") + name;
@@ -79,7 +79,7 @@ std::string heading_of(const PageEntry& entry) {
     return entry.value.empty() ? heading : heading + ' ' + entry.value;
 }
 
-std::string entry_text(const PageEntry& entry) {
+std::string entry_text(const HelpEntry& entry) {
     std::string head = "  " + heading_of(entry);
     const std::string text = wrapped(entry.text, kTextColumn);
     if (text::columns_of(head) + 2 > kTextColumn) {
@@ -90,8 +90,8 @@ std::string entry_text(const PageEntry& entry) {
 
 }  // namespace
 
-Page verb_page(const Verb& verb, const std::vector<OptionFacts>& options) {
-    Page page;
+HelpPage verb_help_page(const Verb& verb, const std::vector<OptionFacts>& options) {
+    HelpPage page;
     page.command = "vxr " + verb.name;
     page.summary = verb.summary;
     page.usage = usage_of(page.command, options);
@@ -102,16 +102,16 @@ Page verb_page(const Verb& verb, const std::vector<OptionFacts>& options) {
     return page;
 }
 
-Page overview_page(const std::string& command, const std::string& summary,
-                   std::vector<std::string> paragraphs, std::vector<PageEntry> entries,
-                   const std::vector<OptionFacts>& options) {
-    Page page;
+HelpPage overview_help_page(const std::string& command, const std::string& summary,
+                            std::vector<std::string> paragraphs, std::vector<HelpEntry> entries,
+                            const std::vector<OptionFacts>& options) {
+    HelpPage page;
     page.command = command;
     page.summary = summary;
     page.usage = command + " VERB [options] ...";
     page.paragraphs = std::move(paragraphs);
     page.sections.push_back({"Verbs", std::move(entries)});
-    for (PageSection& section : option_sections(options)) {
+    for (HelpSection& section : option_sections(options)) {
         page.sections.push_back(std::move(section));
     }
     page.sections.push_back(exit_code_section());
@@ -136,14 +136,14 @@ std::string wrapped(const std::string& text, std::size_t indent, std::size_t wid
     return out;
 }
 
-std::string page_text(const Page& page) {
+std::string help_page_text(const HelpPage& page) {
     std::string text = wrapped(page.command + " - " + page.summary, 0) + "\nusage: " + page.usage + '\n';
     for (const std::string& paragraph : page.paragraphs) {
         text += '\n' + wrapped(paragraph, 0);
     }
-    for (const PageSection& section : page.sections) {
+    for (const HelpSection& section : page.sections) {
         text += '\n' + section.title + ":\n";
-        for (const PageEntry& entry : section.entries) {
+        for (const HelpEntry& entry : section.entries) {
             text += entry_text(entry);
         }
     }

@@ -1,4 +1,4 @@
-#include "cli/help/bash_completion.h"
+#include "cli/help/help_page.h"
 
 #include <algorithm>
 #include <sstream>
@@ -26,10 +26,10 @@ std::string choices_of(const std::string& value) {
     return choices;
 }
 
-Words words_of(const Page& page) {
+Words words_of(const HelpPage& page) {
     Words words;
-    for (const PageSection& section : page.sections) {
-        for (const PageEntry& entry : section.entries) {
+    for (const HelpSection& section : page.sections) {
+        for (const HelpEntry& entry : section.entries) {
             for (const std::string& name : entry.names) {
                 if (section.title == "Verbs") {
                     words.verbs += name.substr(0, name.find(' ')) + ' ';
@@ -88,15 +88,15 @@ complete -F _vxr vxr
 
 }  // namespace
 
-std::string bash_completion(const std::vector<Page>& pages) {
+std::string bash_completion(const std::vector<HelpPage>& pages) {
     std::string script = kHead;
-    for (const Page& page : pages) {
+    for (const HelpPage& page : pages) {
         if (page.command.find(' ') != std::string::npos) {
             script += "            \"" + page.command + "\") command=\"" + page.command + "\" ;;\n";
         }
     }
     script += kMiddle;
-    for (const Page& page : pages) {
+    for (const HelpPage& page : pages) {
         Words words = words_of(page);
         if (page.command == pages.front().command + " help") {
             words.verbs = words_of(pages.front()).verbs;

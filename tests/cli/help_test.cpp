@@ -4,9 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/help/bash_completion.h"
-#include "cli/help/man_page.h"
-#include "cli/help/page.h"
+#include "cli/help/help_page.h"
 #include "cli/program.h"
 #include "support/child_process.h"
 #include "support/temporary_folder.h"
@@ -14,22 +12,22 @@
 
 namespace {
 
-using cli::Page;
+using cli::HelpPage;
 
 // Every option, argument and exit code of every verb, with its page.
 struct Documented {
     std::string command;
-    cli::PageEntry entry;
+    cli::HelpEntry entry;
 };
 
 std::vector<Documented> documented() {
     std::vector<Documented> all;
-    for (const Page& page : cli::program_pages()) {
-        for (const cli::PageSection& section : page.sections) {
+    for (const HelpPage& page : cli::program_help_pages()) {
+        for (const cli::HelpSection& section : page.sections) {
             if (section.title == "Verbs") {
                 continue;
             }
-            for (const cli::PageEntry& entry : section.entries) {
+            for (const cli::HelpEntry& entry : section.entries) {
                 all.push_back({page.command, entry});
             }
         }
@@ -38,7 +36,7 @@ std::vector<Documented> documented() {
 }
 
 TEST(Pages, EveryVerbHasExamplesThatBeginWithAProgramsName) {
-    for (const Page& page : cli::program_pages()) {
+    for (const HelpPage& page : cli::program_help_pages()) {
         const bool group = page.usage.find(" VERB ") != std::string::npos && page.command != "vxr";
         EXPECT_TRUE(group || !page.examples.empty()) << page.command;
         for (const cli::Example& example : page.examples) {
@@ -66,8 +64,8 @@ TEST(Pages, DefaultsAndEnvironmentAreShown) {
 }
 
 TEST(Pages, NoLineOfAHelpIsWiderThanATerminalButForLongExamples) {
-    for (const Page& page : cli::program_pages()) {
-        std::istringstream lines(cli::page_text(page));
+    for (const HelpPage& page : cli::program_help_pages()) {
+        std::istringstream lines(cli::help_page_text(page));
         for (std::string line; std::getline(lines, line);) {
             const bool example = line.compare(0, 6, "  vxr ") == 0;
             EXPECT_TRUE(example || text::columns_of(line) <= 88) << line;
@@ -83,7 +81,7 @@ TEST(Wrapped, Lines) {
 }
 
 TEST(ManPage, HasEveryOption) {
-    const std::string manual = cli::man_page(cli::program_pages(), "vxr 1");
+    const std::string manual = cli::manual_page(cli::program_help_pages(), "vxr 1");
     EXPECT_EQ(manual.compare(0, 10, ".TH \"VXR\" "), 0);
     for (const Documented& one : documented()) {
         for (const std::string& name : one.entry.names) {
@@ -98,8 +96,8 @@ TEST(ManPage, HasEveryOption) {
 }
 
 TEST(ManPage, TextIsNoMacro) {
-    Page program{"vxr", "summary", "vxr", {".TH is no macro here, nor is a \\fB"}, {}, {}};
-    EXPECT_NE(cli::man_page({program}, "1").find("\n\\&.TH is no macro here, nor is a \\efB\n"),
+    HelpPage program{"vxr", "summary", "vxr", {".TH is no macro here, nor is a \\fB"}, {}, {}};
+    EXPECT_NE(cli::manual_page({program}, "1").find("\n\\&.TH is no macro here, nor is a \\efB\n"),
               std::string::npos);
 }
 
@@ -107,7 +105,7 @@ TEST(ManPage, TextIsNoMacro) {
 std::string completions(const std::vector<std::string>& words) {
     const TemporaryFolder folder;
     folder.write("shot.aec", "");
-    const std::string script = folder.write("vxr.bash", cli::bash_completion(cli::program_pages()));
+    const std::string script = folder.write("vxr.bash", cli::bash_completion(cli::program_help_pages()));
     std::string array;
     for (const std::string& word : words) {
         array += " '" + word + "'";

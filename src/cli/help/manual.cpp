@@ -1,4 +1,4 @@
-#include "cli/help/man_page.h"
+#include "cli/help/help_page.h"
 
 #include "text/ascii.h"
 
@@ -23,7 +23,7 @@ std::string roff(const std::string& text) {
     return out;
 }
 
-std::string entry_roff(const PageEntry& entry) {
+std::string entry_roff(const HelpEntry& entry) {
     std::string out = ".TP\n";
     for (std::size_t i = 0; i < entry.names.size(); ++i) {
         out += (i > 0 ? ", " : "") + ("\\fB" + roff(entry.names[i])) + "\\fR";
@@ -34,7 +34,7 @@ std::string entry_roff(const PageEntry& entry) {
     return out + '\n' + roff(entry.text) + '\n';
 }
 
-bool is_common(const PageSection& section) {
+bool is_common(const HelpSection& section) {
     return section.title == "Exit codes" || section.title == "Help";
 }
 
@@ -47,17 +47,17 @@ std::string examples_roff(const std::vector<Example>& examples) {
 }
 
 // What a verb adds; exit codes and help are the program's own sections.
-std::string verb_roff(const Page& page) {
+std::string verb_roff(const HelpPage& page) {
     std::string out = ".SS \"" + roff(page.usage) + "\"\n" + roff(page.summary) + '\n';
     for (const std::string& paragraph : page.paragraphs) {
         out += ".PP\n" + roff(paragraph) + '\n';
     }
-    for (const PageSection& section : page.sections) {
+    for (const HelpSection& section : page.sections) {
         if (is_common(section)) {
             continue;
         }
         out += ".PP\n\\fI" + roff(section.title) + "\\fR\n";
-        for (const PageEntry& entry : section.entries) {
+        for (const HelpEntry& entry : section.entries) {
             out += entry_roff(entry);
         }
     }
@@ -69,8 +69,8 @@ std::string verb_roff(const Page& page) {
 
 }  // namespace
 
-std::string man_page(const std::vector<Page>& pages, const std::string& version) {
-    const Page& program = pages.front();
+std::string manual_page(const std::vector<HelpPage>& pages, const std::string& version) {
+    const HelpPage& program = pages.front();
     std::string out = ".TH \"" + text::upper_case(program.command) + "\" 1 \"\" \"" + roff(version) + "\"\n";
     out += ".SH NAME\n" + roff(program.command) + " \\- " + roff(program.summary) + '\n';
     out += ".SH SYNOPSIS\n\\fB" + roff(program.usage) + "\\fR\n.SH DESCRIPTION\n";
@@ -81,12 +81,12 @@ std::string man_page(const std::vector<Page>& pages, const std::string& version)
     for (auto page = pages.begin() + 1; page != pages.end(); ++page) {
         out += verb_roff(*page);
     }
-    for (const PageSection& section : program.sections) {
+    for (const HelpSection& section : program.sections) {
         if (section.title == "Verbs") {
             continue;
         }
         out += ".SH \"" + text::upper_case(roff(section.title)) + "\"\n";
-        for (const PageEntry& entry : section.entries) {
+        for (const HelpEntry& entry : section.entries) {
             out += entry_roff(entry);
         }
     }
