@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "binary_file/image.h"
+#include "binary_file/binary_file.h"
 
 namespace binary_file {
 namespace {

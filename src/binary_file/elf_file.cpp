@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <map>
 
-#include "binary_file/image.h"
+#include "binary_file/binary_file.h"
 
 namespace binary_file {
 namespace {
@@ -49,7 +49,7 @@ class ElfReader {
   public:
     explicit ElfReader(const ByteView& file) : file_(file) {}
 
-    void read(Image& image) {
+    void read(BinaryImage& image) {
         wide_ = file_.u8(4) == 2;
         file_ = ByteView(file_.all(), file_.u8(5) == 2 ? ByteOrder::big : ByteOrder::little);
         image.is_64_bit = wide_;
@@ -133,7 +133,7 @@ class ElfReader {
         return values;
     }
 
-    void read_texts(const std::map<std::uint64_t, std::uint64_t>& values, Image& image) {
+    void read_texts(const std::map<std::uint64_t, std::uint64_t>& values, BinaryImage& image) {
         const auto texts = values.find(kTagTexts);
         if (texts == values.end()) {
             return;
@@ -180,7 +180,7 @@ class ElfReader {
         return last + 1;
     }
 
-    void read_symbols(const std::map<std::uint64_t, std::uint64_t>& values, Image& image) {
+    void read_symbols(const std::map<std::uint64_t, std::uint64_t>& values, BinaryImage& image) {
         const auto symbols = values.find(kTagSymbols);
         if (symbols == values.end()) {
             return;
@@ -214,8 +214,8 @@ bool is_elf_file(std::string_view bytes) {
     return bytes.substr(0, kMagic.size()) == kMagic;
 }
 
-Image read_elf_file(const ByteView& file) {
-    Image image;
+BinaryImage read_elf_file(const ByteView& file) {
+    BinaryImage image;
     image.container = Container::elf;
     image.kind = "file";
     try {

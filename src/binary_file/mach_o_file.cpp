@@ -1,6 +1,6 @@
 // Mach-O for one processor: the header, the load commands, and the symbols that are seen from outside.
 
-#include "binary_file/image.h"
+#include "binary_file/binary_file.h"
 
 namespace binary_file {
 namespace {
@@ -57,7 +57,7 @@ bool has_magic(const ByteView& file) {
     return file.size() >= 4 && (file.u32(0) == kMagic32 || file.u32(0) == kMagic64);
 }
 
-void read_symbols(const ByteView& file, const ByteView& command, Image& image) {
+void read_symbols(const ByteView& file, const ByteView& command, BinaryImage& image) {
     const std::uint64_t width = image.is_64_bit ? 16 : 12;
     const std::uint64_t count = command.u32(12);
     const ByteView rows = file.part(command.u32(8), count * width);
@@ -76,7 +76,7 @@ void read_symbols(const ByteView& file, const ByteView& command, Image& image) {
     }
 }
 
-void read_command(const ByteView& file, const ByteView& command, Image& image) {
+void read_command(const ByteView& file, const ByteView& command, BinaryImage& image) {
     switch (command.u32(0)) {
         case kLoad:
         case kLazyLoad:
@@ -102,7 +102,7 @@ void read_command(const ByteView& file, const ByteView& command, Image& image) {
     }
 }
 
-void read_image(const ByteView& slice, Image& image) {
+void read_image(const ByteView& slice, BinaryImage& image) {
     const ByteView file(
         slice.all(), has_magic(ByteView(slice.all(), ByteOrder::little)) ? ByteOrder::little : ByteOrder::big,
         slice.start_bytes());
@@ -130,8 +130,8 @@ bool is_mach_o_file(std::string_view bytes) {
     return has_magic(ByteView(bytes, ByteOrder::little)) || has_magic(ByteView(bytes, ByteOrder::big));
 }
 
-Image read_mach_o_file(const ByteView& file) {
-    Image image;
+BinaryImage read_mach_o_file(const ByteView& file) {
+    BinaryImage image;
     image.container = Container::mach_o;
     image.kind = "file";
     image.offset_bytes = file.start_bytes();

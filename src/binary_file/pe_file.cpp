@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "binary_file/image.h"
-#include "binary_file/pe_resources.h"
+#include "binary_file/binary_file.h"
+#include "binary_file/resources.h"
 
 namespace binary_file {
 namespace {
@@ -35,7 +35,7 @@ class PeReader {
   public:
     explicit PeReader(const ByteView& file) : file_(file) {}
 
-    void read(Image& image) {
+    void read(BinaryImage& image) {
         const std::uint64_t header = file_.u32(0x3C);
         if (file_.bytes(header, 4) != std::string_view("PE\0\0", 4)) {
             throw Damage(header, "the header of a portable executable is expected here");
@@ -83,7 +83,7 @@ class PeReader {
         throw Damage(sections_.start_bytes(), "no section holds the address " + std::to_string(address));
     }
 
-    void read_exports(Image& image) const {
+    void read_exports(BinaryImage& image) const {
         const std::uint64_t where = directory(kExports);
         if (where == 0) {
             return;
@@ -100,7 +100,8 @@ class PeReader {
     }
 
     /// Rows up to one without a name.
-    void read_imports(Image& image, Directory which, std::uint64_t row_bytes, std::uint64_t name_at) const {
+    void read_imports(BinaryImage& image, Directory which, std::uint64_t row_bytes,
+                      std::uint64_t name_at) const {
         const std::uint64_t where = directory(which);
         if (where == 0) {
             return;
@@ -127,8 +128,8 @@ bool is_pe_file(std::string_view bytes) {
     return bytes.substr(0, 2) == "MZ";
 }
 
-Image read_pe_file(const ByteView& file) {
-    Image image;
+BinaryImage read_pe_file(const ByteView& file) {
+    BinaryImage image;
     image.container = Container::pe;
     image.kind = "file";
     try {

@@ -13,7 +13,7 @@
 namespace binary_file {
 
 /// Windows stores numbers and four-character codes with their lowest byte first, after a word of its own.
-enum class PropertyForm { windows, macintosh };
+enum class PropertyForm { windows, macos };
 
 struct Property {
     std::string vendor;  ///< four characters in reading order: "8BIM"

@@ -1,6 +1,6 @@
 // The three containers: what is read from whole files, and that nothing else happens with broken ones.
 
-#include "binary_file/image.h"
+#include "binary_file/binary_file.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -14,8 +14,8 @@
 namespace {
 
 using binary_file::BinaryFile;
+using binary_file::BinaryImage;
 using binary_file::Container;
-using binary_file::Image;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
@@ -68,7 +68,7 @@ TEST(BinaryFile, SaysWhatAFileIs) {
         const std::optional<BinaryFile> file = binary_file::read_binary_file(one.bytes);
         ASSERT_TRUE(file.has_value());
         ASSERT_EQ(file->images.size(), 1U);
-        const Image& image = file->images.front();
+        const BinaryImage& image = file->images.front();
         EXPECT_FALSE(image.damage.has_value())
             << image.damage->what() << " @" << image.damage->offset_bytes();
         EXPECT_EQ(image.container, one.container);
@@ -84,17 +84,17 @@ TEST(BinaryFile, SaysWhatAFileIs) {
 TEST(BinaryFile, ReadsWhatIsNeededAndWhereItIsLookedFor) {
     const std::string elf_bytes =
         made_elf({.needed = {"libm.so.6", "liba.so"}, .run_path = "/a:$ORIGIN/b::c"});
-    const Image of_elf = binary_file::read_binary_file(elf_bytes)->images.front();
+    const BinaryImage of_elf = binary_file::read_binary_file(elf_bytes)->images.front();
     EXPECT_THAT(names_of(of_elf.needed), ElementsAre("libm.so.6", "liba.so"));
     EXPECT_THAT(of_elf.search_paths, ElementsAre("/a", "$ORIGIN/b", "", "c"));
 
     const std::string pe_bytes = made_pe({.needed = {"a.dll", "b.dll"}, .delayed = {"c.dll"}});
-    const Image of_pe = binary_file::read_binary_file(pe_bytes)->images.front();
+    const BinaryImage of_pe = binary_file::read_binary_file(pe_bytes)->images.front();
     EXPECT_THAT(names_of(of_pe.needed), ElementsAre("a.dll", "b.dll", "c.dll?"));
 
     const std::string mach_o_bytes = made_mach_o(
         {.has_signature = false, .needed = {"@rpath/a"}, .weak = {"/b"}, .run_paths = {"@loader_path"}});
-    const Image of_mach_o = binary_file::read_binary_file(mach_o_bytes)->images.front();
+    const BinaryImage of_mach_o = binary_file::read_binary_file(mach_o_bytes)->images.front();
     EXPECT_THAT(names_of(of_mach_o.needed), ElementsAre("@rpath/a", "/b?"));
     EXPECT_THAT(of_mach_o.search_paths, ElementsAre("@loader_path"));
     EXPECT_FALSE(of_mach_o.has_signature);
@@ -102,7 +102,7 @@ TEST(BinaryFile, ReadsWhatIsNeededAndWhereItIsLookedFor) {
 
 TEST(BinaryFile, AnElfFileWithoutDynamicPartIsNotLoadable) {
     const std::string bytes = made_elf({.dynamic = false});
-    const Image image = binary_file::read_binary_file(bytes)->images.front();
+    const BinaryImage image = binary_file::read_binary_file(bytes)->images.front();
     EXPECT_FALSE(image.damage.has_value());
     EXPECT_FALSE(image.loadable);
     EXPECT_THAT(image.exports, IsEmpty());
@@ -110,7 +110,7 @@ TEST(BinaryFile, AnElfFileWithoutDynamicPartIsNotLoadable) {
 
 TEST(BinaryFile, FindsThePropertiesOfAPeFileByTheirType) {
     const std::string bytes = made_pe({.resource_number = 7, .property_list = "abcd"});
-    const Image image = binary_file::read_binary_file(bytes)->images.front();
+    const BinaryImage image = binary_file::read_binary_file(bytes)->images.front();
     ASSERT_EQ(image.property_lists.size(), 1U);
     EXPECT_EQ(image.property_lists[0].number, 7U);
     EXPECT_EQ(image.property_lists[0].data.all(), "abcd");
@@ -164,7 +164,7 @@ TEST(BinaryFile, DamageIsToldWithItsPlace) {
     };
     for (const DamagedCase& one : cases) {
         SCOPED_TRACE(one.name);
-        const Image image = binary_file::read_binary_file(one.bytes)->images.front();
+        const BinaryImage image = binary_file::read_binary_file(one.bytes)->images.front();
         ASSERT_TRUE(image.damage.has_value());
         EXPECT_STREQ(image.damage->what(), one.reason);
         EXPECT_EQ(image.damage->offset_bytes(), one.offset_bytes);
@@ -178,7 +178,7 @@ std::size_t visited(const std::string& bytes) {
     if (!file) {
         return sum;
     }
-    for (const Image& image : file->images) {
+    for (const BinaryImage& image : file->images) {
         for (const std::string_view name : image.exports) {
             sum += std::string(name).size();
         }
@@ -228,7 +228,7 @@ TEST(BinaryFile, RealProgramsOfThisMachineAreRead) {
     const std::string bytes = content_of("/bin/ls");
     const std::optional<BinaryFile> file = binary_file::read_binary_file(bytes);
     ASSERT_TRUE(file.has_value());
-    const Image& image = file->images.front();
+    const BinaryImage& image = file->images.front();
     EXPECT_FALSE(image.damage.has_value());
     EXPECT_EQ(image.container, Container::elf);
     EXPECT_EQ(image.kind, "program");

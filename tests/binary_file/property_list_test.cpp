@@ -8,7 +8,7 @@
 #include <string>
 
 #include "binary_file/info_plist.h"
-#include "binary_file/resource_fork.h"
+#include "binary_file/resources.h"
 #include "support/made_binary.h"
 
 namespace {
@@ -24,7 +24,7 @@ using ::testing::IsEmpty;
 
 PropertyList read(const std::string& bytes, bool windows = true) {
     return binary_file::read_property_list(ByteView(bytes),
-                                           windows ? PropertyForm::windows : PropertyForm::macintosh);
+                                           windows ? PropertyForm::windows : PropertyForm::macos);
 }
 
 TEST(PropertyListReader, BothFormsSayTheSame) {

@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "cli/doctor/doctor_codes.h"
-#include "cli/doctor/doctor_report.h"
-#include "cli/doctor/examination.h"
-#include "cli/doctor/trial_json.h"
+#include "cli/doctor/diagnosis.h"
+#include "cli/doctor/finding.h"
+#include "cli/doctor/inspection.h"
+#include "cli/doctor/load_test.h"
 #include "cli/made_bundle.h"
 #include "support/made_binary.h"
 #include "support/temporary_folder.h"
@@ -19,31 +19,31 @@ namespace {
 using cli::ExitCode;
 using cli::doctor::Answer;
 using cli::doctor::Diagnosis;
-using cli::doctor::Trial;
-using cli::doctor::TrialEnd;
+using cli::doctor::LoadOutcome;
+using cli::doctor::LoadTest;
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 /// A host in which everything is listed: loading has tests of its own.
-Trial listed(const std::string&, embedded::HostGeneration generation) {
-    return {embedded::generation_label(generation), TrialEnd::listed, "", {{"importer", "x", {".x"}}}, {}};
+LoadTest listed(const std::string&, embedded::HostGeneration generation) {
+    return {embedded::generation_label(generation), LoadOutcome::listed, "", {{"importer", "x", {".x"}}}, {}};
 }
 
 std::vector<std::string> codes_of(const Diagnosis& diagnosis) {
     std::vector<std::string> codes;
     for (const cli::Diagnostic& finding : diagnosis.findings) {
-        codes.push_back(finding.code.name());
+        codes.push_back(finding.code);
     }
     return codes;
 }
 
 Answer answer(const Diagnosis& diagnosis, const std::string& platform, const std::string& generation) {
-    for (const cli::doctor::Verdict& verdict : diagnosis.verdicts) {
-        if (verdict.platform == platform && verdict.generation == generation) {
-            return verdict.answer;
+    for (const cli::doctor::Compatibility& host : diagnosis.compatibility) {
+        if (host.platform == platform && host.generation == generation) {
+            return host.answer;
         }
     }
-    ADD_FAILURE() << "no verdict for " << platform << ", " << generation;
+    ADD_FAILURE() << "no host for " << platform << ", " << generation;
     return Answer::no;
 }
 
@@ -225,12 +225,12 @@ TEST(Doctor, WindowsFiles) {
     for (const Case& one : cases) {
         SCOPED_TRACE(one.name);
         const TemporaryFolder folder;
-        const Diagnosis diagnosis = cli::doctor::examine(folder.write(one.file_name, one.bytes), listed);
+        const Diagnosis diagnosis = cli::doctor::inspect(folder.write(one.file_name, one.bytes), listed);
         EXPECT_EQ(diagnosis.code, one.code);
         EXPECT_EQ(answer(diagnosis, "windows", "today"), one.today);
         EXPECT_EQ(answer(diagnosis, "macintosh", "today"), Answer::no);
         EXPECT_EQ(codes_of(diagnosis), one.findings);
-        EXPECT_THAT(diagnosis.trials, IsEmpty()) << "nothing of it is loaded here";
+        EXPECT_THAT(diagnosis.load_tests, IsEmpty()) << "nothing of it is loaded here";
     }
 }
 
@@ -238,7 +238,7 @@ TEST(Doctor, ALibraryBesideAWindowsFileIsNoHelp) {
     const TemporaryFolder folder;
     folder.write("other.dll", "");
     const Diagnosis diagnosis =
-        cli::doctor::examine(folder.write("a.aex", made_pe({.needed = {"other.dll"}})), listed);
+        cli::doctor::inspect(folder.write("a.aex", made_pe({.needed = {"other.dll"}})), listed);
     EXPECT_THAT(codes_of(diagnosis), ElementsAre("library-elsewhere"));
     EXPECT_EQ(
         diagnosis.findings[0].reason,
@@ -393,7 +393,7 @@ TEST(Doctor, MacintoshFolders) {
     for (const PluginCase& one : cases) {
         SCOPED_TRACE(one.name);
         const TemporaryFolder folder;
-        const Diagnosis diagnosis = cli::doctor::examine(write_plugin(folder, one.plugin), listed);
+        const Diagnosis diagnosis = cli::doctor::inspect(write_plugin(folder, one.plugin), listed);
         EXPECT_EQ(diagnosis.code, one.code);
         EXPECT_EQ(answer(diagnosis, "macintosh", "today"), one.today);
         EXPECT_EQ(codes_of(diagnosis), one.findings);
@@ -418,7 +418,7 @@ TEST(Doctor, OtherPaths) {
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
-        const Diagnosis diagnosis = cli::doctor::examine(one.path, listed);
+        const Diagnosis diagnosis = cli::doctor::inspect(one.path, listed);
         EXPECT_EQ(diagnosis.code, one.code);
         EXPECT_THAT(codes_of(diagnosis), ElementsAre(one.finding));
     }
@@ -445,7 +445,7 @@ TEST(Doctor, LibrariesOfALinuxFileAreLookedForAsTheLoaderDoes) {
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
-        const Diagnosis diagnosis = cli::doctor::examine(folder.write("a.so", made_elf(one.elf)), listed);
+        const Diagnosis diagnosis = cli::doctor::inspect(folder.write("a.so", made_elf(one.elf)), listed);
         EXPECT_EQ(codes_of(diagnosis), one.findings);
         EXPECT_EQ(answer(diagnosis, "embedded", "today"), Answer::yes);
     }
@@ -454,8 +454,8 @@ TEST(Doctor, LibrariesOfALinuxFileAreLookedForAsTheLoaderDoes) {
 TEST(Doctor, WhatIsNoPlugInIsNotLoaded) {
     const TemporaryFolder folder;
     int loaded = 0;
-    const cli::doctor::TryIt counting = [&loaded](const std::string& path,
-                                                  embedded::HostGeneration generation) {
+    const cli::doctor::RunLoadTest counting = [&loaded](const std::string& path,
+                                                        embedded::HostGeneration generation) {
         ++loaded;
         return listed(path, generation);
     };
@@ -465,13 +465,13 @@ TEST(Doctor, WhatIsNoPlugInIsNotLoaded) {
         {made_elf({.dynamic = false}), "wrong-kind"},
     };
     for (const auto& [bytes, finding] : cases) {
-        const Diagnosis diagnosis = cli::doctor::examine(folder.write("a.so", bytes), counting);
+        const Diagnosis diagnosis = cli::doctor::inspect(folder.write("a.so", bytes), counting);
         EXPECT_THAT(codes_of(diagnosis), ElementsAre(finding));
         EXPECT_EQ(answer(diagnosis, "embedded", "classic"), Answer::no);
         EXPECT_EQ(diagnosis.code, ExitCode::refused);
     }
     EXPECT_EQ(loaded, 0);
-    cli::doctor::examine(folder.write("a.so", made_elf()), counting);
+    EXPECT_EQ(cli::doctor::inspect(folder.write("a.so", made_elf()), counting).code, ExitCode::fine);
     EXPECT_EQ(loaded, 2);
 }
 
@@ -479,22 +479,22 @@ TEST(Doctor, EveryEndOfATrialIsAFinding) {
     const TemporaryFolder folder;
     const std::string path = folder.write("a.so", made_elf());
     const struct {
-        TrialEnd end;
+        LoadOutcome end;
         const char* finding;
         Answer answer;
         std::size_t findings;  ///< what the system does not load is told once
     } cases[] = {
-        {TrialEnd::listed, "registers-nothing", Answer::yes, 2},
-        {TrialEnd::failed, "entry-failed", Answer::no, 2},
-        {TrialEnd::not_loadable, "not-loadable", Answer::no, 1},
-        {TrialEnd::crashed, "load-crashed", Answer::no, 2},
-        {TrialEnd::timed_out, "load-timed-out", Answer::no, 2},
+        {LoadOutcome::listed, "registers-nothing", Answer::yes, 2},
+        {LoadOutcome::failed, "entry-failed", Answer::no, 2},
+        {LoadOutcome::not_loadable, "not-loadable", Answer::no, 1},
+        {LoadOutcome::crashed, "load-crashed", Answer::no, 2},
+        {LoadOutcome::timed_out, "load-timed-out", Answer::no, 2},
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.finding);
         const Diagnosis diagnosis =
-            cli::doctor::examine(path, [&](const std::string&, embedded::HostGeneration generation) {
-                return Trial{embedded::generation_label(generation), one.end, "why", {}, {"word"}};
+            cli::doctor::inspect(path, [&](const std::string&, embedded::HostGeneration generation) {
+                return LoadTest{embedded::generation_label(generation), one.end, "why", {}, {"word"}};
             });
         EXPECT_EQ(codes_of(diagnosis), std::vector<std::string>(one.findings, one.finding));
         EXPECT_EQ(diagnosis.findings[0].effects.front(), "it said: word");
@@ -509,33 +509,33 @@ TEST(Doctor, DamagedBundlesAreReportedWhereverTheyAreDamaged) {
     const std::string whole = made_pe();
     for (std::size_t size = 0; size < whole.size(); size += 3) {
         const Diagnosis diagnosis =
-            cli::doctor::examine(folder.write("a.aex", whole.substr(0, size)), listed);
+            cli::doctor::inspect(folder.write("a.aex", whole.substr(0, size)), listed);
         EXPECT_EQ(diagnosis.code, ExitCode::refused) << size;
         EXPECT_FALSE(cli::doctor::diagnosis_document(diagnosis).empty());
     }
     for (std::size_t at = 0; at < whole.size(); ++at) {
         std::string changed = whole;
         changed[at] = static_cast<char>(~static_cast<unsigned char>(changed[at]));
-        const Diagnosis diagnosis = cli::doctor::examine(folder.write("a.aex", changed), listed);
+        const Diagnosis diagnosis = cli::doctor::inspect(folder.write("a.aex", changed), listed);
         EXPECT_EQ(diagnosis.code == ExitCode::refused, diagnosis.first_error().has_value()) << at;
         EXPECT_FALSE(cli::doctor::diagnosis_text(diagnosis, cli::Paint()).empty());
     }
 }
 
 TEST(Doctor, ATrialPassesThroughItsLine) {
-    const Trial trial{"today",
-                      TrialEnd::failed,
-                      "why \"not\"",
-                      {{"importer", "n\xC3\xA4me", {".a", ".b"}}, {"input module", "", {}}},
-                      {"one", "two"}};
-    const std::string line = cli::doctor::trial_line(trial);
+    const LoadTest load_test{"today",
+                             LoadOutcome::failed,
+                             "why \"not\"",
+                             {{"importer", "n\xC3\xA4me", {".a", ".b"}}, {"input module", "", {}}},
+                             {"one", "two"}};
+    const std::string line = cli::doctor::load_test_line(load_test);
     EXPECT_EQ(line.find('\n'), line.size() - 1);
-    const std::optional<Trial> back = cli::doctor::read_trial_line(line);
+    const std::optional<LoadTest> back = cli::doctor::read_load_test_line(line);
     ASSERT_TRUE(back.has_value());
-    EXPECT_EQ(cli::doctor::trial_line(*back), line);
+    EXPECT_EQ(cli::doctor::load_test_line(*back), line);
     for (const char* const other : {"", "{}", "[1]", "text", "{\"generation\":\"today\",\"end\":\"other\"}",
                                     "{\"generation\":1,\"end\":\"listed\"}"}) {
-        EXPECT_FALSE(cli::doctor::read_trial_line(other).has_value()) << other;
+        EXPECT_FALSE(cli::doctor::read_load_test_line(other).has_value()) << other;
     }
 }
 

@@ -9,7 +9,7 @@
 #include <string>
 #include <vector>
 
-#include "binary_file/image.h"
+#include "binary_file/binary_file.h"
 #include "support/child_process.h"
 #include "support/file_content.h"
 #include "support/made_texture.h"

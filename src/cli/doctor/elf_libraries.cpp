@@ -1,5 +1,3 @@
-#include "cli/doctor/elf_libraries.h"
-
 #include <array>
 #include <cstdio>
 #include <cstdlib>
@@ -10,6 +8,7 @@
 #include <vector>
 
 #include "cli/doctor/bundle_files.h"
+#include "cli/doctor/needed_libraries.h"
 #include "system/open_regular_file.h"
 
 namespace cli::doctor {
@@ -97,7 +96,7 @@ std::string with_origin(std::string folder, const std::string& origin) {
     return folder;
 }
 
-bool is_library_for(const binary_file::Image& image, const std::string& path) {
+bool is_library_for(const binary_file::BinaryImage& image, const std::string& path) {
     const os::InputFile in = os::open_input_file(path);
     if (in == nullptr) {
         return false;
@@ -108,13 +107,14 @@ bool is_library_for(const binary_file::Image& image, const std::string& path) {
     if (!binary_file::is_elf_file(bytes)) {
         return false;
     }
-    const binary_file::Image other = binary_file::read_elf_file(binary_file::ByteView(bytes));
+    const binary_file::BinaryImage other = binary_file::read_elf_file(binary_file::ByteView(bytes));
     return other.processor == image.processor && other.is_64_bit == image.is_64_bit;
 }
 
 }  // namespace
 
-bool has_elf_library(const std::string& binary, const binary_file::Image& image, std::string_view name) {
+bool has_elf_library(const std::string& binary, const binary_file::BinaryImage& image,
+                     std::string_view name) {
     static const bool kElfSystem = is_elf_system();
     if (!kElfSystem) {
         return true;

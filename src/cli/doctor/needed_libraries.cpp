@@ -5,16 +5,15 @@
 #include <set>
 
 #include "cli/doctor/bundle_files.h"
-#include "cli/doctor/doctor_codes.h"
-#include "cli/doctor/elf_libraries.h"
+#include "cli/doctor/finding.h"
 #include "text/ascii.h"
 #include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
 
+using binary_file::BinaryImage;
 using binary_file::Container;
-using binary_file::Image;
 using binary_file::NeededLibrary;
 
 enum class Where { there, elsewhere, missing };
@@ -61,7 +60,7 @@ Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& librar
 }
 
 /// @loader_path is the folder of the plug-in's own file; @rpath each of its search paths.
-Lookup look_up_on_macintosh(const std::string& binary, const Image& image, const NeededLibrary& library) {
+Lookup look_up_on_macos(const std::string& binary, const BinaryImage& image, const NeededLibrary& library) {
     const std::string path(library.name);
     if (begins_with(path, "/usr/lib/") || begins_with(path, "/System/")) {
         return {};
@@ -95,7 +94,7 @@ class LibraryChecks {
   public:
     LibraryChecks(const std::string& binary, Diagnosis& diagnosis) : binary_(binary), diagnosis_(diagnosis) {}
 
-    void check(const Image& image) {
+    void check(const BinaryImage& image) {
         for (const NeededLibrary& library : image.needed) {
             const Lookup lookup = look_up(image, library);
             if (lookup.where == Where::there || !told_.insert(library.name).second) {
@@ -109,12 +108,12 @@ class LibraryChecks {
     }
 
   private:
-    [[nodiscard]] Lookup look_up(const Image& image, const NeededLibrary& library) const {
+    [[nodiscard]] Lookup look_up(const BinaryImage& image, const NeededLibrary& library) const {
         switch (image.container) {
             case Container::pe:
                 return look_up_on_windows(binary_, library);
             case Container::mach_o:
-                return look_up_on_macintosh(binary_, image, library);
+                return look_up_on_macos(binary_, image, library);
             case Container::elf:
                 break;
         }
@@ -130,10 +129,10 @@ class LibraryChecks {
 
 }  // namespace
 
-void check_needed_libraries(const std::string& binary, const std::vector<Image>& images,
+void check_needed_libraries(const std::string& binary, const std::vector<BinaryImage>& images,
                             Diagnosis& diagnosis) {
     LibraryChecks checks(binary, diagnosis);
-    for (const Image& image : images) {
+    for (const BinaryImage& image : images) {
         checks.check(image);
     }
 }

@@ -1,14 +1,15 @@
 #include "cli/doctor/property_checks.h"
 
 #include <algorithm>
+#include <span>
 
-#include "cli/doctor/doctor_codes.h"
+#include "cli/doctor/finding.h"
 #include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
 
-using binary_file::Image;
+using binary_file::BinaryImage;
 using binary_file::Property;
 using binary_file::PropertyForm;
 using binary_file::PropertyList;
@@ -16,11 +17,16 @@ using binary_file::PropertyList;
 constexpr std::uint32_t kNumber = 16000;
 constexpr std::uint32_t kVersion = 3U << 16U;
 
+/// The code that a key of the property list stands for.
+struct NamedCode {
+    const char* key;        ///< "8664", "mi64", "ma64"
+    const char* processor;  ///< as BinaryImage::processor
+};
 constexpr NamedCode kWindowsCode[] = {{"8664", "x86-64"}};
-constexpr NamedCode kMacintoshCode[] = {{"mi64", "x86-64"}, {"ma64", "arm64"}};
+constexpr NamedCode kMacosCode[] = {{"mi64", "x86-64"}, {"ma64", "arm64"}};
 
 std::span<const NamedCode> code_keys(PropertyForm form) {
-    return form == PropertyForm::windows ? std::span<const NamedCode>(kWindowsCode) : kMacintoshCode;
+    return form == PropertyForm::windows ? std::span<const NamedCode>(kWindowsCode) : kMacosCode;
 }
 
 std::string version_text(std::uint32_t version) {
@@ -58,7 +64,7 @@ class PropertyChecks {
                    Diagnosis& diagnosis)
         : file_(file), list_(list), offset_bytes_(offset_bytes), diagnosis_(diagnosis) {}
 
-    void check(PropertyForm form, const std::vector<Image>& images) {
+    void check(PropertyForm form, const std::vector<BinaryImage>& images) {
         check_kind();
         check_text("name", "the name in the host's menus");
         check_text("catg", "the category");
@@ -70,7 +76,7 @@ class PropertyChecks {
         }
         check_version();
         for (const NamedCode& code : code_keys(form)) {
-            const auto image = std::find_if(images.begin(), images.end(), [&](const Image& one) {
+            const auto image = std::find_if(images.begin(), images.end(), [&](const BinaryImage& one) {
                 return one.processor == code.processor;
             });
             if (image != images.end()) {
@@ -123,7 +129,7 @@ class PropertyChecks {
         }
     }
 
-    void check_entry(const NamedCode& code, const Image& image) {
+    void check_entry(const NamedCode& code, const BinaryImage& image) {
         const Property* entry =
             required(code.key, "the function that is called first in the code for " + image.processor);
         if (entry == nullptr) {
@@ -149,7 +155,7 @@ class PropertyChecks {
 }  // namespace
 
 void check_properties(const std::string& file, const std::vector<binary_file::Resource>& resources,
-                      PropertyForm form, const std::vector<Image>& images, Diagnosis& diagnosis) {
+                      PropertyForm form, const std::vector<BinaryImage>& images, Diagnosis& diagnosis) {
     if (resources.empty()) {
         diagnosis.findings.push_back(
             found(Finding::no_properties, {file}, "there is no resource of the type PiPL"));

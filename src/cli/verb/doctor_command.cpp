@@ -2,11 +2,10 @@
 #include <ostream>
 #include <string>
 
-#include "cli/doctor/doctor_codes.h"
-#include "cli/doctor/doctor_report.h"
-#include "cli/doctor/examination.h"
-#include "cli/doctor/trial.h"
-#include "cli/doctor/trial_json.h"
+#include "cli/doctor/diagnosis.h"
+#include "cli/doctor/finding.h"
+#include "cli/doctor/inspection.h"
+#include "cli/doctor/load_test.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
 #include "cli/terminal/terminal.h"
@@ -59,12 +58,12 @@ class DoctorCommand : public Command {
         if (!load_.empty()) {
             const auto generation =
                 load_ == "today" ? embedded::HostGeneration::today : embedded::HostGeneration::classic;
-            terminal.out << doctor::trial_line(doctor::try_here(bundle_, generation));
+            terminal.out << doctor::load_test_line(doctor::load_here(bundle_, generation));
             return ExitCode::fine;
         }
         const doctor::Diagnosis diagnosis =
-            doctor::examine(bundle_, [this](const std::string& binary, embedded::HostGeneration generation) {
-                return doctor::try_apart(binary, generation, std::chrono::seconds(timeout_s_));
+            doctor::inspect(bundle_, [this](const std::string& binary, embedded::HostGeneration generation) {
+                return doctor::load_apart(binary, generation, std::chrono::seconds(timeout_s_));
             });
         terminal.out << (json_ ? doctor::diagnosis_document(diagnosis)
                                : doctor::diagnosis_text(diagnosis, terminal.out_paint));

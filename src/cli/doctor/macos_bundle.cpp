@@ -1,19 +1,19 @@
-#include "cli/doctor/macintosh_bundle.h"
+#include "cli/doctor/macos_bundle.h"
 
 #include <algorithm>
 
 #include "binary_file/info_plist.h"
 #include "binary_file/property_list.h"
-#include "binary_file/resource_fork.h"
+#include "binary_file/resources.h"
 #include "cli/doctor/bundle_files.h"
-#include "cli/doctor/doctor_codes.h"
+#include "cli/doctor/finding.h"
 #include "cli/doctor/property_checks.h"
 #include "text/printable.h"
 
 namespace cli::doctor {
 namespace {
 
-using binary_file::Image;
+using binary_file::BinaryImage;
 using binary_file::InfoPlist;
 
 struct RequiredText {
@@ -23,13 +23,13 @@ struct RequiredText {
 constexpr RequiredText kRequired[] = {{"CFBundlePackageType", "AEgx"}, {"CFBundleSignature", "FXTC"}};
 constexpr const char* kExecutable = "CFBundleExecutable";
 
-class MacintoshChecks {
+class MacosChecks {
   public:
-    explicit MacintoshChecks(Diagnosis& diagnosis) : diagnosis_(diagnosis) {}
+    explicit MacosChecks(Diagnosis& diagnosis) : diagnosis_(diagnosis) {}
 
-    MacintoshBundle open() {
+    MacosBundle open() {
         const std::string& folder = diagnosis_.bundle;
-        MacintoshBundle bundle;
+        MacosBundle bundle;
         bundle.contents = folder.substr(0, folder.find_last_not_of('/') + 1) + "/Contents";
         if (path_kind(bundle.contents) != PathKind::folder) {
             add(Finding::not_a_bundle, {folder}, "the folder has no folder Contents, so it is no bundle");
@@ -54,10 +54,11 @@ class MacintoshChecks {
         return bundle;
     }
 
-    void check_processors(const std::string& binary, const std::vector<Image>& images) {
+    void check_processors(const std::string& binary, const std::vector<BinaryImage>& images) {
         const auto has = [&images](const char* processor) {
-            return std::any_of(images.begin(), images.end(),
-                               [processor](const Image& image) { return image.processor == processor; });
+            return std::any_of(images.begin(), images.end(), [processor](const BinaryImage& image) {
+                return image.processor == processor;
+            });
         };
         if (images.empty() || images.front().container != binary_file::Container::mach_o) {
             add(Finding::wrong_kind, {binary}, "the code in the bundle is not Mach-O");
@@ -71,7 +72,7 @@ class MacintoshChecks {
         }
     }
 
-    void check_resources(const MacintoshBundle& bundle, const std::vector<Image>& images) {
+    void check_resources(const MacosBundle& bundle, const std::vector<BinaryImage>& images) {
         const std::string folder = bundle.contents + "/Resources";
         std::string path = folder + '/' + bundle.name + ".rsrc";
         if (path_kind(path) == PathKind::missing) {
@@ -91,7 +92,7 @@ class MacintoshChecks {
         }
         try {
             check_properties(path, binary_file::resource_fork(*file.bytes, "PiPL"),
-                             binary_file::PropertyForm::macintosh, images, diagnosis_);
+                             binary_file::PropertyForm::macos, images, diagnosis_);
         } catch (const binary_file::Damage& damage) {
             add(Finding::properties_damaged, {path, static_cast<std::int64_t>(damage.offset_bytes())},
                 damage.what());
@@ -146,13 +147,13 @@ class MacintoshChecks {
 
 }  // namespace
 
-MacintoshBundle open_macintosh_bundle(Diagnosis& diagnosis) {
-    return MacintoshChecks(diagnosis).open();
+MacosBundle open_macos_bundle(Diagnosis& diagnosis) {
+    return MacosChecks(diagnosis).open();
 }
 
-void check_macintosh_bundle(const MacintoshBundle& bundle, const std::vector<Image>& images,
-                            Diagnosis& diagnosis) {
-    MacintoshChecks checks(diagnosis);
+void check_macos_bundle(const MacosBundle& bundle, const std::vector<BinaryImage>& images,
+                        Diagnosis& diagnosis) {
+    MacosChecks checks(diagnosis);
     checks.check_processors(bundle.binary, images);
     checks.check_resources(bundle, images);
 }

@@ -1,10 +1,9 @@
-#include "cli/doctor/trial.h"
+#include "cli/doctor/load_test.h"
 
 #include <csignal>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
-#include "cli/doctor/trial_json.h"
 #include "cli/terminal/child_process.h"
 #include "embedded/host.h"
 #include "system/files.h"
@@ -51,9 +50,9 @@ std::vector<std::string> last_lines(const std::string& text) {
 
 }  // namespace
 
-Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
-    Trial trial;
-    trial.generation = embedded::generation_label(generation);
+LoadTest load_here(const std::string& bundle, embedded::HostGeneration generation) {
+    LoadTest load_test;
+    load_test.generation = embedded::generation_label(generation);
     // Whoever watches this process is to see the bundle's own end, not one that a sanitizer makes of it.
     for (const int crash : {SIGSEGV, SIGFPE, SIGILL}) {
         std::signal(crash, SIG_DFL);
@@ -62,22 +61,22 @@ Trial try_here(const std::string& bundle, embedded::HostGeneration generation) {
     options.generation = generation;
     embedded::Host host(options);
     const embedded::LoadResult loaded = host.load(os::path_of(bundle));
-    trial.registered = registrations_of(host);
+    load_test.registered = registrations_of(host);
     host.unload();
     for (const embedded::Message& message : host.messages()) {
-        trial.messages.push_back(message.text);
+        load_test.messages.push_back(message.text);
     }
     if (loaded.ok()) {
-        trial.end = TrialEnd::listed;
+        load_test.end = LoadOutcome::listed;
     } else {
-        trial.end = loaded.entry.code == kHostErrorNone ? TrialEnd::not_loadable : TrialEnd::failed;
-        trial.reason = loaded.error;
+        load_test.end = loaded.entry.code == kHostErrorNone ? LoadOutcome::not_loadable : LoadOutcome::failed;
+        load_test.reason = loaded.error;
     }
-    return trial;
+    return load_test;
 }
 
-Trial try_apart(const std::string& bundle, embedded::HostGeneration generation,
-                std::chrono::seconds longest) {
+LoadTest load_apart(const std::string& bundle, embedded::HostGeneration generation,
+                    std::chrono::seconds longest) {
     const std::string word = embedded::generation_label(generation);
     const ChildResult child =
         run_child(os::program_path(), {"doctor", "--load", word, "--", bundle}, longest);
@@ -86,22 +85,22 @@ Trial try_apart(const std::string& bundle, embedded::HostGeneration generation,
     }
     // Whatever else the bundle wrote comes before.
     const std::vector<std::string> lines = last_lines(child.out);
-    const std::optional<Trial> told = lines.empty() ? std::nullopt : read_trial_line(lines.back());
+    const std::optional<LoadTest> told = lines.empty() ? std::nullopt : read_load_test_line(lines.back());
     if (told && child.exit_code == 0) {
         return *told;
     }
-    Trial trial;
-    trial.generation = word;
-    trial.messages = last_lines(child.err);
+    LoadTest load_test;
+    load_test.generation = word;
+    load_test.messages = last_lines(child.err);
     if (child.timed_out) {
-        trial.end = TrialEnd::timed_out;
-        trial.reason =
+        load_test.end = LoadOutcome::timed_out;
+        load_test.reason =
             "the process that loaded it had not ended after " + std::to_string(longest.count()) + " s";
-        return trial;
+        return load_test;
     }
-    trial.end = TrialEnd::crashed;
-    trial.reason = crash_reason(child);
-    return trial;
+    load_test.end = LoadOutcome::crashed;
+    load_test.reason = crash_reason(child);
+    return load_test;
 }
 
 }  // namespace cli::doctor

@@ -25,7 +25,7 @@ struct Resource {
 };
 
 /// The code for one processor in a binary file. Views lead into the bytes that were read.
-struct Image {
+struct BinaryImage {
     Container container = Container::elf;
     std::uint64_t offset_bytes = 0;  ///< in the file; not 0 in universal files only
     std::string processor;           ///< "x86-64", "i386", "arm64", ...; "processor 0x1234"
@@ -42,7 +42,7 @@ struct Image {
 
 struct BinaryFile {
     bool universal = false;
-    std::vector<Image> images;  ///< one; in a universal file one a processor
+    std::vector<BinaryImage> images;  ///< one; in a universal file one a processor
     std::optional<Damage> damage;
 };
 
@@ -51,9 +51,9 @@ struct BinaryFile {
 std::optional<BinaryFile> read_binary_file(std::string_view bytes);
 
 // The readers of one container. `file` begins with the container's own header.
-Image read_elf_file(const ByteView& file);
-Image read_pe_file(const ByteView& file);
-Image read_mach_o_file(const ByteView& file);
+BinaryImage read_elf_file(const ByteView& file);
+BinaryImage read_pe_file(const ByteView& file);
+BinaryImage read_mach_o_file(const ByteView& file);
 
 /// The first bytes say so; the rest may be damaged.
 bool is_elf_file(std::string_view bytes);

@@ -1,10 +1,9 @@
-#include "cli/doctor/trial_json.h"
-
 #include <algorithm>
 #include <array>
 #include <iterator>
 #include <nlohmann/json.hpp>
 
+#include "cli/doctor/load_test.h"
 #include "embedded/json_values.h"
 
 namespace cli::doctor {
@@ -38,41 +37,41 @@ std::vector<std::string> texts_of(const Json& json) {
 
 }  // namespace
 
-Json trial_json(const Trial& trial) {
+Json load_test_json(const LoadTest& load_test) {
     Json registered = Json::array();
-    for (const Registration& one : trial.registered) {
+    for (const Registration& one : load_test.registered) {
         registered.push_back(Json{{"kind", one.kind},
                                   {"name", embedded::json_text(one.name)},
                                   {"extensions", texts(one.extensions)}});
     }
-    return Json{{"generation", trial.generation},
-                {"end", kEnds[static_cast<std::size_t>(trial.end)]},
-                {"reason", embedded::json_text(trial.reason)},
+    return Json{{"generation", load_test.generation},
+                {"end", kEnds[static_cast<std::size_t>(load_test.end)]},
+                {"reason", embedded::json_text(load_test.reason)},
                 {"registered", registered},
-                {"messages", texts(trial.messages)}};
+                {"messages", texts(load_test.messages)}};
 }
 
-std::string trial_line(const Trial& trial) {
-    return trial_json(trial).dump() + '\n';
+std::string load_test_line(const LoadTest& load_test) {
+    return load_test_json(load_test).dump() + '\n';
 }
 
-std::optional<Trial> read_trial_line(const std::string& line) {
+std::optional<LoadTest> read_load_test_line(const std::string& line) {
     try {
         const Json json = Json::parse(line);
-        Trial trial;
-        trial.generation = json.at("generation");
+        LoadTest load_test;
+        load_test.generation = json.at("generation");
         const auto* const end = std::find(kEnds.begin(), kEnds.end(), json.at("end").get<std::string>());
         if (end == kEnds.end()) {
             return std::nullopt;
         }
-        trial.end = static_cast<TrialEnd>(std::distance(kEnds.begin(), end));
-        trial.reason = text_of(json.at("reason"));
+        load_test.end = static_cast<LoadOutcome>(std::distance(kEnds.begin(), end));
+        load_test.reason = text_of(json.at("reason"));
         for (const Json& one : json.at("registered")) {
-            trial.registered.push_back(
+            load_test.registered.push_back(
                 {one.at("kind"), text_of(one.at("name")), texts_of(one.at("extensions"))});
         }
-        trial.messages = texts_of(json.at("messages"));
-        return trial;
+        load_test.messages = texts_of(json.at("messages"));
+        return load_test;
     } catch (const Json::exception&) {
         return std::nullopt;
     }

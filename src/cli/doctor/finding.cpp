@@ -1,4 +1,4 @@
-#include "cli/doctor/doctor_codes.h"
+#include "cli/doctor/finding.h"
 
 #include <algorithm>
 #include <array>

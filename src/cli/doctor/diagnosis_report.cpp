@@ -1,9 +1,9 @@
-#include "cli/doctor/doctor_report.h"
+#include "cli/doctor/diagnosis.h"
 
 #include <nlohmann/json.hpp>
 
 #include "cli/doctor/bundle_files.h"
-#include "cli/doctor/trial_json.h"
+#include "cli/doctor/load_test.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/text_table.h"
 #include "embedded/json_values.h"
@@ -16,11 +16,11 @@ using Json = nlohmann::ordered_json;
 
 constexpr int kDoctorSchema = 1;
 
-std::string host_words(const Verdict& verdict) {
-    const std::string place = verdict.platform == "windows"     ? "Windows"
-                              : verdict.platform == "macintosh" ? "Macintosh"
-                                                                : "embedded host";
-    return place + ", " + verdict.generation;
+std::string host_words(const Compatibility& host) {
+    const std::string place = host.platform == "windows"     ? "Windows"
+                              : host.platform == "macintosh" ? "Macintosh"
+                                                             : "embedded host";
+    return place + ", " + host.generation;
 }
 
 Cell answer_cell(Answer answer) {
@@ -43,11 +43,11 @@ std::string joined(const std::vector<std::string>& words) {
     return text.empty() ? "none" : text;
 }
 
-std::string verdicts_text(const Diagnosis& diagnosis, const Paint& paint) {
+std::string compatibility_text(const Diagnosis& diagnosis, const Paint& paint) {
     TextTable table;
     table.add({{"host", Ink::bold}, {"lists it", Ink::bold}, {"because", Ink::bold}});
-    for (const Verdict& verdict : diagnosis.verdicts) {
-        table.add({{host_words(verdict)}, answer_cell(verdict.answer), {text::printable(verdict.reason)}});
+    for (const Compatibility& host : diagnosis.compatibility) {
+        table.add({{host_words(host)}, answer_cell(host.answer), {text::printable(host.reason)}});
     }
     std::string text;
     for (const std::string& line : table.lines(paint)) {
@@ -56,7 +56,7 @@ std::string verdicts_text(const Diagnosis& diagnosis, const Paint& paint) {
     return text;
 }
 
-std::string image_text(const ImageFacts& image) {
+std::string image_text(const BinaryFacts& image) {
     return "  code        " + image.container + ' ' + image.kind + ", " + image.processor +
            (image.offset_bytes > 0 ? ", at byte " + std::to_string(image.offset_bytes) : std::string()) +
            '\n' + "    exports   " + joined(image.entries) + "; " + std::to_string(image.export_count) +
@@ -73,13 +73,13 @@ std::string property_list_text(const PropertyListFacts& list) {
     return text;
 }
 
-std::string trial_text(const Trial& trial) {
+std::string load_test_text(const LoadTest& load_test) {
     std::string text;
-    for (const Registration& one : trial.registered) {
+    for (const Registration& one : load_test.registered) {
         text += "    " + one.kind + ' ' + text::quoted(one.name) +
                 (one.extensions.empty() ? std::string() : " for " + joined(one.extensions)) + '\n';
     }
-    return text.empty() ? text : "  registers in the embedded host, " + trial.generation + ":\n" + text;
+    return text.empty() ? text : "  registers in the embedded host, " + load_test.generation + ":\n" + text;
 }
 
 std::string facts_text(const Diagnosis& diagnosis, const Paint& paint) {
@@ -87,7 +87,7 @@ std::string facts_text(const Diagnosis& diagnosis, const Paint& paint) {
         return {};
     }
     std::string text = '\n' + paint(Ink::bold, text::printable(diagnosis.binary)) + '\n';
-    for (const ImageFacts& image : diagnosis.images) {
+    for (const BinaryFacts& image : diagnosis.images) {
         text += image_text(image);
     }
     for (const PropertyListFacts& list : diagnosis.property_lists) {
@@ -99,20 +99,20 @@ std::string facts_text(const Diagnosis& diagnosis, const Paint& paint) {
             text += "    " + key + ' ' + text::printable(value) + '\n';
         }
     }
-    for (const Trial& trial : diagnosis.trials) {
-        text += trial_text(trial);
+    for (const LoadTest& load_test : diagnosis.load_tests) {
+        text += load_test_text(load_test);
     }
     return text;
 }
 
-Json verdict_json(const Verdict& verdict) {
-    return Json{{"platform", verdict.platform},
-                {"generation", verdict.generation},
-                {"lists", verdict.answer == Answer::not_tried ? Json() : Json(verdict.answer == Answer::yes)},
-                {"reason", embedded::json_text(verdict.reason)}};
+Json compatibility_json(const Compatibility& host) {
+    return Json{{"platform", host.platform},
+                {"generation", host.generation},
+                {"lists", host.answer == Answer::not_tried ? Json() : Json(host.answer == Answer::yes)},
+                {"reason", embedded::json_text(host.reason)}};
 }
 
-Json image_json(const ImageFacts& image) {
+Json image_json(const BinaryFacts& image) {
     return Json{{"container", image.container},         {"kind", image.kind},
                 {"processor", image.processor},         {"offset_bytes", image.offset_bytes},
                 {"entries", texts_json(image.entries)}, {"export_count", image.export_count},
@@ -143,7 +143,7 @@ Json array_of(const Items& items, const ToJson& to_json) {
 }  // namespace
 
 std::string diagnosis_text(const Diagnosis& diagnosis, const Paint& paint) {
-    std::string text = verdicts_text(diagnosis, paint);
+    std::string text = compatibility_text(diagnosis, paint);
     text += diagnosis.findings.empty() ? "" : "\n";
     for (const Diagnostic& finding : diagnosis.findings) {
         text += diagnostic_text(finding, paint);
@@ -159,14 +159,14 @@ std::string diagnosis_document(const Diagnosis& diagnosis) {
     return Json{{"schema", kDoctorSchema},
                 {"exit_code", static_cast<int>(diagnosis.code)},
                 {"bundle", embedded::json_text(diagnosis.bundle)},
-                {"verdicts", array_of(diagnosis.verdicts, verdict_json)},
+                {"verdicts", array_of(diagnosis.compatibility, compatibility_json)},
                 {"findings", array_of(diagnosis.findings, diagnostic_json)},
                 {"binary", diagnosis.images.empty() ? Json() : embedded::json_text(diagnosis.binary)},
                 {"universal", diagnosis.universal},
                 {"images", array_of(diagnosis.images, image_json)},
                 {"property_lists", array_of(diagnosis.property_lists, property_list_json)},
                 {"info_plist", plist},
-                {"trials", array_of(diagnosis.trials, trial_json)}}
+                {"trials", array_of(diagnosis.load_tests, load_test_json)}}
                .dump(2) +
            '\n';
 }

@@ -1,22 +1,22 @@
-#include "cli/doctor/examination.h"
+#include "cli/doctor/inspection.h"
 
 #include <algorithm>
 #include <array>
 
-#include "binary_file/image.h"
+#include "binary_file/binary_file.h"
 #include "cli/doctor/bundle_files.h"
-#include "cli/doctor/doctor_codes.h"
-#include "cli/doctor/macintosh_bundle.h"
+#include "cli/doctor/compatibility.h"
+#include "cli/doctor/finding.h"
+#include "cli/doctor/macos_bundle.h"
 #include "cli/doctor/needed_libraries.h"
 #include "cli/doctor/property_checks.h"
-#include "cli/doctor/verdicts.h"
 
 namespace cli::doctor {
 namespace {
 
 using binary_file::BinaryFile;
+using binary_file::BinaryImage;
 using binary_file::Container;
-using binary_file::Image;
 
 constexpr std::array<std::string_view, 2> kEntries{"EntryPointFunc", "Main_VORTANXR_AE"};
 
@@ -32,8 +32,8 @@ const char* container_word(Container container) {
     return "Mach-O";
 }
 
-ImageFacts facts_of(const Image& image) {
-    ImageFacts facts{
+BinaryFacts facts_of(const BinaryImage& image) {
+    BinaryFacts facts{
         container_word(image.container), image.kind, image.processor, image.offset_bytes, {}, {}, {}};
     facts.export_count = image.exports.size();
     for (const std::string_view entry : kEntries) {
@@ -47,15 +47,15 @@ ImageFacts facts_of(const Image& image) {
     return facts;
 }
 
-class Examination {
+class Inspection {
   public:
-    Examination(const std::string& bundle, const TryIt& try_it) : try_it_(try_it) {
+    Inspection(const std::string& bundle, const RunLoadTest& run_load_test) : run_load_test_(run_load_test) {
         diagnosis_.bundle = bundle;
     }
 
     Diagnosis run() {
         look();
-        diagnosis_.verdicts = verdicts_of(diagnosis_);
+        diagnosis_.compatibility = compatibility_of(diagnosis_);
         if (diagnosis_.code != ExitCode::cannot_read_or_write) {
             diagnosis_.code = !diagnosis_.first_error() && is_listed() ? ExitCode::fine : ExitCode::refused;
         }
@@ -73,16 +73,16 @@ class Examination {
     }
 
     [[nodiscard]] bool is_listed() const {
-        return std::any_of(diagnosis_.verdicts.begin(), diagnosis_.verdicts.end(),
-                           [](const Verdict& verdict) { return verdict.answer == Answer::yes; });
+        return std::any_of(diagnosis_.compatibility.begin(), diagnosis_.compatibility.end(),
+                           [](const Compatibility& host) { return host.answer == Answer::yes; });
     }
 
     void look() {
-        MacintoshBundle macintosh;
+        MacosBundle macintosh;
         diagnosis_.binary = diagnosis_.bundle;
         const bool folder = path_kind(diagnosis_.bundle) == PathKind::folder;
         if (folder) {
-            macintosh = open_macintosh_bundle(diagnosis_);
+            macintosh = open_macos_bundle(diagnosis_);
             diagnosis_.binary = macintosh.binary;
             if (macintosh.binary.empty()) {
                 return;
@@ -100,7 +100,7 @@ class Examination {
         }
         look_at_images(*binary);
         if (folder) {
-            check_macintosh_bundle(macintosh, binary->images, diagnosis_);
+            check_macos_bundle(macintosh, binary->images, diagnosis_);
         } else if (!binary->images.empty() && binary->images.front().container == Container::mach_o) {
             add(Finding::not_a_bundle, {file.path}, "Mach-O code outside of a bundle");
         }
@@ -112,7 +112,7 @@ class Examination {
         if (binary.damage) {
             damage(*binary.damage);
         }
-        for (const Image& image : binary.images) {
+        for (const BinaryImage& image : binary.images) {
             diagnosis_.images.push_back(facts_of(image));
             if (image.damage) {
                 damage(*image.damage);
@@ -132,13 +132,13 @@ class Examination {
     }
 
     /// A whole file has no offset worth telling; the part of a universal one does.
-    [[nodiscard]] Place place_of(const Image& image) const {
+    [[nodiscard]] Place place_of(const BinaryImage& image) const {
         return {diagnosis_.binary, image.offset_bytes == 0
                                        ? std::nullopt
                                        : std::optional(static_cast<std::int64_t>(image.offset_bytes))};
     }
 
-    void check_image(const Image& image) {
+    void check_image(const BinaryImage& image) {
         const Place at = place_of(image);
         if (!image.loadable && !image.damage) {
             add(Finding::wrong_kind, at, "the code is a " + image.kind + ", not a library to be loaded");
@@ -148,7 +148,7 @@ class Examination {
         }
     }
 
-    void check_entries(const std::vector<Image>& images) {
+    void check_entries(const std::vector<BinaryImage>& images) {
         for (std::size_t i = 0; i < images.size(); ++i) {
             const std::vector<std::string>& entries = diagnosis_.images[i].entries;
             const Place at = place_of(images[i]);
@@ -166,8 +166,8 @@ class Examination {
         }
     }
 
-    void check_windows(const std::vector<Image>& images) {
-        const Image& image = images.front();
+    void check_windows(const std::vector<BinaryImage>& images) {
+        const BinaryImage& image = images.front();
         if (!has_ending(last_name(diagnosis_.bundle), ".aex")) {
             add(Finding::wrong_name, {diagnosis_.bundle}, "the name does not end with .aex");
         }
@@ -179,12 +179,12 @@ class Examination {
                          diagnosis_);
     }
 
-    void try_to_load(const std::vector<Image>& images) {
-        const bool loadable = std::any_of(images.begin(), images.end(), [](const Image& image) {
+    void try_to_load(const std::vector<BinaryImage>& images) {
+        const bool loadable = std::any_of(images.begin(), images.end(), [](const BinaryImage& image) {
             return image.loadable && container_word(image.container) == std::string_view(own_container());
         });
         const bool has_entry = std::any_of(diagnosis_.images.begin(), diagnosis_.images.end(),
-                                           [](const ImageFacts& image) { return !image.entries.empty(); });
+                                           [](const BinaryFacts& image) { return !image.entries.empty(); });
         // Nothing is called in other libraries, so nothing of them is to run here either.
         if (!loadable || !has_entry) {
             return;
@@ -192,48 +192,49 @@ class Examination {
         for (const embedded::HostGeneration generation :
              {embedded::HostGeneration::today, embedded::HostGeneration::classic}) {
             // What the system does not load it loads for no host.
-            if (!diagnosis_.trials.empty() && diagnosis_.trials.front().end == TrialEnd::not_loadable) {
-                diagnosis_.trials.push_back(diagnosis_.trials.front());
-                diagnosis_.trials.back().generation = embedded::generation_label(generation);
+            if (!diagnosis_.load_tests.empty() &&
+                diagnosis_.load_tests.front().end == LoadOutcome::not_loadable) {
+                diagnosis_.load_tests.push_back(diagnosis_.load_tests.front());
+                diagnosis_.load_tests.back().generation = embedded::generation_label(generation);
                 return;
             }
-            diagnosis_.trials.push_back(try_it_(diagnosis_.binary, generation));
-            add_trial_finding(diagnosis_.trials.back());
+            diagnosis_.load_tests.push_back(run_load_test_(diagnosis_.binary, generation));
+            add_load_test_finding(diagnosis_.load_tests.back());
         }
     }
 
-    void add_trial_finding(const Trial& trial) {
+    void add_load_test_finding(const LoadTest& load_test) {
         Finding finding = Finding::registers_nothing;
-        std::string reason = "embedded host, " + trial.generation + ": " + trial.reason;
-        switch (trial.end) {
-            case TrialEnd::listed:
-                if (!trial.registered.empty()) {
+        std::string reason = "embedded host, " + load_test.generation + ": " + load_test.reason;
+        switch (load_test.end) {
+            case LoadOutcome::listed:
+                if (!load_test.registered.empty()) {
                     return;
                 }
                 reason += "neither an importer nor an input module is registered";
                 break;
-            case TrialEnd::failed:
+            case LoadOutcome::failed:
                 finding = Finding::entry_failed;
                 break;
-            case TrialEnd::not_loadable:
+            case LoadOutcome::not_loadable:
                 finding = Finding::not_loadable;
-                reason = trial.reason;
+                reason = load_test.reason;
                 break;
-            case TrialEnd::crashed:
+            case LoadOutcome::crashed:
                 finding = Finding::load_crashed;
                 break;
-            case TrialEnd::timed_out:
+            case LoadOutcome::timed_out:
                 finding = Finding::load_timed_out;
                 break;
         }
         std::vector<std::string> effects;
-        for (const std::string& message : trial.messages) {
+        for (const std::string& message : load_test.messages) {
             effects.push_back("it said: " + message);
         }
         add(finding, {diagnosis_.binary}, std::move(reason), std::move(effects));
     }
 
-    const TryIt& try_it_;
+    const RunLoadTest& run_load_test_;
     Diagnosis diagnosis_;
 };
 
@@ -246,8 +247,8 @@ std::optional<std::string> Diagnosis::first_error() const {
     return error == findings.end() ? std::nullopt : std::optional(error->reason);
 }
 
-Diagnosis examine(const std::string& bundle, const TryIt& try_it) {
-    return Examination(bundle, try_it).run();
+Diagnosis inspect(const std::string& bundle, const RunLoadTest& run_load_test) {
+    return Inspection(bundle, run_load_test).run();
 }
 
 }  // namespace cli::doctor

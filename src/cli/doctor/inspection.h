@@ -1,0 +1,18 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "cli/doctor/diagnosis.h"
+#include "embedded/host_options.h"
+
+namespace cli::doctor {
+
+/// Loads a file in the embedded host of a generation; the program uses load_apart() of load_test.h.
+using RunLoadTest = std::function<LoadTest(const std::string& binary, embedded::HostGeneration generation)>;
+
+/// Reads a bundle, which is a file or a macOS folder, as each kind of host does, and loads it if that is
+/// possible here.
+[[nodiscard]] Diagnosis inspect(const std::string& bundle, const RunLoadTest& run_load_test);
+
+}  // namespace cli::doctor
