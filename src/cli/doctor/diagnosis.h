@@ -7,7 +7,8 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
-#include "cli/report/diagnostic_text.h"
+#include "cli/terminal/terminal.h"
+#include "diagnostic/diagnostic.h"
 
 namespace cli::doctor {
 
@@ -68,7 +69,7 @@ struct Diagnosis {
     std::string bundle;  ///< as the user named it
     ExitCode code = ExitCode::refused;
     std::vector<Compatibility> compatibility;
-    std::vector<Diagnostic> findings;
+    std::vector<diagnostic::Diagnostic> findings;
     std::string binary;  ///< the file with the code; empty when there is none
     bool universal = false;
     std::vector<BinaryFacts> images;

@@ -5,6 +5,7 @@
 #include "cli/doctor/bundle_files.h"
 #include "cli/doctor/load_test.h"
 #include "cli/report/diagnostic_json.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/text_table.h"
 #include "embedded/json_values.h"
 #include "text/printable.h"
@@ -145,7 +146,7 @@ Json array_of(const Items& items, const ToJson& to_json) {
 std::string diagnosis_text(const Diagnosis& diagnosis, const Paint& paint) {
     std::string text = compatibility_text(diagnosis, paint);
     text += diagnosis.findings.empty() ? "" : "\n";
-    for (const Diagnostic& finding : diagnosis.findings) {
+    for (const diagnostic::Diagnostic& finding : diagnosis.findings) {
         text += diagnostic_text(finding, paint);
     }
     return text + facts_text(diagnosis, paint);

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <span>
-#include <string>
-#include <vector>
+#include <array>
 
-#include "cli/report/diagnostic_text.h"
+#include "diagnostic/diagnostic.h"
 
 namespace cli::doctor {
 
-/// What `vxr doctor` can find. An error keeps a host from listing the bundle.
+/// What `vxr doctor` can find. An error keeps every host from listing the bundle.
 enum class Finding {
     cannot_read,
     not_a_binary,
@@ -43,20 +41,11 @@ enum class Finding {
     registers_nothing,
 };
 
-struct FindingRow {
-    Finding finding;
-    const char* code;  ///< stable: "entry-missing"
-    Severity severity;
-    const char* meaning;  ///< one sentence
-    const char* remedy;   ///< what to do; one sentence
-};
+using FindingTable = std::array<diagnostic::CodeRow<Finding>, 30>;
 
-/// Every finding, in the order of the enumeration.
-std::span<const FindingRow> finding_table();
+/// Every finding, in the order of the enumeration. The remedies become the last effects of a diagnostic.
+[[nodiscard]] const FindingTable& finding_table();
 
 [[nodiscard]] const diagnostic::CodeInfo& code_info(Finding finding);
-
-/// A finding with its remedy as the last of its effects.
-Diagnostic found(Finding finding, Place at, std::string reason, std::vector<std::string> effects = {});
 
 }  // namespace cli::doctor

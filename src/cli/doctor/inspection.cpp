@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <iterator>
 
 #include "binary_file/binary_file.h"
 #include "cli/doctor/bundle_files.h"
@@ -63,8 +64,8 @@ class Inspection {
     }
 
   private:
-    void add(Finding finding, Place at, std::string reason, std::vector<std::string> effects = {}) {
-        diagnosis_.findings.push_back(found(finding, std::move(at), std::move(reason), std::move(effects)));
+    diagnostic::Diagnostic& add(Finding finding, diagnostic::Place at, std::string reason) {
+        return diagnosis_.findings.emplace_back(diagnostic::make(finding, std::move(at), std::move(reason)));
     }
 
     void unreadable(const std::string& file, const std::string& why) {
@@ -132,14 +133,14 @@ class Inspection {
     }
 
     /// A whole file has no offset worth telling; the part of a universal one does.
-    [[nodiscard]] Place place_of(const BinaryImage& image) const {
+    [[nodiscard]] diagnostic::Place place_of(const BinaryImage& image) const {
         return {diagnosis_.binary, image.offset_bytes == 0
                                        ? std::nullopt
                                        : std::optional(static_cast<std::int64_t>(image.offset_bytes))};
     }
 
     void check_image(const BinaryImage& image) {
-        const Place at = place_of(image);
+        const diagnostic::Place at = place_of(image);
         if (!image.loadable && !image.damage) {
             add(Finding::wrong_kind, at, "the code is a " + image.kind + ", not a library to be loaded");
         }
@@ -151,7 +152,7 @@ class Inspection {
     void check_entries(const std::vector<BinaryImage>& images) {
         for (std::size_t i = 0; i < images.size(); ++i) {
             const std::vector<std::string>& entries = diagnosis_.images[i].entries;
-            const Place at = place_of(images[i]);
+            const diagnostic::Place at = place_of(images[i]);
             if (images[i].damage || !images[i].loadable) {
                 continue;
             }
@@ -227,11 +228,10 @@ class Inspection {
                 finding = Finding::load_timed_out;
                 break;
         }
-        std::vector<std::string> effects;
-        for (const std::string& message : load_test.messages) {
-            effects.push_back("it said: " + message);
-        }
-        add(finding, {diagnosis_.binary}, std::move(reason), std::move(effects));
+        std::vector<std::string>& effects = add(finding, {diagnosis_.binary}, std::move(reason)).effects;
+        const std::vector<std::string>& messages = load_test.messages;
+        std::transform(messages.begin(), messages.end(), std::inserter(effects, effects.begin()),
+                       [](const std::string& message) { return "it said: " + message; });
     }
 
     const RunLoadTest& run_load_test_;
@@ -241,9 +241,10 @@ class Inspection {
 }  // namespace
 
 std::optional<std::string> Diagnosis::first_error() const {
-    const auto error = std::find_if(findings.begin(), findings.end(), [](const Diagnostic& finding) {
-        return finding.severity() == Severity::error;
-    });
+    const auto error =
+        std::find_if(findings.begin(), findings.end(), [](const diagnostic::Diagnostic& finding) {
+            return finding.severity() == diagnostic::Severity::error;
+        });
     return error == findings.end() ? std::nullopt : std::optional(error->reason);
 }
 

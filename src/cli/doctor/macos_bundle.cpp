@@ -100,8 +100,8 @@ class MacosChecks {
     }
 
   private:
-    void add(Finding finding, Place at, std::string reason) {
-        diagnosis_.findings.push_back(found(finding, std::move(at), std::move(reason)));
+    void add(Finding finding, diagnostic::Place at, std::string reason) {
+        diagnosis_.findings.push_back(diagnostic::make(finding, std::move(at), std::move(reason)));
     }
 
     /// The name of the file with the code.

@@ -102,8 +102,8 @@ class LibraryChecks {
             }
             const bool warning = library.optional || lookup.where == Where::elsewhere;
             diagnosis_.findings.push_back(
-                found(warning ? Finding::library_elsewhere : Finding::library_missing, {binary_},
-                      "the library " + text::quoted(library.name) + ' ' + lookup.reason));
+                diagnostic::make(warning ? Finding::library_elsewhere : Finding::library_missing, {binary_},
+                                 "the library " + text::quoted(library.name) + ' ' + lookup.reason));
         }
     }
 

@@ -89,7 +89,7 @@ class PropertyChecks {
     void add(Finding finding, const Property* property, std::string reason) {
         const std::uint64_t at = property == nullptr ? offset_bytes_ : property->offset_bytes;
         diagnosis_.findings.push_back(
-            found(finding, {file_, static_cast<std::int64_t>(at)}, std::move(reason)));
+            diagnostic::make(finding, {file_, static_cast<std::int64_t>(at)}, std::move(reason)));
     }
 
     const Property* required(const char* key, const std::string& what) {
@@ -158,7 +158,7 @@ void check_properties(const std::string& file, const std::vector<binary_file::Re
                       PropertyForm form, const std::vector<BinaryImage>& images, Diagnosis& diagnosis) {
     if (resources.empty()) {
         diagnosis.findings.push_back(
-            found(Finding::no_properties, {file}, "there is no resource of the type PiPL"));
+            diagnostic::make(Finding::no_properties, {file}, "there is no resource of the type PiPL"));
         return;
     }
     // Hosts take the one with their number; the first of several stands for them all.
@@ -167,11 +167,11 @@ void check_properties(const std::string& file, const std::vector<binary_file::Re
     const binary_file::Resource& resource = usual == resources.end() ? resources.front() : *usual;
     const std::uint64_t at = resource.data.start_bytes();
     if (usual == resources.end()) {
-        diagnosis.findings.push_back(
-            found(Finding::properties_number, {file, static_cast<std::int64_t>(at)},
-                  "the resource PiPL has " +
-                      (resource.number ? "the number " + std::to_string(*resource.number) : "a name") +
-                      ", not the number " + std::to_string(kNumber)));
+        diagnosis.findings.push_back(diagnostic::make(
+            Finding::properties_number, {file, static_cast<std::int64_t>(at)},
+            "the resource PiPL has " +
+                (resource.number ? "the number " + std::to_string(*resource.number) : "a name") +
+                ", not the number " + std::to_string(kNumber)));
     }
     const PropertyList list = binary_file::read_property_list(resource.data, form);
     PropertyListFacts facts{file, resource.number, {}};
@@ -180,9 +180,9 @@ void check_properties(const std::string& file, const std::vector<binary_file::Re
     }
     diagnosis.property_lists.push_back(std::move(facts));
     if (list.damage) {
-        diagnosis.findings.push_back(found(Finding::properties_damaged,
-                                           {file, static_cast<std::int64_t>(list.damage->offset_bytes())},
-                                           list.damage->what()));
+        diagnosis.findings.push_back(diagnostic::make(
+            Finding::properties_damaged, {file, static_cast<std::int64_t>(list.damage->offset_bytes())},
+            list.damage->what()));
         return;
     }
     PropertyChecks(file, list, at, diagnosis).check(form, images);

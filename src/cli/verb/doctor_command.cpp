@@ -42,9 +42,9 @@ class DoctorCommand : public Command {
 
     ExitCode run(Terminal& terminal) override {
         if (list_codes_) {
-            for (const doctor::FindingRow& row : doctor::finding_table()) {
-                terminal.out << row.code << ": " << (row.severity == Severity::error ? "error" : "warning")
-                             << ": " << row.meaning << '\n';
+            for (const auto& row : doctor::finding_table()) {
+                terminal.out << row.info.name << ": " << diagnostic::severity_name(row.info.severity) << ": "
+                             << row.info.meaning << '\n';
             }
             return ExitCode::fine;
         }
