@@ -1,4 +1,4 @@
-// Which container a file is, and the table at the start of a universal one.
+// Recognises the container, and reads the table at the start of a universal file.
 
 #include <algorithm>
 
@@ -10,7 +10,7 @@ namespace {
 constexpr std::uint32_t kUniversal = 0xCAFEBABE;
 constexpr std::uint32_t kUniversal64 = 0xCAFEBABF;
 
-// Class files of another language begin with the same four bytes; their next number is a version from 45 on.
+// Java class files begin with the same four bytes; their next number is a version, 45 or higher.
 constexpr std::uint32_t kMostProcessors = 30;
 
 bool is_universal_file(std::string_view bytes) {

@@ -17,7 +17,7 @@ std::string_view ByteView::text(std::uint64_t at) const {
     const std::string_view rest = bytes(at, at > size() ? 1 : std::min(size() - at, kLongestText));
     const std::size_t end = rest.find('\0');
     if (end == std::string_view::npos) {
-        throw Damage(start_bytes_ + at, "a name without an end");
+        throw Damage(start_bytes_ + at, "a name has no end");
     }
     return rest.substr(0, end);
 }

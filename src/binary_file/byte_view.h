@@ -9,24 +9,25 @@ namespace binary_file {
 
 enum class ByteOrder { little, big };
 
-/// A file that does not hold what its own numbers say. Thrown by ByteView, caught by the reader of the
-/// format.
+/// A file does not contain what its own numbers say. ByteView throws it, and the reader of the format catches
+/// it.
 class Damage : public std::runtime_error {
   public:
     Damage(std::uint64_t offset_bytes, const std::string& reason)
         : std::runtime_error(reason), offset_bytes_(offset_bytes) {}
-    /// Of the item in question, from the start of the file.
+    /// The item in question, from the start of the file.
     [[nodiscard]] std::uint64_t offset_bytes() const { return offset_bytes_; }
 
   private:
     std::uint64_t offset_bytes_;
 };
 
-/// Bytes of a file: the only thing that readers of formats reach into them with. Every access is checked and
-/// throws Damage outside; offsets are 64-bit and never wrap. Owns nothing.
+/// The bytes of a file, or a part of them. Readers of formats access them through this class only: every
+/// access is checked and throws Damage when it is out of range. Offsets are 64-bit and never wrap. Owns
+/// nothing.
 class ByteView {
   public:
-    /// `start_bytes`: where the view is in the file, for Damage.
+    /// `start_bytes` is where the view begins in the file, for Damage.
     explicit ByteView(std::string_view bytes, ByteOrder order = ByteOrder::little,
                       std::uint64_t start_bytes = 0)
         : bytes_(bytes), order_(order), start_bytes_(start_bytes) {}
@@ -42,13 +43,14 @@ class ByteView {
     [[nodiscard]] std::uint64_t u64(std::uint64_t at) const;
 
     [[nodiscard]] std::string_view bytes(std::uint64_t at, std::uint64_t count) const;
-    /// Up to the NUL, at most kLongestText bytes; Damage when there is none.
+    /// The text before the next NUL. Throws Damage when there is no NUL within kLongestText bytes.
     [[nodiscard]] std::string_view text(std::uint64_t at) const;
     [[nodiscard]] ByteView part(std::uint64_t at, std::uint64_t count) const;
-    /// From `at` to the end.
+    /// Everything from `at` to the end.
     [[nodiscard]] ByteView from(std::uint64_t at) const;
 
-    /// Longer names are no names; without a limit, overlapping ones would take the square of a file's length.
+    /// No real name is longer. Without a limit, overlapping names would take time quadratic in the length of
+    /// the file.
     static constexpr std::uint64_t kLongestText = 4096;
 
   private:

@@ -1,5 +1,5 @@
-// ELF, as far as the dynamic loader reads it: the segments, the dynamic section, its symbols. Sections are
-// for debuggers and may be missing.
+// ELF files, as far as the dynamic loader reads them: segments, the dynamic section and its symbols. Sections
+// are for debuggers and may be missing.
 
 #include <algorithm>
 #include <map>
@@ -105,7 +105,7 @@ class ElfReader {
         }
     }
 
-    /// What is in memory at `address`, up to the end of its segment.
+    /// The content of memory at `address`, up to the end of its segment.
     [[nodiscard]] ByteView at_address(std::uint64_t address) const {
         for (const Segment& segment : segments_) {
             if (address >= segment.address && address - segment.address < segment.size) {
@@ -153,7 +153,7 @@ class ElfReader {
         }
     }
 
-    /// The dynamic section does not say how many symbols there are; the hash table over them does.
+    /// The dynamic section does not contain the number of symbols, but their hash table does.
     [[nodiscard]] std::uint64_t count_symbols(const std::map<std::uint64_t, std::uint64_t>& values) const {
         if (const auto hash = values.find(kTagHash); hash != values.end()) {
             return at_address(hash->second).u32(4);

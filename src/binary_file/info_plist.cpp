@@ -8,7 +8,7 @@
 namespace binary_file {
 namespace {
 
-/// Real ones have a few thousand bytes. The parser takes up to 25 times the length in memory.
+/// Real files have a few thousand bytes. The parser takes up to 25 times the length of the file in memory.
 constexpr std::size_t kLargestInfoPlist_bytes = std::size_t{4} << 20U;
 
 // Entities that a DOCTYPE declares are not expanded, and nothing outside the file is read.
@@ -56,7 +56,7 @@ void read_xml(std::string_view bytes, InfoPlist& plist) {
     if (result.status == pugi::status_out_of_memory) {
         throw std::bad_alloc();
     }
-    // What comes before the damage is in the document and counts.
+    // The document contains everything before the damage.
     const pugi::xml_node dictionary = document.child("plist").child("dict");
     plist.texts = texts_of(dictionary);
     if (!result && result.status != pugi::status_no_document_element) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// A Macintosh bundle's Info.plist, as far as its outermost dictionary has texts.
+// The Info.plist of a macOS bundle: the texts in its outermost dictionary.
 
 #include <map>
 #include <optional>
@@ -14,12 +14,12 @@ namespace binary_file {
 struct InfoPlist {
     bool binary = false;                       ///< the binary form, which is not read
     std::map<std::string, std::string> texts;  ///< key and text of the outermost dictionary
-    std::optional<Damage> damage;              ///< what is read up to there stands
+    std::optional<Damage> damage;              ///< what was read before it is kept
 
     [[nodiscard]] std::optional<std::string> text(const std::string& key) const;
 };
 
-/// Reads the XML form. Does not throw for any bytes, but for memory.
+/// Reads the XML form. No content makes it throw; only a lack of memory does.
 InfoPlist read_info_plist(std::string_view bytes);
 
 }  // namespace binary_file

@@ -1,4 +1,4 @@
-// Mach-O for one processor: the header, the load commands, and the symbols that are seen from outside.
+// Mach-O files for one processor: the header, the load commands and the exported symbols.
 
 #include "binary_file/binary_file.h"
 
@@ -70,7 +70,7 @@ void read_symbols(const ByteView& file, const ByteView& command, BinaryImage& im
         const bool external = (type & 0x01U) != 0;
         if (!debugging && !is_private && defined && external) {
             const std::string_view name = texts.text(rows.u32(at));
-            // Functions of C have one underscore more in the file than in the source.
+            // C functions have an extra leading underscore in the file.
             image.exports.push_back(name.substr(0, 1) == "_" ? name.substr(1) : name);
         }
     }
@@ -89,7 +89,8 @@ void read_command(const ByteView& file, const ByteView& command, BinaryImage& im
             image.search_paths.push_back(command.text(command.u32(8)));
             break;
         case kSymbols:
-            // The first one counts; a file that repeats it would have its symbols read again and again.
+            // Only the first one counts: a file could repeat the command to have its symbols read again and
+            // again.
             if (image.exports.empty()) {
                 read_symbols(file, command, image);
             }
@@ -117,7 +118,7 @@ void read_image(const ByteView& slice, BinaryImage& image) {
     for (std::uint32_t i = 0; i < count; ++i) {
         const std::uint32_t size = commands.u32(at + 4);
         if (size < 8) {
-            throw Damage(commands.start_bytes() + at, "a load command of fewer than 8 bytes");
+            throw Damage(commands.start_bytes() + at, "a load command has fewer than 8 bytes");
         }
         read_command(file, commands.part(at, size), image);
         at += size;

@@ -8,7 +8,7 @@
 namespace binary_file {
 namespace {
 
-/// Windows loads no file with more, and an address is looked for in each.
+/// Windows does not load files with more, and every look-up of an address visits each of them.
 constexpr std::uint16_t kMostSections = 96;
 
 constexpr std::uint16_t kIsProgram = 0x0002;
@@ -66,12 +66,12 @@ class PeReader {
     }
 
   private:
-    /// Where a table is when the image is loaded; 0 when there is none.
+    /// The address of a table in the loaded image; 0 when the table does not exist.
     [[nodiscard]] std::uint64_t directory(Directory which) const {
         return which < directory_count_ ? directories_.u32(which * 8) : 0;
     }
 
-    /// What the file holds for an address relative to the image, up to the end of its section.
+    /// The bytes at an address relative to the image, up to the end of its section.
     [[nodiscard]] ByteView at_address(std::uint64_t address) const {
         for (std::uint64_t at = 0; at < sections_.size(); at += 40) {
             const std::uint64_t begin = sections_.u32(at + 12);
@@ -99,7 +99,7 @@ class PeReader {
         }
     }
 
-    /// Rows up to one without a name.
+    /// The table ends with a row without a name.
     void read_imports(BinaryImage& image, Directory which, std::uint64_t row_bytes,
                       std::uint64_t name_at) const {
         const std::uint64_t where = directory(which);

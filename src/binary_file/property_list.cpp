@@ -57,7 +57,7 @@ PropertyList read_property_list(const ByteView& data, PropertyForm form) {
         }
         if (view.u32(at) != 0) {
             throw Damage(view.start_bytes() + at,
-                         "the property list has the version " + std::to_string(view.u32(at)) + ", not 0");
+                         "the property list has version " + std::to_string(view.u32(at)) + ", not 0");
         }
         const std::uint32_t count = view.u32(at + 4);
         at += 8;
@@ -65,8 +65,8 @@ PropertyList read_property_list(const ByteView& data, PropertyForm form) {
             const ByteView head = view.part(at, 16);
             const std::uint32_t length = head.u32(12);
             if (length % 4 != 0) {
-                throw Damage(head.start_bytes(),
-                             "a property of " + std::to_string(length) + " bytes, which is no multiple of 4");
+                throw Damage(head.start_bytes(), "a property of " + std::to_string(length) +
+                                                     " bytes, which is not a multiple of 4");
             }
             list.properties.push_back({in_reading_order(head.bytes(0, 4), view.order()),
                                        in_reading_order(head.bytes(4, 4), view.order()),

@@ -1,6 +1,7 @@
 #pragma once
 
-// The property list ("PiPL") by which a host knows a plug-in without loading it. script/pipl writes ours.
+// The property list ("PiPL") that tells a host about a plug-in before the host loads it. script/pipl writes
+// ours.
 
 #include <cstdint>
 #include <optional>
@@ -12,7 +13,8 @@
 
 namespace binary_file {
 
-/// Windows stores numbers and four-character codes with their lowest byte first, after a word of its own.
+/// On Windows, numbers and four-character codes have their lowest byte first, and the list begins with an
+/// extra word.
 enum class PropertyForm { windows, macos };
 
 struct Property {
@@ -21,24 +23,24 @@ struct Property {
     ByteView data;
     std::uint64_t offset_bytes = 0;  ///< of the property, in the file
 
-    /// Of data of exactly four bytes: a code in reading order, and the same as a number.
+    /// The data as a code in reading order, and as a number; nothing unless it is exactly four bytes long.
     [[nodiscard]] std::optional<std::string> code() const;
     [[nodiscard]] std::optional<std::uint32_t> number() const;
-    /// A text behind its length in one byte; nothing when the length is beyond the data.
+    /// The text after a length byte; nothing when the length exceeds the data.
     [[nodiscard]] std::optional<std::string_view> counted_text() const;
-    /// A text up to a NUL byte; nothing without one.
+    /// The text before the first NUL byte; nothing when there is no NUL byte.
     [[nodiscard]] std::optional<std::string_view> terminated_text() const;
 };
 
 struct PropertyList {
     std::vector<Property> properties;
-    std::optional<Damage> damage;  ///< the properties before it stand
+    std::optional<Damage> damage;  ///< the properties before it are kept
 
     /// The first one with that key, or null.
     [[nodiscard]] const Property* find(std::string_view key) const;
 };
 
-/// Does not throw for any bytes, but for memory.
+/// No content makes it throw; only a lack of memory does.
 PropertyList read_property_list(const ByteView& data, PropertyForm form);
 
 }  // namespace binary_file

@@ -7,12 +7,12 @@ namespace {
 
 constexpr std::uint32_t kHighBit = 0x80000000;
 
-/// Branches may lead anywhere in the tree, also to themselves; no real one has near as many entries.
+/// Branches may lead anywhere in the tree, even to themselves. No real tree has nearly as many entries.
 constexpr std::size_t kMostEntries = 65536;
 
 struct Entry {
-    std::uint32_t name = 0;    ///< a number, or with the high bit where its text is
-    std::uint32_t target = 0;  ///< where its data is described, or with the high bit another branch
+    std::uint32_t name = 0;    ///< a number, or with the high bit set, the offset of its text
+    std::uint32_t target = 0;  ///< the offset of its data entry, or with the high bit set, of another branch
 };
 
 class ResourceTree {
@@ -104,7 +104,7 @@ std::vector<Resource> resource_fork(std::string_view bytes, std::string_view typ
     const ByteView data = file.part(file.u32(0), file.u32(8));
     const ByteView map = file.part(file.u32(4), file.u32(12));
     const ByteView types = map.from(map.u16(24));
-    // Counts are stored one less, so none is the largest number.
+    // Counts are stored minus one, so the largest number means zero.
     const std::uint32_t type_count = (types.u16(0) + 1U) & 0xFFFFU;
     std::vector<Resource> found;
     for (std::uint32_t i = 0; i < type_count; ++i) {
@@ -118,7 +118,7 @@ std::vector<Resource> resource_fork(std::string_view bytes, std::string_view typ
             const std::uint32_t at = reference.u32(4) & 0xFFFFFFU;
             found.push_back({reference.u16(0), data.part(std::uint64_t{at} + 4, data.u32(at))});
         }
-        // A type is listed once; another row of the same name would be damage, and takes no time here.
+        // Each type is listed once; another row of the same name would be damage and is not read.
         break;
     }
     return found;

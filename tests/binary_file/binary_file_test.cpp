@@ -1,4 +1,4 @@
-// The three containers: what is read from whole files, and that nothing else happens with broken ones.
+// The three containers: what is read from intact files, and that damaged ones are read or refused.
 
 #include "binary_file/binary_file.h"
 
@@ -47,8 +47,8 @@ TEST(BinaryFile, SaysWhatAFileIs) {
         {"ELF, older hash table", made_elf({.gnu_hash = false}), Container::elf, "x86-64", true,
          "shared library", true},
         {"ELF, a program", made_elf({.type = 2}), Container::elf, "x86-64", true, "program", false},
-        {"ELF, a program of the type of libraries", made_elf({.program = true}), Container::elf, "x86-64",
-         true, "program", false},
+        {"ELF, a position-independent program", made_elf({.program = true}), Container::elf, "x86-64", true,
+         "program", false},
         {"PE, 64 bits", made_pe(), Container::pe, "x86-64", true, "DLL", true},
         {"PE, 32 bits", made_pe({.wide = false, .machine = 0x14C}), Container::pe, "i386", false, "DLL",
          true},
@@ -60,7 +60,7 @@ TEST(BinaryFile, SaysWhatAFileIs) {
          "powerpc", false, "shared library", true},
         {"Mach-O, a program", made_mach_o({.processor = 0x01000007, .type = 2}), Container::mach_o, "x86-64",
          true, "program", false},
-        {"a processor without a name", made_elf({.machine = 999}), Container::elf, "processor 999", true,
+        {"an unknown processor", made_elf({.machine = 999}), Container::elf, "processor 999", true,
          "shared library", true},
     };
     for (const Case& one : cases) {
@@ -81,7 +81,7 @@ TEST(BinaryFile, SaysWhatAFileIs) {
     }
 }
 
-TEST(BinaryFile, ReadsWhatIsNeededAndWhereItIsLookedFor) {
+TEST(BinaryFile, ReadsLibrariesAndSearchPaths) {
     const std::string elf_bytes =
         made_elf({.needed = {"libm.so.6", "liba.so"}, .run_path = "/a:$ORIGIN/b::c"});
     const BinaryImage of_elf = binary_file::read_binary_file(elf_bytes)->images.front();
@@ -118,7 +118,7 @@ TEST(BinaryFile, FindsThePropertiesOfAPeFileByTheirType) {
 
     const std::string mixed = made_pe({.resource_type = "PiPL"});
     EXPECT_EQ(binary_file::read_binary_file(mixed)->images.front().property_lists.size(), 1U)
-        << "Windows compares names without regard to case";
+        << "Windows ignores case in names";
     const std::string other = made_pe({.resource_type = "ICON"});
     EXPECT_THAT(binary_file::read_binary_file(other)->images.front().property_lists, IsEmpty());
 }
@@ -138,7 +138,7 @@ TEST(BinaryFile, AUniversalFileHasAnImageForEachProcessor) {
     }
 }
 
-TEST(BinaryFile, OtherFilesAreNone) {
+TEST(BinaryFile, OtherFilesAreNotRead) {
     const std::string others[] = {"",       "M",           "text",
                                   "\177EL", "#!/bin/sh\n", std::string("\xCA\xFE\xBA\xBE\0\0\0\x34", 8)};
     for (const std::string& bytes : others) {
@@ -153,13 +153,13 @@ struct DamagedCase {
     const char* reason;
 };
 
-TEST(BinaryFile, DamageIsToldWithItsPlace) {
+TEST(BinaryFile, DamageIsReportedWithItsPlace) {
     const DamagedCase cases[] = {
         {"ELF cut in its header", made_elf().substr(0, 20), 32, "8 bytes are expected here, and 0 are left"},
         {"more sections than Windows loads", made_pe({.sections = 97}), 0x44, "more than 96 sections"},
-        {"PE that is one in name only", std::string("MZ").append(62, '\0'), 0,
+        {"PE with nothing but its first two bytes", std::string("MZ").append(62, '\0'), 0,
          "the header of a portable executable is expected here"},
-        {"Mach-O cut behind its header", made_mach_o().substr(0, 32), 32,
+        {"Mach-O cut after its header", made_mach_o().substr(0, 32), 32,
          "96 bytes are expected here, and 0 are left"},
     };
     for (const DamagedCase& one : cases) {
@@ -171,7 +171,7 @@ TEST(BinaryFile, DamageIsToldWithItsPlace) {
     }
 }
 
-/// Visits everything that a result leads to.
+/// Visits everything that a result refers to.
 std::size_t visited(const std::string& bytes) {
     std::size_t sum = 0;
     const std::optional<BinaryFile> file = binary_file::read_binary_file(bytes);
@@ -195,7 +195,7 @@ std::size_t visited(const std::string& bytes) {
     return sum;
 }
 
-TEST(BinaryFile, CutAnywhereOrWithAnyByteChangedItIsReadOrRefused) {
+TEST(BinaryFile, CutAnywhereOrWithAnyByteChangedFilesAreReadOrRefused) {
     const std::string files[] = {
         made_elf({.run_path = "/a:b"}),
         made_elf({.wide = false, .machine = 3, .gnu_hash = false}),
@@ -217,7 +217,7 @@ TEST(BinaryFile, CutAnywhereOrWithAnyByteChangedItIsReadOrRefused) {
             for (const unsigned flip : {0x01U, 0x80U, 0xFFU}) {
                 std::string changed = whole;
                 changed[at] = static_cast<char>(static_cast<unsigned char>(changed[at]) ^ flip);
-                // Names lie inside the file, however often: no symbol takes fewer than 4 bytes of it.
+                // Names are inside the file, and a symbol takes at least 4 bytes of it.
                 EXPECT_LE(visited(changed), whole.size() * whole.size());
             }
         }

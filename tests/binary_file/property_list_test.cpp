@@ -1,4 +1,4 @@
-// What describes a plug-in beside its code: the property list, the Macintosh resource file, Info.plist.
+// What describes a plug-in besides its code: the property list, the macOS resource file and Info.plist.
 
 #include "binary_file/property_list.h"
 
@@ -27,7 +27,7 @@ PropertyList read(const std::string& bytes, bool windows = true) {
                                            windows ? PropertyForm::windows : PropertyForm::macos);
 }
 
-TEST(PropertyListReader, BothFormsSayTheSame) {
+TEST(PropertyListReader, BothFormsHaveTheSameContent) {
     for (const bool windows : {true, false}) {
         const std::string bytes = made_property_list({.windows = windows});
         const PropertyList list = read(bytes, windows);
@@ -51,17 +51,17 @@ struct Case {
     const char* reason;
 };
 
-TEST(PropertyListReader, DamageIsToldWithItsPlace) {
+TEST(PropertyListReader, DamageIsReportedWithItsPlace) {
     const Case cases[] = {
-        {"nothing", "", 0, 0, "2 bytes are expected here, and 0 are left"},
+        {"an empty list", "", 0, 0, "2 bytes are expected here, and 0 are left"},
         {"another first word", made_property_list({.first_word = 2}), 0, 0,
          "the property list begins with 2 where Windows hosts expect 1"},
         {"another version", made_property_list({.version = 5}), 0, 2,
-         "the property list has the version 5, not 0"},
+         "the property list has version 5, not 0"},
         {"one property more than there are", made_property_list({.more = 1}), 5, made_property_list().size(),
          "16 bytes are expected here, and 0 are left"},
-        {"a length that is no multiple of 4", made_property_list({.properties = {{"name", "abc"}}}), 0, 10,
-         "a property of 3 bytes, which is no multiple of 4"},
+        {"a length that is not a multiple of 4", made_property_list({.properties = {{"name", "abc"}}}), 0, 10,
+         "a property of 3 bytes, which is not a multiple of 4"},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.name);
@@ -73,7 +73,7 @@ TEST(PropertyListReader, DamageIsToldWithItsPlace) {
     }
 }
 
-TEST(PropertyListReader, ValuesOfAnotherShapeAreNone) {
+TEST(PropertyListReader, ValuesInAnotherFormAreNotReturned) {
     const std::string bytes = made_property_list(
         {.properties = {
              {"leng", std::string("\7abc", 4)}, {"none", ""}, {"open", "abcd"}, {"wide", "abcdefgh"}}});
@@ -88,7 +88,7 @@ TEST(PropertyListReader, ValuesOfAnotherShapeAreNone) {
     EXPECT_EQ(list.find("wide")->number(), std::nullopt);
 }
 
-TEST(PropertyListReader, CutAnywhereOrWithAnyByteChangedItIsReadOrRefused) {
+TEST(PropertyListReader, CutAnywhereOrWithAnyByteChangedListsAreReadOrRefused) {
     for (const bool windows : {true, false}) {
         const std::string whole = made_property_list({.windows = windows});
         for (std::size_t size = 0; size < whole.size(); ++size) {
@@ -117,7 +117,7 @@ std::vector<std::uint32_t> numbers_in(const std::string& bytes) {
     return numbers;
 }
 
-TEST(ResourceFork, HoldsResourcesByTypeAndNumber) {
+TEST(ResourceFork, FindsResourcesByTypeWithTheirNumbers) {
     const std::string bytes = made_resource_file({.number = 42, .data = "data"});
     const auto found = binary_file::resource_fork(bytes, "PiPL");
     ASSERT_EQ(found.size(), 1U);
@@ -127,7 +127,7 @@ TEST(ResourceFork, HoldsResourcesByTypeAndNumber) {
     EXPECT_THAT(numbers_in(made_resource_file({.type = "STR "})), IsEmpty());
 }
 
-TEST(ResourceFork, CutAnywhereOrWithAnyByteChangedItIsReadOrRefused) {
+TEST(ResourceFork, CutAnywhereOrWithAnyByteChangedFilesAreReadOrRefused) {
     const std::string whole = made_resource_file();
     EXPECT_THAT(numbers_in(whole), ElementsAre(16000U));
     for (std::size_t size = 0; size < whole.size(); ++size) {
@@ -166,24 +166,24 @@ TEST(InfoPlistReader, ReadsTheTextsOfTheOutermostDictionary) {
         {"entities",
          "<key>a&amp;b</key><string>&lt;c&gt; &quot;d&quot; &apos; &x;</string>",
          {{"a&b", "<c> \"d\" ' &x;"}}},
-        {"an empty text of either spelling",
+        {"an empty text in either spelling",
          "<key>a</key><string></string><key>b</key><string/>",
          {{"a", ""}, {"b", ""}}},
         {"a text around a comment", "<key>a</key><string>b<!-- c -->d</string>", {{"a", "bd"}}},
-        {"a text of blanks", "<key>a</key><string> </string>", {{"a", " "}}},
-        {"a text that is quoted as a whole", "<key>a</key><string><![CDATA[<b>]]></string>", {{"a", "<b>"}}},
-        {"other values are passed over",
+        {"a text of spaces", "<key>a</key><string> </string>", {{"a", " "}}},
+        {"a CDATA section", "<key>a</key><string><![CDATA[<b>]]></string>", {{"a", "<b>"}}},
+        {"other values are skipped",
          "<key>a</key><true/><key>b</key><integer>3</integer><key>c</key><string>d</string>",
          {{"c", "d"}}},
-        {"what is inside other values is theirs",
+        {"texts inside other values do not count",
          "<key>a</key><dict><key>b</key><string>c</string></dict><key>d</key><array><string>e</string></"
          "array>",
          {}},
-        {"a text without a key is nobody's", "<string>a</string>", {}},
-        {"a comment holds no tags",
+        {"a text without a key does not count", "<string>a</string>", {}},
+        {"a comment contains no tags",
          "<!-- <key>a</key><string>b</string> --><key>c</key><string>d</string>",
          {{"c", "d"}}},
-        {"the first of two counts",
+        {"the first of two texts with one key counts",
          "<key>a</key><string>1</string><key>a</key><string>2</string>",
          {{"a", "1"}}},
     };
@@ -195,7 +195,7 @@ TEST(InfoPlistReader, ReadsTheTextsOfTheOutermostDictionary) {
     }
 }
 
-TEST(InfoPlistReader, SaysWhatItCannotRead) {
+TEST(InfoPlistReader, SaysWhyItCannotReadAFile) {
     EXPECT_TRUE(binary_file::read_info_plist("bplist00\xD1").binary);
     const std::pair<std::string, const char*> cases[] = {
         {"", "there is no <plist> with a <dict> in it"},
@@ -243,12 +243,19 @@ TEST(InfoPlistReader, ReadsFilesUpToItsLimit) {
                  "the property list has 4194305 bytes; more than 4194304 are not read");
 }
 
-TEST(InfoPlistReader, NestingHasNoLimitButTheLengthOfTheFile) {
-    std::string nested = "<plist><dict>";
-    for (int i = 0; i < 500000; ++i) {
+TEST(InfoPlistReader, ReadsAnyDepthOfNesting) {
+    constexpr int kDepth = 200000;
+    std::string nested = "<key>a</key><string>b</string>";
+    for (int i = 0; i < kDepth; ++i) {
         nested += "<dict>";
     }
-    EXPECT_TRUE(binary_file::read_info_plist(nested).damage.has_value());
+    EXPECT_TRUE(binary_file::read_info_plist(plist(nested)).damage.has_value());
+    for (int i = 0; i < kDepth; ++i) {
+        nested += "</dict>";
+    }
+    const InfoPlist read = binary_file::read_info_plist(plist(nested));
+    EXPECT_FALSE(read.damage.has_value()) << read.damage->what();
+    EXPECT_EQ(read.text("a"), "b");
 }
 
 }  // namespace

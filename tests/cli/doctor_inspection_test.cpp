@@ -1,4 +1,5 @@
-// What `vxr doctor` makes of paths of every kind, what it loads, and what it says about loading.
+// What `vxr doctor` says about paths of every kind and libraries on Linux, what it loads, and what it says
+// about loading.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -36,7 +37,7 @@ TEST(DoctorInspection, OtherPathsAreRefused) {
         {"a device", "/dev/null", ExitCode::cannot_read_or_write, "cannot-read"},
         {"a folder", folder.folder().string(), ExitCode::refused, "not-a-bundle"},
         {"a folder with the right name", folder.path("empty.plugin"), ExitCode::refused, "not-a-bundle"},
-        {"the code of a Macintosh bundle alone", folder.write("Sample", made_mach_o()), ExitCode::refused,
+        {"the code of a macOS bundle alone", folder.write("Sample", made_mach_o()), ExitCode::refused,
          "not-a-bundle"},
     };
     for (const auto& one : cases) {
@@ -56,15 +57,15 @@ TEST(DoctorOnLinuxFiles, LibrariesAreLookedForAsTheLoaderDoes) {
         MadeElf elf;
         std::vector<std::string> findings;
     } cases[] = {
-        {"of the system", {.needed = {"libc.so.6", "libm.so.6"}}, {}},
+        {"in the system", {.needed = {"libc.so.6", "libm.so.6"}}, {}},
         {"nowhere", {.needed = {"libnowhere.so"}}, {"library-missing"}},
-        {"beside it, and not asked for there", {.needed = {"libbeside.so"}}, {"library-missing"}},
+        {"beside it, without a search path", {.needed = {"libbeside.so"}}, {"library-missing"}},
         {"beside it", {.needed = {"libbeside.so"}, .run_path = "/nowhere:$ORIGIN"}, {}},
-        {"beside it in the other spelling", {.needed = {"libbeside.so"}, .run_path = "${ORIGIN}/."}, {}},
-        {"beside it for another processor",
+        {"beside it, in the other spelling", {.needed = {"libbeside.so"}, .run_path = "${ORIGIN}/."}, {}},
+        {"beside it, for another processor",
          {.needed = {"libother.so"}, .run_path = "$ORIGIN"},
          {"library-missing"}},
-        {"by its whole path", {.needed = {folder.path("libbeside.so")}}, {}},
+        {"by its full path", {.needed = {folder.path("libbeside.so")}}, {}},
     };
     for (const auto& one : cases) {
         SCOPED_TRACE(one.name);
@@ -105,7 +106,7 @@ TEST(DoctorLoadTest, EveryOutcomeIsAFinding) {
         LoadOutcome end;
         const char* finding;
         Answer answer;
-        std::size_t findings;  ///< what the system does not load is told once
+        std::size_t findings;  ///< what the system cannot load is reported once
     } cases[] = {
         {LoadOutcome::listed, "registers-nothing", Answer::yes, 2},
         {LoadOutcome::failed, "entry-failed", Answer::no, 2},

@@ -20,7 +20,7 @@ struct PluginCase {
     const char* name;
     MadePlugin plugin;
     ExitCode code;
-    Answer today;  ///< of the host on a Macintosh
+    Answer today;  ///< of current hosts on macOS
     std::vector<std::string> findings;
 };
 
@@ -29,7 +29,7 @@ std::string signed_for(std::uint32_t processor, MadeMachO mach_o) {
     return made_mach_o(mach_o);
 }
 
-/// Both processors, with what a case changes in both.
+/// Code for both processors, with the same change in both.
 std::string both(const MadeMachO& mach_o) {
     return made_universal({signed_for(0x01000007, mach_o), signed_for(0x0100000C, mach_o)});
 }
@@ -38,19 +38,19 @@ std::string resources_with(const MadeProperty& changed) {
     return made_resource_file({.data = properties_with(false, changed)});
 }
 
-TEST(DoctorOnMacosFolders, FindsWhatHostsWouldNotTake) {
+TEST(DoctorOnMacosFolders, FindsWhatHostsWouldRefuse) {
     const PluginCase cases[] = {
-        {"as hosts want it", {}, ExitCode::fine, Answer::yes, {}},
+        {"as hosts require it", {}, ExitCode::fine, Answer::yes, {}},
         {"another name", {.folder = "Sample.bundle"}, ExitCode::refused, Answer::no, {"wrong-name"}},
         {"another package type", {.package_type = "BNDL"}, ExitCode::refused, Answer::no, {"plist-value"}},
         {"another signature", {.signature = "????"}, ExitCode::refused, Answer::no, {"plist-value"}},
         {"no signature", {.signature = ""}, ExitCode::refused, Answer::no, {"plist-value"}},
-        {"no name of the code, which is found nevertheless",
+        {"no name of the code, which is found all the same",
          {.executable_key = ""},
          ExitCode::refused,
          Answer::no,
          {"plist-value"}},
-        {"a name of the code that leads elsewhere",
+        {"a name of the code that is a path",
          {.executable_key = "../x"},
          ExitCode::refused,
          Answer::no,
@@ -67,7 +67,7 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldNotTake) {
          ExitCode::fine,
          Answer::yes,
          {"plist-binary"}},
-        {"Info.plist that is none",
+        {"Info.plist that is not a property list",
          {.plist = "x"},
          ExitCode::refused,
          Answer::no,
@@ -77,7 +77,7 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldNotTake) {
          ExitCode::refused,
          Answer::no,
          {"wrong-name", "wrong-kind"}},
-        {"code for Arm alone", {.code = made_mach_o()}, ExitCode::fine, Answer::yes, {"processor-missing"}},
+        {"code for Arm only", {.code = made_mach_o()}, ExitCode::fine, Answer::yes, {"processor-missing"}},
         {"code for neither",
          {.code = made_mach_o({.wide = false, .processor = 7})},
          ExitCode::refused,
@@ -88,22 +88,22 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldNotTake) {
          ExitCode::fine,
          Answer::yes,
          {"not-signed", "not-signed"}},
-        {"a universal file with a part that is no code",
+        {"a universal file with a part that is not code",
          {.code = made_universal({made_mach_o({.processor = 0x01000007}), "other"})},
          ExitCode::refused,
          Answer::no,
          {"damaged", "processor-missing"}},
-        {"a library of somebody's machine",
+        {"a library of one machine",
          {.code = both({.needed = {"/opt/lib/a.dylib"}})},
          ExitCode::refused,
          Answer::no,
          {"library-missing"}},
-        {"a library that nothing leads to",
+        {"a library without a search path",
          {.code = both({.needed = {"@rpath/a.dylib"}})},
          ExitCode::refused,
          Answer::no,
          {"library-missing"}},
-        {"a library that is not where the path leads",
+        {"a library that is not in the search path",
          {.code = both({.needed = {"@rpath/a.dylib"}, .run_paths = {"@loader_path/../Resources"}})},
          ExitCode::refused,
          Answer::no,
@@ -113,7 +113,7 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldNotTake) {
          ExitCode::fine,
          Answer::yes,
          {}},
-        {"a library that it can do without",
+        {"a library that is optional",
          {.code = both({.weak = {"/opt/lib/a.dylib"}})},
          ExitCode::fine,
          Answer::yes,
@@ -144,17 +144,17 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldNotTake) {
          ExitCode::refused,
          Answer::no,
          {"properties-damaged"}},
-        {"no function named for Intel",
+        {"no entry point named for Intel",
          {.resources = resources_with({"mi64", ""})},
          ExitCode::refused,
          Answer::no,
          {"property-missing"}},
-        {"a function for Arm that is not exported",
+        {"an entry point for Arm that is not exported",
          {.resources = resources_with({"ma64", terminated_data("Other")})},
          ExitCode::refused,
          Answer::no,
          {"entry-not-exported"}},
-        {"a function for a processor that is not there",
+        {"an entry point for a processor without code",
          {.code = made_mach_o(), .resources = resources_with({"mi64", terminated_data("Other")})},
          ExitCode::fine,
          Answer::yes,

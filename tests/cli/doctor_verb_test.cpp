@@ -33,7 +33,7 @@ json document(const std::string& bundle, int exit_code, const Environment& envir
     return json::parse(run.out);
 }
 
-/// The answers in their order: Windows, Macintosh, embedded host, each today's and classic.
+/// The answers in order: Windows, macOS, embedded host, each for current and for classic hosts.
 std::vector<json> answers(const json& diagnosis) {
     std::vector<json> all;
     for (const json& verdict : diagnosis.at("verdicts")) {
@@ -58,15 +58,15 @@ TEST(DoctorVerb, TheBundleOfThisBuildIsListedByBothGenerations) {
     EXPECT_EQ(diagnosis.at("images").at(0).at("entries"), json({"EntryPointFunc", "Main_VORTANXR_AE"}));
     EXPECT_EQ(diagnosis.at("images").at(0).at("export_count"), 2);
     ASSERT_EQ(diagnosis.at("trials").size(), 2U);
-    for (const json& trial : diagnosis.at("trials")) {
+    for (const json& load_test : diagnosis.at("trials")) {
         EXPECT_EQ(
-            trial.at("registered"),
+            load_test.at("registered"),
             json::parse(R"([{"kind": "importer", "name": "VORTAN XR Composition", "extensions": [".aec"]},
                                   {"kind": "input module", "name": "Texalon 3D", "extensions": [".txl"]}])"));
     }
 }
 
-TEST(DoctorVerb, WithoutAnArgumentItLooksAtTheBundleOfTheProgram) {
+TEST(DoctorVerb, WithoutAnArgumentItInspectsTheBundleOfTheProgram) {
     const ProcessResult run = doctor({});
     EXPECT_EQ(run.exit_code, 0) << run.out << run.err;
     EXPECT_NE(run.out.find("VORTANXR_AE.so\n"), std::string::npos) << run.out;
@@ -75,13 +75,13 @@ TEST(DoctorVerb, WithoutAnArgumentItLooksAtTheBundleOfTheProgram) {
         << run.out;
 }
 
-TEST(DoctorVerb, OtherFilesOfThisMachineAreNoPlugIns) {
+TEST(DoctorVerb, OtherFilesOfThisMachineAreNotPlugIns) {
     const TemporaryFolder folder;
     EXPECT_EQ(codes(document("/bin/ls", 1)), std::vector<std::string>{"wrong-kind"});
     EXPECT_EQ(codes(document(folder.write("a.txt", "text\n"), 1)), std::vector<std::string>{"not-a-binary"});
     EXPECT_EQ(codes(document(folder.folder().string(), 1)), std::vector<std::string>{"not-a-bundle"});
     EXPECT_EQ(codes(document(folder.path("missing"), 3)), std::vector<std::string>{"cannot-read"});
-    // A library that says so little about itself that the loader refuses it.
+    // The loader refuses a library as bare as this one.
     EXPECT_EQ(codes(document(folder.write("a.so", made_elf()), 1)), std::vector<std::string>{"not-loadable"});
 }
 
@@ -104,7 +104,7 @@ TEST(DoctorVerb, TheWindowsBundleIsListedOnWindows) {
                                                                             {"8664", "EntryPointFunc"}}));
 }
 
-/// What CMake makes of the template: each @NAME@ gets a value.
+/// Replaces each @NAME@ of the template by a value, as CMake does.
 std::string filled_in(std::string text) {
     for (std::size_t at = text.find('@'); at != std::string::npos; at = text.find('@')) {
         text.replace(at, text.find('@', at + 1) + 1 - at, "1.0.0");
@@ -112,7 +112,7 @@ std::string filled_in(std::string text) {
     return text;
 }
 
-TEST(DoctorVerb, TheMacintoshFilesOfThisProjectAreWhatHostsWant) {
+TEST(DoctorVerb, TheMacosFilesOfThisProjectAreListed) {
     const TemporaryFolder folder;
     const ProcessResult written =
         run_process({VXR_PROJECT_DIR "/script/pipl", "rsrc", folder.path("resources")});
@@ -142,7 +142,7 @@ struct Unruly {
     std::vector<std::string> messages;
 };
 
-TEST(DoctorVerb, APlugInThatMisbehavesIsReportedAndTakesNothingWithIt) {
+TEST(DoctorVerb, APlugInThatMisbehavesIsReportedAndDoesNoHarm) {
     const Unruly cases[] = {
         {"abort",
          "load-crashed",
@@ -171,10 +171,10 @@ TEST(DoctorVerb, APlugInThatMisbehavesIsReportedAndTakesNothingWithIt) {
                                         {{"VXR_UNRULY", one.how}}, hangs ? "1" : "60");
         EXPECT_EQ(codes(diagnosis), std::vector<std::string>(2, one.code));
         ASSERT_EQ(diagnosis.at("trials").size(), 2U);
-        for (const json& trial : diagnosis.at("trials")) {
-            EXPECT_EQ(trial.at("end"), one.end);
-            EXPECT_EQ(trial.at("reason"), one.reason);
-            EXPECT_EQ(trial.at("messages"), json(one.messages));
+        for (const json& load_test : diagnosis.at("trials")) {
+            EXPECT_EQ(load_test.at("end"), one.end);
+            EXPECT_EQ(load_test.at("reason"), one.reason);
+            EXPECT_EQ(load_test.at("messages"), json(one.messages));
         }
     }
 }
@@ -185,7 +185,7 @@ TEST(DoctorVerb, UsageIsChecked) {
     EXPECT_EQ(doctor({"a", "b"}).exit_code, 2);
 }
 
-TEST(ChildProcess, WhatIsWrittenAndHowItEndsComesBack) {
+TEST(ChildProcess, ReturnsOutputAndHowTheProgramEnded) {
     using std::chrono::seconds;
     const cli::ChildResult fine =
         cli::run_child("/bin/sh", {"-c", "echo out; echo err >&2; exit 7"}, seconds(60));
@@ -195,7 +195,7 @@ TEST(ChildProcess, WhatIsWrittenAndHowItEndsComesBack) {
     EXPECT_EQ(fine.err, "err\n");
 
     const cli::ChildResult input = cli::run_child("/bin/cat", {}, seconds(60));
-    EXPECT_EQ(input.exit_code, 0) << "there is nothing on its standard input";
+    EXPECT_EQ(input.exit_code, 0) << "its standard input is empty";
 
     const cli::ChildResult missing = cli::run_child("/nowhere/program", {}, seconds(60));
     EXPECT_EQ(missing.error, "No such file or directory");
@@ -207,7 +207,7 @@ TEST(ChildProcess, WhatIsWrittenAndHowItEndsComesBack) {
 
     const cli::ChildResult flood =
         cli::run_child("/bin/sh", {"-c", "head -c 6000000 /dev/zero"}, seconds(60));
-    EXPECT_EQ(flood.exit_code, 0) << "it is not stopped";
+    EXPECT_EQ(flood.exit_code, 0) << "it is not ended early";
     EXPECT_EQ(flood.out.size(), cli::kMostOutput);
 
     const cli::ChildResult closed = cli::run_child("/bin/sh", {"-c", "exec >&- 2>&-; sleep 600"}, seconds(1));

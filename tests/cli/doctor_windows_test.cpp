@@ -23,15 +23,15 @@ struct Case {
     std::string file_name;
     std::string bytes;
     ExitCode code;
-    Answer today;  ///< of the host on Windows
+    Answer today;  ///< of current hosts on Windows
     std::vector<std::string> findings;
 };
 
-TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
+TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldRefuse) {
     const Case cases[] = {
-        {"as hosts want it", "a.aex", made_pe(), ExitCode::fine, Answer::yes, {}},
-        {"the ending in capitals", "A.AEX", made_pe(), ExitCode::fine, Answer::yes, {}},
-        {"another ending", "a.dll", made_pe(), ExitCode::refused, Answer::no, {"wrong-name"}},
+        {"as hosts require it", "a.aex", made_pe(), ExitCode::fine, Answer::yes, {}},
+        {"an extension in capitals", "A.AEX", made_pe(), ExitCode::fine, Answer::yes, {}},
+        {"another extension", "a.dll", made_pe(), ExitCode::refused, Answer::no, {"wrong-name"}},
         {"a program", "a.aex", made_pe({.flags = 0x22}), ExitCode::refused, Answer::no, {"wrong-kind"}},
         {"for 32-bit hosts",
          "a.aex",
@@ -51,7 +51,7 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
          ExitCode::refused,
          Answer::no,
          {"no-properties"}},
-        {"the properties under another number",
+        {"properties with another number",
          "a.aex",
          made_pe({.resource_number = 1}),
          ExitCode::refused,
@@ -75,7 +75,7 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
          ExitCode::refused,
          Answer::no,
          {"property-wrong"}},
-        {"a kind that reads right in the wrong direction",
+        {"a kind in the wrong byte order",
          "a.aex",
          made_pe({.property_list = properties_with(true, {"kind", "AEgx"})}),
          ExitCode::refused,
@@ -117,25 +117,25 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
          ExitCode::fine,
          Answer::yes,
          {"property-unusual"}},
-        {"no function named",
+        {"no entry point named",
          "a.aex",
          made_pe({.property_list = properties_with(true, {"8664", ""})}),
          ExitCode::refused,
          Answer::no,
          {"property-missing"}},
-        {"a function without a name",
+        {"an entry point with an empty name",
          "a.aex",
          made_pe({.property_list = properties_with(true, {"8664", std::string(4, '\0')})}),
          ExitCode::refused,
          Answer::no,
          {"property-wrong"}},
-        {"a function that is not exported",
+        {"an entry point that is not exported",
          "a.aex",
          made_pe({.property_list = properties_with(true, {"8664", terminated_data("Other")})}),
          ExitCode::refused,
          Answer::no,
          {"entry-not-exported"}},
-        {"the entry of classic hosts alone",
+        {"only the entry of classic hosts",
          "a.aex",
          made_pe({.exports = {"Main_VORTANXR_AE"}}),
          ExitCode::refused,
@@ -147,13 +147,13 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
          ExitCode::refused,
          Answer::no,
          {"entry-missing", "entry-not-exported"}},
-        {"system libraries in any spelling",
+        {"system libraries in upper and lower case",
          "a.aex",
          made_pe({.needed = {"kernel32.DLL", "api-ms-win-core-file-l1-2-0.dll"}}),
          ExitCode::fine,
          Answer::yes,
          {}},
-        {"a library that nobody brings",
+        {"a library that comes with nothing",
          "a.aex",
          made_pe({.needed = {"libstdc++-6.dll", "libstdc++-6.dll"}}),
          ExitCode::refused,
@@ -165,7 +165,7 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
          ExitCode::fine,
          Answer::yes,
          {"library-elsewhere"}},
-        {"a library that is asked for later",
+        {"a library that is loaded later",
          "a.aex",
          made_pe({.delayed = {"other.dll"}}),
          ExitCode::fine,
@@ -177,8 +177,8 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
          ExitCode::refused,
          Answer::no,
          {"damaged", "no-properties"}},
-        {"a text", "a.aex", "text", ExitCode::refused, Answer::no, {"not-a-binary"}},
-        {"nothing", "a.aex", "", ExitCode::refused, Answer::no, {"not-a-binary"}},
+        {"a text file", "a.aex", "text", ExitCode::refused, Answer::no, {"not-a-binary"}},
+        {"an empty file", "a.aex", "", ExitCode::refused, Answer::no, {"not-a-binary"}},
     };
     for (const Case& one : cases) {
         SCOPED_TRACE(one.name);
@@ -188,7 +188,7 @@ TEST(DoctorOnWindowsFiles, FindsWhatHostsWouldNotTake) {
         EXPECT_EQ(answer(diagnosis, "windows", "today"), one.today);
         EXPECT_EQ(answer(diagnosis, "macintosh", "today"), Answer::no);
         EXPECT_EQ(codes_of(diagnosis), one.findings);
-        EXPECT_THAT(diagnosis.load_tests, IsEmpty()) << "nothing of it is loaded here";
+        EXPECT_THAT(diagnosis.load_tests, IsEmpty()) << "this system cannot load it";
     }
 }
 
@@ -200,8 +200,8 @@ TEST(DoctorOnWindowsFiles, ALibraryBesideThePlugInIsNotFound) {
     EXPECT_THAT(codes_of(diagnosis), ElementsAre("library-elsewhere"));
     EXPECT_EQ(
         diagnosis.findings[0].reason,
-        "the library \"other.dll\" lies beside the plug-in, where Windows does not look for it when a host "
-        "loads that");
+        "the library \"other.dll\" is beside the plug-in, where Windows does not look for it when a host "
+        "loads the plug-in");
 }
 
 TEST(DoctorOnWindowsFiles, DamageAnywhereIsReported) {

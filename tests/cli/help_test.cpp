@@ -14,7 +14,7 @@ namespace {
 
 using cli::HelpPage;
 
-// Every option, argument and exit code of every verb, with its page.
+// Every option, argument and exit code of every verb, with its help page.
 struct Documented {
     std::string command;
     cli::HelpEntry entry;
@@ -35,7 +35,7 @@ std::vector<Documented> documented() {
     return all;
 }
 
-TEST(Pages, EveryVerbHasExamplesThatBeginWithAProgramsName) {
+TEST(HelpPages, EveryVerbHasExamplesThatBeginWithTheNameOfAProgram) {
     for (const HelpPage& page : cli::program_help_pages()) {
         const bool group = page.usage.find(" VERB ") != std::string::npos && page.command != "vxr";
         EXPECT_TRUE(group || !page.examples.empty()) << page.command;
@@ -46,13 +46,13 @@ TEST(Pages, EveryVerbHasExamplesThatBeginWithAProgramsName) {
     }
 }
 
-TEST(Pages, EveryOptionIsDescribedInItsHelp) {
+TEST(HelpPages, DescribeEveryOption) {
     for (const Documented& one : documented()) {
         EXPECT_FALSE(one.entry.text.empty()) << one.command << ' ' << one.entry.names.front();
     }
 }
 
-TEST(Pages, DefaultsAndEnvironmentAreShown) {
+TEST(HelpPages, ShowDefaultsAndEnvironmentVariables) {
     bool host = false;
     bool bundle = false;
     for (const Documented& one : documented()) {
@@ -63,7 +63,7 @@ TEST(Pages, DefaultsAndEnvironmentAreShown) {
     EXPECT_TRUE(bundle);
 }
 
-TEST(Pages, NoLineOfAHelpIsWiderThanATerminalButForLongExamples) {
+TEST(HelpPages, FitATerminalExceptForLongExamples) {
     for (const HelpPage& page : cli::program_help_pages()) {
         std::istringstream lines(cli::help_page_text(page));
         for (std::string line; std::getline(lines, line);) {
@@ -80,7 +80,7 @@ TEST(Wrapped, Lines) {
     EXPECT_EQ(cli::wrapped("", 2, 5), "  \n");
 }
 
-TEST(ManPage, HasEveryOption) {
+TEST(ManualPage, ContainsEveryOption) {
     const std::string manual = cli::manual_page(cli::program_help_pages(), "vxr 1");
     EXPECT_EQ(manual.compare(0, 10, ".TH \"VXR\" "), 0);
     for (const Documented& one : documented()) {
@@ -95,13 +95,13 @@ TEST(ManPage, HasEveryOption) {
     }
 }
 
-TEST(ManPage, TextIsNoMacro) {
-    HelpPage program{"vxr", "summary", "vxr", {".TH is no macro here, nor is a \\fB"}, {}, {}};
-    EXPECT_NE(cli::manual_page({program}, "1").find("\n\\&.TH is no macro here, nor is a \\efB\n"),
+TEST(ManualPage, TextIsNeverAMacro) {
+    HelpPage program{"vxr", "summary", "vxr", {".TH is not a macro here, nor is a \\fB"}, {}, {}};
+    EXPECT_NE(cli::manual_page({program}, "1").find("\n\\&.TH is not a macro here, nor is a \\efB\n"),
               std::string::npos);
 }
 
-// What bash offers for the words of a command line, the last of them being completed.
+// What bash offers for the last of the words of a command line.
 std::string completions(const std::vector<std::string>& words) {
     const TemporaryFolder folder;
     folder.write("shot.aec", "");
@@ -110,7 +110,7 @@ std::string completions(const std::vector<std::string>& words) {
     for (const std::string& word : words) {
         array += " '" + word + "'";
     }
-    // compopt belongs to a completion that is under way, which this is not.
+    // compopt works only while bash completes a word, which it does not do here.
     const ProcessResult run =
         run_process({"env", "-C", folder.folder().string(), "bash", "-c",
                      "compopt() { :; }; source " + script + "; COMP_WORDS=(" + array +

@@ -6,21 +6,21 @@
 #include "support/made_binary.h"
 #include "support/temporary_folder.h"
 
-/// A Macintosh bundle folder as hosts want it; a test changes one member. An empty text leaves the file out.
+/// A macOS bundle folder as hosts require it; a test changes one member. An empty text leaves its file out.
 struct MadePlugin {
     std::string folder = "Sample.plugin";
     std::string executable = "Sample";
     std::string package_type = "AEgx";
     std::string signature = "FXTC";
     std::string executable_key = "Sample";
-    std::string plist = {};  ///< instead of the one made of the above
+    std::string plist = {};  ///< instead of the one made from the members above
     bool has_plist = true;
     std::string code = made_universal({made_mach_o({.processor = 0x01000007}), made_mach_o()});
     std::string resources_name = "Sample.rsrc";
     std::string resources = made_resource_file();
 };
 
-/// Writes it and returns the path of the folder.
+/// Writes the bundle and returns the path of its folder.
 inline std::string write_plugin(const TemporaryFolder& where, const MadePlugin& plugin = {}) {
     const std::string contents = plugin.folder + "/Contents";
     for (const char* const folder : {"/MacOS", "/Resources"}) {

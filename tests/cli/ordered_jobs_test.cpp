@@ -11,7 +11,7 @@
 
 namespace {
 
-TEST(OrderedJobs, ReportsInOrderWhateverIsFinishedFirst) {
+TEST(OrderedJobs, ReportsInOrderWhicheverJobEndsFirst) {
     for (const std::size_t threads : {1U, 2U, 8U, 100U}) {
         std::vector<std::size_t> reported;
         std::vector<std::size_t> done;
@@ -35,12 +35,12 @@ TEST(OrderedJobs, ReportsInOrderWhateverIsFinishedFirst) {
     }
 }
 
-TEST(OrderedJobs, NothingToDoIsDoneAtOnce) {
+TEST(OrderedJobs, NoJobsAreFinishedAtOnce) {
     cli::run_in_order<int>(
         0, 4, [](std::size_t) { return 0; }, [](std::size_t) { FAIL(); }, [](std::size_t, int) { FAIL(); });
 }
 
-TEST(OrderedJobs, AnExceptionWhileReportingEndsTheWork) {
+TEST(OrderedJobs, AnExceptionWhileReportingStopsTheJobs) {
     std::atomic<int> begun = 0;
     EXPECT_THROW(cli::run_in_order<int>(
                      1000, 2,

@@ -1,5 +1,5 @@
-// The files that the verbs write, when the disk is full or something else is in their place: the old file
-// stays, no partial or temporary file is left, and a message says what is wrong and where.
+// What happens to the files that the verbs write when the disk is full or something else is in their place:
+// the old file stays, no partial or temporary file remains, and a message says what is wrong and where.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -39,7 +39,7 @@ std::vector<std::string> names_in(const TemporaryFolder& folder) {
 
 using Command = std::vector<std::string>;
 
-/// Runs the program in `folder`, for at most a minute, with files limited to `limit_blocks` of 512 bytes.
+/// Runs the program in `folder` for at most a minute. No file may exceed `limit_blocks` blocks of 512 bytes.
 Command command_in(const TemporaryFolder& folder, const Command& arguments, const std::string& limit_blocks) {
     Command command{"env", "-C", folder.folder().string(), "timeout", "60", "sh", "-c"};
     command.insert(command.end(), {R"(ulimit -f "$1"; shift; exec "$@")", "sh", limit_blocks, VXR_PROGRAM});
@@ -52,7 +52,7 @@ ProcessResult vxr(const TemporaryFolder& folder, const Command& arguments,
     return run_process(command_in(folder, arguments, limit_blocks));
 }
 
-/// Runs it as an unprivileged user when the tests run as root.
+/// Runs the program as an unprivileged user when the tests run as root.
 ProcessResult vxr_of_ordinary_user(const TemporaryFolder& folder, const Command& arguments) {
     Command command = command_in(folder, arguments, "unlimited");
     if (::geteuid() == 0) {
@@ -73,8 +73,8 @@ struct Format {
     int alphas = 0;
 };
 
-// Every format that can be written, each by one of its extensions; some several times, once for each way
-// through the writer.
+// Every format that can be written, by one of its extensions; some several times, once for each path through
+// the writer.
 constexpr Format kFormats[] = {
     {"bmp"},
     {"dpx"},
@@ -102,7 +102,7 @@ constexpr Format kFormats[] = {
 };
 
 TEST(FullDisk, EveryFormatLeavesTheOldFileAndNothingElse) {
-    // Codecs keep memory until the process ends.
+    // Codecs hold memory until the process ends.
     const std::vector<std::pair<std::string, std::string>> environment{{"ASAN_OPTIONS", "detect_leaks=0"}};
     for (const Format& format : kFormats) {
         const TemporaryFolder folder;
@@ -111,7 +111,7 @@ TEST(FullDisk, EveryFormatLeavesTheOldFileAndNothingElse) {
         const Command arguments{"texture", "convert", "a.txl", "-o", output};
         SCOPED_TRACE(output + ", " + std::to_string(format.alphas) + " alphas");
         folder.write(output, kOld);
-        // It can be written when there is room, so the failure below is about room.
+        // The file can be written when there is space, so the failure below is about space.
         const ProcessResult room = run_process(command_in(folder, arguments, "unlimited"), environment);
         ASSERT_EQ(room.exit_code, 0) << room.err;
         const auto whole_bytes = static_cast<int>(fs::file_size(folder.path(output)));
@@ -131,7 +131,8 @@ struct Reason {
     const char* text;
 };
 
-// Files written in memory first, by the program itself, and by writers that only write files.
+// Covers files that are written in memory first, by the program itself, and by writers that write only to
+// files.
 TEST(FullDisk, TheMessageSaysWhatAndWhere) {
     const Reason reasons[] = {
         {"png", "b.png: error: b.png: File too large [not-written]\n"},
@@ -250,7 +251,7 @@ TEST(SomethingInTheWay, IsAnErrorAndStaysAsItWas) {
          "Too many levels of symbolic links"},
         {"link onto itself", link_onto_itself, "Too many levels of symbolic links",
          "Too many levels of symbolic links"},
-        {"link into no folder", link_into_no_folder, "No such file or directory",
+        {"link into a missing folder", link_into_no_folder, "No such file or directory",
          "No such file or directory"},
         {"folder", folder_there, "not a regular file", "not a regular file"},
         {"pipe without a reader", pipe_without_reader, "not a regular file", "No such device or address"},
@@ -301,7 +302,7 @@ TEST(SomethingInTheWay, FilesAndFoldersThatMayNotBeWrittenStay) {
     }
 }
 
-TEST(SomethingInTheWay, ALinkToNoFileYetMakesTheFile) {
+TEST(SomethingInTheWay, ALinkToAMissingFileCreatesTheFile) {
     for (const Writer& writer : writers()) {
         const TemporaryFolder folder;
         make_texture(folder, Texture::kRgb, 0, 8);
@@ -318,10 +319,10 @@ TEST(SomethingInTheWay, ALinkToNoFileYetMakesTheFile) {
     }
 }
 
-TEST(WrittenAsItIs, DevicesPipesAndTheStandardOutput) {
+TEST(WrittenDirectly, DevicesPipesAndTheStandardOutput) {
     const TemporaryFolder folder;
     EXPECT_EQ(vxr(folder, {"import", "--save", "/dev/null", "--log", "/dev/null", kLantern}).exit_code, 2)
-        << "both in one file";
+        << "both to one file";
     EXPECT_EQ(vxr(folder, {"import", "--log", "/dev/null", kLantern}).exit_code, 0);
     const ProcessResult out = vxr(folder, {"import", "--save", "/dev/stdout", kLantern});
     EXPECT_EQ(out.exit_code, 0) << out.err;
@@ -333,14 +334,14 @@ TEST(WrittenAsItIs, DevicesPipesAndTheStandardOutput) {
     make_pipe(folder.path("pipe"));
     auto read = std::async(std::launch::async, [&] { return content_of(folder.path("pipe")); });
     ProcessResult run;
-    do {  // until the reader is there
+    do {  // until the reader has opened the pipe
         run = vxr(folder, {"import", "--save", "pipe", kLantern});
     } while (run.exit_code == 3);
     EXPECT_EQ(run.exit_code, 0) << run.err;
     EXPECT_THAT(read.get(), HasSubstr("\"schema\": 1"));
 }
 
-TEST(FormatsThatMakeNoFile, AreRefused) {
+TEST(FormatsThatWriteNoFile, AreRefused) {
     const TemporaryFolder folder;
     make_texture(folder, Texture::kRgb, 0, 8);
     for (const char* output : {"a.null", "a.term"}) {
@@ -351,8 +352,8 @@ TEST(FormatsThatMakeNoFile, AreRefused) {
     EXPECT_THAT(names_in(folder), ElementsAre("a.txl"));
 }
 
-// Some codecs of the library write nothing for a picture this small, and report no error.
-TEST(FormatsThatMakeNoFile, AnImageOfNoBytesIsAnError) {
+// Some codecs of the library write nothing for an image this small, and report no error.
+TEST(FormatsThatWriteNoFile, AnEmptyImageFileIsAnError) {
     const TemporaryFolder folder;
     make_texture(folder, Texture::kRgb, 0, 8);
     const ProcessResult run = vxr(folder, {"texture", "convert", "a.txl", "-o", "a.j2k"});

@@ -1,5 +1,4 @@
-// A plug-in that does what no plug-in should, as the environment variable VXR_UNRULY says, and otherwise
-// registers nothing.
+// A plug-in that registers nothing and misbehaves as the environment variable VXR_UNRULY says.
 
 #include <chrono>
 #include <csignal>

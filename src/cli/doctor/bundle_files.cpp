@@ -16,7 +16,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Between the parts of a path; Windows takes either.
+/// Separates the components of a path; Windows accepts either.
 constexpr const char* kSeparators = fs::path::preferred_separator == '/' ? "/" : "/\\";
 
 }  // namespace
@@ -37,10 +37,10 @@ ReadFile read_file(const std::string& path) {
         failure || size > kLargestFile) {
         file.error = failure ? failure.message()
                              : std::to_string(size) + " bytes; more than " + std::to_string(kLargestFile) +
-                                   " are not looked at";
+                                   " are not read";
         return file;
     }
-    // It may have become another file since, or a pipe: what is opened now is a regular file or nothing.
+    // The path may name another file or a pipe by now; only a regular file is opened.
     const os::InputFile in = os::open_input_file(path);
     if (in == nullptr) {
         file.error = "it cannot be read";
@@ -56,7 +56,7 @@ ReadFile read_file(const std::string& path) {
         bytes.append(block.data(), count);
     }
     if (std::ferror(in.get()) != 0 || bytes.size() > kLargestFile) {
-        file.error = std::ferror(in.get()) != 0 ? "it cannot be read" : "it grows while it is read";
+        file.error = std::ferror(in.get()) != 0 ? "it cannot be read" : "it grows while it is being read";
         return file;
     }
     file.bytes = std::move(bytes);

@@ -5,15 +5,15 @@
 namespace cli::doctor {
 namespace {
 
-/// What a file is, in words that follow "a".
+/// What the file is: follows "this is".
 std::string file_words(const Diagnosis& diagnosis) {
     if (diagnosis.images.empty()) {
-        return "no plug-in";
+        return "not a plug-in";
     }
     const BinaryFacts& first = diagnosis.images.front();
     return first.container == "ELF"  ? "a Linux " + first.kind
            : first.container == "PE" ? "a Windows " + first.kind
-                                     : "a Macintosh " + first.kind;
+                                     : "a macOS " + first.kind;
 }
 
 std::string processors(const Diagnosis& diagnosis) {
@@ -28,8 +28,8 @@ bool is_container(const Diagnosis& diagnosis, const char* container) {
     return !diagnosis.images.empty() && diagnosis.images.front().container == container;
 }
 
-/// Hosts that read the properties of a file before they load it. They cannot be run here: the answer is what
-/// the rules say.
+/// Current hosts read the properties of a file before they load it. They cannot be run here, so the answer
+/// follows from their rules.
 Compatibility by_the_rules(const Diagnosis& diagnosis, const char* platform, const char* container) {
     Compatibility host{platform, "today", Answer::no, "this is " + file_words(diagnosis)};
     if (!is_container(diagnosis, container)) {
@@ -50,8 +50,8 @@ Compatibility classic_by_the_rules(const Diagnosis& diagnosis, const char* platf
         diagnosis.images.begin(), diagnosis.images.end(),
         [](const BinaryFacts& image) { return image.processor == "i386" || image.processor == "powerpc"; });
     host.answer = old ? Answer::not_tried : Answer::no;
-    host.reason = old ? "how those hosts find the code for 32-bit processors is not looked at"
-                      : "those hosts are 32-bit programs, this is for " + processors(diagnosis);
+    host.reason = old ? "how those hosts find code for 32-bit processors is not checked"
+                      : "those hosts are 32-bit programs, and this is for " + processors(diagnosis);
     return host;
 }
 
@@ -66,7 +66,7 @@ Compatibility by_load_test(const Diagnosis& diagnosis, const char* generation) {
             host.reason =
                 diagnosis.images.empty() ? host.reason : diagnosis.first_error().value_or(host.reason);
         } else {
-            host.reason = "this is " + file_words(diagnosis) + ", which is not loaded here";
+            host.reason = "this is " + file_words(diagnosis) + ", which cannot be loaded here";
         }
         return host;
     }

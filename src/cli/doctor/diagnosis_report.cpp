@@ -17,9 +17,9 @@ using Json = nlohmann::ordered_json;
 
 constexpr int kDoctorSchema = 1;
 
-std::string host_words(const Compatibility& host) {
+std::string host_label(const Compatibility& host) {
     const std::string place = host.platform == "windows"     ? "Windows"
-                              : host.platform == "macintosh" ? "Macintosh"
+                              : host.platform == "macintosh" ? "macOS"
                                                              : "embedded host";
     return place + ", " + host.generation;
 }
@@ -48,7 +48,7 @@ std::string compatibility_text(const Diagnosis& diagnosis, const Paint& paint) {
     TextTable table;
     table.add({{"host", Ink::bold}, {"lists it", Ink::bold}, {"because", Ink::bold}});
     for (const Compatibility& host : diagnosis.compatibility) {
-        table.add({{host_words(host)}, answer_cell(host.answer), {text::printable(host.reason)}});
+        table.add({{host_label(host)}, answer_cell(host.answer), {text::printable(host.reason)}});
     }
     std::string text;
     for (const std::string& line : table.lines(paint)) {

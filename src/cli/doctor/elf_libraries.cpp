@@ -16,11 +16,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Files of settings name further ones; nobody nests them deeper.
+/// The loader's settings files can include each other, also in a circle.
 constexpr int kDeepestInclude = 8;
 
-/// Adds the folders that a file of the loader's settings names; `include` takes a path with one * in its
-/// name.
+/// Adds the folders that one of the loader's settings files lists. Its `include` takes a path with at most
+/// one * in the name.
 void add_listed_folders(const fs::path& settings, int depth, std::vector<std::string>& folders) {
     std::ifstream in(settings);
     for (std::string line; depth < kDeepestInclude && std::getline(in, line);) {
@@ -64,7 +64,7 @@ const std::vector<std::string>& system_folders() {
     return kFolders;
 }
 
-/// The usual loader of this processor, or of any other, is installed under this name.
+/// Whether this system has an ELF loader, for this processor or any other: they are all named ld-*.
 bool is_elf_system() {
     std::error_code failure;
     for (const std::string& folder : system_folders()) {
@@ -86,7 +86,7 @@ void add_path_list(const std::string& list, std::vector<std::string>& folders) {
     }
 }
 
-/// $ORIGIN is the folder of the file itself.
+/// Replaces $ORIGIN by the folder of the file itself.
 std::string with_origin(std::string folder, const std::string& origin) {
     for (const char* const word : {"$ORIGIN", "${ORIGIN}"}) {
         if (const std::size_t at = folder.find(word); at != std::string::npos) {
@@ -102,7 +102,8 @@ bool is_library_for(const binary_file::BinaryImage& image, const std::string& pa
         return false;
     }
     std::array<char, 64> begin{};
-    // Of the beginning alone width and processor are read, and the rest is damage that nobody asks about.
+    // The beginning is enough for word size and processor. The reader reports the rest as damage, which is
+    // ignored.
     const std::string_view bytes(begin.data(), std::fread(begin.data(), 1, begin.size(), in.get()));
     if (!binary_file::is_elf_file(bytes)) {
         return false;

@@ -96,7 +96,7 @@ class Inspection {
         }
         const std::optional<BinaryFile> binary = binary_file::read_binary_file(*file.bytes);
         if (!binary) {
-            add(Finding::not_a_binary, {file.path}, "the file is neither ELF nor PE nor Mach-O");
+            add(Finding::not_a_binary, {file.path}, "the file is not ELF, PE or Mach-O");
             return;
         }
         look_at_images(*binary);
@@ -132,7 +132,7 @@ class Inspection {
             damage.what());
     }
 
-    /// A whole file has no offset worth telling; the part of a universal one does.
+    /// Only the parts of a universal file have an offset.
     [[nodiscard]] diagnostic::Place place_of(const BinaryImage& image) const {
         return {diagnosis_.binary, image.offset_bytes == 0
                                        ? std::nullopt
@@ -142,7 +142,7 @@ class Inspection {
     void check_image(const BinaryImage& image) {
         const diagnostic::Place at = place_of(image);
         if (!image.loadable && !image.damage) {
-            add(Finding::wrong_kind, at, "the code is a " + image.kind + ", not a library to be loaded");
+            add(Finding::wrong_kind, at, "the code is a " + image.kind + ", not a loadable library");
         }
         if (image.container == Container::mach_o && !image.has_signature && !image.damage) {
             add(Finding::not_signed, at, "the code for " + image.processor + " is not signed");
@@ -174,7 +174,7 @@ class Inspection {
         }
         if (image.processor != "x86-64" && !image.damage) {
             add(Finding::wrong_processor, {diagnosis_.binary},
-                "the code is for " + image.processor + "; today's hosts on Windows run on x86-64");
+                "the code is for " + image.processor + "; current hosts on Windows run on x86-64");
         }
         check_properties(diagnosis_.binary, image.property_lists, binary_file::PropertyForm::windows, images,
                          diagnosis_);
@@ -186,13 +186,13 @@ class Inspection {
         });
         const bool has_entry = std::any_of(diagnosis_.images.begin(), diagnosis_.images.end(),
                                            [](const BinaryFacts& image) { return !image.entries.empty(); });
-        // Nothing is called in other libraries, so nothing of them is to run here either.
+        // A library without either entry is not a plug-in, and no code of it runs here.
         if (!loadable || !has_entry) {
             return;
         }
         for (const embedded::HostGeneration generation :
              {embedded::HostGeneration::today, embedded::HostGeneration::classic}) {
-            // What the system does not load it loads for no host.
+            // What the system cannot load, it cannot load for any host.
             if (!diagnosis_.load_tests.empty() &&
                 diagnosis_.load_tests.front().end == LoadOutcome::not_loadable) {
                 diagnosis_.load_tests.push_back(diagnosis_.load_tests.front());
@@ -212,7 +212,7 @@ class Inspection {
                 if (!load_test.registered.empty()) {
                     return;
                 }
-                reason += "neither an importer nor an input module is registered";
+                reason += "it registers neither an importer nor an input module";
                 break;
             case LoadOutcome::failed:
                 finding = Finding::entry_failed;

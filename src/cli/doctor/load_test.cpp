@@ -31,7 +31,7 @@ std::string crash_reason(const ChildResult& child) {
            std::to_string(child.exit_code.value_or(-1)) + " and no result";
 }
 
-/// The last lines of a text, so that the cause of a crash is among them and a flood is not.
+/// The last few lines of a text: the cause of a crash is usually among them, and a flood of output is not.
 std::vector<std::string> last_lines(const std::string& text) {
     constexpr std::size_t kMost = 5;
     std::vector<std::string> lines;
@@ -53,7 +53,7 @@ std::vector<std::string> last_lines(const std::string& text) {
 LoadTest load_here(const std::string& bundle, embedded::HostGeneration generation) {
     LoadTest load_test;
     load_test.generation = embedded::generation_label(generation);
-    // Whoever watches this process is to see the bundle's own end, not one that a sanitizer makes of it.
+    // The parent process must see how the bundle itself ends, not what a sanitizer turns that into.
     for (const int crash : {SIGSEGV, SIGFPE, SIGILL}) {
         std::signal(crash, SIG_DFL);
     }
@@ -81,9 +81,9 @@ LoadTest load_apart(const std::string& bundle, embedded::HostGeneration generati
     const ChildResult child =
         run_child(os::program_path(), {"doctor", "--load", word, "--", bundle}, longest);
     if (!child.error.empty()) {
-        throw std::runtime_error("the process that is to load the plug-in was not started: " + child.error);
+        throw std::runtime_error("cannot start the process that loads the plug-in: " + child.error);
     }
-    // Whatever else the bundle wrote comes before.
+    // Anything that the bundle itself writes comes before the result.
     const std::vector<std::string> lines = last_lines(child.out);
     const std::optional<LoadTest> told = lines.empty() ? std::nullopt : read_load_test_line(lines.back());
     if (told && child.exit_code == 0) {

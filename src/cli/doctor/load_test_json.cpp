@@ -22,7 +22,7 @@ Json texts(const std::vector<std::string>& all) {
     return json;
 }
 
-/// Texts that are not UTF-8 come as an object; what is shown of them is the hexadecimal in it.
+/// A text that is not UTF-8 is an object in the JSON; its hexadecimal bytes are shown instead.
 std::string text_of(const Json& json) {
     return json.is_object() ? json.at("bytes").get<std::string>() : json.get<std::string>();
 }

@@ -32,7 +32,7 @@ class MacosChecks {
         MacosBundle bundle;
         bundle.contents = folder.substr(0, folder.find_last_not_of('/') + 1) + "/Contents";
         if (path_kind(bundle.contents) != PathKind::folder) {
-            add(Finding::not_a_bundle, {folder}, "the folder has no folder Contents, so it is no bundle");
+            add(Finding::not_a_bundle, {folder}, "the folder has no folder Contents, so it is not a bundle");
             return bundle;
         }
         if (!has_ending(last_name(folder), ".plugin")) {
@@ -41,7 +41,7 @@ class MacosChecks {
         const std::string code = bundle.contents + "/MacOS";
         bundle.name = read_plist(bundle.contents + "/Info.plist").value_or("");
         if (bundle.name.empty()) {
-            // Without a name the only file there can still be looked at.
+            // Without a name, the only file in the folder is still inspected.
             bundle.name = only_file(code, "").value_or("");
         }
         if (bundle.name.empty() || path_kind(code + '/' + bundle.name) != PathKind::file) {
@@ -65,7 +65,7 @@ class MacosChecks {
         } else if (!has("x86-64") && !has("arm64")) {
             add(Finding::wrong_processor, {binary},
                 "the code is for " + images.front().processor +
-                    "; today's Macintosh hosts run on x86-64 and arm64");
+                    "; current hosts on macOS run on x86-64 and arm64");
         } else if (!has("x86-64") || !has("arm64")) {
             add(Finding::processor_missing, {binary},
                 std::string("there is no code for ") + (has("arm64") ? "x86-64" : "arm64"));
@@ -78,7 +78,7 @@ class MacosChecks {
         if (path_kind(path) == PathKind::missing) {
             const std::optional<std::string> other = only_file(folder, ".rsrc");
             add(Finding::no_properties, {path},
-                "there is no such file, in which the properties are looked for" +
+                "the file that hosts read the properties from does not exist" +
                     (other ? "; " + text::quoted(*other) + " is not named after the code" : std::string()));
             if (!other) {
                 return;
@@ -113,7 +113,7 @@ class MacosChecks {
         }
         const InfoPlist plist = binary_file::read_info_plist(*file.bytes);
         if (plist.binary) {
-            add(Finding::plist_binary, {path}, "a binary property list; what it says is not known here");
+            add(Finding::plist_binary, {path}, "this is a binary property list, which is not read here");
             return std::nullopt;
         }
         if (plist.damage) {

@@ -31,7 +31,7 @@ bool is_file(const std::string& path) {
     return path_kind(path) == PathKind::file;
 }
 
-// What every Windows that hosts run on brings; a plug-in of this kind needs the first two.
+// Libraries that come with every Windows that hosts run on. A plug-in of this kind needs the first two.
 constexpr std::array<std::string_view, 38> kWindowsLibraries{
     "kernel32.dll", "msvcrt.dll",     "advapi32.dll", "bcrypt.dll",  "cfgmgr32.dll", "comctl32.dll",
     "comdlg32.dll", "crypt32.dll",    "d2d1.dll",     "d3d11.dll",   "d3d9.dll",     "dbghelp.dll",
@@ -49,7 +49,7 @@ Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& librar
     }
     if (is_file(folder_of(binary) + '/' + std::string(library.name))) {
         return {Where::elsewhere,
-                "lies beside the plug-in, where Windows does not look for it when a host loads that"};
+                "is beside the plug-in, where Windows does not look for it when a host loads the plug-in"};
     }
     for (const std::string_view runtime : {"vcruntime", "msvcp", "concrt"}) {
         if (begins_with(name, runtime)) {
@@ -59,7 +59,7 @@ Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& librar
     return {Where::missing, "does not come with Windows"};
 }
 
-/// @loader_path is the folder of the plug-in's own file; @rpath each of its search paths.
+/// @loader_path is the folder of the plug-in's own file, @rpath each of its search paths.
 Lookup look_up_on_macos(const std::string& binary, const BinaryImage& image, const NeededLibrary& library) {
     const std::string path(library.name);
     if (begins_with(path, "/usr/lib/") || begins_with(path, "/System/")) {

@@ -42,7 +42,7 @@ std::optional<std::string> owned(std::optional<std::string_view> text) {
     return text ? std::optional<std::string>(*text) : std::nullopt;
 }
 
-/// The value of a property in the words of its key.
+/// The value of a property, as its key defines it.
 std::string value_text(const Property& property, PropertyForm form) {
     std::optional<std::string> text;
     if (property.key == "kind") {
@@ -106,7 +106,7 @@ class PropertyChecks {
         if (kind != nullptr && kind->code() != "AEgx") {
             add(Finding::property_wrong, kind,
                 "the kind \"kind\" is " + text::quoted(kind->code().value_or(bytes_text(kind->data.all()))) +
-                    ", not \"AEgx\", general plug-ins");
+                    ", not \"AEgx\", the kind of general plug-ins");
         }
     }
 
@@ -115,7 +115,7 @@ class PropertyChecks {
         if (text != nullptr && text->counted_text().value_or("").empty()) {
             add(Finding::property_wrong, text,
                 "the property \"" + std::string(key) +
-                    "\" is no text behind its length, or an empty one: " + what);
+                    "\" is empty, or not a text with its length in front: " + what);
         }
     }
 
@@ -158,10 +158,10 @@ void check_properties(const std::string& file, const std::vector<binary_file::Re
                       PropertyForm form, const std::vector<BinaryImage>& images, Diagnosis& diagnosis) {
     if (resources.empty()) {
         diagnosis.findings.push_back(
-            diagnostic::make(Finding::no_properties, {file}, "there is no resource of the type PiPL"));
+            diagnostic::make(Finding::no_properties, {file}, "there is no PiPL resource"));
         return;
     }
-    // Hosts take the one with their number; the first of several stands for them all.
+    // Hosts read the resource with their number. Without it, the first one is checked.
     const auto usual = std::find_if(resources.begin(), resources.end(),
                                     [](const binary_file::Resource& one) { return one.number == kNumber; });
     const binary_file::Resource& resource = usual == resources.end() ? resources.front() : *usual;
@@ -169,7 +169,7 @@ void check_properties(const std::string& file, const std::vector<binary_file::Re
     if (usual == resources.end()) {
         diagnosis.findings.push_back(diagnostic::make(
             Finding::properties_number, {file, static_cast<std::int64_t>(at)},
-            "the resource PiPL has " +
+            "the PiPL resource has " +
                 (resource.number ? "the number " + std::to_string(*resource.number) : "a name") +
                 ", not the number " + std::to_string(kNumber)));
     }

@@ -6,15 +6,15 @@
 namespace cli {
 namespace {
 
-// What may follow a page's command: its verbs and its options.
-struct Words {
+// What may follow the command of a help page: its verbs and its options.
+struct Completions {
     std::string verbs;
     std::string options;
-    std::string with_value;  ///< options whose next word is a value, as a pattern: "--save|--log"
-    std::string choices;     ///< assignments of the words that an option's value may be
+    std::string with_value;  ///< options that take a value, as a pattern: "--save|--log"
+    std::string choices;     ///< assignments of the fixed values of each option
 };
 
-/// The words in lower case of a value like "classic|today|MAJOR.MINOR", each with a blank behind it.
+/// The lower-case alternatives of a value like "classic|today|MAJOR.MINOR", each followed by a space.
 std::string choices_of(const std::string& value) {
     std::string choices;
     std::istringstream alternatives(value);
@@ -26,19 +26,19 @@ std::string choices_of(const std::string& value) {
     return choices;
 }
 
-Words words_of(const HelpPage& page) {
-    Words words;
+Completions completions_of(const HelpPage& page) {
+    Completions completions;
     for (const HelpSection& section : page.sections) {
         for (const HelpEntry& entry : section.entries) {
             for (const std::string& name : entry.names) {
                 if (section.title == "Verbs") {
-                    words.verbs += name.substr(0, name.find(' ')) + ' ';
+                    completions.verbs += name.substr(0, name.find(' ')) + ' ';
                 } else if (!entry.positional) {
-                    words.options += name + ' ';
-                    words.with_value +=
-                        entry.value.empty() ? "" : (words.with_value.empty() ? "" : "|") + name;
+                    completions.options += name + ' ';
+                    completions.with_value +=
+                        entry.value.empty() ? "" : (completions.with_value.empty() ? "" : "|") + name;
                     if (const std::string choices = choices_of(entry.value); !choices.empty()) {
-                        words.choices.append("            choices[")
+                        completions.choices.append("            choices[")
                             .append(name)
                             .append("]=\"")
                             .append(choices)
@@ -48,7 +48,7 @@ Words words_of(const HelpPage& page) {
             }
         }
     }
-    return words;
+    return completions;
 }
 
 constexpr const char* kHead = R"(# bash completion for vxr; written by `vxr completion bash`
@@ -97,13 +97,13 @@ std::string bash_completion(const std::vector<HelpPage>& pages) {
     }
     script += kMiddle;
     for (const HelpPage& page : pages) {
-        Words words = words_of(page);
+        Completions completions = completions_of(page);
         if (page.command == pages.front().command + " help") {
-            words.verbs = words_of(pages.front()).verbs;
+            completions.verbs = completions_of(pages.front()).verbs;
         }
-        script += "        \"" + page.command + "\")\n            verbs=\"" + words.verbs +
-                  "\"\n            options=\"" + words.options + "\"\n            values=\"" +
-                  words.with_value + "\"\n" + words.choices + "            ;;\n";
+        script += "        \"" + page.command + "\")\n            verbs=\"" + completions.verbs +
+                  "\"\n            options=\"" + completions.options + "\"\n            values=\"" +
+                  completions.with_value + "\"\n" + completions.choices + "            ;;\n";
     }
     return script + kTail;
 }

@@ -26,7 +26,8 @@ HelpEntry entry_of(const OptionFacts& option) {
     return entry;
 }
 
-// One section a group, in the order in which the groups come up; positionals first, help last.
+// One section for each group, in the order of their first options; positional arguments come first, help
+// last.
 std::vector<HelpSection> option_sections(const std::vector<OptionFacts>& options) {
     std::vector<HelpSection> sections;
     const auto section = [&](const std::string& title) -> HelpSection& {

@@ -5,8 +5,9 @@
 namespace cli {
 namespace {
 
-// Text for troff: a backslash begins an escape, a minus would become a hyphen, and a full stop or quote at
-// the beginning of a line a macro. A grave accent begins what was meant as code.
+// Escapes text for troff: a backslash begins an escape sequence, a minus becomes a hyphen, and a full stop or
+// quote at the beginning of a line makes it a macro. A grave accent marks code and would become a curly
+// quote.
 std::string roff(const std::string& text) {
     std::string out = !text.empty() && (text[0] == '.' || text[0] == '\'') ? "\\&" : "";
     for (const char c : text) {
@@ -46,7 +47,7 @@ std::string examples_roff(const std::vector<Example>& examples) {
     return out;
 }
 
-// What a verb adds; exit codes and help are the program's own sections.
+// The section of a verb. Exit codes and help are common to all and stand in sections of the program.
 std::string verb_roff(const HelpPage& page) {
     std::string out = ".SS \"" + roff(page.usage) + "\"\n" + roff(page.summary) + '\n';
     for (const std::string& paragraph : page.paragraphs) {

@@ -1,6 +1,7 @@
 #pragma once
 
-// Running a program to its end, watched. One implementation a platform: child_process_<name>.cpp.
+// Runs a program and captures how it ends. One implementation for each platform:
+// child_process_<platform>.cpp.
 
 #include <chrono>
 #include <filesystem>
@@ -11,18 +12,18 @@
 namespace cli {
 
 struct ChildResult {
-    std::string error;             ///< why it was not started; empty when it was
-    bool timed_out = false;        ///< it was ended from here
+    std::string error;             ///< why it could not be started; empty when it was
+    bool timed_out = false;        ///< run_child() ended it
     std::optional<int> exit_code;  ///< nothing when it did not exit by itself
     std::string signal;            ///< what ended it instead: "SIGSEGV, Segmentation fault"
-    std::string out;               ///< what it wrote, at most kMostOutput bytes of each
+    std::string out;               ///< its output, at most kMostOutput bytes of each stream
     std::string err;
 };
 
 inline constexpr std::size_t kMostOutput = std::size_t{4} << 20U;
 
-/// Runs `program` with `arguments` (without its own name) and nothing on its standard input, and waits until
-/// it is over or `longest` has passed, when it is ended.
+/// Runs `program` with `arguments` (without its own name) and an empty standard input, and waits for it. Ends
+/// the process when it takes longer than `longest`.
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                       std::chrono::seconds longest);
 

@@ -14,7 +14,7 @@
 #include "cli/terminal/child_process.h"
 
 #if defined(__APPLE__)
-// Nothing declares it there.
+// No header declares it on macOS.
 extern char** environ;
 #endif
 
@@ -23,7 +23,7 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
-/// Both ends of a pipe, closed when it goes.
+/// Both ends of a pipe; the destructor closes them.
 class Pipe {
   public:
     Pipe() {
@@ -80,8 +80,7 @@ std::string signal_text(int number) {
     return words == nullptr ? text : text + ", " + words;
 }
 
-/// Takes what there is to read from both pipes until both are closed; false when the time is over before
-/// that.
+/// Reads from both pipes until both are closed. Returns false when time runs out before that.
 bool read_until_closed(const Pipe& out, const Pipe& err, ChildResult& result, Clock::time_point end) {
     std::array<pollfd, 2> watched{{{out.end(0), POLLIN, 0}, {err.end(0), POLLIN, 0}}};
     const std::array<std::string*, 2> texts{&result.out, &result.err};
@@ -110,7 +109,7 @@ bool read_until_closed(const Pipe& out, const Pipe& err, ChildResult& result, Cl
     return true;
 }
 
-/// False when the time is over before the process is.
+/// Returns false when time runs out before the process has ended.
 bool wait_until_over(pid_t child, int& status, Clock::time_point end) {
     constexpr useconds_t kPause = 5000;
     while (::waitpid(child, &status, WNOHANG) == 0) {
@@ -153,7 +152,7 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
 
     const Clock::time_point end = Clock::now() + longest;
     int status = 0;
-    // A process of its own that the child left behind may hold the pipes open: the time ends that, too.
+    // A process that the child left behind may keep the pipes open: the time limit covers that too.
     if (!read_until_closed(out, err, result, end) || !wait_until_over(child, status, end)) {
         result.timed_out = true;
         ::kill(child, SIGKILL);

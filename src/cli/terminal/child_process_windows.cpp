@@ -23,7 +23,7 @@ struct Pipe {
     Handle writing;
 };
 
-/// The end to write to is inherited by the process that is started, the other one is not.
+/// The new process inherits the end to write to, and not the other one.
 Pipe make_pipe() {
     SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     HANDLE reading = nullptr;
@@ -35,8 +35,7 @@ Pipe make_pipe() {
     return {Handle(reading), Handle(writing)};
 }
 
-/// One word of a command line, as programs take it apart: in quotes, with the backslashes before a quote
-/// doubled.
+/// One word of a command line as programs parse it: in quotes, with the backslashes before a quote doubled.
 std::wstring quoted_word(const std::wstring& word) {
     std::wstring quoted = L"\"";
     std::size_t backslashes = 0;
@@ -58,7 +57,8 @@ void read_all(HANDLE pipe, std::string& text) {
     }
 }
 
-/// A process that an exception ended has that exception's code, and its two highest bits are set.
+/// The exit code of a process that an exception ended is the code of the exception, whose two highest bits
+/// are set.
 std::string exception_text(DWORD code) {
     std::array<char, 16> number{};
     std::snprintf(number.data(), number.size(), "0x%08lX", static_cast<unsigned long>(code));
@@ -88,7 +88,7 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     startup.hStdInput = nothing.get();
     startup.hStdOutput = out.writing.get();
     startup.hStdError = err.writing.get();
-    // No window asks about a crash; the process inherits that.
+    // No dialog appears when the process crashes: it inherits this mode.
     const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     PROCESS_INFORMATION started{};
     const BOOL ok = CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,

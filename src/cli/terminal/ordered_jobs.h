@@ -10,10 +10,10 @@
 
 namespace cli {
 
-/// Calls `work(i)` for every i below `count` on `threads` threads, and on this one `done(n)` whenever n have
-/// been finished and `report(i, result)` for every i in order, as early as that is possible. `work` lets no
-/// exception out. An exception of `done` or `report` comes out when the work that has begun is finished;
-/// nothing new is begun then.
+/// Calls `work(i)` for every i below `count` on `threads` threads. On the calling thread, calls `done(n)` as
+/// the number n of finished jobs grows, and `report(i, result)` for every i in order, as early as possible.
+/// `work` must not throw. An exception from `done` or `report` is passed on once the jobs that have begun are
+/// finished; no other job begins.
 template <class Result>
 void run_in_order(std::size_t count, std::size_t threads, const std::function<Result(std::size_t)>& work,
                   const std::function<void(std::size_t)>& done,
@@ -24,7 +24,7 @@ void run_in_order(std::size_t count, std::size_t threads, const std::function<Re
     std::size_t next = 0;
     std::size_t finished = 0;
 
-    const auto work_off = [&] {
+    const auto run_jobs = [&] {
         for (;;) {
             std::size_t i = 0;
             {
@@ -43,7 +43,7 @@ void run_in_order(std::size_t count, std::size_t threads, const std::function<Re
             changed.notify_one();
         }
     };
-    std::vector<std::jthread> pool;  // joined on every way out of here
+    std::vector<std::jthread> pool;  // joined whichever way this function ends
     const auto stop = [&] {
         const std::lock_guard lock(mutex);
         next = count;
@@ -52,9 +52,9 @@ void run_in_order(std::size_t count, std::size_t threads, const std::function<Re
         const std::function<void()> stop;
         ~Stopper() { stop(); }
     };
-    const Stopper stopper{stop};  // before the pool is joined, because it was made after it
+    const Stopper stopper{stop};  // destroyed before the pool, so it stops the threads before they are joined
     for (std::size_t i = 0; i < threads && i < count; ++i) {
-        pool.emplace_back(work_off);
+        pool.emplace_back(run_jobs);
     }
 
     std::size_t told = 0;

@@ -12,9 +12,9 @@ namespace cli {
 
 namespace {
 
-/// Devices and pipes, and what somebody has open already and hands over by a name like /dev/stdout, where
-/// following links has stopped: they cannot be replaced.
-bool is_written_as_it_is(const std::string& target) {
+/// Whether the target cannot be replaced: a device, a pipe, or a link like /dev/stdout to a file that is
+/// already open, where following links has stopped.
+bool is_written_directly(const std::string& target) {
     switch (os::file_state(target).kind) {
         case os::FileKind::pipe:
         case os::FileKind::device:
@@ -34,7 +34,7 @@ OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
     if (failure_) {
         give_up();
     }
-    if (is_written_as_it_is(target)) {
+    if (is_written_directly(target)) {
         stream_.reset(os::open_device(target, failure_));
     } else {
         std::string reason;

@@ -11,19 +11,19 @@
 
 namespace cli {
 
-/// A text file that a verb writes for the user. It takes its place when it is complete: until `close` has
-/// succeeded, what was there stays, and it stays when anything fails. Devices and pipes, and what /dev/stdout
-/// and the like lead to, are written as they are. What cannot be written throws std::runtime_error with the
-/// path and the reason.
+/// A text file that a verb writes for the user. It replaces an existing file only when `close` succeeds;
+/// after any failure the old file is still there. Devices, pipes and the targets of /dev/stdout and the like
+/// are written directly. Throws std::runtime_error with the path and the reason when the file cannot be
+/// written.
 class OutputFile {
   public:
-    /// Finds out whether the file can be written. Never waits for somebody to read from a pipe: that nobody
-    /// does is an error.
+    /// Fails at once if the file cannot be written. Never waits for a reader of a pipe: a pipe without one is
+    /// an error.
     explicit OutputFile(std::string path);
 
-    /// Remembers what went wrong for `close`.
+    /// Keeps the first failure for `close`.
     void write(std::string_view text);
-    /// Everything is written and in its place; throws when it could not be.
+    /// Completes the file and puts it in place. Throws if anything has failed since the constructor.
     void close();
 
   private:
@@ -35,9 +35,9 @@ class OutputFile {
     [[noreturn]] void give_up() const;
 
     std::string path_;
-    std::optional<os::ReplacementFile> replacement_;  // null for what is written as it is
+    std::optional<os::ReplacementFile> replacement_;  // nothing when the file is written directly
     std::unique_ptr<std::FILE, CloseStream> stream_;
-    std::error_code failure_;  // the first
+    std::error_code failure_;  // the first one
 };
 
 }  // namespace cli

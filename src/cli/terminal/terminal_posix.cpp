@@ -11,7 +11,8 @@ bool is_terminal(int descriptor) {
 }
 
 std::vector<std::string> begin_program(int argc, char** argv) {
-    // A file that grows too large is then an error like a full disk, and no end without a word.
+    // Exceeding the file size limit is then a write error, like a full disk, instead of ending the process
+    // silently.
     std::signal(SIGXFSZ, SIG_IGN);
     return {argv + (argc > 0 ? 1 : 0), argv + argc};
 }

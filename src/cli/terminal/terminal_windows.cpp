@@ -20,7 +20,7 @@ struct FreeLocally {
     void operator()(LPWSTR* arguments) const { LocalFree(arguments); }
 };
 
-/// The program reads its environment as bytes; a name of a file there is to be UTF-8, as everywhere.
+/// The program reads its environment as bytes; the file names in it must be UTF-8, as everywhere else.
 void make_utf8(const wchar_t* wide_name, const char* name) {
     const DWORD size = GetEnvironmentVariableW(wide_name, nullptr, 0);
     if (size == 0) {
@@ -34,7 +34,7 @@ void make_utf8(const wchar_t* wide_name, const char* name) {
 }  // namespace
 
 bool is_terminal(int descriptor) {
-    // One that understands the sequences for colour and for wiping a line.
+    // Only a console that understands the escape sequences for colour and for wiping a line counts.
     const HANDLE handle = GetStdHandle(descriptor == 1 ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
     DWORD mode = 0;
     return GetConsoleMode(handle, &mode) != 0 &&
@@ -46,7 +46,7 @@ std::vector<std::string> begin_program(int /*argc*/, char** /*argv*/) {
     _setmode(_fileno(stderr), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);
     make_utf8(L"VXR_BUNDLE", "VXR_BUNDLE");
-    // The arguments of main are in the code page of the system, which has no room for most names.
+    // The arguments of main() are in the system's code page, which cannot represent most names.
     int count = 0;
     const std::unique_ptr<LPWSTR, FreeLocally> wide(CommandLineToArgvW(GetCommandLineW(), &count));
     std::vector<std::string> arguments;

@@ -18,7 +18,7 @@ std::vector<std::string> TextTable::lines(const Paint& paint) const {
             widths[i] = std::max(widths[i], text::columns_of(row[i].text));
         }
     }
-    // A column with nothing but its heading is left out.
+    // A column that is empty below its heading is left out.
     for (std::size_t i = 0; i < widths.size(); ++i) {
         const bool used = std::any_of(rows_.begin() + 1, rows_.end(), [&](const std::vector<Cell>& row) {
             return i < row.size() && !row[i].text.empty();

@@ -10,15 +10,15 @@ namespace cli {
 struct Cell {
     std::string text;  ///< safe to print
     Ink ink = Ink::plain;
-    bool right = false;  ///< numbers
+    bool right = false;  ///< aligned to the right: numbers
 };
 
-/// Rows with their columns in line, two blanks between them, nothing behind the last one. The first row is
-/// the headings; a column that has nothing else is left out.
+/// Aligns columns, with two spaces between them and no trailing spaces. The first row contains the headings;
+/// a column that is empty below its heading is left out.
 class TextTable {
   public:
     void add(std::vector<Cell> row) { rows_.push_back(std::move(row)); }
-    /// One line a row, without line breaks.
+    /// One line for each row, without line breaks.
     [[nodiscard]] std::vector<std::string> lines(const Paint& paint) const;
 
   private:
