@@ -8,7 +8,7 @@ void CallLog::set_sink(Sink sink) {
 }
 
 void CallLog::end(std::int64_t n, std::string line) {
-    // Innermost calls end first, so the one looked for stands near the back.
+    // Innermost calls end first, so the call is near the back.
     for (auto waiting = waiting_.rbegin(); waiting != waiting_.rend(); ++waiting) {
         if (waiting->n != n) {
             continue;

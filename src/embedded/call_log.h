@@ -1,7 +1,6 @@
 #pragma once
 
-// The host-call log: one JSON object a call of the bundle into the host, in the order in which the calls were
-// made.
+// The host-call log: one JSON object for each call of the bundle into the host, in the order of the calls.
 //   {"n":12,"suite":"AEGP Comp
 //   Suite","version":9,"function":"AEGP_CreateComp","args":{...},"out":{...},"result":0}
 // docs/project-json.md describes every member.
@@ -17,16 +16,15 @@ namespace embedded {
 
 class CallLog {
   public:
-    /// Takes one line, without its line break. What it throws is lost.
+    /// Takes one line without its line break. What it throws is ignored.
     using Sink = std::function<void(std::string_view)>;
 
-    /// Null turns the log off, which is how a host starts. While it is off nothing is built or written; calls
-    /// are numbered all the same.
+    /// Null turns the log off, as it is at first. While it is off, calls are numbered and nothing is written.
     void set_sink(Sink sink);
     [[nodiscard]] bool on() const { return static_cast<bool>(sink_); }
 
-    /// Numbers a call. Every begin is followed by its end; calls may nest, when a host function calls back
-    /// into the bundle. Lines come out ordered by `n` all the same: an inner call's line waits for the
+    /// Numbers a call; the caller ends it under this number. Calls nest when a host function calls back into
+    /// the bundle. Lines are still written in the order of their numbers: an inner call's line waits for the
     /// outer's.
     std::int64_t begin() {
         ++last_;

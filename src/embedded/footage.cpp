@@ -10,7 +10,7 @@
 namespace embedded {
 namespace {
 
-constexpr A_u_long kImportRate_fps = 30;  // the host's rate for numbered files that know none
+constexpr A_u_long kImportRate_fps = 30;  // the host's rate for sequences, whose files have none
 constexpr double kFixedOne = 65536.0;     // 16.16
 constexpr A_long kFieldSignature = four_char_code("FIEL");
 constexpr A_short kFieldVersion = 1;
@@ -28,13 +28,13 @@ std::string sequence_name(const SequenceFrames& frames, const NumberedName& name
         digits.insert(0, width - std::min(width, digits.size()), '0');
         return digits;
     };
-    // Not taken from the pattern: a name may hold a number sign of its own.
+    // Not taken from the pattern: the name itself may contain a number sign.
     return name.prefix + "[" + padded(frames.range.first) + "-" + padded(frames.range.last) + "]" +
            name.suffix;
 }
 
-/// What the host makes of footage by itself: square pixels, whole frames, the rate that the file knows, alpha
-/// as the file says.
+/// The host's own interpretation of new footage: square pixels, whole frames, and the rate and alpha of the
+/// file.
 AEGP_FootageInterp guess(const Footage& footage, double native_fps, A_long depth) {
     AEGP_FootageInterp interpretation{};
     interpretation.interlace.signature = static_cast<A_u_long>(kFieldSignature);
@@ -87,7 +87,7 @@ Id make_module_footage(Session& session, const Module& module, const std::string
 }
 
 A_Time sequence_duration(const SequenceFrames& frames) {
-    // Gaps take time as well: the host repeats the last frame there.
+    // Gaps count, too: the host repeats the last frame there.
     const std::int64_t length =
         frames.gaps.empty() ? frames.count : frames.range.last - frames.range.first + 1;
     return {static_cast<A_long>(std::min<std::int64_t>(length, std::numeric_limits<A_long>::max())),
@@ -140,7 +140,7 @@ Id make_file_footage(Session& session, const std::string& path,
         made.sequence = find_sequence(path, *sequence);
         const auto numbered = split_number(made.name);
         if (!made.sequence && numbered) {
-            throw Refusal{kHostErrorGeneric};  // no frame in the range that was asked for
+            throw Refusal{kHostErrorGeneric};  // no frame in the requested range
         }
         made.duration = {1, kImportRate_fps};
         if (made.sequence && numbered) {

@@ -1,6 +1,6 @@
 #pragma once
 
-// Making footage from files: through an input module, as a numbered sequence, or as one image.
+// Creating footage: from an input module's file, a numbered sequence or one image, and placeholders.
 
 #include <optional>
 #include <string>
@@ -10,13 +10,13 @@
 
 namespace embedded {
 
-/// Opens the file and adds it to the session's footage; its id, or a Refusal (the module's own error, else
-/// kHostErrorGeneric for what cannot be read). `sequence` is none for a single file. Without a number in its
-/// name a sequence is the one file.
+/// Opens the file, adds it to the session's footage and returns its id. Throws Refusal with the module's own
+/// error, or with kHostErrorGeneric when the file cannot be read. `sequence` is none for a single file; a
+/// sequence whose name has no number is that one file.
 Id make_file_footage(Session& session, const std::string& path,
                      const std::optional<SequenceRequest>& sequence);
 
-/// A stand-in for a missing file.
+/// Adds footage that stands in for a missing file; its id.
 Id make_placeholder(Session& session, std::string name, A_long width, A_long height, const A_Time& duration);
 
 }  // namespace embedded

@@ -30,8 +30,7 @@ std::string GuardedFrame::problem_with(const FrameShape& shape) {
     if (shape.time.scale == 0) {
         return "a time on a scale of 0";
     }
-    // Both factors are below 2^32; the stride alone is checked first, so that the product stays within 64
-    // bits.
+    // Both factors are below 2^32, and the stride is checked first, so the product stays within 64 bits.
     if (distance(stride_of(shape)) > kMaxFrame_bytes ||
         distance(stride_of(shape)) * shape.height_px > kMaxFrame_bytes) {
         return "a frame of more than 1 GiB";
@@ -46,7 +45,7 @@ GuardedFrame::GuardedFrame(const FrameShape& shape) {
     for (std::size_t i = 0; i < bytes_.size(); ++i) {
         bytes_[i] = guard_byte(i);
     }
-    // With rows that run upwards the first row is the last in memory.
+    // With a negative row length the first row is the last in memory.
     first_row_ = kMargin_bytes + (stride < 0 && shape.height_px > 0 ? -stride * (shape.height_px - 1) : 0);
     world_.row_bytes = static_cast<A_long>(stride);
     world_.width = shape.width_px;

@@ -1,6 +1,6 @@
 #pragma once
 
-// A frame that notices when somebody writes outside its pixels.
+// A frame that detects writes outside its pixels.
 
 #include <cstdint>
 #include <optional>
@@ -17,14 +17,14 @@ class GuardedFrame {
     /// Why such a frame cannot be made; empty when it can. At most 1 GiB.
     static std::string problem_with(const FrameShape& shape);
 
-    /// For a shape without problems. Every byte that is no pixel - before the first row, between rows, after
-    /// the last - is a guard byte with a value that depends on its place.
+    /// `shape` has no problem. Every byte before the first row, between rows and after the last is a guard
+    /// byte whose value depends on its place.
     explicit GuardedFrame(const FrameShape& shape);
 
-    /// What the module is given; valid as long as this object.
+    /// What the module draws into; lives as long as this object.
     PF_LayerDef& world() { return world_; }
 
-    /// Where guard bytes were changed, in words; nothing when none was.
+    /// Which guard bytes were changed, as a sentence; nothing when none was.
     [[nodiscard]] std::optional<std::string> damage() const;
 
     /// The pixels, rows top to bottom, without padding.

@@ -1,8 +1,7 @@
 #pragma once
 
-// The handles that the bundle holds: opaque addresses of which the host knows what they stand for. None is
-// ever dereferenced to find out, and none is used twice in a host's life, so that a dead or a foreign one is
-// recognised.
+// The handles that the bundle holds: opaque addresses that the host looks up. It never dereferences one to do
+// so, and never gives out an address twice, so it recognises dead and foreign handles.
 
 #include <array>
 #include <cstddef>
@@ -32,7 +31,7 @@ enum class HandleKind : std::size_t {
     count
 };
 
-/// "item", "comp": the word before the colon of "comp:1".
+/// "item", "comp": what stands before the colon of "comp:1".
 const char* handle_label(HandleKind kind);
 
 template <class H>
@@ -85,7 +84,8 @@ struct HandleKindOf<AEIO_OutSpecH> {
 class HandleTable {
   public:
     struct Token {
-        void* content = nullptr;  ///< an in-spec's handle points to a pointer: this one
+        void* content =
+            nullptr;  ///< the interface makes an in-spec's handle a pointer to a pointer: this one
         HandleKind kind = HandleKind::item;
         Id id = 0;
         bool alive = true;
@@ -103,7 +103,7 @@ class HandleTable {
         return reinterpret_cast<H>(token(HandleKindOf<H>::value, id));
     }
 
-    /// What the address stands for; null for one that this host never gave out.
+    /// What the address stands for; null for one that the host never gave out.
     [[nodiscard]] const Token* find(const void* handle) const {
         const Token* const recent = recent_[recent_place(handle)];
         return recent == handle && recent != nullptr ? recent : look_up(handle);
@@ -115,11 +115,11 @@ class HandleTable {
     /// How many handles of this kind were made: the highest id.
     [[nodiscard]] Id made(HandleKind kind) const { return static_cast<Id>(of(kind).size()); }
 
-    /// "layer:2"; "foreign" for what is not this host's. Not for null.
+    /// "layer:2", or "foreign" for an address that the host never gave out. `handle` is not null.
     [[nodiscard]] std::string text(const void* handle) const;
 
   private:
-    /// Calls come in runs about the same few handles, which are found again without the map.
+    /// Consecutive calls use the same few handles; this finds them without the map.
     static constexpr std::size_t kRecent = 64;
     static std::size_t recent_place(const void* handle) {
         return reinterpret_cast<std::uintptr_t>(handle) / sizeof(Token) % kRecent;

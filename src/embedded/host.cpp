@@ -12,8 +12,8 @@
 namespace embedded {
 namespace {
 
-/// The importer for the file's extension, else the first there is: a person may have any file imported as
-/// something.
+/// The importer for the file's extension, else the first with callbacks: users may import a file with any
+/// importer.
 const ImportFlavor* flavor_for(const Session& session, const std::string& path) {
     const std::string extension = lower_extension(path);
     const ImportFlavor* first = nullptr;
@@ -47,7 +47,7 @@ constexpr FlagLabel kFlagLabels[] = {
     {kModuleFlagNoUserInterface, "no user interface"},
 };
 
-/// Has `call(const auto& callbacks)` call one of an importer's callbacks, which the importer must have.
+/// Has `call(const auto& callbacks)` call one of the importer's callbacks, which must be registered.
 template <class Call>
 A_Err call_importer(const ImportFlavor& flavor, const Call& call) {
     if (const auto* classic = std::get_if<AE_FIM_ImportCallbacks>(&flavor.callbacks)) {
@@ -94,7 +94,7 @@ Host::~Host() {
     try {
         session_->unload();
     } catch (...) {
-        // A destructor must not throw; whoever wants to see what the bundle throws at its end calls unload().
+        // A destructor must not throw; unload() passes on what the bundle throws at its end.
         session_->forget_registrations();
     }
 }

@@ -1,18 +1,17 @@
 #pragma once
 
-// The embedded host: loads a bundle, offers it the suites it asks for, and keeps a project. What the product
-// runs on where After Effects is not.
+// The embedded host: loads a bundle, offers it the suites it asks for, and keeps a project. The product runs
+// on it where After Effects is not installed.
 //
 //   embedded::Host host;
 //   if (const auto loaded = host.load(bundle); !loaded.ok()) ...
 //   if (host.verify("shot.aec").importable) host.import_file("shot.aec");
 //   host.project(); host.conformance();
+// By its options it is a classic host or a current one. They differ at the edge alone: in the versions of the
+// suites, the entry point, and the paths, which this interface and the project hold as UTF-8.
 //
-// It is a classic host or one of today's, by its options. What differs is at the edge only: the suites'
-// versions, the entry, and the paths, which this interface and the project hold as UTF-8.
-//
-// A host's suites are plain C functions without a context, so one host lives at a time in a process; a second
-// one can be made as soon as the first is gone. Everything runs on the calling thread.
+// A host's suites are plain C functions without a context, so a process has one host at a time; the next can
+// be made as soon as the first is gone. Everything runs on the calling thread.
 
 #include <cstdint>
 #include <filesystem>
@@ -41,8 +40,8 @@ struct CallbackResult {
 
 struct LoadResult {
     std::string error;  ///< why the bundle could not be loaded; empty when it was
-    CallbackResult
-        entry;  ///< of the entry point; a failing one leaves nothing registered and the bundle unloaded
+    /// Of the entry point. If it fails, nothing stays registered and the bundle is unloaded.
+    CallbackResult entry;
     [[nodiscard]] bool ok() const { return error.empty(); }
 };
 
@@ -68,7 +67,7 @@ struct Module {
     AEIO_ModuleInfo info{};
     std::variant<AEIO_FunctionBlock2, AEIO_FunctionBlock4> functions;  ///< of the host's generation
 
-    /// Runs `use(const auto& block)` with the block that the module has. Most functions are the same in both.
+    /// Runs `use(const auto& block)` with the module's block. Most functions are the same in both kinds.
     template <class Use>
     A_Err with_functions(const Use& use) const {
         return std::visit(use, functions);
@@ -77,29 +76,28 @@ struct Module {
     [[nodiscard]] std::string name() const;
     /// Its extensions with their full stop, without repetition.
     [[nodiscard]] std::vector<std::string> extensions() const;
-    /// Its flags in words, in the order of their bits: "input", "file", ...; unknown ones as "bit 5".
+    /// Its flags in the order of their bits: "input", "file", ...; an unknown one is "bit 5".
     [[nodiscard]] std::vector<std::string> flag_labels() const;
 };
 
-/// The frame that an input module is to draw into.
+/// The frame that an input module draws into.
 struct FrameShape {
-    A_long width_px = 0;  ///< 0 is allowed: a frame without pixels
+    A_long width_px = 0;  ///< 0: a frame without pixels
     A_long height_px = 0;
-    A_long row_bytes = 0;  ///< 0: four bytes a pixel, no padding; negative: rows run upwards in memory
+    A_long row_bytes = 0;  ///< 0: four bytes a pixel, no padding; negative: bottom row first in memory
     A_long origin_x = 0;
     A_long origin_y = 0;
-    A_Time time{0, 1};      ///< which frame is asked for
-    std::uint8_t fill = 0;  ///< what every byte of the frame holds before drawing
+    A_Time time{0, 1};      ///< of the frame
+    std::uint8_t fill = 0;  ///< every byte of the frame before drawing
 };
 
 struct DrawResult {
     CallbackResult callback;
-    std::string
-        error;  ///< why nothing was asked of the module (a bad shape, a dead in-spec); empty otherwise
+    std::string error;  ///< why the module was not called (a bad shape, a dead in-spec); empty otherwise
     A_long width_px = 0;
     A_long height_px = 0;
-    std::vector<PF_Pixel>
-        pixels;  ///< height * width, rows top to bottom, no padding, straight from the frame
+    /// height * width, rows top to bottom, no padding, as the module drew them.
+    std::vector<PF_Pixel> pixels;
 };
 
 struct OpenResult {
@@ -127,9 +125,9 @@ class Host {
     /// Loads the file and calls its exported entry. A bundle that was loaded before is unloaded first; the
     /// project stays.
     LoadResult load(const std::filesystem::path& bundle);
-    /// The same with another entry than that of the host's generation.
+    /// Calls another entry than that of the host's generation.
     LoadResult load(const std::filesystem::path& bundle, const std::string& entry);
-    /// What the destructor does, earlier: afterwards project, report and messages are final.
+    /// Does early what the destructor does; afterwards project, report and messages are final.
     void unload();
 
     [[nodiscard]] const std::vector<ImportFlavor>& flavors() const;
@@ -137,8 +135,8 @@ class Host {
 
     [[nodiscard]] HostGeneration generation() const;
 
-    /// Why this host cannot name the file to a bundle; empty when it can. Asked for such a file nevertheless,
-    /// it answers kHostErrorParameter and does not ask the bundle.
+    /// Why this host cannot pass the path to a bundle; empty when it can. The functions below answer
+    /// kHostErrorParameter for such a path and do not call the bundle.
     [[nodiscard]] std::string path_problem(const std::string& path) const;
 
     // --- importing; the importer is the one registered for the file's extension, else the first one
@@ -148,16 +146,16 @@ class Host {
     /// kHostErrorGeneric when there is no importer.
     CallbackResult import_file(const std::string& path);
 
-    // --- what has become of it
+    // --- results
 
     [[nodiscard]] const Project& project() const;
     [[nodiscard]] const std::vector<Message>& messages() const;
     /// Brought up to date at the end of every callback.
     [[nodiscard]] const ConformanceReport& conformance() const;
-    /// What does not fit together in the project, its handles and its memory: a defect of this host, whatever
-    /// the bundle did. Nothing when all is well. Between callbacks.
+    /// The first broken invariant of the project, its handles and its memory, which is a bug in this host
+    /// whatever the bundle did; nothing when all hold. Between callbacks.
     [[nodiscard]] std::optional<std::string> validate() const;
-    /// How often each function was called so far, by name; calls that a fault answered included.
+    /// How often each function was called, by name, including calls answered by a fault.
     [[nodiscard]] std::map<std::string, std::int64_t> call_counts() const;
     /// Null turns the log off.
     void log_calls(CallLog::Sink sink);
@@ -166,8 +164,9 @@ class Host {
 
     /// The module whose extensions include that of `path` (letters of either case), or null.
     [[nodiscard]] const Module* module_for(std::string_view path) const;
-    /// Verify, init, info, dimensions, duration. What was opened is project().in_spec(result.in_spec); a
-    /// footage's own in-spec is opened by AEGP_NewFootage in the same way.
+    /// Has the module verify the file, initialise an in-spec, and give its info, dimensions and duration. The
+    /// result is project().in_spec(result.in_spec). AEGP_NewFootage opens the in-spec of footage in the same
+    /// way.
     OpenResult open_with_module(const std::string& path);
     /// Writes beyond the frame's pixels are undone and reported as RuleViolation::write_outside_frame.
     DrawResult draw(Id in_spec, const FrameShape& shape);

@@ -19,7 +19,7 @@ std::optional<Number> whole_number(std::string_view text) {
     return number;
 }
 
-/// Splits at the last occurrence of `separator`; names may hold it as well.
+/// Splits at the last `separator`; names may contain it, too.
 std::optional<std::pair<std::string_view, std::string_view>> split_last(std::string_view text,
                                                                         char separator) {
     const std::size_t at = text.rfind(separator);

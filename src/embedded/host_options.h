@@ -1,6 +1,6 @@
 #pragma once
 
-// What kind of host the bundle meets, and what goes wrong in it.
+// Which host the bundle meets, and which of its calls fail.
 
 #include <cstdint>
 #include <optional>
@@ -18,7 +18,7 @@ struct InterfaceVersion {
     friend bool operator==(const InterfaceVersion&, const InterfaceVersion&) = default;
 };
 
-/// The generations of hosts. They differ in how they are entered, in the versions of seven suites, and in how
+/// The generations of hosts differ in the bundle's entry point, in the versions of seven suites, and in how
 /// paths are written.
 enum class HostGeneration {
     classic,  ///< interface 9.x to 12.x: narrow paths
@@ -28,10 +28,10 @@ enum class HostGeneration {
 /// "classic", "today"
 const char* generation_label(HostGeneration generation);
 
-/// What a host says it is when nobody asks for more: 11.0 and 13.0.
+/// The interface version unless the options give another: 11.0 and 13.0.
 InterfaceVersion usual_version(HostGeneration generation);
 
-/// A kind of host as a person names it.
+/// A host as a user names it.
 struct HostKind {
     HostGeneration generation = HostGeneration::classic;
     InterfaceVersion version;
@@ -44,7 +44,7 @@ struct SuiteName {
     friend bool operator==(const SuiteName&, const SuiteName&) = default;
 };
 
-/// The `nth` call (from 1) of `function` does nothing and returns `code`.
+/// The `nth` call of `function`, counted from 1, does nothing and returns `code`.
 struct Fault {
     std::string function;
     int nth = 1;
@@ -53,12 +53,13 @@ struct Fault {
 
 struct HostOptions {
     HostGeneration generation = HostGeneration::today;
-    /// Any goes with either generation; none: the usual one.
+    /// Either generation takes any version; without one it has its usual one.
     std::optional<InterfaceVersion> version;
     std::vector<SuiteName> suites_not_offered;  ///< acquiring fails with kHostErrorMissingSuite
     std::vector<SuiteName> suites_empty;        ///< acquiring succeeds and yields nothing
     std::vector<Fault> faults;
-    /// "Pref_DEFAULT_UNLABELED_ALPHA" of "Main Pref Section": absent, or this byte.
+    /// The byte of "Pref_DEFAULT_UNLABELED_ALPHA" in "Main Pref Section"; without one the preference does not
+    /// exist.
     std::optional<std::uint8_t> alpha_preference;
 
     [[nodiscard]] InterfaceVersion interface_version() const {
@@ -66,18 +67,18 @@ struct HostOptions {
     }
 };
 
-/// "classic" or "today" with the usual version, "9.31" with the generation that it belongs to, or both as in
+/// "classic" or "today" with the usual version, "9.31" with its own generation, or both as in
 /// "today:25.3"; nothing for any other text.
 std::optional<HostKind> parse_host(std::string_view text);
 
-/// "9.31"; nothing when it is not two decimal numbers with a full stop between.
+/// "9.31"; nothing unless it is two decimal numbers with a full stop between them.
 std::optional<InterfaceVersion> parse_interface_version(std::string_view text);
 
-/// "AEGP Comp Suite:9"; nothing when there is no name or no version. Any name is taken.
+/// "AEGP Comp Suite:9"; nothing without a name or a version. Any name is accepted.
 std::optional<SuiteName> parse_suite_name(std::string_view text);
 
 /// "AEGP_CreateComp:2:4"; nothing when a part is missing, the count is below 1, the code is 0, or the
-/// function is not one of failable_functions().
+/// function is not among failable_functions().
 std::optional<Fault> parse_fault(std::string_view text);
 
 /// One function of this host.
@@ -86,8 +87,8 @@ struct HostFunction {
     std::string function;
 };
 
-/// Every function that a fault can be asked of, AcquireSuite and ReleaseSuite of "SPBasicSuite" included.
-/// What returns no error code (sin, cos, strcpy) cannot fail.
+/// Every function that a fault can be set for, including AcquireSuite and ReleaseSuite of "SPBasicSuite".
+/// Functions without an error code (sin, cos, strcpy) cannot fail.
 const std::vector<HostFunction>& failable_functions();
 
 /// The suites that a host of this generation offers.

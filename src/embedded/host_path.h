@@ -9,20 +9,20 @@
 
 namespace embedded {
 
-/// Why a host of this generation cannot name a file: today's hosts can name none whose path is not UTF-8.
-/// Empty when it can.
+/// Why a host of this generation cannot pass the path on; empty when it can. Current hosts need UTF-8,
+/// classic ones take any bytes.
 std::string path_problem(HostGeneration generation, const std::string& path);
 
-/// A path in both spellings; callbacks take one or the other.
+/// A path in both encodings; a callback takes one of them.
 class HostPath {
   public:
-    /// The wide spelling of a path that has none, and of every path in a classic host, is empty.
+    /// The UTF-16 of a path that is not UTF-8, and of every path in a classic host, is empty.
     HostPath(HostGeneration generation, const std::string& path)
         : narrow_(path),
           wide_(generation == HostGeneration::today ? to_utf16(path).value_or(Utf16String())
                                                     : Utf16String()) {}
 
-    // For a callback of the record that is named.
+    // As the callbacks of this record take it.
     [[nodiscard]] const A_char* given_to(const AE_FIM_ImportCallbacks& /*callee*/) const {
         return narrow_.c_str();
     }

@@ -1,7 +1,7 @@
 #pragma once
 
-// Whether what the embedded host keeps fits together. Whatever a bundle does, it does: a complaint is a
-// defect of the host.
+// What always holds for the host's project and handles, whatever a bundle does. A broken invariant is a bug
+// in the host.
 
 #include <optional>
 #include <string>
@@ -11,14 +11,13 @@ namespace embedded {
 struct Project;
 class Session;
 
-/// The first thing in a project that no sequence of host calls can have brought about, with its place:
-/// "layer:2: it is in no composition"; nothing for a sound one. Follows every id to what it names, in both
-/// directions, and looks at every name, time, key and range. The work grows with the project alone. Between
-/// callbacks only.
+/// The first broken invariant with its place, as in "layer:2: it is in no composition"; nothing when all
+/// hold. Follows every id to what it names, in both directions, and checks every name, time, key and range.
+/// Takes time proportional to the project's size. Between callbacks only.
 [[nodiscard]] std::optional<std::string> validate_project(const Project& project);
 
-/// The same for the handles, streams, additions and memory of a host: every handle is found under its own
-/// address, stands for something that is there, and is alive as long as that is.
+/// Checks the handles, streams, additions and memory of a host: every handle is found under its own address,
+/// stands for something that exists, and is alive exactly as long as that is.
 [[nodiscard]] std::optional<std::string> validate_session(const Session& session);
 
 }  // namespace embedded

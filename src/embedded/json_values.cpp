@@ -75,7 +75,7 @@ Json json_code(A_long code) {
 Json json_interpretation(const AEGP_FootageInterp& interpretation) {
     const FIEL_Label& interlace = interpretation.interlace;
     const AEGP_AlphaLabel& alpha = interpretation.alpha;
-    // Copies of the packed members: an element of an initializer list would bind a reference to them.
+    // Packed members are copied: an initializer list would bind references to them.
     return Json{
         {"interlace",
          {{"signature", A_u_long{interlace.signature}},

@@ -15,17 +15,16 @@ namespace embedded {
 
 using Json = nlohmann::ordered_json;
 
-/// Text that is UTF-8 as a string; any other as {"bytes":"<lower-case hex>"}.
+/// UTF-8 as a string; any other text as {"bytes":"<lower-case hex>"}.
 Json json_text(std::string_view text);
 
-/// Text that is well-formed UTF-16 as a string; any other as {"utf16":"<lower-case hex, four digits a
-/// unit>"}.
+/// Well-formed UTF-16 as a string; any other text as {"utf16":"<lower-case hex, four digits a unit>"}.
 Json json_text(Utf16View text);
 
 /// {"bytes":"<lower-case hex>"}
 Json json_bytes(std::span<const std::uint8_t> bytes);
 
-/// A number that reads back to the same bits; "inf", "-inf" and "nan" for what JSON has no number for.
+/// A number that reads back to the same bits; "inf", "-inf" or "nan" where JSON has no number.
 Json json_number(double value);
 
 /// {"value":..,"scale":..}
@@ -34,7 +33,7 @@ Json json_time(const A_Time& time);
 /// {"num":..,"den":..}
 Json json_ratio(const A_Ratio& ratio);
 
-/// A four-character code as its text where all four are printable ("TXL "), else as a number.
+/// A four-character code as text if all four characters are printable ("TXL "), else as a number.
 Json json_code(A_long code);
 
 /// Every member of the record, under the names of host_interface.h.

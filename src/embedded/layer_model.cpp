@@ -105,7 +105,7 @@ bool can_add_layer(const Project& project, Id item, Id composition) {
     if (source.kind == ItemKind::footage) {
         return true;
     }
-    // Walked with a list of its own: compositions nest as deep as a file says.
+    // Not recursive: compositions nest as deep as a file says.
     std::vector<Id> to_visit{source.content};
     std::set<Id> visited;
     while (!to_visit.empty()) {
@@ -179,7 +179,7 @@ Stream* fetch_stream(Session& session, Layer& layer, AEGP_LayerStream kind) {
     }
     const auto [entry, is_new] = layer.streams.try_emplace(kind);
     Stream& stream = entry->second;
-    stream.shape = *shape;  // a layer may have become a 3D layer since
+    stream.shape = *shape;  // the layer may have become a 3D layer since
     if (is_new) {
         stream.kind = kind;
         stream.value = starting_value(session.project, layer, kind);
@@ -201,12 +201,12 @@ void insert_keyframes(Stream& stream, const std::vector<Session::Additions::Key>
     };
     if (stream.keyframes.empty() &&
         std::adjacent_find(added.begin(), added.end(), not_earlier) == added.end()) {
-        stream.keyframes = std::move(added);  // rising already, as in nearly every file
+        stream.keyframes = std::move(added);  // in order already, as in nearly every file
         return;
     }
     std::stable_sort(added.begin(), added.end(), earlier);
 
-    // std::merge keeps old before new where times are equal; of equals the last one stays.
+    // std::merge puts old keys before new ones at the same time; below, the last of those stays.
     std::vector<Keyframe> merged;
     merged.reserve(stream.keyframes.size() + added.size());
     std::merge(stream.keyframes.begin(), stream.keyframes.end(), added.begin(), added.end(),
@@ -257,14 +257,14 @@ Json json_components(const StreamComponents& components, StreamShape shape) {
 }
 
 int compare_times(const A_Time& left, const A_Time& right) {
-    // |value| <= 2^31 and scale < 2^32, so that the products stay within 64 bits.
+    // |value| <= 2^31 and scale < 2^32, so the products stay within 64 bits.
     const std::int64_t a = std::int64_t{left.value} * std::int64_t{right.scale};
     const std::int64_t b = std::int64_t{right.value} * std::int64_t{left.scale};
     return a < b ? -1 : (a > b ? 1 : 0);
 }
 
 std::optional<A_Time> subtract_times(const A_Time& left, const A_Time& right) {
-    // On the smallest common scale; both quotients below are whole.
+    // On the least common scale, of which both scales are divisors.
     const std::uint64_t common = std::lcm(std::uint64_t{left.scale}, std::uint64_t{right.scale});
     const auto left_factor = static_cast<std::int64_t>(common / left.scale);
     const auto right_factor = static_cast<std::int64_t>(common / right.scale);

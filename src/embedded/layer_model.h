@@ -1,6 +1,6 @@
 #pragma once
 
-// Layers and their streams: what a host knows about them before the bundle says anything.
+// Layers and their streams, with the host's own starting values.
 
 #include <optional>
 #include <string>
@@ -14,25 +14,24 @@ namespace embedded {
 /// lights and nulls.
 Layer& add_layer(Session& session, Id composition, LayerKind kind, std::string name, Id source_item);
 
-/// True when the item can become a layer of the composition: footage, or a composition that does not contain
-/// it.
+/// True for footage, and for a composition that does not contain `composition`, at any depth, and is not it.
 bool can_add_layer(const Project& project, Id item, Id composition);
 
-/// How long an item lasts: a still as long as the composition that it is put into.
+/// The duration of a layer made from an item; a still lasts as long as the composition that it is added to.
 A_Time natural_duration(const Project& project, Id item, Id composition);
 
-/// Which members of the stream's value count on this layer; nothing when the layer has no such stream.
+/// Which members of the stream's value this layer uses; nothing when the layer has no such stream.
 std::optional<StreamShape> stream_shape(const Layer& layer, AEGP_LayerStream kind);
 
-/// The stream of a layer, made with the host's starting value when it is fetched for the first time. Nothing
-/// when the layer has no such stream.
+/// The stream of a layer; the first call creates it with the host's starting value. Null when the layer has
+/// no such stream.
 Stream* fetch_stream(Session& session, Layer& layer, AEGP_LayerStream kind);
 
-/// Puts keys into a stream: sorted by time, and one that falls on the time of an older one replaces it. Keys
-/// without a value take the stream's.
+/// Inserts keys into a stream by time. A key at the time of an older one replaces it; a key without a value
+/// takes the stream's.
 void insert_keyframes(Stream& stream, const std::vector<Session::Additions::Key>& keys);
 
-/// The members that count; the others, which the bundle need not have filled, are not read and stay 0.
+/// The members that the shape uses; the others are not read, since the bundle need not set them, and stay 0.
 StreamComponents components_of(const AEGP_StreamVal& value, StreamShape shape);
 /// A number, {"x","y"}, {"x","y","z"} or {"alpha","red","green","blue"}.
 Json json_components(const StreamComponents& components, StreamShape shape);

@@ -1,6 +1,6 @@
 #pragma once
 
-// The memory handles that the host lends.
+// The memory that the host lends to the bundle through handles.
 
 #include <algorithm>
 #include <cstddef>
@@ -17,24 +17,24 @@ namespace embedded {
 
 struct MemoryBlock {
     Id id = 0;
-    std::string what;  ///< what the bundle said it is for
+    std::string what;  ///< the bundle's name for it
     AEGP_MemSize size_bytes = 0;
-    std::unique_ptr<std::byte[]> bytes;  ///< of exactly that size, so that a sanitizer sees every overrun
+    std::unique_ptr<std::byte[]> bytes;  ///< exactly this size, so that a sanitizer sees every overrun
     int locks = 0;
-    Id in_spec = 0;         ///< whose options it is; 0 for nobody's
-    bool reported = false;  ///< as left alive, once
+    Id in_spec = 0;         ///< the in-spec whose options it is, or 0
+    bool reported = false;  ///< left alive, and reported once
     [[nodiscard]] bool alive() const { return bytes != nullptr; }
 };
 
-/// Fills what is not asked to be clear, so that nobody gets away with relying on zeros.
+/// Fills memory that the bundle did not ask to be cleared, so that relying on zeros shows.
 inline constexpr std::byte kUninitialisedMemory{0xCD};
 
 class MemoryStore {
   public:
-    /// Null when there is no memory. Ids count from 1.
+    /// Null when memory runs out. Ids count from 1.
     MemoryBlock* allocate(const char* what, AEGP_MemSize size_bytes, bool clear);
 
-    /// The block with this id, which must have been allocated; it may be dead.
+    /// The block with this id, which was allocated once; it may be freed.
     MemoryBlock& block(Id id) { return blocks_.at(Project::index(id)); }
     [[nodiscard]] const std::vector<MemoryBlock>& blocks() const { return blocks_; }
 

@@ -23,7 +23,7 @@ std::string field_text(const A_char (&field)[N]) {
     return {field, std::find(field, field + N, '\0')};
 }
 
-/// A module that could not finish may have attached its options already; they are its own to free.
+/// A module that fails may have attached its options already, and must free them itself.
 OpenResult abandon(Session& session, Id in_spec, const CallbackResult& callback, std::string error) {
     if (session.in_spec(in_spec).options != 0) {
         dispose_in_spec(session, in_spec);
@@ -224,7 +224,7 @@ CallbackResult dispose_in_spec(Session& session, Id id) {
         break;
     }
     session.handles.kill(HandleKind::in_spec, id);
-    // Options that the module left attached belong to nobody now.
+    // Options that the module left attached have no owner now.
     if (const Id options = session.in_spec(id).options; options != 0) {
         session.memory.block(options).in_spec = 0;
         session.in_spec(id).options = 0;

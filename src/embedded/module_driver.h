@@ -10,23 +10,23 @@
 
 namespace embedded {
 
-/// The extension of a file's name in lower case, with its full stop; empty without one.
+/// The file name's extension in lower case with its full stop; empty without one.
 std::string lower_extension(std::string_view path);
 
-/// Lower-case texts of extension records: ".txl".
+/// The text of an extension record in lower case: ".txl".
 std::string extension_text(const AEIO_FileExt& extension);
 
 /// The module that reads files with this extension, or null.
 const Module* module_for(const Session& session, std::string_view path);
 
-/// An in-spec that knows its path and nothing else.
+/// Creates an in-spec that has a path and nothing else.
 Id make_in_spec(Session& session, const std::string& path);
 
-/// Verify, init, info, dimensions, duration. Where the module leaves dimensions or duration to the host, what
-/// it put into the in-spec counts.
+/// Has the module verify the file, initialise an in-spec, and give its info, dimensions and duration. If it
+/// leaves dimensions or duration to the host, what it set in the in-spec counts.
 OpenResult open_with_module(Session& session, const Module& module, const std::string& path);
 
-/// Has the module draw into a frame with guard bytes around its rows.
+/// Has the module draw into a frame with guard bytes around its rows; reports what it wrote there.
 DrawResult draw_frame(Session& session, Id in_spec, const FrameShape& shape);
 
 /// Has the module dispose of what it keeps; the in-spec is dead afterwards, whatever the module answers.

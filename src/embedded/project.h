@@ -1,9 +1,8 @@
 #pragma once
 
-// What the embedded host keeps: a project in plain data. Everything has an id; ids of one kind count from 1
-// in the order of making, are never reused within a host, and are what the call log and the JSON name
-// ("item:3" is the item with id 3). Id 0 means "none". Texts are the bytes that the bundle handed over, of no
-// particular encoding.
+// The embedded host's project as plain data. Everything has an id. The ids of one kind count from 1 in the
+// order of creation and are never reused within a host; the call log and the JSON use them ("item:3" is the
+// item with id 3). Id 0 means "none". Texts are the bytes that the bundle passed, in no particular encoding.
 
 #include <array>
 #include <cstdint>
@@ -30,7 +29,7 @@ enum class ItemKind { folder, footage, composition };
 struct Item {
     Id id = 0;
     ItemKind kind = ItemKind::folder;
-    std::string name;      ///< cut at 31 bytes where the bundle gave it; a file's own name for file footage
+    std::string name;      ///< at most 31 bytes from the bundle; for a file's footage the file's name
     Id parent_folder = 0;  ///< an item; 0 for the root folder alone
     Id content = 0;        ///< the footage's id or the composition's id; 0 for folders
 };
@@ -42,39 +41,39 @@ struct FrameRange {
     friend bool operator==(const FrameRange&, const FrameRange&) = default;
 };
 
-/// The numbered files that were found beside the file that the bundle named.
+/// The numbered files found beside the file that the bundle named.
 struct SequenceFrames {
-    std::string pattern;     ///< file name with the number written as '#', one for each digit of its padding
-    FrameRange range;        ///< first and last number found; any start
-    std::int64_t count = 0;  ///< files found
-    int padding = 1;         ///< least number of digits; 1: not padded
-    std::vector<FrameRange> gaps;  ///< missing numbers between first and last, in order
+    std::string pattern;           ///< file name with one '#' for each digit of the padding
+    FrameRange range;              ///< first and last number found; any start
+    std::int64_t count = 0;        ///< files found
+    int padding = 1;               ///< least number of digits; 1: not padded
+    std::vector<FrameRange> gaps;  ///< missing numbers between first and last, ascending
 };
 
 enum class FootageKind {
     file,         ///< one image file
     sequence,     ///< numbered image files
-    module_file,  ///< a file that a registered input module reads
-    placeholder,  ///< stands for a missing file
+    module_file,  ///< a file read by a registered input module
+    placeholder,  ///< stands in for a missing file
 };
 
 struct Footage {
     Id id = 0;
     FootageKind kind = FootageKind::file;
     std::string path;  ///< as the bundle gave it; empty for placeholders
-    std::string name;  ///< the file's name, or what the bundle called the placeholder
+    std::string name;  ///< the file's name, or the bundle's name for the placeholder
     Id item = 0;       ///< 0 until it is added to the project
     A_long width = 0;
     A_long height = 0;
     int channels = 0;          ///< channels of the file, alpha included; 0 for placeholders
     int bits_per_channel = 0;  ///< of the file; 0 for placeholders
     bool has_alpha = false;
-    bool alpha_premultiplied = false;  ///< what the file says or, without saying, its format's custom
+    bool alpha_premultiplied = false;  ///< as the file says, else as is usual for its format
     A_Time duration{0, 1};             ///< 0 for stills
     std::optional<SequenceFrames> sequence;
     AEGP_FootageInterp interpretation{};
     bool interpretation_set = false;  ///< false: the host's own guess
-    Id in_spec = 0;                   ///< what the input module said, for module_file
+    Id in_spec = 0;                   ///< for module_file: what the input module said
 };
 
 /// What an input module told the host about one file, through "AEGP IO In Suite".
@@ -90,14 +89,15 @@ struct InSpec {
     std::int64_t size_bytes = 0;
     A_Fixed native_fps = 0;  ///< 16.16
     std::optional<AEIO_AlphaLabel> alpha_label;
-    std::string type_text;                ///< the module's verbiage
-    std::string sub_type_text;            ///< the module's verbiage
-    bool dimensions_from_module = false;  ///< false: the module left them to the host, the in-spec's count
-    bool duration_from_module = false;    ///< likewise
+    std::string type_text;      ///< the module's verbiage
+    std::string sub_type_text;  ///< the module's verbiage
+    bool dimensions_from_module =
+        false;  ///< false: the module left them to the host, which takes the in-spec's
+    bool duration_from_module = false;  ///< false: as above, for the duration
     bool disposed = false;
 };
 
-/// Which members of a stream's value count, and under which names they are written.
+/// Which members a stream's value has, and their names in JSON.
 enum class StreamShape {
     one_d,    ///< components[0]
     two_d,    ///< x, y
@@ -115,13 +115,13 @@ struct Keyframe {
     StreamComponents value{};
 };
 
-/// One animated property of a layer. Only streams that the bundle fetched exist in the model.
+/// One animated property of a layer. A stream exists once the bundle has fetched it.
 struct Stream {
     AEGP_LayerStream kind = 0;
     StreamShape shape = StreamShape::one_d;
-    StreamComponents value{};         ///< what counts without keys
+    StreamComponents value{};         ///< used while there are no keys
     bool value_set = false;           ///< false: the host's own starting value
-    std::vector<Keyframe> keyframes;  ///< by time, no two at the same time
+    std::vector<Keyframe> keyframes;  ///< ascending, no two at the same time
 };
 
 enum class LayerKind { footage, composition, camera, light, null };
@@ -130,14 +130,14 @@ struct Layer {
     Id id = 0;
     Id composition = 0;
     LayerKind kind = LayerKind::null;
-    std::string name;    ///< cut at 31 bytes where the bundle gave it; else the source item's name
+    std::string name;    ///< at most 31 bytes from the bundle, else the source item's
     Id source_item = 0;  ///< 0 for cameras, lights and nulls
     AEGP_LayerTransferMode transfer{kTransferModeNormal, 0, 0};
     A_Time in_point{0, 1};
     A_Time duration{0, 1};
     A_Time offset{0, 1};
-    AEGP_LTimeMode time_mode = kTimeModeLayer;  ///< of in-point and duration
-    bool timing_set = false;                    ///< false: in-point, duration and offset are the host's own
+    AEGP_LTimeMode time_mode = kTimeModeLayer;  ///< in which in-point and duration are given
+    bool timing_set = false;                    ///< false: in-point, duration and offset are the host's
     AEGP_LayerFlags flags = 0;
     std::optional<AEGP_LightType> light_type;    ///< lights only; none until set
     std::optional<A_FloatPoint> center;          ///< cameras and lights only
@@ -157,23 +157,23 @@ struct Composition {
     std::deque<Id> layers;  ///< top to bottom; a new layer goes on top
 };
 
-/// One step of the edit menu's undo.
+/// One undo step of the Edit menu.
 struct UndoStep {
     std::string name;
     std::int64_t changes = 0;  ///< project changes made in it
     bool closed = false;
 };
 
-/// Something the bundle wanted the user to read.
+/// A text that the bundle had the host show to the user.
 struct Message {
     std::string text;
-    std::optional<A_Err> code;  ///< only for texts given to an input module's message function
+    std::optional<A_Err> code;  ///< only for texts passed to an input module's message function
 };
 
 using PreferenceKey = std::pair<std::string, std::string>;  ///< section, key
 
 struct Project {
-    std::vector<Item> items;  ///< all tables: the entry with id n stands at n - 1
+    std::vector<Item> items;  ///< in every table the entry with id n is at n - 1
     std::vector<Footage> footage;
     std::vector<Composition> compositions;
     std::vector<Layer> layers;
@@ -189,7 +189,7 @@ struct Project {
     [[nodiscard]] const Layer& layer(Id id) const { return layers.at(index(id)); }
     [[nodiscard]] const InSpec& in_spec(Id id) const { return in_specs.at(index(id)); }
 
-    /// The items whose parent folder is `folder`, in the order in which they were made.
+    /// The items in `folder`, in the order of creation.
     [[nodiscard]] std::vector<Id> children_of(Id folder) const;
 
     /// The first item with this name, or null.
@@ -198,7 +198,7 @@ struct Project {
     static std::size_t index(Id id) { return static_cast<std::size_t>(id) - 1; }
 };
 
-/// A project with its root folder and nothing else.
+/// A project that has its root folder alone.
 Project empty_project();
 
 }  // namespace embedded

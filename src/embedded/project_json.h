@@ -1,7 +1,7 @@
 #pragma once
 
 // A project and a conformance report as JSON. The order of keys and of entries is
-// fixed; docs/project-json.md describes the document.
+// fixed; docs/project-json.md describes both.
 
 #include "embedded/conformance.h"
 #include "embedded/json_values.h"

@@ -22,13 +22,13 @@ bool is_padded(std::string_view digits) {
     return digits.size() > 1 && digits.front() == '0';
 }
 
-/// A number belongs to a padding when it has exactly so many digits, or has outgrown it.
+/// A number belongs to a padding when it has exactly that many digits, or needs more.
 bool has_padding(std::string_view digits, std::size_t padding) {
     return digits.size() == padding || (digits.size() > padding && !is_padded(digits));
 }
 
-/// The padding of the numbering that `digits` belongs to. A number without leading zeros may belong to a
-/// padded numbering that it fills or has outgrown; the padded names beside it tell.
+/// The padding of the sequence that `digits` belongs to. A number without leading zeros may fill or outgrow
+/// the padding of others; the padded names in the folder decide.
 std::size_t padding_of(std::string_view digits, const std::vector<std::string>& all) {
     if (is_padded(digits)) {
         return digits.size();
@@ -42,7 +42,7 @@ std::size_t padding_of(std::string_view digits, const std::vector<std::string>& 
     return padding;
 }
 
-/// The numbers, as written, of all files in the folder that are named alike.
+/// The numbers, as written, of all files in the folder with this prefix and suffix.
 std::vector<std::string> numbers_beside(const std::string& folder, const NumberedName& name) {
     std::vector<std::string> numbers;
     for (const std::string& candidate : os::regular_files_in(folder.empty() ? "." : folder)) {

@@ -20,20 +20,20 @@ struct NumberedName {
 /// Nothing when the name has no number, or one of more than 18 digits.
 std::optional<NumberedName> split_number(std::string_view file_name);
 
-/// What `find_sequence` is asked for.
+/// The frames that `find_sequence` looks for.
 struct SequenceRequest {
-    bool whole_folder = true;     ///< false: only the named file, or the frames first..last if they are given
-    bool ignore_numbers = false;  ///< frames follow each other in alphabetical order, so there are no gaps
-    std::optional<std::int64_t> first;  ///< none: the first there is
-    std::optional<std::int64_t> last;   ///< none: the last there is
+    bool whole_folder = true;           ///< false: the named file alone, or the frames first..last if given
+    bool ignore_numbers = false;        ///< frames follow in alphabetical order, without gaps
+    std::optional<std::int64_t> first;  ///< none: the first that exists
+    std::optional<std::int64_t> last;   ///< none: the last that exists
 };
 
-/// The frames of the sequence that the file `path` belongs to, from its folder. Padded and unpadded
-/// numberings that share a folder and a name are different sequences: "a9 a10" is one, "a09 a10" the other.
-/// Nothing when the name holds no number or no file lies in the range.
+/// The frames of the sequence that the file `path` belongs to, all from its folder. Padded and unpadded
+/// numbers with the same name around them are different sequences: "a9 a10" is one, "a09 a10" the other.
+/// Nothing when the name has no number or no file is in the range.
 std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request);
 
-/// Frames in order, without repetition, to ranges of missing numbers between them.
+/// The ranges of numbers missing between `frames`, which are sorted and without repetition.
 std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames);
 
 }  // namespace embedded

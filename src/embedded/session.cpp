@@ -14,8 +14,8 @@ Session*& active_session() {
     return session;
 }
 
-/// Deliberately never given back: what was registered through these two stays reachable, and every handler of
-/// the bundle acquires them anew.
+/// The bundle deliberately never releases these two: what it registered through them stays reachable, and
+/// each of its handlers acquires them anew.
 bool is_kept_suite(std::size_t suite) {
     return suite == static_cast<std::size_t>(SuiteId::registration) ||
            suite == static_cast<std::size_t>(SuiteId::persistent_data);
@@ -28,10 +28,10 @@ std::string memory_text(const MemoryBlock& block) {
     return "mem:" + std::to_string(block.id) + " \"" + block.what + "\"";
 }
 
-/// Longer paths there are none; a system's own limit is far below.
+/// No real path is longer; every system's own limit is far below.
 constexpr std::size_t kMaxLent_bytes = 1U << 20U;
 
-/// The time that control is with the bundle.
+/// Tells the watcher when control passes to the bundle and back.
 class CallbackScope {
   public:
     CallbackScope(const Session& session, const std::string& name) : session_(session), name_(name) {
@@ -46,7 +46,7 @@ class CallbackScope {
     const std::string& name_;
 };
 
-/// The one exception that a bundle throws: a suite that the host did not supply.
+/// The value that the bundle throws when the host does not supply a suite.
 constexpr long kMissingSuiteException = 516;
 
 }  // namespace

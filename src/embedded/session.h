@@ -1,6 +1,6 @@
 #pragma once
 
-// What stands behind a Host: everything the suite functions work on. Internal to src/embedded.
+// The state behind a Host, on which the suite functions work. Internal to src/embedded.
 
 #include <array>
 #include <cstdint>
@@ -26,7 +26,7 @@
 
 namespace embedded {
 
-/// Thrown by the checks below to end a host function with an error; never leaves it.
+/// Thrown by the checks below to end a host function with an error; never leaves the function.
 struct Refusal {
     A_Err code = kHostErrorParameter;
 };
@@ -41,7 +41,7 @@ class Session {
     Session(const Session&) = delete;
     Session& operator=(const Session&) = delete;
 
-    /// The one that lives; null without a host.
+    /// The session of the living host; null without one.
     static Session* active();
 
     HostOptions options;
@@ -61,14 +61,14 @@ class Session {
     AEGP_GlobalRefcon global_refcon = nullptr;
     std::unique_ptr<os::DynamicLibrary> bundle;
 
-    /// What a stream handle stands for; by id - 1.
+    /// What a stream handle stands for. In `stream_refs` at id - 1.
     struct StreamRef {
         Id layer = 0;
         AEGP_LayerStream kind = 0;
     };
     std::vector<StreamRef> stream_refs;
 
-    /// Keys that are being added through one key-additions handle; by id - 1.
+    /// Keys that are being added through one key-additions handle. In `additions` at id - 1.
     struct Additions {
         struct Key {
             A_Time time{0, 1};  ///< in layer time
@@ -91,7 +91,7 @@ class Session {
     CurrentCall current_call;
     std::array<std::int64_t, kFunctionCount> call_counts{};
 
-    /// Counts the call; the code that an ordered fault answers it with, null if there is none for it.
+    /// Counts the call. Returns the code of the fault set for it, or null.
     const A_Err* count_call(Fn function) {
         const std::int64_t nth = ++call_counts[static_cast<std::size_t>(function)];
         return faults_.empty() ? nullptr : fault_of(function, nth);
@@ -110,19 +110,19 @@ class Session {
     LoadResult call_entry(AEGP_PluginInitFunc entry, const std::string& path);
     LoadResult call_entry(AEGP_PluginInitFuncCurrent entry);
     void unload();
-    /// Forgets what a bundle registered.
+    /// Forgets what the bundle registered.
     void forget_registrations();
 
     // --- rule violations
 
-    /// A finding in the call that is going on.
+    /// Reports a finding in the current call.
     void found(RuleViolation violation, std::string text);
     [[noreturn]] void refuse(RuleViolation violation, std::string text, A_Err code = kHostErrorParameter);
 
-    /// A memory block that belongs to nobody any more.
+    /// Reports a block that has no owner any more.
     void left_memory(Id block, const std::string& callback);
 
-    // --- checks of arguments; each reports and throws Refusal when it fails
+    // --- checks of arguments; each reports a violation and throws Refusal when it fails
 
     template <class T>
     T& require(T* pointer, const char* argument) {
@@ -131,7 +131,7 @@ class Session {
         }
         return *pointer;
     }
-    /// The id of a living handle of its own kind.
+    /// The id behind a handle, which must be alive and of its own kind.
     template <class H>
     Id id(H handle, const char* argument) {
         constexpr HandleKind kKind = HandleKindOf<H>::value;
@@ -141,7 +141,7 @@ class Session {
         }
         return token->id;
     }
-    /// The id of a folder's item.
+    /// As above, for an item that must be a folder.
     Id folder_id(AEGP_ItemH handle, const char* argument);
     void require_plugin(AEGP_PluginID id_given);
     void require_true(bool holds, const char* argument, const char* rule) {
@@ -151,18 +151,18 @@ class Session {
     }
     const A_Time& require_time(const A_Time* time, const char* argument);
     const A_Ratio& require_positive(const A_Ratio* ratio, const char* argument);
-    /// Cut at kMaxNameLength, with a note, where it is longer.
+    /// The name, cut at kMaxNameLength and noted if it is longer.
     std::string name(const A_char* text, const char* argument);
-    /// A path as this host keeps it: the bytes that a classic host was given, the UTF-8 of what today's was.
+    /// A path as this host keeps it: the bytes as they are in a classic host, else as UTF-8.
     std::string path(const A_char* text, const char* argument) { return &require(text, argument); }
     std::string path(const A_UTF16Char* text, const char* argument);
 
-    /// A path in memory that the bundle is to free: UTF-16, terminated.
+    /// A path in memory that the bundle must free: UTF-16, terminated.
     AEGP_MemHandle lend_path(const std::string& path);
 
     // --- changes
 
-    /// Counts a project change into the open undo step, or reports that there is none.
+    /// Counts a change in the open undo step, or reports that none is open.
     void changed();
     Item& add_item(ItemKind kind, std::string name, Id parent_folder, Id content);
 
@@ -174,14 +174,14 @@ class Session {
 
     // --- suites
 
-    /// The function table; null for one that this host does not have.
+    /// The function table of a suite; null when this host does not have it.
     [[nodiscard]] const void* suite_table(const std::string& name, A_long version, SuiteId& suite) const;
-    /// "AEGP Comp Suite 9", with the version that this host offers.
+    /// The suite's name and the version that this host offers: "AEGP Comp Suite 9".
     [[nodiscard]] std::string suite_text(SuiteId suite) const;
 
   private:
-    /// What existed when a callback began; what came after and is still open at its end was left behind by
-    /// it.
+    /// What existed when a callback began. The callback left behind whatever was opened later and is open at
+    /// its end.
     struct Marks {
         Id streams = 0;
         Id additions = 0;
@@ -203,9 +203,9 @@ class Session {
     std::vector<bool> footage_reported_;
 };
 
-/// The basic suite, whose first function hands out all others.
+/// The basic suite, whose first function acquires all others.
 SPBasicSuite* basic_suite_table();
-/// The message function that input modules get.
+/// The message function in an input module's basic data.
 void message_function(A_Err code, const A_char* text);
 
 }  // namespace embedded

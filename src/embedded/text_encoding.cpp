@@ -10,8 +10,8 @@ constexpr unsigned kFirstLow = 0xDC00U;
 constexpr unsigned kLastLow = 0xDFFFU;
 constexpr unsigned kFirstPaired = 0x10000U;  // the first code point that takes two units
 
-/// The length of the well-formed sequence at the start of `text`, 0 when there is none. The table of
-/// well-formed byte sequences is that of the Unicode standard, section 3.9.
+/// The length in bytes of the well-formed sequence at the start of `text`, or 0. The well-formed sequences
+/// are those of the Unicode standard, section 3.9, table 3-7.
 std::size_t utf8_sequence_length(std::string_view text) {
     const auto byte = [text](std::size_t i) {
         return i < text.size() ? static_cast<unsigned char>(text[i]) : 0U;
@@ -49,7 +49,7 @@ unsigned code_point_of(std::string_view text, std::size_t length) {
     return code_point;
 }
 
-/// How many units the well-formed sequence at the start of `text` has, 0 when there is none.
+/// The length in units of the well-formed sequence at the start of `text`, or 0.
 std::size_t utf16_sequence_length(Utf16View text) {
     const unsigned first = text[0];
     if (first < kFirstHigh || first > kLastLow) {

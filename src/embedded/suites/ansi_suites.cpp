@@ -1,5 +1,4 @@
-// "PF ANSI Suite" 1 and "PF AE Adv App Suite" 1: mathematics and text, and a suite of which only the presence
-// counts.
+// "PF ANSI Suite" 1, mathematics and text, and "PF AE Adv App Suite" 1, which bundles acquire and never call.
 
 #include <cstring>
 
@@ -10,7 +9,7 @@
 namespace embedded {
 namespace {
 
-/// These return values, not errors; without a host the value is all there is.
+/// These functions return values, not errors, and work without a host.
 A_FpLong evaluate(Fn function, A_FpLong (*mathematics)(A_FpLong), A_FpLong x) {
     const A_FpLong value = mathematics(x);
     if (Session* session = Session::active()) {

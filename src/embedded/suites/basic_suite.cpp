@@ -1,4 +1,4 @@
-// "SPBasicSuite": hands out the others.
+// "SPBasicSuite", which hands out the other suites.
 
 #include <algorithm>
 #include <string>
@@ -110,7 +110,7 @@ A_Err release_suite(const char* name, A_long version) {
 }  // namespace
 
 SPBasicSuite* basic_suite_table() {
-    // Filled anew every time: the bundle holds a pointer that it may write through.
+    // Filled anew each time: the bundle could write through its pointer.
     static SPBasicSuite table;
     table = reserved_table<SPBasicSuite, SuiteId::basic>();
     table.AcquireSuite = acquire_suite;

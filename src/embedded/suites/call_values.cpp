@@ -24,7 +24,7 @@ Json json_file_kind(const PFILE_FileKind& kind) {
 Json json_module_info(const AEIO_ModuleInfo& info) {
     Json read_kinds = Json::array();
     Json aux_extensions = Json::array();
-    // First the file types, then the extensions; the entries beyond both are not the module's to fill.
+    // First the file types, then the extensions; the module does not fill the entries beyond both.
     for (int i = 0; i < kMaxFileKinds && i < info.num_filetypes + info.num_extensions; ++i) {
         read_kinds.push_back(i < info.num_filetypes ? json_file_kind(info.read_kinds[i].mac)
                                                     : json_extension(info.read_kinds[i].ext));
@@ -149,7 +149,7 @@ void CallValues::stream_value(const char* name, const AEGP_StreamValue* value) {
     at(name) = json_or_null(value, [this](const AEGP_StreamValue& given) {
         Json record = Json::object();
         record["stream"] = given.stream == nullptr ? Json() : Json(session_.handles.text(given.stream));
-        // Which members count is the stream's to say; of a stream unknown all four are shown.
+        // The stream decides which members count; for an unknown stream all four are shown.
         StreamShape shape = StreamShape::color;
         const HandleTable::Token* token = session_.handles.find(given.stream);
         if (token != nullptr && token->kind == HandleKind::stream) {

@@ -1,7 +1,7 @@
 #pragma once
 
-// The arguments and results of one call, as the log writes them. All JSON of the suites is made here, so that
-// their sources compile without the JSON library.
+// The arguments and results of one call, as the log writes them. All JSON of the suites is built in the
+// source of this header, so theirs compile without the JSON library.
 
 #include <concepts>
 #include <cstddef>
@@ -29,19 +29,19 @@ class CallValues {
     void integer(const char* name, Integer value) {
         unsigned_integer(name, value);
     }
-    /// "inf", "-inf" and "nan" for what JSON has no number for.
+    /// "inf", "-inf" or "nan" where JSON has no number.
     void number(const char* name, double value);
     void flag(const char* name, A_Boolean value);
-    /// Text that is no UTF-8 or no UTF-16 is written as its bytes or units.
+    /// Text that is not UTF-8 or UTF-16 is written as its bytes or units.
     void text(const char* name, const A_char* value);
     void text(const char* name, const A_UTF16Char* value);
     void bytes(const char* name, const void* value, std::size_t size_bytes);
     void time(const char* name, const A_Time* value);
     void ratio(const char* name, const A_Ratio* value);
     void point(const char* name, const A_FloatPoint& value);
-    /// "item:3"; "foreign" for what is no handle of this host.
+    /// "item:3", or "foreign" for an address that the host never gave out.
     void handle(const char* name, const void* value);
-    /// An address or a function that means something to the bundle alone: true, or null.
+    /// An address that only the bundle can interpret: true, or null for a null pointer.
     void pointer(const char* name, const void* value) { present(name, value != nullptr); }
     void present(const char* name, bool there);
 
@@ -55,7 +55,7 @@ class CallValues {
     void module_info(const char* name, const AEIO_ModuleInfo* value);
     void file_types(const char* name, const AEIO_FileKind* kinds, A_long count);
     void extensions(const char* name, const AEIO_FileKind* kinds, A_long count);
-    /// A record of its own members, which are taken out of `members`.
+    /// A nested record, whose values are moved out of `members`.
     void record(const char* name, CallValues& members);
 
   private:

@@ -1,4 +1,4 @@
-// "AEGP Comp Suite" 9: compositions, and the layers that are made in them rather than added to them.
+// "AEGP Comp Suite" 9: compositions, and the layers that are created in them: cameras, lights and nulls.
 
 #include <cmath>
 
@@ -68,7 +68,7 @@ A_Err create_comp(AEGP_ItemH parent_folder, const A_char* name, A_long width, A_
         [&](CallValues& out) { out.handle("comp", *comp); });
 }
 
-/// Cameras and lights: a name, and the point in the composition that they are put in front of.
+/// Creates a camera or light, which has a name and is centred on a point of the composition.
 A_Err create_centered(Fn function, LayerKind kind, const A_char* name, A_FloatPoint center, AEGP_CompH comp,
                       AEGP_LayerH* layer) {
     return host_call(

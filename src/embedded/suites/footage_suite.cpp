@@ -1,4 +1,4 @@
-// "AEGP Footage Suite" 7, and 11 of today's hosts: files, placeholders and how they are read.
+// "AEGP Footage Suite" 7, in current hosts 11: files, placeholders and their interpretation.
 
 #include <cmath>
 
@@ -9,7 +9,7 @@
 namespace embedded {
 namespace {
 
-constexpr A_long kWholeSequence = -1;  // as first or last frame: no bound
+constexpr A_long kWholeSequence = -1;  // as first or last frame: not limited
 
 SequenceRequest request_of(Session& session, const AEGP_FileSequenceImportOptions& options) {
     SequenceRequest request;
@@ -29,7 +29,7 @@ SequenceRequest request_of(Session& session, const AEGP_FileSequenceImportOption
     return request;
 }
 
-/// A path is narrow in classic hosts and UTF-16 in today's.
+/// A path is narrow in classic hosts and UTF-16 in current ones.
 template <class Char>
 A_Err new_footage(AEGP_PluginID plugin_id, const Char* path, const AEGP_FootageLayerKey* layer_key,
                   const AEGP_FileSequenceImportOptions* sequence_options, AEGP_InterpretationStyle style,

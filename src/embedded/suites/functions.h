@@ -1,6 +1,6 @@
 #pragma once
 
-// Every suite that this host offers and every function of theirs that it implements, each in one place.
+// Every suite that this host offers and every function that it implements, each listed once.
 
 #include <array>
 #include <cstddef>
@@ -10,9 +10,9 @@
 
 namespace embedded {
 
-// SUITE(id, name, version in classic hosts, version in today's). The first two are no suites that can be
-// acquired: they are handed to the bundle as they are, but their functions are counted and logged like the
-// others, with version 0. A host offers one version of each, that of its generation.
+// SUITE(id, name, version in classic hosts, version in current ones). The first two cannot be acquired: the
+// bundle is given them directly. Their functions are counted and logged like the others, with version 0. A
+// host offers the one version of its generation.
 #define VXR_HOST_SUITES(SUITE)                                    \
     SUITE(basic, "SPBasicSuite", 0, 0)                            \
     SUITE(basic_data, "AEIO_BasicData", 0, 0)                     \
@@ -34,7 +34,7 @@ namespace embedded {
     SUITE(ansi, "PF ANSI Suite", 1, 1)                            \
     SUITE(adv_app, "PF AE Adv App Suite", 1, 1)
 
-// FUNCTION(suite id, name, whether it returns an error code, so that it can fail)
+// FUNCTION(suite id, name, whether it returns an error code and so can fail)
 #define VXR_HOST_FUNCTIONS(FUNCTION)                                         \
     FUNCTION(basic, AcquireSuite, true)                                      \
     FUNCTION(basic, ReleaseSuite, true)                                      \

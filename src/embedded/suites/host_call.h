@@ -1,7 +1,7 @@
 #pragma once
 
-// How every suite function is written: what it was given, what it does, what it gave back. The frame around
-// these three - counting, faults, the log, the end of a refusal - is here, once.
+// Every suite function consists of its arguments, its body and its results. What surrounds these three is
+// here: counting, faults, the log, and turning a Refusal into an error code.
 
 #include <filesystem>
 #include <new>
@@ -12,7 +12,7 @@
 
 namespace embedded {
 
-/// One call from its beginning to its end. Calls nest when a host function calls back into the bundle.
+/// One call from begin to end. Calls nest when a host function calls back into the bundle.
 class CallScope {
   public:
     CallScope(Session& session, Fn function)
@@ -26,14 +26,14 @@ class CallScope {
     }
     CallScope(const CallScope&) = delete;
     CallScope& operator=(const CallScope&) = delete;
-    /// Writes the line also when an exception passes through; its result is then null.
+    /// Writes the line even when an exception passes through; the result is then null.
     ~CallScope() {
         try {
             if (logged_ && session_.log.on()) {
                 write_line();
             }
         } catch (...) {
-            // A line that cannot be written must not end a call of the bundle, the more so in a destructor.
+            // A line that cannot be written must not end the bundle's call, and a destructor must not throw.
             logged_ = false;
         }
         session_.current_call = outer_;
@@ -41,9 +41,9 @@ class CallScope {
     }
 
     [[nodiscard]] bool logged() const { return logged_; }
-    /// The code that answers instead of the body; null for a call that is answered as usual.
+    /// The code that is returned instead of running the body; null without a fault.
     [[nodiscard]] const A_Err* fault() const { return fault_; }
-    /// Only of a logged call, as are the two below.
+    /// Only for a logged call, like the functions below.
     CallValues& args() { return line_->args; }
     CallValues& out() { return line_->out; }
     void set_result(A_Err code) { line_->result.integer(kResult, code); }
@@ -51,7 +51,7 @@ class CallScope {
     void set_result(const A_char* text) { line_->result.text(kResult, text); }
 
   private:
-    /// What the log wants to know. Most calls are made with the log off and build nothing.
+    /// The line's values. Most calls are made with the log off and have none.
     struct Line {
         explicit Line(const Session& session) : args(session), out(session), result(session) {}
         CallValues args;
@@ -70,9 +70,9 @@ class CallScope {
     std::optional<Line> line_;
 };
 
-/// One call of a function that returns an error code. `args(CallValues&)` names what it was given and runs
-/// only while the log is on; `body(Session&)` does the work and may throw Refusal; `out(CallValues&)` names
-/// what a call that succeeded gave back. A fault answers instead of the body and touches nothing.
+/// One call of a function that returns an error code. `args(CallValues&)` names the arguments and runs only
+/// while the log is on; `body(Session&)` does the work and may throw Refusal; `out(CallValues&)` names the
+/// results of a call that succeeded. With a fault the body does not run and nothing changes.
 template <class Args, class Body, class Out>
 A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out) {
     Session* session = Session::active();
@@ -106,7 +106,7 @@ A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out)
     return result;
 }
 
-/// The same for functions that give nothing back but their result.
+/// For functions without results besides their error code.
 template <class Args, class Body>
 A_Err host_call(Fn function, const Args& args, const Body& body) {
     return host_call(function, args, body, [](CallValues&) {});

@@ -1,4 +1,4 @@
-// "AEGP File Import Manager Suite" 2, and 3 of today's hosts: importers.
+// "AEGP File Import Manager Suite" 2, in current hosts 3: importers.
 
 #include "embedded/module_driver.h"
 #include "embedded/suites/host_call.h"
@@ -7,7 +7,7 @@
 namespace embedded {
 namespace {
 
-constexpr A_long kMaxKinds = 1000;  // no importer has so many; a count from an uninitialised variable has
+constexpr A_long kMaxKinds = 1000;  // above any real count, below most uninitialised ones
 
 ImportFlavor& flavor_of(Session& session, AE_FIM_ImportFlavorRef ref) {
     const bool known = ref >= 1 && static_cast<std::size_t>(ref) <= session.flavors.size();
@@ -58,7 +58,7 @@ A_Err register_file_types(AE_FIM_ImportFlavorRef flavor, A_long num_kinds, const
         });
 }
 
-/// Today's callbacks take another kind of path.
+/// The callbacks of the two generations take different paths.
 template <class Callbacks>
 A_Err register_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlags flags,
                          const Callbacks* callbacks) {

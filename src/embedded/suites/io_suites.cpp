@@ -1,5 +1,5 @@
-// "AEGP IO In Suite" 1 and "AEGP IO Out Suite" 1, and 5 and 7 of today's hosts: what input modules tell the
-// host about a file, and ask about an output.
+// "AEGP IO In Suite" 1 and "AEGP IO Out Suite" 1, in current hosts 5 and 7: what input modules tell the host
+// about a file, and ask about an output.
 
 #include <cstring>
 #include <type_traits>
@@ -84,7 +84,7 @@ A_Err set_depth(AEIO_InSpecH in_spec, A_short depth) {
         });
 }
 
-/// 32 bits with a sign in classic hosts, 64 without one in today's.
+/// A size has 32 bits and a sign in classic hosts, 64 bits and none in current ones.
 template <class Size>
 A_Err set_size(AEIO_InSpecH in_spec, Size size_bytes) {
     return host_call(
@@ -115,7 +115,7 @@ A_Err get_size(AEIO_InSpecH in_spec, Size* size_bytes) {
         [&](CallValues& out) { out.integer("size", *size_bytes); });
 }
 
-/// A classic host writes a path into the caller's buffer; longer ones it cannot give.
+/// A classic host copies a path into the caller's buffer, and fails when it does not fit.
 A_Err copy_path(Session& session, const std::string& known, A_char* path) {
     session.require(path, "path");
     if (known.size() >= kClassicPathBytes) {

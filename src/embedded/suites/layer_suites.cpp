@@ -1,5 +1,4 @@
-// "AEGP Layer Suite" 11 and "AEGP Light Suite" 2: layers, their place in time, how they are laid over each
-// other.
+// "AEGP Layer Suite" 11 and "AEGP Light Suite" 2: layers, their timing, transfer modes and kinds of light.
 
 #include <bit>
 

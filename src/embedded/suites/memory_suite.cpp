@@ -1,4 +1,4 @@
-// "AEGP Memory Suite" 1: memory that the host lends.
+// "AEGP Memory Suite" 1: memory that the host lends to the bundle.
 
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/suite_tables.h"

@@ -1,4 +1,4 @@
-// "AEGP Persistent Data Suite" 1, and 3 of today's hosts: the host's preferences.
+// "AEGP Persistent Data Suite" 1, in current hosts 3: the host's preferences.
 
 #include <cstring>
 
@@ -72,7 +72,7 @@ A_Err get_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
             session.require_true(data != nullptr, "data", "is null");
             auto stored = session.project.preferences.find(preference);
             if (stored == session.project.preferences.end()) {
-                // Asking with a default makes the entry, as in the host.
+                // Reading a missing preference stores its default, as After Effects does.
                 std::vector<std::uint8_t> value(size, 0);
                 if (default_data != nullptr) {
                     std::memcpy(value.data(), default_data, size);

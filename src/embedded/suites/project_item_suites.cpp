@@ -1,4 +1,4 @@
-// "AEGP Proj Suite" 5, and 8 of today's hosts, and "AEGP Item Suite" 10: the project and its folders.
+// "AEGP Proj Suite" 5, in current hosts 8, and "AEGP Item Suite" 10: the project and its folders.
 
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/suite_tables.h"

@@ -1,4 +1,4 @@
-// "AEGP Register Suite" 4, and 6 of today's hosts: what a bundle registers for the life of the host.
+// "AEGP Register Suite" 4, in current hosts 6: what a bundle registers for the life of the host.
 
 #include <algorithm>
 #include <array>
@@ -30,7 +30,7 @@ A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_Dea
 template <class Block>
 constexpr std::size_t kFields = sizeof(Block) / sizeof(ReservedSlot);
 
-/// How many of the block's functions there are.
+/// How many functions of the block are not null.
 template <class Block>
 std::size_t filled_functions(const Block& functions) {
     const auto slots = std::bit_cast<std::array<void (*)(), kFields<Block>>>(functions);
@@ -38,7 +38,7 @@ std::size_t filled_functions(const Block& functions) {
         std::count_if(slots.begin(), slots.end(), [](auto function) { return function != nullptr; }));
 }
 
-/// Today's block has more functions, and other paths.
+/// The block of current hosts has more functions, which take UTF-16 paths.
 template <class Block>
 A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_ModuleInfo* info,
                   const Block* functions) {

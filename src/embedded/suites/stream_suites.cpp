@@ -1,4 +1,4 @@
-// "AEGP Stream Suite" 7 and "AEGP Keyframe Suite" 3: the values of layers and how they change over time.
+// "AEGP Stream Suite" 7 and "AEGP Keyframe Suite" 3: the properties of layers and their keys.
 
 #include "embedded/layer_model.h"
 #include "embedded/suites/host_call.h"
@@ -19,7 +19,7 @@ Stream& stream_behind(Session& session, Id stream_ref) {
     return *stream;
 }
 
-/// What its values are like.
+/// The shape of that stream's values.
 StreamShape shape_behind(Session& session, Id stream_ref) {
     const Session::StreamRef& ref = session.stream_refs[Project::index(stream_ref)];
     const auto shape = stream_shape(session.layer(ref.layer), ref.kind);
@@ -29,7 +29,7 @@ StreamShape shape_behind(Session& session, Id stream_ref) {
     return *shape;
 }
 
-/// A value names the stream that it is for.
+/// A value must name the stream that it is set on.
 void check_value(Session& session, const AEGP_StreamValue* value, Id stream_ref) {
     session.require(value, "value");
     session.require_true(session.id(value->stream, "value.stream") == stream_ref, "value.stream",
@@ -100,7 +100,7 @@ A_Err start_additions(AEGP_StreamRefH stream, AEGP_AddKeyframesInfoH* additions)
         [&](CallValues& out) { out.handle("additions", *additions); });
 }
 
-/// Layer time of a key; composition time starts where the layer's offset says.
+/// A key's time in layer time. Composition time is later by the layer's offset.
 A_Time layer_time(Session& session, const Session::Additions& additions, AEGP_LTimeMode time_mode,
                   const A_Time& time) {
     session.require_true(time_mode == kTimeModeLayer || time_mode == kTimeModeComp, "time_mode",

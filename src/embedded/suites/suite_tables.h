@@ -9,8 +9,8 @@
 #include <utility>
 
 #include "embedded/suites/functions.h"
-#include "host/host_interface.h"
 #include "host/current_interface.h"
+#include "host/host_interface.h"
 
 namespace embedded {
 

@@ -26,7 +26,7 @@ A_Err start_undo_group(const A_char* name) {
         Fn::AEGP_StartUndoGroup, [&](CallValues& args) { args.text("name", name); },
         [&](Session& session) -> A_Err {
             session.require(name, "name");
-            // Groups may nest; the outermost is the step that the user sees.
+            // Groups nest; the outermost is the step that the user sees.
             if (session.undo_depth++ == 0) {
                 session.project.undo_steps.push_back({name, 0, false});
             }
