@@ -230,7 +230,7 @@ const Module* Host::module_for(std::string_view path) const {
 OpenResult Host::open_with_module(const std::string& path) {
     const Module* module = module_for(path);
     if (module == nullptr) {
-        return {{kHostErrorGeneric, false}, "no input module takes files of this kind", 0};
+        return {{kHostErrorGeneric, false}, "no input module accepts files of this kind", 0};
     }
     return embedded::open_with_module(*session_, *module, path);
 }

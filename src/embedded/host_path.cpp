@@ -23,7 +23,7 @@ std::string path_problem(HostGeneration generation, const std::string& path) {
         return {};
     }
     return "the path is not UTF-8 (byte " + hex_byte(path[*fault]) + " at offset " + std::to_string(*fault) +
-           "), and today's hosts name files in Unicode; only a classic host can be given it";
+           "), and current hosts take paths in Unicode; only a classic host can take it";
 }
 
 }  // namespace embedded

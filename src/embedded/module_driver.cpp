@@ -98,7 +98,7 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
         return failed(callback, "the module could not verify the file");
     }
     if (importable == 0) {
-        return failed({kHostErrorGeneric, false}, "the module does not take the file");
+        return failed({kHostErrorGeneric, false}, "the module does not accept the file");
     }
 
     const Id id = make_in_spec(session, path);
@@ -133,7 +133,7 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
         session.in_spec(id).height = height;
         session.in_spec(id).dimensions_from_module = true;
     } else if (callback.code != kHostUseDefaultCallback) {
-        return abandon(session, id, callback, "the module could not say how large the picture is");
+        return abandon(session, id, callback, "the module could not give the dimensions");
     }
 
     A_Time duration{0, 1};
@@ -144,12 +144,13 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
         session.in_spec(id).duration = duration;
         session.in_spec(id).duration_from_module = true;
     } else if (callback.code != kHostUseDefaultCallback) {
-        return abandon(session, id, callback, "the module could not say how long the file is");
+        return abandon(session, id, callback, "the module could not give the duration");
     }
 
     const InSpec& opened = session.in_spec(id);
     if (opened.width < 1 || opened.height < 1 || opened.duration.scale == 0) {
-        return abandon(session, id, {kHostErrorGeneric, false}, "the module gave neither size nor duration");
+        return abandon(session, id, {kHostErrorGeneric, false},
+                       "the module gave no dimensions or no duration");
     }
     return {{}, {}, id};
 }

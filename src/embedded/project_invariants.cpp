@@ -35,7 +35,8 @@ template <class Table, class Check>
 Broken each(const char* word, const Table& table, const Check& check) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         const Id expected = static_cast<Id>(i) + 1;
-        const char* const wrong = table[i].id != expected ? "it stands in another's place" : check(table[i]);
+        const char* const wrong =
+            table[i].id != expected ? "its id does not match its place" : check(table[i]);
         if (wrong != nullptr) {
             return named(word, expected) + ": " + wrong;
         }
@@ -50,14 +51,14 @@ const char* wrong_content(const Project& project, const Item& item) {
         case ItemKind::footage:
             return exists(project.footage, item.content) && project.footage_of(item.content).item == item.id
                        ? nullptr
-                       : "its footage is another's or none";
+                       : "its footage does not exist or names another item";
         case ItemKind::composition:
             return exists(project.compositions, item.content) &&
                            project.composition(item.content).item == item.id
                        ? nullptr
-                       : "its composition is another's or none";
+                       : "its composition does not exist or names another item";
     }
-    return "it is of no kind";
+    return "its kind is unknown";
 }
 
 const char* wrong_item(const Project& project, const Item& item) {
@@ -72,7 +73,7 @@ const char* wrong_item(const Project& project, const Item& item) {
         return "it is in no folder";
     }
     if (item.kind != ItemKind::footage && item.name.size() > kMaxNameLength) {
-        return "its name is longer than names are";
+        return "its name is longer than 31 bytes";
     }
     return wrong_content(project, item);
 }
@@ -93,14 +94,14 @@ const char* wrong_sequence(const SequenceFrames& frames) {
         there -= gap.last - gap.first + 1;
         next = gap.last + 2;
     }
-    return there == frames.count ? nullptr : "its gaps and its files are not the whole sequence";
+    return there == frames.count ? nullptr : "its gaps and its files do not add up to the sequence";
 }
 
 const char* wrong_footage(const Project& project, const Footage& footage) {
     if (footage.item != 0 &&
         !(exists(project.items, footage.item) && project.item(footage.item).kind == ItemKind::footage &&
           project.item(footage.item).content == footage.id)) {
-        return "its item is another's or none";
+        return "its item does not exist or has other content";
     }
     if (footage.width < 1 || footage.height < 1) {
         return "it has no pixels";
@@ -110,17 +111,17 @@ const char* wrong_footage(const Project& project, const Footage& footage) {
     }
     const bool is_placeholder = footage.kind == FootageKind::placeholder;
     if (is_placeholder != footage.path.empty()) {
-        return "it has a path and is a placeholder, or neither";
+        return "it is a placeholder with a path or a file without one";
     }
     if (is_placeholder && footage.name.size() > kMaxNameLength) {
-        return "its name is longer than names are";
+        return "its name is longer than 31 bytes";
     }
     if ((footage.kind == FootageKind::module_file) != (footage.in_spec != 0) ||
         (footage.in_spec != 0 && !exists(project.in_specs, footage.in_spec))) {
-        return "its in-spec is missing, or none of a module's";
+        return "its in-spec does not exist or does not belong to its kind";
     }
     if (footage.sequence && footage.kind != FootageKind::sequence) {
-        return "it is no sequence and has frames";
+        return "it has frames and is not a sequence";
     }
     return footage.sequence ? wrong_sequence(*footage.sequence) : nullptr;
 }
@@ -129,21 +130,21 @@ const char* wrong_composition(const Project& project, const Composition& composi
     if (!exists(project.items, composition.item) ||
         project.item(composition.item).kind != ItemKind::composition ||
         project.item(composition.item).content != composition.id) {
-        return "its item is another's or none";
+        return "its item does not exist or has other content";
     }
     if (composition.width < 1 || composition.height < 1) {
         return "it has no pixels";
     }
     if (!is_time(composition.duration) || !is_positive(composition.pixel_aspect) ||
         !is_positive(composition.frame_rate)) {
-        return "its duration, pixel aspect or frame rate is no number";
+        return "its duration, pixel aspect or frame rate is not valid";
     }
     return nullptr;
 }
 
 const char* wrong_stream(AEGP_LayerStream kind, const Stream& stream) {
     if (stream.kind != kind) {
-        return "a stream stands in another's place";
+        return "a stream's kind does not match its place";
     }
     if (component_count(stream.shape) == 0) {
         return "a stream has no components";
@@ -164,12 +165,12 @@ const char* wrong_stream(AEGP_LayerStream kind, const Stream& stream) {
 const char* wrong_source(const Project& project, const Layer& layer) {
     const bool needs_source = layer.kind == LayerKind::footage || layer.kind == LayerKind::composition;
     if (!needs_source) {
-        return layer.source_item == 0 ? nullptr : "it has a source and is of a kind without";
+        return layer.source_item == 0 ? nullptr : "it has a source, which its kind never has";
     }
     const ItemKind wanted = layer.kind == LayerKind::footage ? ItemKind::footage : ItemKind::composition;
     return exists(project.items, layer.source_item) && project.item(layer.source_item).kind == wanted
                ? nullptr
-               : "its source is of another kind or none";
+               : "its source does not exist or is of another kind";
 }
 
 const char* wrong_layer(const Project& project, const Layer& layer) {
@@ -183,14 +184,14 @@ const char* wrong_layer(const Project& project, const Layer& layer) {
         return "a time has no scale";
     }
     if (layer.source_item == 0 && layer.name.size() > kMaxNameLength) {
-        return "its name is longer than names are";
+        return "its name is longer than 31 bytes";
     }
     const bool is_centered = layer.kind == LayerKind::camera || layer.kind == LayerKind::light;
     if (layer.center.has_value() != is_centered) {
         return "only cameras and lights have a centre";
     }
     if (layer.light_type && layer.kind != LayerKind::light) {
-        return "only lights are of a kind of light";
+        return "only lights have a kind of light";
     }
     for (const auto& [kind, stream] : layer.streams) {
         if (const char* wrong = wrong_stream(kind, stream)) {
@@ -206,7 +207,8 @@ Broken validate_stacking(const Project& project) {
     for (const Composition& composition : project.compositions) {
         for (const Id layer : composition.layers) {
             if (!exists(project.layers, layer) || project.layer(layer).composition != composition.id) {
-                return named("comp", composition.id) + ": one of its layers is another's or none";
+                return named("comp", composition.id) +
+                       ": one of its layers does not exist or is in another composition";
             }
             if (seen[Project::index(layer)]) {
                 return named("comp", composition.id) + ": a layer is in it twice";
@@ -216,7 +218,7 @@ Broken validate_stacking(const Project& project) {
     }
     for (std::size_t i = 0; i < seen.size(); ++i) {
         if (!seen[i]) {
-            return named("layer", static_cast<Id>(i) + 1) + ": its composition does not know it";
+            return named("layer", static_cast<Id>(i) + 1) + ": its composition does not list it";
         }
     }
     return std::nullopt;
@@ -257,13 +259,13 @@ Broken validate_nesting(const Project& project) {
             }
         }
     }
-    return taken == shown.size() ? std::nullopt : Broken("a composition is a layer of itself");
+    return taken == shown.size() ? std::nullopt : Broken("a composition contains itself");
 }
 
 Broken validate_undo_steps(const Project& project) {
     for (const UndoStep& step : project.undo_steps) {
         if (!step.closed || step.changes < 0) {
-            return "undo step \"" + step.name + "\": it is open, or of less than no changes";
+            return "undo step \"" + step.name + "\": it is open or counts fewer than 0 changes";
         }
     }
     return std::nullopt;

@@ -57,7 +57,7 @@ Session* Session::active() {
 
 Session::Session(HostOptions host_options) : options(std::move(host_options)) {
     if (active_session() != nullptr) {
-        throw std::logic_error("another host lives in this process");
+        throw std::logic_error("another host exists in this process");
     }
     for (const Fault& fault : options.faults) {
         const auto known = std::find_if(kFunctions.begin(), kFunctions.end(), [&fault](const auto& function) {
@@ -274,11 +274,11 @@ void Session::refuse_handle(HandleKind kind, const void* handle, const char* arg
     }
     const HandleTable::Token* token = handles.find(handle);
     if (token == nullptr) {
-        refuse(RuleViolation::foreign_handle, what + " is no handle of this host");
+        refuse(RuleViolation::foreign_handle, what + " is not a handle of this host");
     }
     if (token->kind != kind) {
-        refuse(RuleViolation::foreign_handle,
-               what + " is " + handles.text(handle) + ", which is no " + handle_label(kind));
+        refuse(RuleViolation::foreign_handle, what + " is " + handles.text(handle) +
+                                                  ", which is not a handle of kind " + handle_label(kind));
     }
     refuse(kind == HandleKind::memory ? RuleViolation::memory_use_after_free : RuleViolation::dead_handle,
            what + " is " + handles.text(handle) + ", which is gone");
@@ -286,7 +286,7 @@ void Session::refuse_handle(HandleKind kind, const void* handle, const char* arg
 
 Id Session::folder_id(AEGP_ItemH handle, const char* argument) {
     const Id folder = id(handle, argument);
-    require_true(item(folder).kind == ItemKind::folder, argument, "is no folder");
+    require_true(item(folder).kind == ItemKind::folder, argument, "is not a folder");
     return folder;
 }
 

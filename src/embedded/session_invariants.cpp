@@ -40,7 +40,7 @@ Broken validate_counts(const Session& session) {
         const auto made = static_cast<std::size_t>(session.handles.made(held.kind));
         if (made != held.things) {
             return std::string(handle_label(held.kind)) + ": " + std::to_string(made) + " handles for " +
-                   std::to_string(held.things) + " things";
+                   std::to_string(held.things) + " objects";
         }
     }
     return std::nullopt;
@@ -56,8 +56,8 @@ Broken validate_handles(const Session& session, const IsAlive& is_alive) {
             return named(kKind, id) + ": its handle stands for something else";
         }
         if (token->alive != is_alive(id)) {
-            return named(kKind, id) + (token->alive ? ": it is gone and its handle is not"
-                                                    : ": its handle is gone and it is not");
+            return named(kKind, id) + (token->alive ? ": its handle is alive and it is not"
+                                                    : ": it is alive and its handle is not");
         }
     }
     return std::nullopt;
@@ -109,7 +109,7 @@ Broken validate_streams(const Session& session) {
     for (std::size_t i = 0; i < session.additions.size(); ++i) {
         const Id ref = session.additions[i].stream_ref;
         if (ref < 1 || Project::index(ref) >= session.stream_refs.size()) {
-            return named(HandleKind::additions, static_cast<Id>(i) + 1) + ": they are for no stream";
+            return named(HandleKind::additions, static_cast<Id>(i) + 1) + ": their stream does not exist";
         }
     }
     return std::nullopt;
@@ -121,10 +121,10 @@ Broken validate_memory(const Session& session) {
         const MemoryBlock& block = blocks[i];
         const std::string here = named(HandleKind::memory, static_cast<Id>(i) + 1);
         if (block.id != static_cast<Id>(i) + 1) {
-            return here + ": it stands in another's place";
+            return here + ": its id does not match its place";
         }
         if (block.locks < 0) {
-            return here + ": it is locked less often than not at all";
+            return here + ": its lock count is negative";
         }
         const auto in_specs = static_cast<Id>(session.project.in_specs.size());
         const bool attached = block.in_spec >= 1 && block.in_spec <= in_specs &&
@@ -140,7 +140,8 @@ Broken validate_memory(const Session& session) {
         const bool there = in_spec.options >= 1 && Project::index(in_spec.options) < blocks.size();
         if (!there || blocks[Project::index(in_spec.options)].in_spec != in_spec.id ||
             !blocks[Project::index(in_spec.options)].alive()) {
-            return named(HandleKind::in_spec, in_spec.id) + ": its options are another's or gone";
+            return named(HandleKind::in_spec, in_spec.id) +
+                   ": its options do not exist or belong to another in-spec";
         }
     }
     return std::nullopt;

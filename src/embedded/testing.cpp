@@ -10,7 +10,7 @@ namespace {
 
 void require_generation(const Session& session, HostGeneration generation) {
     if (session.options.generation != generation) {
-        throw std::logic_error("the entry point is one for another generation of hosts");
+        throw std::logic_error("the entry point is for another generation of hosts");
     }
 }
 

@@ -145,7 +145,7 @@ TEST(ImportVerb, FileNamesThatAreNotUtf8NeedAClassicHost) {
     EXPECT_EQ(today.err,
               "vxr: error: " + shown + ": the path is not UTF-8 (byte 0xE9 at offset " +
                   std::to_string(scene.find('\xE9')) +
-                  "), and today's hosts name files in Unicode; only a classic host can be given it "
+                  "), and current hosts take paths in Unicode; only a classic host can take it "
                   "(--host classic)\n");
     const ProcessResult classic = import_file({"--host", "classic", scene});
     EXPECT_EQ(classic.exit_code, 0) << classic.err;

@@ -94,34 +94,35 @@ void make_sequence(Project& p, std::vector<FrameRange> gaps) {
 
 const Case kCases[] = {
     {"no items", "there is no root folder", [](Project& p) { p.items.clear(); }},
-    {"an item in another's place", "item:2: it stands in another's place",
+    {"an item in another's place", "item:2: its id does not match its place",
      [](Project& p) { p.items[1].id = 3; }},
     {"a root folder in a folder", "item:1: it is not the root folder",
      [](Project& p) { p.items[0].parent_folder = 1; }},
-    {"a root that is no folder", "item:1: it is not the root folder",
+    {"a root that is not a folder", "item:1: it is not the root folder",
      [](Project& p) { p.items[0].kind = ItemKind::footage; }},
     {"an item without folder", "item:2: it is in no folder",
      [](Project& p) { p.items[1].parent_folder = 0; }},
     {"an item in itself", "item:2: it is in no folder", [](Project& p) { p.items[1].parent_folder = 2; }},
-    {"an item in what is no folder", "item:3: it is in no folder",
+    {"an item in what is not a folder", "item:3: it is in no folder",
      [](Project& p) { p.items[2].parent_folder = 2; }},
-    {"a name of 32 bytes", "item:2: its name is longer than names are",
+    {"a name of 32 bytes", "item:2: its name is longer than 31 bytes",
      [](Project& p) { p.items[1].name.assign(32, 'n'); }},
-    {"a composition's item with another composition", "item:2: its composition is another's or none",
+    {"a composition's item with another composition",
+     "item:2: its composition does not exist or names another item",
      [](Project& p) { p.items[1].content = 2; }},
-    {"a composition's item with none", "item:2: its composition is another's or none",
+    {"a composition's item with none", "item:2: its composition does not exist or names another item",
      [](Project& p) { p.items[1].content = 3; }},
-    {"a footage item without footage", "item:3: its footage is another's or none",
+    {"a footage item without footage", "item:3: its footage does not exist or names another item",
      [](Project& p) { p.items[2].content = 2; }},
     {"a folder with content", "item:5: it is a folder with content",
      [](Project& p) {
          p.items.push_back({5, ItemKind::folder, "f", 1, 1});
      }},
-    {"an item of no kind", "item:2: it is of no kind",
+    {"an item of no kind", "item:2: its kind is unknown",
      [](Project& p) { p.items[1].kind = static_cast<ItemKind>(9); }},
-    {"footage in another's place", "footage:1: it stands in another's place",
+    {"footage in another's place", "footage:1: its id does not match its place",
      [](Project& p) { p.footage[0].id = 0; }},
-    {"footage with another's item", "footage:2: its item is another's or none",
+    {"footage with another's item", "footage:2: its item does not exist or has other content",
      [](Project& p) {
          p.footage.push_back(p.footage[0]);
          p.footage[1].id = 2;
@@ -129,27 +130,28 @@ const Case kCases[] = {
     {"footage without pixels", "footage:1: it has no pixels", [](Project& p) { p.footage[0].width = 0; }},
     {"footage without time", "footage:1: its duration has no scale",
      [](Project& p) { p.footage[0].duration = kNever; }},
-    {"a placeholder with a path", "footage:1: it has a path and is a placeholder, or neither",
+    {"a placeholder with a path", "footage:1: it is a placeholder with a path or a file without one",
      [](Project& p) { p.footage[0].path = "p"; }},
-    {"a file without a path", "footage:1: it has a path and is a placeholder, or neither",
+    {"a file without a path", "footage:1: it is a placeholder with a path or a file without one",
      [](Project& p) { p.footage[0].kind = FootageKind::file; }},
-    {"a placeholder with a long name", "footage:1: its name is longer than names are",
+    {"a placeholder with a long name", "footage:1: its name is longer than 31 bytes",
      [](Project& p) { p.footage[0].name.assign(32, 'n'); }},
-    {"a placeholder with an in-spec", "footage:1: its in-spec is missing, or none of a module's",
+    {"a placeholder with an in-spec", "footage:1: its in-spec does not exist or does not belong to its kind",
      [](Project& p) { p.footage[0].in_spec = 1; }},
-    {"a module's file without an in-spec", "footage:1: its in-spec is missing, or none of a module's",
+    {"a module's file without an in-spec",
+     "footage:1: its in-spec does not exist or does not belong to its kind",
      [](Project& p) {
          p.footage[0].kind = FootageKind::module_file;
          p.footage[0].path = "p.txl";
      }},
     {"a module's file with an in-spec that is none",
-     "footage:1: its in-spec is missing, or none of a module's",
+     "footage:1: its in-spec does not exist or does not belong to its kind",
      [](Project& p) {
          p.footage[0].kind = FootageKind::module_file;
          p.footage[0].path = "p.txl";
          p.footage[0].in_spec = 2;
      }},
-    {"frames of what is no sequence", "footage:1: it is no sequence and has frames",
+    {"frames of what is no sequence", "footage:1: it has frames and is not a sequence",
      [](Project& p) { p.footage[0].sequence.emplace(); }},
     {"a sequence without frames", "footage:1: its sequence has no frames",
      [](Project& p) {
@@ -181,18 +183,18 @@ const Case kCases[] = {
      [](Project& p) {
          make_sequence(p, {{5, 4}});
      }},
-    {"a gap too few", "footage:1: its gaps and its files are not the whole sequence",
+    {"a gap too few", "footage:1: its gaps and its files do not add up to the sequence",
      [](Project& p) {
          make_sequence(p, {{7, 8}});
      }},
-    {"a composition in another's place", "comp:1: it stands in another's place",
+    {"a composition in another's place", "comp:1: its id does not match its place",
      [](Project& p) { p.compositions[0].id = 2; }},
-    {"a composition with another's item", "comp:3: its item is another's or none",
+    {"a composition with another's item", "comp:3: its item does not exist or has other content",
      [](Project& p) {
          p.compositions.push_back(p.compositions[0]);
          p.compositions[2].id = 3;
      }},
-    {"a composition without an item", "comp:3: its item is another's or none",
+    {"a composition without an item", "comp:3: its item does not exist or has other content",
      [](Project& p) {
          p.compositions.push_back(p.compositions[0]);
          p.compositions[2].id = 3;
@@ -200,25 +202,25 @@ const Case kCases[] = {
      }},
     {"a composition without pixels", "comp:1: it has no pixels",
      [](Project& p) { p.compositions[0].height = 0; }},
-    {"a composition without time", "comp:1: its duration, pixel aspect or frame rate is no number",
+    {"a composition without time", "comp:1: its duration, pixel aspect or frame rate is not valid",
      [](Project& p) { p.compositions[0].duration = kNever; }},
-    {"a composition without aspect", "comp:1: its duration, pixel aspect or frame rate is no number",
+    {"a composition without aspect", "comp:1: its duration, pixel aspect or frame rate is not valid",
      [](Project& p) {
          p.compositions[0].pixel_aspect = {0, 1};
      }},
-    {"a composition without a rate", "comp:1: its duration, pixel aspect or frame rate is no number",
+    {"a composition without a rate", "comp:1: its duration, pixel aspect or frame rate is not valid",
      [](Project& p) {
          p.compositions[0].frame_rate = {1, 0};
      }},
-    {"a layer in another's place", "layer:1: it stands in another's place",
+    {"a layer in another's place", "layer:1: its id does not match its place",
      [](Project& p) { p.layers[0].id = 2; }},
     {"a layer without composition", "layer:1: it is in no composition",
      [](Project& p) { p.layers[0].composition = 3; }},
-    {"a layer with a source of another kind", "layer:1: its source is of another kind or none",
+    {"a layer with a source of another kind", "layer:1: its source does not exist or is of another kind",
      [](Project& p) { p.layers[0].source_item = 4; }},
-    {"a layer without a source", "layer:2: its source is of another kind or none",
+    {"a layer without a source", "layer:2: its source does not exist or is of another kind",
      [](Project& p) { p.layers[1].source_item = 0; }},
-    {"a null with a source", "layer:5: it has a source and is of a kind without",
+    {"a null with a source", "layer:5: it has a source, which its kind never has",
      [](Project& p) { p.layers[4].source_item = 3; }},
     {"a layer without an in-point", "layer:1: a time has no scale",
      [](Project& p) { p.layers[0].in_point = kNever; }},
@@ -226,15 +228,15 @@ const Case kCases[] = {
      [](Project& p) { p.layers[0].duration = kNever; }},
     {"a layer without an offset", "layer:1: a time has no scale",
      [](Project& p) { p.layers[0].offset = kNever; }},
-    {"a null with a long name", "layer:5: its name is longer than names are",
+    {"a null with a long name", "layer:5: its name is longer than 31 bytes",
      [](Project& p) { p.layers[4].name.assign(32, 'n'); }},
     {"a null with a centre", "layer:5: only cameras and lights have a centre",
      [](Project& p) { p.layers[4].center = A_FloatPoint{}; }},
     {"a camera without a centre", "layer:3: only cameras and lights have a centre",
      [](Project& p) { p.layers[2].center.reset(); }},
-    {"a camera that is a kind of light", "layer:3: only lights are of a kind of light",
+    {"a camera that is a kind of light", "layer:3: only lights have a kind of light",
      [](Project& p) { p.layers[2].light_type = kLightTypeSpot; }},
-    {"a stream in another's place", "layer:3: a stream stands in another's place",
+    {"a stream in another's place", "layer:3: a stream's kind does not match its place",
      [](Project& p) { p.layers[2].streams[kLayerStreamZoom].kind = kLayerStreamPosition; }},
     {"a stream of no shape", "layer:3: a stream has no components",
      [](Project& p) { p.layers[2].streams[kLayerStreamZoom].shape = static_cast<embedded::StreamShape>(9); }},
@@ -244,7 +246,7 @@ const Case kCases[] = {
      [](Project& p) {
          p.layers[2].streams[kLayerStreamZoom].keyframes[2].time = {2, 50};
      }},
-    {"an in-spec in another's place", "inspec:1: it stands in another's place",
+    {"an in-spec in another's place", "inspec:1: its id does not match its place",
      [](Project& p) { p.in_specs[0].id = 2; }},
     {"an in-spec without time", "inspec:1: its duration has no scale",
      [](Project& p) { p.in_specs[0].duration = kNever; }},
@@ -253,19 +255,21 @@ const Case kCases[] = {
          p.in_specs[0].duration = kNever;
          p.in_specs[0].disposed = true;
      }},
-    {"a composition with a layer that is none", "comp:1: one of its layers is another's or none",
+    {"a composition with a layer that is none",
+     "comp:1: one of its layers does not exist or is in another composition",
      [](Project& p) { p.compositions[0].layers.push_back(6); }},
-    {"a composition with another's layer", "comp:2: one of its layers is another's or none",
+    {"a composition with another's layer",
+     "comp:2: one of its layers does not exist or is in another composition",
      [](Project& p) { p.compositions[1].layers.push_back(1); }},
     {"a layer that is there twice", "comp:1: a layer is in it twice",
      [](Project& p) { p.compositions[0].layers.push_back(1); }},
-    {"a layer that its composition has not", "layer:5: its composition does not know it",
+    {"a layer that its composition has not", "layer:5: its composition does not list it",
      [](Project& p) { p.compositions[0].layers.pop_front(); }},
-    {"a composition within itself", "a composition is a layer of itself",
+    {"a composition within itself", "a composition contains itself",
      [](Project& p) { p.layers[1].source_item = 2; }},
-    {"an undo step that is open", "undo step \"step\": it is open, or of less than no changes",
+    {"an undo step that is open", "undo step \"step\": it is open or counts fewer than 0 changes",
      [](Project& p) { p.undo_steps[0].closed = false; }},
-    {"an undo step of less than no changes", "undo step \"step\": it is open, or of less than no changes",
+    {"an undo step of less than no changes", "undo step \"step\": it is open or counts fewer than 0 changes",
      [](Project& p) { p.undo_steps[0].changes = -1; }},
 };
 
@@ -300,25 +304,25 @@ Undo add_to(std::vector<std::string>& list) {
 }
 
 const SessionCase kSessionCases[] = {
-    {"a thing without a handle", "outspec: 0 handles for 1 things",
+    {"a thing without a handle", "outspec: 0 handles for 1 objects",
      [](Session& s) { return add_to(s.out_spec_paths); }},
     {"a stream that no layer has", "stream:1: no layer has it",
      [](Session& s) { return changed(s.stream_refs[0].kind, kLayerStreamColor); }},
     {"a stream of no layer", "stream:1: no layer has it",
      [](Session& s) { return changed(s.stream_refs[0].layer, 6); }},
-    {"additions for no stream", "additions:1: they are for no stream",
+    {"additions for no stream", "additions:1: their stream does not exist",
      [](Session& s) { return changed(s.additions[0].stream_ref, 2); }},
-    {"memory in another's place", "mem:1: it stands in another's place",
+    {"memory in another's place", "mem:1: its id does not match its place",
      [](Session& s) { return changed(s.memory.block(1).id, 2); }},
-    {"memory with less than no locks", "mem:1: it is locked less often than not at all",
+    {"memory with less than no locks", "mem:1: its lock count is negative",
      [](Session& s) { return changed(s.memory.block(1).locks, -1); }},
     {"memory of an in-spec that has none", "mem:1: its in-spec has other options",
      [](Session& s) { return changed(s.project.in_specs[0].options, 0); }},
     {"memory of no in-spec", "mem:1: its in-spec has other options",
      [](Session& s) { return changed(s.memory.block(1).in_spec, 2); }},
-    {"options that are nobody's", "inspec:1: its options are another's or gone",
+    {"options that are nobody's", "inspec:1: its options do not exist or belong to another in-spec",
      [](Session& s) { return changed(s.memory.block(1).in_spec, 0); }},
-    {"options that are no memory", "inspec:1: its options are another's or gone",
+    {"options that are no memory", "inspec:1: its options do not exist or belong to another in-spec",
      [](Session& s) {
          const Undo detach = changed(s.memory.block(1).in_spec, 0);
          const Undo point = changed(s.project.in_specs[0].options, 2);
@@ -327,7 +331,7 @@ const SessionCase kSessionCases[] = {
              detach();
          });
      }},
-    {"an in-spec that is gone before its handle", "inspec:1: it is gone and its handle is not",
+    {"an in-spec that is gone before its handle", "inspec:1: its handle is alive and it is not",
      [](Session& s) { return changed(s.project.in_specs[0].disposed, true); }},
 };
 
@@ -345,7 +349,7 @@ TEST(SessionComplaint, OneRuleAtATime) {
 TEST(SessionComplaint, HandlesThatAreGoneTooEarly) {
     FilledHost filled;
     FilledHost::session().handles.kill(embedded::HandleKind::layer, 2);
-    EXPECT_EQ(filled.bundle.host.validate(), "layer:2: its handle is gone and it is not");
+    EXPECT_EQ(filled.bundle.host.validate(), "layer:2: it is alive and its handle is not");
 }
 
 TEST(SessionComplaint, WhatIsOpenBetweenCallbacks) {
@@ -354,7 +358,7 @@ TEST(SessionComplaint, WhatIsOpenBetweenCallbacks) {
     AEGP_StreamRefH stream = nullptr;
     filled.bundle.stream_suite->AEGP_GetNewLayerStream(filled.bundle.host.plugin_id(),
                                                        filled.bundle.camera(comp), kLayerStreamZoom, &stream);
-    EXPECT_EQ(filled.bundle.host.validate(), "stream:2: it is gone and its handle is not");
+    EXPECT_EQ(filled.bundle.host.validate(), "stream:2: its handle is alive and it is not");
     filled.bundle.stream_suite->AEGP_DisposeStream(stream);
     EXPECT_EQ(filled.bundle.host.validate(), std::nullopt);
 }

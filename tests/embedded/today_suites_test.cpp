@@ -302,7 +302,7 @@ TEST_F(TodaysCallbacks, GetUtf16Paths) {
 
 TEST_F(TodaysCallbacks, AreNotAskedAboutFilesThatHaveNoUtf16Name) {
     constexpr char kProblem[] =
-        "the path is not UTF-8 (byte 0xE9 at offset 4), and today's hosts name files in Unicode; only a "
+        "the path is not UTF-8 (byte 0xE9 at offset 4), and current hosts take paths in Unicode; only a "
         "classic "
         "host can be given it";
     EXPECT_EQ(side.host.path_problem("/caf\xE9.tst"), kProblem);

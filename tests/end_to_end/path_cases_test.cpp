@@ -175,7 +175,7 @@ TEST(NamesThatAreNoUtf8, AreForClassicHostsOnly) {
         const std::size_t offset = scene.find('\xE9');
         EXPECT_EQ(bundle.host().path_problem(scene),
                   "the path is not UTF-8 (byte 0xE9 at offset " + std::to_string(offset) +
-                      "), and today's hosts name files in Unicode; only a classic host can be given it");
+                      "), and current hosts take paths in Unicode; only a classic host can take it");
         EXPECT_FALSE(verified.importable);
         EXPECT_EQ(verified.callback.code, kHostErrorParameter);
         EXPECT_EQ(imported.code, kHostErrorParameter);

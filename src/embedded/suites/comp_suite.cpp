@@ -14,7 +14,7 @@ A_Err comp_from_item(AEGP_ItemH item, AEGP_CompH* comp) {
         Fn::AEGP_GetCompFromItem, [&](CallValues& args) { args.handle("item", item); },
         [&](Session& session) -> A_Err {
             const Item& found = session.item(session.id(item, "item"));
-            session.require_true(found.kind == ItemKind::composition, "item", "is no composition");
+            session.require_true(found.kind == ItemKind::composition, "item", "is not a composition");
             session.require(comp, "comp") = session.handles.handle<AEGP_CompH>(found.content);
             return kHostErrorNone;
         },

@@ -110,7 +110,7 @@ A_Err add_footage(AEGP_FootageH footage, AEGP_ItemH folder, AEGP_ItemH* item) {
 
 Footage& footage_of(Session& session, AEGP_ItemH item, A_Boolean proxy) {
     const Item& found = session.item(session.id(item, "item"));
-    session.require_true(found.kind == ItemKind::footage, "item", "is no footage");
+    session.require_true(found.kind == ItemKind::footage, "item", "is not footage");
     session.require_true(proxy == 0, "proxy", "is true, and this host has no proxies");
     return session.footage(found.content);
 }
@@ -152,7 +152,7 @@ A_Err set_interpretation(AEGP_ItemH item, A_Boolean proxy, const AEGP_FootageInt
             session.require_positive(&interpretation->pixel_aspect, "pixel_aspect");
             session.require_true(
                 std::isfinite(interpretation->conform_fps) && interpretation->conform_fps >= 0.0,
-                "conform_fps", "is no frame rate");
+                "conform_fps", "is not a frame rate");
             footage.interpretation = *interpretation;
             footage.interpretation_set = true;
             session.changed();

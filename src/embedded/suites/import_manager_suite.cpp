@@ -11,7 +11,7 @@ constexpr A_long kMaxKinds = 1000;  // above any real count, below most uninitia
 
 ImportFlavor& flavor_of(Session& session, AE_FIM_ImportFlavorRef ref) {
     const bool known = ref >= 1 && static_cast<std::size_t>(ref) <= session.flavors.size();
-    session.require_true(known, "flavor", "is none that was registered");
+    session.require_true(known, "flavor", "was never registered");
     return session.flavors[static_cast<std::size_t>(ref) - 1];
 }
 

@@ -97,7 +97,7 @@ A_Err set_size(AEIO_InSpecH in_spec, Size size_bytes) {
             InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
             session.require_true(
                 std::in_range<std::uint64_t>(size_bytes) && std::in_range<std::int64_t>(size_bytes), "size",
-                std::is_signed_v<Size> ? "is negative" : "is larger than files are");
+                std::is_signed_v<Size> ? "is negative" : "is larger than 63 bits");
             changed.size_bytes = static_cast<std::int64_t>(size_bytes);
             return kHostErrorNone;
         });
@@ -156,7 +156,7 @@ A_Err set_alpha_label(AEIO_InSpecH in_spec, const AEIO_AlphaLabel* label) {
             InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
             session.require(label, "alpha_label");
             session.require_true(label->alpha_type <= kAlphaTypeNone, "alpha_label.alpha_type",
-                                 "is no alpha type");
+                                 "is not an alpha type");
             changed.alpha_label = *label;
             return kHostErrorNone;
         });

@@ -89,7 +89,7 @@ A_Err set_transfer_mode(AEGP_LayerH layer, const AEGP_LayerTransferMode* mode) {
         [&](Session& session) -> A_Err {
             Layer& changed = session.layer(session.id(layer, "layer"));
             session.require(mode, "mode");
-            session.require_true(mode->mode >= 0, "mode", "is no transfer mode");
+            session.require_true(mode->mode >= 0, "mode", "is not a transfer mode");
             changed.transfer = *mode;
             session.changed();
             return kHostErrorNone;
@@ -145,9 +145,9 @@ A_Err set_light_type(AEGP_LayerH layer, AEGP_LightType type) {
         },
         [&](Session& session) -> A_Err {
             Layer& light = session.layer(session.id(layer, "layer"));
-            session.require_true(light.kind == LayerKind::light, "layer", "is no light");
+            session.require_true(light.kind == LayerKind::light, "layer", "is not a light");
             session.require_true(type >= kLightTypeParallel && type <= kLightTypeAmbient, "light_type",
-                                 "is no light type");
+                                 "is not a light type");
             light.light_type = type;
             session.changed();
             return kHostErrorNone;

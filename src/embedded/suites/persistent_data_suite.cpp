@@ -79,7 +79,8 @@ A_Err get_data(AEGP_PersistentBlobH blob, const A_char* section, const A_char* k
                 }
                 stored = session.project.preferences.emplace(preference, std::move(value)).first;
             }
-            session.require_true(stored->second.size() == size, "size", "is not that of the stored value");
+            session.require_true(stored->second.size() == size, "size",
+                                 "differs from the size of the stored value");
             std::memcpy(data, stored->second.data(), size);
             return kHostErrorNone;
         },

@@ -7,7 +7,7 @@
 namespace embedded {
 namespace {
 
-constexpr char kStreamGone[] = "stream is one that the layer does not have any more";
+constexpr char kStreamGone[] = "stream does not exist on the layer any more";
 
 /// The stream behind a handle.
 Stream& stream_behind(Session& session, Id stream_ref) {
@@ -50,7 +50,7 @@ A_Err get_layer_stream(AEGP_PluginID plugin_id, AEGP_LayerH layer, AEGP_LayerStr
             const Id owner = session.id(layer, "layer");
             session.require(stream, "stream");
             session.require_true(fetch_stream(session, session.layer(owner), which) != nullptr,
-                                 "which_stream", "is one that this layer does not have");
+                                 "which_stream", "does not exist on this layer");
             session.stream_refs.push_back({owner, which});
             *stream = session.handles.make<AEGP_StreamRefH>();
             return kHostErrorNone;
@@ -110,7 +110,7 @@ A_Time layer_time(Session& session, const Session::Additions& additions, AEGP_LT
     }
     const Session::StreamRef& ref = session.stream_refs[Project::index(additions.stream_ref)];
     const auto converted = subtract_times(time, session.layer(ref.layer).offset);
-    session.require_true(converted.has_value(), "time", "has no layer time that fits a time");
+    session.require_true(converted.has_value(), "time", "is out of range as layer time");
     return *converted;
 }
 
@@ -148,7 +148,7 @@ A_Err set_key(AEGP_AddKeyframesInfoH handle, A_long key_index, const AEGP_Stream
                 session.additions[Project::index(session.id(handle, "additions"))];
             session.require_true(
                 key_index >= 0 && static_cast<std::size_t>(key_index) < additions.keys.size(), "key_index",
-                "is no key of these additions");
+                "is not a key of these additions");
             check_value(session, value, additions.stream_ref);
             additions.keys[static_cast<std::size_t>(key_index)].value =
                 components_of(value->value, shape_behind(session, additions.stream_ref));
