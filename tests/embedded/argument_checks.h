@@ -1,7 +1,7 @@
 #pragma once
 
-// Every argument that the host checks has one row in a table: what is wrong with it and which rule that
-// breaks. A source for each group of suites has its table.
+// Every argument that the host checks has a row that says what is wrong with it and which rule that breaks.
+// Each group of suites has a source with its tables.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ H foreign() {
     return reinterpret_cast<H>(not_a_handle);
 }
 
-/// Makes each call on a host of its own, with an undo group open unless the row is about that.
+/// Makes each call on a host of its own, with an undo group open unless the row is about undo groups.
 template <class Table>
 void expect_refused(const Table& cases) {
     using embedded::RuleViolation;

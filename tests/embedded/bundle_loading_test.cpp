@@ -46,7 +46,7 @@ A_Err today_entry(SPBasicSuite*, A_long, A_long, AEGP_PluginID, AEGP_GlobalRefco
     return kHostErrorNone;
 }
 
-TEST(BundleLoading, TakesNoEntryOfTheOtherGeneration) {
+TEST(BundleLoading, RefusesAnEntryOfTheOtherGeneration) {
     {
         TestHost host(in_a_classic_host());
         EXPECT_TRUE(host.load_entry(classic_entry).ok());
@@ -64,15 +64,15 @@ TEST(BundleLoading, WorksAgainInTheSameHostAndInTheNext) {
         TestHost host(in_a_classic_host());
         ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
         ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
-        EXPECT_EQ(host.flavors().size(), 1U) << "what the first loading registered is gone";
+        EXPECT_EQ(host.flavors().size(), 1U) << "the first registration is still there";
     }
     TestHost host(in_a_classic_host());
     ASSERT_TRUE(host.load(VXR_SMALL_BUNDLE).ok());
     EXPECT_TRUE(host.verify("any file").importable);
 }
 
-#if !defined(_WIN32)  // where a folder is no bundle
-TEST(BundleLoading, FindsTheCodeInAMacintoshFolder) {
+#if !defined(_WIN32)  // where a bundle is not a folder
+TEST(BundleLoading, FindsTheCodeInAMacosFolder) {
     const TemporaryFolder folder;
     std::filesystem::create_directories(folder.path("Small.plugin/Contents/MacOS"));
     std::filesystem::create_symlink(VXR_SMALL_BUNDLE, folder.path("Small.plugin/Contents/MacOS/Small"));
@@ -84,7 +84,7 @@ TEST(BundleLoading, FindsTheCodeInAMacintoshFolder) {
 }
 #endif
 
-TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
+TEST(BundleLoading, SaysWhyAFileIsNotABundle) {
     const TemporaryFolder folder;
     TestHost host(in_a_classic_host());
     const LoadResult missing = host.load(folder.path("missing.so"));
@@ -98,7 +98,7 @@ TEST(BundleLoading, SaysWhyAFileIsNoBundle) {
     EXPECT_EQ(host.import_file("any file").code, kHostErrorGeneric);
 }
 
-TEST(BundleLoading, WaitsForNobody) {
+TEST(BundleLoading, NeverBlocks) {
     const TemporaryFolder folder;
     make_pipe(folder.path("pipe"));
     make_link(folder.path("circle"), folder.path("circle"));
@@ -133,7 +133,7 @@ TEST(BundleLoading, CatchesTheMissingSuiteExceptionOfAnotherLibrary) {
 
 int death_hooks_run = 0;
 
-TEST(BundleLoading, RunsTheDeathHookWhenTheBundleGoes) {
+TEST(BundleLoading, RunsTheDeathHookBeforeUnloading) {
     death_hooks_run = 0;
     {
         TestHost host(in_a_classic_host());
@@ -156,7 +156,7 @@ TEST(BundleLoading, RunsTheDeathHookWhenTheBundleGoes) {
     EXPECT_EQ(death_hooks_run, 1);
 }
 
-TEST(Host, LivesOneAtATime) {
+TEST(Host, ExistsOncePerProcess) {
     {
         const Host first;
         EXPECT_THROW(Host{}, std::logic_error);
@@ -164,7 +164,7 @@ TEST(Host, LivesOneAtATime) {
     EXPECT_NO_THROW(Host{});
 }
 
-TEST(Host, AnswersNobodyAfterItsEnd) {
+TEST(Host, FailsEveryCallAfterItsEnd) {
     SPBasicSuite* basic = nullptr;
     const AEGP_UtilitySuite7* utility = nullptr;
     {
@@ -232,7 +232,7 @@ TEST(Suites, CanBeWithheldOrEmpty) {
     EXPECT_EQ(host.basic_suite()->AcquireSuite("AEGP Layer Suite", 11, &table), kHostErrorNone);
     EXPECT_NE(table, nullptr);
     EXPECT_EQ(host.basic_suite()->ReleaseSuite("AEGP Layer Suite", 11), kHostErrorNone);
-    EXPECT_TRUE(host.conformance().clean()) << "asking for a suite is no offence";
+    EXPECT_TRUE(host.conformance().clean()) << "asking for a suite breaks no rule";
 }
 
 }  // namespace

@@ -8,15 +8,14 @@
 #include "embedded/testing.h"
 #include "host/host_interface.h"
 
-/// The same options for a classic host.
+/// `options` with the classic generation.
 inline embedded::HostOptions in_a_classic_host(embedded::HostOptions options = {}) {
     options.generation = embedded::HostGeneration::classic;
     return options;
 }
 
-/// A classic host, seen from where a bundle stands: every suite acquired through the basic suite, and
-/// shorthands for what the tests call over and over. The suites stay acquired, so tests that look at suites
-/// use a plain Host.
+/// A classic host as a bundle sees it, with every suite acquired and shorthands for frequent calls. The
+/// suites stay acquired, so tests about suites use a TestHost of their own.
 struct BundleSide {
     explicit BundleSide(const embedded::HostOptions& options = {}) : host(in_a_classic_host(options)) {
         project_suite = acquire<AEGP_ProjSuite5>("AEGP Proj Suite", 5);

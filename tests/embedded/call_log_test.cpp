@@ -16,7 +16,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
-/// The lines that `work` writes.
+/// The lines logged during `work`.
 std::vector<std::string> lines_of(BundleSide& bundle, const std::function<void()>& work) {
     std::vector<std::string> lines;
     bundle.host.log_calls([&lines](std::string_view line) { lines.emplace_back(line); });
@@ -25,7 +25,7 @@ std::vector<std::string> lines_of(BundleSide& bundle, const std::function<void()
     return lines;
 }
 
-/// The only line that `work` writes, without its number.
+/// The only line logged during `work`, without its number.
 std::string line_of(BundleSide& bundle, const std::function<void()>& work) {
     const std::vector<std::string> lines = lines_of(bundle, work);
     if (lines.size() != 1) {
@@ -35,7 +35,7 @@ std::string line_of(BundleSide& bundle, const std::function<void()>& work) {
     return "{" + lines[0].substr(comma + 1);
 }
 
-TEST(CallLog, NumbersCallsFromTheFirstOneAlsoWhileItIsOff) {
+TEST(CallLog, CountsCallsWhileItIsOff) {
     embedded::TestHost host;
     std::vector<std::string> lines;
     const void* table = nullptr;
@@ -51,7 +51,7 @@ TEST(CallLog, NumbersCallsFromTheFirstOneAlsoWhileItIsOff) {
                                    R"("args":{"name":"No Suite","version":1},"out":{},"result":13})"));
 }
 
-TEST(CallLog, WritesACompositionsMakingInParameterOrder) {
+TEST(CallLog, WritesArgumentsInParameterOrder) {
     BundleSide bundle;
     EXPECT_EQ(line_of(bundle,
                       [&] {
@@ -221,7 +221,7 @@ TEST(CallLog, WritesEachFunctionWithItsHandlesRecordsAndValues) {
     }
 }
 
-TEST(CallLog, WritesTheInterpretationAsItIsReadAndSet) {
+TEST(CallLog, WritesTheInterpretationReadAndSet) {
     BundleSide bundle;
     const AEGP_ItemH item = bundle.placeholder_item();
     const std::vector<std::string> lines = lines_of(bundle, [&] {
@@ -248,7 +248,7 @@ TEST(CallLog, WritesNothingWhileItIsOff) {
     EXPECT_THAT(lines, IsEmpty());
 }
 
-TEST(CallLogOrder, HoldsInnerCallsBackUntilTheOuterIsDone) {
+TEST(CallLogOrder, HoldsInnerCallsBackUntilTheOuterEnds) {
     std::vector<std::string> lines;
     embedded::CallLog log;
     log.set_sink([&lines](std::string_view line) { lines.emplace_back(line); });

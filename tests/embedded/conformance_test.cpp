@@ -1,4 +1,4 @@
-// What a callback must not leave behind, and what it may.
+// Which rules a bundle can break, and what it may leave behind.
 
 #include <gtest/gtest.h>
 
@@ -25,7 +25,7 @@ const Case kLeftBehind[] = {
      }},
     {"an undo group", RuleViolation::undo_group_unbalanced,
      [](BundleSide& b) { b.utility_suite->AEGP_StartUndoGroup("open"); }},
-    {"footage that is in no folder", RuleViolation::footage_never_adopted,
+    {"footage that was never added", RuleViolation::footage_never_adopted,
      [](BundleSide& b) { b.placeholder(); }},
     {"a suite", RuleViolation::suite_not_released,
      [](BundleSide& b) { b.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1); }},
@@ -62,7 +62,7 @@ TEST(Conformance, ReportsWhatACallbackLeavesOpenOnceAtItsEnd) {
         EXPECT_EQ(finding.within, std::vector<std::string>{"callback"});
 
         run_in_undo_group(bundle, [](BundleSide&) {});
-        EXPECT_EQ(bundle.host.conformance().violations().size(), 1U) << "reported again by the next callback";
+        EXPECT_EQ(bundle.host.conformance().violations().size(), 1U) << "the next callback reports it again";
     }
 }
 
@@ -94,7 +94,7 @@ TEST(Conformance, LetsTheTwoKeptSuitesStayAcquired) {
 }
 
 TEST(Conformance, ReportsEveryProjectChangeOutsideAnUndoGroup) {
-    // Each row changes the project once; what it needs for that is made inside a group.
+    // Each row changes the project once; what it needs is prepared inside a group.
     struct {
         const char* name;
         std::function<std::function<A_Err()>(BundleSide&)> prepare;
@@ -201,7 +201,7 @@ TEST(Conformance, ReportsEveryProjectChangeOutsideAnUndoGroup) {
     }
 }
 
-TEST(Conformance, AllowsWhatIsNoProjectChangeOutsideAnUndoGroup) {
+TEST(Conformance, AllowsOtherCallsOutsideAnUndoGroup) {
     BundleSide bundle;
     bundle.placeholder();
     const char value = 3;
@@ -228,7 +228,7 @@ TEST(UndoSteps, CountTheChangesOfTheOutermostGroup) {
     EXPECT_FALSE(steps[1].closed);
 }
 
-TEST(Conformance, BlamesANestedCallbackForWhatItLeftAndNotForWhatWasOpenAround) {
+TEST(Conformance, BlamesANestedCallbackForItsOwnLeftoversAlone) {
     BundleSide bundle;
     bundle.host.run("outer", [&]() -> A_Err {
         const AEGP_MemHandle around = bundle.memory();
@@ -248,11 +248,11 @@ TEST(Conformance, BlamesANestedCallbackForWhatItLeftAndNotForWhatWasOpenAround) 
 TEST(Conformance, FindsWhatIsLeftAtTheEndOfTheHost) {
     BundleSide bundle;
     bundle.memory();
-    EXPECT_TRUE(bundle.host.conformance().clean()) << "nothing was a callback so far";
+    EXPECT_TRUE(bundle.host.conformance().clean()) << "no callback has run yet";
     bundle.host.unload();
     EXPECT_EQ(bundle.count(RuleViolation::memory_left_alive), 1U);
     EXPECT_EQ(bundle.count(RuleViolation::suite_not_released),
-              14U);  // 16 acquired by BundleSide, 2 of them kept
+              14U);  // BundleSide acquires 16, of which 2 may stay
 }
 
 TEST(ConformanceReport, KeepsAThousandViolationsAndCountsTheRest) {

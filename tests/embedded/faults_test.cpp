@@ -1,4 +1,4 @@
-// What kind of host the bundle meets: options as text, faults on demand, preferences.
+// The host that the bundle meets: its options as text, faults, preferences.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@ TEST(HostOptions, ReadInterfaceVersions) {
         A_long minor;
     } const cases[] = {
         {"two numbers", "9.31", true, 9, 31},
-        {"a long one", "13.27", true, 13, 27},
+        {"two digits each", "13.27", true, 13, 27},
         {"no full stop", "9", false, 0, 0},
         {"nothing after it", "9.", false, 0, 0},
         {"nothing before it", ".9", false, 0, 0},
@@ -49,12 +49,12 @@ TEST(HostOptions, ReadKindsOfHosts) {
         std::optional<embedded::HostKind> kind;
     } const cases[] = {
         {"a generation has its usual version", "classic", {{HostGeneration::classic, {11, 0}}}},
-        {"the other one, too", "today", {{HostGeneration::today, {13, 0}}}},
+        {"so has the other generation", "today", {{HostGeneration::today, {13, 0}}}},
         {"a version has its generation", "9.31", {{HostGeneration::classic, {9, 31}}}},
-        {"last of the classic ones", "12.99", {{HostGeneration::classic, {12, 99}}}},
-        {"first of today's", "13.0", {{HostGeneration::today, {13, 0}}}},
+        {"the last classic version", "12.99", {{HostGeneration::classic, {12, 99}}}},
+        {"the first current version", "13.0", {{HostGeneration::today, {13, 0}}}},
         {"both", "today:25.3", {{HostGeneration::today, {25, 3}}}},
-        {"both, though no such host was made", "today:9.31", {{HostGeneration::today, {9, 31}}}},
+        {"both, in a combination that never existed", "today:9.31", {{HostGeneration::today, {9, 31}}}},
         {"empty", "", std::nullopt},
         {"capitals", "Today", std::nullopt},
         {"an unknown word", "tomorrow", std::nullopt},
@@ -103,10 +103,10 @@ TEST(HostOptions, ReadFaults) {
         {"nothing", ""},
         {"no code", "AEGP_CreateComp:2"},
         {"call 0", "AEGP_CreateComp:0:4"},
-        {"a code that is no failure", "AEGP_CreateComp:1:0"},
+        {"a code that means success", "AEGP_CreateComp:1:0"},
         {"a function that this host does not have", "AEGP_Nothing:1:4"},
         {"a function that cannot fail", "sin:1:4"},
-        {"a count that is no number", "AEGP_CreateComp:x:4"},
+        {"a count that is not a number", "AEGP_CreateComp:x:4"},
     };
     for (const auto& c : wrong) {
         EXPECT_FALSE(embedded::parse_fault(c.text).has_value()) << c.name;
@@ -125,17 +125,17 @@ TEST(Faults, AnswerTheNthCallAloneAndChangeNothing) {
     EXPECT_EQ(bundle.item_suite->AEGP_CreateNewFolder("b", bundle.root(), &second), 77);
     EXPECT_EQ(bundle.item_suite->AEGP_CreateNewFolder("c", bundle.root(), &third), kHostErrorNone);
     EXPECT_NE(first, nullptr);
-    EXPECT_EQ(second, nullptr) << "a call that a fault answers touches nothing";
+    EXPECT_EQ(second, nullptr) << "a call answered by a fault must change nothing";
     EXPECT_NE(third, nullptr);
     EXPECT_EQ(bundle.host.project().items.size(), 3U);
     EXPECT_EQ(bundle.host.call_counts().at("AEGP_CreateNewFolder"), 3);
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
-TEST(Faults, CanBeAskedOfEveryFunctionThatCanFail) {
+TEST(Faults, CanBeSetForEveryFunctionThatCanFail) {
     std::set<std::string> names;
     for (const embedded::HostFunction& function : embedded::failable_functions()) {
-        EXPECT_TRUE(names.insert(function.function).second) << function.function << " would be ambiguous";
+        EXPECT_TRUE(names.insert(function.function).second) << function.function << " is listed twice";
         const auto fault = embedded::parse_fault(function.function + ":3:41");
         ASSERT_TRUE(fault.has_value()) << function.function;
         HostOptions options;
@@ -156,7 +156,7 @@ TEST(Faults, ReachTheBasicSuite) {
     EXPECT_EQ(host.basic_suite()->ReleaseSuite("AEGP Comp Suite", 9), kHostErrorNone);
 }
 
-TEST(Faults, OfFunctionsThatDoNotExistAreRefused) {
+TEST(Faults, OfUnknownFunctionsAreRefused) {
     HostOptions options;
     options.faults = {{"AEGP_Nothing", 1, 1}};
     EXPECT_THROW(embedded::Host{options}, std::invalid_argument);
@@ -167,7 +167,7 @@ TEST(Faults, OfFunctionsThatDoNotExistAreRefused) {
 constexpr char kSection[] = "Main Pref Section";
 constexpr char kAlpha[] = "Pref_DEFAULT_UNLABELED_ALPHA";
 
-TEST(Preferences, HoldTheAlphaPreferenceOrDoNot) {
+TEST(Preferences, ContainTheAlphaPreferenceIfItIsSet) {
     A_Boolean exists = 7;
     {
         BundleSide bundle;
@@ -189,7 +189,7 @@ TEST(Preferences, HoldTheAlphaPreferenceOrDoNot) {
     EXPECT_EQ(bundle.host.project().preferences.at({kSection, kAlpha}), std::vector<std::uint8_t>{3});
 }
 
-TEST(Preferences, AreMadeByAskingWithADefault) {
+TEST(Preferences, AreCreatedByReadingWithADefault) {
     BundleSide bundle;
     const char fallback[2] = {8, 9};
     char value[2] = {};

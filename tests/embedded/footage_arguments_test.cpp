@@ -35,14 +35,14 @@ const BadArgument kItemCases[] = {
          AEGP_ProjectH project = nullptr;
          return b.project_suite->AEGP_GetProjectByIndex(1, &project);
      }},
-    {"project without a place", RuleViolation::bad_argument,
+    {"project without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.project_suite->AEGP_GetProjectByIndex(0, nullptr); }},
-    {"root folder of no project", RuleViolation::bad_argument,
+    {"root folder of a null project", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH root = nullptr;
          return b.project_suite->AEGP_GetProjectRootFolder(nullptr, &root);
      }},
-    {"root folder without a place", RuleViolation::bad_argument,
+    {"root folder without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ProjectH project = nullptr;
          b.project_suite->AEGP_GetProjectByIndex(0, &project);
@@ -53,7 +53,7 @@ const BadArgument kItemCases[] = {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder(nullptr, b.root(), &made);
      }},
-    {"folder in nothing", RuleViolation::bad_argument,
+    {"folder in a null folder", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder("f", nullptr, &made);
@@ -73,7 +73,7 @@ const BadArgument kItemCases[] = {
          AEGP_ItemH made = nullptr;
          return b.item_suite->AEGP_CreateNewFolder("f", b.item_of(b.comp()), &made);
      }},
-    {"folder without a place", RuleViolation::bad_argument,
+    {"folder without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.item_suite->AEGP_CreateNewFolder("f", b.root(), nullptr); }},
 };
 
@@ -100,12 +100,12 @@ const BadArgument kFootageCases[] = {
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", nullptr, nullptr, 1, nullptr,
                                                  &made);
      }},
-    {"footage with something reserved", RuleViolation::bad_argument,
+    {"footage with the reserved argument set", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", nullptr, nullptr, 0, &b, &made);
      }},
-    {"footage without a place", RuleViolation::bad_argument,
+    {"footage without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.footage_suite->AEGP_NewFootage(b.host.plugin_id(), "a.png", nullptr, nullptr, 0, nullptr,
                                                  nullptr);
@@ -128,13 +128,13 @@ const BadArgument kFootageCases[] = {
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), nullptr, 1, 1,
                                                             &b.four_seconds, &made);
      }},
-    {"placeholder of no width", RuleViolation::bad_argument,
+    {"placeholder of width 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 0, 1, &b.four_seconds,
                                                             &made);
      }},
-    {"placeholder of no height", RuleViolation::bad_argument,
+    {"placeholder of height -1", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 1, -1, &b.four_seconds,
@@ -145,13 +145,13 @@ const BadArgument kFootageCases[] = {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 1, 1, nullptr, &made);
      }},
-    {"placeholder with a duration on no scale", RuleViolation::bad_argument,
+    {"placeholder with a duration on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_FootageH made = nullptr;
          return b.footage_suite->AEGP_NewPlaceholderFootage(b.host.plugin_id(), "p", 1, 1, &b.no_scale,
                                                             &made);
      }},
-    {"no footage added", RuleViolation::bad_argument,
+    {"null footage added", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH item = nullptr;
          return b.footage_suite->AEGP_AddFootageToProject(nullptr, b.root(), &item);
@@ -178,11 +178,11 @@ const BadArgument kFootageCases[] = {
          AEGP_FootageInterp record{};
          return b.footage_suite->AEGP_GetFootageInterpretation(b.placeholder_item(), 1, &record);
      }},
-    {"interpretation without a place", RuleViolation::bad_argument,
+    {"interpretation without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.footage_suite->AEGP_GetFootageInterpretation(b.placeholder_item(), 0, nullptr);
      }},
-    {"interpretation set to nothing", RuleViolation::bad_argument,
+    {"interpretation set to null", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.footage_suite->AEGP_SetFootageInterpretation(b.placeholder_item(), 0, nullptr);
      }},
@@ -194,11 +194,11 @@ const BadArgument kFootageCases[] = {
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.alpha.flags = 8; }); }},
     {"interpretation with a pixel aspect of 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.pixel_aspect.num = 0; }); }},
-    {"interpretation with a pixel aspect over 0", RuleViolation::bad_argument,
+    {"interpretation with a pixel aspect denominator of 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.pixel_aspect.den = 0; }); }},
     {"interpretation with a negative frame rate", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.conform_fps = -1.0; }); }},
-    {"interpretation with a frame rate that is no number", RuleViolation::bad_argument,
+    {"interpretation with a frame rate of NaN", RuleViolation::bad_argument,
      [](BundleSide& b) { return set_changed(b, [](auto& record) { record.conform_fps = std::nan(""); }); }},
 };
 
@@ -207,22 +207,22 @@ TEST(ArgumentChecks, RefuseEveryBadFootage) {
 }
 
 const BadArgument kInSpecCases[] = {
-    {"options of no in-spec", RuleViolation::bad_argument,
+    {"options of a null in-spec", RuleViolation::bad_argument,
      [](BundleSide& b) {
          void* options = nullptr;
          return b.io_in_suite->AEGP_GetInSpecOptionsHandle(nullptr, &options);
      }},
-    {"options without a place", RuleViolation::bad_argument,
+    {"options without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_GetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")),
                                                            nullptr);
      }},
-    {"options without a place for the old ones", RuleViolation::bad_argument,
+    {"options without an output pointer for the old ones", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")),
                                                            nullptr, nullptr);
      }},
-    {"options that are no memory handle", RuleViolation::foreign_handle,
+    {"options that are not a memory handle", RuleViolation::foreign_handle,
      [](BundleSide& b) {
          void* old = nullptr;
          return b.io_in_suite->AEGP_SetInSpecOptionsHandle(b.host.in_spec_handle(b.host.new_in_spec("x")), &b,
@@ -249,7 +249,7 @@ const BadArgument kInSpecCases[] = {
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecSize(b.host.in_spec_handle(b.host.new_in_spec("x")), -1);
      }},
-    {"alpha label null", RuleViolation::bad_argument,
+    {"null alpha label", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecAlphaLabel(b.host.in_spec_handle(b.host.new_in_spec("x")),
                                                         nullptr);
@@ -261,12 +261,12 @@ const BadArgument kInSpecCases[] = {
          return b.io_in_suite->AEGP_SetInSpecAlphaLabel(b.host.in_spec_handle(b.host.new_in_spec("x")),
                                                         &label);
      }},
-    {"in-spec duration on no scale", RuleViolation::bad_argument,
+    {"in-spec duration on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecDuration(b.host.in_spec_handle(b.host.new_in_spec("x")),
                                                       &b.no_scale);
      }},
-    {"in-spec of no width", RuleViolation::bad_argument,
+    {"in-spec of width 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_in_suite->AEGP_SetInSpecDimensions(b.host.in_spec_handle(b.host.new_in_spec("x")), 0, 1);
      }},
@@ -281,7 +281,7 @@ const BadArgument kInSpecCases[] = {
          char path[260] = {};
          return b.io_out_suite->AEGP_GetOutSpecFilePath(foreign<AEIO_OutSpecH>(), path);
      }},
-    {"output path without a place", RuleViolation::bad_argument,
+    {"output path without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.io_out_suite->AEGP_GetOutSpecFilePath(b.host.new_out_spec("x"), nullptr);
      }},

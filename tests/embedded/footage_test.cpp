@@ -1,4 +1,4 @@
-// Footage from real files, written by the image library that the host reads them with.
+// Footage from real files, written with the image library that the host reads them with.
 
 #include <OpenImageIO/imageio.h>
 #include <gtest/gtest.h>
@@ -19,7 +19,7 @@ struct ImageCase {
     const char* file;
     int channels;
     OIIO::TypeDesc format;
-    int bits;  ///< per channel, as the host shows them
+    int bits;  ///< per channel, as the host reports them
     bool has_alpha;
     bool premultiplied;
     A_long depth;  ///< of a whole pixel, in the interpretation
@@ -62,7 +62,7 @@ A_Err make(BundleSide& bundle, const std::string& path,
 
 constexpr AEGP_FileSequenceImportOptions kWholeSequence{1, 0, -1, -1};
 
-TEST(Footage, HasWhatTheFileSays) {
+TEST(Footage, HasThePropertiesOfTheFile) {
     for (const ImageCase& c : kImages) {
         SCOPED_TRACE(c.name);
         const TemporaryFolder folder;
@@ -87,7 +87,7 @@ TEST(Footage, HasWhatTheFileSays) {
     }
 }
 
-TEST(Footage, IsInterpretedPlausiblyBeforeAnybodySaysHow) {
+TEST(Footage, StartsWithTheHostsInterpretation) {
     const TemporaryFolder folder;
     write_image(folder.path("a.png"));
     BundleSide bundle;
@@ -120,10 +120,10 @@ TEST(Footage, OfASequenceCoversItsFramesAndNotesItsGaps) {
     ASSERT_EQ(bundle.host.conformance().notes().size(), 1U);
     EXPECT_EQ(bundle.host.conformance().notes()[0].code, RuleViolation::sequence_gap);
     EXPECT_EQ(bundle.host.conformance().notes()[0].reason, "shot.####.png has gaps: 19 22-23");
-    EXPECT_TRUE(bundle.host.conformance().clean()) << "a gap is not the bundle's fault";
+    EXPECT_TRUE(bundle.host.conformance().clean()) << "a gap is a note, not a violation";
 }
 
-TEST(Footage, OfASequenceIsNamedByTheNumberAndNotByANumberSign) {
+TEST(Footage, OfASequenceIsNamedByItsNumberNotByANumberSign) {
     const TemporaryFolder folder;
     for (const char* name : {"#2 shot 0001.png", "#2 shot 0002.png"}) {
         write_image(folder.path(name));
@@ -188,7 +188,7 @@ TEST(Footage, ThatCannotBeReadIsRefused) {
     }
 }
 
-TEST(Footage, PlaceholdersHaveTheSizeAndLengthTheyWereGiven) {
+TEST(Footage, PlaceholdersHaveTheGivenSizeAndDuration) {
     BundleSide bundle;
     bundle.utility_suite->AEGP_StartUndoGroup("test");
     bundle.placeholder_item();
@@ -206,7 +206,7 @@ TEST(Footage, PlaceholdersHaveTheSizeAndLengthTheyWereGiven) {
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
-TEST(Footage, KeepsTheInterpretationItIsGiven) {
+TEST(Footage, KeepsTheInterpretationThatIsSet) {
     BundleSide bundle;
     const AEGP_ItemH item = bundle.placeholder_item();
     AEGP_FootageInterp record{};

@@ -19,7 +19,7 @@ std::uint8_t* row_start(GuardedFrame& frame, A_long row) {
     return reinterpret_cast<std::uint8_t*>(frame.world().data) + frame.world().row_bytes * row;
 }
 
-TEST(GuardedFrame, RefusesShapesThatCannotBe) {
+TEST(GuardedFrame, RefusesImpossibleShapes) {
     FrameShape no_scale = shape(1, 1);
     no_scale.time.scale = 0;
     struct {
@@ -31,22 +31,22 @@ TEST(GuardedFrame, RefusesShapesThatCannotBe) {
         {"no pixels", shape(0, 0), true},
         {"no width", shape(0, 7), true},
         {"padded rows", shape(4, 3, 20), true},
-        {"rows upwards", shape(4, 3, -16), true},
+        {"bottom-up rows", shape(4, 3, -16), true},
         {"negative width", shape(-1, 3), false},
         {"negative height", shape(4, -3), false},
         {"rows too short", shape(4, 3, 15), false},
-        {"rows upwards too short", shape(4, 3, -12), false},
+        {"bottom-up rows too short", shape(4, 3, -12), false},
         {"more than 1 GiB", shape(1 << 16, 1 << 16), false},
         {"more than 1 GiB in a row", shape(INT32_MAX, 1), false},
         {"1 GiB exactly", shape(1 << 14, 1 << 14), true},
-        {"a time on no scale", no_scale, false},
+        {"a time on a scale of 0", no_scale, false},
     };
     for (const auto& c : cases) {
         EXPECT_EQ(GuardedFrame::problem_with(c.shape).empty(), c.possible) << c.name;
     }
 }
 
-TEST(GuardedFrame, HandsOutItsPixelsWhateverTheirStride) {
+TEST(GuardedFrame, ReturnsItsPixelsForEveryRowLength) {
     for (const A_long row_bytes : {0, 12, 13, 64, -12, -40}) {
         SCOPED_TRACE(row_bytes);
         FrameShape padded = shape(3, 2, row_bytes);
@@ -65,7 +65,7 @@ TEST(GuardedFrame, HandsOutItsPixelsWhateverTheirStride) {
     }
 }
 
-TEST(GuardedFrame, NoticesEveryByteWrittenOutside) {
+TEST(GuardedFrame, DetectsEveryByteWrittenOutside) {
     struct {
         const char* name;
         A_long row_bytes;
@@ -81,10 +81,10 @@ TEST(GuardedFrame, NoticesEveryByteWrittenOutside) {
         {"far after the last row", 16, 1, 2000, true},
         {"before the first row", 16, 0, -1, true},
         {"after the last row without padding", 0, 1, 12, true},
-        {"rows upwards, before the last", -16, 1, -1, true},
-        {"rows upwards, padding", -16, 1, 12, true},
-        {"rows upwards, last byte", -16, 1, 11, false},
-        {"rows upwards, after the first", -16, 0, 12, true},
+        {"bottom-up rows, before the last", -16, 1, -1, true},
+        {"bottom-up rows, padding", -16, 1, 12, true},
+        {"bottom-up rows, last byte", -16, 1, 11, false},
+        {"bottom-up rows, after the first", -16, 0, 12, true},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

@@ -1,4 +1,4 @@
-// Importers: which one is asked, what it is given, what becomes of its answer.
+// Importers: which one the host calls, with what, and what it does with the result.
 
 #include <gtest/gtest.h>
 
@@ -77,7 +77,7 @@ TEST_F(Importing, GivesTheImporterThePathTheRootFolderAndItsRefcon) {
     EXPECT_EQ(seen.imports, 1);
 }
 
-TEST_F(Importing, AsksTheImporterOfTheExtensionElseTheFirst) {
+TEST_F(Importing, CallsTheImporterOfTheExtensionElseTheFirst) {
     add_flavor(bundle, "first", ".aec", &first);
     add_flavor(bundle, "second", ".xyz", &second);
     struct {
@@ -86,7 +86,7 @@ TEST_F(Importing, AsksTheImporterOfTheExtensionElseTheFirst) {
         void* refcon;
     } const cases[] = {
         {"its extension", "a.aec", &first},
-        {"the other's", "a.xyz", &second},
+        {"the other importer's", "a.xyz", &second},
         {"letters of either case", "a.XyZ", &second},
         {"an unknown one", "a.txt", &first},
         {"none", "a", &first},
@@ -106,7 +106,7 @@ TEST_F(Importing, PassesResultsOn) {
     EXPECT_TRUE(bundle.host.verify("good.aec").importable);
     EXPECT_FALSE(bundle.host.verify("bad.aec").importable);
     verify_result = 1;
-    EXPECT_FALSE(bundle.host.verify("good.aec").importable) << "a failing verification says nothing";
+    EXPECT_FALSE(bundle.host.verify("good.aec").importable) << "the result of a failing callback counts";
     EXPECT_EQ(bundle.host.verify("good.aec").callback.code, 1);
 }
 

@@ -1,4 +1,4 @@
-// Input modules: what the host asks them, in which order, and what it keeps of their answers.
+// Input modules: which functions the host calls, in which order, and what it keeps.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ using scripted::called;
 using scripted::script;
 using ::testing::ElementsAre;
 
-TEST_F(InputModule, IsListedWithNameExtensionsAndFlagsInWords) {
+TEST_F(InputModule, IsListedWithNameExtensionsAndFlags) {
     ASSERT_EQ(bundle.host.modules().size(), 1U);
     const embedded::Module& module = bundle.host.modules()[0];
     EXPECT_EQ(module.name(), "Test module");
@@ -27,7 +27,7 @@ TEST_F(InputModule, IsListedWithNameExtensionsAndFlagsInWords) {
     EXPECT_EQ(bundle.host.module_for("tst"), nullptr);
 }
 
-TEST_F(InputModule, IsAskedInOrderAndItsInSpecCountsWhereItLeavesTheAnswerToTheHost) {
+TEST_F(InputModule, IsCalledInOrderAndTheHostUsesTheInSpecByDefault) {
     const embedded::InSpec& in_spec = bundle.host.project().in_spec(open());
     EXPECT_THAT(called, ElementsAre("verify", "init", "info", "dimensions", "duration"));
     EXPECT_EQ(in_spec.path, "/a/b.TST");
@@ -48,7 +48,7 @@ TEST_F(InputModule, IsAskedInOrderAndItsInSpecCountsWhereItLeavesTheAnswerToTheH
     EXPECT_EQ(embedded::project_to_json(bundle.host.project())["in_specs"][0]["module"], "TEST");
 }
 
-TEST_F(InputModule, CountsWhereItAnswersItself) {
+TEST_F(InputModule, OverridesTheInSpecWhereItAnswers) {
     script.dimensions = kHostErrorNone;
     script.duration = kHostErrorNone;
     const embedded::InSpec& in_spec = bundle.host.project().in_spec(open());
@@ -70,7 +70,7 @@ struct FailureCase {
 TEST_F(InputModule, ThatCannotOpenAFileLeavesNothingOpen) {
     const FailureCase cases[] = {
         {"verify fails", [] { script.verify = 5; }, 5, "the module could not verify the file", {"verify"}},
-        {"the file is not its",
+        {"the module does not accept the file",
          [] { script.importable = 0; },
          1,
          "the module does not accept the file",
@@ -126,7 +126,7 @@ TEST_F(InputModule, ThatCannotOpenAFileLeavesNothingOpen) {
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
-TEST_F(InputModule, ThatThrowsForASuiteIsAMissingSuite) {
+TEST_F(InputModule, ThatThrowsTheMissingSuiteExceptionFailsWithIt) {
     script.throw_in_init = true;
     const embedded::OpenResult opened = bundle.host.open_with_module("x.tst");
     EXPECT_EQ(opened.callback.code, kHostErrorMissingSuite);
@@ -134,7 +134,7 @@ TEST_F(InputModule, ThatThrowsForASuiteIsAMissingSuite) {
     EXPECT_EQ(bundle.count(RuleViolation::missing_suite_exception), 1U);
 }
 
-TEST_F(InputModule, ThatLosesAHandleIsTold) {
+TEST_F(InputModule, ThatLeaksAHandleIsReported) {
     script.leak = true;
     script.init = 3;
     script.attach_options = false;
@@ -144,13 +144,13 @@ TEST_F(InputModule, ThatLosesAHandleIsTold) {
     EXPECT_EQ(bundle.host.conformance().violations()[0].within.front(), "AEIO_InitInSpecFromFile");
 }
 
-TEST_F(InputModule, ThatKeepsItsOptionsOnDisposalIsTold) {
+TEST_F(InputModule, ThatKeepsItsOptionsOnDisposalIsReported) {
     script.free_on_dispose = false;
     EXPECT_EQ(bundle.host.dispose(open()).code, kHostErrorNone);
     EXPECT_EQ(bundle.count(RuleViolation::memory_left_alive), 1U);
 }
 
-TEST_F(InputModule, DisposesOnce) {
+TEST_F(InputModule, IsDisposedOfOnce) {
     const embedded::Id in_spec = open();
     EXPECT_EQ(bundle.host.dispose(in_spec).code, kHostErrorNone);
     EXPECT_TRUE(bundle.host.project().in_spec(in_spec).disposed);
@@ -162,7 +162,7 @@ TEST_F(InputModule, DisposesOnce) {
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
-TEST_F(InputModule, DisposesOfEverythingWhenTheBundleGoes) {
+TEST_F(InputModule, DisposesOfEverythingBeforeTheBundleUnloads) {
     open();
     open();
     bundle.host.unload();
@@ -194,7 +194,7 @@ TEST_F(InputModule, DrawsIntoFramesOfAnyShape) {
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }
 
-TEST_F(InputModule, ThatDrawsOutsideTheFrameIsTold) {
+TEST_F(InputModule, ThatDrawsOutsideTheFrameIsReported) {
     script.overdraw_bytes = 1;
     embedded::FrameShape shape;
     shape.width_px = 2;
@@ -203,7 +203,7 @@ TEST_F(InputModule, ThatDrawsOutsideTheFrameIsTold) {
     EXPECT_EQ(bundle.count(RuleViolation::write_outside_frame), 1U);
 }
 
-TEST_F(InputModule, IsNotAskedForImpossibleFrames) {
+TEST_F(InputModule, IsNotCalledForImpossibleFrames) {
     const embedded::Id in_spec = open();
     called.clear();
     embedded::FrameShape shape;
@@ -234,7 +234,7 @@ TEST_F(InputModule, ReadsFootageWithItsExtension) {
     EXPECT_EQ(made.in_spec, 1);
 }
 
-TEST_F(InputModule, ThatRefusesAFileFailsTheFootageWithItsOwnError) {
+TEST_F(InputModule, ThatRefusesAFileFailsTheFootageWithItsError) {
     script.init = 3;
     script.attach_options = false;
     AEGP_FootageH footage = nullptr;

@@ -1,5 +1,5 @@
-// What is said about projects and the handles behind them: nothing about those that hosts make, and one rule
-// at a time about broken ones.
+// The invariants of projects and of the handles behind them: all hold for what a host makes, and each case
+// breaks one.
 
 #include "embedded/invariants.h"
 
@@ -25,7 +25,7 @@ using embedded::Session;
 constexpr A_Time kNever{0, 0};
 
 /// A composition with a placeholder, a composition, a camera with three keys, a light and a null as layers;
-/// an in-spec with options; memory of nobody's.
+/// an in-spec with options; memory without an owner.
 struct FilledHost {
     BundleSide bundle;
 
@@ -80,7 +80,7 @@ struct FilledHost {
 // 4 light, 5 null.
 struct Case {
     const char* name;
-    const char* complaint;
+    const char* broken_rule;
     void (*break_it)(Project&);
 };
 
@@ -94,7 +94,7 @@ void make_sequence(Project& p, std::vector<FrameRange> gaps) {
 
 const Case kCases[] = {
     {"no items", "there is no root folder", [](Project& p) { p.items.clear(); }},
-    {"an item in another's place", "item:2: its id does not match its place",
+    {"an item at the wrong place", "item:2: its id does not match its place",
      [](Project& p) { p.items[1].id = 3; }},
     {"a root folder in a folder", "item:1: it is not the root folder",
      [](Project& p) { p.items[0].parent_folder = 1; }},
@@ -103,14 +103,15 @@ const Case kCases[] = {
     {"an item without folder", "item:2: it is in no folder",
      [](Project& p) { p.items[1].parent_folder = 0; }},
     {"an item in itself", "item:2: it is in no folder", [](Project& p) { p.items[1].parent_folder = 2; }},
-    {"an item in what is not a folder", "item:3: it is in no folder",
+    {"an item in something other than a folder", "item:3: it is in no folder",
      [](Project& p) { p.items[2].parent_folder = 2; }},
     {"a name of 32 bytes", "item:2: its name is longer than 31 bytes",
      [](Project& p) { p.items[1].name.assign(32, 'n'); }},
     {"a composition's item with another composition",
      "item:2: its composition does not exist or names another item",
      [](Project& p) { p.items[1].content = 2; }},
-    {"a composition's item with none", "item:2: its composition does not exist or names another item",
+    {"a composition's item without a composition",
+     "item:2: its composition does not exist or names another item",
      [](Project& p) { p.items[1].content = 3; }},
     {"a footage item without footage", "item:3: its footage does not exist or names another item",
      [](Project& p) { p.items[2].content = 2; }},
@@ -118,11 +119,11 @@ const Case kCases[] = {
      [](Project& p) {
          p.items.push_back({5, ItemKind::folder, "f", 1, 1});
      }},
-    {"an item of no kind", "item:2: its kind is unknown",
+    {"an item of unknown kind", "item:2: its kind is unknown",
      [](Project& p) { p.items[1].kind = static_cast<ItemKind>(9); }},
-    {"footage in another's place", "footage:1: its id does not match its place",
+    {"footage at the wrong place", "footage:1: its id does not match its place",
      [](Project& p) { p.footage[0].id = 0; }},
-    {"footage with another's item", "footage:2: its item does not exist or has other content",
+    {"footage with the item of other footage", "footage:2: its item does not exist or has other content",
      [](Project& p) {
          p.footage.push_back(p.footage[0]);
          p.footage[1].id = 2;
@@ -144,14 +145,14 @@ const Case kCases[] = {
          p.footage[0].kind = FootageKind::module_file;
          p.footage[0].path = "p.txl";
      }},
-    {"a module's file with an in-spec that is none",
+    {"a module's file with an unknown in-spec",
      "footage:1: its in-spec does not exist or does not belong to its kind",
      [](Project& p) {
          p.footage[0].kind = FootageKind::module_file;
          p.footage[0].path = "p.txl";
          p.footage[0].in_spec = 2;
      }},
-    {"frames of what is no sequence", "footage:1: it has frames and is not a sequence",
+    {"frames of something other than a sequence", "footage:1: it has frames and is not a sequence",
      [](Project& p) { p.footage[0].sequence.emplace(); }},
     {"a sequence without frames", "footage:1: its sequence has no frames",
      [](Project& p) {
@@ -183,13 +184,14 @@ const Case kCases[] = {
      [](Project& p) {
          make_sequence(p, {{5, 4}});
      }},
-    {"a gap too few", "footage:1: its gaps and its files do not add up to the sequence",
+    {"one gap missing", "footage:1: its gaps and its files do not add up to the sequence",
      [](Project& p) {
          make_sequence(p, {{7, 8}});
      }},
-    {"a composition in another's place", "comp:1: its id does not match its place",
+    {"a composition at the wrong place", "comp:1: its id does not match its place",
      [](Project& p) { p.compositions[0].id = 2; }},
-    {"a composition with another's item", "comp:3: its item does not exist or has other content",
+    {"a composition with the item of another composition",
+     "comp:3: its item does not exist or has other content",
      [](Project& p) {
          p.compositions.push_back(p.compositions[0]);
          p.compositions[2].id = 3;
@@ -212,7 +214,7 @@ const Case kCases[] = {
      [](Project& p) {
          p.compositions[0].frame_rate = {1, 0};
      }},
-    {"a layer in another's place", "layer:1: its id does not match its place",
+    {"a layer at the wrong place", "layer:1: its id does not match its place",
      [](Project& p) { p.layers[0].id = 2; }},
     {"a layer without composition", "layer:1: it is in no composition",
      [](Project& p) { p.layers[0].composition = 3; }},
@@ -236,9 +238,9 @@ const Case kCases[] = {
      [](Project& p) { p.layers[2].center.reset(); }},
     {"a camera that is a kind of light", "layer:3: only lights have a kind of light",
      [](Project& p) { p.layers[2].light_type = kLightTypeSpot; }},
-    {"a stream in another's place", "layer:3: a stream's kind does not match its place",
+    {"a stream at the wrong place", "layer:3: a stream's kind does not match its place",
      [](Project& p) { p.layers[2].streams[kLayerStreamZoom].kind = kLayerStreamPosition; }},
-    {"a stream of no shape", "layer:3: a stream has no components",
+    {"a stream of unknown shape", "layer:3: a stream has no components",
      [](Project& p) { p.layers[2].streams[kLayerStreamZoom].shape = static_cast<embedded::StreamShape>(9); }},
     {"a key without time", "layer:3: the time of a key has no scale",
      [](Project& p) { p.layers[2].streams[kLayerStreamZoom].keyframes[2].time = kNever; }},
@@ -246,34 +248,35 @@ const Case kCases[] = {
      [](Project& p) {
          p.layers[2].streams[kLayerStreamZoom].keyframes[2].time = {2, 50};
      }},
-    {"an in-spec in another's place", "inspec:1: its id does not match its place",
+    {"an in-spec at the wrong place", "inspec:1: its id does not match its place",
      [](Project& p) { p.in_specs[0].id = 2; }},
     {"an in-spec without time", "inspec:1: its duration has no scale",
      [](Project& p) { p.in_specs[0].duration = kNever; }},
-    {"an in-spec that was given up without time", nullptr,
+    {"a disposed in-spec without time", nullptr,
      [](Project& p) {
          p.in_specs[0].duration = kNever;
          p.in_specs[0].disposed = true;
      }},
-    {"a composition with a layer that is none",
+    {"a composition with an unknown layer",
      "comp:1: one of its layers does not exist or is in another composition",
      [](Project& p) { p.compositions[0].layers.push_back(6); }},
-    {"a composition with another's layer",
+    {"a composition with the layer of another composition",
      "comp:2: one of its layers does not exist or is in another composition",
      [](Project& p) { p.compositions[1].layers.push_back(1); }},
-    {"a layer that is there twice", "comp:1: a layer is in it twice",
+    {"a layer that is listed twice", "comp:1: a layer is in it twice",
      [](Project& p) { p.compositions[0].layers.push_back(1); }},
-    {"a layer that its composition has not", "layer:5: its composition does not list it",
+    {"a layer that its composition does not list", "layer:5: its composition does not list it",
      [](Project& p) { p.compositions[0].layers.pop_front(); }},
     {"a composition within itself", "a composition contains itself",
      [](Project& p) { p.layers[1].source_item = 2; }},
     {"an undo step that is open", "undo step \"step\": it is open or counts fewer than 0 changes",
      [](Project& p) { p.undo_steps[0].closed = false; }},
-    {"an undo step of less than no changes", "undo step \"step\": it is open or counts fewer than 0 changes",
+    {"an undo step with a negative number of changes",
+     "undo step \"step\": it is open or counts fewer than 0 changes",
      [](Project& p) { p.undo_steps[0].changes = -1; }},
 };
 
-TEST(ProjectComplaint, NothingAboutWhatAHostMade) {
+TEST(ProjectInvariants, HoldForWhatAHostMakes) {
     EXPECT_EQ(embedded::validate_project(embedded::empty_project()), std::nullopt);
     const FilledHost filled;
     ASSERT_EQ(filled.bundle.host.project().layers.size(), 5U);
@@ -281,20 +284,21 @@ TEST(ProjectComplaint, NothingAboutWhatAHostMade) {
     EXPECT_EQ(filled.bundle.host.validate(), std::nullopt);
 }
 
-TEST(ProjectComplaint, OneRuleAtATime) {
+TEST(ProjectInvariants, AreFoundBrokenOneByOne) {
     const FilledHost filled;
     for (const Case& broken : kCases) {
         SCOPED_TRACE(broken.name);
         Project project = filled.bundle.host.project();
         broken.break_it(project);
-        EXPECT_EQ(embedded::validate_project(project),
-                  broken.complaint == nullptr ? std::nullopt : std::optional<std::string>(broken.complaint));
+        EXPECT_EQ(embedded::validate_project(project), broken.broken_rule == nullptr
+                                                           ? std::nullopt
+                                                           : std::optional<std::string>(broken.broken_rule));
     }
 }
 
 struct SessionCase {
     const char* name;
-    const char* complaint;
+    const char* broken_rule;
     Undo (*break_it)(Session&);
 };
 
@@ -304,25 +308,25 @@ Undo add_to(std::vector<std::string>& list) {
 }
 
 const SessionCase kSessionCases[] = {
-    {"a thing without a handle", "outspec: 0 handles for 1 objects",
+    {"an object without a handle", "outspec: 0 handles for 1 objects",
      [](Session& s) { return add_to(s.out_spec_paths); }},
     {"a stream that no layer has", "stream:1: no layer has it",
      [](Session& s) { return changed(s.stream_refs[0].kind, kLayerStreamColor); }},
-    {"a stream of no layer", "stream:1: no layer has it",
+    {"a stream without a layer", "stream:1: no layer has it",
      [](Session& s) { return changed(s.stream_refs[0].layer, 6); }},
-    {"additions for no stream", "additions:1: their stream does not exist",
+    {"additions without a stream", "additions:1: their stream does not exist",
      [](Session& s) { return changed(s.additions[0].stream_ref, 2); }},
-    {"memory in another's place", "mem:1: its id does not match its place",
+    {"memory at the wrong place", "mem:1: its id does not match its place",
      [](Session& s) { return changed(s.memory.block(1).id, 2); }},
-    {"memory with less than no locks", "mem:1: its lock count is negative",
+    {"memory with a negative lock count", "mem:1: its lock count is negative",
      [](Session& s) { return changed(s.memory.block(1).locks, -1); }},
-    {"memory of an in-spec that has none", "mem:1: its in-spec has other options",
+    {"memory of an in-spec without options", "mem:1: its in-spec has other options",
      [](Session& s) { return changed(s.project.in_specs[0].options, 0); }},
-    {"memory of no in-spec", "mem:1: its in-spec has other options",
+    {"memory of an unknown in-spec", "mem:1: its in-spec has other options",
      [](Session& s) { return changed(s.memory.block(1).in_spec, 2); }},
-    {"options that are nobody's", "inspec:1: its options do not exist or belong to another in-spec",
+    {"options without an owner", "inspec:1: its options do not exist or belong to another in-spec",
      [](Session& s) { return changed(s.memory.block(1).in_spec, 0); }},
-    {"options that are no memory", "inspec:1: its options do not exist or belong to another in-spec",
+    {"options that are not memory", "inspec:1: its options do not exist or belong to another in-spec",
      [](Session& s) {
          const Undo detach = changed(s.memory.block(1).in_spec, 0);
          const Undo point = changed(s.project.in_specs[0].options, 2);
@@ -331,28 +335,28 @@ const SessionCase kSessionCases[] = {
              detach();
          });
      }},
-    {"an in-spec that is gone before its handle", "inspec:1: its handle is alive and it is not",
+    {"an in-spec disposed of before its handle", "inspec:1: its handle is alive and it is not",
      [](Session& s) { return changed(s.project.in_specs[0].disposed, true); }},
 };
 
-TEST(SessionComplaint, OneRuleAtATime) {
+TEST(SessionInvariants, AreFoundBrokenOneByOne) {
     const FilledHost filled;
     for (const SessionCase& broken : kSessionCases) {
         SCOPED_TRACE(broken.name);
         const Undo mend = broken.break_it(FilledHost::session());
-        EXPECT_EQ(filled.bundle.host.validate(), broken.complaint);
+        EXPECT_EQ(filled.bundle.host.validate(), broken.broken_rule);
         mend();
         EXPECT_EQ(filled.bundle.host.validate(), std::nullopt);
     }
 }
 
-TEST(SessionComplaint, HandlesThatAreGoneTooEarly) {
+TEST(SessionInvariants, CoverHandlesThatDieTooEarly) {
     FilledHost filled;
     FilledHost::session().handles.kill(embedded::HandleKind::layer, 2);
     EXPECT_EQ(filled.bundle.host.validate(), "layer:2: it is alive and its handle is not");
 }
 
-TEST(SessionComplaint, WhatIsOpenBetweenCallbacks) {
+TEST(SessionInvariants, CoverWhatIsOpenBetweenCallbacks) {
     FilledHost filled;
     const AEGP_CompH comp = filled.bundle.comp();
     AEGP_StreamRefH stream = nullptr;

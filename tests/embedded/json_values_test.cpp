@@ -14,7 +14,7 @@ using embedded::Json;
 using embedded::json_number;
 using embedded::json_text;
 
-TEST(JsonText, IsAStringOnlyWhenItIsUtf8) {
+TEST(JsonText, IsAStringIfItIsUtf8) {
     struct {
         const char* name;
         std::string text;
@@ -61,7 +61,7 @@ TEST(JsonNumber, ReadsBackToTheSameBits) {
     }
 }
 
-TEST(JsonNumber, WritesWhatJsonHasNoNumberForAsText) {
+TEST(JsonNumber, WritesInfinityAndNanAsText) {
     const double infinity = std::numeric_limits<double>::infinity();
     EXPECT_EQ(json_number(infinity).dump(), "\"inf\"");
     EXPECT_EQ(json_number(-infinity).dump(), "\"-inf\"");

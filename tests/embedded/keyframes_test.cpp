@@ -1,4 +1,4 @@
-// Streams and their keys.
+// Streams and their keyframes.
 
 #include <gtest/gtest.h>
 
@@ -59,7 +59,7 @@ void expect_keys(const Stream& stream, const std::vector<std::pair<A_Time, doubl
     }
 }
 
-TEST(Keyframes, AreKeptByTimeOneATime) {
+TEST(Keyframes, AreSortedAndUniqueByTime) {
     for (const KeyCase& c : kKeyCases) {
         SCOPED_TRACE(c.name);
         BundleSide bundle;
@@ -68,7 +68,7 @@ TEST(Keyframes, AreKeptByTimeOneATime) {
     }
 }
 
-TEST(Keyframes, OfASecondAdditionJoinAndReplaceTheFirst) {
+TEST(Keyframes, OfASecondAdditionMergeIntoTheFirst) {
     BundleSide bundle;
     const AEGP_StreamRefH stream = bundle.stream(bundle.camera(bundle.comp()), kLayerStreamZoom);
     add_keys(bundle, stream, {{{0, 25}, 1.0}, {{2, 25}, 2.0}, {{4, 25}, 3.0}});
@@ -76,14 +76,14 @@ TEST(Keyframes, OfASecondAdditionJoinAndReplaceTheFirst) {
     expect_keys(zoom_of(bundle), {{{0, 25}, 1.0}, {{2, 25}, 8.0}, {{3, 25}, 9.0}, {{4, 25}, 3.0}});
 }
 
-TEST(Keyframes, AreDroppedWhenTheAdditionsEndWithoutAdding) {
+TEST(Keyframes, AreDroppedWhenTheAdditionIsCancelled) {
     BundleSide bundle;
     const AEGP_StreamRefH stream = bundle.stream(bundle.camera(bundle.comp()), kLayerStreamZoom);
     add_keys(bundle, stream, {{{0, 25}, 1.0}}, 0);
     expect_keys(zoom_of(bundle), {});
 }
 
-TEST(Keyframes, WithoutAValueTakeTheStreams) {
+TEST(Keyframes, WithoutAValueTakeTheValueOfTheStream) {
     BundleSide bundle;
     const AEGP_StreamRefH stream = bundle.stream(bundle.camera(bundle.comp()), kLayerStreamZoom);
     const AEGP_AddKeyframesInfoH info = bundle.additions(stream);
@@ -149,7 +149,7 @@ TEST(Streams, HaveTheShapeOfTheirLayer) {
     EXPECT_EQ(layers[3].streams.at(kLayerStreamPosition).shape, StreamShape::three_d);
 }
 
-TEST(Streams, ReadOnlyTheMembersThatCount) {
+TEST(Streams, ReadOnlyTheMembersOfTheirShape) {
     BundleSide bundle;
     AEGP_LayerH flat = nullptr;
     bundle.comp_suite->AEGP_CreateNullInComp("flat", bundle.comp(), nullptr, &flat);
@@ -164,8 +164,8 @@ TEST(Streams, ReadOnlyTheMembersThatCount) {
     EXPECT_EQ(stream.value, (embedded::StreamComponents{100.0, 106.67, 0.0, 0.0}));
 }
 
-/// Seconds of processor time for `objects` cameras with `keys` keys each, added newest first, the worst order
-/// there is.
+/// Seconds of processor time for `objects` cameras with `keys` keys each, added latest first, the worst
+/// order.
 double seconds_for(int objects, int keys) {
     BundleSide bundle;
     const AEGP_CompH comp = bundle.comp();
@@ -185,9 +185,9 @@ double seconds_for(int objects, int keys) {
     return static_cast<double>(spent) / CLOCKS_PER_SEC;
 }
 
-TEST(Keyframes, OfLargeScenesTakeTimeInProportionToTheirNumber) {
-    // Quadratic insertion would make the large one 100 times as slow as ten of the small; the allowance of 5
-    // is for a busy machine.
+TEST(Keyframes, TakeTimeProportionalToTheirNumber) {
+    // With quadratic insertion the large scene would take 100 times as long as ten small ones; the factor of
+    // 5 allows for a busy machine.
     const double small = seconds_for(10, 1000);
     const double large = seconds_for(1, 100000);
     EXPECT_LT(large, 5.0 * 10.0 * small + 1.0);

@@ -29,11 +29,11 @@ AEGP_AddKeyframesInfoH key_additions(BundleSide& b) {
 }
 
 const BadArgument kCompositionCases[] = {
-    {"composition of no width", RuleViolation::bad_argument,
+    {"composition of width 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return create_comp(b, 0, 1, {1, 1}, {1, 1}, {1, 1});
      }},
-    {"composition of no height", RuleViolation::bad_argument,
+    {"composition of height 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return create_comp(b, 1, 0, {1, 1}, {1, 1}, {1, 1});
      }},
@@ -41,11 +41,11 @@ const BadArgument kCompositionCases[] = {
      [](BundleSide& b) {
          return create_comp(b, 1, 1, {0, 1}, {1, 1}, {1, 1});
      }},
-    {"composition with a pixel aspect over 0", RuleViolation::bad_argument,
+    {"composition with a pixel aspect denominator of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return create_comp(b, 1, 1, {1, 0}, {1, 1}, {1, 1});
      }},
-    {"composition with a duration on no scale", RuleViolation::bad_argument,
+    {"composition with a duration on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return create_comp(b, 1, 1, {1, 1}, {1, 0}, {1, 1});
      }},
@@ -58,7 +58,7 @@ const BadArgument kCompositionCases[] = {
          AEGP_CompH comp = nullptr;
          return b.comp_suite->AEGP_GetCompFromItem(b.root(), &comp);
      }},
-    {"item of no composition", RuleViolation::bad_argument,
+    {"item of a null composition", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_ItemH item = nullptr;
          return b.comp_suite->AEGP_GetItemFromComp(nullptr, &item);
@@ -74,11 +74,11 @@ const BadArgument kCompositionCases[] = {
          AEGP_LayerH layer = nullptr;
          return b.comp_suite->AEGP_CreateCameraInComp(nullptr, {0.0, 0.0}, b.comp(), &layer);
      }},
-    {"light without a place", RuleViolation::bad_argument,
+    {"light without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.comp_suite->AEGP_CreateLightInComp("l", {0.0, 0.0}, b.comp(), nullptr);
      }},
-    {"null with a duration on no scale", RuleViolation::bad_argument,
+    {"null with a duration on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_LayerH layer = nullptr;
          return b.comp_suite->AEGP_CreateNullInComp("n", b.comp(), &b.no_scale, &layer);
@@ -90,28 +90,28 @@ TEST(ArgumentChecks, RefuseEveryBadComposition) {
 }
 
 const BadArgument kLayerCases[] = {
-    {"no flag at all", RuleViolation::bad_argument,
+    {"no flag", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_SetLayerFlag(b.camera(b.comp()), 0, 1); }},
     {"two flags at once", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_SetLayerFlag(b.camera(b.comp()), 3, 1); }},
-    {"in-point in an unknown time", RuleViolation::bad_argument,
+    {"in-point in an unknown time mode", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.layer_suite->AEGP_SetLayerInPointAndDuration(b.camera(b.comp()), 2, &b.four_seconds,
                                                                &b.four_seconds);
      }},
-    {"in-point on no scale", RuleViolation::bad_argument,
+    {"in-point on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.layer_suite->AEGP_SetLayerInPointAndDuration(b.camera(b.comp()), 0, &b.no_scale,
                                                                &b.four_seconds);
      }},
-    {"layer duration null", RuleViolation::bad_argument,
+    {"null layer duration", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.layer_suite->AEGP_SetLayerInPointAndDuration(b.camera(b.comp()), 0, &b.four_seconds,
                                                                nullptr);
      }},
-    {"offset on no scale", RuleViolation::bad_argument,
+    {"offset on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_SetLayerOffset(b.camera(b.comp()), &b.no_scale); }},
-    {"transfer mode without a place", RuleViolation::bad_argument,
+    {"transfer mode without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.layer_suite->AEGP_GetLayerTransferMode(b.camera(b.comp()), nullptr); }},
     {"transfer mode below 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
@@ -129,7 +129,7 @@ const BadArgument kLayerCases[] = {
          const AEGP_CompH comp = b.comp();
          return b.layer_suite->AEGP_AddLayer(b.item_of(comp), comp, &layer);
      }},
-    {"type of a light that is a camera", RuleViolation::bad_argument,
+    {"light type of a camera", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.light_suite->AEGP_SetLightType(b.camera(b.comp()), kLightTypeSpot); }},
     {"light type beyond ambient", RuleViolation::bad_argument,
      [](BundleSide& b) {
@@ -159,7 +159,7 @@ const BadArgument kStreamCases[] = {
          b.stream_suite->AEGP_DisposeStream(stream);
          return b.stream_suite->AEGP_DisposeStream(stream);
      }},
-    {"value null", RuleViolation::bad_argument,
+    {"null value", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.stream_suite->AEGP_SetStreamValue(b.host.plugin_id(),
                                                     b.stream(b.camera(b.comp()), kLayerStreamZoom), nullptr);
@@ -194,17 +194,17 @@ const BadArgument kStreamCases[] = {
          AEGP_AddKeyframesInfoH info = nullptr;
          return b.keyframe_suite->AEGP_StartAddKeyframes(stream, &info);
      }},
-    {"key on no scale", RuleViolation::bad_argument,
+    {"key on a scale of 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_long index = 0;
          return b.keyframe_suite->AEGP_AddKeyframes(key_additions(b), kTimeModeLayer, &b.no_scale, &index);
      }},
-    {"key in an unknown time", RuleViolation::bad_argument,
+    {"key in an unknown time mode", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_long index = 0;
          return b.keyframe_suite->AEGP_AddKeyframes(key_additions(b), 7, &b.four_seconds, &index);
      }},
-    {"key without a place for its index", RuleViolation::bad_argument,
+    {"key without an output pointer for its index", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.keyframe_suite->AEGP_AddKeyframes(key_additions(b), kTimeModeLayer, &b.four_seconds,
                                                     nullptr);

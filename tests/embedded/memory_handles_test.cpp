@@ -8,19 +8,19 @@ namespace {
 
 using embedded::RuleViolation;
 
-TEST(MemoryHandles, GiveAsManyBytesAsAskedZeroedWhenAsked) {
+TEST(MemoryHandles, HaveTheRequestedSizeAndAreZeroedOnRequest) {
     BundleSide bundle;
     void* address = nullptr;
     const AEGP_MemHandle clear = bundle.memory(1000, kMemFlagClear);
     ASSERT_EQ(bundle.memory_suite->AEGP_LockMemHandle(clear, &address), kHostErrorNone);
     auto* bytes = static_cast<unsigned char*>(address);
     EXPECT_EQ(std::count(bytes, bytes + 1000, 0), 1000);
-    bytes[999] = 1;  // the last byte is there: the sanitizer watches
+    bytes[999] = 1;  // the sanitizer fails this if the block is too short
 
     const AEGP_MemHandle raw = bundle.memory(1000, 0);
     ASSERT_EQ(bundle.memory_suite->AEGP_LockMemHandle(raw, &address), kHostErrorNone);
     bytes = static_cast<unsigned char*>(address);
-    EXPECT_EQ(std::count(bytes, bytes + 1000, 0), 0) << "memory not asked to be clear must not look so";
+    EXPECT_EQ(std::count(bytes, bytes + 1000, 0), 0) << "memory that is not cleared must not look cleared";
 }
 
 TEST(MemoryHandles, KeepTheirAddressWhenUnlocked) {
@@ -92,7 +92,7 @@ TEST(MemoryHandles, ReportEveryMisuse) {
     }
 }
 
-TEST(MemoryHandles, NameWhatWasLeftAlive) {
+TEST(MemoryHandles, AreNamedWhenLeftAlive) {
     BundleSide bundle;
     bundle.host.run("callback", [&]() -> A_Err {
         bundle.memory(48);

@@ -85,7 +85,7 @@ TEST(Layers, OfStillsLastAsLongAsTheirComposition) {
     EXPECT_EQ(bundle.host.project().layer(1).duration.value, 100);
 }
 
-TEST(Layers, NeverContainTheirOwnComposition) {
+TEST(Layers, CannotContainTheirOwnComposition) {
     BundleSide bundle;
     const AEGP_CompH outer = bundle.comp("outer");
     const AEGP_CompH middle = bundle.comp("middle");
@@ -141,7 +141,7 @@ TEST(Layers, KeepTheirTimesFlagsModesAndTypes) {
     EXPECT_FALSE(layer.is_3d());
 }
 
-TEST(Nulls, LastAsLongAsTheyAreToldOrAsTheirComposition) {
+TEST(Nulls, HaveTheGivenDurationOrTheirCompositions) {
     BundleSide bundle;
     const AEGP_CompH comp = bundle.comp();
     AEGP_LayerH layer = nullptr;
@@ -153,7 +153,7 @@ TEST(Nulls, LastAsLongAsTheyAreToldOrAsTheirComposition) {
     EXPECT_EQ(bundle.host.project().layer(1).kind, LayerKind::null);
 }
 
-TEST(InputSpecs, TellTheirSizeAndTheirPathWhenItFitsTheBundlesBuffer) {
+TEST(InputSpecs, ReturnTheirSizeAndAPathThatFitsTheBuffer) {
     BundleSide bundle;
     char path[260] = {};
     const std::string longest(259, 'p');
@@ -171,7 +171,7 @@ TEST(InputSpecs, TellTheirSizeAndTheirPathWhenItFitsTheBundlesBuffer) {
     EXPECT_EQ(path, longest);
 }
 
-TEST(OutputSpecs, TellTheirPathWhenItFitsTheBundlesBuffer) {
+TEST(OutputSpecs, ReturnAPathThatFitsTheBuffer) {
     BundleSide bundle;
     char path[260] = {};
     EXPECT_EQ(bundle.io_out_suite->AEGP_GetOutSpecFilePath(bundle.host.new_out_spec("C:\\out\\a.txl"), path),
@@ -234,7 +234,7 @@ TEST(Names, AreCutAfter31BytesAndNoted) {
         EXPECT_EQ(bundle.count(RuleViolation::name_cut), 0U);
         EXPECT_EQ(kind.make(bundle, too_long.c_str()), too_long.substr(0, 31));
         EXPECT_EQ(bundle.count(RuleViolation::name_cut), 1U);
-        EXPECT_TRUE(bundle.host.conformance().clean()) << "a cut name is a note, not a problem";
+        EXPECT_TRUE(bundle.host.conformance().clean()) << "a cut name is a note, not a violation";
     }
 }
 

@@ -18,7 +18,7 @@ TEST(NumberedNames, AreSplitAtTheLastNumberBeforeTheExtension) {
         const char* suffix;
     } const cases[] = {
         {"ordinary", "shot.0017.rla", "shot.", "0017", ".rla"},
-        {"number against the extension", "shot17.tif", "shot", "17", ".tif"},
+        {"number next to the extension", "shot17.tif", "shot", "17", ".tif"},
         {"number in the middle", "shot0017_beauty.tif", "shot", "0017", "_beauty.tif"},
         {"two numbers: the last", "v2_shot_003.png", "v2_shot_", "003", ".png"},
         {"number in the extension does not count", "shot.mp4", nullptr, nullptr, nullptr},
@@ -26,7 +26,7 @@ TEST(NumberedNames, AreSplitAtTheLastNumberBeforeTheExtension) {
         {"no extension", "shot17", "shot", "17", ""},
         {"no number", "shot.tif", nullptr, nullptr, nullptr},
         {"18 digits", "a123456789012345678.tif", "a", "123456789012345678", ".tif"},
-        {"19 digits are no frame number", "a1234567890123456789.tif", nullptr, nullptr, nullptr},
+        {"19 digits are not a frame number", "a1234567890123456789.tif", nullptr, nullptr, nullptr},
         {"empty", "", nullptr, nullptr, nullptr},
     };
     for (const auto& c : cases) {
@@ -84,7 +84,7 @@ const Case kCases[] = {
      {}},
     {"gaps", {"a1.x", "a2.x", "a5.x", "a7.x"}, "a1.x", {}, "a#.x", {1, 7}, 4, {{3, 4}, {6, 6}}},
     {"unpadded across 9", {"a8.x", "a9.x", "a10.x", "a11.x"}, "a9.x", {}, "a#.x", {8, 11}, 4, {}},
-    {"padded past its padding",
+    {"padded and past the padding",
      {"a0998.x", "a0999.x", "a9999.x", "a10000.x"},
      "a10000.x",
      {},
@@ -138,7 +138,7 @@ TEST(Sequences, AreFoundInTheFolderOfTheNamedFile) {
     }
 }
 
-TEST(Sequences, TakeNoFoldersForFrames) {
+TEST(Sequences, IgnoreFolders) {
     const TemporaryFolder folder;
     folder.write("a1.x", "");
     std::filesystem::create_directory(folder.path("a2.x"));

@@ -21,11 +21,11 @@ const BadArgument kSuiteCases[] = {
          const void* table = nullptr;
          return b.host.basic_suite()->AcquireSuite(nullptr, 1, &table);
      }},
-    {"acquire without a place for the suite", RuleViolation::bad_argument,
+    {"acquire without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.host.basic_suite()->AcquireSuite("AEGP Proj Suite", 5, nullptr); }},
     {"release without a name", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.host.basic_suite()->ReleaseSuite(nullptr, 1); }},
-    {"release of a suite that nobody acquired", RuleViolation::suite_not_acquired,
+    {"release of a suite that was not acquired", RuleViolation::suite_not_acquired,
      [](BundleSide& b) { return b.host.basic_suite()->ReleaseSuite("PF AE Adv App Suite", 1); }},
     {"release of a suite that does not exist", RuleViolation::suite_not_acquired,
      [](BundleSide& b) { return b.host.basic_suite()->ReleaseSuite("No Suite", 1); }},
@@ -36,7 +36,7 @@ TEST(ArgumentChecks, RefuseEveryBadSuiteRequest) {
 }
 
 const BadArgument kRegistrationCases[] = {
-    {"death hook null", RuleViolation::bad_argument,
+    {"null death hook", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.register_suite->AEGP_RegisterDeathHook(b.host.plugin_id(), nullptr, nullptr);
      }},
@@ -61,7 +61,7 @@ const BadArgument kRegistrationCases[] = {
          AEIO_FunctionBlock2 functions{};
          return b.register_suite->AEGP_RegisterIO(b.host.plugin_id(), nullptr, &info, &functions);
      }},
-    {"module with a name that does not end", RuleViolation::bad_argument,
+    {"module with an unterminated name", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEIO_ModuleInfo info{};
          std::memset(info.name, 'x', sizeof info.name);
@@ -85,14 +85,14 @@ const BadArgument kRegistrationCases[] = {
          AE_FIM_ImportFlavorRef flavor = 0;
          return b.import_suite->AEGP_RegisterImportFlavor(nullptr, &flavor);
      }},
-    {"importer without a place for its number", RuleViolation::bad_argument,
+    {"importer without an output pointer for its number", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.import_suite->AEGP_RegisterImportFlavor("x", nullptr); }},
     {"file types of an unknown importer", RuleViolation::bad_argument,
      [](BundleSide& b) {
          return b.import_suite->AEGP_RegisterImportFlavorFileTypes(kInvalidImportFlavor, 0, nullptr, 0,
                                                                    nullptr);
      }},
-    {"file types announced and not given", RuleViolation::bad_argument,
+    {"null file types with a count of 1", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
@@ -104,7 +104,7 @@ const BadArgument kRegistrationCases[] = {
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
          return b.import_suite->AEGP_RegisterImportFlavorFileTypes(flavor, 0, nullptr, -1, nullptr);
      }},
-    {"callbacks null", RuleViolation::bad_argument,
+    {"null callbacks", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AE_FIM_ImportFlavorRef flavor = 0;
          b.import_suite->AEGP_RegisterImportFlavor("x", &flavor);
@@ -139,9 +139,9 @@ TEST(ArgumentChecks, RefuseEveryBadMessageOrUndoGroup) {
 }
 
 const BadArgument kPreferenceCases[] = {
-    {"blob without a place", RuleViolation::bad_argument,
+    {"blob without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_GetApplicationBlob(nullptr); }},
-    {"key in no blob", RuleViolation::bad_argument,
+    {"key in a null blob", RuleViolation::bad_argument,
      [](BundleSide& b) {
          A_Boolean exists = 0;
          return b.data_suite->AEGP_DoesKeyExist(nullptr, "s", "k", &exists);
@@ -161,22 +161,22 @@ const BadArgument kPreferenceCases[] = {
          A_Boolean exists = 0;
          return b.data_suite->AEGP_DoesKeyExist(b.blob(), "s", nullptr, &exists);
      }},
-    {"key without a place for the answer", RuleViolation::bad_argument,
+    {"key without an output pointer for the answer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_DoesKeyExist(b.blob(), "s", "k", nullptr); }},
-    {"preference of no size", RuleViolation::bad_argument,
+    {"preference of size 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          char value = 0;
          return b.data_suite->AEGP_GetData(b.blob(), "s", "k", 0, nullptr, &value);
      }},
-    {"preference of another size than stored", RuleViolation::bad_argument,
+    {"preference of a size other than the stored one", RuleViolation::bad_argument,
      [](BundleSide& b) {
          char value[2] = {};
          b.data_suite->AEGP_SetData(b.blob(), "s", "k", 1, value);
          return b.data_suite->AEGP_GetData(b.blob(), "s", "k", 2, nullptr, value);
      }},
-    {"preference without a place", RuleViolation::bad_argument,
+    {"preference without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_GetData(b.blob(), "s", "k", 1, nullptr, nullptr); }},
-    {"preference set to nothing", RuleViolation::bad_argument,
+    {"preference set to null", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.data_suite->AEGP_SetData(b.blob(), "s", "k", 1, nullptr); }},
 };
 
@@ -190,7 +190,7 @@ const BadArgument kMemoryCases[] = {
          AEGP_MemHandle made = nullptr;
          return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), nullptr, 1, 0, &made);
      }},
-    {"memory of no size", RuleViolation::bad_argument,
+    {"memory of size 0", RuleViolation::bad_argument,
      [](BundleSide& b) {
          AEGP_MemHandle made = nullptr;
          return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), "m", 0, 0, &made);
@@ -200,9 +200,9 @@ const BadArgument kMemoryCases[] = {
          AEGP_MemHandle made = nullptr;
          return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), "m", 1, 6, &made);
      }},
-    {"memory without a place", RuleViolation::bad_argument,
+    {"memory without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.memory_suite->AEGP_NewMemHandle(b.host.plugin_id(), "m", 1, 0, nullptr); }},
-    {"memory locked without a place", RuleViolation::bad_argument,
+    {"memory locked without an output pointer", RuleViolation::bad_argument,
      [](BundleSide& b) { return b.memory_suite->AEGP_LockMemHandle(b.memory(), nullptr); }},
     {"foreign memory freed", RuleViolation::foreign_handle,
      [](BundleSide& b) { return b.memory_suite->AEGP_FreeMemHandle(foreign<AEGP_MemHandle>()); }},

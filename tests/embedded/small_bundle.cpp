@@ -1,5 +1,5 @@
-// A bundle of the smallest kind, for loading: it registers one importer and nothing else. Its entry for
-// today's hosts registers one under another name.
+// A minimal bundle for the tests of loading. It registers one importer, under another name from its entry for
+// current hosts.
 
 #include "host/current_interface.h"
 #include "host/host_interface.h"

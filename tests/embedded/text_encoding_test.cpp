@@ -12,7 +12,7 @@ using embedded::to_utf16;
 using embedded::to_utf8;
 using embedded::Utf16String;
 
-TEST(TextEncoding, ConvertsBothWaysAtTheLimitsOfEveryLength) {
+TEST(TextEncoding, ConvertsTheFirstAndLastOfEveryLengthBothWays) {
     struct {
         const char* name;
         std::string utf8;
@@ -62,7 +62,7 @@ TEST(TextEncoding, ConvertsEveryCodePoint) {
     }
 }
 
-TEST(TextEncoding, RefusesWhatIsNoUtf8AndSaysWhere) {
+TEST(TextEncoding, RefusesIllFormedUtf8AndSaysWhere) {
     struct {
         const char* name;
         std::string text;
@@ -76,7 +76,7 @@ TEST(TextEncoding, RefusesWhatIsNoUtf8AndSaysWhere) {
         {"a surrogate", "x\xED\xA0\x80", 1},
         {"a pair of surrogates", "\xED\xA0\xBC\xED\xBE\xAC", 0},
         {"above the last code point", "\xF4\x90\x80\x80", 0},
-        {"a byte that begins nothing", "a\xFF", 1},
+        {"a byte that never begins a sequence", "a\xFF", 1},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

@@ -1,4 +1,4 @@
-// What is different in a host of today's: seven suites, the paths, and the memory that paths come in.
+// What differs in current hosts: seven suites, UTF-16 paths, and the memory that passes paths.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ embedded::HostOptions today() {
     return options;
 }
 
-/// A host of today's as a bundle sees it. The suites stay acquired.
+/// A current host as a bundle sees it. The suites stay acquired.
 struct TodaySide {
     TodaySide() {
         register_suite = acquire<AEGP_RegisterSuite6>("AEGP Register Suite", 6);
@@ -108,7 +108,7 @@ TEST(TodaysSuites, HaveTheirFullLength) {
         for (std::size_t slot = 0; slot < suite.slots_today; ++slot) {
             EXPECT_NE(slots[slot], nullptr) << slot;
         }
-        // The last slot of each is one that this host does not have.
+        // This host implements no table's last slot.
         EXPECT_EQ(slots[suite.slots_today - 1](), kHostErrorGeneric);
         EXPECT_EQ(side.host.conformance().violations().back().code, RuleViolation::reserved_slot);
         EXPECT_EQ(side.host.conformance().violations().back().reason,
@@ -141,7 +141,7 @@ TEST(TodaysFootage, IsNamedInUtf16) {
     EXPECT_NE(lines[0].find("\"path\":" + embedded::Json(path).dump()), std::string::npos) << lines[0];
 }
 
-TEST(TodaysFootage, IsRefusedWhenItsPathIsNoUtf16) {
+TEST(TodaysFootage, IsRefusedWhenItsPathIsNotUtf16) {
     TodaySide side;
     const A_UTF16Char half[] = {u'/', u'a', 0xD83C, u'.', u't', u'g', u'a', 0};
     for (const A_UTF16Char* path :
@@ -160,7 +160,7 @@ TEST(TodaysFootage, IsRefusedWhenItsPathIsNoUtf16) {
     EXPECT_EQ(violations[1].reason, "path is null");
 }
 
-TEST(PathsInMemory, AreTheBundlesToFree) {
+TEST(PathsInMemory, MustBeFreedByTheBundle) {
     constexpr char kPath[] = "/r\xC3\xA9sum\xC3\xA9/\xF0\x9F\x8E\xAC.txl";
     TodaySide side;
     const AEIO_OutSpecH out = side.host.new_out_spec(kPath);
@@ -188,7 +188,7 @@ TEST(PathsInMemory, AreTheBundlesToFree) {
     EXPECT_EQ(side.host.conformance().count(RuleViolation::memory_left_alive), 2U);
 }
 
-TEST(PathsInMemory, NeedSomewhereToBePut) {
+TEST(PathsInMemory, NeedAnAddress) {
     TodaySide side;
     const AEIO_OutSpecH out = side.host.new_out_spec("/a.txl");
     AEGP_MemHandle path = nullptr;
@@ -201,7 +201,7 @@ TEST(PathsInMemory, NeedSomewhereToBePut) {
     EXPECT_EQ(side.host.conformance().count(RuleViolation::bad_argument), 4U);
 }
 
-TEST(PathsInMemory, ThatAreNoUtf8CannotBeGiven) {
+TEST(PathsInMemory, MustBeUtf8) {
     TodaySide side;
     AEGP_MemHandle path = nullptr;
     A_Boolean reserved = 0;
@@ -222,7 +222,7 @@ TEST(TodaysSizes, Have64Bits) {
         EXPECT_EQ(static_cast<AEIO_FileSize>(side.host.project().in_spec(id).size_bytes), size);
     }
     EXPECT_TRUE(side.host.conformance().clean());
-    // A negative 32-bit size that was widened with its sign looks like this.
+    // A negative 32-bit size, sign-extended.
     EXPECT_EQ(side.io_in_suite->AEGP_SetInSpecSize(in, static_cast<AEIO_FileSize>(std::int64_t{-4})),
               kHostErrorParameter);
     EXPECT_EQ(side.host.conformance().count(RuleViolation::bad_argument), 1U);
@@ -300,7 +300,7 @@ TEST_F(TodaysCallbacks, GetUtf16Paths) {
     EXPECT_TRUE(side.host.conformance().clean()) << side.host.conformance().to_text();
 }
 
-TEST_F(TodaysCallbacks, AreNotAskedAboutFilesThatHaveNoUtf16Name) {
+TEST_F(TodaysCallbacks, AreNotCalledForFilesWithoutAUtf16Name) {
     constexpr char kProblem[] =
         "the path is not UTF-8 (byte 0xE9 at offset 4), and current hosts take paths in Unicode; only a "
         "classic "
@@ -316,14 +316,14 @@ TEST_F(TodaysCallbacks, AreNotAskedAboutFilesThatHaveNoUtf16Name) {
     EXPECT_THAT(seen, IsEmpty());
 }
 
-TEST(ClassicHosts, CanNameEveryFile) {
+TEST(ClassicHosts, PassEveryPath) {
     embedded::HostOptions options;
     options.generation = embedded::HostGeneration::classic;
     const embedded::TestHost host(options);
     EXPECT_EQ(host.path_problem("/caf\xE9.aec"), "");
 }
 
-TEST_F(TodaysCallbacks, AreAllToBeThere) {
+TEST_F(TodaysCallbacks, MustAllBeSet) {
     AEIO_FunctionBlock4 functions = function_block();
     functions.AEIO_GetMimeType = nullptr;  // the last of the block
     EXPECT_EQ(side.register_suite->AEGP_RegisterIO(side.host.plugin_id(), nullptr, &info, &functions),
