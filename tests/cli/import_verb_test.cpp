@@ -51,7 +51,7 @@ TEST(ImportVerb, TreeOfAScene) {
             "  Inner/\n"
             "    Inner  composition, 64x36, pixel aspect 1, 9 frames at 25 fps, empty\n");
     EXPECT_EQ(run.err, "vxr: note: 1 footage file is missing; `vxr check " + scene +
-                           "` shows where it was searched for\n");
+                           "` lists the places that were searched\n");
 }
 
 TEST(ImportVerb, ExamplesImportWithoutFindingsAboutThePlugIn) {

@@ -57,7 +57,7 @@ void note_missing_footage(ImportRun& run, const embedded::Project& project) {
     if (missing > 0) {
         run.notes.push_back(std::to_string(missing) +
                             (missing == 1 ? " footage file is" : " footage files are") +
-                            " missing; `vxr check " + run.file + "` shows where it was searched for");
+                            " missing; `vxr check " + run.file + "` lists the places that were searched");
     }
 }
 
