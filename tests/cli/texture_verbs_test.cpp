@@ -150,11 +150,12 @@ TEST(TextureCheck, SaysWhereAFileIsWrong) {
         {"sound", tiny_cut(1000), 0, "a.txl: ok\n", ""},
         {"empty", "", 1, "a.txl: refused\n", "a.txl: error: the file is empty [empty-file]\n"},
         {"other magic", tiny_with(0, "AVXX"), 1, "a.txl: refused\n",
-         "a.txl: error: the file does not begin with the magic and ident of its kind [not-a-texture]\n"},
+         "a.txl: error: the file does not begin with the expected magic and ident [not-a-texture]\n"},
         {"a value between chunks", tiny_with(0x11, "\x0f"), 1, "a.txl: refused\n",
-         "a.txl@0x11: error: a chunk must begin or end here, found tag 15 [stray-value]\n      in 502\n"},
+         "a.txl@0x11: error: expected the start or end of a chunk, found tag 15 [stray-value]\n      in "
+         "502\n"},
         {"signed for unsigned", tiny_with(0x4c, "\x0b"), 1, "a.txl: refused\n",
-         "a.txl@0x4c: error: a value with tag 12 must stand here, found tag 11 [wrong-tag]\n"
+         "a.txl@0x4c: error: expected a value with tag 12, found tag 11 [wrong-tag]\n"
          "      in 502 > TaVx\n"},
         {"a layer's block ends outside the file", tiny_with(0x8c, "\x7f"), 1, "a.txl: refused\n",
          "a.txl@0x8a: error: a block of 8323073 bytes where the file has 110 left [block-too-long]\n"
@@ -163,7 +164,7 @@ TEST(TextureCheck, SaysWhereAFileIsWrong) {
          "a.txl@0x47: error: 5 channels in colour mode 2; mode 2 has 1 and mode 4 has 3 [unsupported]\n"
          "      in 502 > TaVx\n"},
         {"unknown flag", tiny_with(0x4d, "\x09"), 0, "a.txl: ok, 1 warning\n",
-         "a.txl@0x4e: warning: row 0, channel 0: flag 9 is not known, the row before was kept "
+         "a.txl@0x4e: warning: row 0, channel 0: flag 9 is unknown; the previous row was kept "
          "[row-repeated]\n"
          "      in 502 > TaVx\n"
          "      = this channel of the row repeats the previous row\n"},

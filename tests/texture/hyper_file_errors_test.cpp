@@ -201,7 +201,7 @@ TEST_F(HyperFile, TheObserverLearnsWhatFailedAndWhere) {
     EXPECT_EQ(file_.ReadLong(&value), 0);
     EXPECT_EQ(listener.codes, std::vector<std::string>{"wrong-tag"});
     EXPECT_EQ(listener.offset_bytes, 13) << "of the tag";
-    EXPECT_EQ(listener.reason, "a value with tag 15 must stand here, found tag 16");
+    EXPECT_EQ(listener.reason, "expected a value with tag 15, found tag 16");
 }
 
 TEST_F(HyperFile, TheObserverLearnsOfAFailedReadAndThenOfTheFailedSkip) {

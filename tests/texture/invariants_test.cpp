@@ -108,8 +108,8 @@ struct TextureCase {
 
 const TextureCase kTextureCases[] = {
     {"unchanged", nullptr, [](Texture&) {}},
-    {"a mode without rows", "colour mode 3; 2 and 4 are written", [](Texture& t) { t.mode = 3; }},
-    {"a negative width", "-4 x 3 pixels; sizes are not negative and at most 2^30 pixels are written",
+    {"a mode without rows", "colour mode 3; only 2 and 4 can be written", [](Texture& t) { t.mode = 3; }},
+    {"a negative width", "-4 x 3 pixels; sizes must not be negative, and at most 2^30 pixels are written",
      [](Texture& t) { t.width_px = -4; }},
     {"colours that do not fit the size", "35 bytes of colour do not fit the size and mode",
      [](Texture& t) { t.pixels = PixelBuffer(35); }},

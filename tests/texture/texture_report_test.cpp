@@ -79,7 +79,7 @@ TEST(TextureReport, AnErrorNamesItsOffset) {
     const TextureReading reading = read_texture(folder.write("bad.txl", bytes));
     ASSERT_TRUE(reading.error.has_value());
     EXPECT_EQ(reading.error->at.offset_bytes, 8 + 9 + static_cast<std::int64_t>(file.header_bytes().size()));
-    EXPECT_EQ(reading.error->reason, "a chunk must begin or end here, found tag 15");
+    EXPECT_EQ(reading.error->reason, "expected the start or end of a chunk, found tag 15");
 }
 
 void expect_sound(const std::vector<ChunkOutline>& chunks, std::int64_t begin, std::int64_t end) {

@@ -38,8 +38,8 @@ PrivateHyperFile::~PrivateHyperFile() {
 }
 
 // Until an item has been read, nothing in the file is the place of a failure.
-void PrivateHyperFile::TellObserver(TextureFault fault, std::string reason,
-                                    const limits::Limit* limit) const {
+void PrivateHyperFile::TellObserver(TextureFault fault, const limits::Limit* limit,
+                                    std::string reason) const {
     diagnostic::Place at;
     if (item_offset_bytes_ > 0) {
         at.offset_bytes = item_offset_bytes_;
@@ -104,21 +104,17 @@ int PrivateHyperFile::OpenForReading(std::int32_t ident) {
     }
     if (length_ > limits::kTextureFile.value) {
         PrivateFile::Close();
-        return Fail(
-            TextureFault::over_limit,
-            [] {
-                return std::string("the file has 2^31 - 1 bytes or more, lengths in this format are 32-bit");
-            },
-            &limits::kTextureFile);
+        return Fail(TextureFault::over_limit, limits::kTextureFile, [] {
+            return std::string("the file has 2^31 - 1 bytes or more; lengths in this format are 32-bit");
+        });
     }
     std::array<unsigned char, 4> magic{};
     std::int32_t found_ident = 0;
     if (PrivateFile::ReadBytes(magic.data(), magic.size()) == 0 || magic != kMagic ||
         PrivateFile::ReadLong(&found_ident) == 0 || found_ident != ident) {
         PrivateFile::Close();
-        return Fail(TextureFault::not_a_texture, [] {
-            return std::string("the file does not begin with the magic and ident of its kind");
-        });
+        return Fail(TextureFault::not_a_texture,
+                    [] { return std::string("the file does not begin with the expected magic and ident"); });
     }
     return 1;
 }
@@ -137,7 +133,7 @@ int PrivateHyperFile::CheckIt(std::uint8_t tag) {
     }
     if (found != tag) {
         return Fail(TextureFault::wrong_tag, [&] {
-            return "a value with tag " + number(tag) + " must stand here, found tag " + number(found);
+            return "expected a value with tag " + number(tag) + ", found tag " + number(found);
         });
     }
     return 1;

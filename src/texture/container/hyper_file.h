@@ -138,13 +138,22 @@ class PrivateHyperFile : public PrivateFile {
     [[nodiscard]] std::int64_t GetItemOffset() const { return item_offset_bytes_; }
 
     /// The one place where an error begins: sets the fault's code and tells the observer. `reason` returns
-    /// the text and is called only when there is an observer. `limit` is the limit that the file exceeds, if
-    /// that is the reason. Returns 0.
+    /// the text and is called only when there is an observer. Returns 0.
     template <typename Reason>
-    int Fail(TextureFault fault, const Reason& reason, const limits::Limit* limit = nullptr) {
+    int Fail(TextureFault fault, const Reason& reason) {
         error_ = container_code(fault);
         if (observer_ != nullptr) {
-            TellObserver(fault, reason(), limit);
+            TellObserver(fault, nullptr, reason());
+        }
+        return 0;
+    }
+
+    /// Fails because the file exceeds `limit`.
+    template <typename Reason>
+    int Fail(TextureFault fault, const limits::Limit& limit, const Reason& reason) {
+        error_ = container_code(fault);
+        if (observer_ != nullptr) {
+            TellObserver(fault, &limit, reason());
         }
         return 0;
     }
@@ -157,7 +166,7 @@ class PrivateHyperFile : public PrivateFile {
     void* private_data_ = nullptr;
 
   private:
-    void TellObserver(TextureFault fault, std::string reason, const limits::Limit* limit) const;
+    void TellObserver(TextureFault fault, const limits::Limit* limit, std::string reason) const;
     int Count();
     int Transferred(int success);
     int OpenForReading(std::int32_t ident);

@@ -20,7 +20,7 @@ bool Chunk::ReadChunk(PrivateHyperFile* hf) {
         }
         if (tag != PrivateHyperFile::kTagChunkStart) {
             return hf->Fail(TextureFault::stray_value, [&] {
-                return "a chunk must begin or end here, found tag " + std::to_string(tag);
+                return "expected the start or end of a chunk, found tag " + std::to_string(tag);
             }) != 0;
         }
         if (!ReadSubChunk(hf)) {

@@ -28,13 +28,10 @@ int no_memory(PrivateHyperFile* hf, std::int64_t row_bytes) {
 }
 
 int too_wide(PrivateHyperFile* hf, std::int64_t row_bytes) {
-    return hf->Fail(
-        TextureFault::over_limit,
-        [&] {
-            return "rows of " + std::to_string(row_bytes) + " bytes, at most " +
-                   std::to_string(limits::kRowBytes.value) + " are allowed";
-        },
-        &limits::kRowBytes);
+    return hf->Fail(TextureFault::over_limit, limits::kRowBytes, [&] {
+        return "rows of " + std::to_string(row_bytes) + " bytes; at most " +
+               std::to_string(limits::kRowBytes.value) + " are allowed";
+    });
 }
 
 }  // namespace
@@ -74,13 +71,10 @@ bool PixelRowReader::begin() {
     }
     const std::int64_t left = std::int64_t{hf_->GetLength()} - hf_->GetPosition();
     if (row_bytes > limits::kRowRate.value * (left + 1)) {
-        return hf_->Fail(
-                   TextureFault::block_too_long,
-                   [&] {
-                       return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
-                              std::to_string(left) + " left, which cannot hold one";
-                   },
-                   &limits::kRowRate) != 0;
+        return hf_->Fail(TextureFault::block_too_long, limits::kRowRate, [&] {
+            return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
+                   std::to_string(left) + " left, too few for one row";
+        }) != 0;
     }
     row_ = zeroed(row_bytes);
     planes_ = zeroed(count * kept_planes());
@@ -107,14 +101,10 @@ bool PixelRowReader::next() {
 bool PixelRowReader::count_row() {
     const std::int64_t most = limits::kRowRate.value * hf_->GetLength() + limits::kRepairedBytes.value;
     file_row_bytes_ += std::int64_t{header_.count} * header_.channels;
-    return file_row_bytes_ <= most || hf_->Fail(
-                                          TextureFault::over_limit,
-                                          [&] {
-                                              return "rows of " + std::to_string(file_row_bytes_) +
-                                                     " bytes so far, a file of this size gives " +
-                                                     std::to_string(most) + " at most";
-                                          },
-                                          &limits::kRepairedBytes) != 0;
+    return file_row_bytes_ <= most || hf_->Fail(TextureFault::over_limit, limits::kRepairedBytes, [&] {
+        return "rows of " + std::to_string(file_row_bytes_) +
+               " bytes so far; a file of this size yields at most " + std::to_string(most);
+    }) != 0;
 }
 
 std::int32_t PixelRowReader::row() const {

@@ -58,13 +58,10 @@ bool TXLAlpha::HandleSubChunk(PrivateHyperFile* hf, std::int32_t id, std::int32_
 
 bool TXLAlpha::ReadNested(PrivateHyperFile* hf) {
     if (nesting_ == limits::kAlphaNesting.value) {
-        return hf->Fail(
-                   TextureFault::over_limit,
-                   [] {
-                       return "chunks 110100 are followed " + std::to_string(limits::kAlphaNesting.value) +
-                              " deep, this one is deeper";
-                   },
-                   &limits::kAlphaNesting) != 0;
+        return hf->Fail(TextureFault::over_limit, limits::kAlphaNesting, [] {
+            return "chunks 110100 are nested more than " + std::to_string(limits::kAlphaNesting.value) +
+                   " deep";
+        }) != 0;
     }
     ++nesting_;
     const bool read = ReadChunk(hf);

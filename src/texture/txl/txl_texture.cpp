@@ -16,13 +16,10 @@ constexpr std::int32_t kTextureRowsVersion = 2;
 
 bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
     if (++filter.header_count() > limits::kTextureHeaders.value) {
-        return hf->Fail(
-                   TextureFault::over_limit,
-                   [] {
-                       return std::to_string(limits::kTextureHeaders.value) +
-                              " texture headers are followed, this is one more";
-                   },
-                   &limits::kTextureHeaders) != 0;
+        return hf->Fail(TextureFault::over_limit, limits::kTextureHeaders, [] {
+            return "the file has more than " + std::to_string(limits::kTextureHeaders.value) +
+                   " texture headers";
+        }) != 0;
     }
     TXLTextureHeader& header = filter.header();
     hf->ReadLong(&header.width);
@@ -45,8 +42,8 @@ bool read_header(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t vers
 bool read_rows(PrivateHyperFile* hf, TXLImageFilter& filter, std::int32_t version) {
     if (version < kTextureRowsVersion) {
         return hf->Fail(TextureFault::unsupported, [&] {
-            return "pixel rows of version " + std::to_string(version) + ", a texture has at least " +
-                   std::to_string(kTextureRowsVersion);
+            return "pixel rows of version " + std::to_string(version) +
+                   "; a texture needs at least version " + std::to_string(kTextureRowsVersion);
         }) != 0;
     }
     PixelRowsHeader rows_header{};

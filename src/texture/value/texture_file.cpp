@@ -36,8 +36,9 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
         if (!sink.has_picture()) {
             reading.error = error_of(path, TextureFault::no_picture, "the file has no texture header");
         } else if (texture_channels(texture.mode) == 0) {
-            reading.error = error_of(path, TextureFault::unsupported,
-                                     "colour mode " + std::to_string(texture.mode) + "; 2 and 4 are read");
+            reading.error =
+                error_of(path, TextureFault::unsupported,
+                         "colour mode " + std::to_string(texture.mode) + "; only 2 and 4 can be read");
         } else {
             reading.texture = std::move(texture);
         }
@@ -65,7 +66,7 @@ std::optional<diagnostic::Diagnostic> write(const std::string& path, const Textu
     if (size > static_cast<std::uint64_t>(limits::kTextureFile.value)) {
         diagnostic::Diagnostic error =
             error_of(path, TextureFault::over_limit,
-                     "the file has " + std::to_string(size) + " bytes, readers take fewer than 2^31 - 1");
+                     "the file has " + std::to_string(size) + " bytes; readers accept fewer than 2^31 - 1");
         error.limit = &limits::kTextureFile;
         return error;
     }
@@ -100,12 +101,12 @@ std::optional<diagnostic::Diagnostic> write_texture(const std::string& path, con
 
 std::optional<std::string> validate_for_writing(const Texture& texture) {
     if (texture_channels(texture.mode) == 0) {
-        return "colour mode " + std::to_string(texture.mode) + "; 2 and 4 are written";
+        return "colour mode " + std::to_string(texture.mode) + "; only 2 and 4 can be written";
     }
     const std::int64_t pixel_count = std::int64_t{texture.width_px} * texture.height_px;
     if (texture.width_px < 0 || texture.height_px < 0 || pixel_count > limits::kTexturePixels.value) {
         return std::to_string(texture.width_px) + " x " + std::to_string(texture.height_px) +
-               " pixels; sizes are not negative and at most 2^30 pixels are written";
+               " pixels; sizes must not be negative, and at most 2^30 pixels are written";
     }
     if (texture.pixels.size() != texture.pixel_count() * static_cast<std::size_t>(texture.channels())) {
         return std::to_string(texture.pixels.size()) + " bytes of colour do not fit the size and mode";
@@ -117,7 +118,7 @@ std::optional<std::string> validate_for_writing(const Texture& texture) {
         }
     }
     if (texture.alphas.size() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max())) {
-        return "more alpha channels than 32 bits count";
+        return "more alpha channels than 32 bits can count";
     }
     return std::nullopt;
 }

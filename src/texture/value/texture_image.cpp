@@ -20,7 +20,7 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     const bool negative = w < 0 || h < 0;
     if (negative || std::int64_t{w} * h > limits::kTexturePixels.value) {
         const std::string reason = "a texture of " + std::to_string(w) + " x " + std::to_string(h) +
-                                   " pixels; sizes are not negative and at most 2^30 pixels are read";
+                                   " pixels; sizes must not be negative, and at most 2^30 pixels are read";
         recorder_.refuse(TextureFault::over_limit, reason, negative ? nullptr : &limits::kTexturePixels);
         return false;
     }
@@ -94,8 +94,8 @@ TextureSink::Part TextureSink::clip(std::int32_t x, std::int32_t y, std::int32_t
     const std::int64_t end = std::clamp<std::int64_t>(std::int64_t{texture_.width_px} - x, begin, count);
     if (!row_inside || begin != 0 || end != count) {
         recorder_.notice(TextureNotice::outside_picture, [&] {
-            return "row " + std::to_string(y) + " with " + std::to_string(count) + " pixels from column " +
-                   std::to_string(x) + " on reaches out of the picture";
+            return "row " + std::to_string(y) + ", with " + std::to_string(count) + " pixels from column " +
+                   std::to_string(x) + ", extends beyond the picture";
         });
     }
     if (!row_inside) {
@@ -107,8 +107,8 @@ TextureSink::Part TextureSink::clip(std::int32_t x, std::int32_t y, std::int32_t
 bool TextureSink::reserve(std::uint64_t bytes, const char* what) {
     if (bytes > max_decoded_bytes_ - decoded_bytes_) {
         recorder_.refuse(TextureFault::over_limit,
-                         std::string(what) + " takes " + std::to_string(bytes) + " bytes besides " +
-                             std::to_string(decoded_bytes_) + ", at most " +
+                         std::string(what) + " takes " + std::to_string(bytes) + " bytes in addition to " +
+                             std::to_string(decoded_bytes_) + "; at most " +
                              std::to_string(max_decoded_bytes_) + " are allowed",
                          &limits::kDecodedBytes);
         return false;

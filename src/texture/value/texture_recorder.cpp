@@ -50,13 +50,13 @@ void TextureRecorder::on_row(const RowBlock& block) {
     };
     if (block.outcome == RowOutcome::unknown_flag) {
         notice_at(TextureNotice::row_repeated, block.offset_bytes, [&] {
-            return where() + "flag " + std::to_string(block.flag) + " is not known, the row before was kept";
+            return where() + "flag " + std::to_string(block.flag) + " is unknown; the previous row was kept";
         });
         return;
     }
     notice_at(TextureNotice::row_cleared, block.offset_bytes, [&] {
         return where() + "its " + std::to_string(block.coded_bytes) + " bytes with flag " +
-               std::to_string(block.flag) + " do not give the row's length";
+               std::to_string(block.flag) + " do not decode to the row's length";
     });
 }
 
@@ -68,7 +68,7 @@ void TextureRecorder::on_layer(const LayerHeader& header) {
     }
     if (header.color_mode < 2 || header.color_mode > 5) {
         notice(TextureNotice::layer_without_alpha, [&] {
-            return "a layer in colour mode " + std::to_string(header.color_mode) + " gives no alpha";
+            return "a layer in colour mode " + std::to_string(header.color_mode) + " has no alpha";
         });
     }
 }
