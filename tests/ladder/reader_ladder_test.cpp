@@ -16,8 +16,8 @@
 #include "composition/read/read_observer.h"
 #include "ladder/climbing_file.h"
 #include "ladder/rungs.h"
-#include "texture/value/texture_invariants.h"
 #include "texture/value/texture_file.h"
+#include "texture/value/texture_invariants.h"
 
 namespace {
 
