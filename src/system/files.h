@@ -1,8 +1,7 @@
 #pragma once
 
-// What the tools ask the operating system about files. The name of a file is a text of bytes throughout:
-// UTF-8 on Windows, where the system takes wide characters, and whatever it is elsewhere.
-// files_<platform>.cpp answers.
+// What the tools ask the operating system about files; files_<platform>.cpp implements it. A file name is a
+// string of bytes: UTF-8 on Windows, which itself uses wide characters, and in any encoding elsewhere.
 
 #include <cstdint>
 #include <cstdio>
@@ -19,10 +18,10 @@ enum class FileKind { missing, regular, folder, pipe, device, socket, other };
 struct FileState {
     FileKind kind = FileKind::missing;
     std::uint64_t size_bytes = 0;  ///< of a regular file
-    std::string error;             ///< why nothing is known; empty for every kind but `missing`
+    std::string error;             ///< the reason for `missing`; empty for every other kind
 };
 
-/// What is at `path`, links followed; nothing is opened.
+/// What is at `path`, links followed. Opens nothing.
 FileState file_state(const std::string& path);
 
 /// Whether a regular file is at `path`; if not, `why_not` says what is wrong.
@@ -35,47 +34,48 @@ inline bool is_regular_file(const std::string& path, std::string& why_not) {
     return false;
 }
 
-/// The names of the regular files in `folder`, links followed, in no order; none when it cannot be read.
+/// The names of the regular files in `folder`, links followed, in no particular order; empty if it cannot be
+/// read.
 std::vector<std::string> regular_files_in(const std::string& folder);
 
-/// `path` from the root on, as hosts hand paths over; `path` itself when that cannot be told.
+/// `path` as an absolute path, which hosts pass; `path` itself if that cannot be determined.
 std::string absolute_path(const std::string& path);
 
-/// Makes an empty file where there is none; std::errc::file_exists where there is one.
+/// Creates an empty file; std::errc::file_exists if something is already there.
 std::error_code create_file(const std::string& path);
 
-/// Asks whether the file at `path` may be written; nothing in it changes.
+/// Checks whether the file at `path` may be written, without changing it.
 std::error_code may_write(const std::string& path);
 
-/// Opens what is at `path`, a device or a pipe, for writing as it is. Never waits for somebody to read from
-/// the pipe: that nobody does is an error. Null when it cannot be opened; `failure` then says why.
+/// Opens the device or pipe at `path` for writing. Never waits for a reader of a pipe: a pipe without one is
+/// an error. Returns null on failure; `failure` then says why.
 std::FILE* open_device(const std::string& path, std::error_code& failure);
 
-/// Makes `bytes` the whole of the file at `path`, which is there.
+/// Replaces the content of the existing file at `path` by `bytes`.
 std::error_code fill_file(const std::string& path, std::string_view bytes);
 
-/// Waits until the disk has what was written to the file at `path`. Some file systems find out only then that
-/// there is no room.
+/// Waits until everything written to the file at `path` is on the disk. Some file systems only then notice
+/// that the disk is full.
 std::error_code flush_file(const std::string& path);
 
-/// Where the links at `path` lead to in the end, be there a file or not; `path` itself when it is no link.
-/// A link to what a process has open, as /dev/stdout is, is not followed. Empty when the links lead round in
-/// a circle or cannot be followed; `failure` then says why.
+/// The final target of the links at `path`, whether or not it exists; `path` itself if it is not a link.
+/// Links to the open files of a process, such as /dev/stdout, are not followed. Empty if the links form a
+/// circle or cannot be followed; `failure` then says why.
 std::string link_target(const std::string& path, std::error_code& failure);
 
-/// Puts the file `from` in the place of `to`, if there is one, in one step and with its permissions.
+/// Renames `from` to `to` in one step, replacing an existing file and taking over its permissions.
 std::error_code replace_file(const std::string& from, const std::string& to);
 
-/// What the standard library's streams and file functions open under that name.
+/// The path under which the standard library's streams and file functions open that name.
 std::filesystem::path native_path(const std::string& path);
 
 #if defined(_WIN32)
-/// The text for an error of the system, in the words that other systems have for it where they have any.
+/// The text for an error of Windows, in the words of other systems if they have the same error.
 std::string system_reason(unsigned long error);
 #endif
 
-/// The path as the standard library cuts and joins it, and back. On Windows a text that is not UTF-8 has no
-/// path: the result is empty.
+/// Converts between a name and the standard library's path. On Windows, text that is not UTF-8 gives an empty
+/// path.
 std::filesystem::path path_of(const std::string& text);
 std::string text_of(const std::filesystem::path& path);
 

@@ -36,7 +36,8 @@ std::error_code last_error() {
     return {errno, std::generic_category()};
 }
 
-/// A descriptor that is closed with its scope. Opening one never waits and never makes a terminal ours.
+/// A descriptor that its scope closes. Opening one never waits and never makes a terminal the controlling
+/// one.
 class Descriptor {
   public:
     Descriptor(const std::string& path, int flags) {
@@ -54,7 +55,7 @@ class Descriptor {
     [[nodiscard]] bool is_open() const { return descriptor_ >= 0; }
     [[nodiscard]] int get() const { return descriptor_; }
     int release() { return std::exchange(descriptor_, -1); }
-    /// Some file systems tell here what they could not write.
+    /// Some file systems report failed writes only here.
     bool close() { return ::close(release()) == 0; }
 
   private:
@@ -67,7 +68,7 @@ std::error_code opened(const std::string& path, int flags) {
     return file.is_open() && file.close() ? std::error_code() : last_error();
 }
 
-/// Writes to the disk, where there is a disk.
+/// Flushes to the disk; true also for files that cannot be flushed.
 bool flushed(int descriptor) {
     return ::fsync(descriptor) == 0 || errno == EINVAL || errno == ENOTSUP;
 }
@@ -119,7 +120,7 @@ std::error_code may_write(const std::string& path) {
 
 std::FILE* open_device(const std::string& path, std::error_code& failure) {
     Descriptor file(path, O_WRONLY);
-    // From here on writing may wait for a reader, who is there.
+    // A reader exists, so from here on writing may wait for it.
     const int flags = file.is_open() ? ::fcntl(file.get(), F_GETFL) : -1;
     std::FILE* stream = flags >= 0 && ::fcntl(file.get(), F_SETFL, flags & ~O_NONBLOCK) == 0
                             ? ::fdopen(file.get(), "wb")
@@ -157,7 +158,7 @@ std::string link_target(const std::string& path, std::error_code& failure) {
     fs::path target = path;
     for (int links = 0; links <= kMostLinks; ++links) {
         if (!fs::is_symlink(fs::symlink_status(target, failure))) {
-            failure.clear();  // nothing there is no failure here
+            failure.clear();  // a missing target is no failure
             return target.string();
         }
         const fs::path parent = target.parent_path();

@@ -119,7 +119,7 @@ std::error_code may_write(const std::string& path) {
 }
 
 std::FILE* open_device(const std::string& path, std::error_code& failure) {
-    // A pipe without a reader cannot be opened here: nothing waits.
+    // A pipe without a reader cannot be opened on Windows, so nothing waits.
     errno = 0;
     std::FILE* stream = _wfopen(wide_path(path).c_str(), L"wb");
     if (stream == nullptr) {
@@ -158,13 +158,13 @@ std::error_code flush_file(const std::string& path) {
 }
 
 std::string link_target(const std::string& path, std::error_code& failure) {
-    // What a link leads to is opened with the link, and replaced with it.
+    // Opening or replacing a link affects its target.
     failure.clear();
     return path;
 }
 
 std::error_code replace_file(const std::string& from, const std::string& to) {
-    // The file keeps the permissions that it was made with: those of its folder.
+    // The file keeps the permissions that it was created with: those of its folder.
     const DWORD how = MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH;
     return MoveFileExW(wide_path(from).c_str(), wide_path(to).c_str(), how) != 0 ? std::error_code()
                                                                                  : last_error();

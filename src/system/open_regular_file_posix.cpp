@@ -7,9 +7,9 @@
 namespace os {
 
 std::FILE* open_regular_file(const char* path) {
-    // Two looks: the first keeps the open itself from touching a pipe (its writer would wake up) or a device
-    // (a tape would rewind); the second, on the open descriptor, holds even when the path was replaced in
-    // between. Opening without blocking means that such a replacement cannot hang the host.
+    // Two checks: the first keeps the open itself from touching a pipe (its writer would wake up) or a device
+    // (a tape would rewind); the second, on the open descriptor, holds even if the path was replaced in
+    // between. The open does not block, so that such a replacement cannot hang the host.
     struct stat about {};
     if (::stat(path, &about) != 0 || !S_ISREG(about.st_mode)) {
         return nullptr;
@@ -30,7 +30,7 @@ std::FILE* open_regular_file(const char* path) {
 
 std::string name_of_open_file([[maybe_unused]] std::FILE* file, const char* path) {
 #if defined(__linux__)
-    // Other systems have such names, too, which give one position in the file to everybody.
+    // Other systems have such names too, but share one file position among all who open them.
     std::string name = "/proc/self/fd/" + std::to_string(::fileno(file));
     if (::access(name.c_str(), R_OK) == 0) {
         return name;

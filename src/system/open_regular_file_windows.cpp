@@ -13,14 +13,14 @@ namespace os {
 namespace {
 
 std::FILE* open_wide(const std::wstring& path) {
-    // Two looks, as on other systems: the first keeps the open itself from touching a pipe or a device, the
-    // second is about what was opened.
+    // Two checks, as on other systems: the first keeps the open itself from touching a pipe or a device, the
+    // second examines what was opened.
     const DWORD about = GetFileAttributesW(path.c_str());
     constexpr DWORD kNoFile = FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE;
     if (about == INVALID_FILE_ATTRIBUTES || (about & kNoFile) != 0) {
         return nullptr;
     }
-    // Shared in every way: reading a file keeps nobody from writing, renaming or deleting it.
+    // Shared in every way, so that others may write, rename or delete the file while it is read.
     const HANDLE handle =
         CreateFileW(path.c_str(), GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE,
                     nullptr, OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr);
@@ -39,13 +39,12 @@ std::FILE* open_wide(const std::wstring& path) {
     }
     std::FILE* file = _fdopen(descriptor, "rb");
     if (file == nullptr) {
-        _close(descriptor);  // the handle with it
+        _close(descriptor);  // closes the handle too
     }
     return file;
 }
 
-/// `path` as the system opens it; empty when it has no such form or memory is short, in which case it does
-/// not open.
+/// `path` as Windows opens it; empty if it has no such form or memory is short, so that opening it fails.
 std::wstring wide_or_empty(const char* path) {
     try {
         return wide_path(path);

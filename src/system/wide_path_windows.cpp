@@ -15,7 +15,7 @@ bool is_separator(wchar_t c) {
     return kSeparators.find(c) != std::wstring_view::npos;
 }
 
-/// The system's full form of a short path like "\" or "C:.": the current folder of a drive.
+/// The absolute form of a short path such as "\" or "C:.", the current folder of a drive.
 std::wstring full_form(const std::wstring& path) {
     const DWORD size = GetFullPathNameW(path.c_str(), 0, nullptr, nullptr);
     if (size == 0) {
@@ -30,14 +30,14 @@ std::wstring full_form(const std::wstring& path) {
     return full;
 }
 
-/// A path cut into what it hangs on and the names below that.
+/// A path split into its root and the names below it.
 struct Anchored {
     std::wstring root;        // ends with a separator: "\\?\C:\", "\\?\UNC\server\share\"
     std::wstring_view names;  // all that follows
 };
 
-/// Cuts the server and its shared folder, which ".." does not leave, off a path that begins with two
-/// separators.
+/// Splits a path that begins with two separators after the server and its shared folder, which ".." does not
+/// leave.
 Anchored on_server(std::wstring_view path) {
     std::wstring root(kPrefix);
     root += L"UNC\\";
@@ -65,7 +65,7 @@ Anchored anchored(std::wstring_view path) {
     return {};
 }
 
-/// The names one by one, behind `root`: without empty ones, ".", and what ".." takes back.
+/// `root` and the names below it, without empty names and with "." and ".." resolved.
 std::wstring resolved(const std::wstring& root, std::wstring_view names) {
     std::vector<std::wstring_view> kept;
     while (!names.empty()) {
@@ -130,7 +130,7 @@ std::wstring wide_path(std::string_view path) {
     Anchored parts = anchored(text);
     std::wstring folder;
     if (parts.root.empty()) {
-        // Below the current folder, below that of a drive, or at the root of the current drive.
+        // Relative to the current folder, to that of a drive, or to the root of the current drive.
         const bool drive = begins_with_drive(text);
         const bool rooted = is_separator(text[0]);
         folder = full_form(drive ? given.substr(0, 2) + L"." : (rooted ? L"\\" : L"."));
@@ -141,7 +141,7 @@ std::wstring wide_path(std::string_view path) {
         }
     }
     std::wstring full = resolved(parts.root, parts.names);
-    // What ends with a separator names a folder, and stays so.
+    // A path that ends with a separator names a folder and keeps the separator.
     if (is_separator(text.back()) && full.back() != L'\\') {
         full += L'\\';
     }

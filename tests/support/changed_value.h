@@ -4,11 +4,11 @@
 #include <type_traits>
 #include <utility>
 
-/// Takes a change back. Tests of what is said about broken values break them in place and mend them again,
-/// so that their owners can delete them.
+/// Undoes a change. Tests of invariants break values in place and restore them, so that the owners can delete
+/// them.
 using Undo = std::function<void()>;
 
-/// Gives `at` the value `value` and returns what gives it the old one back.
+/// Sets `at` to `value` and returns a function that restores the old value.
 template <class T>
 [[nodiscard]] Undo changed(T& at, std::type_identity_t<T> value) {
     return [&at, before = std::exchange(at, value)] { at = before; };

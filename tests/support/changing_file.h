@@ -16,10 +16,10 @@
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
 
-/// Rewrites the file `name` of a folder for as long as it lives: whole, cut short, another, longer, gone, a
-/// folder, a pipe without a writer, a link onto itself. Most changes wait for nobody; but now and then the
-/// file rests whole, cut short and gone, each time until somebody has read it so: who calls `was_read` after
-/// each reading until `has_rested` has met all three, on however slow a machine.
+/// Rewrites the file `name` of a folder during its lifetime: whole, cut short, different, longer, gone, a
+/// folder, a pipe without a writer, a link to itself. Most changes wait for nothing, but regularly the file
+/// stays whole, cut short and gone, each time until a reading has seen it so. A test that calls `was_read`
+/// after each reading until `has_rested` therefore meets all three, however slow the machine is.
 class ChangingFile {
   public:
     ChangingFile(const TemporaryFolder& folder, std::string name, std::string whole, std::string other)
@@ -29,13 +29,13 @@ class ChangingFile {
           other_(std::move(other)),
           changes_([this](const std::stop_token& stop) { change(stop); }) {}
 
-    /// Whether the file was read whole, cut short and gone.
+    /// Whether readings have seen the file whole, cut short and gone.
     [[nodiscard]] bool has_rested() {
         const std::scoped_lock lock(mutex_);
         return has_rested_;
     }
 
-    /// A reading of the file has ended.
+    /// Call it when a reading of the file has ended.
     void was_read() {
         {
             const std::scoped_lock lock(mutex_);
@@ -48,10 +48,10 @@ class ChangingFile {
     static constexpr std::chrono::milliseconds kPause{3};
     static constexpr int kRoundsPerRest = 8;
 
-    /// Returns when a reading has ended that began after the call.
+    /// Returns when a reading that began after the call has ended.
     void rest(const std::stop_token& stop) {
         std::unique_lock lock(mutex_);
-        const int next_but_one = readings_ + 2;  // the next one may have begun already
+        const int next_but_one = readings_ + 2;  // the next one may have already begun
         reading_ended_.wait(lock, stop, [&] { return readings_ >= next_but_one; });
     }
 
@@ -81,14 +81,14 @@ class ChangingFile {
             std::filesystem::resize_file(path, other_.size() + 100);
             std::filesystem::remove(path);
             folder_.write(name_, whole_);
-            std::this_thread::sleep_for(kPause);  // or it would hardly ever be read as it is
+            std::this_thread::sleep_for(kPause);  // otherwise the whole file would hardly ever be read
             std::filesystem::resize_file(path, 0);
             std::filesystem::remove(path);
             std::filesystem::create_directory(path);
             std::filesystem::remove(path);
             folder_.write(name_, other_);
             make_pipe(aside);
-            std::filesystem::rename(aside, path);  // in one step, between any look and the next
+            std::filesystem::rename(aside, path);  // in one step, between two checks of a reader
             std::filesystem::remove(path);
             make_link(path, path);
             std::filesystem::remove(path);
@@ -103,11 +103,12 @@ class ChangingFile {
     std::condition_variable_any reading_ended_;
     int readings_ = 0;
     bool has_rested_ = false;
-    std::jthread changes_;  // last: it uses the others
+    std::jthread changes_;  // last, because it uses the others
 };
 
-/// Calls `reads`, which says whether something came of it, again and again with the path of a file that
-/// changes: at least `runs` times, and until the file has rested. Both outcomes must have come then.
+/// Calls `reads`, which returns whether reading succeeded, repeatedly with the path of a changing file: at
+/// least `runs` times, and until readings have seen the file whole, cut short and gone. Expects both outcomes
+/// by then.
 inline void expect_both_outcomes(const std::string& name, const std::string& whole, int runs,
                                  const std::function<bool(const std::string&)>& reads) {
     SCOPED_TRACE(name);

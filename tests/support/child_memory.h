@@ -12,18 +12,18 @@
 #include <stdexcept>
 #include <string>
 
-/// What a piece of work took in a process of its own.
+/// The memory and time that work took in a process of its own.
 struct ChildMemory {
-    bool ended_well = false;       ///< came to its end, and the work returned true
-    std::int64_t peak_bytes = 0;   ///< the most resident memory of the process
-    std::int64_t start_bytes = 0;  ///< of it, what was resident before the work began
-    double seconds = 0;            ///< of its processor time
+    bool ended_well = false;       ///< the process ended normally, and the work returned true
+    std::int64_t peak_bytes = 0;   ///< the peak resident memory of the process
+    std::int64_t start_bytes = 0;  ///< the resident memory before the work began
+    double seconds = 0;            ///< processor time
 
     [[nodiscard]] std::int64_t above_start_bytes() const { return peak_bytes - start_bytes; }
 };
 
-/// A number of /proc/self/status, "VmRSS" or "VmHWM", in bytes. The kernel keeps the latter for one address
-/// space; what getrusage tells of a child is at least what its parent had when it was started.
+/// A number of /proc/self/status, "VmRSS" or "VmHWM", in bytes. The kernel keeps the latter for each address
+/// space, while getrusage reports for a child at least what its parent had when it was started.
 inline std::int64_t own_memory_bytes(const std::string& name) {
     std::ifstream status("/proc/self/status");
     for (std::string line; std::getline(status, line);) {
@@ -35,11 +35,11 @@ inline std::int64_t own_memory_bytes(const std::string& name) {
     throw std::runtime_error("/proc/self/status has no " + name);
 }
 
-/// Runs `work`, which returns whether it went as it must, in a process of its own, and ends that process
-/// without anything that a normal exit does. The caller has one thread.
+/// Runs `work`, which returns whether it succeeded, in a process of its own that ends without the actions of
+/// a normal exit. The caller must have a single thread.
 template <typename Work>
 ChildMemory memory_of(const Work& work) {
-    // Memory that was freed would serve the child without being seen.
+    // The child would reuse freed memory, which the measurement would miss.
     ::malloc_trim(0);
     std::array<int, 2> ends{};
     if (::pipe(ends.data()) != 0) {

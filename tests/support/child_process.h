@@ -13,15 +13,15 @@
 #include "support/file_content.h"
 #include "support/temporary_folder.h"
 
-/// What a program did. A program that a signal ended has the exit code -1.
+/// What a program did. The exit code of a program that a signal ended is -1.
 struct ProcessResult {
     int exit_code = 0;
     std::string out;
     std::string err;
 };
 
-/// Runs a program to its end, with nothing on its standard input. `arguments` begin with the program, which
-/// is looked up in PATH; `environment` is added to the test's own.
+/// Runs a program with an empty standard input and waits for it. `arguments` begin with the program, which is
+/// looked up in PATH; `environment` is added to the test's own.
 inline ProcessResult run_process(const std::vector<std::string>& arguments,
                                  const std::vector<std::pair<std::string, std::string>>& environment = {}) {
     const TemporaryFolder folder;

@@ -4,7 +4,8 @@
 #include <unistd.h>
 #endif
 
-/// Ends the program, by the alarm's signal, when a test waits for somebody who does not come.
+/// Ends the program by the alarm's signal when a test hangs. Not a measure of speed: the time is far beyond
+/// what a test takes on a busy machine.
 class Deadline {
   public:
 #if !defined(_WIN32)
@@ -15,7 +16,7 @@ class Deadline {
     ~Deadline() {
         ::alarm(0);
     }
-#else  // which has neither: ctest has a limit of its own
+#else  // without alarm; ctest has a limit of its own
     Deadline() {}
     ~Deadline() {}
 #endif

@@ -6,7 +6,7 @@
 #include <stdexcept>
 #include <string>
 
-/// All bytes of a file, which must be there.
+/// All bytes of a file. Throws if it cannot be read.
 inline std::string content_of(const std::filesystem::path& path) {
     std::ifstream file(path, std::ios::binary);
     if (!file.is_open()) {

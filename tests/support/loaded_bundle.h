@@ -8,14 +8,14 @@
 #include "embedded/testing.h"
 #include "support/tested_host.h"
 
-/// The bundle that the build made, in a host of its own, with every call that it makes. Only its exported
-/// entry point is used; VXR_BUNDLE_PATH comes from the build. Whatever else `options` say, the host is of the
-/// generation that the test program is run for.
+/// The built bundle in a host of its own, which logs every call. Uses the bundle's exported entry point only;
+/// VXR_BUNDLE_PATH comes from the build. The host has the generation that the test program runs for, whatever
+/// `options` say.
 class LoadedBundle {
   public:
     explicit LoadedBundle(embedded::HostOptions options = {})
         : LoadedBundle(std::move(options), tested_generation()) {}
-    /// For tests of their own that look at both.
+    /// For tests that choose the generation themselves.
     LoadedBundle(embedded::HostOptions options, embedded::HostGeneration generation)
         : host_(of_generation(std::move(options), generation)) {
         host_.log_calls([this](std::string_view line) { calls_.emplace_back(line); });
@@ -25,7 +25,7 @@ class LoadedBundle {
     [[nodiscard]] embedded::TestHost& host() { return host_; }
     [[nodiscard]] const embedded::LoadResult& loaded() const { return loaded_; }
 
-    /// The lines of the call log so far, or since they were taken last.
+    /// The lines of the call log since the last time they were taken.
     std::vector<std::string> take_calls() { return std::exchange(calls_, {}); }
 
     [[nodiscard]] std::vector<std::string> message_texts() const {

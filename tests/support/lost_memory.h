@@ -1,6 +1,6 @@
 #pragma once
 
-// For tests in which a host does not let the bundle reach memory that it would give back.
+// For tests in which a host's failure keeps the bundle from reaching memory that it would free.
 
 #if defined(__has_feature)
 #if __has_feature(address_sanitizer)
@@ -14,7 +14,7 @@
 #include <sanitizer/lsan_interface.h>
 #endif
 
-/// What is allocated while `expected` is true and an object of this class lives is no leak to the sanitizer.
+/// If `expected`, the sanitizer ignores leaks of memory that is allocated during the lifetime of this object.
 class LostMemory {
   public:
     explicit LostMemory([[maybe_unused]] bool expected) {

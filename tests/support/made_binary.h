@@ -5,10 +5,10 @@
 #include <string_view>
 #include <vector>
 
-// Plug-in files as small as their containers allow, written in code. Each record says what is in a file; a
-// test changes one member. Nothing here is shared with the readers.
+// Plug-in files as small as their containers allow, made in code. A record describes a file; a test changes
+// one member. No code is shared with the readers.
 
-/// Numbers one behind the other, in one byte order.
+/// Writes numbers one after the other, in one byte order.
 class ByteWriter {
   public:
     explicit ByteWriter(bool big_endian = false) : big_endian_(big_endian) {}
@@ -18,7 +18,7 @@ class ByteWriter {
     ByteWriter& u16(std::uint64_t value) { return number(value, 2); }
     ByteWriter& u32(std::uint64_t value) { return number(value, 4); }
     ByteWriter& u64(std::uint64_t value) { return number(value, 8); }
-    /// The bytes alone, or with a NUL behind them.
+    /// `raw` writes the bytes alone, `text` a NUL after them.
     ByteWriter& raw(std::string_view bytes);
     ByteWriter& text(std::string_view bytes);
     /// NUL bytes up to `offset`.
@@ -34,10 +34,10 @@ class ByteWriter {
 
 struct MadeProperty {
     std::string key = {};   ///< in reading order
-    std::string data = {};  ///< as stored; its length is not mended
+    std::string data = {};  ///< as stored; its length is not corrected
 };
 
-/// The data of a text with its length before it, of one with a NUL behind it, padded to whole words.
+/// The data of a text with a length before it and of one with a NUL after it, padded to whole words.
 std::string counted_data(std::string_view text);
 std::string terminated_data(std::string_view text);
 
@@ -46,11 +46,11 @@ struct MadePropertyList {
     std::uint16_t first_word = 1;  ///< Windows only
     std::uint32_t version = 0;
     std::string vendor = "8BIM";
-    std::vector<MadeProperty> properties = {};  ///< none: those of a plug-in that hosts list
+    std::vector<MadeProperty> properties = {};  ///< if empty, those of a plug-in that hosts list
     std::uint32_t more = 0;                     ///< added to the count
 };
 std::string made_property_list(MadePropertyList list = {});
-/// Those of a plug-in that hosts list, with the keys of the code as given.
+/// The properties of a plug-in that hosts list.
 std::vector<MadeProperty> usual_properties(bool windows);
 
 struct MadeElf {

@@ -7,8 +7,8 @@
 
 #include "texture/value/texture.h"
 
-/// A texture of seeded noise with stretches of one value, so that its rows are partly packed and partly raw.
-/// Alphas are named as they read back from a file.
+/// A texture of seeded noise and runs of one value, so that some of its rows are packed and some are raw.
+/// Alpha channels have the names with which they are read back from a file.
 inline Texture made_texture(std::int32_t width_px, std::int32_t height_px, std::int32_t mode, int alphas,
                             unsigned seed = 1) {
     std::mt19937 random(seed);

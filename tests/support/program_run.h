@@ -6,7 +6,7 @@
 
 #include "cli/program.h"
 
-/// What the command line did and wrote, without colours and without anybody watching.
+/// What the command line did and wrote, without colours and not on a terminal.
 struct Ran {
     cli::ExitCode code;
     std::string out;

@@ -6,8 +6,8 @@
 
 #include "support/temporary_folder.h"
 
-/// A folder with a composition file and its footage. Whatever folder the paths in the file name, the importer
-/// finds footage that stands beside it.
+/// A folder with a composition file and its footage. The importer finds footage beside the file, whatever
+/// folder the paths in the file name.
 class SceneFolder {
   public:
     /// Writes "shot.aec" and returns its path.

@@ -10,8 +10,8 @@
 #include <stdexcept>
 #include <string>
 
-/// A library loaded the platform's way with every symbol resolved, and unloaded at the end. Throws when that
-/// cannot be done.
+/// A library loaded by the platform with every symbol resolved, and unloaded by the destructor. Throws if it
+/// does not load.
 class SharedLibrary {
   public:
     explicit SharedLibrary(const std::string& path) {
@@ -37,7 +37,7 @@ class SharedLibrary {
     SharedLibrary(const SharedLibrary&) = delete;
     SharedLibrary& operator=(const SharedLibrary&) = delete;
 
-    /// An exported function; null when there is none of that name.
+    /// An exported function; null if the library does not export it.
     template <typename Function>
     [[nodiscard]] Function function(const char* name) const {
 #if defined(_WIN32)

@@ -6,15 +6,15 @@
 #include <cstddef>
 #include <functional>
 
-/// What a host's thread is sure to have left. A sanitizer puts room between the variables of a function, and
-/// compiles without optimising: there a call takes several times as much.
+/// The stack that a host's thread has at least left. Sanitizers pad variables, and their builds are not
+/// optimised, so a call needs several times as much there.
 #if defined(VXR_SANITIZED)
 constexpr std::size_t kSmallStack_bytes = std::size_t{4} << 20;
 #else
 constexpr std::size_t kSmallStack_bytes = std::size_t{512} << 10;
 #endif
 
-/// Runs `work` on a thread with no more stack than that.
+/// Runs `work` on a thread with that much stack.
 inline void run_on_small_stack(const std::function<void()>& work) {
     pthread_attr_t attributes;
     ASSERT_EQ(pthread_attr_init(&attributes), 0);

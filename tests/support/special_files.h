@@ -8,8 +8,7 @@
 #include <sys/stat.h>
 #endif
 
-/// Makes a pipe with a name of its own in a folder. Windows has no such files: there the name stays free, and
-/// what is said of the pipe is said of a missing file.
+/// Makes a named pipe. Windows has no such files: the name stays free there, so tests see a missing file.
 inline void make_pipe(const std::string& path) {
 #if !defined(_WIN32)
     constexpr mode_t kOwnFile = 0600;
@@ -21,8 +20,8 @@ inline void make_pipe(const std::string& path) {
 #endif
 }
 
-/// Makes a link. Only administrators may make links on Windows:
-/// there the name stays free as well, which says the same of links that lead to no file.
+/// Makes a symbolic link. Only administrators may do so on Windows: the name stays free there, so tests see a
+/// missing file.
 inline void make_link(const std::string& target, const std::string& path) {
 #if !defined(_WIN32)
     std::filesystem::create_symlink(target, path);

@@ -13,11 +13,11 @@
 #include <string>
 #include <string_view>
 
-/// A folder of its own for one test, deleted with everything in it when the object goes.
+/// A folder for one test, which the destructor deletes with everything in it.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
-        // A name that is taken is tried again under another: several test programs run at a time.
+        // Several test programs run at a time, so a name may be taken.
         std::random_device random;
         const std::filesystem::path place = std::filesystem::temp_directory_path();
         constexpr int kAttempts = 100;
@@ -33,8 +33,8 @@ class TemporaryFolder {
     ~TemporaryFolder() {
         std::error_code ignored;
 #if defined(_WIN32)
-        // Behind the prefix: without it a name with a blank or a full stop at its end is never found again,
-        // and the library tries for ever.
+        // Without the prefix, a name that ends with a blank or a full stop is never found again, and the
+        // library tries for ever.
         std::filesystem::remove_all(LR"(\\?\)" + folder_.native(), ignored);
 #else
         std::filesystem::remove_all(folder_, ignored);
@@ -43,7 +43,7 @@ class TemporaryFolder {
     TemporaryFolder(const TemporaryFolder&) = delete;
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
-    /// Full path of `name` in this folder; nothing is made.
+    /// The full path of `name` in this folder. Creates nothing.
     [[nodiscard]] std::string path(std::string_view name) const {
 #if defined(_WIN32)
         const std::u8string folder = folder_.u8string();
@@ -57,7 +57,7 @@ class TemporaryFolder {
         return folder_;
     }
 
-    /// Makes the folder `name` in this one, with all that leads to it; separated by '/'.
+    /// Makes the folder `name` in this one and the folders that lead to it, separated by '/'.
     void make_folder(std::string_view name) const {
 #if defined(_WIN32)
         for (std::size_t end = 0; end < name.size(); ++end) {
@@ -71,7 +71,7 @@ class TemporaryFolder {
 #endif
     }
 
-    /// Writes `bytes` to `name`, replacing what was there, and returns its full path.
+    /// Writes `bytes` to `name`, replacing an existing file, and returns the full path.
     std::string write(std::string_view name, std::string_view bytes) const {
         std::string full = path(name);
         std::ofstream out(full_path(name), std::ios::binary | std::ios::trunc);

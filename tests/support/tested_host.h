@@ -7,13 +7,13 @@
 
 #include "embedded/host_options.h"
 
-/// The generation of hosts that the running test program is for. The build runs every end-to-end test program
-/// once for each, naming it in VXR_TESTED_HOST; run by hand without it, a program tests today's.
+/// The generation of hosts that the test program runs for. The build runs every end-to-end test program once
+/// for each and names it in VXR_TESTED_HOST; a program that is run by hand without it tests current hosts.
 inline embedded::HostGeneration tested_generation() {
     const char* named = std::getenv("VXR_TESTED_HOST");
     const auto kind = embedded::parse_host(named == nullptr ? "today" : named);
     if (!kind) {
-        throw std::runtime_error("VXR_TESTED_HOST is no kind of host: " + std::string(named));
+        throw std::runtime_error("VXR_TESTED_HOST names no kind of host: " + std::string(named));
     }
     return kind->generation;
 }
@@ -32,9 +32,8 @@ inline embedded::SuiteName offered_suite(const std::string& name) {
     throw std::runtime_error("no suite " + name);
 }
 
-/// What the user reads when a callback had to do without a suite that the tested host did not give. A classic
-/// host gets the exception and shows nothing; for today's the bridge keeps the exception in and reports the
-/// suite.
+/// What the user reads when a callback lacks a suite that the tested host withholds. A classic host gets the
+/// exception and shows nothing; for a current host the bridge stops the exception and reports the suite.
 inline std::vector<std::string> missing_suite_messages(const std::string& name) {
     if (!tests_today()) {
         return {};
