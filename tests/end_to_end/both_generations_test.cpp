@@ -1,4 +1,4 @@
-// The same files in a host of each generation: the same project comes of them, by the same calls.
+// Imports the same files into a host of each generation: both get the same project by the same calls.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ namespace {
 
 using embedded::HostGeneration;
 
-/// What is left of a bundle's life in one host.
+/// The result of running a bundle in one host.
 struct Life {
     std::string project;
     std::string conformance;
@@ -46,7 +46,7 @@ void expect_the_same_of(const embedded::HostOptions& options, const Use& use) {
     EXPECT_EQ(classic.messages, today.messages);
     EXPECT_TRUE(today.clean) << today.conformance;
     EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(today.calls)), "");
-    // The translation is what makes them the same, and changes nothing that is classic already.
+    // The conversion makes the logs equal, and changes nothing in a classic log.
     EXPECT_NE(first_difference(classic.calls, today.calls), "");
     EXPECT_EQ(first_difference(classic.calls, in_classic_spelling(classic.calls)), "");
 }
@@ -56,7 +56,7 @@ void import_scene(embedded::Host& host, const std::string& path) {
     EXPECT_EQ(host.import_file(path).code, 0);
 }
 
-TEST(BothGenerations, MakeTheSameOfTheExamples) {
+TEST(BothGenerations, ImportTheExamplesAlike) {
     std::size_t scenes = 0;
     for (const auto& entry : std::filesystem::recursive_directory_iterator(VXR_EXAMPLES_DIR)) {
         if (entry.path().extension() != ".aec") {
@@ -69,7 +69,7 @@ TEST(BothGenerations, MakeTheSameOfTheExamples) {
     EXPECT_GE(scenes, 3U);
 }
 
-TEST(BothGenerations, MakeTheSameOfEveryKindOfEntryAndPreference) {
+TEST(BothGenerations, ImportEveryKindOfEntryAndPreferenceAlike) {
     for (const char* name : {"minimal", "everything", "interlaced", "numbers", "older_host"}) {
         SCOPED_TRACE(name);
         const std::string scene = std::string(VXR_END_TO_END_DIR) + "/scenes/" + name + ".aec";
@@ -82,7 +82,7 @@ TEST(BothGenerations, MakeTheSameOfEveryKindOfEntryAndPreference) {
     }
 }
 
-TEST(BothGenerations, MakeTheSameOfTexturesOnTheirOwnAndInAScene) {
+TEST(BothGenerations, ReadTexturesAlikeAloneAndInAScene) {
     const SceneFolder folder;
     const std::string path = folder.files().path("\U0001F3AC \u00E9toffe.txl");
     ASSERT_FALSE(write_texture(path, make_texture(31, 17, Texture::kRgb, 2)).has_value());

@@ -1,6 +1,6 @@
-// Every host call of an import failing in turn: each with one code, the first, the second and the last of
-// every function with two more. What must follow is a table: one entry a call, in the order in which the
-// scene makes them.
+// Every host call of an import fails in turn: each with one code, and the first, the second and the last of
+// every function with two more. A table holds the expected consequences, one entry for each call in the order
+// of the scene.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,20 +23,20 @@ using embedded::RuleViolation;
 using testing::ElementsAreArray;
 
 enum class Then {
-    ends_import,     // the code is the result; each composition that is being built says so, then the driver
-    ends_interpret,  // the same after a message of the interpretation's own
-    ends_objects,    // result 0 without a message; what is built stays, no further object is
-    ends_zoom_keys,  // the camera keeps the keys that it has, nobody hears of it, the next object follows
-    ends_flat_null,  // looked at by nobody, but a null that is not 3D has no X and Y rotation
-    ends_guard,      // the preference is left alone, the import goes on
-    goes_on,         // looked at by nobody
+    ends_import,     // the code is the result; each composition being built reports it, then the driver
+    ends_interpret,  // as ends_import, after a message about the interpretation
+    ends_objects,    // result 0 without a message; built objects stay, no more are built
+    ends_zoom_keys,  // the camera keeps its keys so far; no message; the next object follows
+    ends_flat_null,  // ignored, but a null that is not 3D has no X and Y rotation
+    ends_guard,      // the preference stays unchanged, the import goes on
+    goes_on,         // ignored
 };
 
-/// What follows the failure of one call.
+/// The consequence of the failure of one call.
 struct Call {
     Then then = Then::goes_on;
-    int compositions = 0;  // that are being built around the call; each reports
-    int left_open = 0;     // things that a host finds open afterwards
+    int compositions = 0;  // being built around the call; each reports
+    int left_open = 0;     // number of things that the host finds open afterwards
 };
 
 using Calls = std::vector<Call>;
@@ -78,7 +78,7 @@ Calls joined(Calls first, const More&... more) {
 struct Function {
     const char* name;
     Calls calls;
-    std::optional<RuleViolation> leaves;  // what the things that are left open are
+    std::optional<RuleViolation> leaves;  // the kind of things left open
 };
 
 // Footage is made in the order plate (in Outer), inner and missing (in Inner), missing0001 (in Outer), card
@@ -90,7 +90,7 @@ const std::vector<Function>& functions() {
         {"AEGP_GetApplicationBlob", {{Then::ends_guard}}, {}},
         {"AEGP_DoesKeyExist", {{Then::ends_guard}}, {}},
         {"AEGP_GetData", {{Then::ends_guard}}, {}},
-        // Changing, and putting back.
+        // To change it, and to restore it.
         {"AEGP_SetData", {{Then::ends_guard}, {Then::goes_on}}, {}},
         {"AEGP_StartUndoGroup", ends_import({0}), {}},
         {"AEGP_EndUndoGroup", {{Then::goes_on, 0, 1}}, RuleViolation::undo_group_unbalanced},
@@ -133,7 +133,7 @@ const std::vector<Function>& functions() {
          {}},
         // The scale; zoom; colour, intensity, shadows.
         {"AEGP_SetStreamValue", joined(ends_import({0}), ends_objects({0, 0, 0, 0})), {}},
-        // Of the scale's stream nobody looks at the result. The stream that could not be disposed of is left.
+        // The result for the scale's stream is ignored. The stream that could not be disposed of stays open.
         {"AEGP_DisposeStream",
          joined({{Then::goes_on, 0, 1}}, repeated({Then::ends_objects, 0, 1}, 3 + 1 + 3 + 4 + 4)),
          RuleViolation::stream_not_disposed},
@@ -154,7 +154,7 @@ const std::vector<Function>& functions() {
     return table;
 }
 
-// Not called by an import in which all goes well, or tested in files of their own: load_failures_test.cpp,
+// Functions that a successful import does not call, or that have tests of their own: load_failures_test.cpp,
 // missing_suites_test.cpp, texture_failures_test.cpp.
 const std::set<std::string>& tested_elsewhere() {
     static const std::set<std::string> names = {
@@ -170,7 +170,7 @@ const std::set<std::string>& tested_elsewhere() {
         "AEGP_FreeMemHandle",
         "AEGP_LockMemHandle",
         "AEGP_UnlockMemHandle",
-        "AEGP_GetInSpecFilePath",  // no callback of the bundle asks for these two
+        "AEGP_GetInSpecFilePath",  // no callback of the bundle calls these two
         "AEGP_GetInSpecSize",
         "AEGP_GetInSpecOptionsHandle",
         "AEGP_SetInSpecOptionsHandle",
@@ -208,7 +208,8 @@ std::vector<std::string> expected_messages(const Call& call) {
     return messages;
 }
 
-// What a failing import may still call: it gives back what it holds, puts right what it changed and reports.
+// Calls that a failing import may still make: it releases what it holds, restores what it changed, and
+// reports.
 std::set<std::string> allowed_afterwards(Then then) {
     std::set<std::string> allowed = {"AEGP_DisposeStream", "AEGP_EndUndoGroup", "AEGP_SetData",
                                      "ReleaseSuite"};
@@ -219,7 +220,7 @@ std::set<std::string> allowed_afterwards(Then then) {
 }
 
 void expect_calls_afterwards(const ImportRun& run, const Call& call, const std::string& function, int nth) {
-    // Up to the failure nothing is different, so what was built until then is what a clean import builds.
+    // Up to the failure nothing differs, so the import has built the same as a clean import up to there.
     EXPECT_EQ(first_difference(clean_run().calls_until(function, nth), run.calls_until(function, nth)), "");
     const std::vector<std::string> after = run.calls_after(function, nth);
     switch (call.then) {
@@ -238,7 +239,7 @@ void expect_calls_afterwards(const ImportRun& run, const Call& call, const std::
             break;
         }
         case Then::ends_zoom_keys: {
-            // The additions go by their handle, the first argument.
+            // The first argument, the handle, identifies the additions.
             const std::string failed = run.calls_until(function, nth).back();
             const std::size_t open = failed.find('(');
             const std::string additions = failed.substr(open, failed.find(',') - open + 1);
@@ -273,7 +274,7 @@ void expect_put_right(const ImportRun& run, const Call& call, const std::string&
         EXPECT_TRUE(run.project.undo_steps[0].closed);
     }
 
-    // The message comes when everything has been put right.
+    // The message comes after everything has been restored.
     const auto is = [](const char* name) {
         return [name](const std::string& made) { return function_of(made) == name; };
     };
@@ -298,7 +299,7 @@ class FailingCall : public testing::TestWithParam<std::size_t> {};
 
 TEST_P(FailingCall, HasTheConsequenceOfItsPlace) {
     const Function& function = functions()[GetParam()];
-    // The table knows every call, so the last one is the last one.
+    // The table holds every call, so its last entry is the last call.
     ASSERT_TRUE(clean_run().call_counts.contains(function.name));
     ASSERT_EQ(clean_run().call_counts.at(function.name), static_cast<std::int64_t>(function.calls.size()));
     const int last = static_cast<int>(function.calls.size());
@@ -346,7 +347,7 @@ TEST(FailingCalls, ACleanRunIsClean) {
     EXPECT_EQ(run.project.layers.size(), 6U + 1U + 3U);
 }
 
-// A message that the host does not show changes nothing else, whichever of them it is.
+// A message that the host cannot show changes nothing else, whichever message it is.
 TEST(FailingCalls, MessagesThatFailAreIgnored) {
     constexpr int kReports = 4;  // three compositions and the driver
     for (int nth = 1; nth <= kReports; ++nth) {
@@ -363,8 +364,8 @@ TEST(FailingCalls, MessagesThatFailAreIgnored) {
     }
 }
 
-// Two things go wrong: the first error is the result, and what cannot be put right is left.
-TEST(FailingCalls, AnErrorOfPuttingRightDoesNotHideTheFirst) {
+// Two calls fail: the first error is the result, and what cannot be restored stays as it is.
+TEST(FailingCalls, AnErrorWhileRestoringDoesNotHideTheFirst) {
     embedded::HostOptions options;
     options.faults = {{"AEGP_AddLayer", 1, 4}, {"AEGP_EndUndoGroup", 1, 1}, {"AEGP_SetData", 2, 13}};
     const ImportRun run = scene().run(options);

@@ -1,5 +1,5 @@
-// What the bundle asks of a host, call by call. The expected calls were written by hand from the rules of the
-// formats and of the host's interface; none was recorded.
+// The bundle's calls into a host. The expected calls are written by hand from the rules of the formats and of
+// the host's interface; none is recorded.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -33,7 +33,7 @@ struct Scene {
     const char* name;  // scenes/<name>.aec and expected/<name>.calls
     embedded::InterfaceVersion version;
     std::optional<std::uint8_t> alpha_preference;
-    std::size_t footage_in_folder;  // files that the scene finds
+    std::size_t footage_in_folder;  // number of files that the scene finds
 };
 
 const Scene kScenes[] = {
@@ -83,7 +83,7 @@ TEST(CallLogOfTheEntryPoint, RegistersTheImporterAndThenTheModule) {
     EXPECT_EQ(first_difference(read_expected_calls(data_path("expected/load.calls")), made), "");
 }
 
-TEST(CallLogOfTheEntryPoint, IsTheSameInEveryVersionOfTheHost) {
+TEST(CallLogOfTheEntryPoint, IsTheSameInEveryHostVersion) {
     for (const embedded::InterfaceVersion version :
          {embedded::InterfaceVersion{9, 0}, {9, 31}, {9, 32}, {10, 0}, {12, 0}, {13, 0}, {25, 3}}) {
         embedded::HostOptions options;
@@ -105,7 +105,7 @@ TEST(CallLogOfTheDeathHook, IsEmpty) {
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-TEST(CallNotation, TellsApartWhatDiffersInOneCall) {
+TEST(CallNotation, TellsDifferentCallsApart) {
     const std::vector<std::string> expected = {"a()", "b(1)", "c()"};
     EXPECT_EQ(first_difference(expected, expected), "");
     EXPECT_NE(first_difference(expected, {"a()", "b(2)", "c()"}), "");

@@ -16,7 +16,7 @@ using Json = nlohmann::ordered_json;
 constexpr std::string_view kSetInterpretation = "AEGP_SetFootageInterpretation";
 constexpr std::string_view kGetInterpretation = "AEGP_GetFootageInterpretation";
 
-// The shortest decimal that reads back to the same bits, always with a point, an exponent or a word.
+// The shortest decimal that reads back as the same bits, always with a point, an exponent or a word.
 std::string number_text(double value) {
     std::array<char, 32> buffer{};
     const auto [end, error] = std::to_chars(buffer.data(), buffer.data() + buffer.size(), value);
@@ -36,7 +36,7 @@ bool is_handle(const std::string& text) {
     return std::regex_match(text, pattern);
 }
 
-/// What today's hosts offer in another version, as classic hosts have it.
+/// The suites that current hosts offer in another version than classic ones.
 struct TwoVersions {
     const char* suite;
     int classic;
@@ -57,13 +57,13 @@ int classic_version(const std::string& suite, int version) {
         if (suite != newer.suite) {
             continue;
         }
-        // Today's hosts are asked for the classic version only when they do not have their own.
+        // The bridge asks a current host for the classic version only if the host lacks the current one.
         return version == newer.today ? newer.classic : version;
     }
     return version;
 }
 
-/// A call of a today's host as a classic host would have seen it.
+/// A call into a current host as a classic host would have logged it.
 Json in_classic_spelling(Json call) {
     call["version"] = classic_version(call.at("suite"), call.at("version"));
     const std::string function = call.at("function");
@@ -120,7 +120,7 @@ class Notation {
             return content;
         }
         if (!folder_.empty() && content.starts_with(folder_)) {
-            // The expectations are written with one separator for all systems.
+            // Expected files use the same separator for all systems.
             std::string below = content.substr(folder_.size());
             std::replace(below.begin(), below.end(), '\\', '/');
             return "\"<folder>" + below + "\"";
@@ -210,7 +210,7 @@ class Notation {
     }
 
     std::string folder_;
-    Members given_;  // what the host gave as the interpretation that is being edited
+    Members given_;  // the interpretation that the host returned and the importer edits
 };
 
 }  // namespace

@@ -1,6 +1,5 @@
-// Footage and textures that vanish, shrink or become something else between the look whether they are there
-// and the reading, and things that are no files in their places. Nobody waits for them, what is built is
-// built, and the host finds nothing left open.
+// Footage and textures that vanish, shrink or become something else between the check for their existence and
+// the reading. The bundle never waits for them, builds what it can, and leaves nothing open in the host.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,7 +22,7 @@ namespace {
 namespace fs = std::filesystem;
 using embedded::Passage;
 
-/// What becomes of a file.
+/// A change of a file.
 struct Change {
     const char* name;
     void (*apply)(const std::string& path);
@@ -38,7 +37,7 @@ void shrink(const std::string& path) {
 void empty(const std::string& path) {
     fs::resize_file(path, 0);
 }
-void grow(const std::string& path) {  // by bytes that mean nothing
+void grow(const std::string& path) {  // by meaningless bytes
     fs::resize_file(path, fs::file_size(path) + 100);
 }
 void become_folder(const std::string& path) {
@@ -74,7 +73,7 @@ constexpr Change kChanges[] = {
     {"becomes a link to nothing", become_link_to_nothing},
 };
 
-/// Changes a file at the `nth` passage of a kind, and never again.
+/// Changes a file at the first passage of a kind, and never again.
 class ChangeAt {
   public:
     ChangeAt(embedded::TestHost& host, Passage passage, std::string what, std::function<void()> change)
@@ -102,7 +101,7 @@ void expect_sound(LoadedBundle& bundle) {
     EXPECT_EQ(bundle.host().validate().value_or(""), "");
     bundle.host().unload();
     for (const diagnostic::Diagnostic& problem : bundle.host().conformance().violations()) {
-        // The memory handle of a texture that is refused is deliberately kept.
+        // The bundle deliberately keeps the memory handle of a refused texture.
         EXPECT_TRUE(problem.code == embedded::RuleViolation::memory_left_alive &&
                     problem.within.front() == "AEIO_InitInSpecFromFile")
             << bundle.host().conformance().to_text();
@@ -119,7 +118,7 @@ std::string scene_with(const std::string& entries) {
     return kSettings + ("COMPOSITION NRM \"Main\" {\n" + entries + "} ");
 }
 
-/// Footage as scenes have it: an image, one that the bundle itself looks into, a sequence, a texture.
+/// The kinds of footage in scenes: an image, one that the bundle itself reads, a sequence, a texture.
 struct Footage {
     const char* name;
     const char* file;
@@ -140,8 +139,8 @@ void make_footage(const SceneFolder& folder) {
     ASSERT_FALSE(write_texture(folder.files().path("cloth.txl"), make_texture(8, 8, Texture::kRgb, 1)));
 }
 
-/// Imports the scene while `footage` changes at `passage`. What the host cannot read ends the import with the
-/// host's code, which the importer hands on; what the bundle itself finds missing becomes a placeholder.
+/// Imports the scene while `footage` changes at `passage`. A file that the host cannot read ends the import
+/// with the host's code; one that the bundle finds missing becomes a placeholder.
 void import_while(const Footage& footage, const Change& change, Passage passage, const char* what) {
     const SceneFolder folder;
     make_footage(folder);
@@ -160,18 +159,18 @@ void import_while(const Footage& footage, const Change& change, Passage passage,
     if (result.code == 0) {
         EXPECT_EQ(project.footage.size(), 1U);
     } else {
-        EXPECT_FALSE(bundle.message_texts().empty()) << "a failure is told";
+        EXPECT_FALSE(bundle.message_texts().empty()) << "a failure is reported";
     }
-    become_circle(path);  // so that the end of a texture meets it as well
+    become_circle(path);  // so that disposing of a texture meets it too
     expect_sound(bundle);
 }
 
-TEST(ChangingFiles, FootageBeforeAndAfterTheLookWhetherItIsThere) {
+TEST(ChangingFiles, FootageBeforeAndAfterTheCheckForIt) {
     const Deadline deadline;
     for (const Footage& footage : kFootage) {
         for (const Change& change : kChanges) {
             SCOPED_TRACE(std::string(footage.name) + " " + change.name);
-            // The folder is made before the bundle looks; the footage after it has.
+            // The bundle creates the folder before it checks for the file, and the footage afterwards.
             import_while(footage, change, Passage::call_ends, "AEGP_CreateNewFolder");
             import_while(footage, change, Passage::call_begins, "AEGP_NewFootage");
             import_while(footage, change, Passage::call_ends, "AEGP_NewFootage");
@@ -200,7 +199,7 @@ TEST(ChangingFiles, AMissingFileBecomesAPlaceholder) {
     }
 }
 
-TEST(ChangingFiles, TheSceneBetweenTheLookAndTheReading) {
+TEST(ChangingFiles, TheSceneBetweenVerifyingAndReading) {
     const Deadline deadline;
     for (const Change& change : kChanges) {
         SCOPED_TRACE(change.name);
@@ -225,7 +224,7 @@ TEST(ChangingFiles, ATextureBetweenTheCallbacks) {
         const std::string path = folder.path("cloth.txl");
         const Texture texture = make_texture(8, 8, Texture::kRgb, 1);
         ASSERT_FALSE(write_texture(path, texture));
-        // Between verifying and reading: it is refused.
+        // A change between verifying and reading: the module refuses the file.
         {
             LoadedBundle bundle;
             embedded::OpenResult opened;
@@ -239,7 +238,7 @@ TEST(ChangingFiles, ATextureBetweenTheCallbacks) {
             EXPECT_EQ(opened.callback.code, kHostErrorParameter);
             expect_sound(bundle);
         }
-        // After reading: what is drawn is what was read.
+        // A change after reading: the module draws what it has read.
         become_circle(path);
         fs::remove(path);
         ASSERT_FALSE(write_texture(path, texture));

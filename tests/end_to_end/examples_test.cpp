@@ -1,4 +1,4 @@
-// The examples, imported by the bundle as they are in the repository.
+// The bundle imports the examples of the repository.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -97,8 +97,7 @@ TEST(Examples, Square) {
                   "folder \"Special Passes\"\n"
                   "  sequence objectbuffer0001.tif 640x360 1-8 at 24.0 alpha 1" +
                   still + "  file grey_card.jpg 640x360 alpha 0" + still);
-    // New layers go on top: what stands first in the file is at the bottom, and objects were added newest
-    // first.
+    // New layers go on top: the first entry of the file is at the bottom. Objects are added newest first.
     EXPECT_EQ(layers_text(project, "Courtyard 020"),
               "camera \"Camera\" keys 3 at 1@24 for 8@24\n"
               "light \"Sun\" type 0 keys 1 at 1@24 for 8@24\n"
@@ -169,7 +168,7 @@ TEST(Examples, Interlaced) {
               "light \"Lantern\" type 2 keys 3 at 17@25 for 8@25\n"
               "light \"Moon\" type 0 keys 1 at 17@25 for 8@25\n"
               "null \"Pivot\" keys 3 at 17@25 for 8@25\n");
-    // Stretched by the aspect of the file, which in single precision is a little below 1.0667.
+    // Scaled by the aspect of the file, which is slightly less than 1.0667 in single precision.
     const embedded::Layer& stretched = project.layer(project.composition(1).layers.front());
     const embedded::Stream& scale = stretched.streams.at(kLayerStreamScale);
     EXPECT_EQ(scale.value[0], 100.0);

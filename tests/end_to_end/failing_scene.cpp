@@ -9,8 +9,8 @@
 
 namespace {
 
-// Three levels of compositions with footage that is there and footage that is not, both outside compositions
-// too, and one object of each kind; the pixels are not square, so that Camera+Light is made.
+// Three levels of compositions with existing and missing footage, both also outside of compositions, and one
+// object of each kind. The pixels are not square, so that Camera+Light is created.
 constexpr std::string_view kScene = R"(VORTAN XR COMPOSITION
 RESOLUTION 64 48
 FROM 1
@@ -104,7 +104,7 @@ ImportRun FailingScene::run(embedded::HostOptions options) const {
 }
 
 std::string FailingScene::loading_message() {
-    // Lines are counted from 1, and the read that finds the end counts the line end before it once more.
+    // Lines count from 1, and the read that finds the end of the file counts the last line end again.
     const auto line = 1 + std::count(kScene.begin(), kScene.end(), '\n') + 1;
     return "There was an error loading the file in line " + std::to_string(line) + ".";
 }

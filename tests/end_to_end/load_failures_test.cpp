@@ -40,7 +40,7 @@ TEST_P(RefusedRegistration, IsReportedOnceAndEndsLoading) {
         EXPECT_THAT(bundle.host().modules(), IsEmpty());
         EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 
-        // Nothing is registered after the failure, and what comes before it is registered once.
+        // Nothing is registered after the failure, and everything before it is registered once.
         bool failed = false;
         for (const Registration& registration : kRegistrations) {
             const auto counts = bundle.host().call_counts();
@@ -51,7 +51,7 @@ TEST_P(RefusedRegistration, IsReportedOnceAndEndsLoading) {
     }
 }
 
-TEST_P(RefusedRegistration, WithoutTheSuiteForReportsIsTheException) {
+TEST_P(RefusedRegistration, ThrowsWithoutTheSuiteForReports) {
     embedded::HostOptions options;
     options.faults = {{GetParam().function, 1, 4}};
     options.suites_not_offered = {{"AEGP Utility Suite", 7}};
@@ -61,7 +61,7 @@ TEST_P(RefusedRegistration, WithoutTheSuiteForReportsIsTheException) {
     EXPECT_THAT(bundle.message_texts(), IsEmpty());
 }
 
-TEST_P(RefusedRegistration, IsTheResultAlsoWhenItCannotBeReported) {
+TEST_P(RefusedRegistration, IsTheResultEvenIfItCannotBeReported) {
     embedded::HostOptions options;
     options.faults = {{GetParam().function, 1, 4}, {"AEGP_ReportInfo", 1, 1}};
     LoadedBundle bundle(options);
@@ -72,7 +72,7 @@ TEST_P(RefusedRegistration, IsTheResultAlsoWhenItCannotBeReported) {
 INSTANTIATE_TEST_SUITE_P(Each, RefusedRegistration, testing::ValuesIn(kRegistrations),
                          [](const auto& registration) { return std::string(registration.param.function); });
 
-// A host may be tried again: after a failed load the same process loads the bundle.
+// After a failed load, the same process can load the bundle again.
 TEST(RefusedRegistrations, DoNotSpoilTheNextLoad) {
     {
         embedded::HostOptions options;

@@ -1,5 +1,5 @@
-// Hosts that do not have a suite, or say that they have it and hand out nothing; and every single acquiring
-// and giving back of a suite failing in turn. Classic hosts get the exception; today's the error and a
+// Hosts that lack a suite, or report success and yield none; and every single acquisition and release of a
+// suite failing in turn. Classic hosts get the exception; current hosts get the error, and the user gets a
 // message.
 
 #include <gmock/gmock.h>
@@ -23,24 +23,24 @@ enum class Without {
     cannot_load,       // the exception leaves the entry point
     changes_nothing,   // the exception leaves the import before the project is touched
     leaves_undo_step,  // the exception leaves the import while it builds
-    refuses_loudly,    // the result is the host's code, and the user is told
+    refuses_loudly,    // the result is the host's code, and a message is shown
     refuses_silently,  // result 0, nothing is built
-    imports,           // an import has no need of it
+    imports,           // an import does not need it
 };
 
 struct Suite {
     const char* name;
     Without when_missing;
     Without when_empty;
-    int left_open;  // additions of keys that nobody ended when the exception passed
+    int left_open;  // additions of keys that were not ended when the exception passed
 };
 
-// Whatever an import acquires is acquired when it is used first.
+// An import acquires a suite when it first uses it.
 const Suite kSuites[] = {
     {"AEGP Register Suite", Without::cannot_load, Without::cannot_load, 0},
     {"AEGP File Import Manager Suite", Without::cannot_load, Without::cannot_load, 0},
     {"AEGP Persistent Data Suite", Without::changes_nothing, Without::changes_nothing, 0},
-    // Acquired to open the undo group, after the preference was changed.
+    // Acquired to open the undo group, after the preference has been changed.
     {"AEGP Utility Suite", Without::changes_nothing, Without::changes_nothing, 0},
     // Only its presence is tested, and not through the handler.
     {"PF AE Adv App Suite", Without::refuses_loudly, Without::refuses_silently, 0},
@@ -51,7 +51,7 @@ const Suite kSuites[] = {
     {"AEGP Layer Suite", Without::leaves_undo_step, Without::leaves_undo_step, 0},
     {"AEGP Stream Suite", Without::leaves_undo_step, Without::leaves_undo_step, 0},
     {"AEGP Keyframe Suite", Without::leaves_undo_step, Without::leaves_undo_step, 0},
-    // First used for the camera's point of interest, when its three tracks have been started.
+    // First used for the camera's point of interest, after its three tracks have been started.
     {"PF ANSI Suite", Without::leaves_undo_step, Without::leaves_undo_step, 3},
     {"AEGP Light Suite", Without::leaves_undo_step, Without::leaves_undo_step, 0},
     {"AEGP Memory Suite", Without::imports, Without::imports, 0},
@@ -79,7 +79,7 @@ void expect_untouched(const ImportRun& run) {
 
 constexpr const char* kReporting = "AEGP Utility Suite";
 
-// `others`: what the host finds beside an exception.
+// `others`: violations that the host finds besides an exception.
 void expect_exception(const ImportRun& run, const embedded::CallbackResult& callback, std::size_t others,
                       const std::vector<std::string>& messages) {
     const std::size_t exceptions = tests_today() ? 0 : 1;
@@ -91,7 +91,7 @@ void expect_exception(const ImportRun& run, const embedded::CallbackResult& call
     EXPECT_EQ(run.conformance.violations().size(), exceptions + others) << run.conformance.to_text();
 }
 
-// What follows the last acquiring that yielded nothing.
+// The calls after the last acquisition without a suite.
 std::vector<std::string> calls_after_the_missing_suite(const ImportRun& run) {
     const auto yields_nothing = [](const std::string& call) {
         return function_of(call) == "AcquireSuite" && (call.ends_with("!13") || call.ends_with("-> null"));
@@ -119,7 +119,7 @@ void expect(const ImportRun& run, Without without, const Suite& suite) {
             expect_exception(run, run.import, static_cast<std::size_t>(suite.left_open), messages);
             ASSERT_EQ(run.project.undo_steps.size(), 1U);
             EXPECT_TRUE(run.project.undo_steps[0].closed);
-            // Nothing after the failed acquiring but what puts things right, and the report.
+            // After the failed acquisition, only what restores things, and the report.
             for (const std::string& call : calls_after_the_missing_suite(run)) {
                 if (tests_today() && (function_of(call) == "AEGP_ReportInfo" ||
                                       call == "AcquireSuite(\"AEGP Utility Suite\", 7)")) {
@@ -194,11 +194,10 @@ std::string suite_named_in(const std::string& call) {
     return call.substr(begin, call.find('"', begin) - begin);
 }
 
-// Acquiring fails for a reason of the moment: whatever the code, it is the exception, but for the presence
-// test.
-TEST(EveryAcquiring, FailingInTurn) {
+// Acquisition fails once: whatever the code, the exception follows, except in the presence test.
+TEST(EveryAcquisition, FailingInTurn) {
     const std::vector<std::string> acquired = calls_of(clean_run(), "AcquireSuite");
-    ASSERT_EQ(acquired.size(), 2U + 12U);  // Register, File Import Manager; what an import uses
+    ASSERT_EQ(acquired.size(), 2U + 12U);  // Register and File Import Manager; those that an import uses
     for (std::size_t i = 0; i < acquired.size(); ++i) {
         for (const A_Err code : {1, 4, 13}) {
             SCOPED_TRACE(acquired[i] + " with code " + std::to_string(code));
@@ -213,8 +212,7 @@ TEST(EveryAcquiring, FailingInTurn) {
                 expect_untouched(run);
             } else {
                 const bool needs_tracks = acquired[i].find("PF ANSI Suite") != std::string::npos;
-                // The next acquiring does not fail, so that the suite for reports is there for its own
-                // report.
+                // The next acquisition succeeds, so that the suite for reports can report its own failure.
                 expect_exception(run, i < 2 ? run.entry : run.import, needs_tracks ? 3 : 0,
                                  missing_suite_messages(suite_named_in(acquired[i])));
             }
@@ -222,11 +220,12 @@ TEST(EveryAcquiring, FailingInTurn) {
     }
 }
 
-// A suite that the host does not take back stays acquired, and that is all; giving back the one that is only
-// tested for presence ends the import.
-TEST(EveryGivingBack, FailingInTurn) {
+// A suite whose release fails stays acquired, without other consequences; but a failed release of the suite
+// that is only tested for presence ends the import.
+TEST(EveryRelease, FailingInTurn) {
     const std::vector<std::string> given_back = calls_of(clean_run(), "ReleaseSuite");
-    ASSERT_EQ(given_back.size(), 1U + 11U);  // what the clean run acquired, without the two that are kept
+    ASSERT_EQ(given_back.size(),
+              1U + 11U);  // those that the clean run acquires, without the two that are kept
     for (std::size_t i = 0; i < given_back.size(); ++i) {
         for (const A_Err code : {1, 4, 13}) {
             SCOPED_TRACE(given_back[i] + " with code " + std::to_string(code));
@@ -250,12 +249,12 @@ TEST(EveryGivingBack, FailingInTurn) {
     }
 }
 
-// What reports a failed composition acquires the utility suite anew; without it, what a missing suite causes
-// takes the place of the message.
-TEST(EveryAcquiring, OfTheSuiteForAReport) {
+// The report of a failed composition acquires the Utility suite again; without it, the consequence of a
+// missing suite replaces the message.
+TEST(EveryAcquisition, OfTheSuiteForAReport) {
     embedded::HostOptions options;
-    // Acquired until Outer's folder is made: two by the entry point, then Persistent Data, Adv App, Utility,
-    // Proj, Item.
+    // Acquired before Outer's folder is created: two by the entry point, then Persistent Data, Adv App,
+    // Utility, Proj, Item.
     options.faults = {{"AEGP_CreateNewFolder", 1, 4}, {"AcquireSuite", 8, 1}};
     const ImportRun run = scene().run(options);
     expect_exception(run, run.import, 0, missing_suite_messages(kReporting));

@@ -1,5 +1,5 @@
-// What the bundle registers with AEGP_RegisterIO, byte for byte, and its callbacks called through the
-// registered block: 46 of a classic host, 49 of today's.
+// The record that the bundle registers with AEGP_RegisterIO, byte for byte, and its callbacks, called through
+// the registered block: 46 in a classic host, 49 in a current one.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ const embedded::Module& registered(LoadedBundle& bundle) {
     return bundle.host().modules()[0];
 }
 
-// The record as the host's documents lay it out, written down by offsets and not by members.
+// The record as the host's documentation lays it out, written by offsets and not by members.
 class InfoBytes {
   public:
     void number(std::size_t offset, std::uint32_t value, std::size_t width) {
@@ -76,7 +76,7 @@ TEST(ModuleInfo, IsTheExpectedRecord) {
     static_assert((1 << 0 | 1 << 2 | 1 << 3 | 1 << 6 | 1 << 16 | 1 << 25) == 33620045);
 }
 
-TEST(ModuleInfo, IsWhatTheHostListsAndLooksUp) {
+TEST(ModuleInfo, IsListedAndFoundByTheHost) {
     LoadedBundle bundle;
     const embedded::Module& module = registered(bundle);
     EXPECT_EQ(module.name(), "Texalon 3D");
@@ -88,7 +88,7 @@ TEST(ModuleInfo, IsWhatTheHostListsAndLooksUp) {
     EXPECT_EQ(bundle.host().module_for("a.txl/cloth"), nullptr);
 }
 
-TEST(ModuleFunctions, AreAllThereAndAllDifferent) {
+TEST(ModuleFunctions, AreAllPresentAndAllDifferent) {
     LoadedBundle bundle;
     std::set<void*> different;
     registered(bundle).with_functions([&](const auto& functions) -> A_Err {
@@ -101,12 +101,12 @@ TEST(ModuleFunctions, AreAllThereAndAllDifferent) {
     EXPECT_EQ(different.size(), tests_today() ? 49U : 46U);
 }
 
-// Room behind every pointer that a callback is given, all of it filled with a known byte.
+// Memory for every pointer argument of a callback, filled with a known byte.
 class Rooms {
   public:
     Rooms() { memory_.fill(kKnown); }
 
-    /// For pointers and handles the next room, for numbers 1.
+    /// The next room for pointers and handles, 1 for numbers.
     template <typename Parameter>
     Parameter next() {
         if constexpr (std::is_pointer_v<Parameter>) {
@@ -161,7 +161,7 @@ struct Callback {
         }, code \
     }
 
-// Those of the 35 that do nothing but answer to which no path goes.
+// Those of the 35 functions without an effect that take no path.
 const Callback kFixed[] = {
     VXR_CALLBACK(GetDimensions, 9992),
     VXR_CALLBACK(GetDuration, 9992),
@@ -199,7 +199,7 @@ const Callback kFixed[] = {
 };
 static_assert(std::size(kFixed) == 33);
 
-TEST(ModuleFunctions, ThatOnlyAnswerTouchNothing) {
+TEST(ModuleFunctions, WithoutAnEffectTouchNothing) {
     LoadedBundle bundle;
     bundle.take_calls();
     for (const Callback& callback : kFixed) {
@@ -208,10 +208,10 @@ TEST(ModuleFunctions, ThatOnlyAnswerTouchNothing) {
             << callback.name;
         EXPECT_THAT(rooms.changed(), IsEmpty()) << callback.name;
     }
-    EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "none of them has business with the host";
+    EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "none of them calls the host";
 }
 
-TEST(ModuleFunctions, VerifyTakesEveryFile) {
+TEST(ModuleFunctions, VerifyAcceptsEveryFile) {
     LoadedBundle bundle;
     for (const char* path : {"/no/such/file.txl", "", "a.tif", "/dev/zero"}) {
         std::array<A_Boolean, 3> importable = {9, 0, 9};
@@ -236,8 +236,8 @@ TEST(ModuleFunctions, OutputFilesAreLeftToTheHost) {
               9992);
 }
 
-// The module says nothing about where its one file is. A classic host's buffer is left alone; today's get the
-// empty path in a memory handle that is theirs to free.
+// The module does not say where its one file is. A classic host's buffer does not change; a current host gets
+// an empty path in a memory handle, which it frees.
 A_Err expect_no_auxiliary_path(embedded::TestHost& host, const AEIO_FunctionBlock2& functions) {
     std::array<A_char, kClassicPathBytes> path{};
     path.fill('x');
@@ -270,7 +270,7 @@ TEST(ModuleFunctions, AuxiliaryFilesHaveNoPath) {
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-TEST(ModuleFunctions, ThatOnlyTodaysHostsHaveAreLeftToThem) {
+TEST(ModuleFunctions, OfCurrentHostsAloneRequestTheDefault) {
     LoadedBundle bundle;
     const auto* functions = std::get_if<AEIO_FunctionBlock4>(&registered(bundle).functions);
     ASSERT_EQ(functions != nullptr, tests_today());
@@ -293,7 +293,7 @@ TEST(ModuleFunctions, InSpecInfoEmptiesTypeAndSubTypeOnly) {
         return call_with(rooms, bundle.host().basic_data(), functions.AEIO_GetInSpecInfo);
     }),
               0);
-    // The second room is the verbiage: type at 32, sub-type at 64.
+    // The second room holds the verbiage, with the type at 32 and the sub-type at 64.
     EXPECT_THAT(rooms.changed(), ElementsAre(1032, 1064));
     EXPECT_EQ(rooms.byte(1, 32), 0);
     EXPECT_EQ(rooms.byte(1, 64), 0);
@@ -312,7 +312,7 @@ TEST(ModuleFunctions, NumbersOfAuxiliaryFilesAndOfDepths) {
     EXPECT_THAT(depths, ElementsAre(-5, 0x80, -5));
 }
 
-TEST(ModuleFunctions, DialogsSpeakThroughTheHostsMessageFunction) {
+TEST(ModuleFunctions, DialogsUseTheHostsMessageFunction) {
     LoadedBundle bundle;
     Rooms rooms;
     registered(bundle).with_functions([&](const auto& functions) -> A_Err {
@@ -332,7 +332,7 @@ TEST(ModuleFunctions, DialogsSpeakThroughTheHostsMessageFunction) {
 TEST(ModuleFunctions, DisposeOfOutputOptionsDeletesThem) {
     LoadedBundle bundle;
     registered(bundle).with_functions([&](const auto& functions) -> A_Err {
-        // The sanitizer's leak checker sees whether it was given back, and with the delete of its new.
+        // The sanitizer sees whether the memory is freed, and by the delete that belongs to its new.
         EXPECT_EQ(functions.AEIO_DisposeOutputOptions(bundle.host().basic_data(), ::operator new(100)), 0);
         EXPECT_EQ(functions.AEIO_DisposeOutputOptions(bundle.host().basic_data(), nullptr), 0);
         return kHostErrorNone;
@@ -380,8 +380,8 @@ TEST(ModuleFunctions, OutputInfoNamesTheFileAndTheModule) {
     }
 }
 
-// A classic host does not give such a path at all; of today's the bridge gets it, and says why it goes no
-// further.
+// A classic host does not yield such a path. A current host does, and the bridge reports why it cannot pass
+// it on.
 TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
     LoadedBundle bundle;
     AEIO_Verbiage verbiage;
@@ -403,7 +403,7 @@ TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-TEST(ModuleFunctions, OutputInfoOfAHostThatDoesNotKnowThePath) {
+TEST(ModuleFunctions, OutputInfoIfTheHostDoesNotKnowThePath) {
     for (const A_Err code : {1, 4, 13}) {
         embedded::HostOptions options;
         options.faults = {{"AEGP_GetOutSpecFilePath", 1, code}};

@@ -1,7 +1,7 @@
-// The numbers of a camera, a light and a null, to the last bit and with the signs of their zeros. The table
-// is printed by scene_numbers.py, which computes them from the text of the scene without the importer: single
-// precision rounded from exact decimals, sines and tangents summed in exact fractions, every operation
-// between them in the order in which the formulas are written.
+// The numbers of a camera, a light and a null, exact to the last bit and the signs of zeros. scene_numbers.py
+// prints the table. It computes the numbers from the text of the scene without the importer: single precision
+// is rounded from exact decimals, sines and tangents are summed in exact fractions, and the operations follow
+// the order of the formulas.
 
 #include <gtest/gtest.h>
 
@@ -27,12 +27,12 @@ constexpr const char* kCamera = "Camera";
 constexpr const char* kLight = "Light";
 constexpr const char* kNull = "Null";
 
-constexpr int kNoKey = -1;  // the stream's own value
+constexpr int kNoKey = -1;  // the stream's static value
 
 struct Number {
     const char* layer;
     AEGP_LayerStream stream;
-    int frame;  // of the key, from FROM on
+    int frame;  // of the key, counted from FROM
     embedded::StreamComponents components;
 };
 
@@ -121,7 +121,7 @@ TEST(Numbers, ReachTheHostToTheLastBit) {
                 << bits(number.components[i]);
         }
     }
-    // Nothing was keyed beyond the table.
+    // There are no keys beyond the table.
     for (const embedded::Layer& layer : project.layers) {
         for (const auto& [kind, stream] : layer.streams) {
             EXPECT_EQ(stream.keyframes.size(), (keys_checked[{layer.name, kind}]))
@@ -130,7 +130,7 @@ TEST(Numbers, ReachTheHostToTheLastBit) {
     }
 }
 
-TEST(Numbers, ZoomBeforeTheFirstKeyIsThatOfTheFirstKey) {
+TEST(Numbers, ZoomBeforeTheFirstKeyEqualsThatOfTheFirstKey) {
     const TemporaryFolder folder;
     const std::string path = folder.path("numbers.aec");
     std::filesystem::copy_file(VXR_END_TO_END_DIR "/scenes/numbers.aec", path);

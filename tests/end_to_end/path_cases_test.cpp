@@ -1,4 +1,4 @@
-// Scenes, footage and textures under names of every kind, from the host to the file and back.
+// Scenes, footage and textures with names of every kind, from the host to the file and back.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -18,7 +18,7 @@ using testing::IsEmpty;
 
 struct PathCase {
     const char* name;
-    std::string folder;  ///< below a temporary one
+    std::string folder;  ///< below a temporary folder
     std::string stem;    ///< of every file in it
 };
 
@@ -41,13 +41,13 @@ const PathCase kPathCases[] = {
     {"three_hundred_japanese_characters_deep", repeated(repeated("\u5834", 59) + "/", 5), "\u5834"},
     {"three_hundred_emoji_deep", repeated(repeated("\U0001F3AC", 59) + "/", 5), "\U0001F3AC"},
     {"spaces", "  two before, two after  ", " a  b "},
-#if defined(_WIN32)  // where no name holds double quotes
+#if defined(_WIN32)  // where no name may contain double quotes
     {"quotes", "'the' 'hero' `pot`", "it's 'here'"},
 #else
     {"quotes", "\"the\" 'hero' `pot`", "it's \"here\""},
 #endif
     {"a_trailing_dot", "takes.", "shot."},
-#if !defined(_WIN32)  // where a folder of nothing but full stops is never emptied again
+#if !defined(_WIN32)  // where a folder named by full stops only can never be emptied
     {"dots_only_before", "...", "..shot"},
 #endif
     {"no_letters", "100%", "#1 & (2) [3] {4} ~$!;=+,@^"},
@@ -66,7 +66,7 @@ class Paths : public testing::TestWithParam<PathCase> {
         return files_.write(name(ending), bytes);
     }
 
-    /// A Targa picture of one pixel.
+    /// A Targa image of one pixel.
     static std::string picture() {
         std::string bytes(18 + 3, '\0');
         bytes[2] = 2;
@@ -155,12 +155,12 @@ TEST(PathCases, AreAsDeepAsTheySay) {
     }
 }
 
-// --- names that are no text: Linux takes any bytes, and today's hosts have no way to write them
+// --- names that are not UTF-8: Linux accepts any bytes, and current hosts cannot express them
 
 const char* const kLatin1 = "caf\xE9";
 
 #if !defined(_WIN32)  // where every name is Unicode
-TEST(NamesThatAreNoUtf8, AreForClassicHostsOnly) {
+TEST(NamesThatAreNotUtf8, AreForClassicHostsOnly) {
     const SceneFolder folder;
     const std::string scene = folder.files().write(std::string(kLatin1) + ".aec",
                                                    std::string(kSettings) + "COMPOSITION NRM \"Main\" { } ");
@@ -181,7 +181,7 @@ TEST(NamesThatAreNoUtf8, AreForClassicHostsOnly) {
         EXPECT_EQ(imported.code, kHostErrorParameter);
         EXPECT_EQ(opened.callback.code, kHostErrorParameter);
         EXPECT_EQ(opened.error, bundle.host().path_problem(texture));
-        EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "the bundle hears nothing of it";
+        EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "the bundle is not called";
         EXPECT_THAT(bundle.host().project().compositions, IsEmpty());
     } else {
         EXPECT_EQ(bundle.host().path_problem(scene), "");
@@ -195,7 +195,7 @@ TEST(NamesThatAreNoUtf8, AreForClassicHostsOnly) {
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-TEST(NamesThatAreNoUtf8, OfFootageEndTheImportInTodaysHostsAndSayWhy) {
+TEST(NamesThatAreNotUtf8, OfFootageEndTheImportInCurrentHostsWithAMessage) {
     const SceneFolder folder;
     const std::string picture = folder.image(std::string(kLatin1) + ".tga");
     const std::string scene = folder.scene(std::string(kSettings) + "COMPOSITION NRM \"Main\" {\n" +
@@ -224,8 +224,8 @@ TEST(NamesThatAreNoUtf8, OfFootageEndTheImportInTodaysHostsAndSayWhy) {
 }
 #endif
 
-// Missing footage is a placeholder with a name, and names stay narrow.
-TEST(NamesThatAreNoUtf8, OfMissingFootageArePlaceholdersEverywhere) {
+// Missing footage becomes a placeholder with a name, and names stay narrow.
+TEST(NamesThatAreNotUtf8, OfMissingFootageArePlaceholdersEverywhere) {
     const SceneFolder folder;
     LoadedBundle bundle;
     EXPECT_EQ(bundle.host()

@@ -1,5 +1,5 @@
-// The host preference about unlabelled alpha, which an import changes for its own length; and the quick test
-// that comes before an import.
+// The host preference for unlabelled alpha, which an import changes temporarily, and the quick test before an
+// import.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -43,8 +43,8 @@ TEST(AlphaPreference, IsTheSameAfterAnImport) {
     }
 }
 
-// What an import says to the host about the preference: 3 while it lasts, the byte that was there at its end.
-// A file that cannot be opened is refused before the host hears anything.
+// An import sets the preference to 3 and restores the old byte at its end. A file that cannot be opened is
+// refused before the host is called.
 TEST(AlphaPreference, IsChangedForEveryFileThatOpens) {
     const SceneFolder folder;
     const std::pair<std::string, std::int64_t> files[] = {
@@ -89,7 +89,7 @@ const FirstBytes kFirstBytes[] = {
     {"another kind of file", "II*\0and so on", false},
 };
 
-TEST(VerifyCallback, LooksAtNineBytes) {
+TEST(VerifyCallback, ComparesNineBytes) {
     const TemporaryFolder folder;
     LoadedBundle bundle;
     bundle.take_calls();
@@ -99,10 +99,10 @@ TEST(VerifyCallback, LooksAtNineBytes) {
         EXPECT_EQ(result.callback.code, 0) << first.name;
         EXPECT_FALSE(result.callback.missing_suite) << first.name;
     }
-    EXPECT_TRUE(bundle.take_calls().empty()) << "the quick test has no business with the host";
+    EXPECT_TRUE(bundle.take_calls().empty()) << "the quick test does not call the host";
 }
 
-TEST(VerifyCallback, TakesNothingThatIsNoFile) {
+TEST(VerifyCallback, RefusesEverythingButRegularFiles) {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.path("folder.aec"));
     make_pipe(folder.path("pipe.aec"));

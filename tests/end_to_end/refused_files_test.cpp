@@ -1,5 +1,5 @@
-// Files that are refused, and how near a file may come to being accepted. A refused file leaves the project
-// and the preference exactly as they were, says nothing, and keeps nobody waiting.
+// Files that are refused, including files that are almost acceptable. A refused file leaves the project and
+// the preference exactly as they were; no message is shown and nothing waits.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -88,25 +88,25 @@ TEST(RefusedFiles, LeaveEverythingAsItWas) {
     const SceneFolder folder;
     folder.image("a.tga");
     LoadedBundle bundle(with_preference());
-    // Into a project that holds something already.
+    // The project is not empty.
     ASSERT_EQ(bundle.host().import_file(folder.scene(scene("COMPOSITION NRM \"Before\" { } "))).code, 0);
     const std::string before = everything_in(bundle.host().project());
     for (const Refused& refused : kRefused) {
         SCOPED_TRACE(refused.name);
         bundle.take_calls();
         const auto result = bundle.host().import_file(folder.scene(refused.text));
-        EXPECT_EQ(result.code, 0) << "ignored in silence";
+        EXPECT_EQ(result.code, 0) << "ignored without a message";
         EXPECT_FALSE(result.missing_suite);
         EXPECT_EQ(everything_in(bundle.host().project()), before);
         EXPECT_THAT(bundle.message_texts(), IsEmpty());
     }
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
-    // The bundle goes on as before.
+    // The bundle still works.
     EXPECT_EQ(bundle.host().import_file(folder.scene(scene("COMPOSITION NRM \"After\" { } "))).code, 0);
     EXPECT_NE(bundle.host().project().find_item("After"), nullptr);
 }
 
-TEST(RefusedFiles, ThatCannotBeOpenedAreAnErrorOfTheirOwn) {
+TEST(RefusedFiles, ThatCannotBeOpenedHaveTheirOwnError) {
     const Deadline deadline;
     const TemporaryFolder folder;
     const std::string file = folder.write("a file", "VORTAN XR");
@@ -137,13 +137,13 @@ TEST(RefusedFiles, ThatCannotBeOpenedAreAnErrorOfTheirOwn) {
         EXPECT_EQ(bundle.host().import_file(path).code, 3);
         EXPECT_EQ(everything_in(bundle.host().project()), before);
         EXPECT_THAT(bundle.message_texts(), IsEmpty());
-        EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "refused before the host hears anything";
+        EXPECT_THAT(bundle.take_calls(), IsEmpty()) << "refused before the host is called";
     }
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-#if !defined(_WIN32)  // which has another kind of user and of permission
-/// A user who may not read everything, where the tests are run by one who may.
+#if !defined(_WIN32)  // which has other users and permissions
+/// Becomes a user who may not read everything if the tests run as one who may.
 class OrdinaryUser {
   public:
     OrdinaryUser() {
@@ -164,7 +164,7 @@ class OrdinaryUser {
     uid_t was_ = ::geteuid();
 };
 
-TEST(RefusedFiles, ThatMayNotBeReadAreAnErrorOfTheirOwn) {
+TEST(RefusedFiles, ThatMayNotBeReadHaveTheirOwnError) {
     const TemporaryFolder folder;
     const std::string path = folder.write("shot.aec", scene("COMPOSITION NRM \"A\" { } "));
     std::filesystem::permissions(folder.folder(), std::filesystem::perms(0755));
@@ -180,8 +180,8 @@ TEST(RefusedFiles, ThatMayNotBeReadAreAnErrorOfTheirOwn) {
 }
 #endif
 
-// Footage that is no regular file is missing footage.
-TEST(RefusedFiles, FootageThatIsNoFileBecomesAPlaceholder) {
+// Footage that is not a regular file counts as missing.
+TEST(RefusedFiles, FootageThatIsNotAFileBecomesAPlaceholder) {
     const Deadline deadline;
     const SceneFolder folder;
     std::filesystem::create_directory(folder.files().path("folder.tga"));
@@ -213,7 +213,7 @@ std::string nested(int levels) {
     return text;
 }
 
-// Read, built and deleted within the stack that a host's thread has left at least.
+// Reading, building and deleting need no more stack than a host's thread has at least left.
 TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithinASmallStack) {
     const Deadline deadline;
     const SceneFolder folder;
@@ -232,8 +232,8 @@ TEST(Nesting, OfMoreThan1024LevelsIsRefusedWithinASmallStack) {
     }
 }
 
-// One report for each of the levels that could not be finished, and the stack holds that too.
-TEST(Nesting, FailingInItsDepthReportsEveryLevel) {
+// There is one report for each level that could not be finished, and the stack suffices for that too.
+TEST(Nesting, AFailureAtTheDeepestLevelIsReportedByEveryLevel) {
     const Deadline deadline;
     const SceneFolder folder;
     const std::string path = folder.scene(nested(1024));
@@ -251,8 +251,8 @@ TEST(Nesting, FailingInItsDepthReportsEveryLevel) {
 
 // --- a file that ends where an entry ends, and just before
 
-// With what is complete at each of the marks: a file may end where an entry ends. A word that the end of the
-// file cuts off is as if it was not there.
+// built_from_first says what is complete at each mark: a file may end where an entry ends. A word that the
+// end of the file cuts off does not count.
 constexpr std::string_view kCutScene =
     "VORTAN XR COMPOSITION\n"
     "RESOLUTION 4 3 FROM 0 TO 1 RANGE 2 FPS 25\n"
@@ -286,11 +286,11 @@ Built built_from_first(std::size_t length) {
         return nothing;
     }
     if (length < length_through("NRM \"A\" {")) {
-        return root;
-    }  // a composition without a block
+        return root;  // a composition without a block
+    }
     if (length < length_through("NRM \"A\" {\n}")) {
-        return nothing;
-    }  // in the block
+        return nothing;  // in the block
+    }
     if (length < length_through("FILE ")) {
         return root;
     }
@@ -298,14 +298,14 @@ Built built_from_first(std::size_t length) {
         return nothing;
     }
     if (length < length_through("b.tga\"\n")) {
-        return {1, 1, 0, 0};
-    }  // footage without a readable path is kept, and missing
+        return {1, 1, 0, 0};  // footage without a readable path is kept, and missing
+    }
     if (length < length_through("NULL ")) {
         return {1, 0, 1, 0};
     }
     if (length < length_through("5 6\n}")) {
-        return nothing;
-    }  // in the object's block
+        return nothing;  // in the object's block
+    }
     return {1, 0, 1, 1};
 }
 

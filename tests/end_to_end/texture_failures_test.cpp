@@ -1,5 +1,5 @@
-// A texture being opened, drawn and disposed of while every call into the host fails in turn, and every suite
-// is missing in turn.
+// Opens, draws and disposes of a texture while each host call fails in turn and each suite is missing in
+// turn.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,7 +27,7 @@ constexpr const char* kDrawing = "There was an error drawing the frame.";
 
 enum class Callback { open, draw, dispose };
 
-/// What became of opening, drawing and disposing; a callback is not run when the one before it failed.
+/// The results of opening, drawing and disposing; a callback does not run if the one before it failed.
 struct TextureRun {
     std::map<Callback, embedded::CallbackResult> results;
     std::vector<std::string> messages;
@@ -68,14 +68,14 @@ struct Failure {
     const char* function;
     int nth;
     Callback in;
-    bool is_result;  // the code is what the callback returns
+    bool is_result;  // the callback returns the code
     std::vector<std::string> messages;
-    std::vector<diagnostic::Code> left;  // what a host finds
-    bool loses_picture = false;          // the callback that would give it back cannot reach it
+    std::vector<diagnostic::Code> left;  // violations that the host finds
+    bool loses_picture = false;          // the callback that would free the image cannot reach it
 };
 
-// The record's handle is deliberately kept when opening fails before it is attached. A fault does nothing, so
-// what was to be unlocked or freed is left as it was.
+// The bundle deliberately keeps the record's handle if opening fails before attaching it. A failing call has
+// no effect, so a handle that it should unlock or free stays as it is.
 const Failure kFailures[] = {
     {"AEGP_NewMemHandle", 1, Callback::open, true, {kLoading}, {}},
     {"AEGP_LockMemHandle", 1, Callback::open, true, {kLoading}, {RuleViolation::memory_left_alive}},
@@ -86,7 +86,7 @@ const Failure kFailures[] = {
      {kLoading},
      {RuleViolation::memory_left_locked, RuleViolation::memory_left_alive}},
     {"AEGP_SetInSpecOptionsHandle", 1, Callback::open, true, {kLoading}, {RuleViolation::memory_left_alive}},
-    // From here on the handle is the in-spec's, and goes with it.
+    // From here on the handle belongs to the in-spec and is freed with it.
     {"AEGP_SetInSpecDepth", 1, Callback::open, true, {kLoading}, {}},
     {"AEGP_SetInSpecDuration", 1, Callback::open, true, {kLoading}, {}},
     {"AEGP_SetInSpecDimensions", 1, Callback::open, true, {kLoading}, {}},
@@ -96,7 +96,7 @@ const Failure kFailures[] = {
     {"AEGP_GetInSpecOptionsHandle", 1, Callback::draw, true, {kDrawing}, {}},
     {"AEGP_LockMemHandle", 2, Callback::draw, true, {kDrawing}, {}},
     {"AEGP_UnlockMemHandle", 2, Callback::draw, true, {kDrawing}, {RuleViolation::memory_left_locked}},
-    // Nobody is told about the end. What the host does not show cannot be given back.
+    // Failures while disposing are not reported. A handle that the host does not yield cannot be freed.
     {"AEGP_GetInSpecOptionsHandle", 2, Callback::dispose, true, {}, {RuleViolation::memory_left_alive}, true},
     {"AEGP_LockMemHandle", 3, Callback::dispose, false, {}, {}, true},
     {"AEGP_UnlockMemHandle", 3, Callback::dispose, false, {}, {RuleViolation::memory_left_locked}},
@@ -127,7 +127,7 @@ INSTANTIATE_TEST_SUITE_P(Each, FailingTextureCall, testing::ValuesIn(kFailures),
     return std::string(failure.param.function) + std::to_string(failure.param.nth);
 });
 
-TEST(FailingTextureCalls, TheTableHoldsWhatACleanRunCalls) {
+TEST(FailingTextureCalls, TheTableHoldsTheCallsOfACleanRun) {
     const TextureRun clean = run_texture({});
     EXPECT_EQ(clean.results.size(), 3U);
     for (const auto& [callback, result] : clean.results) {
@@ -162,7 +162,7 @@ TEST(FailingTextureCalls, ABrokenFileThatCannotBeReportedIsStillRefused) {
     }
 }
 
-// What a callback acquires, in the order of first use; giving back is looked at by nobody.
+// The suites that a callback acquires, in the order of first use; the results of releases are ignored.
 const char* const kAcquiredInOpen[] = {"AEGP Memory Suite", "PF ANSI Suite", "AEGP IO In Suite"};
 const char* const kAcquiredInDrawAndDispose[] = {"AEGP IO In Suite", "AEGP Memory Suite"};
 
@@ -172,7 +172,7 @@ void expect_missing(const TextureRun& run, Callback callback, const std::string&
     EXPECT_EQ(run.messages, missing_suite_messages(suite));
 }
 
-TEST(MissingTextureSuites, EveryAcquiringFailingInTurn) {
+TEST(MissingTextureSuites, EveryAcquisitionFailingInTurn) {
     std::vector<std::pair<Callback, std::string>> acquired;
     for (const char* suite : kAcquiredInOpen) {
         acquired.emplace_back(Callback::open, suite);
@@ -192,7 +192,7 @@ TEST(MissingTextureSuites, EveryAcquiringFailingInTurn) {
         options.faults = {{"AcquireSuite", kByTheEntryPoint + 1 + static_cast<int>(i), 13}};
         const TextureRun run = run_texture(options);
         expect_missing(run, acquired[i].first, acquired[i].second);
-        // The handle that was made and not attached yet is left, and so is one that could not be asked for.
+        // A handle that is not yet attached stays, and so does one that the module cannot ask for.
         const bool leaves_handle =
             (acquired[i].first == Callback::open && i > 0) || acquired[i].first == Callback::dispose;
         std::vector<diagnostic::Code> expected;

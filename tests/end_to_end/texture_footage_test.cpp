@@ -1,5 +1,5 @@
-// Textures as footage: opened, drawn and disposed of by the host through the module that the bundle
-// registered.
+// Textures as footage: the host opens, draws and disposes of them through the module that the bundle
+// registers.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -48,7 +48,7 @@ const Kind kKinds[] = {
 
 class TextureFootage : public testing::TestWithParam<Kind> {};
 
-TEST_P(TextureFootage, SaysWhatTheFileHolds) {
+TEST_P(TextureFootage, DescribesTheFile) {
     const TemporaryFolder folder;
     const std::string path =
         write(folder, "a.txl", make_texture(640, 480, GetParam().mode, GetParam().alphas));
@@ -177,7 +177,7 @@ TEST(TexturesSideBySide, KeepTheirOwnPictures) {
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-// The picture was read when the file was opened.
+// The module reads the image when the file is opened.
 TEST(TexturesSideBySide, AreDrawnWithoutTheirFile) {
     const TemporaryFolder folder;
     const Texture texture = make_texture(3, 3, Texture::kRgb, 1);
@@ -203,7 +203,7 @@ TEST(BrokenTextures, AreReportedTwiceAndLeaveTheirHandle) {
         {"text", folder.write("text.txl", "VORTAN XR COMPOSITION")},
         {"another magic number", folder.write("magic.txl", other_magic)},
         {"cut in the middle", folder.write("cut.txl", bytes.substr(0, bytes.size() / 2))},
-        // Five chunks end behind it.
+        // Five chunks end after it.
         {"the last byte of its last row missing",
          folder.write("short.txl", bytes.substr(0, bytes.size() - 6))},
         {"a folder", folder.path("folder.txl")},
@@ -219,12 +219,12 @@ TEST(BrokenTextures, AreReportedTwiceAndLeaveTheirHandle) {
         EXPECT_EQ(bundle.host().conformance().violations().size(), 1U)
             << bundle.host().conformance().to_text();
         EXPECT_EQ(bundle.host().conformance().count(embedded::RuleViolation::memory_left_alive), 1U);
-        // Nothing of it stays in the way of the next file.
+        // The next file is not affected.
         const auto sound = bundle.host().open_with_module(whole);
         EXPECT_EQ(sound.error, "");
     }
 
-    // The end of the file ends chunks as well as an end tag does.
+    // The end of the file ends chunks just as an end tag does.
     for (const std::size_t missing : {1U, 5U}) {
         LoadedBundle bundle;
         const std::string path = folder.write("open.txl", bytes.substr(0, bytes.size() - missing));
@@ -233,7 +233,7 @@ TEST(BrokenTextures, AreReportedTwiceAndLeaveTheirHandle) {
     }
 }
 
-TEST(TexturesAtTheHostsMercy, NoOptionsHandleMeansNothingToDrawAndNothingToFree) {
+TEST(TexturesInAFailingHost, WithoutAnOptionsHandleNothingIsDrawnOrFreed) {
     LoadedBundle bundle;
     const embedded::Id spec = bundle.host().new_in_spec("never_opened.txl");
     const auto drawn = bundle.host().draw(spec, {2, 2, 0, 0, 0, {0, 1}, 0x11});
@@ -248,7 +248,7 @@ TEST(TexturesAtTheHostsMercy, NoOptionsHandleMeansNothingToDrawAndNothingToFree)
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
-TEST(TexturesAtTheHostsMercy, NoWorldToDrawIntoIsAnError) {
+TEST(TexturesInAFailingHost, WithoutAWorldDrawingIsAnError) {
     const TemporaryFolder folder;
     LoadedBundle bundle;
     const auto opened =
@@ -287,7 +287,7 @@ FILE <-> PREMUL "C:\textures\wall.txl"
     EXPECT_EQ(cloth.height, 17);
     EXPECT_EQ(cloth.bits_per_channel, 8);
     EXPECT_TRUE(cloth.has_alpha);
-    // The composition file has the last word about how alpha is read.
+    // The composition file decides how alpha is interpreted.
     EXPECT_EQ(cloth.interpretation.alpha.flags, 0U);
     EXPECT_EQ(project.in_spec(cloth.in_spec).depth, 32);
 
@@ -317,7 +317,8 @@ COMPOSITION NRM "Main" {
 )");
     LoadedBundle bundle;
     EXPECT_EQ(bundle.host().import_file(path).code, 3);
-    // Twice by the module, whose text is shown as it stands; then by the composition and by the import.
+    // Two messages of the module, whose text is shown unformatted, then those of the composition and the
+    // import.
     EXPECT_THAT(bundle.message_texts(),
                 ElementsAre(kLoadingMessage, kLoadingMessage, "Unable to create composition.",
                             "There was an error loading the file in line 7."));

@@ -1,6 +1,6 @@
 #pragma once
 
-// Small textures, written by the texture library, for a bundle that reads them.
+// Small textures for the bundle to read, written by the texture library.
 
 #include <cstdint>
 #include <string>
@@ -8,7 +8,7 @@
 #include "host/host_interface.h"
 #include "texture/value/texture_file.h"
 
-/// A picture in which every pixel and every alpha value is another, from `seed` on.
+/// A texture in which all pixels and alpha values differ, starting from `seed`.
 inline Texture make_texture(std::int32_t width_px, std::int32_t height_px, std::int32_t mode, int alphas,
                             int seed = 1) {
     Texture texture;
@@ -29,8 +29,7 @@ inline Texture make_texture(std::int32_t width_px, std::int32_t height_px, std::
     return texture;
 }
 
-/// What a host's frame must show of a pixel: grey in all three colours, the first alpha, 255 where there is
-/// none.
+/// The expected pixel of a host's frame: grey in all three colours, and the first alpha channel or 255.
 inline PF_Pixel frame_pixel(const Texture& texture, std::int32_t x, std::int32_t y) {
     const auto at = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture.width_px) +
                     static_cast<std::size_t>(x);

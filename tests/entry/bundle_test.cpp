@@ -1,5 +1,4 @@
-// The bundle itself, as it lies in the build folder: what it shows to the outside, what it needs, and that it
-// loads.
+// The bundle in the build folder: what it exports, what it needs, and that it loads.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,9 +21,9 @@ using ::testing::IsEmpty;
 
 const std::string kBundle = VXR_BUNDLE;
 
-#if !defined(_WIN32)  // tests/windows looks at that file
-/// The lines that a command prints. Throws when it cannot be run or fails: no output must not look like no
-/// symbols.
+#if !defined(_WIN32)  // tests/windows examines the file there
+/// The lines that a command prints. Throws if it cannot be run or fails, so that a failure does not look like
+/// an empty list of symbols.
 std::vector<std::string> lines_of(const std::string& command) {
     std::FILE* pipe = ::popen(command.c_str(), "r");
     if (pipe == nullptr) {
@@ -77,13 +76,13 @@ TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
     EXPECT_GE(needed, 2U) << "at least the C and the C++ library; or else nothing was read";
 }
 
-TEST(Bundle, StopsAtDamagedMemoryWhereItIsBuiltForUse) {
+TEST(Bundle, IsHardenedAgainstDamagedMemoryInReleaseBuilds) {
     if (!VXR_HARDENED) {
-        GTEST_SKIP() << "the checks are part of the optimised build without sanitizers";
+        GTEST_SKIP() << "only the optimised build without sanitizers has these checks";
     }
     const std::vector<std::string> symbols =
         lines_of(VXR_NM " --dynamic --undefined-only --demangle '" + kBundle + "'");
-    // What each check calls when it strikes; nothing calls it in a bundle that was built without.
+    // The function that each check calls when it finds damage; a bundle without the check does not import it.
     for (const char* check : {"__stack_chk_fail", "__memcpy_chk", "std::__glibcxx_assert_fail"}) {
         EXPECT_THAT(symbols, ::testing::Contains(::testing::HasSubstr(check)));
     }
@@ -130,7 +129,7 @@ TEST(Bundle, TheMissingSuiteExceptionReachesTheHostsSide) {
     EXPECT_EQ(caught, 516);
 }
 
-TEST(Bundle, ItsSecondEntryServesTodaysHosts) {
+TEST(Bundle, ItsSecondEntryPointServesCurrentHosts) {
     const SharedLibrary bundle(kBundle);
     const auto entry = bundle.function<AEGP_PluginInitFuncCurrent>("EntryPointFunc");
     ASSERT_NE(entry, nullptr);
@@ -149,12 +148,12 @@ TEST(Bundle, ItsSecondEntryServesTodaysHosts) {
     A_Boolean importable = 0;
     EXPECT_EQ(host.importers[0].verify_cb(path.c_str(), nullptr, &importable), 0);
     EXPECT_EQ(importable, 1);
-    // The import goes as far as this host's suites do.
+    // The import ends at the first suite that this host lacks.
     EXPECT_EQ(host.importers[0].import_cb(path.c_str(), nullptr, kSpecialActionNone, nullptr, nullptr), 0);
-    EXPECT_EQ(host.held("AEGP Persistent Data Suite", 3), 1) << "kept like the other";
+    EXPECT_EQ(host.held("AEGP Persistent Data Suite", 3), 1) << "kept like the other suite";
 }
 
-TEST(Bundle, NoExceptionReachesTodaysHosts) {
+TEST(Bundle, NoExceptionReachesACurrentHost) {
     const SharedLibrary bundle(kBundle);
     const auto entry = bundle.function<AEGP_PluginInitFuncCurrent>("EntryPointFunc");
     ASSERT_NE(entry, nullptr);

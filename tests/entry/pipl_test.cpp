@@ -1,4 +1,4 @@
-// The property list that script/pipl writes, byte for byte: what hosts read before they load the bundle.
+// The property list that script/pipl writes, byte for byte. Hosts read it before they load the bundle.
 
 #include <gtest/gtest.h>
 
@@ -20,15 +20,15 @@ std::string written(const std::string& form) {
     return content_of(path);
 }
 
-/// A literal with NUL bytes in it.
+/// A literal that contains NUL bytes.
 template <std::size_t N>
 std::string bytes(const char (&text)[N]) {
     return std::string(text, N - 1);
 }
 
-// Numbers in octal, which ends after three digits whatever follows.
+// The escapes are octal, because they end after three digits whatever follows.
 
-TEST(PropertyList, TheMacintoshResourceFileHoldsItByteForByte) {
+TEST(PropertyList, TheMacosResourceFileHoldsItByteForByte) {
     const std::string list =
         bytes("\0\0\0\0\0\0\0\6") +  // the list's own version, and how many properties
         bytes("8BIMkind\0\0\0\0\0\0\0\4AEgx") + bytes("8BIMname\0\0\0\0\0\0\0\014\011VORTAN XR\0\0") +

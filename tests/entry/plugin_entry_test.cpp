@@ -40,7 +40,7 @@ TEST(PluginEntry, RegistersTheImporterAndTheTextureModule) {
     EXPECT_THAT(host.reports, IsEmpty());
 }
 
-TEST(PluginEntry, KeepsWhatTheHostGave) {
+TEST(PluginEntry, KeepsTheHostsArguments) {
     RecordingHost host;
     g_pBasicSuite = nullptr;
     g_PluginID = 0;
@@ -49,7 +49,7 @@ TEST(PluginEntry, KeepsWhatTheHostGave) {
     EXPECT_EQ(g_PluginID, RecordingHost::kPluginId);
 }
 
-TEST(PluginEntry, TheVersionOfTheInterfaceDecidesAboutSceneLayers) {
+TEST(PluginEntry, SceneLayersNeedInterfaceVersion9Point32) {
     const struct {
         A_long major;
         A_long minor;
@@ -79,7 +79,7 @@ TEST(PluginEntry, EachRegistrationThatFailsEndsTheSequenceWithItsMessage) {
     const std::string file_type = "Could not register file type.";
     const struct {
         const char* function;
-        std::size_t calls;  // up to and with the failing one
+        std::size_t calls;  // up to and including the failing one
         std::string message;
     } cases[] = {
         {"RegisterDeathHook", 1, plugin},
@@ -107,7 +107,7 @@ TEST(PluginEntry, AReportThatFailsChangesNothing) {
     EXPECT_EQ(enter(host), 5);
 }
 
-TEST(PluginEntry, WithoutAFlavorThereAreNoCallbacksButStillTheTextureModule) {
+TEST(PluginEntry, WithoutAFlavorOnlyTheTextureModuleIsRegistered) {
     RecordingHost host;
     host.flavor = kInvalidImportFlavor;
     EXPECT_EQ(enter(host), 0);
@@ -116,7 +116,7 @@ TEST(PluginEntry, WithoutAFlavorThereAreNoCallbacksButStillTheTextureModule) {
     EXPECT_EQ(host.registered_callbacks.import_cb, nullptr);
 }
 
-TEST(PluginEntry, AMissingSuiteLeavesAsTheHandlersException) {
+TEST(PluginEntry, AMissingSuiteThrowsTheHandlersException) {
     const std::pair<const char*, A_long> suites[] = {{"AEGP Register Suite", 4},
                                                      {"AEGP File Import Manager Suite", 2}};
     for (const auto& [name, version] : suites) {
@@ -152,7 +152,7 @@ TEST(PluginEntry, TheDeathHookDoesNothing) {
     EXPECT_THAT(host.traffic, IsEmpty());
 }
 
-TEST(Messages, AreTheTextsThatTheUserSees) {
+TEST(Messages, AreTheTextsThatUsersSee) {
     const std::pair<const char*, const char*> messages[] = {
         {g_pCh_Unknown_null, "Unknown null"},
         {g_pCh_Unknown_light, "Unknown light"},

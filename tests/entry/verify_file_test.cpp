@@ -41,7 +41,7 @@ TEST(VerifyFile, NineBytesDecide) {
     }
 }
 
-TEST(VerifyFile, WhatIsNoReadableFileIsNotImportable) {
+TEST(VerifyFile, APathWithoutAReadableFileIsNotImportable) {
     const TemporaryFolder folder;
     const std::string pipe = folder.path("pipe.aec");
     make_pipe(pipe);

@@ -1,4 +1,4 @@
-// What the bridge's basic suite hands out, and that it holds the host's suites exactly as long.
+// The suites that the bridge's basic suite hands out, and how long it holds the host's.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -16,7 +16,7 @@ const struct BridgedSuite {
     std::string name;
     A_long classic;
     A_long today;
-    bool has_callbacks;  ///< of the plug-in, which must not reach the host without the bridge
+    bool has_callbacks;  ///< takes callbacks of the plug-in, which the host must call through the bridge
 } kBridgedSuites[] = {
     {"AEGP Register Suite", 4, 6, true},         {"AEGP File Import Manager Suite", 2, 3, true},
     {"AEGP Persistent Data Suite", 1, 3, false}, {"AEGP Proj Suite", 5, 8, false},
@@ -24,7 +24,8 @@ const struct BridgedSuite {
     {"AEGP IO Out Suite", 1, 7, false},
 };
 
-// As the bridge and as the host hand it out; 0xdead before, to see that it is written.
+// A suite as the bridge or the host hands it out. The table starts out non-null, so that a missing write
+// shows.
 struct Acquired {
     A_Err err;
     const void* table;
@@ -35,7 +36,7 @@ Acquired acquire(const SPBasicSuite* basic, const std::string& name, A_long vers
     return {err, table};
 }
 
-TEST(BridgeBasicSuite, TodaysSuiteIsHeldAsLongAsTheClassicOne) {
+TEST(BridgeBasicSuite, TheCurrentSuiteIsHeldAsLongAsTheClassicOne) {
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
         CurrentHost host;
@@ -51,7 +52,7 @@ TEST(BridgeBasicSuite, TodaysSuiteIsHeldAsLongAsTheClassicOne) {
         EXPECT_EQ(host.held(suite.name, suite.today), 1);
         EXPECT_EQ(bridge->ReleaseSuite(suite.name.c_str(), suite.classic), 0);
         EXPECT_EQ(host.held(suite.name, suite.today), 0);
-        EXPECT_EQ(bridge->ReleaseSuite(suite.name.c_str(), suite.classic), 3) << "it is not held";
+        EXPECT_EQ(bridge->ReleaseSuite(suite.name.c_str(), suite.classic), 3) << "not held";
         const std::string today = suite.name + " " + std::to_string(suite.today);
         EXPECT_THAT(host.traffic, ElementsAre("acquire " + today, "acquire " + today, "release " + today,
                                               "release " + today));
@@ -60,7 +61,7 @@ TEST(BridgeBasicSuite, TodaysSuiteIsHeldAsLongAsTheClassicOne) {
     }
 }
 
-TEST(BridgeBasicSuite, AFunctionAnswersWhileItsSuiteIsHeld) {
+TEST(BridgeBasicSuite, AFunctionWorksWhileItsSuiteIsHeld) {
     CurrentHost host;
     const SPBasicSuite* bridge = bridge_over(host);
     const auto* proj = acquired<AEGP_ProjSuite5>(bridge, "AEGP Proj Suite", 5);
@@ -101,7 +102,7 @@ TEST(BridgeBasicSuite, ASuccessWithoutATableIsAMissingSuite) {
     }
 }
 
-TEST(BridgeBasicSuite, AHostBetweenTheGenerationsIsCalledAsItIsButForRegistrations) {
+TEST(BridgeBasicSuite, AHostBetweenTheGenerationsIsCalledDirectlyExceptForRegistrations) {
     const char classic_table = 0;
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
@@ -121,11 +122,11 @@ TEST(BridgeBasicSuite, AHostBetweenTheGenerationsIsCalledAsItIsButForRegistratio
         EXPECT_EQ(host.held(suite.name, suite.classic), 1);
         EXPECT_EQ(bridge->ReleaseSuite(suite.name.c_str(), suite.classic), 0);
         EXPECT_EQ(host.held(suite.name, suite.classic), 0);
-        EXPECT_EQ(bridge->ReleaseSuite(suite.name.c_str(), suite.classic), 3) << "it is not held";
+        EXPECT_EQ(bridge->ReleaseSuite(suite.name.c_str(), suite.classic), 3) << "not held";
     }
 }
 
-TEST(BridgeBasicSuite, TodaysSuiteIsPreferredWhereTheHostHasBoth) {
+TEST(BridgeBasicSuite, TheCurrentSuiteIsPreferredIfTheHostHasBoth) {
     const char classic_table = 0;
     for (const BridgedSuite& suite : kBridgedSuites) {
         SCOPED_TRACE(suite.name);
@@ -137,16 +138,16 @@ TEST(BridgeBasicSuite, TodaysSuiteIsPreferredWhereTheHostHasBoth) {
     }
 }
 
-TEST(BridgeBasicSuite, EverythingElseIsTheHosts) {
+TEST(BridgeBasicSuite, EverythingElseComesFromTheHost) {
     const struct {
         const char* why;
         std::string name;
         A_long version;
     } cases[] = {
-        {"a suite that all hosts have", "AEGP Utility Suite", 7},
-        {"today's version of a bridged one", "AEGP Footage Suite", 11},
+        {"a suite of every host", "AEGP Utility Suite", 7},
+        {"the current version of a bridged one", "AEGP Footage Suite", 11},
         {"another version of a bridged one", "AEGP Footage Suite", 10},
-        {"a bridged one with a letter in another case", "AEGP footage Suite", 7},
+        {"a bridged one with one letter in lower case", "AEGP footage Suite", 7},
     };
     const char other_table = 0;
     for (const auto& c : cases) {
@@ -163,7 +164,7 @@ TEST(BridgeBasicSuite, EverythingElseIsTheHosts) {
     }
 }
 
-TEST(BridgeBasicSuite, WhatIsNotBridgedFailsAsTheHostSays) {
+TEST(BridgeBasicSuite, AnUnbridgedSuiteFailsWithTheHostsResult) {
     for (const A_Err code : {0, 13, 5}) {
         CurrentHost host;
         host.withhold_suite("PF AE Adv App Suite", 1, code);
@@ -173,7 +174,7 @@ TEST(BridgeBasicSuite, WhatIsNotBridgedFailsAsTheHostSays) {
     }
 }
 
-TEST(BridgeBasicSuite, AReleaseAnswersWhatTheHostSays) {
+TEST(BridgeBasicSuite, AReleaseReturnsTheHostsResult) {
     CurrentHost host;
     const SPBasicSuite* bridge = bridge_over(host);
     acquire(bridge, "AEGP Proj Suite", 5);
@@ -183,13 +184,13 @@ TEST(BridgeBasicSuite, AReleaseAnswersWhatTheHostSays) {
     EXPECT_EQ(bridge->ReleaseSuite("AEGP Utility Suite", 7), 8);
 }
 
-TEST(BridgeBasicSuite, NoPlaceForTheTableIsRefused) {
+TEST(BridgeBasicSuite, ANullTablePointerIsRefused) {
     CurrentHost host;
     EXPECT_EQ(bridge_over(host)->AcquireSuite("AEGP Proj Suite", 5, nullptr), 3);
     EXPECT_THAT(host.traffic, IsEmpty());
 }
 
-TEST(BridgeBasicSuite, ItsOtherFunctionsAreTheHosts) {
+TEST(BridgeBasicSuite, ItsOtherFunctionsComeFromTheHost) {
     CurrentHost host;
     const SPBasicSuite* bridge = bridge_over(host);
     EXPECT_EQ(bridge->IsEqual("a", "a"), 1);
@@ -200,7 +201,7 @@ TEST(BridgeBasicSuite, ItsOtherFunctionsAreTheHosts) {
     EXPECT_EQ(bridge->Undefined(), 104);
 }
 
-TEST(BridgeBasicSuite, TheNextHostBeginsWithNothingHeld) {
+TEST(BridgeBasicSuite, TheNextHostStartsWithoutHeldSuites) {
     CurrentHost first;
     acquire(bridge_over(first), "AEGP Persistent Data Suite", 1);
     CurrentHost second;

@@ -1,4 +1,4 @@
-// What the plug-in registers: the functions that the host gets in its place, and how they call the plug-in's.
+// The functions that the host gets in place of the plug-in's callbacks, and how they call those.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -22,7 +22,7 @@ using ::testing::IsEmpty;
 // ---- the plug-in's callbacks
 
 std::vector<std::string> called;
-std::function<void()> in_callback;  ///< done in each of them, before they return
+std::function<void()> in_callback;  ///< called by each of them before it returns
 A_Err callback_result = 0;
 
 A_Err noted(const std::string& call) {
@@ -88,7 +88,7 @@ class BridgeCallbacks : public ::testing::Test {
     const AEGP_FileImportManagerSuite2* imports;
 };
 
-TEST_F(BridgeCallbacks, ADeathHookIsCalledWithWhatTheHostGives) {
+TEST_F(BridgeCallbacks, ADeathHookGetsTheHostsArguments) {
     EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<1>, refcon_of(11)), 0);
     ASSERT_EQ(host.death_hooks.size(), 1U);
     EXPECT_NE(host.death_hooks[0].first, death_hook<1>);
@@ -98,7 +98,7 @@ TEST_F(BridgeCallbacks, ADeathHookIsCalledWithWhatTheHostGives) {
     EXPECT_THAT(called, ElementsAre("death 1 12 13"));
 }
 
-TEST_F(BridgeCallbacks, AnImporterGetsNarrowPathsAndItsOwnRefcon) {
+TEST_F(BridgeCallbacks, AnImporterGetsUtf8PathsAndItsOwnRefcon) {
     EXPECT_EQ(register_importer({refcon_of(21), import_file<1>, verify_file<1>}), 0);
     ASSERT_EQ(host.importers.size(), 1U);
     const AE_FIM_ImportCallbacks3& importer = host.importers[0];
@@ -122,7 +122,7 @@ TEST_F(BridgeCallbacks, AnImporterGetsNarrowPathsAndItsOwnRefcon) {
     EXPECT_THAT(host.reports, IsEmpty());
 }
 
-TEST_F(BridgeCallbacks, AnImporterNeverSeesAPathThatIsNotValid) {
+TEST_F(BridgeCallbacks, AnImporterNeverGetsAnInvalidPath) {
     ASSERT_EQ(register_importer({nullptr, import_file<1>, verify_file<1>}), 0);
     const AE_FIM_ImportCallbacks3& importer = host.importers[0];
     const struct {
@@ -158,7 +158,7 @@ TEST_F(BridgeCallbacks, WithoutMemoryForThePathThePluginIsNotCalled) {
     EXPECT_THAT(called, IsEmpty());
 }
 
-TEST_F(BridgeCallbacks, WhatIsNullStaysNull) {
+TEST_F(BridgeCallbacks, NullStaysNull) {
     EXPECT_EQ(register_importer({nullptr, import_file<1>, nullptr}), 0);
     EXPECT_EQ(register_importer({nullptr, nullptr, verify_file<1>}), 0);
     EXPECT_EQ(imports->AEGP_RegisterImportFlavorImportCallbacks(42, 2, nullptr), 0);
@@ -174,7 +174,7 @@ TEST_F(BridgeCallbacks, WhatIsNullStaysNull) {
 
 // ---- several of a kind
 
-TEST_F(BridgeCallbacks, FourOfAKindAreToldApartAndAFifthIsRefused) {
+TEST_F(BridgeCallbacks, FourRegistrationsAreKeptApartAndAFifthIsRefused) {
     EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<1>, nullptr), 0);
     EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<2>, nullptr), 0);
     EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<3>, nullptr), 0);
@@ -192,7 +192,7 @@ TEST_F(BridgeCallbacks, FourOfAKindAreToldApartAndAFifthIsRefused) {
     EXPECT_EQ(registers->AEGP_RegisterDeathHook(7, death_hook<5>, nullptr), 1);
     EXPECT_EQ(register_importer({nullptr, import_file<5>, verify_file<5>}), 1);
     EXPECT_EQ(register_module(idle<5>, nullptr), 1);
-    EXPECT_EQ(host.calls.size(), calls) << "the host hears nothing of them";
+    EXPECT_EQ(host.calls.size(), calls) << "the host is not called";
     EXPECT_THAT(host.reports,
                 ElementsAre("This plug-in registers more death hooks than there is room for (4).",
                             "This plug-in registers more importers than there is room for (4).",
@@ -212,7 +212,7 @@ TEST_F(BridgeCallbacks, FourOfAKindAreToldApartAndAFifthIsRefused) {
                                     "death 1 0 0", "import 1 p 0 0 0 1", "verify 1 p 1", "idle 1 9"));
 }
 
-TEST_F(BridgeCallbacks, WhatTheHostRefusesTakesNoPlace) {
+TEST_F(BridgeCallbacks, ARefusedRegistrationTakesNoPlace) {
     host.fail_every("RegisterDeathHook", 3);
     host.fail_every("RegisterImportFlavorImportCallbacks", 3);
     host.fail_every("RegisterIO", 3);
@@ -275,11 +275,11 @@ TEST_F(BridgeCallbacks, NoExceptionLeavesACallback) {
     }
 }
 
-TEST_F(BridgeCallbacks, ACallWithinACallNamesItsOwnMissingSuite) {
+TEST_F(BridgeCallbacks, ANestedCallNamesItsOwnMissingSuite) {
     ASSERT_EQ(register_importer({nullptr, import_file<1>, verify_file<1>}), 0);
     ASSERT_EQ(register_module(idle<1>, nullptr), 0);
     AEIO_BasicData data = *host.basic_data();
-    // The importer calls the host, which calls the module, which misses a suite; then the importer misses
+    // The importer calls the host, which calls the module, which lacks a suite; then the importer lacks
     // another.
     int depth = 0;
     std::optional<A_Err> inner;

@@ -1,4 +1,4 @@
-// The second entry: what reaches the plug-in, and what becomes of exceptions at the host's side.
+// The entry point for current hosts: what reaches the plug-in, and what the host gets for an exception.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -32,7 +32,7 @@ TEST(BridgeEntry, ThePluginGetsTheBridgeAndTheHostsArgumentsWithoutPaths) {
     EXPECT_THAT(host.traffic, IsEmpty());
 }
 
-TEST(BridgeEntry, WithoutABasicSuiteThereIsNoHost) {
+TEST(BridgeEntry, WithoutABasicSuiteThePluginIsNotCalled) {
     bool entered = false;
     BridgedPlugin::entry = [&entered](SPBasicSuite*) {
         entered = true;
@@ -70,7 +70,7 @@ TEST(BridgeEntry, NoExceptionLeaves) {
     }
 }
 
-// Each suite that the plug-in reaches through the handler, under the name and version that the host knows.
+// Suites that the plug-in acquires through the handler, under the name and version that the host knows.
 TEST(BridgeEntry, AMissingSuiteIsNamedInOneReport) {
     const struct {
         const char* name;
@@ -89,7 +89,7 @@ TEST(BridgeEntry, AMissingSuiteIsNamedInOneReport) {
         {"AEGP Layer Suite", 11, [](AEGP_SuiteHandler& s) { return s.LayerSuite11(); }},
     };
     for (const auto& c : cases) {
-        // A host that says so, one that says something else, and one that says nothing and gives no table.
+        // The host returns the right error, another error, and success without a table.
         for (const A_Err result : {kHostErrorMissingSuite, kHostErrorAllocation, kHostErrorNone}) {
             SCOPED_TRACE(std::string(c.name) + " = " + std::to_string(result));
             CurrentHost host;
@@ -104,7 +104,7 @@ TEST(BridgeEntry, AMissingSuiteIsNamedInOneReport) {
             EXPECT_THAT(host.reports,
                         ElementsAre("This plug-in needs the suite \"" + std::string(c.name) + "\" " +
                                     std::to_string(c.version) + ", which the host does not offer."));
-            EXPECT_THAT(host.left_open(), IsEmpty()) << "what was acquired before is given back";
+            EXPECT_THAT(host.left_open(), IsEmpty()) << "the suites acquired before are released";
         }
     }
 }
@@ -121,12 +121,11 @@ TEST(BridgeEntry, WithoutTheUtilitySuiteThereIsNoReport) {
     EXPECT_THAT(host.reports, IsEmpty());
 }
 
-TEST(BridgeEntry, ASuiteThatNobodyMissedIsNotNamed) {
+TEST(BridgeEntry, ASuiteThatIsNotNeededIsNotNamed) {
     CurrentHost host;
     EXPECT_EQ(enter(host,
                     [](SPBasicSuite* bridge) {
-                        // Asked for and done without, as the importer does with one suite; then another
-                        // fails.
+                        // One suite is missing and not needed, as in the importer; then another is missing.
                         EXPECT_EQ(acquired<char>(bridge, "PF AE Adv App Suite", 1), nullptr);
                         AEGP_SuiteHandler(bridge).CompSuite9();
                         return kHostErrorNone;
@@ -142,10 +141,10 @@ TEST(BridgeEntry, ASuiteThatNobodyMissedIsNotNamed) {
                         return kHostErrorNone;
                     }),
               13);
-    EXPECT_THAT(host.reports, IsEmpty()) << "nothing is left of the call before";
+    EXPECT_THAT(host.reports, IsEmpty()) << "nothing is left of the previous call";
 }
 
-TEST(BridgeEntry, ANameOfAnyLengthIsReportedAsFarAsThereIsRoom) {
+TEST(BridgeEntry, ALongNameIsReportedTruncated) {
     const std::string long_name(1000, 'x');
     CurrentHost host;
     EXPECT_EQ(enter(host,

@@ -1,4 +1,4 @@
-// The function block that today's hosts get, field by field.
+// The function block that current hosts get, field by field.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -25,7 +25,7 @@ using ::testing::IsEmpty;
 
 constexpr A_Err kModulesResult = 4711;
 
-std::optional<AEIO_BasicData> seen_data;  ///< what the module's function got, if it was called
+std::optional<AEIO_BasicData> seen_data;  ///< the argument of the module's function, if it was called
 
 AEIO_FunctionBlock4 registered_block(RecordingHost& host, const AEIO_FunctionBlock2& functions) {
     const auto* registers = acquired<AEGP_RegisterSuite4>(bridge_over(host), "AEGP Register Suite", 4);
@@ -35,7 +35,7 @@ AEIO_FunctionBlock4 registered_block(RecordingHost& host, const AEIO_FunctionBlo
     return host.modules.at(0).second;
 }
 
-// Each argument another value.
+// A different value for each argument.
 template <typename Value>
 Value nth_value(std::size_t n) {
     if constexpr (std::is_pointer_v<Value>) {
@@ -45,7 +45,7 @@ Value nth_value(std::size_t n) {
     }
 }
 
-// One field that is the same in both blocks: the module's function keeps what it gets.
+// A field that is the same in both blocks: the module's function records its arguments.
 template <auto Classic, auto Today>
 struct SameField;
 
@@ -81,11 +81,11 @@ struct SameField<Classic, Today> {
         EXPECT_EQ(seen_data->msg_func, data.msg_func);
         EXPECT_EQ(seen_data->plugin_id, data.plugin_id);
         EXPECT_EQ(seen_data->refcon, data.refcon);
-        EXPECT_EQ(data.basic_suite, host.basic()) << "the host's own record stays as it is";
+        EXPECT_EQ(data.basic_suite, host.basic()) << "the host's own record does not change";
     }
 };
 
-TEST(BridgeFunctionBlock, FieldsThatAreTheSameArePassedOnWithTheBridge) {
+TEST(BridgeFunctionBlock, EqualFieldsAreForwardedWithTheBridge) {
 #define VXR_CHECK(field)                                                              \
     {                                                                                 \
         SCOPED_TRACE(#field);                                                         \
@@ -136,29 +136,29 @@ TEST(BridgeFunctionBlock, FieldsThatAreTheSameArePassedOnWithTheBridge) {
     VXR_CHECK(AEIO_AddMarker)
     VXR_CHECK(AEIO_UserAudioOptionsDialog)
 #undef VXR_CHECK
-    EXPECT_EQ(checked, kFunctionBlockFields - 4) << "the other four take or give paths";
+    EXPECT_EQ(checked, kFunctionBlockFields - 4) << "the other four take or return paths";
 }
 
 using ClassicFields = std::array<ReservedSlot, kFunctionBlockFields>;
-using TodaysFields = std::array<ReservedSlot, kFunctionBlock4Fields>;
+using CurrentFields = std::array<ReservedSlot, kFunctionBlock4Fields>;
 
 void do_nothing() {}
 
-TEST(BridgeFunctionBlock, AFieldIsNullWhereThePluginsIs) {
+TEST(BridgeFunctionBlock, AFieldIsNullIfThePluginsIs) {
     for (std::size_t null_field = 0; null_field < kFunctionBlockFields; ++null_field) {
         ClassicFields fields;
         fields.fill(do_nothing);
         fields[null_field] = nullptr;
         CurrentHost host;
         const auto block =
-            std::bit_cast<TodaysFields>(registered_block(host, std::bit_cast<AEIO_FunctionBlock2>(fields)));
+            std::bit_cast<CurrentFields>(registered_block(host, std::bit_cast<AEIO_FunctionBlock2>(fields)));
         for (std::size_t field = 0; field < block.size(); ++field) {
             EXPECT_EQ(block[field] == nullptr, field == null_field) << field;
         }
     }
 }
 
-TEST(BridgeFunctionBlock, TheThreeNewFieldsAskForTheDefault) {
+TEST(BridgeFunctionBlock, TheThreeNewFieldsRequestTheDefault) {
     CurrentHost host;
     const AEIO_FunctionBlock4 block = registered_block(host, {});
     AEIO_BasicData data = *host.basic_data();
@@ -235,7 +235,7 @@ const PathField kPathFields[] = {
      }},
 };
 
-TEST(BridgeFunctionBlock, PathsArriveNarrow) {
+TEST(BridgeFunctionBlock, PathsArriveInUtf8) {
     for (const PathField& field : kPathFields) {
         SCOPED_TRACE(field.name);
         CurrentHost host;
@@ -254,7 +254,7 @@ TEST(BridgeFunctionBlock, PathsArriveNarrow) {
     }
 }
 
-TEST(BridgeFunctionBlock, APathThatCannotBeTranslatedIsNotTheModulesToSee) {
+TEST(BridgeFunctionBlock, APathThatCannotBeConvertedNeverReachesTheModule) {
     const std::u16string long_path(100, u'x');
     const struct {
         const char* why;
@@ -293,7 +293,7 @@ TEST(BridgeFunctionBlock, APathThatCannotBeTranslatedIsNotTheModulesToSee) {
     }
 }
 
-// ---- the field that gives a path
+// ---- the field that returns a path
 
 std::string given_path;
 A_Err given_result = 0;
@@ -318,7 +318,7 @@ A_Err ask_for_path(RecordingHost& host, AEGP_MemHandle* path) {
     return block.AEIO_GetNthAuxFileSpec(&data, some_handle<AEIO_InSpecH>(5), 6, 7, path);
 }
 
-TEST(BridgeFunctionBlock, AModulesPathBecomesAHandleOfTheHosts) {
+TEST(BridgeFunctionBlock, AModulesPathBecomesAHandleForTheHost) {
     std::string longest;
     std::u16string longest_wide;
     for (int i = 0; i < 32767; ++i) {
@@ -408,7 +408,7 @@ TEST(BridgeFunctionBlock, WithoutAPathThereIsNoHandle) {
     EXPECT_THAT(host.left_open(), ElementsAre("AEGP Register Suite 6 x 1"));
 }
 
-TEST(BridgeFunctionBlock, WithoutMemoryForThePathTheModuleIsNotAsked) {
+TEST(BridgeFunctionBlock, WithoutMemoryForThePathTheModuleIsNotCalled) {
     CurrentHost host;
     registered_block(host, giving_functions());
     AEGP_MemHandle handle = nullptr;

@@ -1,5 +1,5 @@
-// The functions of the classic suites that call today's: what is the same arrives as it is, what differs is
-// translated.
+// The functions of the classic suites that call the current ones: equal arguments arrive unchanged, others
+// converted.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -59,9 +59,9 @@ class BridgeSuites : public ::testing::Test {
     std::vector<std::string> held_at_first;
 };
 
-// Every function of the seven suites that is in use, with arguments that differ from each other.
+// Every function of the seven suites that the plug-in uses, with distinct arguments.
 struct SuiteCall {
-    std::string function;  ///< as the host writes it down
+    std::string function;  ///< as the host records it
     std::string arguments;
     std::function<A_Err(const BridgeSuites&)> call;
 };
@@ -112,7 +112,7 @@ class BridgeSuiteCalls : public BridgeSuites {
     }
 };
 
-TEST_F(BridgeSuiteCalls, ArriveAtTheHostWithEveryArgument) {
+TEST_F(BridgeSuiteCalls, ReachTheHostWithEveryArgument) {
     for (const SuiteCall& c : suite_calls()) {
         host.calls.clear();
         EXPECT_EQ(c.call(*this), 0) << c.function;
@@ -121,7 +121,7 @@ TEST_F(BridgeSuiteCalls, ArriveAtTheHostWithEveryArgument) {
     EXPECT_EQ(host.left_open(), held_at_first);
 }
 
-TEST_F(BridgeSuiteCalls, AnswerWithTheHostsError) {
+TEST_F(BridgeSuiteCalls, ReturnTheHostsError) {
     for (const SuiteCall& c : suite_calls()) {
         host.fail_every(c.function, kHostsError);
         EXPECT_EQ(c.call(*this), kHostsError) << c.function;
@@ -130,7 +130,7 @@ TEST_F(BridgeSuiteCalls, AnswerWithTheHostsError) {
     EXPECT_THAT(host.reports, IsEmpty());
 }
 
-TEST_F(BridgeSuiteCalls, AnswerWithTheMissingSuiteWhenTheirSuiteIsNotHeld) {
+TEST_F(BridgeSuiteCalls, ReturnMissingSuiteIfTheirSuiteIsNotHeld) {
     release_all();
     for (const SuiteCall& c : suite_calls()) {
         EXPECT_EQ(c.call(*this), 13) << c.function;
@@ -141,7 +141,7 @@ TEST_F(BridgeSuiteCalls, AnswerWithTheMissingSuiteWhenTheirSuiteIsNotHeld) {
 
 // ---- paths to the host
 
-TEST_F(BridgeSuites, FootageIsMadeFromTheWidePath) {
+TEST_F(BridgeSuites, FootageIsMadeFromTheUtf16Path) {
     const struct {
         const char* why;
         std::string narrow;
@@ -182,11 +182,11 @@ TEST_F(BridgeSuites, AnInvalidPathNeverReachesTheHost) {
     }
     host.reports.clear();
     EXPECT_EQ(footage->AEGP_NewFootage(7, nullptr, nullptr, nullptr, 0, nullptr, nullptr), 3);
-    EXPECT_THAT(host.reports, IsEmpty()) << "no path is none of the user's business";
+    EXPECT_THAT(host.reports, IsEmpty()) << "a null path is the plug-in's error, not the user's";
     EXPECT_THAT(host.calls, IsEmpty());
 }
 
-TEST_F(BridgeSuites, WithoutMemoryForTheWidePathThereIsNoFootage) {
+TEST_F(BridgeSuites, WithoutMemoryForTheUtf16PathThereIsNoFootage) {
     const std::string path(100, 'x');
     const RefusedMemory memory(0);
     EXPECT_EQ(footage->AEGP_NewFootage(7, path.c_str(), nullptr, nullptr, 0, nullptr, nullptr), 4);
@@ -194,7 +194,7 @@ TEST_F(BridgeSuites, WithoutMemoryForTheWidePathThereIsNoFootage) {
     EXPECT_THAT(host.calls, IsEmpty());
 }
 
-// ---- paths from the host. Both functions that copy one into a classic buffer must behave alike.
+// ---- paths from the host. The two functions that copy one into a classic buffer must behave alike.
 
 struct PathFunction {
     std::string name;
@@ -212,7 +212,7 @@ const PathFunction kPathFunctions[] = {
      }},
 };
 
-// The classic buffer, with bytes behind it that must stay.
+// The classic buffer, with bytes after it that must not change.
 struct PathBuffer {
     std::array<A_char, kClassicPathBytes> path;
     std::array<A_char, 16> behind;
@@ -301,7 +301,7 @@ TEST_F(BridgeSuites, AHostsPathThatDoesNotFitOrIsNotValidIsRefused) {
     }
 }
 
-TEST_F(BridgeSuites, AHostThatCannotLendItsPathIsAnError) {
+TEST_F(BridgeSuites, AFailureOfTheHostsMemoryIsAnError) {
     for (const PathFunction& function : kPathFunctions) {
         const struct {
             const char* why;
@@ -353,10 +353,10 @@ TEST_F(BridgeSuites, AHostThatCannotLendItsPathIsAnError) {
     }
 }
 
-TEST_F(BridgeSuites, WithoutMemoryForTheNarrowPathTheHandleIsFreedAllTheSame) {
+TEST_F(BridgeSuites, WithoutMemoryForTheUtf8PathTheHandleIsStillFreed) {
     for (const PathFunction& function : kPathFunctions) {
         host.*function.path = std::u16string(100, u'x');
-        // The first allocation after the handle was locked is the bridge's own.
+        // The first allocation after locking the handle is the bridge's own.
         std::optional<RefusedMemory> memory;
         host.when_locked = [&memory] { memory.emplace(0); };
         PathBuffer buffer;
@@ -368,7 +368,7 @@ TEST_F(BridgeSuites, WithoutMemoryForTheNarrowPathTheHandleIsFreedAllTheSame) {
     }
 }
 
-TEST_F(BridgeSuites, NoBufferForAPathIsRefusedBeforeTheHostIsAsked) {
+TEST_F(BridgeSuites, ANullBufferIsRefusedBeforeTheHostIsCalled) {
     for (const PathFunction& function : kPathFunctions) {
         EXPECT_EQ(function.call(io_in, io_out, nullptr), 3) << function.name;
     }
@@ -377,14 +377,14 @@ TEST_F(BridgeSuites, NoBufferForAPathIsRefusedBeforeTheHostIsAsked) {
 
 // ---- sizes
 
-TEST_F(BridgeSuites, ASizeBelowZeroNeverReachesTheHost) {
+TEST_F(BridgeSuites, ANegativeSizeNeverReachesTheHost) {
     EXPECT_EQ(io_in->AEGP_SetInSpecSize(some_handle<AEIO_InSpecH>(1), -1), 3);
     EXPECT_THAT(host.calls, IsEmpty());
     EXPECT_EQ(io_in->AEGP_SetInSpecSize(some_handle<AEIO_InSpecH>(1), 0), 0);
     EXPECT_THAT(host.calls, ElementsAre("SetInSpecSize(0x1, 0)"));
 }
 
-TEST_F(BridgeSuites, ASizeBeyond32BitsIsTheLargestThereIs) {
+TEST_F(BridgeSuites, ASizeBeyond32BitsBecomesTheLargestValue) {
     const struct {
         AEIO_FileSize host_size;
         A_long size;

@@ -1,4 +1,4 @@
-// Hosts call module callbacks on several threads at a time.
+// Hosts call a module's callbacks on several threads at a time.
 
 #include <gtest/gtest.h>
 
@@ -19,7 +19,7 @@ std::atomic<int> answered = 0;
 const char* const kReport =
     "This plug-in needs the suite \"AEGP Comp Suite\" 9, which the host does not offer.";
 
-TEST(BridgeThreads, SuitesAreCountedAndExceptionsKeptInOnEveryThread) {
+TEST(BridgeThreads, SuitesAreCountedAndExceptionsStoppedOnEveryThread) {
     CurrentHost host;
     answered = 0;
     ASSERT_EQ(enter(host,
@@ -57,7 +57,7 @@ TEST(BridgeThreads, SuitesAreCountedAndExceptionsKeptInOnEveryThread) {
     for (std::thread& thread : threads) {
         thread.join();
     }
-    EXPECT_EQ(answered, kThreads * kRounds) << "no suite was ever taken from somebody who held it";
+    EXPECT_EQ(answered, kThreads * kRounds) << "no thread lost a suite that it held";
     EXPECT_EQ(missing, kThreads * kRounds / 3);
     EXPECT_EQ(host.reports, std::vector<std::string>(kThreads * kRounds / 3, kReport));
     EXPECT_EQ(host.left_open(), std::vector<std::string>{"AEGP Register Suite 6 x 1"});

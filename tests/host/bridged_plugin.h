@@ -5,11 +5,11 @@
 #include "host/entry_points.h"
 #include "support/recording_host.h"
 
-/// Stands where the plug-in stands: this program's Main_VORTANXR_AE calls `entry`.
+/// Takes the place of the plug-in: this program's Main_VORTANXR_AE calls `entry`.
 struct BridgedPlugin {
     using Entry = std::function<A_Err(SPBasicSuite* bridge)>;
 
-    /// What the entry got beside the basic suite, the last time.
+    /// The arguments of the last call of Main_VORTANXR_AE.
     struct Arguments {
         SPBasicSuite* basic;
         A_long major;
@@ -23,13 +23,13 @@ struct BridgedPlugin {
     static Arguments arguments;
 };
 
-/// The result of EntryPointFunc on this host, while the plug-in's entry does this.
+/// Calls EntryPointFunc on this host with `entry` as the plug-in's entry point.
 A_Err enter(RecordingHost& host, const BridgedPlugin::Entry& entry);
 
-/// The bridge's basic suite over the host, for a plug-in that does nothing at its entry.
+/// The bridge's basic suite in front of the host, for a plug-in whose entry point does nothing.
 SPBasicSuite* bridge_over(RecordingHost& host);
 
-/// A suite by the bridge; null when there is none.
+/// A suite acquired from the bridge; null on failure.
 template <typename Suite>
 const Suite* acquired(const SPBasicSuite* bridge, const char* name, A_long version) {
     const void* table = nullptr;
@@ -37,7 +37,7 @@ const Suite* acquired(const SPBasicSuite* bridge, const char* name, A_long versi
                                                                          : nullptr;
 }
 
-/// A handle that nobody looks into.
+/// A handle that is never dereferenced.
 template <typename Handle>
 Handle some_handle(std::uintptr_t address) {
     return reinterpret_cast<Handle>(address);

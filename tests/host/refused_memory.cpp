@@ -6,7 +6,7 @@
 namespace {
 
 constexpr int kNone = -1;
-thread_local int left_to_allow = kNone;  // kNone: all, for good
+thread_local int left_to_allow = kNone;  // kNone: all of them
 thread_local bool was_refused = false;
 
 }  // namespace

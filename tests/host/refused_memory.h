@@ -1,7 +1,7 @@
 #pragma once
 
-/// Lets one allocation of this thread fail: that of this index, from 0, counted as long as the object lives.
-/// This program's throwing operator new counts.
+/// Fails one allocation of this thread: the one with this index, from 0, during the object's lifetime. Counts
+/// the calls of this program's throwing operator new.
 class RefusedMemory {
   public:
     explicit RefusedMemory(int index);
@@ -9,6 +9,6 @@ class RefusedMemory {
     RefusedMemory(const RefusedMemory&) = delete;
     RefusedMemory& operator=(const RefusedMemory&) = delete;
 
-    /// Whether there was such an allocation.
+    /// Whether the allocation happened and was refused.
     [[nodiscard]] bool refused() const;
 };

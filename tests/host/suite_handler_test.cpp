@@ -15,13 +15,13 @@ using ::testing::IsEmpty;
 
 using SuiteKey = std::pair<std::string, A_long>;
 
-// The part of a host that a handler sees. Its functions are plain C functions, so the state is at namespace
-// scope and every test begins with a fresh one.
+// The part of a host that a handler sees. The functions are plain C functions, so the state has namespace
+// scope; every test starts with a fresh one.
 struct FakeBasicSuite {
     std::vector<SuiteKey> acquired;
     std::vector<SuiteKey> released;
     SuiteKey refused;   ///< acquiring this one fails with kHostErrorMissingSuite
-    SuiteKey withheld;  ///< acquiring this one succeeds and yields nothing
+    SuiteKey withheld;  ///< acquiring this one succeeds without a table
     A_Err release_result = kHostErrorNone;
 
     static constexpr std::size_t kTables = 128;
@@ -31,7 +31,7 @@ char lent_tables[FakeBasicSuite::kTables];
 
 A_Err fake_acquire(const char* name, A_long version, const void** suite) {
     const SuiteKey key(name, version);
-    // Every acquisition lends another address, so that a test can tell two of them apart.
+    // Every acquisition yields another address, so that tests can tell them apart.
     *suite = &lent_tables[fake->acquired.size() % FakeBasicSuite::kTables];
     fake->acquired.push_back(key);
     if (key == fake->refused) {
@@ -63,8 +63,8 @@ class SuiteHandlerTest : public ::testing::Test {
     SPBasicSuite basic_{};
 };
 
-// The released rows in the order in which a handler gives them back, written out by hand: the table in the
-// source is held against it.
+// The released rows in the order in which a handler releases them, written by hand and compared with the
+// table in the source.
 const std::vector<SuiteKey> kReleaseOrder = {
     {"AEGP Marker Suite", 1},
     {"AEGP Layer Suite", 8},
@@ -207,7 +207,7 @@ TEST_F(SuiteHandlerTest, EveryRowIsAskedForByItsExactNameAndVersion) {
     }
 }
 
-TEST_F(SuiteHandlerTest, AllAreReleasedInTheOrderOfTheRowsWhateverTheOrderOfAsking) {
+TEST_F(SuiteHandlerTest, AllAreReleasedInTheOrderOfTheRows) {
     {
         AEGP_SuiteHandler suites(&basic_);
         for (auto ask = kAskReleased.rbegin(); ask != kAskReleased.rend(); ++ask) {
@@ -216,7 +216,7 @@ TEST_F(SuiteHandlerTest, AllAreReleasedInTheOrderOfTheRowsWhateverTheOrderOfAski
         for (const AskForSuite ask : kAskKept) {
             ask(suites);
         }
-        EXPECT_THAT(host_.released, IsEmpty()) << "suites are kept until the end of the call";
+        EXPECT_THAT(host_.released, IsEmpty()) << "suites are held until the end of the call";
     }
     EXPECT_EQ(host_.acquired.size(), 96U);
     EXPECT_EQ(host_.released, kReleaseOrder);
@@ -246,7 +246,7 @@ TEST_F(SuiteHandlerTest, AskingTwiceAcquiresOnceAndReleasesOnce) {
     EXPECT_THAT(host_.released, ElementsAre(SuiteKey("AEGP Utility Suite", 7)));
 }
 
-TEST_F(SuiteHandlerTest, VersionsOfOneSuiteAreSuitesOfTheirOwn) {
+TEST_F(SuiteHandlerTest, VersionsOfASuiteAreDifferentSuites) {
     {
         AEGP_SuiteHandler suites(&basic_);
         EXPECT_NE(static_cast<const void*>(suites.UtilitySuite7()),
@@ -288,7 +288,7 @@ TEST_F(SuiteHandlerTest, MissingSuiteErrorThrowsTheLongValue516) {
     EXPECT_EQ(thrown_by([&] { suites.MissingSuiteError(); }), "long 516");
 }
 
-TEST_F(SuiteHandlerTest, EveryRowThatTheHostCannotSupplyIsAMissingSuite) {
+TEST_F(SuiteHandlerTest, EveryUnavailableRowIsAMissingSuite) {
     std::vector<SuiteKey> rows = kReleaseOrder;
     rows.insert(rows.end(), kNeverReleased.begin(), kNeverReleased.end());
     std::vector<AskForSuite> ask = kAskReleased;
@@ -305,11 +305,11 @@ TEST_F(SuiteHandlerTest, EveryRowThatTheHostCannotSupplyIsAMissingSuite) {
             host_.withheld = rows[row];
             EXPECT_EQ(thrown_by([&] { ask[row](suites); }), "long 516") << "success without a suite";
         }
-        EXPECT_THAT(host_.released, IsEmpty()) << "what was not lent is not given back";
+        EXPECT_THAT(host_.released, IsEmpty()) << "a suite that was not acquired is not released";
     }
 }
 
-TEST_F(SuiteHandlerTest, AnAcquisitionThatFailsIsTriedAgainWhenAskedAgain) {
+TEST_F(SuiteHandlerTest, AFailedAcquisitionIsTriedAgain) {
     {
         AEGP_SuiteHandler suites(&basic_);
         host_.refused = {"AEGP Item Suite", 10};
@@ -320,7 +320,7 @@ TEST_F(SuiteHandlerTest, AnAcquisitionThatFailsIsTriedAgainWhenAskedAgain) {
     EXPECT_THAT(host_.released, ElementsAre(SuiteKey("AEGP Item Suite", 10)));
 }
 
-TEST_F(SuiteHandlerTest, UnwindingReleasesWhatWasAcquiredBefore) {
+TEST_F(SuiteHandlerTest, UnwindingReleasesTheSuitesAcquiredBefore) {
     host_.refused = {"AEGP Layer Suite", 11};
     EXPECT_EQ(thrown_by([&] {
                   AEGP_SuiteHandler suites(&basic_);
@@ -333,7 +333,7 @@ TEST_F(SuiteHandlerTest, UnwindingReleasesWhatWasAcquiredBefore) {
     EXPECT_THAT(host_.released, ElementsAre(SuiteKey("AEGP Comp Suite", 9)));
 }
 
-TEST_F(SuiteHandlerTest, ReleaseSuitePassesTheHostsResultOn) {
+TEST_F(SuiteHandlerTest, ReleaseSuiteReturnsTheHostsResult) {
     AEGP_SuiteHandler suites(&basic_);
     host_.release_result = 77;
     EXPECT_EQ(suites.ReleaseSuite("AEGP Canvas Suite", 10), 77);
@@ -349,14 +349,14 @@ TEST_F(SuiteHandlerTest, FailuresOfTheFinalReleasesAreIgnored) {
     }
     EXPECT_THAT(host_.released,
                 ElementsAre(SuiteKey("AEGP Comp Suite", 9), SuiteKey("AEGP Utility Suite", 7)))
-        << "the second is released although the first could not be";
+        << "the second is released although the first release failed";
 }
 
 TEST(SuiteHandler, IsAPlainRecordOfOnePointerAndItsSlots) {
     EXPECT_FALSE(std::is_polymorphic_v<AEGP_SuiteHandler>);
     EXPECT_TRUE(std::is_standard_layout_v<AEGP_SuiteHandler>);
     EXPECT_EQ(sizeof(AEGP_SuiteHandler), (1 + 101) * sizeof(void*));
-    EXPECT_FALSE(std::is_copy_constructible_v<AEGP_SuiteHandler>) << "a suite is given back exactly once";
+    EXPECT_FALSE(std::is_copy_constructible_v<AEGP_SuiteHandler>) << "a suite is released exactly once";
 }
 
 }  // namespace

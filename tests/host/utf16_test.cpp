@@ -15,7 +15,7 @@ struct Pair {
     std::u16string wide;
 };
 
-// The last code point of each length and the first of the next, and the borders of the surrogates' gap.
+// The last code point of each length and the first of the next, and those around the surrogates.
 const Pair kPairs[] = {
     {"nothing", "", u""},
     {"ASCII", "C:\\shots\\a b\"'.", u"C:\\shots\\a b\"'."},
@@ -48,7 +48,7 @@ TEST(Utf16, BothDirectionsAgreeOnValidText) {
     }
 }
 
-TEST(Utf16, EveryCodePointGoesThereAndBack) {
+TEST(Utf16, EveryCodePointSurvivesBothConversions) {
     std::size_t tried = 0;
     for (char32_t code_point = 0; code_point <= 0x10FFFF; ++code_point) {
         if (code_point >= 0xD800 && code_point <= 0xDFFF) {
@@ -73,7 +73,7 @@ TEST(Utf16, EveryCodePointGoesThereAndBack) {
     EXPECT_EQ(tried, 0x110000U - 0x800U);
 }
 
-TEST(Utf16, InvalidUtf8IsRefusedWhereItBegins) {
+TEST(Utf16, InvalidUtf8IsRefusedAtItsFirstByte) {
     const struct {
         const char* why;
         std::string text;
@@ -109,7 +109,7 @@ TEST(Utf16, InvalidUtf8IsRefusedWhereItBegins) {
     }
 }
 
-TEST(Utf16, UnpairedSurrogatesAreRefusedWhereTheyStand) {
+TEST(Utf16, UnpairedSurrogatesAreRefusedInPlace) {
     const struct {
         const char* why;
         std::u16string text;

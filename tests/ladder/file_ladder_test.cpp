@@ -1,6 +1,6 @@
-// Every example and every seed of the fuzzers, cut at every length, with every bit of every byte inverted and
-// with the bytes that matter to the composition language in every place, imported through the built bundle:
-// the host's project stays sound, the host's rules are kept, and no import takes long.
+// Damages every example and every seed of the fuzzers and imports it through the built bundle: cut at every
+// length, with every bit inverted, and with the bytes that matter to the composition language in every place.
+// The host's project must stay sound, the bundle must keep the host's rules, and no import may take long.
 
 #include <gtest/gtest.h>
 
@@ -15,9 +15,9 @@
 
 namespace {
 
-// Of files below 4 KB every length and every byte. Of larger ones, and under a sanitizer, which takes ten
-// times as long, a part that a fixed seed chooses. Of seeds and of images, of which the bundle reads a few
-// bytes at most, less.
+// Lengths and bytes per file: all of files below 4 KB; a sample chosen by a fixed random seed of larger files
+// and under sanitizers, which take ten times as long; less of the fuzzers' seeds and of images, of which the
+// bundle reads a few bytes at most.
 #if defined(VXR_SANITIZED)
 constexpr std::size_t kOfSmallFiles = 40;
 constexpr std::size_t kOfLargeFiles = 40;
@@ -41,8 +41,7 @@ std::size_t most(const Example& example, std::size_t size_bytes) {
     return size_bytes < kSmall_bytes ? kOfSmallFiles : kOfLargeFiles;
 }
 
-/// Processor time, so that other programs have no part in it. A few kilobytes are read in a thousandth of
-/// this.
+/// Processor time, so that other programs do not matter. Reading a few kilobytes takes a thousandth of it.
 constexpr double kMostTime_s = 10;
 
 void expect_sound(const ClimbingFile& file, const std::string& rung) {
@@ -68,7 +67,7 @@ TEST(FileLadder, EveryExampleIsThere) {
     EXPECT_GE(examples_of(Kind::footage).size(), 60U);
 }
 
-TEST(FileLadder, RegressionsAndSeedsClimbAsTheFilesInThem) {
+TEST(FileLadder, RegressionsAndSeedsHoldScenesAndTextures) {
     std::vector<Example> regressions = all_examples();
     std::erase_if(regressions, [](const Example& example) { return example.origin != Origin::regression; });
     EXPECT_TRUE(is_there(regressions, ".aec", "VORTAN"));
@@ -117,7 +116,7 @@ TEST(FileLadder, EveryBitInverted) {
     }
 }
 
-TEST(FileLadder, EveryByteOfASceneReplacedByOnesThatMatter) {
+TEST(FileLadder, EveryByteOfASceneReplaced) {
     for (const Example& example : examples_and_seeds()) {
         if (example.kind != Kind::scene) {
             continue;

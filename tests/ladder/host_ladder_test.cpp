@@ -1,5 +1,5 @@
-// Every call into the host failing in turn, every suite missing and every suite empty in turn, while every
-// example is imported or drawn.
+// Imports or draws every example while each host call fails in turn, each suite is missing in turn, and each
+// suite is empty in turn.
 
 #include <gtest/gtest.h>
 
@@ -14,7 +14,7 @@
 
 namespace {
 
-// Of long lists of calls, as those of many keys are, a part.
+// The most calls of one function that fail: scenes with many keys make long lists of calls.
 #if defined(VXR_SANITIZED)
 constexpr std::size_t kOfOneFunction = 2;
 #else
@@ -23,7 +23,7 @@ constexpr std::size_t kOfOneFunction = 25;
 
 constexpr A_Err kCodes[] = {1, 4, 13};
 
-/// Scenes and textures, and of the footage one of each format.
+/// All scenes and textures, and one footage file of each format.
 std::vector<Example> hosted_examples() {
     std::vector<Example> chosen = examples_of(Kind::scene);
     for (const Example& texture : examples_of(Kind::texture)) {
@@ -37,8 +37,8 @@ std::vector<Example> hosted_examples() {
     return chosen;
 }
 
-/// Nothing but what the options say may come out: success, the code of the fault, or the importer's own 3 for
-/// a file that is not there.
+/// Expects a result that follows from the options: success, the code of the fault, or the importer's own 3
+/// for a missing file.
 void expect_sound(const Climb& climbed, A_Err code, const std::string& rung) {
     EXPECT_EQ(climbed.complaint, "") << rung;
     EXPECT_FALSE(climbed.no_memory_thrown) << rung;
@@ -48,7 +48,7 @@ void expect_sound(const Climb& climbed, A_Err code, const std::string& rung) {
     EXPECT_TRUE(!climbed.result.missing_suite || !tests_today()) << rung;
 }
 
-/// What a texture's last callback cannot reach, it cannot give back.
+/// Whether the failure keeps the texture's last callback from reaching the image, so that it cannot free it.
 bool loses_picture(const std::string& function) {
     return function == "AcquireSuite" || function == "AEGP_GetInSpecOptionsHandle" ||
            function == "AEGP_LockMemHandle";

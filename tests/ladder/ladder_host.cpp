@@ -18,8 +18,8 @@ using embedded::RuleViolation;
 
 constexpr std::uint8_t kPreferenceBefore = 2;
 
-/// What a host may find when its own calls fail: what the bundle opened and then could not close, and what it
-/// was to do with things that it did not get.
+/// The violations that a host may find when its own calls fail: things that the bundle opened and could not
+/// close, and uses of things that it did not get.
 constexpr RuleViolation kOfFaults[] = {
     RuleViolation::bad_argument,
     RuleViolation::stream_not_disposed,
@@ -32,7 +32,7 @@ constexpr RuleViolation kOfFaults[] = {
     RuleViolation::missing_suite_exception,
 };
 
-/// Stays in memory: to load it anew for every rung would be most of the time.
+/// Keeps the bundle in memory: loading it for every rung would take most of the time.
 void keep_bundle() {
     static std::string error;
     static const auto kept = os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
@@ -70,8 +70,8 @@ std::string undo_complaint(const Host& host) {
 
 std::string rule_complaint(const Host& host, bool with_faults) {
     for (const diagnostic::Diagnostic& problem : host.conformance().violations()) {
-        // The memory handle of a texture that is refused is deliberately kept, and a texture without a header
-        // is one without pixels, which the host does not take.
+        // The bundle deliberately keeps the memory handle of a refused texture; and a texture without a
+        // header has no pixels, which the host does not accept.
         const bool of_texture = (problem.code == RuleViolation::memory_left_alive &&
                                  problem.within.front() == "AEIO_InitInSpecFromFile") ||
                                 (problem.code == RuleViolation::bad_argument &&

@@ -1,4 +1,4 @@
-// Every allocation of the bundle refused in turn, and every file read one byte at a time.
+// Refuses every allocation of the bundle in turn, and reads every file one byte at a time.
 
 #include <gtest/gtest.h>
 
@@ -12,7 +12,7 @@
 
 namespace {
 
-// Of an import with many more allocations than this, a part.
+// The most allocations refused per file; a sample of imports with more.
 #if defined(VXR_SANITIZED)
 constexpr std::size_t kOfOneFile = 60;
 #else
@@ -29,7 +29,7 @@ TEST(MemoryLadder, EveryAllocationRefused) {
             asked = RefusedAllocation::asked();
             ASSERT_EQ(clean.complaint, "") << example.name;
         }
-        // A texture's memory is malloc's, and a file that is refused by its first letters needs none.
+        // A texture's memory comes from malloc, and a file that is refused by its first bytes needs none.
         if (RefusedAllocation::with_malloc() ||
             (example.kind == Kind::scene && example.origin == Origin::example)) {
             ASSERT_GT(asked, 0) << example.name;
@@ -50,13 +50,13 @@ TEST(MemoryLadder, EveryAllocationRefused) {
     }
 }
 
-TEST(MemoryLadder, OneByteAtATimeComesToTheSame) {
+TEST(MemoryLadder, OneByteAtATimeGivesTheSameResult) {
     for (const Example& example : all_examples()) {
         const ClimbingFile file(example);
         const std::string whole = result_of(file.path());
         const SlowFiles slow;
         EXPECT_TRUE(result_of(file.path()) == whole) << example.name;
-        // Of a scene every byte, and of a texture; of other footage what tells the bundle that it is there.
+        // The bundle reads scenes and textures completely; of other footage, only what shows that it exists.
         if (example.kind != Kind::footage) {
             EXPECT_GE(SlowFiles::bytes(), static_cast<long>(file.size_bytes())) << example.name;
         }

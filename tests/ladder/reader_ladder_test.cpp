@@ -1,5 +1,5 @@
-// The readers themselves, without a host: whatever is cut off and whichever bit is inverted, the result is a
-// sound model or texture, or a refusal with one reason.
+// The readers without a host: wherever a file is cut and whichever bit is inverted, the result is a sound
+// model or texture, or a refusal with one reason.
 
 #include <gtest/gtest.h>
 
@@ -21,7 +21,7 @@
 
 namespace {
 
-// Of each file at most so many inverted bits and an eighth as many lengths.
+// The most inverted bits per file; an eighth as many lengths.
 #if defined(VXR_SANITIZED)
 constexpr std::size_t kMost = 480;
 constexpr std::size_t kMostOfASeed = 80;
@@ -49,7 +49,7 @@ std::string scene_complaint(const std::string& path, ReadObserver* observer, boo
     return validate_model(settings, read ? ModelState::complete : ModelState::broken_off).value_or("");
 }
 
-/// As the bundle reads a scene and as the tools do, which must agree.
+/// Reads a scene as the bundle does and, with an observer, as the tools do: both must agree.
 std::string scene_complaint(const std::string& path) {
     bool read = false;
     bool read_by_tools = false;
@@ -111,7 +111,7 @@ TEST(ReaderLadder, CutAtEveryLengthAndEveryBitInverted) {
     }
 }
 
-TEST(ReaderLadder, EveryByteOfASceneReplacedByOnesThatMatter) {
+TEST(ReaderLadder, EveryByteOfASceneReplaced) {
     for (const Example& example : examples_and_seeds()) {
         if (example.kind != Kind::scene) {
             continue;
@@ -129,8 +129,8 @@ TEST(ReaderLadder, EveryByteOfASceneReplacedByOnesThatMatter) {
     }
 }
 
-// In a sanitizer's build too, every byte of the scene in which every construct occurs.
-TEST(ReaderLadder, EveryConstructIsReadAndBreaksInEveryPlace) {
+// Every length and every byte of the scene with every construct, also in builds with sanitizers.
+TEST(ReaderLadder, EveryConstructCutAndReplacedEverywhere) {
     const Example& scene = all_seeds().front();
     ASSERT_EQ(scene.name, "every_construct.aec");
     ClimbingFile file(scene, false);

@@ -7,7 +7,7 @@
 
 namespace {
 
-// One thread imports; another, of a library, may allocate meanwhile, and is none of the bundle.
+// Thread-local: one thread imports, and a library's thread that allocates meanwhile is not the bundle.
 thread_local bool t_in_bundle = false;
 thread_local bool t_counting = false;
 thread_local std::int64_t t_asked = 0;
@@ -20,7 +20,7 @@ bool refused() {
 }  // namespace
 
 #if !defined(VXR_SANITIZED)
-// The C library's own, under the names that it has for those who replace them.
+// The C library's functions under the names that it provides for replacements.
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
@@ -100,8 +100,7 @@ RefusedAllocation::~RefusedAllocation() {
 }
 
 embedded::Watcher RefusedAllocation::watcher() {
-    // Callbacks are called by the host alone and the host by the bundle alone, so every passage is to the
-    // other side.
+    // Only the host calls callbacks and only the bundle calls the host, so every passage changes sides.
     return [](embedded::Passage /*passage*/, std::string_view /*what*/) { t_in_bundle = !t_in_bundle; };
 }
 

@@ -4,20 +4,20 @@
 
 #include "embedded/testing.h"
 
-/// Counts what the bundle allocates while one of these lives, and refuses one of them. This program's
-/// `operator new` in all its forms is the bundle's, too; without a sanitizer, whose own they are then, so are
-/// `malloc` and `calloc`. What the host allocates is not touched: the watcher tells the two apart.
+/// During its lifetime, counts the bundle's allocations and refuses one of them. The bundle uses this
+/// program's `operator new` in all its forms, and without a sanitizer also its `malloc` and `calloc`. The
+/// watcher tells the bundle's allocations from the host's, which are not counted.
 class RefusedAllocation {
   public:
-    /// The allocation of that number, from 1, is refused; 0 for none.
+    /// Refuses the allocation with this number, from 1; none for 0.
     explicit RefusedAllocation(std::int64_t refused);
     ~RefusedAllocation();
     RefusedAllocation(const RefusedAllocation&) = delete;
     RefusedAllocation& operator=(const RefusedAllocation&) = delete;
 
-    /// To be given to the host.
+    /// The watcher for the host.
     [[nodiscard]] static embedded::Watcher watcher();
-    /// Allocations of the bundle so far.
+    /// The number of the bundle's allocations so far.
     [[nodiscard]] static std::int64_t asked();
     /// Whether `malloc` and `calloc` are counted.
     [[nodiscard]] static bool with_malloc();

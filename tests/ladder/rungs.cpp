@@ -5,7 +5,7 @@
 
 namespace {
 
-/// Written after everything else, by the destructor of a static object.
+/// The destructor of a static object prints the counts, after all other output.
 class Counts {
   public:
     Counts() = default;

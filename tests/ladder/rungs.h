@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-/// Counts rungs that were climbed, by kind: "cuts", "flips". When the program ends, its last line is
+/// Counts rungs by kind: "cuts", "flips". The last line of the program is
 ///   rungs: {"cuts": 12, "flips": 96}
-/// for programs that add them up.
+/// for scripts that add them up.
 void count_rungs(const std::string& kind, std::int64_t count = 1);

@@ -37,7 +37,7 @@ int close_descriptor(void* cookie) {
 
 }  // namespace
 
-// The C library's stream over a source that gives one byte at a time: fread asks it again and again, as it
+// Opens the C library's stream over a source that gives one byte at a time: fread asks it repeatedly, as it
 // asks the system.
 extern "C" std::FILE* fdopen(int descriptor, const char* mode) noexcept {
     using Function = std::FILE* (*)(int, const char*);

@@ -1,7 +1,7 @@
 #pragma once
 
-/// While one of these lives, files that are opened by descriptor, as the bundle opens those that it reads,
-/// are given out one byte at a time.
+/// During its lifetime, files that are opened by descriptor, as the bundle opens its input, yield one byte at
+/// a time.
 class SlowFiles {
   public:
     SlowFiles();
@@ -9,6 +9,6 @@ class SlowFiles {
     SlowFiles(const SlowFiles&) = delete;
     SlowFiles& operator=(const SlowFiles&) = delete;
 
-    /// Bytes that were read one by one so far.
+    /// The number of bytes read one by one so far.
     [[nodiscard]] static long bytes();
 };

@@ -25,7 +25,7 @@ std::string header(std::int32_t width, std::int32_t height, std::int32_t mode = 
     return header_of(width, height, mode).bytes();
 }
 
-/// The header of a picture of 2^30 pixels and that of a chunk of rows, behind which `blocks` stand.
+/// The header of an image of 2^30 pixels and that of a chunk of rows, followed by `blocks`.
 std::string rows(std::int32_t count, std::int32_t rows, std::int32_t channels, std::int32_t mode,
                  const std::vector<std::pair<int, std::string>>& blocks = {}) {
     TxlFile file = header_of(1 << 15, 1 << 15, mode);
@@ -34,7 +34,7 @@ std::string rows(std::int32_t count, std::int32_t rows, std::int32_t channels, s
     return file.bytes();
 }
 
-/// `first` texture headers after another, all of the largest picture.
+/// `first` consecutive texture headers, all of the largest image.
 std::string headers(int count) {
     TxlFile file = header_of(1 << 15, 1 << 15, 4);
     for (int i = 1; i < count; ++i) {
@@ -55,7 +55,7 @@ std::string alphas(std::int32_t width, std::int32_t height, std::size_t count) {
     return file.bytes();
 }
 
-/// Rows of one pixel in a picture of which no two rows share a page of memory.
+/// Rows of one pixel in an image in which no two rows share a page of memory.
 std::string pixel_a_row(std::int32_t count) {
     TxlFile file = header_of(1 << 13, 1 << 17, 2);
     file.with_rows = true;

@@ -1,5 +1,5 @@
-// How much memory hostile files make their readers take, each file and reader in a process of its own. In the
-// release build alone: the sanitizers' own memory is larger than what is measured.
+// The memory that hostile files make their readers use, with a process for each file and reader. Release
+// build only: sanitizers use more memory themselves.
 //
 // Prints a line `memory: {...}` for scripts.
 
@@ -29,15 +29,17 @@
 
 namespace {
 
-/// What no file of so few bytes makes a reader take more of.
+/// The most memory that a reader may use for such a small file.
 constexpr std::size_t kSmallFile_bytes = 100;
 constexpr std::int64_t kMostOfASmallFile_bytes = std::int64_t{4} << 20;
 
-/// Of larger files: what rows that are repaired take, six bytes of a bitmap for each of theirs.
+/// For larger files, in addition: the memory for repaired rows, six bytes of a bitmap for each of their
+/// bytes.
 constexpr std::int64_t kMostOfRepairs_bytes = 6 * limits::kRepairedBytes.value;
 
-/// And for each byte of the file. A layer has 59 bytes at least, for whose alpha channel the C library may
-/// clear the 128 KiB that it has in store; a row of one pixel has 7, and lies in up to two pages of memory.
+/// And this for each byte of the file. A layer has at least 59 bytes, and for its alpha channel the C library
+/// may clear up to 128 KiB that it keeps in reserve; a row of one pixel has 7 bytes and occupies up to two
+/// pages of memory.
 constexpr std::int64_t kMostOfAByte_bytes = 2400;
 
 std::int64_t most_memory_bytes(std::size_t file_bytes) {
@@ -51,7 +53,7 @@ struct Reader {
     std::function<void(const std::string& path)> read;
 };
 
-// One host for all: each process has its own copy of it, with the bundle loaded and nothing read.
+// One host for all processes: each gets a copy with the bundle loaded and nothing read.
 embedded::Host& loaded_host() {
     static embedded::Host host;
     static const bool kLoaded = host.load(VXR_BUNDLE_PATH).ok();
@@ -95,7 +97,7 @@ const std::vector<Reader>& readers() {
     return kReaders;
 }
 
-/// The worst of all runs.
+/// The run with the most memory.
 struct Worst {
     std::int64_t memory_bytes = 0;
     std::string of;
@@ -106,7 +108,7 @@ struct Measured {
     std::int64_t runs = 0;
     Worst small;
     Worst large;
-    double large_per_byte = 0;  ///< of what is above the other two allowances
+    double large_per_byte = 0;  ///< of the memory above the other two allowances
 };
 
 void measure(const HostileFile& file, const TemporaryFolder& folder, Measured& measured) {
@@ -137,8 +139,8 @@ void measure(const HostileFile& file, const TemporaryFolder& folder, Measured& m
     }
 }
 
-// What there is to measure when nothing is read, and when something is taken.
-TEST(HostileMemory, WhatIsTakenIsSeen) {
+// The measurement itself: with nothing read, with memory used, and with a crash.
+TEST(HostileMemory, UsedMemoryIsMeasured) {
     constexpr std::int64_t kTaken_bytes = std::int64_t{64} << 20;
     const ChildMemory nothing = memory_of([] { return true; });
     EXPECT_TRUE(nothing.ended_well);
@@ -150,10 +152,10 @@ TEST(HostileMemory, WhatIsTakenIsSeen) {
     EXPECT_TRUE(touched.ended_well);
     EXPECT_GE(touched.above_start_bytes(), kTaken_bytes);
     const ChildMemory crashed = memory_of([]() -> bool { ::_exit(0); });
-    EXPECT_FALSE(crashed.ended_well) << "what does not come to its end is no measurement";
+    EXPECT_FALSE(crashed.ended_well) << "work that does not finish is no measurement";
 }
 
-TEST(HostileMemory, StaysWithinWhatTheFileIsWorth) {
+TEST(HostileMemory, StaysInProportionToTheFile) {
     loaded_host();
     const TemporaryFolder folder;
     Measured measured;

@@ -1,5 +1,5 @@
-// What real scenes and textures may need is not refused, at the size where somebody might think that it is:
-// each case in a process of its own, with its peak memory and its processor time. In the release build alone.
+// Files as large as real scenes and textures may become are accepted. Each case runs in a process of its own,
+// which yields its peak memory and processor time. Release build only.
 //
 // Prints a line `large: {...}` for scripts after each case.
 
@@ -40,7 +40,7 @@ std::uint8_t value_at(std::size_t i) {
     }
 }
 
-/// A row of the picture: first red and green, blue being 0, then alpha.
+/// A row of the image. Blue is 0.
 struct Row {
     std::string rgb;
     std::string alpha;
@@ -62,7 +62,7 @@ bool write_large_texture(const std::string& path) {
     texture.height_px = kSide_px;
     texture.pixels = PixelBuffer(texture.pixel_count() * 3);
     texture.alphas.push_back({"Alpha", PixelBuffer(texture.pixel_count())});
-    // Rows that differ by a multiple of 768 are the same.
+    // Rows whose numbers differ by a multiple of 768 are equal.
     constexpr std::size_t kDifferentRows = std::size_t{3} * 256;
     for (std::size_t first = 0; first < kDifferentRows; ++first) {
         const Row row = row_at(first);
@@ -129,7 +129,7 @@ bool is_checked(const std::string& path) {
     return code == cli::ExitCode::fine;
 }
 
-/// Whether the import went well and its first line has `summary`.
+/// Whether the import succeeds and its first line contains `summary`.
 bool is_imported(const std::string& path, const std::string& summary) {
     cli::ExitCode code{};
     const std::string tree = output_of({"import", "--bundle", VXR_BUNDLE_PATH, path}, code);
@@ -150,7 +150,7 @@ std::string scene_with_keys(int objects, int keys_each) {
     return text;
 }
 
-/// Runs `work` by itself and tells what it took.
+/// Runs `work` in a process of its own and prints what it used.
 void expect_done(const char* name, const std::function<bool()>& work) {
     const ChildMemory memory = memory_of(work);
     EXPECT_TRUE(memory.ended_well) << name;
@@ -187,7 +187,7 @@ TEST(LargeFiles, AMillionKeys) {
     expect_done("1,000,000 keys in 1,000 objects, imported", [&] { return is_imported(path, "1000 nulls"); });
 }
 
-// A host adds keys of a stream one by one, each at its place among the others: quadratic, by design.
+// A host inserts the keys of a stream one by one at their places among the others: quadratic, by design.
 TEST(LargeFiles, AHundredThousandKeysInOneObject) {
     const TemporaryFolder folder;
     const std::string path = folder.write("keys.aec", scene_with_keys(1, 100000));

@@ -9,7 +9,7 @@
 
 namespace {
 
-// Written up to here, the rest are zeros that take no room on the disk.
+// Writes the beginning; the rest are zeros that use no space on the disk.
 std::string sparse(const TemporaryFolder& folder, const char* name, const std::string& bytes,
                    std::int64_t length_bytes) {
     const std::string path = folder.write(name, bytes);
@@ -29,7 +29,7 @@ int int_of(const limits::Limit& limit) {
     return static_cast<int>(limit.value);
 }
 
-// What follows the last object of a file is passed over, so a long file is a short one with a tail.
+// The reader ignores what follows the last object, so a long file is a short one with a tail.
 std::string long_scene(const TemporaryFolder& folder, int above) {
     return sparse(folder, "scene.aec", nested_scene(1) + "NULL \"n\" {\nKEY 0 0 0 0 0 0 0\n}\n",
                   limits::kCompositionFile.value + above);
@@ -45,7 +45,7 @@ std::string long_number(const TemporaryFolder& folder, int above) {
     return scene(folder, scene_settings() + "FROM " + zeros + "1 COMPOSITION NRM \"a\" { }\n");
 }
 
-// A chunk that nobody knows, with one block that reaches to the end of the file, which may end there.
+// An unknown chunk with one block that reaches to the end of the file, which may end there.
 std::string long_texture(const TemporaryFolder& folder, int above) {
     const std::int64_t length = limits::kTextureFile.value + above;
     TxlFile file;
@@ -63,7 +63,7 @@ std::string many_pixels(const TemporaryFolder& folder, int above) {
     return texture(folder, file);
 }
 
-// The largest picture in RGB takes three quarters of what may be decoded, an alpha channel the last one.
+// The largest image in RGB uses three quarters of the limit on decoded bytes, an alpha channel the last one.
 std::string many_decoded_bytes(const TemporaryFolder& folder, int above) {
     TxlFile file;
     file.width = 1 << 15;
@@ -73,8 +73,8 @@ std::string many_decoded_bytes(const TemporaryFolder& folder, int above) {
     return texture(folder, file);
 }
 
-// One row that keeps the row before, for which nothing has to be decoded; the tail of the file makes it long
-// enough to hold such a row.
+// One row that repeats the row before, so that nothing is decoded; a tail makes the file long enough for such
+// a row.
 std::string wide_row(const TemporaryFolder& folder, int above) {
     TxlFile file;
     file.mode = 2;
@@ -91,7 +91,7 @@ std::string wide_row(const TemporaryFolder& folder, int above) {
                         before_tail + std::string(static_cast<std::size_t>(tail_bytes), '\0') + behind_tail);
 }
 
-// The bytes behind the header of rows are its rows and the two end tags.
+// The header of rows is followed by the rows and the two end tags.
 std::string row_above_the_rate(const TemporaryFolder& folder, int above) {
     TxlFile file;
     file.mode = 2;
@@ -105,8 +105,8 @@ std::string row_above_the_rate(const TemporaryFolder& folder, int above) {
     return texture(folder, file);
 }
 
-// 2,048 rows that keep the row before. The file's length is a multiple of 32, so that a row of a whole number
-// of bytes comes up to the limit; one byte less in the file, and the same rows are above it.
+// 2,048 rows that repeat the row before. The file's length is a multiple of 32, so that a row of a whole
+// number of bytes reaches the limit; with one byte less in the file, the same rows exceed it.
 std::string many_repaired_rows(const TemporaryFolder& folder, int above) {
     constexpr std::int32_t kRows = 2048;
     TxlFile file;

@@ -1,5 +1,5 @@
-// Every limit with the last file that is accepted and the first that is refused: through the readers, and
-// through the tools, which name it.
+// Every limit with the last file that is accepted and the first that is refused, through the readers and
+// through the tools, which name the limit.
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ bool plug_in_reads_texture(const std::string& path) {
     return filter.LoadImage(path.c_str(), &image);
 }
 
-// The error in a verb's document about one file.
+// The error in a verb's JSON document about one file.
 json error_in(const std::string& text) {
     const json document = json::parse(text);
     return (document.contains("import") ? document.at("import") : document.at("files").at(0))
@@ -82,7 +82,7 @@ TEST_P(Pairs, TheLastIsAccepted) {
 TEST_P(Pairs, OneMoreIsRefused) {
     const std::string path = GetParam().write(folder_, 1);
     if (GetParam().texture) {
-        // The plug-in keeps one alpha channel, whatever the file has.
+        // The plug-in keeps one alpha channel, however many the file has.
         EXPECT_EQ(plug_in_reads_texture(path), GetParam().limit == &limits::kDecodedBytes);
         expect_named({"texture", "check", path});
         expect_named({"texture", "info", path});
@@ -107,7 +107,7 @@ TEST(Refusals, NameTheirLimitInALineOfTheMessage) {
 INSTANTIATE_TEST_SUITE_P(Limit, Pairs, testing::ValuesIn(limit_pairs()),
                          [](const auto& tested) { return std::string(tested.param.name); });
 
-TEST(Limits, EveryOneThatAFileCanReachHasItsPair) {
+TEST(Limits, EveryReachableOneHasAPair) {
     for (const limits::Limit* const limit : limits::kAll) {
         const bool has_pair = std::any_of(limit_pairs().begin(), limit_pairs().end(),
                                           [&](const LimitPair& pair) { return pair.limit == limit; });

@@ -1,4 +1,4 @@
-// `vxr limits`: what it shows is what the readers compare with.
+// `vxr limits` shows the values that the readers use.
 
 #include <gtest/gtest.h>
 
@@ -22,7 +22,7 @@ std::string output_of(const std::vector<std::string>& arguments) {
     return ran.out;
 }
 
-TEST(LimitsVerb, ShowsEveryLimitWithValueRuleReasonAndWhatIsBeyond) {
+TEST(LimitsVerb, ShowsEveryLimitWithItsMembers) {
     const std::string text = output_of({"limits"});
     EXPECT_NE(text.find("nesting of compositions: 1,024 levels [composition-nesting]\n"
                         "      our rule: reading, building and deleting a tree stays within 512 KiB of\n"
@@ -46,7 +46,7 @@ TEST(LimitsVerb, JsonHasEveryMemberInItsPlace) {
               R"("beyond":"refused: word-too-long"})");
 }
 
-TEST(Limits, AreNamedApartAndGiveAReason) {
+TEST(Limits, HaveDistinctNamesAndAReason) {
     std::set<std::string> ids;
     for (const limits::Limit* const limit : limits::kAll) {
         EXPECT_TRUE(ids.insert(limit->id).second) << limit->id;

@@ -1,4 +1,4 @@
-// What has no limit but the length of its file: a great deal of it is read.
+// Things that only the length of the file limits: a great many of them are read.
 
 #include <gtest/gtest.h>
 
@@ -35,7 +35,7 @@ TEST(WithoutLimit, ALineWithAFootagePath) {
     EXPECT_EQ(reading.facts.footage[0].written.size(), path.size());
 }
 
-// The limit on keys is the length of a file of nothing but the shortest ones.
+// The limit on keys is the length of a file that contains only the shortest ones.
 TEST(WithoutLimit, KeysOfSixteenBytes) {
     const std::string key = "KEY. . . . . . .";
     ASSERT_EQ(static_cast<std::int64_t>(key.size()), limits::kShortestKey_bytes);

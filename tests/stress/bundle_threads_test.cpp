@@ -1,5 +1,5 @@
-// A host that calls the input module from eight threads at once. Built with ThreadSanitizer (the preset
-// `threads`) every access is watched; built otherwise, the frames are still compared.
+// A host that calls the input module from eight threads at once. ThreadSanitizer (the preset `threads`)
+// watches every access; other builds still compare the frames.
 
 #include <gtest/gtest.h>
 
@@ -38,7 +38,7 @@ constexpr Picture kPictures[] = {
     {"one_pixel.txl", 1, 1, Texture::kRgb, 2},
 };
 
-// A frame of the picture's size, one that cuts it, one that it does not fill, and one without pixels.
+// A frame about as large as the image, a smaller one, a larger one, and one without pixels.
 constexpr FrameGeometry kGeometries[] = {
     {31, 25, 0, false},
     {8, 5, 12, false},
@@ -46,7 +46,7 @@ constexpr FrameGeometry kGeometries[] = {
     {0, 0, 0, false},
 };
 
-/// Runs `work(thread)` on every thread, all let go at the same moment.
+/// Runs `work(thread)` on every thread. All threads start at the same moment.
 template <class Work>
 void on_all_threads(const Work& work) {
     std::barrier start(kThreads);
@@ -75,7 +75,7 @@ class BundleThreads : public testing::TestWithParam<HostGeneration> {
             }
             paths_.push_back(path);
         }
-        // All pictures differ, or a thread that draws another's would not be noticed.
+        // All images differ; otherwise a thread that draws another's would go unnoticed.
         for (std::size_t i = 1; i < serial_.size(); ++i) {
             EXPECT_NE(serial_[0][0], serial_[i][0]);
         }
@@ -89,7 +89,8 @@ class BundleThreads : public testing::TestWithParam<HostGeneration> {
     BundleThreads(const BundleThreads&) = delete;
     BundleThreads& operator=(const BundleThreads&) = delete;
 
-    /// Draws a picture into a frame, both chosen by `random`, and compares. `items` are of kPictures each.
+    /// Draws an image into a frame, both chosen by `random`, and compares the result with that of one thread.
+    /// `items` holds one item for each of kPictures.
     template <class Items>
     bool draws_like_alone(const Items& items, std::mt19937& random) const {
         const std::size_t picture = random() % std::size(kPictures);
@@ -144,8 +145,8 @@ TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
     });
     EXPECT_EQ(equal, kDraws);
     EXPECT_EQ(refused, kThreads * kRounds);
-    // A file that is refused is reported by the reader and by the callback around it, and the handle that was
-    // made for it stays with the host: the module deliberately attaches it only to footage that was read.
+    // The reader and the callback around it each report a refused file, and the host keeps the handle that
+    // was made for it: the module deliberately attaches handles only to footage that it could read.
     EXPECT_EQ(host_.reports(), 2L * refused);
     handles_deliberately_kept_ = refused;
 }
@@ -153,7 +154,7 @@ TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
 INSTANTIATE_TEST_SUITE_P(Hosts, BundleThreads,
                          testing::Values(HostGeneration::classic, HostGeneration::current),
                          [](const auto& generation) {
-                             return generation.param == HostGeneration::classic ? "classic" : "today";
+                             return generation.param == HostGeneration::classic ? "classic" : "current";
                          });
 
 }  // namespace

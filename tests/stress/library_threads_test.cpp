@@ -1,4 +1,4 @@
-// The texture library as `vxr texture convert` uses it: several files at a time, each by one thread.
+// The texture library as `vxr texture convert` uses it: several files at a time, one thread for each.
 
 #include <gtest/gtest.h>
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <utility>
 
-/// A memory handle. Its bytes go when it is freed, so that a use after that is seen; the handle itself stays
-/// until the host goes.
+/// A memory handle. Its bytes are freed with it, so that a later use is detected; the handle itself stays
+/// until the host is destroyed.
 struct AEGP_Mem {
     explicit AEGP_Mem(std::size_t size_bytes) : bytes(new std::byte[size_bytes]()) {}
     std::unique_ptr<std::byte[]> bytes;
@@ -140,7 +140,7 @@ struct SuiteRow {
     std::string_view name;
     A_long version;
     const void* table;
-    std::optional<HostGeneration> generation = {};  ///< none: both
+    std::optional<HostGeneration> generation = {};  ///< empty: both
 };
 
 const AEGP_MemorySuite1 kMemory = {new_handle, free_handle, lock_handle, unlock_handle, {}};

@@ -1,6 +1,6 @@
 #pragma once
 
-// The part of a host that an input module sees, for a host that calls it from many threads at once.
+// The part of a host that an input module sees, called from many threads at once.
 
 #include <atomic>
 #include <cstddef>
@@ -12,41 +12,42 @@
 #include "host/current_interface.h"
 #include "support/host_generation.h"
 
-/// What a host keeps of one footage item. Set by the thread that opens it, read by all that draw it.
+/// The host's record of a footage item. The thread that opens it writes it; every thread that draws it reads
+/// it.
 struct AEIO_SeqSpec {
     void* options = nullptr;
     A_long width_px = 0;
     A_long height_px = 0;
 };
 
-/// A frame's bytes, padding and the fill around the picture included: two are the same only if nobody wrote
-/// where the other did not.
+/// A frame's bytes, including padding and the fill around the image: two frames are equal only if exactly the
+/// same bytes were written.
 struct DrawnFrame {
     A_Err code = kHostErrorNone;
     std::vector<unsigned char> bytes;
     friend bool operator==(const DrawnFrame&, const DrawnFrame&) = default;
 };
 
-/// The frame that is asked for.
+/// The frame that the host requests.
 struct FrameGeometry {
     A_long width_px = 0;
     A_long height_px = 0;
-    A_long padding_bytes = 0;  ///< behind every row
+    A_long padding_bytes = 0;  ///< after every row
     bool upwards = false;      ///< rows run upwards in memory
 };
 
-/// Loads the bundle and calls its input module. **Its suites take no lock and order nothing between threads**
-/// (what they count, they count with relaxed atomics), so that a race in the bundle is not hidden behind the
-/// host's own synchronisation. One at a time is alive.
+/// Loads the bundle and calls its input module. **Its suites take no lock and order nothing between
+/// threads**: they count with relaxed atomics, so that the host's own synchronisation does not hide a race in
+/// the bundle. Only one host may exist at a time.
 class ThreadedHost {
   public:
-    /// Throws std::runtime_error when the bundle does not load.
+    /// Throws std::runtime_error if the bundle does not load.
     ThreadedHost(const std::string& bundle, HostGeneration generation);
     ~ThreadedHost();
     ThreadedHost(const ThreadedHost&) = delete;
     ThreadedHost& operator=(const ThreadedHost&) = delete;
 
-    /// One footage item, disposed of with the object.
+    /// A footage item; the destructor disposes of it.
     class Item {
       public:
         /// Opens `path`; `code()` is the module's result.
@@ -58,7 +59,7 @@ class ThreadedHost {
         [[nodiscard]] A_Err code() const { return code_; }
         [[nodiscard]] A_long width_px() const { return footage_.width_px; }
         [[nodiscard]] A_long height_px() const { return footage_.height_px; }
-        /// Safe on several threads at a time, like the module's callback behind it.
+        /// Safe on several threads at a time, like the module's callback.
         [[nodiscard]] DrawnFrame draw(const FrameGeometry& geometry) const;
 
       private:
@@ -68,13 +69,13 @@ class ThreadedHost {
         A_Err code_ = kHostErrorNone;
     };
 
-    /// What the module did wrong so far: a handle freed twice or while locked, an unlock without a lock, an
-    /// unknown suite.
+    /// The number of the module's errors so far: handles freed twice or while locked, unlocks without a lock,
+    /// unknown suites.
     [[nodiscard]] long misuses() const { return misuses_; }
     [[nodiscard]] long reports() const { return reports_; }
-    /// Handles that were lent and not given back.
+    /// The number of memory handles that are not freed.
     [[nodiscard]] long handles_lent() const { return handles_lent_; }
-    /// Suites that were acquired and not given back.
+    /// The number of suites that are not released.
     [[nodiscard]] long suites_lent() const { return suites_lent_; }
 
     // For the suites' functions.

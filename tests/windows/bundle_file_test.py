@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""bundle_file_test.py BUNDLE: what a host and Windows see of the bundle before they load it."""
+"""bundle_file_test.py BUNDLE: what a host and Windows read of the bundle before they load it."""
 import sys
 import unittest
 
@@ -7,8 +7,8 @@ from portable_executable import PortableExecutable
 
 BUNDLE = PortableExecutable(sys.argv.pop())
 
-# Byte for byte, written down from the rules of the host and not taken from the build: little-endian numbers, and every
-# four-character word backwards.
+# Byte for byte, written from the host's rules and not taken from the build: little-endian numbers, and every
+# four-character code reversed.
 PROPERTIES = b"".join([
     b"\x01\x00", b"\x00\x00\x00\x00", b"\x05\x00\x00\x00",
     b"MIB8", b"dnik", b"\x00\x00\x00\x00", b"\x04\x00\x00\x00", b"xgEA",
@@ -32,7 +32,7 @@ class BundleFile(unittest.TestCase):
         self.assertEqual(BUNDLE.exported_names(), ["EntryPointFunc", "Main_VORTANXR_AE"])
 
     def test_holds_the_properties_in_every_byte(self):
-        # The system keeps names of resource types in capitals and finds them in any case.
+        # Windows stores names of resource types in capitals and finds them in any case.
         languages = [key[2] for key in BUNDLE.resources() if key[:2] == ("PIPL", 16000)]
         self.assertEqual(len(languages), 1, BUNDLE.resources().keys())
         self.assertEqual(BUNDLE.resources()["PIPL", 16000, languages[0]], PROPERTIES)

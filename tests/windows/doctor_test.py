@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""doctor_test.py VXR BUNDLE UNRULY: `vxr doctor` under Wine, with the bundle, with one that misbehaves, with no plug-in."""
+"""doctor_test.py VXR BUNDLE UNRULY: `vxr doctor` under Wine with the bundle, with one that misbehaves, and without a plug-in."""
 
 import json
 import os

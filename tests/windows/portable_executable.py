@@ -1,4 +1,4 @@
-"""Reads as much of a 64-bit Windows program as the tests beside it ask about: imports, exports, resources."""
+"""Reads the parts of a 64-bit Windows program that the tests need: imports, exports, resources."""
 import struct
 
 
@@ -37,7 +37,7 @@ class PortableExecutable:
         return self.bytes[begin:self.bytes.index(b"\0", begin)].decode("ascii")
 
     def imported_libraries(self):
-        """Names as written, also of those that are loaded on first use."""
+        """The names as written, including libraries that are loaded on first use."""
         names = []
         for directory, entry_bytes, name_at in ((1, 20, 12), (13, 32, 4)):
             address, size = self.directories[directory]

@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
-"""same_on_both.py VXR_HERE VXR_FOR_WINDOWS: what the program makes of the examples here and under Wine, compared byte for byte.
+"""same_on_both.py VXR_HERE VXR_FOR_WINDOWS: compares what the program makes of the examples here and under Wine, byte for byte.
 
-The host hands the plug-in the full path of a scene, and each system spells the folder in its own way: "/somewhere/" here,
-"Z:\\somewhere\\" there. That spelling is the one difference that is taken back before the comparison; it has to occur, or
-nothing was compared.
+The host passes the full path of a scene to the plug-in, and each system spells the folder in its own way: "/somewhere/"
+here, "Z:\\somewhere\\" there. Only this difference is removed before the comparison; it must occur, or nothing was
+compared.
 """
 import json
 import pathlib
@@ -26,7 +26,7 @@ def in_json(text):
 
 
 def spelt_as_here(document, folder):
-    """The document with the folder of a scene written as on this system; Windows' separator stands behind it as well."""
+    """The document with the folder of a scene and the separator after it written as on this system, and how many there were."""
     there = in_json("Z:" + str(folder).replace("/", "\\") + "\\")
     return document.replace(there, in_json(str(folder) + "/")), document.count(there)
 
@@ -63,7 +63,7 @@ def compare_textures():
         for texture in textures:
             name = str(texture.relative_to(PROJECT))
             made = []
-            # Read, decoded, coded and written again; and what a host is told and gets drawn.
+            # The texture read and written again, and what the module tells a host and draws.
             for number, program in enumerate(([HERE], [WINE, THERE])):
                 copy = pathlib.Path(folder) / f"{number}.txl"
                 codes = [run([*program, "texture", "convert", name, "-o", str(copy)])[0]]
@@ -78,7 +78,7 @@ def compare_textures():
 
 
 def pixels_of(frame):
-    """The pixels of a frame in a TGA, whichever way it is packed, rows from the top."""
+    """The pixels of a frame in a TGA, packed or not, rows from the top."""
     data = frame.read_bytes()
     kind, width, height, bits = data[2], int.from_bytes(data[12:14], "little"), int.from_bytes(data[14:16], "little"), data[16]
     size, at, pixels = bits // 8, 18 + data[0], bytearray()
