@@ -34,7 +34,7 @@ const ImportFlavor* flavor_for(const Session& session, const std::string& path) 
 
 struct FlagLabel {
     A_long flag;
-    const char* word;
+    const char* label;
 };
 
 constexpr FlagLabel kFlagLabels[] = {
@@ -75,17 +75,18 @@ std::vector<std::string> Module::extensions() const {
 }
 
 std::vector<std::string> Module::flag_labels() const {
-    std::vector<std::string> words;
+    std::vector<std::string> labels;
     for (int bit = 0; bit < 32; ++bit) {
         const auto flag = static_cast<A_long>(1U << static_cast<unsigned>(bit));
         if ((info.flags & flag) == 0) {
             continue;
         }
-        const auto* known = std::find_if(std::begin(kFlagLabels), std::end(kFlagLabels),
-                                         [flag](const FlagLabel& word) { return word.flag == flag; });
-        words.push_back(known == std::end(kFlagLabels) ? "bit " + std::to_string(bit) : known->word);
+        const auto* known =
+            std::find_if(std::begin(kFlagLabels), std::end(kFlagLabels),
+                         [flag](const FlagLabel& known_flag) { return known_flag.flag == flag; });
+        labels.push_back(known == std::end(kFlagLabels) ? "bit " + std::to_string(bit) : known->label);
     }
-    return words;
+    return labels;
 }
 
 Host::Host(HostOptions options) : session_(std::make_unique<Session>(std::move(options))) {}

@@ -7,6 +7,7 @@
 //   if (const auto loaded = host.load(bundle); !loaded.ok()) ...
 //   if (host.verify("shot.aec").importable) host.import_file("shot.aec");
 //   host.project(); host.conformance();
+//
 // By its options it is a classic host or a current one. They differ at the edge alone: in the versions of the
 // suites, the entry point, and the paths, which this interface and the project hold as UTF-8.
 //

@@ -11,10 +11,10 @@
 namespace embedded {
 namespace {
 
-using Broken = std::optional<std::string>;
+using BrokenRule = std::optional<std::string>;
 
-std::string named(const char* word, Id id) {
-    return word + (":" + std::to_string(id));
+std::string named(const char* label, Id id) {
+    return label + (":" + std::to_string(id));
 }
 
 template <class Table>
@@ -32,13 +32,13 @@ bool is_positive(const A_Ratio& ratio) {
 
 /// Gives every entry of a table to `check`, which says what is wrong with it or null.
 template <class Table, class Check>
-Broken each(const char* word, const Table& table, const Check& check) {
+BrokenRule each(const char* label, const Table& table, const Check& check) {
     for (std::size_t i = 0; i < table.size(); ++i) {
         const Id expected = static_cast<Id>(i) + 1;
         const char* const wrong =
             table[i].id != expected ? "its id does not match its place" : check(table[i]);
         if (wrong != nullptr) {
-            return named(word, expected) + ": " + wrong;
+            return named(label, expected) + ": " + wrong;
         }
     }
     return std::nullopt;
@@ -202,7 +202,7 @@ const char* wrong_layer(const Project& project, const Layer& layer) {
 }
 
 /// Every layer is in one composition, once, and that is the one that it names.
-Broken validate_stacking(const Project& project) {
+BrokenRule validate_stacking(const Project& project) {
     std::vector<bool> seen(project.layers.size(), false);
     for (const Composition& composition : project.compositions) {
         for (const Id layer : composition.layers) {
@@ -234,7 +234,7 @@ std::optional<std::size_t> shown_by(const Project& project, Id layer) {
 }
 
 /// Takes away, again and again, the compositions that no remaining one shows. What is left shows itself.
-Broken validate_nesting(const Project& project) {
+BrokenRule validate_nesting(const Project& project) {
     std::vector<std::int64_t> shown(project.compositions.size(), 0);
     for (const Layer& layer : project.layers) {
         if (const auto inner = shown_by(project, layer.id)) {
@@ -259,10 +259,10 @@ Broken validate_nesting(const Project& project) {
             }
         }
     }
-    return taken == shown.size() ? std::nullopt : Broken("a composition contains itself");
+    return taken == shown.size() ? std::nullopt : BrokenRule("a composition contains itself");
 }
 
-Broken validate_undo_steps(const Project& project) {
+BrokenRule validate_undo_steps(const Project& project) {
     for (const UndoStep& step : project.undo_steps) {
         if (!step.closed || step.changes < 0) {
             return "undo step \"" + step.name + "\": it is open or counts fewer than 0 changes";
@@ -277,7 +277,8 @@ std::optional<std::string> validate_project(const Project& project) {
     if (project.items.empty()) {
         return "there is no root folder";
     }
-    Broken found = each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
+    BrokenRule found =
+        each("item", project.items, [&](const Item& item) { return wrong_item(project, item); });
     if (!found) {
         found = each("footage", project.footage,
                      [&](const Footage& footage) { return wrong_footage(project, footage); });

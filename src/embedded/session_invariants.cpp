@@ -9,7 +9,7 @@
 namespace embedded {
 namespace {
 
-using Broken = std::optional<std::string>;
+using BrokenRule = std::optional<std::string>;
 
 std::string named(HandleKind kind, Id id) {
     return handle_label(kind) + (":" + std::to_string(id));
@@ -21,7 +21,7 @@ struct Held {
     std::size_t things;
 };
 
-Broken validate_counts(const Session& session) {
+BrokenRule validate_counts(const Session& session) {
     const Project& project = session.project;
     const std::array<Held, static_cast<std::size_t>(HandleKind::count)> all{{
         {HandleKind::project, 1},
@@ -48,7 +48,7 @@ Broken validate_counts(const Session& session) {
 
 /// Every handle of one type is found under its own address, and alive exactly when `is_alive` says so.
 template <class H, class IsAlive>
-Broken validate_handles(const Session& session, const IsAlive& is_alive) {
+BrokenRule validate_handles(const Session& session, const IsAlive& is_alive) {
     constexpr HandleKind kKind = HandleKindOf<H>::value;
     for (Id id = 1; id <= session.handles.made(kKind); ++id) {
         const HandleTable::Token* const token = session.handles.find(session.handles.handle<H>(id));
@@ -63,11 +63,11 @@ Broken validate_handles(const Session& session, const IsAlive& is_alive) {
     return std::nullopt;
 }
 
-Broken validate_all_handles(const Session& session) {
+BrokenRule validate_all_handles(const Session& session) {
     const auto always = [](Id) { return true; };
     // Between callbacks nothing of these is open: what a callback leaves behind is ended at its end.
     const auto never = [](Id) { return false; };
-    Broken found = validate_handles<AEGP_ProjectH>(session, always);
+    BrokenRule found = validate_handles<AEGP_ProjectH>(session, always);
     if (!found) {
         found = validate_handles<AEGP_ItemH>(session, always);
     }
@@ -97,7 +97,7 @@ Broken validate_all_handles(const Session& session) {
     return found;
 }
 
-Broken validate_streams(const Session& session) {
+BrokenRule validate_streams(const Session& session) {
     for (std::size_t i = 0; i < session.stream_refs.size(); ++i) {
         const Session::StreamRef& ref = session.stream_refs[i];
         const bool known = ref.layer >= 1 && Project::index(ref.layer) < session.project.layers.size() &&
@@ -115,7 +115,7 @@ Broken validate_streams(const Session& session) {
     return std::nullopt;
 }
 
-Broken validate_memory(const Session& session) {
+BrokenRule validate_memory(const Session& session) {
     const auto& blocks = session.memory.blocks();
     for (std::size_t i = 0; i < blocks.size(); ++i) {
         const MemoryBlock& block = blocks[i];
@@ -150,7 +150,7 @@ Broken validate_memory(const Session& session) {
 }  // namespace
 
 std::optional<std::string> validate_session(const Session& session) {
-    Broken found = validate_counts(session);
+    BrokenRule found = validate_counts(session);
     if (!found) {
         found = validate_all_handles(session);
     }
