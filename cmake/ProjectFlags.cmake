@@ -114,6 +114,8 @@ function(vxr_library name)
     vxr_joined(${name})
     if(arg_TOOL)
         vxr_quick_to_build(${name})
+    else()
+        target_compile_options(${name} PRIVATE ${VXR_BUNDLE_FLAGS})
     endif()
 endfunction()
 
