@@ -49,7 +49,7 @@ AEGP_FootageInterp guess(const Footage& footage, double native_fps, A_long depth
     return interpretation;
 }
 
-/// The host's depth counts the bits of a whole pixel: colour alone, or colour and alpha.
+/// The depth counts the bits of a whole pixel: colour, and alpha if there is any.
 A_long pixel_depth(const Footage& footage) {
     const int rounded = footage.bits_per_channel <= 8 ? 8 : (footage.bits_per_channel <= 16 ? 16 : 32);
     return rounded * (footage.has_alpha ? 4 : 3);

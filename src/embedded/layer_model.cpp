@@ -12,8 +12,8 @@ namespace {
 
 constexpr A_long kNullSize_px = 100;  // the host's null is a square of this size
 
-/// A 50 mm lens on 36 mm film, the host's preset for new cameras, sees the composition's width from this
-/// distance.
+/// The distance at which a 50 mm lens on 36 mm film, the host's preset for new cameras, covers the
+/// composition's width.
 double starting_zoom(const Composition& composition) {
     return composition.width * 50.0 / 36.0;
 }

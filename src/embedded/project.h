@@ -46,7 +46,7 @@ struct SequenceFrames {
     std::string pattern;           ///< file name with one '#' for each digit of the padding
     FrameRange range;              ///< first and last number found; any start
     std::int64_t count = 0;        ///< files found
-    int padding = 1;               ///< least number of digits; 1: not padded
+    int padding = 1;               ///< the least number of digits; 1: not padded
     std::vector<FrameRange> gaps;  ///< missing numbers between first and last, ascending
 };
 
@@ -60,19 +60,19 @@ enum class FootageKind {
 struct Footage {
     Id id = 0;
     FootageKind kind = FootageKind::file;
-    std::string path;  ///< as the bundle gave it; empty for placeholders
+    std::string path;  ///< as the bundle passed it; empty for placeholders
     std::string name;  ///< the file's name, or the bundle's name for the placeholder
     Id item = 0;       ///< 0 until it is added to the project
     A_long width = 0;
     A_long height = 0;
-    int channels = 0;          ///< channels of the file, alpha included; 0 for placeholders
+    int channels = 0;          ///< of the file, including alpha; 0 for placeholders
     int bits_per_channel = 0;  ///< of the file; 0 for placeholders
     bool has_alpha = false;
     bool alpha_premultiplied = false;  ///< as the file says, else as is usual for its format
     A_Time duration{0, 1};             ///< 0 for stills
     std::optional<SequenceFrames> sequence;
     AEGP_FootageInterp interpretation{};
-    bool interpretation_set = false;  ///< false: the host's own guess
+    bool interpretation_set = false;  ///< false: the host's guess
     Id in_spec = 0;                   ///< for module_file: what the input module said
 };
 

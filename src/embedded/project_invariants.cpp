@@ -30,7 +30,7 @@ bool is_positive(const A_Ratio& ratio) {
     return ratio.num >= 1 && ratio.den >= 1;
 }
 
-/// Gives every entry of a table to `check`, which says what is wrong with it or null.
+/// Passes each entry of a table to `check`, which returns the broken rule or null.
 template <class Table, class Check>
 BrokenRule each(const char* label, const Table& table, const Check& check) {
     for (std::size_t i = 0; i < table.size(); ++i) {
@@ -67,7 +67,7 @@ const char* wrong_item(const Project& project, const Item& item) {
                    ? nullptr
                    : "it is not the root folder";
     }
-    // Nothing is ever moved, so a folder is older than what it holds, and there are no circles.
+    // Items never move, so a folder is older than its contents and cannot contain itself.
     if (item.parent_folder < 1 || item.parent_folder >= item.id ||
         project.item(item.parent_folder).kind != ItemKind::folder) {
         return "it is in no folder";
@@ -86,7 +86,7 @@ const char* wrong_sequence(const SequenceFrames& frames) {
         return nullptr;
     }
     std::int64_t there = frames.range.last - frames.range.first + 1;
-    std::int64_t next = frames.range.first + 1;  // the first file is there, so no gap begins earlier
+    std::int64_t next = frames.range.first + 1;  // the first file exists, so no gap begins earlier
     for (const FrameRange& gap : frames.gaps) {
         if (gap.first < next || gap.last < gap.first || gap.last >= frames.range.last) {
             return "its gaps are out of order or outside the sequence";
@@ -201,7 +201,7 @@ const char* wrong_layer(const Project& project, const Layer& layer) {
     return nullptr;
 }
 
-/// Every layer is in one composition, once, and that is the one that it names.
+/// Every layer is listed once, by the composition that it names.
 BrokenRule validate_stacking(const Project& project) {
     std::vector<bool> seen(project.layers.size(), false);
     for (const Composition& composition : project.compositions) {
@@ -224,7 +224,7 @@ BrokenRule validate_stacking(const Project& project) {
     return std::nullopt;
 }
 
-/// The composition that a layer shows, by its place in the table, if it is one that shows one.
+/// The place in the table of the composition that a layer shows; nothing for other layers.
 std::optional<std::size_t> shown_by(const Project& project, Id layer) {
     const Layer& looked_at = project.layer(layer);
     if (looked_at.kind != LayerKind::composition) {
@@ -233,7 +233,8 @@ std::optional<std::size_t> shown_by(const Project& project, Id layer) {
     return Project::index(project.item(looked_at.source_item).content);
 }
 
-/// Takes away, again and again, the compositions that no remaining one shows. What is left shows itself.
+/// Removes compositions that no remaining one shows until none is left to remove. Those that remain contain
+/// themselves.
 BrokenRule validate_nesting(const Project& project) {
     std::vector<std::int64_t> shown(project.compositions.size(), 0);
     for (const Layer& layer : project.layers) {
@@ -293,7 +294,7 @@ std::optional<std::string> validate_project(const Project& project) {
     }
     if (!found) {
         found = each("inspec", project.in_specs, [](const InSpec& in_spec) {
-            // One that was given up keeps what the module said.
+            // A disposed in-spec keeps what the module said, which may be incomplete.
             return in_spec.disposed || is_time(in_spec.duration) ? nullptr : "its duration has no scale";
         });
     }

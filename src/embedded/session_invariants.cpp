@@ -15,7 +15,7 @@ std::string named(HandleKind kind, Id id) {
     return handle_label(kind) + (":" + std::to_string(id));
 }
 
-/// A kind of handle, and how many things of its kind there are.
+/// A kind of handle, and how many objects of that kind exist.
 struct Held {
     HandleKind kind;
     std::size_t things;
@@ -46,7 +46,7 @@ BrokenRule validate_counts(const Session& session) {
     return std::nullopt;
 }
 
-/// Every handle of one type is found under its own address, and alive exactly when `is_alive` says so.
+/// Every handle of one type is found under its own address and is alive exactly if `is_alive(id)`.
 template <class H, class IsAlive>
 BrokenRule validate_handles(const Session& session, const IsAlive& is_alive) {
     constexpr HandleKind kKind = HandleKindOf<H>::value;
@@ -65,7 +65,7 @@ BrokenRule validate_handles(const Session& session, const IsAlive& is_alive) {
 
 BrokenRule validate_all_handles(const Session& session) {
     const auto always = [](Id) { return true; };
-    // Between callbacks nothing of these is open: what a callback leaves behind is ended at its end.
+    // None of these is open between callbacks: the host closes what a callback leaves open.
     const auto never = [](Id) { return false; };
     BrokenRule found = validate_handles<AEGP_ProjectH>(session, always);
     if (!found) {

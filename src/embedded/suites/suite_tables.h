@@ -39,11 +39,10 @@ const AEGP_IOOutSuite7* io_out_suite_of_today();
 const PF_ANSISuite1* ansi_suite();
 const PF_AEAdvAppSuite1* adv_app_suite();
 
-/// Reports the call; kHostErrorGeneric.
+/// Reports the call and returns kHostErrorGeneric.
 A_Err reserved_slot_called(SuiteId suite, std::size_t slot_index);
 
-/// Stands in slot `Slot`. Takes no arguments: whatever the caller passed is left where the calling convention
-/// put it.
+/// The function in slot `Slot`. It takes no arguments and ignores those that the caller passed.
 template <SuiteId Suite, std::size_t Slot>
 A_Err reserved_slot() {
     return reserved_slot_called(Suite, Slot);
@@ -54,7 +53,7 @@ std::array<ReservedSlot, sizeof...(Slots)> reserved_slots(std::index_sequence<Sl
     return {reinterpret_cast<ReservedSlot>(&reserved_slot<Suite, Slots>)...};
 }
 
-/// A table of which every slot is reserved; the suite then puts its functions into the slots that it has.
+/// A table whose slots are all reserved; the suite then sets those that it implements.
 template <class Table, SuiteId Suite>
 Table reserved_table() {
     static_assert(sizeof(Table) % sizeof(ReservedSlot) == 0);
