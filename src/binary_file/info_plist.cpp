@@ -27,7 +27,7 @@ std::string text_of(const pugi::xml_node& element) {
 
 std::map<std::string, std::string> texts_of(const pugi::xml_node& dictionary) {
     std::map<std::string, std::string> texts;
-    std::optional<std::string> key;  // belongs to the value directly behind it
+    std::optional<std::string> key;  // belongs to the value that follows it
     for (const pugi::xml_node& element : dictionary) {
         const std::string_view name = element.name();
         if (element.type() != pugi::node_element) {

@@ -38,7 +38,7 @@ std::string mach_o_processor(std::uint32_t type) {
     }
 }
 
-std::string kind_word(std::uint32_t type) {
+std::string kind_label(std::uint32_t type) {
     switch (type) {
         case 1:
             return "object file";
@@ -110,7 +110,7 @@ void read_image(const ByteView& slice, BinaryImage& image) {
     image.is_64_bit = file.u32(0) == kMagic64;
     image.processor = mach_o_processor(file.u32(4));
     const std::uint32_t type = file.u32(12);
-    image.kind = kind_word(type);
+    image.kind = kind_label(type);
     image.loadable = type == 6 || type == 8;
     const std::uint32_t count = file.u32(16);
     const ByteView commands = file.part(image.is_64_bit ? 32 : 28, file.u32(20));

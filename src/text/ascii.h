@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-// The case of ASCII letters, whatever the locale, and the last component of a path. Other bytes are left
-// alone.
+// The case of ASCII letters, independent of the locale, and the last component of a path. Other bytes are
+// left alone.
 
 namespace text {
 

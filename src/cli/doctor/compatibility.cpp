@@ -6,7 +6,7 @@ namespace cli::doctor {
 namespace {
 
 /// What the file is: follows "this is".
-std::string file_words(const Diagnosis& diagnosis) {
+std::string file_label(const Diagnosis& diagnosis) {
     if (diagnosis.images.empty()) {
         return "not a plug-in";
     }
@@ -31,7 +31,7 @@ bool is_container(const Diagnosis& diagnosis, const char* container) {
 /// Current hosts read the properties of a file before they load it. They cannot be run here, so the answer
 /// follows from their rules.
 Compatibility by_the_rules(const Diagnosis& diagnosis, const char* platform, const char* container) {
-    Compatibility host{platform, "today", Answer::no, "this is " + file_words(diagnosis)};
+    Compatibility host{platform, "today", Answer::no, "this is " + file_label(diagnosis)};
     if (!is_container(diagnosis, container)) {
         return host;
     }
@@ -42,7 +42,7 @@ Compatibility by_the_rules(const Diagnosis& diagnosis, const char* platform, con
 }
 
 Compatibility classic_by_the_rules(const Diagnosis& diagnosis, const char* platform, const char* container) {
-    Compatibility host{platform, "classic", Answer::no, "this is " + file_words(diagnosis)};
+    Compatibility host{platform, "classic", Answer::no, "this is " + file_label(diagnosis)};
     if (!is_container(diagnosis, container)) {
         return host;
     }
@@ -62,11 +62,11 @@ Compatibility by_load_test(const Diagnosis& diagnosis, const char* generation) {
     if (load_test == diagnosis.load_tests.end()) {
         if (diagnosis.images.empty() || is_container(diagnosis, own_container())) {
             host.answer = Answer::no;
-            host.reason = "this is " + file_words(diagnosis);
+            host.reason = "this is " + file_label(diagnosis);
             host.reason =
                 diagnosis.images.empty() ? host.reason : diagnosis.first_error().value_or(host.reason);
         } else {
-            host.reason = "this is " + file_words(diagnosis) + ", which cannot be loaded here";
+            host.reason = "this is " + file_label(diagnosis) + ", which cannot be loaded here";
         }
         return host;
     }

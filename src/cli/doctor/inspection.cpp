@@ -21,7 +21,7 @@ using binary_file::Container;
 
 constexpr std::array<std::string_view, 2> kEntries{"EntryPointFunc", "Main_VORTANXR_AE"};
 
-const char* container_word(Container container) {
+const char* container_label(Container container) {
     switch (container) {
         case Container::elf:
             return "ELF";
@@ -35,7 +35,7 @@ const char* container_word(Container container) {
 
 BinaryFacts facts_of(const BinaryImage& image) {
     BinaryFacts facts{
-        container_word(image.container), image.kind, image.processor, image.offset_bytes, {}, {}, {}};
+        container_label(image.container), image.kind, image.processor, image.offset_bytes, {}, {}, {}};
     facts.export_count = image.exports.size();
     for (const std::string_view entry : kEntries) {
         if (std::find(image.exports.begin(), image.exports.end(), entry) != image.exports.end()) {
@@ -182,7 +182,7 @@ class Inspection {
 
     void try_to_load(const std::vector<BinaryImage>& images) {
         const bool loadable = std::any_of(images.begin(), images.end(), [](const BinaryImage& image) {
-            return image.loadable && container_word(image.container) == std::string_view(own_container());
+            return image.loadable && container_label(image.container) == std::string_view(own_container());
         });
         const bool has_entry = std::any_of(diagnosis_.images.begin(), diagnosis_.images.end(),
                                            [](const BinaryFacts& image) { return !image.entries.empty(); });

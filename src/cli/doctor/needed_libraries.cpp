@@ -23,10 +23,6 @@ struct Lookup {
     std::string reason;
 };
 
-bool begins_with(std::string_view text, std::string_view beginning) {
-    return text.substr(0, beginning.size()) == beginning;
-}
-
 bool is_file(const std::string& path) {
     return path_kind(path) == PathKind::file;
 }
@@ -44,7 +40,7 @@ constexpr std::array<std::string_view, 38> kWindowsLibraries{
 Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& library) {
     const std::string name = text::lower_case(library.name);
     if (std::find(kWindowsLibraries.begin(), kWindowsLibraries.end(), name) != kWindowsLibraries.end() ||
-        begins_with(name, "api-ms-win-")) {
+        name.starts_with("api-ms-win-")) {
         return {};
     }
     if (is_file(folder_of(binary) + '/' + std::string(library.name))) {
@@ -52,7 +48,7 @@ Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& librar
                 "is beside the plug-in, where Windows does not look for it when a host loads the plug-in"};
     }
     for (const std::string_view runtime : {"vcruntime", "msvcp", "concrt"}) {
-        if (begins_with(name, runtime)) {
+        if (name.starts_with(runtime)) {
             return {Where::elsewhere, "comes with a compiler's runtime, not with Windows"};
         }
     }
@@ -62,32 +58,32 @@ Lookup look_up_on_windows(const std::string& binary, const NeededLibrary& librar
 /// @loader_path is the folder of the plug-in's own file, @rpath each of its search paths.
 Lookup look_up_on_macos(const std::string& binary, const BinaryImage& image, const NeededLibrary& library) {
     const std::string path(library.name);
-    if (begins_with(path, "/usr/lib/") || begins_with(path, "/System/")) {
+    if (path.starts_with("/usr/lib/") || path.starts_with("/System/")) {
         return {};
     }
-    if (begins_with(path, "@executable_path/")) {
-        return {Where::elsewhere, "is looked for in the host's own folder"};
+    if (path.starts_with("@executable_path/")) {
+        return {Where::elsewhere, "is searched for in the host's own folder"};
     }
     constexpr std::string_view kLoader = "@loader_path/";
     constexpr std::string_view kRunPath = "@rpath/";
     std::vector<std::string> candidates;
-    if (begins_with(path, kLoader)) {
+    if (path.starts_with(kLoader)) {
         candidates.push_back(path);
     }
-    if (begins_with(path, kRunPath)) {
+    if (path.starts_with(kRunPath)) {
         for (const std::string_view folder : image.search_paths) {
             candidates.push_back(std::string(folder) + '/' + path.substr(kRunPath.size()));
         }
     }
     for (const std::string& candidate : candidates) {
-        if (begins_with(candidate, kLoader) &&
+        if (candidate.starts_with(kLoader) &&
             is_file(folder_of(binary) + '/' + candidate.substr(kLoader.size()))) {
             return {};
         }
     }
-    return {Where::missing, begins_with(path, "/") ? "is an absolute path outside /usr/lib and /System"
-                            : candidates.empty()   ? "is looked for in no folder"
-                                                   : "is in none of the folders that it is looked for in"};
+    return {Where::missing, path.starts_with("/") ? "is an absolute path outside /usr/lib and /System"
+                            : candidates.empty()  ? "is searched for in no folder"
+                                                  : "is in none of the folders that are searched for it"};
 }
 
 class LibraryChecks {
@@ -119,7 +115,7 @@ class LibraryChecks {
         }
         return has_elf_library(binary_, image, library.name)
                    ? Lookup{}
-                   : Lookup{Where::missing, "is in none of the folders that it is looked for in"};
+                   : Lookup{Where::missing, "is in none of the folders that are searched for it"};
     }
 
     const std::string& binary_;
