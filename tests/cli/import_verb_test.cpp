@@ -124,8 +124,9 @@ TEST(ImportVerb, TheLogSaysWhichHostItWas) {
         std::set<int> versions;
         for (std::string line; std::getline(lines, line);) {
             const json call = json::parse(line);
-            if (call.at("suite") == "AEGP Footage Suite")
+            if (call.at("suite") == "AEGP Footage Suite") {
                 versions.insert(call.at("version").get<int>());
+            }
         }
         return versions;
     };
@@ -142,11 +143,10 @@ TEST(ImportVerb, FileNamesThatAreNotUtf8NeedAClassicHost) {
     EXPECT_EQ(today.exit_code, 1);
     EXPECT_EQ(today.out, "");
     const std::string shown = folder.path("caf\\xe9.aec");
-    EXPECT_EQ(today.err,
-              "vxr: error: " + shown + ": the path is not UTF-8 (byte 0xE9 at offset " +
-                  std::to_string(scene.find('\xE9')) +
-                  "), and current hosts take paths in Unicode; only a classic host can take it "
-                  "(--host classic)\n");
+    EXPECT_EQ(today.err, "vxr: error: " + shown + ": the path is not UTF-8 (byte 0xE9 at offset " +
+                             std::to_string(scene.find('\xE9')) +
+                             "), and current hosts take paths in Unicode; only a classic host can take it "
+                             "(--host classic)\n");
     const ProcessResult classic = import_file({"--host", "classic", scene});
     EXPECT_EQ(classic.exit_code, 0) << classic.err;
     EXPECT_NE(classic.out.find("1 composition"), std::string::npos) << classic.out;

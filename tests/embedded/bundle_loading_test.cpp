@@ -113,7 +113,7 @@ TEST(BundleLoading, NeverBlocks) {
 
 TEST(BundleLoading, ForgetsWhatAFailingEntryRegistered) {
     TestHost host(in_a_classic_host());
-    const LoadResult loaded = host.load(VXR_SMALL_BUNDLE, "Failing_entry");
+    const LoadResult loaded = host.load(VXR_SMALL_BUNDLE, "failing_entry");
     EXPECT_FALSE(loaded.ok());
     EXPECT_EQ(loaded.entry.code, kHostErrorStructure);
     EXPECT_EQ(loaded.error, "the entry point failed with host error 2");

@@ -66,7 +66,7 @@ __attribute__((visibility("default"))) A_Err EntryPointFunc(SPBasicSuite* basic,
     return error;
 }
 
-__attribute__((visibility("default"))) A_Err Failing_entry(SPBasicSuite* basic, A_long major, A_long minor,
+__attribute__((visibility("default"))) A_Err failing_entry(SPBasicSuite* basic, A_long major, A_long minor,
                                                            const A_char* path, const A_char* resources,
                                                            AEGP_PluginID plugin_id,
                                                            AEGP_GlobalRefcon* refcon) {
