@@ -3,27 +3,27 @@
 #include <array>
 #include <cstdint>
 
-// Every limit on what a composition file or a texture may hold: readers compare with these, tools print them
-// and name them when they refuse. What a host's interface fixes (the 31 bytes of a name, the 259 of a classic
-// path) is no limit of a file and stays with the interface.
+// Every limit on the content of a composition file or a texture. Readers enforce these limits; tools print
+// them and name them in refusals. What a host's interface fixes, such as the 31 bytes of a name or the 259 of
+// a classic path, is not a limit of a file and is declared with the interface.
 
 namespace limits {
 
-/// Whose rule a limit is.
+/// Where a limit comes from.
 enum class Rule {
-    format,       ///< the file format's: writers and readers rely on it
+    format,       ///< the file format: writers and readers rely on it
     ours,         ///< chosen here, above what real scenes and textures need
-    file_length,  ///< none of its own: no file is long enough for more
+    file_length,  ///< the length of a file: no file is long enough for more
 };
 
 struct Limit {
     const char* id;      ///< stable, for scripts
     const char* name;    ///< what is counted, in words
-    std::int64_t value;  ///< the most that is accepted
+    std::int64_t value;  ///< the largest accepted value
     const char* unit;    ///< of `value`, in the plural
     Rule rule;
     const char* reason;  ///< why there is this limit
-    const char* beyond;  ///< what happens to what is above it
+    const char* beyond;  ///< what happens to a file that exceeds it
 };
 
 // Composition files.
@@ -78,7 +78,7 @@ inline constexpr Limit kPath{
     "there is no such file",
 };
 
-/// "KEY" and seven numbers of one character each, with a blank between them.
+/// "KEY" and seven numbers of one character each, separated by blanks.
 inline constexpr std::int64_t kShortestKey_bytes = 16;
 
 inline constexpr Limit kKeys{
@@ -173,7 +173,7 @@ inline constexpr Limit kAlphaNesting{
     "refused: over-limit",
 };
 
-/// A chunk's tag, identifier and version.
+/// The tag, identifier and version of a chunk.
 inline constexpr std::int64_t kChunkStart_bytes = 9;
 
 inline constexpr Limit kChunkNesting{
@@ -186,7 +186,7 @@ inline constexpr Limit kChunkNesting{
     "there is no such file",
 };
 
-/// All of them, in the order in which they are shown.
+/// All limits, in the order in which `vxr limits` shows them.
 inline constexpr std::array kAll{
     &kCompositionFile, &kCompositionNesting, &kWord,         &kText,     &kPath,    &kKeys,
     &kTextureFile,     &kTexturePixels,      &kDecodedBytes, &kRowBytes, &kRowRate, &kRepairedBytes,
