@@ -91,7 +91,7 @@ bool write_file(const char* path, const Texture* texture, AlphaBytes /*alpha_byt
         return fail(Code::unsupported, "a TGA file has from 1 to 65535 pixels on each side");
     }
     if (texture->alphas.size() > 1) {
-        return fail(Code::channels_without_room, "targa files have one alpha channel, the texture has " +
+        return fail(Code::channels_without_room, "targa files have only one alpha channel, the texture has " +
                                                      std::to_string(texture->alphas.size()) +
                                                      "; --alpha N chooses one");
     }

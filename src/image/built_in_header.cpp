@@ -326,7 +326,7 @@ std::optional<Header> read_built_in_header(const ReadAt& read_at, const std::str
         return header;
     }
     error = bytes.cut_off() ? "the header is cut off"
-                            : std::string("no image that is known here: ") + kBuiltInFormats + " are read";
+                            : std::string("not a known image format: ") + kBuiltInFormats + " are supported";
     return std::nullopt;
 }
 

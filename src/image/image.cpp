@@ -114,8 +114,8 @@ std::string build_note() {
     }
     return std::string("This program is built without an image library: it reads the headers of ") +
            kBuiltInFormats +
-           " footage, which is all that an import needs, and no pixels of images. Of image formats it writes "
-           "TGA alone.";
+           " footage, which is all that an import needs, but no pixels. The only image format "
+           "that it writes is TGA.";
 }
 
 }  // namespace image

@@ -25,18 +25,20 @@ Loaded open_module(const std::filesystem::path& place) {
     Loaded loaded;
     loaded.module = os::DynamicLibrary::open(place, loaded.problem);
     if (loaded.module == nullptr) {
-        loaded.problem = "images need the image library, which was not loaded: " + loaded.problem;
+        loaded.problem = "images need the image library, which cannot be loaded: " + loaded.problem;
         return loaded;
     }
     const auto entry = reinterpret_cast<decltype(&vxr_image_functions)>(loaded.module->function(kEntry));
     if (entry == nullptr) {
-        loaded.problem = std::string(kModule) + " has no function " + kEntry + ": it is of another version";
+        loaded.problem =
+            std::string(kModule) + " has no function " + kEntry + ": it belongs to another version";
         return loaded;
     }
     const Functions* const functions = entry();
     if (functions->version != Functions::kVersion) {
         loaded.problem = std::string(kModule) + " has version " + std::to_string(functions->version) +
-                         " of its functions, this program needs " + std::to_string(Functions::kVersion);
+                         " of the functions; this program needs version " +
+                         std::to_string(Functions::kVersion);
         return loaded;
     }
     loaded.functions = functions;
@@ -52,7 +54,7 @@ Loaded load() {
         }
         looked += (looked.empty() ? "" : ", ") + os::text_of(place);
     }
-    return {nullptr, nullptr, "images need the image library, and it is in none of " + looked};
+    return {nullptr, nullptr, "images need the image library, which is in none of " + looked};
 }
 
 }  // namespace

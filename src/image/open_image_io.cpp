@@ -51,7 +51,7 @@ std::string library_reason(std::string text) {
     while (!text.empty() && (text.back() == '\n' || text.back() == ' ')) {
         text.pop_back();
     }
-    return text.empty() ? "the image library does not say why" : text;
+    return text.empty() ? "the image library gives no reason" : text;
 }
 
 /// OpenImageIO's name of the format with the extension of `path`; empty when it knows none.
@@ -131,7 +131,7 @@ bool probe_file(const char* path, Header& header, const Reporter& reporter) {
     const auto input = OpenImage::open(path, config, error);
     if (!input) {
         return reporter.fail(input.has_file() ? Code::not_an_image : Code::cannot_open,
-                             error.empty() ? "no reader takes the file" : error);
+                             error.empty() ? "no image reader accepts the file" : error);
     }
     const OIIO::ImageSpec& spec = input->spec();
     header.width_px = spec.full_width > 0 ? spec.full_width : spec.width;
@@ -150,10 +150,10 @@ bool probe_file(const char* path, Header& header, const Reporter& reporter) {
 void warn_of_losses(OIIO::ImageInput& input, const OIIO::ImageSpec& spec, const Reporter& reporter) {
     if (spec.format != OIIO::TypeUInt8) {
         reporter.warn(Code::depth_reduced, std::string("its values are ") + spec.format.c_str() +
-                                               ", a texture has 8 bits a channel");
+                                               "; a texture has 8 bits per channel");
     }
     if (input.seek_subimage(1, 0)) {
-        reporter.warn(Code::images_left_out, "there are further images in it, a texture has one");
+        reporter.warn(Code::images_left_out, "the file holds more images; a texture has only one");
     }
 }
 
@@ -209,7 +209,7 @@ std::string channels_without_room(const OIIO::ImageOutput& output, const Texture
         return std::string(output.format_name()) + " files have no alpha channel; --alpha none leaves it out";
     }
     if (texture.channels() + static_cast<int>(alphas) > kRgba && output.supports("nchannels") == 0) {
-        return std::string(output.format_name()) + " files have one alpha channel, the texture has " +
+        return std::string(output.format_name()) + " files have only one alpha channel, the texture has " +
                std::to_string(alphas) + "; --alpha N chooses one";
     }
     return {};
@@ -254,7 +254,7 @@ std::string written_picture_error(const std::string& path, const OIIO::ImageSpec
         same =
             std::equal(row.begin(), row.end(), pixels.begin() + y * static_cast<std::ptrdiff_t>(row.size()));
     }
-    return same ? std::string() : "not all of it was written";
+    return same ? std::string() : "the picture was not written completely";
 }
 
 /// Writes the image into `file`, by way of memory where the format's writer supports that: not every writer

@@ -139,7 +139,7 @@ TEST(TextureConvert, ChannelsWithoutRoomAreAnErrorInsteadOfDropped) {
     const ProcessResult png = convert(folder, {"a.txl", "--to", "png"});
     EXPECT_EQ(png.exit_code, 1);
     EXPECT_EQ(png.err,
-              "a.png: error: png files have one alpha channel, the texture has 3; --alpha N chooses one "
+              "a.png: error: png files have only one alpha channel, the texture has 3; --alpha N chooses one "
               "[channels-without-room]\n");
     const ProcessResult jpeg = convert(folder, {"a.txl", "--to", "jpg"});
     EXPECT_EQ(jpeg.exit_code, 1);
@@ -188,11 +188,11 @@ TEST(TextureConvert, WarnsAboutWhatAnImageLoses) {
     const ProcessResult depth = convert(folder, {"deep.tif", "--to", "txl"});
     EXPECT_EQ(depth.exit_code, 0);
     EXPECT_EQ(depth.err,
-              "deep.tif: warning: its values are uint16, a texture has 8 bits a channel [depth-reduced]\n");
+              "deep.tif: warning: its values are uint16; a texture has 8 bits per channel [depth-reduced]\n");
     const ProcessResult images = convert(folder, {"two.tif", "--to", "txl"});
     EXPECT_EQ(images.exit_code, 0);
     EXPECT_EQ(images.err,
-              "two.tif: warning: there are further images in it, a texture has one [images-left-out]\n");
+              "two.tif: warning: the file holds more images; a texture has only one [images-left-out]\n");
     EXPECT_EQ(read(folder, "two.txl").width_px, 8);
 }
 

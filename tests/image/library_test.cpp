@@ -118,7 +118,7 @@ TEST(ImageLibrary, IsReportedMissingWithThePlacesSearchedAndOnlyWhenAnImageIsMet
     for (const Case& one : cases) {
         const ProcessResult run = moved.run(one.arguments);
         EXPECT_EQ(run.exit_code, one.exit_code) << one.name << run.err;
-        const std::string reason = "images need the image library, and it is in none of " + places;
+        const std::string reason = "images need the image library, which is in none of " + places;
         EXPECT_EQ(run.err.find(reason) != std::string::npos, one.exit_code != 0) << one.name << run.err;
     }
 }
@@ -129,7 +129,8 @@ TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheReasonOfTheSystem) {
     std::ofstream(place) << "no library";
     const ProcessResult run = moved.run({"check", kScene});
     EXPECT_EQ(run.exit_code, 3);
-    EXPECT_THAT(run.err, HasSubstr("images need the image library, which was not loaded: " + place.string()));
+    EXPECT_THAT(run.err,
+                HasSubstr("images need the image library, which cannot be loaded: " + place.string()));
 }
 
 TEST(ImageLibrary, OfAnotherVersionIsReportedWithWhatItLacks) {
@@ -143,7 +144,7 @@ TEST(ImageLibrary, OfAnotherVersionIsReportedWithWhatItLacks) {
     fs::copy_file(VXR_NEWER_MODULE, place, fs::copy_options::overwrite_existing);
     run = moved.run({"check", kScene});
     EXPECT_EQ(run.exit_code, 3);
-    EXPECT_THAT(run.err, HasSubstr(kModule + " has version 1000 of its functions"));
+    EXPECT_THAT(run.err, HasSubstr(kModule + " has version 1000 of the functions"));
 }
 
 }  // namespace
