@@ -102,8 +102,8 @@ void check_fields_of_view(const SceneBlock& object, WarningList& warnings) {
             impossible.add(key);
         }
     }
-    report(warnings, ToolCode::field_of_view, zero, "a field of view of 0", "the camera's zoom becomes infinite",
-           object);
+    report(warnings, ToolCode::field_of_view, zero, "a field of view of 0",
+           "the camera's zoom becomes infinite", object);
     report(warnings, ToolCode::field_of_view, impossible, "a field of view that is not between 0 and 180",
            "the camera's zoom becomes negative, or has nothing to do with the angle", object);
 }

@@ -107,7 +107,8 @@ void check_settings(const SceneReading& reading, WarningList& warnings) {
     check_range(reading, warnings);
     check_names(reading, warnings);
     for (const ScenePassed& passed : reading.facts.passed) {
-        warnings.add(ToolCode::word_ignored, passed.at, "\"" + passed.text + "\" is passed over", passed.within);
+        warnings.add(ToolCode::word_ignored, passed.at, "\"" + passed.text + "\" is passed over",
+                     passed.within);
     }
     if (reading.facts.ignored_from) {
         warnings.add(ToolCode::text_after_end, *reading.facts.ignored_from,

@@ -27,8 +27,8 @@ class HelpCommand : public Command {
         for (const std::string& word : verb_) {
             command += ' ' + word;
         }
-        const auto page =
-            std::find_if(pages.begin(), pages.end(), [&](const HelpPage& one) { return one.command == command; });
+        const auto page = std::find_if(pages.begin(), pages.end(),
+                                       [&](const HelpPage& one) { return one.command == command; });
         if (page == pages.end()) {
             throw UsageError("there is no verb \"" + command.substr(4) + '"');
         }

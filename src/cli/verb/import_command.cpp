@@ -80,9 +80,9 @@ class ImportCommand : public Command {
             .option("--fail", faults_, "make the N-th call of a host function return CODE; may be repeated")
             .value_name("FUNCTION:N:CODE")
             .one_value_at_a_time()
-            .check(
-                checked_by(embedded::parse_fault,
-                           "is not FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
+            .check(checked_by(
+                embedded::parse_fault,
+                "is not FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
             .group("What goes wrong");
     }
 

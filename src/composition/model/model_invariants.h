@@ -17,5 +17,4 @@ enum class ModelState {
 /// Looks at every number, follows every link of every list and walks every text to its end. The work grows
 /// with the model alone, also when links lead in circles; where a pointer leads to freed memory or a text
 /// has no end, that is for AddressSanitizer to find. Not part of the bundle.
-[[nodiscard]] std::optional<std::string> validate_model(const tagProjectSettings& settings,
-                                                         ModelState state);
+[[nodiscard]] std::optional<std::string> validate_model(const tagProjectSettings& settings, ModelState state);
