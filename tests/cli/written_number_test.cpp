@@ -5,6 +5,8 @@
 #include <limits>
 #include <string>
 
+#include "composition/read/number_scan.h"
+
 namespace {
 
 constexpr double kInfinity = std::numeric_limits<double>::infinity();
@@ -42,15 +44,16 @@ const Case kCases[] = {
 
 TEST(WrittenNumber, IsKeptAsWritten) {
     for (const Case& one : kCases) {
-        EXPECT_EQ(cli::is_kept_as_written(one.text, one.kept, one.integer), one.as_written) << one.name;
+        EXPECT_EQ(cli::is_kept_as_written(whole_number(one.text), one.kept, one.integer), one.as_written)
+            << one.name;
     }
 }
 
 TEST(WrittenNumber, Text) {
-    EXPECT_EQ(cli::number_text(29), "29");
-    EXPECT_EQ(cli::number_text(-2147483648.0), "-2147483648");
-    EXPECT_EQ(cli::number_text(static_cast<double>(1.0667F)), "1.0667");
-    EXPECT_EQ(cli::number_text(kInfinity), "inf");
+    EXPECT_EQ(cli::shortest_text(29), "29");
+    EXPECT_EQ(cli::shortest_text(-2147483648.0), "-2147483648");
+    EXPECT_EQ(cli::shortest_text(static_cast<double>(1.0667F)), "1.0667");
+    EXPECT_EQ(cli::shortest_text(kInfinity), "inf");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <string>
 #include <vector>
 
+#include "composition/model/composition.h"
 #include "composition/read/read_observer.h"
 
 /// "line:column@offset"
@@ -31,22 +32,23 @@ class RecordingObserver : public ReadObserver {
     void on_value(const ReadValue& value) override {
         events.push_back("value " + place(value.at) + " " + std::string(value.keyword) + "[" +
                          std::to_string(value.index) + "] " + std::string(value.text) + " = " +
-                         std::to_string(value.number));
+                         std::to_string(value.kept));
     }
     void on_block_begin(const ReadBlock& block) override {
         events.push_back("begin " + place(block.at) + " " + block_word(block.kind) + " " +
-                         place(block.name_at) + " " + block.name + " depth " +
+                         place(block.name_at) + " " + std::string(block.name()) + " depth " +
                          std::to_string(blocks().size()));
     }
     void on_block_end(const ReadBlock& block, const TextPosition& at) override {
-        events.push_back("end " + place(at) + " " + block_word(block.kind) + " " + block.name);
+        events.push_back("end " + place(at) + " " + block_word(block.kind) + " " + std::string(block.name()));
     }
     void on_footage(const ReadFootage& footage) override {
-        events.push_back("footage " + place(footage.at) + (footage.is_sequence ? " sequence" : " file") +
+        events.push_back("footage " + place(footage.at) +
+                         (footage.file.isSequence != 0 ? " sequence" : " file") +
                          (footage.top_level ? " top" : "") + " " + place(footage.path_at) + " " +
                          std::string(footage.written) + (footage.opens_as_written ? " opens" : "") +
                          (footage.problem ? std::string(" ") + code_info(*footage.problem).name : ""));
-        resolved.emplace_back(footage.resolved == nullptr ? "(null)" : footage.resolved);
+        resolved.emplace_back(footage.file.path == nullptr ? "(null)" : footage.file.path);
     }
     void on_ignored(std::string_view text, const TextPosition& at) override {
         events.push_back("ignored " + place(at) + " " + std::string(text));

@@ -30,8 +30,8 @@ LayerKind layer_kind(BlockKind kind) {
 // A host keeps one key per time.
 std::size_t expected_keys(const SceneBlock& object, std::int64_t from) {
     std::set<A_long> times;
-    for (const SceneKey& key : object.keys) {
-        times.insert(clamp_to_long(key.frame - from));
+    for (std::size_t i = 0; i < key_count(object); ++i) {
+        times.insert(clamp_to_long(object.object->keys[i]->frame - from));
     }
     return times.size();
 }
@@ -78,7 +78,7 @@ void compare_objects(const SceneReading& reading, const embedded::Project& proje
         const std::size_t index = used[kind]++;
         if (index >= made.size()) {
             missing.push_back(whole(*object) + " is missing");
-        } else if (!is_finished(*made[index], *object, reading.numbers.from)) {
+        } else if (!is_finished(*made[index], *object, reading.settings->from)) {
             missing.push_back(whole(*object) + " is not finished");
         }
     }

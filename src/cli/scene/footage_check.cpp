@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/report/diagnostic_text.h"
+#include "cli/report/limit_words.h"
 #include "cli/scene/scene_check.h"
 #include "embedded/sequence.h"
 #include "image/image.h"
@@ -34,9 +34,9 @@ std::string beside(const SceneReading& reading, std::string_view path) {
 }
 
 std::string placeholder_text(const SceneReading& reading, std::string_view name) {
-    const SceneNumbers& numbers = reading.numbers;
-    return "a placeholder \"" + kept_name(name) + "\" of " + std::to_string(numbers.width_px) + "x" +
-           std::to_string(numbers.height_px) + " and " + std::to_string(numbers.length()) +
+    const tagProjectSettings& settings = *reading.settings;
+    return "a placeholder \"" + truncated_name(name) + "\" of " + std::to_string(settings.width) + "x" +
+           std::to_string(settings.height) + " and " + std::to_string(layer_length(settings)) +
            " frames stands in its place";
 }
 
@@ -45,11 +45,11 @@ void check_missing(const SceneReading& reading, const SceneFootage& footage, War
         warnings.add(ToolCode::footage_missing, footage.path_at,
                      "the footage \"" + shown_path(footage.written) + "\" does not exist", footage.within);
     warning.effects.push_back("looked for as written, then as \"" +
-                              shown_path(beside(reading, *footage.resolved)) + '"');
-    warning.effects.push_back(placeholder_text(reading, last_component(*footage.resolved)));
+                              shown_path(beside(reading, footage.file->path)) + '"');
+    warning.effects.push_back(placeholder_text(reading, last_component(footage.file->path)));
 }
 
-std::string range_text(const embedded::FrameRange& range) {
+std::string frames_text(const embedded::FrameRange& range) {
     return range.first == range.last ? std::to_string(range.first)
                                      : std::to_string(range.first) + "-" + std::to_string(range.last);
 }
@@ -58,13 +58,13 @@ std::string gaps_text(const std::vector<embedded::FrameRange>& gaps) {
     constexpr std::size_t kShown = 8;
     std::string text;
     for (std::size_t i = 0; i < gaps.size() && i < kShown; ++i) {
-        text += (i == 0 ? "" : ", ") + range_text(gaps[i]);
+        text += (i == 0 ? "" : ", ") + frames_text(gaps[i]);
     }
     return gaps.size() > kShown ? text + " and more" : text;
 }
 
 void check_sequence(const SceneFootage& footage, WarningList& warnings) {
-    const std::string& path = *footage.resolved;
+    const std::string path = footage.file->path;
     const std::optional<embedded::SequenceFrames> frames = embedded::find_sequence(path, {});
     if (!frames) {
         warnings
@@ -85,7 +85,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     if (!frames->gaps.empty()) {
         Diagnostic& warning =
             warnings.add(ToolCode::sequence_gap, footage.path_at,
-                         "the sequence " + frames->pattern + " " + range_text(frames->range) +
+                         "the sequence " + frames->pattern + " " + frames_text(frames->range) +
                              " has gaps: " + gaps_text(frames->gaps),
                          footage.within);
         warning.effects.emplace_back("what the host shows for the missing frames is its own choice");
@@ -101,7 +101,7 @@ bool is_texture(std::string_view path) {
 // Why no picture can be had from the file; empty when one can.
 std::string reading_obstacle(const std::string& path) {
     if (is_texture(path)) {
-        const std::optional<diagnostic::Diagnostic> error = read_texture(path).error;
+        const std::optional<TextureError> error = read_texture(path).error;
         if (!error) {
             return {};
         }
@@ -116,7 +116,7 @@ std::string reading_obstacle(const std::string& path) {
 }
 
 void check_readable(const SceneFootage& footage, WarningList& warnings) {
-    const std::string obstacle = reading_obstacle(*footage.resolved);
+    const std::string obstacle = reading_obstacle(footage.file->path);
     if (obstacle.empty()) {
         return;
     }
@@ -129,18 +129,18 @@ void check_readable(const SceneFootage& footage, WarningList& warnings) {
 }
 
 void check_entry(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
-    if (!footage.resolved) {
+    if (footage.file->path == nullptr) {
         warnings
             .add(ToolCode::footage_path_unread, footage.path_at, "no path could be read for this footage",
                  footage.within)
             .effects.push_back(placeholder_text(reading, ""));
         return;
     }
-    if (!footage.opens_as_written && GeFExist(footage.resolved->c_str()) == 0) {
+    if (!footage.opens_as_written && GeFExist(footage.file->path) == 0) {
         check_missing(reading, footage, warnings);
         return;
     }
-    if (footage.is_sequence) {
+    if (footage.file->isSequence != 0) {
         check_sequence(footage, warnings);
     }
     check_readable(footage, warnings);

@@ -2,10 +2,8 @@
 #include <cstddef>
 #include <set>
 #include <string>
-#include <vector>
 
 #include "cli/scene/scene_check.h"
-#include "cli/scene/written_number.h"
 
 namespace cli {
 namespace {
@@ -16,13 +14,13 @@ struct Offenders {
     std::string frames;  ///< "9, 12, 15 and 3 more"
     std::int64_t count = 0;
 
-    void add(const SceneKey& key) {
+    void add(const SceneKey& key, A_long frame) {
         constexpr std::int64_t kShown = 8;
         if (++count == 1) {
             first = &key;
         }
         if (count <= kShown) {
-            frames += (count == 1 ? "" : ", ") + std::to_string(key.frame);
+            frames += (count == 1 ? "" : ", ") + std::to_string(frame);
         }
         shown = std::min(count, kShown);
     }
@@ -35,7 +33,7 @@ struct Offenders {
     std::int64_t shown = 0;
 };
 
-void report(WarningList& warnings, ToolCode code, const Offenders& keys, const std::string& reason,
+void report(WarningList& warnings, Code code, const Offenders& keys, const std::string& reason,
             const std::string& effect, const SceneBlock& object) {
     if (keys.count > 0) {
         Diagnostic& warning =
@@ -45,42 +43,55 @@ void report(WarningList& warnings, ToolCode code, const Offenders& keys, const s
     }
 }
 
-// Frames that rise within the range, as those of most objects do: there is nothing to say about them.
-bool rise_in_range(const std::vector<SceneKey>& keys, const SceneNumbers& numbers) {
-    const auto not_rising = [](const SceneKey& one, const SceneKey& next) { return next.frame <= one.frame; };
-    return keys.empty() || (keys.front().frame >= numbers.from && keys.back().frame <= numbers.to &&
-                            std::adjacent_find(keys.begin(), keys.end(), not_rising) == keys.end());
+A_long frame_of(const SceneBlock& object, std::size_t key) {
+    return object.object->keys[key]->frame;
 }
 
-void check_frames(const SceneBlock& object, const SceneNumbers& numbers, WarningList& warnings) {
-    if (rise_in_range(object.keys, numbers)) {
+// Frames that rise within the range, as those of most objects do: there is nothing to say about them.
+bool rise_in_range(const SceneBlock& object, const tagProjectSettings& settings) {
+    const std::size_t count = key_count(object);
+    if (count == 0) {
+        return true;
+    }
+    for (std::size_t i = 1; i < count; ++i) {
+        if (frame_of(object, i) <= frame_of(object, i - 1)) {
+            return false;
+        }
+    }
+    return frame_of(object, 0) >= settings.from && frame_of(object, count - 1) <= settings.to;
+}
+
+void check_frames(const SceneBlock& object, const tagProjectSettings& settings, WarningList& warnings) {
+    if (rise_in_range(object, settings)) {
         return;
     }
     Offenders outside;
     Offenders disordered;
     Offenders repeated;
     // Most tracks only rise: the set of frames is made at the first key that does not.
-    std::set<std::int64_t> seen;
+    std::set<A_long> seen;
     bool rising = true;
-    for (std::size_t i = 0; i < object.keys.size(); ++i) {
+    for (std::size_t i = 0; i < key_count(object); ++i) {
         const SceneKey& key = object.keys[i];
-        if (key.frame < numbers.from || key.frame > numbers.to) {
-            outside.add(key);
+        const A_long frame = frame_of(object, i);
+        if (frame < settings.from || frame > settings.to) {
+            outside.add(key, frame);
         }
-        const bool falls = i > 0 && key.frame < object.keys[i - 1].frame;
-        if (rising && i > 0 && key.frame <= object.keys[i - 1].frame) {
+        const bool falls = i > 0 && frame < frame_of(object, i - 1);
+        if (rising && i > 0 && frame <= frame_of(object, i - 1)) {
             rising = false;
             for (std::size_t before = 0; before < i; ++before) {
-                seen.insert(object.keys[before].frame);
+                seen.insert(frame_of(object, before));
             }
         }
-        if (!rising && !seen.insert(key.frame).second) {
-            repeated.add(key);
+        if (!rising && !seen.insert(frame).second) {
+            repeated.add(key, frame);
         } else if (falls) {
-            disordered.add(key);
+            disordered.add(key, frame);
         }
     }
-    const std::string range = "FROM " + std::to_string(numbers.from) + " to TO " + std::to_string(numbers.to);
+    const std::string range =
+        "FROM " + std::to_string(settings.from) + " to TO " + std::to_string(settings.to);
     report(warnings, ToolCode::key_outside_range, outside, "keys outside " + range,
            "they are set all the same, before or behind what the layer shows", object);
     report(warnings, ToolCode::key_out_of_order, disordered, "keys that go back in time",
@@ -89,31 +100,36 @@ void check_frames(const SceneBlock& object, const SceneNumbers& numbers, Warning
            "the one written last stays", object);
 }
 
-void check_fields_of_view(const SceneBlock& object, WarningList& warnings) {
+void check_fields_of_view(const SceneBlock& camera, WarningList& warnings) {
+    constexpr int kNumbersWithFieldOfView = 8;
     Offenders zero;
     Offenders impossible;
-    for (const SceneKey& key : object.keys) {
-        if (!key.field_of_view) {
+    for (std::size_t i = 0; i < key_count(camera); ++i) {
+        const SceneKey& key = camera.keys[i];
+        if (key.numbers_read < kNumbersWithFieldOfView) {
             continue;
         }
-        if (*key.field_of_view == 0) {
-            zero.add(key);
-        } else if (*key.field_of_view < 0 || *key.field_of_view >= 180) {
-            impossible.add(key);
+        const tagKeyFrame& record = *camera.object->keys[i];
+        if (record.fov == 0) {
+            zero.add(key, record.frame);
+        } else if (record.fov < 0 || record.fov >= 180) {
+            impossible.add(key, record.frame);
         }
     }
     report(warnings, ToolCode::field_of_view, zero, "a field of view of 0",
-           "the camera's zoom becomes infinite", object);
+           "the camera's zoom becomes infinite", camera);
     report(warnings, ToolCode::field_of_view, impossible, "a field of view that is not between 0 and 180",
-           "the camera's zoom becomes negative, or has nothing to do with the angle", object);
+           "the camera's zoom becomes negative, or has nothing to do with the angle", camera);
 }
 
 }  // namespace
 
 void check_keys(const SceneReading& reading, WarningList& warnings) {
     for (const SceneBlock& object : reading.facts.objects) {
-        check_frames(object, reading.numbers, warnings);
-        check_fields_of_view(object, warnings);
+        check_frames(object, *reading.settings, warnings);
+        if (object.kind == BlockKind::camera) {
+            check_fields_of_view(object, warnings);
+        }
     }
 }
 

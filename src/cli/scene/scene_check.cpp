@@ -16,11 +16,10 @@ constexpr std::size_t kNameBytes = 31;  // what the host keeps of a name
 
 void check_changes(const SceneReading& reading, WarningList& warnings) {
     for (const SceneChange& change : reading.facts.changes) {
-        Diagnostic& warning =
-            warnings.add(ToolCode::value_changed, change.first.at,
-                         "the number \"" + change.first.text + "\" after " + change.keyword + " is read as " +
-                             number_text(change.first.kept),
-                         change.within);
+        Diagnostic& warning = warnings.add(ToolCode::value_changed, change.first.at,
+                                           "the number \"" + change.first.text + "\" after " +
+                                               change.keyword + " is read as " + shortest_text(change.kept),
+                                           change.within);
         warning.count = change.count;
         if (change.count > 1) {
             warning.effects.push_back("in this block " + std::to_string(change.count) + " numbers after " +
@@ -35,14 +34,14 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
         return;
     }
     // Out of range it is the error's to explain, and no ratio can be made of it.
-    if (!(reading.numbers.aspect >= 0.01F && reading.numbers.aspect <= 100.0F)) {
+    if (!(reading.settings->aspect >= 0.01F && reading.settings->aspect <= 100.0F)) {
         return;
     }
     const SceneValue& value = aspect->values.front();
-    const A_Ratio ratio = pixel_aspect_ratio(reading.numbers.aspect);
+    const A_Ratio ratio = pixel_aspect_ratio(reading.settings->aspect);
     // What the value is short of a hundredth in single precision is no loss.
     constexpr double kNoLoss = 1e-5;
-    if (std::abs(value.kept * ratio.den - ratio.num) > kNoLoss * ratio.den) {
+    if (std::abs(double{reading.settings->aspect} * ratio.den - ratio.num) > kNoLoss * ratio.den) {
         warnings.add(ToolCode::aspect_cut, value.at,
                      "the pixel aspect " + value.text + " becomes " + std::to_string(ratio.num) + "/" +
                          std::to_string(ratio.den),
@@ -61,43 +60,87 @@ void check_range(const SceneReading& reading, WarningList& warnings) {
     if (read_setting("FROM") == nullptr || to == nullptr || range == nullptr) {
         return;
     }
-    const SceneNumbers& numbers = reading.numbers;
-    if (numbers.length() < 1) {
+    const tagProjectSettings& settings = *reading.settings;
+    const std::int64_t length = layer_length(settings);
+    if (length < 1) {
         warnings
             .add(ToolCode::range_reversed, to->at,
-                 "TO " + std::to_string(numbers.to) + " is before FROM " + std::to_string(numbers.from), {})
-            .effects.push_back("layers and placeholders get a length of " + std::to_string(numbers.length()) +
+                 "TO " + std::to_string(settings.to) + " is before FROM " + std::to_string(settings.from), {})
+            .effects.push_back("layers and placeholders get a length of " + std::to_string(length) +
                                " frames, which a host may refuse");
         return;
     }
-    const std::int64_t end = (numbers.local ? numbers.from : 0) + numbers.length();
-    if (end > numbers.range) {
+    const std::int64_t end = (settings.local != 0 ? settings.from : 0) + length;
+    if (end > settings.range) {
         warnings
             .add(ToolCode::layer_past_end, range->at,
-                 "the composition has " + std::to_string(numbers.range) +
+                 "the composition has " + std::to_string(settings.range) +
                      " frames, and its layers end at frame " + std::to_string(end),
                  {})
-            .effects.push_back("the last " + std::to_string(end - numbers.range) +
+            .effects.push_back("the last " + std::to_string(end - settings.range) +
                                " frames of the layers are behind the composition's end");
     }
+}
+
+std::string_view name_of(const SceneBlock& block) {
+    return block.kind == BlockKind::composition ? block.composition->name : block.object->name;
 }
 
 void check_names(const SceneReading& reading, WarningList& warnings) {
     for (const auto* const list : {&reading.facts.compositions, &reading.facts.objects}) {
         for (const SceneBlock& block : *list) {
-            if (block.name.size() > kNameBytes) {
+            const std::string_view name = name_of(block);
+            if (name.size() > kNameBytes) {
                 warnings.add(ToolCode::name_cut, block.name_at,
-                             "the name has " + std::to_string(block.name.size()) +
-                                 " bytes; the host keeps \"" + kept_name(block.name) + '"',
+                             "the name has " + std::to_string(name.size()) + " bytes; the host keeps \"" +
+                                 truncated_name(name) + '"',
                              {});
             }
         }
     }
 }
 
+// What the host gets instead of a kind of light that it does not have; null for the kinds that it has.
+const char* replacing_light(A_long kind) {
+    switch (kind) {
+        case kLightTube:
+        case kLightArea:
+            return "a point light";
+        case kLightParallelSpot:
+            return "a parallel light";
+        default:
+            return nullptr;
+    }
+}
+
+void check_light(const SceneBlock& block, const CLight& light, WarningList& warnings) {
+    for (const SceneKeyword& entry : block.entries) {
+        if (entry.values.empty()) {
+            continue;
+        }
+        const SceneValue& value = entry.values.front();
+        if (entry.word == "ANGLE") {
+            warnings
+                .add(ToolCode::angle_not_sent, entry.at,
+                     "the angle " + value.text + " does not reach the host", block.within)
+                .effects.emplace_back("the light keeps the host's own cone angle");
+        } else if (entry.word == "SHADOW" && light.shadowType != kShadowNone) {
+            warnings
+                .add(ToolCode::shadow_kind_not_sent, value.at,
+                     "the kind of shadow " + value.text + " does not reach the host", block.within)
+                .effects.emplace_back("the light casts shadows of the host's own kind");
+        } else if (entry.word == "TYPE" && replacing_light(light.lightType) != nullptr) {
+            warnings
+                .add(ToolCode::light_kind_changed, value.at,
+                     "the host has no lights of the kind " + value.text, block.within)
+                .effects.emplace_back(std::string("it becomes ") + replacing_light(light.lightType));
+        }
+    }
+}
+
 }  // namespace
 
-std::string kept_name(std::string_view name) {
+std::string truncated_name(std::string_view name) {
     return std::string(name.substr(0, kNameBytes));
 }
 
@@ -118,32 +161,8 @@ void check_settings(const SceneReading& reading, WarningList& warnings) {
 
 void check_lights(const SceneReading& reading, WarningList& warnings) {
     for (const SceneBlock& object : reading.facts.objects) {
-        for (const SceneKeyword& entry : object.entries) {
-            if (entry.values.empty()) {
-                continue;
-            }
-            const SceneValue& value = entry.values.front();
-            if (entry.word == "ANGLE") {
-                warnings
-                    .add(ToolCode::angle_not_sent, entry.at,
-                         "the angle " + value.text + " does not reach the host", object.within)
-                    .effects.emplace_back("the light keeps the host's own cone angle");
-            } else if (entry.word == "SHADOW" && value.text != "NONE") {
-                warnings
-                    .add(ToolCode::shadow_kind_not_sent, value.at,
-                         "the kind of shadow " + value.text + " does not reach the host", object.within)
-                    .effects.emplace_back("the light casts shadows of the host's own kind");
-            } else if (entry.word == "TYPE" && (value.text == "TUBE" || value.text == "AREA")) {
-                warnings
-                    .add(ToolCode::light_kind_changed, value.at,
-                         "the host has no lights of the kind " + value.text, object.within)
-                    .effects.emplace_back("it becomes a point light");
-            } else if (entry.word == "TYPE" && value.text == "PSPOT") {
-                warnings
-                    .add(ToolCode::light_kind_changed, value.at, "the host has no lights of the kind PSPOT",
-                         object.within)
-                    .effects.emplace_back("it becomes a parallel light");
-            }
+        if (object.kind == BlockKind::light) {
+            check_light(object, static_cast<const CLight&>(*object.object), warnings);
         }
     }
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/report/diagnostic_text.h"
@@ -23,7 +25,7 @@ void check_keys(const SceneReading& reading, WarningList& warnings);
 /// Footage files and sequences.
 void check_footage(const SceneReading& reading, WarningList& warnings);
 
-/// What the host keeps of a name: its first 31 bytes.
-std::string kept_name(std::string_view name);
+/// A name as the host truncates it: its first 31 bytes.
+std::string truncated_name(std::string_view name);
 
 }  // namespace cli

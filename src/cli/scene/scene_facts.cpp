@@ -13,8 +13,6 @@ namespace {
 constexpr std::size_t kKeptNameBytes = 60;
 constexpr std::size_t kBlocksAround = 8;
 
-constexpr int kFieldOfViewIndex = 7;
-
 std::vector<std::string> labels_of(const std::vector<ReadBlock>& blocks) {
     std::vector<std::string> labels;
     const std::size_t left_out = blocks.size() > kBlocksAround ? blocks.size() - kBlocksAround : 0;
@@ -26,24 +24,19 @@ std::vector<std::string> labels_of(const std::vector<ReadBlock>& blocks) {
     return labels;
 }
 
-bool is_integer(const ReadValue& value) {
-    return value.keyword == "KEY" ? value.index == 0
-                                  : value.keyword != "ASPECT" && value.keyword != "COLOR" &&
-                                        value.keyword != "INTENSITY" && value.keyword != "ANGLE";
-}
-
-bool is_number(const ReadValue& value) {
-    return value.keyword != "FIELDS" && value.keyword != "TYPE" && value.keyword != "SHADOW";
-}
-
 }  // namespace
 
 std::string block_label(const ReadBlock& block) {
     std::string label = block_word(block.kind);
-    if (block.name.size() > kKeptNameBytes) {
-        return label + " \"" + block.name.substr(0, kKeptNameBytes) + "...\"";
+    const std::string_view name = block.name();
+    if (name.size() > kKeptNameBytes) {
+        return label + " \"" + std::string(name.substr(0, kKeptNameBytes)) + "...\"";
     }
-    return block.name.empty() ? label : label + " \"" + block.name + '"';
+    return name.empty() ? label : label + " \"" + std::string(name) + '"';
+}
+
+std::size_t key_count(const SceneBlock& object) {
+    return std::min(object.keys.size(), static_cast<std::size_t>(object.object->keyCount));
 }
 
 const SceneKeyword* find_keyword(const std::vector<SceneKeyword>& keywords, std::string_view word) {
@@ -58,7 +51,7 @@ void SceneObserver::on_failure(const diagnostic::Diagnostic& error) {
 
 void SceneObserver::on_keyword(std::string_view keyword, const TextPosition& at) {
     if (keyword == "KEY") {
-        facts_.objects.back().keys.emplace_back(at);
+        facts_.objects.back().keys.emplace_back(at, 0);
         return;
     }
     // The last one counts: what an earlier one said is no longer worth a word.
@@ -73,32 +66,19 @@ void SceneObserver::on_keyword(std::string_view keyword, const TextPosition& at)
 
 void SceneObserver::on_value(const ReadValue& value) {
     if (value.keyword == "KEY") {
-        take_key_value(value);
+        facts_.objects.back().keys.back().numbers_read = value.index + 1;
     } else {
-        keywords().back().values.push_back({std::string(value.text), value.number, value.at});
+        keywords().back().values.push_back({std::string(value.text), value.at});
     }
-    if (is_number(value) && !is_kept_as_written(value.text, value.number, is_integer(value))) {
+    if (value.kind != ValueKind::word &&
+        !is_kept_as_written(value.written, value.kept, value.kind == ValueKind::integer)) {
         note_change(value);
     }
 }
 
-void SceneObserver::on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) {
-    SceneKey& key = facts_.objects.back().keys.emplace_back(at);
-    key.frame = frame;
-    // Counted without the frame here.
-    constexpr std::size_t kFieldOfView = kFieldOfViewIndex - 1;
-    if (others.size() > kFieldOfView) {
-        key.field_of_view = others[kFieldOfView];
-    }
-}
-
-void SceneObserver::take_key_value(const ReadValue& value) {
-    SceneKey& key = facts_.objects.back().keys.back();
-    if (value.index == 0) {
-        key.frame = static_cast<std::int32_t>(value.number);
-    } else if (value.index == kFieldOfViewIndex) {
-        key.field_of_view = static_cast<float>(value.number);
-    }
+void SceneObserver::on_plain_key(const TextPosition& at, std::int32_t /*frame*/,
+                                 std::span<const float> others) {
+    facts_.objects.back().keys.emplace_back(at, static_cast<int>(others.size()) + 1);
 }
 
 void SceneObserver::note_change(const ReadValue& value) {
@@ -110,7 +90,8 @@ void SceneObserver::note_change(const ReadValue& value) {
         return;
     }
     facts_.changes.push_back({std::string(value.keyword),
-                              {std::string(value.text), value.number, value.at},
+                              {std::string(value.text), value.at},
+                              value.kept,
                               1,
                               labels_of(blocks())});
 }
@@ -118,19 +99,16 @@ void SceneObserver::note_change(const ReadValue& value) {
 void SceneObserver::on_block_begin(const ReadBlock& block) {
     std::vector<SceneBlock>& list =
         block.kind == BlockKind::composition ? facts_.compositions : facts_.objects;
-    list.push_back({block.kind, block.name, block.name_at, labels_of(blocks()), {}, {}});
+    list.push_back({block.kind, block.composition, block.object, block.name_at, labels_of(blocks()), {}, {}});
     own_changes_ = facts_.changes.size();
 }
 
 void SceneObserver::on_footage(const ReadFootage& footage) {
     SceneFootage kept;
-    kept.is_sequence = footage.is_sequence;
+    kept.file = &footage.file;
     kept.top_level = footage.top_level;
     kept.path_at = footage.path_at;
     kept.written = footage.written;
-    if (footage.resolved != nullptr) {
-        kept.resolved = footage.resolved;
-    }
     kept.opens_as_written = footage.opens_as_written;
     kept.problem = footage.problem;
     kept.within = labels_of(blocks());

@@ -1,7 +1,9 @@
 #pragma once
 
-// What a composition file says, with the places where it says it: everything that a warning can be about.
+// What a composition file says that its model does not keep: the places, and values as they were written. The
+// records of the model are pointed to; everything that a warning is about is in one of the two.
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <span>
@@ -9,16 +11,17 @@
 #include <string_view>
 #include <vector>
 
-#include "composition/read/read_error.h"
+#include "composition/model/composition.h"
+#include "composition/model/scene_object.h"
 #include "composition/read/read_observer.h"
 #include "composition/read/text_cursor.h"
+#include "diagnostic/diagnostic.h"
 
 namespace cli {
 
-/// A value as it was written, and what was kept of it.
+/// A value as it was written.
 struct SceneValue {
     std::string text;
-    double kept = 0;  ///< 0 for a word
     TextPosition at;
 };
 
@@ -29,27 +32,28 @@ struct SceneKeyword {
     std::vector<SceneValue> values;
 };
 
-/// A keyframe. Files have millions, and less than 2 GiB, so that places in them fit into 32 bits.
+/// Where a keyframe is written. Files have millions of them, and less than 2 GiB, so places fit into 32 bits.
 struct SceneKey {
-    explicit SceneKey(const TextPosition& at)
+    SceneKey(const TextPosition& at, int numbers)
         : offset_bytes(static_cast<std::int32_t>(at.offset_bytes)),
           line(static_cast<std::int32_t>(at.line)),
-          column(static_cast<std::int32_t>(at.column)) {}
+          column(static_cast<std::int32_t>(at.column)),
+          numbers_read(numbers) {}
 
     /// Of KEY.
     [[nodiscard]] TextPosition at() const { return {offset_bytes, line, column}; }
 
-    std::int32_t frame = 0;
     std::int32_t offset_bytes;
     std::int32_t line;
     std::int32_t column;
-    std::optional<float> field_of_view;  ///< degrees; cameras only
+    std::int32_t numbers_read;  ///< all of its numbers, unless reading stopped at this key
 };
 
-/// Numbers behind one keyword of one block that are not kept as they were written.
+/// Numbers after one keyword of one block that are not kept as they were written.
 struct SceneChange {
     std::string keyword;
     SceneValue first;
+    double kept = 0;  ///< of the first
     std::int64_t count = 0;
     std::vector<std::string> within;
 };
@@ -57,26 +61,26 @@ struct SceneChange {
 /// A composition, camera, light or null.
 struct SceneBlock {
     BlockKind kind = BlockKind::composition;
-    std::string name;
+    const CComposition* composition = nullptr;  ///< its record, if it is a composition
+    const CSceneObject* object = nullptr;       ///< its record, if it is anything else
     TextPosition name_at;
-    std::vector<std::string> within;    ///< the blocks around it, itself the last
+    std::vector<std::string> within;    ///< the blocks around it, ending with itself
     std::vector<SceneKeyword> entries;  ///< of a light: the last one of each word
-    std::vector<SceneKey> keys;         ///< in file order
+    std::vector<SceneKey> keys;         ///< in file order, as in the record
 };
 
 /// A footage entry.
 struct SceneFootage {
-    bool is_sequence = false;
+    const CFileItem* file = nullptr;  ///< its record
     bool top_level = false;
     TextPosition path_at;
     std::string written;
-    std::optional<std::string> resolved;  ///< the path that counts; none when none could be read
     bool opens_as_written = false;
     std::optional<ReadErrorCode> problem;  ///< why no path could be read
     std::vector<std::string> within;
 };
 
-/// A token that was passed over.
+/// A token that is skipped.
 struct ScenePassed {
     std::string text;
     TextPosition at;
@@ -102,7 +106,7 @@ class SceneObserver : public ReadObserver {
     void on_failure(const diagnostic::Diagnostic& error) override;
     void on_keyword(std::string_view keyword, const TextPosition& at) override;
     void on_value(const ReadValue& value) override;
-    /// Plain numbers are all kept as written, so of such a key there is nothing to say but what it says.
+    /// Plain numbers are always kept as written: of such a key only the place is of interest.
     [[nodiscard]] bool takes_plain_keys() const override { return true; }
     void on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) override;
     void on_block_begin(const ReadBlock& block) override;
@@ -113,7 +117,6 @@ class SceneObserver : public ReadObserver {
   private:
     [[nodiscard]] bool in_object() const;
     std::vector<SceneKeyword>& keywords();
-    void take_key_value(const ReadValue& value);
     void note_change(const ReadValue& value);
 
     SceneFacts& facts_;
@@ -125,5 +128,9 @@ const SceneKeyword* find_keyword(const std::vector<SceneKeyword>& keywords, std:
 
 /// `composition "Main"`
 std::string block_label(const ReadBlock& block);
+
+/// The keys of an object that are both in the file and in its record: the same ones, up to where memory ran
+/// out.
+std::size_t key_count(const SceneBlock& object);
 
 }  // namespace cli

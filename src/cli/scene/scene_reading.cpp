@@ -7,7 +7,6 @@
 #include "cli/report/diagnostic_text.h"
 #include "cli/report/tool_code.h"
 #include "composition/model/model_invariants.h"
-#include "composition/model/project_settings.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
 #include "limit/limits.h"
@@ -101,12 +100,11 @@ Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
     return error;
 }
 
-SceneNumbers numbers_of(const tagProjectSettings& settings) {
-    return {settings.width, settings.height, settings.from,   settings.to,
-            settings.range, settings.fps,    settings.aspect, settings.local != 0};
-}
-
 }  // namespace
+
+std::int64_t layer_length(const tagProjectSettings& settings) {
+    return std::int64_t{settings.to} - settings.from + 1;
+}
 
 SceneReading read_scene(const std::string& file) {
     SceneReading reading;
@@ -117,12 +115,11 @@ SceneReading read_scene(const std::string& file) {
         return reading;
     }
     SceneObserver observer(reading.facts);
-    tagProjectSettings settings;
+    tagProjectSettings& settings = *reading.settings;
     ASCIIParser parser;
     parser.SetObserver(&observer);
     const bool read = parser.Init(Filename(reading.full_path.c_str()), 1, 0) == 0 &&
                       ReadCompositionFile(parser, settings) != 0;
-    reading.numbers = numbers_of(settings);
     if (reading.facts.error) {
         reading.error = diagnostic_of(*reading.facts.error, file);
         reading.code = exit_code_of(reading.facts.error->code);

@@ -110,3 +110,19 @@ int StrToVal(const char* text, A_long& value) {
     value = static_cast<A_long>(std::min(signed_value, kBeyond - 1));
     return 1;
 }
+
+std::optional<double> whole_number(std::string_view text) {
+    const bool negative = text.substr(0, 1) == "-";
+    text.remove_prefix(negative ? 1 : 0);
+    const bool hexadecimal = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
+    text.remove_prefix(hexadecimal ? 2 : 0);
+    double value = 0;
+    const char* const end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(
+        text.data(), end, value, hexadecimal ? std::chars_format::hex : std::chars_format::general);
+    // A second minus sign is taken by the conversion but says nothing.
+    if (error != std::errc() || stop != end || text.substr(0, 1) == "-") {
+        return std::nullopt;
+    }
+    return negative ? -value : value;
+}

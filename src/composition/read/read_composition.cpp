@@ -9,7 +9,7 @@ namespace {
 // Blend word, name and the token after it: `opens_block` says whether that is an opening brace. Any other
 // token is deliberately consumed as well.
 int read_head(ASCIIParser& p, CComposition& composition, bool& opens_block) {
-    enter_block(p, BlockKind::composition);
+    enter_block(p, composition);
     if (read_blend_mode(p, composition.blendMode) == 0 || read_name(p, composition.name) == 0) {
         return 0;
     }

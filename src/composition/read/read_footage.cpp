@@ -184,8 +184,7 @@ int fail_path(const ASCIIParser& p, const FootagePath& path) {
 FootagePath read_path(ASCIIParser& p, CFileItem& file, const TextPosition& at, bool top_level) {
     FootagePath read = read_footage_path(p, &file.path);
     if (ReadObserver* const observer = p.Observer()) {
-        observer->on_footage({file.isSequence != 0, top_level, at, read.at,
-                              read.written == nullptr ? "" : read.written.get(), file.path,
+        observer->on_footage({file, top_level, at, read.at, read.written == nullptr ? "" : read.written.get(),
                               read.opens_as_written, read.problem});
     }
     return read;

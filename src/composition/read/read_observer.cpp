@@ -1,6 +1,7 @@
 #include "composition/read/read_observer.h"
 
-#include <utility>
+#include "composition/model/composition.h"
+#include "composition/model/scene_object.h"
 
 const char* block_word(BlockKind kind) {
     switch (kind) {
@@ -16,18 +17,22 @@ const char* block_word(BlockKind kind) {
     return "null";
 }
 
-void ReadObserver::enter_block(BlockKind kind, const TextPosition& at) {
-    blocks_.push_back({kind, at, {}, {}});
+std::string_view ReadBlock::name() const {
+    const char* const text = kind == BlockKind::composition ? composition->name : object->name;
+    return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
-void ReadObserver::name_block(std::string_view name, const TextPosition& at) {
-    blocks_.back().name = name;
+void ReadObserver::enter_block(const ReadBlock& block) {
+    blocks_.push_back(block);
+}
+
+void ReadObserver::name_block(const TextPosition& at) {
     blocks_.back().name_at = at;
     on_block_begin(blocks_.back());
 }
 
 void ReadObserver::leave_block(const TextPosition& at) {
-    const ReadBlock block = std::move(blocks_.back());
+    const ReadBlock block = blocks_.back();
     blocks_.pop_back();
     on_block_end(block, at);
 }

@@ -3,7 +3,6 @@
 #include <cstdint>
 #include <optional>
 #include <span>
-#include <string>
 #include <string_view>
 #include <vector>
 
@@ -11,39 +10,50 @@
 #include "composition/read/text_cursor.h"
 #include "diagnostic/diagnostic.h"
 
+class CComposition;
+class CFileItem;
+class CSceneObject;
+
 /// Blocks that can be around a place in the file.
 enum class BlockKind { composition, camera, light, null_object };
 
 /// "composition", "camera", "light" or "null".
 [[nodiscard]] const char* block_word(BlockKind kind);
 
-/// A composition, camera, light or null of the file.
+/// A composition, camera, light or null of the file, and its record in the model.
 struct ReadBlock {
     BlockKind kind;
-    TextPosition at;       ///< of its keyword
-    std::string name;      ///< empty until it has been read
-    TextPosition name_at;  ///< of the opening quote
+    TextPosition at;                            ///< of its keyword
+    const CComposition* composition = nullptr;  ///< of the kind composition
+    const CSceneObject* object = nullptr;       ///< of every other kind
+    TextPosition name_at = {};                  ///< of the opening quote, once the name has been read
+
+    /// As the model has it; empty until it has been read.
+    [[nodiscard]] std::string_view name() const;
 };
 
-/// A value behind a keyword.
+enum class ValueKind { integer, real, word };
+
+/// A value after a keyword.
 struct ReadValue {
     std::string_view keyword;  ///< "FPS", "KEY", "SHADOW" ...
     TextPosition keyword_at;
-    int index;              ///< from 0; 7 is the field of view of a camera's KEY, 8 its target distance
-    std::string_view text;  ///< as written
-    double number;          ///< as kept; 0 for a word
+    int index;  ///< from 0; 7 is the field of view of a camera's KEY, 8 its target distance
+    ValueKind kind;
+    std::string_view text;          ///< as written
+    std::optional<double> written;  ///< what the text says, if all of it is one number
+    double kept;                    ///< what the model has; 0 for a word
     TextPosition at;
 };
 
 /// A footage entry, in a composition or at the top level.
 struct ReadFootage {
-    bool is_sequence;
+    const CFileItem& file;  ///< its record in the model; `path` is null when it could not be read
     bool top_level;
     TextPosition at;                       ///< of FILE or FSEQ
     TextPosition path_at;                  ///< of the opening quote, or where reading the path began
     std::string_view written;              ///< the path between the quotes; empty when there is none
-    const char* resolved;                  ///< the path that is kept; null when there is none
-    bool opens_as_written;                 ///< false: `resolved` was made of the composition file's folder
+    bool opens_as_written;                 ///< false: the path in the model is beside the composition file
     std::optional<ReadErrorCode> problem;  ///< why the path could not be read; fatal except at the top level
 };
 
@@ -88,8 +98,8 @@ class ReadObserver {
     [[nodiscard]] const std::vector<ReadBlock>& blocks() const { return blocks_; }
 
     // For the grammar readers.
-    void enter_block(BlockKind kind, const TextPosition& at);
-    void name_block(std::string_view name, const TextPosition& at);
+    void enter_block(const ReadBlock& block);
+    void name_block(const TextPosition& at);
     void leave_block(const TextPosition& at);
 
   private:

@@ -75,8 +75,8 @@ std::vector<std::string> names_of(const std::vector<ReadBlock>& blocks) {
     std::vector<std::string> names;
     for (const ReadBlock& block : blocks) {
         names.emplace_back(block_word(block.kind));
-        if (!block.name.empty()) {
-            names.back() += " " + quoted(block.name);
+        if (!block.name().empty()) {
+            names.back() += " " + quoted(block.name());
         }
     }
     return names;
@@ -107,15 +107,21 @@ int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, st
     return 0;
 }
 
-void enter_block(const ASCIIParser& p, BlockKind kind) {
+void enter_block(const ASCIIParser& p, const CComposition& composition) {
     if (ReadObserver* const observer = p.Observer()) {
-        observer->enter_block(kind, p.TokenStart());
+        observer->enter_block({BlockKind::composition, p.TokenStart(), &composition});
+    }
+}
+
+void enter_block(const ASCIIParser& p, BlockKind kind, const CSceneObject& object) {
+    if (ReadObserver* const observer = p.Observer()) {
+        observer->enter_block({kind, p.TokenStart(), nullptr, &object});
     }
 }
 
 void name_block(const ASCIIParser& p) {
     if (ReadObserver* const observer = p.Observer()) {
-        observer->name_block(p.text, p.TokenStart());
+        observer->name_block(p.TokenStart());
     }
 }
 

@@ -19,8 +19,9 @@ int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected,
 int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, std::string_view expected,
             std::string_view found, const limits::Limit* limit = nullptr);
 
-/// A block begins with the current token, its keyword.
-void enter_block(const ASCIIParser& p, BlockKind kind);
+/// A composition or an object begins with the current token, its keyword.
+void enter_block(const ASCIIParser& p, const CComposition& composition);
+void enter_block(const ASCIIParser& p, BlockKind kind, const CSceneObject& object);
 /// The current token is the name of that block.
 void name_block(const ASCIIParser& p);
 /// The block ends with the current token.

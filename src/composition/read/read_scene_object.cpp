@@ -42,7 +42,7 @@ constexpr WordValue kShadowWords[] = {
     {"NONE", kShadowNone}, {"SOFT", kShadowSoft}, {"HARD", kShadowHard}, {"AREA", kShadowArea}};
 
 int read_head(ASCIIParser& p, CSceneObject& object, BlockKind kind) {
-    enter_block(p, kind);
+    enter_block(p, kind, object);
     if (read_name(p, object.name) == 0) {
         return 0;
     }

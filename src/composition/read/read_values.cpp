@@ -1,11 +1,13 @@
 #include "composition/read/read_values.h"
 
 #include <array>
+#include <optional>
 #include <string>
 
 #include "composition/model/composition.h"
 #include "composition/model/heap_text.h"
 #include "composition/read/ascii_parser.h"
+#include "composition/read/number_scan.h"
 #include "composition/read/read_report.h"
 
 namespace {
@@ -88,7 +90,7 @@ int ValueReader::read_long(A_long& value) {
     if (p_.GetLong(value) == 0) {
         return number_missing();
     }
-    tell(value);
+    tell(ValueKind::integer, value);
     return 1;
 }
 
@@ -101,7 +103,7 @@ int ValueReader::take_real(float& value) {
     if (p_.GetReal(value) == 0) {
         return number_missing();
     }
-    tell(static_cast<double>(value));
+    tell(ValueKind::real, static_cast<double>(value));
     return 1;
 }
 
@@ -119,7 +121,7 @@ int ValueReader::read_word(std::span<const WordValue> words, A_long& value) {
     if (!find_word(p_, words, value)) {
         return fail_word(p_, ReadErrorCode::expected_word, words, keyword_);
     }
-    tell(0);
+    tell(ValueKind::word, 0);
     return 1;
 }
 
@@ -140,9 +142,11 @@ int ValueReader::number_missing() const {
         std::string(kOrdinals[static_cast<std::size_t>(index_)]) + " number after " + std::string(keyword_));
 }
 
-void ValueReader::tell(double number) {
+void ValueReader::tell(ValueKind kind, double kept) {
     if (ReadObserver* const observer = p_.Observer()) {
-        observer->on_value({keyword_, keyword_at_, index_, p_.text, number, p_.TokenStart()});
+        observer->on_value({keyword_, keyword_at_, index_, kind, p_.text,
+                            kind == ValueKind::word ? std::nullopt : whole_number(p_.text), kept,
+                            p_.TokenStart()});
     }
     ++index_;
 }

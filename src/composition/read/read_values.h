@@ -7,6 +7,7 @@
 #include "host/host_interface.h"
 
 class ASCIIParser;
+enum class ValueKind;
 
 /// A word of the file and the number that stands for it in the model.
 struct WordValue {
@@ -49,7 +50,7 @@ class ValueReader {
 
   private:
     int number_missing() const;
-    void tell(double number);
+    void tell(ValueKind kind, double kept);
 
     ASCIIParser& p_;
     std::string_view keyword_;
