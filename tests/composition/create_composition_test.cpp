@@ -138,15 +138,17 @@ TEST_F(CreateComposition, PlaceholdersAreNamedAfterTheLastComponent) {
         {"/missing/" + std::string(33, 'a'), std::string(32, 'a')},
         {"/missing/" + forty, forty.substr(0, 32)},
     };
-    for (const auto& c : cases)
+    for (const auto& c : cases) {
         fill(root().AddFile(), c.path);
+    }
     EXPECT_EQ(run(), 0);
     const std::vector<std::string> made = host_.calls_of({"NewPlaceholderFootage"});
     ASSERT_EQ(made.size(), std::size(cases));
-    for (std::size_t i = 0; i < made.size(); ++i)
+    for (std::size_t i = 0; i < made.size(); ++i) {
         EXPECT_THAT(made[i], ::testing::StartsWith("NewPlaceholderFootage(7, \"" + cases[i].name +
                                                    "\", 720, 576, 50@25)"))
             << cases[i].path;
+    }
 }
 
 TEST_F(CreateComposition, AFolderInPlaceOfTheFootageDoesNotExist) {
@@ -217,15 +219,17 @@ TEST_F(CreateComposition, EveryCallThatFailsEndsTheBuildingThere) {
         }
         ASSERT_GE(host.calls.size(), failing);
         EXPECT_THAT(host.calls[failing - 1], ::testing::EndsWith(" = 77"));
-        for (std::size_t i = failing; i < host.calls.size(); ++i)
+        for (std::size_t i = failing; i < host.calls.size(); ++i) {
             EXPECT_THAT(host.calls[i], ::testing::StartsWith("ReportInfo("))
                 << "nothing but messages after a failure";
+        }
         // The nested composition begins with the call behind the first footage's ten.
         const bool nested = failing > 3 + 10;
         const bool interpretation = clean[failing - 1].find("Interpretation") != std::string::npos;
         std::vector<std::string> reports(nested ? 2 : 1, "Unable to create composition.");
-        if (interpretation)
+        if (interpretation) {
             reports.insert(reports.begin(), "Could not interpret footage.");
+        }
         EXPECT_EQ(host.reports, reports);
         EXPECT_THAT(host.left_open(), IsEmpty());
     }
@@ -282,8 +286,9 @@ TEST_F(CreateComposition, AMissingSuiteIsNoFailureToReport) {
 
 TEST_F(CreateComposition, TheDeepestTreeIsBuiltWithinASmallStack) {
     CComposition* innermost = &root();
-    for (A_long level = 1; level < kMostLevels; ++level)
+    for (A_long level = 1; level < kMostLevels; ++level) {
         innermost = &fill(innermost->AddComposition(), "Nested");
+    }
     fill(innermost->AddFile(), "missing");
     int result = -1;
     run_on_small_stack([&] { result = run(); });
@@ -294,8 +299,9 @@ TEST_F(CreateComposition, TheDeepestTreeIsBuiltWithinASmallStack) {
 
 TEST_F(CreateComposition, AFailureInTheDeepestTreeIsReportedByEveryLevelWithinASmallStack) {
     CComposition* innermost = &root();
-    for (A_long level = 1; level < kMostLevels; ++level)
+    for (A_long level = 1; level < kMostLevels; ++level) {
         innermost = &fill(innermost->AddComposition(), "Nested");
+    }
     fill(innermost->AddFile(), "missing");
     host_.fail("NewPlaceholderFootage", 4);
     int result = -1;

@@ -456,9 +456,11 @@ const std::string kEverything = kHeader + "ASPECT 1.0667\n" + kSettings +
 TEST_F(ImportFileTest, EveryCallThatFailsLeavesNothingOpenAndThePreferenceAsItWas) {
     ASSERT_EQ(import(kEverything), 0);
     std::vector<std::string> clean;
-    for (const std::string& line : host_.calls)
-        if (!line.starts_with("cos(") && !line.starts_with("sin("))
+    for (const std::string& line : host_.calls) {
+        if (!line.starts_with("cos(") && !line.starts_with("sin(")) {
             clean.push_back(line);
+        }
+    }
     ASSERT_EQ(clean.size(), 125U);
     const auto index_of = [&](const std::string& call) {
         return static_cast<std::size_t>(

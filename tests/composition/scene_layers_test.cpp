@@ -26,9 +26,11 @@ int add(RecordingHost& host, CSceneObject& object, A_long width = 720, A_long he
 /// The calls behind the shared part: what comes after the last of its disposals.
 std::vector<std::string> calls_of_kind(const RecordingHost& host, std::size_t shared_streams = 3) {
     std::size_t disposed = 0;
-    for (std::size_t i = 0; i < host.calls.size(); ++i)
-        if (host.calls[i].starts_with("DisposeStream(") && ++disposed == shared_streams)
+    for (std::size_t i = 0; i < host.calls.size(); ++i) {
+        if (host.calls[i].starts_with("DisposeStream(") && ++disposed == shared_streams) {
             return {host.calls.begin() + static_cast<std::ptrdiff_t>(i) + 1, host.calls.end()};
+        }
+    }
     return {};
 }
 
@@ -124,9 +126,11 @@ TEST(CameraAdd, EveryOtherCallThatFailsIsAFailureAndLeavesNothingOpen) {
     {
         RecordingHost host;
         ASSERT_EQ(run(host), 1);
-        for (const std::string& line : host.calls)
-            if (!line.starts_with("cos(") && !line.starts_with("sin("))
+        for (const std::string& line : host.calls) {
+            if (!line.starts_with("cos(") && !line.starts_with("sin(")) {
                 clean.push_back(line);
+            }
+        }
     }
     ASSERT_EQ(clean.size(), 26U);
     for (std::size_t failing = 1; failing <= clean.size(); ++failing) {
@@ -248,9 +252,11 @@ TEST(LightAdd, EveryCallThatFailsIsAFailureButTheType) {
     {
         RecordingHost host;
         ASSERT_EQ(run(host), 1);
-        for (const std::string& line : host.calls)
-            if (!line.starts_with("cos(") && !line.starts_with("sin("))
+        for (const std::string& line : host.calls) {
+            if (!line.starts_with("cos(") && !line.starts_with("sin(")) {
                 clean.push_back(line);
+            }
+        }
     }
     ASSERT_EQ(clean.size(), 31U);
     for (std::size_t failing = 1; failing <= clean.size(); ++failing) {

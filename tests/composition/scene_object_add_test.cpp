@@ -267,19 +267,24 @@ TEST(SceneObjectAdd, EveryCallThatFailsStopsTheWorkAndDisposesOfTheStreams) {
             int counted = 0;
             for (const std::string& line : clean) {
                 expected.push_back(line);
-                if (line.starts_with("cos(") || line.starts_with("sin("))
+                if (line.starts_with("cos(") || line.starts_with("sin(")) {
                     continue;
-                if (++counted == failing)
+                }
+                if (++counted == failing) {
                     break;
-                if (line.starts_with("GetNewLayerStream("))
+                }
+                if (line.starts_with("GetNewLayerStream(")) {
                     fetched.push_back("DisposeStream(" + line.substr(line.find("-> ") + 3) + ")");
-                if (line.starts_with("DisposeStream("))
+                }
+                if (line.starts_with("DisposeStream(")) {
                     fetched.erase(fetched.begin());
+                }
             }
             std::string& last = expected.back();
             SCOPED_TRACE(last);
-            if (last.starts_with("DisposeStream("))
+            if (last.starts_with("DisposeStream(")) {
                 fetched.erase(fetched.begin());
+            }
             last = last.substr(0, last.find(" -> ")) + " = 5";
             expected.insert(expected.end(), fetched.begin(), fetched.end());
             EXPECT_EQ(host.calls, expected);

@@ -19,8 +19,9 @@ A_Err add_zoom_keys(StreamTrack& track, const CCamera& camera, A_long width, A_l
     for (A_long i = 0; i < camera.keyCount && err == kHostErrorNone; ++i) {
         const tagKeyFrame& key = *camera.keys[i];
         err = track.AddKey(key_time(key.frame, from, fps));
-        if (err == kHostErrorNone)
+        if (err == kHostErrorNone) {
             err = track.SetKey(zoom_value(key, width));
+        }
     }
     return err;
 }
@@ -28,16 +29,19 @@ A_Err add_zoom_keys(StreamTrack& track, const CCamera& camera, A_long width, A_l
 int add_zoom(AEGP_SuiteHandler& suites, const CCamera& camera, A_long width, A_long fps, A_long from) {
     LayerStreams streams(suites, camera.layerH);
     AEGP_StreamRefH zoom = nullptr;
-    if (streams.Fetch(kLayerStreamZoom, &zoom) != kHostErrorNone || zoom == nullptr)
+    if (streams.Fetch(kLayerStreamZoom, &zoom) != kHostErrorNone || zoom == nullptr) {
         return 0;
+    }
     // Deliberately a value that the keys then replace: the call belongs to the order that hosts know from
     // this plug-in. Without keys there is no zoom to give, and it is left out.
     if (camera.keyCount > 0 &&
-        set_stream_value(suites, zoom, zoom_value(*camera.keys[0], width)) != kHostErrorNone)
+        set_stream_value(suites, zoom, zoom_value(*camera.keys[0], width)) != kHostErrorNone) {
         return 0;
+    }
     StreamTrack track;
-    if (track.Start(suites, zoom) != kHostErrorNone)
+    if (track.Start(suites, zoom) != kHostErrorNone) {
         return 0;
+    }
     // Deliberately not looked at: a key that fails ends the track early, and what was added is kept.
     add_zoom_keys(track, camera, width, fps, from);
     const A_Err ended = track.End();
@@ -52,9 +56,11 @@ int CCamera::Add(AEGP_SuiteHandler* suites, AEGP_CompH comp, A_long width, A_lon
     layerH = nullptr;
     const A_Err err = suites->CompSuite9()->AEGP_CreateCameraInComp(
         name != nullptr ? name : g_pCh_Unknown_camera, center_point(width, height), comp, &layerH);
-    if (err != kHostErrorNone || layerH == nullptr)
+    if (err != kHostErrorNone || layerH == nullptr) {
         return 0;
-    if (CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) == 0)
+    }
+    if (CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) == 0) {
         return 0;
+    }
     return add_zoom(*suites, *this, width, fps, from);
 }

@@ -26,12 +26,15 @@ Step set_light_stream(AEGP_SuiteHandler& suites, AEGP_LayerH layer, AEGP_LayerSt
                       const AEGP_StreamVal* value) {
     LayerStreams streams(suites, layer);
     AEGP_StreamRefH stream = nullptr;
-    if (streams.Fetch(which, &stream) != kHostErrorNone)
+    if (streams.Fetch(which, &stream) != kHostErrorNone) {
         return Step::failed;
-    if (stream == nullptr)
+    }
+    if (stream == nullptr) {
         return Step::no_stream;
-    if (value != nullptr && set_stream_value(suites, stream, *value) != kHostErrorNone)
+    }
+    if (value != nullptr && set_stream_value(suites, stream, *value) != kHostErrorNone) {
         return Step::failed;
+    }
     return streams.Dispose() == kHostErrorNone ? Step::done : Step::failed;
 }
 
@@ -63,11 +66,13 @@ Step set_light_streams(AEGP_SuiteHandler& suites, const CLight& light) {
         {nullptr, kLayerStreamConeAngle, light.lightType == kLightSpot},
     };
     for (const auto& step : steps) {
-        if (!step.present)
+        if (!step.present) {
             continue;
+        }
         const Step result = set_light_stream(suites, light.layerH, step.which, step.value);
-        if (result != Step::done)
+        if (result != Step::done) {
             return result;
+        }
     }
     return Step::done;
 }
@@ -79,10 +84,12 @@ int CLight::Add(AEGP_SuiteHandler* suites, AEGP_CompH comp, A_long width, A_long
     layerH = nullptr;
     const A_Err err = suites->CompSuite9()->AEGP_CreateLightInComp(
         name != nullptr ? name : g_pCh_Unknown_light, center_point(width, height), comp, &layerH);
-    if (err != kHostErrorNone || layerH == nullptr)
+    if (err != kHostErrorNone || layerH == nullptr) {
         return 0;
-    if (CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) == 0)
+    }
+    if (CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) == 0) {
         return 0;
+    }
     // Deliberately not looked at: a light of the host's default type is better than none.
     suites->LightSuite2()->AEGP_SetLightType(layerH, host_light_type(lightType));
     // A stream that the light has not ends the steps quietly.

@@ -57,32 +57,37 @@ A_Err TransformTracks::Fetch(bool* complete) {
     for (std::size_t i = 0; i < count_; ++i) {
         const A_Err err = streams_.Fetch(which_[i], &handles_[i]);
         *complete = err == kHostErrorNone && handles_[i] != nullptr;
-        if (!*complete)
+        if (!*complete) {
             return err;
+        }
     }
     return kHostErrorNone;
 }
 
 A_Err TransformTracks::Start() {
     A_Err err = kHostErrorNone;
-    for (std::size_t i = 0; i < count_ && err == kHostErrorNone; ++i)
+    for (std::size_t i = 0; i < count_ && err == kHostErrorNone; ++i) {
         err = tracks_[i].Start(suites_, handles_[i]);
+    }
     return err;
 }
 
 A_Err TransformTracks::AddKey(const tagKeyFrame& key, const A_Time& time) {
     A_Err err = kHostErrorNone;
-    for (std::size_t i = 0; i < count_ && err == kHostErrorNone; ++i)
+    for (std::size_t i = 0; i < count_ && err == kHostErrorNone; ++i) {
         err = tracks_[i].AddKey(time);
-    if (err != kHostErrorNone)
+    }
+    if (err != kHostErrorNone) {
         return err;
+    }
     return is_null_ ? SetNullKey(key) : SetViewKey(key);
 }
 
 A_Err TransformTracks::End() {
     A_Err err = kHostErrorNone;
-    for (std::size_t i = 0; i < count_ && err == kHostErrorNone; ++i)
+    for (std::size_t i = 0; i < count_ && err == kHostErrorNone; ++i) {
         err = tracks_[i].End();
+    }
     return err;
 }
 
@@ -124,22 +129,27 @@ A_Err TransformTracks::SetViewKey(const tagKeyFrame& key) {
     const AEGP_StreamVal orientation = three_d_value(0.0, 0.0, double{key.rotation[2]});
 
     A_Err err = tracks_[kPosition].SetKey(position);
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         err = tracks_[kPointOfInterest].SetKey(point_of_interest);
-    if (err == kHostErrorNone)
+    }
+    if (err == kHostErrorNone) {
         err = tracks_[kOrientation].SetKey(orientation);
+    }
     return err;
 }
 
 /// A null: three angles in degrees. A Y rotation of 0 is Deliberately sent as -0.0.
 A_Err TransformTracks::SetNullKey(const tagKeyFrame& key) {
     A_Err err = tracks_[kPosition].SetKey(position_value(key));
-    if (err == kHostErrorNone)
+    if (err == kHostErrorNone) {
         err = tracks_[kXRotation].SetKey(one_d_value(double{key.rotation[0]}));
-    if (err == kHostErrorNone)
+    }
+    if (err == kHostErrorNone) {
         err = tracks_[kYRotation].SetKey(one_d_value(-double{key.rotation[1]}));
-    if (err == kHostErrorNone)
+    }
+    if (err == kHostErrorNone) {
         err = tracks_[kZRotation].SetKey(one_d_value(double{key.rotation[2]}));
+    }
     return err;
 }
 
@@ -147,24 +157,31 @@ A_Err TransformTracks::SetNullKey(const tagKeyFrame& key) {
 
 int CSceneObject::Add(AEGP_SuiteHandler* suites, AEGP_CompH /*comp*/, A_long /*width*/, A_long /*height*/,
                       A_long fps, A_long from, A_long to, int setTimes, int local) {
-    if (setTimes != 0 && set_layer_timing(*suites, layerH, fps, from, to, local) != kHostErrorNone)
+    if (setTimes != 0 && set_layer_timing(*suites, layerH, fps, from, to, local) != kHostErrorNone) {
         return 0;
+    }
 
     TransformTracks tracks(*suites, layerH, isNull != 0);
     bool complete = false;
-    if (tracks.Fetch(&complete) != kHostErrorNone)
+    if (tracks.Fetch(&complete) != kHostErrorNone) {
         return 0;
-    if (!complete)
+    }
+    if (!complete) {
         return 1;  // Deliberately no failure: the layer stays, without keys
+    }
     // From here on a failure Deliberately ends no additions, it only disposes of the streams: ending would
     // have the host take over a track of which a part is missing.
-    if (tracks.Start() != kHostErrorNone)
+    if (tracks.Start() != kHostErrorNone) {
         return 0;
-    for (A_long i = 0; i < keyCount; ++i)
-        if (tracks.AddKey(*keys[i], key_time(keys[i]->frame, from, fps)) != kHostErrorNone)
+    }
+    for (A_long i = 0; i < keyCount; ++i) {
+        if (tracks.AddKey(*keys[i], key_time(keys[i]->frame, from, fps)) != kHostErrorNone) {
             return 0;
-    if (tracks.End() != kHostErrorNone)
+        }
+    }
+    if (tracks.End() != kHostErrorNone) {
         return 0;
+    }
     return tracks.Dispose() == kHostErrorNone ? 1 : 0;
 }
 
@@ -173,8 +190,9 @@ int CNull::Add(AEGP_SuiteHandler* suites, AEGP_CompH comp, A_long width, A_long 
     layerH = nullptr;
     const A_Err err = suites->CompSuite9()->AEGP_CreateNullInComp(name != nullptr ? name : g_pCh_Unknown_null,
                                                                   comp, nullptr, &layerH);
-    if (err != kHostErrorNone || layerH == nullptr)
+    if (err != kHostErrorNone || layerH == nullptr) {
         return 0;
+    }
     // Deliberately not looked at: a flat null still carries what it can.
     suites->LayerSuite11()->AEGP_SetLayerFlag(layerH, kLayerFlag3D, 1);
     return CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) != 0 ? 1 : 0;

@@ -22,8 +22,9 @@ VXR_OWN_FRAME A_Err add_to_parent(AEGP_SuiteHandler& suites, const CComposition&
                                   AEGP_ItemH comp_item) {
     AEGP_LayerH layer = nullptr;
     const A_Err err = add_item_as_layer(suites, comp_item, composition.parent->compH, &layer);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     return set_layer_blend_mode(suites, layer, composition.blendMode);
 }
 
@@ -33,8 +34,9 @@ VXR_OWN_FRAME A_Err create_folder_and_comp(AEGP_SuiteHandler& suites, CCompositi
     A_Err err =
         suites.ItemSuite10()->AEGP_CreateNewFolder(composition.name, composition.parentFolder, folder);
     err = require_handle(err, *folder);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     const A_Ratio pixel_aspect = pixel_aspect_ratio(settings.aspect);
     const A_Ratio frame_rate = frame_rate_ratio(settings.fps);
@@ -42,14 +44,16 @@ VXR_OWN_FRAME A_Err create_folder_and_comp(AEGP_SuiteHandler& suites, CCompositi
     err = suites.CompSuite9()->AEGP_CreateComp(*folder, composition.name, settings.width, settings.height,
                                                &pixel_aspect, &duration, &frame_rate, &composition.compH);
     err = require_handle(err, composition.compH);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     AEGP_ItemH comp_item = nullptr;
     err = suites.CompSuite9()->AEGP_GetItemFromComp(composition.compH, &comp_item);
     err = require_handle(err, comp_item);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     if (settings.firstFolder == nullptr && settings.firstCompItem == nullptr) {
         settings.firstFolder = *folder;
@@ -62,18 +66,22 @@ VXR_OWN_FRAME A_Err create_footage_layer(AEGP_SuiteHandler& suites, CFileItem& f
                                          AEGP_ItemH folder, tagProjectSettings& settings) {
     FootageItem made;
     A_Err err = add_footage_item(suites, file, settings, kLayerPlaceholderNameBytes, folder, &made);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     AEGP_LayerH layer = nullptr;
     err = add_item_as_layer(suites, made.item, comp, &layer);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     err = set_layer_blend_mode(suites, layer, file.blendMode);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     err = file.InterpretFootage(&suites, made.footage, made.item, &settings, file.path);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     return set_layer_timing(suites, layer, settings.fps, settings.from, settings.to, settings.local);
 }
 
@@ -92,11 +100,13 @@ int CComposition::CreateComposition(AEGP_SuiteHandler* suites, AEGP_ItemH parent
     AEGP_ItemH folder = nullptr;
     A_Err err = create_folder_and_comp(*suites, *this, *settings, &folder);
     for (CCompoChild* child = children.First(); err == kHostErrorNone && child != nullptr;
-         child = children.Next(child))
+         child = children.Next(child)) {
         err = child->type == kChildComposition
                   ? child->item.composition->CreateComposition(suites, folder, settings)
                   : create_footage_layer(*suites, *child->item.file, compH, folder, *settings);
-    if (err != kHostErrorNone)
+    }
+    if (err != kHostErrorNone) {
         report_failure();
+    }
     return err;
 }

@@ -41,8 +41,9 @@ A_Err add_footage_item(AEGP_SuiteHandler& suites, const CFileItem& file, const t
                                          : new_placeholder(suites, file.path != nullptr ? file.path : "",
                                                            settings, placeholder_name_bytes, &made->footage);
     err = require_handle(err, made->footage);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     err = suites.FootageSuite7()->AEGP_AddFootageToProject(made->footage, folder, &made->item);
     return require_handle(err, made->item);
 }

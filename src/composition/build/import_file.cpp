@@ -32,8 +32,9 @@ A_Err root_folder_of_project(AEGP_SuiteHandler& suites, AEGP_ItemH* root_folder)
     AEGP_ProjectH project = nullptr;
     A_Err err = suites.ProjSuite5()->AEGP_GetProjectByIndex(0, &project);
     err = require_handle(err, project);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     err = suites.ProjSuite5()->AEGP_GetProjectRootFolder(project, root_folder);
     return require_handle(err, *root_folder);
 }
@@ -42,23 +43,27 @@ A_Err root_folder_of_project(AEGP_SuiteHandler& suites, AEGP_ItemH* root_folder)
 A_Err add_top_level_footage(AEGP_SuiteHandler& suites, tagProjectSettings& settings, AEGP_ItemH root_folder) {
     AEGP_ItemH folder = nullptr;
     for (CCompoChild* child = settings.files.First(); child != nullptr; child = settings.files.Next(child)) {
-        if (child->type != kChildFile)
+        if (child->type != kChildFile) {
             continue;
+        }
         A_Err err = kHostErrorNone;
         if (folder == nullptr) {
             err = suites.ItemSuite10()->AEGP_CreateNewFolder(g_pCh_Others, root_folder, &folder);
             err = require_handle(err, folder);
-            if (err != kHostErrorNone)
+            if (err != kHostErrorNone) {
                 return err;
+            }
         }
         CFileItem& file = *child->item.file;
         FootageItem made;
         err = add_footage_item(suites, file, settings, kTopLevelPlaceholderNameBytes, folder, &made);
-        if (err != kHostErrorNone)
+        if (err != kHostErrorNone) {
             return err;
+        }
         err = file.InterpretFootage(&suites, made.footage, made.item, &settings, file.path);
-        if (err != kHostErrorNone)
+        if (err != kHostErrorNone) {
             return err;
+        }
     }
     return kHostErrorNone;
 }
@@ -66,14 +71,17 @@ A_Err add_top_level_footage(AEGP_SuiteHandler& suites, tagProjectSettings& setti
 A_Err build_project(AEGP_SuiteHandler& suites, tagProjectSettings& settings) {
     AEGP_ItemH root_folder = nullptr;
     A_Err err = root_folder_of_project(suites, &root_folder);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     err = settings.composition.CreateComposition(&suites, root_folder, &settings);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     err = add_top_level_footage(suites, settings, root_folder);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     // Older hosts have no camera, light and null layers.
     return version55 ? add_scene_objects(suites, settings) : kHostErrorNone;
 }
@@ -81,12 +89,14 @@ A_Err build_project(AEGP_SuiteHandler& suites, tagProjectSettings& settings) {
 A_Err read_and_build(ASCIIParser& parser, tagProjectSettings& settings, AEGP_SuiteHandler& suites) {
     const AlphaPreferenceGuard alpha_preference(suites);
     // Deliberately silent: a file that breaks the grammar is ignored as a whole.
-    if (ReadCompositionFile(parser, settings) == 0)
+    if (ReadCompositionFile(parser, settings) == 0) {
         return kHostErrorNone;
+    }
     bool offered = false;
     const A_Err err = test_adv_app_suite(&offered);
-    if (err != kHostErrorNone || !offered)
+    if (err != kHostErrorNone || !offered) {
         return err;
+    }
     const UndoGroup undo_group(suites, g_pCh_Import_media);
     return undo_group.Error() != kHostErrorNone ? undo_group.Error() : build_project(suites, settings);
 }
@@ -97,8 +107,9 @@ void report_error(AEGP_SuiteHandler& suites, A_long line) {
     constexpr std::size_t kRoomForTheLine = 20;
     const std::size_t size = std::strlen(g_pCh_Error_loading_file) + kRoomForTheLine;
     const std::unique_ptr<char[]> text(new (std::nothrow) char[size]);
-    if (text == nullptr)
+    if (text == nullptr) {
         return;  // the result says that the import failed, and a missing suite is the only exception
+    }
     std::snprintf(text.get(), size, g_pCh_Error_loading_file, line);
     suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, text.get());
 }
@@ -108,13 +119,15 @@ void report_error(AEGP_SuiteHandler& suites, A_long line) {
 A_Err import_composition_file(const A_char* path, ReadObserver* observer) {
     ASCIIParser parser;
     parser.SetObserver(observer);
-    if (parser.Init(Filename(path), 1, 0) != 0)
+    if (parser.Init(Filename(path), 1, 0) != 0) {
         return kHostErrorParameter;
+    }
     tagProjectSettings settings;
     AEGP_SuiteHandler suites(g_pBasicSuite);
     const A_Err err = read_and_build(parser, settings, suites);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         report_error(suites, parser.line);
+    }
     return err;
 }
 

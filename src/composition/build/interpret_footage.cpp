@@ -14,8 +14,9 @@ namespace {
 // the locale that the host has set.
 bool has_matte_count(const char* path) {
     const std::size_t length = std::strlen(path);
-    if (length < 4)
+    if (length < 4) {
         return false;
+    }
     char extension[5] = {};
     for (std::size_t i = 0; i < 4; ++i) {
         const char c = path[length - 4 + i];
@@ -28,28 +29,32 @@ bool has_matte_count(const char* path) {
 /// says that it has no matte channels. Its alpha would be made up of nothing. A file that does not open, or
 /// is too short to tell, is not one.
 bool has_no_mattes(const char* path) {
-    if (!has_matte_count(path))
+    if (!has_matte_count(path)) {
         return false;
+    }
     BaseFile file;
-    if (file.Open(Filename(path), 1, 0) == 0)
+    if (file.Open(Filename(path), 1, 0) == 0) {
         return false;
+    }
     // Both windows (four 16-bit values each), frame, storage type and channel count.
     constexpr std::int32_t kBytesBeforeMatteCount = 22;
     unsigned char skipped[kBytesBeforeMatteCount];
     file.ReadBytes(skipped, kBytesBeforeMatteCount, 0);
     std::int16_t stored = 0;
-    if (file.ReadBytes(&stored, sizeof stored, 0) != sizeof stored)
+    if (file.ReadBytes(&stored, sizeof stored, 0) != sizeof stored) {
         return false;
+    }
     WMotor(&stored, 1);
     return stored == 0;
 }
 
 void set_alpha(AEGP_AlphaLabel& alpha, A_long alpha_mode, const char* path) {
     alpha.flags &= ~kAlphaFlagPremultiplied;
-    if (has_no_mattes(path))
+    if (has_no_mattes(path)) {
         alpha.flags |= kAlphaFlagIgnore;
-    else if (alpha_mode == kAlphaPremultiplied)
+    } else if (alpha_mode == kAlphaPremultiplied) {
         alpha.flags |= kAlphaFlagPremultiplied;
+    }
 }
 
 void set_fields(FIEL_Label& interlace, A_long fields) {
@@ -65,8 +70,9 @@ A_Err edit_interpretation(AEGP_SuiteHandler& suites, const CFileItem& file, AEGP
     AEGP_FootageInterp interpretation = AEGP_FootageInterp();
     const A_Err err =
         suites.FootageSuite7()->AEGP_GetFootageInterpretation(item, kNotTheProxy, &interpretation);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     set_alpha(interpretation.alpha, file.alphaMode, path);
     if (file.isSequence == 1) {
@@ -84,7 +90,8 @@ A_Err CFileItem::InterpretFootage(AEGP_SuiteHandler* suites, AEGP_FootageH /*foo
                                   tagProjectSettings* settings, char* path_of_footage) {
     const A_Err err = edit_interpretation(*suites, *this, item, *settings,
                                           path_of_footage != nullptr ? path_of_footage : "");
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         suites->UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_interpret_footage);
+    }
     return err;
 }

@@ -8,8 +8,9 @@ A_Err add_item_as_layer(AEGP_SuiteHandler& suites, AEGP_ItemH item, AEGP_CompH c
     // Deliberately only the error counts, not the answer: adding the layer says the same, with a reason.
     A_Boolean valid = 0;
     const A_Err err = suites.LayerSuite11()->AEGP_IsAddLayerValid(item, comp, &valid);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     *layer = nullptr;
     return require_handle(suites.LayerSuite11()->AEGP_AddLayer(item, comp, layer), *layer);
 }
@@ -18,14 +19,16 @@ A_Err set_layer_blend_mode(AEGP_SuiteHandler& suites, AEGP_LayerH layer, A_long 
     // Read first: flags and track matte go back as the host made them.
     AEGP_LayerTransferMode mode{};
     const A_Err err = suites.LayerSuite11()->AEGP_GetLayerTransferMode(layer, &mode);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
-    if (blend_mode == kBlendNormal)
+    }
+    if (blend_mode == kBlendNormal) {
         mode.mode = kTransferModeNormal;
-    else if (blend_mode == kBlendAdd)
+    } else if (blend_mode == kBlendAdd) {
         mode.mode = kTransferModeAdd;
-    else if (blend_mode == kBlendMultiply)
+    } else if (blend_mode == kBlendMultiply) {
         mode.mode = kTransferModeMultiply;
+    }
     return suites.LayerSuite11()->AEGP_SetLayerTransferMode(layer, &mode);
 }
 
@@ -33,8 +36,9 @@ A_Err set_layer_timing(AEGP_SuiteHandler& suites, AEGP_LayerH layer, A_long fps,
                        A_long local) {
     const A_Time start = layer_start(from, fps, local);
     const A_Err err = suites.LayerSuite11()->AEGP_SetLayerOffset(layer, &start);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     const A_Time in_point = frames_time(0, fps);
     const A_Time duration = range_duration(from, to, fps);
     return suites.LayerSuite11()->AEGP_SetLayerInPointAndDuration(layer, kTimeModeLayer, &in_point,

@@ -9,12 +9,14 @@ LayerStreams::LayerStreams(AEGP_SuiteHandler& suites, AEGP_LayerH layer)
 
 A_Err LayerStreams::Fetch(AEGP_LayerStream which, AEGP_StreamRefH* stream) {
     *stream = nullptr;
-    if (count_ == kMaxStreams)
+    if (count_ == kMaxStreams) {
         return kHostErrorGeneric;
+    }
     AEGP_StreamRefH fetched = nullptr;
     const A_Err err = suite_->AEGP_GetNewLayerStream(g_PluginID, layer_, which, &fetched);
-    if (err != kHostErrorNone || fetched == nullptr)
+    if (err != kHostErrorNone || fetched == nullptr) {
         return err;
+    }
     streams_[count_++] = fetched;
     *stream = fetched;
     return kHostErrorNone;
@@ -24,8 +26,9 @@ A_Err LayerStreams::Dispose() {
     A_Err first_error = kHostErrorNone;
     for (std::size_t i = 0; i < count_; ++i) {
         const A_Err err = suite_->AEGP_DisposeStream(streams_[i]);
-        if (first_error == kHostErrorNone)
+        if (first_error == kHostErrorNone) {
             first_error = err;
+        }
     }
     count_ = 0;
     return first_error;

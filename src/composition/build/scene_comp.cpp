@@ -15,8 +15,9 @@ A_Err stretch_layer(AEGP_SuiteHandler& suites, AEGP_LayerH layer, float aspect) 
     AEGP_StreamRefH stream = nullptr;
     const A_Err err = streams.Fetch(kLayerStreamScale, &stream);
     // A layer without a scale stream is left as it is.
-    if (err != kHostErrorNone || stream == nullptr)
+    if (err != kHostErrorNone || stream == nullptr) {
         return err;
+    }
     AEGP_StreamVal scale{};
     scale.two_d = {100.0, static_cast<A_FpLong>(aspect) * 100.0};
     return set_stream_value(suites, stream, scale);  // how the disposal ends is Deliberately not looked at
@@ -30,47 +31,55 @@ A_Err create_scene_comp(AEGP_SuiteHandler& suites, const tagProjectSettings& set
     A_Err err = comps->AEGP_CreateComp(settings.firstFolder, "Camera+Light", settings.width, settings.height,
                                        &pixel_aspect, &duration, &frame_rate, comp);
     err = require_handle(err, *comp);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     AEGP_ItemH comp_item = nullptr;
     err = comps->AEGP_GetItemFromComp(*comp, &comp_item);
     err = require_handle(err, comp_item);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     AEGP_CompH root = nullptr;
     err = comps->AEGP_GetCompFromItem(settings.firstCompItem, &root);
     err = require_handle(err, root);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
 
     AEGP_LayerH layer = nullptr;
     err = add_item_as_layer(suites, comp_item, root, &layer);
-    if (err != kHostErrorNone)
+    if (err != kHostErrorNone) {
         return err;
+    }
     return stretch_layer(suites, layer, settings.aspect);
 }
 
 }  // namespace
 
 A_Err add_scene_objects(AEGP_SuiteHandler& suites, tagProjectSettings& settings) {
-    if (settings.objects.First() == nullptr)
+    if (settings.objects.First() == nullptr) {
         return kHostErrorNone;
+    }
     AEGP_CompH comp = settings.composition.compH;
     if (settings.aspect != 1.0F && settings.firstFolder != nullptr && settings.firstCompItem != nullptr) {
         comp = nullptr;
         const A_Err err = create_scene_comp(suites, settings, &comp);
-        if (err != kHostErrorNone)
+        if (err != kHostErrorNone) {
             return err;
+        }
     }
     // Deliberate: a scene of frame 0 alone is a still, and its objects keep the length that the host gives
     // them.
     const int set_times = settings.from != 0 || settings.to != 0 ? 1 : 0;
     for (CSceneObject* object = settings.objects.First(); object != nullptr;
-         object = settings.objects.Next(object))
+         object = settings.objects.Next(object)) {
         if (object->Add(&suites, comp, settings.width, settings.height, settings.fps, settings.from,
-                        settings.to, set_times, settings.local) == 0)
+                        settings.to, set_times, settings.local) == 0) {
             break;
+        }
+    }
     return kHostErrorNone;
 }
