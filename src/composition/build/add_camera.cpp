@@ -7,8 +7,8 @@
 
 namespace {
 
-/// The host's zoom is the distance, in pixels, at which the composition's width fills the view. A view of 0
-/// degrees is Deliberately passed on as an infinite zoom.
+/// The host's zoom is the distance, in pixels, at which the composition's width fills the view. A field of
+/// view of 0 degrees deliberately becomes an infinite zoom: nothing guards against it.
 AEGP_StreamVal zoom_value(const tagKeyFrame& key, A_long width) {
     const double half_view = radians_from_degrees(double{key.fov}) * 0.5;
     return one_d_value((width * 0.5) / os::tangent(half_view));
@@ -32,8 +32,8 @@ int add_zoom(AEGP_SuiteHandler& suites, const CCamera& camera, A_long width, A_l
     if (streams.Fetch(kLayerStreamZoom, &zoom) != kHostErrorNone || zoom == nullptr) {
         return 0;
     }
-    // Deliberately a value that the keys then replace: the call belongs to the order that hosts know from
-    // this plug-in. Without keys there is no zoom to give, and it is left out.
+    // Deliberately sets a value that the keys then replace: the call is part of the expected order of calls.
+    // Without keys there is no zoom to set, and the call is left out.
     if (camera.keyCount > 0 &&
         set_stream_value(suites, zoom, zoom_value(*camera.keys[0], width)) != kHostErrorNone) {
         return 0;
@@ -42,7 +42,8 @@ int add_zoom(AEGP_SuiteHandler& suites, const CCamera& camera, A_long width, A_l
     if (track.Start(suites, zoom) != kHostErrorNone) {
         return 0;
     }
-    // Deliberately not looked at: a key that fails ends the track early, and what was added is kept.
+    // Deliberately ignores the result: a failing key ends the track early, and the keys added so far are
+    // kept.
     add_zoom_keys(track, camera, width, fps, from);
     const A_Err ended = track.End();
     const A_Err disposed = streams.Dispose();

@@ -6,7 +6,7 @@
 
 namespace {
 
-/// The host has no tubes and areas, and a parallel light has no cone.
+/// The host has no tube and area lights, and its parallel lights have no cone.
 AEGP_LightType host_light_type(A_long light_type) {
     switch (light_type) {
         case kLightSpot:
@@ -21,7 +21,7 @@ AEGP_LightType host_light_type(A_long light_type) {
 
 enum class Step { done, failed, no_stream };
 
-/// Fetches a stream of the light, sets its value unless that is null, and disposes of it.
+/// Fetches a stream of the light, sets its value unless `value` is null, and disposes of it.
 Step set_light_stream(AEGP_SuiteHandler& suites, AEGP_LayerH layer, AEGP_LayerStream which,
                       const AEGP_StreamVal* value) {
     LayerStreams streams(suites, layer);
@@ -46,11 +46,11 @@ AEGP_StreamVal color_value(const float (&color)[3]) {
 
 Step set_light_streams(AEGP_SuiteHandler& suites, const CLight& light) {
     const AEGP_StreamVal color = color_value(light.color);
-    // Percent, multiplied in single precision and widened afterwards.
+    // Percent, multiplied in single precision and then widened.
     const float percent = light.intensity * 100.0F;
     const AEGP_StreamVal intensity = one_d_value(double{percent});
-    // Deliberately no more than whether there is a shadow: the host has one kind, and SOFT, HARD and AREA are
-    // all sent as it.
+    // Deliberately says only whether there is a shadow: the host has a single kind, which SOFT, HARD and AREA
+    // become.
     const AEGP_StreamVal casts_shadows = one_d_value(light.shadowType != kShadowNone ? 1.0 : 0.0);
 
     const struct {
@@ -61,8 +61,8 @@ Step set_light_streams(AEGP_SuiteHandler& suites, const CLight& light) {
         {&color, kLayerStreamColor, true},
         {&intensity, kLayerStreamIntensity, true},
         {&casts_shadows, kLayerStreamCastsShadows, true},
-        // Deliberately fetched and given back without a value: a spot keeps the host's cone, whatever ANGLE
-        // says.
+        // Deliberately fetched and disposed of without setting a value: a spot keeps the host's cone,
+        // whatever ANGLE says.
         {nullptr, kLayerStreamConeAngle, light.lightType == kLightSpot},
     };
     for (const auto& step : steps) {
@@ -90,8 +90,8 @@ int CLight::Add(AEGP_SuiteHandler* suites, AEGP_CompH comp, A_long width, A_long
     if (CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) == 0) {
         return 0;
     }
-    // Deliberately not looked at: a light of the host's default type is better than none.
+    // Deliberately ignores the result: a light of the host's default type is better than none.
     suites->LightSuite2()->AEGP_SetLightType(layerH, host_light_type(lightType));
-    // A stream that the light has not ends the steps quietly.
+    // A stream that the light lacks ends the steps without an error.
     return set_light_streams(*suites, *this) == Step::failed ? 0 : 1;
 }

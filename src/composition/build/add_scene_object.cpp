@@ -10,7 +10,7 @@
 
 namespace {
 
-// In the order of fetching, which is also that of starting, adding keys, ending and disposing.
+// In the order of fetching, starting, adding keys, ending and disposing.
 constexpr std::size_t kPosition = 0;
 constexpr std::size_t kOrientation = 1;      // camera or light
 constexpr std::size_t kPointOfInterest = 2;  // camera or light: the host's anchor point
@@ -22,7 +22,7 @@ constexpr AEGP_LayerStream kViewStreams[] = {kLayerStreamPosition, kLayerStreamO
 constexpr AEGP_LayerStream kNullStreams[] = {kLayerStreamPosition, kLayerStreamYRotation,
                                              kLayerStreamXRotation, kLayerStreamZRotation};
 
-/// The transform streams of one object, with a track of keys each.
+/// The transform streams of one object, each with a track of keys.
 class TransformTracks {
   public:
     TransformTracks(AEGP_SuiteHandler& suites, AEGP_LayerH layer, bool is_null)
@@ -32,7 +32,7 @@ class TransformTracks {
           count_(is_null ? std::size(kNullStreams) : std::size(kViewStreams)),
           is_null_(is_null) {}
 
-    /// Fetches every stream. `*complete` is false when the layer has one of them not.
+    /// Fetches every stream. `*complete` is false when the layer lacks any of them.
     A_Err Fetch(bool* complete);
     A_Err Start();
     A_Err AddKey(const tagKeyFrame& key, const A_Time& time);
@@ -91,8 +91,8 @@ A_Err TransformTracks::End() {
     return err;
 }
 
-// The host's Y axis points down. The additions of 0.0 and subtractions from 0.0 Deliberately stand as they
-// are: they turn -0.0 into +0.0.
+// The host's Y axis points down. The additions of 0.0 and subtractions from 0.0 are deliberate: they turn
+// -0.0 into +0.0.
 AEGP_StreamVal position_value(const tagKeyFrame& key) {
     const double x = double{key.position[0]} + 0.0;
     const double y = 0.0 - double{key.position[1]};
@@ -101,7 +101,7 @@ AEGP_StreamVal position_value(const tagKeyFrame& key) {
 }
 
 /// The point at the target distance along the view direction, in the host's axes. Sines and cosines come from
-/// the host, one call for each place in the formulas and in their order.
+/// the host, one call per use in the formulas and in their order.
 AEGP_StreamVal point_of_interest_value(AEGP_SuiteHandler& suites, const tagKeyFrame& key) {
     const PF_ANSISuite1* ansi = suites.ANSISuite1();
     const double h = radians_from_degrees(double{key.rotation[0]});
@@ -121,8 +121,7 @@ AEGP_StreamVal point_of_interest_value(AEGP_SuiteHandler& suites, const tagKeyFr
     return three_d_value(x, y, z);
 }
 
-/// A camera or light: heading and pitch are carried by the point of interest alone, bank is the Z
-/// orientation.
+/// A camera or light: the point of interest alone carries heading and pitch; bank becomes the Z orientation.
 A_Err TransformTracks::SetViewKey(const tagKeyFrame& key) {
     const AEGP_StreamVal position = position_value(key);
     const AEGP_StreamVal point_of_interest = point_of_interest_value(suites_, key);
@@ -138,7 +137,8 @@ A_Err TransformTracks::SetViewKey(const tagKeyFrame& key) {
     return err;
 }
 
-/// A null: three angles in degrees. A Y rotation of 0 is Deliberately sent as -0.0.
+/// A null: three angles in degrees. A Y rotation of 0 is deliberately sent as -0.0, the negation of what was
+/// written.
 A_Err TransformTracks::SetNullKey(const tagKeyFrame& key) {
     A_Err err = tracks_[kPosition].SetKey(position_value(key));
     if (err == kHostErrorNone) {
@@ -167,10 +167,10 @@ int CSceneObject::Add(AEGP_SuiteHandler* suites, AEGP_CompH /*comp*/, A_long /*w
         return 0;
     }
     if (!complete) {
-        return 1;  // Deliberately no failure: the layer stays, without keys
+        return 1;  // deliberately not a failure: the layer stays, without keys
     }
-    // From here on a failure Deliberately ends no additions, it only disposes of the streams: ending would
-    // have the host take over a track of which a part is missing.
+    // From here on a failure deliberately disposes of the streams without ending the additions: ending them
+    // would make the host accept an incomplete track.
     if (tracks.Start() != kHostErrorNone) {
         return 0;
     }
@@ -193,7 +193,7 @@ int CNull::Add(AEGP_SuiteHandler* suites, AEGP_CompH comp, A_long width, A_long 
     if (err != kHostErrorNone || layerH == nullptr) {
         return 0;
     }
-    // Deliberately not looked at: a flat null still carries what it can.
+    // Deliberately ignores the result: a 2D null still carries what it can.
     suites->LayerSuite11()->AEGP_SetLayerFlag(layerH, kLayerFlag3D, 1);
     return CSceneObject::Add(suites, comp, width, height, fps, from, to, setTimes, local) != 0 ? 1 : 0;
 }

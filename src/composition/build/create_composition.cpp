@@ -6,10 +6,9 @@
 #include "host/plugin_globals.h"
 #include "host/suite_handler.h"
 
-// Compositions are built one inside the other, up to limits::kCompositionNesting levels deep. What a level
-// needs besides the recursion itself stands in functions of its own that are kept from being inlined: their
-// locals (the handler of the failure report alone has 816 bytes) are off the stack before the next level
-// begins.
+// Compositions are built recursively, up to limits::kCompositionNesting levels deep. Everything a level does
+// besides the recursion is in functions that are never inlined, so that their locals (816 bytes for the
+// handler of the failure report alone) are off the stack before the next level begins.
 #if defined(__GNUC__)
 #define VXR_OWN_FRAME __attribute__((noinline))
 #else
@@ -28,7 +27,7 @@ VXR_OWN_FRAME A_Err add_to_parent(AEGP_SuiteHandler& suites, const CComposition&
     return set_layer_blend_mode(suites, layer, composition.blendMode);
 }
 
-/// The folder, the host's composition in it, and its layer in the parent.
+/// Creates the folder, the host's composition in it, and its layer in the parent.
 VXR_OWN_FRAME A_Err create_folder_and_comp(AEGP_SuiteHandler& suites, CComposition& composition,
                                            tagProjectSettings& settings, AEGP_ItemH* folder) {
     A_Err err =
@@ -85,8 +84,8 @@ VXR_OWN_FRAME A_Err create_footage_layer(AEGP_SuiteHandler& suites, CFileItem& f
     return set_layer_timing(suites, layer, settings.fps, settings.from, settings.to, settings.local);
 }
 
-/// Deliberately through a handler of its own, and by every level that the failure passes: the message appears
-/// once for each composition that could not be finished.
+/// Deliberately uses a handler of its own and is called by every level that the failure passes: the message
+/// appears once for each composition that could not be finished.
 VXR_OWN_FRAME void report_failure() {
     AEGP_SuiteHandler suites(g_pBasicSuite);
     suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, g_pCh_Error_create_composition);

@@ -13,7 +13,7 @@
 namespace {
 
 A_Err new_file_footage(AEGP_SuiteHandler& suites, const CFileItem& file, AEGP_FootageH* footage) {
-    // A null sequence record means a single image, even where the folder holds more of the same name.
+    // A null sequence record means a single image, even if the folder holds a sequence of that name.
     const AEGP_FileSequenceImportOptions whole_sequence = {1, 0, -1, -1};
     return suites.FootageSuite7()->AEGP_NewFootage(g_PluginID, file.path, nullptr,
                                                    file.isSequence != 0 ? &whole_sequence : nullptr,

@@ -17,8 +17,8 @@
 
 namespace {
 
-/// Tests that the host offers the suite, of which nothing is called. Deliberately straight through the basic
-/// suite: a success that yields nothing ends the import quietly, where the handler would throw.
+/// Tests that the host offers the suite, none of whose functions is called. Deliberately asks the basic suite
+/// directly: a success without a suite ends the import silently, where the suite handler would throw.
 A_Err test_adv_app_suite(bool* offered) {
     constexpr const char* kName = "PF AE Adv App Suite";
     constexpr A_long kVersion = 1;
@@ -39,7 +39,8 @@ A_Err root_folder_of_project(AEGP_SuiteHandler& suites, AEGP_ItemH* root_folder)
     return require_handle(err, *root_folder);
 }
 
-/// Footage that belongs to no composition, in a folder of its own; without such footage there is no folder.
+/// Adds the footage that belongs to no composition to a folder of its own, which is created only for such
+/// footage.
 A_Err add_top_level_footage(AEGP_SuiteHandler& suites, tagProjectSettings& settings, AEGP_ItemH root_folder) {
     AEGP_ItemH folder = nullptr;
     for (CCompoChild* child = settings.files.First(); child != nullptr; child = settings.files.Next(child)) {
@@ -88,7 +89,7 @@ A_Err build_project(AEGP_SuiteHandler& suites, tagProjectSettings& settings) {
 
 A_Err read_and_build(ASCIIParser& parser, tagProjectSettings& settings, AEGP_SuiteHandler& suites) {
     const AlphaPreferenceGuard alpha_preference(suites);
-    // Deliberately silent: a file that breaks the grammar is ignored as a whole.
+    // Deliberately silent: a file with a grammar error is ignored as a whole.
     if (ReadCompositionFile(parser, settings) == 0) {
         return kHostErrorNone;
     }
@@ -101,14 +102,14 @@ A_Err read_and_build(ASCIIParser& parser, tagProjectSettings& settings, AEGP_Sui
     return undo_group.Error() != kHostErrorNone ? undo_group.Error() : build_project(suites, settings);
 }
 
-/// Deliberately shows the line where reading stopped, which is the end of the file: building only begins
-/// then.
+/// Deliberately shows the line where reading stopped, which is the end of the file: building begins only
+/// after that.
 void report_error(AEGP_SuiteHandler& suites, A_long line) {
     constexpr std::size_t kRoomForTheLine = 20;
     const std::size_t size = std::strlen(g_pCh_Error_loading_file) + kRoomForTheLine;
     const std::unique_ptr<char[]> text(new (std::nothrow) char[size]);
     if (text == nullptr) {
-        return;  // the result says that the import failed, and a missing suite is the only exception
+        return;  // the result still reports the failure; only a missing suite may throw
     }
     std::snprintf(text.get(), size, g_pCh_Error_loading_file, line);
     suites.UtilitySuite7()->AEGP_ReportInfo(g_PluginID, text.get());

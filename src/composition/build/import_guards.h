@@ -4,13 +4,13 @@
 
 class AEGP_SuiteHandler;
 
-// What an import changes in the host for its own length and puts back on every path, a missing suite's
-// exception included. Both keep the suite they were made with, which the handler holds for longer: ending
-// never has to acquire one, and so never throws.
+// What an import changes in the host while it runs and restores on every path, including a missing suite's
+// exception. Both guards keep the suite they were constructed with, which the handler holds for longer, so
+// their destructors never acquire a suite and never throw.
 
-/// Has the host guess the alpha of unlabelled footage instead of asking for every file; the file's own PREMUL
-/// and STRAIGHT are applied afterwards. The first call that fails leaves the preference as it is, and there
-/// is nothing to put back; the import goes on with a host that asks.
+/// Makes the host guess the alpha of unlabelled footage instead of asking for every file; the file's own
+/// PREMUL and STRAIGHT are applied afterwards. If a call fails, the preference stays as it is, nothing is
+/// restored, and the import continues with a host that asks.
 class AlphaPreferenceGuard {
   public:
     explicit AlphaPreferenceGuard(AEGP_SuiteHandler& suites);
@@ -35,7 +35,7 @@ class UndoGroup {
     UndoGroup(const UndoGroup&) = delete;
     UndoGroup& operator=(const UndoGroup&) = delete;
 
-    /// The host's error code of opening the group; only an opened group is closed.
+    /// The host's error code from opening the group. A group that was not opened is not closed.
     [[nodiscard]] A_Err Error() const { return error_; }
 
   private:

@@ -10,8 +10,8 @@
 
 namespace {
 
-// ".rla" or ".rpf" at the end, in any mix of cases. Compared by hand: the C library's comparison would follow
-// the locale that the host has set.
+// Whether the path ends in ".rla" or ".rpf", in any mix of cases. Compared by hand, because the C library's
+// comparison depends on the locale that the host has set.
 bool has_matte_count(const char* path) {
     const std::size_t length = std::strlen(path);
     if (length < 4) {
@@ -25,9 +25,9 @@ bool has_matte_count(const char* path) {
     return std::strcmp(extension, ".rla") == 0 || std::strcmp(extension, ".rpf") == 0;
 }
 
-/// Deliberately overrules the entry's alpha word: true when `path` is an image of the RLA family whose header
-/// says that it has no matte channels. Its alpha would be made up of nothing. A file that does not open, or
-/// is too short to tell, is not one.
+/// Whether `path` is an image of the RLA family whose header says that it has no matte channels. Deliberately
+/// overrides the entry's alpha word, since such an image has no alpha. False for a file that does not open or
+/// is too short.
 bool has_no_mattes(const char* path) {
     if (!has_matte_count(path)) {
         return false;
@@ -66,7 +66,7 @@ void set_fields(FIEL_Label& interlace, A_long fields) {
 A_Err edit_interpretation(AEGP_SuiteHandler& suites, const CFileItem& file, AEGP_ItemH item,
                           const tagProjectSettings& settings, const char* path) {
     constexpr A_Boolean kNotTheProxy = 0;
-    // Written as a value, not as a list of members: this clears the gaps between them too.
+    // Value-initialised, which clears the padding as well.
     AEGP_FootageInterp interpretation = AEGP_FootageInterp();
     const A_Err err =
         suites.FootageSuite7()->AEGP_GetFootageInterpretation(item, kNotTheProxy, &interpretation);

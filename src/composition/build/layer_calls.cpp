@@ -5,7 +5,8 @@
 #include "host/suite_handler.h"
 
 A_Err add_item_as_layer(AEGP_SuiteHandler& suites, AEGP_ItemH item, AEGP_CompH comp, AEGP_LayerH* layer) {
-    // Deliberately only the error counts, not the answer: adding the layer says the same, with a reason.
+    // Deliberately checks only the error, not the answer: adding the layer gives the same answer, with a
+    // reason.
     A_Boolean valid = 0;
     const A_Err err = suites.LayerSuite11()->AEGP_IsAddLayerValid(item, comp, &valid);
     if (err != kHostErrorNone) {
@@ -16,7 +17,7 @@ A_Err add_item_as_layer(AEGP_SuiteHandler& suites, AEGP_ItemH item, AEGP_CompH c
 }
 
 A_Err set_layer_blend_mode(AEGP_SuiteHandler& suites, AEGP_LayerH layer, A_long blend_mode) {
-    // Read first: flags and track matte go back as the host made them.
+    // Read first, so that flags and track matte are set back unchanged.
     AEGP_LayerTransferMode mode{};
     const A_Err err = suites.LayerSuite11()->AEGP_GetLayerTransferMode(layer, &mode);
     if (err != kHostErrorNone) {

@@ -6,8 +6,8 @@
 
 class AEGP_SuiteHandler;
 
-/// The streams of a layer that are being worked on. Each that was fetched is given back to the host in the
-/// order of fetching, at the latest when the object goes, on whatever path.
+/// The streams of a layer that are in use. Disposes of them in the order of fetching, at the latest in the
+/// destructor.
 class LayerStreams {
   public:
     LayerStreams(AEGP_SuiteHandler& suites, AEGP_LayerH layer);
@@ -15,14 +15,14 @@ class LayerStreams {
     LayerStreams(const LayerStreams&) = delete;
     LayerStreams& operator=(const LayerStreams&) = delete;
 
-    /// No layer is worked on with more streams at once: a null's.
+    /// The most streams in use at once: those of a null.
     static constexpr std::size_t kMaxStreams = 4;
 
     /// Fetches one more stream of the layer. Returns the host's error code; `*stream` stays null when the
     /// layer has no such stream.
     A_Err Fetch(AEGP_LayerStream which, AEGP_StreamRefH* stream);
 
-    /// Disposes of every stream, also when the disposal of one fails. Returns the first error.
+    /// Disposes of every stream, even if disposing of one fails. Returns the first error.
     A_Err Dispose();
 
   private:
@@ -32,26 +32,25 @@ class LayerStreams {
     std::size_t count_ = 0;
 };
 
-/// Values of streams of one and of three dimensions. What a stream does not use is 0.
+/// Values of one-dimensional and three-dimensional streams. Unused members are 0.
 AEGP_StreamVal one_d_value(A_FpLong number);
 AEGP_StreamVal three_d_value(A_FpLong x, A_FpLong y, A_FpLong z);
 
 /// Sets the constant value of `stream`. Returns the host's error code.
 A_Err set_stream_value(AEGP_SuiteHandler& suites, AEGP_StreamRefH stream, const AEGP_StreamVal& value);
 
-/// Keyframes being added to one stream. The stream stays its owner's; nothing is given back here, so
-/// additions that were not ended are dropped by the host.
+/// Keyframes being added to one stream, which the caller owns. There is no destructor: additions that are not
+/// ended are dropped by the host.
 class StreamTrack {
   public:
-    /// Begins adding keyframes to `stream`. Like every operation below it returns the host's error code.
+    /// Begins adding keyframes to `stream`. Returns the host's error code, as do all operations below.
     A_Err Start(AEGP_SuiteHandler& suites, AEGP_StreamRefH stream);
 
-    /// Adds a key at `time`, in layer time, with the host's defaults for everything; the next SetKey gives
-    /// its value.
+    /// Adds a key at `time`, in layer time, with the host's defaults; the next SetKey sets its value.
     A_Err AddKey(const A_Time& time);
     A_Err SetKey(const AEGP_StreamVal& value);
 
-    /// Has the host take the keys over.
+    /// Makes the host accept the keys.
     A_Err End();
 
   private:

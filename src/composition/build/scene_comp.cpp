@@ -9,18 +9,19 @@
 
 namespace {
 
-/// Cameras see square pixels: the layer of their composition gets the root's pixel aspect as its scale.
+/// The cameras' composition has square pixels, so its layer is scaled by the root's pixel aspect.
 A_Err stretch_layer(AEGP_SuiteHandler& suites, AEGP_LayerH layer, float aspect) {
     LayerStreams streams(suites, layer);
     AEGP_StreamRefH stream = nullptr;
     const A_Err err = streams.Fetch(kLayerStreamScale, &stream);
-    // A layer without a scale stream is left as it is.
+    // A layer without a scale stream stays as it is.
     if (err != kHostErrorNone || stream == nullptr) {
         return err;
     }
     AEGP_StreamVal scale{};
     scale.two_d = {100.0, static_cast<A_FpLong>(aspect) * 100.0};
-    return set_stream_value(suites, stream, scale);  // how the disposal ends is Deliberately not looked at
+    // Disposal errors are deliberately ignored: the scale is already set.
+    return set_stream_value(suites, stream, scale);
 }
 
 A_Err create_scene_comp(AEGP_SuiteHandler& suites, const tagProjectSettings& settings, AEGP_CompH* comp) {
@@ -71,8 +72,8 @@ A_Err add_scene_objects(AEGP_SuiteHandler& suites, tagProjectSettings& settings)
             return err;
         }
     }
-    // Deliberate: a scene of frame 0 alone is a still, and its objects keep the length that the host gives
-    // them.
+    // Deliberate: a scene that consists of frame 0 is a still, and its objects keep the length that the host
+    // gives them.
     const int set_times = settings.from != 0 || settings.to != 0 ? 1 : 0;
     for (CSceneObject* object = settings.objects.First(); object != nullptr;
          object = settings.objects.Next(object)) {

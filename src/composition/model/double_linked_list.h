@@ -2,7 +2,7 @@
 
 #include "host/host_interface.h"
 
-/// A node of an intrusive list. Its virtual operations are the two destructors alone.
+/// A node of an intrusive list. Its only virtual operations are the two destructors.
 class CListItem {
   public:
     CListItem() = default;
@@ -14,8 +14,8 @@ class CListItem {
     CListItem* next = nullptr;
 };
 
-/// An intrusive list between two sentinels of the node type. Does not own its nodes: the owner takes each
-/// with RemoveFirst and deletes it before the list goes.
+/// An intrusive list between two sentinels of the node type. Does not own its nodes: before the list is
+/// destroyed, the owner removes each one with RemoveFirst and deletes it.
 template <class T>
 class CDoubleLinkedList {
   public:
@@ -23,7 +23,7 @@ class CDoubleLinkedList {
         head.next = &tail;
         tail.prev = &head;
     }
-    /// Unlinks what is left without deleting it.
+    /// Unlinks the remaining nodes without deleting them.
     ~CDoubleLinkedList() {
         while (RemoveFirst() != nullptr) {
         }
@@ -31,7 +31,7 @@ class CDoubleLinkedList {
     CDoubleLinkedList(const CDoubleLinkedList&) = delete;
     CDoubleLinkedList& operator=(const CDoubleLinkedList&) = delete;
 
-    /// Links `node` behind all others; null is ignored.
+    /// Links `node` after all others; null is ignored.
     void AddAtTail(T* node) {
         if (node == nullptr) {
             return;
@@ -43,9 +43,9 @@ class CDoubleLinkedList {
         ++count;
     }
 
-    /// Links `node` before all others; null is ignored. Deliberately leaves the `prev` of the node that was
-    /// first (of `tail` in an empty list) at `head`, as the format's first reader did. So lists are walked
-    /// forwards and emptied from the front, and one list is only ever filled at one end.
+    /// Links `node` before all others; null is ignored. Deliberately leaves the `prev` of the former first
+    /// node (of `tail` in an empty list) pointing at `head`: this is part of how the list is laid out. Walk
+    /// lists forwards only, empty them from the front, and fill each list at one end only.
     void AddAtHead(T* node) {
         if (node == nullptr) {
             return;
@@ -59,7 +59,7 @@ class CDoubleLinkedList {
     /// The first node, or null when the list is empty.
     [[nodiscard]] T* First() { return NodeOrEnd(head.next); }
 
-    /// The node behind `node`, or null when it is the last.
+    /// The node after `node`, or null when it is the last.
     [[nodiscard]] T* Next(T* node) { return NodeOrEnd(node->next); }
 
     /// Unlinks the first node and returns it; null when the list is empty. The node's own links are cleared.

@@ -15,7 +15,7 @@
 
 namespace {
 
-using Complaint = std::optional<std::string>;
+using Violation = std::optional<std::string>;
 
 constexpr float kLeastAspect = 0.01F;
 constexpr float kMostAspect = 100.0F;
@@ -24,22 +24,22 @@ constexpr float kMostAspect = 100.0F;
 enum class FilledAt { head, tail };
 
 std::string value_text(const char* what, A_long value, A_long least, A_long most) {
-    return std::string(what) + " " + std::to_string(value) + " is none of " + std::to_string(least) + " to " +
-           std::to_string(most);
+    return std::string(what) + " " + std::to_string(value) + " is not between " + std::to_string(least) +
+           " and " + std::to_string(most);
 }
 
 bool among(A_long value, A_long least, A_long most) {
     return value >= least && value <= most;
 }
 
-/// One run over a model.
+/// One check of a model.
 class ModelWalk {
   public:
     ModelWalk(const tagProjectSettings& settings, ModelState state)
         : settings_(settings), complete_(state == ModelState::complete) {}
 
-    Complaint Run() {
-        Complaint found = Settings();
+    Violation Run() {
+        Violation found = Settings();
         if (!found) {
             found = Compositions();
         }
@@ -53,11 +53,11 @@ class ModelWalk {
     }
 
   private:
-    /// A composition that is still to be looked at, or was, and where it hangs.
+    /// A composition, checked or still to be checked, and its place in the tree.
     struct Place {
         const CComposition* composition;
-        std::size_t above;   // its place in places_; of the root its own
-        std::int64_t entry;  // in that composition, from 1
+        std::size_t above;   // index of its parent in places_; the root has its own
+        std::int64_t entry;  // number in its parent, from 1
         A_long level;
     };
 
@@ -69,28 +69,28 @@ class ModelWalk {
         return "root" + path;
     }
 
-    static Complaint At(const std::string& place, const std::string& what) { return place + ": " + what; }
+    static Violation At(const std::string& place, const std::string& what) { return place + ": " + what; }
 
-    /// Every block of memory that a record owns is noted, so that two owners of one are found.
+    /// Notes a block of memory that a record owns, so that a second owner is found.
     void Own(const void* block) {
         if (block != nullptr) {
             owned_.push_back(block);
         }
     }
 
-    /// Walks a text to its end and says whether it is there and not empty.
+    /// Reads a text to its end. Returns whether it exists and is not empty.
     bool HasText(const char* text) {
         Own(text);
         return text != nullptr && std::strlen(text) > 0;
     }
 
-    Complaint OwnedOnce() {
+    Violation OwnedOnce() {
         std::sort(owned_.begin(), owned_.end(), std::less<>());
         const bool twice = std::adjacent_find(owned_.begin(), owned_.end()) != owned_.end();
-        return twice ? Complaint("two records own the same memory") : std::nullopt;
+        return twice ? Violation("two records own the same memory") : std::nullopt;
     }
 
-    [[nodiscard]] Complaint Settings() const {
+    [[nodiscard]] Violation Settings() const {
         const auto wrong = [](const char* what) { return At("settings", what); };
         if (!among(settings_.local, 0, 1)) {
             return At("settings", value_text("local", settings_.local, 0, 1));
@@ -99,7 +99,7 @@ class ModelWalk {
             return At("settings", value_text("fields", settings_.fields, kFieldsNone, kFieldsOdd));
         }
         if ((settings_.firstFolder == nullptr) != (settings_.firstCompItem == nullptr)) {
-            return wrong("only one of the first folder and the first composition is known");
+            return wrong("only one of the first folder and the first composition is set");
         }
         if (!complete_) {
             return std::nullopt;
@@ -117,27 +117,27 @@ class ModelWalk {
         return allowed ? std::nullopt : wrong("the pixel aspect is not from 0.01 to 100");
     }
 
-    /// Follows the links of `list` and gives every node with its number, from 1, to `visit`.
+    /// Follows the links of `list` and calls `visit` with every node and its number, from 1.
     template <class T, class Visit>
-    Complaint List(const CDoubleLinkedList<T>& list, FilledAt end, const std::string& place, Visit visit) {
+    Violation List(const CDoubleLinkedList<T>& list, FilledAt end, const std::string& place, Visit visit) {
         if (list.head.prev != nullptr || list.tail.next != nullptr) {
-            return At(place, "the list goes on beyond its ends");
+            return At(place, "the list continues beyond its ends");
         }
         const CListItem* previous = &list.head;
         std::int64_t number = 0;
         for (const CListItem* node = list.head.next; node != &list.tail; node = node->next) {
             ++number;
             if (node == nullptr) {
-                return At(place, "the list breaks off before node " + std::to_string(number));
+                return At(place, "the list ends before node " + std::to_string(number));
             }
             if (number > list.count) {
                 return At(place, "the list has more nodes than its count of " + std::to_string(list.count));
             }
             if (node->prev != (end == FilledAt::tail ? previous : &list.head)) {
-                return At(place, "node " + std::to_string(number) + " leads back to another node");
+                return At(place, "node " + std::to_string(number) + " links back to another node");
             }
             Own(node);
-            if (Complaint found = visit(*static_cast<const T*>(node), number)) {
+            if (Violation found = visit(*static_cast<const T*>(node), number)) {
                 return found;
             }
             previous = node;
@@ -146,23 +146,23 @@ class ModelWalk {
             return At(place, "the list has fewer nodes than its count of " + std::to_string(list.count));
         }
         if (list.tail.prev != (end == FilledAt::tail ? previous : &list.head)) {
-            return At(place, "the end of the list leads back to another node");
+            return At(place, "the end of the list links back to another node");
         }
         return std::nullopt;
     }
 
-    Complaint Compositions() {
+    Violation Compositions() {
         places_.push_back({&settings_.composition, 0, 0, 1});
         std::unordered_set<const CComposition*> seen{&settings_.composition};
         for (std::size_t i = 0; i < places_.size(); ++i) {
             const Place at = places_[i];
-            if (Complaint found = Head(at, i)) {
+            if (Violation found = Head(at, i)) {
                 return found;
             }
-            Complaint found =
+            Violation found =
                 List(at.composition->children, FilledAt::tail, PathOf(i),
-                     [&](const CCompoChild& child, std::int64_t entry) -> Complaint {
-                         if (Complaint wrong = Child(child, i, entry)) {
+                     [&](const CCompoChild& child, std::int64_t entry) -> Violation {
+                         if (Violation wrong = Child(child, i, entry)) {
                              return wrong;
                          }
                          if (child.type != kChildComposition) {
@@ -172,7 +172,7 @@ class ModelWalk {
                          Own(child.item.composition);
                          return seen.insert(child.item.composition).second
                                     ? std::nullopt
-                                    : At(PathOf(places_.size() - 1), "the composition stands in two places");
+                                    : At(PathOf(places_.size() - 1), "the composition is in two places");
                      });
             if (found) {
                 return found;
@@ -181,45 +181,44 @@ class ModelWalk {
         return std::nullopt;
     }
 
-    Complaint Head(const Place& at, std::size_t place) {
+    Violation Head(const Place& at, std::size_t place) {
         const CComposition& composition = *at.composition;
         const CComposition* const parent = place == 0 ? nullptr : places_[at.above].composition;
         if (composition.parent != parent) {
-            return At(PathOf(place), "the parent is not the composition around it");
+            return At(PathOf(place), "the parent is not the enclosing composition");
         }
         if (at.level > limits::kCompositionNesting.value) {
-            return At(PathOf(place),
-                      "it is more than " + std::to_string(limits::kCompositionNesting.value) + " deep");
+            return At(PathOf(place), "it is nested more than " +
+                                         std::to_string(limits::kCompositionNesting.value) + " levels deep");
         }
         if (!among(composition.blendMode, kBlendNormal, kBlendMultiply)) {
             return At(PathOf(place),
                       value_text("blend mode", composition.blendMode, kBlendNormal, kBlendMultiply));
         }
         if (composition.itemH != nullptr) {
-            return At(PathOf(place), "the handle that nobody uses is set");
+            return At(PathOf(place), "the unused handle is set");
         }
         HasText(composition.name);
-        return complete_ && composition.name == nullptr ? At(PathOf(place), "there is no name")
-                                                        : std::nullopt;
+        return complete_ && composition.name == nullptr ? At(PathOf(place), "it has no name") : std::nullopt;
     }
 
-    Complaint Child(const CCompoChild& child, std::size_t place, std::int64_t entry) {
+    Violation Child(const CCompoChild& child, std::size_t place, std::int64_t entry) {
         const auto here = [&] { return PathOf(place) + ", entry " + std::to_string(entry); };
         if (!among(child.type, kChildFile, kChildComposition)) {
             return At(here(), value_text("kind", child.type, kChildFile, kChildComposition));
         }
         if (child.type == kChildComposition) {
-            return child.item.composition == nullptr ? At(here(), "there is no composition") : std::nullopt;
+            return child.item.composition == nullptr ? At(here(), "it has no composition") : std::nullopt;
         }
         if (child.item.file == nullptr) {
-            return At(here(), "there is no footage");
+            return At(here(), "it has no footage");
         }
         const bool has_path = HasText(child.item.file->path);
-        return complete_ && !has_path ? At(here(), "there is no path") : File(*child.item.file, here);
+        return complete_ && !has_path ? At(here(), "it has no path") : File(*child.item.file, here);
     }
 
     template <class Here>
-    Complaint File(const CFileItem& file, const Here& here) {
+    Violation File(const CFileItem& file, const Here& here) {
         Own(&file);
         if (!among(file.blendMode, kBlendNormal, kBlendMultiply)) {
             return At(here(), value_text("blend mode", file.blendMode, kBlendNormal, kBlendMultiply));
@@ -231,40 +230,40 @@ class ModelWalk {
                                             : At(here(), value_text("sequence", file.isSequence, 0, 1));
     }
 
-    Complaint TopLevelFootage() {
+    Violation TopLevelFootage() {
         return List(settings_.files, FilledAt::tail, "top-level footage",
-                    [this](const CCompoChild& child, std::int64_t entry) -> Complaint {
+                    [this](const CCompoChild& child, std::int64_t entry) -> Violation {
                         const auto here = [entry] { return "top-level footage " + std::to_string(entry); };
                         if (child.type != kChildFile || child.item.file == nullptr) {
-                            return At(here(), "it is no footage");
+                            return At(here(), "it is not footage");
                         }
                         const CFileItem& file = *child.item.file;
-                        // A path that could not be read is none, and never an empty one.
+                        // A path that could not be read is null, never empty.
                         if (!HasText(file.path) && file.path != nullptr) {
                             return At(here(), "the path is empty");
                         }
                         return file.blendMode != kBlendNormal
-                                   ? At(here(), "it has a blend mode, for which there is no word")
+                                   ? At(here(), "it has a blend mode, which the file cannot give it")
                                    : File(file, here);
                     });
     }
 
-    Complaint Objects() {
+    Violation Objects() {
         return List(settings_.objects, FilledAt::head, "objects",
-                    [this](const CSceneObject& object, std::int64_t number) -> Complaint {
+                    [this](const CSceneObject& object, std::int64_t number) -> Violation {
                         const std::string here = "object " + std::to_string(number);
-                        if (Complaint found = Kind(object, here)) {
+                        if (Violation found = Kind(object, here)) {
                             return found;
                         }
                         HasText(object.name);
                         if (complete_ && object.name == nullptr) {
-                            return At(here, "there is no name");
+                            return At(here, "it has no name");
                         }
                         return Keys(object, here);
                     });
     }
 
-    [[nodiscard]] Complaint Kind(const CSceneObject& object, const std::string& here) const {
+    [[nodiscard]] Violation Kind(const CSceneObject& object, const std::string& here) const {
         const bool is_null = dynamic_cast<const CNull*>(&object) != nullptr;
         const auto* const light = dynamic_cast<const CLight*>(&object);
         if (light != nullptr && !among(light->lightType, kLightOmni, kLightArea)) {
@@ -274,15 +273,15 @@ class ModelWalk {
             return At(here, value_text("kind of shadow", light->shadowType, kShadowNone, kShadowArea));
         }
         if (!is_null && light == nullptr && dynamic_cast<const CCamera*>(&object) == nullptr) {
-            return At(here, "it is no camera, light or null");
+            return At(here, "it is not a camera, light or null");
         }
         return object.isNull == (is_null ? 1 : 0) ? std::nullopt
-                                                  : At(here, "what it is and what it says it is differ");
+                                                  : At(here, "isNull does not match its class");
     }
 
-    Complaint Keys(const CSceneObject& object, const std::string& here) {
+    Violation Keys(const CSceneObject& object, const std::string& here) {
         if (object.keyCount < 0 || (object.keyCount > 0) != (object.keys != nullptr)) {
-            return At(here, std::to_string(object.keyCount) + " keys, and the table says otherwise");
+            return At(here, std::to_string(object.keyCount) + " keys, but the array of keys says otherwise");
         }
         Own(object.keys);
         const bool is_camera = dynamic_cast<const CCamera*>(&object) != nullptr;

@@ -5,16 +5,17 @@
 
 struct tagProjectSettings;
 
-/// How far reading a composition file came.
+/// How far reading a composition file got.
 enum class ModelState {
     complete,    ///< ReadCompositionFile returned 1
-    broken_off,  ///< it returned 0: what was not reached has no name, path or value yet
+    broken_off,  ///< it returned 0: whatever was not reached has no name, path or value yet
 };
 
-/// The first thing in `settings` that no file can have brought about, with its place: "root, entry 2, entry
-/// 1: blend mode 7 is none of 0 to 2"; nothing for a sound model. Such a thing is a defect of the readers.
+/// Checks the invariants that hold for the model of every file. Returns the first violation with its place,
+/// such as "root, entry 2, entry 1: blend mode 7 is not between 0 and 2", or nothing for a valid model. A
+/// violation is a defect of the readers.
 ///
-/// Looks at every number, follows every link of every list and walks every text to its end. The work grows
-/// with the model alone, also when links lead in circles; where a pointer leads to freed memory or a text
-/// has no end, that is for AddressSanitizer to find. Not part of the bundle.
+/// Checks every number, follows every link of every list and reads every text to its end. The work is
+/// proportional to the size of the model, even if links form a cycle. Dangling pointers and unterminated
+/// texts are left to AddressSanitizer. Not part of the bundle.
 [[nodiscard]] std::optional<std::string> validate_model(const tagProjectSettings& settings, ModelState state);

@@ -10,7 +10,7 @@ void DeleteSceneObjects(CDoubleLinkedList<CSceneObject>& objects) {
 
 }  // namespace
 
-// The lists are members and go after the body, then the root composition.
+// The lists, as members, are destroyed after the body, followed by the root composition.
 tagProjectSettings::~tagProjectSettings() {
     while (CCompoChild* const child = files.RemoveFirst()) {
         DeleteCompoChild(child);

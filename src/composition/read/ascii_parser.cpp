@@ -25,7 +25,7 @@ constexpr std::array<unsigned char, 256> classified_characters() {
         }
     };
     add("0123456789.-", kBeginsNumber);
-    // Every character that a number may have in any form: decimal, hexadecimal, with an exponent.
+    // Every character of any form of number: decimal, hexadecimal, with an exponent.
     add("0123456789.-abcdefABCDEF+xX", kContinuesNumber);
     add(" \t", kBlank);
     add("\n\r", kLineEnd);
@@ -77,7 +77,7 @@ int ASCIIParser::nextchar(char* out) {
         pushedBack = 0;
     } else {
         const bool taken = TakeByte();
-        // Deliberately also when there was no byte to take: the last line end is then counted once more.
+        // Deliberately also when there was no byte to take: a last line end is then counted again.
         CountLine();
         if (taken) {
             cursor_.pass(curChar);
@@ -103,7 +103,7 @@ bool ASCIIParser::TakeByte() {
     return true;
 }
 
-// Counts the line end that `curChar` may be, unless it completes a pair and so is part of the one before.
+// Counts `curChar` if it is a line end, unless it completes a pair.
 void ASCIIParser::CountLine() {
     if ((curChar == '\n' && lastEol == '\r') || (curChar == '\r' && lastEol == '\n')) {
         lastEol = 0;
@@ -126,7 +126,7 @@ void ASCIIParser::MoveTo(const char* next, const TextCursor& cursor, std::int64_
     cursor_ = cursor;
 }
 
-// MoveTo for bytes none of which is a line end; at least one.
+// MoveTo for at least one byte, none of them a line end.
 void ASCIIParser::Advance(const char* to) {
     TextCursor cursor = cursor_;
     cursor.pass_text(to - bufPos);
@@ -141,8 +141,8 @@ int ASCIIParser::skiplinetoend() {
     return Skip(true, false);
 }
 
-// With `skipping` every character goes until the next line end, which clears it; with `comments` a "/" sets
-// it.
+// While `skipping`, every character up to the next line end is skipped; that ends it. With `comments`, "/"
+// starts it.
 int ASCIIParser::Skip(bool skipping, bool comments) {
     if (!skipping && SkipBlanksInBlock()) {
         return 1;
@@ -157,7 +157,7 @@ int ASCIIParser::Skip(bool skipping, bool comments) {
                 break;
             }
             skipping = false;
-        } else if (comments && c == '/') {  // Deliberately one: "//" is written too, and means the same
+        } else if (comments && c == '/') {  // deliberately one: "//" also occurs and means the same
             skipping = true;
         } else if (!skipping && c != ' ' && c != '\t') {
             break;
@@ -167,9 +167,8 @@ int ASCIIParser::Skip(bool skipping, bool comments) {
     return 1;
 }
 
-// Skips blanks, the first of which has been pushed back, and the line end that it may be. True when what
-// follows begins a token, which is then the character that has been pushed back; otherwise the rest is for
-// the loop above.
+// The fast path of Skip: skips blanks within the block when the character pushed back is a blank or line end.
+// Returns true when a token follows, whose first character is then pushed back; otherwise the caller goes on.
 bool ASCIIParser::SkipBlanksInBlock() {
     const bool at_blank = pushedBack != 0 && is(curChar, eolIsToken != 0 ? kBlank : kBlank | kLineEnd);
     if (!at_blank || status != 0) {
@@ -183,7 +182,7 @@ bool ASCIIParser::SkipBlanksInBlock() {
     if (at == end || is(*at, kLineEnd) || *at == '/') {
         return false;
     }
-    CountUp(charCount);  // the one that was pushed back
+    CountUp(charCount);  // the character that was pushed back
     Advance(at + 1);
     return true;
 }
@@ -217,8 +216,8 @@ A_long ASCIIParser::nextsym(int no_numbers) {
     return c == '"' || c == '\'' ? ReadString(c) : ReadOperator();
 }
 
-// Takes a word whose end lies in the block. Its first character has been pushed back. False, nothing being
-// taken, for any other and for one that is too long.
+// Takes a word that ends within the block; its first character has been pushed back. Returns false and takes
+// nothing if the word ends elsewhere or is too long.
 bool ASCIIParser::TakeWordInBlock(bool number) {
     const char* const end = bufPos + std::min(static_cast<std::size_t>(bufCount), kTextBytes - 1);
     const char* at = bufPos;
@@ -238,7 +237,7 @@ bool ASCIIParser::TakeWordInBlock(bool number) {
     text[0] = curChar;
     std::memcpy(text + 1, bufPos, static_cast<std::size_t>(more));
     text[more + 1] = '\0';
-    CountUp(charCount);  // the one that was pushed back
+    CountUp(charCount);  // the character that was pushed back
     pushedBack = 0;
     if (more > 0) {
         Advance(at);
@@ -254,7 +253,8 @@ A_long ASCIIParser::ReadWord(bool number) {
         char c = 0;
         for (;;) {
             if (nextchar(&c) == 0) {
-                // Deliberate: what the end of the input cuts off is no word, as it may be half of one.
+                // Deliberate: a word cut off by the end of the input may be half of one, so it is not a
+                // token.
                 return CutToken(TokenCut::inside_word);
             }
             const bool belongs =
@@ -333,7 +333,7 @@ A_long ASCIIParser::ReadString(char quote) {
     return sym;
 }
 
-// The token cannot be finished: kind 0, and never a text that somebody could take for a whole one.
+// Ends a token that cannot be finished: kind 0 and an empty text.
 A_long ASCIIParser::CutToken(TokenCut cut) {
     text[0] = '\0';
     sym = kTokenNone;
@@ -345,7 +345,7 @@ void ASCIIParser::rewindsym() {
     rewound = 1;
 }
 
-// Both Deliberately answer 1 also when the text has no value: "FROM -" keeps what was there and passes.
+// Both deliberately return 1 even when the text has no value: "FROM -" keeps the old value and passes.
 int ASCIIParser::GetReal(float& f) {
     if (sym != kTokenNumber) {
         return 0;

@@ -7,13 +7,12 @@
 #include "composition/model/heap_text.h"
 #include "composition/read/read_report.h"
 
-// The parser's file and the blocks that are read from it. What is made of the bytes: ascii_parser.cpp.
+// The parser's file and the blocks read from it. ascii_parser.cpp turns the bytes into tokens.
 
 ASCIIParser::ASCIIParser() : memory_(new_text(kKeptBytes + kJoinedBytes + kBlockBytes + 2)) {
     if (memory_ != nullptr) {
         buffer = memory_ + kKeptBytes + kJoinedBytes;
-        // What looks at eight bytes at a time looks around the ends of a block: never at bytes that were not
-        // set.
+        // Code that loads eight bytes at a time reads beyond the ends of a block, so every byte is set.
         std::memset(memory_, 0, kKeptBytes + kJoinedBytes + kBlockBytes + 2);
     }
     const char identifier_characters[] = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_";
@@ -76,8 +75,8 @@ void ASCIIParser::Refill() {
     }
 }
 
-// Reads `bytes` into the buffer. False when the file became shorter, or its medium fails; what is missing of
-// the block reads as zero bytes.
+// Reads `bytes` into the buffer. Returns false when the file has become shorter or its medium fails; missing
+// bytes read as zero.
 bool ASCIIParser::ReadBlock(A_long bytes) {
     const A_long bytes_read = std::max(file->ReadBytes(buffer, bytes, 0), A_long{0});
     if (bytes_read < bytes) {
@@ -87,10 +86,9 @@ bool ASCIIParser::ReadBlock(A_long bytes) {
     return true;
 }
 
-// Reads the next block behind what is left of this one, which moves to the room before the buffer, so that
-// both are one text. To be called only where what is left will be read to its end and beyond in any case: the
-// next block is then read a little earlier, and nothing else is different. False when there is no room or no
-// next block.
+// Moves what is left of this block to the room before the buffer and reads the next block after it, so that
+// both are one text. Call only where reading will continue beyond this block in any case: the next block is
+// then read a little earlier, and nothing else differs. Returns false when there is no room or no next block.
 bool ASCIIParser::JoinNextBlock() {
     if (status != 0 || bytesLeft < 1 || failed_early_ || bufCount > kJoinedBytes ||
         bufPos - block_begin_ < kKeptBytes) {
@@ -106,7 +104,7 @@ bool ASCIIParser::JoinNextBlock() {
         bytesLeft -= bytes;
         bufCount += bytes;
     } else {
-        failed_early_ = true;  // told when the block's turn comes
+        failed_early_ = true;  // Refill reports it when the block's turn comes
     }
     return true;
 }

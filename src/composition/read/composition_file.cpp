@@ -18,7 +18,7 @@ int read_header(ASCIIParser& p) {
         return fail(p, ReadErrorCode::bad_header, "VORTAN at the beginning of the file");
     }
     p.nextsym(0);
-    // A number would do as well; the word is fixed for the version that writes it.
+    // Deliberately accepts a number token too; its text is compared either way.
     if ((p.sym != kTokenIdentifier && p.sym != kTokenNumber) || Compare(p.text, "XR") != 0) {
         return fail(p, ReadErrorCode::bad_header, "XR after VORTAN");
     }
@@ -38,7 +38,7 @@ int read_top_level_entry(ASCIIParser& p, tagProjectSettings& settings) {
     return read_top_level_footage(p, *file);
 }
 
-// The object that the current token begins, or null when it begins none. `fits` is false when there was no
+// A new object for the current token, or null when the token begins no object. `fits` is false when out of
 // memory.
 CSceneObject* new_object(const ASCIIParser& p, bool& fits) {
     CSceneObject* object = nullptr;
@@ -56,8 +56,8 @@ CSceneObject* new_object(const ASCIIParser& p, bool& fits) {
     return object;
 }
 
-// Top-level footage. `complete` tells that the file ended with it; otherwise the current token is the word
-// behind.
+// Top-level footage. `complete` says whether the file ended with it; otherwise the current token is the word
+// after it.
 int read_top_level_section(ASCIIParser& p, tagProjectSettings& settings, bool& complete) {
     for (;;) {
         if (p.nextsym(0) != kTokenIdentifier) {
@@ -76,9 +76,9 @@ int read_top_level_section(ASCIIParser& p, tagProjectSettings& settings, bool& c
     }
 }
 
-// Scene objects. The current token is the first word behind the footage and must begin one; the first token
-// behind an object that begins none Deliberately ends the file, whatever it is: later exporters may write
-// more sections there.
+// Scene objects. The current token is the first word after the footage and must begin an object. After an
+// object, any token that begins no other one deliberately ends the file: later exporters may write more
+// sections there.
 int read_objects(ASCIIParser& p, tagProjectSettings& settings) {
     bool first = true;
     for (;;) {
@@ -113,7 +113,7 @@ int ReadCompositionFile(ASCIIParser& p, tagProjectSettings& settings) {
         return 0;
     }
     if (p.status == kStatusReadFailed) {
-        // Half a file is never taken for a whole one, wherever reading it broke off.
+        // Half a file never passes for a whole one, wherever reading stopped.
         return fail(p, ReadErrorCode::read_failed, "the rest of the file");
     }
     if (ReadObserver* const observer = p.Observer()) {

@@ -23,7 +23,7 @@ std::string_view without_blanks(std::string_view text) {
     return text.substr(first == std::string_view::npos ? text.size() : first);
 }
 
-// Takes the sign off the text. True when it is a minus.
+// Removes a sign from the text. Returns whether it was a minus.
 bool take_sign(std::string_view& text) {
     const bool negative = text.starts_with('-');
     if (negative || text.starts_with('+')) {
@@ -32,8 +32,8 @@ bool take_sign(std::string_view& text) {
     return negative;
 }
 
-// The written exponent, kept far from the limits of its type: no text is long enough to bring it back into
-// range.
+// The written exponent, saturated far from the limits of its type: no text is long enough to bring it back
+// into range.
 std::int64_t exponent_of(std::string_view text) {
     constexpr std::int64_t kFar = std::int64_t{1} << 48;
     const bool negative = take_sign(text);
@@ -44,8 +44,8 @@ std::int64_t exponent_of(std::string_view text) {
     return negative ? -value : value;
 }
 
-// Whether a number that a float cannot hold is too large for it; otherwise it is too small. The one lies far
-// above 1 and the other far below, so the place of the first digit that counts and the exponent decide.
+// Whether a number outside the range of float is too large rather than too small. Too large is far above 1
+// and too small far below, so the place of the first significant digit and the exponent decide.
 bool is_too_large(std::string_view number, bool hexadecimal) {
     const std::size_t exponent_at = number.find_first_of(hexadecimal ? "pP" : "eE");
     const std::string_view digits = number.substr(0, exponent_at);
@@ -65,7 +65,7 @@ int StrToReal(const char* text, float& value) {
         return -1;
     }
     const bool negative = take_sign(rest);
-    if (rest.starts_with('-')) {  // the conversion below would take a second one
+    if (rest.starts_with('-')) {  // from_chars would accept a second minus sign
         return 0;
     }
     float magnitude = 0;
@@ -80,8 +80,8 @@ int StrToReal(const char* text, float& value) {
         }
         return error != std::errc::invalid_argument;
     };
-    // Without a digit behind its prefix a hexadecimal number is the decimal 0 before the "x". A sign or a
-    // name there is no digit either, though the conversion would take it.
+    // Without a digit after its prefix a hexadecimal number is the decimal 0 before the "x". from_chars would
+    // accept a sign or a name there.
     const bool prefixed = (rest.starts_with("0x") || rest.starts_with("0X")) && rest.size() > 2 &&
                           (is_hexadecimal_digit(rest[2]) || rest[2] == '.');
     if (!(prefixed && convert(rest.substr(2), std::chars_format::hex)) &&
@@ -120,7 +120,7 @@ std::optional<double> whole_number(std::string_view text) {
     const char* const end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(
         text.data(), end, value, hexadecimal ? std::chars_format::hex : std::chars_format::general);
-    // A second minus sign is taken by the conversion but says nothing.
+    // from_chars accepts a second minus sign, which has no meaning.
     if (error != std::errc() || stop != end || text.substr(0, 1) == "-") {
         return std::nullopt;
     }

@@ -16,24 +16,24 @@ bool is_line_end(char c) {
     return c == '\n' || c == '\r';
 }
 
-/// How far looking ahead has come.
+/// A place reached by looking ahead.
 struct Ahead {
     const char* next;         ///< the byte that comes next
-    TextCursor cursor;        ///< behind the byte before
-    std::int64_t tokens = 0;  ///< passed on the way
+    TextCursor cursor;        ///< has passed every byte before `next`
+    std::int64_t tokens = 0;  ///< between the start and `next`
 };
 
-/// Looks for entries of plain keys in a block of text.
+/// Finds entries of plain keys in a block of text.
 class KeyScan {
   public:
-    /// The block ends before `end`. `key_read_at` is where the first KEY is if it has been read already,
-    /// otherwise null.
+    /// The block ends before `end`. `key_read_at` is the position of the first KEY if it has already been
+    /// read, otherwise null.
     KeyScan(const char* end, const TextPosition* key_read_at) : end_(end), key_read_at_(key_read_at) {}
 
-    /// Moves `place` behind the next entry, which has at least `least` and at most `most` plain numbers, and
-    /// stores it in `key`. Returns false when anything else comes next; `place` then means nothing.
+    /// Stores the next entry, which has `least` to `most` plain numbers, in `key` and moves `place` past it.
+    /// Returns false when anything else comes next; `place` is then unspecified.
     bool find(std::size_t least, std::size_t most, Ahead& place, PlainKey& key);
-    /// Whether the block ended inside an entry that had been plain so far.
+    /// Whether the block ended inside an entry that was plain up to there.
     [[nodiscard]] bool ran_out() const { return ran_out_; }
 
   private:
@@ -77,7 +77,7 @@ bool KeyScan::skip_to_word(Ahead& place) {
     return moved && !ran_out_;
 }
 
-// Moves `place` behind the word KEY. Returns false when another word comes next.
+// Moves `place` past the word KEY. Returns false when anything else comes next.
 bool KeyScan::find_word_key(Ahead& place, TextPosition& at) {
     if (key_read_at_ != nullptr) {
         at = *key_read_at_;
@@ -186,18 +186,18 @@ void ASCIIParser::ReadPlainKeys(std::size_t least, std::size_t most, PlainKeySin
             }
         }
         TakeTokens(taken.next, taken.cursor, taken.tokens);
-        // Where the block ran out, nextsym would read beyond its end as well.
+        // nextsym would read beyond the end of the block here as well.
         more = more && JoinNextBlock();
     }
 }
 
-// Makes everything up to `next`, the byte behind the last of `tokens` numbers of keys, the past. `cursor` is
-// behind that number.
+// Moves the parser past the `tokens` words and numbers that end before `next`. `cursor` has passed them.
 void ASCIIParser::TakeTokens(const char* next, TextCursor cursor, std::int64_t tokens) {
     if (tokens == 0) {
         return;
     }
-    // The last two tokens are left to nextsym: it then leaves their texts and places where they belong.
+    // The last two tokens are left to nextsym, which sets their texts and everything else that depends on
+    // them.
     constexpr std::int64_t kTokensLeft = 2;
     const char* behind = next;
     for (std::int64_t i = 0; i < kTokensLeft; ++i) {
@@ -208,9 +208,9 @@ void ASCIIParser::TakeTokens(const char* next, TextCursor cursor, std::int64_t t
             --behind;
         }
     }
-    const char* const next_left = behind + 1;  // the blank behind the token before is read with that token
+    const char* const next_left = behind + 1;  // the token before them was read with the blank after it
     cursor.step_back(next - next_left);
-    // Of each token two characters are delivered twice: its first one, and the one before it if that was
+    // For each token two characters are delivered twice: its first one, and the one before it if that was
     // pushed back.
     const std::int64_t taken = tokens - kTokensLeft;
     MoveTo(next_left, cursor, 2 * taken - (pushedBack != 0 ? 0 : 1));

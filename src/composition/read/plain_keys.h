@@ -6,8 +6,8 @@
 #include "composition/read/text_cursor.h"
 #include "host/host_interface.h"
 
-/// The word KEY and its numbers, all of them plain: a minus sign or none and up to eight digits, with or
-/// without a decimal point; the first one without.
+/// The word KEY and its numbers, all of them plain: an optional minus sign and up to eight digits, with an
+/// optional decimal point in all but the first.
 struct PlainKey {
     TextPosition at;  ///< of KEY
     A_long frame = 0;

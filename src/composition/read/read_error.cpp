@@ -11,7 +11,7 @@ using enum ReadErrorCode;
 
 constexpr auto kRows = std::to_array<CodeRow<ReadErrorCode>>({
     {cannot_open,
-     {"cannot-open", Severity::error, "The file does not exist, may not be read, or is no regular file."}},
+     {"cannot-open", Severity::error, "The file does not exist, may not be read, or is not a regular file."}},
     {empty_file, {"empty-file", Severity::error, "The file has no bytes."}},
     {file_too_large,
      {"file-too-large", Severity::error, "The file has 2 GiB or more, or its length cannot be told."}},

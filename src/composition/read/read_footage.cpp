@@ -18,8 +18,8 @@ namespace {
 
 constexpr std::uint64_t kFirstLineBytes = 20;
 
-// Length of the folder that `path` begins with, its separator included; 0 for a bare name. Every platform's
-// separator counts on every platform: files travel.
+// Length of the folder part of `path`, including its separator; 0 for a bare name. The separators of every
+// platform count on every platform, because files move between them.
 std::size_t folder_length(std::string_view path) {
     const std::size_t separator = path.find_last_of(":\\/");
     return separator == std::string_view::npos ? 0 : separator + 1;
@@ -29,7 +29,7 @@ ReadErrorCode end_or(const ASCIIParser& p, ReadErrorCode at_end) {
     return p.status == kStatusReadFailed ? ReadErrorCode::read_failed : at_end;
 }
 
-// Skips everything up to and with the first double quote, line ends included.
+// Skips everything up to and including the first double quote, even line ends.
 std::optional<ReadErrorCode> find_opening_quote(ASCIIParser& p, TextPosition& at) {
     char c = 0;
     bool first = true;
@@ -45,7 +45,7 @@ std::optional<ReadErrorCode> find_opening_quote(ASCIIParser& p, TextPosition& at
     return std::nullopt;
 }
 
-// Collects the rest of the line, consumes its end, and cuts the text at the last double quote.
+// Collects the rest of the line, consumes the line end, and cuts the text at the last double quote.
 std::optional<ReadErrorCode> collect_line(ASCIIParser& p, std::unique_ptr<char[]>& line) {
     constexpr std::size_t kNowhere = SIZE_MAX;
     std::unique_ptr<char[]> text(new_text(kFirstLineBytes));
@@ -78,8 +78,8 @@ std::optional<ReadErrorCode> collect_line(ASCIIParser& p, std::unique_ptr<char[]
             size *= 2;
         }
     }
-    // Deliberately the last quote of the line, not the next one: paths may hold quotes, which nothing
-    // escapes.
+    // Deliberately the last quote of the line, not the next one: paths may contain quotes, and there is no
+    // escape.
     if (last_quote == kNowhere) {
         return ReadErrorCode::unclosed_path;
     }
@@ -91,7 +91,7 @@ std::optional<ReadErrorCode> collect_line(ASCIIParser& p, std::unique_ptr<char[]
     return std::nullopt;
 }
 
-// Settles which file is meant: the one written, or the one of that name beside the composition file.
+// Decides which file is meant: the one written, or the one of that name beside the composition file.
 std::optional<ReadErrorCode> resolve(const ASCIIParser& p, FootagePath& path, char** result) {
     const Filename name(path.written.get());
     char* const own_form = name.GetString() == nullptr ? nullptr : copy_text(name.GetString());

@@ -57,9 +57,9 @@ struct ReadFootage {
     std::optional<ReadErrorCode> problem;  ///< why the path could not be read; fatal except at the top level
 };
 
-/// Is told what is read where, and why reading failed. Changes nothing of what is read; the plug-in has none.
-/// One observer follows one file. Texts are valid during the call only and hold any bytes but NUL. Every
-/// event does nothing unless overridden.
+/// Is told what is read where, and why reading failed. Has no influence on what is read; the plug-in has
+/// none. One observer follows one file. Texts are valid only during the call and hold any bytes except NUL.
+/// Every event does nothing unless overridden.
 class ReadObserver {
   public:
     ReadObserver() = default;
@@ -72,29 +72,28 @@ class ReadObserver {
     virtual void on_failure(const diagnostic::Diagnostic& /*error*/) {}
     /// A keyword of the settings or of an object's block, before its values: FPS, LOCAL, KEY ...
     virtual void on_keyword(std::string_view /*keyword*/, const TextPosition& /*at*/) {}
-    /// A value of that keyword, after it was converted and before its range is checked.
+    /// A value of that keyword, after conversion and before the check of its range.
     virtual void on_value(const ReadValue& /*value*/) {}
-    /// Whether this observer takes keys as a whole where their numbers are plain: a minus sign or none and up
-    /// to eight digits, a point among them or not, the frame without. Reading is several times faster then.
+    /// Whether this observer takes a KEY as a whole where all its numbers are plain (PlainKey). Reading is
+    /// then several times faster.
     [[nodiscard]] virtual bool takes_plain_keys() const { return false; }
-    /// Of such an observer: a KEY, in place of on_keyword and on_value. Keys written otherwise come with
+    /// Such a KEY, for observers that take them, instead of on_keyword and on_value. Other keys come with
     /// those.
     virtual void on_plain_key(const TextPosition& /*at*/, std::int32_t /*frame*/,
                               std::span<const float> /*others*/) {}
-    /// A block whose name has just been read. blocks() are the ones around it, itself the last.
+    /// A block whose name has just been read. It is the last of blocks().
     virtual void on_block_begin(const ReadBlock& /*block*/) {}
-    /// Its end: the closing brace, or the token behind the name of a composition without a block.
+    /// The end of a block: its closing brace, or the token after the name of a composition without a block.
     virtual void on_block_end(const ReadBlock& /*block*/, const TextPosition& /*at*/) {}
-    /// A footage entry, also one at the top level whose path could not be read.
+    /// A footage entry, including one at the top level whose path could not be read.
     virtual void on_footage(const ReadFootage& /*footage*/) {}
-    /// A token that the reader passes over: an unknown word in a composition, or what stands where a
-    /// composition's brace would. `text` is empty for one that could not be finished.
+    /// A token that the reader skips: an unknown word in a composition, or the token in place of a
+    /// composition's brace. `text` is empty for a token that could not be finished.
     virtual void on_ignored(std::string_view /*text*/, const TextPosition& /*at*/) {}
-    /// The file was read successfully up to `at`. `at_end_of_file` is false when text follows there that is
-    /// ignored.
+    /// The file was read successfully up to `at`. `at_end_of_file` is false when ignored text follows there.
     virtual void on_end(const TextPosition& /*at*/, bool /*at_end_of_file*/) {}
 
-    /// The blocks around the place of reading, outermost first.
+    /// The blocks around the current place, outermost first.
     [[nodiscard]] const std::vector<ReadBlock>& blocks() const { return blocks_; }
 
     // For the grammar readers.

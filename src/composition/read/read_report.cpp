@@ -4,7 +4,7 @@
 
 namespace {
 
-// Enough of a quoted text to know it by.
+// Enough of a quoted text to recognise it.
 constexpr std::size_t kQuotedBytes = 60;
 
 std::string quoted(std::string_view text) {

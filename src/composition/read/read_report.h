@@ -6,16 +6,16 @@
 #include "composition/read/read_error.h"
 #include "composition/read/read_observer.h"
 
-// What the grammar readers say to the observer of their parser, if it has one. Nothing here touches what is
+// What the grammar readers tell the observer of their parser, if it has one. Nothing here affects what is
 // read.
 
-/// Tells that the current token is not what it had to be. A token that could not be finished is reported as
-/// that, whatever `code` and `limit` say. Returns 0, the readers' failure.
+/// Reports that the current token is not what was `expected`. A token that could not be finished is reported
+/// as such, whatever `code` and `limit` say. Returns 0, the readers' failure.
 int fail(const ASCIIParser& p, ReadErrorCode code, std::string_view expected,
          const limits::Limit* limit = nullptr);
 
-/// Tells that `found` is not what had to be `at` this place. `limit` is the limit that the file exceeds, if
-/// that is the reason. Returns 0, the readers' failure.
+/// Reports that `found` is not what was `expected` `at` this place. `limit` is the limit that the file
+/// exceeds, if that is the reason. Returns 0, the readers' failure.
 int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, std::string_view expected,
             std::string_view found, const limits::Limit* limit = nullptr);
 
@@ -26,5 +26,5 @@ void enter_block(const ASCIIParser& p, BlockKind kind, const CSceneObject& objec
 void name_block(const ASCIIParser& p);
 /// The block ends with the current token.
 void leave_block(const ASCIIParser& p);
-/// The current token is passed over.
+/// The current token is skipped.
 void ignore_token(const ASCIIParser& p);

@@ -50,7 +50,7 @@ int read_head(ASCIIParser& p, CSceneObject& object, BlockKind kind) {
                                            : fail(p, ReadErrorCode::expected_block, "\"{\" behind the name");
 }
 
-// Adds the keys that are read as a whole to an object, and tells the observer of them.
+// Adds keys that are read as a whole to an object, and tells the observer.
 class KeyframeSink final : public PlainKeySink {
   public:
     KeyframeSink(CSceneObject& object, ReadObserver* observer) : object_(object), observer_(observer) {}
@@ -83,7 +83,7 @@ class KeyframeSink final : public PlainKeySink {
     bool fits_ = true;
 };
 
-// Reads KEY entries for as long as they are plain. Returns 0 when out of memory, with KEY as the current
+// Reads KEY entries as long as they are plain. Returns 0 when out of memory, with KEY as the current
 // token.
 int read_plain_keys(ASCIIParser& p, CSceneObject& object, const KeyNumbers& numbers) {
     ReadObserver* const observer = p.Observer();

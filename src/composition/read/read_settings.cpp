@@ -9,7 +9,7 @@
 
 namespace {
 
-// A keyword with whole numbers that it must have, each of which has the same lower limit.
+// A keyword with one or two whole numbers, which have the same lower limit.
 struct IntegerSetting {
     const char* keyword;
     A_long tagProjectSettings::*first;
@@ -32,7 +32,7 @@ constexpr IntegerSetting kIntegerSettings[] = {
 
 constexpr WordValue kFieldWords[] = {{"NONE", kFieldsNone}, {"EVEN", kFieldsEven}, {"ODD", kFieldsOdd}};
 
-// Limits of the pixel aspect ratio, compared after rounding to single precision: 0.01 as written is inside.
+// Limits of the pixel aspect ratio, compared in single precision, so 0.01 as written is within them.
 constexpr float kMinAspect = 0.01F;
 constexpr float kMaxAspect = 100.0F;
 
@@ -80,7 +80,7 @@ int read_optional(ASCIIParser& p, tagProjectSettings& settings, bool& known) {
 
 constexpr unsigned kAllSeen = (1U << std::size(kIntegerSettings)) - 1;
 
-// Reads one setting. `seen` has one bit for each row of kIntegerSettings. `known` is false for any other
+// Reads one setting. `seen` has one bit for each row of kIntegerSettings. `known` becomes false for any other
 // word.
 int read_setting(ASCIIParser& p, tagProjectSettings& settings, unsigned& seen, bool& known) {
     for (std::size_t i = 0; i < std::size(kIntegerSettings); ++i) {

@@ -15,7 +15,7 @@ namespace {
 constexpr WordValue kBlendWords[] = {{"NRM", kBlendNormal}, {"ADD", kBlendAdd}, {"MUL", kBlendMultiply}};
 constexpr WordValue kAlphaWords[] = {{"PREMUL", kAlphaPremultiplied}, {"STRAIGHT", kAlphaStraight}};
 
-// No keyword has more values than the nine of a camera's KEY.
+// A camera's KEY has the most values, nine.
 constexpr std::array<const char*, 9> kOrdinals = {"a",       "a second",  "a third",   "a fourth", "a fifth",
                                                   "a sixth", "a seventh", "an eighth", "a ninth"};
 
