@@ -27,7 +27,7 @@ std::string_view last_component(std::string_view path) {
     return text::last_component(path, ":\\/");
 }
 
-// The path beside the composition file as the user would name it.
+// The path beside the composition file, as the user would write it.
 std::string beside(const SceneReading& reading, std::string_view path) {
     return os::text_of(os::path_of(reading.file).parent_path() /
                        os::path_of(std::string(last_component(path))));
@@ -93,12 +93,12 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     }
 }
 
-// Textures are read by the bundle's input module, which goes by the extension in letters of either case.
+// The bundle's input module reads textures; it recognises them by their extension, ignoring case.
 bool is_texture(std::string_view path) {
     return text::ends_with_ignoring_case(path, ".txl");
 }
 
-// Why no picture can be had from the file; empty when one can.
+// Why the file cannot be read as a picture; empty if it can.
 std::string reading_obstacle(const std::string& path) {
     if (is_texture(path)) {
         const std::optional<TextureError> error = read_texture(path).error;
@@ -107,7 +107,7 @@ std::string reading_obstacle(const std::string& path) {
         }
         return error->limit == nullptr ? error->reason : error->reason + "; " + limit_text(*error->limit);
     }
-    // Nothing is wrong with the picture then.
+    // Then nothing is wrong with the picture.
     if (const std::string problem = image::library_problem(); !problem.empty()) {
         throw std::runtime_error(problem);
     }
@@ -150,7 +150,7 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Warni
 
 void check_footage(const SceneReading& reading, WarningList& warnings) {
     for (const SceneFootage& footage : reading.facts.footage) {
-        // The one that reading stopped at is the error's to explain.
+        // The entry at which reading stopped has its error already.
         if (footage.top_level || !footage.problem) {
             check_entry(reading, footage, warnings);
         }

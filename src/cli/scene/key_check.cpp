@@ -8,7 +8,7 @@
 namespace cli {
 namespace {
 
-// Keys of one object that have a fault in common.
+// The keys of one object that have the same fault.
 struct Offenders {
     const SceneKey* first = nullptr;
     std::string frames;  ///< "9, 12, 15 and 3 more"
@@ -47,7 +47,7 @@ A_long frame_of(const SceneBlock& object, std::size_t key) {
     return object.object->keys[key]->frame;
 }
 
-// Frames that rise within the range, as those of most objects do: there is nothing to say about them.
+// Whether frames rise within the range, as those of most objects do; then there is nothing to check.
 bool rise_in_range(const SceneBlock& object, const tagProjectSettings& settings) {
     const std::size_t count = key_count(object);
     if (count == 0) {
@@ -68,7 +68,7 @@ void check_frames(const SceneBlock& object, const tagProjectSettings& settings, 
     Offenders outside;
     Offenders disordered;
     Offenders repeated;
-    // Most tracks only rise: the set of frames is made at the first key that does not.
+    // Most tracks only rise, so the set of frames is built at the first key that does not.
     std::set<A_long> seen;
     bool rising = true;
     for (std::size_t i = 0; i < key_count(object); ++i) {

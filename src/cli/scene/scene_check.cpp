@@ -12,7 +12,7 @@
 namespace cli {
 namespace {
 
-constexpr std::size_t kNameBytes = 31;  // what the host keeps of a name
+constexpr std::size_t kNameBytes = 31;  // the longest name that the host keeps
 
 void check_changes(const SceneReading& reading, WarningList& warnings) {
     for (const SceneChange& change : reading.facts.changes) {
@@ -33,13 +33,13 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
     if (aspect == nullptr || aspect->values.empty()) {
         return;
     }
-    // Out of range it is the error's to explain, and no ratio can be made of it.
+    // An aspect out of range is an error already, and no ratio can be made of it.
     if (!(reading.settings->aspect >= 0.01F && reading.settings->aspect <= 100.0F)) {
         return;
     }
     const SceneValue& value = aspect->values.front();
     const A_Ratio ratio = pixel_aspect_ratio(reading.settings->aspect);
-    // What the value is short of a hundredth in single precision is no loss.
+    // The rounding error of single precision does not count.
     constexpr double kNoLoss = 1e-5;
     if (std::abs(double{reading.settings->aspect} * ratio.den - ratio.num) > kNoLoss * ratio.den) {
         warnings.add(ToolCode::aspect_cut, value.at,
@@ -50,7 +50,7 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
 }
 
 void check_range(const SceneReading& reading, WarningList& warnings) {
-    // A setting that is missing, or its number, is the error's to explain: nothing can be compared with it.
+    // A missing setting or number is an error already, and there is nothing to compare.
     const auto read_setting = [&](std::string_view word) {
         const SceneKeyword* const setting = find_keyword(reading.facts.settings, word);
         return setting != nullptr && !setting->values.empty() ? setting : nullptr;
@@ -100,7 +100,7 @@ void check_names(const SceneReading& reading, WarningList& warnings) {
     }
 }
 
-// What the host gets instead of a kind of light that it does not have; null for the kinds that it has.
+// What the host makes of a kind of light that it lacks; null for the kinds that it has.
 const char* replacing_light(A_long kind) {
     switch (kind) {
         case kLightTube:

@@ -10,15 +10,15 @@
 
 namespace cli {
 
-/// Everything about a composition file that will come out otherwise than its author may think, in the order
-/// of the file. Of a refused file, what was read before the error. Looks at the footage files.
+/// Everything in a composition file whose result may differ from what its author expects, in the order of the
+/// file. For a refused file, only what precedes the error. Opens the footage files.
 std::vector<Diagnostic> scene_warnings(const SceneReading& reading);
 
-// The parts of it, each adding to the list.
+// Its parts. Each adds to the list.
 
-/// Settings, names, words that are passed over, text behind the end.
+/// Settings, names, skipped words, text after the end.
 void check_settings(const SceneReading& reading, WarningList& warnings);
-/// Kinds of lights and shadows, cone angles.
+/// Kinds of lights and shadows; cone angles.
 void check_lights(const SceneReading& reading, WarningList& warnings);
 /// Keyframes of cameras, lights and nulls.
 void check_keys(const SceneReading& reading, WarningList& warnings);

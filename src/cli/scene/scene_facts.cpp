@@ -8,7 +8,7 @@
 namespace cli {
 namespace {
 
-// Enough to know a name by, and more blocks than anybody nests by hand: what is kept of a file must not grow
+// Enough to recognise a name, and more blocks than anyone nests by hand: the facts about a file must not grow
 // with the square of its size.
 constexpr std::size_t kKeptNameBytes = 60;
 constexpr std::size_t kBlocksAround = 8;
@@ -54,7 +54,7 @@ void SceneObserver::on_keyword(std::string_view keyword, const TextPosition& at)
         facts_.objects.back().keys.emplace_back(at, 0);
         return;
     }
-    // The last one counts: what an earlier one said is no longer worth a word.
+    // The last one wins, so an earlier one no longer matters.
     std::vector<SceneKeyword>& list = keywords();
     std::erase_if(list, [&](const SceneKeyword& one) { return one.word == keyword; });
     list.push_back({std::string(keyword), at, {}});

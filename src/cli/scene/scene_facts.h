@@ -1,7 +1,7 @@
 #pragma once
 
-// What a composition file says that its model does not keep: the places, and values as they were written. The
-// records of the model are pointed to; everything that a warning is about is in one of the two.
+// What a composition file says and its model does not keep: places, and values as they were written. Points
+// to the records of the model for everything else.
 
 #include <cstddef>
 #include <cstdint>
@@ -87,6 +87,7 @@ struct ScenePassed {
     std::vector<std::string> within;
 };
 
+/// Everything that a warning can be about, beside the model.
 struct SceneFacts {
     std::vector<SceneKeyword> settings;  ///< the last one of each word
     std::vector<SceneChange> changes;
@@ -94,11 +95,11 @@ struct SceneFacts {
     std::vector<SceneBlock> objects;  ///< cameras, lights and nulls in file order
     std::vector<SceneFootage> footage;
     std::vector<ScenePassed> passed;
-    std::optional<TextPosition> ignored_from;     ///< where text begins that is not read any more
+    std::optional<TextPosition> ignored_from;     ///< where the text begins that is not read
     std::optional<diagnostic::Diagnostic> error;  ///< why reading stopped
 };
 
-/// Collects the facts while a file is read.
+/// Collects the facts while a file is read into a model that outlives them.
 class SceneObserver : public ReadObserver {
   public:
     explicit SceneObserver(SceneFacts& facts) : facts_(facts) {}
@@ -120,7 +121,7 @@ class SceneObserver : public ReadObserver {
     void note_change(const ReadValue& value);
 
     SceneFacts& facts_;
-    std::size_t own_changes_ = 0;  ///< where the changes of the settings or of the block being read begin
+    std::size_t own_changes_ = 0;  ///< index of the first change in the settings or block being read
 };
 
 /// The last occurrence of a setting or of a light's entry; null when there was none.
@@ -129,8 +130,7 @@ const SceneKeyword* find_keyword(const std::vector<SceneKeyword>& keywords, std:
 /// `composition "Main"`
 std::string block_label(const ReadBlock& block);
 
-/// The keys of an object that are both in the file and in its record: the same ones, up to where memory ran
-/// out.
+/// The number of keys that have both a place and a record. The last one may lack its record if memory ran out.
 std::size_t key_count(const SceneBlock& object);
 
 }  // namespace cli

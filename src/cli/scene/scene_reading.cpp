@@ -38,7 +38,7 @@ const char* kind_word(os::FileKind kind) {
     }
 }
 
-// Why the file cannot be opened; nothing when it can.
+// Why the file cannot be opened; nothing if it can.
 std::optional<std::string> obstacle(const os::FileState& state) {
     if (state.kind == os::FileKind::missing) {
         return state.error;
@@ -49,7 +49,7 @@ std::optional<std::string> obstacle(const os::FileState& state) {
     return std::nullopt;
 }
 
-// The host's quick test. Nothing when the file passes it.
+// The host's quick test. Returns nothing when the file passes.
 std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code) {
     code = ExitCode::cannot_read_or_write;
     const Place whole_file{reading.file};

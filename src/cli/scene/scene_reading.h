@@ -12,22 +12,22 @@
 
 namespace cli {
 
-/// What became of reading a composition file as the plug-in does.
+/// The result of reading a composition file the way the plug-in does.
 struct SceneReading {
     std::string file;                 ///< as the user named it
     std::string full_path;            ///< as the plug-in gets it
-    std::optional<Diagnostic> error;  ///< why the plug-in takes nothing from the file
-    ExitCode code = ExitCode::fine;   ///< what the error means for the program
-    /// What the plug-in's reader made of the file, up to the error. Never null.
+    std::optional<Diagnostic> error;  ///< why the plug-in imports nothing from the file
+    ExitCode code = ExitCode::fine;   ///< the exit code for the error
+    /// The model, read up to the error. Never null.
     std::unique_ptr<tagProjectSettings> settings = std::make_unique<tagProjectSettings>();
     SceneFacts facts;  ///< points into the settings
 };
 
-/// How long layers and placeholders are, in frames.
+/// The length of layers and placeholders, in frames.
 std::int64_t layer_length(const tagProjectSettings& settings);
 
-/// Reads the file the way a host and the plug-in do: first nine bytes, then everything with the plug-in's own
-/// readers. Never waits on a pipe or a device.
+/// Reads the file the way a host and the plug-in do: the first nine bytes, then everything with the plug-in's
+/// own readers. Never waits for a pipe or a device.
 SceneReading read_scene(const std::string& file);
 
 }  // namespace cli
