@@ -18,7 +18,7 @@ namespace {
 using Token = std::pair<A_long, std::string>;
 using Tokens = std::vector<Token>;
 
-// All tokens up to and with the first of kind 0. A file of one-character tokens bounds their number.
+// All tokens up to and including the first of kind 0; at most as many as a file of one-character tokens has.
 Tokens tokens_of(ParsedText& text, int no_numbers = 0) {
     Tokens tokens{{text.p.sym, text.p.text}};
     while (tokens.back().first != kTokenNone) {
@@ -42,13 +42,13 @@ TEST(ASCIIParser, TokensOfTexts) {
          "COMPOSITION/comment\nb ",
          {{1, "COMPOSITION"}, {1, "b"}, end}},
         {"one slash is enough", "a/b\n c ", {{1, "a"}, {1, "c"}, end}},
-        {"two slashes work as well", "// x y\nc ", {{1, "c"}, end}},
+        {"two slashes work too", "// x y\nc ", {{1, "c"}, end}},
         {"a comment ends with a CR", "a / x\rc ", {{1, "a"}, {1, "c"}, end}},
         {"a comment may end the file", "{ / x", {{6, "{"}, end}},
         {"signed exponent is one number", "-12.5e+3 ", {{4, "-12.5e+3"}, end}},
         {"digit first is a number", "7E ", {{4, "7E"}, end}},
         {"letter first is an identifier", "E7 ", {{1, "E7"}, end}},
-        {"a number goes on with hexadecimal letters", "0x1F ", {{4, "0x1F"}, end}},
+        {"a number continues with hexadecimal letters", "0x1F ", {{4, "0x1F"}, end}},
         {"points and signs are not counted", "1.2.3-+ ", {{4, "1.2.3-+"}, end}},
         {"a number ends at another letter", "12G ", {{4, "12"}, {1, "G"}, end}},
         {"underscore begins an identifier", "_a9 ", {{1, "_a9"}, end}},
@@ -66,7 +66,7 @@ TEST(ASCIIParser, TokensOfTexts) {
           {14, "*"},
           {14, "("},
           end}},
-        {"plus begins no number", "+5 ", {{12, "+"}, {4, "5"}, end}},
+        {"plus does not begin a number", "+5 ", {{12, "+"}, {4, "5"}, end}},
         {"double quotes", "\"a b\" ", {{2, "a b"}, end}},
         {"empty text", "\"\" ''", {{2, ""}, {3, ""}, end}},
         {"single quotes", "'a \"b\"' ", {{3, "a \"b\""}, end}},
@@ -75,7 +75,7 @@ TEST(ASCIIParser, TokensOfTexts) {
         {"a dollar before anything else stays", "\"5$ $$x\" ", {{2, "5$ $$x"}, end}},
         {"two dollars and a quote", "\"$$\"\" ", {{2, "$\""}, end}},
         {"no escape in single quotes", "'a$' b ", {{3, "a$"}, {1, "b"}, end}},
-        {"a quote right behind a word", "a\"b\"c ", {{1, "a"}, {2, "b"}, {1, "c"}, end}},
+        {"a quote right after a word", "a\"b\"c ", {{1, "a"}, {2, "b"}, {1, "c"}, end}},
         {"a word at the very end is cut", "a b", {{1, "a"}, end}},
         {"a number at the very end is cut", "a 5", {{1, "a"}, end}},
         {"an operator at the very end is delivered", "a }", {{1, "a"}, {7, "}"}, end}},
@@ -84,14 +84,14 @@ TEST(ASCIIParser, TokensOfTexts) {
         {"a text that ends in a dollar", "a \"bc$", {{1, "a"}, end}},
         {"blanks alone", " \t\r\n", {end}},
         {"bytes above ASCII are single characters", "\x80\xff ", {{14, "\x80"}, {14, "\xff"}, end}},
-        {"and parts of a quoted text", "\"\xc3\xa4\xff\" ", {{2, "\xc3\xa4\xff"}, end}},
+        {"bytes above ASCII are part of a quoted text", "\"\xc3\xa4\xff\" ", {{2, "\xc3\xa4\xff"}, end}},
         {"a NUL byte is a character of its own without text",
          std::string("a\0b ", 4),
          {{1, "a"}, {14, ""}, {1, "b"}, end}},
         {"a NUL byte ends what is read of a quoted text",
          std::string("\"a\0b\" c ", 8),
          {{2, "a"}, {1, "c"}, end}},
-        {"a form feed is no blank", "a\fb ", {{1, "a"}, {14, "\f"}, {1, "b"}, end}},
+        {"a form feed is not a blank", "a\fb ", {{1, "a"}, {14, "\f"}, {1, "b"}, end}},
     };
     for (const TokenCase& c : cases) {
         SCOPED_TRACE(c.why);
@@ -103,13 +103,13 @@ TEST(ASCIIParser, TokensOfTexts) {
     }
 }
 
-TEST(ASCIIParser, NumbersCanBeSwitchedOff) {
+TEST(ASCIIParser, WithoutNumbers) {
     ParsedText text("a 12 .5 -x ");
     EXPECT_EQ(tokens_of(text, 1),
               (Tokens{{1, "a"}, {1, "12"}, {14, "."}, {1, "5"}, {14, "-"}, {1, "x"}, {0, ""}}));
 }
 
-TEST(ASCIIParser, LineEndsAreTokensWhenAskedFor) {
+TEST(ASCIIParser, LineEndsAsTokens) {
     ParsedText text("a/x\r\nb\n", 1);
     EXPECT_EQ(tokens_of(text), (Tokens{{1, "a"}, {5, "\r"}, {5, "\n"}, {1, "b"}, {5, "\n"}, {0, ""}}));
 }
@@ -143,7 +143,7 @@ TEST(ASCIIParser, LongTextsGrow) {
     }
 }
 
-TEST(ASCIIParser, TheTextBeforeStaysReadable) {
+TEST(ASCIIParser, PreviousTextStaysReadable) {
     ParsedText text("one two three \"four\" five ");
     const char* const first = text.p.text;
     text.p.nextsym(0);
@@ -154,7 +154,7 @@ TEST(ASCIIParser, TheTextBeforeStaysReadable) {
     text.p.nextsym(0);
     EXPECT_STREQ(text.p.text, "four");
     text.p.nextsym(0);
-    EXPECT_EQ(text.p.text, text.p.textB) << "behind a heap text it is always the second";
+    EXPECT_EQ(text.p.text, text.p.textB) << "after a heap text it is always the second";
     EXPECT_EQ(text.p.textOnHeap, 0);
 }
 
@@ -176,7 +176,7 @@ TEST(ASCIIParser, CountsEveryLineEndOnce) {
         {"blank line between two CR LF", "{\r\n\r\nx ", 3},
         {"inside a quoted text", "\"\r\n\r\n\"x ", 3},
         {"inside a comment", "{/a\n/b\nx ", 3},
-        {"a word runs ahead to the line behind it", "x\ny ", 2},
+        {"a word runs ahead to the next line", "x\ny ", 2},
     };
     for (const LineCase& c : cases) {
         SCOPED_TRACE(c.why);
@@ -188,8 +188,8 @@ TEST(ASCIIParser, CountsEveryLineEndOnce) {
     }
 }
 
-// What the plug-in's message shows: a last line end is counted once more when the end of the input is found
-// behind it.
+// The line number in the plug-in's message: a last line end is counted again when the end of the input
+// follows.
 TEST(ASCIIParser, LineAtTheEndOfTheInput) {
     const std::pair<const char*, A_long> cases[] = {
         {"}", 1}, {"}\n", 3}, {"}\r\n", 3}, {"}\n ", 2}, {"}\n\n", 4}};
@@ -200,7 +200,7 @@ TEST(ASCIIParser, LineAtTheEndOfTheInput) {
     }
 }
 
-TEST(ASCIIParser, RewindGivesTheTokenOnceMore) {
+TEST(ASCIIParser, RewindReturnsTheTokenAgain) {
     ParsedText text("\"a\" b\nc ");
     const A_long line = text.p.line;
     text.p.rewindsym();
@@ -209,12 +209,12 @@ TEST(ASCIIParser, RewindGivesTheTokenOnceMore) {
     EXPECT_EQ(text.p.line, line);
     EXPECT_EQ(text.p.nextsym(0), kTokenIdentifier);
     EXPECT_STREQ(text.p.text, "b");
-    const A_long line_behind = text.p.line;
+    const A_long line_after = text.p.line;
     text.p.rewindsym();
     text.p.rewindsym();
     EXPECT_EQ(text.p.nextsym(0), kTokenIdentifier);
     EXPECT_STREQ(text.p.text, "b");
-    EXPECT_EQ(text.p.line, line_behind);
+    EXPECT_EQ(text.p.line, line_after);
     text.p.nextsym(0);
     EXPECT_STREQ(text.p.text, "c") << "twice rewound is once rewound";
 }
@@ -290,7 +290,7 @@ TEST(ASCIIParser, TokensAcrossBlocks) {
     }
 }
 
-TEST(ASCIIParser, InitRefusesWhatIsNoFileToRead) {
+TEST(ASCIIParser, InitRefusesAnythingButReadableFiles) {
     const TemporaryFolder folder;
     const std::string empty = folder.write("empty", "");
     const std::string fifo = folder.path("fifo");
@@ -338,7 +338,7 @@ TEST(ASCIIParser, NewObject) {
 }
 
 // The file becomes shorter while it is read: a block comes back short.
-TEST(ASCIIParser, AShortBlockEndsTheInputForGood) {
+TEST(ASCIIParser, ShortBlockEndsTheInput) {
     const TemporaryFolder folder;
     std::string bytes;
     for (int i = 0; i < 5000; ++i) {
@@ -358,14 +358,14 @@ TEST(ASCIIParser, AShortBlockEndsTheInputForGood) {
     EXPECT_EQ(p.status, kStatusReadFailed) << "not the end of the input";
 }
 
-// Keyword codes are a subclass's business.
+// A subclass may add keyword codes.
 class ParserWithKeywords : public ASCIIParser {
   public:
     A_long CompareIdent(char* word) override { return Compare(word, "KEY") == 0 ? 100 : 0; }
     A_long CompareOperator(char c) override { return c == '*' ? 0 : ASCIIParser::CompareOperator(c); }
 };
 
-TEST(ASCIIParser, SubclassesNameTheirKeywords) {
+TEST(ASCIIParser, SubclassesAddKeywords) {
     const TemporaryFolder folder;
     const std::string path = folder.write("words", "KEY key * ; ");
     ParserWithKeywords p;
@@ -376,7 +376,7 @@ TEST(ASCIIParser, SubclassesNameTheirKeywords) {
     EXPECT_EQ(p.nextsym(0), kTokenSemicolon);
 }
 
-TEST(ASCIIParser, EveryByteFallsIntoOneClass) {
+TEST(ASCIIParser, EveryByteHasOneClass) {
     for (int byte = 0; byte < 256; ++byte) {
         const char c = static_cast<char>(byte);
         ParsedText text(std::string(1, c) + " \n");

@@ -5,8 +5,8 @@
 
 #include "parsed_text.h"
 
-// The file is read in blocks. Where they end must not show: the same tokens come out wherever they lie in
-// their block.
+// The file is read in blocks, whose ends must have no effect: tokens are the same wherever they are in a
+// block.
 
 namespace {
 
@@ -21,9 +21,8 @@ struct Token {
     bool operator==(const Token&) const = default;
 };
 
-// The tokens behind `shift` blanks, with their places and the characters delivered counted without the
-// blanks.
-std::vector<Token> tokens_behind(std::size_t shift, const std::string& text) {
+// The tokens after `shift` blanks; their places and the counts of delivered characters leave out the blanks.
+std::vector<Token> tokens_after(std::size_t shift, const std::string& text) {
     ParsedText parsed(std::string(shift, ' ') + text);
     ASCIIParser& p = parsed.p;
     std::vector<Token> tokens;
@@ -38,19 +37,19 @@ std::vector<Token> tokens_behind(std::size_t shift, const std::string& text) {
     return tokens;
 }
 
-TEST(BlockBoundaries, TokensAreTheSameWhereverABlockEnds) {
+TEST(BlockBoundaries, SameTokensForEveryBlockEnd) {
     std::string text = "word_1 -12.5e+3 7E \"quoted $\"text$\" \" 'single' { } = , ; + ~ < * ( / comment\n";
     text += "KEY 12 1.5 -2.25 3 10.125 -20 0.5\r\n\tKEY\r\r\n\n\rx/y\n" + std::string(400, 'w') + " " +
             std::string(300, '7') + " a" + std::string("\0b\xFF ", 4) + "\"" + std::string(130, 'q') +
             "\n\" end \n ";
-    const std::vector<Token> expected = tokens_behind(0, text);
+    const std::vector<Token> expected = tokens_after(0, text);
     ASSERT_GT(expected.size(), 30U);
     for (std::size_t shift = 1; shift <= ASCIIParser::kBlockBytes + 1 && !HasFailure(); ++shift) {
-        EXPECT_EQ(tokens_behind(shift, text), expected) << shift;
+        EXPECT_EQ(tokens_after(shift, text), expected) << shift;
     }
 }
 
-TEST(BlockBoundaries, WordsKeepTheirLimitWhereverABlockEnds) {
+TEST(BlockBoundaries, SameWordLimitForEveryBlockEnd) {
     constexpr std::size_t kMost = ASCIIParser::kTextBytes - 1;
     for (std::size_t shift = 0; shift < ASCIIParser::kBlockBytes; shift += 13) {
         for (const char c : {'w', '7'}) {

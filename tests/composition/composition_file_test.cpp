@@ -138,7 +138,7 @@ TEST(CompositionFile, Header) {
     expect_results({
         {"as written", "VORTAN XR COMPOSITION " + rest, 1},
         {"on lines of their own", "VORTAN\nXR\r\nCOMPOSITION " + rest, 1},
-        {"a comment before it is none of the tokens", "/ by hand\nVORTAN XR COMPOSITION " + rest, 1},
+        {"a comment before it is not a token", "/ by hand\nVORTAN XR COMPOSITION " + rest, 1},
         {"other first word", "VORTAN2 XR COMPOSITION " + rest, 0},
         {"lower case", "vortan XR COMPOSITION " + rest, 0},
         {"first word in quotes", "\"VORTAN\" XR COMPOSITION " + rest, 0},
@@ -148,7 +148,7 @@ TEST(CompositionFile, Header) {
         {"without the second word", "VORTAN COMPOSITION " + rest, 0},
         {"other third word", "VORTAN XR SCENE " + rest, 0},
         {"third word in quotes", "VORTAN XR \"COMPOSITION\" " + rest, 0},
-        {"nothing behind it", "VORTAN XR COMPOSITION ", 0},
+        {"nothing after it", "VORTAN XR COMPOSITION ", 0},
         {"the first word alone", "VORTAN ", 0},
         {"a single byte", "V", 0},
     });
@@ -256,13 +256,13 @@ TEST(CompositionFile, WhatFollowsTheRootComposition) {
         {"footage", file_with_objects(footage), 1},
         {"objects", file_with_objects(null_object + null_object), 1},
         {"footage and objects", file_with_objects(footage + footage + null_object), 1},
-        {"footage behind objects is ignored", file_with_objects(null_object + "FILE <-> nonsense"), 1},
-        {"a number behind objects is ignored", file_with_objects(null_object + "5 "), 1},
-        {"a brace behind objects is ignored", file_with_objects(null_object + "}"), 1},
-        {"a word of 512 characters behind objects is ignored",
+        {"footage after objects is ignored", file_with_objects(null_object + "FILE <-> nonsense"), 1},
+        {"a number after objects is ignored", file_with_objects(null_object + "5 "), 1},
+        {"a brace after objects is ignored", file_with_objects(null_object + "}"), 1},
+        {"a word of 512 characters after objects is ignored",
          file_with_objects(null_object + std::string(512, 'x') + " "), 1},
         {"unknown word", file_with_objects("SOLID "), 0},
-        {"unknown word behind footage", file_with_objects(footage + "SOLID "), 0},
+        {"unknown word after footage", file_with_objects(footage + "SOLID "), 0},
         {"object word in quotes", file_with_objects("\"NULL\" \"n\" { }"), 0},
         {"object word in lower case", file_with_objects("null \"n\" { }"), 0},
         {"number", file_with_objects("5 "), 0},
@@ -309,8 +309,8 @@ TEST(CompositionFile, TopLevelFootage) {
     EXPECT_EQ(files[1]->item.file->isSequence, 1);
 }
 
-// The word behind a root composition without a block is taken in the place of its brace.
-TEST(CompositionFile, RootWithoutABlockSwallowsTheNextWord) {
+// The word after a root composition without a block is consumed in place of its brace.
+TEST(CompositionFile, RootWithoutABlockConsumesTheNextWord) {
     expect_results({
         {"so the mark is left over", file_with("COMPOSITION NRM \"a\"\nFILE <-> PREMUL \"x\"\n"), 0},
         {"so the next word begins an entry", file_with("COMPOSITION NRM \"a\"\nFILE FILE <-> PREMUL \"x\"\n"),
@@ -322,9 +322,9 @@ TEST(CompositionFile, RootWithoutABlockSwallowsTheNextWord) {
     EXPECT_EQ(file.settings.composition.children.count, 0);
 }
 
-// Half a file is never taken for a whole one. What is left of the file when a block comes back short would be
-// a whole file in every one of these.
-TEST(CompositionFile, AShortBlockFailsTheFileWhereverItHappens) {
+// Half a file never passes for a whole one. In each case what is left of the file when a block is short would
+// be a complete file.
+TEST(CompositionFile, ShortBlockFailsTheFileAnywhere) {
     constexpr std::size_t kKept = 5000;
     const auto padded = [](std::string text, const std::string& behind) {
         text += "/";
@@ -334,10 +334,10 @@ TEST(CompositionFile, AShortBlockFailsTheFileWhereverItHappens) {
     const std::string root = "COMPOSITION NRM \"a\" { }\n";
     const Case cases[] = {
         {"before top-level footage", padded(file_with(root), ""), 0},
-        {"behind top-level footage", padded(file_with(root + "FILE <-> PREMUL \"x\"\n"), ""), 0},
-        {"behind an object", padded(file_with(root + "NULL \"n\" { }\n"), ""), 0},
+        {"after top-level footage", padded(file_with(root + "FILE <-> PREMUL \"x\"\n"), ""), 0},
+        {"after an object", padded(file_with(root + "NULL \"n\" { }\n"), ""), 0},
         {"in the place of the root's brace", padded(file_with("COMPOSITION NRM \"a\"\n"), ""), 0},
-        {"in a top-level path, whose result is not looked at",
+        {"in a top-level path, whose result is ignored",
          file_with(root + "FILE <-> PREMUL \"") + std::string(12000, 'x') + "\"\n", 0},
     };
     for (const Case& c : cases) {

@@ -33,7 +33,7 @@ std::string outline(CComposition& composition) {
 
 struct Case {
     const char* why;
-    const char* text;     // behind the word COMPOSITION
+    const char* text;     // after the word COMPOSITION
     const char* outline;  // null: refused
 };
 
@@ -44,7 +44,7 @@ TEST(Composition, TableOfBlocks) {
         {"empty name", "NRM \"\" { }", "0[]"},
         {"no block", "NRM \"a\" ", "a0[]"},
         {"no block, another token in its place", "NRM \"a\" FILE ", "a0[]"},
-        {"nested without a block, whose brace place takes a token",
+        {"nested without a block, which consumes a token in place of its brace",
          "NRM \"a\" { COMPOSITION ADD \"b\" FILE COMPOSITION MUL \"c\" ; }", "a0[b1[]c2[]]"},
         {"files and sequences",
          "NRM \"a\" { FILE NRM STRAIGHT \"x\"\n FSEQ ADD PREMUL \"y\"\n FILE MUL PREMUL \"z\"\n }",
@@ -58,9 +58,9 @@ TEST(Composition, TableOfBlocks) {
          "NRM \"a\" { COMPOSITION NRM \"b\" { COMPOSITION NRM \"c\" { } } COMPOSITION NRM \"d\" { } }",
          "a0[b0[c0[]]d0[]]"},
         {"an unknown word is skipped by itself", "NRM \"a\" { SOLID FILE NRM PREMUL \"x\"\n }", "a0[f00]"},
-        {"so is a word of the wrong case", "NRM \"a\" { file }", "a0[]"},
-        {"but not the number behind it", "NRM \"a\" { SOLID 5 }", nullptr},
-        {"nor the text behind it", "NRM \"a\" { SOLID \"5\" }", nullptr},
+        {"a word in the wrong case is skipped too", "NRM \"a\" { file }", "a0[]"},
+        {"a number after an unknown word fails", "NRM \"a\" { SOLID 5 }", nullptr},
+        {"a text after an unknown word fails", "NRM \"a\" { SOLID \"5\" }", nullptr},
         {"no blend word", "\"a\" { }", nullptr},
         {"unknown blend word", "SUB \"a\" { }", nullptr},
         {"blend word in lower case", "nrm \"a\" { }", nullptr},
@@ -72,7 +72,7 @@ TEST(Composition, TableOfBlocks) {
         {"nested block never closed", "NRM \"a\" { COMPOSITION NRM \"b\" { }", nullptr},
         {"a number as an entry", "NRM \"a\" { 5 }", nullptr},
         {"an operator as an entry", "NRM \"a\" { ; }", nullptr},
-        {"a keyword in quotes is no entry", "NRM \"a\" { \"FILE\" NRM PREMUL \"x\"\n }", nullptr},
+        {"a keyword in quotes is not an entry", "NRM \"a\" { \"FILE\" NRM PREMUL \"x\"\n }", nullptr},
         {"file without a blend word", "NRM \"a\" { FILE PREMUL \"x\"\n }", nullptr},
         {"file without an alpha word", "NRM \"a\" { FILE NRM \"x\"\n }", nullptr},
         {"file with an unknown alpha word", "NRM \"a\" { FILE NRM IGNORE \"x\"\n }", nullptr},
@@ -96,7 +96,7 @@ TEST(Composition, TableOfBlocks) {
     }
 }
 
-TEST(Composition, StopsBehindItsBrace) {
+TEST(Composition, StopsAfterItsBrace) {
     ParsedText parsed("COMPOSITION NRM \"a\" { COMPOSITION NRM \"b\" { } } CAMERA ");
     CComposition composition;
     ASSERT_EQ(composition.ReadComposition(parsed.p), 1);
@@ -104,7 +104,7 @@ TEST(Composition, StopsBehindItsBrace) {
     EXPECT_STREQ(parsed.p.text, "CAMERA");
 }
 
-// The levels above count also when a composition in the middle of a tree is read by itself.
+// Outer levels also count when a composition in the middle of a tree is read on its own.
 TEST(Composition, LevelsAreCountedFromTheRoot) {
     CComposition root;
     CComposition* deepest = &root;

@@ -43,7 +43,7 @@ class CreateComposition : public ::testing::Test {
     tagProjectSettings settings_;
 };
 
-TEST_F(CreateComposition, WithoutChildrenThereIsAFolderWithAnEmptyComposition) {
+TEST_F(CreateComposition, WithoutChildrenMakesAFolderAndAnEmptyComposition) {
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(host_.calls,
                 ElementsAre("CreateNewFolder(\"Main\", root) -> folder1",
@@ -98,7 +98,7 @@ TEST_F(CreateComposition, FootageAndNestedCompositionsBecomeLayersInFileOrder) {
         set_interpretation("item(footage2)", {0, 106, 25, 1}),
         "SetLayerOffset(layer3, 0@25)",
         "SetLayerInPointAndDuration(layer3, 0, 0@25, 50@25)",
-        // what does not exist
+        // missing footage
         "NewPlaceholderFootage(7, \"shot.tif\", 720, 576, 50@25) -> placeholder1",
         "AddFootageToProject(placeholder1, folder1) -> item(placeholder1)",
         "IsAddLayerValid(item(placeholder1), comp1)",
@@ -151,7 +151,7 @@ TEST_F(CreateComposition, PlaceholdersAreNamedAfterTheLastComponent) {
     }
 }
 
-TEST_F(CreateComposition, AFolderInPlaceOfTheFootageDoesNotExist) {
+TEST_F(CreateComposition, FolderInPlaceOfTheFootageCountsAsMissing) {
     fill(root().AddFile(), folder_.folder().string());
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(host_.calls_of({"NewFootage"}), IsEmpty());
@@ -166,21 +166,21 @@ TEST_F(CreateComposition, LocalLayersStartAtTheFirstFrameAndLastAsLong) {
         ElementsAre("SetLayerOffset(layer1, 10@25)", "SetLayerInPointAndDuration(layer1, 0, 0@25, 50@25)"));
 }
 
-TEST_F(CreateComposition, AnUnknownBlendModeKeepsTheHosts) {
+TEST_F(CreateComposition, UnknownBlendModeKeepsTheHostsMode) {
     fill(root().AddFile(), "missing", 3);
     EXPECT_EQ(run(), 0);
     EXPECT_THAT(host_.calls_of({"SetLayerTransferMode"}),
                 ElementsAre("SetLayerTransferMode(layer1, 11/12/13)"));
 }
 
-TEST_F(CreateComposition, TheAnswerWhetherALayerIsValidIsNotLookedAt) {
+TEST_F(CreateComposition, IgnoresWhetherALayerIsValid) {
     host_.add_layer_valid = 0;
     fill(root().AddFile(), "missing");
     EXPECT_EQ(run(), 0);
     EXPECT_EQ(host_.calls_of({"AddLayer"}).size(), 1U);
 }
 
-TEST_F(CreateComposition, SizesThatLeave32BitsAreClamped) {
+TEST_F(CreateComposition, ClampsSizesTo32Bits) {
     settings_.from = 0;
     settings_.to = 2147483647;
     settings_.fps = 2147483647;
@@ -194,7 +194,7 @@ TEST_F(CreateComposition, SizesThatLeave32BitsAreClamped) {
 
 // ---- failures
 
-TEST_F(CreateComposition, EveryCallThatFailsEndsTheBuildingThere) {
+TEST_F(CreateComposition, EveryFailingCallEndsTheBuild) {
     const auto fill_tree = [](CComposition& composition) {
         fill(composition.AddFile(), "missing");
         fill(fill(composition.AddComposition(), "Nested").AddFile(), "missing too");
@@ -223,7 +223,7 @@ TEST_F(CreateComposition, EveryCallThatFailsEndsTheBuildingThere) {
             EXPECT_THAT(host.calls[i], ::testing::StartsWith("ReportInfo("))
                 << "nothing but messages after a failure";
         }
-        // The nested composition begins with the call behind the first footage's ten.
+        // The nested composition begins after the ten calls for the first footage.
         const bool nested = failing > 3 + 10;
         const bool interpretation = clean[failing - 1].find("Interpretation") != std::string::npos;
         std::vector<std::string> reports(nested ? 2 : 1, "Unable to create composition.");
@@ -247,7 +247,7 @@ TEST_F(CreateComposition, EveryLevelReportsTheFailureOnce) {
     EXPECT_EQ(host_.calls_of({"NewPlaceholderFootage"}).size(), 1U);
 }
 
-TEST_F(CreateComposition, EachReportIsMadeThroughAHandlerOfItsOwn) {
+TEST_F(CreateComposition, EveryReportUsesItsOwnHandler) {
     host_.fail("CreateNewFolder", 9);
     EXPECT_EQ(run(), 9);
     EXPECT_THAT(
@@ -257,7 +257,7 @@ TEST_F(CreateComposition, EachReportIsMadeThroughAHandlerOfItsOwn) {
                     "release AEGP Utility Suite 7", "release AEGP Item Suite 10"));
 }
 
-TEST_F(CreateComposition, ASuccessThatYieldsNothingIsHostError1) {
+TEST_F(CreateComposition, SuccessWithoutAHandleIsHostError1) {
     const char* const functions[] = {"CreateNewFolder", "CreateComp",          "GetItemFromComp",
                                      "AddLayer",        "AddFootageToProject", "NewPlaceholderFootage"};
     for (const char* function : functions) {
@@ -274,7 +274,7 @@ TEST_F(CreateComposition, ASuccessThatYieldsNothingIsHostError1) {
     }
 }
 
-TEST_F(CreateComposition, AMissingSuiteIsNoFailureToReport) {
+TEST_F(CreateComposition, MissingSuiteIsNotReported) {
     fill(fill(root().AddComposition(), "Nested").AddFile(), "missing");
     host_.withhold_suite("AEGP Footage Suite", 7);
     EXPECT_THROW(run(), long);
@@ -284,7 +284,7 @@ TEST_F(CreateComposition, AMissingSuiteIsNoFailureToReport) {
 
 // ---- depth
 
-TEST_F(CreateComposition, TheDeepestTreeIsBuiltWithinASmallStack) {
+TEST_F(CreateComposition, DeepestTreeNeedsLittleStack) {
     CComposition* innermost = &root();
     for (A_long level = 1; level < kMostLevels; ++level) {
         innermost = &fill(innermost->AddComposition(), "Nested");
@@ -297,7 +297,7 @@ TEST_F(CreateComposition, TheDeepestTreeIsBuiltWithinASmallStack) {
     EXPECT_EQ(host_.name_of(innermost->compH), "comp" + std::to_string(kMostLevels));
 }
 
-TEST_F(CreateComposition, AFailureInTheDeepestTreeIsReportedByEveryLevelWithinASmallStack) {
+TEST_F(CreateComposition, FailureInTheDeepestTreeIsReportedByEveryLevelWithLittleStack) {
     CComposition* innermost = &root();
     for (A_long level = 1; level < kMostLevels; ++level) {
         innermost = &fill(innermost->AddComposition(), "Nested");

@@ -46,7 +46,7 @@ void check_children(CDoubleLinkedList<CCompoChild>& children, const CComposition
     }
 }
 
-// Visits every node, number and text of a model. A whole one has everything that a file must have.
+// Visits every node, number and text of a model. A complete one has everything that a file must have.
 void check_model(tagProjectSettings& settings, bool whole) {
     if (whole) {
         EXPECT_GT(settings.width, 0);
@@ -96,7 +96,7 @@ TEST(DamagedFile, EveryAllocationRefused) {
     EXPECT_EQ(accepted, 0);
 }
 
-TEST(DamagedFile, EveryAllocationRefusedIsToldToTheObserver) {
+TEST(DamagedFile, ObserverLearnsOfRefusedAllocations) {
     const TemporaryFolder folder;
     const std::string path = folder.write("shot.aec", kSmallFile);
     std::vector<diagnostic::Code> codes;
@@ -127,7 +127,7 @@ std::string nested(int levels) {
     return text + "\n";
 }
 
-// Everything of one import, kept off the stack that is measured.
+// Everything that one import needs, kept off the measured stack.
 struct DeepRead {
     explicit DeepRead(std::string file_path) : path(std::move(file_path)) {}
 
@@ -144,8 +144,8 @@ void read_deep(DeepRead& deep) {
     deep.settings.reset();
 }
 
-// Reading and deleting the deepest tree, on a thread that has no more stack than that.
-TEST(DamagedFile, NestingStaysWithinASmallStack) {
+// Reads and deletes the deepest tree on a thread with little stack.
+TEST(DamagedFile, NestingNeedsLittleStack) {
     const TemporaryFolder folder;
     const std::pair<int, int> cases[] = {{1024, 1}, {1025, 0}, {100000, 0}};
     for (const auto& [levels, result] : cases) {

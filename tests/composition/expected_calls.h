@@ -2,7 +2,7 @@
 
 #include <string>
 
-/// An interpretation of footage, whole frames, on which the recording host had nothing to say itself.
+/// An interpretation of footage as whole frames, none of it preset by the recording host.
 struct Interpretation {
     int alpha;    ///< flags
     int aspect;   ///< hundredths
@@ -10,7 +10,7 @@ struct Interpretation {
     int motion;
 };
 
-/// The line in which the recording host writes down that `item` was given it.
+/// The recording host's line for setting it on `item`.
 inline std::string set_interpretation(const std::string& item, const Interpretation& i) {
     std::string call = "SetFootageInterpretation(" + item + ", 0, fields 0/0, alpha ";
     call += std::to_string(i.alpha) + ", aspect " + std::to_string(i.aspect) + "/100, native 0, conform ";

@@ -71,7 +71,7 @@ TEST(HostValues, TheCenterIsInWholePixels) {
     EXPECT_EQ(center_point(1, 2).y, 1.0);
 }
 
-TEST(HostValues, ASuccessThatYieldsNothingIsTheGenericError) {
+TEST(HostValues, SuccessWithoutAHandleIsTheGenericError) {
     int something = 0;
     int* nothing = nullptr;
     EXPECT_EQ(require_handle(0, &something), 0);

@@ -36,7 +36,7 @@ class ImportFileTest : public ::testing::Test {
     }
     A_Err import(const std::string& text) { return import_path(folder_.write("shot.aec", text)); }
 
-    /// A whole file with an empty root composition.
+    /// A complete file with an empty root composition.
     A_Err import_scene(const std::string& settings, const std::string& objects) {
         return import(kHeader + settings + kRoot + objects);
     }
@@ -49,7 +49,7 @@ std::string loading_error(int line) {
     return "There was an error loading the file in line " + std::to_string(line) + ".";
 }
 
-// Calls that frame every import of a host with the alpha preference at 1.
+// The calls at the beginning and end of every import into a host whose alpha preference is 1.
 const std::vector<std::string> kBefore = {
     "GetApplicationBlob() -> blob",
     "DoesKeyExist(blob, \"Main Pref Section\", \"Pref_DEFAULT_UNLABELED_ALPHA\")",
@@ -78,7 +78,7 @@ std::vector<std::string> whole_import(const std::vector<std::string>& middle) {
 
 // ---- files that are not read
 
-TEST_F(ImportFileTest, AFileThatCannotBeOpenedIsResult3WithoutAnySuite) {
+TEST_F(ImportFileTest, UnopenableFileGivesResult3WithoutAnySuite) {
     const std::string cases[] = {folder_.path("missing.aec"), folder_.write("empty.aec", ""),
                                  folder_.folder().string(), ""};
     for (const std::string& path : cases) {
@@ -87,7 +87,7 @@ TEST_F(ImportFileTest, AFileThatCannotBeOpenedIsResult3WithoutAnySuite) {
     }
 }
 
-TEST_F(ImportFileTest, AGrammarFailureIsSilentAndPutsThePreferenceBack) {
+TEST_F(ImportFileTest, GrammarFailureIsSilentAndRestoresThePreference) {
     const struct {
         const char* why;
         std::string text;
@@ -112,7 +112,7 @@ TEST_F(ImportFileTest, AGrammarFailureIsSilentAndPutsThePreferenceBack) {
 
 // ---- what is built
 
-TEST_F(ImportFileTest, ASceneWithNothingInItIsOneEmptyComposition) {
+TEST_F(ImportFileTest, EmptySceneIsOneEmptyComposition) {
     EXPECT_EQ(import(kEmptyScene), 0);
     EXPECT_EQ(host_.calls, whole_import({}));
     EXPECT_THAT(host_.reports, IsEmpty());
@@ -120,7 +120,7 @@ TEST_F(ImportFileTest, ASceneWithNothingInItIsOneEmptyComposition) {
     EXPECT_THAT(host_.left_open(), IsEmpty());
 }
 
-TEST_F(ImportFileTest, SuitesAreAcquiredWhenTheyAreFirstNeededAndReleasedInTheEnd) {
+TEST_F(ImportFileTest, SuitesAreAcquiredOnFirstUseAndReleasedAtTheEnd) {
     EXPECT_EQ(import(kEmptyScene), 0);
     const std::vector<std::string> expected = {
         "acquire AEGP Persistent Data Suite 1",
@@ -174,14 +174,14 @@ TEST_F(ImportFileTest, TopLevelFootageGoesToAFolderOfItsOwn) {
                            }));
 }
 
-TEST_F(ImportFileTest, TopLevelPlaceholderNamesAreCutAt31Characters) {
+TEST_F(ImportFileTest, TopLevelPlaceholderNamesAreTruncatedTo31Characters) {
     const std::string forty(40, 'n');
     EXPECT_EQ(import(kEmptyScene + "FILE <-> STRAIGHT \"/missing/" + forty + "\"\n"), 0);
     EXPECT_THAT(host_.calls, Contains("NewPlaceholderFootage(7, \"" + forty.substr(0, 31) +
                                       "\", 720, 576, 100@25) -> placeholder1"));
 }
 
-TEST_F(ImportFileTest, ATopLevelEntryWithoutAPathIsAPlaceholderWithoutAName) {
+TEST_F(ImportFileTest, TopLevelEntryWithoutAPathIsANamelessPlaceholder) {
     EXPECT_EQ(import(kEmptyScene + "FILE <-> STRAIGHT \"\"\n"), 0);
     EXPECT_THAT(host_.calls, Contains("NewPlaceholderFootage(7, \"\", 720, 576, 100@25) -> placeholder1"));
 }
@@ -211,7 +211,7 @@ TEST_F(ImportFileTest, SceneObjectsAreLayersOfTheRootNewestFirst) {
     }
 }
 
-TEST_F(ImportFileTest, PixelsThatAreNotSquareGiveTheSceneACompositionOfItsOwn) {
+TEST_F(ImportFileTest, NonSquarePixelsGiveTheSceneACompositionOfItsOwn) {
     EXPECT_EQ(import(kHeader + "ASPECT 1.0667\nLOCAL\n" + kSettings + kRoot + "NULL \"Target\" {\n}\n"), 0);
     const auto begin = std::find_if(host_.calls.begin(), host_.calls.end(), [](const std::string& call) {
         return call.starts_with("GetItemFromComp(comp1");
@@ -238,7 +238,7 @@ TEST_F(ImportFileTest, WithoutSceneObjectsThereIsNoCompositionForThem) {
         << "and no folder for footage that there is not";
 }
 
-TEST_F(ImportFileTest, OlderHostsReadSceneObjectsAndBuildNone) {
+TEST_F(ImportFileTest, OlderHostsReadSceneObjectsButBuildNone) {
     version55 = false;
     EXPECT_EQ(import(kHeader + "ASPECT 1.0667\n" + kSettings + kRoot + kObjects), 0);
     EXPECT_EQ(host_.calls_of({"CreateComp"}).size(), 1U);
@@ -277,21 +277,21 @@ TEST_F(ImportFileTest, LocalLayersAndObjectsStartAtTheFirstFrame) {
 
 // ---- the preference
 
-TEST_F(ImportFileTest, AHostWithoutThePreferenceIsLeftAlone) {
+TEST_F(ImportFileTest, HostWithoutThePreferenceIsUnchanged) {
     host_.alpha_preference.reset();
     EXPECT_EQ(import(kEmptyScene), 0);
     EXPECT_THAT(host_.calls_of({"GetData", "SetData"}), IsEmpty());
     EXPECT_THAT(host_.calls, Contains(StartsWith("CreateComp(")));
 }
 
-TEST_F(ImportFileTest, AHostWithoutABlobIsLeftAlone) {
+TEST_F(ImportFileTest, HostWithoutABlobIsUnchanged) {
     host_.yield_nothing("GetApplicationBlob");
     EXPECT_EQ(import(kEmptyScene), 0);
     EXPECT_THAT(host_.calls_of({"DoesKeyExist", "GetData", "SetData"}), IsEmpty());
     EXPECT_THAT(host_.calls, Contains(StartsWith("CreateComp(")));
 }
 
-TEST_F(ImportFileTest, ThePreferenceIs3WhileBuildingWhateverItWas) {
+TEST_F(ImportFileTest, PreferenceIs3WhileBuildingWhateverItWas) {
     for (const A_u_char before : {A_u_char{0}, A_u_char{3}, A_u_char{255}}) {
         host_.alpha_preference = before;
         host_.calls.clear();
@@ -301,7 +301,7 @@ TEST_F(ImportFileTest, ThePreferenceIs3WhileBuildingWhateverItWas) {
     }
 }
 
-TEST_F(ImportFileTest, APreferenceCallThatFailsLeavesItAsItIsAndTheImportGoesOn) {
+TEST_F(ImportFileTest, FailingPreferenceCallLeavesItUnchangedAndTheImportContinues) {
     for (const char* function : {"GetApplicationBlob", "DoesKeyExist", "GetData", "SetData"}) {
         RecordingHost host;
         host.alpha_preference = 1;
@@ -319,7 +319,7 @@ TEST_F(ImportFileTest, APreferenceCallThatFailsLeavesItAsItIsAndTheImportGoesOn)
 
 TEST_F(ImportFileTest, WithoutTheAdvAppSuiteTheImportEndsWithTheHostsError) {
     host_.withhold_suite("PF AE Adv App Suite", 1);
-    // Counted from 1, four line ends, and the end of the file counts the last once more.
+    // Counted from 1: four line ends, and the end of the file counts the last one again.
     EXPECT_EQ(import(kEmptyScene), 13);
     EXPECT_THAT(host_.reports, ElementsAre(loading_error(6)));
     EXPECT_THAT(host_.calls_of({"StartUndoGroup", "EndUndoGroup", "CreateNewFolder"}), IsEmpty());
@@ -327,7 +327,7 @@ TEST_F(ImportFileTest, WithoutTheAdvAppSuiteTheImportEndsWithTheHostsError) {
     EXPECT_THAT(host_.left_open(), IsEmpty());
 }
 
-TEST_F(ImportFileTest, AnAdvAppSuiteThatIsNothingEndsTheImportQuietly) {
+TEST_F(ImportFileTest, NullAdvAppSuiteEndsTheImportSilently) {
     host_.withhold_suite("PF AE Adv App Suite", 1, kHostErrorNone);
     EXPECT_EQ(import(kEmptyScene), 0);
     EXPECT_THAT(host_.reports, IsEmpty());
@@ -337,7 +337,7 @@ TEST_F(ImportFileTest, AnAdvAppSuiteThatIsNothingEndsTheImportQuietly) {
     EXPECT_EQ(host_.alpha_preference, 1);
 }
 
-TEST_F(ImportFileTest, AnAdvAppSuiteThatCannotBeReleasedEndsTheImportWithThatError) {
+TEST_F(ImportFileTest, UnreleasableAdvAppSuiteEndsTheImportWithItsError) {
     host_.release_result = 21;
     EXPECT_EQ(import(kEmptyScene), 21);
     EXPECT_THAT(host_.reports, ElementsAre(loading_error(6)));
@@ -346,17 +346,17 @@ TEST_F(ImportFileTest, AnAdvAppSuiteThatCannotBeReleasedEndsTheImportWithThatErr
 
 // ---- failures while building
 
-TEST_F(ImportFileTest, TheMessageNamesTheLineWhereReadingStopped) {
+TEST_F(ImportFileTest, MessageNamesTheLineWhereReadingStopped) {
     const struct {
         const char* why;
         std::string text;
         int line;
     } cases[] = {
         {"four line ends, the last counted twice", kEmptyScene, 6},
-        {"blank lines behind", kEmptyScene + "\n\n", 8},
-        {"what follows the scene objects is not read, but for a word with the character behind it",
+        {"blank lines at the end", kEmptyScene + "\n\n", 8},
+        {"after the scene objects only one word is read, with the character after it",
          kEmptyScene + "NULL \"n\" {\n} done\nmore\nmore\n", 7},
-        {"an operator reads nothing behind it", kEmptyScene + "NULL \"n\" {\n} }\nmore\nmore\n", 6},
+        {"an operator reads no character after it", kEmptyScene + "NULL \"n\" {\n} }\nmore\nmore\n", 6},
     };
     for (const auto& c : cases) {
         RecordingHost host;
@@ -374,7 +374,7 @@ TEST_F(ImportFileTest, WithoutAnUndoGroupNothingIsBuiltOrClosed) {
     EXPECT_EQ(host_.alpha_preference, 1);
 }
 
-TEST_F(ImportFileTest, FailuresOfClosingAndRestoringAreIgnored) {
+TEST_F(ImportFileTest, FailuresToCloseOrRestoreAreIgnored) {
     host_.fail("EndUndoGroup", 8);
     EXPECT_EQ(import(kEmptyScene), 0);
     EXPECT_EQ(host_.alpha_preference, 1) << "and the preference is put back all the same";
@@ -383,13 +383,13 @@ TEST_F(ImportFileTest, FailuresOfClosingAndRestoringAreIgnored) {
     EXPECT_THAT(host_.reports, IsEmpty());
 }
 
-TEST_F(ImportFileTest, AFailureOfReportingIsIgnored) {
+TEST_F(ImportFileTest, FailureToReportIsIgnored) {
     host_.fail("GetProjectByIndex", 77);
     host_.fail("ReportInfo", 8);
     EXPECT_EQ(import(kEmptyScene), 77);
 }
 
-TEST_F(ImportFileTest, AFailedCompositionIsReportedByItsBuilderFirst) {
+TEST_F(ImportFileTest, FailedCompositionIsReportedByItsBuilderFirst) {
     host_.fail("CreateComp", 77);
     EXPECT_EQ(import(kEmptyScene), 77);
     EXPECT_THAT(host_.reports, ElementsAre("Unable to create composition.", loading_error(6)));
@@ -398,7 +398,7 @@ TEST_F(ImportFileTest, AFailedCompositionIsReportedByItsBuilderFirst) {
                             "ReportInfo(7, \"" + loading_error(6) + "\")"));
 }
 
-TEST_F(ImportFileTest, ASuccessThatYieldsNothingIsHostError1) {
+TEST_F(ImportFileTest, SuccessWithoutAHandleIsHostError1) {
     const std::string text = kHeader + "ASPECT 0.5\n" + kSettings + kRoot +
                              "FILE <-> STRAIGHT \"/missing/a.tif\"\nNULL \"n\" {\n}\n";
     const struct {
@@ -418,7 +418,7 @@ TEST_F(ImportFileTest, ASuccessThatYieldsNothingIsHostError1) {
     }
 }
 
-TEST_F(ImportFileTest, AnEmptyScaleStreamIsLeftAlone) {
+TEST_F(ImportFileTest, EmptyScaleStreamIsIgnored) {
     host_.yield_nothing("GetNewLayerStream", 1);
     EXPECT_EQ(import(kHeader + "ASPECT 0.5\n" + kSettings + kRoot + "NULL \"n\" {\n}\n"), 0);
     EXPECT_THAT(host_.calls_of({"SetStreamValue"}), IsEmpty());
@@ -426,7 +426,7 @@ TEST_F(ImportFileTest, AnEmptyScaleStreamIsLeftAlone) {
                 ElementsAre("CreateNullInComp(\"n\", comp2, null) -> null1"));
 }
 
-TEST_F(ImportFileTest, AScaleThatCannotBeSetIsDisposedOfBeforeTheErrorEndsTheBuilding) {
+TEST_F(ImportFileTest, ScaleThatCannotBeSetIsDisposedOfBeforeTheErrorEndsTheBuild) {
     host_.fail("SetStreamValue", 5);
     EXPECT_EQ(import(kHeader + "ASPECT 0.5\n" + kSettings + kRoot + "NULL \"n\" {\n}\n"), 5);
     EXPECT_THAT(host_.calls_of({"DisposeStream", "EndUndoGroup"}),
@@ -434,7 +434,7 @@ TEST_F(ImportFileTest, AScaleThatCannotBeSetIsDisposedOfBeforeTheErrorEndsTheBui
     EXPECT_THAT(host_.reports, ElementsAre(loading_error(9)));
 }
 
-TEST_F(ImportFileTest, TheFirstObjectThatCannotBeAddedEndsTheAddingQuietly) {
+TEST_F(ImportFileTest, FirstObjectThatCannotBeAddedEndsTheLoopWithoutFailure) {
     host_.fail("CreateLightInComp", 5);
     EXPECT_EQ(import(kEmptyScene + kObjects), 0);
     EXPECT_EQ(host_.calls_of({"CreateNullInComp"}).size(), 1U) << "the newest object comes first and stays";
@@ -453,7 +453,7 @@ const std::string kEverything = kHeader + "ASPECT 1.0667\n" + kSettings +
                                 "FSEQ <-> PREMUL \"/missing/objectbuffer0000.tif\"\n" +
                                 kObjects;
 
-TEST_F(ImportFileTest, EveryCallThatFailsLeavesNothingOpenAndThePreferenceAsItWas) {
+TEST_F(ImportFileTest, EveryFailingCallLeavesNothingOpenAndThePreferenceRestored) {
     ASSERT_EQ(import(kEverything), 0);
     std::vector<std::string> clean;
     for (const std::string& line : host_.calls) {
@@ -476,8 +476,8 @@ TEST_F(ImportFileTest, EveryCallThatFailsLeavesNothingOpenAndThePreferenceAsItWa
         RecordingHost host;
         host.alpha_preference = 1;
         host.fail_call(static_cast<int>(failing) + 1, 77);
-        // Calls around the building and from the first object on do not show in the result, and one whose
-        // result is not looked at.
+        // The result does not show failures of the calls around the build, of the calls from the first object
+        // on, and of one call whose result is ignored.
         const bool silent = failing < kBefore.size() || failing >= first_object ||
                             clean[failing] == "DisposeStream(layer4/scale)";
         EXPECT_EQ(import(kEverything), silent ? 0 : 77);
@@ -493,7 +493,7 @@ TEST_F(ImportFileTest, EveryCallThatFailsLeavesNothingOpenAndThePreferenceAsItWa
     }
 }
 
-TEST_F(ImportFileTest, EverySuiteThatIsMissingEndsTheImportWithEverythingGivenBack) {
+TEST_F(ImportFileTest, EveryMissingSuiteEndsTheImportWithEverythingReleased) {
     const std::pair<const char*, A_long> suites[] = {
         {"AEGP Persistent Data Suite", 1}, {"AEGP Utility Suite", 7}, {"AEGP Proj Suite", 5},
         {"AEGP Item Suite", 10},           {"AEGP Comp Suite", 9},    {"AEGP Layer Suite", 11},
@@ -527,7 +527,7 @@ TEST_F(ImportFileTest, EverySuiteThatIsMissingEndsTheImportWithEverythingGivenBa
     }
 }
 
-TEST_F(ImportFileTest, WhenMemoryRunsShortTheImportEndsWithEverythingGivenBack) {
+TEST_F(ImportFileTest, OutOfMemoryEndsTheImportWithEverythingReleased) {
     const std::string path = folder_.write("shot.aec", kEverything);
     const auto import_with = [&](long first_refused) {
         const RefusedMemory refused(first_refused);
@@ -558,7 +558,7 @@ struct FailureNotes : ReadObserver {
     std::vector<bool> ended;
 };
 
-TEST_F(ImportFileTest, AnObserverIsToldWhatTheImportKeepsToItself) {
+TEST_F(ImportFileTest, ObserverLearnsOfSilentFailures) {
     const std::string bad = folder_.write("bad.aec", kHeader + "FPS 25\nFRAMES 3\n" + kRoot);
     FailureNotes failed;
     EXPECT_EQ(import_composition_file(bad.c_str(), &failed), 0);
@@ -575,7 +575,7 @@ TEST_F(ImportFileTest, AnObserverIsToldWhatTheImportKeepsToItself) {
     EXPECT_EQ(host_.calls, whole_import({})) << "and it changes nothing";
 }
 
-TEST_F(ImportFileTest, WithoutABasicSuiteTheExceptionComesBeforeAnyCall) {
+TEST_F(ImportFileTest, WithoutABasicSuiteThrowsBeforeAnyCall) {
     g_pBasicSuite = nullptr;
     EXPECT_THROW(import(kEmptyScene), long);
     EXPECT_THAT(host_.traffic, IsEmpty());

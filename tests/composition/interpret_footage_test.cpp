@@ -23,7 +23,7 @@ class InterpretFootage : public ::testing::Test {
         return file_.InterpretFootage(&suites, nullptr, host_.handle<AEGP_ItemH>("item"), &settings_,
                                       writable.data());
     }
-    // What the host was told last.
+    // The last interpretation set on the host.
     std::string told() { return host_.calls.back(); }
 
     RecordingHost host_;
@@ -45,7 +45,7 @@ TEST_F(InterpretFootage, ReadsIntoAClearedRecordEditsAndWritesBack) {
     EXPECT_THAT(host_.left_open(), IsEmpty());
 }
 
-// An image of the RLA family is known by 24 bytes: what is before the count of matte channels is skipped.
+// 24 bytes are enough of an RLA image: everything before the count of matte channels is skipped.
 std::string rla_header(int mattes) {
     std::string bytes(22, '\x55');
     bytes += static_cast<char>(mattes >> 8);
@@ -95,20 +95,20 @@ TEST_F(InterpretFootage, AlphaFollowsTheEntryUnlessAnImageHasNoMattes) {
     }
 }
 
-TEST_F(InterpretFootage, TheBareNameRlaIsNoExtension) {
+TEST_F(InterpretFootage, BareNameRlaIsNotAnExtension) {
     EXPECT_EQ(run("rla"), 0);
     EXPECT_EQ(run(""), 0);
     EXPECT_EQ(host_.calls.size(), 4U);
 }
 
-TEST_F(InterpretFootage, ANullPathIsAnEmptyOne) {
+TEST_F(InterpretFootage, NullPathCountsAsEmpty) {
     AEGP_SuiteHandler suites(host_.basic());
     EXPECT_EQ(file_.InterpretFootage(&suites, nullptr, host_.handle<AEGP_ItemH>("item"), &settings_, nullptr),
               0);
     EXPECT_EQ(host_.calls.size(), 2U);
 }
 
-TEST_F(InterpretFootage, AnImageThatDoesNotOpenFollowsItsEntry) {
+TEST_F(InterpretFootage, ImageThatDoesNotOpenFollowsItsEntry) {
     file_.alphaMode = kAlphaPremultiplied;
     EXPECT_EQ(run(folder_.path("missing.rla")), 0);
     EXPECT_THAT(told(), ::testing::HasSubstr("alpha 1"));
@@ -139,7 +139,7 @@ TEST_F(InterpretFootage, FieldsBecomeTypeAndOrder) {
         {kFieldsNone, "fields 0/0"}, {kFieldsEven, "fields 1/0"}, {kFieldsOdd, "fields 1/1"},
         {3, "fields 1/1"},           {-1, "fields 1/1"},
     };
-    // The host's own guess is overwritten, also where the file says NONE.
+    // The host's own guess is overwritten, even where the file says NONE.
     host_.interpretation.interlace.type = kFieldTypeInterlaced;
     host_.interpretation.interlace.order = kFieldOrderLowerFirst;
     for (const auto& c : cases) {
@@ -156,21 +156,21 @@ TEST_F(InterpretFootage, PixelAspectIsThatOfTheProject) {
     EXPECT_THAT(told(), ::testing::HasSubstr("aspect 90/100"));
 }
 
-TEST_F(InterpretFootage, AFailingReadIsReportedAndNothingIsWritten) {
+TEST_F(InterpretFootage, FailingReadIsReportedAndNothingIsWritten) {
     host_.fail("GetFootageInterpretation", 5);
     EXPECT_EQ(run("shot.tif"), 5);
     EXPECT_THAT(host_.calls, ElementsAre("GetFootageInterpretation(item, 0) = 5",
                                          "ReportInfo(7, \"Could not interpret footage.\")"));
 }
 
-TEST_F(InterpretFootage, AFailingWriteIsReportedAndReturned) {
+TEST_F(InterpretFootage, FailingWriteIsReportedAndReturned) {
     host_.fail("SetFootageInterpretation", 6);
     host_.fail("ReportInfo", 8);
     EXPECT_EQ(run("shot.tif"), 6) << "and a report that fails changes nothing";
     EXPECT_THAT(host_.reports, ElementsAre("Could not interpret footage."));
 }
 
-TEST_F(InterpretFootage, AMissingSuiteLeavesAsAnException) {
+TEST_F(InterpretFootage, MissingSuiteThrows) {
     host_.withhold_suite("AEGP Footage Suite", 7);
     EXPECT_THROW(run("shot.tif"), long);
     EXPECT_THAT(host_.calls, IsEmpty());

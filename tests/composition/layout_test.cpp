@@ -1,4 +1,4 @@
-// The order of members and of virtual slots is part of the model: whoever reads it from outside goes by it.
+// The order of members and of virtual slots is part of the model's interface.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -54,8 +54,8 @@ TEST(Layout, MembersInOrder) {
     EXPECT_TRUE(in_order(addresses(camera.isNull, camera.zoom)));
 }
 
-// In the ABI of g++ and clang a pointer to a virtual member function holds one more than its slot's offset in
-// bytes.
+// In the ABI of g++ and clang, a pointer to a virtual member function is the byte offset of its slot plus
+// one.
 template <class Function>
 std::size_t slot_of(Function function) {
     const auto parts = std::bit_cast<std::array<std::ptrdiff_t, 2>>(function);
@@ -65,7 +65,7 @@ std::size_t slot_of(Function function) {
 TEST(Layout, VirtualSlotsInOrder) {
     EXPECT_EQ(slot_of(&ASCIIParser::CompareIdent), 0U);
     EXPECT_EQ(slot_of(&ASCIIParser::CompareOperator), 1U);
-    EXPECT_EQ(slot_of(&CSceneObject::Add), 2U) << "behind the two destructors";
+    EXPECT_EQ(slot_of(&CSceneObject::Add), 2U) << "after the two destructors";
     EXPECT_EQ(slot_of(&CSceneObject::Load), 3U);
 }
 

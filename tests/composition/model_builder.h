@@ -8,16 +8,16 @@
 #include "composition/model/project_settings.h"
 #include "composition/model/scene_object.h"
 
-// The project model as reading a file would leave it, made by hand for the tests of the builders.
+// The project model as reading a file would leave it, built by hand for the tests of the builders.
 
-/// A text as the records own theirs: from array-new.
+/// A text that a record can own: from array-new.
 inline char* owned_text(const std::string& text) {
     char* copy = new char[text.size() + 1];
     std::memcpy(copy, text.c_str(), text.size() + 1);
     return copy;
 }
 
-/// Fills what a footage entry reads from its line.
+/// Sets what a footage entry reads from its line.
 inline CFileItem& fill(CFileItem* file, const std::string& path, A_long blend = kBlendNormal,
                        A_long alpha = kAlphaStraight, A_long is_sequence = 0) {
     file->path = owned_text(path);

@@ -29,7 +29,7 @@ TEST(StrToReal, TableOfTexts) {
         {"plus sign", "+2.5", 1, 2.5F},
         {"minus sign", "-12.5e+3", 1, -12500.0F},
         {"no digit before the point", ".5", 1, 0.5F},
-        {"no digit behind the point", "5.", 1, 5.0F},
+        {"no digit after the point", "5.", 1, 5.0F},
         {"blanks before it", " \t\r\n5", 1, 5.0F},
         {"a second point ends it", "1.2.3", 1, 1.2F},
         {"an exponent letter without digits is no part of it", "7E", 1, 7.0F},
@@ -38,8 +38,8 @@ TEST(StrToReal, TableOfTexts) {
         {"hexadecimal with a fraction", "0X1.8", 1, 1.5F},
         {"hexadecimal without digits is the zero before the x", "0x", 1, 0.0F},
         {"as is hexadecimal with a point alone", "0x.", 1, 0.0F},
-        {"as is hexadecimal with a sign behind the prefix", "0x-5", 1, 0.0F},
-        {"as is hexadecimal with a name behind the prefix", "0xinf", 1, 0.0F},
+        {"hexadecimal with a sign after the prefix is 0", "0x-5", 1, 0.0F},
+        {"hexadecimal with a name after the prefix is 0", "0xinf", 1, 0.0F},
         {"hexadecimal fraction without a digit before the point", "0x.8", 1, 0.5F},
         {"negative hexadecimal", "-0x10", 1, -16.0F},
         {"hexadecimal exponent", "0x1p4", 1, 16.0F},
@@ -84,8 +84,8 @@ TEST(StrToReal, KeepsTheSignOfZeroAndOfNan) {
     EXPECT_TRUE(std::isnan(value) && std::signbit(value));
 }
 
-// Texts whose rounding goes wrong when it is done twice, or that sit half way between two neighbours. The C
-// library's own conversion is the witness.
+// Texts that rounding twice would get wrong, or that are halfway between two floats. The C library's own
+// conversion is the reference.
 TEST(StrToReal, RoundsOnceToSinglePrecision) {
     const char* const texts[] = {
         "1.00000017881393421514957253748434595763683319091796875001",  // just above a half-way point of

@@ -9,7 +9,7 @@
 #include "composition/read/composition_file.h"
 #include "support/temporary_folder.h"
 
-/// A tokenizer over a real file with the given bytes, its first token read.
+/// A tokenizer over a real file with the given bytes that has read the first token.
 class ParsedText {
   public:
     explicit ParsedText(std::string_view text, int eol_is_token = 0, ReadObserver* observer = nullptr) {
@@ -38,7 +38,7 @@ class ReadText {
 inline constexpr const char* kHeader = "VORTAN XR COMPOSITION\n";
 inline constexpr const char* kSettings = "RESOLUTION 720 576 FROM 0 TO 99 RANGE 100 FPS 25\n";
 
-/// A valid file whose root composition and what follows it are `rest`.
+/// A valid file whose root composition, and everything after it, is `rest`.
 inline std::string file_with(std::string_view rest) {
     return std::string(kHeader) + kSettings + std::string(rest);
 }

@@ -16,12 +16,12 @@
 #include "parsed_text.h"
 #include "refused_memory.h"
 
-// Keys in plain form are read past the tokenizer. Nobody can tell: the same file read token by token gives
-// the same model, and leaves the tokenizer in the same state.
+// Plain keys are read as a whole. Reading the same file token by token gives the same model and leaves the
+// tokenizer in the same state.
 
 namespace {
 
-// Has every key read token by token, as one that asks for every value.
+// Asks for every value, so every key is read token by token.
 class EveryToken : public ReadObserver {
   public:
     std::vector<TextPosition> keys;
@@ -115,7 +115,8 @@ constexpr const char* kKey = "KEY 12 1.5 -2.25 3 10.125 -20 0.5";
 
 struct LayoutCase {
     const char* why;
-    std::string entries;  ///< of a camera, behind a first line of comment long enough for keys to be taken
+    std::string
+        entries;  ///< of a camera, after a first line of comment that is long enough for keys to be taken
     int plain;
 };
 
@@ -134,16 +135,16 @@ TEST(PlainKeys, LayoutsOfACamera) {
         {"the distance on the next line", key + " 45\n 800\n" + key + " 45\n", 1},
         {"a blank line between", key + " 45\n\n" + key + " 45\n", 1},
         {"two CR LF between", key + " 45\r\n\r\n" + key + " 45\r\n", 1},
-        {"a comment behind it", key + " 45 / wide\n" + key + " 45\n", 1},
-        {"a comment behind a number", key + " 45/wide\n" + key + " 45\n", 1},
+        {"a comment after it", key + " 45 / wide\n" + key + " 45\n", 1},
+        {"a comment after a number", key + " 45/wide\n" + key + " 45\n", 1},
         {"a comment between", key + " 45\n/ wide\n" + key + " 45\n", 1},
         {"seven numbers", key + "\n" + key + " 45\n", 0},
         {"ten numbers", key + " 45 800 1\n" + key + " 45\n", 0},
         {"an exponent", key + " 4.5e1\n" + key + " 45\n", 1},
         {"a fraction as frame", "KEY 12.5 1 2 3 4 5 6 45\n" + key + " 45\n", 1},
-        {"the brace behind it", key + " 45 }", 1},
+        {"the brace after it", key + " 45 }", 1},
         {"the brace at a number", key + " 45}", 0},
-        {"a NUL byte behind a number", key + std::string(" 45\0\n", 5), 0},
+        {"a NUL byte after a number", key + std::string(" 45\0\n", 5), 0},
         {"a word at a number", "KEY 12 1 2 3 4 5 6 45KEY 13 1 2 3 4 5 6 45\n", 1},
         {"KEY as the beginning of a word", "KEYS 12 1 2 3 4 5 6 45\n", 0},
         {"in lower case", "key 12 1 2 3 4 5 6 45\n", 0},
@@ -167,8 +168,8 @@ TEST(PlainKeys, ObserverIsToldWhatIsKept) {
     EXPECT_THAT(observer.numbers, testing::ElementsAre(1, 2, 3, 4, 5, 6, 45, 1, 2, 3, 4, 5, 6, 45, 800));
 }
 
-// Every place of the keys relative to the blocks that the file is read in, for each kind of line end.
-TEST(PlainKeys, AcrossTheEndsOfBlocks) {
+// Every position of the keys relative to block ends, for each kind of line end.
+TEST(PlainKeys, AcrossBlockEnds) {
     for (const std::string line_end : {"\n", "\r\n"}) {
         std::string objects;
         for (const char* kind : {"CAMERA", "LIGHT", "NULL"}) {
@@ -187,8 +188,8 @@ TEST(PlainKeys, AcrossTheEndsOfBlocks) {
     }
 }
 
-// One entry of every kind, the first block ending behind each of its bytes.
-TEST(PlainKeys, EveryByteOfAnEntryAtTheEndOfABlock) {
+// One entry of every kind; the first block ends after each of its bytes.
+TEST(PlainKeys, BlockEndsAtEveryByteOfAnEntry) {
     const std::string key = std::string("  ") + kKey;
     const std::string entries[] = {
         key + " 45\n",
@@ -228,9 +229,9 @@ TEST(PlainKeys, EveryByteOfAnEntryAtTheEndOfABlock) {
     }
 }
 
-// A file that becomes shorter while it is read: what is missing of a block is found out at the same token,
-// also where that block was joined to the one before.
-TEST(PlainKeys, BlocksThatCannotBeReadWhole) {
+// A file that becomes shorter while it is read: the missing part of a block is noticed at the same token,
+// even where that block was joined to the one before.
+TEST(PlainKeys, BlocksThatCannotBeReadCompletely) {
     std::string text = file_with_objects("NULL \"One\" {\n");
     for (int i = 0; i < 400; ++i) {
         text += "  " + std::string(kKey) + "\n";
@@ -245,7 +246,7 @@ TEST(PlainKeys, BlocksThatCannotBeReadWhole) {
         const int result = ReadCompositionFile(parsed.p, settings);
         return std::to_string(result) + " " + state_of(parsed.p) + "\n" + model_of(settings);
     };
-    // Within the first 4 KiB the system's own buffer has the bytes already.
+    // The C library has already buffered the first 4 KiB.
     for (std::size_t bytes = 5'000; bytes < text.size() && !HasFailure(); bytes += 397) {
         const std::string expected = outcome_when_cut(bytes, &every_token);
         EXPECT_EQ(outcome_when_cut(bytes, &every_key), expected) << bytes;
@@ -293,7 +294,7 @@ TEST(PlainKeys, RandomEntries) {
     EXPECT_GT(plain, 8'000 * kRounds / 600);
 }
 
-TEST(PlainKeys, ShortMemoryIsReportedAtTheKey) {
+TEST(PlainKeys, OutOfMemoryIsReportedAtTheKey) {
     const std::string text = file_with_objects("NULL \"One\" {\n KEY 1 1 2 3 4 5 6\n KEY 2 1 2 3 4 5 6\n}\n");
     class Failure : public EveryKey {
       public:

@@ -21,7 +21,7 @@ constexpr int kShare = 1;
 #endif
 constexpr int kTexts = 1'000'000 / kShare;
 
-// A number's text has others before and behind it, as in a file.
+// A number's text has other text before and after it, as in a file.
 class TextInBlock {
   public:
     explicit TextInBlock(const std::string& text) : block_("KEY -9.5 ...77 x" + text + " 1.5\n") {}
@@ -32,7 +32,7 @@ class TextInBlock {
     std::string block_;
 };
 
-// Whether the text is plain, and that it then gives what the general conversion gives, to the last bit.
+// Whether the text is plain. Expects the result of the general conversion, to the last bit, if it is.
 bool agrees_as_real(const std::string& text) {
     const TextInBlock block(text);
     float plain = -77.0F;
@@ -66,7 +66,7 @@ struct FormCase {
     bool integer;
 };
 
-TEST(PlainNumber, TakesOneFormAndLeavesTheRest) {
+TEST(PlainNumber, AcceptsOnlyThePlainForm) {
     const FormCase cases[] = {
         {"one digit", "7", true, true},
         {"negative", "-140", true, true},
@@ -77,11 +77,11 @@ TEST(PlainNumber, TakesOneFormAndLeavesTheRest) {
         {"a point", "-140.458", true, false},
         {"eight digits and a point", "12345.678", true, false},
         {"nine digits and a point", "123456.789", false, false},
-        {"seven digits behind the point", "1.2345678", true, false},
-        {"eight digits behind the point", ".12345678", false, false},
+        {"seven digits after the point", "1.2345678", true, false},
+        {"eight digits after the point", ".12345678", false, false},
         {"no digit before the point", "-.5", true, false},
-        {"no digit behind the point", "5.", true, false},
-        {"eight digits and a point behind them", "12345678.", true, false},
+        {"no digit after the point", "5.", true, false},
+        {"eight digits and a point after them", "12345678.", true, false},
         {"a point alone", ".", false, false},
         {"a minus sign alone", "-", false, false},
         {"a minus sign and a point", "-.", false, false},
@@ -155,9 +155,9 @@ TEST(PlainNumber, AgreesWithTheGeneralConversionOnRandomTexts) {
     EXPECT_GT(integers, 100'000 / kShare);
 }
 
-// Every number of up to eight digits that lies near the middle between two floats is among these: where
-// rounding twice could differ from rounding once.
-TEST(PlainNumber, RoundsOnceNearTheMiddleBetweenTwoFloats) {
+// Steps through the numbers of up to eight digits near the midpoint of two floats, where rounding twice could
+// differ from rounding once.
+TEST(PlainNumber, RoundsOnceNearTheMidpointOfTwoFloats) {
     for (std::int32_t number = 1 << 24; number < 100'000'000 && !HasFailure(); number += 977 * kShare) {
         for (const std::int32_t near : {number - 1, number, number + 1}) {
             std::string text = std::to_string(near);
@@ -168,7 +168,7 @@ TEST(PlainNumber, RoundsOnceNearTheMiddleBetweenTwoFloats) {
     }
 }
 
-// The short forms, which are read where they stand. Whatever is behind them decides, too.
+// The short forms, which are read in place. The byte after them matters, too.
 
 struct ShortCase {
     const char* why;
@@ -177,15 +177,15 @@ struct ShortCase {
     bool integer;
 };
 
-TEST(ShortNumber, TakesTheFormsThatExportersWriteAndLeavesTheRest) {
+TEST(ShortNumber, AcceptsOnlyTheFormsThatExportersWrite) {
     const ShortCase cases[] = {
         {"three decimals", "-140.458 ", true, false},
         {"seven digits", "1234.567 ", false, false},
         {"six digits", "123.456 ", true, false},
         {"a negative number of six digits", "-123.456 ", true, false},
         {"no digit before the point", ".5 ", true, false},
-        {"no digit behind the point", "5. ", true, false},
-        {"six digits behind the point", ".123456 ", true, false},
+        {"no digit after the point", "5. ", true, false},
+        {"six digits after the point", ".123456 ", true, false},
         {"a point alone", ". ", false, false},
         {"a minus sign and a point", "-. ", false, false},
         {"a minus sign alone", "- ", false, false},
@@ -195,8 +195,8 @@ TEST(ShortNumber, TakesTheFormsThatExportersWriteAndLeavesTheRest) {
         {"eight digits", "12345678 ", false, false},
         {"negative zero", "-0 ", false, true},
         {"negative zero with a point", "-0.0 ", true, false},
-        {"a line end behind it", "4.5\n", true, false},
-        {"a NUL byte behind it", "4.5\0", true, false},
+        {"a line end after it", "4.5\n", true, false},
+        {"a NUL byte after it", "4.5\0", true, false},
         {"two points", "1.2.3 ", false, false},
         {"two points side by side", "1..2 ", false, false},
         {"an exponent", "4.5e1 ", false, false},
@@ -205,13 +205,13 @@ TEST(ShortNumber, TakesTheFormsThatExportersWriteAndLeavesTheRest) {
         {"a brace at an integer", "45} ", false, false},
         {"a byte above the digits", "4:5. ", false, false},
         {"a byte above 127", "4\xB2.5 ", false, false},
-        {"a byte above 127 behind it", "4.5\xBF ", false, false},
+        {"a byte above 127 after it", "4.5\xBF ", false, false},
         {"two minus signs", "--5.0 ", false, false},
     };
     for (const ShortCase& c : cases) {
         SCOPED_TRACE(c.why);
         const std::string block = std::string(c.text) +
-                                  (c.why == std::string("a NUL byte behind it") ? std::string(1, '\0') : "") +
+                                  (c.why == std::string("a NUL byte after it") ? std::string(1, '\0') : "") +
                                   "7777777777";
         float real = -77;
         std::int32_t integer = -77;

@@ -14,7 +14,7 @@
 
 namespace {
 
-// Reads a path from `text`, whose first token is a word in the place of the alpha word.
+// Reads a path from `text`, whose first token is a word in place of the alpha word.
 class PathIn {
   public:
     explicit PathIn(const std::string& text) : parsed(text) {
@@ -30,20 +30,20 @@ class PathIn {
 
 struct Case {
     const char* why;
-    std::string text;                 // behind the alpha word
+    std::string text;                 // after the alpha word
     std::optional<std::string> name;  // in the composition file's folder; none: the path cannot be read
 };
 
 TEST(ReadFilename, TextBetweenFirstAndLastQuote) {
     const Case cases[] = {
         {"plain", " \"shot.tif\"\n", "shot.tif"},
-        {"quote right behind the word", "\"shot.tif\"\n", "shot.tif"},
+        {"quote right after the word", "\"shot.tif\"\n", "shot.tif"},
         {"line ended by CR", " \"shot.tif\"\r", "shot.tif"},
         {"what stands before the quote is skipped", " x = 5 / \"shot.tif\"\n", "shot.tif"},
         {"line ends before the quote, too", "\n\r\n \"shot.tif\"\n", "shot.tif"},
         {"what follows the last quote is ignored", " \"shot.tif\" FILE {\n", "shot.tif"},
         {"quotes inside are kept", " \"a \"b\" c.tif\"\n", "a \"b\" c.tif"},
-        {"a text behind with quotes belongs to it", " \"a.tif\" \"old\"\n", "a.tif\" \"old"},
+        {"text after it with quotes belongs to it", " \"a.tif\" \"old\"\n", "a.tif\" \"old"},
         {"a path of one character", " \"x\"\n", "x"},
         {"a quote alone is a path", " \"\"\"\n", "\""},
         {"dollars are no escape", " \"a$\"b\"\n", "a$\"b"},
@@ -58,7 +58,7 @@ TEST(ReadFilename, TextBetweenFirstAndLastQuote) {
         {"empty path", " \"\"\n", std::nullopt},
         {"empty path for a NUL byte", std::string(" \"\0b\"\n", 6), std::nullopt},
         {"no line end", " \"shot.tif\"", std::nullopt},
-        {"nothing behind the opening quote", " \"", std::nullopt},
+        {"nothing after the opening quote", " \"", std::nullopt},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.why);
@@ -78,7 +78,7 @@ TEST(ReadFilename, ConsumesTheLineEnd) {
     EXPECT_STREQ(read.parsed.p.text, "next");
 }
 
-TEST(ReadFilename, SlashesBeginNoComment) {
+TEST(ReadFilename, SlashesAreText) {
     const PathIn read("PREMUL \"/no/such//folder/shot.tif\"\n");
     ASSERT_EQ(read.result, 1);
     EXPECT_EQ(read.path.get(), read.parsed.folder.path("shot.tif"));
@@ -92,7 +92,7 @@ TEST(ReadFilename, FootageThatOpensKeepsItsPath) {
     EXPECT_EQ(read.path.get(), path);
 }
 
-TEST(ReadFilename, WhatDoesNotOpenAsAFileMovesToTheCompositionsFolder) {
+TEST(ReadFilename, PathThatDoesNotOpenMovesToTheCompositionsFolder) {
     const TemporaryFolder elsewhere;
     const std::string fifo = elsewhere.path("shot.tif");
     make_pipe(fifo);
@@ -113,7 +113,7 @@ TEST(ReadFilename, WhatDoesNotOpenAsAFileMovesToTheCompositionsFolder) {
     }
 }
 
-TEST(ReadFilename, ACompositionFileWithoutAFolderFindsNothing) {
+TEST(ReadFilename, CompositionFileWithoutAFolderFindsNothing) {
     const TemporaryFolder folder;
     folder.write("bare.aec", "PREMUL \"/no/such/shot.tif\"\n");
     const std::filesystem::path before = std::filesystem::current_path();

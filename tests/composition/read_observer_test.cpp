@@ -19,7 +19,7 @@ namespace {
 struct Failure {
     const char* why;
     std::string text;
-    const char* event;  // what on_failure was told
+    const char* event;  // the recorded on_failure
 };
 
 void expect_failures(std::initializer_list<Failure> cases) {
@@ -53,7 +53,7 @@ TEST(ReadObserver, FailuresInHeaderAndSettings) {
          "3:5@35 expected-number: expected a number after FPS, found \"abc\""},
         {"second number missing", header + "RESOLUTION 1 \"x\" ",
          "2:14@35 expected-number: expected a second number after RESOLUTION, found the text \"x\""},
-        {"number out of range, a line end right behind it", header + "FROM -1\n",
+        {"number out of range, directly followed by a line end", header + "FROM -1\n",
          "2:6@27 out-of-range: expected a number of 0 or more after FROM, found the number \"-1\""},
         {"aspect out of range", header + "ASPECT 100.5 ",
          "2:8@29 out-of-range: expected a number from 0.01 to 100 after ASPECT, found the number \"100.5\""},
@@ -69,9 +69,9 @@ TEST(ReadObserver, FailuresInHeaderAndSettings) {
         {"settings missing", header + "FPS 5 TO 5 COMPOSITION NRM ",
          "2:12@33 missing-setting: expected RESOLUTION, FROM, RANGE before COMPOSITION, found "
          "\"COMPOSITION\""},
-        {"end of the file behind a line end", header + "FPS\n",
+        {"end of the file after a line end", header + "FPS\n",
          "3:1@26 unexpected-end: expected a number after FPS, found the end of the file"},
-        {"end of the file behind a blank", header + "FPS ",
+        {"end of the file after a blank", header + "FPS ",
          "2:5@26 unexpected-end: expected a number after FPS, found the end of the file"},
         {"number cut off by the end", header + "FPS 25",
          "2:5@26 word-cut-by-end: expected a number after FPS, found a word cut off by the end of the file"},
@@ -111,7 +111,7 @@ TEST(ReadObserver, FailuresInCompositions) {
          "5:10@132 expected-alpha-mode: expected PREMUL or STRAIGHT, found \"LEFT\" in composition \"Main\" "
          "in "
          "composition \"Shadow\""},
-        {"behind a nested one", in_root("COMPOSITION ADD \"Shadow\" { }\nFILE 5 "),
+        {"after a nested one", in_root("COMPOSITION ADD \"Shadow\" { }\nFILE 5 "),
          "5:6@130 expected-blend-mode: expected NRM, ADD or MUL, found the number \"5\" in composition "
          "\"Main\""},
         {"path missing", in_root("FILE NRM PREMUL x.tif\n"),
@@ -132,7 +132,7 @@ TEST(ReadObserver, FailuresInCompositions) {
     });
 }
 
-TEST(ReadObserver, FailuresBehindTheRootComposition) {
+TEST(ReadObserver, FailuresAfterTheRootComposition) {
     const std::string sections = "expected FILE, FSEQ, CAMERA, LIGHT, NULL or the end of the file, found ";
     const std::string mark = "expected <-> between FILE or FSEQ and the alpha word, found ";
     ASSERT_EQ(file_with_objects("").size(), 98U) << "what is appended begins at 5:1@98";
@@ -196,8 +196,8 @@ TEST(ReadObserver, FailuresOfOpening) {
     }
 }
 
-// The file becomes shorter behind its first token; what is left of it has 5000 bytes.
-TEST(ReadObserver, FailuresOfReadingOn) {
+// The file is cut to 5000 bytes after its first token was read.
+TEST(ReadObserver, FailuresWhileReading) {
     const std::string root = "COMPOSITION NRM \"a\" {";
     const std::pair<std::string, const char*> cases[] = {
         {file_with(root) + std::string(9000, ' ') + "}", "found a part of the file that cannot be read"},
@@ -221,7 +221,7 @@ TEST(ReadObserver, FailuresOfReadingOn) {
     }
 }
 
-TEST(ReadObserver, FootageThatNoFolderCanBeFoundFor) {
+TEST(ReadObserver, FootageWithoutAFolderToLookIn) {
     const TemporaryFolder folder;
     folder.write("bare.aec", in_root("FILE NRM PREMUL \"/no/such/x.tif\"\n}\n"));
     const std::filesystem::path before = std::filesystem::current_path();
@@ -241,7 +241,7 @@ TEST(ReadObserver, FootageThatNoFolderCanBeFoundFor) {
               "folder, found \"/no/such/x.tif\" in composition \"Main\"");
 }
 
-TEST(ReadObserver, EveryEventMayBeLeftAlone) {
+TEST(ReadObserver, EveryEventHasADefault) {
     ReadObserver whole;
     EXPECT_EQ(ReadText(in_root("FILE NRM PREMUL \"x\"\nSOLID }\nNULL \"n\" { KEY 0 0 0 0 0 0 0 }\n"), &whole)
                   .result,
@@ -288,7 +288,7 @@ TEST(ReadObserver, WordTooLongNamesItsLimitAndNoOther) {
     EXPECT_EQ(unknown.errors[0].limit, nullptr);
 }
 
-TEST(ReadObserver, TellsEveryElementOfAFile) {
+TEST(ReadObserver, ReportsEveryElementOfAFile) {
     const TemporaryFolder footage;
     const std::string there = footage.write("there.tif", "x");
     const std::string text =
@@ -361,13 +361,13 @@ TEST(ReadObserver, TellsEveryElementOfAFile) {
     EXPECT_TRUE(observer.blocks().empty());
 }
 
-TEST(ReadObserver, TellsWhereAFileWithoutMoreEnds) {
+TEST(ReadObserver, ReportsTheEndOfAFileWithoutMoreText) {
     RecordingObserver observer;
     ASSERT_EQ(ReadText(file_with_objects("NULL \"n\" { }\n"), &observer).result, 1);
     EXPECT_EQ(observer.events.back(), "done 6:1@111 end of file");
 }
 
-TEST(ReadObserver, TellsPositionsInEveryStyleOfLineEnds) {
+TEST(ReadObserver, ReportsPositionsForEveryStyleOfLineEnd) {
     for (const std::string end : {"\n", "\r", "\r\n", "\n\r"}) {
         RecordingObserver observer;
         std::string text = "VORTAN";
@@ -380,13 +380,13 @@ TEST(ReadObserver, TellsPositionsInEveryStyleOfLineEnds) {
     }
 }
 
-/// Words in small letters with hyphens between them.
+/// Lower-case words with hyphens between them.
 bool is_hyphenated(std::string_view name) {
     return name.find_first_not_of("abcdefghijklmnopqrstuvwxyz-") == std::string_view::npos && !name.empty() &&
            name.front() != '-' && name.back() != '-' && name.find("--") == std::string_view::npos;
 }
 
-TEST(ReadErrorTable, HasEveryCodeUnderANameOfItsOwn) {
+TEST(ReadErrorTable, EveryCodeHasItsOwnName) {
     std::set<std::string> names;
     for (const auto& [code, info] : read_error_table()) {
         EXPECT_TRUE(names.insert(info.name).second) << info.name;

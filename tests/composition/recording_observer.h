@@ -15,7 +15,7 @@ inline std::string place(const TextPosition& at) {
     return std::to_string(at.line) + ":" + std::to_string(at.column) + "@" + std::to_string(at.offset_bytes);
 }
 
-/// Writes every event down, one text each.
+/// Records every event as one text.
 class RecordingObserver : public ReadObserver {
   public:
     void on_failure(const diagnostic::Diagnostic& error) override {

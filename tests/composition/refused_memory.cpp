@@ -29,7 +29,7 @@ long RefusedMemory::asked() {
     return g_asked;
 }
 
-// The throwing operators stay the library's own, so that every block is freed by what made it.
+// The throwing operators remain the library's, so that every block is freed by its own allocator.
 void* operator new(std::size_t size, const std::nothrow_t& /*tag*/) noexcept {
     if (refused()) {
         return nullptr;

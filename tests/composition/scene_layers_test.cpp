@@ -1,5 +1,5 @@
 // Cameras, lights and nulls: what each kind of layer gets besides timing and transform, which
-// scene_object_add_test.cpp looks at. Expected doubles: see there.
+// scene_object_add_test.cpp tests. For the expected doubles, see there.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,7 +23,7 @@ int add(RecordingHost& host, CSceneObject& object, A_long width = 720, A_long he
     return object.Add(&suites, host.handle<AEGP_CompH>("comp"), width, height, 25, from, 99, 0, 0);
 }
 
-/// The calls behind the shared part: what comes after the last of its disposals.
+/// The calls after the shared part, which ends with the last of its disposals.
 std::vector<std::string> calls_of_kind(const RecordingHost& host, std::size_t shared_streams = 3) {
     std::size_t disposed = 0;
     for (std::size_t i = 0; i < host.calls.size(); ++i) {
@@ -36,7 +36,7 @@ std::vector<std::string> calls_of_kind(const RecordingHost& host, std::size_t sh
 
 // ---- cameras
 
-TEST(CameraAdd, IsCreatedTransformedAndZoomed) {
+TEST(CameraAdd, CreatesTransformsAndZooms) {
     RecordingHost host;
     CCamera camera;
     camera.name = owned_text("Cam");
@@ -59,7 +59,7 @@ TEST(CameraAdd, IsCreatedTransformedAndZoomed) {
     EXPECT_THAT(host.left_open(), IsEmpty());
 }
 
-TEST(CameraAdd, ZoomIsRightToTheLastBit) {
+TEST(CameraAdd, ZoomIsExactToTheLastBit) {
     const struct {
         const char* why;
         A_long width;
@@ -70,7 +70,7 @@ TEST(CameraAdd, ZoomIsRightToTheLastBit) {
         {"an odd width is not halved as an integer", 721, 55.5F, "685.1977964146413"},
         {"nearly flat", 1, 179.9F, "0.000436359055391949"},
         {"negative", 1920, -30, "-3582.7687752661222"},
-        {"no view at all: infinitely far, and nothing guards against it", 640, 0, "inf"},
+        {"no angle at all: infinitely far, and nothing guards against it", 640, 0, "inf"},
         {"no view from below", 640, -0.0F, "-inf"},
     };
     for (const auto& c : cases) {
@@ -85,7 +85,7 @@ TEST(CameraAdd, ZoomIsRightToTheLastBit) {
     }
 }
 
-TEST(CameraAdd, WithoutKeysNoValueIsSet) {
+TEST(CameraAdd, WithoutKeysSetsNoValue) {
     RecordingHost host;
     CCamera camera;
     EXPECT_EQ(add(host, camera), 1);
@@ -95,8 +95,8 @@ TEST(CameraAdd, WithoutKeysNoValueIsSet) {
                             "EndAddKeyframes(1, keys(camera1/zoom))", "DisposeStream(camera1/zoom)"));
 }
 
-TEST(CameraAdd, KeysThatFailEndTheTrackEarlyAndAreNoFailure) {
-    // The shared part adds three keys of two for each track: the zoom's are the seventh and eighth.
+TEST(CameraAdd, FailingKeysEndTheTrackEarlyWithoutFailure) {
+    // The shared part adds two keys to each of three tracks, so the zoom's are the seventh and eighth.
     const struct {
         const char* function;
         int nth;
@@ -116,7 +116,7 @@ TEST(CameraAdd, KeysThatFailEndTheTrackEarlyAndAreNoFailure) {
     }
 }
 
-TEST(CameraAdd, EveryOtherCallThatFailsIsAFailureAndLeavesNothingOpen) {
+TEST(CameraAdd, EveryOtherFailingCallIsAFailureAndLeavesNothingOpen) {
     const auto run = [](RecordingHost& host) {
         CCamera camera;
         add_keys(camera, {{.frame = 1, .fov = 40}});
@@ -147,7 +147,7 @@ TEST(CameraAdd, EveryOtherCallThatFailsIsAFailureAndLeavesNothingOpen) {
     }
 }
 
-TEST(CameraAdd, WhatYieldsNothingIsAFailure) {
+TEST(CameraAdd, SuccessWithoutAHandleIsAFailure) {
     {
         RecordingHost host;
         host.yield_nothing("CreateCameraInComp");
@@ -173,7 +173,7 @@ TEST(CameraAdd, WhatYieldsNothingIsAFailure) {
 
 // ---- lights
 
-TEST(LightAdd, IsCreatedTransformedAndLit) {
+TEST(LightAdd, CreatesTransformsAndSetsTheLight) {
     RecordingHost host;
     CLight light;
     light.name = owned_text("Key light");
@@ -195,7 +195,7 @@ TEST(LightAdd, IsCreatedTransformedAndLit) {
                     "SetStreamValue(7, light1/intensity, [120.00000762939453])",
                     "DisposeStream(light1/intensity)", "GetNewLayerStream(7, light1, 28) -> light1/shadows",
                     "SetStreamValue(7, light1/shadows, [1])", "DisposeStream(light1/shadows)",
-                    // the cone angle is fetched and given back, and keeps the host's value
+                    // the cone angle is fetched and disposed of; it keeps the host's value
                     "GetNewLayerStream(7, light1, 18) -> light1/coneangle",
                     "DisposeStream(light1/coneangle)"));
     EXPECT_THAT(host.left_open(), IsEmpty());
@@ -241,7 +241,7 @@ TEST(LightAdd, TypesShadowsAndIntensity) {
     }
 }
 
-TEST(LightAdd, EveryCallThatFailsIsAFailureButTheType) {
+TEST(LightAdd, EveryFailingCallExceptTheTypeIsAFailure) {
     const auto run = [](RecordingHost& host) {
         CLight light;
         light.lightType = kLightSpot;
@@ -269,8 +269,8 @@ TEST(LightAdd, EveryCallThatFailsIsAFailureButTheType) {
     }
 }
 
-TEST(LightAdd, AStreamThatIsEmptyEndsTheStepsQuietly) {
-    for (int empty = 4; empty <= 7; ++empty) {  // behind the three of the shared part
+TEST(LightAdd, EmptyStreamEndsTheStepsWithoutFailure) {
+    for (int empty = 4; empty <= 7; ++empty) {  // after the three of the shared part
         RecordingHost host;
         host.yield_nothing("GetNewLayerStream", empty);
         CLight light;
@@ -281,7 +281,7 @@ TEST(LightAdd, AStreamThatIsEmptyEndsTheStepsQuietly) {
     }
 }
 
-TEST(LightAdd, WithoutALayerThereIsNoLight) {
+TEST(LightAdd, WithoutALayerFails) {
     RecordingHost host;
     host.yield_nothing("CreateLightInComp");
     CLight light;
@@ -291,7 +291,7 @@ TEST(LightAdd, WithoutALayerThereIsNoLight) {
 
 // ---- nulls
 
-TEST(NullAdd, IsCreatedIn3DAndTransformed) {
+TEST(NullAdd, CreatesA3DLayerAndTransforms) {
     RecordingHost host;
     CNull null_object;
     null_object.isNull = 1;
@@ -340,7 +340,7 @@ TEST(NullAdd, OnlyTheFlagMayFail) {
 
 // ---- names
 
-TEST(SceneLayerNames, AreTheObjectsOrTheDefaults) {
+TEST(SceneLayerNames, AreTheObjectsNamesOrDefaults) {
     CCamera camera;
     CLight light;
     CNull null_object;

@@ -8,8 +8,8 @@
 #include "host/suite_handler.h"
 #include "support/recording_host.h"
 
-// The doubles that are expected below were computed by scene_values.py, independently of the code and of the
-// C library; they are written with as many digits as bring back the same bits.
+// scene_values.py computed the expected doubles below, independently of the code and of the C library; they
+// have enough digits to give back the same bits.
 
 namespace {
 
@@ -36,7 +36,7 @@ std::vector<std::string> values_of(const RecordingHost& host) {
     return host.calls_of({"SetAddKeyframe"});
 }
 
-TEST(SceneObjectAdd, ACameraOrLightGetsThreeTracks) {
+TEST(SceneObjectAdd, CameraOrLightGetsThreeTracks) {
     RecordingHost host;
     CSceneObject object;
     add_keys(object, {{.frame = 10, .position = {0, 100, 0}}, {.frame = 5, .rotation = {90, 0, 7}}});
@@ -62,7 +62,7 @@ TEST(SceneObjectAdd, ACameraOrLightGetsThreeTracks) {
         "SetAddKeyframe(keys(layer/position), #0, [0, -100, 0])",
         "SetAddKeyframe(keys(layer/anchor), #0, [0, -100, 1000])",
         "SetAddKeyframe(keys(layer/orientation), #0, [0, 0, 0])",
-        // a key before it has a negative time; 90 degrees are the double nearest to pi / 2
+        // an earlier key has a negative time; 90 degrees are the double nearest to pi / 2
         "AddKeyframes(keys(layer/position), 0, -5@25)",
         "AddKeyframes(keys(layer/orientation), 0, -5@25)",
         "AddKeyframes(keys(layer/anchor), 0, -5@25)",
@@ -85,7 +85,7 @@ TEST(SceneObjectAdd, ACameraOrLightGetsThreeTracks) {
     EXPECT_THAT(host.left_open(), IsEmpty());
 }
 
-TEST(SceneObjectAdd, ANullGetsFourTracks) {
+TEST(SceneObjectAdd, NullGetsFourTracks) {
     RecordingHost host;
     CSceneObject object;
     object.isNull = 1;
@@ -121,7 +121,7 @@ TEST(SceneObjectAdd, ANullGetsFourTracks) {
     EXPECT_THAT(host.left_open(), IsEmpty());
 }
 
-TEST(SceneObjectAdd, ViewValuesAreRightToTheLastBit) {
+TEST(SceneObjectAdd, ViewValuesAreExactToTheLastBit) {
     const struct {
         const char* why;
         Key key;
@@ -177,7 +177,7 @@ TEST(SceneObjectAdd, ViewValuesAreRightToTheLastBit) {
     }
 }
 
-TEST(SceneObjectAdd, NullValuesAreRightToTheLastBit) {
+TEST(SceneObjectAdd, NullValuesAreExactToTheLastBit) {
     RecordingHost host;
     CSceneObject object;
     object.isNull = 1;
@@ -196,7 +196,7 @@ TEST(SceneObjectAdd, NullValuesAreRightToTheLastBit) {
                     "SetAddKeyframe(keys(layer/zrotation), #1, [0])"));
 }
 
-TEST(SceneObjectAdd, WithoutKeysTheTracksAreStartedAndEndedAndNoMathematicsIsNeeded) {
+TEST(SceneObjectAdd, WithoutKeysStartsAndEndsTheTracksWithoutMathematics) {
     RecordingHost host;
     host.withhold_suite("PF ANSI Suite", 1);
     CSceneObject object;
@@ -207,7 +207,7 @@ TEST(SceneObjectAdd, WithoutKeysTheTracksAreStartedAndEndedAndNoMathematicsIsNee
     EXPECT_THAT(host.left_open(), IsEmpty());
 }
 
-TEST(SceneObjectAdd, TimingIsOnlySetWhenAskedForAndOffsetOnlyWhenLocal) {
+TEST(SceneObjectAdd, TimingIsOptionalAndOffsetOnlyWhenLocal) {
     const struct {
         Scene scene;
         std::vector<std::string> calls;
@@ -238,7 +238,7 @@ TEST(SceneObjectAdd, KeyTimesAreClampedTo32Bits) {
               "AddKeyframes(keys(layer/position), 0, -2147483648@25)");
 }
 
-TEST(SceneObjectAdd, EveryCallThatFailsStopsTheWorkAndDisposesOfTheStreams) {
+TEST(SceneObjectAdd, EveryFailingCallStopsAndDisposesOfTheStreams) {
     for (const A_long is_null : {0, 1}) {
         const auto run = [&](RecordingHost& host) {
             CSceneObject object;
@@ -260,8 +260,8 @@ TEST(SceneObjectAdd, EveryCallThatFailsStopsTheWorkAndDisposesOfTheStreams) {
             RecordingHost host;
             host.fail_call(failing, 5);
             EXPECT_EQ(run(host), 0);
-            // What is expected: the clean run up to the call that fails, then the streams fetched until then,
-            // in the order of fetching. At the normal end the disposals go on after one that failed.
+            // Expected: the clean run up to the failing call, then disposals of the streams fetched so far,
+            // in the order of fetching. At the normal end the disposals continue after one that fails.
             std::vector<std::string> expected;
             std::vector<std::string> fetched;
             int counted = 0;
@@ -293,7 +293,7 @@ TEST(SceneObjectAdd, EveryCallThatFailsStopsTheWorkAndDisposesOfTheStreams) {
     }
 }
 
-TEST(SceneObjectAdd, AnEmptyStreamEndsTheWorkQuietly) {
+TEST(SceneObjectAdd, EmptyStreamEndsTheWorkWithoutFailure) {
     for (const int empty : {1, 2, 3}) {
         RecordingHost host;
         host.yield_nothing("GetNewLayerStream", empty);
@@ -307,7 +307,7 @@ TEST(SceneObjectAdd, AnEmptyStreamEndsTheWorkQuietly) {
     }
 }
 
-TEST(SceneObjectAdd, AdditionsThatYieldNothingAreAFailure) {
+TEST(SceneObjectAdd, AdditionsWithoutAHandleAreAFailure) {
     RecordingHost host;
     host.yield_nothing("StartAddKeyframes", 2);
     CSceneObject object;
@@ -315,7 +315,7 @@ TEST(SceneObjectAdd, AdditionsThatYieldNothingAreAFailure) {
     EXPECT_EQ(host.calls_of({"DisposeStream"}).size(), 3U);
 }
 
-TEST(SceneObjectAdd, AMissingSuiteStillDisposesOfTheStreams) {
+TEST(SceneObjectAdd, MissingSuiteStillDisposesOfTheStreams) {
     const std::pair<const char*, A_long> suites[] = {{"AEGP Keyframe Suite", 3}, {"PF ANSI Suite", 1}};
     for (const auto& [name, version] : suites) {
         RecordingHost host;

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The only object of a file with one. `result` is the whole file's.
+// A file with one object. `result` is that of the whole file.
 template <class Object>
 class Loaded {
   public:
