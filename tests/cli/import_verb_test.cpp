@@ -263,7 +263,7 @@ TEST(ImportVerb, UnreadableFootageIsNamedWhenTheImportFails) {
     const ProcessResult run = import_file({scene});
     EXPECT_EQ(run.exit_code, 1);
     EXPECT_NE(
-        run.err.find(scene + ":4:17: warning: the footage \"X:notes.tif\" exists but is no readable image: "),
+        run.err.find(scene + ":4:17: warning: the footage \"X:notes.tif\" exists but is not a readable image: "),
         std::string::npos)
         << run.err;
     EXPECT_NE(run.err.find("vxr: error: the import ended with host error "), std::string::npos) << run.err;

@@ -101,7 +101,7 @@ const Case kCases[] = {
 
     // keys
     {"first and last frame are inside", kScene + "NULL \"n\" { KEY 1 0 0 0 0 0 0 KEY 8 0 0 0 0 0 0 }", {}},
-    {"one frame before and one behind",
+    {"one frame before and one after",
      kScene + "NULL \"n\" { KEY 0 0 0 0 0 0 0 KEY 9 0 0 0 0 0 0 }",
      {"key-outside-range 4:12"}},
     {"going back", kScene + "NULL \"n\" { KEY 3 0 0 0 0 0 0\nKEY 2 0 0 0 0 0 0 }", {"key-out-of-order 5:1"}},
@@ -122,8 +122,8 @@ const Case kCases[] = {
     {"what stands where the brace would",
      kHead + "COMPOSITION NRM \"M\"\nFILE <-> PREMUL \"a.tif\"\n",
      {}},  // refused: the word FILE is taken for the brace
-    {"text behind the objects", kScene + "NULL \"n\" { }\nEND here\n", {"text-after-end 5:1"}},
-    {"comment behind the objects", kScene + "NULL \"n\" { }\n/ END\n", {}},
+    {"text after the objects", kScene + "NULL \"n\" { }\nEND here\n", {"text-after-end 5:1"}},
+    {"comment after the objects", kScene + "NULL \"n\" { }\n/ END\n", {}},
 };
 
 TEST(SceneCheck, Warnings) {
@@ -134,7 +134,7 @@ TEST(SceneCheck, Warnings) {
     }
 }
 
-TEST(SceneCheck, TextsSayWhatWasWrittenAndWhatBecomesOfIt) {
+TEST(SceneCheck, TextsSayWhatWasWrittenAndWhatWasKept) {
     const std::vector<Diagnostic> fps = warnings_of(kHead + "FPS 29.97 COMPOSITION NRM \"M\" { }\n");
     ASSERT_EQ(fps.size(), 1U);
     EXPECT_EQ(fps[0].reason, "the number \"29.97\" after FPS is read as 29");
@@ -145,7 +145,7 @@ TEST(SceneCheck, TextsSayWhatWasWrittenAndWhatBecomesOfIt) {
     EXPECT_EQ(aspect[0].reason, "the pixel aspect 1.0667 becomes 106/100");
 }
 
-TEST(SceneCheck, KeysOfOneObjectAreToldTogether) {
+TEST(SceneCheck, KeysOfOneObjectAreReportedTogether) {
     std::string keys;
     for (int frame = 20; frame < 40; ++frame) {
         keys += "KEY " + std::to_string(frame) + " 0 0 0 0 0 0\n";
@@ -169,7 +169,7 @@ TEST(SceneCheck, ManyOfOneKindAreCounted) {
     EXPECT_EQ(*warnings.back().at.line, 4 + cli::WarningList::kMostOfOneCode);
 }
 
-TEST(SceneCheck, MissingFootageSaysWhereItWasLookedFor) {
+TEST(SceneCheck, MissingFootageSaysWhereItWasSearchedFor) {
     const SceneFolder folder;
     const std::vector<Diagnostic> warnings =
         warnings_of(folder, kHead +
@@ -181,9 +181,8 @@ TEST(SceneCheck, MissingFootageSaysWhereItWasLookedFor) {
     ASSERT_EQ(warnings[0].effects.size(), 2U);
     EXPECT_EQ(warnings[0].effects[0], "looked for as written, then as \"" +
                                           folder.files().path("a long name of forty bytes in all.tif") + '"');
-    EXPECT_EQ(
-        warnings[0].effects[1],
-        "a placeholder \"a long name of forty bytes in a\" of 640x360 and 8 frames stands in its place");
+    EXPECT_EQ(warnings[0].effects[1],
+              "a placeholder \"a long name of forty bytes in a\" of 640x360 and 8 frames takes its place");
 }
 
 struct FootageCase {
@@ -224,18 +223,23 @@ TEST(SceneCheck, Footage) {
     }
 }
 
-TEST(SceneCheck, FootageAtTheTopLevel) {
+TEST(SceneCheck, TopLevelFootage) {
     const std::string missing = kScene + "FILE <-> PREMUL \"X:gone.tga\"\n";
     EXPECT_EQ(places_of(warnings_of(missing)), Places{"footage-missing 4:17"});
     const std::string unread = kScene + "FILE <-> PREMUL \"\"\n";
     const std::vector<Diagnostic> warnings = warnings_of(unread);
     ASSERT_EQ(places_of(warnings), Places{"footage-path-unread 4:17"});
-    EXPECT_EQ(warnings[0].effects[0], "a placeholder \"\" of 640x360 and 8 frames stands in its place");
+    EXPECT_EQ(warnings[0].effects[0], "a placeholder \"\" of 640x360 and 8 frames takes its place");
 }
 
-TEST(SceneCheck, RefusedFilesHaveTheWarningsUpToTheMistake) {
+TEST(SceneCheck, RefusedFilesHaveTheWarningsUpToTheError) {
     EXPECT_EQ(places_of(warnings_of(kScene + "LIGHT \"l\" { ANGLE 3 }\nLIGHT \"m\" { ANGLE 3 COLOR x }")),
               (Places{"angle-not-sent 4:13", "angle-not-sent 5:13"}));
+    // The field of view was not reached, so its 0 in the model is no reason to warn.
+    EXPECT_EQ(places_of(warnings_of(kScene + "CAMERA \"c\" { KEY 9 0 0 0 0 0 0 x }")),
+              Places{"key-outside-range 4:14"});
+    EXPECT_EQ(places_of(warnings_of(kScene + "CAMERA \"c\" { KEY 9 0 0 0 0 0 0 0 x }")),
+              (Places{"key-outside-range 4:14", "field-of-view 4:14"}));
 }
 
 }  // namespace

@@ -40,8 +40,8 @@ const Case kCases[] = {
     {"lower case", "vortan xr COMPOSITION\n", "not-importable", "1:1"},
     {"two blanks", "VORTAN  XR COMPOSITION\n", "not-importable", "1:1"},
     {"comment before the header", "/ hello\nVORTAN XR COMPOSITION\n", "not-importable", "1:1"},
-    {"header that goes on", "VORTAN XRX COMPOSITION\n", "bad-header", "1:8"},
-    {"number that is none", "VORTAN XR COMPOSITION\nFPS abc\n", "expected-number", "2:5"},
+    {"header that continues", "VORTAN XRX COMPOSITION\n", "bad-header", "1:8"},
+    {"word in place of a number", "VORTAN XR COMPOSITION\nFPS abc\n", "expected-number", "2:5"},
     {"value out of range", "VORTAN XR COMPOSITION\nFPS 0\n", "out-of-range", "2:5"},
     {"misspelt keyword", "VORTAN XR COMPOSITION\nFSP 25\n", "unknown-setting", "2:1"},
     {"setting that is missing", "VORTAN XR COMPOSITION\nFPS 25 COMPOSITION NRM \"c\" {}\n", "missing-setting",
@@ -51,19 +51,19 @@ const Case kCases[] = {
     {"word of 512 characters", kSettings + "COMPOSITION NRM \"c\" { " + std::string(512, 'a') + " }\n",
      "word-too-long", "3:23"},
     {"name in single quotes", kSettings + "COMPOSITION NRM 'c' { }\n", "expected-name", "3:17"},
-    {"text that never ends", kSettings + "COMPOSITION NRM \"c\n", "unclosed-string", "3:17"},
+    {"text that is never closed", kSettings + "COMPOSITION NRM \"c\n", "unclosed-string", "3:17"},
     {"blend word in quotes", kSettings + "COMPOSITION \"NRM\" \"c\" { }\n", "expected-blend-mode", "3:13"},
     {"footage on the last line without its end",
      kSettings + "COMPOSITION NRM \"c\" {\nFILE NRM PREMUL \"a.tif\"", "unended-path-line", "4:17"},
     {"footage without a closing quote", kSettings + "COMPOSITION NRM \"c\" {\nFILE NRM PREMUL \"a.tif\n}\n",
      "unclosed-path", "4:17"},
-    {"block that never ends", kSettings + "COMPOSITION NRM \"c\" {\n", "unexpected-end", "4:1"},
+    {"block that is never closed", kSettings + "COMPOSITION NRM \"c\" {\n", "unexpected-end", "4:1"},
     {"camera key without its field of view",
      kSettings + "COMPOSITION NRM \"c\" { }\nCAMERA \"c\" { KEY 1 0 0 0 0 0 0 }\n", "expected-number",
      "4:32"},
     {"colour of a null", kSettings + "COMPOSITION NRM \"c\" { }\nNULL \"n\" { COLOR 1 1 1 }\n",
      "unknown-entry", "4:12"},
-    {"brace behind the composition", kSettings + "COMPOSITION NRM \"c\" { } }\n", "expected-section", "3:25"},
+    {"brace after the composition", kSettings + "COMPOSITION NRM \"c\" { } }\n", "expected-section", "3:25"},
 };
 
 TEST(SceneReading, EveryRefusalHasItsCodeAndPlace) {
@@ -83,7 +83,7 @@ TEST(SceneReading, EveryRefusalHasItsCodeAndPlace) {
     }
 }
 
-TEST(SceneReading, TheErrorOfTheManual) {
+TEST(SceneReading, ErrorFromTheManual) {
     const TemporaryFolder folder;
     const SceneReading reading =
         cli::read_scene(folder.write("shot.aec", "VORTAN XR COMPOSITION\nFPS \"abc\"\n"));
@@ -92,7 +92,7 @@ TEST(SceneReading, TheErrorOfTheManual) {
     EXPECT_EQ(*reading.error->source_line, "FPS \"abc\"");
 }
 
-TEST(SceneReading, WhatCannotBeReadIsNoRefusal) {
+TEST(SceneReading, UnreadableFilesAreNotRefused) {
     const TemporaryFolder folder;
     make_pipe(folder.path("pipe"));
     for (const std::string& path : {folder.path("missing.aec"), folder.folder().string(), folder.path("pipe"),
@@ -114,7 +114,7 @@ TEST(SceneReading, TwoGigabytesAreTooMuch) {
     EXPECT_STREQ(reading.error->code.name(), "file-too-large");
 }
 
-TEST(SceneReading, DeepBlocksAreNamedFromTheInside) {
+TEST(SceneReading, DeepBlocksKeepTheInnermostNames) {
     const TemporaryFolder folder;
     std::string text = nested(20);
     text.insert(text.find('}'), "EXTRA ");

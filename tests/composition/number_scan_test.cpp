@@ -8,6 +8,7 @@
 #include <cstdint>
 #include <cstdlib>
 #include <limits>
+#include <optional>
 #include <string>
 
 namespace {
@@ -159,6 +160,39 @@ TEST(StrToVal, TableOfTexts) {
         A_long value = kUntouched;
         EXPECT_EQ(StrToVal(c.text.c_str(), value), c.result);
         EXPECT_EQ(value, c.value);
+    }
+}
+
+struct WholeCase {
+    const char* why;
+    const char* text;
+    std::optional<double> value;
+};
+
+TEST(WholeNumber, TableOfTexts) {
+    const WholeCase cases[] = {
+        {"whole number", "720", 720},
+        {"negative", "-5", -5},
+        {"a fraction", "29.97", 29.97},
+        {"a fraction without a whole part", ".5", 0.5},
+        {"an exponent", "1e3", 1000},
+        {"hexadecimal", "0x1F", 31},
+        {"negative hexadecimal with a fraction", "-0x1.8", -1.5},
+        {"beyond single precision", "1e39", 1e39},
+        {"beyond double precision", "1e999", std::nullopt},
+        {"two decimal points", "1.2.3", std::nullopt},
+        {"an exponent letter without digits", "7E", std::nullopt},
+        {"a prefix without digits", "0x", std::nullopt},
+        {"plus sign", "+5", std::nullopt},
+        {"two signs", "--1", std::nullopt},
+        {"a sign after the prefix", "0x-1", std::nullopt},
+        {"a lone minus sign", "-", std::nullopt},
+        {"a lone decimal point", ".", std::nullopt},
+        {"nothing", "", std::nullopt},
+        {"something after it", "5 ", std::nullopt},
+    };
+    for (const WholeCase& c : cases) {
+        EXPECT_EQ(whole_number(c.text), c.value) << c.why;
     }
 }
 

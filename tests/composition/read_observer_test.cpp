@@ -126,7 +126,7 @@ TEST(ReadObserver, FailuresInCompositions) {
          "5:2@113 empty-path: expected a footage path in double quotes, found an empty path in composition "
          "\"Main\""},
         {"line of the path not ended", in_root("FILE NRM PREMUL \"x.tif\""),
-         "4:17@112 unended-path-line: expected a line end behind the footage path, found the end of the file "
+         "4:17@112 unended-path-line: expected a line end after the footage path, found the end of the file "
          "in "
          "composition \"Main\""},
     });
@@ -146,7 +146,7 @@ TEST(ReadObserver, FailuresAfterTheRootComposition) {
         {"mark", file_with_objects("FILE NRM PREMUL \"x\"\n"), no_mark.c_str()},
         {"half a mark", file_with_objects("FILE <-="), half_mark.c_str()},
         {"camera without a brace", file_with_objects("CAMERA \"Camera\" KEY "),
-         "5:17@114 expected-block: expected \"{\" behind the name, found \"KEY\" in camera \"Camera\""},
+         "5:17@114 expected-block: expected \"{\" after the name, found \"KEY\" in camera \"Camera\""},
         {"camera key too short", file_with_objects("CAMERA \"Camera\" {\nKEY 0 0 0 0 0 0 0\n}"),
          "7:1@134 expected-number: expected an eighth number after KEY, found \"}\" in camera \"Camera\""},
         {"camera entry", file_with_objects("CAMERA \"\" { ZOOM 5 }"),

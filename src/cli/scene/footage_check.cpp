@@ -37,7 +37,7 @@ std::string placeholder_text(const SceneReading& reading, std::string_view name)
     const tagProjectSettings& settings = *reading.settings;
     return "a placeholder \"" + truncated_name(name) + "\" of " + std::to_string(settings.width) + "x" +
            std::to_string(settings.height) + " and " + std::to_string(layer_length(settings)) +
-           " frames stands in its place";
+           " frames takes its place";
 }
 
 void check_missing(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
@@ -69,9 +69,8 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
     if (!frames) {
         warnings
             .add(ToolCode::sequence_without_number, footage.path_at,
-                 "the name \"" + shown_path(last_component(path)) + "\" holds no number to count frames by",
-                 footage.within)
-            .effects.emplace_back("the host takes this one file for the whole sequence");
+                 "the name \"" + shown_path(last_component(path)) + "\" has no frame number", footage.within)
+            .effects.emplace_back("After Effects uses this one file as the whole sequence");
         return;
     }
     if (frames->count == 1) {
@@ -80,7 +79,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
                  "the sequence " + frames->pattern + " has one file, number " +
                      std::to_string(frames->range.first),
                  footage.within)
-            .effects.emplace_back("the host gets a sequence of one frame");
+            .effects.emplace_back("After Effects gets a sequence of one frame");
     }
     if (!frames->gaps.empty()) {
         Diagnostic& warning =
@@ -88,7 +87,7 @@ void check_sequence(const SceneFootage& footage, WarningList& warnings) {
                          "the sequence " + frames->pattern + " " + frames_text(frames->range) +
                              " has gaps: " + gaps_text(frames->gaps),
                          footage.within);
-        warning.effects.emplace_back("what the host shows for the missing frames is its own choice");
+        warning.effects.emplace_back("After Effects decides what to show for the missing frames");
         warning.count = static_cast<std::int64_t>(frames->gaps.size());
     }
 }
@@ -123,9 +122,10 @@ void check_readable(const SceneFootage& footage, WarningList& warnings) {
     warnings
         .add(ToolCode::footage_unreadable, footage.path_at,
              "the footage \"" + shown_path(footage.written) +
-                 "\" exists but is no readable image: " + obstacle,
+                 "\" exists but is not a readable image: " + obstacle,
              footage.within)
-        .effects.emplace_back("a host that cannot read it either ends the import there; what was made stays");
+        .effects.emplace_back(
+            "if After Effects cannot read it either, the import ends there; whatever was built before stays");
 }
 
 void check_entry(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {

@@ -93,11 +93,11 @@ void check_frames(const SceneBlock& object, const tagProjectSettings& settings, 
     const std::string range =
         "FROM " + std::to_string(settings.from) + " to TO " + std::to_string(settings.to);
     report(warnings, ToolCode::key_outside_range, outside, "keys outside " + range,
-           "they are set all the same, before or behind what the layer shows", object);
+           "they are still set, before or after the visible part of the layer", object);
     report(warnings, ToolCode::key_out_of_order, disordered, "keys that go back in time",
-           "the host puts keys in the order of their time", object);
+           "After Effects sorts keys by their time", object);
     report(warnings, ToolCode::key_repeated, repeated, "more than one key for one frame",
-           "the one written last stays", object);
+           "the last one written wins", object);
 }
 
 void check_fields_of_view(const SceneBlock& camera, WarningList& warnings) {
@@ -119,7 +119,7 @@ void check_fields_of_view(const SceneBlock& camera, WarningList& warnings) {
     report(warnings, ToolCode::field_of_view, zero, "a field of view of 0",
            "the camera's zoom becomes infinite", camera);
     report(warnings, ToolCode::field_of_view, impossible, "a field of view that is not between 0 and 180",
-           "the camera's zoom becomes negative, or has nothing to do with the angle", camera);
+           "the camera's zoom becomes negative or unrelated to the angle", camera);
 }
 
 }  // namespace

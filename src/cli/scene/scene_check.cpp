@@ -67,7 +67,7 @@ void check_range(const SceneReading& reading, WarningList& warnings) {
             .add(ToolCode::range_reversed, to->at,
                  "TO " + std::to_string(settings.to) + " is before FROM " + std::to_string(settings.from), {})
             .effects.push_back("layers and placeholders get a length of " + std::to_string(length) +
-                               " frames, which a host may refuse");
+                               " frames, which After Effects may refuse");
         return;
     }
     const std::int64_t end = (settings.local != 0 ? settings.from : 0) + length;
@@ -78,7 +78,7 @@ void check_range(const SceneReading& reading, WarningList& warnings) {
                      " frames, and its layers end at frame " + std::to_string(end),
                  {})
             .effects.push_back("the last " + std::to_string(end - settings.range) +
-                               " frames of the layers are behind the composition's end");
+                               " frames of the layers are after the end of the composition");
     }
 }
 
@@ -92,8 +92,8 @@ void check_names(const SceneReading& reading, WarningList& warnings) {
             const std::string_view name = name_of(block);
             if (name.size() > kNameBytes) {
                 warnings.add(ToolCode::name_cut, block.name_at,
-                             "the name has " + std::to_string(name.size()) + " bytes; the host keeps \"" +
-                                 truncated_name(name) + '"',
+                             "the name has " + std::to_string(name.size()) +
+                                 " bytes; After Effects keeps \"" + truncated_name(name) + '"',
                              {});
             }
         }
@@ -122,17 +122,17 @@ void check_light(const SceneBlock& block, const CLight& light, WarningList& warn
         if (entry.word == "ANGLE") {
             warnings
                 .add(ToolCode::angle_not_sent, entry.at,
-                     "the angle " + value.text + " does not reach the host", block.within)
-                .effects.emplace_back("the light keeps the host's own cone angle");
+                     "the angle " + value.text + " does not reach After Effects", block.within)
+                .effects.emplace_back("the light keeps the default cone angle of After Effects");
         } else if (entry.word == "SHADOW" && light.shadowType != kShadowNone) {
             warnings
                 .add(ToolCode::shadow_kind_not_sent, value.at,
-                     "the kind of shadow " + value.text + " does not reach the host", block.within)
-                .effects.emplace_back("the light casts shadows of the host's own kind");
+                     "the kind of shadow " + value.text + " does not reach After Effects", block.within)
+                .effects.emplace_back("the light casts the only kind of shadow that After Effects has");
         } else if (entry.word == "TYPE" && replacing_light(light.lightType) != nullptr) {
             warnings
                 .add(ToolCode::light_kind_changed, value.at,
-                     "the host has no lights of the kind " + value.text, block.within)
+                     "After Effects has no lights of the kind " + value.text, block.within)
                 .effects.emplace_back(std::string("it becomes ") + replacing_light(light.lightType));
         }
     }
@@ -150,8 +150,7 @@ void check_settings(const SceneReading& reading, WarningList& warnings) {
     check_range(reading, warnings);
     check_names(reading, warnings);
     for (const ScenePassed& passed : reading.facts.passed) {
-        warnings.add(ToolCode::word_ignored, passed.at, "\"" + passed.text + "\" is passed over",
-                     passed.within);
+        warnings.add(ToolCode::word_ignored, passed.at, "\"" + passed.text + "\" is skipped", passed.within);
     }
     if (reading.facts.ignored_from) {
         warnings.add(ToolCode::text_after_end, *reading.facts.ignored_from,

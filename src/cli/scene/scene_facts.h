@@ -130,7 +130,8 @@ const SceneKeyword* find_keyword(const std::vector<SceneKeyword>& keywords, std:
 /// `composition "Main"`
 std::string block_label(const ReadBlock& block);
 
-/// The number of keys that have both a place and a record. The last one may lack its record if memory ran out.
+/// The number of keys that have both a place and a record. The last one may lack its record if memory ran
+/// out.
 std::size_t key_count(const SceneBlock& object);
 
 }  // namespace cli

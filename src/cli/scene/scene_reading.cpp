@@ -34,7 +34,7 @@ const char* kind_word(os::FileKind kind) {
         case os::FileKind::socket:
             return "a socket";
         default:
-            return "no regular file";
+            return "not a regular file";
     }
 }
 
@@ -72,7 +72,8 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
         Diagnostic error = diagnostic::make(
             ToolCode::not_importable, beginning_of(reading.file),
             "expected the file to begin with \"VORTAN XR\", found \"" + std::string(found) + '"');
-        error.effects.emplace_back("the host is told that this is no composition file and does not offer it");
+        error.effects.emplace_back(
+            "After Effects learns that this is not a composition file and does not offer it for import");
         return error;
     }
     if (state.size_bytes > static_cast<std::uint64_t>(limits::kCompositionFile.value)) {
@@ -92,7 +93,7 @@ ExitCode exit_code_of(const diagnostic::Code& code) {
     return unreadable ? ExitCode::cannot_read_or_write : ExitCode::refused;
 }
 
-// The reader's error as the user is told it.
+// Completes the reader's error for the user.
 Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
     error.at.file = file;
     error.effects.emplace_back("After Effects imports nothing and shows no message");

@@ -58,7 +58,7 @@ int CComposition::ReadComposition(ASCIIParser& p) {
         } else if (is_word(p, "COMPOSITION")) {
             if (level >= limits::kCompositionNesting.value) {
                 return fail(p, ReadErrorCode::nesting_too_deep,
-                            "at most 1024 compositions inside one another", &limits::kCompositionNesting);
+                            "compositions nested at most 1024 levels deep", &limits::kCompositionNesting);
             }
             CComposition* const nested = current->AddComposition();
             if (nested == nullptr) {

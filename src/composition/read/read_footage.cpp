@@ -160,7 +160,7 @@ int fail_path(const ASCIIParser& p, const FootagePath& path) {
             found = "the end of the line";
             break;
         case ReadErrorCode::unended_path_line:
-            expected = "a line end behind the footage path";
+            expected = "a line end after the footage path";
             found = "the end of the file";
             break;
         case ReadErrorCode::empty_path:

@@ -47,7 +47,7 @@ int read_head(ASCIIParser& p, CSceneObject& object, BlockKind kind) {
         return 0;
     }
     return p.nextsym(0) == kTokenOpenBrace ? 1
-                                           : fail(p, ReadErrorCode::expected_block, "\"{\" behind the name");
+                                           : fail(p, ReadErrorCode::expected_block, "\"{\" after the name");
 }
 
 // Adds keys that are read as a whole to an object, and tells the observer.
