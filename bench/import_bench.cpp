@@ -82,7 +82,7 @@ void measure_import(benchmark::State& state, const Scene& scene) {
 
 int read_model(const std::string& path, tagProjectSettings& settings) {
     ASCIIParser parser;
-    return parser.Init(Filename(path.c_str()), 1, 0) == 0 ? ReadCompositionFile(parser, settings) : 0;
+    return parser.Init(Filename(path.c_str()), 1, 0) == 0 ? read_composition_file(parser, settings) : 0;
 }
 
 void check_read(const Scene& scene, tagProjectSettings& settings) {

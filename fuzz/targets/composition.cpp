@@ -39,7 +39,8 @@ std::string read(const std::string& path, Listener* listener) {
     tagProjectSettings settings;
     ASCIIParser p;
     p.SetObserver(listener);
-    const bool complete = p.Init(Filename(path.c_str()), 1, 0) == 0 && ReadCompositionFile(p, settings) != 0;
+    const bool complete =
+        p.Init(Filename(path.c_str()), 1, 0) == 0 && read_composition_file(p, settings) != 0;
     require_sound(validate_model(settings, complete ? ModelState::complete : ModelState::broken_off));
     require(listener == nullptr || listener->errors() == (complete ? 0 : 1), "a failure is told, once");
     return (complete ? "read " : "refused ") + model_text(settings) + std::to_string(p.line);

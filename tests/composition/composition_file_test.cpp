@@ -347,7 +347,7 @@ TEST(CompositionFile, ShortBlockFailsTheFileAnywhere) {
         ASSERT_EQ(parsed.init, 0);
         std::filesystem::resize_file(parsed.folder.path("shot.aec"), kKept);
         tagProjectSettings settings;
-        EXPECT_EQ(ReadCompositionFile(parsed.p, settings), c.result);
+        EXPECT_EQ(read_composition_file(parsed.p, settings), c.result);
         EXPECT_EQ(parsed.p.status, kStatusReadFailed);
     }
 }

@@ -80,7 +80,7 @@ TEST(DamagedFile, EveryAllocationRefused) {
         {
             const RefusedMemory refused(first_refused);
             ASCIIParser p;
-            result = p.Init(Filename(path.c_str()), 1, 0) == 0 ? ReadCompositionFile(p, *settings) : 0;
+            result = p.Init(Filename(path.c_str()), 1, 0) == 0 ? read_composition_file(p, *settings) : 0;
         }
         check_model(*settings, result == 1);
         return result;
@@ -107,7 +107,7 @@ TEST(DamagedFile, ObserverLearnsOfRefusedAllocations) {
         ASCIIParser p;
         p.SetObserver(&observer);
         if (p.Init(Filename(path.c_str()), 1, 0) == 0) {
-            ReadCompositionFile(p, settings);
+            read_composition_file(p, settings);
         }
         if (!observer.errors.empty()) {
             codes.push_back(observer.errors[0].code);
@@ -139,7 +139,7 @@ struct DeepRead {
 
 void read_deep(DeepRead& deep) {
     if (deep.p.Init(Filename(deep.path.c_str()), 1, 0) == 0) {
-        deep.result = ReadCompositionFile(deep.p, *deep.settings);
+        deep.result = read_composition_file(deep.p, *deep.settings);
     }
     deep.settings.reset();
 }

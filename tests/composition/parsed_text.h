@@ -27,7 +27,7 @@ class ParsedText {
 class ReadText {
   public:
     explicit ReadText(std::string_view text, ReadObserver* observer = nullptr) : parsed(text, 0, observer) {
-        result = parsed.init == 0 ? ReadCompositionFile(parsed.p, settings) : 0;
+        result = parsed.init == 0 ? read_composition_file(parsed.p, settings) : 0;
     }
 
     ParsedText parsed;

@@ -243,7 +243,7 @@ TEST(PlainKeys, BlocksThatCannotBeReadCompletely) {
         ParsedText parsed(text, 0, observer);
         tagProjectSettings settings;
         std::filesystem::resize_file(parsed.folder.path("shot.aec"), bytes);
-        const int result = ReadCompositionFile(parsed.p, settings);
+        const int result = read_composition_file(parsed.p, settings);
         return std::to_string(result) + " " + state_of(parsed.p) + "\n" + model_of(settings);
     };
     // The C library has already buffered the first 4 KiB.
@@ -310,7 +310,7 @@ TEST(PlainKeys, OutOfMemoryIsReportedAtTheKey) {
         tagProjectSettings settings;
         ParsedText parsed(text);
         const RefusedMemory count_only(1'000'000);
-        ASSERT_EQ(ReadCompositionFile(parsed.p, settings), 1);
+        ASSERT_EQ(read_composition_file(parsed.p, settings), 1);
         needed = RefusedMemory::asked();
     }
     Failure failure;
@@ -318,7 +318,7 @@ TEST(PlainKeys, OutOfMemoryIsReportedAtTheKey) {
     ParsedText parsed(text, 0, &failure);
     {
         const RefusedMemory refuse(needed - 1);  // the array of the second key
-        EXPECT_EQ(ReadCompositionFile(parsed.p, settings), 0);
+        EXPECT_EQ(read_composition_file(parsed.p, settings), 0);
     }
     EXPECT_EQ(failure.plain, 1);
     EXPECT_EQ(failure.line, 7) << "the second key";

@@ -213,7 +213,7 @@ TEST(ReadObserver, FailuresWhileReading) {
         ASSERT_EQ(parsed.init, 0);
         std::filesystem::resize_file(parsed.folder.path("shot.aec"), 5000);
         tagProjectSettings settings;
-        EXPECT_EQ(ReadCompositionFile(parsed.p, settings), 0);
+        EXPECT_EQ(read_composition_file(parsed.p, settings), 0);
         ASSERT_EQ(observer.errors.size(), 1U);
         EXPECT_EQ(observer.errors[0].code, ReadErrorCode::read_failed);
         EXPECT_THAT(observer.errors[0].reason, testing::EndsWith(message));
@@ -231,7 +231,7 @@ TEST(ReadObserver, FootageWithoutAFolderToLookIn) {
     p.SetObserver(&observer);
     const A_long init = p.Init(Filename("bare.aec"), 1, 0);
     tagProjectSettings settings;
-    const int result = ReadCompositionFile(p, settings);
+    const int result = read_composition_file(p, settings);
     std::filesystem::current_path(before);
     EXPECT_EQ(init, 0);
     EXPECT_EQ(result, 0);

@@ -45,7 +45,7 @@ std::string scene_complaint(const std::string& path, ReadObserver* observer, boo
     parser.SetObserver(observer);
     tagProjectSettings settings;
     const bool opened = parser.Init(Filename(path.c_str()), 1, 0) == 0;
-    read = opened && ReadCompositionFile(parser, settings) == 1;
+    read = opened && read_composition_file(parser, settings) == 1;
     return validate_model(settings, read ? ModelState::complete : ModelState::broken_off).value_or("");
 }
 

@@ -70,7 +70,7 @@ const std::vector<Reader>& readers() {
              tagProjectSettings settings;
              ASCIIParser parser;
              if (parser.Init(Filename(path.c_str()), 1, 0) == 0) {
-                 ReadCompositionFile(parser, settings);
+                 read_composition_file(parser, settings);
              }
          }},
         {"composition with observer", [](const std::string& path) { cli::read_scene(path); }},

@@ -28,7 +28,7 @@ using nlohmann::json;
 bool plug_in_reads_scene(const std::string& path) {
     tagProjectSettings settings;
     ASCIIParser parser;
-    return parser.Init(Filename(path.c_str()), 1, 0) == 0 && ReadCompositionFile(parser, settings) != 0;
+    return parser.Init(Filename(path.c_str()), 1, 0) == 0 && read_composition_file(parser, settings) != 0;
 }
 
 bool plug_in_reads_texture(const std::string& path) {

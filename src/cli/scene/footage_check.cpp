@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/report/limit_words.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_check.h"
 #include "embedded/sequence.h"
 #include "image/image.h"
@@ -100,7 +100,7 @@ bool is_texture(std::string_view path) {
 // Why the file cannot be read as a picture; empty if it can.
 std::string reading_obstacle(const std::string& path) {
     if (is_texture(path)) {
-        const std::optional<TextureError> error = read_texture(path).error;
+        const std::optional<diagnostic::Diagnostic> error = read_texture(path).error;
         if (!error) {
             return {};
         }

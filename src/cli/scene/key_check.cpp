@@ -33,7 +33,7 @@ struct Offenders {
     std::int64_t shown = 0;
 };
 
-void report(WarningList& warnings, Code code, const Offenders& keys, const std::string& reason,
+void report(WarningList& warnings, ToolCode code, const Offenders& keys, const std::string& reason,
             const std::string& effect, const SceneBlock& object) {
     if (keys.count > 0) {
         Diagnostic& warning =

@@ -120,7 +120,7 @@ SceneReading read_scene(const std::string& file) {
     ASCIIParser parser;
     parser.SetObserver(&observer);
     const bool read = parser.Init(Filename(reading.full_path.c_str()), 1, 0) == 0 &&
-                      ReadCompositionFile(parser, settings) != 0;
+                      read_composition_file(parser, settings) != 0;
     if (reading.facts.error) {
         reading.error = diagnostic_of(*reading.facts.error, file);
         reading.code = exit_code_of(reading.facts.error->code);

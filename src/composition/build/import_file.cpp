@@ -90,7 +90,7 @@ A_Err build_project(AEGP_SuiteHandler& suites, tagProjectSettings& settings) {
 A_Err read_and_build(ASCIIParser& parser, tagProjectSettings& settings, AEGP_SuiteHandler& suites) {
     const AlphaPreferenceGuard alpha_preference(suites);
     // Deliberately silent: a file with a grammar error is ignored as a whole.
-    if (ReadCompositionFile(parser, settings) == 0) {
+    if (read_composition_file(parser, settings) == 0) {
         return kHostErrorNone;
     }
     bool offered = false;

@@ -7,7 +7,7 @@ struct tagProjectSettings;
 
 /// How far reading a composition file got.
 enum class ModelState {
-    complete,    ///< ReadCompositionFile returned 1
+    complete,    ///< read_composition_file returned 1
     broken_off,  ///< it returned 0: whatever was not reached has no name, path or value yet
 };
 

@@ -103,8 +103,8 @@ int read_objects(ASCIIParser& p, tagProjectSettings& settings) {
 
 }  // namespace
 
-int ReadCompositionFile(ASCIIParser& p, tagProjectSettings& settings) {
-    if (read_header(p) == 0 || ReadSettings(p, settings) == 0 ||
+int read_composition_file(ASCIIParser& p, tagProjectSettings& settings) {
+    if (read_header(p) == 0 || read_settings(p, settings) == 0 ||
         settings.composition.ReadComposition(p) == 0) {
         return 0;
     }

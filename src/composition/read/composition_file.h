@@ -7,4 +7,4 @@ struct tagProjectSettings;
 /// top-level footage, scene objects. `p` has been initialised and holds the first token. Returns 1, or 0 on
 /// the first failure; `settings` then has what was read up to there. A read error before the end of what
 /// counts is a failure, too.
-int ReadCompositionFile(ASCIIParser& p, tagProjectSettings& settings);
+int read_composition_file(ASCIIParser& p, tagProjectSettings& settings);

@@ -108,7 +108,7 @@ int fail_missing(const ASCIIParser& p, unsigned seen) {
 
 }  // namespace
 
-int ReadSettings(ASCIIParser& p, tagProjectSettings& settings) {
+int read_settings(ASCIIParser& p, tagProjectSettings& settings) {
     unsigned seen = 0;
     bool known = true;
     while (known) {

@@ -6,4 +6,4 @@ struct tagProjectSettings;
 /// Reads the settings of a composition file, which come in any order and any number of times; the last value
 /// wins. The current token is the word before them; on success it is the word COMPOSITION after them. Returns
 /// 1, or 0 on the first failure.
-int ReadSettings(ASCIIParser& p, tagProjectSettings& settings);
+int read_settings(ASCIIParser& p, tagProjectSettings& settings);
