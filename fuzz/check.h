@@ -21,8 +21,8 @@ inline void require(bool holds, const char* rule) {
 }
 
 /// For the validators, which return nothing for a sound result.
-inline void require_sound(const std::optional<std::string>& complaint) {
-    if (complaint) {
-        report_find(*complaint);
+inline void require_sound(const std::optional<std::string>& violation) {
+    if (violation) {
+        report_find(*violation);
     }
 }

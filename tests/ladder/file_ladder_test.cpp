@@ -48,7 +48,7 @@ void expect_sound(const ClimbingFile& file, const std::string& rung) {
     const std::clock_t begin = std::clock();
     const Climb climbed = climb({}, file.path());
     EXPECT_LT(static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC, kMostTime_s) << rung;
-    EXPECT_EQ(climbed.complaint, "") << rung;
+    EXPECT_EQ(climbed.violation, "") << rung;
     EXPECT_FALSE(climbed.no_memory_thrown) << rung;
     // The file is refused, or it cannot be imported because nothing is left in it.
     EXPECT_TRUE(climbed.result.code == 0 || climbed.result.code == 1 || climbed.result.code == 3)
@@ -81,7 +81,7 @@ TEST(FileLadder, WholeFilesAreImported) {
     for (const Example& example : examples_and_seeds()) {
         const ClimbingFile file(example);
         const Climb climbed = climb({}, file.path());
-        EXPECT_EQ(climbed.complaint, "") << example.name;
+        EXPECT_EQ(climbed.violation, "") << example.name;
         if (example.origin == Origin::example) {
             EXPECT_EQ(climbed.result.code, 0) << example.name;
             EXPECT_TRUE(climbed.finished) << example.name;

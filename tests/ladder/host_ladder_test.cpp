@@ -40,7 +40,7 @@ std::vector<Example> hosted_examples() {
 /// Expects a result that follows from the options: success, the code of the fault, or the importer's own 3
 /// for a missing file.
 void expect_sound(const Climb& climbed, A_Err code, const std::string& rung) {
-    EXPECT_EQ(climbed.complaint, "") << rung;
+    EXPECT_EQ(climbed.violation, "") << rung;
     EXPECT_FALSE(climbed.no_memory_thrown) << rung;
     EXPECT_TRUE(climbed.result.code == kHostErrorMissingSuite || climbed.result.code == 0 ||
                 climbed.result.code == code || climbed.result.code == 3 || climbed.result.code == 1)
@@ -58,7 +58,7 @@ TEST(HostLadder, EveryCallFailing) {
     for (const Example& example : hosted_examples()) {
         const ClimbingFile file(example);
         const Climb clean = climb({}, file.path());
-        ASSERT_EQ(clean.complaint, "") << example.name;
+        ASSERT_EQ(clean.violation, "") << example.name;
         for (const embedded::HostFunction& function : embedded::failable_functions()) {
             const auto called = clean.call_counts.find(function.function);
             if (called == clean.call_counts.end()) {

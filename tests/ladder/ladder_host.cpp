@@ -50,7 +50,7 @@ bool fails(const embedded::HostOptions& options, const char* function) {
                        [function](const embedded::Fault& fault) { return fault.function == function; });
 }
 
-std::string preference_complaint(const Host& host) {
+std::string preference_violation(const Host& host) {
     for (const auto& [key, value] : host.project().preferences) {
         if (value != std::vector<std::uint8_t>{kPreferenceBefore}) {
             return "the preference was not put back; ";
@@ -59,7 +59,7 @@ std::string preference_complaint(const Host& host) {
     return host.project().preferences.size() == 1 ? "" : "a preference was added or lost; ";
 }
 
-std::string undo_complaint(const Host& host) {
+std::string undo_violation(const Host& host) {
     for (const embedded::UndoStep& step : host.project().undo_steps) {
         if (!step.closed) {
             return "an undo group was left open; ";
@@ -68,7 +68,7 @@ std::string undo_complaint(const Host& host) {
     return {};
 }
 
-std::string rule_complaint(const Host& host, bool with_faults) {
+std::string rule_violation(const Host& host, bool with_faults) {
     for (const diagnostic::Diagnostic& problem : host.conformance().violations()) {
         // The bundle deliberately keeps the memory handle of a refused texture; and a texture without a
         // header has no pixels, which the host does not accept.
@@ -137,13 +137,13 @@ Climb climb(embedded::HostOptions options, const std::string& path, const embedd
         climb.no_memory_thrown = true;
     }
     host.watch({});
-    climb.complaint = host.validate().value_or("");
+    climb.violation = host.validate().value_or("");
     host.unload();
-    climb.complaint += host.validate().value_or("");
-    climb.complaint += rule_complaint(host, with_faults);
-    climb.complaint += undo_complaint(host);
+    climb.violation += host.validate().value_or("");
+    climb.violation += rule_violation(host, with_faults);
+    climb.violation += undo_violation(host);
     if (!fails(options, "AEGP_SetData")) {
-        climb.complaint += preference_complaint(host);
+        climb.violation += preference_violation(host);
     }
     climb.call_counts = host.call_counts();
     return climb;

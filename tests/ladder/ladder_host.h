@@ -7,7 +7,7 @@
 
 /// The outcome of one rung.
 struct Climb {
-    std::string complaint;  // broken invariants and rules; empty when all is well
+    std::string violation;  // broken invariants and rules; empty when all is well
     embedded::CallbackResult result;
     bool no_memory_thrown = false;  // std::bad_alloc reached the host
     bool finished = false;          // every callback was called

@@ -27,7 +27,7 @@ TEST(MemoryLadder, EveryAllocationRefused) {
             const RefusedAllocation count(0);
             const Climb clean = climb({}, file.path(), RefusedAllocation::watcher());
             asked = RefusedAllocation::asked();
-            ASSERT_EQ(clean.complaint, "") << example.name;
+            ASSERT_EQ(clean.violation, "") << example.name;
         }
         // A texture's memory comes from malloc, and a file that is refused by its first bytes needs none.
         if (RefusedAllocation::with_malloc() ||
@@ -40,7 +40,7 @@ TEST(MemoryLadder, EveryAllocationRefused) {
                 example.name + ", allocation " + std::to_string(place + 1) + " of " + std::to_string(asked);
             const RefusedAllocation refused(static_cast<std::int64_t>(place) + 1);
             const Climb climbed = climb({}, file.path(), RefusedAllocation::watcher());
-            EXPECT_EQ(climbed.complaint, "") << rung;
+            EXPECT_EQ(climbed.violation, "") << rung;
             EXPECT_FALSE(climbed.no_memory_thrown) << rung;
             EXPECT_TRUE(climbed.result.code == 0 || climbed.result.code == 3 || climbed.result.code == 4 ||
                         climbed.result.code == 1)

@@ -40,7 +40,7 @@ struct FailureObserver : ReadObserver {
 };
 
 /// Reads a scene. Returns what is wrong with the result, or "".
-std::string scene_complaint(const std::string& path, ReadObserver* observer, bool& read) {
+std::string scene_violation(const std::string& path, ReadObserver* observer, bool& read) {
     ASCIIParser parser;
     parser.SetObserver(observer);
     tagProjectSettings settings;
@@ -50,26 +50,26 @@ std::string scene_complaint(const std::string& path, ReadObserver* observer, boo
 }
 
 /// Reads a scene as the bundle does and, with an observer, as the tools do: both must agree.
-std::string scene_complaint(const std::string& path) {
+std::string scene_violation(const std::string& path) {
     bool read = false;
     bool read_by_tools = false;
     FailureObserver observer;
-    const std::string complaint =
-        scene_complaint(path, nullptr, read) + scene_complaint(path, &observer, read_by_tools);
+    const std::string violation =
+        scene_violation(path, nullptr, read) + scene_violation(path, &observer, read_by_tools);
     if (read != read_by_tools) {
-        return complaint + "an observer changes whether the file is read";
+        return violation + "an observer changes whether the file is read";
     }
     if (observer.failures != (read ? 0 : 1)) {
-        return complaint + std::to_string(observer.failures) + " reasons";
+        return violation + std::to_string(observer.failures) + " reasons";
     }
     const auto size_bytes = static_cast<std::int64_t>(std::filesystem::file_size(path));
     if (observer.offset_bytes < 0 || observer.offset_bytes > size_bytes) {
-        return complaint + "the place is outside the file";
+        return violation + "the place is outside the file";
     }
-    return complaint;
+    return violation;
 }
 
-std::string texture_complaint_of(const std::string& path) {
+std::string texture_violation_of(const std::string& path) {
     const TextureReading reading = read_texture(path);
     if (reading.texture.has_value() == reading.error.has_value()) {
         return "neither a texture nor an error, or both";
@@ -77,8 +77,8 @@ std::string texture_complaint_of(const std::string& path) {
     return reading.texture.has_value() ? validate_texture(*reading.texture).value_or("") : "";
 }
 
-std::string complaint_of(const Example& example, const ClimbingFile& file) {
-    return example.kind == Kind::scene ? scene_complaint(file.path()) : texture_complaint_of(file.path());
+std::string violation_of(const Example& example, const ClimbingFile& file) {
+    return example.kind == Kind::scene ? scene_violation(file.path()) : texture_violation_of(file.path());
 }
 
 std::size_t most_bits(const Example& example, const ClimbingFile& file) {
@@ -95,17 +95,17 @@ TEST(ReaderLadder, CutAtEveryLengthAndEveryBitInverted) {
             continue;
         }
         ClimbingFile file(example, false);
-        EXPECT_EQ(complaint_of(example, file), "") << example.name;
+        EXPECT_EQ(violation_of(example, file), "") << example.name;
         const std::size_t most =
             example.origin == Origin::seed && !example.path.empty() ? kMostOfASeed : kMost;
         for (const std::size_t length : some_of(file.size_bytes(), most / kBits)) {
             file.cut(length);
-            EXPECT_EQ(complaint_of(example, file), "") << example.name << " cut at " << length;
+            EXPECT_EQ(violation_of(example, file), "") << example.name << " cut at " << length;
             count_rungs("cuts");
         }
         for (const std::size_t bit : some_of(kBits * file.size_bytes(), most_bits(example, file))) {
             file.flip(bit / kBits, static_cast<unsigned>(bit % kBits));
-            EXPECT_EQ(complaint_of(example, file), "") << example.name << ", bit " << bit;
+            EXPECT_EQ(violation_of(example, file), "") << example.name << ", bit " << bit;
             count_rungs("flips");
         }
     }
@@ -121,7 +121,7 @@ TEST(ReaderLadder, EveryByteOfASceneReplaced) {
              some_of(file.size_bytes(), most_bits(example, file) / std::size(kBytesThatMatter))) {
             for (const char byte : kBytesThatMatter) {
                 file.replace(offset, byte);
-                EXPECT_EQ(complaint_of(example, file), "")
+                EXPECT_EQ(violation_of(example, file), "")
                     << example.name << ", byte " << offset << " is " << static_cast<int>(byte);
                 count_rungs("replaced_bytes");
             }
@@ -135,13 +135,13 @@ TEST(ReaderLadder, EveryConstructCutAndReplacedEverywhere) {
     ASSERT_EQ(scene.name, "every_construct.aec");
     ClimbingFile file(scene, false);
     bool read = false;
-    EXPECT_EQ(scene_complaint(file.path(), nullptr, read), "");
+    EXPECT_EQ(scene_violation(file.path(), nullptr, read), "");
     EXPECT_TRUE(read);
     int accepted = 0;
     for (std::size_t length = 0; length < file.size_bytes(); ++length) {
         file.cut(length);
-        EXPECT_EQ(scene_complaint(file.path()), "") << "cut at " << length;
-        EXPECT_EQ(scene_complaint(file.path(), nullptr, read), "");
+        EXPECT_EQ(scene_violation(file.path()), "") << "cut at " << length;
+        EXPECT_EQ(scene_violation(file.path(), nullptr, read), "");
         accepted += read ? 1 : 0;
         count_rungs("cuts");
     }
@@ -151,9 +151,9 @@ TEST(ReaderLadder, EveryConstructCutAndReplacedEverywhere) {
     for (std::size_t offset = 0; offset < file.size_bytes(); ++offset) {
         for (const char byte : kBytesThatMatter) {
             file.replace(offset, byte);
-            EXPECT_EQ(scene_complaint(file.path()), "")
+            EXPECT_EQ(scene_violation(file.path()), "")
                 << "byte " << offset << " is " << static_cast<int>(byte);
-            EXPECT_EQ(scene_complaint(file.path(), nullptr, read), "");
+            EXPECT_EQ(scene_violation(file.path(), nullptr, read), "");
             refused += read ? 0 : 1;
             count_rungs("replaced_bytes");
         }

@@ -128,8 +128,8 @@ SceneReading read_scene(const std::string& file) {
         reading.error = diagnostic::make(ToolCode::cannot_read, {file}, "the file could not be read");
         reading.code = ExitCode::cannot_read_or_write;
     }
-    const auto complaint = validate_model(settings, read ? ModelState::complete : ModelState::broken_off);
-    if (const auto defect = internal_error(file, complaint)) {
+    const auto violation = validate_model(settings, read ? ModelState::complete : ModelState::broken_off);
+    if (const auto defect = internal_error(file, violation)) {
         reading.error = defect;
         reading.code = ExitCode::refused;
     }

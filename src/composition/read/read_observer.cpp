@@ -22,6 +22,11 @@ std::string_view ReadBlock::name() const {
     return text == nullptr ? std::string_view() : std::string_view(text);
 }
 
+void ReadObserver::fail(const diagnostic::Diagnostic& error) {
+    on_failure(error);
+    blocks_.clear();
+}
+
 void ReadObserver::enter_block(const ReadBlock& block) {
     blocks_.push_back(block);
 }

@@ -97,6 +97,8 @@ class ReadObserver {
     [[nodiscard]] const std::vector<ReadBlock>& blocks() const { return blocks_; }
 
     // For the grammar readers.
+    /// Reports the failure and forgets the blocks, whose records may go before the observer does.
+    void fail(const diagnostic::Diagnostic& error);
     void enter_block(const ReadBlock& block);
     void name_block(const TextPosition& at);
     void leave_block(const TextPosition& at);

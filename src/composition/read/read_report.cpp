@@ -102,7 +102,7 @@ int fail_at(const ASCIIParser& p, ReadErrorCode code, const TextPosition& at, st
                              "expected " + std::string(expected) + ", found " + std::string(found),
                              names_of(observer->blocks()));
         error.limit = limit;
-        observer->on_failure(error);
+        observer->fail(error);
     }
     return 0;
 }
