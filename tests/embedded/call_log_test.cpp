@@ -259,7 +259,7 @@ TEST(CallLogOrder, HoldsInnerCallsBackUntilTheOuterEnds) {
     log.end(second, "second");
     EXPECT_THAT(lines, IsEmpty());
     log.end(outer, "outer");
-    EXPECT_THAT(lines, ElementsAre("\"outer\"", "\"first\"", "\"second\""));
+    EXPECT_THAT(lines, ElementsAre("outer", "first", "second"));
     EXPECT_EQ(log.last(), 3);
 }
 

@@ -304,7 +304,7 @@ TEST_F(TodaysCallbacks, AreNotCalledForFilesWithoutAUtf16Name) {
     constexpr char kProblem[] =
         "the path is not UTF-8 (byte 0xE9 at offset 4), and current hosts take paths in Unicode; only a "
         "classic "
-        "host can be given it";
+        "host can take it";
     EXPECT_EQ(side.host.path_problem("/caf\xE9.tst"), kProblem);
     EXPECT_EQ(side.host.path_problem("/caf\xC3\xA9.tst"), "");
     EXPECT_FALSE(side.host.verify("/caf\xE9.aec").importable);
