@@ -56,7 +56,10 @@ Json json_module_info(const AEIO_ModuleInfo& info) {
 /// Null for a null pointer, else what `to_json(value)` makes of what it points to.
 template <class Value, class ToJson>
 Json json_or_null(const Value* value, const ToJson& to_json) {
-    return value == nullptr ? Json() : Json(to_json(*value));
+    if (value == nullptr) {
+        return {};
+    }
+    return to_json(*value);
 }
 
 }  // namespace

@@ -3,8 +3,6 @@
 #include <bit>
 #include <cstring>
 
-#include "texture/kernel/planes.h"
-
 namespace {
 
 constexpr std::int64_t kPixelsAtOnce = 16;  // pixels
