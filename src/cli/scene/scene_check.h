@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "cli/report/diagnostic_text.h"
-#include "cli/report/warning_list.h"
 #include "cli/scene/scene_reading.h"
+#include "cli/scene/warning_list.h"
 
 namespace cli {
 

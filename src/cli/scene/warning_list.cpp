@@ -1,4 +1,4 @@
-#include "cli/report/warning_list.h"
+#include "cli/scene/warning_list.h"
 
 #include <algorithm>
 #include <utility>
