@@ -87,16 +87,13 @@ Verb doctor_verb() {
         "doctor",
         "explain why a host lists a plug-in, or does not",
         {"Inspects a plug-in as hosts do before they load it; works on any system, for plug-ins of any "
-         "system. "
-         "Looks at the kind of code and its processors, the exported entries, the properties (the PiPL "
-         "resource), Info.plist, and the libraries that it needs. Where the plug-in can be loaded, it is "
-         "loaded into the embedded host of both generations, in a process of its own: a plug-in that crashes "
-         "does no harm and is reported.",
+         "system. Looks at the kind of code and its processors, the exported entries, the properties (the "
+         "PiPL resource), Info.plist, and the libraries that it needs. Where the plug-in can be loaded, it "
+         "is loaded into the embedded host of both generations, in a process of its own: a plug-in that "
+         "crashes does no harm and is reported.",
          "One line for each kind of host says whether it would list the plug-in. Then come the findings, "
-         "each "
-         "with its place and a remedy, and what the plug-in consists of. The exit code is 0 when a host "
-         "would "
-         "list it and there is no error."},
+         "each with its place and a remedy, and what the plug-in consists of. The exit code is 0 when a host "
+         "would list it and there is no error."},
         {{"vxr doctor VORTANXR_AE.aex", "Why After Effects on Windows does not show the plug-in."},
          {"vxr doctor --json VORTANXR_AE.plugin | jq -r '.findings[].code'", "What is wrong, for a script."},
          {"gdb --args vxr doctor --load today ./VORTANXR_AE.so", "A crash while loading, in a debugger."}},
