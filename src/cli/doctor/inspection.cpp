@@ -79,13 +79,13 @@ class Inspection {
     }
 
     void look() {
-        MacosBundle macintosh;
+        MacosBundle macos_bundle;
         diagnosis_.binary = diagnosis_.bundle;
         const bool folder = path_kind(diagnosis_.bundle) == PathKind::folder;
         if (folder) {
-            macintosh = open_macos_bundle(diagnosis_);
-            diagnosis_.binary = macintosh.binary;
-            if (macintosh.binary.empty()) {
+            macos_bundle = open_macos_bundle(diagnosis_);
+            diagnosis_.binary = macos_bundle.binary;
+            if (macos_bundle.binary.empty()) {
                 return;
             }
         }
@@ -101,7 +101,7 @@ class Inspection {
         }
         look_at_images(*binary);
         if (folder) {
-            check_macos_bundle(macintosh, binary->images, diagnosis_);
+            check_macos_bundle(macos_bundle, binary->images, diagnosis_);
         } else if (!binary->images.empty() && binary->images.front().container == Container::mach_o) {
             add(Finding::not_a_bundle, {file.path}, "Mach-O code outside of a bundle");
         }
