@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <ostream>
 #include <string>
 #include <string_view>
 
@@ -38,6 +39,14 @@ void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);
 
 /// What became of a file: "ok", "refused" or "unreadable".
 [[nodiscard]] const char* verdict_label(ExitCode code);
+
+/// Prints a table of codes, one line per row: "footage-missing: warning: The footage is in neither place...".
+template <typename Table>
+void print_codes(std::ostream& out, const Table& table) {
+    for (const auto& [code, info] : table) {
+        out << info.name << ": " << severity_name(info.severity) << ": " << info.meaning << '\n';
+    }
+}
 
 /// A message of the program itself on the error stream: "vxr: error: ...".
 void complain(Terminal& terminal, std::string_view text);

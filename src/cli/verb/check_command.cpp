@@ -21,16 +21,9 @@ FileCheck check_composition(const std::string& file) {
     return check;
 }
 
-template <typename Table>
-void list_table(std::ostream& out, const Table& table) {
-    for (const auto& [code, info] : table) {
-        out << info.name << ": " << severity_name(info.severity) << ": " << info.meaning << '\n';
-    }
-}
-
 void list_composition_codes(std::ostream& out) {
-    list_table(out, read_error_table());
-    list_table(out, tool_code_table());
+    print_codes(out, read_error_table());
+    print_codes(out, tool_code_table());
 }
 
 constexpr FileKind kCompositionFiles{"composition files", check_composition, diagnostic_text,

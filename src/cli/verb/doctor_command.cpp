@@ -8,6 +8,7 @@
 #include "cli/doctor/load_test.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
 #include "system/files.h"
@@ -42,10 +43,7 @@ class DoctorCommand : public Command {
 
     ExitCode run(Terminal& terminal) override {
         if (list_codes_) {
-            for (const auto& row : doctor::finding_table()) {
-                terminal.out << row.info.name << ": " << diagnostic::severity_name(row.info.severity) << ": "
-                             << row.info.meaning << '\n';
-            }
+            print_codes(terminal.out, doctor::finding_table());
             return ExitCode::fine;
         }
         if (bundle_.empty()) {
