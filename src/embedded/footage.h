@@ -11,12 +11,12 @@
 namespace embedded {
 
 /// Opens the file, adds it to the session's footage and returns its id. Throws Refusal with the module's own
-/// error, or with kHostErrorGeneric when the file cannot be read. `sequence` is none for a single file; a
-/// sequence whose name has no number is that one file.
+/// error, or with kHostErrorGeneric when the file cannot be read. `sequence` is empty for a single file. A
+/// sequence whose file name has no number consists of that one file.
 Id make_file_footage(Session& session, const std::string& path,
                      const std::optional<SequenceRequest>& sequence);
 
-/// Adds footage that stands in for a missing file; its id.
+/// Adds footage that stands in for a missing file and returns its id.
 Id make_placeholder(Session& session, std::string name, A_long width, A_long height, const A_Time& duration);
 
 }  // namespace embedded
