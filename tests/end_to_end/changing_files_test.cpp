@@ -69,7 +69,7 @@ constexpr Change kChanges[] = {
     {"becomes a folder", become_folder},
     {"becomes a pipe without a writer", become_pipe},
     {"becomes a device", become_device},
-    {"becomes a link onto itself", become_circle},
+    {"becomes a link to itself", become_circle},
     {"becomes a link to nothing", become_link_to_nothing},
 };
 

@@ -72,9 +72,9 @@ struct FirstBytes {
 const FirstBytes kFirstBytes[] = {
     {"nine bytes and no more", "VORTAN XR", true},
     {"a whole scene", kSmallScene, true},
-    {"a tenth byte does not count", "VORTAN XRX", true},
-    {"nor does an eleventh", "VORTAN XR12", true},
-    {"not a composition at all, but for nine bytes", "VORTAN XR\r\nany text", true},
+    {"the tenth byte is ignored", "VORTAN XRX", true},
+    {"the eleventh byte is ignored", "VORTAN XR12", true},
+    {"nine right bytes, then any text", "VORTAN XR\r\nany text", true},
     {"lower case", "vortan xr COMPOSITION", false},
     {"one letter in lower case", "VORTAN Xr COMPOSITION", false},
     {"two blanks", "VORTAN  XR COMPOSITION", false},

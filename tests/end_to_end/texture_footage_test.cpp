@@ -108,7 +108,7 @@ TEST_P(TextureFootage, IsDrawnIntoFramesOfEveryShape) {
     } frames[] = {
         {"its own size", {kWidth, kHeight, 0, 0, 0, {0, 1}, kFill}},
         {"smaller: the top left part", {3, 2, 0, 0, 0, {0, 1}, kFill}},
-        {"larger: the rest is left", {9, 7, 0, 0, 0, {0, 1}, kFill}},
+        {"larger: the rest stays as it was", {9, 7, 0, 0, 0, {0, 1}, kFill}},
         {"wider and lower", {8, 2, 0, 0, 0, {0, 1}, kFill}},
         {"rows with padding", {kWidth, kHeight, 4 * kWidth + 28, 0, 0, {0, 1}, kFill}},
         {"rows with padding that is not a multiple of a pixel",

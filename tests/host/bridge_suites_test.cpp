@@ -282,8 +282,8 @@ TEST_F(BridgeSuites, AHostsPathThatDoesNotFitOrIsNotValidIsRefused) {
         {"260 bytes", std::u16string(260, u'x'), too_long},
         {"260 bytes in 130 units", repeated(u"\x00E9", 130), too_long},
         {"260 bytes in 87 units", repeated(u"\x6620", 86) + u"xx", too_long},
-        {"more units than there are bytes", std::u16string(5000, u'x'), too_long},
-        {"a pair that the room would cut", std::u16string(259, u'x') + u"\xD83C\xDFAC", too_long},
+        {"more units than the buffer has bytes", std::u16string(5000, u'x'), too_long},
+        {"a surrogate pair that does not fit the buffer", std::u16string(259, u'x') + u"\xD83C\xDFAC", too_long},
         {"a high surrogate on its own", u"/a\xD83C/b", invalid + "(unit D83C behind \"/a\")."},
         {"a low surrogate on its own", u"\xDFAC", invalid + "(unit DFAC behind \"\")."},
     };

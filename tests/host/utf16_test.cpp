@@ -19,7 +19,7 @@ struct Pair {
 const Pair kPairs[] = {
     {"nothing", "", u""},
     {"ASCII", "C:\\shots\\a b\"'.", u"C:\\shots\\a b\"'."},
-    {"a NUL within is a character like others", "a\0b"s, u"a\0b"s},
+    {"a NUL in the middle is an ordinary character", "a\0b"s, u"a\0b"s},
     {"U+007F, the last of one byte", "\x7F", u"\x007F"},
     {"U+0080, the first of two bytes", "\xC2\x80", u"\x0080"},
     {"U+07FF, the last of two bytes", "\xDF\xBF", u"\x07FF"},
@@ -29,12 +29,12 @@ const Pair kPairs[] = {
     {"U+FFFF, the last of three bytes", "\xEF\xBF\xBF", u"\xFFFF"},
     {"U+10000, the first of four bytes", "\xF0\x90\x80\x80", u"\xD800\xDC00"},
     {"U+103FF, the last low surrogate", "\xF0\x90\x8F\xBF", u"\xD800\xDFFF"},
-    {"U+10FFFF, the last there is", "\xF4\x8F\xBF\xBF", u"\xDBFF\xDFFF"},
-    {"an accent of its own stays one", "e\xCC\x81", u"e\x0301"},
+    {"U+10FFFF, the last code point", "\xF4\x8F\xBF\xBF", u"\xDBFF\xDFFF"},
+    {"a combining accent stays separate", "e\xCC\x81", u"e\x0301"},
     {"Cyrillic and Japanese", "\xD0\xBA\xD0\xB0\xD0\xB4\xD1\x80_\xE6\x98\xA0\xE5\x83\x8F",
      u"\x043A\x0430\x0434\x0440_\x6620\x50CF"},
     {"a picture beyond the basic plane", "\xF0\x9F\x8E\xAC.aec", u"\xD83C\xDFAC.aec"},
-    {"a byte order mark is a character like others", "\xEF\xBB\xBF/", u"\xFEFF/"},
+    {"a byte order mark is an ordinary character", "\xEF\xBB\xBF/", u"\xFEFF/"},
 };
 
 TEST(Utf16, BothDirectionsAgreeOnValidText) {
@@ -86,7 +86,7 @@ TEST(Utf16, InvalidUtf8IsRefusedAtItsFirstByte) {
         {"two bytes, the second a lead byte", "\xC3\xC3", 0},
         {"three bytes of which two are there", "\xE6\x98", 0},
         {"three bytes, the last no continuation", "\xE6\x98/", 0},
-        {"four bytes of which three are there", "\xF0\x9F\x8E", 0},
+        {"three bytes of a sequence of four", "\xF0\x9F\x8E", 0},
         {"a NUL overlong in two bytes", "\xC0\x80", 0},
         {"U+007F overlong in two bytes", "/\xC1\xBF", 1},
         {"a slash overlong in three bytes", "\xE0\x80\xAF", 0},
@@ -119,11 +119,11 @@ TEST(Utf16, UnpairedSurrogatesAreRefusedInPlace) {
         {"the last high one at the end", u"\xDBFF", 0},
         {"the first low one", u"\xDC00", 0},
         {"the last low one", u"a\xDFFF", 1},
-        {"a high one before a letter", u"\xD83Cx", 0},
-        {"a high one before a high one", u"\xD83C\xD83C\xDFAC", 0},
-        {"a high one before what follows the low ones", u"\xD83C\xE000", 0},
+        {"a high surrogate before a letter", u"\xD83Cx", 0},
+        {"a high surrogate before another", u"\xD83C\xD83C\xDFAC", 0},
+        {"a high surrogate before U+E000", u"\xD83C\xE000", 0},
         {"a pair the wrong way round", u"\xDFAC\xD83C", 0},
-        {"a low one behind a pair", u"\xD83C\xDFAC\xDFAC", 2},
+        {"a low surrogate behind a pair", u"\xD83C\xDFAC\xDFAC", 2},
     };
     for (const auto& c : cases) {
         const ConvertedText<std::string> narrow = utf8_from_utf16(c.text);
