@@ -5,14 +5,15 @@
 
 #include <array>
 #include <cstdio>
+#include <memory>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
 #include "support/recording_host.h"
-#include "support/shared_library.h"
 #include "support/temporary_folder.h"
+#include "system/dynamic_library.h"
 
 namespace {
 
@@ -89,9 +90,19 @@ TEST(Bundle, IsHardenedAgainstDamagedMemoryInReleaseBuilds) {
 }
 #endif
 
+/// With every symbol resolved. Throws if it does not load.
+std::unique_ptr<os::DynamicLibrary> open_bundle() {
+    std::string error;
+    std::unique_ptr<os::DynamicLibrary> bundle = os::DynamicLibrary::open(kBundle, error);
+    if (bundle == nullptr) {
+        throw std::runtime_error(error);
+    }
+    return bundle;
+}
+
 TEST(Bundle, LoadsWithEverySymbolResolvedAndServesAHost) {
-    const SharedLibrary bundle(kBundle);
-    const auto entry = bundle.function<AEGP_PluginInitFunc>("Main_VORTANXR_AE");
+    const auto bundle = open_bundle();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFunc>(bundle->function("Main_VORTANXR_AE"));
     ASSERT_NE(entry, nullptr);
 
     RecordingHost host;
@@ -115,8 +126,8 @@ TEST(Bundle, LoadsWithEverySymbolResolvedAndServesAHost) {
 }
 
 TEST(Bundle, TheMissingSuiteExceptionReachesTheHostsSide) {
-    const SharedLibrary bundle(kBundle);
-    const auto entry = bundle.function<AEGP_PluginInitFunc>("Main_VORTANXR_AE");
+    const auto bundle = open_bundle();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFunc>(bundle->function("Main_VORTANXR_AE"));
     ASSERT_NE(entry, nullptr);
     RecordingHost host;
     host.withhold_suite("AEGP Register Suite", 4);
@@ -130,8 +141,8 @@ TEST(Bundle, TheMissingSuiteExceptionReachesTheHostsSide) {
 }
 
 TEST(Bundle, ItsSecondEntryPointServesCurrentHosts) {
-    const SharedLibrary bundle(kBundle);
-    const auto entry = bundle.function<AEGP_PluginInitFuncCurrent>("EntryPointFunc");
+    const auto bundle = open_bundle();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFuncCurrent>(bundle->function("EntryPointFunc"));
     ASSERT_NE(entry, nullptr);
 
     CurrentHost host;
@@ -154,8 +165,8 @@ TEST(Bundle, ItsSecondEntryPointServesCurrentHosts) {
 }
 
 TEST(Bundle, NoExceptionReachesACurrentHost) {
-    const SharedLibrary bundle(kBundle);
-    const auto entry = bundle.function<AEGP_PluginInitFuncCurrent>("EntryPointFunc");
+    const auto bundle = open_bundle();
+    const auto entry = reinterpret_cast<AEGP_PluginInitFuncCurrent>(bundle->function("EntryPointFunc"));
     ASSERT_NE(entry, nullptr);
     CurrentHost host;
     host.withhold_suite("AEGP File Import Manager Suite", 3);

@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "host/bridged_plugin.h"
-#include "host/refused_memory.h"
+#include "host/one_refused_allocation.h"
 #include "host/suite_handler.h"
 
 namespace {
@@ -151,7 +151,7 @@ TEST_F(BridgeCallbacks, WithoutMemoryForThePathThePluginIsNotCalled) {
     ASSERT_EQ(register_importer({nullptr, import_file<1>, verify_file<1>}), 0);
     const std::u16string path(100, u'x');
     {
-        const RefusedMemory memory(0);
+        const OneRefusedAllocation memory(0);
         EXPECT_EQ(host.importers[0].import_cb(path.c_str(), nullptr, -1, nullptr, nullptr), 4);
         EXPECT_TRUE(memory.refused());
     }

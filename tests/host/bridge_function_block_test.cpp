@@ -16,7 +16,7 @@
 #include <vector>
 
 #include "host/bridged_plugin.h"
-#include "host/refused_memory.h"
+#include "host/one_refused_allocation.h"
 
 namespace {
 
@@ -279,7 +279,7 @@ TEST(BridgeFunctionBlock, APathThatCannotBeConvertedNeverReachesTheModule) {
             AEIO_BasicData data = *host.basic_data();
             seen_path = {};
             importable = 1;
-            std::optional<RefusedMemory> memory;
+            std::optional<OneRefusedAllocation> memory;
             if (!c.memory) {
                 memory.emplace(0);
             }
@@ -412,7 +412,7 @@ TEST(BridgeFunctionBlock, WithoutMemoryForThePathTheModuleIsNotCalled) {
     CurrentHost host;
     registered_block(host, giving_functions());
     AEGP_MemHandle handle = nullptr;
-    const RefusedMemory memory(0);
+    const OneRefusedAllocation memory(0);
     EXPECT_EQ(ask_for_path(host, &handle), 4);
     EXPECT_TRUE(memory.refused());
     EXPECT_FALSE(seen_data);

@@ -12,7 +12,7 @@
 #include <string>
 
 #include "host/bridged_plugin.h"
-#include "host/refused_memory.h"
+#include "host/one_refused_allocation.h"
 
 namespace {
 
@@ -188,7 +188,7 @@ TEST_F(BridgeSuites, AnInvalidPathNeverReachesTheHost) {
 
 TEST_F(BridgeSuites, WithoutMemoryForTheUtf16PathThereIsNoFootage) {
     const std::string path(100, 'x');
-    const RefusedMemory memory(0);
+    const OneRefusedAllocation memory(0);
     EXPECT_EQ(footage->AEGP_NewFootage(7, path.c_str(), nullptr, nullptr, 0, nullptr, nullptr), 4);
     EXPECT_TRUE(memory.refused());
     EXPECT_THAT(host.calls, IsEmpty());
@@ -283,7 +283,8 @@ TEST_F(BridgeSuites, AHostsPathThatDoesNotFitOrIsNotValidIsRefused) {
         {"260 bytes in 130 units", repeated(u"\x00E9", 130), too_long},
         {"260 bytes in 87 units", repeated(u"\x6620", 86) + u"xx", too_long},
         {"more units than the buffer has bytes", std::u16string(5000, u'x'), too_long},
-        {"a surrogate pair that does not fit the buffer", std::u16string(259, u'x') + u"\xD83C\xDFAC", too_long},
+        {"a surrogate pair that does not fit the buffer", std::u16string(259, u'x') + u"\xD83C\xDFAC",
+         too_long},
         {"a high surrogate on its own", u"/a\xD83C/b", invalid + "(unit D83C behind \"/a\")."},
         {"a low surrogate on its own", u"\xDFAC", invalid + "(unit DFAC behind \"\")."},
     };
@@ -357,7 +358,7 @@ TEST_F(BridgeSuites, WithoutMemoryForTheUtf8PathTheHandleIsStillFreed) {
     for (const PathFunction& function : kPathFunctions) {
         host.*function.path = std::u16string(100, u'x');
         // The first allocation after locking the handle is the bridge's own.
-        std::optional<RefusedMemory> memory;
+        std::optional<OneRefusedAllocation> memory;
         host.when_locked = [&memory] { memory.emplace(0); };
         PathBuffer buffer;
         EXPECT_EQ(function.call(io_in, io_out, buffer.path.data()), 4) << function.name;

@@ -2,12 +2,12 @@
 
 /// Fails one allocation of this thread: the one with this index, from 0, during the object's lifetime. Counts
 /// the calls of this program's throwing operator new.
-class RefusedMemory {
+class OneRefusedAllocation {
   public:
-    explicit RefusedMemory(int index);
-    ~RefusedMemory();
-    RefusedMemory(const RefusedMemory&) = delete;
-    RefusedMemory& operator=(const RefusedMemory&) = delete;
+    explicit OneRefusedAllocation(int index);
+    ~OneRefusedAllocation();
+    OneRefusedAllocation(const OneRefusedAllocation&) = delete;
+    OneRefusedAllocation& operator=(const OneRefusedAllocation&) = delete;
 
     /// Whether the allocation happened and was refused.
     [[nodiscard]] bool refused() const;

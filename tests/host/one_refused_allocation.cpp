@@ -1,4 +1,4 @@
-#include "host/refused_memory.h"
+#include "host/one_refused_allocation.h"
 
 #include <cstdlib>
 #include <new>
@@ -11,16 +11,16 @@ thread_local bool was_refused = false;
 
 }  // namespace
 
-RefusedMemory::RefusedMemory(int index) {
+OneRefusedAllocation::OneRefusedAllocation(int index) {
     was_refused = false;
     left_to_allow = index;
 }
 
-RefusedMemory::~RefusedMemory() {
+OneRefusedAllocation::~OneRefusedAllocation() {
     left_to_allow = kNone;
 }
 
-bool RefusedMemory::refused() const {
+bool OneRefusedAllocation::refused() const {
     return was_refused;
 }
 
