@@ -38,7 +38,8 @@ TEST(PropertyListReader, BothFormsHaveTheSameContent) {
         EXPECT_EQ(list.find("name")->counted_text(), "Sample");
         EXPECT_EQ(list.find("catg")->counted_text(), "General Plugin");
         EXPECT_EQ(list.find("vers")->number(), 0x30000U);
-        EXPECT_EQ(list.find(windows ? "8664" : "mi64")->terminated_text(), "EntryPointFunc");
+        EXPECT_EQ(windows ? list.find("8664")->terminated_text() : list.find("mi64")->counted_text(),
+                  "EntryPointFunc");
         EXPECT_EQ(list.find(windows ? "mi64" : "8664"), nullptr);
     }
 }

@@ -149,13 +149,28 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldRefuse) {
          ExitCode::refused,
          Answer::no,
          {"property-missing"}},
+        {"an entry point for Intel in the form of Windows",
+         {.resources = resources_with({"mi64", terminated_data("EntryPointFunc")})},
+         ExitCode::refused,
+         Answer::no,
+         {"property-wrong"}},
+        {"an entry point for Arm in the form of Windows",
+         {.resources = resources_with({"ma64", terminated_data("EntryPointFunc")})},
+         ExitCode::refused,
+         Answer::no,
+         {"property-wrong"}},
+        {"an entry point for Arm with an empty name",
+         {.resources = resources_with({"ma64", std::string(4, '\0')})},
+         ExitCode::refused,
+         Answer::no,
+         {"property-wrong"}},
         {"an entry point for Arm that is not exported",
-         {.resources = resources_with({"ma64", terminated_data("Other")})},
+         {.resources = resources_with({"ma64", counted_data("Other")})},
          ExitCode::refused,
          Answer::no,
          {"entry-not-exported"}},
         {"an entry point for a processor without code",
-         {.code = made_mach_o(), .resources = resources_with({"mi64", terminated_data("Other")})},
+         {.code = made_mach_o(), .resources = resources_with({"mi64", counted_data("Other")})},
          ExitCode::fine,
          Answer::yes,
          {"processor-missing"}},
@@ -168,6 +183,17 @@ TEST(DoctorOnMacosFolders, FindsWhatHostsWouldRefuse) {
         EXPECT_EQ(answer(diagnosis, "macintosh", "today"), one.today);
         EXPECT_EQ(codes_of(diagnosis), one.findings);
     }
+}
+
+TEST(DoctorOnMacosFolders, SaysInWhichFormTheEntryPointIsNamed) {
+    const TemporaryFolder folder;
+    const Diagnosis diagnosis = cli::doctor::inspect(
+        write_plugin(folder, {.resources = resources_with({"ma64", terminated_data("EntryPointFunc")})}),
+        listed);
+    ASSERT_EQ(diagnosis.findings.size(), 1U);
+    EXPECT_EQ(diagnosis.findings[0].reason,
+              "the property \"ma64\" names \"EntryPointFunc\" as a text with a zero byte behind it; hosts on "
+              "this system read it as a text with its length in the byte before it");
 }
 
 }  // namespace

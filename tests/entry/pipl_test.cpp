@@ -26,15 +26,21 @@ std::string bytes(const char (&text)[N]) {
     return std::string(text, N - 1);
 }
 
-// The escapes are octal, because they end after three digits whatever follows.
+// Each field of a property: vendor, key, four zero bytes, how many bytes of data follow, the data in whole
+// words of four bytes. Literals are split because an octal escape would otherwise take in the digits that
+// follow it.
 
 TEST(PropertyList, TheMacosResourceFileHoldsItByteForByte) {
+    // clang-format off
     const std::string list =
-        bytes("\0\0\0\0\0\0\0\6") +  // the list's own version, and how many properties
-        bytes("8BIMkind\0\0\0\0\0\0\0\4AEgx") + bytes("8BIMname\0\0\0\0\0\0\0\014\011VORTAN XR\0\0") +
-        bytes("8BIMcatg\0\0\0\0\0\0\0\020\016General Plugin\0") + bytes("8BIMvers\0\0\0\0\0\0\0\4\0\3\0\0") +
-        bytes("8BIMmi64\0\0\0\0\0\0\0\020EntryPointFunc\0\0") +
-        bytes("8BIMma64\0\0\0\0\0\0\0\020EntryPointFunc\0\0");
+        bytes("\0\0\0\0" "\0\0\0\6") +  // the list's own version 0, six properties; no word before them
+        bytes("8BIM" "kind" "\0\0\0\0" "\0\0\0\004" "AEgx") +                       // a general plug-in
+        bytes("8BIM" "name" "\0\0\0\0" "\0\0\0\014" "\011" "VORTAN XR" "\0\0") +    // 9 characters
+        bytes("8BIM" "catg" "\0\0\0\0" "\0\0\0\020" "\016" "General Plugin" "\0") + // 14 characters
+        bytes("8BIM" "vers" "\0\0\0\0" "\0\0\0\004" "\0\003\0\0") +                 // 3.0 as one number
+        bytes("8BIM" "mi64" "\0\0\0\0" "\0\0\0\020" "\016" "EntryPointFunc" "\0") + // Intel: 14 characters
+        bytes("8BIM" "ma64" "\0\0\0\0" "\0\0\0\020" "\016" "EntryPointFunc" "\0");  // Arm: the same
+    // clang-format on
     ASSERT_EQ(list.size(), 0xACU);
     // Offset of the data, of the map; length of the data, of the map.
     const std::string places = bytes("\0\0\1\0\0\0\1\260\0\0\0\260\0\0\0\062");
@@ -50,11 +56,16 @@ TEST(PropertyList, TheMacosResourceFileHoldsItByteForByte) {
 }
 
 TEST(PropertyList, TheWindowsResourceScriptHoldsItWordForWord) {
+    // clang-format off
+    // Numbers and codes with their lowest byte first, so codes read backwards.
     const std::string list =
-        bytes("\1\0\0\0\0\0\5\0\0\0") +  // a word of Windows' own before the same two
-        bytes("MIB8dnik\0\0\0\0\4\0\0\0xgEA") + bytes("MIB8eman\0\0\0\0\014\0\0\0\011VORTAN XR\0\0") +
-        bytes("MIB8gtac\0\0\0\0\020\0\0\0\016General Plugin\0") + bytes("MIB8srev\0\0\0\0\4\0\0\0\0\0\3\0") +
-        bytes("MIB84668\0\0\0\0\020\0\0\0EntryPointFunc\0\0");
+        bytes("\001\0" "\0\0\0\0" "\005\0\0\0") +  // a word of Windows' own, version 0, five properties
+        bytes("MIB8" "dnik" "\0\0\0\0" "\004\0\0\0" "xgEA") +                       // a general plug-in
+        bytes("MIB8" "eman" "\0\0\0\0" "\014\0\0\0" "\011" "VORTAN XR" "\0\0") +    // 9 characters
+        bytes("MIB8" "gtac" "\0\0\0\0" "\020\0\0\0" "\016" "General Plugin" "\0") + // 14 characters
+        bytes("MIB8" "srev" "\0\0\0\0" "\004\0\0\0" "\0\0" "\003\0") +              // 3.0: the 0 comes first
+        bytes("MIB8" "4668" "\0\0\0\0" "\020\0\0\0" "EntryPointFunc" "\0\0");       // ended by a zero byte
+    // clang-format on
     const std::string script = written("rc");
     const std::size_t begin = script.find("16000 PiPL\nBEGIN\n");
     ASSERT_NE(begin, std::string::npos) << script;

@@ -68,7 +68,8 @@ std::vector<MadeProperty> usual_properties(bool windows) {
     };
     for (const char* key :
          windows ? std::vector<const char*>{"8664"} : std::vector<const char*>{"mi64", "ma64"}) {
-        properties.push_back({key, terminated_data("EntryPointFunc")});
+        properties.push_back(
+            {key, windows ? terminated_data("EntryPointFunc") : counted_data("EntryPointFunc")});
     }
     return properties;
 }

@@ -29,6 +29,25 @@ std::span<const NamedCode> code_keys(PropertyForm form) {
     return form == PropertyForm::windows ? std::span<const NamedCode>(kWindowsCode) : kMacosCode;
 }
 
+/// The name of a function, which the platforms store in different forms.
+std::optional<std::string_view> entry_name(const Property& property, PropertyForm form) {
+    return form == PropertyForm::windows ? property.terminated_text() : property.counted_text();
+}
+
+/// "as a text with a zero byte behind it"
+std::string entry_form(PropertyForm form) {
+    return form == PropertyForm::windows ? "as a text with a zero byte behind it"
+                                         : "as a text with its length in the byte before it";
+}
+
+PropertyForm other_form(PropertyForm form) {
+    return form == PropertyForm::windows ? PropertyForm::macos : PropertyForm::windows;
+}
+
+bool exports(const BinaryImage& image, std::string_view name) {
+    return std::find(image.exports.begin(), image.exports.end(), name) != image.exports.end();
+}
+
 std::string version_text(std::uint32_t version) {
     return std::to_string(version >> 16U) + '.' + std::to_string(version & 0xFFFFU);
 }
@@ -53,7 +72,7 @@ std::string value_text(const Property& property, PropertyForm form) {
         text = version_text(*property.number());
     } else if (std::any_of(code_keys(form).begin(), code_keys(form).end(),
                            [&](const NamedCode& code) { return property.key == code.key; })) {
-        text = owned(property.terminated_text());
+        text = owned(entry_name(property, form));
     }
     return text.value_or(bytes_text(property.data.all()));
 }
@@ -80,7 +99,7 @@ class PropertyChecks {
                 return one.processor == code.processor;
             });
             if (image != images.end()) {
-                check_entry(code, *image);
+                check_entry(form, code, *image);
             }
         }
     }
@@ -129,17 +148,25 @@ class PropertyChecks {
         }
     }
 
-    void check_entry(const NamedCode& code, const BinaryImage& image) {
+    void check_entry(PropertyForm form, const NamedCode& code, const BinaryImage& image) {
         const Property* entry =
             required(code.key, "the function that is called first in the code for " + image.processor);
         if (entry == nullptr) {
             return;
         }
-        const std::string name(entry->terminated_text().value_or(""));
-        if (name.empty()) {
+        const std::string name(entry_name(*entry, form).value_or(""));
+        if (!name.empty() && exports(image, name)) {
+            return;
+        }
+        const std::string swapped(entry_name(*entry, other_form(form)).value_or(""));
+        if (exports(image, swapped)) {
             add(Finding::property_wrong, entry,
-                "the property \"" + std::string(code.key) + "\" names no function");
-        } else if (std::find(image.exports.begin(), image.exports.end(), name) == image.exports.end()) {
+                "the property \"" + std::string(code.key) + "\" names " + text::quoted(swapped) + ' ' +
+                    entry_form(other_form(form)) + "; hosts on this system read it " + entry_form(form));
+        } else if (name.empty()) {
+            add(Finding::property_wrong, entry,
+                "the property \"" + std::string(code.key) + "\" names no function " + entry_form(form));
+        } else {
             add(Finding::entry_not_exported, entry,
                 "the property \"" + std::string(code.key) + "\" names " + text::quoted(name) +
                     ", which the code for " + image.processor + " does not export");
