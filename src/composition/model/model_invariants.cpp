@@ -62,11 +62,15 @@ class ModelWalk {
     };
 
     [[nodiscard]] std::string PathOf(std::size_t place) const {
-        std::string path;
+        std::vector<std::int64_t> entries;
         for (; place != 0; place = places_[place].above) {
-            path.insert(0, ", entry " + std::to_string(places_[place].entry));
+            entries.push_back(places_[place].entry);
         }
-        return "root" + path;
+        std::string path = "root";
+        for (auto entry = entries.rbegin(); entry != entries.rend(); ++entry) {
+            path += ", entry " + std::to_string(*entry);
+        }
+        return path;
     }
 
     static Violation At(const std::string& place, const std::string& what) { return place + ": " + what; }
@@ -117,24 +121,25 @@ class ModelWalk {
         return allowed ? std::nullopt : wrong("the pixel aspect is not from 0.01 to 100");
     }
 
-    /// Follows the links of `list` and calls `visit` with every node and its number, from 1.
-    template <class T, class Visit>
-    Violation List(const CDoubleLinkedList<T>& list, FilledAt end, const std::string& place, Visit visit) {
+    /// Follows the links of `list` and calls `visit` with every node and its number, from 1. `here` returns
+    /// the list's place; it is called for a violation only, because the place of a deep composition is long.
+    template <class T, class Here, class Visit>
+    Violation List(const CDoubleLinkedList<T>& list, FilledAt end, const Here& here, Visit visit) {
         if (list.head.prev != nullptr || list.tail.next != nullptr) {
-            return At(place, "the list continues beyond its ends");
+            return At(here(), "the list continues beyond its ends");
         }
         const CListItem* previous = &list.head;
         std::int64_t number = 0;
         for (const CListItem* node = list.head.next; node != &list.tail; node = node->next) {
             ++number;
             if (node == nullptr) {
-                return At(place, "the list ends before node " + std::to_string(number));
+                return At(here(), "the list ends before node " + std::to_string(number));
             }
             if (number > list.count) {
-                return At(place, "the list has more nodes than its count of " + std::to_string(list.count));
+                return At(here(), "the list has more nodes than its count of " + std::to_string(list.count));
             }
             if (node->prev != (end == FilledAt::tail ? previous : &list.head)) {
-                return At(place, "node " + std::to_string(number) + " links back to another node");
+                return At(here(), "node " + std::to_string(number) + " links back to another node");
             }
             Own(node);
             if (Violation found = visit(*static_cast<const T*>(node), number)) {
@@ -143,10 +148,10 @@ class ModelWalk {
             previous = node;
         }
         if (number != list.count) {
-            return At(place, "the list has fewer nodes than its count of " + std::to_string(list.count));
+            return At(here(), "the list has fewer nodes than its count of " + std::to_string(list.count));
         }
         if (list.tail.prev != (end == FilledAt::tail ? previous : &list.head)) {
-            return At(place, "the end of the list links back to another node");
+            return At(here(), "the end of the list links back to another node");
         }
         return std::nullopt;
     }
@@ -159,21 +164,21 @@ class ModelWalk {
             if (Violation found = Head(at, i)) {
                 return found;
             }
-            Violation found =
-                List(at.composition->children, FilledAt::tail, PathOf(i),
-                     [&](const CCompoChild& child, std::int64_t entry) -> Violation {
-                         if (Violation wrong = Child(child, i, entry)) {
-                             return wrong;
-                         }
-                         if (child.type != kChildComposition) {
-                             return std::nullopt;
-                         }
-                         places_.push_back({child.item.composition, i, entry, at.level + 1});
-                         Own(child.item.composition);
-                         return seen.insert(child.item.composition).second
-                                    ? std::nullopt
-                                    : At(PathOf(places_.size() - 1), "the composition is in two places");
-                     });
+            Violation found = List(
+                at.composition->children, FilledAt::tail, [&] { return PathOf(i); },
+                [&](const CCompoChild& child, std::int64_t entry) -> Violation {
+                    if (Violation wrong = Child(child, i, entry)) {
+                        return wrong;
+                    }
+                    if (child.type != kChildComposition) {
+                        return std::nullopt;
+                    }
+                    places_.push_back({child.item.composition, i, entry, at.level + 1});
+                    Own(child.item.composition);
+                    return seen.insert(child.item.composition).second
+                               ? std::nullopt
+                               : At(PathOf(places_.size() - 1), "the composition is in two places");
+                });
             if (found) {
                 return found;
             }
@@ -231,36 +236,38 @@ class ModelWalk {
     }
 
     Violation TopLevelFootage() {
-        return List(settings_.files, FilledAt::tail, "top-level footage",
-                    [this](const CCompoChild& child, std::int64_t entry) -> Violation {
-                        const auto here = [entry] { return "top-level footage " + std::to_string(entry); };
-                        if (child.type != kChildFile || child.item.file == nullptr) {
-                            return At(here(), "it is not footage");
-                        }
-                        const CFileItem& file = *child.item.file;
-                        // A path that could not be read is null, never empty.
-                        if (!HasText(file.path) && file.path != nullptr) {
-                            return At(here(), "the path is empty");
-                        }
-                        return file.blendMode != kBlendNormal
-                                   ? At(here(), "it has a blend mode, which the file cannot give it")
-                                   : File(file, here);
-                    });
+        return List(
+            settings_.files, FilledAt::tail, [] { return "top-level footage"; },
+            [this](const CCompoChild& child, std::int64_t entry) -> Violation {
+                const auto here = [entry] { return "top-level footage " + std::to_string(entry); };
+                if (child.type != kChildFile || child.item.file == nullptr) {
+                    return At(here(), "it is not footage");
+                }
+                const CFileItem& file = *child.item.file;
+                // A path that could not be read is null, never empty.
+                if (!HasText(file.path) && file.path != nullptr) {
+                    return At(here(), "the path is empty");
+                }
+                return file.blendMode != kBlendNormal
+                           ? At(here(), "it has a blend mode, which the file cannot give it")
+                           : File(file, here);
+            });
     }
 
     Violation Objects() {
-        return List(settings_.objects, FilledAt::head, "objects",
-                    [this](const CSceneObject& object, std::int64_t number) -> Violation {
-                        const std::string here = "object " + std::to_string(number);
-                        if (Violation found = Kind(object, here)) {
-                            return found;
-                        }
-                        HasText(object.name);
-                        if (complete_ && object.name == nullptr) {
-                            return At(here, "it has no name");
-                        }
-                        return Keys(object, here);
-                    });
+        return List(
+            settings_.objects, FilledAt::head, [] { return "objects"; },
+            [this](const CSceneObject& object, std::int64_t number) -> Violation {
+                const std::string here = "object " + std::to_string(number);
+                if (Violation found = Kind(object, here)) {
+                    return found;
+                }
+                HasText(object.name);
+                if (complete_ && object.name == nullptr) {
+                    return At(here, "it has no name");
+                }
+                return Keys(object, here);
+            });
     }
 
     [[nodiscard]] Violation Kind(const CSceneObject& object, const std::string& here) const {
