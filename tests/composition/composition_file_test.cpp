@@ -221,14 +221,14 @@ TEST(CompositionFile, SettingsDefaultsAndLastValues) {
     EXPECT_EQ(defaults.settings.fields, kFieldsNone);
     EXPECT_EQ(defaults.settings.local, 0);
 
-    ReadText twice(
-        with_settings(std::string(kSettings) +
-                      "FPS 29.97 FIELDS EVEN FIELDS ODD ASPECT 2 ASPECT 0x0.8 LOCAL LOCAL FROM 7 FROM - "
-                      "TO 99999999999 RESOLUTION 1e3 0099 "));
+    ReadText twice(with_settings(
+        std::string(kSettings) +
+        "FPS 29.97 FIELDS EVEN FIELDS ODD ASPECT 2 ASPECT 0x0.8 ASPECT 0x LOCAL LOCAL FROM 7 FROM - "
+        "TO 99999999999 RESOLUTION 1e3 0099 "));
     ASSERT_EQ(twice.result, 1);
     EXPECT_EQ(twice.settings.fps, 29);
     EXPECT_EQ(twice.settings.fields, kFieldsOdd);
-    EXPECT_EQ(twice.settings.aspect, 0.5F);
+    EXPECT_EQ(twice.settings.aspect, 0.5F) << "a hexadecimal prefix alone has no value";
     EXPECT_EQ(twice.settings.local, 1);
     EXPECT_EQ(twice.settings.from, 7) << "a lone minus sign has no value";
     EXPECT_EQ(twice.settings.to, 2147483647);

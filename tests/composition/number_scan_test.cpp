@@ -37,10 +37,7 @@ TEST(StrToReal, TableOfTexts) {
         {"nor is one with a sign alone", "7E+", 1, 7.0F},
         {"hexadecimal", "0x1F", 1, 31.0F},
         {"hexadecimal with a fraction", "0X1.8", 1, 1.5F},
-        {"hexadecimal without digits is the zero before the x", "0x", 1, 0.0F},
-        {"as is hexadecimal with a point alone", "0x.", 1, 0.0F},
-        {"hexadecimal with a sign after the prefix is 0", "0x-5", 1, 0.0F},
-        {"hexadecimal with a name after the prefix is 0", "0xinf", 1, 0.0F},
+        {"a hexadecimal point without digits leaves the zero before the x", "0x.", 1, 0.0F},
         {"hexadecimal fraction without a digit before the point", "0x.8", 1, 0.5F},
         {"negative hexadecimal", "-0x10", 1, -16.0F},
         {"hexadecimal exponent", "0x1p4", 1, 16.0F},
@@ -66,6 +63,15 @@ TEST(StrToReal, TableOfTexts) {
         {"a lone point", ".", 0, kUntouched},
         {"a word", "abc", 0, kUntouched},
         {"an exponent without a number", "e5", 0, kUntouched},
+        {"a hexadecimal prefix alone", "0x", 0, kUntouched},
+        {"a hexadecimal prefix in upper case alone", "0X", 0, kUntouched},
+        {"a hexadecimal prefix behind a sign", "-0x", 0, kUntouched},
+        {"a hexadecimal prefix before a blank", "0x 5", 0, kUntouched},
+        {"a hexadecimal prefix before a sign", "0x-5", 0, kUntouched},
+        {"a hexadecimal prefix before a name", "0xinf", 0, kUntouched},
+        {"a hexadecimal prefix before an exponent", "0xp4", 0, kUntouched},
+        {"a hexadecimal prefix before another", "0x0x5", 1, 0.0F},
+        {"two hexadecimal prefixes in a row", "0xx5", 0, kUntouched},
     };
     for (const RealCase& c : cases) {
         SCOPED_TRACE(c.why);

@@ -80,10 +80,12 @@ int StrToReal(const char* text, float& value) {
         }
         return error != std::errc::invalid_argument;
     };
-    // Without a digit after its prefix a hexadecimal number is the decimal 0 before the "x". from_chars would
-    // accept a sign or a name there.
-    const bool prefixed = (rest.starts_with("0x") || rest.starts_with("0X")) && rest.size() > 2 &&
-                          (is_hexadecimal_digit(rest[2]) || rest[2] == '.');
+    // The scan takes in the prefix before it looks for digits, so a prefix with neither a hexadecimal digit
+    // nor a point behind it matches nothing. "0x." is the decimal 0 before the "x".
+    const bool prefixed = rest.starts_with("0x") || rest.starts_with("0X");
+    if (prefixed && (rest.size() == 2 || !(is_hexadecimal_digit(rest[2]) || rest[2] == '.'))) {
+        return 0;
+    }
     if (!(prefixed && convert(rest.substr(2), std::chars_format::hex)) &&
         !convert(rest, std::chars_format::general)) {
         return 0;

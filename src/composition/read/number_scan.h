@@ -11,7 +11,8 @@
 // ignored.
 
 /// "%f": decimal or hexadecimal, infinity or NaN; rounded once to single precision, beyond its range to
-/// infinity or zero. An exponent letter without digits is not part of the number: "7E" is 7.
+/// infinity or zero. An exponent letter without digits is not part of the number: "7E" is 7. A "0x" without a
+/// hexadecimal digit behind it matches nothing, and the target keeps its value.
 int StrToReal(const char* text, float& value);
 
 /// "%d": the longest decimal prefix, so "29.97" is 29 and "0x1F" is 0. Out of range gives the nearest 32-bit
