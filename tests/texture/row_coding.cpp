@@ -38,6 +38,26 @@ std::vector<Packet> packets_of(const Bytes& plain) {
     return packets;
 }
 
+// Whether a decoder takes the byte after the input: only for a run whose control byte is the last of it.
+bool takes_byte_behind(const Bytes& coded, std::size_t wanted) {
+    std::size_t at = 0;
+    std::size_t filled = 0;
+    while (filled < wanted && at < coded.size()) {
+        const std::size_t control = coded[at++];
+        if (control > 0x80) {
+            if (at == coded.size()) {
+                return true;
+            }
+            ++at;
+            filled += 257 - control;
+        } else if (control < 0x80) {
+            at += control + 1;
+            filled += control + 1;
+        }
+    }
+    return false;
+}
+
 }  // namespace
 
 std::optional<Bytes> encoded(const Bytes& plain, std::size_t capacity) {
@@ -51,11 +71,13 @@ std::optional<Bytes> encoded(const Bytes& plain, std::size_t capacity) {
 }
 
 std::optional<Bytes> decoded(const Bytes& coded, std::size_t wanted) {
-    Bytes guarded = coded;
-    guarded.push_back(kGuard);
-    ExactBuffer src(guarded);
+    Bytes readable = coded;
+    if (takes_byte_behind(coded, wanted)) {
+        readable.push_back(kGuard);
+    }
+    ExactBuffer src(readable);
     ExactBuffer dst(wanted);
-    if (!pack_bits_decode(src.data(), src.size() - 1, dst.data(), dst.size())) {
+    if (!pack_bits_decode(src.data(), static_cast<std::int32_t>(coded.size()), dst.data(), dst.size())) {
         return std::nullopt;
     }
     return dst.all();

@@ -10,13 +10,14 @@
 
 using Bytes = std::vector<unsigned char>;
 
-/// The byte after the input of `decoded`.
+/// The byte after the input of `decoded`, where the coding says that it is read. Elsewhere the buffer ends
+/// with the input.
 inline constexpr unsigned char kGuard = 0x5A;
 
 /// What the encoder writes into `capacity` bytes; nullopt when it fails.
 [[nodiscard]] std::optional<Bytes> encoded(const Bytes& plain, std::size_t capacity);
 
-/// What the decoder makes of the input, which is followed by the guard byte; nullopt when it fails.
+/// What the decoder makes of the input; nullopt when it fails.
 [[nodiscard]] std::optional<Bytes> decoded(const Bytes& coded, std::size_t wanted);
 
 /// What the decoder makes of input that is followed by nothing; nullopt when it fails.

@@ -149,8 +149,8 @@ void decode_with_room(Progress& at) {
     at = {src, dst, src_end - src, dst_end - dst};
 }
 
-// Decodes one packet byte by byte. `behind` stands for the byte after the input.
-void decode_packet(Progress& at, unsigned char behind) {
+// Decodes one packet byte by byte. `behind` is the byte after the input.
+void decode_packet(Progress& at, const unsigned char* behind) {
     const unsigned char control = *at.src++;
     --at.in;
     if (control == kNoOperation) {
@@ -162,7 +162,7 @@ void decode_packet(Progress& at, unsigned char behind) {
         // behaviour: at the end of the input the byte after it is taken, `in` becomes -1, and the input
         // counts as used up.
         length = std::min<std::int64_t>(257 - control, at.out);
-        std::memset(at.dst, at.in > 0 ? *at.src : behind, static_cast<std::size_t>(length));
+        std::memset(at.dst, at.in > 0 ? *at.src : *behind, static_cast<std::size_t>(length));
         ++at.src;
         --at.in;
     } else {
@@ -176,7 +176,7 @@ void decode_packet(Progress& at, unsigned char behind) {
     at.out -= length;
 }
 
-bool decode(Progress at, unsigned char behind) {
+bool decode(Progress at, const unsigned char* behind) {
     while (at.out > 0 && at.in > 0) {
         decode_with_room(at);
         if (at.out > 0 && at.in > 0) {
@@ -217,10 +217,10 @@ std::int32_t pack_bits_encode(const unsigned char* src, std::int32_t srcLen, uns
 
 bool pack_bits_decode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                       std::int32_t dstLen) {
-    return decode({src, dst, srcLen, dstLen}, srcLen > 0 && dstLen > 0 ? src[srcLen] : kNothing);
+    return decode({src, dst, srcLen, dstLen}, srcLen > 0 ? src + srcLen : &kNothing);
 }
 
 bool pack_bits_decode_block(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                             std::int32_t dstLen) {
-    return decode({src, dst, srcLen, dstLen}, kNothing);
+    return decode({src, dst, srcLen, dstLen}, &kNothing);
 }

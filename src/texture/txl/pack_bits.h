@@ -19,9 +19,10 @@
 /// Decodes the `srcLen` bytes at `src` into exactly `dstLen` bytes at `dst`. Returns true when filling the
 /// output used up the input. Input that is left over is a failure, even if it would decode to nothing. A
 /// packet longer than the remaining output is cut, which alone is not a failure. After a failure the contents
-/// of `dst` are undefined. Precondition: when `srcLen` is positive, the byte after the input, `src[srcLen]`,
-/// is readable. Deliberately, a run whose control byte is the last byte of the input takes that byte as its
-/// value and counts as using up the input: that is the settled behaviour of the coding.
+/// of `dst` are undefined. Deliberately, a run whose control byte is the last byte of the input takes the
+/// byte after the input, `src[srcLen]`, as its value and counts as using up the input: that is the settled
+/// behaviour of the coding. Precondition: that byte is readable if the input may end so. No other input makes
+/// the function read it.
 [[nodiscard]] bool pack_bits_decode(const unsigned char* src, std::int32_t srcLen, unsigned char* dst,
                                     std::int32_t dstLen);
 
