@@ -64,7 +64,7 @@ inline constexpr Limit kText{
     kCompositionFile.value,
     "bytes",
     Rule::file_length,
-    "memory grows with the bytes that are read",
+    "it takes as much memory as it has bytes in the file",
     "there is no such file",
 };
 
@@ -74,7 +74,7 @@ inline constexpr Limit kPath{
     kCompositionFile.value,
     "bytes",
     Rule::file_length,
-    "memory grows with the bytes that are read",
+    "it takes as much memory as it has bytes in the file",
     "there is no such file",
 };
 
@@ -99,8 +99,8 @@ inline constexpr Limit kTextureFile{
     2147483646,
     "bytes",
     Rule::format,
-    "lengths and positions are signed 32-bit numbers, and the largest stands for every longer file",
-    "refused before anything is read: over-limit; a longer file that was just written is an error",
+    "lengths and positions are signed 32-bit numbers; the largest of them stands for every longer file",
+    "refused before anything is read: over-limit; to write a longer file is an error",
 };
 
 inline constexpr Limit kTexturePixels{
@@ -109,7 +109,8 @@ inline constexpr Limit kTexturePixels{
     std::int64_t{1} << 30,
     "pixels",
     Rule::ours,
-    "32,768 x 32,768, for which the plug-in takes 8 GiB; a header that only claims a size costs nothing",
+    "32,768 x 32,768, for which the plug-in needs 8 GiB of memory; a header that only claims this size costs "
+    "nothing",
     "refused: over-limit",
 };
 
@@ -119,7 +120,7 @@ inline constexpr Limit kDecodedBytes{
     std::int64_t{4} << 30,
     "bytes",
     Rule::ours,
-    "the most pixels in RGB, with one alpha channel, which is also what the plug-in keeps",
+    "the largest RGB texture with one alpha channel; the plug-in keeps one, too",
     "refused: over-limit",
 };
 
@@ -129,27 +130,28 @@ inline constexpr Limit kRowBytes{
     std::int64_t{1} << 30,
     "bytes",
     Rule::ours,
-    "a row of the most pixels in grey; a row is held in memory as a whole",
+    "the largest grey texture in a single row; a row is held in memory as a whole",
     "refused: over-limit",
 };
 
 inline constexpr Limit kRowRate{
     "row-rate",
-    "bytes of a row for each byte that the file still has, and one",
+    "bytes of a row beyond 16,777,216, for each byte left in the file",
     64,
     "bytes",
-    Rule::format,
-    "the best that the row coding does: two bytes give 128, and a last run may borrow its second byte",
+    Rule::ours,
+    "a sound row never needs more: two packed bytes become 128; a damaged row of no bytes may still have "
+    "16,777,216",
     "refused before memory is asked for: block-too-long",
 };
 
 inline constexpr Limit kRepairedBytes{
     "repaired-rows",
-    "bytes of all rows beyond 64 for each byte of the file",
+    "bytes of all rows together, beyond 64 for each byte of the file",
     std::int64_t{1} << 24,
     "bytes",
     Rule::ours,
-    "sound rows need none of it; damaged ones would let 7 bytes stand for a row of any width",
+    "sound rows never need them; without this limit, 7 bytes could stand for a damaged row of any width",
     "refused: over-limit",
 };
 
@@ -159,7 +161,7 @@ inline constexpr Limit kTextureHeaders{
     16,
     "headers",
     Rule::ours,
-    "writers write one; each makes the picture anew, which costs more than the bytes that ask for it",
+    "a texture needs one; each further one starts the picture over, which takes far longer than reading it",
     "refused: over-limit",
 };
 
@@ -169,7 +171,7 @@ inline constexpr Limit kAlphaNesting{
     64,
     "levels",
     Rule::ours,
-    "writers nest none; following them takes stack",
+    "writers do not nest them, and each level takes stack",
     "refused: over-limit",
 };
 
@@ -182,7 +184,7 @@ inline constexpr Limit kChunkNesting{
     kTextureFile.value / kChunkStart_bytes,
     "levels",
     Rule::file_length,
-    "levels are counted and not followed; the shortest beginning of a chunk has 9 bytes",
+    "levels are only counted, which takes no memory; a chunk begins with 9 bytes",
     "there is no such file",
 };
 

@@ -101,7 +101,8 @@ std::string row_above_the_rate(const TemporaryFolder& folder, int above) {
     file.rows.trailing = HyperBytes().Block(std::string(100, 'x')).bytes();
     const std::string rest = HyperBytes().UChar(9).Block("").Raw(file.rows.trailing).End().End().bytes();
     const auto left = static_cast<std::int64_t>(rest.size());
-    file.rows.count = static_cast<std::int32_t>(limits::kRowRate.value * (left + 1)) + above;
+    file.rows.count =
+        static_cast<std::int32_t>(limits::kRepairedBytes.value + limits::kRowRate.value * (left + 1)) + above;
     return texture(folder, file);
 }
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <nlohmann/json.hpp>
 #include <set>
 #include <string>
@@ -44,6 +45,31 @@ TEST(LimitsVerb, JsonHasEveryMemberInItsPlace) {
               R"({"id":"word","name":"length of a word or number","value":511,"unit":"characters",)"
               R"("rule":"format","reason":"a word has 512 bytes with the zero behind it",)"
               R"("beyond":"refused: word-too-long"})");
+}
+
+TEST(LimitsVerb, CallsOurRulesOurs) {
+    const std::map<std::string, std::string> expected{
+        {"composition-file", "format"},
+        {"composition-nesting", "ours"},
+        {"word", "format"},
+        {"text", "file-length"},
+        {"path", "file-length"},
+        {"keys", "file-length"},
+        {"texture-file", "format"},
+        {"texture-pixels", "ours"},
+        {"texture-decoded", "ours"},
+        {"row", "ours"},
+        {"row-rate", "ours"},
+        {"repaired-rows", "ours"},
+        {"texture-headers", "ours"},
+        {"alpha-nesting", "ours"},
+        {"chunk-nesting", "file-length"},
+    };
+    std::map<std::string, std::string> found;
+    for (const Json& limit : Json::parse(output_of({"limits", "--json"})).at("limits")) {
+        found.emplace(limit.at("id"), limit.at("rule"));
+    }
+    EXPECT_EQ(found, expected);
 }
 
 TEST(Limits, HaveDistinctNamesAndAReason) {

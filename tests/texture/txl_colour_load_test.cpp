@@ -55,6 +55,25 @@ const std::vector<LoadCase> kColourCases = {
      },
      kNoPixels,
      {}},
+    {"ANegativeNumberOfRowsIsNoRows",
+     [](TxlFile& f) {
+         f.rows.rows = -1;
+         f.rows.blocks.clear();
+     },
+     kNoPixels,
+     {}},
+    {"WhatFollowsTheSmallestNumberOfRowsIsSkipped",
+     [](TxlFile& f) { f.rows.rows = INT32_MIN; },
+     kNoPixels,
+     {}},
+    {"RowsAfterANegativeNumberOfRowsAreRead",
+     [](TxlFile& f) {
+         TxlRows negative = f.rows;
+         negative.rows = -2;
+         f.before_rows = negative.bytes();
+     },
+     kSoundPixels,
+     {}},
     {"RowsWithoutPixelsStillHaveBlocks",
      [](TxlFile& f) {
          f.rows.count = 0;

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstdio>
 #include <string>
 
@@ -82,6 +83,30 @@ TEST(TxlLimits, EmptyRowsAreRepairedUpToALimit) {
     ASSERT_TRUE(refused.reading.error.has_value());
     EXPECT_EQ(refused.reading.error->code, TextureFault::over_limit);
     EXPECT_EQ(chunk_path(refused.reading.error->within), "502 > TaVx");
+}
+
+// The file is so short that 64 bytes of row for each of its bytes end at 640.
+TEST(TxlLimits, OneRowIsRepairedUpTo2To24BytesWhateverTheLengthOfTheFile) {
+    const TemporaryFolder folder;
+    for (const std::int32_t width : {640, 641, 1 << 24}) {
+        for (const int flag : {0, 1}) {
+            TxlFile file;
+            file.width = width;
+            file.height = 1;
+            file.mode = 2;
+            file.rows.channels = 1;
+            file.rows.count = width;
+            file.rows.rows = 1;
+            file.rows.blocks = {{flag, ""}};
+            const BothLoads both(folder.write("empty_block.txl", file.bytes()));
+            EXPECT_TRUE(both.loaded) << width << " pixels, flag " << flag;
+            ASSERT_TRUE(both.reading.texture.has_value()) << both.reading.error->reason;
+            EXPECT_EQ(std::count(both.reading.texture->pixels.begin(), both.reading.texture->pixels.end(), 0),
+                      width);
+            ASSERT_FALSE(both.reading.warnings.empty());
+            EXPECT_EQ(both.reading.warnings.front().code, TextureNotice::row_cleared);
+        }
+    }
 }
 
 TEST(TxlLimits, TheLimitOfRepairedRowsCoversAllChunksTogether) {

@@ -81,7 +81,12 @@ const std::vector<RefusalCase> kRefusals = {
      },
      TextureFault::over_limit, "502 > TaTx"},
     {"NegativeCount", [](TxlFile& f) { f.rows.count = -1; }, TextureFault::negative_size, "502 > TaVx"},
-    {"NegativeRows", [](TxlFile& f) { f.rows.rows = INT32_MIN; }, TextureFault::negative_size, "502 > TaVx"},
+    {"NegativeCountOfNoRows",
+     [](TxlFile& f) {
+         f.rows.count = -1;
+         f.rows.rows = -1;
+     },
+     TextureFault::negative_size, "502 > TaVx"},
     {"RowsAboveOneGigabyte", [](TxlFile& f) { f.rows.count = (1 << 30) / 3 + 1; }, TextureFault::over_limit,
      "502 > TaVx"},
     {"RowsOfOneGigabyteThatTheFileCannotHold", [](TxlFile& f) { f.rows.count = (1 << 30) / 3; },

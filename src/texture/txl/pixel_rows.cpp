@@ -55,10 +55,10 @@ bool PixelRowReader::begin() {
     const std::int32_t count = header_.count;
     const std::int32_t rows = header_.rows;
     const std::int32_t channels = header_.channels;
-    if (count < 0 || rows < 0 || channels < 0) {
+    if (count < 0 || channels < 0) {
         return hf_->Fail(TextureFault::negative_size, [&] {
-            return std::to_string(rows) + " rows of " + std::to_string(count) + " pixels with " +
-                   std::to_string(channels) + " channels";
+            return "rows of " + std::to_string(count) + " pixels with " + std::to_string(channels) +
+                   " channels";
         }) != 0;
     }
     // Below 2^62: the factors have 31 bits each.
@@ -66,14 +66,14 @@ bool PixelRowReader::begin() {
     if (row_bytes > limits::kRowBytes.value) {
         return too_wide(hf_, row_bytes) != 0;
     }
-    if (rows == 0 || channels == 0) {
+    if (rows <= 0 || channels == 0) {
         return true;
     }
     const std::int64_t left = std::int64_t{hf_->GetLength()} - hf_->GetPosition();
-    if (row_bytes > limits::kRowRate.value * (left + 1)) {
+    if (row_bytes - limits::kRepairedBytes.value > limits::kRowRate.value * (left + 1)) {
         return hf_->Fail(TextureFault::block_too_long, limits::kRowRate, [&] {
             return "rows of " + std::to_string(row_bytes) + " bytes where the file has " +
-                   std::to_string(left) + " left, too few for one row";
+                   std::to_string(left) + " left, too few even for one row";
         }) != 0;
     }
     row_ = zeroed(row_bytes);

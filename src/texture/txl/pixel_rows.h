@@ -31,9 +31,10 @@ class PixelRowReader {
     PixelRowReader(PrivateHyperFile* hf, const PixelRowsHeader& header, std::int64_t& file_row_bytes)
         : hf_(hf), header_(header), file_row_bytes_(file_row_bytes) {}
 
-    /// Checks the header and allocates the buffers. False with error -7 for negative sizes, for rows above
-    /// limits::kRowBytes and when memory is short. False with error 1, before anything is allocated, for rows
-    /// of more bytes than the rest of the file could hold at the best compression of the row coding.
+    /// Checks the header and allocates the buffers. A negative number of rows is no rows. False with error -7
+    /// for other negative sizes, for rows above limits::kRowBytes and when memory is short. False with error
+    /// 1, before anything is allocated, for rows that exceed by more than limits::kRepairedBytes what the
+    /// rest of the file could hold at the best compression of the row coding.
     [[nodiscard]] bool begin();
 
     /// Reads the next row. False after the last row, or with the container's error set: to -7 when the file's

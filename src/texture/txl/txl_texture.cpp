@@ -136,7 +136,6 @@ void TXLTexture::Write(PrivateHyperFile* hf) {
     const std::int32_t channels = texture_channels(mode);
     if (channels == 0) {
         return;  // Deliberately without the chunk's end tag: the format has no other form for such modes.
-                 // had.
     }
     if (!write_rows(hf, image, width, height, channels)) {
         return;
