@@ -2,7 +2,10 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdint>
+#include <string>
 #include <string_view>
+#include <vector>
 
 namespace {
 
@@ -67,6 +70,36 @@ TEST(Utf8, NothingIsWellFormedAndHasNoFirstCharacter) {
 TEST(Utf8, OneWrongByteAmongOthersIsEnough) {
     EXPECT_TRUE(text::is_utf8("Sch\xc3\xb6n"));
     EXPECT_FALSE(text::is_utf8("Sch\xc3\xb6n\xff"));
+}
+
+TEST(Utf8, CharactersAreEncodedAsTheyAreDecoded) {
+    for (const Case& c : kWellFormed) {
+        std::string encoded = "+";
+        text::append_utf8(encoded, c.code_point);
+        EXPECT_EQ(encoded, "+" + std::string(c.text)) << c.name;
+    }
+}
+
+struct UnitsCase {
+    const char* name;
+    std::vector<std::uint16_t> units;
+    std::string_view text;
+};
+
+const UnitsCase kUnits[] = {
+    {"nothing", {}, ""},
+    {"one, two and three bytes", {'A', 0x7F, 0x80, 0x7FF, 0x800}, "A\x7f\xC2\x80\xDF\xBF\xE0\xA0\x80"},
+    {"NUL is a character", {0, 'A'}, "\0A"sv},
+    {"a pair of surrogates", {0xD83D, 0xDE00}, "\xF0\x9F\x98\x80"},
+    {"a leading surrogate alone", {0xD83D}, "\xEF\xBF\xBD"},
+    {"surrogates apart", {0xD83D, '!', 0xDE00}, "\xEF\xBF\xBD!\xEF\xBF\xBD"},
+    {"sign-extended bytes are kept", {0xFF80, 0xFFFF}, "\xEF\xBE\x80\xEF\xBF\xBF"},
+};
+
+TEST(Utf8, CodeUnitsBecomeUtf8) {
+    for (const UnitsCase& c : kUnits) {
+        EXPECT_EQ(text::utf8_of_units(c.units), c.text) << c.name;
+    }
 }
 
 }  // namespace

@@ -172,17 +172,6 @@ TEST(TextureReport, ChunksAreNamedByCharactersOrNumber) {
     EXPECT_EQ(chunk_name(four_characters("\x1b[0m")), "458961005");
 }
 
-TEST(TextureReport, CodeUnitsBecomeUtf8) {
-    using Units = std::vector<std::uint16_t>;
-    EXPECT_EQ(utf8_from_units(Units{}), "");
-    EXPECT_EQ(utf8_from_units(Units{'A', 0x7F, 0x80, 0x7FF, 0x800}), "A\x7f\xC2\x80\xDF\xBF\xE0\xA0\x80");
-    EXPECT_EQ(utf8_from_units(Units{0xD83D, 0xDE00}), "\xF0\x9F\x98\x80");
-    EXPECT_EQ(utf8_from_units(Units{0xD83D}), "\xEF\xBF\xBD") << "an unpaired surrogate";
-    EXPECT_EQ(utf8_from_units(Units{0xD83D, '!', 0xDE00}), "\xEF\xBF\xBD!\xEF\xBF\xBD");
-    EXPECT_EQ(utf8_from_units(Units{0xFF80, 0xFFFF}), "\xEF\xBE\x80\xEF\xBF\xBF")
-        << "sign-extended bytes are kept";
-}
-
 TEST(TextureReport, EveryFaultAndNoticeHasItsOwnName) {
     std::vector<std::string> names;
     for (const auto& row : texture_faults()) {

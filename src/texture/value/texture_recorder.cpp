@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "text/utf8.h"
+
 void TextureRecorder::on_chunk_start(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
     ChunkOutline* added = nullptr;
     if (outline_) {
@@ -61,7 +63,7 @@ void TextureRecorder::on_row(const RowBlock& block) {
 }
 
 void TextureRecorder::on_layer(const LayerHeader& header) {
-    layer_name_ = utf8_from_units(header.name);
+    layer_name_ = text::utf8_of_units(header.name);
     layers_.push_back({header.color_mode, {header.attributes.begin(), header.attributes.end()}, layer_name_});
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
         chunk->layer = layers_.back();

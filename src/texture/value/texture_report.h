@@ -49,7 +49,3 @@ struct ChunkOutline {
 
 /// Joins names of chunks: "502 > 599 > 110100 > 501 > TaVx". Empty at the top level of a file.
 [[nodiscard]] std::string chunk_path(const std::vector<std::string>& within);
-
-/// Converts code units to UTF-8. Unpaired surrogates become U+FFFD; units 0xFF80 to 0xFFFF, to which the
-/// format extends bytes above 127, are kept.
-[[nodiscard]] std::string utf8_from_units(std::span<const std::uint16_t> units);
