@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
+#include "embedded/frame_driver.h"
 #include "embedded/host_path.h"
 #include "embedded/invariants.h"
 #include "embedded/module_driver.h"

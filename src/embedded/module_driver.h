@@ -26,9 +26,6 @@ Id make_in_spec(Session& session, const std::string& path);
 /// leaves dimensions or duration to the host, what it set in the in-spec counts.
 OpenResult open_with_module(Session& session, const Module& module, const std::string& path);
 
-/// Has the module draw into a frame with guard bytes around its rows; reports what it wrote there.
-DrawResult draw_frame(Session& session, Id in_spec, const FrameShape& shape);
-
 /// Has the module dispose of what it keeps; the in-spec is dead afterwards, whatever the module answers.
 CallbackResult dispose_in_spec(Session& session, Id in_spec);
 
