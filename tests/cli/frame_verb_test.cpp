@@ -137,11 +137,14 @@ TEST(FrameVerb, FileNamesThatAreNotUtf8NeedAClassicHost) {
     EXPECT_TRUE(fs::exists(folder.path("f.png")));
 }
 
-TEST(FrameVerb, AFrameOfAnotherSizeGetsTheTopLeftPart) {
+TEST(FrameVerb, AClassicHostsFrameOfAnotherSizeGetsTheTopLeftPart) {
     const TemporaryFolder folder;
     ASSERT_FALSE(write_texture(folder.path("a.txl"), made_texture(8, 6, Texture::kRgb, 1)).has_value());
     const Texture stored = read_texture(folder.path("a.txl")).texture.value();
-    ASSERT_EQ(vxr(folder, {"frame", "a.txl", "-o", "f.png", "--size", "10x4", "--fill", "77"}).exit_code, 0);
+    ASSERT_EQ(
+        vxr(folder, {"frame", "a.txl", "-o", "f.png", "--size", "10x4", "--fill", "77", "--host", "classic"})
+            .exit_code,
+        0);
     const Texture drawn = picture(folder, "f.png");
     ASSERT_EQ(drawn.width_px, 10);
     ASSERT_EQ(drawn.height_px, 4);

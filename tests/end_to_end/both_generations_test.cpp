@@ -94,11 +94,11 @@ TEST(BothGenerations, ReadTexturesAlikeAloneAndInAScene) {
         import_scene(host, scene);
         const embedded::OpenResult opened = host.open_with_module(path);
         ASSERT_EQ(opened.error, "");
-        frames.push_back(host.draw(opened.in_spec, {40, 20, 0, 0, 0, {0, 1}, 0x3C}).pixels);
+        frames.push_back(host.draw(opened.in_spec, {31, 17, 0, 0, 0, {0, 1}, 0x3C}).pixels);
         EXPECT_EQ(host.dispose(opened.in_spec).code, 0);
     });
     ASSERT_EQ(frames.size(), 2U);
-    ASSERT_EQ(frames[0].size(), 800U);
+    ASSERT_EQ(frames[0].size(), 527U);
     for (std::size_t i = 0; i < frames[0].size(); ++i) {
         EXPECT_EQ(frames[0][i].red, frames[1][i].red);
         EXPECT_EQ(frames[0][i].alpha, frames[1][i].alpha);

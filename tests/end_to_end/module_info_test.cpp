@@ -116,11 +116,12 @@ class Rooms {
         }
     }
 
-    /// Offsets of changed bytes, room * 1000 + byte.
+    /// Offsets of changed bytes, room * 1000 + byte. In a current host those that became 0 do not count: the
+    /// bridge clears every output before the module is asked.
     [[nodiscard]] std::vector<std::size_t> changed() const {
         std::vector<std::size_t> offsets;
         for (std::size_t i = 0; i < memory_.size(); ++i) {
-            if (memory_[i] != kKnown) {
+            if (memory_[i] != kKnown && (memory_[i] != 0 || !tests_today())) {
                 offsets.push_back(i / kRoom_bytes * 1000 + i % kRoom_bytes);
             }
         }
@@ -283,7 +284,7 @@ TEST(ModuleFunctions, OfCurrentHostsAloneRequestTheDefault) {
     EXPECT_EQ(functions->AEIO_AddMarker2(basic, out, 0, nullptr, nullptr), 9992);
     EXPECT_EQ(functions->AEIO_AddMarker3(basic, out, 0, nullptr, 0, nullptr), 9992);
     EXPECT_EQ(functions->AEIO_GetMimeType(basic, out, 4, mime_type.data()), 9992);
-    EXPECT_THAT(mime_type, ElementsAre('x', 'x', 'x', 'x'));
+    EXPECT_THAT(mime_type, ElementsAre('\0', 'x', 'x', 'x')) << "the empty text";
 }
 
 TEST(ModuleFunctions, InSpecInfoEmptiesTypeAndSubTypeOnly) {
@@ -294,7 +295,12 @@ TEST(ModuleFunctions, InSpecInfoEmptiesTypeAndSubTypeOnly) {
     }),
               0);
     // The second room holds the verbiage, with the type at 32 and the sub-type at 64.
-    EXPECT_THAT(rooms.changed(), ElementsAre(1032, 1064));
+    if (tests_today()) {
+        EXPECT_THAT(rooms.changed(), IsEmpty());
+        EXPECT_EQ(rooms.byte(1, 0), 0) << "the name, which is not the module's to leave as it was";
+    } else {
+        EXPECT_THAT(rooms.changed(), ElementsAre(1032, 1064));
+    }
     EXPECT_EQ(rooms.byte(1, 32), 0);
     EXPECT_EQ(rooms.byte(1, 64), 0);
 }
@@ -380,6 +386,9 @@ TEST(ModuleFunctions, OutputInfoNamesTheFileAndTheModule) {
     }
 }
 
+// What was 'x' before the module did not touch it: for a current host the bridge clears outputs.
+const A_char kUntouched = tests_today() ? '\0' : 'x';
+
 // A classic host does not yield such a path. A current host does, and the bridge reports why it cannot pass
 // it on.
 TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
@@ -399,7 +408,7 @@ TEST(ModuleFunctions, OutputInfoOfAPathThatDoesNotFit) {
                         "A path of the host cannot be used: in UTF-8 it is longer than 259 bytes.");
     }
     EXPECT_EQ(bundle.message_texts(), messages);
-    EXPECT_EQ(verbiage.name[0], 'x');
+    EXPECT_EQ(verbiage.name[0], kUntouched);
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 
@@ -418,9 +427,9 @@ TEST(ModuleFunctions, OutputInfoIfTheHostDoesNotKnowThePath) {
         });
         EXPECT_EQ(result.code, code);
         EXPECT_THAT(bundle.message_texts(), ElementsAre("Unable to get file data"));
-        EXPECT_EQ(verbiage.name[0], 'x');
-        EXPECT_EQ(verbiage.type[0], 'x');
-        EXPECT_EQ(verbiage.sub_type[0], 'x');
+        EXPECT_EQ(verbiage.name[0], kUntouched);
+        EXPECT_EQ(verbiage.type[0], kUntouched);
+        EXPECT_EQ(verbiage.sub_type[0], kUntouched);
     }
 }
 

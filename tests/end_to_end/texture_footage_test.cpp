@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "end_to_end/texture_scene.h"
+#include "support/area_average.h"
 #include "support/loaded_bundle.h"
 #include "support/temporary_folder.h"
 
@@ -98,6 +99,17 @@ TEST_P(TextureFootage, HasNoAlphaLabelInAnOlderHost) {
     }
 }
 
+// What a current host gets: the whole picture in the size of the frame.
+PF_Pixel scaled_pixel(const Texture& texture, A_long x, A_long y, const embedded::FrameShape& shape) {
+    const auto mean = [&](A_u_char PF_Pixel::*channel) {
+        return area_average(
+            x, y, shape.width_px, shape.height_px, texture.width_px, texture.height_px,
+            [&](A_long column, A_long row) { return frame_pixel(texture, column, row).*channel; });
+    };
+    return {mean(&PF_Pixel::alpha), mean(&PF_Pixel::red), mean(&PF_Pixel::green), mean(&PF_Pixel::blue)};
+}
+
+// A classic host gets the top left part of the picture, and the rest of its frame is left.
 TEST_P(TextureFootage, IsDrawnIntoFramesOfEveryShape) {
     constexpr A_long kWidth = 5;
     constexpr A_long kHeight = 4;
@@ -107,8 +119,8 @@ TEST_P(TextureFootage, IsDrawnIntoFramesOfEveryShape) {
         embedded::FrameShape shape;
     } frames[] = {
         {"its own size", {kWidth, kHeight, 0, 0, 0, {0, 1}, kFill}},
-        {"smaller: the top left part", {3, 2, 0, 0, 0, {0, 1}, kFill}},
-        {"larger: the rest stays as it was", {9, 7, 0, 0, 0, {0, 1}, kFill}},
+        {"smaller", {3, 2, 0, 0, 0, {0, 1}, kFill}},
+        {"larger", {9, 7, 0, 0, 0, {0, 1}, kFill}},
         {"wider and lower", {8, 2, 0, 0, 0, {0, 1}, kFill}},
         {"rows with padding", {kWidth, kHeight, 4 * kWidth + 28, 0, 0, {0, 1}, kFill}},
         {"rows with padding that is not a multiple of a pixel",
@@ -135,8 +147,9 @@ TEST_P(TextureFootage, IsDrawnIntoFramesOfEveryShape) {
         std::size_t at = 0;
         for (A_long y = 0; y < frame.shape.height_px; ++y) {
             for (A_long x = 0; x < frame.shape.width_px; ++x) {
-                const PF_Pixel expected = x < kWidth && y < kHeight ? frame_pixel(texture, x, y)
-                                                                    : PF_Pixel{kFill, kFill, kFill, kFill};
+                const PF_Pixel expected = tests_today() ? scaled_pixel(texture, x, y, frame.shape)
+                                          : x < kWidth && y < kHeight ? frame_pixel(texture, x, y)
+                                                                      : PF_Pixel{kFill, kFill, kFill, kFill};
                 EXPECT_EQ(std::memcmp(&drawn.pixels[at++], &expected, sizeof expected), 0) << x << ", " << y;
             }
         }
@@ -150,7 +163,9 @@ INSTANTIATE_TEST_SUITE_P(Kinds, TextureFootage, testing::ValuesIn(kKinds),
                          [](const auto& kind) { return std::string(kind.param.name); });
 
 PF_Pixel first_pixel(LoadedBundle& bundle, embedded::Id in_spec) {
-    const embedded::DrawResult drawn = bundle.host().draw(in_spec, {1, 1, 0, 0, 0, {0, 1}, 0});
+    const embedded::InSpec& spec = bundle.host().project().in_spec(in_spec);
+    const embedded::DrawResult drawn =
+        bundle.host().draw(in_spec, {spec.width, spec.height, 0, 0, 0, {0, 1}, 0});
     EXPECT_EQ(drawn.error, "");
     return drawn.pixels.at(0);
 }
@@ -233,18 +248,21 @@ TEST(BrokenTextures, AreReportedTwiceAndLeaveTheirHandle) {
     }
 }
 
+// Classic hosts draw what they have opened. For a current one the bridge has the file loaded again
+// (current_frames_test.cpp); here there is none.
 TEST(TexturesInAFailingHost, WithoutAnOptionsHandleNothingIsDrawnOrFreed) {
     LoadedBundle bundle;
     const embedded::Id spec = bundle.host().new_in_spec("never_opened.txl");
     const auto drawn = bundle.host().draw(spec, {2, 2, 0, 0, 0, {0, 1}, 0x11});
     EXPECT_EQ(drawn.error, "");
-    EXPECT_EQ(drawn.callback.code, 0);
+    EXPECT_EQ(drawn.callback.code, tests_today() ? 3 : 0);
     for (const PF_Pixel& pixel : drawn.pixels) {
         EXPECT_EQ(pixel.red, 0x11);
     }
     EXPECT_EQ(bundle.host().dispose(spec).code, 0);
-    EXPECT_THAT(bundle.message_texts(), IsEmpty());
-    EXPECT_FALSE(bundle.host().call_counts().contains("AEGP_FreeMemHandle"));
+    EXPECT_EQ(bundle.message_texts().size(), tests_today() ? 1U : 0U);
+    // The handle of the path.
+    EXPECT_EQ(bundle.host().call_counts()["AEGP_FreeMemHandle"], tests_today() ? 1 : 0);
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 

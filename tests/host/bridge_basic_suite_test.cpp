@@ -144,7 +144,7 @@ TEST(BridgeBasicSuite, EverythingElseComesFromTheHost) {
         std::string name;
         A_long version;
     } cases[] = {
-        {"a suite of every host", "AEGP Utility Suite", 7},
+        {"a suite of every host", "PF ANSI Suite", 1},
         {"the current version of a bridged one", "AEGP Footage Suite", 11},
         {"another version of a bridged one", "AEGP Footage Suite", 10},
         {"a bridged one with one letter in lower case", "AEGP footage Suite", 7},
@@ -153,6 +153,7 @@ TEST(BridgeBasicSuite, EverythingElseComesFromTheHost) {
     for (const auto& c : cases) {
         SCOPED_TRACE(c.why);
         CurrentHost host;
+        host.offer_suite("PF ANSI Suite", 1, &other_table);
         host.offer_suite("AEGP Footage Suite", 10, &other_table);
         host.offer_suite("AEGP footage Suite", 7, &other_table);
         const SPBasicSuite* bridge = bridge_over(host);

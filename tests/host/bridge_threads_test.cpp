@@ -59,7 +59,14 @@ TEST(BridgeThreads, SuitesAreCountedAndExceptionsStoppedOnEveryThread) {
     }
     EXPECT_EQ(answered, kThreads * kRounds) << "no thread lost a suite that it held";
     EXPECT_EQ(missing, kThreads * kRounds / 3);
-    EXPECT_EQ(host.reports, std::vector<std::string>(kThreads * kRounds / 3, kReport));
+    // Hosts may refuse reports on other threads than the main one, which shows them when it comes by: each
+    // text once.
+    EXPECT_EQ(host.reports, std::vector<std::string>{});
+    AEIO_BasicData data = *host.basic_data();
+    EXPECT_EQ(block.AEIO_Idle(&data, 1, nullptr), 0);
+    EXPECT_EQ(host.reports, std::vector<std::string>{kReport});
+    EXPECT_EQ(block.AEIO_Idle(&data, 1, nullptr), 0);
+    EXPECT_EQ(host.reports, std::vector<std::string>{kReport});
     EXPECT_EQ(host.left_open(), std::vector<std::string>{"AEGP Register Suite 6 x 1"});
 }
 

@@ -147,8 +147,36 @@ TEST_P(BundleThreads, OpenDrawAndDisposeOfDifferentItemsAtTheSameTime) {
     EXPECT_EQ(refused, kThreads * kRounds);
     // The reader and the callback around it each report a refused file, and the host keeps the handle that
     // was made for it: the module deliberately attaches handles only to footage that it could read.
-    EXPECT_EQ(host_.reports(), 2L * refused);
+    // The bridge keeps what is reported on other threads until the main thread comes by, each text once.
+    shared.clear();
+    EXPECT_EQ(host_.reports(), GetParam() == HostGeneration::classic ? 2L * refused : 1L);
     handles_deliberately_kept_ = refused;
+}
+
+// Copies of a project, whose items have lost their options: the bridge loads each file once for all of them.
+TEST_P(BundleThreads, DrawReopenedItemsAtTheSameTime) {
+    if (GetParam() == HostGeneration::classic) {
+        GTEST_SKIP() << "classic hosts draw what they have opened";
+    }
+    std::atomic<int> equal{0};
+    std::atomic<int> refused{0};
+    on_all_threads([&](int thread) {
+        std::mt19937 random(static_cast<unsigned>(thread));
+        std::deque<ThreadedHost::Item> copies;
+        for (const std::string& path : paths_) {
+            copies.emplace_back(host_, path, ThreadedHost::Item::Reopened());
+        }
+        const ThreadedHost::Item broken(host_, broken_, ThreadedHost::Item::Reopened());
+        for (int i = 0; i < kDrawsOfAThread; ++i) {
+            equal += draws_like_alone(copies, random) ? 1 : 0;
+            if (i % 50 == 0) {
+                refused += broken.draw(kGeometries[0]).code == kHostErrorParameter ? 1 : 0;
+            }
+        }
+    });
+    EXPECT_EQ(equal, kDraws);
+    EXPECT_EQ(refused, kThreads * kDrawsOfAThread / 50);
+    EXPECT_EQ(host_.reports(), 0) << "no thread but the main one may report";
 }
 
 INSTANTIATE_TEST_SUITE_P(Hosts, BundleThreads,

@@ -6,6 +6,7 @@
 #include <filesystem>
 #include <stdexcept>
 #include <string_view>
+#include <type_traits>
 #include <utility>
 
 /// A memory handle. Its bytes are freed with it, so that a later use is detected; the handle itself stays
@@ -78,9 +79,20 @@ A_Err set_dimensions(AEIO_InSpecH spec, A_long width_px, A_long height_px) {
     return kHostErrorNone;
 }
 
+A_Err lend_path(AEIO_InSpecH spec, AEGP_MemHandle* path) {
+    const std::u16string units = std::filesystem::path((*spec)->path).u16string();
+    const std::size_t size_bytes = (units.size() + 1) * sizeof(char16_t);
+    new_handle(1, "path", static_cast<AEGP_MemSize>(size_bytes), kMemFlagClear, path);
+    std::memcpy((*path)->bytes.get(), units.c_str(), size_bytes);
+    return kHostErrorNone;
+}
+
 template <typename Suite>
 Suite io_in_suite() {
     Suite suite = {};
+    if constexpr (std::is_same_v<Suite, AEGP_IOInSuite5>) {
+        suite.AEGP_GetInSpecFilePath = lend_path;
+    }
     suite.AEGP_GetInSpecOptionsHandle = get_options;
     suite.AEGP_SetInSpecOptionsHandle = set_options;
     suite.AEGP_SetInSpecNativeFPS = [](AEIO_InSpecH, A_Fixed) { return kHostErrorNone; };
@@ -126,7 +138,8 @@ Suite import_suite() {
 template <typename Suite>
 Suite register_suite() {
     Suite suite = {};
-    suite.AEGP_RegisterDeathHook = [](AEGP_PluginID, AEGP_DeathHook, AEGP_DeathRefcon) {
+    suite.AEGP_RegisterDeathHook = [](AEGP_PluginID, AEGP_DeathHook hook, AEGP_DeathRefcon) {
+        host().keep_death_hook(hook);
         return kHostErrorNone;
     };
     suite.AEGP_RegisterIO = [](AEGP_PluginID, AEGP_IORefcon, const AEIO_ModuleInfo*, const auto* functions) {
@@ -247,6 +260,9 @@ A_Err ThreadedHost::dispose_in_spec(AEIO_InSpecH spec) {
 }
 
 ThreadedHost::~ThreadedHost() {
+    if (death_hook_ != nullptr) {
+        death_hook_(nullptr, nullptr);
+    }
     g_current = nullptr;
     for (AEGP_Mem* handle = newest_handle_; handle != nullptr;) {
         delete std::exchange(handle, handle->made_before);
@@ -254,7 +270,12 @@ ThreadedHost::~ThreadedHost() {
 }
 
 ThreadedHost::Item::Item(ThreadedHost& host, const std::string& path) : host_(host) {
+    footage_.path = path;
     code_ = host_.init_in_spec(path, &footage_pointer_);
+}
+
+ThreadedHost::Item::Item(ThreadedHost& host, const std::string& path, Reopened /*reopened*/) : host_(host) {
+    footage_.path = path;
 }
 
 ThreadedHost::Item::~Item() {

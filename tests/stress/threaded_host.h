@@ -15,6 +15,7 @@
 /// The host's record of a footage item. The thread that opens it writes it; every thread that draws it reads
 /// it.
 struct AEIO_SeqSpec {
+    std::string path;
     void* options = nullptr;
     A_long width_px = 0;
     A_long height_px = 0;
@@ -52,6 +53,10 @@ class ThreadedHost {
       public:
         /// Opens `path`; `code()` is the module's result.
         Item(ThreadedHost& host, const std::string& path);
+        /// An item of a project that was opened again: it has a path, and the module does not know it.
+        /// Current hosts only.
+        struct Reopened {};
+        Item(ThreadedHost& host, const std::string& path, Reopened reopened);
         ~Item();
         Item(const Item&) = delete;
         Item& operator=(const Item&) = delete;
@@ -88,6 +93,7 @@ class ThreadedHost {
     std::atomic<long> handles_lent_{0};
     std::atomic<long> suites_lent_{0};
     std::atomic<AEGP_MemHandle> newest_handle_{nullptr};
+    void keep_death_hook(AEGP_DeathHook hook) { death_hook_ = hook; }
     void keep_module(const AEIO_FunctionBlock2& functions) { classic_module_ = functions; }
     void keep_module(const AEIO_FunctionBlock4& functions) { current_module_ = functions; }
     const HostGeneration generation_;
@@ -107,6 +113,7 @@ class ThreadedHost {
     std::unique_ptr<void, Unload> bundle_;
     SPBasicSuite basic_suite_ = {};
     AEIO_BasicData basic_ = {};
+    AEGP_DeathHook death_hook_ = nullptr;
     std::optional<AEIO_FunctionBlock2> classic_module_;
     std::optional<AEIO_FunctionBlock4> current_module_;
 };

@@ -3,6 +3,8 @@
 #include <cstring>
 
 #include "host/bridge/guarded_call.h"
+#include "host/bridge/pictures.h"
+#include "host/bridge/reports.h"
 #include "host/bridge/underlying_host.h"
 #include "host/entry_points.h"
 
@@ -11,7 +13,8 @@ namespace {
 
 SPBasicSuite bridge_basic_suite;
 
-// A suite that the bridge translates from its classic to its current version.
+// A suite whose functions the bridge puts its own in front of; mostly to translate the classic version to the
+// current one.
 struct BridgedSuite {
     const char* name;
     A_long classic_version;
@@ -46,6 +49,11 @@ constexpr BridgedSuite kBridgedSuites[] = {
      &classic_footage},
     {"AEGP IO In Suite", 1, 5, table_of<io_in_suite>, &reference_count<AEGP_IOInSuite5>, &classic_io_in},
     {"AEGP IO Out Suite", 1, 7, table_of<io_out_suite>, &reference_count<AEGP_IOOutSuite7>, &classic_io_out},
+    // Three that current hosts still offer. The bridge stands in front of them for what their functions do
+    // beyond the host's (service_suites.cpp).
+    {"AEGP Memory Suite", 1, 1, table_of<memory_suite>, &reference_count<AEGP_MemorySuite1>, nullptr},
+    {"AEGP Stream Suite", 7, 7, table_of<stream_suite>, &reference_count<AEGP_StreamSuite7>, nullptr},
+    {"AEGP Utility Suite", 7, 7, table_of<utility_suite>, &reference_count<AEGP_UtilitySuite7>, nullptr},
 };
 
 const BridgedSuite* bridged_suite(const char* name, A_long version) {
@@ -59,7 +67,7 @@ const BridgedSuite* bridged_suite(const char* name, A_long version) {
 
 // A success without a table counts as the host's missing-suite error.
 A_Err acquire_from_host(const char* name, A_long version, const void** table) {
-    const A_Err err = underlying_host.basic->AcquireSuite(name, version, table);
+    const A_Err err = answer_of([=] { return underlying_host.basic->AcquireSuite(name, version, table); });
     return err == kHostErrorNone && *table == nullptr ? kHostErrorMissingSuite : err;
 }
 
@@ -93,23 +101,28 @@ A_Err acquire_suite(const char* name, A_long version, const void** table) {
     if (bridged != nullptr) {
         return acquire_bridged(*bridged, table);
     }
-    const A_Err err = underlying_host.basic->AcquireSuite(name, version, table);
+    const A_Err err = answer_of([=] { return underlying_host.basic->AcquireSuite(name, version, table); });
     if (err != kHostErrorNone || *table == nullptr) {
         note_missing_suite(name, version);
     }
     return err;
 }
 
+// The suite handler releases in its destructor, out of which no exception may come.
+A_Err release_to_host(const char* name, A_long version) {
+    return answer_of([=] { return underlying_host.basic->ReleaseSuite(name, version); });
+}
+
 A_Err release_suite(const char* name, A_long version) {
     const BridgedSuite* bridged = bridged_suite(name, version);
     if (bridged == nullptr) {
-        return underlying_host.basic->ReleaseSuite(name, version);
+        return release_to_host(name, version);
     }
     if (bridged->current->remove()) {
-        return underlying_host.basic->ReleaseSuite(name, bridged->current_version);
+        return release_to_host(name, bridged->current_version);
     }
     if (bridged->classic != nullptr && bridged->classic->remove()) {
-        return underlying_host.basic->ReleaseSuite(name, version);
+        return release_to_host(name, version);
     }
     return kHostErrorParameter;  // not held
 }
@@ -117,7 +130,9 @@ A_Err release_suite(const char* name, A_long version) {
 }  // namespace
 
 SPBasicSuite* basic_suite_over(const SPBasicSuite* host, AEGP_PluginID plugin_id) {
-    underlying_host = {host, plugin_id};
+    underlying_host = {host, plugin_id, std::this_thread::get_id()};
+    forget_waiting_reports();
+    forget_pictures();
     for (const BridgedSuite& suite : kBridgedSuites) {
         suite.current->reset();
         if (suite.classic != nullptr) {

@@ -16,7 +16,7 @@ SPBasicSuite* basic_suite_over(const SPBasicSuite* host, AEGP_PluginID plugin_id
 /// The bridge's basic suite, unchanged.
 const SPBasicSuite* basic_suite();
 
-// The seven classic suites as the bridge hands them out: tables of functions that call the current ones.
+// The suites as the bridge hands them out: tables of functions that call the current ones.
 // Slots that the plug-in never calls are null. Each function returns 13 while its suite is not held.
 
 /// Registers the death hook and the input modules behind functions of the bridge, which stop exceptions and
@@ -35,10 +35,19 @@ const AEGP_ProjSuite5* proj_suite();
 const AEGP_FootageSuite7* footage_suite();
 
 /// Sizes are 64-bit in the host: a negative one is refused (3), one beyond 32 bits becomes the largest
-/// A_long.
+/// A_long. Functions that ask or say something about an in-spec may concern a SpecUse of the bridge's.
 const AEGP_IOInSuite1* io_in_suite();
 
 const AEGP_IOOutSuite1* io_out_suite();
+
+/// Memory of the bridge's own for pictures that it has a module load again; else the host's.
+const AEGP_MemorySuite1* memory_suite();
+
+/// The host's, of which the plug-in disposes in a destructor.
+const AEGP_StreamSuite7* stream_suite();
+
+/// Reports wait until the main thread comes by: hosts may refuse them on every other one.
+const AEGP_UtilitySuite7* utility_suite();
 
 /// Frees the places of everything that was registered, for the next host.
 void forget_registrations();

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "host/bridge/basic_suite.h"
+#include "host/bridge/drawing.h"
+#include "host/bridge/given_argument.h"
 #include "host/bridge/guarded_call.h"
 #include "host/bridge/path_translation.h"
 
@@ -16,6 +18,8 @@ namespace {
 // gave it; the longest on any current platform has 32767 units, each at most 3 bytes in UTF-8.
 constexpr std::size_t kModulePathBytes = std::size_t{3} * 32767 + 1;
 
+void show_no_message(A_Err /*code*/, const A_char* /*text*/) {}
+
 // The result of `call(data, context)`, where `data` is the host's with the bridge's basic suite. Not a
 // template, because each field at each place has a caller.
 A_Err call_with_bridge(const AEIO_BasicData* data, A_Err (*call)(AEIO_BasicData*, const void*),
@@ -25,6 +29,9 @@ A_Err call_with_bridge(const AEIO_BasicData* data, A_Err (*call)(AEIO_BasicData*
     }
     AEIO_BasicData bridged = *data;
     bridged.basic_suite = basic_suite();
+    if (bridged.msg_func == nullptr) {
+        bridged.msg_func = show_no_message;
+    }
     return guarded([&bridged, call, context] { return call(&bridged, context); });
 }
 
@@ -59,7 +66,7 @@ template <typename... Arguments, A_Err (*AEIO_FunctionBlock2::*Field)(AEIO_Basic
 struct SameField<Field> {
     [[gnu::noinline]] static A_Err call(std::size_t place, AEIO_BasicData* data, Arguments... arguments) {
         return with_bridge(data, [&](AEIO_BasicData* bridged) {
-            return (input_modules[place].*Field)(bridged, arguments...);
+            return (input_modules[place].*Field)(bridged, GivenArgument<Arguments>(arguments)...);
         });
     }
 };
@@ -67,7 +74,18 @@ struct SameField<Field> {
 A_Err init_in_spec_from_file(std::size_t place, AEIO_BasicData* data, const A_UTF16Char* path,
                              AEIO_InSpecH spec) {
     return with_narrow_path(data, path, [=](AEIO_BasicData* bridged, const A_char* narrow) {
-        return input_modules[place].AEIO_InitInSpecFromFile(bridged, narrow, spec);
+        return open_in_spec(place, bridged, narrow, spec);
+    });
+}
+
+A_Err dispose_of_in_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpecH spec) {
+    return with_bridge(data, [=](AEIO_BasicData* bridged) { return dispose_in_spec(place, bridged, spec); });
+}
+
+A_Err draw_sparse_frame(std::size_t place, AEIO_BasicData* data, AEIO_InSpecH spec,
+                        const AEIO_DrawSparseFramePB* request, PF_LayerDef* world, AEIO_DrawingFlags* flags) {
+    return with_bridge(data, [=](AEIO_BasicData* bridged) {
+        return draw_frame(place, bridged, spec, request, world, GivenArgument<AEIO_DrawingFlags*>(flags));
     });
 }
 
@@ -93,9 +111,9 @@ A_Err get_nth_aux_file_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpec
 A_Err verify_file_importable(std::size_t place, AEIO_BasicData* data, A_long signature,
                              const A_UTF16Char* path, A_Boolean* importable) {
     // A file whose path cannot be converted is not importable; otherwise the module answers.
-    *importable = 0;
-    return with_narrow_path(data, path, [=](AEIO_BasicData* bridged, const A_char* narrow) {
-        return input_modules[place].AEIO_VerifyFileImportable(bridged, signature, narrow, importable);
+    const GivenArgument<A_Boolean*> answer(importable);
+    return with_narrow_path(data, path, [&](AEIO_BasicData* bridged, const A_char* narrow) {
+        return input_modules[place].AEIO_VerifyFileImportable(bridged, signature, narrow, answer);
     });
 }
 
@@ -117,8 +135,10 @@ A_Err add_marker_3(AEIO_BasicData* /*data*/, AEIO_OutSpecH /*spec*/, A_long /*fr
     return kHostUseDefaultCallback;
 }
 
-A_Err get_mime_type(AEIO_BasicData* /*data*/, AEIO_OutSpecH /*spec*/, A_long /*size*/,
-                    A_char* /*mime_type*/) {
+A_Err get_mime_type(AEIO_BasicData* /*data*/, AEIO_OutSpecH /*spec*/, A_long size, A_char* mime_type) {
+    if (mime_type != nullptr && size > 0) {
+        *mime_type = 0;
+    }
     return kHostUseDefaultCallback;
 }
 
@@ -128,15 +148,14 @@ constexpr AEIO_FunctionBlock4 kFullBlock = {
     .AEIO_InitInSpecFromFile = AtPlace<Place, init_in_spec_from_file>::call,
     .AEIO_InitInSpecInteractive =
         AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_InitInSpecInteractive>::call>::call,
-    .AEIO_DisposeInSpec = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_DisposeInSpec>::call>::call,
+    .AEIO_DisposeInSpec = AtPlace<Place, dispose_of_in_spec>::call,
     .AEIO_FlattenOptions = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_FlattenOptions>::call>::call,
     .AEIO_InflateOptions = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_InflateOptions>::call>::call,
     .AEIO_SynchInSpec = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_SynchInSpec>::call>::call,
     .AEIO_GetActiveExtent =
         AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_GetActiveExtent>::call>::call,
     .AEIO_GetInSpecInfo = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_GetInSpecInfo>::call>::call,
-    .AEIO_DrawSparseFrame =
-        AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_DrawSparseFrame>::call>::call,
+    .AEIO_DrawSparseFrame = AtPlace<Place, draw_sparse_frame>::call,
     .AEIO_GetDimensions = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_GetDimensions>::call>::call,
     .AEIO_GetDuration = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_GetDuration>::call>::call,
     .AEIO_GetTime = AtPlace<Place, &SameField<&AEIO_FunctionBlock2::AEIO_GetTime>::call>::call,

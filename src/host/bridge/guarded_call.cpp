@@ -10,14 +10,20 @@
 namespace bridge {
 namespace {
 
-// The suite that a guarded call lacks. Lives on the stack of the call. Calls nest, because the host calls the
-// input module while the importer calls the host.
-class MissingSuite {
+// What became of a guarded call: the suite that it lacks, and the exception of the host that was stopped in
+// it. Lives on the stack of the call. Calls nest, because the host calls the input module while the importer
+// calls the host.
+class CallRecord {
   public:
-    MissingSuite();
-    ~MissingSuite();
-    MissingSuite(const MissingSuite&) = delete;
-    MissingSuite& operator=(const MissingSuite&) = delete;
+    CallRecord();
+    ~CallRecord();
+    CallRecord(const CallRecord&) = delete;
+    CallRecord& operator=(const CallRecord&) = delete;
+
+    [[nodiscard]] bool is_outermost() const { return outer_ == nullptr; }
+    void note_host_exception(A_Err err) { host_exception_ = err; }
+    // An exception of the host outweighs a success.
+    [[nodiscard]] A_Err result(A_Err err) const { return err == kHostErrorNone ? host_exception_ : err; }
 
     void note(const A_char* name, A_long version) {
         std::snprintf(name_.data(), name_.size(), "%s", name == nullptr ? "" : name);
@@ -33,40 +39,59 @@ class MissingSuite {
   private:
     static constexpr std::size_t kNameBytes = 64;
 
-    MissingSuite* outer_;
+    CallRecord* outer_;
     std::array<A_char, kNameBytes> name_ = {};
     A_long version_ = 0;
+    A_Err host_exception_ = kHostErrorNone;
 };
 
 // Thread-local, because a handler throws on the thread whose acquisition failed. Null while no guarded call
 // runs on the thread, so nothing is left behind in the host's threads.
-thread_local MissingSuite* innermost = nullptr;
+thread_local CallRecord* innermost = nullptr;
 
-MissingSuite::MissingSuite() : outer_(innermost) {
+CallRecord::CallRecord() : outer_(innermost) {
     innermost = this;
 }
 
-MissingSuite::~MissingSuite() {
+CallRecord::~CallRecord() {
     innermost = outer_;
 }
 
 }  // namespace
 
 A_Err guarded_call(A_Err (*call)(const void* context), const void* context) noexcept {
-    const MissingSuite missing_suite;
+    const CallRecord record;
+    if (record.is_outermost()) {
+        show_waiting_reports();
+    }
     try {
-        return call(context);
+        return record.result(call(context));
     } catch (long value) {
         if (value != AEGP_SuiteHandler::kMissingSuite) {
             return kHostErrorGeneric;
         }
-        missing_suite.report();
+        record.report();
         return kHostErrorMissingSuite;
     } catch (const std::bad_alloc&) {
         return kHostErrorAllocation;
     } catch (...) {
         return kHostErrorGeneric;
     }
+}
+
+A_Err host_answer(A_Err (*call)(const void* context), const void* context) noexcept {
+    A_Err err = kHostErrorGeneric;
+    try {
+        return call(context);
+    } catch (const std::bad_alloc&) {
+        err = kHostErrorAllocation;
+    } catch (...) {
+        err = kHostErrorGeneric;
+    }
+    if (innermost != nullptr) {
+        innermost->note_host_exception(err);
+    }
+    return err;
 }
 
 void note_missing_suite(const A_char* name, A_long version) noexcept {

@@ -7,7 +7,8 @@
 namespace bridge {
 
 /// Returns the result of `call(context)`. A missing suite (the exception of AEGP_SuiteHandler) becomes 13 and
-/// one report that names the suite, a failed allocation 4, any other exception 1.
+/// one report that names the suite, a failed allocation 4, any other exception 1. An outermost call on the
+/// main thread first shows the reports that wait for it.
 A_Err guarded_call(A_Err (*call)(const void* context), const void* context) noexcept;
 
 /// guarded_call for any callable without parameters.
@@ -15,6 +16,18 @@ template <typename Function>
 A_Err guarded(const Function& function) noexcept {
     return guarded_call([](const void* context) { return (*static_cast<const Function*>(context))(); },
                         &function);
+}
+
+/// What a function of the host answers. A host that throws must not end the process, which an exception does
+/// when it leaves a destructor: it counts as the error that guarded_call gives it, and as one of the
+/// innermost guarded call, even if the plug-in has no use for the answer.
+A_Err host_answer(A_Err (*call)(const void* context), const void* context) noexcept;
+
+/// host_answer for any callable without parameters.
+template <typename Function>
+A_Err answer_of(const Function& function) noexcept {
+    return host_answer([](const void* context) { return (*static_cast<const Function*>(context))(); },
+                       &function);
 }
 
 /// Remembers, for the innermost guarded call of this thread, which suite could not be acquired: the exception

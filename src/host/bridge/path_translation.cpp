@@ -1,11 +1,11 @@
 #include "host/bridge/path_translation.h"
 
-#include <array>
 #include <cstring>
 #include <new>
-#include <optional>
 #include <string_view>
+#include <utility>
 
+#include "host/bridge/guarded_call.h"
 #include "host/bridge/reports.h"
 #include "host/bridge/underlying_host.h"
 #include "host/utf16.h"
@@ -40,31 +40,26 @@ A_Err translate(View path, ConvertedText<Result> (*convert)(View), Result* trans
     }
 }
 
-// The path without its terminator; nothing if it has more units than a classic path's buffer has bytes. Every
-// unit becomes at least one byte, so looking further is useless.
-std::optional<std::u16string_view> short_path(const A_UTF16Char* path) {
-    for (std::size_t length = 0; length < kClassicPathBytes; ++length) {
-        if (path[length] == 0) {
-            return std::u16string_view(path, length);
-        }
-    }
-    return std::nullopt;
-}
+// No real path is longer: the limit of the platform with the longest ones, in units.
+constexpr std::size_t kLongestPath = 32767;
 
-A_Err copy_path(const A_UTF16Char* wide, std::array<A_char, kClassicPathBytes>* path) {
-    const std::optional<std::u16string_view> units = short_path(wide);
-    std::string narrow;
-    if (units) {
-        const A_Err err = translate(*units, utf8_from_utf16, &narrow);
+// The host's path in UTF-8, which has at most `most_bytes` bytes. Every unit becomes at least one byte, so
+// looking for the terminator further than that is useless.
+A_Err bounded_path(const A_UTF16Char* wide, std::size_t most_bytes, std::string* path) {
+    std::size_t length = 0;
+    while (length <= most_bytes && wide[length] != 0) {
+        ++length;
+    }
+    if (length <= most_bytes) {
+        const A_Err err = translate(std::u16string_view(wide, length), utf8_from_utf16, path);
         if (err != kHostErrorNone) {
             return err;
         }
     }
-    if (!units || narrow.size() >= path->size()) {
-        report_long_path();
+    if (length > most_bytes || path->size() > most_bytes) {
+        report_long_path(most_bytes);
         return kHostErrorParameter;
     }
-    std::memcpy(path->data(), narrow.c_str(), narrow.size() + 1);
     return kHostErrorNone;
 }
 
@@ -72,12 +67,38 @@ A_Err copy_path(const A_UTF16Char* wide, std::array<A_char, kClassicPathBytes>* 
 template <typename Use>
 A_Err with_locked(const AEGP_MemorySuite1& memory, AEGP_MemHandle handle, const Use& use) {
     void* address = nullptr;
-    const A_Err err = memory.AEGP_LockMemHandle(handle, &address);
+    const A_Err err = answer_of([&] { return memory.AEGP_LockMemHandle(handle, &address); });
     if (err != kHostErrorNone) {
         return err;
     }
     const A_Err used = address == nullptr ? kHostErrorGeneric : use(address);
-    return first_of(used, memory.AEGP_UnlockMemHandle(handle));
+    return first_of(used, answer_of([&] { return memory.AEGP_UnlockMemHandle(handle); }));
+}
+
+A_Err ask_for_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,
+                   std::size_t most_bytes, std::string* path) noexcept {
+    // Acquired first: without this suite the handle could not even be freed.
+    const HostSuite<AEGP_MemorySuite1> memory(kMemorySuite, kMemorySuiteVersion);
+    if (memory.get() == nullptr) {
+        return missing_memory_suite();
+    }
+    AEGP_MemHandle handle = nullptr;
+    const A_Err err = answer_of([&] { return ask(context, &handle); });
+    if (err != kHostErrorNone) {
+        return err;
+    }
+    if (handle == nullptr) {
+        return kHostErrorGeneric;
+    }
+    std::string copy;
+    const A_Err copied = with_locked(*memory.get(), handle, [most_bytes, &copy](const void* address) {
+        return bounded_path(static_cast<const A_UTF16Char*>(address), most_bytes, &copy);
+    });
+    const A_Err freed = first_of(copied, answer_of([&] { return memory.get()->AEGP_FreeMemHandle(handle); }));
+    if (freed == kHostErrorNone) {
+        *path = std::move(copy);
+    }
+    return freed;
 }
 
 }  // namespace
@@ -102,28 +123,18 @@ A_Err copy_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle),
     if (path == nullptr) {
         return kHostErrorParameter;
     }
-    // Acquired first: without this suite the handle could not even be freed.
-    const HostSuite<AEGP_MemorySuite1> memory(kMemorySuite, kMemorySuiteVersion);
-    if (memory.get() == nullptr) {
-        return missing_memory_suite();
+    std::string copy;
+    const A_Err err = ask_for_path(ask, context, kClassicPathBytes - 1, &copy);
+    if (err == kHostErrorNone) {
+        std::memcpy(path, copy.c_str(), copy.size() + 1);
     }
-    AEGP_MemHandle handle = nullptr;
-    const A_Err err = ask(context, &handle);
-    if (err != kHostErrorNone) {
-        return err;
-    }
-    if (handle == nullptr) {
-        return kHostErrorGeneric;
-    }
-    std::array<A_char, kClassicPathBytes> copy = {};
-    const A_Err copied = with_locked(*memory.get(), handle, [&copy](const void* address) {
-        return copy_path(static_cast<const A_UTF16Char*>(address), &copy);
-    });
-    const A_Err freed = first_of(copied, memory.get()->AEGP_FreeMemHandle(handle));
-    if (freed == kHostErrorNone) {
-        std::memcpy(path, copy.data(), std::strlen(copy.data()) + 1);
-    }
-    return freed;
+    return err;
+}
+
+A_Err take_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,
+                      std::string* path) noexcept {
+    constexpr std::size_t kMostBytesOfAUnit = 3;
+    return ask_for_path(ask, context, kLongestPath * kMostBytesOfAUnit, path);
 }
 
 A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept {
@@ -142,8 +153,10 @@ A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept {
     }
     const std::size_t size_bytes = (wide.size() + 1) * sizeof(A_UTF16Char);
     AEGP_MemHandle made = nullptr;
-    err = memory.get()->AEGP_NewMemHandle(underlying_host.plugin_id, "path",
-                                          static_cast<AEGP_MemSize>(size_bytes), kMemFlagClear, &made);
+    err = answer_of([&] {
+        return memory.get()->AEGP_NewMemHandle(underlying_host.plugin_id, "path",
+                                               static_cast<AEGP_MemSize>(size_bytes), kMemFlagClear, &made);
+    });
     if (err != kHostErrorNone) {
         return err;
     }
@@ -157,7 +170,7 @@ A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept {
     if (err == kHostErrorNone) {
         *handle = made;
     } else {
-        memory.get()->AEGP_FreeMemHandle(made);
+        answer_of([&] { return memory.get()->AEGP_FreeMemHandle(made); });
     }
     return err;
 }

@@ -30,6 +30,18 @@ A_Err copy_host_path(const Ask& ask, A_char* path) noexcept {
                            &ask, path);
 }
 
+/// Asks the host for a path of any length that a platform allows, in UTF-8.
+A_Err take_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,
+                      std::string* path) noexcept;
+
+/// take_asked_path for any callable `ask(AEGP_MemHandle*)`.
+template <typename Ask>
+A_Err take_host_path(const Ask& ask, std::string* path) noexcept {
+    return take_asked_path([](const void* context,
+                              AEGP_MemHandle* handle) { return (*static_cast<const Ask*>(context))(handle); },
+                           &ask, path);
+}
+
 /// Makes a memory handle with the path, for the host to free. `*handle` is null on an error.
 A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept;
 

@@ -16,9 +16,9 @@ A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_Footag
     }
     std::u16string wide;
     const A_Err err = wide_path(path, &wide);
-    return err != kHostErrorNone ? err
-                                 : suite->AEGP_NewFootage(plugin_id, wide.c_str(), layer_key, sequence, style,
-                                                          reserved, footage);
+    return err != kHostErrorNone ? err : answer_of([&] {
+        return suite->AEGP_NewFootage(plugin_id, wide.c_str(), layer_key, sequence, style, reserved, footage);
+    });
 }
 
 }  // namespace

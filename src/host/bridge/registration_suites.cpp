@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "host/bridge/basic_suite.h"
+#include "host/bridge/given_argument.h"
 #include "host/bridge/guarded_call.h"
 #include "host/bridge/path_translation.h"
+#include "host/bridge/pictures.h"
 #include "host/bridge/registrations.h"
 #include "host/bridge/reports.h"
 #include "host/bridge/underlying_host.h"
@@ -19,7 +21,10 @@ Registrations<AE_FIM_ImportCallbacks> importers;
 
 template <std::size_t Place>
 A_Err death_hook(AEGP_GlobalRefcon global_refcon, AEGP_DeathRefcon refcon) {
-    return guarded([=] { return death_hooks[Place](global_refcon, refcon); });
+    return guarded([=] {
+        free_reloaded_pictures();
+        return death_hooks[Place](global_refcon, refcon);
+    });
 }
 
 template <std::size_t Place>
@@ -38,10 +43,10 @@ template <std::size_t Place>
 A_Err verify_file(const A_UTF16Char* path, AE_FIM_Refcon refcon, A_Boolean* importable) {
     return guarded([=] {
         // A file whose path cannot be converted is not importable; otherwise the plug-in answers.
-        *importable = 0;
+        const GivenArgument<A_Boolean*> answer(importable);
         std::string narrow;
         const A_Err err = narrow_path(path, &narrow);
-        return err != kHostErrorNone ? err : importers[Place].verify_cb(narrow.c_str(), refcon, importable);
+        return err != kHostErrorNone ? err : importers[Place].verify_cb(narrow.c_str(), refcon, answer);
     });
 }
 
@@ -90,10 +95,11 @@ A_Err register_death_hook(AEGP_PluginID plugin_id, AEGP_DeathHook hook, AEGP_Dea
         return kHostErrorMissingSuite;
     }
     if (hook == nullptr) {
-        return suite->AEGP_RegisterDeathHook(plugin_id, nullptr, refcon);
+        return answer_of([=] { return suite->AEGP_RegisterDeathHook(plugin_id, nullptr, refcon); });
     }
     return register_at_place(&death_hooks, hook, "death hooks", [=](std::size_t place) {
-        return suite->AEGP_RegisterDeathHook(plugin_id, death_hook_at(place), refcon);
+        return answer_of(
+            [=] { return suite->AEGP_RegisterDeathHook(plugin_id, death_hook_at(place), refcon); });
     });
 }
 
@@ -104,11 +110,11 @@ A_Err register_io(AEGP_PluginID plugin_id, AEGP_IORefcon refcon, const AEIO_Modu
         return kHostErrorMissingSuite;
     }
     if (functions == nullptr) {
-        return suite->AEGP_RegisterIO(plugin_id, refcon, info, nullptr);
+        return answer_of([=] { return suite->AEGP_RegisterIO(plugin_id, refcon, info, nullptr); });
     }
     return register_at_place(&input_modules, *functions, "input modules", [=](std::size_t place) {
         const AEIO_FunctionBlock4 block = function_block_at(place);
-        return suite->AEGP_RegisterIO(plugin_id, refcon, info, &block);
+        return answer_of([&] { return suite->AEGP_RegisterIO(plugin_id, refcon, info, &block); });
     });
 }
 
@@ -119,11 +125,14 @@ A_Err register_import_callbacks(AE_FIM_ImportFlavorRef flavor, AE_FIM_ImportFlag
         return kHostErrorMissingSuite;
     }
     if (callbacks == nullptr) {
-        return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, nullptr);
+        return answer_of(
+            [=] { return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, nullptr); });
     }
     return register_at_place(&importers, *callbacks, "importers", [=](std::size_t place) {
         const AE_FIM_ImportCallbacks3 current_callbacks = import_callbacks_at(place);
-        return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, &current_callbacks);
+        return answer_of([&] {
+            return suite->AEGP_RegisterImportFlavorImportCallbacks(flavor, flags, &current_callbacks);
+        });
     });
 }
 

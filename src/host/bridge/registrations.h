@@ -47,8 +47,10 @@ class Registrations {
 inline Registrations<AEIO_FunctionBlock2> input_modules;
 
 /// The current block over the classic one at this place. Each function gives the plug-in's the host's basic
-/// data with the bridge's basic suite, and stops exceptions; a field that is null stays null. Paths are
-/// converted. The three fields that the classic block lacks ask for the host's default.
+/// data with the bridge's basic suite and a message function, clears the outputs and stands in for those that
+/// are null, and stops exceptions; a field that is null stays null. Paths are converted. Opening, drawing and
+/// disposing are those of drawing.h. The three fields that the classic block lacks ask for the host's
+/// default.
 AEIO_FunctionBlock4 function_block_at(std::size_t place);
 
 }  // namespace bridge

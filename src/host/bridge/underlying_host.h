@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <thread>
 
+#include "host/bridge/guarded_call.h"
 #include "host/current_interface.h"
 
 // The host that the bridge stands in front of, and its suites.
@@ -13,9 +15,15 @@ namespace bridge {
 struct UnderlyingHost {
     const SPBasicSuite* basic = nullptr;  ///< the host's own
     AEGP_PluginID plugin_id = 0;
+    std::thread::id main_thread;  ///< the one that called EntryPointFunc
 };
 
 inline UnderlyingHost underlying_host;
+
+/// Current hosts draw on other threads, where not every function of theirs may be called.
+inline bool on_main_thread() {
+    return std::this_thread::get_id() == underlying_host.main_thread;
+}
 
 /// One of the host's suites for the length of a scope, acquired from the host itself, whatever the bridge
 /// holds.
@@ -23,13 +31,14 @@ template <typename Suite>
 class HostSuite {
   public:
     HostSuite(const char* name, A_long version) : name_(name), version_(version) {
-        if (underlying_host.basic->AcquireSuite(name, version, &table_) != kHostErrorNone) {
+        if (answer_of([this] { return underlying_host.basic->AcquireSuite(name_, version_, &table_); }) !=
+            kHostErrorNone) {
             table_ = nullptr;
         }
     }
     ~HostSuite() {
         if (table_ != nullptr) {
-            underlying_host.basic->ReleaseSuite(name_, version_);
+            answer_of([this] { return underlying_host.basic->ReleaseSuite(name_, version_); });
         }
     }
     HostSuite(const HostSuite&) = delete;
@@ -91,7 +100,7 @@ const Suite* current_suite() {
 }
 
 /// A function with the classic signature that calls the current one, where the two are the same:
-/// Forward<&AEGP_ProjSuite8::AEGP_GetProjectByIndex>::call. 13 when the suite is not held.
+/// Forward<&AEGP_ProjSuite8::AEGP_GetProjectByIndex>::call. 13 when the suite is not held. Never throws.
 template <auto Function>
 struct Forward;
 
@@ -99,7 +108,8 @@ template <typename Suite, typename... Arguments, A_Err (*Suite::*Function)(Argum
 struct Forward<Function> {
     static A_Err call(Arguments... arguments) {
         const Suite* suite = current_suite<Suite>();
-        return suite == nullptr ? kHostErrorMissingSuite : (suite->*Function)(arguments...);
+        return suite == nullptr ? kHostErrorMissingSuite
+                                : answer_of([&] { return (suite->*Function)(arguments...); });
     }
 };
 
