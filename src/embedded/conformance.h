@@ -30,6 +30,10 @@ enum class RuleViolation : std::uint8_t {
     memory_left_locked,
     memory_left_alive,
     write_outside_frame,
+    frame_not_drawn,
+    output_not_set,
+    call_off_main_thread,
+    copy_changed,
     missing_suite_exception,
     // Notes: no rule was broken, but the host did not do exactly what was asked.
     name_cut,

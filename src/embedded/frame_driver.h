@@ -7,7 +7,12 @@
 
 namespace embedded {
 
-/// Has the module draw into a frame with guard bytes around its rows; reports what it wrote there.
+/// Has the module draw into a frame with guard bytes around its rows; reports what it wrote there. A current
+/// host also reports pixels that were written outside the required region, a frame that the module left as it
+/// was while it reported success, and flags that it did not set.
+///
+/// A host that draws from copies (HostOptions::draws_from_copies) flattens the options, makes a copy of the
+/// in-spec without them, and on another thread inflates the copy, draws from it, and disposes of it.
 DrawResult draw_frame(Session& session, Id in_spec, const FrameShape& shape);
 
 }  // namespace embedded

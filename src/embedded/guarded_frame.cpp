@@ -30,6 +30,9 @@ std::string GuardedFrame::problem_with(const FrameShape& shape) {
     if (shape.time.scale == 0) {
         return "a time on a scale of 0";
     }
+    if (shape.resolution_divisor < 1) {
+        return "a resolution that is not above 0";
+    }
     // Both factors are below 2^32, and the stride is checked first, so the product stays within 64 bits.
     if (distance(stride_of(shape)) > kMaxFrame_bytes ||
         distance(stride_of(shape)) * shape.height_px > kMaxFrame_bytes) {

@@ -12,7 +12,8 @@
 // suites, the entry point, and the paths, which this interface and the project hold as UTF-8.
 //
 // A host's suites are plain C functions without a context, so a process has one host at a time; the next can
-// be made as soon as the first is gone. Everything runs on the calling thread.
+// be made as soon as the first is gone. Everything runs on the calling thread; only frames may be drawn on
+// another one, for which the calling thread waits (Host::draw).
 
 #include <cstdint>
 #include <filesystem>
@@ -90,6 +91,10 @@ struct FrameShape {
     A_long origin_y = 0;
     A_Time time{0, 1};      ///< of the frame
     std::uint8_t fill = 0;  ///< every byte of the frame before drawing
+    /// What a current host says the frame's resolution is: 2 for half. The size is as above in any case.
+    A_long resolution_divisor = 1;
+    /// The part of the frame that the host needs; without one, the whole frame.
+    std::optional<A_LRect> required_region = std::nullopt;
 };
 
 struct DrawResult {
@@ -169,7 +174,9 @@ class Host {
     /// result is project().in_spec(result.in_spec). AEGP_NewFootage opens the in-spec of footage in the same
     /// way.
     OpenResult open_with_module(const std::string& path);
-    /// Writes beyond the frame's pixels are undone and reported as RuleViolation::write_outside_frame.
+    /// Writes beyond the frame's pixels are undone and reported as RuleViolation::write_outside_frame. A
+    /// current host of interface 13.5 or later draws on another thread, from a copy of the in-spec that does
+    /// not have its options.
     DrawResult draw(Id in_spec, const FrameShape& shape);
     CallbackResult dispose(Id in_spec);
 

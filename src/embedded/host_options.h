@@ -65,6 +65,12 @@ struct HostOptions {
     [[nodiscard]] InterfaceVersion interface_version() const {
         return version.value_or(usual_version(generation));
     }
+
+    /// Current hosts from interface 13.5 on draw frames on another thread, from a copy of the project.
+    [[nodiscard]] bool draws_from_copies() const {
+        const InterfaceVersion has = interface_version();
+        return generation == HostGeneration::today && (has.major > 13 || (has.major == 13 && has.minor >= 5));
+    }
 };
 
 /// "classic" or "today" with the usual version, "9.31" with its own generation, or both as in

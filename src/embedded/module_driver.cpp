@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "embedded/host_path.h"
+#include "embedded/poisoned_output.h"
 
 namespace embedded {
 namespace {
@@ -20,6 +21,33 @@ OpenResult failed(const CallbackResult& callback, std::string error) {
 template <std::size_t N>
 std::string field_text(const A_char (&field)[N]) {
     return {field, std::find(field, field + N, '\0')};
+}
+
+/// Asks what current hosts also ask about a file. One of them passes null where the answer is of no use to
+/// it.
+void ask_about_other_files(Session& session, const Module& module, AEIO_InSpecH handle) {
+    const auto* functions = std::get_if<AEIO_FunctionBlock4>(&module.functions);
+    if (functions == nullptr) {
+        return;
+    }
+    using Count = A_Err (*)(AEIO_BasicData*, AEIO_InSpecH, A_long*);
+    const auto ask = [&](const char* name, Count function) {
+        if (function == nullptr) {
+            return;
+        }
+        Output<A_long> count(session);
+        const CallbackResult answer =
+            session.run(name, [&] { return function(&session.basic_data, handle, count.address()); });
+        if (answer.code == kHostErrorNone) {
+            count.take(session, name, "the number");
+        }
+    };
+    ask("AEIO_NumAuxFiles", functions->AEIO_NumAuxFiles);
+    ask("AEIO_GetNumAuxChannels", functions->AEIO_GetNumAuxChannels);
+    if (functions->AEIO_NumAuxFiles != nullptr) {
+        session.run("AEIO_NumAuxFiles",
+                    [&] { return functions->AEIO_NumAuxFiles(&session.basic_data, handle, nullptr); });
+    }
 }
 
 /// A module that fails may have attached its options already, and must free them itself.
@@ -84,19 +112,19 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
     AEIO_BasicData* basic = &session.basic_data;
     basic->refcon = module.refcon;
 
-    A_Boolean importable = 0;
+    Output<A_Boolean> importable(session);
     // Has the module run one of its functions, as a callback of that name.
     const auto ask = [&](const char* name, const auto& call) {
         return session.run(name, [&] { return module.with_functions(call); });
     };
     CallbackResult callback = ask("AEIO_VerifyFileImportable", [&](const auto& functions) {
         return functions.AEIO_VerifyFileImportable(basic, module.info.signature, named.given_to(functions),
-                                                   &importable);
+                                                   importable.address());
     });
     if (callback.code != kHostErrorNone) {
         return failed(callback, "the module could not verify the file");
     }
-    if (importable == 0) {
+    if (importable.take(session, "AEIO_VerifyFileImportable", "importable") == 0) {
         return failed({kHostErrorGeneric, false}, "the module does not accept the file");
     }
 
@@ -110,41 +138,51 @@ OpenResult open_with_module(Session& session, const Module& registered, const st
         return abandon(session, id, callback, "the module could not read the file");
     }
 
-    AEIO_Verbiage verbiage{};
-    callback = ask("AEIO_GetInSpecInfo", [&](const auto& functions) {
-        return functions.AEIO_GetInSpecInfo(basic, handle, &verbiage);
+    Output<AEIO_Verbiage> verbiage(session);
+    constexpr const char* kGetInfo = "AEIO_GetInSpecInfo";
+    callback = ask(kGetInfo, [&](const auto& functions) {
+        return functions.AEIO_GetInSpecInfo(basic, handle, verbiage.address());
     });
     if (callback.code == kHostErrorNone) {
-        session.in_spec(id).type_text = field_text(verbiage.type);
-        session.in_spec(id).sub_type_text = field_text(verbiage.sub_type);
+        const AEIO_Verbiage texts = verbiage.take(session, kGetInfo, "the verbiage");
+        if (session.options.generation == HostGeneration::today &&
+            static_cast<unsigned char>(texts.name[0]) == kPoison) {
+            session.conformance.add(
+                conformance_finding(RuleViolation::output_not_set, 0, kGetInfo, "the name was not set"));
+        }
+        session.in_spec(id).type_text = field_text(texts.type);
+        session.in_spec(id).sub_type_text = field_text(texts.sub_type);
     } else if (callback.code != kHostUseDefaultCallback) {
         return abandon(session, id, callback, "the module could not describe the file");
     }
 
     const A_Ratio scale[2] = {{1, 1}, {1, 1}};  // horizontal, vertical: full size
-    A_long width = 0;
-    A_long height = 0;
-    callback = ask("AEIO_GetDimensions", [&](const auto& functions) {
-        return functions.AEIO_GetDimensions(basic, handle, scale, &width, &height);
+    Output<A_long> width(session);
+    Output<A_long> height(session);
+    constexpr const char* kGetDimensions = "AEIO_GetDimensions";
+    callback = ask(kGetDimensions, [&](const auto& functions) {
+        return functions.AEIO_GetDimensions(basic, handle, scale, width.address(), height.address());
     });
     if (callback.code == kHostErrorNone) {
-        session.in_spec(id).width = width;
-        session.in_spec(id).height = height;
+        session.in_spec(id).width = width.take(session, kGetDimensions, "the width");
+        session.in_spec(id).height = height.take(session, kGetDimensions, "the height");
         session.in_spec(id).dimensions_from_module = true;
     } else if (callback.code != kHostUseDefaultCallback) {
         return abandon(session, id, callback, "the module could not give the dimensions");
     }
 
-    A_Time duration{0, 1};
-    callback = ask("AEIO_GetDuration", [&](const auto& functions) {
-        return functions.AEIO_GetDuration(basic, handle, &duration);
+    Output<A_Time> duration(session);
+    constexpr const char* kGetDuration = "AEIO_GetDuration";
+    callback = ask(kGetDuration, [&](const auto& functions) {
+        return functions.AEIO_GetDuration(basic, handle, duration.address());
     });
     if (callback.code == kHostErrorNone) {
-        session.in_spec(id).duration = duration;
+        session.in_spec(id).duration = duration.take(session, kGetDuration, "the duration");
         session.in_spec(id).duration_from_module = true;
     } else if (callback.code != kHostUseDefaultCallback) {
         return abandon(session, id, callback, "the module could not give the duration");
     }
+    ask_about_other_files(session, module, handle);
 
     const InSpec& opened = session.in_spec(id);
     if (opened.width < 1 || opened.height < 1 || opened.duration.scale == 0) {

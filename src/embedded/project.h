@@ -79,6 +79,7 @@ struct Footage {
 /// What an input module told the host about one file, through "AEGP IO In Suite".
 struct InSpec {
     Id id = 0;
+    Id copy_of = 0;  ///< the in-spec of which this is a copy, made to draw a frame; 0 for none
     std::string path;
     A_long module_signature = 0;
     Id options = 0;  ///< memory handle; 0 for none

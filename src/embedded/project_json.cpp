@@ -258,7 +258,12 @@ Json project_to_json(const Project& project) {
     document["compositions"] = json_list(project.compositions, [&project](const Composition& composition) {
         return json_composition(project, composition);
     });
-    document["in_specs"] = json_list(project.in_specs, json_in_spec);
+    document["in_specs"] = Json::array();
+    for (const InSpec& in_spec : project.in_specs) {
+        if (in_spec.copy_of == 0) {
+            document["in_specs"].push_back(json_in_spec(in_spec));
+        }
+    }
     document["undo_steps"] = json_list(project.undo_steps, [](const UndoStep& step) {
         return Json{{"name", json_text(step.name)}, {"changes", step.changes}, {"closed", step.closed}};
     });

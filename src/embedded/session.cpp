@@ -222,7 +222,10 @@ void Session::check_memory(const Marks& since, const std::string& callback) {
             left(RuleViolation::memory_left_locked, callback, memory_text(block) + " was left locked");
             block.locks = 0;
         }
-        left_memory(block.id, callback);
+        // A handle with flat options is for the host.
+        if (callback != "AEIO_FlattenOptions") {
+            left_memory(block.id, callback);
+        }
     }
 }
 
@@ -295,6 +298,21 @@ void Session::require_plugin(AEGP_PluginID id_given) {
         refuse(RuleViolation::bad_argument,
                "plugin_id is " + std::to_string(id_given) + " and not " + std::to_string(plugin_id));
     }
+}
+
+void Session::require_main_thread() {
+    if (options.generation == HostGeneration::today && std::this_thread::get_id() != main_thread) {
+        refuse(RuleViolation::call_off_main_thread, "this is not the main thread", kHostErrorGeneric);
+    }
+}
+
+InSpec& Session::in_spec_to_change(AEIO_InSpecH handle) {
+    InSpec& found = in_spec(id(handle, "in_spec"));
+    if (found.id == drawn_copy) {
+        refuse(RuleViolation::copy_changed,
+               "in_spec is " + handles.text(handle) + ", a copy that is being drawn", kHostErrorGeneric);
+    }
+    return found;
 }
 
 const A_Time& Session::require_time(const A_Time* time, const char* argument) {

@@ -9,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -82,6 +83,11 @@ class Session {
     std::array<int, kSuiteCount> suites_acquired{};
     int undo_depth = 0;
 
+    /// The thread that made the host.
+    std::thread::id main_thread = std::this_thread::get_id();
+    /// The copy of an in-spec that is being drawn, which nobody may change; 0 for none.
+    Id drawn_copy = 0;
+
     // --- calls of the bundle into the host
 
     struct CurrentCall {
@@ -144,6 +150,10 @@ class Session {
     /// As above, for an item that must be a folder.
     Id folder_id(AEGP_ItemH handle, const char* argument);
     void require_plugin(AEGP_PluginID id_given);
+    /// For functions that current hosts refuse on other threads.
+    void require_main_thread();
+    /// The in-spec behind a handle, to change it.
+    InSpec& in_spec_to_change(AEIO_InSpecH handle);
     void require_true(bool holds, const char* argument, const char* rule) {
         if (!holds) {
             refuse(RuleViolation::bad_argument, std::string(argument) + " " + rule);

@@ -79,6 +79,34 @@ TEST(HostLadder, EveryCallFailing) {
     }
 }
 
+// Frames for copies of a project take other ways through the bridge.
+TEST(HostLadder, EveryCallFailingWhileATextureIsDrawnFromACopy) {
+    if (!tests_today()) {
+        GTEST_SKIP() << "classic hosts draw what they have opened";
+    }
+    embedded::HostOptions copying;
+    copying.version = {13, 5};
+    for (const Example& example : examples_of(Kind::texture)) {
+        const ClimbingFile file(example);
+        const Climb clean = climb(copying, file.path());
+        ASSERT_EQ(clean.violation, "") << example.name;
+        for (const embedded::HostFunction& function : embedded::failable_functions()) {
+            const auto called = clean.call_counts.find(function.function);
+            const std::size_t calls =
+                called == clean.call_counts.end() ? 0 : static_cast<std::size_t>(called->second);
+            for (const std::size_t call : some_of(calls, kOfOneFunction)) {
+                const LostMemory lost(loses_picture(function.function));
+                embedded::HostOptions options = copying;
+                options.faults = {{function.function, static_cast<int>(call) + 1, 4}};
+                expect_sound(climb(options, file.path()), 4,
+                             example.name + ": call " + std::to_string(call + 1) + " of " +
+                                 function.function + " while drawing from a copy");
+                count_rungs("host_calls");
+            }
+        }
+    }
+}
+
 TEST(HostLadder, EverySuiteMissingAndEverySuiteEmpty) {
     for (const Example& example : hosted_examples()) {
         const ClimbingFile file(example);

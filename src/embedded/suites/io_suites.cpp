@@ -31,7 +31,7 @@ A_Err set_options(AEIO_InSpecH in_spec, void* options, void** old_options) {
             args.handle("options", options);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             session.require(old_options, "old_options");
             Id attached = 0;
             if (options != nullptr) {
@@ -62,7 +62,7 @@ A_Err set_native_fps(AEIO_InSpecH in_spec, A_Fixed fps) {
             args.integer("native_fps", fps);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             session.require_true(fps > 0, "native_fps", "is not above 0");
             changed.native_fps = fps;
             return kHostErrorNone;
@@ -77,7 +77,7 @@ A_Err set_depth(AEIO_InSpecH in_spec, A_short depth) {
             args.integer("depth", depth);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             session.require_true(depth >= 1, "depth", "is below 1");
             changed.depth = depth;
             return kHostErrorNone;
@@ -94,7 +94,7 @@ A_Err set_size(AEIO_InSpecH in_spec, Size size_bytes) {
             args.integer("size", size_bytes);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             session.require_true(
                 std::in_range<std::uint64_t>(size_bytes) && std::in_range<std::int64_t>(size_bytes), "size",
                 std::is_signed_v<Size> ? "is negative" : "is larger than 63 bits");
@@ -153,7 +153,7 @@ A_Err set_alpha_label(AEIO_InSpecH in_spec, const AEIO_AlphaLabel* label) {
             args.alpha_label("alpha_label", label);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             session.require(label, "alpha_label");
             session.require_true(label->alpha_type <= kAlphaTypeNone, "alpha_label.alpha_type",
                                  "is not an alpha type");
@@ -170,7 +170,7 @@ A_Err set_duration(AEIO_InSpecH in_spec, const A_Time* duration) {
             args.time("duration", duration);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             changed.duration = session.require_time(duration, "duration");
             return kHostErrorNone;
         });
@@ -185,7 +185,7 @@ A_Err set_dimensions(AEIO_InSpecH in_spec, A_long width, A_long height) {
             args.integer("height", height);
         },
         [&](Session& session) -> A_Err {
-            InSpec& changed = session.in_spec(session.id(in_spec, "in_spec"));
+            InSpec& changed = session.in_spec_to_change(in_spec);
             session.require_true(width >= 1, "width", "is below 1");
             session.require_true(height >= 1, "height", "is below 1");
             changed.width = width;

@@ -16,6 +16,7 @@ A_Err report_info(AEGP_PluginID plugin_id, const A_char* text) {
         [&](Session& session) -> A_Err {
             session.require_plugin(plugin_id);
             session.require(text, "text");
+            session.require_main_thread();
             session.project.messages.push_back({text, std::nullopt});
             return kHostErrorNone;
         });
