@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "support/area_average.h"
 #include "support/child_process.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
@@ -154,6 +155,52 @@ TEST(FrameVerb, AClassicHostsFrameOfAnotherSizeGetsTheTopLeftPart) {
     EXPECT_EQ(drawn.alphas[0].values[9], 77);
 }
 
+TEST(FrameVerb, AResolutionShowsTheWholeTextureWithFewerPixels) {
+    const TemporaryFolder folder;
+    const Texture stored = made_texture(9, 7, Texture::kRgb, 1);
+    ASSERT_FALSE(write_texture(folder.path("a.txl"), stored).has_value());
+    const struct {
+        const char* name;
+        std::vector<std::string> options;
+        A_long width_px;
+        A_long height_px;
+    } cases[] = {
+        {"full is the default", {}, 9, 7},
+        {"full", {"--resolution", "full"}, 9, 7},
+        {"half, rounded up", {"--resolution", "half"}, 5, 4},
+        {"a third", {"--resolution", "third"}, 3, 3},
+        {"a quarter", {"--resolution", "quarter"}, 3, 2},
+        {"a size of its own", {"--resolution", "half", "--size", "4x3"}, 4, 3},
+        {"from a copy, on another thread", {"--resolution", "half", "--host", "25.3"}, 5, 4},
+        {"a size larger than the texture", {"--size", "11x8"}, 11, 8},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.name);
+        std::vector<std::string> arguments = {"frame", "a.txl", "-o", "f.png"};
+        arguments.insert(arguments.end(), one.options.begin(), one.options.end());
+        const ProcessResult run = vxr(folder, arguments);
+        ASSERT_EQ(run.exit_code, 0) << run.err;
+        const Texture drawn = picture(folder, "f.png");
+        ASSERT_EQ(drawn.width_px, one.width_px);
+        ASSERT_EQ(drawn.height_px, one.height_px);
+        for (A_long y = 0; y < one.height_px; ++y) {
+            for (A_long x = 0; x < one.width_px; ++x) {
+                const std::size_t at = static_cast<std::size_t>(y * one.width_px + x);
+                const auto green = [&stored](A_long column, A_long row) {
+                    return stored.pixels[3 * static_cast<std::size_t>(row * 9 + column) + 1];
+                };
+                EXPECT_EQ(drawn.pixels[3 * at + 1],
+                          area_average(x, y, one.width_px, one.height_px, 9, 7, green));
+                const auto alpha = [&stored](A_long column, A_long row) {
+                    return stored.alphas[0].values[static_cast<std::size_t>(row * 9 + column)];
+                };
+                EXPECT_EQ(drawn.alphas[0].values[at],
+                          area_average(x, y, one.width_px, one.height_px, 9, 7, alpha));
+            }
+        }
+    }
+}
+
 TEST(FrameVerb, ARefusedTextureLeavesNoImage) {
     const TemporaryFolder folder;
     folder.write("cut.txl", "AVXRTexa");
@@ -190,6 +237,9 @@ TEST(FrameVerb, ExitCodes) {
         {"unknown format", {"frame", "a.txl", "-o", "f.doc"}, 2},
         {"size without a height", {"frame", "a.txl", "-o", "f.png", "--size", "10"}, 2},
         {"size 0", {"frame", "a.txl", "-o", "f.png", "--size", "0x4"}, 2},
+        {"a resolution that is not in the menu",
+         {"frame", "a.txl", "-o", "f.png", "--resolution", "fifth"},
+         2},
         {"fill that is not a byte", {"frame", "a.txl", "-o", "f.png", "--fill", "256"}, 2},
     };
     for (const auto& one : cases) {

@@ -38,8 +38,11 @@ Texture picture_of(const embedded::DrawResult& drawn) {
     return picture;
 }
 
-void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<FrameSize>& size,
-                   std::uint8_t fill) {
+A_long divided_rounding_up(A_long side_px, A_long divisor) {
+    return side_px / divisor + (side_px % divisor == 0 ? 0 : 1);
+}
+
+void open_and_draw(FrameRun& run, embedded::Host& host, const FrameRequest& request) {
     const std::string path = os::absolute_path(run.file);
     const embedded::Module* const module = host.module_for(path);
     if (module == nullptr) {
@@ -57,9 +60,12 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const std::optional<Fram
     }
     run.in_spec = host.project().in_spec(opened.in_spec);
     embedded::FrameShape shape;
-    shape.width_px = size.has_value() ? size->width_px : run.in_spec->width;
-    shape.height_px = size.has_value() ? size->height_px : run.in_spec->height;
-    shape.fill = fill;
+    const A_long divisor = request.resolution_divisor;
+    shape.width_px = request.size ? request.size->width_px : divided_rounding_up(run.in_spec->width, divisor);
+    shape.height_px =
+        request.size ? request.size->height_px : divided_rounding_up(run.in_spec->height, divisor);
+    shape.resolution_divisor = divisor;
+    shape.fill = request.fill;
     const embedded::DrawResult drawn = host.draw(opened.in_spec, shape);
     run.draw = drawn.callback;
     if (!drawn.error.empty()) {
@@ -92,7 +98,7 @@ const char* alpha_label_text(const std::optional<AEIO_AlphaLabel>& label) {
 }  // namespace
 
 FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::string& file,
-                   const std::optional<FrameSize>& size, std::uint8_t fill) {
+                   const FrameRequest& request) {
     FrameRun run;
     run.file = file;
     std::string problem;
@@ -105,7 +111,7 @@ FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::s
     if (!os::is_regular_file(file, why_not)) {
         refuse(run, file + ": " + why_not, ExitCode::cannot_read_or_write);
     } else {
-        open_and_draw(run, host, size, fill);
+        open_and_draw(run, host, request);
     }
     // Nothing changes from here on, and what the bundle leaves behind is in the report.
     host.unload();

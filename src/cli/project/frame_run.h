@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -17,6 +18,14 @@ struct FrameSize {
     A_long height_px = 0;
 };
 
+/// The frame that a user asks for.
+struct FrameRequest {
+    std::optional<FrameSize> size;  ///< without one, that of the texture at the resolution
+    /// 2 for half. Sides that it does not divide are rounded up.
+    A_long resolution_divisor = 1;
+    std::uint8_t fill = 0;  ///< every byte before drawing
+};
+
 /// The outcome of opening one file with its input module and drawing a frame.
 struct FrameRun {
     std::string file;  ///< as the user named it
@@ -29,10 +38,9 @@ struct FrameRun {
     std::vector<std::string> problems;        ///< what did not happen, one sentence each
 };
 
-/// Loads the bundle, opens the file with the module for its extension, draws, unloads. Without `size` the
-/// frame has the size that the module reported. Every byte that is not drawn is `fill`.
+/// Loads the bundle, opens the file with the module for its extension, draws, unloads.
 FrameRun draw_file(embedded::Host& host, const FoundBundle& bundle, const std::string& file,
-                   const std::optional<FrameSize>& size, std::uint8_t fill);
+                   const FrameRequest& request);
 
 /// "160 x 120, 32 bits, alpha premultiplied, still at 30 frames a second"
 std::string in_spec_text(const embedded::InSpec& in_spec);

@@ -1,10 +1,13 @@
+#include <algorithm>
 #include <charconv>
+#include <iterator>
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/options.h"
 #include "cli/project/frame_run.h"
@@ -36,6 +39,30 @@ std::optional<FrameSize> parse_frame_size(std::string_view text) {
     return size;
 }
 
+struct Resolution {
+    const char* name;
+    A_long divisor;
+};
+
+/// As the menu of a composition has them.
+constexpr Resolution kResolutions[] = {{"full", 1}, {"half", 2}, {"third", 3}, {"quarter", 4}};
+
+std::vector<std::string> resolution_names() {
+    std::vector<std::string> names;
+    for (const Resolution& resolution : kResolutions) {
+        names.emplace_back(resolution.name);
+    }
+    return names;
+}
+
+/// `name` is one of kResolutions.
+A_long resolution_divisor(const std::string& name) {
+    const auto* known =
+        std::find_if(std::begin(kResolutions), std::end(kResolutions),
+                     [&name](const Resolution& resolution) { return name == resolution.name; });
+    return known->divisor;
+}
+
 class FrameCommand : public Command {
   public:
     void add_options(Options& options) override {
@@ -46,7 +73,14 @@ class FrameCommand : public Command {
             .group("Output");
         options.flag("--json", json_, "write the host's project as a JSON document instead of text")
             .group("Output");
-        options.option("--size", size_, "the size of the frame; without this, that of the texture")
+        options.option("--resolution", resolution_, "the resolution of the composition that the frame is for")
+            .value_name("RESOLUTION")
+            .choices(resolution_names())
+            .show_default()
+            .group("The frame");
+        options
+            .option("--size", size_,
+                    "the size of the frame; without this, that of the texture at the resolution")
             .value_name("WIDTHxHEIGHT")
             .check([](const std::string& text) {
                 return parse_frame_size(text) ? std::string() : '"' + text + "\" is not WIDTHxHEIGHT";
@@ -70,8 +104,11 @@ class FrameCommand : public Command {
             throw UsageError("no image format has the extension of " + output_);
         }
         embedded::Host host(host_of_kind(host_));
-        FrameRun frame = draw_file(host, find_bundle(bundle_), file_, parse_frame_size(size_),
-                                   static_cast<std::uint8_t>(fill_));
+        FrameRequest request;
+        request.size = parse_frame_size(size_);
+        request.resolution_divisor = resolution_divisor(resolution_);
+        request.fill = static_cast<std::uint8_t>(fill_);
+        FrameRun frame = draw_file(host, find_bundle(bundle_), file_, request);
         if (frame.frame.has_value()) {
             write(frame);
         }
@@ -111,6 +148,7 @@ class FrameCommand : public Command {
 
     std::string file_;
     std::string output_;
+    std::string resolution_ = kResolutions[0].name;
     std::string size_;
     std::string bundle_;
     std::string host_ = kUsualHost;
@@ -130,8 +168,12 @@ Verb frame_verb() {
          "`texture convert` takes the picture directly from the file; `frame` takes it through the plug-in. "
          "A difference between the two would be a bug in one of them."},
         {{"vxr frame bark.txl -o frame.png", "What After Effects draws for bark.txl."},
-         {"vxr frame bark.txl -o corner.png --size 64x64 --fill 128",
-          "A frame smaller than the texture shows its top left part; pixels outside the texture stay grey."},
+         {"vxr frame bark.txl -o half.png --resolution half",
+          "What it draws in a composition at half resolution: the whole texture, with half as many pixels a "
+          "side."},
+         {"vxr frame bark.txl -o corner.png --size 64x64 --fill 128 --host classic",
+          "Classic hosts get the top left part of the texture in full size; pixels outside the texture stay "
+          "grey."},
          {"vxr frame bark.txl -o frame.png --json | jq .in_specs",
           "What the plug-in reports about the texture."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<FrameCommand>(); }};
