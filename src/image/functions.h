@@ -5,7 +5,8 @@
 
 #include "image/image.h"
 
-// The function table between image.h and what implements it: the OpenImageIO module or the code built in.
+// The function table between image.h and what implements it: the OpenImageIO module, Windows' own imaging
+// component, or the code built in.
 
 namespace image {
 
@@ -34,6 +35,12 @@ struct Functions {
 
 /// What is there without a library: headers of common formats, no pixels, and TGA files to write.
 [[nodiscard]] const Functions& built_in_functions();
+
+#if defined(_WIN32)
+/// What Windows' own imaging component can do: PNG, TIFF, JPEG and BMP are read and written. The rest is
+/// built in.
+[[nodiscard]] const Functions& system_functions();
+#endif
 
 }  // namespace image
 

@@ -13,8 +13,16 @@ namespace {
 /// Set by the build: whether it has OpenImageIO.
 constexpr bool kHasLibrary = VXR_IMAGE_LIBRARY != 0;
 
+const Functions& functions_without_library() {
+#if defined(_WIN32)
+    return system_functions();
+#else
+    return built_in_functions();
+#endif
+}
+
 const Functions* find_functions(std::string& problem) {
-    return kHasLibrary ? library_functions(problem) : &built_in_functions();
+    return kHasLibrary ? library_functions(problem) : &functions_without_library();
 }
 
 const Functions& required_functions() {
@@ -112,10 +120,16 @@ std::string build_note() {
     if (kHasLibrary) {
         return {};
     }
-    return std::string("This program is built without an image library: it reads the headers of ") +
-           kBuiltInFormats +
-           " footage, which is all that an import needs, but no pixels. The only image format "
-           "that it writes is TGA.";
+    const std::string headers =
+        std::string("This program is built without an image library: it reads the headers of ") +
+        kBuiltInFormats + " footage, which is all that an import needs";
+#if defined(_WIN32)
+    return headers +
+           ". Windows' own imaging component reads and writes the pixels of PNG, TIFF, JPEG and BMP; TGA "
+           "is written, too.";
+#else
+    return headers + ", but no pixels. The only image format that it writes is TGA.";
+#endif
 }
 
 }  // namespace image

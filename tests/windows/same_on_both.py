@@ -11,6 +11,9 @@ import subprocess
 import sys
 import tempfile
 
+sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "support"))
+from picture_files import tga_pixels
+
 PROJECT = pathlib.Path(__file__).resolve().parents[2]
 HERE, THERE = (str(pathlib.Path(program).resolve()) for program in sys.argv[1:3])
 WINE = str(PROJECT / "script" / "wine")
@@ -70,32 +73,11 @@ def compare_textures():
                 frame = pathlib.Path(folder) / f"{number}.tga"
                 code, text, _ = run([*program, "frame", name, "-o", str(frame)])
                 codes.append(code)
-                made.append((codes, copy.read_bytes(), text.replace(str(frame).encode(), b""), pixels_of(frame)))
+                made.append((codes, copy.read_bytes(), text.replace(str(frame).encode(), b""), tga_pixels(frame.read_bytes())))
             same = made[0] == made[1] and made[0][0] == [0, 0]
             wrong += not same
             print(f"{'same' if same else 'NOT THE SAME'}: copy and frame of {name}")
     return wrong, len(textures)
-
-
-def pixels_of(frame):
-    """The pixels of a frame in a TGA, packed or not, rows from the top."""
-    data = frame.read_bytes()
-    kind, width, height, bits = data[2], int.from_bytes(data[12:14], "little"), int.from_bytes(data[14:16], "little"), data[16]
-    size, at, pixels = bits // 8, 18 + data[0], bytearray()
-    while len(pixels) < width * height * size:
-        if kind < 8:
-            pixels += data[at:at + width * height * size]
-            break
-        count = (data[at] & 0x7F) + 1
-        if data[at] & 0x80:
-            pixels += data[at + 1:at + 1 + size] * count
-            at += 1 + size
-        else:
-            pixels += data[at + 1:at + 1 + count * size]
-            at += 1 + count * size
-    row = width * size
-    rows = [bytes(pixels[y * row:(y + 1) * row]) for y in range(height)]
-    return width, height, bits, rows if data[17] & 0x20 else rows[::-1]
 
 
 def show_first_difference(here, there):
