@@ -5,6 +5,8 @@
 #include <sstream>
 #include <utility>
 
+#include "system/files.h"
+
 namespace cli {
 namespace {
 
@@ -108,6 +110,31 @@ Option Options::argument(const std::string& name, std::string& value, const std:
 Option Options::argument(const std::string& name, std::vector<std::string>& values,
                          const std::string& description) {
     return option(name, values, description);
+}
+
+Option Options::file_argument(const std::string& name, std::string& path, const std::string& description) {
+    app_->callback([name, &path] {
+        const std::vector<std::string> files = os::matching_files(path);
+        if (files.size() > 1) {
+            throw CLI::ValidationError(
+                name, path + " matches " + std::to_string(files.size()) + " files; one is needed");
+        }
+        path = files.front();
+    });
+    return argument(name, path, description);
+}
+
+Option Options::file_argument(const std::string& name, std::vector<std::string>& paths,
+                              const std::string& description) {
+    app_->callback([&paths] {
+        std::vector<std::string> all;
+        for (const std::string& path : paths) {
+            const std::vector<std::string> files = os::matching_files(path);
+            all.insert(all.end(), files.begin(), files.end());
+        }
+        paths = std::move(all);
+    });
+    return argument(name, paths, description);
 }
 
 std::vector<OptionFacts> Options::facts() const {

@@ -78,6 +78,12 @@ class Options {
     Option argument(const std::string& name, std::string& value, const std::string& description);
     Option argument(const std::string& name, std::vector<std::string>& values,
                     const std::string& description);
+    /// The argument that names the verb's files, at most one argument of each verb. Once the line is parsed,
+    /// a name with wildcards is replaced by the files that it matches (os::matching_files); a verb that takes
+    /// one file refuses several.
+    Option file_argument(const std::string& name, std::string& path, const std::string& description);
+    Option file_argument(const std::string& name, std::vector<std::string>& paths,
+                         const std::string& description);
 
     /// Everything declared, in that order, --help and --version among it.
     [[nodiscard]] std::vector<OptionFacts> facts() const;

@@ -38,6 +38,12 @@ inline bool is_regular_file(const std::string& path, std::string& why_not) {
 /// read.
 std::vector<std::string> regular_files_in(const std::string& folder);
 
+/// The files that a name with wildcards stands for, in the order of their names: '*' for any characters, '?'
+/// for one, upper and lower case alike, in the last component only; brackets are ordinary characters, and a
+/// name that begins with a full stop is matched by one that does. `path` itself when it has no wildcard or
+/// matches nothing. Only on Windows: elsewhere the shell has done this, and every name means itself.
+std::vector<std::string> matching_files(const std::string& path);
+
 /// `path` as an absolute path, which hosts pass; `path` itself if that cannot be determined.
 std::string absolute_path(const std::string& path);
 

@@ -104,6 +104,10 @@ std::vector<std::string> regular_files_in(const std::string& folder) {
     return names;
 }
 
+std::vector<std::string> matching_files(const std::string& path) {
+    return {path};
+}
+
 std::string absolute_path(const std::string& path) {
     std::error_code failure;
     const fs::path absolute = fs::absolute(path, failure);

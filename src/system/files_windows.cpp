@@ -7,6 +7,7 @@
 #include <memory>
 #include <string_view>
 #include <system_error>
+#include <utility>
 
 #include "system/wide_path_windows.h"
 
@@ -17,6 +18,7 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr const char* kNoName = "its name is not UTF-8";
+constexpr std::string_view kWildcards = "*?";
 
 std::error_code last_error() {
     const std::error_condition meaning =
@@ -37,6 +39,54 @@ std::error_code opened(const std::string& path, DWORD how) {
     }
     CloseHandle(handle);
     return {};
+}
+
+/// Whether `path` has a wildcard, which no name of a file can contain. The prefix of full-length names has
+/// one as well.
+bool has_wildcard(std::string_view path) {
+    constexpr std::string_view kPrefix = R"(\\?\)";
+    return path.find_first_of(kWildcards, path.starts_with(kPrefix) ? kPrefix.size() : 0) !=
+           std::string_view::npos;
+}
+
+/// How many units the character at the front of `text` has.
+std::size_t character_units(std::wstring_view text) {
+    const bool pair = text.size() > 1 && text[0] >= 0xD800 && text[0] < 0xDC00;
+    return pair ? 2 : 1;
+}
+
+int compared(std::wstring_view a, std::wstring_view b) {
+    return CompareStringOrdinal(a.data(), static_cast<int>(a.size()), b.data(), static_cast<int>(b.size()),
+                                TRUE);
+}
+
+/// Whether `name` is what `pattern` describes. When a character does not fit, the last '*' takes one more:
+/// the time is at most the product of the lengths.
+bool matches(std::wstring_view pattern, std::wstring_view name) {
+    std::wstring_view behind_star;
+    std::wstring_view rest_of_star;
+    bool star = false;
+    while (!name.empty()) {
+        if (!pattern.empty() && pattern[0] == L'*') {
+            star = true;
+            pattern.remove_prefix(1);
+            behind_star = pattern;
+            rest_of_star = name;
+        } else if (!pattern.empty() && pattern[0] == L'?') {
+            pattern.remove_prefix(1);
+            name.remove_prefix(character_units(name));
+        } else if (!pattern.empty() && compared(pattern.substr(0, 1), name.substr(0, 1)) == CSTR_EQUAL) {
+            pattern.remove_prefix(1);
+            name.remove_prefix(1);
+        } else if (star) {
+            rest_of_star.remove_prefix(character_units(rest_of_star));
+            name = rest_of_star;
+            pattern = behind_star;
+        } else {
+            return false;
+        }
+    }
+    return pattern.find_first_not_of(L'*') == std::wstring_view::npos;
 }
 
 struct CloseSearch {
@@ -61,6 +111,8 @@ FileState file_state(const std::string& path) {
     WIN32_FILE_ATTRIBUTE_DATA about{};
     if (wide.empty()) {
         state.error = path.empty() ? system_reason(ERROR_FILE_NOT_FOUND) : kNoName;
+    } else if (has_wildcard(path)) {
+        state.error = "no file matches this name";
     } else if (GetFileAttributesExW(wide.c_str(), GetFileExInfoStandard, &about) == 0) {
         state.error = system_reason(GetLastError());
     } else if ((about.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
@@ -93,6 +145,32 @@ std::vector<std::string> regular_files_in(const std::string& folder) {
         }
     } while (FindNextFileW(search.get(), &found) != 0);
     return names;
+}
+
+std::vector<std::string> matching_files(const std::string& path) {
+    const std::size_t separator = path.find_last_of("/\\:");
+    const std::size_t name_at = separator == std::string::npos ? 0 : separator + 1;
+    const std::wstring pattern = wide_text(std::string_view(path).substr(name_at));
+    if (pattern.find_first_of(L"*?") == std::wstring::npos) {
+        return {path};
+    }
+    std::vector<std::wstring> names;
+    for (const std::string& name : regular_files_in(path.substr(0, name_at))) {
+        std::wstring wide = wide_text(name);
+        if ((wide[0] != L'.' || pattern[0] == L'.') && matches(pattern, wide)) {
+            names.push_back(std::move(wide));
+        }
+    }
+    std::sort(names.begin(), names.end(), [](const std::wstring& a, const std::wstring& b) {
+        const int order = compared(a, b);
+        return order == CSTR_EQUAL ? a < b : order == CSTR_LESS_THAN;
+    });
+    std::vector<std::string> paths;
+    paths.reserve(names.size());
+    for (const std::wstring& name : names) {
+        paths.push_back(path.substr(0, name_at) + utf8_text(name));
+    }
+    return paths.empty() ? std::vector{path} : paths;
 }
 
 std::string absolute_path(const std::string& path) {

@@ -46,7 +46,7 @@ class CheckCommand : public Command {
     explicit CheckCommand(const FileKind& kind) : kind_(kind) {}
 
     void add_options(Options& options) override {
-        Option files = options.argument("FILE", files_, kind_.plural);
+        Option files = options.file_argument("FILE", files_, kind_.plural);
         options.flag("--strict", strict_, "also refuse files with warnings").group("What counts");
         if (kind_.list_codes != nullptr) {
             options

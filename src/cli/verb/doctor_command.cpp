@@ -20,7 +20,7 @@ class DoctorCommand : public Command {
   public:
     void add_options(Options& options) override {
         options
-            .argument(
+            .file_argument(
                 "BUNDLE", bundle_,
                 "the plug-in: a .aex, a .plugin folder or a .so; without one, the plug-in of this program")
             .environment("VXR_BUNDLE");

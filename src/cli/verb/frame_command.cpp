@@ -66,7 +66,7 @@ A_long resolution_divisor(const std::string& name) {
 class FrameCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("FILE", file_, "the texture").required();
+        options.file_argument("FILE", file_, "the texture").required();
         options.option("-o,--output", output_, "the image to write; its extension chooses the format")
             .value_name("IMAGE")
             .required()

@@ -53,7 +53,7 @@ bool same_file(const std::string& one, const std::string& other) {
 class ImportCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("FILE", file_, "the composition file").required();
+        options.file_argument("FILE", file_, "the composition file").required();
         options.flag("--json", json_, "write the project as a JSON document instead of a tree")
             .group("Output");
         options.option("--save", save_, "also write the JSON document to this file")

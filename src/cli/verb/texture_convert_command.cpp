@@ -51,7 +51,8 @@ Json conversion_json(const Conversion& conversion) {
 class TextureConvertCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("IN", inputs_, "textures to convert to images, or images to convert to textures")
+        options
+            .file_argument("IN", inputs_, "textures to convert to images, or images to convert to textures")
             .required();
         options.option("-o,--output", output_, "the file to write, for one input")
             .value_name("FILE")

@@ -98,7 +98,7 @@ Json info_json(const FileInfo& info) {
 class TextureInfoCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("FILE", files_, "texture files").required();
+        options.file_argument("FILE", files_, "texture files").required();
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
     }
 
