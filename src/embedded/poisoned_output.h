@@ -20,26 +20,30 @@ class Output {
   public:
     explicit Output(const Session& session) : poisoned_(session.options.generation == HostGeneration::today) {
         if (poisoned_) {
-            std::memset(&value_, kPoison, sizeof value_);
+            std::memset(&held_, kPoison, sizeof held_);
         }
     }
-    Value* address() { return &value_; }
+    Value* address() { return &held_.value; }
 
     /// After a callback that reported success. Reports an output that is as it was, and gives `Value{}` for
     /// it.
     Value take(Session& session, const char* callback, const char* output) {
-        Value poison{};
+        Held poison{};
         std::memset(&poison, kPoison, sizeof poison);
-        if (poisoned_ && std::memcmp(&value_, &poison, sizeof poison) == 0) {
+        if (poisoned_ && std::memcmp(&held_, &poison, sizeof held_) == 0) {
             session.conformance.add(conformance_finding(RuleViolation::output_not_set, 0, callback,
                                                         std::string(output) + " was not set"));
             return Value{};
         }
-        return value_;
+        return held_.value;
     }
 
   private:
-    Value value_{};
+    /// A value that may be a pointer, so that its size is that of the value and not of what it points to.
+    struct Held {
+        Value value;
+    };
+    Held held_{};
     bool poisoned_;
 };
 
