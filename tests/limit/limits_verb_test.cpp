@@ -66,7 +66,8 @@ TEST(LimitsVerb, CallsOurRulesOurs) {
         {"chunk-nesting", "file-length"},
     };
     std::map<std::string, std::string> found;
-    for (const Json& limit : Json::parse(output_of({"limits", "--json"})).at("limits")) {
+    const Json document = Json::parse(output_of({"limits", "--json"}));
+    for (const Json& limit : document.at("limits")) {
         found.emplace(limit.at("id"), limit.at("rule"));
     }
     EXPECT_EQ(found, expected);
