@@ -77,24 +77,37 @@ StreamComponents starting_value(const Project& project, const Layer& layer, AEGP
 
 }  // namespace
 
-Layer& add_layer(Session& session, Id composition, LayerKind kind, std::string name, Id source_item) {
+Layer& add_layer(Session& session, Id composition, LayerKind kind, GivenName name, Id source_item) {
     session.handles.make<AEGP_LayerH>();
     Layer& made = session.project.layers.emplace_back();
     made.id = static_cast<Id>(session.project.layers.size());
     made.composition = composition;
     made.kind = kind;
-    made.name = std::move(name);
+    made.name = std::move(name.text);
+    made.unicode_name = name.unicode;
     made.source_item = source_item;
     if (has_camera_streams(kind)) {
         made.flags = kLayerFlag3D;
     }
+    if (kind == LayerKind::camera && session.options.generation == HostGeneration::classic) {
+        made.flags |= kLayerFlagLookAtPointOfInterest;
+    }
     Composition& parent = session.composition(composition);
     made.in_point = {0, parent.duration.scale};
     made.offset = made.in_point;
-    made.duration =
-        source_item == 0 ? parent.duration : natural_duration(session.project, source_item, composition);
+    made.duration = source_item == 0 ? parent.duration : natural_duration(session, source_item, composition);
     parent.layers.push_front(made.id);
     return made;
+}
+
+void set_light_type(const Session& session, Layer& light, AEGP_LightType type) {
+    light.light_type = type;
+    if (session.options.generation != HostGeneration::classic) {
+        return;
+    }
+    const bool aimed = type == kLightTypeSpot || type == kLightTypeParallel;
+    light.flags = aimed ? light.flags | kLayerFlagLookAtPointOfInterest
+                        : light.flags & ~kLayerFlagLookAtPointOfInterest;
 }
 
 bool can_add_layer(const Project& project, Id item, Id composition) {
@@ -127,13 +140,18 @@ bool can_add_layer(const Project& project, Id item, Id composition) {
     return true;
 }
 
-A_Time natural_duration(const Project& project, Id item, Id composition) {
+A_Time still_duration(const Session& session, Id composition) {
+    return session.options.still_duration.value_or(session.project.composition(composition).duration);
+}
+
+A_Time natural_duration(const Session& session, Id item, Id composition) {
+    const Project& project = session.project;
     const Item& source = project.item(item);
     if (source.kind == ItemKind::composition) {
         return project.composition(source.content).duration;
     }
     const A_Time duration = project.footage_of(source.content).duration;
-    return duration.value == 0 ? project.composition(composition).duration : duration;
+    return duration.value == 0 ? still_duration(session, composition) : duration;
 }
 
 std::optional<StreamShape> stream_shape(const Layer& layer, AEGP_LayerStream kind) {

@@ -11,14 +11,22 @@
 namespace embedded {
 
 /// Puts a new layer on top of a composition, with the host's own timing. `source_item` is 0 for cameras,
-/// lights and nulls.
-Layer& add_layer(Session& session, Id composition, LayerKind kind, std::string name, Id source_item);
+/// lights and nulls. A camera of a classic host turns towards its point of interest, as the importer expects;
+/// in a current host every new layer looks straight ahead.
+Layer& add_layer(Session& session, Id composition, LayerKind kind, GivenName name, Id source_item);
+
+/// Sets the type of a light. In a classic host, spot and parallel lights turn towards their points of
+/// interest and others do not; in a current host the flag stays as it is.
+void set_light_type(const Session& session, Layer& light, AEGP_LightType type);
 
 /// True for footage, and for a composition that does not contain `composition`, at any depth, and is not it.
 bool can_add_layer(const Project& project, Id item, Id composition);
 
-/// The duration of a layer made from an item; a still lasts as long as the composition that it is added to.
-A_Time natural_duration(const Project& project, Id item, Id composition);
+/// The duration of stills, and of nulls made without one, in this composition: as the host's preference says.
+A_Time still_duration(const Session& session, Id composition);
+
+/// The duration of a layer made from an item.
+A_Time natural_duration(const Session& session, Id item, Id composition);
 
 /// Which members of the stream's value this layer uses; nothing when the layer has no such stream.
 std::optional<StreamShape> stream_shape(const Layer& layer, AEGP_LayerStream kind);

@@ -2,7 +2,8 @@
 
 // The embedded host's project as plain data. Everything has an id. The ids of one kind count from 1 in the
 // order of creation and are never reused within a host; the call log and the JSON use them ("item:3" is the
-// item with id 3). Id 0 means "none". Texts are the bytes that the bundle passed, in no particular encoding.
+// item with id 3). Id 0 means "none". Texts are the bytes that the bundle passed, in no particular encoding,
+// or UTF-8 where it passed UTF-16.
 
 #include <array>
 #include <cstdint>
@@ -29,9 +30,10 @@ enum class ItemKind { folder, footage, composition };
 struct Item {
     Id id = 0;
     ItemKind kind = ItemKind::folder;
-    std::string name;      ///< at most 31 bytes from the bundle; for a file's footage the file's name
-    Id parent_folder = 0;  ///< an item; 0 for the root folder alone
-    Id content = 0;        ///< the footage's id or the composition's id; 0 for folders
+    std::string name;           ///< from the bundle; for a file's footage the file's name
+    Id parent_folder = 0;       ///< an item; 0 for the root folder alone
+    Id content = 0;             ///< the footage's id or the composition's id; 0 for folders
+    bool unicode_name = false;  ///< the bundle gave it in UTF-16; else it has at most 31 bytes
 };
 
 /// Frame numbers `first`..`last`, both included.
@@ -131,8 +133,9 @@ struct Layer {
     Id id = 0;
     Id composition = 0;
     LayerKind kind = LayerKind::null;
-    std::string name;    ///< at most 31 bytes from the bundle, else the source item's
-    Id source_item = 0;  ///< 0 for cameras, lights and nulls
+    std::string name;           ///< from the bundle, else the source item's
+    bool unicode_name = false;  ///< the bundle gave it in UTF-16; else it has at most 31 bytes
+    Id source_item = 0;         ///< 0 for cameras, lights and nulls
     AEGP_LayerTransferMode transfer{kTransferModeNormal, 0, 0};
     A_Time in_point{0, 1};
     A_Time duration{0, 1};
@@ -145,6 +148,10 @@ struct Layer {
     std::map<AEGP_LayerStream, Stream> streams;  ///< by the host's stream number
 
     [[nodiscard]] bool is_3d() const { return (flags & kLayerFlag3D) != 0; }
+    /// Of cameras and lights: whether the layer turns towards its anchor point, the point of interest.
+    [[nodiscard]] bool looks_at_point_of_interest() const {
+        return (flags & kLayerFlagLookAtPointOfInterest) != 0;
+    }
 };
 
 struct Composition {

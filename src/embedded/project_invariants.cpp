@@ -7,6 +7,7 @@
 #include "embedded/layer_model.h"
 #include "embedded/project.h"
 #include "embedded/session.h"
+#include "embedded/text_encoding.h"
 
 namespace embedded {
 namespace {
@@ -44,6 +45,14 @@ BrokenRule each(const char* label, const Table& table, const Check& check) {
     return std::nullopt;
 }
 
+/// Of a name that the bundle gave.
+const char* wrong_name(const std::string& name, bool unicode) {
+    if (unicode) {
+        return is_utf8(name) ? nullptr : "its name came as UTF-16 and is not UTF-8";
+    }
+    return name.size() <= kMaxNameLength ? nullptr : "its name is longer than 31 bytes";
+}
+
 const char* wrong_content(const Project& project, const Item& item) {
     switch (item.kind) {
         case ItemKind::folder:
@@ -72,8 +81,10 @@ const char* wrong_item(const Project& project, const Item& item) {
         project.item(item.parent_folder).kind != ItemKind::folder) {
         return "it is in no folder";
     }
-    if (item.kind != ItemKind::footage && item.name.size() > kMaxNameLength) {
-        return "its name is longer than 31 bytes";
+    // The name of a file is the file's own.
+    const bool named_by_bundle = item.kind != ItemKind::footage || item.unicode_name;
+    if (const char* wrong = named_by_bundle ? wrong_name(item.name, item.unicode_name) : nullptr) {
+        return wrong;
     }
     return wrong_content(project, item);
 }
@@ -113,8 +124,8 @@ const char* wrong_footage(const Project& project, const Footage& footage) {
     if (is_placeholder != footage.path.empty()) {
         return "it is a placeholder with a path or a file without one";
     }
-    if (is_placeholder && footage.name.size() > kMaxNameLength) {
-        return "its name is longer than 31 bytes";
+    if (const char* wrong = is_placeholder ? wrong_name(footage.name, false) : nullptr) {
+        return wrong;
     }
     if ((footage.kind == FootageKind::module_file) != (footage.in_spec != 0) ||
         (footage.in_spec != 0 && !exists(project.in_specs, footage.in_spec))) {
@@ -183,8 +194,8 @@ const char* wrong_layer(const Project& project, const Layer& layer) {
     if (!is_time(layer.in_point) || !is_time(layer.duration) || !is_time(layer.offset)) {
         return "a time has no scale";
     }
-    if (layer.source_item == 0 && layer.name.size() > kMaxNameLength) {
-        return "its name is longer than 31 bytes";
+    if (const char* wrong = layer.source_item == 0 ? wrong_name(layer.name, layer.unicode_name) : nullptr) {
+        return wrong;
     }
     const bool is_centered = layer.kind == LayerKind::camera || layer.kind == LayerKind::light;
     if (layer.center.has_value() != is_centered) {

@@ -191,6 +191,7 @@ Json json_layer(const Layer& layer) {
                 {"offset", json_time(layer.offset)},
                 {"flags", layer.flags},
                 {"is_3d", layer.is_3d()},
+                {"looks_at_point_of_interest", layer.looks_at_point_of_interest()},
                 {"light_type", json_light_type(layer.light_type)},
                 {"center",
                  layer.center ? Json{{"x", json_number(layer.center->x)}, {"y", json_number(layer.center->y)}}

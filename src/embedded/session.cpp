@@ -327,16 +327,28 @@ const A_Ratio& Session::require_positive(const A_Ratio* ratio, const char* argum
     return *ratio;
 }
 
-std::string Session::name(const A_char* text, const char* argument) {
+Id Session::parent_folder_id(AEGP_ItemH handle, const A_char* /*name*/, const char* argument) {
+    return folder_id(handle, argument);
+}
+
+Id Session::parent_folder_id(AEGP_ItemH handle, const A_UTF16Char* /*name*/, const char* argument) {
+    return handle == nullptr ? kRootFolder : folder_id(handle, argument);
+}
+
+GivenName Session::name(const A_UTF16Char* text, const char* argument) {
+    return {unicode(text, argument), true};
+}
+
+GivenName Session::name(const A_char* text, const char* argument) {
     const std::size_t length = std::strlen(&require(text, argument));
     if (length > kMaxNameLength) {
         found(RuleViolation::name_cut, std::string(argument) + " has " + std::to_string(length) +
                                            " bytes and is cut after " + std::to_string(kMaxNameLength));
     }
-    return {text, std::min(length, kMaxNameLength)};
+    return {{text, std::min(length, kMaxNameLength)}};
 }
 
-std::string Session::path(const A_UTF16Char* text, const char* argument) {
+std::string Session::unicode(const A_UTF16Char* text, const char* argument) {
     const Utf16View units(&require(text, argument));
     if (const auto fault = first_fault(units)) {
         refuse(RuleViolation::bad_argument, std::string(argument) + " is not UTF-16: unit " +
@@ -373,12 +385,13 @@ void Session::changed() {
     }
 }
 
-Item& Session::add_item(ItemKind kind, std::string item_name, Id parent_folder, Id content) {
+Item& Session::add_item(ItemKind kind, GivenName item_name, Id parent_folder, Id content) {
     handles.make<AEGP_ItemH>();
     Item& made = project.items.emplace_back();
     made.id = static_cast<Id>(project.items.size());
     made.kind = kind;
-    made.name = std::move(item_name);
+    made.name = std::move(item_name.text);
+    made.unicode_name = item_name.unicode;
     made.parent_folder = parent_folder;
     made.content = content;
     return made;

@@ -7,6 +7,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <thread>
@@ -32,8 +33,14 @@ struct Refusal {
     A_Err code = kHostErrorParameter;
 };
 
-/// The longest name that the host keeps, in bytes.
+/// The longest narrow name that the host keeps, in bytes.
 inline constexpr std::size_t kMaxNameLength = 31;
+
+/// A name as it arrived.
+struct GivenName {
+    std::string text;
+    bool unicode = false;  ///< it came in UTF-16, and `text` is UTF-8 of any length
+};
 
 class Session {
   public:
@@ -79,6 +86,10 @@ class Session {
         std::vector<Key> keys;
     };
     std::vector<Additions> additions;
+
+    /// Items and compositions for which AEGP_IsAddLayerValid has answered no, because the options say so.
+    std::set<std::pair<Id, Id>> refused_layers;
+    int layers_asked_for = 0;
 
     std::array<int, kSuiteCount> suites_acquired{};
     int undo_depth = 0;
@@ -149,6 +160,9 @@ class Session {
     }
     /// As above, for an item that must be a folder.
     Id folder_id(AEGP_ItemH handle, const char* argument);
+    /// The same for suites with narrow names; for those with names in UTF-16, null is the root folder.
+    Id parent_folder_id(AEGP_ItemH handle, const A_char* name, const char* argument);
+    Id parent_folder_id(AEGP_ItemH handle, const A_UTF16Char* name, const char* argument);
     void require_plugin(AEGP_PluginID id_given);
     /// For functions that current hosts refuse on other threads.
     void require_main_thread();
@@ -161,11 +175,13 @@ class Session {
     }
     const A_Time& require_time(const A_Time* time, const char* argument);
     const A_Ratio& require_positive(const A_Ratio* ratio, const char* argument);
-    /// The name, cut at kMaxNameLength and noted if it is longer.
-    std::string name(const A_char* text, const char* argument);
+    /// A narrow name, cut at kMaxNameLength and noted if it is longer.
+    GivenName name(const A_char* text, const char* argument);
+    /// A name in UTF-16, of any length.
+    GivenName name(const A_UTF16Char* text, const char* argument);
     /// A path as this host keeps it: the bytes as they are in a classic host, else as UTF-8.
     std::string path(const A_char* text, const char* argument) { return &require(text, argument); }
-    std::string path(const A_UTF16Char* text, const char* argument);
+    std::string path(const A_UTF16Char* text, const char* argument) { return unicode(text, argument); }
 
     /// A path in memory that the bundle must free: UTF-16, terminated.
     AEGP_MemHandle lend_path(const std::string& path);
@@ -174,7 +190,7 @@ class Session {
 
     /// Counts a change in the open undo step, or reports that none is open.
     void changed();
-    Item& add_item(ItemKind kind, std::string name, Id parent_folder, Id content);
+    Item& add_item(ItemKind kind, GivenName name, Id parent_folder, Id content);
 
     Item& item(Id item_id) { return project.items.at(Project::index(item_id)); }
     Footage& footage(Id footage_id) { return project.footage.at(Project::index(footage_id)); }
@@ -206,6 +222,8 @@ class Session {
     void check_suites(const Marks& since, const std::string& callback);
     void check_memory(const Marks& since, const std::string& callback);
     void left(RuleViolation violation, const std::string& callback, std::string text);
+    /// A text in UTF-16, as UTF-8.
+    std::string unicode(const A_UTF16Char* text, const char* argument);
     [[noreturn]] void refuse_handle(HandleKind kind, const void* handle, const char* argument);
     [[nodiscard]] const A_Err* fault_of(Fn function, std::int64_t nth) const;
 

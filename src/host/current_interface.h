@@ -5,8 +5,9 @@
 // assertions check every offset.
 //
 // Paths of current hosts are zero-terminated UTF-16 with the platform's separators (hosts on macOS are
-// assumed to pass POSIX paths). Names of items and layers stay narrow. These hosts do not offer the classic
-// versions of the suites below.
+// assumed to pass POSIX paths). Names are narrow in the suites of host_interface.h, without a documented
+// encoding and cut at 31 bytes; the last two suites below take them as zero-terminated UTF-16. These hosts
+// offer the classic versions of those two, and lack the classic versions of the others.
 
 #include <cstddef>
 #include <cstdint>
@@ -303,6 +304,43 @@ struct AEGP_IOOutSuite7 {
 };
 static_assert(sizeof(AEGP_IOOutSuite7) == slot(32) &&
               offsetof(AEGP_IOOutSuite7, AEGP_GetOutSpecFilePath) == slot(2));
+
+/// "AEGP Item Suite" 13
+struct AEGP_ItemSuite13 {
+    ReservedSlot reserved_0[8];
+    A_Err (*AEGP_SetItemName)(AEGP_ItemH, const A_UTF16Char* name);
+    ReservedSlot reserved_9[10];
+    /// A null parent is the root folder.
+    A_Err (*AEGP_CreateNewFolder)(const A_UTF16Char* name, AEGP_ItemH parent, AEGP_ItemH* folder);
+    ReservedSlot reserved_20[7];
+};
+static_assert(sizeof(AEGP_ItemSuite13) == slot(27) &&
+              offsetof(AEGP_ItemSuite13, AEGP_SetItemName) == slot(8) &&
+              offsetof(AEGP_ItemSuite13, AEGP_CreateNewFolder) == slot(19));
+
+/// "AEGP Comp Suite" 15. That slot 0 is the classic function is assumed, as slot 1 is.
+struct AEGP_CompSuite15 {
+    A_Err (*AEGP_GetCompFromItem)(AEGP_ItemH, AEGP_CompH*);
+    A_Err (*AEGP_GetItemFromComp)(AEGP_CompH, AEGP_ItemH*);
+    ReservedSlot reserved_2[15];
+    A_Err (*AEGP_CreateCameraInComp)(const A_UTF16Char* name, A_FloatPoint center, AEGP_CompH, AEGP_LayerH*);
+    A_Err (*AEGP_CreateLightInComp)(const A_UTF16Char* name, A_FloatPoint center, AEGP_CompH, AEGP_LayerH*);
+    /// A null parent is the root folder.
+    A_Err (*AEGP_CreateComp)(AEGP_ItemH parent_folder, const A_UTF16Char* name, A_long width, A_long height,
+                             const A_Ratio* pixel_aspect, const A_Time* duration, const A_Ratio* frame_rate,
+                             AEGP_CompH*);
+    ReservedSlot reserved_20[5];
+    /// A null duration is the host's preference for the length of stills.
+    A_Err (*AEGP_CreateNullInComp)(const A_UTF16Char* name, AEGP_CompH, const A_Time* duration, AEGP_LayerH*);
+    ReservedSlot reserved_26[8];
+};
+static_assert(sizeof(AEGP_CompSuite15) == slot(34) &&
+              offsetof(AEGP_CompSuite15, AEGP_GetCompFromItem) == slot(0) &&
+              offsetof(AEGP_CompSuite15, AEGP_GetItemFromComp) == slot(1) &&
+              offsetof(AEGP_CompSuite15, AEGP_CreateCameraInComp) == slot(17) &&
+              offsetof(AEGP_CompSuite15, AEGP_CreateLightInComp) == slot(18) &&
+              offsetof(AEGP_CompSuite15, AEGP_CreateComp) == slot(19) &&
+              offsetof(AEGP_CompSuite15, AEGP_CreateNullInComp) == slot(25));
 
 }  // extern "C"
 

@@ -113,6 +113,8 @@ inline constexpr PF_TransferMode kTransferModeAdd = 4;
 inline constexpr PF_TransferMode kTransferModeMultiply = 5;
 
 inline constexpr AEGP_LayerFlags kLayerFlag3D = 0x800;
+/// The layer, a camera or a light, turns towards its point of interest.
+inline constexpr AEGP_LayerFlags kLayerFlagLookAtPointOfInterest = 0x2000;
 inline constexpr AEGP_MemFlag kMemFlagClear = 1;
 
 inline constexpr AEGP_AlphaFlags kAlphaFlagPremultiplied = 1;

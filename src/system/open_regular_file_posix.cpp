@@ -6,7 +6,7 @@
 
 namespace os {
 
-std::FILE* open_regular_file(const char* path) {
+std::FILE* open_exactly(const char* path) {
     // Two checks: the first keeps the open itself from touching a pipe (its writer would wake up) or a device
     // (a tape would rewind); the second, on the open descriptor, holds even if the path was replaced in
     // between. The open does not block, so that such a replacement cannot hang the host.

@@ -55,7 +55,7 @@ std::wstring wide_or_empty(const char* path) {
 
 }  // namespace
 
-std::FILE* open_regular_file(const char* path) {
+std::FILE* open_exactly(const char* path) {
     const std::wstring wide = wide_or_empty(path);
     return wide.empty() ? nullptr : open_wide(wide);
 }

@@ -41,6 +41,17 @@ const Case kWrongUsage[] = {
      {"import", "--alpha-preference", "256", "a.aec"},
      "vxr: error: --alpha-preference: \"256\" is neither none nor a number from 0 to 255\nSee `vxr import "
      "--help`.\n"},
+    {"length of stills that is none",
+     {"import", "--still-duration", "0", "a.aec"},
+     "vxr: error: --still-duration: \"0\" is neither composition nor a number from 1\nSee `vxr import "
+     "--help`.\n"},
+    {"unknown encoding",
+     {"import", "--name-encoding", "latin-1", "a.aec"},
+     "vxr: error: --name-encoding: \"latin-1\" is neither windows-1252, mac-roman nor bytes\nSee `vxr import "
+     "--help`.\n"},
+    {"layer number 0",
+     {"import", "--refuse-layer", "0", "a.aec"},
+     "vxr: error: --refuse-layer: \"0\" is not a number from 1\nSee `vxr import --help`.\n"},
     {"suite without a version",
      {"import", "--without-suite", "AEGP Comp Suite", "a.aec"},
      "vxr: error: --without-suite: \"AEGP Comp Suite\" is not NAME:VERSION\nSee `vxr import --help`.\n"},

@@ -43,7 +43,8 @@ class ProjectBuilder {
         return project.footage.emplace_back(made);
     }
 
-    /// A layer on top of the others of `composition`, at its beginning, 10 frames long.
+    /// A layer on top of the others of `composition`, at its beginning, 10 frames long. Cameras and lights
+    /// turn towards their points of interest, nulls are 3D layers.
     embedded::Layer& layer(embedded::Id composition, embedded::LayerKind kind, std::string name,
                            embedded::Id source = 0) {
         embedded::Layer made;
@@ -55,16 +56,22 @@ class ProjectBuilder {
         made.in_point = {0, 25};
         made.duration = {10, 25};
         made.offset = {0, 25};
+        if (kind == embedded::LayerKind::camera || kind == embedded::LayerKind::light) {
+            made.flags = kLayerFlag3D | kLayerFlagLookAtPointOfInterest;
+        } else if (kind == embedded::LayerKind::null) {
+            made.flags = kLayerFlag3D;
+        }
         project.compositions.at(embedded::Project::index(composition)).layers.push_front(made.id);
         return project.layers.emplace_back(made);
     }
 
-    /// `frames` keys of a stream, one per frame from `first` on, at 25 frames a second.
-    static void keys(embedded::Layer& layer, AEGP_LayerStream kind, int first, int frames) {
+    /// `frames` keys of a stream, one per frame from `first` on, at 25 frames a second, all with this value.
+    static void keys(embedded::Layer& layer, AEGP_LayerStream kind, int first, int frames,
+                     const embedded::StreamComponents& value = {}) {
         embedded::Stream& stream = layer.streams[kind];
         stream.kind = kind;
         for (int i = 0; i < frames; ++i) {
-            stream.keyframes.push_back({{first + i, 25}, {}});
+            stream.keyframes.push_back({{first + i, 25}, value});
         }
     }
 

@@ -70,7 +70,8 @@ const PublishedVerb kVerbs[] = {
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "--alpha-preference VALUE",
-      "--without-suite NAME:VERSION", "--fail FUNCTION:N:CODE", "-h, --help"}},
+      "--still-duration LENGTH", "--name-encoding ENCODING", "--without-suite NAME:VERSION",
+      "--fail FUNCTION:N:CODE", "--refuse-layer N", "-h, --help"}},
     {"check", {"FILE", "--strict", "--list-codes", "--json", "-q, --quiet", "-h, --help"}},
     {"texture", {"info", "check", "convert", "-h, --help"}},
     {"texture info", {"FILE", "--json", "-h, --help"}},
@@ -136,7 +137,8 @@ const PublishedCodes kCodes[] = {
      "unclosed-path empty-path unended-path-line path-without-folder expected-section cannot-read "
      "not-importable unsound-result",
      "footage-missing footage-unreadable footage-path-unread sequence-gap sequence-single-frame "
-     "sequence-without-number value-changed aspect-cut name-cut light-kind-changed shadow-kind-not-sent "
+     "sequence-without-number value-changed aspect-cut name-cut name-not-utf8 light-kind-changed "
+     "shadow-kind-not-sent "
      "angle-not-sent key-outside-range key-out-of-order key-repeated field-of-view range-reversed "
      "layer-past-end word-ignored text-after-end"},
     {"doctor",
@@ -404,7 +406,7 @@ Published compositions() {
         {{"compositions[]", "id item width height pixel_aspect duration frame_rate layers"},
          {layer,
           "id kind name source_item transfer timing_set time_mode in_point duration offset flags is_3d "
-          "light_type center streams"},
+          "looks_at_point_of_interest light_type center streams"},
          {layer + ".transfer", "mode flags track_matte"},
          {layer + ".center", "x y"},
          {layer + ".streams[]", "kind name shape value_set value keyframes"},
@@ -441,8 +443,9 @@ TEST(PublishedInterface, JsonOfImport) {
          vxr({"import", "--json", kExamples + "/interlaced/lantern_010.aec"}).out,
          vxr({"import", "--json", kExamples + "/keyframes/orbit_030.aec"}).out,
          vxr({"import", "--json", kExamples + "/textured/shelf_040.aec"}).out,
-         // The note about a cut name, a message, a preference, and diagnostics with and without a limit.
-         vxr({"import", "--json", long_name}).out,
+         // The note about a cut name in a classic host, a message, a preference, and diagnostics with and
+         // without a limit.
+         vxr({"import", "--json", "--host", "classic", long_name}).out,
          vxr({"import", "--json", "--alpha-preference", "1", "--fail", "AEGP_CreateComp:1:4",
               kExamples + "/square/courtyard_020.aec"})
              .out,

@@ -73,6 +73,8 @@ const Case kCases[] = {
     // names
     {"31 bytes are kept", kHead + "COMPOSITION NRM \"" + std::string(31, 'x') + "\" { }\n", {}},
     {"32 bytes are not", kHead + "COMPOSITION NRM \"" + std::string(32, 'x') + "\" { }\n", {"name-cut 3:24"}},
+    {"UTF-8 is no mistake", kHead + "COMPOSITION NRM \"\u00E9toile\" { }\n", {}},
+    {"bytes that are not UTF-8", kHead + "COMPOSITION NRM \"caf\xE9\" { }\n", {"name-not-utf8 3:24"}},
     {"name of an object", kScene + "NULL \"" + std::string(40, 'x') + "\" { }", {"name-cut 4:6"}},
 
     // range
@@ -242,6 +244,22 @@ TEST(SceneCheck, RefusedFilesHaveTheWarningsUpToTheError) {
               Places{"key-outside-range 4:14"});
     EXPECT_EQ(places_of(warnings_of(kScene + "CAMERA \"c\" { KEY 9 0 0 0 0 0 0 0 x }")),
               (Places{"key-outside-range 4:14", "field-of-view 4:14"}));
+}
+
+TEST(SceneCheck, FootageIsFoundByItsPathInAnOlderEncoding) {
+    const SceneFolder folder;
+    folder.image("caf\u00E9.tga");
+    const auto found = [&](const std::string& name) {
+        return cli::scene_warnings(cli::read_scene(
+            folder.scene(kHead + "COMPOSITION NRM \"M\" {\nFILE NRM STRAIGHT \"C:\\" + name + "\"\n}\n")));
+    };
+    EXPECT_TRUE(found("caf\xE9.tga").empty()) << "Windows-1252";
+    EXPECT_TRUE(found("caf\x8E.tga").empty()) << "Mac Roman";
+    const auto missing = found("caf\xFF.tga");
+    ASSERT_EQ(missing.size(), 1U);
+    ASSERT_EQ(missing[0].effects.size(), 3U);
+    EXPECT_EQ(missing[0].effects[1],
+              "the path is not UTF-8; it was also read as Windows-1252 and as Mac Roman");
 }
 
 }  // namespace

@@ -47,8 +47,10 @@ constexpr TwoVersions kNewer[] = {
     {"AEGP Register Suite", 4, 6},        {"AEGP File Import Manager Suite", 2, 3},
     {"AEGP Persistent Data Suite", 1, 3}, {"AEGP Proj Suite", 5, 8},
     {"AEGP Footage Suite", 7, 11},        {"AEGP IO In Suite", 1, 5},
-    {"AEGP IO Out Suite", 1, 7},
+    {"AEGP IO Out Suite", 1, 7},          {"AEGP Item Suite", 10, 13},
+    {"AEGP Comp Suite", 9, 15},
 };
+constexpr int kLookAtPointOfInterest = 0x2000;
 constexpr int kClassicFunctions = 46;
 constexpr int kTodaysFunctions = 49;
 
@@ -82,6 +84,47 @@ Json in_classic_spelling(Json call) {
         }
     }
     return call;
+}
+
+bool is_of_suite(const Json& call, const char* function, const char* suite) {
+    return call.at("function") == function && call.at("args").at("name") == suite;
+}
+
+/// Whether the call is one that the bridge makes of its own, for what a classic host does not do.
+bool is_added(const Json& call) {
+    return call.at("function") == "AEGP_SetItemName" ||
+           (call.at("function") == "AEGP_SetLayerFlag" &&
+            call.at("args").value("flag", 0) == kLookAtPointOfInterest);
+}
+
+/// The calls of a log without those that the bridge adds in a current host, each between the acquisition and
+/// the release of its suite. The others are numbered as if those had not been made.
+std::vector<Json> without_additions(const std::vector<std::string>& log_lines) {
+    std::vector<Json> calls;
+    int dropped = 0;
+    bool release_follows = false;
+    for (const std::string& line : log_lines) {
+        Json call = Json::parse(line);
+        if (is_added(call)) {
+            const char* const suite =
+                call.at("function") == "AEGP_SetItemName" ? "AEGP Item Suite" : "AEGP Layer Suite";
+            if (calls.empty() || !is_of_suite(calls.back(), "AcquireSuite", suite)) {
+                throw std::runtime_error("an added call without its suite");
+            }
+            calls.pop_back();
+            dropped += 3;
+            release_follows = true;
+        } else if (release_follows) {
+            if (call.at("function") != "ReleaseSuite") {
+                throw std::runtime_error("a suite is not released after an added call");
+            }
+            release_follows = false;
+        } else {
+            call["n"] = call.at("n").get<int>() - dropped;
+            calls.push_back(std::move(call));
+        }
+    }
+    return calls;
 }
 
 class Notation {
@@ -219,6 +262,16 @@ std::vector<std::string> calls_in_notation(const std::vector<std::string>& log_l
                                            std::string_view folder) {
     Notation notation(folder);
     std::vector<std::string> calls;
+    for (const Json& call : without_additions(log_lines)) {
+        calls.push_back(notation.line(in_classic_spelling(call)));
+    }
+    return calls;
+}
+
+std::vector<std::string> all_calls_in_notation(const std::vector<std::string>& log_lines,
+                                               std::string_view folder) {
+    Notation notation(folder);
+    std::vector<std::string> calls;
     std::transform(log_lines.begin(), log_lines.end(), std::back_inserter(calls),
                    [&notation](const std::string& line) {
                        return notation.line(in_classic_spelling(Json::parse(line)));
@@ -228,8 +281,9 @@ std::vector<std::string> calls_in_notation(const std::vector<std::string>& log_l
 
 std::vector<std::string> in_classic_spelling(const std::vector<std::string>& log_lines) {
     std::vector<std::string> lines;
-    std::transform(log_lines.begin(), log_lines.end(), std::back_inserter(lines),
-                   [](const std::string& line) { return in_classic_spelling(Json::parse(line)).dump(); });
+    for (const Json& call : without_additions(log_lines)) {
+        lines.push_back(in_classic_spelling(call).dump());
+    }
     return lines;
 }
 

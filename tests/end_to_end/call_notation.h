@@ -14,9 +14,11 @@
 // that the importer always sets are written by name, followed by every other member that differs from what
 // the host gave.
 //
-// Calls into current hosts are written as in a classic host: the seven suites with their classic versions,
-// and the 49 functions of an input module as 46. Paths are the same text in both logs. So one expected file
-// serves both generations; where they still differ, a test says so.
+// Calls into current hosts are written as in a classic host: the suites with their classic versions, and the
+// 49 functions of an input module as 46. Paths and names are the same text in both logs. What the bridge adds
+// in a current host is left out: AEGP_SetLayerFlag that aims a camera or light, AEGP_SetItemName, and the
+// acquisition and release around each. So one expected file serves both generations; where they still differ,
+// a test says so.
 //
 // Expected files may contain empty lines and lines that begin with '#' after any blanks. Blanks at the
 // beginning of a line only show what belongs together.
@@ -28,6 +30,10 @@
 /// Converts log lines (JSON) to the notation. "<folder>" stands for `folder`.
 std::vector<std::string> calls_in_notation(const std::vector<std::string>& log_lines,
                                            std::string_view folder);
+
+/// The same with the calls that the bridge adds.
+std::vector<std::string> all_calls_in_notation(const std::vector<std::string>& log_lines,
+                                               std::string_view folder);
 
 /// Converts the log lines (JSON) of a current host to those of a classic host.
 std::vector<std::string> in_classic_spelling(const std::vector<std::string>& log_lines);

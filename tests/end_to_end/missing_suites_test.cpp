@@ -6,6 +6,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstddef>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -155,13 +157,13 @@ class MissingSuite : public testing::TestWithParam<Suite> {};
 
 TEST_P(MissingSuite, NotOffered) {
     embedded::HostOptions options;
-    options.suites_not_offered = {offered_suite(GetParam().name)};
+    options.suites_not_offered = offered_suites_of(GetParam().name);
     expect(scene().run(options), GetParam().when_missing, GetParam());
 }
 
 TEST_P(MissingSuite, OfferedButEmpty) {
     embedded::HostOptions options;
-    options.suites_empty = {offered_suite(GetParam().name)};
+    options.suites_empty = offered_suites_of(GetParam().name);
     expect(scene().run(options), GetParam().when_empty, GetParam());
 }
 
@@ -181,10 +183,8 @@ TEST(MissingSuites, TheTableHoldsEverySuiteThatTheHostOffers) {
 
 std::vector<std::string> calls_of(const ImportRun& run, const std::string& function) {
     std::vector<std::string> calls;
-    for (const auto* list : {&run.load_calls, &run.import_calls}) {
-        std::copy_if(list->begin(), list->end(), std::back_inserter(calls),
-                     [&function](const std::string& call) { return function_of(call) == function; });
-    }
+    std::copy_if(run.all_calls.begin(), run.all_calls.end(), std::back_inserter(calls),
+                 [&function](const std::string& call) { return function_of(call) == function; });
     return calls;
 }
 
@@ -194,10 +194,39 @@ std::string suite_named_in(const std::string& call) {
     return call.substr(begin, call.find('"', begin) - begin);
 }
 
-// Acquisition fails once: whatever the code, the exception follows, except in the presence test.
+// In a current host, the bridge acquires the Layer suite again to aim the camera, and again for the light.
+std::size_t added_by_bridge() {
+    return tests_today() ? 2 : 0;
+}
+
+constexpr const char* kNotAimed =
+    "A camera or light does not turn towards its point of interest, because After Effects refused the "
+    "setting. Select it and choose Layer > Transform > Auto-Orient.";
+
+// What follows in a current host if one acquisition of a suite that it can do without fails: its names are
+// narrow, or a layer is not aimed.
+std::optional<std::vector<std::string>> messages_of_a_lesser_import(const std::vector<std::string>& acquired,
+                                                                    std::size_t failing) {
+    if (!tests_today()) {
+        return std::nullopt;
+    }
+    const std::string& call = acquired[failing];
+    if (call == "AcquireSuite(\"AEGP Item Suite\", 10)" || call == "AcquireSuite(\"AEGP Comp Suite\", 9)") {
+        return std::vector<std::string>();
+    }
+    const auto first = std::find(acquired.begin(), acquired.end(), "AcquireSuite(\"AEGP Layer Suite\", 11)");
+    if (call == *first && first - acquired.begin() != static_cast<std::ptrdiff_t>(failing)) {
+        return std::vector<std::string>{kNotAimed};
+    }
+    return std::nullopt;
+}
+
+// Acquisition fails once: whatever the code, the exception follows, except in the presence test and for what
+// the bridge can do without.
 TEST(EveryAcquisition, FailingInTurn) {
     const std::vector<std::string> acquired = calls_of(clean_run(), "AcquireSuite");
-    ASSERT_EQ(acquired.size(), 2U + 12U);  // Register and File Import Manager; those that an import uses
+    // Register and File Import Manager; those that an import uses; those of the bridge.
+    ASSERT_EQ(acquired.size(), 2U + 12U + added_by_bridge());
     for (std::size_t i = 0; i < acquired.size(); ++i) {
         for (const A_Err code : {1, 4, 13}) {
             SCOPED_TRACE(acquired[i] + " with code " + std::to_string(code));
@@ -210,6 +239,11 @@ TEST(EveryAcquisition, FailingInTurn) {
                 EXPECT_EQ(run.import.code, code);
                 EXPECT_THAT(run.messages, ElementsAre(FailingScene::loading_message()));
                 expect_untouched(run);
+            } else if (const auto messages = messages_of_a_lesser_import(acquired, i)) {
+                EXPECT_EQ(run.import.code, 0);
+                EXPECT_EQ(run.messages, *messages);
+                EXPECT_TRUE(run.conformance.clean()) << run.conformance.to_text();
+                EXPECT_EQ(run.project.layers.size(), clean_run().project.layers.size());
             } else {
                 const bool needs_tracks = acquired[i].find("PF ANSI Suite") != std::string::npos;
                 // The next acquisition succeeds, so that the suite for reports can report its own failure.
@@ -224,8 +258,8 @@ TEST(EveryAcquisition, FailingInTurn) {
 // that is only tested for presence ends the import.
 TEST(EveryRelease, FailingInTurn) {
     const std::vector<std::string> given_back = calls_of(clean_run(), "ReleaseSuite");
-    ASSERT_EQ(given_back.size(),
-              1U + 11U);  // those that the clean run acquires, without the two that are kept
+    // Those that the clean run acquires, without the two that are kept.
+    ASSERT_EQ(given_back.size(), 1U + 11U + added_by_bridge());
     for (std::size_t i = 0; i < given_back.size(); ++i) {
         for (const A_Err code : {1, 4, 13}) {
             SCOPED_TRACE(given_back[i] + " with code " + std::to_string(code));

@@ -208,7 +208,8 @@ TEST(NamesThatAreNotUtf8, OfFootageEndTheImportInCurrentHostsWithAMessage) {
         EXPECT_THAT(
             bundle.message_texts(),
             ElementsAre("A path cannot be given to the host: it is not valid UTF-8 (byte E9 behind \"" +
-                            before + "\").",
+                            before.substr(before.size() - std::min<std::size_t>(before.size(), 60)) +
+                            "\"), and no file has this name read as Windows-1252 or as Mac Roman.",
                         "Unable to create composition.", "There was an error loading the file in line 6."));
         EXPECT_THAT(bundle.host().project().footage, IsEmpty());
         ASSERT_EQ(bundle.host().project().undo_steps.size(), 1U);
@@ -224,7 +225,7 @@ TEST(NamesThatAreNotUtf8, OfFootageEndTheImportInCurrentHostsWithAMessage) {
 }
 #endif
 
-// Missing footage becomes a placeholder with a name, and names stay narrow.
+// Missing footage becomes a placeholder, whose item is then named in Unicode.
 TEST(NamesThatAreNotUtf8, OfMissingFootageArePlaceholdersEverywhere) {
     const SceneFolder folder;
     LoadedBundle bundle;
@@ -236,6 +237,8 @@ TEST(NamesThatAreNotUtf8, OfMissingFootageArePlaceholdersEverywhere) {
     ASSERT_EQ(bundle.host().project().footage.size(), 1U);
     EXPECT_EQ(bundle.host().project().footage[0].kind, embedded::FootageKind::placeholder);
     EXPECT_EQ(bundle.host().project().footage[0].name, std::string(kLatin1) + ".tga");
+    EXPECT_EQ(bundle.host().project().items.back().name,
+              tests_today() ? "caf\u00E9.tga" : std::string(kLatin1) + ".tga");
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
 

@@ -210,7 +210,7 @@ TEST(MissingTextureSuites, OfferedButEmptyIsTheSame) {
     for (const char* suite : kAcquiredInOpen) {
         embedded::HostOptions options;
         SCOPED_TRACE(suite);
-        options.suites_empty = {offered_suite(suite)};
+        options.suites_empty = offered_suites_of(suite);
         expect_missing(run_texture(options), Callback::open, suite);
     }
 }

@@ -412,7 +412,8 @@ TEST(BridgeFunctionBlock, WithoutAPathThereIsNoHandle) {
          0,
          [](RecordingHost&) {},
          3,
-         {"A path cannot be given to the host: it is not valid UTF-8 (byte E9 behind \"/a\")."}},
+         {"A path cannot be given to the host: it is not valid UTF-8 (byte E9 behind \"/a\"), and no "
+          "file has this name read as Windows-1252 or as Mac Roman."}},
         {"the host has no memory", "/a", 0, [](RecordingHost& h) { h.fail_every("NewMemHandle", 4); }, 4, {}},
         {"the host makes no handle",
          "/a",

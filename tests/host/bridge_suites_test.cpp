@@ -13,6 +13,7 @@
 
 #include "host/bridged_plugin.h"
 #include "host/one_refused_allocation.h"
+#include "support/temporary_folder.h"
 
 namespace {
 
@@ -87,10 +88,10 @@ class BridgeSuiteCalls : public BridgeSuites {
             {"GetProjectByIndex", "8, 0x1", [=, this](auto&) { return proj->AEGP_GetProjectByIndex(8, static_cast<AEGP_ProjectH*>(a(1))); }},
             {"GetProjectRootFolder", "0x20, 0x1", [=, this](auto&) { return proj->AEGP_GetProjectRootFolder(project, static_cast<AEGP_ItemH*>(a(1))); }},
             {"NewFootage", R"(6, u"/a/b.png", 0x70, {1, 2, 3, 4}, 5, 0x1, 0x2)", [=, this](auto&) { return footage->AEGP_NewFootage(6, "/a/b.png", key, &kSequence, 5, a(1), static_cast<AEGP_FootageH*>(a(2))); }},
-            {"AddFootageToProject", "0x40, 0x30, 0x1", [=, this](auto&) { return footage->AEGP_AddFootageToProject(made, item, static_cast<AEGP_ItemH*>(a(1))); }},
+            {"AddFootageToProject", "0x40, 0x30, null", [=, this](auto&) { return footage->AEGP_AddFootageToProject(made, item, nullptr); }},
             {"GetFootageInterpretation", "0x30, 1, 0x1", [=, this](auto&) { return footage->AEGP_GetFootageInterpretation(item, 1, static_cast<AEGP_FootageInterp*>(a(1))); }},
             {"SetFootageInterpretation", "0x30, 1, 0x1", [=, this](auto&) { return footage->AEGP_SetFootageInterpretation(item, 1, static_cast<const AEGP_FootageInterp*>(a(1))); }},
-            {"NewPlaceholderFootage", "6, \"\xE9\", 7, 8, 0x1, 0x2", [=, this](auto&) { return footage->AEGP_NewPlaceholderFootage(6, "\xE9", 7, 8, static_cast<const A_Time*>(a(1)), static_cast<AEGP_FootageH*>(a(2))); }},
+            {"NewPlaceholderFootage", "6, \"\xE9\", 7, 8, 0x1, null", [=, this](auto&) { return footage->AEGP_NewPlaceholderFootage(6, "\xE9", 7, 8, static_cast<const A_Time*>(a(1)), nullptr); }},
             {"GetInSpecOptionsHandle", "0x50, 0x1", [=, this](auto&) { return io_in->AEGP_GetInSpecOptionsHandle(in, static_cast<void**>(a(1))); }},
             {"SetInSpecOptionsHandle", "0x50, 0x1, 0x2", [=, this](auto&) { return io_in->AEGP_SetInSpecOptionsHandle(in, a(1), static_cast<void**>(a(2))); }},
             {"SetInSpecNativeFPS", "0x50, 1966080", [=, this](auto&) { return io_in->AEGP_SetInSpecNativeFPS(in, 30 << 16); }},
@@ -177,13 +178,51 @@ TEST_F(BridgeSuites, AnInvalidPathNeverReachesTheHost) {
     for (const auto& c : cases) {
         host.reports.clear();
         EXPECT_EQ(footage->AEGP_NewFootage(7, c.path.c_str(), nullptr, nullptr, 0, nullptr, nullptr), 3);
-        EXPECT_THAT(host.reports, ElementsAre("A path cannot be given to the host: it is not valid UTF-8 " +
-                                              c.report + "."));
+        EXPECT_THAT(host.reports,
+                    ElementsAre("A path cannot be given to the host: it is not valid UTF-8 " + c.report +
+                                ", and no file has this name read as Windows-1252 or as Mac "
+                                "Roman."));
     }
     host.reports.clear();
     EXPECT_EQ(footage->AEGP_NewFootage(7, nullptr, nullptr, nullptr, 0, nullptr, nullptr), 3);
     EXPECT_THAT(host.reports, IsEmpty()) << "a null path is the plug-in's error, not the user's";
     EXPECT_THAT(host.calls, IsEmpty());
+}
+
+// The names on the disk decide which encoding it was.
+TEST_F(BridgeSuites, APathInAnotherEncodingIsTheFileThatItFinds) {
+    const struct {
+        const char* why;
+        std::vector<std::string> on_disk;
+        std::string named;  ///< below the folder
+        std::string wide;   ///< below the folder, as the host records it
+    } cases[] = {
+        {"Windows-1252", {"caf\xC3\xA9.tga"}, "caf\xE9.tga", "caf\\u00e9.tga"},
+        {"Mac Roman", {"caf\xC3\xA9.tga"}, "caf\x8E.tga", "caf\\u00e9.tga"},
+        {"both are there: Windows-1252", {"\xC5\xBD.tga", "\xC3\xA9.tga"}, "\x8E.tga", "\\u017d.tga"},
+        {"a folder in UTF-8 keeps its name",
+         {"\xC3\xBC/\xC3\xA9.tga"},
+         "\xC3\xBC/\xE9.tga",
+         "\\u00fc/\\u00e9.tga"},
+    };
+    for (const auto& c : cases) {
+        const TemporaryFolder folder;
+        for (const std::string& name : c.on_disk) {
+            const std::size_t slash = name.find('/');
+            if (slash != std::string::npos) {
+                folder.make_folder(name.substr(0, slash));
+            }
+            folder.write(name, "");
+        }
+        host.calls.clear();
+        const std::string path = folder.path(c.named);
+        EXPECT_EQ(footage->AEGP_NewFootage(7, path.c_str(), nullptr, nullptr, 0, nullptr, nullptr), 0)
+            << c.why;
+        EXPECT_THAT(host.calls,
+                    ElementsAre("NewFootage(7, u\"" + folder.path(c.wide) + "\", null, null, 0, null, null)"))
+            << c.why;
+    }
+    EXPECT_THAT(host.reports, IsEmpty());
 }
 
 TEST_F(BridgeSuites, WithoutMemoryForTheUtf16PathThereIsNoFootage) {

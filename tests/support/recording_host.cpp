@@ -67,6 +67,12 @@ RecordingHost::~RecordingHost() {
     version55 = before_.version55;
 }
 
+void RecordingHost::offer_named_suites() {
+    for (const OfferedSuite& suite : named_suites()) {
+        offer_suite(suite.name, suite.version, suite.table);
+    }
+}
+
 void RecordingHost::clear_script() {
     failures_.clear();
     numbered_failures_.clear();

@@ -97,6 +97,8 @@ class RecordingHost {
     void offer_suite(const std::string& name, A_long version, const void* table) {
         extra_suites_[{name, version}] = table;
     }
+    /// The suites of current hosts for names in UTF-16, cameras and lights, which this host lacks otherwise.
+    void offer_named_suites();
     /// Takes back every failure, null result and withheld suite. Calls count from 1 again.
     void clear_script();
 

@@ -22,14 +22,18 @@ inline bool tests_today() {
     return tested_generation() == embedded::HostGeneration::today;
 }
 
-/// The suite of this name in the version that the tested host offers.
-inline embedded::SuiteName offered_suite(const std::string& name) {
+/// The suite of this name in every version that the tested host offers, the classic one first.
+inline std::vector<embedded::SuiteName> offered_suites_of(const std::string& name) {
+    std::vector<embedded::SuiteName> found;
     for (const embedded::SuiteName& suite : embedded::offered_suites(tested_generation())) {
         if (suite.name == name) {
-            return suite;
+            found.push_back(suite);
         }
     }
-    throw std::runtime_error("no suite " + name);
+    if (found.empty()) {
+        throw std::runtime_error("no suite " + name);
+    }
+    return found;
 }
 
 /// What the user reads when a callback lacks a suite that the tested host withholds. A classic host gets the
@@ -38,7 +42,7 @@ inline std::vector<std::string> missing_suite_messages(const std::string& name) 
     if (!tests_today()) {
         return {};
     }
-    const embedded::SuiteName suite = offered_suite(name);
+    const embedded::SuiteName suite = offered_suites_of(name).front();
     return {"This plug-in needs the suite \"" + suite.name + "\" " + std::to_string(suite.version) +
             ", which the host does not offer."};
 }

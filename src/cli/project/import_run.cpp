@@ -127,10 +127,23 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
     return run;
 }
 
-embedded::Json import_document(const embedded::Host& host, const ImportRun& run) {
+embedded::Project with_decoded_names(embedded::Project project, ByteEncoding encoding) {
+    const auto decode = [encoding](auto& named) {
+        for (auto& one : named) {
+            one.name = utf8_from_name(one.name, encoding);
+        }
+    };
+    decode(project.items);
+    decode(project.footage);
+    decode(project.layers);
+    return project;
+}
+
+embedded::Json import_document(const embedded::Project& project, const embedded::ConformanceReport& report,
+                               const ImportRun& run) {
     using embedded::Json;
-    Json document = embedded::project_to_json(host.project());
-    document["discipline"] = embedded::conformance_to_json(host.conformance());
+    Json document = embedded::project_to_json(project);
+    document["discipline"] = embedded::conformance_to_json(report);
     document["import"] = Json{{"file", embedded::json_text(run.file)},
                               {"exit_code", static_cast<int>(run.code)},
                               {"finished", run.imported && run.code == ExitCode::fine},

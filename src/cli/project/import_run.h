@@ -9,6 +9,7 @@
 #include "cli/scene/scene_reading.h"
 #include "embedded/host.h"
 #include "embedded/json_values.h"
+#include "host/byte_encoding.h"
 
 namespace cli {
 
@@ -33,6 +34,11 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
 
 /// The project's document with two more members at its end: "discipline", and "import" with
 /// {"file","exit_code","finished","importable","result","missing_suite","problems","notes","diagnostics"}.
-embedded::Json import_document(const embedded::Host& host, const ImportRun& run);
+/// `project` is the host's, or the same with decoded names.
+embedded::Json import_document(const embedded::Project& project, const embedded::ConformanceReport& report,
+                               const ImportRun& run);
+
+/// The project with its names as UTF-8: those that are not are read in this encoding.
+embedded::Project with_decoded_names(embedded::Project project, ByteEncoding encoding);
 
 }  // namespace cli

@@ -13,7 +13,15 @@ std::string range_text(const embedded::FrameRange& range) {
                                      : std::to_string(range.first) + "-" + std::to_string(range.last);
 }
 
-std::string light_label(const embedded::Layer& layer) {
+// Point and ambient lights shine in every direction.
+bool lacks_aim(const embedded::Layer& layer) {
+    const bool directed = layer.light_type == kLightTypeSpot || layer.light_type == kLightTypeParallel;
+    return directed && !layer.looks_at_point_of_interest();
+}
+
+}  // namespace
+
+std::string light_type_label(const embedded::Layer& layer) {
     if (!layer.light_type) {
         return "light";
     }
@@ -30,8 +38,6 @@ std::string light_label(const embedded::Layer& layer) {
             return "light of kind " + std::to_string(*layer.light_type);
     }
 }
-
-}  // namespace
 
 std::string plain_number(double value) {
     if (!std::isfinite(value)) {
@@ -123,9 +129,9 @@ std::string layer_label(const embedded::Project& project, const embedded::Layer&
         case embedded::LayerKind::composition:
             return "composition";
         case embedded::LayerKind::camera:
-            return "camera";
+            return layer.looks_at_point_of_interest() ? "camera" : "one-node camera";
         case embedded::LayerKind::light:
-            return light_label(layer);
+            return light_type_label(layer) + (lacks_aim(layer) ? ", not aimed" : "");
         case embedded::LayerKind::null:
             break;
     }

@@ -24,7 +24,10 @@ std::string blend_label(const AEGP_LayerTransferMode& mode);
 std::string alpha_label(const embedded::Footage& footage);
 /// "progressive", "upper first", "lower first"
 std::string fields_label(const AEGP_FootageInterp& interpretation);
-/// "camera", "point light", ...; of footage "still", "sequence", "texture", "MISSING".
+/// "point light", "spot light", ...; "light" while the type is not set.
+std::string light_type_label(const embedded::Layer& layer);
+/// "camera", or "one-node camera" if it does not turn towards its point of interest; "point light", or "spot
+/// light, not aimed" for the same reason; of footage "still", "sequence", "texture", "MISSING".
 std::string layer_label(const embedded::Project& project, const embedded::Layer& layer);
 std::string footage_label(embedded::FootageKind kind);
 /// "grey", "RGB", "RGBA", "5 channels"

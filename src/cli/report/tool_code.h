@@ -24,6 +24,7 @@ enum class ToolCode {
     value_changed,
     aspect_cut,
     name_cut,
+    name_not_utf8,
     light_kind_changed,
     shadow_kind_not_sent,
     angle_not_sent,
@@ -37,7 +38,7 @@ enum class ToolCode {
     text_after_end,
 };
 
-using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 23>;
+using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 24>;
 
 /// Every code, in the order of the enumeration.
 [[nodiscard]] const ToolCodeTable& tool_code_table();

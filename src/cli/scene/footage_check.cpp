@@ -2,13 +2,17 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_check.h"
 #include "embedded/sequence.h"
+#include "host/byte_encoding.h"
 #include "image/image.h"
 #include "system/files.h"
+#include "system/open_regular_file.h"
 #include "text/ascii.h"
+#include "text/utf8.h"
 #include "texture/file/base_file.h"
 #include "texture/value/texture_file.h"
 
@@ -46,6 +50,10 @@ void check_missing(const SceneReading& reading, const SceneFootage& footage, War
                      "the footage \"" + shown_path(footage.written) + "\" does not exist", footage.within);
     warning.effects.push_back("looked for as written, then as \"" +
                               shown_path(beside(reading, footage.file->path)) + '"');
+    if (!text::is_utf8(footage.written)) {
+        warning.effects.emplace_back(
+            "the path is not UTF-8; it was also read as Windows-1252 and as Mac Roman");
+    }
     warning.effects.push_back(placeholder_text(reading, last_component(footage.file->path)));
 }
 
@@ -63,8 +71,7 @@ std::string gaps_text(const std::vector<embedded::FrameRange>& gaps) {
     return gaps.size() > kShown ? text + " and more" : text;
 }
 
-void check_sequence(const SceneFootage& footage, WarningList& warnings) {
-    const std::string path = footage.file->path;
+void check_sequence(const SceneFootage& footage, const std::string& path, WarningList& warnings) {
     const std::optional<embedded::SequenceFrames> frames = embedded::find_sequence(path, {});
     if (!frames) {
         warnings
@@ -114,8 +121,8 @@ std::string reading_obstacle(const std::string& path) {
     return probe.error.has_value() ? probe.error->reason : std::string();
 }
 
-void check_readable(const SceneFootage& footage, WarningList& warnings) {
-    const std::string obstacle = reading_obstacle(footage.file->path);
+void check_readable(const SceneFootage& footage, const std::string& path, WarningList& warnings) {
+    const std::string obstacle = reading_obstacle(path);
     if (obstacle.empty()) {
         return;
     }
@@ -126,6 +133,19 @@ void check_readable(const SceneFootage& footage, WarningList& warnings) {
              footage.within)
         .effects.emplace_back(
             "if After Effects cannot read it either, the import ends there; whatever was built before stays");
+}
+
+// The path under which a current host finds the file.
+std::string path_on_disk(const std::string& path) {
+    if (os::InputFile(os::open_exactly(path.c_str())) != nullptr) {
+        return path;
+    }
+    for (std::string& other : paths_in_other_encodings(path)) {
+        if (os::InputFile(os::open_exactly(other.c_str())) != nullptr) {
+            return std::move(other);
+        }
+    }
+    return path;
 }
 
 void check_entry(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
@@ -140,15 +160,17 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Warni
         check_missing(reading, footage, warnings);
         return;
     }
+    const std::string path = path_on_disk(footage.file->path);
     if (footage.file->isSequence != 0) {
-        check_sequence(footage, warnings);
+        check_sequence(footage, path, warnings);
     }
-    check_readable(footage, warnings);
+    check_readable(footage, path, warnings);
 }
 
 }  // namespace
 
 void check_footage(const SceneReading& reading, WarningList& warnings) {
+    const os::PathGuesses guesses(paths_in_other_encodings);
     for (const SceneFootage& footage : reading.facts.footage) {
         // The entry at which reading stopped has its error already.
         if (footage.top_level || !footage.problem) {

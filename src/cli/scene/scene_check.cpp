@@ -8,11 +8,13 @@
 
 #include "cli/scene/written_number.h"
 #include "composition/build/host_values.h"
+#include "host/byte_encoding.h"
+#include "text/utf8.h"
 
 namespace cli {
 namespace {
 
-constexpr std::size_t kNameBytes = 31;  // the longest name that the host keeps
+constexpr std::size_t kNameBytes = 31;  // the longest name that a classic host keeps
 
 void check_changes(const SceneReading& reading, WarningList& warnings) {
     for (const SceneChange& change : reading.facts.changes) {
@@ -92,8 +94,14 @@ void check_names(const SceneReading& reading, WarningList& warnings) {
             const std::string_view name = name_of(block);
             if (name.size() > kNameBytes) {
                 warnings.add(ToolCode::name_cut, block.name_at,
-                             "the name has " + std::to_string(name.size()) +
-                                 " bytes; After Effects keeps \"" + truncated_name(name) + '"',
+                             "the name has " + std::to_string(name.size()) + " bytes; classic hosts keep \"" +
+                                 truncated_name(name) + '"',
+                             {});
+            }
+            if (!text::is_utf8(name)) {
+                warnings.add(ToolCode::name_not_utf8, block.name_at,
+                             "the name is not UTF-8; After Effects shows \"" +
+                                 utf8_from_name(name, ByteEncoding::windows_1252) + '"',
                              {});
             }
         }

@@ -9,6 +9,7 @@
 #include "composition/model/model_invariants.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
+#include "host/byte_encoding.h"
 #include "limit/limits.h"
 #include "system/files.h"
 #include "system/open_regular_file.h"
@@ -115,6 +116,8 @@ SceneReading read_scene(const std::string& file) {
     if (reading.error) {
         return reading;
     }
+    // As in a current host.
+    const os::PathGuesses guesses(paths_in_other_encodings);
     SceneObserver observer(reading.facts);
     tagProjectSettings& settings = *reading.settings;
     ASCIIParser parser;

@@ -39,6 +39,32 @@ bool is_preference(std::string_view text) {
     return value >= 0 && value <= 255;
 }
 
+constexpr const char* kBytes = "bytes";
+constexpr const char* kAsComposition = "composition";
+
+bool is_name_encoding(std::string_view text) {
+    return text == kBytes || parse_byte_encoding(text);
+}
+
+std::optional<int> parse_count(std::string_view text) {
+    const std::optional<int> count = parse_option_integer(std::string(text));
+    return count && *count >= 1 ? count : std::nullopt;
+}
+
+/// The preference for stills; its length is empty for that of the composition.
+struct StillDuration {
+    std::optional<A_Time> length;
+};
+
+std::optional<StillDuration> parse_still_duration(std::string_view text) {
+    constexpr A_u_long kRate_fps = 25;
+    if (text == kAsComposition) {
+        return StillDuration{};
+    }
+    const std::optional<int> frames = parse_count(text);
+    return frames ? std::optional(StillDuration{A_Time{*frames, kRate_fps}}) : std::nullopt;
+}
+
 // Whether two paths lead to the same file, whether or not it exists.
 bool same_file(const std::string& one, const std::string& other) {
     namespace fs = std::filesystem;
@@ -71,6 +97,24 @@ class ImportCommand : public Command {
             .show_default()
             .check(checked_by(is_preference, "is neither none nor a number from 0 to 255"))
             .group(kHostGroup);
+        options
+            .option(
+                "--still-duration", still_duration_,
+                "the host's preference for the length of stills and of nulls: composition, or a number of "
+                "frames at 25 frames a second")
+            .value_name("LENGTH")
+            .show_default()
+            .check(checked_by(parse_still_duration, "is neither composition nor a number from 1"))
+            .group(kHostGroup);
+        options
+            .option("--name-encoding", name_encoding_,
+                    "how to show names that reach the host as bytes other than UTF-8: windows-1252, "
+                    "mac-roman, or "
+                    "bytes, which shows them as they are; a current host gets such names as Windows-1252")
+            .value_name("ENCODING")
+            .show_default()
+            .check(checked_by(is_name_encoding, "is neither windows-1252, mac-roman nor bytes"))
+            .group("Output");
         options.option("--without-suite", without_, "a suite that the host does not offer; may be repeated")
             .value_name("NAME:VERSION")
             .one_value_at_a_time()
@@ -83,6 +127,13 @@ class ImportCommand : public Command {
             .check(checked_by(
                 embedded::parse_fault,
                 "is not FUNCTION:N:CODE with a function of the host, N from 1 and a CODE other than 0"))
+            .group("What goes wrong");
+        options
+            .option("--refuse-layer", refused_,
+                    "answer no to the N-th question whether an item may become a layer; may be repeated")
+            .value_name("N")
+            .one_value_at_a_time()
+            .check(checked_by(parse_count, "is not a number from 1"))
             .group("What goes wrong");
     }
 
@@ -100,9 +151,12 @@ class ImportCommand : public Command {
             });
         }
         const ImportRun run = import_scene(host, options, find_bundle(bundle_), file_);
-        show(host, run, terminal);
+        const std::optional<ByteEncoding> encoding = parse_byte_encoding(name_encoding_);
+        const embedded::Project project =
+            encoding ? with_decoded_names(host.project(), *encoding) : host.project();
+        show(project, host.conformance(), run, terminal);
         if (save) {
-            save->write(import_document(host, run).dump(2) + '\n');
+            save->write(import_document(project, host.conformance(), run).dump(2) + '\n');
             save->close();
         }
         if (log) {
@@ -136,17 +190,22 @@ class ImportCommand : public Command {
         for (const std::string& fault : faults_) {
             options.faults.push_back(*embedded::parse_fault(fault));
         }
+        for (const std::string& refused : refused_) {
+            options.layers_refused.push_back(*parse_count(refused));
+        }
+        options.still_duration = parse_still_duration(still_duration_)->length;
         if (preference_ != "none") {
             options.alpha_preference = static_cast<std::uint8_t>(std::stoi(preference_));
         }
         return options;
     }
 
-    void show(const embedded::Host& host, const ImportRun& run, Terminal& terminal) const {
+    void show(const embedded::Project& project, const embedded::ConformanceReport& findings,
+              const ImportRun& run, Terminal& terminal) const {
         if (json_) {
-            terminal.out << import_document(host, run).dump(2) << '\n';
+            terminal.out << import_document(project, findings, run).dump(2) << '\n';
         } else {
-            show_tree(host, run, terminal);
+            show_tree(project, findings, run, terminal);
         }
         terminal.out << std::flush;
         for (const Diagnostic& diagnostic : run.diagnostics) {
@@ -160,15 +219,15 @@ class ImportCommand : public Command {
         }
     }
 
-    void show_tree(const embedded::Host& host, const ImportRun& run, Terminal& terminal) const {
-        const embedded::Project& project = host.project();
+    static void show_tree(const embedded::Project& project, const embedded::ConformanceReport& findings,
+                          const ImportRun& run, Terminal& terminal) {
         const std::string tree = project_tree(project, terminal.out_paint);
         if (!tree.empty()) {
             terminal.out << terminal.out_paint(Ink::bold, text::printable(run.file)) << ": "
                          << project_summary(project) << "\n\n"
                          << tree;
         }
-        const std::string report = host_report(project, host.conformance(), terminal.out_paint);
+        const std::string report = host_report(project, findings, terminal.out_paint);
         terminal.out << (tree.empty() || report.empty() ? "" : "\n") << report;
     }
 
@@ -181,6 +240,9 @@ class ImportCommand : public Command {
     std::string preference_ = "none";
     std::vector<std::string> without_;
     std::vector<std::string> faults_;
+    std::vector<std::string> refused_;
+    std::string still_duration_ = kAsComposition;
+    std::string name_encoding_ = kBytes;
 };
 
 }  // namespace

@@ -196,7 +196,7 @@ void CallValues::record(const char* name, CallValues& members) {
 
 void CallScope::write_line() {
     const FunctionInfo& function = function_info(function_);
-    const SuiteInfo& suite = suite_info(function.suite);
+    const SuiteInfo& suite = suite_info(suite_);
     Json line = Json::object();
     line["n"] = session_.current_call.n;
     line["suite"] = suite.name;

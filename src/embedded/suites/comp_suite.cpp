@@ -1,4 +1,5 @@
-// "AEGP Comp Suite" 9: compositions, and the layers that are created in them: cameras, lights and nulls.
+// "AEGP Comp Suite" 9, in current hosts also 15: compositions, and the layers that are created in them:
+// cameras, lights and nulls. A name is narrow in one version of the suite and UTF-16 in the other.
 
 #include <cmath>
 
@@ -9,9 +10,10 @@
 namespace embedded {
 namespace {
 
+template <SuiteId Suite>
 A_Err comp_from_item(AEGP_ItemH item, AEGP_CompH* comp) {
     return host_call(
-        Fn::AEGP_GetCompFromItem, [&](CallValues& args) { args.handle("item", item); },
+        {Fn::AEGP_GetCompFromItem, Suite}, [&](CallValues& args) { args.handle("item", item); },
         [&](Session& session) -> A_Err {
             const Item& found = session.item(session.id(item, "item"));
             session.require_true(found.kind == ItemKind::composition, "item", "is not a composition");
@@ -21,9 +23,10 @@ A_Err comp_from_item(AEGP_ItemH item, AEGP_CompH* comp) {
         [&](CallValues& out) { out.handle("comp", *comp); });
 }
 
+template <SuiteId Suite>
 A_Err item_from_comp(AEGP_CompH comp, AEGP_ItemH* item) {
     return host_call(
-        Fn::AEGP_GetItemFromComp, [&](CallValues& args) { args.handle("comp", comp); },
+        {Fn::AEGP_GetItemFromComp, Suite}, [&](CallValues& args) { args.handle("comp", comp); },
         [&](Session& session) -> A_Err {
             const Composition& found = session.composition(session.id(comp, "comp"));
             session.require(item, "item") = session.handles.handle<AEGP_ItemH>(found.item);
@@ -32,11 +35,12 @@ A_Err item_from_comp(AEGP_CompH comp, AEGP_ItemH* item) {
         [&](CallValues& out) { out.handle("item", *item); });
 }
 
-A_Err create_comp(AEGP_ItemH parent_folder, const A_char* name, A_long width, A_long height,
+template <SuiteId Suite, class Char>
+A_Err create_comp(AEGP_ItemH parent_folder, const Char* name, A_long width, A_long height,
                   const A_Ratio* pixel_aspect, const A_Time* duration, const A_Ratio* frame_rate,
                   AEGP_CompH* comp) {
     return host_call(
-        Fn::AEGP_CreateComp,
+        {Fn::AEGP_CreateComp, Suite},
         [&](CallValues& args) {
             args.handle("parent_folder", parent_folder);
             args.text("name", name);
@@ -47,7 +51,7 @@ A_Err create_comp(AEGP_ItemH parent_folder, const A_char* name, A_long width, A_
             args.ratio("frame_rate", frame_rate);
         },
         [&](Session& session) -> A_Err {
-            const Id parent = session.folder_id(parent_folder, "parent_folder");
+            const Id parent = session.parent_folder_id(parent_folder, name, "parent_folder");
             session.require(comp, "comp");
             session.require_true(width >= 1, "width", "is below 1");
             session.require_true(height >= 1, "height", "is below 1");
@@ -69,8 +73,9 @@ A_Err create_comp(AEGP_ItemH parent_folder, const A_char* name, A_long width, A_
 }
 
 /// Creates a camera or light, which has a name and is centred on a point of the composition.
-A_Err create_centered(Fn function, LayerKind kind, const A_char* name, A_FloatPoint center, AEGP_CompH comp,
-                      AEGP_LayerH* layer) {
+template <class Char>
+A_Err create_centered(const CalledFunction& function, LayerKind kind, const Char* name, A_FloatPoint center,
+                      AEGP_CompH comp, AEGP_LayerH* layer) {
     return host_call(
         function,
         [&](CallValues& args) {
@@ -92,17 +97,21 @@ A_Err create_centered(Fn function, LayerKind kind, const A_char* name, A_FloatPo
         [&](CallValues& out) { out.handle("layer", *layer); });
 }
 
-A_Err create_camera(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
-    return create_centered(Fn::AEGP_CreateCameraInComp, LayerKind::camera, name, center, comp, layer);
+template <SuiteId Suite, class Char>
+A_Err create_camera(const Char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
+    return create_centered({Fn::AEGP_CreateCameraInComp, Suite}, LayerKind::camera, name, center, comp,
+                           layer);
 }
 
-A_Err create_light(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
-    return create_centered(Fn::AEGP_CreateLightInComp, LayerKind::light, name, center, comp, layer);
+template <SuiteId Suite, class Char>
+A_Err create_light(const Char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
+    return create_centered({Fn::AEGP_CreateLightInComp, Suite}, LayerKind::light, name, center, comp, layer);
 }
 
-A_Err create_null(const A_char* name, AEGP_CompH comp, const A_Time* duration, AEGP_LayerH* layer) {
+template <SuiteId Suite, class Char>
+A_Err create_null(const Char* name, AEGP_CompH comp, const A_Time* duration, AEGP_LayerH* layer) {
     return host_call(
-        Fn::AEGP_CreateNullInComp,
+        {Fn::AEGP_CreateNullInComp, Suite},
         [&](CallValues& args) {
             args.text("name", name);
             args.handle("comp", comp);
@@ -115,9 +124,7 @@ A_Err create_null(const A_char* name, AEGP_CompH comp, const A_Time* duration, A
                 session.require_time(duration, "duration");
             }
             Layer& made = add_layer(session, parent, LayerKind::null, session.name(name, "name"), 0);
-            if (duration != nullptr) {  // null: as long as the composition
-                made.duration = *duration;
-            }
+            made.duration = duration != nullptr ? *duration : still_duration(session, parent);
             session.changed();
             *layer = session.handles.handle<AEGP_LayerH>(made.id);
             return kHostErrorNone;
@@ -125,19 +132,27 @@ A_Err create_null(const A_char* name, AEGP_CompH comp, const A_Time* duration, A
         [&](CallValues& out) { out.handle("layer", *layer); });
 }
 
+template <class Table, SuiteId Suite>
+Table comp_table() {
+    auto suite = reserved_table<Table, Suite>();
+    suite.AEGP_GetCompFromItem = comp_from_item<Suite>;
+    suite.AEGP_GetItemFromComp = item_from_comp<Suite>;
+    suite.AEGP_CreateCameraInComp = create_camera<Suite>;
+    suite.AEGP_CreateLightInComp = create_light<Suite>;
+    suite.AEGP_CreateComp = create_comp<Suite>;
+    suite.AEGP_CreateNullInComp = create_null<Suite>;
+    return suite;
+}
+
 }  // namespace
 
 const AEGP_CompSuite9* comp_suite() {
-    static const AEGP_CompSuite9 table = [] {
-        auto suite = reserved_table<AEGP_CompSuite9, SuiteId::comp>();
-        suite.AEGP_GetCompFromItem = comp_from_item;
-        suite.AEGP_GetItemFromComp = item_from_comp;
-        suite.AEGP_CreateCameraInComp = create_camera;
-        suite.AEGP_CreateLightInComp = create_light;
-        suite.AEGP_CreateComp = create_comp;
-        suite.AEGP_CreateNullInComp = create_null;
-        return suite;
-    }();
+    static const auto table = comp_table<AEGP_CompSuite9, SuiteId::comp>();
+    return &table;
+}
+
+const AEGP_CompSuite15* unicode_comp_suite() {
+    static const auto table = comp_table<AEGP_CompSuite15, SuiteId::unicode_comp>();
     return &table;
 }
 

@@ -81,7 +81,8 @@ A_Err new_placeholder(AEGP_PluginID plugin_id, const A_char* name, A_long width,
             session.require_true(width >= 1, "width", "is below 1");
             session.require_true(height >= 1, "height", "is below 1");
             session.require_time(duration, "duration");
-            const Id made = make_placeholder(session, session.name(name, "name"), width, height, *duration);
+            const Id made =
+                make_placeholder(session, session.name(name, "name").text, width, height, *duration);
             *footage = session.handles.handle<AEGP_FootageH>(made);
             return kHostErrorNone;
         },
@@ -100,7 +101,7 @@ A_Err add_footage(AEGP_FootageH footage, AEGP_ItemH folder, AEGP_ItemH* item) {
             const Id parent = session.folder_id(folder, "folder");
             session.require(item, "item");
             session.require_true(adopted.item == 0, "footage", "is in the project already");
-            adopted.item = session.add_item(ItemKind::footage, adopted.name, parent, adopted.id).id;
+            adopted.item = session.add_item(ItemKind::footage, {adopted.name}, parent, adopted.id).id;
             session.changed();
             *item = session.handles.handle<AEGP_ItemH>(adopted.item);
             return kHostErrorNone;

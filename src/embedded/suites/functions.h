@@ -12,7 +12,8 @@ namespace embedded {
 
 // SUITE(id, name, version in classic hosts, version in current ones). The first two cannot be acquired: the
 // bundle is given them directly. Their functions are counted and logged like the others, with version 0. A
-// host offers the one version of its generation.
+// host offers the version of its generation, and none where that is 0. Current hosts offer two versions of
+// two suites: the classic one, whose names are narrow, and one with names in UTF-16.
 #define VXR_HOST_SUITES(SUITE)                                    \
     SUITE(basic, "SPBasicSuite", 0, 0)                            \
     SUITE(basic_data, "AEIO_BasicData", 0, 0)                     \
@@ -32,9 +33,12 @@ namespace embedded {
     SUITE(io_in, "AEGP IO In Suite", 1, 5)                        \
     SUITE(io_out, "AEGP IO Out Suite", 1, 7)                      \
     SUITE(ansi, "PF ANSI Suite", 1, 1)                            \
-    SUITE(adv_app, "PF AE Adv App Suite", 1, 1)
+    SUITE(adv_app, "PF AE Adv App Suite", 1, 1)                   \
+    SUITE(unicode_item, "AEGP Item Suite", 0, 13)                 \
+    SUITE(unicode_comp, "AEGP Comp Suite", 0, 15)
 
-// FUNCTION(suite id, name, whether it returns an error code and so can fail)
+// FUNCTION(suite id, name, whether it returns an error code and so can fail). A function that two versions of
+// a suite have is listed with the first, and counted as one.
 #define VXR_HOST_FUNCTIONS(FUNCTION)                                         \
     FUNCTION(basic, AcquireSuite, true)                                      \
     FUNCTION(basic, ReleaseSuite, true)                                      \
@@ -97,7 +101,8 @@ namespace embedded {
     FUNCTION(io_out, AEGP_GetOutSpecFilePath, true)                          \
     FUNCTION(ansi, cos, false)                                               \
     FUNCTION(ansi, sin, false)                                               \
-    FUNCTION(ansi, strcpy, false)
+    FUNCTION(ansi, strcpy, false)                                            \
+    FUNCTION(unicode_item, AEGP_SetItemName, true)
 
 enum class SuiteId : std::size_t {
 #define VXR_SUITE_ID(id, name, classic, today) id,

@@ -12,11 +12,25 @@
 
 namespace embedded {
 
+/// A function of the suite that lists it, or of another version of that suite.
+struct CalledFunction {
+    CalledFunction(Fn called) : function(called), suite(function_info(called).suite) {}
+    CalledFunction(Fn called, SuiteId of) : function(called), suite(of) {}
+
+    Fn function;
+    SuiteId suite;
+};
+
 /// One call from begin to end. Calls nest when a host function calls back into the bundle.
 class CallScope {
   public:
-    CallScope(Session& session, Fn function)
-        : session_(session), function_(function), outer_(session.current_call), logged_(session.log.on()) {
+    CallScope(Session& session, const CalledFunction& called)
+        : session_(session),
+          function_(called.function),
+          suite_(called.suite),
+          outer_(session.current_call),
+          logged_(session.log.on()) {
+        const Fn function = called.function;
         session.passing(Passage::call_begins, function_info(function).name);
         session.current_call = {session.log.begin(), function_info(function).name};
         fault_ = session.count_call(function);
@@ -64,6 +78,7 @@ class CallScope {
 
     Session& session_;
     Fn function_;
+    SuiteId suite_;
     Session::CurrentCall outer_;
     bool logged_;
     const A_Err* fault_ = nullptr;
@@ -74,7 +89,7 @@ class CallScope {
 /// while the log is on; `body(Session&)` does the work and may throw Refusal; `out(CallValues&)` names the
 /// results of a call that succeeded. With a fault the body does not run and nothing changes.
 template <class Args, class Body, class Out>
-A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out) {
+A_Err host_call(const CalledFunction& function, const Args& args, const Body& body, const Out& out) {
     Session* session = Session::active();
     if (session == nullptr) {
         return kHostErrorGeneric;
@@ -108,7 +123,7 @@ A_Err host_call(Fn function, const Args& args, const Body& body, const Out& out)
 
 /// For functions without results besides their error code.
 template <class Args, class Body>
-A_Err host_call(Fn function, const Args& args, const Body& body) {
+A_Err host_call(const CalledFunction& function, const Args& args, const Body& body) {
     return host_call(function, args, body, [](CallValues&) {});
 }
 

@@ -1,5 +1,6 @@
 // "AEGP Layer Suite" 11 and "AEGP Light Suite" 2: layers, their timing, transfer modes and kinds of light.
 
+#include <algorithm>
 #include <bit>
 
 #include "embedded/layer_model.h"
@@ -96,6 +97,10 @@ A_Err set_transfer_mode(AEGP_LayerH layer, const AEGP_LayerTransferMode* mode) {
         });
 }
 
+bool may_add_layer(const Session& session, Id item, Id comp) {
+    return !session.refused_layers.contains({item, comp}) && can_add_layer(session.project, item, comp);
+}
+
 A_Err is_add_valid(AEGP_ItemH item, AEGP_CompH comp, A_Boolean* valid) {
     return host_call(
         Fn::AEGP_IsAddLayerValid,
@@ -106,7 +111,12 @@ A_Err is_add_valid(AEGP_ItemH item, AEGP_CompH comp, A_Boolean* valid) {
         [&](Session& session) -> A_Err {
             const Id source = session.id(item, "item");
             const Id parent = session.id(comp, "comp");
-            session.require(valid, "valid") = can_add_layer(session.project, source, parent) ? 1 : 0;
+            session.require(valid, "valid") = 0;
+            const std::vector<int>& refused = session.options.layers_refused;
+            if (std::find(refused.begin(), refused.end(), ++session.layers_asked_for) != refused.end()) {
+                session.refused_layers.insert({source, parent});
+            }
+            *valid = may_add_layer(session, source, parent) ? 1 : 0;
             return kHostErrorNone;
         },
         [&](CallValues& out) { out.flag("valid", *valid); });
@@ -123,12 +133,12 @@ A_Err add_item_as_layer(AEGP_ItemH item, AEGP_CompH comp, AEGP_LayerH* layer) {
             const Id source = session.id(item, "item");
             const Id parent = session.id(comp, "comp");
             session.require(layer, "layer");
-            session.require_true(can_add_layer(session.project, source, parent), "item",
+            session.require_true(may_add_layer(session, source, parent), "item",
                                  "cannot be a layer of this composition");
             const bool is_comp = session.item(source).kind == ItemKind::composition;
             const Layer& made =
                 add_layer(session, parent, is_comp ? LayerKind::composition : LayerKind::footage,
-                          session.item(source).name, source);
+                          {session.item(source).name, session.item(source).unicode_name}, source);
             session.changed();
             *layer = session.handles.handle<AEGP_LayerH>(made.id);
             return kHostErrorNone;
@@ -148,7 +158,7 @@ A_Err set_light_type(AEGP_LayerH layer, AEGP_LightType type) {
             session.require_true(light.kind == LayerKind::light, "layer", "is not a light");
             session.require_true(type >= kLightTypeParallel && type <= kLightTypeAmbient, "light_type",
                                  "is not a light type");
-            light.light_type = type;
+            embedded::set_light_type(session, light, type);
             session.changed();
             return kHostErrorNone;
         });

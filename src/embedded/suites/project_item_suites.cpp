@@ -1,4 +1,5 @@
-// "AEGP Proj Suite" 5, in current hosts 8, and "AEGP Item Suite" 10: the project and its folders.
+// "AEGP Proj Suite" 5, in current hosts 8, and "AEGP Item Suite" 10, in current hosts also 13: the project
+// and its folders.
 
 #include "embedded/suites/host_call.h"
 #include "embedded/suites/suite_tables.h"
@@ -28,15 +29,17 @@ A_Err get_root_folder(AEGP_ProjectH project, AEGP_ItemH* root_folder) {
         [&](CallValues& out) { out.handle("root_folder", *root_folder); });
 }
 
-A_Err create_folder(const A_char* name, AEGP_ItemH parent_folder, AEGP_ItemH* folder) {
+/// A name is narrow in one version of the suite and UTF-16 in the other.
+template <SuiteId Suite, class Char>
+A_Err create_folder(const Char* name, AEGP_ItemH parent_folder, AEGP_ItemH* folder) {
     return host_call(
-        Fn::AEGP_CreateNewFolder,
+        {Fn::AEGP_CreateNewFolder, Suite},
         [&](CallValues& args) {
             args.text("name", name);
             args.handle("parent_folder", parent_folder);
         },
         [&](Session& session) -> A_Err {
-            const Id parent = session.folder_id(parent_folder, "parent_folder");
+            const Id parent = session.parent_folder_id(parent_folder, name, "parent_folder");
             session.require(folder, "folder");
             const Item& made = session.add_item(ItemKind::folder, session.name(name, "name"), parent, 0);
             session.changed();
@@ -44,6 +47,25 @@ A_Err create_folder(const A_char* name, AEGP_ItemH parent_folder, AEGP_ItemH* fo
             return kHostErrorNone;
         },
         [&](CallValues& out) { out.handle("folder", *folder); });
+}
+
+A_Err set_item_name(AEGP_ItemH item, const A_UTF16Char* name) {
+    return host_call(
+        Fn::AEGP_SetItemName,
+        [&](CallValues& args) {
+            args.handle("item", item);
+            args.text("name", name);
+        },
+        [&](Session& session) -> A_Err {
+            const Id id = session.id(item, "item");
+            session.require_true(id != kRootFolder, "item", "is the root folder");
+            GivenName given = session.name(name, "name");
+            Item& renamed = session.item(id);
+            renamed.name = std::move(given.text);
+            renamed.unicode_name = given.unicode;
+            session.changed();
+            return kHostErrorNone;
+        });
 }
 
 template <class Table>
@@ -69,7 +91,17 @@ const AEGP_ProjSuite8* project_suite_of_today() {
 const AEGP_ItemSuite10* item_suite() {
     static const AEGP_ItemSuite10 table = [] {
         auto suite = reserved_table<AEGP_ItemSuite10, SuiteId::item>();
-        suite.AEGP_CreateNewFolder = create_folder;
+        suite.AEGP_CreateNewFolder = create_folder<SuiteId::item>;
+        return suite;
+    }();
+    return &table;
+}
+
+const AEGP_ItemSuite13* unicode_item_suite() {
+    static const AEGP_ItemSuite13 table = [] {
+        auto suite = reserved_table<AEGP_ItemSuite13, SuiteId::unicode_item>();
+        suite.AEGP_SetItemName = set_item_name;
+        suite.AEGP_CreateNewFolder = create_folder<SuiteId::unicode_item>;
         return suite;
     }();
     return &table;

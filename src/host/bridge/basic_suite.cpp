@@ -24,6 +24,10 @@ struct BridgedSuite {
     // Counts the host's own classic suite. Null where the bridge never hands that one out: a callback that is
     // registered past the bridge would let exceptions into the host and get a basic suite without the bridge.
     ReferenceCount* classic;
+    // The table over the host's own classic suite; null where that one is handed out itself.
+    const void* (*table_over_classic)() = nullptr;
+    // The version that a report of the missing suite names: the least that is enough.
+    A_long needed_version = current_version;
 };
 
 template <auto Suite>
@@ -31,9 +35,10 @@ const void* table_of() {
     return Suite();
 }
 
-// The host's own classic suites, in the order of the rows below.
+// The host's own classic suites that are handed out themselves, in the order of the rows below.
 ReferenceCount classic_persistent_data;
 ReferenceCount classic_proj;
+ReferenceCount classic_item;
 ReferenceCount classic_footage;
 ReferenceCount classic_io_in;
 ReferenceCount classic_io_out;
@@ -47,6 +52,11 @@ constexpr BridgedSuite kBridgedSuites[] = {
     {"AEGP Proj Suite", 5, 8, table_of<proj_suite>, &reference_count<AEGP_ProjSuite8>, &classic_proj},
     {"AEGP Footage Suite", 7, 11, table_of<footage_suite>, &reference_count<AEGP_FootageSuite11>,
      &classic_footage},
+    {"AEGP Item Suite", 10, 13, table_of<item_suite>, &reference_count<AEGP_ItemSuite13>, &classic_item,
+     nullptr, 10},
+    {"AEGP Comp Suite", 9, 15, table_of<comp_suite>, &reference_count<AEGP_CompSuite15>,
+     &reference_count<AEGP_CompSuite9>, table_of<narrow_comp_suite>, 9},
+    {"AEGP Light Suite", 2, 2, table_of<light_suite>, &reference_count<AEGP_LightSuite2>, nullptr},
     {"AEGP IO In Suite", 1, 5, table_of<io_in_suite>, &reference_count<AEGP_IOInSuite5>, &classic_io_in},
     {"AEGP IO Out Suite", 1, 7, table_of<io_out_suite>, &reference_count<AEGP_IOOutSuite7>, &classic_io_out},
     // Three that current hosts still offer. The bridge stands in front of them for what their functions do
@@ -79,16 +89,16 @@ A_Err acquire_bridged(const BridgedSuite& suite, const void** table) {
         *table = suite.classic_table();
         return kHostErrorNone;
     }
-    // A host between the generations, which has the classic suite instead of the current one, is called
-    // directly: its functions are those that the plug-in was written for.
+    // A host that has the classic suite instead of the current one is called directly: its functions are
+    // those that the plug-in was written for.
     host_table = nullptr;
     if (suite.classic != nullptr &&
         acquire_from_host(suite.name, suite.classic_version, &host_table) == kHostErrorNone) {
         suite.classic->add(host_table);
-        *table = host_table;
+        *table = suite.table_over_classic == nullptr ? host_table : suite.table_over_classic();
         return kHostErrorNone;
     }
-    note_missing_suite(suite.name, suite.current_version);
+    note_missing_suite(suite.name, suite.needed_version);
     return err;
 }
 

@@ -5,10 +5,10 @@
 namespace bridge {
 
 /// Puts the bridge in front of `host` and returns the bridge's basic suite, the same one every time. When the
-/// plug-in acquires one of the seven suites in the classic version, which current hosts lack, the bridge
-/// acquires the current version from the host and hands out a table of its own; it releases the current one
-/// when the classic one is released. It passes on the host's errors; a success without a table counts as 13.
-/// Everything else goes to the host as it is.
+/// plug-in acquires one of the ten suites below in the classic version, the bridge acquires the current
+/// version from the host and hands out a table of its own; it releases the current one when the classic one
+/// is released. It passes on the host's errors; a success without a table counts as 13. Everything else goes
+/// to the host as it is.
 ///
 /// One host at a time: what was held and registered with another one is forgotten.
 SPBasicSuite* basic_suite_over(const SPBasicSuite* host, AEGP_PluginID plugin_id);
@@ -16,8 +16,8 @@ SPBasicSuite* basic_suite_over(const SPBasicSuite* host, AEGP_PluginID plugin_id
 /// The bridge's basic suite, unchanged.
 const SPBasicSuite* basic_suite();
 
-// The suites as the bridge hands them out: tables of functions that call the current ones.
-// Slots that the plug-in never calls are null. Each function returns 13 while its suite is not held.
+// The suites as the bridge hands them out: tables of functions that call the current ones. Slots that the
+// plug-in never calls are null. Each function returns 13 while its suite is not held.
 
 /// Registers the death hook and the input modules behind functions of the bridge, which stop exceptions and
 /// give each callback basic data with the bridge's basic suite.
@@ -31,7 +31,8 @@ const AEGP_PersistentDataSuite1* persistent_data_suite();
 
 const AEGP_ProjSuite5* proj_suite();
 
-/// Makes footage from UTF-16 paths; names pass as they are.
+/// Makes footage from UTF-16 paths. The host takes the narrow names of placeholders; an item whose name that
+/// would spoil is renamed.
 const AEGP_FootageSuite7* footage_suite();
 
 /// Sizes are 64-bit in the host: a negative one is refused (3), one beyond 32 bits becomes the largest
@@ -48,6 +49,19 @@ const AEGP_StreamSuite7* stream_suite();
 
 /// Reports wait until the main thread comes by: hosts may refuse them on every other one.
 const AEGP_UtilitySuite7* utility_suite();
+
+/// Names in UTF-16, as name_translation.h says.
+const AEGP_ItemSuite10* item_suite();
+
+/// Names in UTF-16. Makes every new camera turn towards its point of interest: it has no other aim, and in a
+/// current host it looks straight ahead until told so.
+const AEGP_CompSuite9* comp_suite();
+
+/// The same for a host that has "AEGP Comp Suite" 9 only: names pass as they are.
+const AEGP_CompSuite9* narrow_comp_suite();
+
+/// Makes spot and parallel lights turn towards their points of interest, when their type is set.
+const AEGP_LightSuite2* light_suite();
 
 /// Frees the places of everything that was registered, for the next host.
 void forget_registrations();

@@ -8,7 +8,9 @@
 #include "host/bridge/guarded_call.h"
 #include "host/bridge/reports.h"
 #include "host/bridge/underlying_host.h"
+#include "host/byte_encoding.h"
 #include "host/utf16.h"
+#include "system/open_regular_file.h"
 
 namespace bridge {
 namespace {
@@ -25,16 +27,40 @@ A_Err first_of(A_Err earlier, A_Err later) {
     return earlier != kHostErrorNone ? earlier : later;
 }
 
-template <typename Result, typename View>
-A_Err translate(View path, ConvertedText<Result> (*convert)(View), Result* translated) noexcept {
+A_Err translate_to_utf8(std::u16string_view path, std::string* translated) noexcept {
     try {
-        ConvertedText<Result> converted = convert(path);
+        ConvertedText<std::string> converted = utf8_from_utf16(path);
         if (converted.fault) {
             report_invalid_path(path, *converted.fault);
             return kHostErrorParameter;
         }
         *translated = std::move(converted.text);
         return kHostErrorNone;
+    } catch (const std::bad_alloc&) {
+        return kHostErrorAllocation;
+    }
+}
+
+bool is_file(const std::string& path) {
+    return os::InputFile(os::open_exactly(path.c_str())) != nullptr;
+}
+
+A_Err translate_to_utf16(std::string_view path, std::u16string* translated) noexcept {
+    try {
+        ConvertedText<std::u16string> converted = utf16_from_utf8(path);
+        if (!converted.fault) {
+            *translated = std::move(converted.text);
+            return kHostErrorNone;
+        }
+        // The disk decides which encoding it is.
+        for (const std::string& other : paths_in_other_encodings(path)) {
+            if (is_file(other)) {
+                *translated = utf16_from_utf8(other).text;
+                return kHostErrorNone;
+            }
+        }
+        report_invalid_path(path, *converted.fault);
+        return kHostErrorParameter;
     } catch (const std::bad_alloc&) {
         return kHostErrorAllocation;
     }
@@ -51,7 +77,7 @@ A_Err bounded_path(const A_UTF16Char* wide, std::size_t most_bytes, std::string*
         ++length;
     }
     if (length <= most_bytes) {
-        const A_Err err = translate(std::u16string_view(wide, length), utf8_from_utf16, path);
+        const A_Err err = translate_to_utf8(std::u16string_view(wide, length), path);
         if (err != kHostErrorNone) {
             return err;
         }
@@ -107,7 +133,7 @@ A_Err wide_path(const A_char* path, std::u16string* wide) noexcept {
     if (path == nullptr) {
         return kHostErrorParameter;
     }
-    return translate(std::string_view(path), utf16_from_utf8, wide);
+    return translate_to_utf16(path, wide);
 }
 
 A_Err narrow_path(const A_UTF16Char* path, std::string* narrow) noexcept {
@@ -115,7 +141,7 @@ A_Err narrow_path(const A_UTF16Char* path, std::string* narrow) noexcept {
         report_no_path();
         return kHostErrorParameter;
     }
-    return translate(std::u16string_view(path), utf8_from_utf16, narrow);
+    return translate_to_utf8(path, narrow);
 }
 
 A_Err copy_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,

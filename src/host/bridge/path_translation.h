@@ -6,8 +6,9 @@
 
 // Converts paths between the plug-in, whose paths are UTF-8, and current hosts, whose paths are UTF-16.
 // Separators stay as they are. A path that cannot be converted is refused with 3 and one report that names
-// the fault. No function throws: 4 is returned when memory is short, 13 with a report when the host offers no
-// memory handles, and otherwise the host's own error.
+// the fault. Composition files of old programs hold other bytes: these are read as Windows-1252 or as Mac
+// Roman if a file is found by such a name. No function throws: 4 is returned when memory is short, 13 with a
+// report when the host offers no memory handles, and otherwise the host's own error.
 
 namespace bridge {
 

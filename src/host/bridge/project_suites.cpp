@@ -1,6 +1,7 @@
 // "AEGP Persistent Data Suite" 1, "AEGP Proj Suite" 5 and "AEGP Footage Suite" 7.
 
 #include "host/bridge/basic_suite.h"
+#include "host/bridge/name_translation.h"
 #include "host/bridge/path_translation.h"
 #include "host/bridge/underlying_host.h"
 
@@ -19,6 +20,32 @@ A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_Footag
     return err != kHostErrorNone ? err : answer_of([&] {
         return suite->AEGP_NewFootage(plugin_id, wide.c_str(), layer_key, sequence, style, reserved, footage);
     });
+}
+
+A_Err new_placeholder(AEGP_PluginID plugin_id, const A_char* name, A_long width, A_long height,
+                      const A_Time* duration, AEGP_FootageH* footage) {
+    const auto* suite = current_suite<AEGP_FootageSuite11>();
+    if (suite == nullptr) {
+        return kHostErrorMissingSuite;
+    }
+    const A_Err err = answer_of(
+        [=] { return suite->AEGP_NewPlaceholderFootage(plugin_id, name, width, height, duration, footage); });
+    if (err == kHostErrorNone) {
+        note_placeholder(footage, name);
+    }
+    return err;
+}
+
+A_Err add_footage(AEGP_FootageH footage, AEGP_ItemH folder, AEGP_ItemH* item) {
+    const auto* suite = current_suite<AEGP_FootageSuite11>();
+    if (suite == nullptr) {
+        return kHostErrorMissingSuite;
+    }
+    const A_Err err = answer_of([=] { return suite->AEGP_AddFootageToProject(footage, folder, item); });
+    if (err == kHostErrorNone) {
+        name_placeholder(footage, item);
+    }
+    return err;
 }
 
 }  // namespace
@@ -52,10 +79,10 @@ const AEGP_FootageSuite7* footage_suite() {
         using Current = AEGP_FootageSuite11;
         AEGP_FootageSuite7 suite = {};
         suite.AEGP_NewFootage = new_footage;
-        suite.AEGP_AddFootageToProject = Forward<&Current::AEGP_AddFootageToProject>::call;
+        suite.AEGP_AddFootageToProject = add_footage;
         suite.AEGP_GetFootageInterpretation = Forward<&Current::AEGP_GetFootageInterpretation>::call;
         suite.AEGP_SetFootageInterpretation = Forward<&Current::AEGP_SetFootageInterpretation>::call;
-        suite.AEGP_NewPlaceholderFootage = Forward<&Current::AEGP_NewPlaceholderFootage>::call;
+        suite.AEGP_NewPlaceholderFootage = new_placeholder;
         return suite;
     }();
     return &kTable;

@@ -12,6 +12,8 @@
 #include "host/bridge/registrations.h"
 #include "host/bridge/reports.h"
 #include "host/bridge/underlying_host.h"
+#include "host/byte_encoding.h"
+#include "system/open_regular_file.h"
 
 namespace bridge {
 namespace {
@@ -33,9 +35,12 @@ A_Err import_file(const A_UTF16Char* path, AE_FIM_ImportOptions options, AE_FIM_
     return guarded([=] {
         std::string narrow;
         const A_Err err = narrow_path(path, &narrow);
-        return err != kHostErrorNone
-                   ? err
-                   : importers[Place].import_cb(narrow.c_str(), options, action, folder, refcon);
+        if (err != kHostErrorNone) {
+            return err;
+        }
+        // Systems of today name files in Unicode, and the footage paths of old composition files do not.
+        const os::PathGuesses guesses(paths_in_other_encodings);
+        return importers[Place].import_cb(narrow.c_str(), options, action, folder, refcon);
     });
 }
 

@@ -110,9 +110,10 @@ void report_missing_suite(const A_char* name, A_long version) noexcept {
 }
 
 void report_invalid_path(std::string_view path, std::size_t fault) noexcept {
-    report_values("A path cannot be given to the host: it is not valid UTF-8 (byte %02X behind \"%s\").",
-                  static_cast<unsigned>(static_cast<unsigned char>(path[fault])),
-                  excerpt(path, fault).data());
+    report_values(
+        "A path cannot be given to the host: it is not valid UTF-8 (byte %02X behind \"%s\"), and no "
+        "file has this name read as Windows-1252 or as Mac Roman.",
+        static_cast<unsigned>(static_cast<unsigned char>(path[fault])), excerpt(path, fault).data());
 }
 
 void report_invalid_path(std::u16string_view path, std::size_t fault) noexcept {
@@ -148,6 +149,12 @@ void report_unreadable_file(std::string_view path, bool exists, A_Err err) noexc
 void report_unknown_file(A_Err err) noexcept {
     report_values("A texture cannot be drawn: the host does not say where its file is (error %d).",
                   static_cast<int>(err));
+}
+
+void report_not_aimed() noexcept {
+    report(
+        "A camera or light does not turn towards its point of interest, because After Effects refused the "
+        "setting. Select it and choose Layer > Transform > Auto-Orient.");
 }
 
 void report_no_room(const A_char* things, std::size_t room) noexcept {

@@ -25,7 +25,8 @@ void forget_waiting_reports() noexcept;
 /// `version` is the current one, which the host was asked for.
 void report_missing_suite(const A_char* name, A_long version) noexcept;
 
-/// The plug-in's path for the host is not valid UTF-8 at byte `fault`.
+/// The plug-in's path for the host is not valid UTF-8 at byte `fault`, and no file has its name in another
+/// encoding.
 void report_invalid_path(std::string_view path, std::size_t fault) noexcept;
 
 /// The host's path for the plug-in is not valid UTF-16 at unit `fault`.
@@ -42,6 +43,9 @@ void report_unreadable_file(std::string_view path, bool exists, A_Err err) noexc
 
 /// A texture cannot be drawn, because the host does not say where its file is and returned `err`.
 void report_unknown_file(A_Err err) noexcept;
+
+/// The host did not make a new camera or light turn towards its point of interest.
+void report_not_aimed() noexcept;
 
 /// More than `room` of these ("input modules") were registered.
 void report_no_room(const A_char* things, std::size_t room) noexcept;

@@ -131,6 +131,48 @@ const AEGP_IOOutSuite7 kIOOutSuite = [] {
     return suite;
 }();
 
+const AEGP_ItemSuite13 kItemSuite = [] {
+    AEGP_ItemSuite13 suite{};
+    suite.AEGP_SetItemName = VXR_RECORDED("SetItemName");
+    suite.AEGP_CreateNewFolder = VXR_RECORDED("CreateNewFolder");
+    return suite;
+}();
+
+// The comp suite of either version. A new layer is a handle, whose address must be valid.
+template <typename Suite>
+Suite comp_suite() {
+    Suite suite{};
+    suite.AEGP_GetCompFromItem = VXR_RECORDED("GetCompFromItem");
+    suite.AEGP_GetItemFromComp = VXR_RECORDED("GetItemFromComp");
+    suite.AEGP_CreateCameraInComp = [](auto* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
+        return host().call("CreateCameraInComp", list(name, center, unread(comp)), layer, "camera");
+    };
+    suite.AEGP_CreateLightInComp = [](auto* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
+        return host().call("CreateLightInComp", list(name, center, unread(comp)), layer, "light");
+    };
+    suite.AEGP_CreateComp = VXR_RECORDED("CreateComp");
+    suite.AEGP_CreateNullInComp = VXR_RECORDED("CreateNullInComp");
+    return suite;
+}
+const auto kCompSuite = comp_suite<AEGP_CompSuite15>();
+const auto kNarrowCompSuite = comp_suite<AEGP_CompSuite9>();
+
+const AEGP_LayerSuite11 kLayerSuite = [] {
+    AEGP_LayerSuite11 suite{};
+    suite.AEGP_SetLayerFlag = [](AEGP_LayerH layer, AEGP_LayerFlags flag, A_Boolean value) {
+        return host().call("SetLayerFlag", list(layer, flag, value));
+    };
+    return suite;
+}();
+
+const AEGP_LightSuite2 kLightSuite = [] {
+    AEGP_LightSuite2 suite{};
+    suite.AEGP_SetLightType = [](AEGP_LayerH layer, AEGP_LightType type) {
+        return host().call("SetLightType", list(layer, type));
+    };
+    return suite;
+}();
+
 #undef VXR_RECORDED
 
 }  // namespace
@@ -144,6 +186,15 @@ const std::vector<OfferedSuite>& current_suites() {
         {"AEGP Footage Suite", 11, &kFootageSuite},
         {"AEGP IO In Suite", 5, &kIOInSuite},
         {"AEGP IO Out Suite", 7, &kIOOutSuite},
+    };
+    return kSuites;
+}
+
+const std::vector<OfferedSuite>& named_suites() {
+    static const std::vector<OfferedSuite> kSuites = {
+        {"AEGP Item Suite", 13, &kItemSuite},      {"AEGP Comp Suite", 15, &kCompSuite},
+        {"AEGP Comp Suite", 9, &kNarrowCompSuite}, {"AEGP Layer Suite", 11, &kLayerSuite},
+        {"AEGP Light Suite", 2, &kLightSuite},
     };
     return kSuites;
 }

@@ -17,5 +17,7 @@ const std::vector<OfferedSuite>& classic_project_suites();
 const std::vector<OfferedSuite>& classic_module_suites();
 /// The seven suites of a current host behind the bridge.
 const std::vector<OfferedSuite>& current_suites();
+/// The suites of a current host that take names in UTF-16, and those that aim cameras and lights.
+const std::vector<OfferedSuite>& named_suites();
 /// The Memory and Utility suites, which both generations offer in the same version.
 const std::vector<OfferedSuite>& common_suites();
