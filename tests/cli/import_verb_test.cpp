@@ -146,6 +146,28 @@ TEST(ImportVerb, NamesThatArriveAsBytesAreShownInAnEncoding) {
     }
 }
 
+// A key that is refused takes the value that the zoom had before: that of the first key, 320 / tan(20
+// degrees).
+TEST(ImportVerb, AKeyWithAnotherValueIsNoFinishedImport) {
+    const TemporaryFolder folder;
+    const std::string scene =
+        folder.write("shot.aec",
+                     "VORTAN XR COMPOSITION\nRESOLUTION 640 480 FROM 0 TO 9 RANGE 10 FPS 25\n"
+                     "COMPOSITION NRM \"Main\" { }\n"
+                     "CAMERA \"Cam\" { KEY 0 0 0 0 0 0 0 40\nKEY 9 0 0 0 20 0 0 90 }\n");
+    EXPECT_EQ(import_file({scene}).exit_code, 0);
+    const ProcessResult run = import_file({"--fail", "AEGP_SetAddKeyframe:8:55", scene});
+    EXPECT_EQ(run.exit_code, 1);
+    EXPECT_EQ(
+        run.err,
+        "vxr: error: the import did not finish: camera \"Cam\" has the zoom 879.1928, and the scene says "
+        "320, at frame 9\n");
+    EXPECT_EQ(
+        json::parse(
+            import_file({"--json", "--fail", "AEGP_SetAddKeyframe:8:55", scene}).out)["import"]["finished"],
+        false);
+}
+
 TEST(ImportVerb, NullsOfAStillAreAsLongAsTheHostsStills) {
     const TemporaryFolder folder;
     const std::string scene =
@@ -246,6 +268,43 @@ const Fault kFaults[] = {
      0,
      "",
      "1 camera"},
+    {"camera that is not aimed",
+     {"--fail", "AEGP_SetLayerFlag:3:4"},
+     1,
+     "vxr: error: the import did not finish: camera \"Camera\" looks 3 degrees away from where the scene "
+     "says, "
+     "at frame 17: it does not turn towards its point of interest\n",
+     "one-node camera"},
+    {"null that stays flat",
+     {"--fail", "AEGP_SetLayerFlag:1:4"},
+     1,
+     "vxr: error: the import did not finish: null \"Pivot\" is not finished\n",
+     "1 null"},
+    {"light type that is refused",
+     {"--fail", "AEGP_SetLightType:1:4"},
+     1,
+     "vxr: error: the import did not finish: light \"Moon\" is a light, and the scene says parallel light\n",
+     "1 camera"},
+    {"zoom that is refused",
+     {"--fail", "AEGP_SetStreamValue:8:4"},
+     1,
+     "vxr: error: the import did not finish: camera \"Camera\" is not finished\n",
+     "1 camera"},
+    {"undo group that does not end",
+     {"--fail", "AEGP_EndUndoGroup:1:4"},
+     1,
+     "vxr: error: the undo group did not end\n",
+     "[undo_group_unbalanced]\n"},
+    {"preference that is not put back",
+     {"--alpha-preference", "2", "--fail", "AEGP_SetData:2:4"},
+     1,
+     "vxr: error: the preference Pref_DEFAULT_UNLABELED_ALPHA was not put back\n",
+     "1 camera"},
+    {"layer that the host does not want",
+     {"--refuse-layer", "1"},
+     1,
+     "vxr: error: the import ended with host error 3; what it made before stays\n",
+     "item cannot be a layer of this composition [bad_argument]\n"},
     {"object that fails without a message",
      {"--fail", "AEGP_CreateLightInComp:1:4"},
      1,

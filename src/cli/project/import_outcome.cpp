@@ -3,10 +3,9 @@
 #include <algorithm>
 #include <cstddef>
 #include <map>
-#include <set>
 #include <utility>
 
-#include "composition/build/host_values.h"
+#include "cli/project/object_values.h"
 
 namespace cli {
 namespace {
@@ -27,41 +26,8 @@ LayerKind layer_kind(BlockKind kind) {
     return LayerKind::null;
 }
 
-// A host keeps one key per time.
-std::size_t expected_keys(const SceneBlock& object, std::int64_t from) {
-    std::set<A_long> times;
-    for (std::size_t i = 0; i < key_count(object); ++i) {
-        times.insert(clamp_to_long(object.object->keys[i]->frame - from));
-    }
-    return times.size();
-}
-
 std::string whole(const SceneBlock& object) {
     return object.within.empty() ? "an object" : object.within.back();
-}
-
-// The stream that the plug-in writes last on a layer of this kind.
-bool is_finished(const Layer& layer, const SceneBlock& object, std::int64_t from) {
-    const std::size_t keys = expected_keys(object, from);
-    const auto stream = [&](AEGP_LayerStream kind) -> const embedded::Stream* {
-        const auto found = layer.streams.find(kind);
-        return found == layer.streams.end() ? nullptr : &found->second;
-    };
-    const auto keyed = [&](AEGP_LayerStream kind) {
-        return stream(kind) != nullptr && stream(kind)->keyframes.size() == keys;
-    };
-    switch (object.kind) {
-        case BlockKind::camera:
-            return keyed(kLayerStreamPosition) && keyed(kLayerStreamZoom);
-        case BlockKind::light: {
-            const embedded::Stream* const shadows = stream(kLayerStreamCastsShadows);
-            return keyed(kLayerStreamPosition) && shadows != nullptr && shadows->value_set;
-        }
-        case BlockKind::composition:
-        case BlockKind::null_object:
-            break;
-    }
-    return keyed(kLayerStreamPosition);
 }
 
 void compare_objects(const SceneReading& reading, const embedded::Project& project,
@@ -78,13 +44,32 @@ void compare_objects(const SceneReading& reading, const embedded::Project& proje
         const std::size_t index = used[kind]++;
         if (index >= made.size()) {
             missing.push_back(whole(*object) + " is missing");
-        } else if (!is_finished(*made[index], *object, reading.settings->from)) {
-            missing.push_back(whole(*object) + " is not finished");
+            continue;
+        }
+        const std::string difference = object_difference(*made[index], *object, *reading.settings);
+        if (!difference.empty()) {
+            missing.push_back(whole(*object) + difference);
         }
     }
 }
 
 }  // namespace
+
+std::vector<std::string> left_changed(const embedded::Host& host,
+                                      const std::optional<std::uint8_t>& preference) {
+    std::vector<std::string> left;
+    for (const auto& [key, value] : host.project().preferences) {
+        // A host without the preference gets none from an import, whatever its value.
+        const bool as_before = preference && value == std::vector<std::uint8_t>{*preference};
+        if (!as_before) {
+            left.push_back("the preference " + key.second + " was not put back");
+        }
+    }
+    if (host.conformance().count(embedded::RuleViolation::undo_group_unbalanced) > 0) {
+        left.emplace_back("the undo group did not end");
+    }
+    return left;
+}
 
 bool gets_scene_objects(A_long major, A_long minor) {
     return major > 9 || (major == 9 && minor >= 32);

@@ -28,8 +28,12 @@ void explain_failure(ImportRun& run, const SceneReading& reading) {
 }
 
 // The importer returned; checks its answer against the file and the project.
-void judge(ImportRun& run, const SceneReading& reading, const embedded::Project& project,
-           const embedded::InterfaceVersion& version) {
+void judge(ImportRun& run, const SceneReading& reading, const embedded::Host& host,
+           const embedded::HostOptions& options) {
+    const embedded::Project& project = host.project();
+    for (const std::string& problem : left_changed(host, options.alpha_preference)) {
+        refuse(run, problem);
+    }
     if (reading.error) {
         run.diagnostics.push_back(*reading.error);
         run.code = most_serious(run.code, reading.code);
@@ -40,6 +44,7 @@ void judge(ImportRun& run, const SceneReading& reading, const embedded::Project&
         explain_failure(run, reading);
         return;
     }
+    const embedded::InterfaceVersion version = options.interface_version();
     const bool objects_wanted = gets_scene_objects(version.major, version.minor);
     for (const std::string& problem : missing_in_project(reading, project, objects_wanted)) {
         refuse(run, "the import did not finish: " + problem);
@@ -121,7 +126,7 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
     if (!run.imported && !reading.error) {
         refuse(run, "the plug-in does not accept the file");
     } else {
-        judge(run, reading, host.project(), options.interface_version());
+        judge(run, reading, host, options);
         add_notes(run, host, options);
     }
     return run;
