@@ -68,11 +68,6 @@ bool TxlInput::load(const std::string& name) {
         return false;
     }
     m_spec = texture_spec(reading);
-    if (m_spec.width < 1 || m_spec.height < 1) {
-        errorfmt("{}: the picture has {} x {} pixels; there is nothing to read", name, m_spec.width,
-                 m_spec.height);
-        return false;
-    }
     const int max_channels = OIIO::get_int_attribute("limits:channels", 0);
     if (max_channels > 0 && m_spec.nchannels > max_channels) {
         errorfmt("{}: {} channels exceed limits:channels, which is {}", name, m_spec.nchannels, max_channels);

@@ -15,7 +15,7 @@ namespace imageio {
 /// tiles. Several threads may read scanlines at once.
 ///
 /// Refuses what `read_texture` refuses, with an error that names the byte and the chunk, as well as pictures
-/// without pixels and pictures above OpenImageIO's own "limits:imagesize_MB" and "limits:channels".
+/// above OpenImageIO's own "limits:imagesize_MB" and "limits:channels".
 class TxlInput final : public OIIO::ImageInput {
   public:
     TxlInput() = default;

@@ -214,7 +214,8 @@ TEST(PublishedInterface, CodesOfTextures) {
         "out-of-memory no-picture bad-value");
     EXPECT_EQ(
         names_of(texture_notices(), diagnostic::Severity::warning),
-        "row-cleared row-repeated chunk-skipped layer-without-alpha outside-picture second-header cut-off");
+        "row-cleared row-repeated chunk-skipped layer-without-alpha outside-picture second-header cut-off "
+        "rows-missing");
 }
 
 // The members of every object of a document, in one line for each place where objects are: "footage[]:

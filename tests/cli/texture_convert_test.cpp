@@ -15,6 +15,7 @@
 #include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
+#include "texture/txl_builder.h"
 #include "texture/value/texture_file.h"
 
 namespace {
@@ -212,9 +213,9 @@ TEST(TextureConvert, ARefusedFileLeavesTheOldOutput) {
     write(folder, "whole.txl", made_texture(64, 64, Texture::kRgb, 0));
     folder.write("cut.txl", content_of(folder.path("whole.txl")).substr(0, 3000));
     folder.write("cut.png", "what was there");
-    Texture nothing;
-    nothing.width_px = 4;
-    write(folder, "nothing.txl", nothing);
+    TxlFile nothing;
+    nothing.height = 0;
+    folder.write("nothing.txl", nothing.bytes());
 
     EXPECT_EQ(convert(folder, {"text.tif", "--to", "txl"}).exit_code, 1);
     EXPECT_EQ(convert(folder, {"cut.txl", "--to", "png"}).exit_code, 1);
@@ -222,7 +223,7 @@ TEST(TextureConvert, ARefusedFileLeavesTheOldOutput) {
     EXPECT_EQ(content_of(folder.path("cut.png")), "what was there");
     const ProcessResult empty = convert(folder, {"nothing.txl", "--to", "png"});
     EXPECT_EQ(empty.exit_code, 1);
-    EXPECT_EQ(empty.err, "nothing.png: error: the texture has no pixels [unsupported]\n");
+    EXPECT_EQ(empty.err, "nothing.txl: error: the picture has no pixels: its size is 2 x 0 [no-picture]\n");
     EXPECT_EQ(names_in(folder.folder()), (std::vector<std::string>{"cut.png", "cut.txl", "nothing.txl",
                                                                    "text.tif", "text.txl", "whole.txl"}));
 }

@@ -80,7 +80,8 @@ TEST(TextureInfo, CountsEveryWayInWhichARowCanBeCoded) {
     for (const json& diagnostic : file.at("diagnostics")) {
         codes.push_back(diagnostic.at("code"));
     }
-    EXPECT_EQ(codes, (std::vector<std::string>{"chunk-skipped", "row-repeated", "row-cleared"}));
+    EXPECT_EQ(codes,
+              (std::vector<std::string>{"chunk-skipped", "row-repeated", "row-cleared", "rows-missing"}));
 }
 
 TEST(TextureInfo, JsonHasItsKeysInOrderAlsoWhenAFileIsRefused) {
@@ -123,7 +124,9 @@ TEST(TextureInfo, ARefusedFileIsShownAsFarAsItIsRead) {
               "    TaVx v2        0x2a      ?  2 rows of 4 pixels, 1 channel, no end\n"
               "      channel 0                 1 packed; 4 bytes as 2, 2.00 : 1\n");
     EXPECT_EQ(run.err,
-              "cut.txl@0x57: error: the file ends inside this value [short-transfer]\n      in 502 > TaVx\n");
+              "cut.txl@0x57: error: the file ends inside this value [short-transfer]\n"
+              "      in 502 > TaVx\n"
+              "      = the file holds 1 of the 2 rows that the chunk announces\n");
 }
 
 TEST(TextureCheck, FindsNothingWrongWithTheExamples) {

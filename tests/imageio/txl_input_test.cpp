@@ -13,6 +13,7 @@
 #include "support/file_content.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
+#include "texture/txl_builder.h"
 
 namespace {
 
@@ -133,9 +134,9 @@ struct RefusedCase {
 
 std::vector<RefusedCase> refused_cases() {
     const std::string whole = texture_bytes(made_texture(64, 8, Texture::kRgb, 0));
-    Texture nothing;
-    nothing.width_px = 0;
-    nothing.height_px = 8;
+    TxlFile nothing;
+    nothing.width = 0;
+    nothing.height = 8;
     return {
         {"empty", "", "a.txl: "},
         {"other_magic", "II*\0................", "a.txl"},
@@ -143,7 +144,7 @@ std::vector<RefusedCase> refused_cases() {
         {"ends_in_a_block_says_where", whole.substr(0, 200), "(in 502 > TaVx)"},
         {"nothing_after_the_start", "AVXRTexa", "a.txl@0x8"},
         {"no_texture_header", "AVXRTexa" + std::string("\1ABCD\0\0\0\0\2", 10), "no texture header"},
-        {"no_pixels", texture_bytes(nothing), "0 x 8 pixels"},
+        {"no_pixels", nothing.bytes(), "the picture has no pixels: its size is 0 x 8"},
     };
 }
 

@@ -61,8 +61,7 @@ TEST(TextureFile, EveryByteOfEveryChannelReadsBack) {
             for (const Content content : {Content::flat, Content::noisy, Content::runs}) {
                 for (const auto& [width, height] :
                      {std::pair{1, 1}, std::pair{2, 3}, std::pair{127, 2}, std::pair{128, 2},
-                      std::pair{129, 2}, std::pair{300, 5}, std::pair{1, 50}, std::pair{0, 4},
-                      std::pair{4, 0}, std::pair{0, 0}}) {
+                      std::pair{129, 2}, std::pair{300, 5}, std::pair{1, 50}}) {
                     const Texture texture = made(width, height, mode, alphas, content);
                     ASSERT_FALSE(write_texture(path, texture).has_value());
                     const BothLoads both(path);
@@ -73,6 +72,104 @@ TEST(TextureFile, EveryByteOfEveryChannelReadsBack) {
                 }
             }
         }
+    }
+}
+
+// The plug-in loads them, because the format has them. To the tools they are no pictures.
+TEST(TextureFile, APictureWithoutPixelsIsNeitherReadNorWritten) {
+    const TemporaryFolder folder;
+    for (const auto& [width, height] : {std::pair{0, 4}, std::pair{4, 0}, std::pair{0, 0}}) {
+        const std::string reason = "the picture has no pixels: its size is " + std::to_string(width) + " x " +
+                                   std::to_string(height);
+        for (const std::size_t alphas : {0u, 2u}) {
+            const auto error = write_texture(folder.path("none.txl"),
+                                             made(width, height, Texture::kRgb, alphas, Content::flat));
+            ASSERT_TRUE(error.has_value()) << reason;
+            EXPECT_EQ(error->code, TextureFault::no_picture);
+            EXPECT_EQ(error->reason, reason);
+            TxlFile file;
+            file.width = width;
+            file.height = height;
+            file.layers.resize(alphas);
+            const BothLoads both(folder.write("empty.txl", file.bytes()));
+            EXPECT_TRUE(both.loaded) << reason;
+            ASSERT_TRUE(both.reading.error.has_value()) << reason;
+            EXPECT_EQ(both.reading.error->code, TextureFault::no_picture);
+            EXPECT_EQ(both.reading.error->reason, reason);
+        }
+    }
+}
+
+TEST(TextureFile, TheRowsThatAFileHoldsAreCounted) {
+    const TemporaryFolder folder;
+    TxlFile file;
+    file.height = 1 << 20;
+    TxlRows below = file.rows;
+    below.y = 7;
+    file.before_layers = below.bytes();
+    const TextureReading reading = read_texture(folder.write("rows.txl", file.bytes()));
+    ASSERT_TRUE(reading.texture.has_value());
+    EXPECT_EQ(reading.colour_rows.count(), 4);
+    EXPECT_EQ(reading.colour_rows.ranges(), (std::vector<RowSet::Range>{{0, 2}, {7, 9}}));
+    ASSERT_EQ(reading.warnings.size(), 1u);
+    EXPECT_EQ(reading.warnings[0].code, TextureNotice::rows_missing);
+    EXPECT_EQ(reading.warnings[0].reason, "the picture has 1048576 rows, of which the file holds 4");
+    EXPECT_EQ(reading.warnings[0].at.offset_bytes, 17) << "the texture header";
+}
+
+TEST(TextureFile, AnErrorInRowsSaysHowManyThereAre) {
+    const TemporaryFolder folder;
+    TxlFile file;
+    file.rows.rows = 1000;
+    file.rows.ended = false;
+    file.texture_ended = false;
+    const TextureReading cut = read_texture(folder.write("cut.txl", file.bytes()));
+    ASSERT_TRUE(cut.error.has_value());
+    EXPECT_EQ(cut.error->code, TextureFault::short_transfer);
+    EXPECT_EQ(cut.error->effects,
+              std::vector<std::string>{"the file holds 2 of the 1000 rows that the chunk announces"});
+    file.rows.blocks.clear();
+    const TextureReading none = read_texture(folder.write("none.txl", file.bytes()));
+    ASSERT_TRUE(none.error.has_value());
+    EXPECT_EQ(none.error->effects,
+              std::vector<std::string>{"the file holds 0 of the 1000 rows that the chunk announces"});
+    // An error elsewhere has nothing to do with rows.
+    file.rows.rows = 2;
+    file.rows.channels = 1;
+    const TextureReading other = read_texture(folder.write("other.txl", file.bytes()));
+    ASSERT_TRUE(other.error.has_value());
+    EXPECT_EQ(other.error->effects, std::vector<std::string>{});
+}
+
+struct RowSetCase {
+    const char* name;
+    std::vector<std::int32_t> added;
+    std::vector<RowSet::Range> ranges;
+};
+
+TEST(RowSet, JoinsWhatTouches) {
+    const RowSetCase cases[] = {
+        {"nothing", {}, {}},
+        {"from the top down", {0, 1, 2}, {{0, 3}}},
+        {"the same row again", {5, 5}, {{5, 6}}},
+        {"from the bottom up", {3, 2, 1}, {{1, 4}}},
+        {"a gap", {0, 2}, {{0, 1}, {2, 3}}},
+        {"a gap that is filled", {0, 2, 1}, {{0, 3}}},
+        {"the same rows twice", {0, 1, 2, 0, 1, 2}, {{0, 3}}},
+        {"a row inside the range before", {0, 1, 2, 1, 3}, {{0, 4}}},
+        {"the last row of all", {2147483646}, {{2147483646, 2147483647}}},
+    };
+    for (const RowSetCase& c : cases) {
+        RowSet rows;
+        std::int64_t count = 0;
+        for (const std::int32_t row : c.added) {
+            rows.add(row);
+        }
+        for (const RowSet::Range& range : c.ranges) {
+            count += range.end - range.begin;
+        }
+        EXPECT_EQ(rows.ranges(), c.ranges) << c.name;
+        EXPECT_EQ(rows.count(), count) << c.name;
     }
 }
 

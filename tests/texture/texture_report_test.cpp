@@ -22,6 +22,7 @@ struct NoticeCase {
     TextureNotice notice;
     std::int64_t count;
     std::string within;
+    bool with_missing_rows = false;  // which is a second notice
 };
 
 class Notices : public testing::TestWithParam<NoticeCase> {};
@@ -32,7 +33,10 @@ TEST_P(Notices, ReportRepairsAndSkippedParts) {
     const TemporaryFolder folder;
     const TextureReading reading = read_texture(folder.write("notice.txl", file.bytes()));
     ASSERT_TRUE(reading.texture.has_value()) << reading.error->reason;
-    ASSERT_EQ(reading.warnings.size(), 1u);
+    ASSERT_EQ(reading.warnings.size(), GetParam().with_missing_rows ? 2u : 1u);
+    if (GetParam().with_missing_rows) {
+        EXPECT_EQ(reading.warnings[1].code, TextureNotice::rows_missing);
+    }
     const diagnostic::Diagnostic& warning = reading.warnings[0];
     EXPECT_STREQ(warning.code.name(), code_info(GetParam().notice).name);
     EXPECT_EQ(warning.count, GetParam().count);
@@ -61,11 +65,27 @@ const std::vector<NoticeCase> kNotices = {
          f.layers[1].mode = 1;
      },
      TextureNotice::layer_without_alpha, 1, "502 > 599 > 110100 > 501 > TaLy"},
-    {"RowsBelowThePicture", [](TxlFile& f) { f.rows.y = 1; }, TextureNotice::outside_picture, 1,
-     "502 > TaVx"},
+    {"RowsBelowThePicture", [](TxlFile& f) { f.rows.y = 1; }, TextureNotice::outside_picture, 1, "502 > TaVx",
+     true},
     {"ASecondHeader", [](TxlFile& f) { f.before_rows = f.header_bytes(); }, TextureNotice::second_header, 1,
      "502 > TaTx"},
     {"AChunkWithoutItsEnd", [](TxlFile& f) { f.texture_ended = false; }, TextureNotice::cut_off, 1, "502"},
+    {"APictureWithoutRows", [](TxlFile& f) { f.with_rows = false; }, TextureNotice::rows_missing, 1, ""},
+    {"ARowThatIsNotThere",
+     [](TxlFile& f) {
+         f.rows.rows = 1;
+         f.rows.blocks.resize(3);
+     },
+     TextureNotice::rows_missing, 1, ""},
+    {"RowsOfTwoAlphaChannelsThatAreNotThere",
+     [](TxlFile& f) {
+         f.layers.resize(3);
+         f.layers[1].rows.rows = 0;
+         f.layers[1].rows.blocks.clear();
+         f.layers[2].rows.rows = 1;
+         f.layers[2].rows.blocks.resize(1);
+     },
+     TextureNotice::rows_missing, 2, ""},
 };
 
 INSTANTIATE_TEST_SUITE_P(TextureReport, Notices, testing::ValuesIn(kNotices),

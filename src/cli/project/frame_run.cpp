@@ -10,6 +10,7 @@
 #include "cli/report/diagnostic_text.h"
 #include "embedded/project_json.h"
 #include "system/files.h"
+#include "texture/value/texture_file.h"
 
 namespace cli {
 namespace {
@@ -55,7 +56,12 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const FrameRequest& requ
     const embedded::OpenResult opened = host.open_with_module(path);
     run.open = opened.callback;
     if (opened.in_spec == 0 || run.open.code != kHostErrorNone) {
-        refuse(run, "the module did not open the file and ended " + end_text(run.open));
+        // A host has no use for a picture without pixels, and the module does not say that this is the
+        // reason.
+        const TextureReading reading = read_texture(run.file);
+        const bool no_picture = reading.error.has_value() && reading.error->code == TextureFault::no_picture;
+        refuse(run, "the module did not open the file and ended " + end_text(run.open) +
+                        (no_picture ? ": " + reading.error->reason : ""));
         return;
     }
     run.in_spec = host.project().in_spec(opened.in_spec);

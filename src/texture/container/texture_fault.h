@@ -23,7 +23,7 @@ enum class TextureFault : std::uint8_t {
     over_limit,          ///< larger or deeper than is read or written
     refused_picture,     ///< the target did not accept the texture's size
     out_of_memory,       ///< memory could not be obtained
-    no_picture,          ///< a sound file without a texture header
+    no_picture,          ///< a sound file without a texture header or without pixels
     bad_value,           ///< a texture to write whose parts do not fit each other
 };
 

@@ -42,3 +42,8 @@ PixelBuffer& PixelBuffer::operator=(PixelBuffer&& other) noexcept {
 bool operator==(const PixelBuffer& a, const PixelBuffer& b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end());
 }
+
+std::string no_pixels_text(std::int64_t width_px, std::int64_t height_px) {
+    return "the picture has no pixels: its size is " + std::to_string(width_px) + " x " +
+           std::to_string(height_px);
+}

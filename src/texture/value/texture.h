@@ -67,3 +67,7 @@ struct Texture {
 
     friend bool operator==(const Texture&, const Texture&) = default;
 };
+
+/// Why a picture without pixels is refused, in the one wording of all tools: "the picture has no pixels: its
+/// size is 0 x 64".
+[[nodiscard]] std::string no_pixels_text(std::int64_t width_px, std::int64_t height_px);

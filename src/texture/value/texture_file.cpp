@@ -33,14 +33,19 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
         reading.error = error_of(path, TextureFault::short_transfer, "the file could not be read");
     } else {
         recorder.finish();
+        sink.finish();
         if (!sink.has_picture()) {
             reading.error = error_of(path, TextureFault::no_picture, "the file has no texture header");
         } else if (texture_channels(texture.mode) == 0) {
             reading.error =
                 error_of(path, TextureFault::unsupported,
                          "colour mode " + std::to_string(texture.mode) + "; only 2 and 4 can be read");
+        } else if (texture.pixel_count() == 0) {
+            reading.error =
+                error_of(path, TextureFault::no_picture, no_pixels_text(texture.width_px, texture.height_px));
         } else {
             reading.texture = std::move(texture);
+            reading.colour_rows = sink.colour_rows();
         }
     }
     reading.warnings = std::move(recorder.warnings());
@@ -51,7 +56,8 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
 
 std::optional<diagnostic::Diagnostic> write(const std::string& path, const Texture& texture) {
     if (const std::optional<std::string> reason = validate_for_writing(texture); reason.has_value()) {
-        return error_of(path, TextureFault::bad_value, *reason);
+        const bool empty = texture.width_px == 0 || texture.height_px == 0;
+        return error_of(path, empty ? TextureFault::no_picture : TextureFault::bad_value, *reason);
     }
     TextureRecorder recorder(path, false);
     TextureSource source(texture);
@@ -99,9 +105,25 @@ std::optional<diagnostic::Diagnostic> write_texture(const std::string& path, con
     }
 }
 
+std::vector<std::string> names_without_room(const Texture& texture) {
+    std::vector<std::string> names;
+    for (const AlphaChannel& alpha : texture.alphas) {
+        const std::size_t last_letter = alpha.name.find_last_not_of(".0123456789");
+        const std::string word =
+            alpha.name.substr(0, last_letter == std::string::npos ? last_letter : last_letter + 1);
+        if (word != "A" && word != "Alpha" && word != "alpha" && word != "channel" && !word.empty()) {
+            names.push_back(alpha.name);
+        }
+    }
+    return names;
+}
+
 std::optional<std::string> validate_for_writing(const Texture& texture) {
     if (texture_channels(texture.mode) == 0) {
         return "colour mode " + std::to_string(texture.mode) + "; only 2 and 4 can be written";
+    }
+    if (texture.width_px == 0 || texture.height_px == 0) {
+        return no_pixels_text(texture.width_px, texture.height_px);
     }
     const std::int64_t pixel_count = std::int64_t{texture.width_px} * texture.height_px;
     if (texture.width_px < 0 || texture.height_px < 0 || pixel_count > limits::kTexturePixels.value) {

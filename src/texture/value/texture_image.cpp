@@ -15,6 +15,9 @@ bool TextureSink::Init(std::int32_t w, std::int32_t h, std::int32_t colorMode) {
     texture_ = Texture{};
     decoded_bytes_ = 0;
     has_channel_ = false;
+    colour_ = {};
+    colour_.offset_bytes = recorder_.chunk_offset_bytes();
+    alphas_.clear();
     names_.clear();
     last_number_.clear();
     const bool negative = w < 0 || h < 0;
@@ -51,6 +54,7 @@ bool TextureSink::InitAlphaChannel(std::int32_t /*channel*/, std::int32_t /*w*/,
     }
     try {
         texture_.alphas.push_back({unique_name(recorder_.layer_name()), PixelBuffer(bytes)});
+        alphas_.push_back({{}, recorder_.chunk_offset_bytes(), !recorder_.layer_has_no_alpha()});
     } catch (const std::bad_alloc&) {
         recorder_.refuse(TextureFault::out_of_memory, "no memory for " + std::to_string(bytes) + " bytes");
         return false;
@@ -66,6 +70,7 @@ bool TextureSink::SetPixelCount(std::int32_t x, std::int32_t y, std::int32_t cou
     if (part.begin >= part.end || channels != stride) {
         return true;
     }
+    colour_.rows.add(y);
     const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture_.width_px) +
                               static_cast<std::size_t>(x + part.begin);
     MemCopy(data + std::int64_t{part.begin} * stride,
@@ -81,6 +86,7 @@ bool TextureSink::SetAlphaPixel(std::int32_t /*channel*/, std::int32_t x, std::i
     }
     const Part part = clip(x, y, count);
     if (part.begin < part.end) {
+        alphas_.back().rows.add(y);
         const std::size_t first = static_cast<std::size_t>(y) * static_cast<std::size_t>(texture_.width_px) +
                                   static_cast<std::size_t>(x + part.begin);
         MemCopy(data + part.begin, texture_.alphas.back().values.data() + first, part.end - part.begin);
@@ -102,6 +108,23 @@ TextureSink::Part TextureSink::clip(std::int32_t x, std::int32_t y, std::int32_t
         return {0, 0};
     }
     return {static_cast<std::int32_t>(begin), static_cast<std::int32_t>(end)};
+}
+
+void TextureSink::finish() {
+    report_missing(colour_, "the picture");
+    for (std::size_t i = 0; i < alphas_.size(); ++i) {
+        report_missing(alphas_[i], "alpha channel " + std::to_string(i + 1));
+    }
+}
+
+void TextureSink::report_missing(const Rows& found, const std::string& of_what) {
+    const std::int64_t there = found.rows.count();
+    if (found.expected && texture_.width_px > 0 && there < texture_.height_px) {
+        recorder_.notice_at(TextureNotice::rows_missing, found.offset_bytes, [&] {
+            return of_what + " has " + std::to_string(texture_.height_px) +
+                   " rows, of which the file holds " + std::to_string(there);
+        });
+    }
 }
 
 bool TextureSink::reserve(std::uint64_t bytes, const char* what) {

@@ -4,8 +4,10 @@
 #include <map>
 #include <set>
 #include <string>
+#include <vector>
 
 #include "texture/txl/txl_image.h"
+#include "texture/value/row_set.h"
 #include "texture/value/texture.h"
 #include "texture/value/texture_recorder.h"
 
@@ -29,8 +31,15 @@ class TextureSink final : public TXLImage {
     bool SetAlphaPixel(std::int32_t channel, std::int32_t x, std::int32_t y, std::int32_t count,
                        unsigned char* data) override;
 
+    /// Ends a load without an error. Rows of the picture and of its alpha channels that the file does not
+    /// hold are recorded as notices.
+    void finish();
+
     /// Whether a texture header was read.
     [[nodiscard]] bool has_picture() const { return has_picture_; }
+
+    /// The rows of colour that the file holds.
+    [[nodiscard]] const RowSet& colour_rows() const { return colour_.rows; }
 
   private:
     bool reserve(std::uint64_t bytes, const char* what);
@@ -41,12 +50,22 @@ class TextureSink final : public TXLImage {
     };
     Part clip(std::int32_t x, std::int32_t y, std::int32_t count);
 
+    /// What the file holds of the colour or of an alpha channel.
+    struct Rows {
+        RowSet rows;
+        std::int64_t offset_bytes = 0;  // of the header chunk
+        bool expected = true;           // false where the file may hold none
+    };
+    void report_missing(const Rows& found, const std::string& of_what);
+
     Texture& texture_;
     TextureRecorder& recorder_;
     std::uint64_t max_decoded_bytes_;
     std::uint64_t decoded_bytes_ = 0;
     bool has_picture_ = false;
     bool has_channel_ = false;
+    Rows colour_;
+    std::vector<Rows> alphas_;  // one for each alpha channel
     std::set<std::string> names_;
     std::map<std::string, std::int64_t> last_number_;  // the last number appended to each stored name
 };

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "text/utf8.h"
+#include "texture/txl/txl_ids.h"
 
 void TextureRecorder::on_chunk_start(std::int32_t id, std::int32_t version, std::int64_t offset_bytes) {
     ChunkOutline* added = nullptr;
@@ -19,6 +20,8 @@ void TextureRecorder::on_chunk_start(std::int32_t id, std::int32_t version, std:
         added->size_bytes = -1;
     }
     open_.push_back({id, offset_bytes, added});
+    rows_header_ = {};
+    row_blocks_ = 0;
 }
 
 void TextureRecorder::on_chunk_end(std::int64_t end_bytes, bool handled) {
@@ -35,12 +38,15 @@ void TextureRecorder::on_chunk_end(std::int64_t end_bytes, bool handled) {
 }
 
 void TextureRecorder::on_pixel_rows(const PixelRows& header) {
+    rows_header_ = header;
+    row_blocks_ = 0;
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
         chunk->rows = header;
     }
 }
 
 void TextureRecorder::on_row(const RowBlock& block) {
+    ++row_blocks_;
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
         chunk->blocks.push_back(block);
     }
@@ -68,7 +74,8 @@ void TextureRecorder::on_layer(const LayerHeader& header) {
     if (ChunkOutline* chunk = outline(); chunk != nullptr) {
         chunk->layer = layers_.back();
     }
-    if (header.color_mode < 2 || header.color_mode > 5) {
+    layer_has_no_alpha_ = header.color_mode < 2 || header.color_mode > 5;
+    if (layer_has_no_alpha_) {
         notice(TextureNotice::layer_without_alpha, [&] {
             return "a layer in colour mode " + std::to_string(header.color_mode) + " has no alpha";
         });
@@ -80,7 +87,20 @@ void TextureRecorder::on_failure(const diagnostic::Diagnostic& failure) {
         error_ = failure;
         error_->at.file = path_;
         error_->within = within();
+        if (std::string rows = rows_until_failure(failure); !rows.empty()) {
+            error_->effects.push_back(std::move(rows));
+        }
     }
+}
+
+std::string TextureRecorder::rows_until_failure(const diagnostic::Diagnostic& failure) const {
+    const bool in_rows = !open_.empty() && open_.back().id == kChunkPixelRows && failure.limit == nullptr &&
+                         rows_header_.channels > 0 && rows_header_.rows > 0;
+    if (!in_rows || (row_blocks_ == 0 && failure.code != TextureFault::short_transfer)) {
+        return {};
+    }
+    return "the file holds " + std::to_string(row_blocks_ / rows_header_.channels) + " of the " +
+           std::to_string(rows_header_.rows) + " rows that the chunk announces";
 }
 
 void TextureRecorder::refuse(TextureFault fault, std::string reason, const limits::Limit* limit) {

@@ -33,7 +33,19 @@ class TextureRecorder final : public TextureObserver {
     /// first notice of each kind: a file can cause millions.
     template <typename Reason>
     void notice(TextureNotice notice, const Reason& reason) {
-        notice_at(notice, open_.empty() ? 0 : open_.back().offset_bytes, reason);
+        notice_at(notice, chunk_offset_bytes(), reason);
+    }
+    /// The same at another place of the file.
+    template <typename Reason>
+    void notice_at(TextureNotice notice, std::int64_t offset_bytes, const Reason& reason) {
+        if (!count_again(notice)) {
+            warnings_.push_back(diagnostic::make(notice, {path_, offset_bytes}, reason(), within()));
+        }
+    }
+
+    /// Where the chunk that is being read begins; 0 outside of all chunks.
+    [[nodiscard]] std::int64_t chunk_offset_bytes() const {
+        return open_.empty() ? 0 : open_.back().offset_bytes;
     }
 
     /// Ends a load without an error. A chunk that is still open was cut off, which is recorded as a notice.
@@ -41,6 +53,8 @@ class TextureRecorder final : public TextureObserver {
 
     /// Name of the layer announced last, as stored, in UTF-8.
     [[nodiscard]] const std::string& layer_name() const { return layer_name_; }
+    /// Whether the colour mode of that layer has no alpha, which has been recorded as a notice.
+    [[nodiscard]] bool layer_has_no_alpha() const { return layer_has_no_alpha_; }
 
     [[nodiscard]] const std::optional<diagnostic::Diagnostic>& error() const { return error_; }
     [[nodiscard]] std::vector<diagnostic::Diagnostic>& warnings() { return warnings_; }
@@ -57,12 +71,8 @@ class TextureRecorder final : public TextureObserver {
     [[nodiscard]] std::vector<std::string> within() const;
     /// Counts one more notice of a kind; false if it is the first of its kind.
     bool count_again(TextureNotice notice);
-    template <typename Reason>
-    void notice_at(TextureNotice notice, std::int64_t offset_bytes, const Reason& reason) {
-        if (!count_again(notice)) {
-            warnings_.push_back(diagnostic::make(notice, {path_, offset_bytes}, reason(), within()));
-        }
-    }
+    /// What an error inside rows means for them; empty anywhere else.
+    [[nodiscard]] std::string rows_until_failure(const diagnostic::Diagnostic& failure) const;
     [[nodiscard]] ChunkOutline* outline() const { return open_.empty() ? nullptr : open_.back().outline; }
 
     std::string path_;
@@ -70,6 +80,9 @@ class TextureRecorder final : public TextureObserver {
     bool refused_ = false;
     std::vector<OpenChunk> open_;  // outermost first
     std::string layer_name_;
+    bool layer_has_no_alpha_ = false;
+    PixelRows rows_header_{};      // of the pixel rows read last
+    std::int64_t row_blocks_ = 0;  // of those rows, read so far
     std::optional<diagnostic::Diagnostic> error_;
     std::vector<diagnostic::Diagnostic> warnings_;
     std::vector<ChunkOutline::Layer> layers_;

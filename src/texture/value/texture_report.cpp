@@ -29,8 +29,11 @@ constexpr auto kNotices = std::to_array<diagnostic::CodeRow<TextureNotice>>({
     {TextureNotice::cut_off,
      {"cut-off", Severity::warning, "The file ends between two items inside a chunk.",
       "the missing chunks are unknown; the chunks that are there are used"}},
+    {TextureNotice::rows_missing,
+     {"rows-missing", Severity::warning,
+      "The picture, or one of its alpha channels, has more rows than the file.", "the missing rows are 0"}},
 });
-static_assert(diagnostic::in_order(kNotices, TextureNotice::cut_off));
+static_assert(diagnostic::in_order(kNotices, TextureNotice::rows_missing));
 
 bool names_a_chunk(unsigned char c) {
     return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') || c == ' ' || c == '_';

@@ -17,6 +17,7 @@ enum class TextureNotice : std::uint8_t {
     outside_picture,      ///< rows that lie partly or wholly outside the picture
     second_header,        ///< a texture header after another: the picture started over
     cut_off,              ///< the file ended between two items inside a chunk
+    rows_missing,         ///< the picture, or one of its alpha channels, has more rows than the file
 };
 
 /// The row of each notice, in the order of the enumeration. Every one is a warning; its remedy says what the
