@@ -8,6 +8,7 @@
 #include "texture/txl/base_bitmap.h"
 #include "texture/txl/example_txl_image.h"
 #include "texture/txl/txl_image_filter.h"
+#include "texture/value/alpha_use.h"
 #include "texture/value/texture_file.h"
 #include "texture/value/texture_invariants.h"
 
@@ -55,6 +56,16 @@ void check_picture(const std::string& path, const TextureReading& reading) {
     }
 }
 
+void check_alpha_use(const TextureReading& reading) {
+    if (reading.texture->alphas.empty()) {
+        return;
+    }
+    const AlphaFinding quick = find_alpha_use(*reading.texture, reading.colour_rows);
+    const AlphaFinding whole = find_alpha_use(*reading.texture);
+    require(quick.use == whole.use && quick.pixels_above == whole.pixels_above,
+            "rows that are not in the file have no colour above alpha");
+}
+
 void check_round_trip(const Texture& texture) {
     const auto channels = static_cast<std::int64_t>(texture.alphas.size()) + texture.channels();
     if (channels * texture.height_px > kMostRowsWritten) {
@@ -90,6 +101,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     require_sound(validate_texture(*reading.texture));
     require(reading.colour_rows.count() <= reading.texture->height_px,
             "rows that are there are in the picture");
+    check_alpha_use(reading);
     check_picture(path, reading);
     check_round_trip(*reading.texture);
     return 0;

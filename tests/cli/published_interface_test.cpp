@@ -17,6 +17,7 @@
 #include "support/file_content.h"
 #include "support/temporary_folder.h"
 #include "texture/container/texture_fault.h"
+#include "texture/value/alpha_use.h"
 #include "texture/value/texture_report.h"
 
 namespace {
@@ -216,6 +217,8 @@ TEST(PublishedInterface, CodesOfTextures) {
         names_of(texture_notices(), diagnostic::Severity::warning),
         "row-cleared row-repeated chunk-skipped layer-without-alpha outside-picture second-header cut-off "
         "rows-missing");
+    EXPECT_EQ(names_of(alpha_uses(), diagnostic::Severity::note),
+              "alpha-straight alpha-premultiplied alpha-opaque");
 }
 
 // The members of every object of a document, in one line for each place where objects are: "footage[]:
@@ -317,8 +320,9 @@ TEST(PublishedInterface, JsonOfTextureInfo) {
     Published published{
         {"", "schema exit_code files"},
         {"files[]",
-         "file verdict exit_code size_bytes width_px height_px mode color_mode alphas decoded_bytes "
-         "coded_bytes compression_ratio chunks diagnostics"}};
+         "file verdict exit_code size_bytes width_px height_px mode color_mode alphas alpha_use "
+         "decoded_bytes coded_bytes compression_ratio chunks diagnostics"},
+        {"files[].alpha_use", "code pixels_above_alpha percent"}};
     std::string chunk = "files[]";
     for (int depth = 0; depth < 5; ++depth) {  // 502 > 599 > 110100 > 501 > TaLy
         chunk += ".chunks[]";

@@ -36,21 +36,24 @@ TEST(TextureInfo, ShowsTheTreeOfChunks) {
     const ProcessResult run = texture(kTextures, "info", {"tiny.txl"});
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_EQ(run.err, "");
-    EXPECT_EQ(run.out,
-              "tiny.txl: 4 x 2, grey, 1 alpha channel, 253 bytes\n"
-              "  pixels: 16 bytes as 12, 1.33 : 1\n"
-              "  alpha:  \"Alpha\"\n"
-              "  chunk                offset  bytes  content\n"
-              "  502 v0                  0x8    245\n"
-              "    TaTx v1              0x11     25\n"
-              "    TaVx v2              0x2a     55  2 rows of 4 pixels, 1 channel\n"
-              "      channel 0                       1 raw, 1 packed; 8 bytes as 6, 1.33 : 1\n"
-              "    599 v0               0x61    155\n"
-              "      110100 v0          0x6a    145\n"
-              "        501 v0           0x73    135\n"
-              "          TaLy v0        0x7c     70  layer \"Alpha\", colour mode 2, attributes 0 0 0 0 0\n"
-              "          TaVx v1        0xc2     55  2 rows of 4 pixels, 1 channel\n"
-              "            channel 0                 1 raw, 1 packed; 8 bytes as 6, 1.33 : 1\n");
+    EXPECT_EQ(
+        run.out,
+        "tiny.txl: 4 x 2, grey, 1 alpha channel, 253 bytes\n"
+        "  pixels: 16 bytes as 12, 1.33 : 1\n"
+        "  alpha:  \"Alpha\"\n"
+        "  note:   colour above alpha in 13 % of the pixels: straight; in After Effects choose Interpret "
+        "Footage, Straight\n"
+        "  chunk                offset  bytes  content\n"
+        "  502 v0                  0x8    245\n"
+        "    TaTx v1              0x11     25\n"
+        "    TaVx v2              0x2a     55  2 rows of 4 pixels, 1 channel\n"
+        "      channel 0                       1 raw, 1 packed; 8 bytes as 6, 1.33 : 1\n"
+        "    599 v0               0x61    155\n"
+        "      110100 v0          0x6a    145\n"
+        "        501 v0           0x73    135\n"
+        "          TaLy v0        0x7c     70  layer \"Alpha\", colour mode 2, attributes 0 0 0 0 0\n"
+        "          TaVx v1        0xc2     55  2 rows of 4 pixels, 1 channel\n"
+        "            channel 0                 1 raw, 1 packed; 8 bytes as 6, 1.33 : 1\n");
 }
 
 TEST(TextureInfo, CountsEveryWayInWhichARowCanBeCoded) {
@@ -97,9 +100,10 @@ TEST(TextureInfo, JsonHasItsKeysInOrderAlsoWhenAFileIsRefused) {
     for (const auto& [key, value] : document.at("files").at(0).items()) {
         keys.push_back(key);
     }
-    EXPECT_EQ(keys, (std::vector<std::string>{"file", "verdict", "exit_code", "size_bytes", "width_px",
-                                              "height_px", "mode", "color_mode", "alphas", "decoded_bytes",
-                                              "coded_bytes", "compression_ratio", "chunks", "diagnostics"}));
+    EXPECT_EQ(keys,
+              (std::vector<std::string>{"file", "verdict", "exit_code", "size_bytes", "width_px", "height_px",
+                                        "mode", "color_mode", "alphas", "alpha_use", "decoded_bytes",
+                                        "coded_bytes", "compression_ratio", "chunks", "diagnostics"}));
     const auto& cut = document.at("files").at(0);
     EXPECT_EQ(cut.at("verdict"), "refused");
     EXPECT_EQ(cut.at("size_bytes"), 0x50);
@@ -137,8 +141,14 @@ TEST(TextureCheck, FindsNothingWrongWithTheExamples) {
                  "photo_grey_three_alphas.txl", "../textured/wall.txl", "../textured/label.txl",
                  "../textured/grain.txl"});
     EXPECT_EQ(run.exit_code, 0);
-    EXPECT_EQ(run.err, "");
+    EXPECT_EQ(run.err.find("error:"), std::string::npos) << run.err;
+    EXPECT_EQ(run.err.find("warning:"), std::string::npos) << run.err;
 }
+
+/// tiny.txl has one pixel of eight with colour above its alpha, which is 0.
+constexpr const char* kTinyNote =
+    "a.txl: note: colour above alpha in 13 % of the pixels: straight; in After Effects choose Interpret "
+    "Footage, Straight [alpha-straight]\n";
 
 struct Case {
     const char* name;
@@ -150,7 +160,7 @@ struct Case {
 
 TEST(TextureCheck, SaysWhereAFileIsWrong) {
     const Case cases[] = {
-        {"sound", tiny_cut(1000), 0, "a.txl: ok\n", ""},
+        {"sound", tiny_cut(1000), 0, "a.txl: ok\n", kTinyNote},
         {"empty", "", 1, "a.txl: refused\n", "a.txl: error: the file is empty [empty-file]\n"},
         {"other magic", tiny_with(0, "AVXX"), 1, "a.txl: refused\n",
          "a.txl: error: the file does not begin with the expected magic and ident [not-a-texture]\n"},
@@ -182,7 +192,8 @@ TEST(TextureCheck, SaysWhereAFileIsWrong) {
         const ProcessResult run = texture(folder.folder().string(), "check", {"a.txl"});
         EXPECT_EQ(run.exit_code, one.exit_code) << one.name;
         EXPECT_EQ(run.out, one.out) << one.name;
-        EXPECT_EQ(run.err, one.err) << one.name;
+        const bool noted = one.exit_code == 0 && std::string(one.name) == "unknown flag";
+        EXPECT_EQ(run.err, one.err + std::string(noted ? kTinyNote : "")) << one.name;
 
         const ProcessResult quiet = texture(folder.folder().string(), "check", {"a.txl", "--quiet"});
         EXPECT_EQ(quiet.exit_code, one.exit_code) << one.name;
@@ -235,9 +246,29 @@ TEST(TextureCheck, WithSeveralFilesTheMostSeriousOutcomeIsTheExitCode) {
     const json parsed = json::parse(document.out);
     EXPECT_EQ(parsed.at("schema"), 1);
     EXPECT_EQ(parsed.at("files").at(0).at("exit_code"), 1);
-    EXPECT_EQ(
-        parsed.at("files").at(1),
-        json({{"file", "sound.txl"}, {"verdict", "ok"}, {"exit_code", 0}, {"diagnostics", json::array()}}));
+    EXPECT_EQ(parsed.at("files").at(1), json({{"file", "sound.txl"},
+                                              {"verdict", "ok"},
+                                              {"exit_code", 0},
+                                              {"diagnostics", parsed.at("files").at(1).at("diagnostics")}}));
+    EXPECT_EQ(parsed.at("files").at(1).at("diagnostics").size(), 1U);
+    const json& note = parsed.at("files").at(1).at("diagnostics").at(0);
+    EXPECT_EQ(note.at("severity"), "note");
+    EXPECT_EQ(note.at("code"), "alpha-straight");
+}
+
+TEST(TextureInfo, SaysWhetherColourIsMultipliedByAlpha) {
+    const TemporaryFolder folder;
+    folder.write("tiny.txl", tiny_cut(1000));
+    const std::string here = folder.folder().string();
+    EXPECT_NE(texture(here, "info", {"tiny.txl"})
+                  .out.find("  note:   colour above alpha in 13 % of the pixels: straight; in After Effects "
+                            "choose Interpret Footage, Straight\n"),
+              std::string::npos);
+    const json document = json::parse(texture(here, "info", {"--json", "tiny.txl"}).out);
+    EXPECT_EQ(document.at("files").at(0).at("alpha_use"),
+              json({{"code", "alpha-straight"}, {"pixels_above_alpha", 1}, {"percent", 13}}));
+    const json plain = json::parse(texture(kTextures, "info", {"--json", "noisy_grey.txl"}).out);
+    EXPECT_TRUE(plain.at("files").at(0).at("alpha_use").is_null());
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "cli/texture/texture_diagnostics.h"
 
 #include "cli/report/diagnostic_text.h"
+#include "texture/value/alpha_use.h"
 
 namespace cli {
 
@@ -23,6 +24,14 @@ std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const
         diagnostics.push_back(texture_diagnostic(warning, file));
     }
     return diagnostics;
+}
+
+std::optional<Diagnostic> alpha_note(const TextureReading& reading, const std::string& file) {
+    if (!reading.texture.has_value() || reading.texture->alphas.empty()) {
+        return std::nullopt;
+    }
+    const AlphaFinding finding = find_alpha_use(*reading.texture, reading.colour_rows);
+    return diagnostic::make(finding.use, {file}, alpha_use_text(finding));
 }
 
 std::string texture_diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {

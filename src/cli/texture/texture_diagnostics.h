@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -16,6 +17,9 @@ Diagnostic texture_diagnostic(Diagnostic diagnostic, const std::string& file);
 
 /// The error of a reading, if there is one, then its warnings.
 std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const std::string& file);
+
+/// A note on whether the pixels of a texture are straight or premultiplied; nothing without an alpha channel.
+std::optional<Diagnostic> alpha_note(const TextureReading& reading, const std::string& file);
 
 /// diagnostic_text with the chunks around the place on one line: "in 502 > 599 > 110100 > 501 > TaVx".
 std::string texture_diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);

@@ -18,6 +18,8 @@ FileCheck check_texture_file(const std::string& file) {
     if (const auto error = internal_error(file, violation)) {
         check.diagnostics.insert(check.diagnostics.begin(), *error);
         check.code = ExitCode::refused;
+    } else if (const auto note = alpha_note(reading, file)) {
+        check.diagnostics.push_back(*note);
     }
     return check;
 }
@@ -32,7 +34,14 @@ Verb texture_check_verb() {
         "report what is wrong with texture files, and what was repaired or skipped",
         {"Reads each file completely, as the plug-in does. An error names the byte at which the wrong item "
          "begins, the chunks around it, what was found and what is allowed. Warnings are about files that "
-         "can be read, but not exactly as they are stored: rows that cannot be unpacked, unknown chunks.",
+         "can be read, but not exactly as they are stored: rows that cannot be unpacked, unknown chunks, and "
+         "rows that are "
+         "not there.",
+         "After Effects is told that the colour of every texture with alpha is premultiplied, which is to "
+         "say "
+         "multiplied by alpha. A note says whether the pixels agree. Where they are straight, the picture "
+         "has "
+         "fringes until you choose Interpret Footage, Straight in After Effects.",
          "Each file gets one line on standard output. With several files the most serious outcome is the "
          "exit code: a file that cannot be read is more serious than one that is refused."},
         {{"vxr texture check bark.txl", "Shows where bark.txl is damaged, if it is."},

@@ -17,6 +17,7 @@
 #include "embedded/json_values.h"
 #include "system/files.h"
 #include "text/printable.h"
+#include "texture/value/alpha_use.h"
 
 namespace cli {
 namespace {
@@ -32,6 +33,7 @@ struct FileInfo {
     std::optional<std::int64_t> size_bytes;
     TextureReading reading;
     ChannelCoding coding;
+    std::optional<AlphaFinding> alpha;  ///< of a texture with alpha channels
     std::vector<Diagnostic> diagnostics;
 };
 
@@ -47,6 +49,9 @@ FileInfo read_info(const std::string& file) {
     }
     info.coding = total_coding(info.reading.chunks);
     info.diagnostics = texture_diagnostics(info.reading, file);
+    if (info.reading.texture.has_value() && !info.reading.texture->alphas.empty()) {
+        info.alpha = find_alpha_use(*info.reading.texture, info.reading.colour_rows);
+    }
     return info;
 }
 
@@ -61,6 +66,9 @@ std::string info_text(const FileInfo& info, const Paint& paint) {
     if (info.reading.texture.has_value()) {
         for (const AlphaChannel& alpha : info.reading.texture->alphas) {
             text += "  alpha:  " + text::quoted(alpha.name) + '\n';
+        }
+        if (info.alpha.has_value()) {
+            text += "  note:   " + alpha_use_text(*info.alpha) + '\n';
         }
     }
     return text + outline_text(info.reading.chunks, paint);
@@ -77,6 +85,7 @@ Json info_json(const FileInfo& info) {
               {"mode", nullptr},
               {"color_mode", nullptr},
               {"alphas", nullptr},
+              {"alpha_use", nullptr},
               {"decoded_bytes", info.coding.decoded_bytes},
               {"coded_bytes", info.coding.coded_bytes},
               {"compression_ratio", compression_ratio(info.coding)},
@@ -91,6 +100,11 @@ Json info_json(const FileInfo& info) {
         json["mode"] = texture->mode == Texture::kGrey ? "grey" : "rgb";
         json["color_mode"] = texture->mode;
         json["alphas"] = alphas;
+    }
+    if (info.alpha.has_value()) {
+        json["alpha_use"] = Json{{"code", code_info(info.alpha->use).name},
+                                 {"pixels_above_alpha", info.alpha->pixels_above},
+                                 {"percent", info.alpha->percent()}};
     }
     return json;
 }
@@ -135,7 +149,8 @@ Verb texture_info_verb() {
     return {
         "texture info",
         "show what texture files hold: size, alpha channels, and every chunk with its row coding",
-        {"Shows size, colour mode and alpha channels, how many bytes the pixels take in the file and in "
+        {"Shows size, colour mode and alpha channels, whether colour is multiplied by alpha, how many bytes "
+         "the pixels take in the file and in "
          "memory, and the chunks of the file as a tree: where each begins, how long it is with everything "
          "in it, and, for rows of pixels, how many of each channel are raw, packed or neither.",
          "For a file that is refused, the chunks up to the mistake are shown."},
