@@ -1,11 +1,11 @@
 #include "composition/read/number_scan.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdint>
 #include <limits>
 #include <string_view>
-#include <system_error>
+
+#include "composition/read/real_conversion.h"
 
 namespace {
 
@@ -32,31 +32,6 @@ bool take_sign(std::string_view& text) {
     return negative;
 }
 
-// The written exponent, saturated far from the limits of its type: no text is long enough to bring it back
-// into range.
-std::int64_t exponent_of(std::string_view text) {
-    constexpr std::int64_t kFar = std::int64_t{1} << 48;
-    const bool negative = take_sign(text);
-    std::int64_t value = 0;
-    for (const char c : text) {
-        value = value < kFar ? value * 10 + (c - '0') : value;
-    }
-    return negative ? -value : value;
-}
-
-// Whether a number outside the range of float is too large rather than too small. Too large is far above 1
-// and too small far below, so the place of the first significant digit and the exponent decide.
-bool is_too_large(std::string_view number, bool hexadecimal) {
-    const std::size_t exponent_at = number.find_first_of(hexadecimal ? "pP" : "eE");
-    const std::string_view digits = number.substr(0, exponent_at);
-    const std::int64_t exponent =
-        exponent_at == std::string_view::npos ? 0 : exponent_of(number.substr(exponent_at + 1));
-    const std::size_t first = digits.find_first_not_of("0.");
-    const std::size_t point = std::min(digits.find('.'), digits.size());
-    const std::int64_t places = static_cast<std::int64_t>(point) - static_cast<std::int64_t>(first);
-    return (hexadecimal ? places * 4 : places) + exponent > 0;
-}
-
 }  // namespace
 
 int StrToReal(const char* text, float& value) {
@@ -65,32 +40,17 @@ int StrToReal(const char* text, float& value) {
         return -1;
     }
     const bool negative = take_sign(rest);
-    if (rest.starts_with('-')) {  // from_chars would accept a second minus sign
-        return 0;
-    }
-    float magnitude = 0;
-    const auto convert = [&](std::string_view number, std::chars_format format) {
-        const auto [end, error] =
-            std::from_chars(number.data(), number.data() + number.size(), magnitude, format);
-        if (error == std::errc::result_out_of_range) {
-            number = number.substr(0, static_cast<std::size_t>(end - number.data()));
-            magnitude = is_too_large(number, format == std::chars_format::hex)
-                            ? std::numeric_limits<float>::infinity()
-                            : 0.0F;
-        }
-        return error != std::errc::invalid_argument;
-    };
     // The scan takes in the prefix before it looks for digits, so a prefix with neither a hexadecimal digit
     // nor a point behind it matches nothing. "0x." is the decimal 0 before the "x".
     const bool prefixed = rest.starts_with("0x") || rest.starts_with("0X");
     if (prefixed && (rest.size() == 2 || !(is_hexadecimal_digit(rest[2]) || rest[2] == '.'))) {
         return 0;
     }
-    if (!(prefixed && convert(rest.substr(2), std::chars_format::hex)) &&
-        !convert(rest, std::chars_format::general)) {
+    const RealAtStart<float> number = real_at_start<float>(rest.data());
+    if (number.length == 0) {
         return 0;
     }
-    value = negative ? -magnitude : magnitude;
+    value = negative ? -number.value : number.value;
     return 1;
 }
 
@@ -113,18 +73,12 @@ int StrToVal(const char* text, A_long& value) {
     return 1;
 }
 
-std::optional<double> whole_number(std::string_view text) {
-    const bool negative = text.substr(0, 1) == "-";
-    text.remove_prefix(negative ? 1 : 0);
-    const bool hexadecimal = text.substr(0, 2) == "0x" || text.substr(0, 2) == "0X";
-    text.remove_prefix(hexadecimal ? 2 : 0);
-    double value = 0;
-    const char* const end = text.data() + text.size();
-    const auto [stop, error] = std::from_chars(
-        text.data(), end, value, hexadecimal ? std::chars_format::hex : std::chars_format::general);
-    // from_chars accepts a second minus sign, which has no meaning.
-    if (error != std::errc() || stop != end || text.substr(0, 1) == "-") {
+std::optional<double> whole_number(const char* text) {
+    const bool negative = *text == '-';
+    text += negative ? 1 : 0;
+    const RealAtStart<double> number = real_at_start<double>(text);
+    if (number.length == 0 || text[number.length] != '\0' || !number.in_range) {
         return std::nullopt;
     }
-    return negative ? -value : value;
+    return negative ? -number.value : number.value;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <optional>
-#include <string_view>
 
 #include "host/host_interface.h"
 
@@ -21,4 +20,4 @@ int StrToVal(const char* text, A_long& value);
 
 /// The value of `text` if all of it is one decimal or hexadecimal number, optionally with a minus sign,
 /// within the range of a double; otherwise nothing.
-[[nodiscard]] std::optional<double> whole_number(std::string_view text);
+[[nodiscard]] std::optional<double> whole_number(const char* text);
