@@ -1,11 +1,11 @@
-// Written from documentation; only its syntax is checked, as docs/hosts.md says.
-
-#include <mach-o/dyld.h>
+// Written from documentation; script/macos compiles and links it, but nothing here can run it
+// (docs/hosts.md).
 
 #include <cstdint>
 #include <string>
 #include <system_error>
 
+#include "system/macos_libraries.h"
 #include "system/program_path.h"
 
 namespace os {

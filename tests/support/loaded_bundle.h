@@ -1,5 +1,7 @@
 #pragma once
 
+#include <map>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -16,12 +18,13 @@ class LoadedBundle {
   public:
     explicit LoadedBundle(embedded::HostOptions options = {})
         : LoadedBundle(std::move(options), tested_generation()) {}
-    /// For tests that choose the generation themselves.
-    LoadedBundle(embedded::HostOptions options, embedded::HostGeneration generation)
+    /// For tests that choose the generation themselves, or load another build of the bundle.
+    LoadedBundle(embedded::HostOptions options, embedded::HostGeneration generation,
+                 const std::string& path = VXR_BUNDLE_PATH)
         : host_(of_generation(std::move(options), generation)) {
-        keep_in_memory();
+        keep_in_memory(path);
         host_.log_calls([this](std::string_view line) { calls_.emplace_back(line); });
-        loaded_ = host_.load(VXR_BUNDLE_PATH);
+        loaded_ = host_.load(path);
     }
 
     [[nodiscard]] embedded::TestHost& host() { return host_; }
@@ -42,12 +45,13 @@ class LoadedBundle {
     // LeakSanitizer of clang 14 crashes at exit when a library with thread-local storage was unloaded while
     // other threads, here those of the image library, lived on. Hosts still load and unload the bundle; the
     // sanitizer builds only hold one more reference to it, on purpose until the process ends.
-    static void keep_in_memory() {
+    static void keep_in_memory([[maybe_unused]] const std::string& path) {
 #if defined(VXR_SANITIZED)
-        static std::string error;
-        static const os::DynamicLibrary* const kept =
-            os::DynamicLibrary::open(VXR_BUNDLE_PATH, error).release();
-        static_cast<void>(kept);
+        static auto* const kept = new std::map<std::string, std::unique_ptr<os::DynamicLibrary>>();
+        if (!kept->contains(path)) {
+            std::string error;
+            kept->emplace(path, os::DynamicLibrary::open(path, error));
+        }
 #endif
     }
 

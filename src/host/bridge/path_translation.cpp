@@ -1,6 +1,7 @@
 #include "host/bridge/path_translation.h"
 
 #include <cstring>
+#include <memory>
 #include <new>
 #include <string_view>
 #include <utility>
@@ -11,6 +12,7 @@
 #include "host/byte_encoding.h"
 #include "host/utf16.h"
 #include "system/open_regular_file.h"
+#include "system/path_style.h"
 
 namespace bridge {
 namespace {
@@ -133,7 +135,11 @@ A_Err wide_path(const A_char* path, std::u16string* wide) noexcept {
     if (path == nullptr) {
         return kHostErrorParameter;
     }
-    return translate_to_utf16(path, wide);
+    if (path[0] == '/') {
+        return translate_to_utf16(path, wide);
+    }
+    const std::unique_ptr<char[]> posix = os::posix_path_from_host(path);
+    return posix == nullptr ? kHostErrorAllocation : translate_to_utf16(posix.get(), wide);
 }
 
 A_Err narrow_path(const A_UTF16Char* path, std::string* narrow) noexcept {

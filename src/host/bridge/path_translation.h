@@ -4,15 +4,19 @@
 
 #include "host/current_interface.h"
 
-// Converts paths between the plug-in, whose paths are UTF-8, and current hosts, whose paths are UTF-16.
-// Separators stay as they are. A path that cannot be converted is refused with 3 and one report that names
-// the fault. Composition files of old programs hold other bytes: these are read as Windows-1252 or as Mac
-// Roman if a file is found by such a name. No function throws: 4 is returned when memory is short, 13 with a
+// Converts paths between the plug-in, whose paths are UTF-8, and current hosts, whose paths are UTF-16. On
+// macOS the plug-in's paths are in the colon style of classic hosts, which current hosts do not know; they
+// get POSIX paths. Elsewhere separators stay as they are. A path that cannot be converted is refused with 3
+// and one report that names the fault. Composition files of old programs hold other bytes: these are read as
+// Windows-1252 or as Mac Roman if a file is found by such a name. No function throws: 4 is returned when
+// memory is short, 13 with a
 // report when the host offers no memory handles, and otherwise the host's own error.
 
 namespace bridge {
 
-/// From the plug-in to the host. Null is refused without a report, because there is no path to name.
+/// From the plug-in to the host. Memory counts as short when a path in the colon style has no POSIX form,
+/// which the importer excludes: it passes on only what it could open. Null is refused without a report,
+/// because there is no path to name.
 A_Err wide_path(const A_char* path, std::u16string* wide) noexcept;
 
 /// From the host to the plug-in.

@@ -7,6 +7,7 @@
 #include <new>
 
 #include "system/open_regular_file.h"
+#include "system/path_style.h"
 
 BaseFile::~BaseFile() {
     Close();
@@ -14,7 +15,7 @@ BaseFile::~BaseFile() {
 
 int BaseFile::Open(const Filename& name, std::int32_t /*mode*/, int /*flags*/) {
     Close();
-    const std::unique_ptr<char[]> path = posix_path_from_host(name.GetString());
+    const std::unique_ptr<char[]> path = os::posix_path_from_host(name.GetString());
     handle_ = path == nullptr ? nullptr : os::open_regular_file(path.get());
     error_ = handle_ == nullptr ? 1 : 0;
     return handle_ == nullptr ? 0 : 1;

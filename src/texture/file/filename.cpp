@@ -2,8 +2,11 @@
 
 #include <cstring>
 #include <limits>
+#include <memory>
 #include <new>
 #include <utility>
+
+#include "system/path_style.h"
 
 Filename::Filename(const char* path) {
     if (path == nullptr) {
@@ -13,7 +16,7 @@ Filename::Filename(const char* path) {
         Store(path);
         return;
     }
-    const std::unique_ptr<char[]> converted = host_path_from_posix(path);
+    const std::unique_ptr<char[]> converted = os::host_path_from_posix(path);
     if (converted != nullptr) {
         Store(converted.get());
     }

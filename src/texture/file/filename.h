@@ -1,22 +1,8 @@
 #pragma once
 
 #include <cstdint>
-#include <memory>
-
-// Classic Macintosh hosts name files in the colon-separated HFS style, while the C library opens POSIX paths.
-// Everywhere else both styles are the same. One source file per platform defines the two conversions:
-// path_conversion_macos.cpp where CoreFoundation exists, path_conversion_identity.cpp everywhere else.
-
-/// Converts a POSIX path to the host's style, as `Filename` stores it. Returns a new terminated array, or
-/// null when `path` is null or cannot be converted, or when memory is short.
-[[nodiscard]] std::unique_ptr<char[]> host_path_from_posix(const char* path);
-
-/// Converts a path in the host's style to the POSIX path that the C library opens: the inverse of
-/// host_path_from_posix. Returns a new terminated array, or null when `path` is null or cannot be converted,
-/// or when memory is short.
-[[nodiscard]] std::unique_ptr<char[]> posix_path_from_host(const char* path);
-
-/// A path in the host's style. Owns its text: a terminated heap array of length + 2 bytes.
+/// A path in the classic host's style (system/path_style.h). Owns its text: a terminated heap array of length
+/// + 2 bytes.
 class Filename {
   public:
     /// The empty path: no text, length 0.

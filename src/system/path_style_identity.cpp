@@ -1,8 +1,9 @@
 #include <cstring>
 #include <new>
 
-#include "texture/file/filename.h"
+#include "system/path_style.h"
 
+namespace os {
 namespace {
 
 // Accepts any length and any bytes; nothing is re-encoded or cut.
@@ -27,3 +28,5 @@ std::unique_ptr<char[]> host_path_from_posix(const char* path) {
 std::unique_ptr<char[]> posix_path_from_host(const char* path) {
     return copy_of(path);
 }
+
+}  // namespace os

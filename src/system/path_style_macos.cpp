@@ -1,7 +1,5 @@
-// The two path conversions on macOS, by CoreFoundation. Written from its documentation and checked only for
-// syntax: this repository is not built or run on macOS (docs/hosts.md).
-
-#include <CoreFoundation/CoreFoundation.h>
+// The two path conversions on macOS, by CoreFoundation. Written from its documentation; script/macos compiles
+// and links them, but nothing here can run them (docs/hosts.md).
 
 #include <algorithm>
 #include <array>
@@ -10,8 +8,10 @@
 #include <new>
 #include <type_traits>
 
-#include "texture/file/filename.h"
+#include "system/macos_libraries.h"
+#include "system/path_style.h"
 
+namespace os {
 namespace {
 
 /// In bytes. Longer paths are refused; the host's interface has none.
@@ -32,24 +32,27 @@ std::unique_ptr<char[]> copy_of(const char* path) {
     return copy;
 }
 
-/// Converts one style into the other through a URL. Null when a step fails or the result is not ASCII.
-std::unique_ptr<char[]> converted(const char* path, CFStringEncoding encoding, CFURLPathStyle from,
-                                  CFURLPathStyle to) {
-    const Owned<CFStringRef> text(CFStringCreateWithCString(kCFAllocatorDefault, path, encoding));
+/// Converts one style into the other through a URL. Null when a step fails.
+std::unique_ptr<char[]> converted(const Owned<CFStringRef>& text, CFURLPathStyle from, CFURLPathStyle to) {
     if (text == nullptr) {
         return nullptr;
     }
-    const Owned<CFURLRef> url(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.get(), from, false));
+    const Owned<CFURLRef> url(CFURLCreateWithFileSystemPath(kCFAllocatorDefault, text.get(), from, 0));
     if (url == nullptr) {
         return nullptr;
     }
     const Owned<CFStringRef> other(CFURLCopyFileSystemPath(url.get(), to));
     std::array<char, kLongestPath> buffer{};
     if (other == nullptr ||
-        !CFStringGetCString(other.get(), buffer.data(), buffer.size(), kCFStringEncodingASCII)) {
+        CFStringGetCString(other.get(), buffer.data(), static_cast<CFIndex>(buffer.size()),
+                           kCFStringEncodingUTF8) == 0) {
         return nullptr;
     }
     return copy_of(buffer.data());
+}
+
+Owned<CFStringRef> string_of(const char* path, CFStringEncoding encoding) {
+    return Owned<CFStringRef>(CFStringCreateWithCString(kCFAllocatorDefault, path, encoding));
 }
 
 bool is_ascii(const char* path) {
@@ -66,13 +69,14 @@ std::unique_ptr<char[]> host_path_from_posix(const char* path) {
         return nullptr;
     }
     if (is_ascii(path)) {
-        return converted(path, kCFStringEncodingASCII, kCFURLPOSIXPathStyle, kCFURLHFSPathStyle);
+        return converted(string_of(path, kCFStringEncodingUTF8), kCFURLPOSIXPathStyle, kCFURLHFSPathStyle);
     }
     return path[0] == '/' ? copy_of(path) : nullptr;
 }
 
 // A path that host_path_from_posix has converted contains a colon and does not begin with a slash; any other
-// path was never converted.
+// path was never converted. The importer puts the UTF-8 name of a missing file behind the converted folder of
+// its scene, so the text is UTF-8 wherever it can be; composition files of classic systems are Mac Roman.
 std::unique_ptr<char[]> posix_path_from_host(const char* path) {
     if (path == nullptr) {
         return nullptr;
@@ -80,5 +84,11 @@ std::unique_ptr<char[]> posix_path_from_host(const char* path) {
     if (path[0] == '/' || std::strchr(path, ':') == nullptr) {
         return copy_of(path);
     }
-    return converted(path, kCFStringEncodingMacRoman, kCFURLHFSPathStyle, kCFURLPOSIXPathStyle);
+    Owned<CFStringRef> text = string_of(path, kCFStringEncodingUTF8);
+    if (text == nullptr) {
+        text = string_of(path, kCFStringEncodingMacRoman);
+    }
+    return converted(text, kCFURLHFSPathStyle, kCFURLPOSIXPathStyle);
 }
+
+}  // namespace os
