@@ -1,4 +1,4 @@
-# Packages of this system that a build for another one can use: header libraries, which suit every system, and GoogleTest,
+# Packages of this system that a build for another one, or with another C++ library, can use: header libraries, which suit every system, and GoogleTest,
 # whose package contains the source. /usr/include itself stays hidden, because it has this system's headers.
 
 # vxr_found(NAME): makes find_package(NAME) succeed with the targets that exist already.

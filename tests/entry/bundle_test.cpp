@@ -60,8 +60,13 @@ TEST(Bundle, ExportsItsTwoEntryPointsAndNothingElse) {
 }
 
 TEST(Bundle, NeedsTheStandardLibraryAndThePlatformOnly) {
-    std::vector<std::string> allowed = {"libstdc++.so.6", "libm.so.6", "libgcc_s.so.1", "libc.so.6",
-                                        "ld-linux-x86-64.so.2"};
+    std::vector<std::string> allowed = {"libm.so.6", "libgcc_s.so.1", "libc.so.6", "ld-linux-x86-64.so.2",
+                                        "ld-linux-aarch64.so.1"};
+#if defined(_LIBCPP_VERSION)
+    allowed.insert(allowed.end(), {"libc++.so.1", "libc++abi.so.1", "libunwind.so.1"});
+#else
+    allowed.emplace_back("libstdc++.so.6");
+#endif
     if (VXR_SANITIZED) {
         allowed.insert(allowed.end(), {"libasan.so.8", "libubsan.so.1"});
     }
