@@ -43,7 +43,16 @@ void run_in_order(std::size_t count, std::size_t threads, const std::function<Re
             changed.notify_one();
         }
     };
-    std::vector<std::jthread> pool;  // joined whichever way this function ends
+    // Joined whichever way this function ends. Not std::jthread, which clang's library lacks.
+    struct Pool {
+        std::vector<std::thread> threads = {};
+        ~Pool() {
+            for (std::thread& thread : threads) {
+                thread.join();
+            }
+        }
+    };
+    Pool pool;
     const auto stop = [&] {
         const std::lock_guard lock(mutex);
         next = count;
@@ -54,7 +63,7 @@ void run_in_order(std::size_t count, std::size_t threads, const std::function<Re
     };
     const Stopper stopper{stop};  // destroyed before the pool, so it stops the threads before they are joined
     for (std::size_t i = 0; i < threads && i < count; ++i) {
-        pool.emplace_back(run_jobs);
+        pool.threads.emplace_back(run_jobs);
     }
 
     std::size_t told = 0;
