@@ -6,6 +6,7 @@ expected is written down here from the rules of the system and of hosts, and not
 """
 import hashlib
 import plistlib
+import re
 import struct
 import subprocess
 import sys
@@ -70,8 +71,6 @@ def needed_libraries(commands):
 
 def thin(file, processor):
     """The bytes of one processor's code."""
-    if lines_of("llvm-lipo", file, "-archs") == [processor]:
-        return file.read_bytes()
     with tempfile.TemporaryDirectory() as folder:
         one = Path(folder) / "code"
         lines_of("llvm-lipo", file, "-thin", processor, "-output", one)
@@ -89,11 +88,10 @@ class CodeDirectory:
         assert magic == 0xFADE0CC0 and length <= len(blob) and count >= 1, "no signature"
         slots = dict(struct.unpack_from(">II", blob, 12 + 8 * i) for i in range(count))
         directory = blob[slots[0]:]
-        (magic, length, _version, self.flags, hashes, name, special, slots, self.limit, self.hash_size, self.hash_kind,
+        (magic, length, _version, self.flags, hashes, name, _special, slots, self.limit, self.hash_size, self.hash_kind,
          _platform, page) = struct.unpack_from(">IIIIIIIIIBBBB", directory)
         assert magic == 0xFADE0C02 and length <= len(directory), "no code directory"
         self.begin = begin
-        self.special = special
         self.name = directory[name:directory.index(b"\0", name)].decode()
         self.page_bytes = 1 << page
         self.hashes = [directory[hashes + i * self.hash_size:hashes + (i + 1) * self.hash_size] for i in range(slots)]
@@ -105,29 +103,30 @@ class BuiltFile:
     file = kind = name = None
 
     def each_processor(self):
-        for processor in PROCESSORS:
-            with self.subTest(processor):
-                yield processor, *load_commands(self.file, processor)
+        return [(processor, *load_commands(self.file, processor)) for processor in PROCESSORS]
 
     def test_has_code_for_both_processors(self):
         archs = " ".join(lines_of("llvm-lipo", self.file, "-archs")).split()
         self.assertEqual(sorted(archs), PROCESSORS)
 
     def test_is_of_its_kind(self):
-        for _processor, (kind, flags), _commands in self.each_processor():
-            self.assertEqual(kind, self.kind)
-            self.assertIn("TWOLEVEL", flags)
+        for processor, (kind, flags), _commands in self.each_processor():
+            with self.subTest(processor):
+                self.assertEqual(kind, self.kind)
+                self.assertIn("TWOLEVEL", flags)
 
     def test_needs_nothing_but_the_system(self):
-        for _processor, _kind, commands in self.each_processor():
-            self.assertEqual(needed_libraries(commands), [CORE_FOUNDATION, SYSTEM])
-            self.assertEqual(of_kind(commands, "LC_RPATH", "LC_DYLD_ENVIRONMENT"), [])
+        for processor, _kind, commands in self.each_processor():
+            with self.subTest(processor):
+                self.assertEqual(needed_libraries(commands), [CORE_FOUNDATION, SYSTEM])
+                self.assertEqual(of_kind(commands, "LC_RPATH", "LC_DYLD_ENVIRONMENT"), [])
 
     def test_runs_on_macos_11(self):
-        for _processor, _kind, commands in self.each_processor():
-            version, = of_kind(commands, "LC_BUILD_VERSION")
-            self.assertEqual((version["platform"], version["minos"]), ("macos", "11.0"))
-            self.assertEqual(of_kind(commands, "LC_VERSION_MIN_MACOSX"), [])
+        for processor, _kind, commands in self.each_processor():
+            with self.subTest(processor):
+                version, = of_kind(commands, "LC_BUILD_VERSION")
+                self.assertEqual((version["platform"], version["minos"]), ("macos", "11.0"))
+                self.assertEqual(of_kind(commands, "LC_VERSION_MIN_MACOSX"), [])
 
     def test_takes_every_missing_symbol_from_a_library(self):
         for processor in PROCESSORS:
@@ -140,17 +139,39 @@ class BuiltFile:
                 self.assertEqual(elsewhere, [])
                 self.assertTrue(any("_CFURLCreateWithFileSystemPath " in line for line in lines))
 
+    def test_lets_exceptions_through_every_function(self):
+        # Functions that the short table cannot describe lead to the long one, by their place in it.
+        long_table = {"arm64": 0x03, "x86_64": 0x04}
+        for processor in PROCESSORS:
+            with self.subTest(processor):
+                short = lines_of("llvm-objdump", "--macho", f"--arch={processor}", "--unwind-info", self.file)
+                found = re.findall(r"function offset=0x(\w+), encoding(?:\[\d+\])?=0x(\w+)", "\n".join(short))
+                functions = [(int(offset, 16), int(encoding, 16)) for offset, encoding in found]
+                self.assertGreater(len(functions), 100)
+                led = {encoding & 0xFFFFFF: offset for offset, encoding in functions
+                       if encoding >> 24 & 0xF == long_table[processor]}
+                self.assertGreater(len(led), 10)
+                with tempfile.TemporaryDirectory() as folder:
+                    code = Path(folder) / "code"
+                    code.write_bytes(thin(self.file, processor))
+                    rows = "\n".join(lines_of("llvm-dwarfdump", "--eh-frame", code))
+                rows = re.findall(r"^(\w+) \w+ \w+ FDE cie=\w+ pc=(\w+)\.\.\.", rows, re.MULTILINE)
+                begins = {int(place, 16): int(begin, 16) & 0xFFFFFFFF for place, begin in rows}
+                wrong = {hex(offset): hex(place) for place, offset in led.items() if begins.get(place) != offset}
+                self.assertEqual(wrong, {})
+
     def test_is_signed_ad_hoc_over_every_page(self):
         for processor, _kind, commands in self.each_processor():
-            code = thin(self.file, processor)
-            directory = CodeDirectory(code, commands)
-            self.assertTrue(directory.flags & 0x2, "ad hoc")
-            self.assertEqual(directory.name, self.name)
-            self.assertEqual(directory.limit, directory.begin, "signed up to the signature itself")
-            self.assertEqual((directory.hash_kind, directory.hash_size), (2, 32), "SHA-256")
-            pages = [code[at:min(at + directory.page_bytes, directory.limit)]
-                     for at in range(0, directory.limit, directory.page_bytes)]
-            self.assertEqual(directory.hashes, [hashlib.sha256(page).digest() for page in pages])
+            with self.subTest(processor):
+                code = thin(self.file, processor)
+                directory = CodeDirectory(code, commands)
+                self.assertTrue(directory.flags & 0x2, "ad hoc")
+                self.assertEqual(directory.name, self.name)
+                self.assertEqual(directory.limit, directory.begin, "signed up to the signature itself")
+                self.assertEqual((directory.hash_kind, directory.hash_size), (2, 32), "SHA-256")
+                pages = [code[at:min(at + directory.page_bytes, directory.limit)]
+                         for at in range(0, directory.limit, directory.page_bytes)]
+                self.assertEqual(directory.hashes, [hashlib.sha256(page).digest() for page in pages])
 
 
 class BundleCode(BuiltFile, unittest.TestCase):
@@ -176,8 +197,9 @@ class Program(BuiltFile, unittest.TestCase):
     name = "vxr"
 
     def test_may_be_loaded_anywhere(self):
-        for _processor, (_kind, flags), _commands in self.each_processor():
-            self.assertIn("PIE", flags)
+        for processor, (_kind, flags), _commands in self.each_processor():
+            with self.subTest(processor):
+                self.assertIn("PIE", flags)
 
 
 class BundleFolder(unittest.TestCase):
