@@ -7,6 +7,9 @@ set(CMAKE_SYSTEM_PROCESSOR "${VXR_MACOS_PROCESSOR}")
 set(CMAKE_TRY_COMPILE_PLATFORM_VARIABLES VXR_MACOS_PROCESSOR)
 set(CMAKE_CXX_COMPILER "${CMAKE_CURRENT_LIST_DIR}/../script/macos-c++" "${VXR_MACOS_PROCESSOR}")
 
+# As _GLIBCXX_ASSERTIONS elsewhere (cmake/ProjectFlags.cmake), by the name that this version of the library has for it.
+set(CMAKE_CXX_FLAGS_RELEASE_INIT -D_LIBCPP_ENABLE_ASSERTIONS=1)
+
 # The compiler brings the system's interface and is given the oldest system by name.
 set(CMAKE_OSX_SYSROOT "" CACHE STRING "")
 set(CMAKE_OSX_DEPLOYMENT_TARGET "" CACHE STRING "")
