@@ -75,16 +75,16 @@ void report(const A_char* text) noexcept {
 }
 
 void keep_report(AEGP_PluginID plugin_id, const A_char* text) noexcept {
-    WaitingReport kept;
-    kept.plugin_id = plugin_id;
-    std::snprintf(kept.text.data(), kept.text.size(), "%s", text == nullptr ? "" : text);
+    WaitingReport added;
+    added.plugin_id = plugin_id;
+    std::snprintf(added.text.data(), added.text.size(), "%s", text == nullptr ? "" : text);
     const std::lock_guard lock(waiting_mutex);
     const auto* const end = waiting.reports.begin() + waiting.count;
-    const bool known = std::any_of(waiting.reports.cbegin(), end, [&kept](const WaitingReport& other) {
-        return other.plugin_id == kept.plugin_id && other.text == kept.text;
+    const bool known = std::any_of(waiting.reports.cbegin(), end, [&added](const WaitingReport& other) {
+        return other.plugin_id == added.plugin_id && other.text == added.text;
     });
     if (!known && waiting.count < WaitingReports::kMost) {
-        waiting.reports[waiting.count++] = kept;
+        waiting.reports[waiting.count++] = added;
         any_waiting = true;
     }
 }
