@@ -164,7 +164,7 @@ RealAtStart<Real> real_by_cpp_library(const char* text) {
         const auto written = static_cast<std::size_t>(end - rest.data());
         number.value = is_too_large(rest.substr(0, written), hexadecimal)
                            ? std::numeric_limits<Real>::infinity()
-                           : Real(0);
+                           : static_cast<Real>(0);
     }
     return number;
 }
