@@ -41,7 +41,7 @@ bool probe_file(const char* path, Header* header, Report report, void* reports) 
     return true;
 }
 
-bool read_file(const char* /*path*/, AlphaBytes /*alpha_bytes*/, Texture* /*texture*/, Report report,
+bool read_file(const char* /*path*/, const AlphaOptions* /*alpha*/, Texture* /*texture*/, Report report,
                void* reports) {
     report(reports, Code::not_an_image, "this program is built without an image library and reads no images");
     return false;
@@ -80,15 +80,17 @@ std::string tga_pixels(const Texture& texture) {
     return bytes;
 }
 
-bool write_file(const char* path, const Texture* texture, AlphaBytes /*alpha_bytes*/, Report report,
+bool write_file(const char* path, const Texture* texture, const WriteOptions* options, Report report,
                 void* reports) {
     const auto fail = [report, reports](Code code, const std::string& reason) {
         report(reports, code, reason.c_str());
         return false;
     };
-    if (texture->pixel_count() == 0 || texture->width_px > kLargestSide_px ||
-        texture->height_px > kLargestSide_px) {
-        return fail(Code::unsupported, "a TGA file has from 1 to 65535 pixels on each side");
+    if (texture->pixel_count() == 0) {
+        return fail(Code::unsupported, no_pixels_text(texture->width_px, texture->height_px));
+    }
+    if (texture->width_px > kLargestSide_px || texture->height_px > kLargestSide_px) {
+        return fail(Code::unsupported, "a TGA file has at most 65535 pixels on each side");
     }
     if (texture->alphas.size() > 1) {
         return fail(Code::channels_without_room, "targa files have only one alpha channel, the texture has " +
@@ -103,6 +105,7 @@ bool write_file(const char* path, const Texture* texture, AlphaBytes /*alpha_byt
     if (!file->fill(tga_header(*texture) + tga_pixels(*texture), error) || !file->put_in_place(error)) {
         return fail(Code::not_written, error);
     }
+    options->row_written(texture->height_px);
     return true;
 }
 

@@ -9,7 +9,7 @@ namespace {
 using diagnostic::CodeRow;
 using diagnostic::Severity;
 
-constexpr std::array<CodeRow<Code>, 11> kCodes{{
+constexpr std::array<CodeRow<Code>, 15> kCodes{{
     {Code::cannot_open,
      {"cannot-open", Severity::error,
       "The input is missing or not a regular file, or the output cannot be created."}},
@@ -28,9 +28,19 @@ constexpr std::array<CodeRow<Code>, 11> kCodes{{
       "The format has no room for all channels, or refuses the picture."}},
     {Code::unsupported,
      {"unsupported", Severity::error, "The image is deep, a volume, has no pixels or has too many."}},
+    {Code::channels_guessed,
+     {"channels-guessed", Severity::warning, "The names of the channels do not say what they are.",
+      "if that is wrong, call them R, G and B, or Y, and A"}},
     {Code::depth_reduced,
      {"depth-reduced", Severity::warning,
       "The image has more than 8 bits a channel, or floating-point values."}},
+    {Code::colour_not_converted,
+     {"colour-not-converted", Severity::warning,
+      "The image has linear colour, and a texture is taken as sRGB.", "convert the image to sRGB first"}},
+    {Code::names_left_out,
+     {"names-left-out", Severity::warning, "The output has no room for the names of alpha channels."}},
+    {Code::metadata_left_out,
+     {"metadata-left-out", Severity::warning, "The image has metadata, for which a texture has no room."}},
     {Code::images_left_out,
      {"images-left-out", Severity::warning, "The file holds more images than the one that is read."}},
 }};

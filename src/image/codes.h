@@ -19,8 +19,12 @@ enum class Code : std::uint8_t {
     no_such_alpha,
     channels_without_room,
     unsupported,
-    // Warnings: the picture is read, with less than the file holds.
+    // Warnings: the picture is read or written, with less than the file or the texture holds.
+    channels_guessed,
     depth_reduced,
+    colour_not_converted,
+    names_left_out,
+    metadata_left_out,
     images_left_out,
 };
 

@@ -17,13 +17,14 @@ using Report = void (*)(void* reports, Code code, const char* reason);
 /// was reported. The module lets no exception out and reports it as `gave_up` instead. Module and program are
 /// built together, so both know the types; `version` guards against a module of another build.
 struct Functions {
-    static constexpr std::uint32_t kVersion = 1;  // raise it with every change of the table or of its types
+    static constexpr std::uint32_t kVersion = 2;  // raise it with every change of the table or of its types
 
     std::uint32_t version;
     bool (*probe)(const char* path, Header* header, Report report, void* reports);
     /// Reports warnings on success.
-    bool (*read)(const char* path, AlphaBytes alpha_bytes, Texture* texture, Report report, void* reports);
-    bool (*write)(const char* path, const Texture* texture, AlphaBytes alpha_bytes, Report report,
+    bool (*read)(const char* path, const AlphaOptions* alpha, Texture* texture, Report report, void* reports);
+    /// Reports warnings on success.
+    bool (*write)(const char* path, const Texture* texture, const WriteOptions* options, Report report,
                   void* reports);
     bool (*can_write)(const char* path);
 };

@@ -81,13 +81,13 @@ Probe probe(const std::string& path) {
     return {header, std::nullopt};
 }
 
-Reading read(const std::string& path, AlphaBytes alpha_bytes) {
+Reading read(const std::string& path, const AlphaOptions& alpha) {
     if (auto error = irregular_file(path)) {
         return {std::nullopt, {std::move(*error)}};
     }
     Texture texture;
     Reports reports{path, {}};
-    const bool done = required_functions().read(path.c_str(), alpha_bytes, &texture, &Reports::add, &reports);
+    const bool done = required_functions().read(path.c_str(), &alpha, &texture, &Reports::add, &reports);
     reports.throw_if_gave_up();
     Reading reading{std::nullopt, std::move(reports.diagnostics)};
     if (done) {
@@ -96,14 +96,13 @@ Reading read(const std::string& path, AlphaBytes alpha_bytes) {
     return reading;
 }
 
-std::optional<diagnostic::Diagnostic> write(const std::string& path, const Texture& texture,
-                                            AlphaBytes alpha_bytes) {
+Writing write(const std::string& path, const Texture& texture, const WriteOptions& options) {
     Reports reports{path, {}};
-    if (required_functions().write(path.c_str(), &texture, alpha_bytes, &Reports::add, &reports)) {
-        return std::nullopt;
+    if (required_functions().write(path.c_str(), &texture, &options, &Reports::add, &reports)) {
+        return {std::nullopt, std::move(reports.diagnostics)};
     }
     reports.throw_if_gave_up();
-    return std::move(reports.diagnostics.front());
+    return {std::move(reports.diagnostics.front()), {}};
 }
 
 bool can_write(const std::string& path) {

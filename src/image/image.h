@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -35,11 +36,33 @@ struct Probe {
 /// Reads the header of a regular file. Errors: cannot_open, not_an_image, gave_up.
 [[nodiscard]] Probe probe(const std::string& path);
 
-/// How bytes are carried over between a texture, whose colour is premultiplied by alpha, and an image format
-/// that stores straight alpha, as PNG does.
+/// How bytes are carried over between a texture and an image format that stores the other kind of alpha: PNG
+/// and most formats store straight alpha, OpenEXR stores premultiplied colour.
 enum class AlphaBytes : std::uint8_t {
     kept,       ///< every byte is carried over as stored; converting there and back loses nothing
-    converted,  ///< colour is multiplied on reading and divided on writing, which loses precision in 8 bits
+    converted,  ///< colour is multiplied or divided where image and texture differ; 8 bits lose some
+                ///< precision
+};
+
+/// What the colour of a texture is. No texture says so: the plug-in calls every one with alpha premultiplied,
+/// and the pixels show what they are (see texture/value/alpha_use.h).
+enum class AlphaPixels : std::uint8_t { premultiplied, straight };
+
+struct AlphaOptions {
+    AlphaBytes bytes = AlphaBytes::kept;
+    AlphaPixels pixels = AlphaPixels::premultiplied;  ///< of the texture, not of the image
+};
+
+struct WriteOptions {
+    AlphaOptions alpha;
+    /// Called with the number of rows that have been handed to the format's writer; may be empty.
+    std::function<void(std::int64_t rows)> on_rows;
+
+    void row_written(std::int64_t rows) const {
+        if (on_rows) {
+            on_rows(rows);
+        }
+    }
 };
 
 /// A texture or an error, never both.
@@ -53,13 +76,20 @@ struct Reading {
 
 /// Reads an image at 8 bits a channel: the first image of the file, at full resolution. Warns when that
 /// leaves something out.
-[[nodiscard]] Reading read(const std::string& path, AlphaBytes alpha_bytes);
+[[nodiscard]] Reading read(const std::string& path, const AlphaOptions& alpha = {});
 
-/// Writes `texture` in the format that the extension of `path` names, and returns the error if there is one.
-/// Refuses a format that has no room for all channels. An existing file at `path` stays until the new one is
-/// complete.
-[[nodiscard]] std::optional<diagnostic::Diagnostic> write(const std::string& path, const Texture& texture,
-                                                          AlphaBytes alpha_bytes);
+/// What became of a file that was to be written.
+struct Writing {
+    std::optional<diagnostic::Diagnostic> error;
+    std::vector<diagnostic::Diagnostic> warnings;  ///< empty beside an error
+};
+
+/// Writes `texture` in the format that the extension of `path` names. A format that can say whether its
+/// colour is multiplied by alpha, as TIFF does, says what `options` say about the texture. Refuses a format
+/// that has no room for all channels, and warns when names have none. An existing file at `path` stays until
+/// the new one is complete.
+[[nodiscard]] Writing write(const std::string& path, const Texture& texture,
+                            const WriteOptions& options = {});
 
 /// Whether `write` knows the format that the extension of `path` names.
 [[nodiscard]] bool can_write(const std::string& path);

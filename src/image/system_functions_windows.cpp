@@ -563,6 +563,11 @@ bool refusing(const Reporter& reporter, const Work& work) {
     });
 }
 
+/// Straight colour is what most of these formats hold, so it is kept.
+AlphaBytes bytes_of(const AlphaOptions& alpha) {
+    return alpha.pixels == AlphaPixels::straight ? AlphaBytes::kept : alpha.bytes;
+}
+
 }  // namespace
 
 const Functions& system_functions() {
@@ -571,19 +576,21 @@ const Functions& system_functions() {
         [](const char* path, Header* header, Report report, void* reports) {
             return built_in_functions().probe(path, header, report, reports);
         },
-        [](const char* path, AlphaBytes alpha_bytes, Texture* texture, Report report, void* reports) {
+        [](const char* path, const AlphaOptions* alpha, Texture* texture, Report report, void* reports) {
             const Reporter reporter(report, reports);
-            return refusing(reporter, [&] { read_with_windows(path, alpha_bytes, *texture, reporter); });
+            return refusing(reporter, [&] { read_with_windows(path, bytes_of(*alpha), *texture, reporter); });
         },
-        [](const char* path, const Texture* texture, AlphaBytes alpha_bytes, Report report, void* reports) {
+        [](const char* path, const Texture* texture, const WriteOptions* options, Report report,
+           void* reports) {
             const Container* const container = container_by_extension(path);
             const Reporter reporter(report, reports);
             if (container != nullptr) {
-                return refusing(reporter,
-                                [&] { write_with_windows(path, *container, *texture, alpha_bytes); });
+                return refusing(reporter, [&] {
+                    write_with_windows(path, *container, *texture, bytes_of(options->alpha));
+                });
             }
             if (built_in_functions().can_write(path)) {
-                return built_in_functions().write(path, texture, alpha_bytes, report, reports);
+                return built_in_functions().write(path, texture, options, report, reports);
             }
             return reporter.fail(Code::no_format, "PNG, TIFF, JPEG, BMP and TGA files are written");
         },

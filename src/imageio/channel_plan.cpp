@@ -4,9 +4,12 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <set>
+#include <string>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "texture/file/byte_order.h"
@@ -50,6 +53,43 @@ std::vector<int> colour_by_position(const OIIO::ImageSpec& spec) {
     return candidates;
 }
 
+bool is_alpha_name(const std::string& name) {
+    const std::string lower = OIIO::Strutil::lower(name);
+    return lower == "a" || lower.starts_with("a.") || lower.starts_with("alpha") ||
+           lower.starts_with("channel");
+}
+
+/// N of "Alpha.N", by which the alphas of a texture are called from the second on; 0 for any other name.
+int alpha_number(const std::string& name) {
+    constexpr std::string_view kBeginning = "Alpha.";
+    int number = 0;
+    const char* const end = name.data() + name.size();
+    if (!name.starts_with(kBeginning)) {
+        return 0;
+    }
+    const auto [stopped, error] = std::from_chars(name.data() + kBeginning.size(), end, number);
+    return error == std::errc() && stopped == end ? number : 0;
+}
+
+/// Puts the alphas of a texture back in order. OpenEXR sorts channels by their names, "Alpha.10" before
+/// "Alpha.2".
+void sort_by_number(const OIIO::ImageSpec& spec, std::vector<int>& alphas) {
+    std::vector<std::size_t> places;
+    std::vector<int> numbered;
+    for (std::size_t i = 0; i < alphas.size(); ++i) {
+        if (alpha_number(spec.channel_name(alphas[i])) > 0) {
+            places.push_back(i);
+            numbered.push_back(alphas[i]);
+        }
+    }
+    std::stable_sort(numbered.begin(), numbered.end(), [&spec](int a, int b) {
+        return alpha_number(spec.channel_name(a)) < alpha_number(spec.channel_name(b));
+    });
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        alphas[places[i]] = numbered[i];
+    }
+}
+
 std::string unused_name(const std::string& wanted, std::set<std::string>& used) {
     std::string name = wanted;
     for (int number = 2; !used.insert(name).second; ++number) {
@@ -91,7 +131,38 @@ ChannelPlan plan_channels(const OIIO::ImageSpec& spec) {
             plan.alphas.push_back(channel);
         }
     }
+    sort_by_number(spec, plan.alphas);
     return plan;
+}
+
+std::string list_text(const std::vector<std::string>& names) {
+    constexpr std::size_t kMostShown = 8;
+    std::string text;
+    for (std::size_t i = 0; i < std::min(names.size(), kMostShown); ++i) {
+        text += (text.empty() ? "\"" : ", \"") + names[i] + '"';
+    }
+    if (names.size() > kMostShown) {
+        text += " and " + std::to_string(names.size() - kMostShown) + " more";
+    }
+    return text;
+}
+
+std::string guess_text(const OIIO::ImageSpec& spec, const ChannelPlan& plan) {
+    const auto names_of = [&spec](const std::vector<int>& channels) {
+        std::vector<std::string> names;
+        for (const int channel : channels) {
+            names.push_back(spec.channel_name(channel));
+        }
+        return names;
+    };
+    const bool alphas_named = std::all_of(plan.alphas.begin(), plan.alphas.end(), [&spec](int channel) {
+        return channel == spec.alpha_channel || is_alpha_name(spec.channel_name(channel));
+    });
+    if (alphas_named && !colour_by_name(spec).empty()) {
+        return {};
+    }
+    return (plan.mode == Texture::kGrey ? "grey from " : "RGB from ") + list_text(names_of(plan.colour)) +
+           (plan.alphas.empty() ? "" : ", alpha from " + list_text(names_of(plan.alphas)));
 }
 
 std::vector<std::string> channel_names(const Texture& texture) {

@@ -61,6 +61,21 @@ bool TxlInput::open(const std::string& name, OIIO::ImageSpec& newspec) {
     return true;
 }
 
+bool TxlInput::open(const std::string& name, OIIO::ImageSpec& newspec, const OIIO::ImageSpec& config) {
+    if (asks_for_memory(config)) {
+        errorfmt("{}: {}", name, kNoMemoryFiles);
+        return false;
+    }
+    return open(name, newspec);
+}
+
+bool TxlInput::set_ioproxy(OIIO::Filesystem::IOProxy* ioproxy) {
+    if (ioproxy != nullptr) {
+        errorfmt("{}", kNoMemoryFiles);
+    }
+    return ioproxy == nullptr;
+}
+
 bool TxlInput::load(const std::string& name) {
     TextureReading reading = read_texture(name, read_options());
     if (reading.error.has_value()) {
@@ -68,9 +83,8 @@ bool TxlInput::load(const std::string& name) {
         return false;
     }
     m_spec = texture_spec(reading);
-    const int max_channels = OIIO::get_int_attribute("limits:channels", 0);
-    if (max_channels > 0 && m_spec.nchannels > max_channels) {
-        errorfmt("{}: {} channels exceed limits:channels, which is {}", name, m_spec.nchannels, max_channels);
+    if (const std::string reason = refuse_channels(m_spec.nchannels); !reason.empty()) {
+        errorfmt("{}: {}", name, reason);
         return false;
     }
     texture_ = std::move(reading.texture);

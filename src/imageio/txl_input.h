@@ -15,7 +15,7 @@ namespace imageio {
 /// tiles. Several threads may read scanlines at once.
 ///
 /// Refuses what `read_texture` refuses, with an error that names the byte and the chunk, as well as pictures
-/// above OpenImageIO's own "limits:imagesize_MB" and "limits:channels".
+/// above OpenImageIO's own "limits:imagesize_MB" and "limits:channels", and to read from memory.
 class TxlInput final : public OIIO::ImageInput {
   public:
     TxlInput() = default;
@@ -26,6 +26,8 @@ class TxlInput final : public OIIO::ImageInput {
     [[nodiscard]] const char* format_name() const override { return "txl"; }
     [[nodiscard]] bool valid_file(const std::string& filename) const override;
     bool open(const std::string& name, OIIO::ImageSpec& newspec) override;
+    bool open(const std::string& name, OIIO::ImageSpec& newspec, const OIIO::ImageSpec& config) override;
+    bool set_ioproxy(OIIO::Filesystem::IOProxy* ioproxy) override;
     bool close() override;
     bool read_native_scanline(int subimage, int miplevel, int y, int z, void* data) override;
 

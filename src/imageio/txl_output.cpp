@@ -4,7 +4,6 @@
 #include <exception>
 #include <utility>
 
-#include "imageio/texture_spec.h"
 #include "texture/value/texture_file.h"
 
 namespace imageio {
@@ -15,8 +14,19 @@ TxlOutput::~TxlOutput() {
 
 int TxlOutput::supports(OIIO::string_view feature) const {
     // All rows are kept until the file is written, because a texture's alphas follow its colour, so they may
-    // come in any order.
-    return feature == "alpha" || feature == "nchannels" || feature == "random_access" ? 1 : 0;
+    // come in any order. Windows and origins are not stored, but who reads that they are supported passes
+    // them on, and they are then heeded here; programs that read otherwise crop without a word.
+    return feature == "alpha" || feature == "nchannels" || feature == "random_access" ||
+                   feature == "displaywindow" || feature == "origin" || feature == "negativeorigin"
+               ? 1
+               : 0;
+}
+
+bool TxlOutput::set_ioproxy(OIIO::Filesystem::IOProxy* ioproxy) {
+    if (ioproxy != nullptr) {
+        errorfmt("{}", kNoMemoryFiles);
+    }
+    return ioproxy == nullptr;
 }
 
 bool TxlOutput::open(const std::string& name, const OIIO::ImageSpec& newspec, OpenMode mode) {
@@ -25,9 +35,15 @@ bool TxlOutput::open(const std::string& name, const OIIO::ImageSpec& newspec, Op
         errorfmt("{}: a texture has only one image, without subimages or smaller levels", name);
         return false;
     }
-    if (const std::string reason = refuse_image(newspec); !reason.empty()) {
-        errorfmt("{}: {}", name, reason);
+    if (asks_for_memory(newspec)) {
+        errorfmt("{}: {}", name, kNoMemoryFiles);
         return false;
+    }
+    for (const std::string& reason : {refuse_image(newspec), refuse_channels(newspec.nchannels)}) {
+        if (!reason.empty()) {
+            errorfmt("{}: {}", name, reason);
+            return false;
+        }
     }
     m_spec = newspec;
     m_spec.set_format(OIIO::TypeDesc::UINT8);
@@ -48,13 +64,15 @@ bool TxlOutput::prepare(const std::string& name) {
         return false;
     }
     ChannelPlan plan = plan_channels(m_spec);
-    Texture texture = make_texture(m_spec.width, m_spec.height, plan, m_spec);
+    const Placement placement = place_image(m_spec);
+    Texture texture = make_texture(placement.width_px, placement.height_px, plan, m_spec);
     const int column_px = m_spec.tile_width > 0 ? m_spec.tile_width : m_spec.width;
     const auto columns = static_cast<std::size_t>((m_spec.width - 1) / column_px) + 1;
     std::vector<bool> written(static_cast<std::size_t>(m_spec.height) * columns);
     writing_.emplace(Writing{std::move(*file),
                              name,
                              std::move(plan),
+                             placement,
                              std::move(texture),
                              columns,
                              std::move(written),
@@ -143,8 +161,8 @@ void TxlOutput::store(Writing& writing, OIIO::ROI part, const std::uint8_t* byte
     const int bottom = std::min(part.yend, m_spec.height);
     const int column_px = m_spec.tile_width > 0 ? m_spec.tile_width : m_spec.width;
     for (int y = part.ybegin; y < bottom; ++y, bytes += stride_bytes) {
-        copy_row_in(writing.texture, writing.plan, part.xbegin, y, right - part.xbegin, bytes,
-                    m_spec.nchannels);
+        copy_row_in(writing.texture, writing.plan, writing.placement.x + part.xbegin, writing.placement.y + y,
+                    right - part.xbegin, bytes, m_spec.nchannels);
         const auto row = writing.written.begin() +
                          static_cast<std::ptrdiff_t>(y) * static_cast<std::ptrdiff_t>(writing.columns);
         std::fill(row + part.xbegin / column_px, row + (right - 1) / column_px + 1, true);

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "imageio/channel_plan.h"
+#include "imageio/texture_spec.h"
 #include "system/replacement_file.h"
 #include "texture/value/texture.h"
 
@@ -14,7 +15,10 @@ namespace imageio {
 
 /// Writes layered textures for OpenImageIO: any number of channels (see plan_channels), 8 bits each;
 /// OpenImageIO converts values of other types. Rows and tiles may come in any order. Metadata and channel
-/// names are not stored.
+/// names are not stored, and OpenImageIO has no way to say so.
+///
+/// The texture is the image's display window. Images with pixels outside of it are refused, and so is what
+/// TxlInput would not read again, and to write into memory.
 ///
 /// The alpha of a texture is associated, like that of every image in OpenImageIO, so values are stored as
 /// given. This includes images marked "oiio:UnassociatedAlpha": their caller asked for unchanged bytes, and
@@ -32,6 +36,7 @@ class TxlOutput final : public OIIO::ImageOutput {
 
     [[nodiscard]] const char* format_name() const override { return "txl"; }
     [[nodiscard]] int supports(OIIO::string_view feature) const override;
+    bool set_ioproxy(OIIO::Filesystem::IOProxy* ioproxy) override;
     using OIIO::ImageOutput::open;
     bool open(const std::string& name, const OIIO::ImageSpec& newspec, OpenMode mode) override;
     bool close() override;
@@ -46,6 +51,7 @@ class TxlOutput final : public OIIO::ImageOutput {
         os::ReplacementFile file;
         std::string name;
         ChannelPlan plan;
+        Placement placement;
         Texture texture;
         std::size_t columns;                // of tiles; 1 for an image in scanlines
         std::vector<bool> written;          // for each row: each column of tiles
@@ -55,7 +61,8 @@ class TxlOutput final : public OIIO::ImageOutput {
 
     bool prepare(const std::string& name);
     bool finish(Writing& writing);
-    /// Stores the part that lies inside the picture. Rows of `bytes` are `stride_bytes` apart.
+    /// Stores the part that lies inside the image's data window, whose first pixel is 0, 0. Rows of `bytes`
+    /// are `stride_bytes` apart.
     void store(Writing& writing, OIIO::ROI part, const std::uint8_t* bytes, std::size_t stride_bytes);
 
     std::optional<Writing> writing_;

@@ -45,6 +45,33 @@ Texture read(const TemporaryFolder& folder, const char* name) {
     return reading.texture.value_or(Texture{});
 }
 
+/// Runs a command with a terminal for all its streams, and returns what it wrote there.
+std::string in_terminal(const std::vector<std::string>& arguments) {
+    int terminal = -1;
+    std::vector<char*> pointers;
+    for (const std::string& argument : arguments) {
+        pointers.push_back(const_cast<char*>(argument.c_str()));  // execvp does not change them
+    }
+    pointers.push_back(nullptr);
+    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
+    if (child == 0) {
+        ::setenv("TERM", "dumb", 1);
+        ::execvp(pointers.front(), pointers.data());
+        ::_exit(127);
+    }
+    std::string text;
+    char buffer[4096];
+    // Reading fails once the last process that uses the terminal has ended.
+    for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
+        text.append(buffer, static_cast<std::size_t>(count));
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    ::close(terminal);
+    EXPECT_TRUE(WIFEXITED(status));
+    return text;
+}
+
 std::vector<std::string> names_in(const fs::path& folder) {
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
@@ -64,9 +91,9 @@ TEST(TextureConvert, ThereAndBackAgainKeepsEveryByte) {
     const TripCase cases[] = {
         {Texture::kGrey, 0, "png"}, {Texture::kGrey, 1, "png"}, {Texture::kRgb, 0, "png"},
         {Texture::kRgb, 1, "png"},  {Texture::kGrey, 1, "tif"}, {Texture::kRgb, 1, "tif"},
-        {Texture::kRgb, 3, "tif"},  {Texture::kGrey, 3, "exr"}, {Texture::kRgb, 3, "exr"},
-        {Texture::kRgb, 1, "tga"},  {Texture::kRgb, 0, "bmp"},  {Texture::kRgb, 0, "ppm"},
-        {Texture::kRgb, 2, "txl"},
+        {Texture::kGrey, 2, "tif"}, {Texture::kGrey, 3, "tif"}, {Texture::kRgb, 3, "tif"},
+        {Texture::kGrey, 3, "exr"}, {Texture::kRgb, 3, "exr"},  {Texture::kRgb, 1, "tga"},
+        {Texture::kRgb, 0, "bmp"},  {Texture::kRgb, 0, "ppm"},  {Texture::kRgb, 2, "txl"},
     };
     for (const TripCase& one : cases) {
         const TemporaryFolder folder;
@@ -76,7 +103,10 @@ TEST(TextureConvert, ThereAndBackAgainKeepsEveryByte) {
         const ProcessResult out = convert(folder, {"a.txl", "-o", between});
         EXPECT_EQ(out.exit_code, 0) << between << out.err;
         EXPECT_EQ(out.err, "") << between;
-        EXPECT_EQ(convert(folder, {between, "-o", "c.txl"}).exit_code, 0) << between;
+        const ProcessResult back = convert(folder, {between, "-o", "c.txl"});
+        EXPECT_EQ(back.exit_code, 0) << between << back.err;
+        EXPECT_EQ(back.err.find("[channels-guessed]"), std::string::npos) << between << back.err;
+        EXPECT_EQ(back.err.find("[names-left-out]"), std::string::npos) << between << back.err;
         EXPECT_TRUE(read(folder, "c.txl") == texture)
             << between << ", mode " << one.mode << ", " << one.alphas << " alphas";
     }
@@ -175,6 +205,242 @@ TEST(TextureConvert, TiffsAreMarkedAsAssociated) {
     ASSERT_EQ(convert(folder, {"a.txl", "-o", "a.tif"}).exit_code, 0);
     const ProcessResult info = run_process({"tiffinfo", folder.path("a.tif")});
     EXPECT_NE(info.out.find("Extra Samples: 1<assoc-alpha>"), std::string::npos) << info.out;
+}
+
+/// How the TIFF's extra samples are marked, in tiffinfo's words.
+std::string extra_samples(const TemporaryFolder& folder, const char* name) {
+    const ProcessResult info = run_process({"tiffinfo", folder.path(name)});
+    const std::size_t at = info.out.find("Extra Samples: ");
+    return at == std::string::npos ? info.out : info.out.substr(at, info.out.find('\n', at) - at);
+}
+
+TEST(TextureConvert, GreyWithSeveralAlphasIsGreyInTiff) {
+    const TemporaryFolder folder;
+    write(folder, "a.txl", made_texture(9, 7, Texture::kGrey, 3));
+    ASSERT_EQ(convert(folder, {"a.txl", "-o", "a.tif"}).exit_code, 0);
+    const ProcessResult info = run_process({"tiffinfo", folder.path("a.tif")});
+    EXPECT_NE(info.out.find("Photometric Interpretation: min-is-black"), std::string::npos) << info.out;
+    EXPECT_NE(info.out.find("Samples/Pixel: 4"), std::string::npos) << info.out;
+    EXPECT_EQ(extra_samples(folder, "a.tif"), "Extra Samples: 3<assoc-alpha, unspecified, unspecified>");
+    for (const char* const extension : {"png", "tga"}) {
+        const ProcessResult run = convert(folder, {"a.txl", "--to", extension});
+        EXPECT_EQ(run.exit_code, 1) << extension;
+        EXPECT_NE(run.err.find("[channels-without-room]"), std::string::npos) << run.err;
+    }
+}
+
+/// One pixel with colour above its alpha, which is 100, and one without.
+Texture straight_texture(std::int32_t mode, int alphas) {
+    Texture texture = made_texture(2, 1, mode, alphas);
+    std::fill(texture.pixels.begin(), texture.pixels.end(), std::uint8_t{0});
+    texture.pixels[0] = 200;
+    texture.alphas[0].values[0] = 100;
+    texture.alphas[0].values[1] = 255;
+    return texture;
+}
+
+TEST(TextureConvert, TheAlphaLabelDecidesWhatAFileSays) {
+    const struct {
+        const char* label;
+        bool straight_pixels;
+        const char* said;
+    } cases[] = {
+        {"premultiplied", false, "assoc-alpha"}, {"premultiplied", true, "assoc-alpha"},
+        {"straight", false, "unassoc-alpha"},    {"straight", true, "unassoc-alpha"},
+        {"auto", false, "assoc-alpha"},          {"auto", true, "unassoc-alpha"},
+    };
+    for (const auto& c : cases) {
+        for (const auto& [mode, alphas] : {std::pair{Texture::kRgb, 1}, std::pair{Texture::kGrey, 2}}) {
+            SCOPED_TRACE(std::string(c.label) + (c.straight_pixels ? ", straight" : ", premultiplied"));
+            const TemporaryFolder folder;
+            Texture texture = straight_texture(mode, alphas);
+            texture.pixels[0] = c.straight_pixels ? 200 : 90;
+            write(folder, "a.txl", texture);
+            ASSERT_EQ(convert(folder, {"a.txl", "-o", "a.tif", "--alpha-label", c.label}).exit_code, 0);
+            const std::string said = extra_samples(folder, "a.tif");
+            EXPECT_EQ(said.find('<' + std::string(c.said)), said.find('<')) << said;
+            // The bytes are the same, whatever the file says about them.
+            ASSERT_EQ(convert(folder, {"a.tif", "-o", "back.txl"}).exit_code, 0);
+            EXPECT_TRUE(read(folder, "back.txl") == texture);
+            if (mode == Texture::kRgb) {
+                ASSERT_EQ(run_process({VXR_PROGRAM, "frame", folder.path("a.txl"), "-o", folder.path("f.tif"),
+                                       "--alpha-label", c.label})
+                              .exit_code,
+                          0);
+                EXPECT_EQ(extra_samples(folder, "f.tif"), said) << "both verbs say the same";
+            }
+        }
+    }
+    const TemporaryFolder folder;
+    write(folder, "a.txl", straight_texture(Texture::kRgb, 1));
+    EXPECT_EQ(convert(folder, {"a.txl", "-o", "a.tif", "--alpha-label", "matte"}).exit_code, 2);
+}
+
+TEST(TextureConvert, ConvertAlphaOfStraightPixelsConvertsForOpenExrOnly) {
+    const TemporaryFolder folder;
+    write(folder, "a.txl", straight_texture(Texture::kRgb, 1));
+    const std::vector<std::string> straight{"--convert-alpha", "--alpha-label", "straight"};
+    const auto converted = [&](const char* from, const char* to, bool as_straight) {
+        std::vector<std::string> arguments{from, "-o", to};
+        if (as_straight) {
+            arguments.insert(arguments.end(), straight.begin(), straight.end());
+        }
+        const ProcessResult run = convert(folder, arguments);
+        EXPECT_EQ(run.exit_code, 0) << run.err;
+    };
+    converted("a.txl", "a.png", true);
+    converted("a.png", "png.txl", false);
+    EXPECT_EQ(read(folder, "png.txl").pixels[0], 200) << "a PNG is straight, too";
+    converted("a.png", "png.txl", true);
+    EXPECT_EQ(read(folder, "png.txl").pixels[0], 200);
+    converted("a.txl", "a.exr", true);
+    converted("a.exr", "exr.txl", false);
+    EXPECT_EQ(read(folder, "exr.txl").pixels[0], 78) << "200 * 100 / 255";
+    converted("a.exr", "exr.txl", true);
+    EXPECT_EQ(read(folder, "exr.txl").pixels[0], 199) << "78 * 255 / 100";
+}
+
+std::string attribute_in(const TemporaryFolder& folder, const char* name, const std::string& attribute) {
+    const ProcessResult info = run_process({"iinfo", "-v", folder.path(name)});
+    const std::size_t at = info.out.find(attribute + ": ");
+    return at == std::string::npos ? "" : info.out.substr(at, info.out.find('\n', at) - at);
+}
+
+TEST(TextureConvert, AnExrOfColourIsNotLinear) {
+    const TemporaryFolder folder;
+    write(folder, "a.txl", made_texture(4, 4, Texture::kRgb, 1));
+    ASSERT_EQ(convert(folder, {"a.txl", "-o", "a.exr"}).exit_code, 0);
+    EXPECT_EQ(attribute_in(folder, "a.exr", "oiio:ColorSpace"), "oiio:ColorSpace: \"sRGB\"");
+    const ProcessResult back = convert(folder, {"a.exr", "-o", "back.txl"});
+    EXPECT_EQ(back.err.find("[colour-not-converted]"), std::string::npos) << back.err;
+
+    ASSERT_EQ(run_process({"oiiotool", "--create", "8x8", "3", "-d", "half", "-o", folder.path("linear.exr")})
+                  .exit_code,
+              0);
+    const ProcessResult linear = convert(folder, {"linear.exr", "-o", "linear.txl"});
+    EXPECT_EQ(linear.exit_code, 0);
+    EXPECT_NE(linear.err.find("linear.exr: warning: its colour is linear; a texture's is taken as sRGB, and "
+                              "values are kept as they are [colour-not-converted]\n"),
+              std::string::npos)
+        << linear.err;
+}
+
+TEST(TextureConvert, ATextureIsTheDisplayWindow) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(run_process({"oiiotool", "--pattern", "constant:color=1,1,1", "2x2", "3", "-d", "half",
+                           "--origin", "+1+2", "--fullsize", "4x5+0+0", "-o", folder.path("part.exr")})
+                  .exit_code,
+              0);
+    ASSERT_EQ(convert(folder, {"part.exr", "-o", "part.txl"}).exit_code, 0);
+    const Texture part = read(folder, "part.txl");
+    ASSERT_EQ(part.width_px, 4);
+    ASSERT_EQ(part.height_px, 5);
+    for (std::int32_t y = 0; y < 5; ++y) {
+        for (std::int32_t x = 0; x < 4; ++x) {
+            const bool inside = x >= 1 && x < 3 && y >= 2 && y < 4;
+            EXPECT_EQ(part.pixels[static_cast<std::size_t>(3 * (4 * y + x))], inside ? 255 : 0)
+                << x << ", " << y;
+        }
+    }
+    ASSERT_EQ(run_process({"oiiotool", "--pattern", "constant:color=1,1,1", "6x2", "3", "-d", "half",
+                           "--origin", "-1+0", "--fullsize", "4x2+0+0", "-o", folder.path("over.exr")})
+                  .exit_code,
+              0);
+    const ProcessResult over = convert(folder, {"over.exr", "-o", "over.txl"});
+    EXPECT_EQ(over.exit_code, 1);
+    EXPECT_EQ(over.err,
+              "over.exr: error: its pixels, 6 x 2 at -1, 0, extend beyond its display window, 4 x 2 at 0, 0; "
+              "crop the image to that window first [unsupported]\n");
+    EXPECT_FALSE(fs::exists(folder.path("over.txl")));
+}
+
+TEST(TextureConvert, NamesWhatHasNoRoom) {
+    const TemporaryFolder folder;
+    ASSERT_EQ(run_process({"oiiotool", "--create", "4x4", "3", "--chnames", "X,Y,Z", "--attrib", "Copyright",
+                           "somebody", "-d", "uint8", "-o", folder.path("xyz.exr")})
+                  .exit_code,
+              0);
+    const ProcessResult image = convert(folder, {"xyz.exr", "-o", "xyz.txl"});
+    EXPECT_EQ(image.exit_code, 0);
+    for (const char* const line :
+         {"xyz.exr: warning: its channels do not say what they are: grey from \"Y\", alpha from \"X\", \"Z\" "
+          "[channels-guessed]\n",
+          "xyz.exr: warning: a texture has no room for \"Copyright\" [metadata-left-out]\n",
+          "xyz.txl: warning: a texture's alpha channels are all called Alpha; without its name is \"X\" and "
+          "1 "
+          "more [names-left-out]\n"}) {
+        EXPECT_NE(image.err.find(line), std::string::npos) << line << "in\n" << image.err;
+    }
+
+    TxlFile named;
+    named.layers.resize(2);
+    named.layers[0].name = u"mask";
+    named.layers[1].name = u"glow";
+    folder.write("named.txl", named.bytes());
+    const auto left_out = [&](const char* output) {
+        const ProcessResult run = convert(folder, {"named.txl", "-o", output});
+        EXPECT_EQ(run.exit_code, 0) << run.err;
+        return run.err;
+    };
+    EXPECT_EQ(left_out("named.tif"),
+              "named.tif: warning: the file has no room for the alpha names \"mask\", \"glow\" "
+              "[names-left-out]\n");
+    EXPECT_EQ(left_out("named.exr"),
+              "named.exr: warning: the file has no room for the alpha names \"mask\" [names-left-out]\n");
+    EXPECT_EQ(
+        left_out("copy.txl"),
+        "copy.txl: warning: a texture's alpha channels are all called Alpha; without its name is \"mask\" "
+        "and 1 more [names-left-out]\n");
+}
+
+TEST(TextureConvert, SaysBeforeItBeginsThatRowsAreMissing) {
+    const TemporaryFolder folder;
+    TxlFile claim;
+    claim.width = 64;
+    claim.height = 3000;
+    folder.write("claim.txl", claim.bytes());
+    const char* const warning =
+        "claim.txl@0x11: warning: the picture has 3000 rows, of which the file holds 2 [rows-missing]";
+    const ProcessResult run = convert(folder, {"claim.txl", "--to", "tga"});
+    EXPECT_EQ(run.exit_code, 0);
+    EXPECT_EQ(run.err, warning + std::string("\n      = the missing rows are 0\n"));
+    EXPECT_EQ(run.out, "claim.txl -> claim.tga: 64 x 3000, RGB, no alpha\n");
+    // On a terminal the warning comes first, then the bar, then the line.
+    const std::string shown = in_terminal(command_in(folder, {"claim.txl", "--to", "tga"}));
+    const std::size_t warned = shown.find(warning);
+    const std::size_t bar = shown.find("] 1/3000");
+    const std::size_t line = shown.find("claim.txl -> claim.tga");
+    ASSERT_NE(bar, std::string::npos) << shown;
+    EXPECT_LT(warned, bar);
+    EXPECT_LT(bar, line);
+    EXPECT_NE(line, std::string::npos);
+    // In JSON it is one of the diagnostics.
+    const json document = json::parse(convert(folder, {"--json", "claim.txl", "--to", "tga"}).out);
+    EXPECT_EQ(document.at("files").at(0).at("diagnostics").at(0).at("code"), "rows-missing");
+}
+
+TEST(TextureConvert, EveryVerbRefusesAPictureWithoutPixelsForTheSameReason) {
+    const TemporaryFolder folder;
+    TxlFile nothing;
+    nothing.width = 0;
+    nothing.height = 64;
+    const std::string file = folder.write("nothing.txl", nothing.bytes());
+    const std::string output = folder.path("a.png");
+    for (const std::vector<std::string>& arguments :
+         {std::vector<std::string>{"texture", "check", file},
+          {"texture", "info", file},
+          {"texture", "convert", file, "-o", output},
+          {"texture", "convert", file, "-o", folder.path("a.txl")},
+          {"frame", file, "-o", output},
+          {"frame", file, "-o", output, "--size", "8x8"}}) {
+        std::vector<std::string> command{VXR_PROGRAM};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        const ProcessResult run = run_process(command);
+        EXPECT_EQ(run.exit_code, 1) << arguments[0] << ' ' << arguments[1];
+        EXPECT_NE(run.err.find("the picture has no pixels: its size is 0 x 64"), std::string::npos)
+            << arguments[0] << ' ' << arguments[1] << ": " << run.err;
+        EXPECT_EQ(names_in(folder.folder()), std::vector<std::string>{"nothing.txl"});
+    }
 }
 
 TEST(TextureConvert, WarnsAboutWhatAnImageLoses) {
@@ -307,33 +573,6 @@ TEST(TextureConvert, JsonSaysTheSame) {
                                                 {"exit_code", 0},
                                                 {"diagnostics", json::array()}}));
     EXPECT_EQ(document.at("files").at(1).at("diagnostics").at(0).at("code"), "cannot-open");
-}
-
-/// Runs a command with a terminal for all its streams, and returns what it wrote there.
-std::string in_terminal(const std::vector<std::string>& arguments) {
-    int terminal = -1;
-    std::vector<char*> pointers;
-    for (const std::string& argument : arguments) {
-        pointers.push_back(const_cast<char*>(argument.c_str()));  // execvp does not change them
-    }
-    pointers.push_back(nullptr);
-    const pid_t child = ::forkpty(&terminal, nullptr, nullptr, nullptr);
-    if (child == 0) {
-        ::setenv("TERM", "dumb", 1);
-        ::execvp(pointers.front(), pointers.data());
-        ::_exit(127);
-    }
-    std::string text;
-    char buffer[4096];
-    // Reading fails once the last process that uses the terminal has ended.
-    for (ssize_t count = 0; (count = ::read(terminal, buffer, sizeof buffer)) > 0;) {
-        text.append(buffer, static_cast<std::size_t>(count));
-    }
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    ::close(terminal);
-    EXPECT_TRUE(WIFEXITED(status));
-    return text;
 }
 
 TEST(TextureConvert, ShowsABarOnATerminal) {

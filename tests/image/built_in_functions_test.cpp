@@ -13,8 +13,9 @@
 
 namespace {
 
-using image::AlphaBytes;
 using image::Code;
+const image::WriteOptions kOptions;
+
 using Reports = std::vector<std::pair<Code, std::string>>;
 
 void add(void* reports, Code code, const char* reason) {
@@ -61,8 +62,7 @@ TEST(BuiltInFunctions, WriteTgaByteForByte) {
         const TemporaryFolder folder;
         const std::string path = folder.path("a.tga");
         Reports reports;
-        ASSERT_TRUE(
-            image::built_in_functions().write(path.c_str(), &c.texture, AlphaBytes::kept, &add, &reports));
+        ASSERT_TRUE(image::built_in_functions().write(path.c_str(), &c.texture, &kOptions, &add, &reports));
         EXPECT_TRUE(reports.empty());
         std::string header(18, '\0');
         header[2] = c.kind_depth_and_flags[0];
@@ -80,7 +80,7 @@ TEST(BuiltInFunctions, ProbeWhatTheyWrite) {
     const Texture texture = made_texture(300, 7, Texture::kRgb, 1);
     Reports reports;
     const image::Functions& functions = image::built_in_functions();
-    ASSERT_TRUE(functions.write(path.c_str(), &texture, AlphaBytes::kept, &add, &reports));
+    ASSERT_TRUE(functions.write(path.c_str(), &texture, &kOptions, &add, &reports));
     image::Header header;
     ASSERT_TRUE(functions.probe(path.c_str(), &header, &add, &reports));
     EXPECT_EQ(header.width_px, 300);
@@ -97,7 +97,7 @@ TEST(BuiltInFunctions, RefuseWithACode) {
     const image::Functions& functions = image::built_in_functions();
     const auto write_error = [&](const char* name, const Texture& texture) {
         Reports reports;
-        EXPECT_FALSE(functions.write(folder.path(name).c_str(), &texture, AlphaBytes::kept, &add, &reports));
+        EXPECT_FALSE(functions.write(folder.path(name).c_str(), &texture, &kOptions, &add, &reports));
         return only_error(reports);
     };
     EXPECT_EQ(write_error("a.tga", made_texture(0, 4, Texture::kRgb, 0)), Code::unsupported);
@@ -115,7 +115,7 @@ TEST(BuiltInFunctions, RefuseWithACode) {
     EXPECT_EQ(only_error(reports), Code::not_an_image);
     reports.clear();
     Texture texture;
-    EXPECT_FALSE(functions.read(folder.path("a.png").c_str(), AlphaBytes::kept, &texture, &add, &reports));
+    EXPECT_FALSE(functions.read(folder.path("a.png").c_str(), &kOptions.alpha, &texture, &add, &reports));
     EXPECT_EQ(only_error(reports), Code::not_an_image);
 }
 
@@ -123,8 +123,8 @@ TEST(BuiltInFunctions, WriteAPictureOfTheLargestSide) {
     const TemporaryFolder folder;
     const Texture texture = made_texture(0xFFFF, 1, Texture::kGrey, 0);
     Reports reports;
-    EXPECT_TRUE(image::built_in_functions().write(folder.path("a.tga").c_str(), &texture, AlphaBytes::kept,
-                                                  &add, &reports));
+    EXPECT_TRUE(
+        image::built_in_functions().write(folder.path("a.tga").c_str(), &texture, &kOptions, &add, &reports));
 }
 
 TEST(BuiltInFunctions, KnowTheExtensionOfTgaInEitherCase) {

@@ -45,7 +45,7 @@ TEST(ChangingImages, AreProbedOrRefused) {
 TEST(ChangingImages, AreReadOrRefused) {
     for (const char* const image : kImages) {
         expect_both_outcomes_of(image, 300, [](const std::string& path) {
-            const image::Reading reading = image::read(path, image::AlphaBytes::kept);
+            const image::Reading reading = image::read(path);
             EXPECT_TRUE(reading.texture.has_value() || is_error(reading.diagnostics));
             return reading.texture.has_value();
         });

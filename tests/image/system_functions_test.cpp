@@ -14,7 +14,6 @@
 
 namespace {
 
-using image::AlphaBytes;
 using image::Code;
 
 TEST(SystemFunctions, WriteWhatTheyReadBackExactly) {
@@ -39,8 +38,8 @@ TEST(SystemFunctions, WriteWhatTheyReadBackExactly) {
         SCOPED_TRACE(c.name);
         const TemporaryFolder folder;
         const Texture texture = made_texture(c.width_px, c.height_px, c.mode, c.alphas);
-        ASSERT_FALSE(image::write(folder.path(c.name), texture, AlphaBytes::kept).has_value());
-        const image::Reading reading = image::read(folder.path(c.name), AlphaBytes::kept);
+        ASSERT_FALSE(image::write(folder.path(c.name), texture).error.has_value());
+        const image::Reading reading = image::read(folder.path(c.name));
         ASSERT_TRUE(reading.texture.has_value());
         EXPECT_TRUE(reading.diagnostics.empty());
         EXPECT_EQ(reading.texture->mode, texture.mode);
@@ -55,7 +54,7 @@ TEST(SystemFunctions, WriteWhatTheyReadBackExactly) {
 
 TEST(SystemFunctions, ProbeAsTheyRead) {
     const TemporaryFolder folder;
-    ASSERT_FALSE(image::write(folder.path("a.tif"), made_texture(13, 7, Texture::kRgb, 1), AlphaBytes::kept));
+    ASSERT_FALSE(image::write(folder.path("a.tif"), made_texture(13, 7, Texture::kRgb, 1)).error);
     const image::Probe probe = image::probe(folder.path("a.tif"));
     ASSERT_TRUE(probe.header.has_value());
     EXPECT_EQ(probe.header->width_px, 13);
@@ -67,18 +66,18 @@ TEST(SystemFunctions, ProbeAsTheyRead) {
 TEST(SystemFunctions, RefuseWithACode) {
     const TemporaryFolder folder;
     const auto read_error = [](const std::string& path) {
-        const image::Reading reading = image::read(path, AlphaBytes::kept);
+        const image::Reading reading = image::read(path);
         EXPECT_FALSE(reading.texture.has_value());
         return reading.diagnostics.at(0);
     };
     EXPECT_EQ(read_error(folder.path("missing.png")).code, Code::cannot_open);
     EXPECT_EQ(read_error(folder.write("text.png", "no picture")).code, Code::not_an_image);
     EXPECT_EQ(read_error(folder.write("empty.png", "")).code, Code::not_an_image);
-    ASSERT_FALSE(image::write(folder.path("a.tga"), made_texture(4, 3, Texture::kRgb, 1), AlphaBytes::kept));
+    ASSERT_FALSE(image::write(folder.path("a.tga"), made_texture(4, 3, Texture::kRgb, 1)).error);
     EXPECT_EQ(read_error(folder.path("a.tga")).code, Code::not_an_image);
 
     const auto write_error = [&folder](const char* name, const Texture& texture) {
-        const auto error = image::write(folder.path(name), texture, AlphaBytes::kept);
+        const auto error = image::write(folder.path(name), texture).error;
         EXPECT_TRUE(error.has_value());
         EXPECT_FALSE(std::filesystem::exists(folder.folder() / name));
         return error->code;
@@ -100,7 +99,7 @@ TEST(SystemFunctions, RefuseWithACode) {
 TEST(SystemFunctions, KeepTheOldFileWhenTheNewOneIsRefused) {
     const TemporaryFolder folder;
     const std::string path = folder.write("a.jpg", "old");
-    EXPECT_TRUE(image::write(path, made_texture(4, 3, Texture::kRgb, 1), AlphaBytes::kept).has_value());
+    EXPECT_TRUE(image::write(path, made_texture(4, 3, Texture::kRgb, 1)).error.has_value());
     EXPECT_EQ(content_of(path), "old");
 }
 
@@ -112,8 +111,8 @@ TEST(SystemFunctions, WorkOnSeveralThreads) {
     for (std::size_t i = 0; i < same.size(); ++i) {
         threads.emplace_back([&, i] {
             const std::string path = folder.path((std::to_string(i) + ".png").c_str());
-            if (!image::write(path, texture, AlphaBytes::kept)) {
-                const image::Reading reading = image::read(path, AlphaBytes::kept);
+            if (!image::write(path, texture).error) {
+                const image::Reading reading = image::read(path);
                 same[i] = reading.texture && reading.texture->pixels == texture.pixels ? 1 : 0;
             }
         });

@@ -45,6 +45,12 @@ const PlanCase kPlans[] = {
     {"rgb_beside_grey", {"Y", "R", "G", "B"}, -1, kRgb, {1, 2, 3}, {0}},
     {"grey_by_name_with_many_alphas", {"Y", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
     {"grey_by_the_position_of_the_alpha", {"channel0", "A", "m1", "m2"}, 1, kGrey, {0}, {1, 2, 3}},
+    {"alphas_of_a_texture_by_number",
+     {"R", "G", "B", "A", "Alpha.10", "Alpha.2", "Alpha.x", "Alpha.3"},
+     3,
+     kRgb,
+     {0, 1, 2},
+     {3, 5, 7, 6, 4}},
     {"alpha_channel_out_of_range", {"R", "G", "B"}, 7, kRgb, {0, 1, 2}, {}},
 };
 
@@ -63,6 +69,41 @@ TEST_P(PlanChannels, sorts) {
 
 INSTANTIATE_TEST_SUITE_P(Table, PlanChannels, ::testing::ValuesIn(kPlans),
                          [](const auto& test) { return std::string(test.param.name); });
+
+struct GuessCase {
+    const char* name;
+    std::vector<std::string> channels;
+    int alpha_channel;
+    const char* guess;
+};
+
+TEST(GuessText, names_the_channels_that_do_not_say_what_they_are) {
+    const GuessCase cases[] = {
+        {"colour", {"R", "G", "B"}, -1, ""},
+        {"colour and alpha", {"R", "G", "B", "A"}, 3, ""},
+        {"colour and alpha in full", {"red", "green", "blue", "alpha"}, -1, ""},
+        {"grey and alpha", {"Y", "A"}, 1, ""},
+        {"the alphas of a texture", {"R", "G", "B", "A", "Alpha.2", "Alpha.3"}, 3, ""},
+        {"the alphas of a texture in TIFF", {"Y", "A", "channel2"}, 1, ""},
+        {"an alpha that is marked", {"R", "G", "B", "matte"}, 3, ""},
+        {"a position", {"X", "Y", "Z"}, -1, R"(grey from "Y", alpha from "X", "Z")"},
+        {"colour and depth", {"R", "G", "B", "Z"}, -1, R"(RGB from "R", "G", "B", alpha from "Z")"},
+        {"depth alone", {"Z"}, -1, R"(grey from "Z")"},
+        {"alpha alone", {"A"}, 0, R"(grey from "A")"},
+        {"a normal", {"N.x", "N.y", "N.z"}, -1, R"(RGB from "N.x", "N.y", "N.z")"},
+        {"luminance and chroma", {"BY", "RY", "Y"}, -1, R"(grey from "Y", alpha from "BY", "RY")"},
+        {"more than eight",
+         {"Y", "a1", "a2", "a3", "a4", "a5", "a6", "a7", "a8", "a9"},
+         -1,
+         R"(grey from "Y", alpha from "a1", "a2", "a3", "a4", "a5", "a6", "a7", "a8" and 1 more)"},
+    };
+    for (const GuessCase& c : cases) {
+        OIIO::ImageSpec spec(4, 4, static_cast<int>(c.channels.size()), OIIO::TypeDesc::UINT8);
+        spec.channelnames = c.channels;
+        spec.alpha_channel = c.alpha_channel;
+        EXPECT_EQ(imageio::guess_text(spec, imageio::plan_channels(spec)), c.guess) << c.name;
+    }
+}
 
 TEST(ChannelNames, first_alpha_is_a_and_the_others_keep_their_names) {
     EXPECT_THAT(imageio::channel_names(made_texture(2, 2, kGrey, 0)), ElementsAre("Y"));

@@ -1,5 +1,6 @@
 #include "imageio/txl_input.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
 
@@ -35,6 +36,48 @@ std::vector<std::uint8_t> interleaved(const Texture& texture) {
         imageio::copy_row_out(texture, y, all.data() + row_bytes * static_cast<std::size_t>(y));
     }
     return all;
+}
+
+// A program that reads images from memory hands the bytes over in an object. The file of that name must not
+// be read instead.
+TEST(TxlInput, refuses_to_read_from_memory) {
+    const TemporaryFolder folder;
+    const std::string path = folder.path("a.txl");
+    ASSERT_FALSE(write_texture(path, made_texture(4, 3, Texture::kRgb, 1)).has_value());
+    const std::string bytes = content_of(path);
+    OIIO::Filesystem::IOMemReader memory(bytes.data(), bytes.size());
+    OIIO::Filesystem::IOProxy* proxy = &memory;
+    OIIO::ImageSpec config;
+    config.attribute("oiio:ioproxy", OIIO::TypeDesc::PTR, &proxy);
+    imageio::TxlInput input;
+    OIIO::ImageSpec spec;
+    EXPECT_EQ(input.supports("ioproxy"), 0);
+    EXPECT_FALSE(input.open(path, spec, config));
+    EXPECT_THAT(input.geterror(), HasSubstr("not in memory"));
+    EXPECT_FALSE(input.set_ioproxy(proxy));
+    EXPECT_THAT(input.geterror(), HasSubstr("not in memory"));
+    // Without such an object, both are as if nothing had been asked for.
+    proxy = nullptr;
+    config.attribute("oiio:ioproxy", OIIO::TypeDesc::PTR, &proxy);
+    EXPECT_TRUE(input.set_ioproxy(nullptr));
+    EXPECT_TRUE(input.open(path, spec, config)) << input.geterror();
+    EXPECT_TRUE(input.open(path, spec, OIIO::ImageSpec())) << input.geterror();
+}
+
+TEST(TxlInput, says_that_colour_is_srgb_and_grey_is_data) {
+    const TemporaryFolder folder;
+    for (const int alphas : {0, 2}) {
+        imageio::TxlInput input;
+        OIIO::ImageSpec spec;
+        ASSERT_FALSE(
+            write_texture(folder.path("c.txl"), made_texture(4, 3, Texture::kRgb, alphas)).has_value());
+        ASSERT_TRUE(input.open(folder.path("c.txl"), spec));
+        EXPECT_EQ(spec.get_string_attribute("oiio:ColorSpace"), "sRGB");
+        ASSERT_FALSE(
+            write_texture(folder.path("g.txl"), made_texture(4, 3, Texture::kGrey, alphas)).has_value());
+        ASSERT_TRUE(input.open(folder.path("g.txl"), spec));
+        EXPECT_EQ(spec.find_attribute("oiio:ColorSpace"), nullptr);
+    }
 }
 
 TEST(TxlInput, reads_every_channel_as_stored) {

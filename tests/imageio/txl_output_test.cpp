@@ -1,7 +1,9 @@
 #include "imageio/txl_output.h"
 
+#include <OpenImageIO/filesystem.h>
 #include <gmock/gmock.h>
 
+#include <climits>
 #include <cstdint>
 #include <filesystem>
 #include <functional>
@@ -9,6 +11,7 @@
 #include <string>
 #include <vector>
 
+#include "imageio/txl_input.h"
 #include "support/made_texture.h"
 #include "support/temporary_folder.h"
 #include "texture/value/texture_file.h"
@@ -107,14 +110,83 @@ TEST(TxlOutput, tiles_become_rows) {
 TEST(TxlOutput, rows_are_counted_from_the_origin_of_the_image) {
     const TemporaryFolder folder;
     OIIO::ImageSpec spec(2, 2, 1, OIIO::TypeUInt8);
-    spec.x = 10;
-    spec.y = -5;
+    spec.x = spec.full_x = 10;
+    spec.y = spec.full_y = -5;
     imageio::TxlOutput output;
     ASSERT_TRUE(output.open(folder.path("a.txl"), spec, kCreate));
     const std::vector<std::uint8_t> pixels = {1, 2, 3, 4};
     ASSERT_TRUE(output.write_image(OIIO::TypeUInt8, pixels.data())) << output.geterror();
     ASSERT_TRUE(output.close()) << output.geterror();
     EXPECT_THAT(colour_bytes(only_texture_in(folder)), ElementsAre(1, 2, 3, 4));
+}
+
+TEST(TxlOutput, the_texture_is_the_display_window) {
+    struct WindowCase {
+        const char* name;
+        std::function<void(OIIO::ImageSpec&)> change;
+        std::int32_t width_px, height_px;
+        std::vector<int> pixels;
+    };
+    const WindowCase cases[] = {
+        {"the same as the data window", [](OIIO::ImageSpec&) {}, 2, 2, {1, 2, 3, 4}},
+        {"none at all",
+         [](OIIO::ImageSpec& spec) {
+             spec.x = 7;
+             spec.full_width = spec.full_height = 0;
+         },
+         2,
+         2,
+         {1, 2, 3, 4}},
+        {"larger to the right and below",
+         [](OIIO::ImageSpec& spec) { spec.full_width = spec.full_height = 3; },
+         3,
+         3,
+         {1, 2, 0, 3, 4, 0, 0, 0, 0}},
+        {"larger to the left and above",
+         [](OIIO::ImageSpec& spec) {
+             spec.x = spec.y = -2;
+             spec.full_x = spec.full_y = -3;
+             spec.full_width = 3;
+             spec.full_height = 4;
+         },
+         3,
+         4,
+         {0, 0, 0, 0, 1, 2, 0, 3, 4, 0, 0, 0}},
+    };
+    for (const WindowCase& c : cases) {
+        for (const bool tiled : {false, true}) {
+            SCOPED_TRACE(std::string(c.name) + (tiled ? ", in tiles" : ", in rows"));
+            const TemporaryFolder folder;
+            OIIO::ImageSpec spec(2, 2, 1, OIIO::TypeUInt8);
+            c.change(spec);
+            spec.tile_width = spec.tile_height = tiled ? 1 : 0;
+            imageio::TxlOutput output;
+            ASSERT_TRUE(output.open(folder.path("a.txl"), spec, kCreate)) << output.geterror();
+            const std::vector<std::uint8_t> pixels = {1, 2, 3, 4};
+            ASSERT_TRUE(output.write_image(OIIO::TypeUInt8, pixels.data())) << output.geterror();
+            ASSERT_TRUE(output.close()) << output.geterror();
+            const Texture texture = only_texture_in(folder);
+            EXPECT_EQ(texture.width_px, c.width_px);
+            EXPECT_EQ(texture.height_px, c.height_px);
+            EXPECT_EQ(colour_bytes(texture), c.pixels);
+        }
+    }
+}
+
+TEST(TxlOutput, a_thousand_alphas_can_be_read_again) {
+    const TemporaryFolder folder;
+    const Texture texture = made_texture(3, 2, Texture::kRgb, 1000);
+    imageio::TxlOutput output;
+    ASSERT_TRUE(output.open(folder.path("a.txl"), spec_of(texture), kCreate)) << output.geterror();
+    ASSERT_TRUE(output.write_image(OIIO::TypeUInt8, interleaved(texture).data()));
+    ASSERT_TRUE(output.close()) << output.geterror();
+    imageio::TxlInput input;
+    OIIO::ImageSpec spec;
+    ASSERT_TRUE(input.open(folder.path("a.txl"), spec)) << input.geterror();
+    EXPECT_EQ(spec.nchannels, 1003);
+    std::vector<std::uint8_t> pixels(spec.image_bytes());
+    ASSERT_TRUE(input.read_image(0, 0, 0, -1, OIIO::TypeUInt8, pixels.data())) << input.geterror();
+    EXPECT_EQ(pixels, interleaved(texture));
 }
 
 TEST(TxlOutput, unassociated_values_are_stored_as_given) {
@@ -166,11 +238,12 @@ TEST(TxlOutput, opening_again_drops_an_image_that_was_not_closed) {
 
 TEST(TxlOutput, reports_what_it_supports) {
     const imageio::TxlOutput output;
-    for (const char* feature : {"alpha", "nchannels", "random_access"}) {
+    for (const char* feature :
+         {"alpha", "nchannels", "random_access", "displaywindow", "origin", "negativeorigin"}) {
         EXPECT_EQ(output.supports(feature), 1) << feature;
     }
-    for (const char* feature : {"tiles", "multiimage", "mipmap", "volumes", "channelformats", "displaywindow",
-                                "origin", "deepdata", "arbitrary_metadata", "exif", "iptc", "ioproxy"}) {
+    for (const char* feature : {"tiles", "multiimage", "mipmap", "volumes", "channelformats", "deepdata",
+                                "arbitrary_metadata", "exif", "iptc", "ioproxy"}) {
         EXPECT_EQ(output.supports(feature), 0) << feature;
     }
 }
@@ -191,13 +264,41 @@ const RefusedCase kRefused[] = {
      "a texture has only one image"},
     {"deep", [](OIIO::ImageSpec& spec) { spec.deep = true; }, kCreate, "deep images"},
     {"volume", [](OIIO::ImageSpec& spec) { spec.depth = 2; }, kCreate, "volumes"},
-    {"no_width", [](OIIO::ImageSpec& spec) { spec.width = 0; }, kCreate, "0 x 4 pixels with 3 channels"},
-    {"negative_height", [](OIIO::ImageSpec& spec) { spec.height = -1; }, kCreate, "nothing to store"},
-    {"no_channels", [](OIIO::ImageSpec& spec) { spec.nchannels = 0; }, kCreate, "nothing to store"},
+    {"no_width", [](OIIO::ImageSpec& spec) { spec.width = 0; }, kCreate,
+     "the picture has no pixels: its size is 0 x 4"},
+    {"negative_height", [](OIIO::ImageSpec& spec) { spec.height = -1; }, kCreate,
+     "the picture has no pixels"},
+    {"no_channels", [](OIIO::ImageSpec& spec) { spec.nchannels = 0; }, kCreate,
+     "the picture has no channels"},
+    {"pixels_left_of_the_display_window", [](OIIO::ImageSpec& spec) { spec.x = -1; }, kCreate,
+     "its pixels, 4 x 4 at -1, 0, extend beyond its display window, 4 x 4 at 0, 0; crop"},
+    {"pixels_below_the_display_window", [](OIIO::ImageSpec& spec) { spec.full_height = 3; }, kCreate,
+     "extend beyond its display window, 4 x 3 at 0, 0"},
+    {"pixels_right_of_the_display_window", [](OIIO::ImageSpec& spec) { spec.x = INT_MAX; }, kCreate,
+     "extend beyond its display window"},
+    {"a_display_window_of_more_pixels_than_the_largest_texture",
+     [](OIIO::ImageSpec& spec) { spec.full_width = spec.full_height = INT_MAX; }, kCreate,
+     "2147483647 x 2147483647 pixels exceed the largest texture"},
+    {"more_bytes_than_are_read_again",
+     [](OIIO::ImageSpec& spec) {
+         spec.width = spec.full_width = 1 << 15;
+         spec.height = spec.full_height = 1 << 15;
+         spec.nchannels = 5;
+     },
+     kCreate, "with 5 channels exceed the 4294967296 bytes that are read"},
+    {"more_channels_than_are_read_again", [](OIIO::ImageSpec& spec) { spec.nchannels = 1025; }, kCreate,
+     "1025 channels exceed limits:channels, which is 1024"},
+    {"memory",
+     [](OIIO::ImageSpec& spec) {
+         static OIIO::Filesystem::IOVecOutput memory;
+         OIIO::Filesystem::IOProxy* proxy = &memory;
+         spec.attribute("oiio:ioproxy", OIIO::TypeDesc::PTR, &proxy);
+     },
+     kCreate, "a texture is read from a file and written to one, not in memory"},
     {"more_pixels_than_the_largest_texture",
      [](OIIO::ImageSpec& spec) {
-         spec.width = 1 << 16;
-         spec.height = (1 << 14) + 1;
+         spec.width = spec.full_width = 1 << 16;
+         spec.height = spec.full_height = (1 << 14) + 1;
      },
      kCreate, "exceed the largest texture, which has 2^30"},
 };

@@ -1,10 +1,12 @@
 #include "cli/texture/texture_conversion.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdint>
 #include <cstdio>
 #include <exception>
+#include <iterator>
 #include <span>
 #include <utility>
 
@@ -13,6 +15,8 @@
 #include "system/open_regular_file.h"
 #include "system/replacement_file.h"
 #include "text/ascii.h"
+#include "text/printable.h"
+#include "texture/value/alpha_use.h"
 #include "texture/value/texture_file.h"
 
 namespace cli {
@@ -36,8 +40,8 @@ struct Refusal {
     ExitCode code;
 };
 
-Input read_image(const std::string& path, image::AlphaBytes alpha_bytes) {
-    image::Reading reading = image::read(path, alpha_bytes);
+Input read_image(const std::string& path, const image::AlphaOptions& alpha) {
+    image::Reading reading = image::read(path, alpha);
     Input input;
     if (!reading.texture.has_value()) {
         input.code = image_exit_code(reading.diagnostics.front());
@@ -49,7 +53,10 @@ Input read_image(const std::string& path, image::AlphaBytes alpha_bytes) {
 
 Input read_any(const std::string& path, const ConversionOptions& options) {
     if (!has_texture_extension(path) && !begins_as_texture_file(path)) {
-        return read_image(path, options.alpha_bytes);
+        // The pixels of a texture that does not exist yet show nothing.
+        const bool straight = options.label == AlphaLabel::straight;
+        return read_image(path, {options.alpha_bytes, straight ? image::AlphaPixels::straight
+                                                               : image::AlphaPixels::premultiplied});
     }
     TextureReading reading = read_texture(path);
     return {std::move(reading.texture), texture_diagnostics(reading, path), texture_exit_code(reading)};
@@ -76,16 +83,40 @@ std::optional<Refusal> write_texture_file(const std::string& path, const Texture
     return std::nullopt;
 }
 
-std::optional<Refusal> write_any(const std::string& path, const Texture& texture,
-                                 image::AlphaBytes alpha_bytes) {
-    if (has_texture_extension(path)) {
-        return write_texture_file(path, texture);
+/// Adds a warning of names that textures do not store.
+std::optional<Refusal> write_as_texture(Conversion& conversion, const Texture& texture) {
+    if (auto refusal = write_texture_file(conversion.output, texture)) {
+        return refusal;
     }
-    if (auto error = image::write(path, texture, alpha_bytes)) {
-        const ExitCode code = image_exit_code(*error);
-        return Refusal{std::move(*error), code};
+    if (const std::vector<std::string> names = names_without_room(texture); !names.empty()) {
+        conversion.diagnostics.push_back(diagnostic::make(
+            image::Code::names_left_out, {conversion.output},
+            "a texture's alpha channels are all called Alpha; without its name is " +
+                text::quoted(names.front()) +
+                (names.size() == 1 ? "" : " and " + std::to_string(names.size() - 1) + " more")));
     }
     return std::nullopt;
+}
+
+std::optional<Refusal> write_as_image(Conversion& conversion, const Texture& texture,
+                                      const ConversionOptions& options) {
+    image::WriteOptions write_options;
+    write_options.alpha = {options.alpha_bytes, alpha_pixels(options.label, texture)};
+    if (options.on_rows) {
+        write_options.on_rows = [&](std::int64_t rows) { options.on_rows(rows, texture.height_px); };
+    }
+    image::Writing writing = image::write(conversion.output, texture, write_options);
+    if (writing.error.has_value()) {
+        const ExitCode code = image_exit_code(*writing.error);
+        return Refusal{std::move(*writing.error), code};
+    }
+    std::move(writing.warnings.begin(), writing.warnings.end(), std::back_inserter(conversion.diagnostics));
+    return std::nullopt;
+}
+
+bool lacks_rows(const std::vector<Diagnostic>& diagnostics) {
+    return std::any_of(diagnostics.begin(), diagnostics.end(),
+                       [](const Diagnostic& one) { return one.code == TextureNotice::rows_missing; });
 }
 
 /// Keeps the chosen alpha channels. Says why it cannot; empty on success.
@@ -128,7 +159,13 @@ void convert(Conversion& conversion, const ConversionOptions& options) {
                diagnostic::make(image::Code::no_such_alpha, {conversion.input}, std::move(reason)));
         return;
     }
-    if (auto refusal = write_any(conversion.output, texture, options.alpha_bytes)) {
+    if (options.before_missing_rows && lacks_rows(conversion.diagnostics)) {
+        options.before_missing_rows(conversion.diagnostics);
+        conversion.diagnostics.clear();
+    }
+    if (auto refusal = has_texture_extension(conversion.output)
+                           ? write_as_texture(conversion, texture)
+                           : write_as_image(conversion, texture, options)) {
         refuse(conversion, refusal->code, std::move(refusal->error));
         return;
     }
@@ -151,6 +188,38 @@ std::optional<AlphaChoice> parse_alpha_choice(std::string_view text) {
         return std::nullopt;
     }
     return choice;
+}
+
+std::optional<AlphaLabel> parse_alpha_label(std::string_view text) {
+    if (text == "premultiplied") {
+        return AlphaLabel::premultiplied;
+    }
+    if (text == "straight") {
+        return AlphaLabel::straight;
+    }
+    return text == "auto" ? std::optional(AlphaLabel::pixels) : std::nullopt;
+}
+
+void add_alpha_label_option(Options& options, std::string& label) {
+    options
+        .option(
+            "--alpha-label", label,
+            "what the texture's colour is and an image is to say: premultiplied, as After Effects is told; "
+            "straight; or auto, whichever the pixels show")
+        .value_name("LABEL")
+        .show_default()
+        .check([](const std::string& text) {
+            return parse_alpha_label(text) ? std::string()
+                                           : '"' + text + "\" is neither premultiplied, straight nor auto";
+        })
+        .group("Alpha");
+}
+
+image::AlphaPixels alpha_pixels(AlphaLabel label, const Texture& texture) {
+    const bool straight =
+        label == AlphaLabel::straight || (label == AlphaLabel::pixels && !texture.alphas.empty() &&
+                                          find_alpha_use(texture).use == AlphaUse::straight);
+    return straight ? image::AlphaPixels::straight : image::AlphaPixels::premultiplied;
 }
 
 Conversion convert_texture(const std::string& input, const std::string& output,

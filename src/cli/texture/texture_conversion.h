@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cli/exit_codes.h"
+#include "cli/options.h"
 #include "cli/report/diagnostic_text.h"
 #include "image/image.h"
 
@@ -22,9 +25,32 @@ struct AlphaChoice {
 /// Parses "all", "none" or a number from 1; nothing for any other text.
 std::optional<AlphaChoice> parse_alpha_choice(std::string_view text);
 
+/// What a user says about the colour of a texture.
+enum class AlphaLabel {
+    premultiplied,  ///< as the plug-in tells After Effects
+    straight,
+    pixels,  ///< whichever the pixels show
+};
+
+/// Parses "premultiplied", "straight" or "auto"; nothing for any other text.
+std::optional<AlphaLabel> parse_alpha_label(std::string_view text);
+
+/// Adds the option --alpha-label, whose text goes to `label`.
+void add_alpha_label_option(Options& options, std::string& label);
+
+/// The label as image files have it. Looks at the pixels if it has to.
+image::AlphaPixels alpha_pixels(AlphaLabel label, const Texture& texture);
+
 struct ConversionOptions {
     AlphaChoice alpha;
     image::AlphaBytes alpha_bytes = image::AlphaBytes::kept;
+    AlphaLabel label = AlphaLabel::premultiplied;
+    /// Called before the output of a texture is begun that has more rows than its file; takes over what there
+    /// is to say about the input. May be empty; then the conversion keeps it.
+    std::function<void(const std::vector<Diagnostic>&)> before_missing_rows;
+    /// Called with the rows of the picture that are written, and with all of them; not for textures. May be
+    /// empty.
+    std::function<void(std::int64_t written, std::int64_t rows)> on_rows;
 };
 
 /// The outcome for one file.

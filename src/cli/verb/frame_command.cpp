@@ -95,6 +95,7 @@ class FrameCommand : public Command {
                                                 : '"' + text + "\" is not a number from 0 to 255";
             })
             .group("The frame");
+        add_alpha_label_option(options, label_);
         add_bundle_option(options, bundle_);
         add_host_option(options, host_);
     }
@@ -126,10 +127,12 @@ class FrameCommand : public Command {
 
   private:
     void write(FrameRun& frame) const {
-        const auto error = image::write(output_, *frame.frame, image::AlphaBytes::kept);
-        if (error.has_value()) {
-            frame.code = most_serious(frame.code, image_exit_code(*error));
-            frame.problems.push_back(error->reason);
+        image::WriteOptions options;
+        options.alpha.pixels = alpha_pixels(*parse_alpha_label(label_), *frame.frame);
+        const image::Writing writing = image::write(output_, *frame.frame, options);
+        if (writing.error.has_value()) {
+            frame.code = most_serious(frame.code, image_exit_code(*writing.error));
+            frame.problems.push_back(writing.error->reason);
             frame.frame.reset();
         }
     }
@@ -150,6 +153,7 @@ class FrameCommand : public Command {
     std::string output_;
     std::string resolution_ = kResolutions[0].name;
     std::string size_;
+    std::string label_ = "premultiplied";
     std::string bundle_;
     std::string host_ = kUsualHost;
     int fill_ = 0;
@@ -166,7 +170,8 @@ Verb frame_verb() {
          "alpha, red, green and blue, every byte unchanged. Also shows what the plug-in reports about the "
          "texture: size, depth, alpha, duration.",
          "`texture convert` takes the picture directly from the file; `frame` takes it through the plug-in. "
-         "A difference between the two would be a bug in one of them."},
+         "A difference between the two would be a bug in one of them. Both write every byte as it is, and "
+         "both mark it in formats that can say so, such as TIFF, as --alpha-label says."},
         {{"vxr frame bark.txl -o frame.png", "What After Effects draws for bark.txl."},
          {"vxr frame bark.txl -o half.png --resolution half",
           "What it draws in a composition at half resolution: the whole texture, with half as many pixels a "

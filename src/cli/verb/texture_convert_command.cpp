@@ -1,9 +1,13 @@
 #include <algorithm>
+#include <chrono>
 #include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <system_error>
@@ -48,6 +52,52 @@ Json conversion_json(const Conversion& conversion) {
                 {"diagnostics", diagnostics_json(conversion.diagnostics)}};
 }
 
+void write_diagnostics(const std::vector<Diagnostic>& diagnostics, Terminal& terminal) {
+    for (const Diagnostic& diagnostic : diagnostics) {
+        terminal.err << texture_diagnostic_text(diagnostic, terminal.err_paint);
+    }
+    terminal.err << std::flush;
+}
+
+/// A bar for the rows of a single picture that takes a while to write. The conversion calls `show` on its own
+/// thread, while the thread that made the bar waits for it. With several pictures no bar is wanted, and
+/// `show` may be called on any thread.
+class RowBar {
+  public:
+    RowBar(Terminal& terminal, bool wanted) : terminal_(terminal), wanted_(wanted) {}
+
+    void show(std::int64_t written, std::int64_t rows) {
+        constexpr auto kPause = std::chrono::milliseconds(200);
+        constexpr auto kWithoutBar = std::chrono::milliseconds(500);
+        if (!wanted_) {
+            return;
+        }
+        const auto now = std::chrono::steady_clock::now();
+        if (!next_.has_value()) {
+            next_ = now + kWithoutBar;
+        }
+        if (now < *next_) {
+            return;
+        }
+        next_ = now + kPause;
+        if (!bar_.has_value()) {
+            bar_.emplace(terminal_, static_cast<std::size_t>(rows));
+        }
+        bar_->bar(static_cast<std::size_t>(written));
+    }
+
+    /// Shows the first row already. Without this a picture that is written at once shows no bar.
+    void begin_at_once() { next_ = std::chrono::steady_clock::now(); }
+
+    void clear() { bar_.reset(); }
+
+  private:
+    Terminal& terminal_;
+    bool wanted_;
+    std::optional<std::chrono::steady_clock::time_point> next_;  // set by the first row
+    std::optional<Progress> bar_;
+};
+
 class TextureConvertCommand : public Command {
   public:
     void add_options(Options& options) override {
@@ -76,9 +126,9 @@ class TextureConvertCommand : public Command {
             .group("Alpha");
         options
             .flag("--convert-alpha", convert_alpha_,
-                  "multiply colour by alpha where the image stores straight alpha, and divide it on the way "
-                  "back")
+                  "multiply or divide colour by alpha where the texture and the image format differ")
             .group("Alpha");
+        add_alpha_label_option(options, label_);
         options.option("-j,--jobs", jobs_, "how many files to convert at a time; 0 for one per processor")
             .value_name("N")
             .show_default()
@@ -96,19 +146,37 @@ class TextureConvertCommand : public Command {
         if (!out_dir_.empty()) {
             fs::create_directories(os::native_path(out_dir_));
         }
-        const ConversionOptions options{*parse_alpha_choice(alpha_), convert_alpha_
-                                                                         ? image::AlphaBytes::converted
-                                                                         : image::AlphaBytes::kept};
-        const bool bar_wanted = terminal.live && is_terminal(1) && !json_ && inputs_.size() > 1;
+        ConversionOptions options;
+        options.alpha = *parse_alpha_choice(alpha_);
+        options.alpha_bytes = convert_alpha_ ? image::AlphaBytes::converted : image::AlphaBytes::kept;
+        options.label = *parse_alpha_label(label_);
+        const bool shows_progress = terminal.live && is_terminal(1) && !json_;
+        const bool bar_wanted = shows_progress && inputs_.size() > 1;
         Progress progress(terminal, inputs_.size(), bar_wanted);
+        std::mutex terminal_mutex;
+        RowBar row_bar(terminal, shows_progress && inputs_.size() == 1);
+        options.on_rows = [&](std::int64_t written, std::int64_t rows) { row_bar.show(written, rows); };
+        if (!json_) {
+            options.before_missing_rows = [&](const std::vector<Diagnostic>& diagnostics) {
+                const std::lock_guard lock(terminal_mutex);
+                progress.clear();
+                write_diagnostics(diagnostics, terminal);
+                row_bar.begin_at_once();
+            };
+        }
         Json documents = Json::array();
         ExitCode code = ExitCode::fine;
         std::size_t converted = 0;
         run_in_order<Conversion>(
             inputs_.size(), threads(),
             [&](std::size_t i) { return convert_texture(inputs_[i], outputs[i], options); },
-            [&](std::size_t done) { progress.bar(done); },
+            [&](std::size_t done) {
+                const std::lock_guard lock(terminal_mutex);
+                progress.bar(done);
+            },
             [&](std::size_t, const Conversion& conversion) {
+                const std::lock_guard lock(terminal_mutex);
+                row_bar.clear();
                 code = most_serious(code, conversion.code);
                 converted += conversion.code == ExitCode::fine ? 1 : 0;
                 if (json_) {
@@ -183,10 +251,7 @@ class TextureConvertCommand : public Command {
                        Terminal& terminal) {
         if (!conversion.diagnostics.empty()) {
             progress.clear();
-            for (const Diagnostic& diagnostic : conversion.diagnostics) {
-                terminal.err << texture_diagnostic_text(diagnostic, terminal.err_paint);
-            }
-            terminal.err << std::flush;
+            write_diagnostics(conversion.diagnostics, terminal);
         }
         if (line_wanted) {
             terminal.out << conversion_line(conversion, terminal.out_paint) << std::flush;
@@ -198,6 +263,7 @@ class TextureConvertCommand : public Command {
     std::string to_;
     std::string out_dir_;
     std::string alpha_ = "all";
+    std::string label_ = "premultiplied";
     bool convert_alpha_ = false;
     bool json_ = false;
     int jobs_ = 0;
@@ -213,9 +279,14 @@ Verb texture_convert_verb() {
          "format. Images become textures with 8 bits per channel: one channel becomes grey, three become "
          "RGB, and every other channel becomes an alpha channel, the image's own alpha first.",
          "Every byte is copied as it is stored, so converting there and back loses nothing, even through "
-         "formats like PNG that expect colour not to be multiplied by alpha. With --convert-alpha the image "
-         "library multiplies and divides instead: the image then looks right in a viewer, but 8 bits lose "
-         "some precision.",
+         "formats like PNG that expect colour not to be multiplied by alpha. TIFF files say whether it is, "
+         "and "
+         "--alpha-label decides what they say. With --convert-alpha colour is multiplied or divided where "
+         "the "
+         "texture, as --alpha-label describes it, and the image format differ: the image then looks right in "
+         "a viewer, but 8 bits lose some precision.",
+         "An image becomes a texture of its display window; pixels outside of it are refused. What a texture "
+         "does not hold is named in warnings: depths above 8 bits, names, metadata, further images.",
          "A file is written beside the one that it will replace, and takes its place when it is complete. An "
          "image format without room for all alpha channels is an error; --alpha chooses."},
         {{"vxr texture convert bark.txl -o bark.png", "Converts one texture to PNG."},
