@@ -124,11 +124,12 @@ TEST(ToolCodes, ErrorsComeBeforeWarnings) {
     EXPECT_EQ(code_info(cli::ToolCode::footage_missing).severity, diagnostic::Severity::warning);
 }
 
-TEST(ToolCodes, NamesAreLowerCaseWordsAndDistinct) {
+TEST(ToolCodes, NamesAreLowerCaseWordsOrNumbersAndDistinct) {
     std::set<std::string> names;
     for (const auto& [code, info] : cli::tool_code_table()) {
         EXPECT_TRUE(names.insert(info.name).second) << info.name;
-        EXPECT_EQ(std::string(info.name).find_first_not_of("abcdefghijklmnopqrstuvwxyz-"), std::string::npos)
+        EXPECT_EQ(std::string(info.name).find_first_not_of("abcdefghijklmnopqrstuvwxyz0123456789-"),
+                  std::string::npos)
             << info.name;
         EXPECT_EQ(&code_info(code), &cli::tool_code_table()[static_cast<std::size_t>(code)].info);
     }
