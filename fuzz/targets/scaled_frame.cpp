@@ -102,7 +102,7 @@ int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     shape.row_bytes = upwards ? -row_bytes : row_bytes;
     A_LRect region = {};
     for (A_long* side : {&region.left, &region.top, &region.right, &region.bottom}) {
-        *side = input.take_value<std::int8_t>();
+        *side = A_long{input.take()} - 128;
     }
     if (in_part) {
         shape.required_region = region;

@@ -12,7 +12,8 @@ namespace {
 constexpr unsigned char kFirstOfTable = 0x80;
 
 // The upper 128 bytes of each encoding.
-constexpr std::array<char16_t, 128> kWindows1252 = [] {
+
+constexpr std::array<char16_t, 128> windows_1252() {
     // From 0xA0 on, the bytes are the code points.
     constexpr std::array<char16_t, 32> kOthers = {
         0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -24,7 +25,9 @@ constexpr std::array<char16_t, 128> kWindows1252 = [] {
         table[i] = i < kOthers.size() ? kOthers[i] : static_cast<char16_t>(kFirstOfTable + i);
     }
     return table;
-}();
+}
+
+constexpr std::array<char16_t, 128> kWindows1252 = windows_1252();
 
 constexpr std::array<char16_t, 128> kMacRoman = {
     0x00C4, 0x00C5, 0x00C7, 0x00C9, 0x00D1, 0x00D6, 0x00DC, 0x00E1, 0x00E0, 0x00E2, 0x00E4, 0x00E3, 0x00E5,

@@ -150,6 +150,7 @@ std::string list_text(const std::vector<std::string>& names) {
 std::string guess_text(const OIIO::ImageSpec& spec, const ChannelPlan& plan) {
     const auto names_of = [&spec](const std::vector<int>& channels) {
         std::vector<std::string> names;
+        names.reserve(channels.size());
         for (const int channel : channels) {
             names.push_back(spec.channel_name(channel));
         }

@@ -15,7 +15,8 @@ std::string range_text(const embedded::FrameRange& range) {
 
 // Point and ambient lights shine in every direction.
 bool lacks_aim(const embedded::Layer& layer) {
-    const bool directed = layer.light_type == kLightTypeSpot || layer.light_type == kLightTypeParallel;
+    const AEGP_LightType type = layer.light_type.value_or(kLightTypePoint);
+    const bool directed = type == kLightTypeSpot || type == kLightTypeParallel;
     return directed && !layer.looks_at_point_of_interest();
 }
 

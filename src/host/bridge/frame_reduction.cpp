@@ -73,8 +73,10 @@ class Average {
 };
 
 unsigned char* frame_pixel(const PF_LayerDef& frame, A_long x, A_long y) {
-    return reinterpret_cast<unsigned char*>(frame.data) + std::int64_t{y} * frame.row_bytes +
-           std::int64_t{x} * static_cast<std::int64_t>(kChannels);
+    const std::int64_t offset =
+        std::int64_t{y} * frame.row_bytes + std::int64_t{x} * static_cast<std::int64_t>(kChannels);
+    auto* const bytes = reinterpret_cast<unsigned char*>(frame.data);
+    return bytes + offset;
 }
 
 const unsigned char* picture_row(const PictureRows& rows, std::int64_t y) {
