@@ -5,9 +5,8 @@
 #include <string_view>
 #include <vector>
 
-// Names and paths in composition files that are not UTF-8: the bytes of an encoding with one byte a
-// character, in which programs on Windows and on the Macintosh wrote before Unicode. A file does not say
-// which one it was.
+// Names and paths in composition files that are not UTF-8. Before Unicode, programs for Windows and for
+// classic Mac OS used encodings of one byte per character; a file does not name its encoding.
 
 /// Both have ASCII in their lower halves.
 enum class ByteEncoding {
@@ -27,14 +26,15 @@ enum class ByteEncoding {
 /// The bytes as characters of that encoding; every byte is one. Throws std::bad_alloc.
 [[nodiscard]] std::u16string utf16_from_bytes(std::string_view bytes, ByteEncoding encoding);
 
-/// A name in UTF-16: of UTF-8 if it is valid, else of bytes in that encoding. Throws std::bad_alloc.
+/// A name in UTF-16. It is read as UTF-8 if it is valid UTF-8, otherwise in that encoding. Throws
+/// std::bad_alloc.
 [[nodiscard]] std::u16string utf16_from_name(std::string_view name, ByteEncoding encoding);
 
 /// The same in UTF-8.
 [[nodiscard]] std::string utf8_from_name(std::string_view name, ByteEncoding encoding);
 
-/// The paths in UTF-8 that a path which is not UTF-8 may mean, the likelier first: the names in it that are
-/// not UTF-8 are read as Windows-1252, then as Mac Roman. Each name counts by itself, because the folder of a
-/// composition file and the footage named in it come from different systems. Names end at "/" and "\". Empty
-/// for a path that is UTF-8. Throws std::bad_alloc.
+/// The possible meanings, in UTF-8, of a path that is not UTF-8, the likelier first: its names that are not
+/// UTF-8 are read as Windows-1252, then as Mac Roman. Names in UTF-8 stay, because the folder of a
+/// composition file and the footage that it names may come from different systems. Names end at "/" and "\".
+/// Empty for a path in UTF-8. Throws std::bad_alloc.
 [[nodiscard]] std::vector<std::string> paths_in_other_encodings(std::string_view path);

@@ -13,7 +13,7 @@ namespace {
 
 SPBasicSuite bridge_basic_suite;
 
-// A suite whose functions the bridge puts its own in front of; mostly to translate the classic version to the
+// A suite for which the bridge hands out its own table, mostly to translate the classic version to the
 // current one.
 struct BridgedSuite {
     const char* name;
@@ -35,7 +35,7 @@ const void* table_of() {
     return Suite();
 }
 
-// The host's own classic suites that are handed out themselves, in the order of the rows below.
+// For the classic suites that a host may offer instead of the current ones, in the order of the rows below.
 ReferenceCount classic_persistent_data;
 ReferenceCount classic_proj;
 ReferenceCount classic_item;
@@ -56,11 +56,11 @@ constexpr BridgedSuite kBridgedSuites[] = {
      nullptr, 10},
     {"AEGP Comp Suite", 9, 15, table_of<comp_suite>, &reference_count<AEGP_CompSuite15>,
      &reference_count<AEGP_CompSuite9>, table_of<narrow_comp_suite>, 9},
-    {"AEGP Light Suite", 2, 2, table_of<light_suite>, &reference_count<AEGP_LightSuite2>, nullptr},
     {"AEGP IO In Suite", 1, 5, table_of<io_in_suite>, &reference_count<AEGP_IOInSuite5>, &classic_io_in},
     {"AEGP IO Out Suite", 1, 7, table_of<io_out_suite>, &reference_count<AEGP_IOOutSuite7>, &classic_io_out},
-    // Three that current hosts still offer. The bridge stands in front of them for what their functions do
-    // beyond the host's (service_suites.cpp).
+    // Current hosts still offer these. The bridge adds to what their functions do (named_suites.cpp,
+    // service_suites.cpp).
+    {"AEGP Light Suite", 2, 2, table_of<light_suite>, &reference_count<AEGP_LightSuite2>, nullptr},
     {"AEGP Memory Suite", 1, 1, table_of<memory_suite>, &reference_count<AEGP_MemorySuite1>, nullptr},
     {"AEGP Stream Suite", 7, 7, table_of<stream_suite>, &reference_count<AEGP_StreamSuite7>, nullptr},
     {"AEGP Utility Suite", 7, 7, table_of<utility_suite>, &reference_count<AEGP_UtilitySuite7>, nullptr},
@@ -118,7 +118,7 @@ A_Err acquire_suite(const char* name, A_long version, const void** table) {
     return err;
 }
 
-// The suite handler releases in its destructor, out of which no exception may come.
+// The suite handler releases suites in its destructor, which must not throw.
 A_Err release_to_host(const char* name, A_long version) {
     return answer_of([=] { return underlying_host.basic->ReleaseSuite(name, version); });
 }

@@ -18,12 +18,13 @@
 namespace bridge {
 namespace {
 
+// An in-spec for which a module opens a file. Remembers the picture that the module attaches to it.
 class OpenedSpec final : public SpecUse {
   public:
     using SpecUse::SpecUse;
 
     A_Err set_options(void* options, void** old_options) override {
-        // First, because there may be no memory for it: options that are attached must be known.
+        // Before the host attaches the options, because attached options must be known and this may throw.
         if (options != nullptr) {
             remember_picture(options, size_);
         }
@@ -56,6 +57,7 @@ class OpenedSpec final : public SpecUse {
     FrameSize size_;
 };
 
+// An in-spec that a module disposes of. Hides options that no module attached in this session.
 class DisposedSpec final : public SpecUse {
   public:
     using SpecUse::SpecUse;
@@ -81,7 +83,8 @@ bool has_pixels(const A_LRect& region) {
     return region.left < region.right && region.top < region.bottom;
 }
 
-// The part of a frame that is to be drawn; nothing when the host requires only what lies outside.
+// The part of a frame to draw; nothing when the required region lies outside the frame. Deliberately, a
+// region without pixels means the whole frame: a host that needs no pixels does not ask.
 std::optional<A_LRect> required_part(const AEIO_DrawSparseFramePB* request, const PF_LayerDef& frame) {
     const A_LRect whole = {0, 0, frame.width, frame.height};
     if (request == nullptr || !has_pixels(request->required_region)) {
@@ -93,14 +96,14 @@ std::optional<A_LRect> required_part(const AEIO_DrawSparseFramePB* request, cons
     return has_pixels(part) ? std::optional(part) : std::nullopt;
 }
 
-// Whether no row reaches into the next.
+// Whether the rows do not overlap.
 bool rows_are_apart(const PF_LayerDef& frame) {
     const std::int64_t length = std::abs(std::int64_t{frame.row_bytes});
     return frame.height < 2 || length >= std::int64_t{frame.width} * std::int64_t{sizeof(PF_Pixel)};
 }
 
-// An in-spec that is drawn. The module asks for its options before it looks at the frame that it is to draw
-// into; so the answer decides what that frame is.
+// An in-spec that a module draws. The module asks for its options before it looks at its frame, so the answer
+// to that question can still decide what the frame is.
 class DrawnSpec final : public SpecUse {
   public:
     DrawnSpec(std::size_t place, const AEIO_BasicData& data, AEIO_InSpecH spec,
@@ -187,12 +190,12 @@ class DrawnSpec final : public SpecUse {
         modules_frame_.height = picture_end(part_.bottom, frame_->height, size.height_px);
         const bool at_the_corner = part_.left == 0 && part_.top == 0;
         if (size == FrameSize{frame_->width, frame_->height} && at_the_corner) {
-            return kHostErrorNone;  // into the host's frame
+            return kHostErrorNone;  // the module draws into the host's frame
         }
         return make_own_frame();
     }
 
-    // Of as much of the picture as the module must draw.
+    // Covers only the part of the picture that the module must draw.
     A_Err make_own_frame() {
         const std::int64_t row_bytes = std::int64_t{modules_frame_.width} * std::int64_t{sizeof(PF_Pixel)};
         const std::int64_t picture_px = std::int64_t{size_.width_px} * size_.height_px;
@@ -216,8 +219,7 @@ class DrawnSpec final : public SpecUse {
     bool bridge_reports_ = false;
     A_LRect part_ = {};
     FrameSize size_;
-    std::unique_ptr<PF_Pixel[]>
-        pixels_;  // of the bridge's own frame; null when the module draws into the host's
+    std::unique_ptr<PF_Pixel[]> pixels_;  // null when the module draws into the host's frame
     std::shared_ptr<ReloadedPicture> picture_;
 };
 
@@ -242,7 +244,7 @@ A_Err draw_frame(std::size_t place, AEIO_BasicData* data, AEIO_InSpecH spec,
 A_Err dispose_in_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpecH spec) {
     DisposedSpec disposed(spec);
     const A_Err err = input_modules[place].AEIO_DisposeInSpec(data, spec);
-    // Even if freeing the handle failed, the picture in it is gone.
+    // The module has deleted the picture even if it could not free the handle.
     forget_picture(disposed.options());
     return err;
 }

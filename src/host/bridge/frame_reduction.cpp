@@ -10,9 +10,9 @@ namespace {
 
 constexpr std::size_t kChannels = sizeof(PF_Pixel);
 
-// What one pixel of the frame covers of the picture along one axis. A pixel of the picture is as many units
-// long as the frame has pixels, and one of the frame as many as the picture has, so both ends are whole
-// numbers.
+// What one pixel of the frame covers of the picture along one axis. In units in which a pixel of the picture
+// is as long as the frame has pixels, and a pixel of the frame as long as the picture has, both ends are
+// whole numbers.
 struct Covered {
     std::int64_t first = 0;  // pixels of the picture, both included
     std::int64_t last = 0;

@@ -14,9 +14,9 @@
 namespace bridge {
 namespace {
 
-// A module does not learn how much room there is for a path that it writes. It may return one that the host
-// gave it; the longest on any current platform has 32767 units, each at most 3 bytes in UTF-8.
-constexpr std::size_t kModulePathBytes = std::size_t{3} * 32767 + 1;
+// A module is not told how much room there is for a path that it writes. It may return one that the host gave
+// it.
+constexpr std::size_t kModulePathBytes = kLongestPathBytes + 1;
 
 void show_no_message(A_Err /*code*/, const A_char* /*text*/) {}
 
@@ -66,7 +66,7 @@ template <typename... Arguments, A_Err (*AEIO_FunctionBlock2::*Field)(AEIO_Basic
 struct SameField<Field> {
     [[gnu::noinline]] static A_Err call(std::size_t place, AEIO_BasicData* data, Arguments... arguments) {
         return with_bridge(data, [&](AEIO_BasicData* bridged) {
-            return (input_modules[place].*Field)(bridged, GivenArgument<Arguments>(arguments)...);
+            return (input_modules[place].*Field)(bridged, GivenArgument<Arguments>(arguments).get()...);
         });
     }
 };
@@ -85,7 +85,8 @@ A_Err dispose_of_in_spec(std::size_t place, AEIO_BasicData* data, AEIO_InSpecH s
 A_Err draw_sparse_frame(std::size_t place, AEIO_BasicData* data, AEIO_InSpecH spec,
                         const AEIO_DrawSparseFramePB* request, PF_LayerDef* world, AEIO_DrawingFlags* flags) {
     return with_bridge(data, [=](AEIO_BasicData* bridged) {
-        return draw_frame(place, bridged, spec, request, world, GivenArgument<AEIO_DrawingFlags*>(flags));
+        return draw_frame(place, bridged, spec, request, world,
+                          GivenArgument<AEIO_DrawingFlags*>(flags).get());
     });
 }
 
@@ -113,7 +114,7 @@ A_Err verify_file_importable(std::size_t place, AEIO_BasicData* data, A_long sig
     // A file whose path cannot be converted is not importable; otherwise the module answers.
     const GivenArgument<A_Boolean*> answer(importable);
     return with_narrow_path(data, path, [&](AEIO_BasicData* bridged, const A_char* narrow) {
-        return input_modules[place].AEIO_VerifyFileImportable(bridged, signature, narrow, answer);
+        return input_modules[place].AEIO_VerifyFileImportable(bridged, signature, narrow, answer.get());
     });
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <type_traits>
@@ -9,22 +8,22 @@
 
 namespace bridge {
 
-/// What a pointer argument of a module's callback points to when the callback writes it.
+/// Whether a module's callback writes to what a pointer argument of this type points to.
 template <typename Value>
 inline constexpr bool kIsOutput =
     std::is_same_v<Value, A_Boolean> || std::is_same_v<Value, A_long> || std::is_same_v<Value, A_u_long> ||
     std::is_same_v<Value, std::uint64_t> || std::is_same_v<Value, A_Time> || std::is_same_v<Value, A_LRect> ||
     std::is_same_v<Value, AEIO_Verbiage> || std::is_same_v<Value, AEIO_Handle>;
 
-/// An argument of the host's for a callback of a module, for the length of the call. Modules write through
-/// their outputs without a look and leave some of them alone. Current hosts may pass null for an output that
-/// they do not need, and memory that holds anything; so an output is cleared, and null gets a stand-in. Other
-/// arguments pass as they are.
+/// An argument that the host passes to a callback of a module, for the duration of the call. Modules do not
+/// test their outputs for null and do not set all of them. Current hosts may pass null for an output that
+/// they do not need, or memory with any content. So an output is cleared, and a stand-in replaces null. Other
+/// arguments pass unchanged.
 template <typename Argument>
 class GivenArgument {
   public:
     explicit GivenArgument(Argument argument) : argument_(argument) {}
-    operator Argument() const { return argument_; }  // NOLINT(google-explicit-constructor)
+    [[nodiscard]] Argument get() const { return argument_; }
 
   private:
     Argument argument_;
@@ -39,22 +38,22 @@ class GivenArgument<Value*> {
     }
     GivenArgument(const GivenArgument&) = delete;
     GivenArgument& operator=(const GivenArgument&) = delete;
-    operator Value*() const { return output_; }  // NOLINT(google-explicit-constructor)
+    [[nodiscard]] Value* get() const { return output_; }
 
   private:
     Value stand_in_{};
     Value* output_;
 };
 
-/// A text output: the empty text.
+/// A text output is cleared to the empty text.
 template <>
 class GivenArgument<A_char*> {
   public:
-    // cppcheck-suppress uninitMemberVar; it looks at the members of the template above
+    // cppcheck-suppress uninitMemberVar; cppcheck takes the members of the template above for its own
     explicit GivenArgument(A_char* text) : text_(text == nullptr ? stand_in_.data() : text) { *text_ = 0; }
     GivenArgument(const GivenArgument&) = delete;
     GivenArgument& operator=(const GivenArgument&) = delete;
-    operator A_char*() const { return text_; }  // NOLINT(google-explicit-constructor)
+    [[nodiscard]] A_char* get() const { return text_; }
 
   private:
     std::array<A_char, kClassicPathBytes> stand_in_{};

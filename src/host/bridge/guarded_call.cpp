@@ -10,9 +10,9 @@
 namespace bridge {
 namespace {
 
-// What became of a guarded call: the suite that it lacks, and the exception of the host that was stopped in
-// it. Lives on the stack of the call. Calls nest, because the host calls the input module while the importer
-// calls the host.
+// What a guarded call must remember: the suite that it lacks, and the error that stands for an exception of
+// the host. Lives on the stack of the call. Calls nest, because the host calls the input module while the
+// importer calls the host.
 class CallRecord {
   public:
     CallRecord();
@@ -22,7 +22,7 @@ class CallRecord {
 
     [[nodiscard]] bool is_outermost() const { return outer_ == nullptr; }
     void note_host_exception(A_Err err) { host_exception_ = err; }
-    // An exception of the host outweighs a success.
+    // The exception of a host turns a success into an error.
     [[nodiscard]] A_Err result(A_Err err) const { return err == kHostErrorNone ? host_exception_ : err; }
 
     void note(const A_char* name, A_long version) {

@@ -18,9 +18,9 @@ A_Err guarded(const Function& function) noexcept {
                         &function);
 }
 
-/// What a function of the host answers. A host that throws must not end the process, which an exception does
-/// when it leaves a destructor: it counts as the error that guarded_call gives it, and as one of the
-/// innermost guarded call, even if the plug-in has no use for the answer.
+/// The result of a function of the host. An exception of the host becomes the error that guarded_call would
+/// return, because one that left a destructor would end the process. The innermost guarded call then fails,
+/// even if the plug-in ignores this result.
 A_Err host_answer(A_Err (*call)(const void* context), const void* context) noexcept;
 
 /// host_answer for any callable without parameters.

@@ -16,8 +16,8 @@ namespace {
 // The most bytes of a narrow name that a host keeps.
 constexpr std::size_t kNarrowNameBytes = 31;
 
-// A placeholder's footage and the name that its item shall get. Thread-local, because the two calls of one
-// import are on one thread. The importer cuts names at 32 bytes; longer ones are not remembered.
+// The footage of a placeholder and the name for its item. Thread-local, because an import makes both calls on
+// one thread. The importer cuts names at 32 bytes; longer ones are not remembered.
 struct PlaceholderName {
     AEGP_FootageH footage;
     std::array<A_char, 64> name;

@@ -21,81 +21,42 @@ void look_at_point_of_interest(AEGP_LayerH layer) {
     }
 }
 
-A_Err create_folder(const A_char* name, AEGP_ItemH parent, AEGP_ItemH* folder) {
-    const auto* suite = current_suite<AEGP_ItemSuite13>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
+/// Creates something with a name, which is the host's first argument.
+template <auto Function>
+struct Create;
+
+template <typename Suite, typename... Arguments,
+          A_Err (*Suite::*Function)(const A_UTF16Char* name, Arguments...)>
+struct Create<Function> {
+    static A_Err call(const A_char* name, Arguments... arguments) {
+        return with_wide_name(
+            name, [=](const A_UTF16Char* wide) { return Forward<Function>::call(wide, arguments...); });
     }
-    return with_wide_name(
-        name, [=](const A_UTF16Char* wide) { return suite->AEGP_CreateNewFolder(wide, parent, folder); });
-}
+};
 
 A_Err create_comp(AEGP_ItemH parent_folder, const A_char* name, A_long width, A_long height,
                   const A_Ratio* pixel_aspect, const A_Time* duration, const A_Ratio* frame_rate,
                   AEGP_CompH* comp) {
-    const auto* suite = current_suite<AEGP_CompSuite15>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
     return with_wide_name(name, [=](const A_UTF16Char* wide) {
-        return suite->AEGP_CreateComp(parent_folder, wide, width, height, pixel_aspect, duration, frame_rate,
-                                      comp);
+        return Forward<&AEGP_CompSuite15::AEGP_CreateComp>::call(parent_folder, wide, width, height,
+                                                                 pixel_aspect, duration, frame_rate, comp);
     });
 }
 
-// Aims a camera that the host has just made.
-A_Err aimed(A_Err err, const AEGP_LayerH* layer) {
+using CreateCamera = A_Err (*)(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer);
+
+/// Creates a camera through `Function` and aims it.
+template <CreateCamera Function>
+A_Err create_aimed_camera(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
+    const A_Err err = Function(name, center, comp, layer);
     if (err == kHostErrorNone && layer != nullptr && *layer != nullptr) {
         look_at_point_of_interest(*layer);
     }
     return err;
 }
 
-A_Err create_camera(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
-    const auto* suite = current_suite<AEGP_CompSuite15>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
-    return with_wide_name(name, [=](const A_UTF16Char* wide) {
-        return aimed(answer_of([=] { return suite->AEGP_CreateCameraInComp(wide, center, comp, layer); }),
-                     layer);
-    });
-}
-
-A_Err create_narrow_camera(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
-    const auto* suite = current_suite<AEGP_CompSuite9>();
-    return suite == nullptr
-               ? kHostErrorMissingSuite
-               : aimed(answer_of([=] { return suite->AEGP_CreateCameraInComp(name, center, comp, layer); }),
-                       layer);
-}
-
-A_Err create_light(const A_char* name, A_FloatPoint center, AEGP_CompH comp, AEGP_LayerH* layer) {
-    const auto* suite = current_suite<AEGP_CompSuite15>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
-    return with_wide_name(name, [=](const A_UTF16Char* wide) {
-        return suite->AEGP_CreateLightInComp(wide, center, comp, layer);
-    });
-}
-
-A_Err create_null(const A_char* name, AEGP_CompH comp, const A_Time* duration, AEGP_LayerH* layer) {
-    const auto* suite = current_suite<AEGP_CompSuite15>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
-    return with_wide_name(name, [=](const A_UTF16Char* wide) {
-        return suite->AEGP_CreateNullInComp(wide, comp, duration, layer);
-    });
-}
-
 A_Err set_light_type(AEGP_LayerH layer, AEGP_LightType type) {
-    const auto* suite = current_suite<AEGP_LightSuite2>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
-    const A_Err err = answer_of([=] { return suite->AEGP_SetLightType(layer, type); });
+    const A_Err err = Forward<&AEGP_LightSuite2::AEGP_SetLightType>::call(layer, type);
     // Point and ambient lights shine in every direction.
     if (err == kHostErrorNone && (type == kLightTypeSpot || type == kLightTypeParallel)) {
         look_at_point_of_interest(layer);
@@ -108,7 +69,7 @@ A_Err set_light_type(AEGP_LayerH layer, AEGP_LightType type) {
 const AEGP_ItemSuite10* item_suite() {
     static constexpr AEGP_ItemSuite10 kTable = [] {
         AEGP_ItemSuite10 suite = {};
-        suite.AEGP_CreateNewFolder = create_folder;
+        suite.AEGP_CreateNewFolder = Create<&AEGP_ItemSuite13::AEGP_CreateNewFolder>::call;
         return suite;
     }();
     return &kTable;
@@ -120,10 +81,10 @@ const AEGP_CompSuite9* comp_suite() {
         AEGP_CompSuite9 suite = {};
         suite.AEGP_GetCompFromItem = Forward<&Current::AEGP_GetCompFromItem>::call;
         suite.AEGP_GetItemFromComp = Forward<&Current::AEGP_GetItemFromComp>::call;
-        suite.AEGP_CreateCameraInComp = create_camera;
-        suite.AEGP_CreateLightInComp = create_light;
+        suite.AEGP_CreateCameraInComp = create_aimed_camera<Create<&Current::AEGP_CreateCameraInComp>::call>;
+        suite.AEGP_CreateLightInComp = Create<&Current::AEGP_CreateLightInComp>::call;
         suite.AEGP_CreateComp = create_comp;
-        suite.AEGP_CreateNullInComp = create_null;
+        suite.AEGP_CreateNullInComp = Create<&Current::AEGP_CreateNullInComp>::call;
         return suite;
     }();
     return &kTable;
@@ -135,7 +96,7 @@ const AEGP_CompSuite9* narrow_comp_suite() {
         AEGP_CompSuite9 suite = {};
         suite.AEGP_GetCompFromItem = Forward<&Current::AEGP_GetCompFromItem>::call;
         suite.AEGP_GetItemFromComp = Forward<&Current::AEGP_GetItemFromComp>::call;
-        suite.AEGP_CreateCameraInComp = create_narrow_camera;
+        suite.AEGP_CreateCameraInComp = create_aimed_camera<Forward<&Current::AEGP_CreateCameraInComp>::call>;
         suite.AEGP_CreateLightInComp = Forward<&Current::AEGP_CreateLightInComp>::call;
         suite.AEGP_CreateComp = Forward<&Current::AEGP_CreateComp>::call;
         suite.AEGP_CreateNullInComp = Forward<&Current::AEGP_CreateNullInComp>::call;

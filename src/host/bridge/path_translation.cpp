@@ -54,7 +54,7 @@ A_Err translate_to_utf16(std::string_view path, std::u16string* translated) noex
             *translated = std::move(converted.text);
             return kHostErrorNone;
         }
-        // The disk decides which encoding it is.
+        // The encoding is the one in which a file has this name.
         for (const std::string& other : paths_in_other_encodings(path)) {
             if (is_file(other)) {
                 *translated = utf16_from_utf8(other).text;
@@ -67,9 +67,6 @@ A_Err translate_to_utf16(std::string_view path, std::u16string* translated) noex
         return kHostErrorAllocation;
     }
 }
-
-// No real path is longer: the limit of the platform with the longest ones, in units.
-constexpr std::size_t kLongestPath = 32767;
 
 // The host's path in UTF-8, which has at most `most_bytes` bytes. Every unit becomes at least one byte, so
 // looking for the terminator further than that is useless.
@@ -165,8 +162,7 @@ A_Err copy_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle),
 
 A_Err take_asked_path(A_Err (*ask)(const void* context, AEGP_MemHandle* handle), const void* context,
                       std::string* path) noexcept {
-    constexpr std::size_t kMostBytesOfAUnit = 3;
-    return ask_for_path(ask, context, kLongestPath * kMostBytesOfAUnit, path);
+    return ask_for_path(ask, context, kLongestPathBytes, path);
 }
 
 A_Err make_path_handle(const A_char* path, AEGP_MemHandle* handle) noexcept {

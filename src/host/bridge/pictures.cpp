@@ -51,12 +51,11 @@ struct KeptFile {
     std::mutex loading;
     std::optional<FileState> state;
     std::shared_ptr<ReloadedPicture> picture;
-    bool told = false;  // that it cannot be loaded
+    bool failure_reported = false;
     std::int64_t size_bytes = 0;
 };
 
-// Enough for the textures of one project. The larger number is that of the pictures' own memory: three
-// colours and an alpha of 16 bits a pixel.
+// Enough for the textures of one project. A module keeps three colours and an alpha of 16 bits per pixel.
 constexpr std::size_t kMostKept = 32;
 constexpr std::int64_t kMostKeptBytes = std::int64_t{1} << 30;
 constexpr std::int64_t kBytesPerPixel = 8;
@@ -73,10 +72,10 @@ void abandon(const KeptFiles& files) {
 
 std::mutex kept_mutex;
 
-// The file used last comes first.
+// The most recently used file comes first.
 struct Kept {
     Kept() = default;
-    // When this library is unloaded without a death hook before, the host cannot be asked for anything.
+    // If the library is unloaded without a call of the death hook, the host can no longer be called.
     ~Kept() { abandon(files); }
     Kept(const Kept&) = delete;
     Kept& operator=(const Kept&) = delete;
@@ -98,9 +97,9 @@ std::shared_ptr<KeptFile> kept_file(std::size_t place, const std::string& path) 
     return files.front();
 }
 
-// Notes what a file's picture needs, 0 for none, and gives up the files used longest ago that there is no
-// room for. Returns them, because freeing a picture calls the module and the host, for which no lock may be
-// held.
+// Notes the size of a file's picture, 0 without one, and gives up the least recently used files for which
+// there is no room. Returns them, because freeing a picture calls the module and the host, and no lock may be
+// held meanwhile.
 KeptFiles make_room(const std::shared_ptr<KeptFile>& changed, std::int64_t size_bytes) {
     KeptFiles given_up;
     const std::lock_guard lock(kept_mutex);
@@ -168,11 +167,11 @@ A_Err reloaded_picture(std::size_t place, const AEIO_BasicData& data, const std:
     const std::shared_ptr<KeptFile> file = kept_file(place, path);
     const std::optional<FileState> state = state_of(path);
     A_Err err = kHostErrorNone;
-    bool tell = false;
+    bool newly_failed = false;
     std::shared_ptr<ReloadedPicture> outdated;
     {
         const std::lock_guard lock(file->loading);
-        // A picture outlives its file, like one that is attached to an in-spec.
+        // Deliberately, a picture outlives its file, as an attached one does.
         const bool usable = file->picture != nullptr && (!state || state == file->state);
         if (!usable) {
             outdated = std::exchange(file->picture, nullptr);
@@ -182,14 +181,14 @@ A_Err reloaded_picture(std::size_t place, const AEIO_BasicData& data, const std:
                 file->state = state;
                 file->picture = std::move(loaded);
             }
-            tell = err != kHostErrorNone && !file->told;
-            file->told = err != kHostErrorNone;
+            newly_failed = err != kHostErrorNone && !file->failure_reported;
+            file->failure_reported = err != kHostErrorNone;
         }
         *picture = file->picture;
     }
     const FrameSize size = err == kHostErrorNone ? (*picture)->size() : FrameSize{};
     make_room(file, std::int64_t{size.width_px} * size.height_px * kBytesPerPixel);
-    if (tell) {
+    if (newly_failed) {
         report_unreadable_file(path, state.has_value(), err);
     }
     return err;

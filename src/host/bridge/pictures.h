@@ -8,22 +8,22 @@
 #include "host/bridge/frame_reduction.h"
 #include "host/bridge/spec_use.h"
 
-// What the bridge knows of the pictures that input modules keep. A module alone knows where its pictures are;
-// it tells the size of each when it opens the file.
+// What the bridge knows about the pictures that input modules keep. Only the module can reach a picture; it
+// sets the size when it opens the file.
 
 namespace bridge {
 
-// ---- pictures that a module has attached to an in-spec of the host's
+// ---- pictures that a module has attached to an in-spec of the host
 
-/// While a module opens a file: it attaches `options`, and its picture has this size, which is 0 by 0 until
-/// the module has told it. Throws std::bad_alloc for options that are not known yet.
+/// Notes that a module which opens a file attaches `options`, and the size of its picture: 0 by 0 until the
+/// module sets it. Throws std::bad_alloc for options that are not known yet.
 void remember_picture(void* options, FrameSize size);
 
 /// After the module has freed the options.
 void forget_picture(const void* options);
 
-/// Nothing for options that no module attached in this session. Such are not to be shown to a module: a host
-/// that copies a project may have copied their bytes, and the addresses in them mean nothing any more.
+/// Nothing for options that no module attached in this session. A module must not see those: a host that
+/// copies a project may copy their bytes, whose addresses are then invalid.
 std::optional<FrameSize> size_of_picture(const void* options);
 
 // ---- pictures that a module has loaded again, for in-specs without options
@@ -43,7 +43,7 @@ class ReloadedPicture {
     /// Holds the options.
     [[nodiscard]] OwnMemory& memory() { return memory_; }
 
-    /// The host with whose functions the module would free the picture is gone.
+    /// Leaves the picture alone from now on: the host through which the module would free it is gone.
     void abandon() { options_ = nullptr; }
 
   private:
@@ -55,18 +55,18 @@ class ReloadedPicture {
     A_Err error_;
 };
 
-/// The picture of the file at `path` (UTF-8). It is loaded the first time, and again when the file has
-/// changed since; in between it is kept, up to some number of pictures and bytes, for every in-spec that
-/// names the file: hosts make copies of a project as they need them. Threads that ask for one file at a time
-/// wait for one load. A failure is returned; the first is reported with the file's name, and again after a
-/// success.
+/// The picture of the file at `path` (UTF-8). It is loaded on the first call and again when the file has
+/// changed. In between it is kept, up to a number of pictures and bytes, for every in-spec that names the
+/// file, because hosts copy a project often. Threads that ask for the same file wait for one load. A failure
+/// is returned, and reported with the file's name unless the last load of the file failed, too.
 A_Err reloaded_picture(std::size_t place, const AEIO_BasicData& data, const std::string& path,
                        std::shared_ptr<ReloadedPicture>* picture);
 
-/// Frees what was loaded again, as soon as no thread draws it any more. Before the host quits.
+/// Frees the reloaded pictures, each when the last thread that draws it is done. Called before the host
+/// quits.
 void free_reloaded_pictures();
 
-/// Forgets every picture without asking a module: they belong to a host that is gone.
+/// Forgets every picture without calling a module: they belong to a host that is gone.
 void forget_pictures();
 
 }  // namespace bridge

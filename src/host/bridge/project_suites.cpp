@@ -24,12 +24,8 @@ A_Err new_footage(AEGP_PluginID plugin_id, const A_char* path, const AEGP_Footag
 
 A_Err new_placeholder(AEGP_PluginID plugin_id, const A_char* name, A_long width, A_long height,
                       const A_Time* duration, AEGP_FootageH* footage) {
-    const auto* suite = current_suite<AEGP_FootageSuite11>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
-    const A_Err err = answer_of(
-        [=] { return suite->AEGP_NewPlaceholderFootage(plugin_id, name, width, height, duration, footage); });
+    const A_Err err = Forward<&AEGP_FootageSuite11::AEGP_NewPlaceholderFootage>::call(
+        plugin_id, name, width, height, duration, footage);
     if (err == kHostErrorNone) {
         note_placeholder(footage, name);
     }
@@ -37,11 +33,7 @@ A_Err new_placeholder(AEGP_PluginID plugin_id, const A_char* name, A_long width,
 }
 
 A_Err add_footage(AEGP_FootageH footage, AEGP_ItemH folder, AEGP_ItemH* item) {
-    const auto* suite = current_suite<AEGP_FootageSuite11>();
-    if (suite == nullptr) {
-        return kHostErrorMissingSuite;
-    }
-    const A_Err err = answer_of([=] { return suite->AEGP_AddFootageToProject(footage, folder, item); });
+    const A_Err err = Forward<&AEGP_FootageSuite11::AEGP_AddFootageToProject>::call(footage, folder, item);
     if (err == kHostErrorNone) {
         name_placeholder(footage, item);
     }

@@ -38,7 +38,7 @@ A_Err import_file(const A_UTF16Char* path, AE_FIM_ImportOptions options, AE_FIM_
         if (err != kHostErrorNone) {
             return err;
         }
-        // Systems of today name files in Unicode, and the footage paths of old composition files do not.
+        // Current systems name files in Unicode; old composition files name footage in other encodings.
         const os::PathGuesses guesses(paths_in_other_encodings);
         return importers[Place].import_cb(narrow.c_str(), options, action, folder, refcon);
     });
@@ -51,7 +51,7 @@ A_Err verify_file(const A_UTF16Char* path, AE_FIM_Refcon refcon, A_Boolean* impo
         const GivenArgument<A_Boolean*> answer(importable);
         std::string narrow;
         const A_Err err = narrow_path(path, &narrow);
-        return err != kHostErrorNone ? err : importers[Place].verify_cb(narrow.c_str(), refcon, answer);
+        return err != kHostErrorNone ? err : importers[Place].verify_cb(narrow.c_str(), refcon, answer.get());
     });
 }
 

@@ -10,11 +10,11 @@
 
 namespace bridge {
 
-/// On another thread than the main one, where the host may refuse it, the report waits.
+/// Off the main thread, where the host may refuse it, the report waits.
 void report(const A_char* text) noexcept;
 
-/// Keeps a report for the main thread. A text that waits already is not kept twice; when too many wait, the
-/// new one is lost.
+/// Keeps a report for the main thread. The same text is kept once; when too many reports wait, new ones are
+/// lost.
 void keep_report(AEGP_PluginID plugin_id, const A_char* text) noexcept;
 
 /// On the main thread, shows the reports that wait.

@@ -1,5 +1,5 @@
-// "AEGP Memory Suite" 1, "AEGP Stream Suite" 7 and "AEGP Utility Suite" 7, which current hosts offer as they
-// are. Of Stream and Utility the plug-in calls functions in destructors: Forward lets no exception out.
+// "AEGP Memory Suite" 1, "AEGP Stream Suite" 7 and "AEGP Utility Suite" 7, which current hosts offer
+// unchanged. The plug-in calls functions of the last two in destructors, so Forward lets no exception out.
 
 #include "host/bridge/basic_suite.h"
 #include "host/bridge/reports.h"

@@ -8,11 +8,11 @@
 
 namespace bridge {
 
-/// Memory handles of the bridge's own. The host neither knows nor frees them. Changed by one thread at a
-/// time; addresses may be asked for on many.
+/// Memory handles that the host neither knows nor frees. One thread at a time may change it; any number may
+/// ask for addresses.
 class OwnMemory {
   public:
-    /// Cleared memory. 4 when there is none.
+    /// Allocates cleared memory. 4 when memory is short.
     A_Err allocate(AEGP_MemSize size_bytes, AEGP_MemHandle* handle);
     A_Err free(AEGP_MemHandle handle);
     /// Null for a handle that is not one of these.
@@ -26,9 +26,8 @@ class OwnMemory {
     std::vector<std::unique_ptr<Block, Deleted>> blocks_;
 };
 
-/// An in-spec while a callback of an input module works on it, on the thread of that callback. The bridge's
-/// functions for in-specs look here first, so a callback learns what the bridge wants it to learn, and the
-/// bridge learns what the module says. Lives on the stack of the callback.
+/// An in-spec while a callback of an input module works on it, on the thread of that callback. It answers the
+/// module's questions in place of the host and sees what the module sets. Lives on the stack of the callback.
 class SpecUse {
   public:
     explicit SpecUse(AEIO_InSpecH spec);
@@ -38,21 +37,22 @@ class SpecUse {
 
     /// The innermost use of this in-spec on this thread; null without one.
     static SpecUse* of(AEIO_InSpecH spec);
-    /// Where the module's new handles go while it loads a file for the bridge; null when they are the host's.
+    /// The memory for a module's new handles while it loads a file for the bridge; null when the host makes
+    /// them.
     static OwnMemory* memory_for_new_handles();
-    /// Whether the bridge has told the user what went wrong on this thread, or will, so that what the module
-    /// reports as well is not shown: it names no file.
+    /// Whether the bridge itself reports what goes wrong on this thread. The module's reports, which name no
+    /// file, are then dropped.
     static bool reports_are_the_bridges();
     /// The memory that this handle belongs to; null when it is not the bridge's.
     static OwnMemory* memory_with(AEGP_MemHandle handle);
 
     [[nodiscard]] AEIO_InSpecH spec() const { return spec_; }
 
-    // What the module asks for and says. These ask and tell the host.
+    // What the module asks for and sets. Unless overridden, these call the host.
     virtual A_Err get_options(void** options);
     virtual A_Err set_options(void* options, void** old_options);
     virtual A_Err set_dimensions(A_long width_px, A_long height_px);
-    /// False when the host has no such in-spec, so that it must not be told anything about it.
+    /// False for an in-spec that the host does not have and must not hear of.
     [[nodiscard]] virtual bool is_the_hosts() const { return true; }
 
   protected:
@@ -65,7 +65,8 @@ class SpecUse {
     SpecUse* outer_;
 };
 
-/// An in-spec of the bridge's own, which no host knows. It keeps what the module attaches to it.
+/// An in-spec that the bridge lends to a module and the host does not know. It keeps what the module
+/// attaches.
 class LentSpec final : public SpecUse {
   public:
     /// Handles are made in `memory`, which must live longer.
@@ -85,7 +86,7 @@ class LentSpec final : public SpecUse {
     [[nodiscard]] OwnMemory* memory() const override { return &memory_; }
 
   private:
-    AEIO_SeqSpec* content_ = nullptr;  // what the handle points to; nobody looks at it
+    AEIO_SeqSpec* content_ = nullptr;  // what the handle points to; never read
     OwnMemory& memory_;
     void* options_;
     FrameSize size_;
