@@ -17,7 +17,7 @@ const struct BridgedSuite {
     A_long classic;
     A_long today;
     bool has_callbacks;  ///< takes callbacks of the plug-in, which the host must call through the bridge
-    bool always_bridged = false;  ///< the bridge stands in front of the classic version, too
+    bool always_bridged = false;  ///< the bridge hands out its own table over the classic version, too
 } kBridgedSuites[] = {
     {"AEGP Register Suite", 4, 6, true},         {"AEGP File Import Manager Suite", 2, 3, true},
     {"AEGP Persistent Data Suite", 1, 3, false}, {"AEGP Proj Suite", 5, 8, false},
@@ -26,7 +26,7 @@ const struct BridgedSuite {
     {"AEGP Comp Suite", 9, 15, false, true},
 };
 
-/// A host that offers the current version of every bridged suite, and no other of it.
+/// A host that offers every bridged suite in the current version only.
 struct FullHost : CurrentHost {
     FullHost() {
         offer_named_suites();

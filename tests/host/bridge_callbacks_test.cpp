@@ -132,7 +132,7 @@ TEST_F(BridgeCallbacks, AnImporterNeverGetsAnInvalidPath) {
         {u"/a\xD83C.aec",
          "A path of the host cannot be used: it is not valid UTF-16 (unit D83C behind \"/a\")."},
         {u"/a\xDFAC", "A path of the host cannot be used: it is not valid UTF-16 (unit DFAC behind \"/a\")."},
-        {nullptr, "A path of the host cannot be used: there is none."},
+        {nullptr, "A path of the host cannot be used: it is missing."},
     };
     for (const auto& c : cases) {
         host.reports.clear();

@@ -37,7 +37,7 @@ AEIO_FunctionBlock4 registered_block(RecordingHost& host, const AEIO_FunctionBlo
     return host.modules.at(0).second;
 }
 
-// What modules write: these types behind a pointer, and texts.
+// The types that modules write through a pointer, texts included. Stated again here, apart from the bridge.
 template <typename Value>
 constexpr bool is_output(Value* /*pointer*/) {
     return std::is_same_v<Value, A_Boolean> || std::is_same_v<Value, A_long> ||
@@ -53,7 +53,7 @@ constexpr bool is_output(Value /*no pointer*/) {
 
 std::size_t outputs_seen = 0;
 
-// An output is cleared before the module is asked; of a text, the first byte.
+// An output is cleared before the module is called; a text, in its first byte.
 template <typename Value>
 void expect_cleared(Value value) {
     if constexpr (is_output(Value{})) {
@@ -65,7 +65,7 @@ void expect_cleared(Value value) {
     }
 }
 
-// A different value for each argument. Outputs lie in memory that holds anything.
+// A different value for each argument. The memory of outputs is not 0.
 template <typename Value>
 Value nth_value(std::size_t n) {
     if constexpr (is_output(Value{})) {
@@ -316,7 +316,7 @@ TEST(BridgeFunctionBlock, APathThatCannotBeConvertedNeverReachesTheModule) {
          true,
          3,
          {"A path of the host cannot be used: it is not valid UTF-16 (unit D83C behind \"/a/\")."}},
-        {"no path", nullptr, true, 3, {"A path of the host cannot be used: there is none."}},
+        {"no path", nullptr, true, 3, {"A path of the host cannot be used: it is missing."}},
         {"no memory", long_path.c_str(), false, 4, {}},
     };
     for (const PathField& field : kPathFields) {

@@ -189,7 +189,7 @@ TEST_F(BridgeSuites, AnInvalidPathNeverReachesTheHost) {
     EXPECT_THAT(host.calls, IsEmpty());
 }
 
-// The names on the disk decide which encoding it was.
+// The encoding is the one in which a file on disk has the name.
 TEST_F(BridgeSuites, APathInAnotherEncodingIsTheFileThatItFinds) {
     const struct {
         const char* why;

@@ -59,8 +59,8 @@ TEST(BridgeThreads, SuitesAreCountedAndExceptionsStoppedOnEveryThread) {
     }
     EXPECT_EQ(answered, kThreads * kRounds) << "no thread lost a suite that it held";
     EXPECT_EQ(missing, kThreads * kRounds / 3);
-    // Hosts may refuse reports on other threads than the main one, which shows them when it comes by: each
-    // text once.
+    // Hosts may refuse reports off the main thread, so the next callback on that thread shows them, each text
+    // once.
     EXPECT_EQ(host.reports, std::vector<std::string>{});
     AEIO_BasicData data = *host.basic_data();
     EXPECT_EQ(block.AEIO_Idle(&data, 1, nullptr), 0);

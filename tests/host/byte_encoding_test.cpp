@@ -13,13 +13,13 @@ const std::u16string kWindows =
     u"\x0090\u2018\u2019\u201C\u201D\u2022\u2013\u2014\u02DC\u2122\u0161\u203A\u0153\x009D\u017E\u0178"
     u"\u00A0\u00A1\u00A2\u00A3\u00A4\u00A5\u00A6\u00A7\u00A8\u00A9\u00AA\u00AB\u00AC\u00AD\u00AE\u00AF"
     u"°±²³´µ¶·¸¹º»¼½¾¿ÀÁÂÃÄÅÆÇÈÉÊËÌÍÎÏÐÑÒÓÔÕÖ×ØÙÚÛÜÝÞßàáâãäåæçèéêëìíîïðñòóôõö÷øùúûüýþÿ";
-const std::u16string kMacintosh =
+const std::u16string kMacRoman =
     u"ÄÅÇÉÑÖÜáàâäãåçéèêëíìîïñóòôöõúùûü†°¢£§•¶ß®©™´¨≠ÆØ∞±≤≥¥µ∂∑∏π∫ªºΩæø¿¡¬√ƒ≈∆«»…\u00A0ÀÃÕŒœ–—“”‘’÷◊ÿŸ⁄€‹›"
     u"\uFB01\uFB02‡·‚„‰ÂÊÁËÈÍÎÏÌÓÔ\uF8FFÒÚÛÙıˆ˜¯˘˙˚¸˝˛ˇ";
 
 TEST(ByteEncoding, EveryByteIsTheCharacterOfItsTable) {
     ASSERT_EQ(kWindows.size(), 128U);
-    ASSERT_EQ(kMacintosh.size(), 128U);
+    ASSERT_EQ(kMacRoman.size(), 128U);
     for (int byte = 0; byte < 256; ++byte) {
         const std::string text(1, static_cast<char>(byte));
         const auto index = static_cast<std::size_t>(byte - 128);
@@ -28,7 +28,7 @@ TEST(ByteEncoding, EveryByteIsTheCharacterOfItsTable) {
                   byte < 128 ? ascii : kWindows.substr(index, 1))
             << byte;
         EXPECT_EQ(utf16_from_bytes(text, ByteEncoding::mac_roman),
-                  byte < 128 ? ascii : kMacintosh.substr(index, 1))
+                  byte < 128 ? ascii : kMacRoman.substr(index, 1))
             << byte;
     }
 }
@@ -44,9 +44,9 @@ TEST(ByteEncoding, NamesAreUtf8IfTheyCanBe) {
         {"ASCII", "Key light 1", "Key light 1", "Key light 1"},
         {"UTF-8 stays", "\xC3\xA9toile \xF0\x9F\x8E\xAC", "\xC3\xA9toile \xF0\x9F\x8E\xAC",
          "\xC3\xA9toile \xF0\x9F\x8E\xAC"},
-        {"one byte a character", "caf\xE9", "caf\xC3\xA9", "caf\xC3\x88"},
-        {"the Macintosh's", "caf\x8E", "caf\xC5\xBD", "caf\xC3\xA9"},
-        {"UTF-8 that is cut counts as bytes", "\xC3\xA9\xC3", "\xC3\x83\xC2\xA9\xC3\x83",
+        {"a byte of Windows-1252", "caf\xE9", "caf\xC3\xA9", "caf\xC3\x88"},
+        {"a byte of Mac Roman", "caf\x8E", "caf\xC5\xBD", "caf\xC3\xA9"},
+        {"incomplete UTF-8 is read as bytes", "\xC3\xA9\xC3", "\xC3\x83\xC2\xA9\xC3\x83",
          "\xE2\x88\x9A\xC2\xA9\xE2\x88\x9A"},
     };
     for (const auto& c : cases) {
@@ -57,14 +57,14 @@ TEST(ByteEncoding, NamesAreUtf8IfTheyCanBe) {
     EXPECT_EQ(utf16_from_name("caf\xC3\xA9", ByteEncoding::mac_roman), u"caf\u00E9");
 }
 
-TEST(ByteEncoding, EachNameOfAPathIsReadByItself) {
+TEST(ByteEncoding, EachNameOfAPathIsReadSeparately) {
     using Paths = std::vector<std::string>;
     const struct {
         const char* why;
         std::string path;
         Paths meant;
     } cases[] = {
-        {"UTF-8 is not guessed at", "/caf\xC3\xA9/a.tga", {}},
+        {"UTF-8 has no other meaning", "/caf\xC3\xA9/a.tga", {}},
         {"nothing", "", {}},
         {"the last name", "/shots/caf\xE9.tga", {"/shots/caf\xC3\xA9.tga", "/shots/caf\xC3\x88.tga"}},
         {"a folder in UTF-8 before it", "/\xC3\xBC/\x8E", {"/\xC3\xBC/\xC5\xBD", "/\xC3\xBC/\xC3\xA9"}},

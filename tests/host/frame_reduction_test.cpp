@@ -75,7 +75,7 @@ const Case kCases[] = {
     {"a half of a step is rounded up", {{0, 1}}, {{1}}},
     {"a quarter of a step is rounded down", {{0, 0}, {0, 1}}, {{0}}},
     {"a third is the mean of nine", {{9, 0, 0}, {0, 90, 0}, {0, 0, 0}}, {{11}}},
-    {"three to two: pixel and a half each", {{30, 60, 90}}, {{40, 80}}},
+    {"three to two: one and a half pixels each", {{30, 60, 90}}, {{40, 80}}},
     {"two to three: the middle one covers both halves", {{0, 100}}, {{0, 50, 100}}},
     {"five to two", {{10, 20, 30, 40, 50}}, {{18, 42}}},
     {"wider and lower", {{0}, {100}}, {{50, 50}}},
@@ -101,8 +101,8 @@ TEST(FrameReduction, EachPixelIsTheMeanOfTheAreaThatItCovers) {
     }
 }
 
-TEST(FrameReduction, ChannelsAreAveragedOnTheirOwn) {
-    // Premultiplied: a clear pixel adds nothing to the colour, and what colour it holds is not lost either.
+TEST(FrameReduction, ChannelsAreAveragedSeparately) {
+    // Colour below alpha 0 counts like any other.
     const std::vector<PF_Pixel> pixels = {{255, 200, 100, 0}, {0, 0, 50, 2}};
     Frame frame({1, 1}, 4, 0);
     bridge::reduce_picture({pixels.data(), 2, {2, 1}}, {0, 0, 1, 1}, frame.world);
@@ -173,7 +173,8 @@ TEST(FrameReduction, AnyRatioRegionAndRowLength) {
 }
 
 TEST(FrameReduction, SidesOfMillionsOfPixelsAreExact) {
-    // The sums need more than 32 bits. The first half of the picture is white, of the second half a third is.
+    // The sums need more than 32 bits. The first half of the picture is white, and so is a third of the
+    // second half.
     constexpr A_long kWidth = 3'000'000;
     std::vector<PF_Pixel> pixels(kWidth, {255, 255, 255, 255});
     std::fill(pixels.begin() + 2'000'000, pixels.end(), PF_Pixel{0, 0, 0, 0});
@@ -182,7 +183,7 @@ TEST(FrameReduction, SidesOfMillionsOfPixelsAreExact) {
     EXPECT_EQ(frame.values(0), (Values{{255, 85}}));
 }
 
-TEST(FrameReduction, CopyingTakesTheRegionAlone) {
+TEST(FrameReduction, CopyingTakesOnlyTheRegion) {
     const std::vector<PF_Pixel> pixels = grey({{1, 2, 3}, {4, 5, 6}, {7, 8, 9}});
     Frame frame({3, 3}, -15, 0);
     bridge::copy_picture({pixels.data(), 3, {3, 3}}, {1, 1, 3, 2}, frame.world);
@@ -205,7 +206,7 @@ const EndCase kEnds[] = {
     {"the largest sides", 2147483647, 2147483647, 2147483647, 2147483647},
 };
 
-TEST(FrameReduction, TheEndOfAPictureIsThatOfTheLastPixelCovered) {
+TEST(FrameReduction, APartOfAFrameNeedsThePictureUpToItsLastCoveredPixel) {
     for (const EndCase& c : kEnds) {
         EXPECT_EQ(bridge::picture_end(c.end, c.frame_px, c.picture_px), c.picture_end) << c.name;
     }

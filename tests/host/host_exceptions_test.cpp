@@ -1,5 +1,5 @@
-// Functions of the host that throw. The plug-in calls some of them in destructors, which must let no
-// exception out; a current host's own exceptions end as errors, like the plug-in's.
+// Functions of a current host that throw. The plug-in calls some of them in destructors, so their exceptions
+// become errors.
 
 #include <gtest/gtest.h>
 
@@ -101,9 +101,9 @@ TEST(HostExceptions, InCleanupAreErrors) {
         {"a stream", "DisposeStream", false, 0, 1},
         {"a suite", "ReleaseSuite", false, 0, 1},
         {"no memory", "EndUndoGroup", true, 0, 4},
-        {"the plug-in's own error is told", "EndUndoGroup", false, 31, 31},
+        {"the plug-in's own error is returned", "EndUndoGroup", false, 31, 31},
         {"while an exception passes through", "EndUndoGroup", false, -1, 1},
-        {"the host's suites, which the plug-in then lacks", "AcquireSuite", false, 0, 13},
+        {"acquiring a suite", "AcquireSuite", false, 0, 13},
     };
     for (const auto& c : cases) {
         SCOPED_TRACE(c.name);

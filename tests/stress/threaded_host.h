@@ -53,8 +53,7 @@ class ThreadedHost {
       public:
         /// Opens `path`; `code()` is the module's result.
         Item(ThreadedHost& host, const std::string& path);
-        /// An item of a project that was opened again: it has a path, and the module does not know it.
-        /// Current hosts only.
+        /// An item of a reopened project: it has a path, but no options of the module. Current hosts only.
         struct Reopened {};
         Item(ThreadedHost& host, const std::string& path, Reopened reopened);
         ~Item();

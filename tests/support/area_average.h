@@ -5,9 +5,8 @@
 
 #include "host/host_interface.h"
 
-// What a frame of another size than the picture must show, worked out from the definition alone: each pixel
-// of the frame is the mean of the area of the picture that it covers. Every pixel of the picture is asked how
-// much of it that is. Slow, exact, in whole numbers.
+// The pixels of a scaled frame, straight from the definition: each is the mean of the area of the picture
+// that it covers, summed over every pixel of the picture. Slow and exact, in whole numbers.
 
 /// How many units of pixel `at` of the frame lie on pixel `of` of the picture. The side that both cover is
 /// `frame_px` times `picture_px` units long.
@@ -28,7 +27,7 @@ std::uint8_t area_average(A_long x, A_long y, A_long frame_width_px, A_long fram
         const std::int64_t height = common_units(y, frame_height_px, row, picture_height_px);
         for (A_long column = 0; height > 0 && column < picture_width_px; ++column) {
             const std::int64_t units = height * common_units(x, frame_width_px, column, picture_width_px);
-            // What is not covered need not be there.
+            // Pixels outside the area may be missing.
             if (units > 0) {
                 sum += units * value(column, row);
                 area += units;

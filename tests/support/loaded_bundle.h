@@ -43,8 +43,8 @@ class LoadedBundle {
 
   private:
     // LeakSanitizer of clang 14 crashes at exit when a library with thread-local storage was unloaded while
-    // other threads, here those of the image library, lived on. Hosts still load and unload the bundle; the
-    // sanitizer builds only hold one more reference to it, on purpose until the process ends.
+    // other threads, here those of the image library, still ran. Hosts load and unload the bundle as ever;
+    // the sanitizer builds deliberately hold one more reference to it until the process ends.
     static void keep_in_memory([[maybe_unused]] const std::string& path) {
 #if defined(VXR_SANITIZED)
         static auto* const kept = new std::map<std::string, std::unique_ptr<os::DynamicLibrary>>();

@@ -1,5 +1,5 @@
-"""Pictures as files, made and read here with nothing but the formats' own rules. A picture is (width, height, channels,
-rows): one bytes object a row, channels interleaved."""
+"""Writes and reads image files by the rules of the formats, without an image library, so that tests of image libraries do
+not depend on one. A picture is (width, height, channels, rows): one bytes object per row, channels interleaved."""
 import struct
 import zlib
 
@@ -18,7 +18,7 @@ def png_file(picture, kind, depth=8, palette=b"", transparency=b""):
 
 
 def png_picture(data):
-    """What is in a PNG file of 8 bits a channel, with its kind."""
+    """The picture in a PNG file of 8 bits per channel, and the file's kind."""
     at, packed = 8, b""
     while at < len(data):
         size, name = struct.unpack_from(">I4s", data, at)
@@ -71,7 +71,7 @@ def tiff_file(picture, alpha=0, bits=8):
 
 
 def tiff_picture(data):
-    """What is in a TIFF file without compression, 8 bits a channel, with the kind of its alpha."""
+    """The picture in an uncompressed TIFF file of 8 bits per channel, and the kind of its alpha."""
     order = "<" if data[:2] == b"II" else ">"
     directory, = struct.unpack_from(order + "I", data, 4)
     count, = struct.unpack_from(order + "H", data, directory)
@@ -95,7 +95,7 @@ def tiff_picture(data):
 
 
 def bmp_picture(data):
-    """What is in a BMP file of 24 bits, as RGB."""
+    """The picture in a BMP file of 24 bits, as RGB."""
     at, = struct.unpack_from("<I", data, 10)
     width, height, _, bits = struct.unpack_from("<iiHH", data, 18)
     if bits != 24:

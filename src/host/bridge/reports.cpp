@@ -126,7 +126,7 @@ void report_long_path(std::size_t most_bytes) noexcept {
 }
 
 void report_no_path() noexcept {
-    report("A path of the host cannot be used: there is none.");
+    report("A path of the host cannot be used: it is missing.");
 }
 
 void report_unreadable_file(std::string_view path, bool exists, A_Err err) noexcept {
