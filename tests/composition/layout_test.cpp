@@ -4,14 +4,13 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
-#include <bit>
 #include <cstddef>
 #include <vector>
 
 #include "composition/model/project_settings.h"
 #include "composition/model/scene_object.h"
 #include "composition/read/ascii_parser.h"
+#include "support/virtual_slot.h"
 
 namespace {
 
@@ -54,19 +53,11 @@ TEST(Layout, MembersInOrder) {
     EXPECT_TRUE(in_order(addresses(camera.isNull, camera.zoom)));
 }
 
-// In the ABI of g++ and clang, a pointer to a virtual member function is the byte offset of its slot plus
-// one.
-template <class Function>
-std::size_t slot_of(Function function) {
-    const auto parts = std::bit_cast<std::array<std::ptrdiff_t, 2>>(function);
-    return static_cast<std::size_t>(parts[0] - 1) / sizeof(void*);
-}
-
 TEST(Layout, VirtualSlotsInOrder) {
-    EXPECT_EQ(slot_of(&ASCIIParser::CompareIdent), 0U);
-    EXPECT_EQ(slot_of(&ASCIIParser::CompareOperator), 1U);
-    EXPECT_EQ(slot_of(&CSceneObject::Add), 2U) << "after the two destructors";
-    EXPECT_EQ(slot_of(&CSceneObject::Load), 3U);
+    EXPECT_EQ(virtual_slot(&ASCIIParser::CompareIdent), 0U);
+    EXPECT_EQ(virtual_slot(&ASCIIParser::CompareOperator), 1U);
+    EXPECT_EQ(virtual_slot(&CSceneObject::Add), 2U) << "after the two destructors";
+    EXPECT_EQ(virtual_slot(&CSceneObject::Load), 3U);
 }
 
 }  // namespace

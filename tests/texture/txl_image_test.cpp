@@ -2,9 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <cstddef>
-#include <cstring>
+#include "support/virtual_slot.h"
 
 namespace {
 
@@ -27,27 +25,18 @@ TEST(TXLImage, AcceptsEverythingAndHoldsNothing) {
     EXPECT_EQ(byte, 9);
 }
 
-// The order of the virtual operations is part of the interface. Returns an operation's slot in the table of
-// virtual functions, counted from 1, as the platform encodes it in member pointers.
-template <typename Operation>
-std::ptrdiff_t slot_of(Operation operation) {
-    static_assert(sizeof(operation) == 2 * sizeof(std::ptrdiff_t));
-    std::array<std::ptrdiff_t, 2> parts = {};
-    std::memcpy(parts.data(), &operation, sizeof(operation));
-    return (parts[0] - 1) / static_cast<std::ptrdiff_t>(sizeof(void*)) + 1;
-}
-
+// The order of the virtual operations is part of the interface.
 TEST(TXLImage, OperationsHaveTheirSlots) {
-    EXPECT_EQ(slot_of(&TXLImage::Init), 1);
-    EXPECT_EQ(slot_of(&TXLImage::InitAlphaChannel), 2);
-    EXPECT_EQ(slot_of(&TXLImage::SetPixelCount), 3);
-    EXPECT_EQ(slot_of(&TXLImage::SetAlphaPixel), 4);
-    EXPECT_EQ(slot_of(&TXLImage::GetBw), 5);
-    EXPECT_EQ(slot_of(&TXLImage::GetBh), 6);
-    EXPECT_EQ(slot_of(&TXLImage::GetColorMode), 7);
-    EXPECT_EQ(slot_of(&TXLImage::GetPixelCount), 8);
-    EXPECT_EQ(slot_of(&TXLImage::GetAlphaCount), 9);
-    EXPECT_EQ(slot_of(&TXLImage::GetAlphaPixel), 10);
+    EXPECT_EQ(virtual_slot(&TXLImage::Init), 0U);
+    EXPECT_EQ(virtual_slot(&TXLImage::InitAlphaChannel), 1U);
+    EXPECT_EQ(virtual_slot(&TXLImage::SetPixelCount), 2U);
+    EXPECT_EQ(virtual_slot(&TXLImage::SetAlphaPixel), 3U);
+    EXPECT_EQ(virtual_slot(&TXLImage::GetBw), 4U);
+    EXPECT_EQ(virtual_slot(&TXLImage::GetBh), 5U);
+    EXPECT_EQ(virtual_slot(&TXLImage::GetColorMode), 6U);
+    EXPECT_EQ(virtual_slot(&TXLImage::GetPixelCount), 7U);
+    EXPECT_EQ(virtual_slot(&TXLImage::GetAlphaCount), 8U);
+    EXPECT_EQ(virtual_slot(&TXLImage::GetAlphaPixel), 9U);
 }
 
 }  // namespace
