@@ -53,8 +53,7 @@ void change_colour(Texture& texture, const Changed& changed) {
     const auto channels = static_cast<std::size_t>(texture.channels());
     const PixelBuffer& alpha = texture.alphas.front().values;
     for (std::size_t i = 0; i < texture.pixels.size(); ++i) {
-        texture.pixels[i] =
-            static_cast<std::uint8_t>(changed(unsigned{texture.pixels[i]}, unsigned{alpha[i / channels]}));
+        texture.pixels[i] = changed(texture.pixels[i], alpha[i / channels]);
     }
 }
 
@@ -114,13 +113,17 @@ std::string alpha_use_text(const AlphaFinding& finding) {
 }
 
 void multiply_by_alpha(Texture& texture) {
-    constexpr unsigned kHalf = kOpaque / 2;
-    change_colour(texture,
-                  [](unsigned colour, unsigned alpha) { return (colour * alpha + kHalf) / kOpaque; });
+    change_colour(texture, [](std::uint8_t colour, std::uint8_t alpha) {
+        return static_cast<std::uint8_t>((colour * alpha + kOpaque / 2) / kOpaque);
+    });
+}
+
+std::uint8_t divided_by_alpha(std::uint8_t colour, std::uint8_t alpha) {
+    return alpha == 0
+               ? colour
+               : static_cast<std::uint8_t>(std::min((colour * kOpaque + alpha / 2) / alpha, int{kOpaque}));
 }
 
 void divide_by_alpha(Texture& texture) {
-    change_colour(texture, [](unsigned colour, unsigned alpha) {
-        return alpha == 0 ? colour : std::min<unsigned>((colour * kOpaque + alpha / 2) / alpha, kOpaque);
-    });
+    change_colour(texture, divided_by_alpha);
 }

@@ -45,6 +45,9 @@ struct AlphaFinding {
 /// without alpha stays as it is.
 void multiply_by_alpha(Texture& texture);
 
-/// Divides the colour of every pixel by the first alpha channel, rounded, at most 255. Pixels with alpha 0,
-/// which have no such colour, and textures without alpha stay as they are.
+/// The colour that was multiplied by `alpha`, rounded, at most 255. Alpha 0 keeps no colour to divide, so
+/// `colour` stays as it is.
+[[nodiscard]] std::uint8_t divided_by_alpha(std::uint8_t colour, std::uint8_t alpha);
+
+/// Divides the colour of every pixel by the first alpha channel. A texture without alpha stays as it is.
 void divide_by_alpha(Texture& texture);
