@@ -34,6 +34,13 @@ class TestHost : public Host {
     // --- what a bundle is given
 
     [[nodiscard]] SPBasicSuite* basic_suite();
+    /// Acquires a suite and leaves it acquired. Null if the host does not offer it.
+    template <class Table>
+    const Table* acquire(const char* name, A_long version) {
+        const void* table = nullptr;
+        basic_suite()->AcquireSuite(name, version, &table);
+        return static_cast<const Table*>(table);
+    }
     [[nodiscard]] AEGP_PluginID plugin_id() const;
     /// The first argument of every function of an input module.
     [[nodiscard]] AEIO_BasicData* basic_data();

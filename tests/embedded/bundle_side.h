@@ -18,29 +18,22 @@ inline embedded::HostOptions in_a_classic_host(embedded::HostOptions options = {
 /// suites stay acquired, so tests about suites use a TestHost of their own.
 struct BundleSide {
     explicit BundleSide(const embedded::HostOptions& options = {}) : host(in_a_classic_host(options)) {
-        project_suite = acquire<AEGP_ProjSuite5>("AEGP Proj Suite", 5);
-        item_suite = acquire<AEGP_ItemSuite10>("AEGP Item Suite", 10);
-        footage_suite = acquire<AEGP_FootageSuite7>("AEGP Footage Suite", 7);
-        comp_suite = acquire<AEGP_CompSuite9>("AEGP Comp Suite", 9);
-        layer_suite = acquire<AEGP_LayerSuite11>("AEGP Layer Suite", 11);
-        stream_suite = acquire<AEGP_StreamSuite7>("AEGP Stream Suite", 7);
-        keyframe_suite = acquire<AEGP_KeyframeSuite3>("AEGP Keyframe Suite", 3);
-        light_suite = acquire<AEGP_LightSuite2>("AEGP Light Suite", 2);
-        utility_suite = acquire<AEGP_UtilitySuite7>("AEGP Utility Suite", 7);
-        memory_suite = acquire<AEGP_MemorySuite1>("AEGP Memory Suite", 1);
-        data_suite = acquire<AEGP_PersistentDataSuite1>("AEGP Persistent Data Suite", 1);
-        register_suite = acquire<AEGP_RegisterSuite4>("AEGP Register Suite", 4);
-        import_suite = acquire<AEGP_FileImportManagerSuite2>("AEGP File Import Manager Suite", 2);
-        io_in_suite = acquire<AEGP_IOInSuite1>("AEGP IO In Suite", 1);
-        io_out_suite = acquire<AEGP_IOOutSuite1>("AEGP IO Out Suite", 1);
-        ansi_suite = acquire<PF_ANSISuite1>("PF ANSI Suite", 1);
-    }
-
-    template <class Table>
-    const Table* acquire(const char* name, A_long version) {
-        const void* table = nullptr;
-        host.basic_suite()->AcquireSuite(name, version, &table);
-        return static_cast<const Table*>(table);
+        project_suite = host.acquire<AEGP_ProjSuite5>("AEGP Proj Suite", 5);
+        item_suite = host.acquire<AEGP_ItemSuite10>("AEGP Item Suite", 10);
+        footage_suite = host.acquire<AEGP_FootageSuite7>("AEGP Footage Suite", 7);
+        comp_suite = host.acquire<AEGP_CompSuite9>("AEGP Comp Suite", 9);
+        layer_suite = host.acquire<AEGP_LayerSuite11>("AEGP Layer Suite", 11);
+        stream_suite = host.acquire<AEGP_StreamSuite7>("AEGP Stream Suite", 7);
+        keyframe_suite = host.acquire<AEGP_KeyframeSuite3>("AEGP Keyframe Suite", 3);
+        light_suite = host.acquire<AEGP_LightSuite2>("AEGP Light Suite", 2);
+        utility_suite = host.acquire<AEGP_UtilitySuite7>("AEGP Utility Suite", 7);
+        memory_suite = host.acquire<AEGP_MemorySuite1>("AEGP Memory Suite", 1);
+        data_suite = host.acquire<AEGP_PersistentDataSuite1>("AEGP Persistent Data Suite", 1);
+        register_suite = host.acquire<AEGP_RegisterSuite4>("AEGP Register Suite", 4);
+        import_suite = host.acquire<AEGP_FileImportManagerSuite2>("AEGP File Import Manager Suite", 2);
+        io_in_suite = host.acquire<AEGP_IOInSuite1>("AEGP IO In Suite", 1);
+        io_out_suite = host.acquire<AEGP_IOOutSuite1>("AEGP IO Out Suite", 1);
+        ansi_suite = host.acquire<PF_ANSISuite1>("PF ANSI Suite", 1);
     }
 
     AEGP_ItemH root() {

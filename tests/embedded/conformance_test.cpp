@@ -28,7 +28,7 @@ const Case kLeftBehind[] = {
     {"footage that was never added", RuleViolation::footage_never_adopted,
      [](BundleSide& b) { b.placeholder(); }},
     {"a suite", RuleViolation::suite_not_released,
-     [](BundleSide& b) { b.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1); }},
+     [](BundleSide& b) { b.host.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1); }},
     {"memory", RuleViolation::memory_left_alive, [](BundleSide& b) { b.memory(); }},
     {"locked memory that an in-spec owns", RuleViolation::memory_left_locked,
      [](BundleSide& b) {
@@ -77,7 +77,7 @@ TEST(Conformance, IsCleanAfterACallbackThatTidiesUp) {
         b.layer_suite->AEGP_AddLayer(b.placeholder_item(), comp, &layer);
         b.memory_suite->AEGP_FreeMemHandle(b.memory());
         b.host.basic_suite()->ReleaseSuite("AEGP Comp Suite", 9);
-        b.acquire<AEGP_CompSuite9>("AEGP Comp Suite", 9);
+        b.host.acquire<AEGP_CompSuite9>("AEGP Comp Suite", 9);
     });
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
     EXPECT_TRUE(bundle.host.conformance().notes().empty());
@@ -87,8 +87,8 @@ TEST(Conformance, IsCleanAfterACallbackThatTidiesUp) {
 TEST(Conformance, LetsTheTwoKeptSuitesStayAcquired) {
     BundleSide bundle;
     run_in_undo_group(bundle, [](BundleSide& b) {
-        b.acquire<AEGP_RegisterSuite4>("AEGP Register Suite", 4);
-        b.acquire<AEGP_PersistentDataSuite1>("AEGP Persistent Data Suite", 1);
+        b.host.acquire<AEGP_RegisterSuite4>("AEGP Register Suite", 4);
+        b.host.acquire<AEGP_PersistentDataSuite1>("AEGP Persistent Data Suite", 1);
     });
     EXPECT_TRUE(bundle.host.conformance().clean()) << bundle.host.conformance().to_text();
 }

@@ -143,9 +143,9 @@ class CurrentModule : public testing::Test {
         flat = nullptr;
         main_thread = std::this_thread::get_id();
         plugin_id = host_.plugin_id();
-        in_suite = acquire<AEGP_IOInSuite5>("AEGP IO In Suite", 5);
-        memory_suite = acquire<AEGP_MemorySuite1>("AEGP Memory Suite", 1);
-        utility_suite = acquire<AEGP_UtilitySuite7>("AEGP Utility Suite", 7);
+        in_suite = host_.acquire<AEGP_IOInSuite5>("AEGP IO In Suite", 5);
+        memory_suite = host_.acquire<AEGP_MemorySuite1>("AEGP Memory Suite", 1);
+        utility_suite = host_.acquire<AEGP_UtilitySuite7>("AEGP Utility Suite", 7);
         register_module();
     }
 
@@ -153,13 +153,6 @@ class CurrentModule : public testing::Test {
         embedded::HostOptions made;
         made.version = {13, minor};
         return made;
-    }
-
-    template <class Table>
-    const Table* acquire(const char* name, A_long version) {
-        const void* table = nullptr;
-        EXPECT_EQ(host_.basic_suite()->AcquireSuite(name, version, &table), kHostErrorNone);
-        return static_cast<const Table*>(table);
     }
 
     void register_module() {
@@ -187,7 +180,7 @@ class CurrentModule : public testing::Test {
         record.signature = four_char_code("TEST");
         record.num_extensions = 1;
         record.read_kinds[0].ext = {'.', {'t', 's', 't'}};
-        const auto* suite = acquire<AEGP_RegisterSuite6>("AEGP Register Suite", 6);
+        const auto* suite = host_.acquire<AEGP_RegisterSuite6>("AEGP Register Suite", 6);
         ASSERT_EQ(suite->AEGP_RegisterIO(plugin_id, nullptr, &record, &functions), kHostErrorNone);
     }
 

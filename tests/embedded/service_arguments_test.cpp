@@ -217,7 +217,7 @@ TEST(ReservedSlots, FailAndAreReportedWithTheirPlace) {
     const auto call = [](ReservedSlot slot) { return reinterpret_cast<A_Err (*)()>(slot)(); };
     EXPECT_EQ(call(bundle.comp_suite->reserved_2[0]), kHostErrorGeneric);
     EXPECT_EQ(call(bundle.layer_suite->reserved_26[19]), kHostErrorGeneric);
-    const auto* app = bundle.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1);
+    const auto* app = bundle.host.acquire<PF_AEAdvAppSuite1>("PF AE Adv App Suite", 1);
     EXPECT_EQ(call(app->reserved_0[9]), kHostErrorGeneric);
     const auto& violations = bundle.host.conformance().violations();
     ASSERT_EQ(violations.size(), 3U);

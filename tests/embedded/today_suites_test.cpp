@@ -29,21 +29,14 @@ embedded::HostOptions today() {
 /// A current host as a bundle sees it. The suites stay acquired.
 struct TodaySide {
     TodaySide() {
-        register_suite = acquire<AEGP_RegisterSuite6>("AEGP Register Suite", 6);
-        import_suite = acquire<AEGP_FileImportManagerSuite3>("AEGP File Import Manager Suite", 3);
-        data_suite = acquire<AEGP_PersistentDataSuite3>("AEGP Persistent Data Suite", 3);
-        project_suite = acquire<AEGP_ProjSuite8>("AEGP Proj Suite", 8);
-        footage_suite = acquire<AEGP_FootageSuite11>("AEGP Footage Suite", 11);
-        io_in_suite = acquire<AEGP_IOInSuite5>("AEGP IO In Suite", 5);
-        io_out_suite = acquire<AEGP_IOOutSuite7>("AEGP IO Out Suite", 7);
-        memory_suite = acquire<AEGP_MemorySuite1>("AEGP Memory Suite", 1);
-    }
-
-    template <class Table>
-    const Table* acquire(const char* name, A_long version) {
-        const void* table = nullptr;
-        host.basic_suite()->AcquireSuite(name, version, &table);
-        return static_cast<const Table*>(table);
+        register_suite = host.acquire<AEGP_RegisterSuite6>("AEGP Register Suite", 6);
+        import_suite = host.acquire<AEGP_FileImportManagerSuite3>("AEGP File Import Manager Suite", 3);
+        data_suite = host.acquire<AEGP_PersistentDataSuite3>("AEGP Persistent Data Suite", 3);
+        project_suite = host.acquire<AEGP_ProjSuite8>("AEGP Proj Suite", 8);
+        footage_suite = host.acquire<AEGP_FootageSuite11>("AEGP Footage Suite", 11);
+        io_in_suite = host.acquire<AEGP_IOInSuite5>("AEGP IO In Suite", 5);
+        io_out_suite = host.acquire<AEGP_IOOutSuite7>("AEGP IO Out Suite", 7);
+        memory_suite = host.acquire<AEGP_MemorySuite1>("AEGP Memory Suite", 1);
     }
 
     /// The terminated text in a memory handle.
