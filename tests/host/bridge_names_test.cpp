@@ -8,6 +8,7 @@
 
 #include "host/bridged_plugin.h"
 #include "host/one_refused_allocation.h"
+#include "support/aimed_lights.h"
 
 namespace {
 
@@ -173,21 +174,14 @@ TEST_F(BridgeNames, ACameraThatWasNotMadeIsNotAimed) {
 }
 
 TEST_F(BridgeNames, SpotAndParallelLightsTurnTowardsTheirPointsOfInterest) {
-    const struct {
-        AEGP_LightType type;
-        bool aimed;
-    } cases[] = {{kLightTypeParallel, true},
-                 {kLightTypeSpot, true},
-                 {kLightTypePoint, false},
-                 {kLightTypeAmbient, false}};
-    for (const auto& c : cases) {
+    for (const AimedLight& light : kAimedLights) {
         host.calls.clear();
-        EXPECT_EQ(lights->AEGP_SetLightType(host.handle<AEGP_LayerH>("light"), c.type), 0);
-        std::vector<std::string> expected = {"SetLightType(light, " + std::to_string(c.type) + ")"};
-        if (c.aimed) {
+        EXPECT_EQ(lights->AEGP_SetLightType(host.handle<AEGP_LayerH>("light"), light.type), 0);
+        std::vector<std::string> expected = {"SetLightType(light, " + std::to_string(light.type) + ")"};
+        if (light.aimed) {
             expected.emplace_back("SetLayerFlag(light, 8192, 1)");
         }
-        EXPECT_EQ(host.calls, expected) << c.type;
+        EXPECT_EQ(host.calls, expected) << light.type;
     }
 }
 
