@@ -109,7 +109,7 @@ PF_Pixel scaled_pixel(const Texture& texture, A_long x, A_long y, const embedded
     return {mean(&PF_Pixel::alpha), mean(&PF_Pixel::red), mean(&PF_Pixel::green), mean(&PF_Pixel::blue)};
 }
 
-// A classic host gets the top left part of the picture, and the rest of its frame is left.
+// A classic host gets the top left part of the picture; the rest of its frame stays as it was.
 TEST_P(TextureFootage, IsDrawnIntoFramesOfEveryShape) {
     constexpr A_long kWidth = 5;
     constexpr A_long kHeight = 4;
@@ -248,8 +248,8 @@ TEST(BrokenTextures, AreReportedTwiceAndLeaveTheirHandle) {
     }
 }
 
-// Classic hosts draw what they have opened. For a current one the bridge has the file loaded again
-// (current_frames_test.cpp); here there is none.
+// Classic hosts draw only what they have opened. In a current host the bridge has the module load the file
+// again (reopened_textures_test.cpp), and this file does not exist.
 TEST(TexturesInAFailingHost, WithoutAnOptionsHandleNothingIsDrawnOrFreed) {
     LoadedBundle bundle;
     const embedded::Id spec = bundle.host().new_in_spec("never_opened.txl");
@@ -261,7 +261,7 @@ TEST(TexturesInAFailingHost, WithoutAnOptionsHandleNothingIsDrawnOrFreed) {
     }
     EXPECT_EQ(bundle.host().dispose(spec).code, 0);
     EXPECT_EQ(bundle.message_texts().size(), tests_today() ? 1U : 0U);
-    // The handle of the path.
+    // The handle with the path, which a current host lends.
     EXPECT_EQ(bundle.host().call_counts()["AEGP_FreeMemHandle"], tests_today() ? 1 : 0);
     EXPECT_TRUE(bundle.host().conformance().clean()) << bundle.host().conformance().to_text();
 }
