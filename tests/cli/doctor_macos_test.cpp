@@ -192,8 +192,8 @@ TEST(DoctorOnMacosFolders, SaysInWhichFormTheEntryPointIsNamed) {
         listed);
     ASSERT_EQ(diagnosis.findings.size(), 1U);
     EXPECT_EQ(diagnosis.findings[0].reason,
-              "the property \"ma64\" names \"EntryPointFunc\" as a text with a zero byte behind it; hosts on "
-              "this system read it as a text with its length in the byte before it");
+              "the property \"ma64\" names \"EntryPointFunc\" as text that ends with a zero byte; hosts on "
+              "this system expect it as text that begins with a byte for its length");
 }
 
 }  // namespace

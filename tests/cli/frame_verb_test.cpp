@@ -170,7 +170,7 @@ TEST(FrameVerb, AResolutionShowsTheWholeTextureWithFewerPixels) {
         {"half, rounded up", {"--resolution", "half"}, 5, 4},
         {"a third", {"--resolution", "third"}, 3, 3},
         {"a quarter", {"--resolution", "quarter"}, 3, 2},
-        {"a size of its own", {"--resolution", "half", "--size", "4x3"}, 4, 3},
+        {"a given size at a resolution", {"--resolution", "half", "--size", "4x3"}, 4, 3},
         {"from a copy, on another thread", {"--resolution", "half", "--host", "25.3"}, 5, 4},
         {"a size larger than the texture", {"--size", "11x8"}, 11, 8},
     };

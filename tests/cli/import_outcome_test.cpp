@@ -37,8 +37,8 @@ void value(Layer& layer, AEGP_LayerStream kind, const embedded::StreamComponents
     stream.value_set = true;
 }
 
-/// The project of the scene, worked out by hand. The camera at (1, 2, 3) looks along -x, 100 units far; its
-/// 90 degrees over 640 pixels are a zoom of 320. The light at the origin looks up.
+/// The project that the scene becomes, worked out by hand. The camera at (1, 2, 3) looks along -x, 100 units
+/// far; its 90 degrees over 640 pixels are a zoom of 320. The light at the origin looks up.
 ProjectBuilder imported() {
     ProjectBuilder builder;
     builder.composition(kRootFolder, "M");
@@ -90,7 +90,7 @@ const Difference kDifferences[] = {
          c.streams[kLayerStreamZoom].keyframes[0].value = {std::numeric_limits<double>::infinity()};
      },
      "camera \"c\" has the zoom inf, and the scene says 320, at frame 1"},
-    {"no number",
+    {"a zoom that is not a number",
      [](Layer&, Layer&, Layer& c) {
          c.streams[kLayerStreamZoom].keyframes[0].value = {std::numeric_limits<double>::quiet_NaN()};
      },
@@ -101,7 +101,7 @@ const Difference kDifferences[] = {
      [](Layer&, Layer&, Layer& c) {
          c.streams[kLayerStreamPosition].keyframes[1].time = {3, 25};
      },
-     "camera \"c\" has a key of its position at another time than the scene says, at frame 2"},
+     "camera \"c\" has a key of its position at another time than the scene, at frame 2"},
     {"the same time on another scale",
      [](Layer&, Layer&, Layer& c) {
          c.streams[kLayerStreamPosition].keyframes[1].time = {2, 50};

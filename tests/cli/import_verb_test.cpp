@@ -102,7 +102,7 @@ TEST(ImportVerb, FilesThatThePlugInIgnoresAreExplained) {
 TEST(ImportVerb, EveryKindOfHostMakesTheSameProject) {
     for (const char* example : {"square/courtyard_020.aec", "interlaced/lantern_010.aec"}) {
         const std::string scene = std::string(VXR_EXAMPLES_DIR) + "/" + example;
-        // In a current host, aiming cameras and lights are changes of their own.
+        // The number of changes differs: aiming a camera or light in a current host is one more.
         const auto project_of = [](const ProcessResult& run) {
             json document = json::parse(run.out);
             for (json& step : document["undo_steps"]) {
@@ -146,9 +146,9 @@ TEST(ImportVerb, NamesThatArriveAsBytesAreShownInAnEncoding) {
     }
 }
 
-// A key that is refused takes the value that the zoom had before: that of the first key, 320 / tan(20
-// degrees).
-TEST(ImportVerb, AKeyWithAnotherValueIsNoFinishedImport) {
+// The value of the last key is refused, so the key keeps what the zoom had before: 320 / tan(20 degrees), the
+// value of the first key.
+TEST(ImportVerb, AKeyWithAnotherValueLeavesTheImportUnfinished) {
     const TemporaryFolder folder;
     const std::string scene =
         folder.write("shot.aec",
@@ -263,7 +263,7 @@ const Fault kFaults[] = {
      0,
      "vxr: note: the host never offers \"AEGP Footage Suite\" version 7\n",
      "1 null\n"},
-    {"names that are narrow only",
+    {"host with narrow names only",
      {"--without-suite", "AEGP Comp Suite:15", "--without-suite", "AEGP Item Suite:13"},
      0,
      "",
@@ -272,8 +272,7 @@ const Fault kFaults[] = {
      {"--fail", "AEGP_SetLayerFlag:3:4"},
      1,
      "vxr: error: the import did not finish: camera \"Camera\" looks 3 degrees away from where the scene "
-     "says, "
-     "at frame 17: it does not turn towards its point of interest\n",
+     "says, at frame 17: it does not turn towards its point of interest\n",
      "one-node camera"},
     {"null that stays flat",
      {"--fail", "AEGP_SetLayerFlag:1:4"},

@@ -41,7 +41,7 @@ const Case kWrongUsage[] = {
      {"import", "--alpha-preference", "256", "a.aec"},
      "vxr: error: --alpha-preference: \"256\" is neither none nor a number from 0 to 255\nSee `vxr import "
      "--help`.\n"},
-    {"length of stills that is none",
+    {"stills of no length",
      {"import", "--still-duration", "0", "a.aec"},
      "vxr: error: --still-duration: \"0\" is neither composition nor a number from 1\nSee `vxr import "
      "--help`.\n"},
@@ -58,8 +58,7 @@ const Case kWrongUsage[] = {
     {"function that the host does not have",
      {"import", "--fail", "AEGP_Nonsense:1:4", "a.aec"},
      "vxr: error: --fail: \"AEGP_Nonsense:1:4\" is not FUNCTION:N:CODE with a function of the host, N from 1 "
-     "and "
-     "a CODE other than 0\nSee `vxr import --help`.\n"},
+     "and a CODE other than 0\nSee `vxr import --help`.\n"},
     {"unknown shell",
      {"completion", "tcsh"},
      "vxr: error: SHELL: tcsh not in {bash}\nSee `vxr completion --help`.\n"},

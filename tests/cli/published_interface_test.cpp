@@ -139,9 +139,8 @@ const PublishedCodes kCodes[] = {
      "not-importable unsound-result",
      "footage-missing footage-unreadable footage-path-unread sequence-gap sequence-single-frame "
      "sequence-without-number value-changed aspect-cut name-cut name-not-utf8 light-kind-changed "
-     "shadow-kind-not-sent "
-     "angle-not-sent key-outside-range key-out-of-order key-repeated field-of-view range-reversed "
-     "layer-past-end word-ignored text-after-end"},
+     "shadow-kind-not-sent angle-not-sent key-outside-range key-out-of-order key-repeated field-of-view "
+     "range-reversed layer-past-end word-ignored text-after-end"},
     {"doctor",
      "cannot-read not-a-binary not-a-bundle damaged wrong-kind wrong-processor wrong-name no-properties "
      "properties-damaged properties-number property-missing property-wrong entry-missing entry-not-exported "

@@ -366,9 +366,8 @@ TEST(TextureConvert, NamesWhatHasNoRoom) {
          {"xyz.exr: warning: its channels do not say what they are: grey from \"Y\", alpha from \"X\", \"Z\" "
           "[channels-guessed]\n",
           "xyz.exr: warning: a texture has no room for \"Copyright\" [metadata-left-out]\n",
-          "xyz.txl: warning: a texture's alpha channels are all called Alpha; without its name is \"X\" and "
-          "1 "
-          "more [names-left-out]\n"}) {
+          "xyz.txl: warning: a texture calls every alpha channel Alpha; this drops the name \"X\" and 1 more "
+          "[names-left-out]\n"}) {
         EXPECT_NE(image.err.find(line), std::string::npos) << line << "in\n" << image.err;
     }
 
@@ -387,10 +386,9 @@ TEST(TextureConvert, NamesWhatHasNoRoom) {
               "[names-left-out]\n");
     EXPECT_EQ(left_out("named.exr"),
               "named.exr: warning: the file has no room for the alpha names \"mask\" [names-left-out]\n");
-    EXPECT_EQ(
-        left_out("copy.txl"),
-        "copy.txl: warning: a texture's alpha channels are all called Alpha; without its name is \"mask\" "
-        "and 1 more [names-left-out]\n");
+    EXPECT_EQ(left_out("copy.txl"),
+              "copy.txl: warning: a texture calls every alpha channel Alpha; this drops the name \"mask\" "
+              "and 1 more [names-left-out]\n");
 }
 
 TEST(TextureConvert, SaysBeforeItBeginsThatRowsAreMissing) {

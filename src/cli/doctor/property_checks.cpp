@@ -34,10 +34,10 @@ std::optional<std::string_view> entry_name(const Property& property, PropertyFor
     return form == PropertyForm::windows ? property.terminated_text() : property.counted_text();
 }
 
-/// "as a text with a zero byte behind it"
+/// "as text that ends with a zero byte"
 std::string entry_form(PropertyForm form) {
-    return form == PropertyForm::windows ? "as a text with a zero byte behind it"
-                                         : "as a text with its length in the byte before it";
+    return form == PropertyForm::windows ? "as text that ends with a zero byte"
+                                         : "as text that begins with a byte for its length";
 }
 
 PropertyForm other_form(PropertyForm form) {
@@ -162,10 +162,11 @@ class PropertyChecks {
         if (exports(image, swapped)) {
             add(Finding::property_wrong, entry,
                 "the property \"" + std::string(code.key) + "\" names " + text::quoted(swapped) + ' ' +
-                    entry_form(other_form(form)) + "; hosts on this system read it " + entry_form(form));
+                    entry_form(other_form(form)) + "; hosts on this system expect it " + entry_form(form));
         } else if (name.empty()) {
             add(Finding::property_wrong, entry,
-                "the property \"" + std::string(code.key) + "\" names no function " + entry_form(form));
+                "the property \"" + std::string(code.key) + "\" does not name a function " +
+                    entry_form(form));
         } else {
             add(Finding::entry_not_exported, entry,
                 "the property \"" + std::string(code.key) + "\" names " + text::quoted(name) +

@@ -56,8 +56,7 @@ void open_and_draw(FrameRun& run, embedded::Host& host, const FrameRequest& requ
     const embedded::OpenResult opened = host.open_with_module(path);
     run.open = opened.callback;
     if (opened.in_spec == 0 || run.open.code != kHostErrorNone) {
-        // A host has no use for a picture without pixels, and the module does not say that this is the
-        // reason.
+        // The module refuses a picture without pixels and does not say why.
         const TextureReading reading = read_texture(run.file);
         const bool no_picture = reading.error.has_value() && reading.error->code == TextureFault::no_picture;
         refuse(run, "the module did not open the file and ended " + end_text(run.open) +

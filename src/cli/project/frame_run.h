@@ -20,8 +20,8 @@ struct FrameSize {
 
 /// The frame that a user asks for.
 struct FrameRequest {
-    std::optional<FrameSize> size;  ///< without one, that of the texture at the resolution
-    /// 2 for half. Sides that it does not divide are rounded up.
+    std::optional<FrameSize> size;  ///< unset: the texture's, divided by the resolution and rounded up
+    /// 2 for half.
     A_long resolution_divisor = 1;
     std::uint8_t fill = 0;  ///< every byte before drawing
 };

@@ -59,7 +59,7 @@ std::vector<std::string> left_changed(const embedded::Host& host,
                                       const std::optional<std::uint8_t>& preference) {
     std::vector<std::string> left;
     for (const auto& [key, value] : host.project().preferences) {
-        // A host without the preference gets none from an import, whatever its value.
+        // An import must not leave a preference, whatever its value, in a host that had none.
         const bool as_before = preference && value == std::vector<std::uint8_t>{*preference};
         if (!as_before) {
             left.push_back("the preference " + key.second + " was not put back");

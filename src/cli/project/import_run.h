@@ -34,7 +34,7 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
 
 /// The project's document with two more members at its end: "discipline", and "import" with
 /// {"file","exit_code","finished","importable","result","missing_suite","problems","notes","diagnostics"}.
-/// `project` is the host's, or the same with decoded names.
+/// `project` is the host's, with its names decoded or not.
 embedded::Json import_document(const embedded::Project& project, const embedded::ConformanceReport& report,
                                const ImportRun& run);
 

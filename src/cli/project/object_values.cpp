@@ -109,7 +109,7 @@ struct SceneKeyAt {
     const tagKeyFrame* key = nullptr;
 };
 
-/// The keys as a host keeps them: ascending, and of those at one time the last.
+/// The keys as a host keeps them: in ascending order, and only the last of those at one time.
 std::vector<SceneKeyAt> ordered_keys(const SceneBlock& object, const tagProjectSettings& settings) {
     std::vector<SceneKeyAt> keys;
     const std::size_t count = key_count(object);
@@ -195,7 +195,7 @@ std::string key_difference(const Layer& layer, const KeyedStream& wanted, const 
     for (std::size_t i = 0; i < keys.size(); ++i) {
         const Keyframe& found = stream.keyframes[i];
         if (!is_at(found, keys[i].frame, settings.fps)) {
-            return std::string(" has a key of its ") + wanted.name + " at another time than the scene says" +
+            return std::string(" has a key of its ") + wanted.name + " at another time than the scene" +
                    at_frame(keys[i]);
         }
         const Vector value = wanted.value(*keys[i].key, settings);
@@ -208,6 +208,7 @@ std::string key_difference(const Layer& layer, const KeyedStream& wanted, const 
     return {};
 }
 
+/// Deliberately repeats host_light_type of the importer: object_values.h says why.
 AEGP_LightType wanted_light_type(const CLight& light) {
     switch (light.lightType) {
         case kLightSpot:
@@ -250,7 +251,7 @@ std::string light_difference(const Layer& layer, const CLight& light) {
     const double casts = light.shadowType == kShadowNone ? 0 : 1;
     return shadows->value[0] == casts
                ? ""
-               : std::string(casts == 0 ? " casts shadows, and the scene says none"
+               : std::string(casts == 0 ? " casts shadows, and the scene says it casts none"
                                         : " casts no shadows, and the scene says it does");
 }
 
@@ -273,8 +274,8 @@ bool has_aim(const SceneBlock& object) {
            wanted_light_type(static_cast<const CLight&>(*object.object)) != kLightTypePoint;
 }
 
-/// Where the layer looks at its key `i`, in the host's axes. Without a point of interest it looks straight
-/// ahead: the orientation of a scene's object only turns it about that axis.
+/// Where the layer looks at its key `i`, in the host's axes. A layer that does not turn towards its point of
+/// interest looks straight ahead: the orientation of a scene's object only turns it about that axis.
 Vector looks_at(const Layer& layer, std::size_t i) {
     if (!layer.looks_at_point_of_interest()) {
         return {0, 0, 1};
@@ -295,8 +296,8 @@ std::string aim_difference(const Layer& layer, const SceneBlock& object,
     }
     for (std::size_t i = 0; i < keys.size(); ++i) {
         const tagKeyFrame& key = *keys[i].key;
-        // Nothing can be said about a point of interest that is, to the last digits, where the layer is, and
-        // one behind the layer is what the scene itself says.
+        // A point of interest at the layer's own position, but for rounding, gives no direction. One behind
+        // the layer is what the scene itself says.
         const double far = length(position(key));
         constexpr double kDigits = 1e-6;
         if (!(key.targetDistance > kDigits * far) || !std::isfinite(far)) {

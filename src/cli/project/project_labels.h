@@ -26,8 +26,8 @@ std::string alpha_label(const embedded::Footage& footage);
 std::string fields_label(const AEGP_FootageInterp& interpretation);
 /// "point light", "spot light", ...; "light" while the type is not set.
 std::string light_type_label(const embedded::Layer& layer);
-/// "camera", or "one-node camera" if it does not turn towards its point of interest; "point light", or "spot
-/// light, not aimed" for the same reason; of footage "still", "sequence", "texture", "MISSING".
+/// "camera", "point light", "composition", ...; "one-node camera" and "spot light, not aimed" for layers that
+/// do not turn towards their points of interest. For footage "still", "sequence", "texture", "MISSING".
 std::string layer_label(const embedded::Project& project, const embedded::Layer& layer);
 std::string footage_label(embedded::FootageKind kind);
 /// "grey", "RGB", "RGBA", "5 channels"

@@ -53,7 +53,7 @@ Input read_image(const std::string& path, const image::AlphaOptions& alpha) {
 
 Input read_any(const std::string& path, const ConversionOptions& options) {
     if (!has_texture_extension(path) && !begins_as_texture_file(path)) {
-        // The pixels of a texture that does not exist yet show nothing.
+        // "auto" means premultiplied here: there is no texture yet whose pixels could decide.
         const bool straight = options.label == AlphaLabel::straight;
         return read_image(path, {options.alpha_bytes, straight ? image::AlphaPixels::straight
                                                                : image::AlphaPixels::premultiplied});
@@ -83,7 +83,7 @@ std::optional<Refusal> write_texture_file(const std::string& path, const Texture
     return std::nullopt;
 }
 
-/// Adds a warning of names that textures do not store.
+/// Adds a warning about names of alpha channels, which textures do not store.
 std::optional<Refusal> write_as_texture(Conversion& conversion, const Texture& texture) {
     if (auto refusal = write_texture_file(conversion.output, texture)) {
         return refusal;
@@ -91,8 +91,7 @@ std::optional<Refusal> write_as_texture(Conversion& conversion, const Texture& t
     if (const std::vector<std::string> names = names_without_room(texture); !names.empty()) {
         conversion.diagnostics.push_back(diagnostic::make(
             image::Code::names_left_out, {conversion.output},
-            "a texture's alpha channels are all called Alpha; without its name is " +
-                text::quoted(names.front()) +
+            "a texture calls every alpha channel Alpha; this drops the name " + text::quoted(names.front()) +
                 (names.size() == 1 ? "" : " and " + std::to_string(names.size() - 1) + " more")));
     }
     return std::nullopt;
@@ -202,10 +201,9 @@ std::optional<AlphaLabel> parse_alpha_label(std::string_view text) {
 
 void add_alpha_label_option(Options& options, std::string& label) {
     options
-        .option(
-            "--alpha-label", label,
-            "what the texture's colour is and an image is to say: premultiplied, as After Effects is told; "
-            "straight; or auto, whichever the pixels show")
+        .option("--alpha-label", label,
+                "what the texture's colour is, and how to mark an image: premultiplied, as After Effects is "
+                "told; straight; or auto, as the pixels show")
         .value_name("LABEL")
         .show_default()
         .check([](const std::string& text) {

@@ -29,7 +29,7 @@ std::optional<AlphaChoice> parse_alpha_choice(std::string_view text);
 enum class AlphaLabel {
     premultiplied,  ///< as the plug-in tells After Effects
     straight,
-    pixels,  ///< whichever the pixels show
+    pixels,  ///< as the pixels show
 };
 
 /// Parses "premultiplied", "straight" or "auto"; nothing for any other text.
@@ -38,18 +38,17 @@ std::optional<AlphaLabel> parse_alpha_label(std::string_view text);
 /// Adds the option --alpha-label, whose text goes to `label`.
 void add_alpha_label_option(Options& options, std::string& label);
 
-/// The label as image files have it. Looks at the pixels if it has to.
+/// What an image file says for this label. Looks at the pixels only for AlphaLabel::pixels.
 image::AlphaPixels alpha_pixels(AlphaLabel label, const Texture& texture);
 
 struct ConversionOptions {
     AlphaChoice alpha;
     image::AlphaBytes alpha_bytes = image::AlphaBytes::kept;
     AlphaLabel label = AlphaLabel::premultiplied;
-    /// Called before the output of a texture is begun that has more rows than its file; takes over what there
-    /// is to say about the input. May be empty; then the conversion keeps it.
+    /// Called before the output is begun if a texture has more rows than its file holds. Takes over the
+    /// diagnostics of the input. May be empty; then the conversion keeps them.
     std::function<void(const std::vector<Diagnostic>&)> before_missing_rows;
-    /// Called with the rows of the picture that are written, and with all of them; not for textures. May be
-    /// empty.
+    /// Called while an image is written, never for textures: rows so far, rows of the picture. May be empty.
     std::function<void(std::int64_t written, std::int64_t rows)> on_rows;
 };
 

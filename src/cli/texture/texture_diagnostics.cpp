@@ -1,7 +1,6 @@
 #include "cli/texture/texture_diagnostics.h"
 
 #include "cli/report/diagnostic_text.h"
-#include "texture/value/alpha_use.h"
 
 namespace cli {
 
@@ -26,12 +25,19 @@ std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const
     return diagnostics;
 }
 
-std::optional<Diagnostic> alpha_note(const TextureReading& reading, const std::string& file) {
+std::optional<AlphaFinding> alpha_finding(const TextureReading& reading) {
     if (!reading.texture.has_value() || reading.texture->alphas.empty()) {
         return std::nullopt;
     }
-    const AlphaFinding finding = find_alpha_use(*reading.texture, reading.colour_rows);
-    return diagnostic::make(finding.use, {file}, alpha_use_text(finding));
+    return find_alpha_use(*reading.texture, reading.colour_rows);
+}
+
+std::optional<Diagnostic> alpha_note(const TextureReading& reading, const std::string& file) {
+    const std::optional<AlphaFinding> finding = alpha_finding(reading);
+    if (!finding) {
+        return std::nullopt;
+    }
+    return diagnostic::make(finding->use, {file}, alpha_use_text(*finding));
 }
 
 std::string texture_diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {

@@ -7,6 +7,7 @@
 #include "cli/exit_codes.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
+#include "texture/value/alpha_use.h"
 #include "texture/value/texture_file.h"
 
 namespace cli {
@@ -18,7 +19,11 @@ Diagnostic texture_diagnostic(Diagnostic diagnostic, const std::string& file);
 /// The error of a reading, if there is one, then its warnings.
 std::vector<Diagnostic> texture_diagnostics(const TextureReading& reading, const std::string& file);
 
-/// A note on whether the pixels of a texture are straight or premultiplied; nothing without an alpha channel.
+/// Whether the pixels of a texture are straight or premultiplied; nothing without a texture or its alpha
+/// channel.
+std::optional<AlphaFinding> alpha_finding(const TextureReading& reading);
+
+/// The same as a note.
 std::optional<Diagnostic> alpha_note(const TextureReading& reading, const std::string& file);
 
 /// diagnostic_text with the chunks around the place on one line: "in 502 > 599 > 110100 > 501 > TaVx".

@@ -44,7 +44,7 @@ struct Resolution {
     A_long divisor;
 };
 
-/// As the menu of a composition has them.
+/// The choices in the menu of a composition.
 constexpr Resolution kResolutions[] = {{"full", 1}, {"half", 2}, {"third", 3}, {"quarter", 4}};
 
 std::vector<std::string> resolution_names() {
@@ -80,7 +80,7 @@ class FrameCommand : public Command {
             .group("The frame");
         options
             .option("--size", size_,
-                    "the size of the frame; without this, that of the texture at the resolution")
+                    "the size of the frame; without this, the texture's size at the resolution")
             .value_name("WIDTHxHEIGHT")
             .check([](const std::string& text) {
                 return parse_frame_size(text) ? std::string() : '"' + text + "\" is not WIDTHxHEIGHT";

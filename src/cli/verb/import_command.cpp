@@ -51,7 +51,7 @@ std::optional<int> parse_count(std::string_view text) {
     return count && *count >= 1 ? count : std::nullopt;
 }
 
-/// The preference for stills; its length is empty for that of the composition.
+/// The preference for stills. Without a length they are as long as the composition.
 struct StillDuration {
     std::optional<A_Time> length;
 };
@@ -107,10 +107,10 @@ class ImportCommand : public Command {
             .check(checked_by(parse_still_duration, "is neither composition nor a number from 1"))
             .group(kHostGroup);
         options
-            .option("--name-encoding", name_encoding_,
-                    "how to show names that reach the host as bytes other than UTF-8: windows-1252, "
-                    "mac-roman, or "
-                    "bytes, which shows them as they are; a current host gets such names as Windows-1252")
+            .option(
+                "--name-encoding", name_encoding_,
+                "how to show names that reach the host as bytes other than UTF-8: windows-1252, mac-roman, "
+                "or bytes, which shows the bytes; a current host gets such names as Windows-1252")
             .value_name("ENCODING")
             .show_default()
             .check(checked_by(is_name_encoding, "is neither windows-1252, mac-roman nor bytes"))

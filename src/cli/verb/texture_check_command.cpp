@@ -29,25 +29,21 @@ constexpr FileKind kTextureFiles{"texture files", check_texture_file, texture_di
 }  // namespace
 
 Verb texture_check_verb() {
-    return {
-        "texture check",
-        "report what is wrong with texture files, and what was repaired or skipped",
-        {"Reads each file completely, as the plug-in does. An error names the byte at which the wrong item "
-         "begins, the chunks around it, what was found and what is allowed. Warnings are about files that "
-         "can be read, but not exactly as they are stored: rows that cannot be unpacked, unknown chunks, and "
-         "rows that are "
-         "not there.",
-         "After Effects is told that the colour of every texture with alpha is premultiplied, which is to "
-         "say "
-         "multiplied by alpha. A note says whether the pixels agree. Where they are straight, the picture "
-         "has "
-         "fringes until you choose Interpret Footage, Straight in After Effects.",
-         "Each file gets one line on standard output. With several files the most serious outcome is the "
-         "exit code: a file that cannot be read is more serious than one that is refused."},
-        {{"vxr texture check bark.txl", "Shows where bark.txl is damaged, if it is."},
-         {"vxr texture check --strict --quiet maps/*.txl",
-          "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."}},
-        []() -> std::unique_ptr<Command> { return make_check_command(kTextureFiles); }};
+    return {"texture check",
+            "report what is wrong with texture files, and what was repaired or skipped",
+            {"Reads each file completely, as the plug-in does. An error names the byte at which the wrong "
+             "item begins, the chunks around it, what was found and what is allowed. Warnings are about "
+             "files that can be read, but not exactly as they are stored: rows that cannot be unpacked, "
+             "missing rows, unknown chunks.",
+             "After Effects is told that the colour of every texture with alpha is premultiplied (multiplied "
+             "by alpha). A note says whether the pixels agree. If they are straight, the picture has fringes "
+             "until you choose Interpret Footage, Straight in After Effects.",
+             "Each file gets one line on standard output. With several files the most serious outcome is the "
+             "exit code: a file that cannot be read is more serious than one that is refused."},
+            {{"vxr texture check bark.txl", "Shows where bark.txl is damaged, if it is."},
+             {"vxr texture check --strict --quiet maps/*.txl",
+              "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."}},
+            []() -> std::unique_ptr<Command> { return make_check_command(kTextureFiles); }};
 }
 
 }  // namespace cli

@@ -59,9 +59,9 @@ void write_diagnostics(const std::vector<Diagnostic>& diagnostics, Terminal& ter
     terminal.err << std::flush;
 }
 
-/// A bar for the rows of a single picture that takes a while to write. The conversion calls `show` on its own
-/// thread, while the thread that made the bar waits for it. With several pictures no bar is wanted, and
-/// `show` may be called on any thread.
+/// A bar for the rows of a single picture that takes a while to write. With several pictures it is not
+/// wanted: then `show` does nothing and may run on any thread. With one picture it runs on the thread of the
+/// conversion, while the thread that made the bar waits.
 class RowBar {
   public:
     RowBar(Terminal& terminal, bool wanted) : terminal_(terminal), wanted_(wanted) {}
@@ -86,7 +86,8 @@ class RowBar {
         bar_->bar(static_cast<std::size_t>(written));
     }
 
-    /// Shows the first row already. Without this a picture that is written at once shows no bar.
+    /// Shows the bar from the first row on. Otherwise it appears after half a second, so that a picture that
+    /// is written quickly has no bar.
     void begin_at_once() { next_ = std::chrono::steady_clock::now(); }
 
     void clear() { bar_.reset(); }
@@ -279,14 +280,12 @@ Verb texture_convert_verb() {
          "format. Images become textures with 8 bits per channel: one channel becomes grey, three become "
          "RGB, and every other channel becomes an alpha channel, the image's own alpha first.",
          "Every byte is copied as it is stored, so converting there and back loses nothing, even through "
-         "formats like PNG that expect colour not to be multiplied by alpha. TIFF files say whether it is, "
-         "and "
-         "--alpha-label decides what they say. With --convert-alpha colour is multiplied or divided where "
-         "the "
-         "texture, as --alpha-label describes it, and the image format differ: the image then looks right in "
-         "a viewer, but 8 bits lose some precision.",
-         "An image becomes a texture of its display window; pixels outside of it are refused. What a texture "
-         "does not hold is named in warnings: depths above 8 bits, names, metadata, further images.",
+         "formats like PNG that expect colour not to be multiplied by alpha. TIFF files say whether it is; "
+         "--alpha-label decides what they say. With --convert-alpha, colour is multiplied or divided where "
+         "the image format differs from the texture as --alpha-label describes it: the image then looks "
+         "right in a viewer, but 8 bits lose some precision.",
+         "An image becomes a texture of its display window; an image with pixels outside it is refused. "
+         "Warnings name what a texture cannot hold: depths above 8 bits, names, metadata, further images.",
          "A file is written beside the one that it will replace, and takes its place when it is complete. An "
          "image format without room for all alpha channels is an error; --alpha chooses."},
         {{"vxr texture convert bark.txl -o bark.png", "Converts one texture to PNG."},

@@ -49,9 +49,7 @@ FileInfo read_info(const std::string& file) {
     }
     info.coding = total_coding(info.reading.chunks);
     info.diagnostics = texture_diagnostics(info.reading, file);
-    if (info.reading.texture.has_value() && !info.reading.texture->alphas.empty()) {
-        info.alpha = find_alpha_use(*info.reading.texture, info.reading.colour_rows);
-    }
+    info.alpha = alpha_finding(info.reading);
     return info;
 }
 
@@ -146,18 +144,17 @@ class TextureInfoCommand : public Command {
 }  // namespace
 
 Verb texture_info_verb() {
-    return {
-        "texture info",
-        "show what texture files hold: size, alpha channels, and every chunk with its row coding",
-        {"Shows size, colour mode and alpha channels, whether colour is multiplied by alpha, how many bytes "
-         "the pixels take in the file and in "
-         "memory, and the chunks of the file as a tree: where each begins, how long it is with everything "
-         "in it, and, for rows of pixels, how many of each channel are raw, packed or neither.",
-         "For a file that is refused, the chunks up to the mistake are shown."},
-        {{"vxr texture info bark.txl", "Size, alpha channels and chunks of one texture."},
-         {"vxr texture info --json *.txl | jq '.files[] | [.file, .compression_ratio]'",
-          "How well each texture is packed, for a script."}},
-        []() -> std::unique_ptr<Command> { return std::make_unique<TextureInfoCommand>(); }};
+    return {"texture info",
+            "show what texture files hold: size, alpha channels, and every chunk with its row coding",
+            {"Shows size, colour mode and alpha channels, whether colour is multiplied by alpha, how many "
+             "bytes the pixels take in the file and in memory, and the chunks of the file as a tree: where "
+             "each begins, how long it is with everything in it, and, for rows of pixels, how many of each "
+             "channel are raw, packed or neither.",
+             "For a file that is refused, the chunks up to the mistake are shown."},
+            {{"vxr texture info bark.txl", "Size, alpha channels and chunks of one texture."},
+             {"vxr texture info --json *.txl | jq '.files[] | [.file, .compression_ratio]'",
+              "How well each texture is packed, for a script."}},
+            []() -> std::unique_ptr<Command> { return std::make_unique<TextureInfoCommand>(); }};
 }
 
 }  // namespace cli
