@@ -20,14 +20,22 @@ bool is_current(const Session& session) {
     return session.options.generation == HostGeneration::today;
 }
 
-/// What the host needs. A region without pixels stands for the whole frame.
-A_LRect required_region(const FrameShape& shape) {
-    const A_LRect whole = {0, 0, shape.width_px, shape.height_px};
-    const A_LRect region = shape.required_region.value_or(whole);
-    return region.left < region.right && region.top < region.bottom ? region : whole;
+A_LRect whole_frame(const FrameShape& shape) {
+    return {0, 0, shape.width_px, shape.height_px};
 }
 
-/// Has the module draw one frame. Without `with_flags` it gets null for them.
+/// The region as the host requests it, with or without pixels.
+A_LRect requested_region(const FrameShape& shape) {
+    return shape.required_region.value_or(whole_frame(shape));
+}
+
+/// The pixels that the host needs. A region without pixels stands for the whole frame.
+A_LRect required_region(const FrameShape& shape) {
+    const A_LRect region = requested_region(shape);
+    return region.left < region.right && region.top < region.bottom ? region : whole_frame(shape);
+}
+
+/// Has the module draw one frame. Without `with_flags` it gets null for the drawing flags.
 CallbackResult ask_for_frame(Session& session, const Module& module, Id in_spec, const FrameShape& shape,
                              GuardedFrame& frame, bool with_flags) {
     AEIO_DrawSparseFramePB request{};
@@ -36,7 +44,7 @@ CallbackResult ask_for_frame(Session& session, const Module& module, Id in_spec,
     request.scale_y = request.scale_x;
     request.time = shape.time;
     request.duration = {1, shape.time.scale};
-    request.required_region = shape.required_region.value_or(A_LRect{0, 0, shape.width_px, shape.height_px});
+    request.required_region = requested_region(shape);
     Output<AEIO_DrawingFlags> flags(session);
     const auto handle = session.handles.handle<AEIO_InSpecH>(in_spec);
     const CallbackResult drawn = session.run(kDraw, [&] {
@@ -51,7 +59,7 @@ CallbackResult ask_for_frame(Session& session, const Module& module, Id in_spec,
     return drawn;
 }
 
-/// Runs `work` on another thread and waits for it. An exception goes on to the caller.
+/// Runs `work` on another thread and waits for it. Passes an exception on to the caller.
 template <class Work>
 void on_another_thread(const Work& work) {
     std::exception_ptr thrown;
@@ -67,7 +75,7 @@ void on_another_thread(const Work& work) {
     }
 }
 
-/// What the module wants to keep of its options in a file; null for nothing.
+/// The options in the form in which the module keeps them in a file; null for nothing.
 AEIO_Handle flat_options(Session& session, const Module& module, Id in_spec) {
     constexpr const char* kFlatten = "AEIO_FlattenOptions";
     Output<AEIO_Handle> flat(session);
@@ -93,9 +101,9 @@ void free_handle(Session& session, AEIO_Handle handle) {
     }
 }
 
-/// A copy that has everything but the options.
+/// A copy of the in-spec with everything but its options.
 Id copy_of(Session& session, Id in_spec) {
-    InSpec made = session.in_spec(in_spec);  // the table of in-specs moves when it grows
+    InSpec made = session.in_spec(in_spec);  // not a reference: the table moves when it grows
     made.id = make_in_spec(session, made.path);
     made.copy_of = in_spec;
     made.options = 0;
@@ -104,7 +112,7 @@ Id copy_of(Session& session, Id in_spec) {
     return copy;
 }
 
-/// Nobody may change a copy while it is drawn.
+/// While this lives, nobody may change the copy.
 class DrawnCopy {
   public:
     DrawnCopy(Session& session, Id copy) : session_(session) { session_.drawn_copy = copy; }
@@ -148,7 +156,7 @@ bool is_inside(const A_LRect& region, A_long x, A_long y) {
     return x >= region.left && x < region.right && y >= region.top && y < region.bottom;
 }
 
-/// Whether a pixel on this side of the region's border is no longer what the frame was filled with.
+/// Whether a pixel inside the region, or outside it, differs from what the frame was filled with.
 bool changed(const std::vector<PF_Pixel>& pixels, const FrameShape& shape, bool inside_region) {
     const A_LRect region = required_region(shape);
     for (A_long y = 0; y < shape.height_px; ++y) {
@@ -170,7 +178,7 @@ void report(Session& session, RuleViolation violation, std::string text) {
     session.conformance.add(conformance_finding(violation, 0, kDraw, std::move(text)));
 }
 
-/// After a frame that the module says it has drawn.
+/// Checks a frame that the module reports as drawn.
 void check_drawn_frame(Session& session, const Module& module, Id in_spec, const FrameShape& shape,
                        const std::vector<PF_Pixel>& pixels) {
     if (shape.required_region && changed(pixels, shape, false)) {
@@ -180,7 +188,7 @@ void check_drawn_frame(Session& session, const Module& module, Id in_spec, const
     if (pixels.empty() || changed(pixels, shape, true)) {
         return;
     }
-    // A picture may look like the fill. It does not look like another fill as well.
+    // A picture may look like the fill, but not like two different fills.
     FrameShape other = shape;
     other.fill = static_cast<std::uint8_t>(~shape.fill);
     GuardedFrame frame(other);

@@ -7,9 +7,9 @@
 
 namespace embedded {
 
-/// Has the module draw into a frame with guard bytes around its rows; reports what it wrote there. A current
-/// host also reports pixels that were written outside the required region, a frame that the module left as it
-/// was while it reported success, and flags that it did not set.
+/// Has the module draw into a frame with guard bytes around its rows and reports writes to them. If the
+/// module reports success, a current host also reports pixels that were written outside the required region,
+/// a frame in which nothing was drawn, and drawing flags that were not set.
 ///
 /// A host that draws from copies (HostOptions::draws_from_copies) flattens the options, makes a copy of the
 /// in-spec without them, and on another thread inflates the copy, draws from it, and disposes of it.

@@ -13,7 +13,7 @@
 //
 // A host's suites are plain C functions without a context, so a process has one host at a time; the next can
 // be made as soon as the first is gone. Everything runs on the calling thread; only frames may be drawn on
-// another one, for which the calling thread waits (Host::draw).
+// another one while the calling thread waits (Host::draw).
 
 #include <cstdint>
 #include <filesystem>
@@ -91,9 +91,9 @@ struct FrameShape {
     A_long origin_y = 0;
     A_Time time{0, 1};      ///< of the frame
     std::uint8_t fill = 0;  ///< every byte of the frame before drawing
-    /// What a current host says the frame's resolution is: 2 for half. The size is as above in any case.
+    /// The resolution that a current host names: 2 for half. It does not change the size above.
     A_long resolution_divisor = 1;
-    /// The part of the frame that the host needs; without one, the whole frame.
+    /// The part of the frame that the host needs; unset: the whole frame.
     std::optional<A_LRect> required_region = std::nullopt;
 };
 

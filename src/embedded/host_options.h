@@ -58,9 +58,9 @@ struct HostOptions {
     std::vector<SuiteName> suites_not_offered;  ///< acquiring fails with kHostErrorMissingSuite
     std::vector<SuiteName> suites_empty;        ///< acquiring succeeds and yields nothing
     std::vector<Fault> faults;
-    /// The answers of AEGP_IsAddLayerValid, counted from 1, that are "no"; adding that layer fails.
+    /// The calls of AEGP_IsAddLayerValid, counted from 1, that answer "no"; adding that layer then fails.
     std::vector<int> layers_refused;
-    /// The preference for the length of stills and of nulls made without one; without it, that of their
+    /// The preference for the length of stills, and of nulls made without a duration. Unset: as long as their
     /// composition.
     std::optional<A_Time> still_duration;
     /// The byte of "Pref_DEFAULT_UNLABELED_ALPHA" in "Main Pref Section"; without one the preference does not

@@ -22,7 +22,7 @@ void set_light_type(const Session& session, Layer& light, AEGP_LightType type);
 /// True for footage, and for a composition that does not contain `composition`, at any depth, and is not it.
 bool can_add_layer(const Project& project, Id item, Id composition);
 
-/// The duration of stills, and of nulls made without one, in this composition: as the host's preference says.
+/// The duration of stills, and of nulls made without a duration, in this composition.
 A_Time still_duration(const Session& session, Id composition);
 
 /// The duration of a layer made from an item.

@@ -23,8 +23,7 @@ std::string field_text(const A_char (&field)[N]) {
     return {field, std::find(field, field + N, '\0')};
 }
 
-/// Asks what current hosts also ask about a file. One of them passes null where the answer is of no use to
-/// it.
+/// Asks what current hosts also ask about a file, once with null for the answer.
 void ask_about_other_files(Session& session, const Module& module, AEIO_InSpecH handle) {
     const auto* functions = std::get_if<AEIO_FunctionBlock4>(&module.functions);
     if (functions == nullptr) {

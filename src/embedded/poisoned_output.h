@@ -10,11 +10,11 @@
 
 namespace embedded {
 
-/// Unlikely to be what a module sets.
+/// Modules are unlikely to set this byte.
 inline constexpr unsigned char kPoison = 0xCD;
 
-/// An output, with `Value{}` in a classic host and with poison in a current one. Every byte of a poisoned
-/// value is one, so `Value` is plain data for which any bytes are a value.
+/// An output that holds `Value{}` in a classic host and kPoison in every byte in a current one. `Value` is
+/// plain data for which any bytes are a value.
 template <typename Value>
 class Output {
   public:
@@ -25,8 +25,8 @@ class Output {
     }
     Value* address() { return &held_.value; }
 
-    /// After a callback that reported success. Reports an output that is as it was, and gives `Value{}` for
-    /// it.
+    /// The value, after a callback that reported success. Reports an output that still holds poison and
+    /// returns `Value{}` for it.
     Value take(Session& session, const char* callback, const char* output) {
         Held poison{};
         std::memset(&poison, kPoison, sizeof poison);
@@ -39,7 +39,7 @@ class Output {
     }
 
   private:
-    /// A value that may be a pointer, so that its size is that of the value and not of what it points to.
+    /// Where `Value` is a pointer, sizeof counts the pointer and not what it points to.
     struct Held {
         Value value;
     };

@@ -45,7 +45,7 @@ BrokenRule each(const char* label, const Table& table, const Check& check) {
     return std::nullopt;
 }
 
-/// Of a name that the bundle gave.
+/// What is wrong with a name that the bundle gave; null for nothing.
 const char* wrong_name(const std::string& name, bool unicode) {
     if (unicode) {
         return is_utf8(name) ? nullptr : "its name came as UTF-16 and is not UTF-8";
@@ -81,7 +81,7 @@ const char* wrong_item(const Project& project, const Item& item) {
         project.item(item.parent_folder).kind != ItemKind::folder) {
         return "it is in no folder";
     }
-    // The name of a file is the file's own.
+    // A file keeps its own name, of any length, unless the bundle renames the item.
     const bool named_by_bundle = item.kind != ItemKind::footage || item.unicode_name;
     if (const char* wrong = named_by_bundle ? wrong_name(item.name, item.unicode_name) : nullptr) {
         return wrong;

@@ -222,7 +222,7 @@ void Session::check_memory(const Marks& since, const std::string& callback) {
             left(RuleViolation::memory_left_locked, callback, memory_text(block) + " was left locked");
             block.locks = 0;
         }
-        // A handle with flat options is for the host.
+        // Flat options belong to the host.
         if (callback != "AEIO_FlattenOptions") {
             left_memory(block.id, callback);
         }

@@ -87,7 +87,7 @@ class Session {
     };
     std::vector<Additions> additions;
 
-    /// Items and compositions for which AEGP_IsAddLayerValid has answered no, because the options say so.
+    /// Items and compositions for which HostOptions::layers_refused made AEGP_IsAddLayerValid answer no.
     std::set<std::pair<Id, Id>> refused_layers;
     int layers_asked_for = 0;
 
@@ -160,13 +160,14 @@ class Session {
     }
     /// As above, for an item that must be a folder.
     Id folder_id(AEGP_ItemH handle, const char* argument);
-    /// The same for suites with narrow names; for those with names in UTF-16, null is the root folder.
+    /// The parent of a new item. For suites with names in UTF-16, null is the root folder; `name` only tells
+    /// the two kinds of suites apart.
     Id parent_folder_id(AEGP_ItemH handle, const A_char* name, const char* argument);
     Id parent_folder_id(AEGP_ItemH handle, const A_UTF16Char* name, const char* argument);
     void require_plugin(AEGP_PluginID id_given);
-    /// For functions that current hosts refuse on other threads.
+    /// Refuses a call off the main thread, in a current host.
     void require_main_thread();
-    /// The in-spec behind a handle, to change it.
+    /// The in-spec behind a handle, for a change; refuses a copy that is being drawn.
     InSpec& in_spec_to_change(AEIO_InSpecH handle);
     void require_true(bool holds, const char* argument, const char* rule) {
         if (!holds) {

@@ -1,4 +1,4 @@
-// What a current host asks of an input module beyond a classic one, and what it finds.
+// What only a current host asks of an input module, and which mistakes it finds.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>

@@ -38,7 +38,8 @@ embedded::HostOptions without_unicode_names() {
     return options;
 }
 
-/// The result of importing a scene, by default into a current host. The host is gone: there is one at a time.
+/// The result of importing a scene, by default into a current host. The host is gone, so that the next can be
+/// made.
 struct Import {
     explicit Import(const SceneFolder& folder, const std::string& text, embedded::HostOptions options = {},
                     HostGeneration generation = HostGeneration::today) {

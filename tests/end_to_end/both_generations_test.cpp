@@ -29,7 +29,7 @@ struct Life {
 };
 
 /// The project as a classic host has it: with names of at most 31 bytes, and without the number of changes,
-/// which is larger by what the bridge adds.
+/// to which the bridge adds its own.
 std::string in_classic_terms(embedded::Json project) {
     constexpr std::size_t kClassicNameBytes = 31;
     const auto cut = [](embedded::Json& named) {

@@ -154,7 +154,7 @@ std::vector<Function> all_functions() {
     };
 }
 
-// In a current host the bridge sets layer flags of its own: AimsAndNames has those failures.
+// In a current host the bridge sets layer flags, too: aims_and_names_test.cpp has those failures.
 const std::vector<Function>& functions() {
     static const std::vector<Function> table = [] {
         std::vector<Function> functions = all_functions();

@@ -90,15 +90,15 @@ bool is_of_suite(const Json& call, const char* function, const char* suite) {
     return call.at("function") == function && call.at("args").at("name") == suite;
 }
 
-/// Whether the call is one that the bridge makes of its own, for what a classic host does not do.
+/// Whether the bridge added this call, for something that classic hosts do not have.
 bool is_added(const Json& call) {
     return call.at("function") == "AEGP_SetItemName" ||
            (call.at("function") == "AEGP_SetLayerFlag" &&
             call.at("args").value("flag", 0) == kLookAtPointOfInterest);
 }
 
-/// The calls of a log without those that the bridge adds in a current host, each between the acquisition and
-/// the release of its suite. The others are numbered as if those had not been made.
+/// The calls of a log without those that the bridge adds in a current host, and without the acquisition and
+/// the release around each. The rest is numbered without gaps.
 std::vector<Json> without_additions(const std::vector<std::string>& log_lines) {
     std::vector<Json> calls;
     int dropped = 0;
@@ -256,27 +256,27 @@ class Notation {
     Members given_;  // the interpretation that the host returned and the importer edits
 };
 
+std::vector<std::string> in_notation(const std::vector<Json>& calls, std::string_view folder) {
+    Notation notation(folder);
+    std::vector<std::string> lines;
+    std::transform(calls.begin(), calls.end(), std::back_inserter(lines),
+                   [&notation](const Json& call) { return notation.line(in_classic_spelling(call)); });
+    return lines;
+}
+
 }  // namespace
 
 std::vector<std::string> calls_in_notation(const std::vector<std::string>& log_lines,
                                            std::string_view folder) {
-    Notation notation(folder);
-    std::vector<std::string> calls;
-    for (const Json& call : without_additions(log_lines)) {
-        calls.push_back(notation.line(in_classic_spelling(call)));
-    }
-    return calls;
+    return in_notation(without_additions(log_lines), folder);
 }
 
 std::vector<std::string> all_calls_in_notation(const std::vector<std::string>& log_lines,
                                                std::string_view folder) {
-    Notation notation(folder);
-    std::vector<std::string> calls;
+    std::vector<Json> calls;
     std::transform(log_lines.begin(), log_lines.end(), std::back_inserter(calls),
-                   [&notation](const std::string& line) {
-                       return notation.line(in_classic_spelling(Json::parse(line)));
-                   });
-    return calls;
+                   [](const std::string& line) { return Json::parse(line); });
+    return in_notation(calls, folder);
 }
 
 std::vector<std::string> in_classic_spelling(const std::vector<std::string>& log_lines) {

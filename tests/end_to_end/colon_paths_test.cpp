@@ -1,5 +1,6 @@
-// The bundle as it is on macOS, where the importer keeps paths in the colon style of classic hosts: built
-// with a stand-in for that style (path_style_colon.cpp), it must hand POSIX paths to a current host.
+// The bundle as it is on macOS, where the importer keeps paths in the colon style of classic hosts. This
+// build of it has a stand-in for that style (path_style_colon.cpp) and must pass POSIX paths to a current
+// host.
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -66,7 +67,7 @@ TEST(ColonPaths, ReachACurrentHostAsPosixPaths) {
             EXPECT_THAT(path, StartsWith("/"));
             ++paths;
         }
-        // Whatever a host sees is the same as from the ordinary bundle, whose paths are never converted.
+        // The host sees what it sees from the ordinary bundle, whose paths are never converted.
         const Import ordinary = imported(VXR_BUNDLE_PATH, HostGeneration::today, scene);
         EXPECT_EQ(first_difference(ordinary.calls, colons.calls), "");
         EXPECT_EQ(ordinary.project, colons.project);
@@ -76,7 +77,7 @@ TEST(ColonPaths, ReachACurrentHostAsPosixPaths) {
     EXPECT_GE(paths, 4U);
 }
 
-// Otherwise the test above would compare two builds that convert nothing.
+// Without this the test above could compare two builds that convert nothing.
 TEST(ColonPaths, ReachAClassicHostAsTheyAre) {
     const SceneFolder folder;
     const std::string scene = folder.scene(

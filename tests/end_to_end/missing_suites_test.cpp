@@ -194,7 +194,7 @@ std::string suite_named_in(const std::string& call) {
     return call.substr(begin, call.find('"', begin) - begin);
 }
 
-// In a current host, the bridge acquires the Layer suite again to aim the camera, and again for the light.
+// In a current host the bridge acquires the Layer suite twice more: to aim the camera and to aim the light.
 std::size_t added_by_bridge() {
     return tests_today() ? 2 : 0;
 }
@@ -203,8 +203,8 @@ constexpr const char* kNotAimed =
     "A camera or light does not turn towards its point of interest, because After Effects refused the "
     "setting. Select it and choose Layer > Transform > Auto-Orient.";
 
-// What follows in a current host if one acquisition of a suite that it can do without fails: its names are
-// narrow, or a layer is not aimed.
+// The messages in a current host if a failed acquisition does not end the import: names are then narrow, or a
+// layer is not aimed. Nothing if the failure ends the import.
 std::optional<std::vector<std::string>> messages_of_a_lesser_import(const std::vector<std::string>& acquired,
                                                                     std::size_t failing) {
     if (!tests_today()) {
@@ -221,11 +221,11 @@ std::optional<std::vector<std::string>> messages_of_a_lesser_import(const std::v
     return std::nullopt;
 }
 
-// Acquisition fails once: whatever the code, the exception follows, except in the presence test and for what
-// the bridge can do without.
+// Acquisition fails once: whatever the code, the exception follows, except in the presence test and for
+// suites that the bridge can do without.
 TEST(EveryAcquisition, FailingInTurn) {
     const std::vector<std::string> acquired = calls_of(clean_run(), "AcquireSuite");
-    // Register and File Import Manager; those that an import uses; those of the bridge.
+    // Register and File Import Manager, the suites of the import, and those that the bridge adds.
     ASSERT_EQ(acquired.size(), 2U + 12U + added_by_bridge());
     for (std::size_t i = 0; i < acquired.size(); ++i) {
         for (const A_Err code : {1, 4, 13}) {

@@ -116,8 +116,8 @@ class Rooms {
         }
     }
 
-    /// Offsets of changed bytes, room * 1000 + byte. In a current host those that became 0 do not count: the
-    /// bridge clears every output before the module is asked.
+    /// Offsets of changed bytes, room * 1000 + byte. In a current host, bytes that became 0 do not count: the
+    /// bridge clears every output before it asks the module.
     [[nodiscard]] std::vector<std::size_t> changed() const {
         std::vector<std::size_t> offsets;
         for (std::size_t i = 0; i < memory_.size(); ++i) {
@@ -297,7 +297,7 @@ TEST(ModuleFunctions, InSpecInfoEmptiesTypeAndSubTypeOnly) {
     // The second room holds the verbiage, with the type at 32 and the sub-type at 64.
     if (tests_today()) {
         EXPECT_THAT(rooms.changed(), IsEmpty());
-        EXPECT_EQ(rooms.byte(1, 0), 0) << "the name, which is not the module's to leave as it was";
+        EXPECT_EQ(rooms.byte(1, 0), 0) << "the bridge has cleared the name";
     } else {
         EXPECT_THAT(rooms.changed(), ElementsAre(1032, 1064));
     }
@@ -386,7 +386,7 @@ TEST(ModuleFunctions, OutputInfoNamesTheFileAndTheModule) {
     }
 }
 
-// What was 'x' before the module did not touch it: for a current host the bridge clears outputs.
+// An output that was 'x' and that the module did not touch: for a current host the bridge clears outputs.
 const A_char kUntouched = tests_today() ? '\0' : 'x';
 
 // A classic host does not yield such a path. A current host does, and the bridge reports why it cannot pass

@@ -1,6 +1,6 @@
-// A stand-in for the path styles of macOS, for a build of the bundle that runs here: paths on the disk
-// "Disk", separated by colons. A slash in a name is a colon in the POSIX path and the other way round, as on
-// macOS.
+// A stand-in for the path styles of macOS, for a build of the bundle that runs on other systems: paths on the
+// disk "Disk", separated by colons. As on macOS, a slash in a name is a colon in the POSIX path, and a colon
+// is a slash.
 
 #include <algorithm>
 #include <cstring>
@@ -45,8 +45,7 @@ std::unique_ptr<char[]> host_path_from_posix(const char* path) {
     if (!is_ascii(path)) {
         return *path == '/' ? copy_of(path) : nullptr;
     }
-    // A path that begins at the disk's root has no colon before the disk, every other one begins with a
-    // colon.
+    // A path from the root begins with the name of the disk, any other path with a colon.
     return copy_of((*path == '/' ? std::string(kDisk) : ":") + exchanged(path));
 }
 

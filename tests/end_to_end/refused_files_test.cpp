@@ -239,7 +239,7 @@ TEST(Nesting, AFailureAtTheDeepestLevelIsReportedByEveryLevel) {
     const std::string path = folder.scene(nested(1024));
     embedded::HostOptions options = with_preference();
     options.faults = {{"AEGP_CreateComp", 1024, 4}};
-    // Loaded on the same thread, because reports of any other one wait.
+    // The thread that loads the bundle must also import: reports from other threads wait.
     run_on_small_stack([&] {
         LoadedBundle bundle(options);
         bundle.host().log_calls(nullptr);

@@ -12,8 +12,8 @@ namespace embedded {
 
 // SUITE(id, name, version in classic hosts, version in current ones). The first two cannot be acquired: the
 // bundle is given them directly. Their functions are counted and logged like the others, with version 0. A
-// host offers the version of its generation, and none where that is 0. Current hosts offer two versions of
-// two suites: the classic one, whose names are narrow, and one with names in UTF-16.
+// host offers the version of its generation, and does not offer a suite where that is 0. Current hosts offer
+// two suites in two versions: the classic one, whose names are narrow, and one with names in UTF-16.
 #define VXR_HOST_SUITES(SUITE)                                    \
     SUITE(basic, "SPBasicSuite", 0, 0)                            \
     SUITE(basic_data, "AEIO_BasicData", 0, 0)                     \
@@ -38,7 +38,7 @@ namespace embedded {
     SUITE(unicode_comp, "AEGP Comp Suite", 0, 15)
 
 // FUNCTION(suite id, name, whether it returns an error code and so can fail). A function that two versions of
-// a suite have is listed with the first, and counted as one.
+// a suite share is listed with the first, and calls of both are counted together.
 #define VXR_HOST_FUNCTIONS(FUNCTION)                                         \
     FUNCTION(basic, AcquireSuite, true)                                      \
     FUNCTION(basic, ReleaseSuite, true)                                      \

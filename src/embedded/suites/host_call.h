@@ -12,7 +12,7 @@
 
 namespace embedded {
 
-/// A function of the suite that lists it, or of another version of that suite.
+/// A function, and the version of its suite through which it was called: the one that lists it, if not given.
 struct CalledFunction {
     CalledFunction(Fn called) : function(called), suite(function_info(called).suite) {}
     CalledFunction(Fn called, SuiteId of) : function(called), suite(of) {}
