@@ -4,6 +4,7 @@
 #include <string>
 
 #include "image/image.h"
+#include "system/signal_cleanup.h"
 
 // The function table between image.h and what implements it: the OpenImageIO module, Windows' own imaging
 // component, or the code built in.
@@ -17,7 +18,7 @@ using Report = void (*)(void* reports, Code code, const char* reason);
 /// was reported. The module lets no exception out and reports it as `gave_up` instead. Module and program are
 /// built together, so both know the types; `version` guards against a module of another build.
 struct Functions {
-    static constexpr std::uint32_t kVersion = 2;  // raise it with every change of the table or of its types
+    static constexpr std::uint32_t kVersion = 3;  // raise it with every change of the table or of its types
 
     std::uint32_t version;
     bool (*probe)(const char* path, Header* header, Report report, void* reports);
@@ -27,6 +28,8 @@ struct Functions {
     bool (*write)(const char* path, const Texture* texture, const WriteOptions* options, Report report,
                   void* reports);
     bool (*can_write)(const char* path);
+    /// Called once, before all others: the files that this code writes are the program's to clean up.
+    void (*share)(os::UnfinishedFiles& of_program) = &os::share_unfinished_files;
 };
 
 /// The functions of the module, which is loaded on the first call and never unloaded. Null when there is no

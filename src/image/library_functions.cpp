@@ -41,6 +41,7 @@ Loaded open_module(const std::filesystem::path& place) {
                          std::to_string(Functions::kVersion);
         return loaded;
     }
+    functions->share(os::unfinished_files());
     loaded.functions = functions;
     return loaded;
 }

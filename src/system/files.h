@@ -3,9 +3,12 @@
 // What the tools ask the operating system about files; files_<platform>.cpp implements it. A file name is a
 // string of bytes: UTF-8 on Windows, which itself uses wide characters, and in any encoding elsewhere.
 
+#include <array>
+#include <compare>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -34,6 +37,17 @@ inline bool is_regular_file(const std::string& path, std::string& why_not) {
     return false;
 }
 
+/// The number by which the system knows a file, a folder or a device; `device` tells file systems apart.
+struct FileNumber {
+    std::uint64_t device = 0;
+    std::array<std::uint64_t, 2> number{};
+
+    friend auto operator<=>(const FileNumber&, const FileNumber&) = default;
+};
+
+/// Of what is at `path`, links followed; nothing when it cannot be determined, as for a missing file.
+std::optional<FileNumber> file_number(const std::string& path);
+
 /// The names of the regular files in `folder`, links followed, in no particular order; empty if it cannot be
 /// read.
 std::vector<std::string> regular_files_in(const std::string& folder);
@@ -49,6 +63,12 @@ std::string absolute_path(const std::string& path);
 
 /// Creates an empty file; std::errc::file_exists if something is already there.
 std::error_code create_file(const std::string& path);
+
+/// Creates an empty file that is to replace the file at `replaced`: from the beginning it has that file's
+/// owner and group where the system allows it, and nobody may do more with it than with that file, except
+/// that its owner may write it. `notice` says what could not be kept. On Windows the file takes its rights
+/// from the folder, as every new file does.
+std::error_code create_replacement(const std::string& path, const std::string& replaced, std::string& notice);
 
 /// Checks whether the file at `path` may be written, without changing it.
 std::error_code may_write(const std::string& path);
@@ -69,7 +89,8 @@ std::error_code flush_file(const std::string& path);
 /// circle or cannot be followed; `failure` then says why.
 std::string link_target(const std::string& path, std::error_code& failure);
 
-/// Renames `from` to `to` in one step, replacing an existing file and taking over its permissions.
+/// Renames `from`, which create_file() or create_replacement() made, to `to` in one step, replacing an
+/// existing file and taking over its permissions.
 std::error_code replace_file(const std::string& from, const std::string& to);
 
 /// The path under which the standard library's streams and file functions open that name.

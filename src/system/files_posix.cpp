@@ -1,4 +1,5 @@
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -40,9 +41,9 @@ std::error_code last_error() {
 /// one.
 class Descriptor {
   public:
-    Descriptor(const std::string& path, int flags) {
-        constexpr mode_t kAsTheUserWants = 0666;
-        descriptor_ = ::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, kAsTheUserWants);
+    /// The umask takes permissions away from `mode`.
+    Descriptor(const std::string& path, int flags, mode_t mode = 0666) {
+        descriptor_ = ::open(path.c_str(), flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, mode);
     }
     ~Descriptor() {
         if (descriptor_ >= 0) {
@@ -66,6 +67,36 @@ class Descriptor {
 std::error_code opened(const std::string& path, int flags) {
     Descriptor file(path, flags);
     return file.is_open() && file.close() ? std::error_code() : last_error();
+}
+
+constexpr mode_t kOwnerWrites = S_IRUSR | S_IWUSR;
+constexpr mode_t kPermissions = S_IRWXU | S_IRWXG | S_IRWXO;
+
+/// The permissions that a file of mode `mode` may pass on to one of another group: what others may do.
+mode_t without_group(mode_t mode) {
+    return (mode & (S_IRWXU | S_IRWXO)) | ((mode & S_IRWXO) << 3U);
+}
+
+/// Gives the open file the owner and group of `replaced`, or the group alone. Returns the permissions that it
+/// may then have.
+mode_t take_ownership(int descriptor, const struct stat& replaced, std::string& notice) {
+    const mode_t mode = replaced.st_mode & kPermissions;
+    struct stat made {};
+    if (::fstat(descriptor, &made) != 0 ||
+        (made.st_uid == replaced.st_uid && made.st_gid == replaced.st_gid) ||
+        ::fchown(descriptor, replaced.st_uid, replaced.st_gid) == 0) {
+        return mode;
+    }
+    const std::string reason = last_error().message();
+    constexpr auto kSameOwner = static_cast<uid_t>(-1);
+    const bool group_kept =
+        made.st_gid == replaced.st_gid || ::fchown(descriptor, kSameOwner, replaced.st_gid) == 0;
+    notice = made.st_uid == replaced.st_uid
+                 ? "its group " + std::to_string(replaced.st_gid)
+                 : "its owner, user " + std::to_string(replaced.st_uid) +
+                       (group_kept ? std::string() : ", and its group " + std::to_string(replaced.st_gid));
+    notice += " could not be kept: " + reason;
+    return group_kept ? mode : without_group(mode);
 }
 
 /// Flushes to the disk; true also for files that cannot be flushed.
@@ -116,6 +147,33 @@ std::string absolute_path(const std::string& path) {
 
 std::error_code create_file(const std::string& path) {
     return opened(path, O_WRONLY | O_CREAT | O_EXCL);
+}
+
+std::optional<FileNumber> file_number(const std::string& path) {
+    struct stat about {};
+    if (::stat(path.c_str(), &about) != 0) {
+        return std::nullopt;
+    }
+    return FileNumber{static_cast<std::uint64_t>(about.st_dev),
+                      {static_cast<std::uint64_t>(about.st_ino), 0}};
+}
+
+std::error_code create_replacement(const std::string& path, const std::string& replaced,
+                                   std::string& notice) {
+    struct stat about {};
+    if (::stat(replaced.c_str(), &about) != 0) {
+        return last_error();
+    }
+    Descriptor file(path, O_WRONLY | O_CREAT | O_EXCL, kOwnerWrites);
+    if (!file.is_open()) {
+        return last_error();
+    }
+    const mode_t mode = take_ownership(file.get(), about, notice) | kOwnerWrites;
+    if (mode != kOwnerWrites && ::fchmod(file.get(), mode) != 0) {
+        notice +=
+            (notice.empty() ? "" : "; ") + ("its permissions could not be kept: " + last_error().message());
+    }
+    return file.close() ? std::error_code() : last_error();
 }
 
 std::error_code may_write(const std::string& path) {
@@ -181,11 +239,16 @@ std::string link_target(const std::string& path, std::error_code& failure) {
 }
 
 std::error_code replace_file(const std::string& from, const std::string& to) {
-    std::error_code failure;
-    const fs::file_status replaced = fs::status(to, failure);
-    if (fs::exists(replaced)) {
-        fs::permissions(from, replaced.permissions(), failure);
+    // The new file was made with the permissions of the old one, but its owner may write it.
+    struct stat made {};
+    struct stat replaced {};
+    if (::stat(from.c_str(), &made) == 0 && ::stat(to.c_str(), &replaced) == 0) {
+        const mode_t owner = replaced.st_mode & S_IRWXU;
+        if ((made.st_mode & S_IRWXU) != owner) {
+            ::chmod(from.c_str(), (made.st_mode & (S_IRWXG | S_IRWXO)) | owner);
+        }
     }
+    std::error_code failure;
     fs::rename(from, to, failure);
     return failure;
 }

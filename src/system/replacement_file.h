@@ -5,14 +5,18 @@
 #include <string_view>
 #include <utility>
 
+#include "system/signal_cleanup.h"
+
 namespace os {
 
 /// A file that is written under a temporary name and then replaces its target in one step, so that a
 /// half-written file is never visible: the old file stays until everything is written, and stays if anything
 /// fails.
 ///
-/// The temporary file is in the same folder, under a hidden name with the same extension. The destructor
-/// deletes it unless it was put in place; only a killed process leaves it behind.
+/// The temporary file is in the same folder, under a hidden name with the same extension, which is allowed
+/// wherever the target's name is. It has the permissions of the file that it replaces from the beginning, and
+/// its owner where the system allows that. The destructor deletes it unless it was put in place, and so do
+/// the signals of end_on_signals(); only a killed process leaves it behind.
 class ReplacementFile {
   public:
     /// Creates the empty temporary file. Follows a link at `path`, even to a file that does not exist yet.
@@ -38,13 +42,19 @@ class ReplacementFile {
     bool put_in_place(std::string& error);
 
   private:
-    ReplacementFile(std::string path, std::string target, std::string temporary_path)
-        : path_(std::move(path)), target_(std::move(target)), temporary_path_(std::move(temporary_path)) {}
+    ReplacementFile() = default;
     void discard();
 
     std::string path_;            // as given
     std::string target_;          // with links followed
     std::string temporary_path_;  // empty once it is in place
+    RemovedOnSignal cleanup_;     // of the temporary file
+    std::string notice_;          // what could not be kept of the file that is replaced
 };
+
+/// The name of a temporary file for a file named `name`: hidden, with `suffix` in it and the extension of
+/// `name`. A long name is shortened, so that the result is allowed wherever `name` is, however the system
+/// counts: in bytes, UTF-16 units or characters.
+[[nodiscard]] std::string temporary_name(std::string_view name, std::string_view suffix);
 
 }  // namespace os

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <compare>
+#include <string>
+
+#include "system/files.h"
+
+namespace os {
+
+/// Tells whether two paths lead to one file, whatever the file is called: two identities are equal when links
+/// of either kind, another spelling of the folder, or the same name lead to the same place. A file that does
+/// not exist yet is known by the nearest folder that exists and the names below it.
+struct FileIdentity {
+    FileNumber number;  ///< of the file, or of that folder
+    std::string below;  ///< empty for what exists
+
+    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+};
+
+/// Opens nothing and never waits.
+[[nodiscard]] FileIdentity identity_of(const std::string& path);
+
+}  // namespace os
