@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "text/character_width.h"
 #include "text/utf8.h"
 
 namespace text {
@@ -9,10 +10,12 @@ namespace {
 
 constexpr char kDigits[] = "0123456789abcdef";
 
-// Control characters drive the terminal; the others reorder what is read, or end a line.
+// Control characters drive the terminal; the others reorder what is read, end a line, or are a byte order
+// mark, which no one sees.
 bool is_unsafe(char32_t code) {
     return code < 0x20 || (code >= 0x7F && code < 0xA0) || code == 0x061C || code == 0x200E ||
-           code == 0x200F || (code >= 0x2028 && code <= 0x202E) || (code >= 0x2066 && code <= 0x2069);
+           code == 0x200F || code == 0xFEFF || (code >= 0x2028 && code <= 0x202E) ||
+           (code >= 0x2066 && code <= 0x2069);
 }
 
 }  // namespace
@@ -41,8 +44,10 @@ std::string quoted(std::string_view text) {
 
 std::size_t columns_of(std::string_view printable_text) {
     std::size_t columns = 0;
-    for (const char c : printable_text) {
-        columns += (static_cast<std::uint8_t>(c) & 0xC0) == 0x80 ? 0 : 1;
+    while (!printable_text.empty()) {
+        const Utf8Character character = first_character(printable_text);
+        columns += character.size_bytes == 0 ? 1 : width_of(character.code_point);
+        printable_text.remove_prefix(std::max<std::size_t>(character.size_bytes, 1));
     }
     return columns;
 }

@@ -8,15 +8,14 @@
 namespace text {
 
 /// Makes any bytes of a file safe to show on one line of a terminal: well-formed UTF-8 stays, except for
-/// control characters, line ends and characters that change the direction of writing. The bytes of those, and
-/// bytes that are not UTF-8, become "\xNN".
+/// control characters, line ends, byte order marks and characters that change the direction of writing. The
+/// bytes of those, and bytes that are not UTF-8, become "\xNN".
 [[nodiscard]] std::string printable(std::string_view text);
 
 /// The printable text in double quotes.
 [[nodiscard]] std::string quoted(std::string_view text);
 
-/// The number of columns that a printable text takes up, one for each character; wide characters count as
-/// one.
+/// The number of columns that a printable text takes up on a terminal, as the widths of its characters say.
 [[nodiscard]] std::size_t columns_of(std::string_view printable_text);
 
 /// A number as "0x1a4".
