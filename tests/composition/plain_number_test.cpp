@@ -105,6 +105,38 @@ TEST(PlainNumber, AcceptsOnlyThePlainForm) {
     }
 }
 
+struct NearMiddle {
+    const char* text;
+    float nearest;  ///< worked out as a fraction; of two that are equally near, the even one
+    bool plain;     ///< read here, not left to the general conversion
+};
+
+// Between two floats of this size there is exactly one plain number in the middle, or none. Rounding twice,
+// rounding up, or cutting off goes wrong here and nowhere else.
+TEST(PlainNumber, TheMiddleBetweenTwoFloatsIsLeftToTheGeneralConversion) {
+    const NearMiddle cases[] = {
+        {"16777216", 0x1.000000p+24F, true},    {"16777217", 0x1.000000p+24F, false},
+        {"16777218", 0x1.000002p+24F, true},    {"16777219", 0x1.000004p+24F, false},
+        {"-16777219", -0x1.000004p+24F, false}, {"33554434", 0x1.000000p+25F, false},
+        {"33554435", 0x1.000002p+25F, true},    {"33554433", 0x1.000000p+25F, true},
+        {"8388608.4", 0x1.000000p+23F, true},   {"8388608.5", 0x1.000000p+23F, false},
+        {"8388608.6", 0x1.000002p+23F, true},   {"8388609.5", 0x1.000004p+23F, false},
+        {"4194304.2", 0x1.000000p+22F, true},   {"4194304.3", 0x1.000002p+22F, true},
+        {"99999996", 0x1.7d7840p+26F, false},   {"99999997", 0x1.7d7840p+26F, true},
+        {"1048576.1", 0x1.000002p+20F, true},   {"1.0000001", 0x1.000002p+0F, true},
+    };
+    for (const NearMiddle& one : cases) {
+        SCOPED_TRACE(one.text);
+        const TextInBlock block(one.text);
+        float plain = -77.0F;
+        EXPECT_EQ(plain_number::read_real(block.begin(), block.end(), plain), one.plain);
+        EXPECT_EQ(plain, one.plain ? one.nearest : -77.0F);
+        float general = 0;
+        EXPECT_EQ(StrToReal(one.text, general), 1);
+        EXPECT_EQ(general, one.nearest);
+    }
+}
+
 std::string random_text(std::mt19937& random) {
     const auto below = [&](unsigned limit) { return static_cast<unsigned>(random()) % limit; };
     const auto digits = [&](unsigned most) {

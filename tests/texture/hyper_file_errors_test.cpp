@@ -7,6 +7,7 @@
 
 #include "support/file_content.h"
 #include "support/special_files.h"
+#include "texture/file/memory.h"
 #include "texture/hyper_file_fixture.h"
 
 namespace {
@@ -202,6 +203,52 @@ TEST_F(HyperFile, TheObserverLearnsWhatFailedAndWhere) {
     EXPECT_EQ(listener.codes, std::vector<std::string>{"wrong-tag"});
     EXPECT_EQ(listener.offset_bytes, 13) << "of the tag";
     EXPECT_EQ(listener.reason, "expected a value with tag 15, found tag 16");
+}
+
+/// Reads one block or string of a file in which `count` is claimed and eight bytes follow.
+struct BlockReader {
+    const char* name;
+    int tag;
+    int (*read)(PrivateHyperFile& file);
+};
+
+constexpr BlockReader kBlockReaders[] = {
+    {"copied", 128,
+     [](PrivateHyperFile& file) {
+         void* data = nullptr;
+         std::int32_t count = 0;
+         const int read = file.ReadMemory(&data, &count);
+         MemFree(data);
+         return read;
+     }},
+    {"in place", 128,
+     [](PrivateHyperFile& file) {
+         const unsigned char* data = nullptr;
+         std::int32_t count = 0;
+         return file.ReadMemoryInPlace(&data, &count);
+     }},
+    {"string", 130,
+     [](PrivateHyperFile& file) {
+         PrivateString string;
+         return file.ReadString(&string);
+     }},
+};
+
+// The end of the file would stop the reading as well, but after memory was taken and with another fault.
+TEST_F(HyperFile, ABlockMayTakeAllTheBytesThatAreLeftAndNotOneMore) {
+    for (const BlockReader& block : kBlockReaders) {
+        SCOPED_TRACE(block.name);
+        for (const std::int32_t above : {0, 1, 2}) {
+            Listener listener;
+            TestedFile file;
+            file.SetObserver(&listener);
+            ASSERT_EQ(file.OpenToRead(write(header().Byte(block.tag).Be32(8 + above).Raw("xxxxxxxx"))), 1);
+            EXPECT_EQ(block.read(file), above == 0 ? 1 : 0) << above;
+            EXPECT_EQ(listener.codes,
+                      above == 0 ? std::vector<std::string>() : std::vector<std::string>{"block-too-long"})
+                << above;
+        }
+    }
 }
 
 TEST_F(HyperFile, TheObserverLearnsOfAFailedReadAndThenOfTheFailedSkip) {
