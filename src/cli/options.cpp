@@ -2,10 +2,12 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <set>
 #include <sstream>
 #include <utility>
 
 #include "system/files.h"
+#include "text/similar.h"
 
 namespace cli {
 namespace {
@@ -33,6 +35,154 @@ OptionFacts facts_of(const CLI::Option& option) {
     facts.repeatable = option.get_expected_max() > 1;
     return facts;
 }
+
+/// "bash", "bash or zsh", "bash, fish or zsh"
+std::string either_of(const std::vector<std::string>& values) {
+    std::string text;
+    for (std::size_t i = 0; i < values.size(); ++i) {
+        text += (i == 0 ? "" : i + 1 == values.size() ? " or " : ", ") + values[i];
+    }
+    return text;
+}
+
+/// Nothing, or what to add to a message about a word that nothing is called.
+std::string meant(std::string_view word, const std::vector<std::string>& candidates) {
+    const std::string similar = text::most_similar(word, candidates);
+    return similar.empty() ? std::string() : "; did you mean \"" + similar + "\"?";
+}
+
+/// The verb or group of `app` that is called `word`; null if there is none.
+const CLI::App* find_verb(const CLI::App& app, const std::string& word) {
+    for (const CLI::App* const verb : app.get_subcommands({})) {
+        if (verb->get_name() == word) {
+            return verb;
+        }
+    }
+    return nullptr;
+}
+
+/// The verb that a command line names, as far as there is one: "", "texture", "texture info".
+std::string verb_of(const CLI::App& program, const std::vector<std::string>& words) {
+    std::string name;
+    const CLI::App* app = &program;
+    for (const std::string& word : words) {
+        if (word[0] == '-') {
+            continue;
+        }
+        app = find_verb(*app, word);
+        if (app == nullptr) {
+            break;
+        }
+        name += (name.empty() ? "" : " ") + word;
+    }
+    return name;
+}
+
+/// Goes over the words of a command line before the library does, which complains about a missing argument
+/// before an unknown option, offers help on verbs that do not exist, and words errors for programmers.
+class LineScan {
+  public:
+    LineScan(const CLI::App& program, const std::vector<std::string>& words)
+        : app_(&program), words_(words) {}
+
+    /// What is wrong; empty when nothing is that this class looks for.
+    std::string problem() {
+        while (at_ < words_.size() && problem_.empty() && !only_arguments_) {
+            const std::string& word = words_[at_++];
+            if (word.size() > 1 && word[0] == '-') {
+                scan_option(word);
+            } else if (has_verbs()) {
+                scan_verb(word);
+            }
+        }
+        return problem_;
+    }
+
+  private:
+    [[nodiscard]] bool has_verbs() const { return !app_->get_subcommands({}).empty(); }
+
+    void scan_verb(const std::string& word) {
+        if (const CLI::App* const verb = find_verb(*app_, word)) {
+            app_ = verb;
+            path_ += word + ' ';
+            return;
+        }
+        std::vector<std::string> names;
+        for (const CLI::App* const verb : app_->get_subcommands({})) {
+            names.push_back(verb->get_name());
+        }
+        problem_ = "there is no verb \"" + path_ + word + '"' + meant(word, names);
+    }
+
+    void scan_option(const std::string& word) {
+        if (word == "--") {
+            only_arguments_ = true;
+            return;
+        }
+        if (word[1] != '-') {
+            scan_short_options(word);
+            return;
+        }
+        const std::size_t equals = word.find('=');
+        const std::string name = word.substr(0, equals);
+        const CLI::Option* const option = app_->get_option_no_throw(name);
+        if (option == nullptr) {
+            unknown(name);
+        } else if (takes_value(*option)) {
+            scan_value(*option, name, equals != std::string::npos);
+        } else if (equals != std::string::npos) {
+            problem_ = name + " takes no value";
+        }
+    }
+
+    /// "-qj4" is "-q -j 4".
+    void scan_short_options(const std::string& word) {
+        for (std::size_t i = 1; i < word.size() && problem_.empty(); ++i) {
+            const std::string name{'-', word[i]};
+            const CLI::Option* const option = app_->get_option_no_throw(name);
+            if (option == nullptr) {
+                unknown(i == 1 ? word : name);
+            } else if (takes_value(*option)) {
+                scan_value(*option, name, i + 1 < word.size());
+                return;
+            }
+        }
+    }
+
+    void scan_value(const CLI::Option& option, const std::string& name, bool given) {
+        if (!given) {
+            const std::string next = at_ < words_.size() ? words_[at_] : "--";
+            if (next == "--" || (next[0] == '-' && app_->get_option_no_throw(next) != nullptr)) {
+                problem_ = name + " needs a value: " + option.get_type_name();
+                return;
+            }
+            ++at_;
+        }
+        if (!given_.insert(&option).second && option.get_expected_max() == 1) {
+            problem_ = name + " is given twice";
+        }
+    }
+
+    static bool takes_value(const CLI::Option& option) { return option.get_items_expected_max() > 0; }
+
+    void unknown(const std::string& name) {
+        std::vector<std::string> names;
+        for (const CLI::Option* const option : app_->get_options()) {
+            for (const std::string& known : option->get_lnames()) {
+                names.push_back("--" + known);
+            }
+        }
+        problem_ = "there is no option \"" + name + '"' + meant(name, names);
+    }
+
+    const CLI::App* app_;  ///< the program, or the group or verb that was named last
+    const std::vector<std::string>& words_;
+    std::size_t at_ = 0;
+    bool only_arguments_ = false;
+    std::string path_;  ///< of the verb: "texture "
+    std::string problem_;
+    std::set<const CLI::Option*> given_;
+};
 
 }  // namespace
 
@@ -72,13 +222,22 @@ Option& Option::count(int least, int most) {
 }
 
 Option& Option::choices(const std::vector<std::string>& values) {
-    option_->check(CLI::IsMember(values));
-    return *this;
+    return check([values](const std::string& text) {
+        if (std::find(values.begin(), values.end(), text) != values.end()) {
+            return std::string();
+        }
+        return '"' + text + "\" is not " + either_of(values) + meant(text, values);
+    });
 }
 
 Option& Option::range(int least, int most) {
-    option_->check(CLI::Range(least, most));
-    return *this;
+    return check([least, most](const std::string& text) {
+        const std::optional<int> number = parse_option_integer(text);
+        return number && *number >= least && *number <= most
+                   ? std::string()
+                   : '"' + text + "\" is not a number from " + std::to_string(least) + " to " +
+                         std::to_string(most);
+    });
 }
 
 Option& Option::check(Check check) {
@@ -173,6 +332,12 @@ Options OptionParser::add_verb(const std::string& name, const std::string& summa
 
 ParsedLine OptionParser::parse(std::vector<std::string> arguments) {
     ParsedLine line;
+    line.verb = verb_of(*app_, arguments);
+    line.error = LineScan(*app_, arguments).problem();
+    if (!line.error.empty()) {
+        line.kind = ParsedLine::Kind::wrong;
+        return line;
+    }
     try {
         // The library takes arguments from the back.
         std::reverse(arguments.begin(), arguments.end());
@@ -181,16 +346,15 @@ ParsedLine OptionParser::parse(std::vector<std::string> arguments) {
         line.kind = ParsedLine::Kind::help;
     } catch (const CLI::CallForVersion&) {
         line.kind = ParsedLine::Kind::version;
-    } catch (const CLI::ExtrasError& error) {
-        line.kind = ParsedLine::Kind::extras;
-        line.error = error.what();
+    } catch (const CLI::ExtrasError&) {
+        line.kind = ParsedLine::Kind::wrong;
+        for (const std::string& word : app_->remaining(true)) {
+            line.error += (line.error.empty() ? "nothing takes \"" : "\", \"") + word;
+        }
+        line.error += '"';
     } catch (const CLI::Error& error) {
         line.kind = ParsedLine::Kind::wrong;
         line.error = error.what();
-    }
-    for (const CLI::App* app = app_.get(); !app->get_subcommands().empty();) {
-        app = app->get_subcommands().front();
-        line.verb += (line.verb.empty() ? "" : " ") + app->get_name();
     }
     return line;
 }

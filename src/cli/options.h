@@ -99,7 +99,6 @@ struct ParsedLine {
         help,      ///< --help was given
         version,   ///< --version was given
         wrong,     ///< wrong usage, as `error` says
-        extras,    ///< the same, because of words that nothing takes
     };
     Kind kind = Kind::complete;
     std::string verb;   ///< as far as it was given: "", "texture", "texture info"

@@ -10,6 +10,7 @@
 #include "cli/report/diagnostic_text.h"
 #include "cli/verbs.h"
 #include "image/image.h"
+#include "system/signal_cleanup.h"
 
 namespace cli {
 namespace {
@@ -115,16 +116,11 @@ ExitCode parse_and_run(const std::vector<std::string>& arguments, Terminal& term
     Command* const command = line.command_of(parsed.verb);
     switch (parsed.kind) {
         case ParsedLine::Kind::help:
-            terminal.out << help_page_text(line.page_of(parsed.verb));
+            terminal.out << help_page_text(line.page_of(parsed.verb), help_columns(terminal));
             return ExitCode::fine;
         case ParsedLine::Kind::version:
             terminal.out << program_version() << '\n';
             return ExitCode::fine;
-        case ParsedLine::Kind::extras:
-            if (command == nullptr && arguments.back().compare(0, 1, "-") != 0) {
-                return usage_error(terminal, "there is no verb \"" + arguments.back() + '"', parsed.verb);
-            }
-            return usage_error(terminal, parsed.error, parsed.verb);
         case ParsedLine::Kind::wrong:
             return usage_error(terminal, parsed.error, parsed.verb);
         case ParsedLine::Kind::complete:
@@ -154,6 +150,9 @@ ExitCode run_program(const std::vector<std::string>& arguments, Terminal& termin
         complain(terminal, error.what());
     } catch (...) {
         complain(terminal, "an exception of unknown type");
+    }
+    for (const std::string& notice : os::take_notices()) {
+        remark(terminal, notice);
     }
     terminal.out.flush();
     if (!terminal.out) {

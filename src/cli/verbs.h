@@ -9,7 +9,7 @@
 
 namespace cli {
 
-Verb import_verb();           ///< `vxr import FILE`
+Verb import_verb();           ///< `vxr import FILE...`
 Verb check_verb();            ///< `vxr check FILE...`
 Verb texture_info_verb();     ///< `vxr texture info FILE...`
 Verb texture_check_verb();    ///< `vxr texture check FILE...`
@@ -19,7 +19,7 @@ Verb modules_verb();          ///< `vxr modules`
 Verb limits_verb();           ///< `vxr limits`
 Verb doctor_verb();           ///< `vxr doctor [BUNDLE]`
 Verb help_verb();             ///< `vxr help [VERB...]` and `vxr help --man`
-Verb completion_verb();       ///< `vxr completion bash`
+Verb completion_verb();       ///< `vxr completion SHELL`
 
 /// Every verb, in the order of the help.
 const std::vector<Verb>& verbs();

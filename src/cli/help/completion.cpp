@@ -10,7 +10,7 @@ namespace {
 struct Completions {
     std::string verbs;
     std::string options;
-    std::string with_value;  ///< options that take a value, as a pattern: "--save|--log"
+    std::string with_value;  ///< options that take a value, each followed by a blank
     std::string choices;     ///< assignments of the fixed values of each option
 };
 
@@ -35,8 +35,7 @@ Completions completions_of(const HelpPage& page) {
                     completions.verbs += name.substr(0, name.find(' ')) + ' ';
                 } else if (!entry.positional) {
                     completions.options += name + ' ';
-                    completions.with_value +=
-                        entry.value.empty() ? "" : (completions.with_value.empty() ? "" : "|") + name;
+                    completions.with_value += entry.value.empty() ? "" : name + ' ';
                     if (const std::string choices = choices_of(entry.value); !choices.empty()) {
                         completions.choices.append("            choices[")
                             .append(name)
@@ -70,7 +69,7 @@ constexpr const char* kMiddle = R"(        esac
 constexpr const char* kTail = R"(    esac
     if [[ -n $previous && -n ${choices[$previous]-} ]]; then
         mapfile -t COMPREPLY < <(compgen -W "${choices[$previous]}" -- "$current")
-    elif [[ -n $values && $previous == @($values) ]]; then
+    elif [[ -n $previous && " $values" == *" $previous "* ]]; then
         compopt -o filenames
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
     elif [[ $current == -* ]]; then
@@ -82,7 +81,6 @@ constexpr const char* kTail = R"(    esac
         mapfile -t COMPREPLY < <(compgen -f -- "$current")
     fi
 }
-shopt -s extglob
 complete -F _vxr vxr
 )";
 
@@ -106,6 +104,169 @@ std::string bash_completion(const std::vector<HelpPage>& pages) {
                   completions.with_value + "\"\n" + completions.choices + "            ;;\n";
     }
     return script + kTail;
+}
+
+namespace {
+
+/// The first part of a description, up to a semicolon, a bracket or a full stop.
+std::string short_text(const std::string& text) {
+    return text.substr(0, std::min({text.find(';'), text.find(" ("), text.find(". "), text.size()}));
+}
+
+/// In single quotes, in which `escaped` stands for a single quote.
+std::string single_quoted(const std::string& text, const char* escaped) {
+    std::string quoted = "'";
+    for (const char c : text) {
+        quoted += c == '\'' ? std::string(escaped) : std::string(1, c);
+    }
+    return quoted + '\'';
+}
+
+std::string zsh_quoted(const std::string& text) {
+    return single_quoted(text, R"('\'')");
+}
+
+std::string fish_quoted(const std::string& text) {
+    std::string backslashes_doubled;
+    for (const char c : text) {
+        backslashes_doubled += c == '\\' ? "\\\\" : std::string(1, c);
+    }
+    return single_quoted(backslashes_doubled, R"(\')");
+}
+
+/// Calls `take(page, entry, verb)` for everything that may follow the commands of `pages`: `verb` is true for
+/// verbs, false for options.
+template <typename Take>
+void for_each_entry(const std::vector<HelpPage>& pages, const Take& take) {
+    for (const HelpPage& page : pages) {
+        // `vxr help` takes what `vxr` takes.
+        const bool help = page.command == pages.front().command + " help";
+        for (const HelpSection& section : pages.front().sections) {
+            for (const HelpEntry& entry : section.entries) {
+                if (help && section.title == "Verbs") {
+                    take(page, entry, true);
+                }
+            }
+        }
+        for (const HelpSection& section : page.sections) {
+            for (const HelpEntry& entry : section.entries) {
+                if (section.title == "Verbs" || !entry.positional) {
+                    take(page, entry, section.title == "Verbs");
+                }
+            }
+        }
+    }
+}
+
+std::string first_word(const std::string& text) {
+    return text.substr(0, text.find(' '));
+}
+
+constexpr const char* kZshHead = R"(#compdef vxr
+# zsh completion for vxr; written by `vxr completion zsh`
+_vxr() {
+    local command=vxr previous=${words[CURRENT-1]}
+    local -a verbs options values choices
+    local -i i
+    for ((i = 2; i < CURRENT; i++)); do
+        case "$command ${words[i]}" in
+)";
+
+constexpr const char* kZshTail = R"(    esac
+    if (( $#choices )); then
+        compadd -- $choices
+    elif (( ${values[(Ie)$previous]} )); then
+        _files
+    elif [[ ${words[CURRENT]} == -* ]]; then
+        _describe -o option options
+    elif (( $#verbs )); then
+        _describe verb verbs
+    else
+        _files
+    fi
+}
+if [[ ${funcstack[1]} == _vxr ]]; then
+    _vxr "$@"
+else
+    compdef _vxr vxr
+fi
+)";
+
+constexpr const char* kFishHead = R"(# fish completion for vxr; written by `vxr completion fish`
+function __vxr_command
+    set -l command vxr
+    for word in (commandline -opc)[2..-1]
+        switch "$command $word"
+)";
+
+constexpr const char* kFishMiddle = R"(                set command "$command $word"
+        end
+    end
+    echo $command
+end
+)";
+
+}  // namespace
+
+std::string zsh_completion(const std::vector<HelpPage>& pages) {
+    std::string script = kZshHead;
+    for (const HelpPage& page : pages) {
+        if (page.command.find(' ') != std::string::npos) {
+            script += "            \"" + page.command + "\") command=\"" + page.command + "\" ;;\n";
+        }
+    }
+    script += "        esac\n    done\n    case \"$command\" in\n";
+    for (const HelpPage& page : pages) {
+        std::string verbs;
+        std::string options;
+        std::string values;
+        std::string choices;
+        for_each_entry(pages, [&](const HelpPage& of, const HelpEntry& entry, bool verb) {
+            if (of.command != page.command) {
+                return;
+            }
+            for (const std::string& name : entry.names) {
+                const std::string described =
+                    "                " +
+                    zsh_quoted((verb ? first_word(name) : name) + ':' + short_text(entry.text)) + '\n';
+                (verb ? verbs : options) += described;
+                values += entry.value.empty() ? "" : name + ' ';
+                if (const std::string fixed = choices_of(entry.value); !fixed.empty()) {
+                    choices += "                " + name + ") choices=(" + fixed + ") ;;\n";
+                }
+            }
+        });
+        script += "        \"" + page.command + "\")\n            verbs=(\n" + verbs +
+                  "            )\n            options=(\n" + options + "            )\n            values=(" +
+                  values + ")\n            case $previous in\n" + choices +
+                  "            esac\n            ;;\n";
+    }
+    return script + kZshTail;
+}
+
+std::string fish_completion(const std::vector<HelpPage>& pages) {
+    std::string script = kFishHead;
+    script += "            case";
+    for (const HelpPage& page : pages) {
+        script += page.command.find(' ') == std::string::npos ? "" : " '" + page.command + "'";
+    }
+    script += '\n' + std::string(kFishMiddle);
+    for_each_entry(pages, [&](const HelpPage& page, const HelpEntry& entry, bool verb) {
+        std::string line = "complete -c vxr -n 'string match -q -- \"" + page.command + "\" (__vxr_command)'";
+        if (verb) {
+            line += " -f -a " + fish_quoted(first_word(entry.names.front()));
+        }
+        for (const std::string& name : verb ? std::vector<std::string>() : entry.names) {
+            line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
+        }
+        if (const std::string fixed = choices_of(entry.value); !fixed.empty()) {
+            line += " -x -a " + fish_quoted(fixed.substr(0, fixed.size() - 1));
+        } else if (!entry.value.empty()) {
+            line += " -r";
+        }
+        script += line + " -d " + fish_quoted(short_text(entry.text)) + '\n';
+    });
+    return script;
 }
 
 }  // namespace cli

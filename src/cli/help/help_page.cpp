@@ -80,9 +80,9 @@ std::string heading_of(const HelpEntry& entry) {
     return entry.value.empty() ? heading : heading + ' ' + entry.value;
 }
 
-std::string entry_text(const HelpEntry& entry) {
+std::string entry_text(const HelpEntry& entry, std::size_t columns) {
     std::string head = "  " + heading_of(entry);
-    const std::string text = wrapped(entry.text, kTextColumn);
+    const std::string text = wrapped(entry.text, kTextColumn, columns);
     if (text::columns_of(head) + 2 > kTextColumn) {
         return head + '\n' + text;
     }
@@ -137,21 +137,22 @@ std::string wrapped(const std::string& text, std::size_t indent, std::size_t wid
     return out;
 }
 
-std::string help_page_text(const HelpPage& page) {
-    std::string text = wrapped(page.command + " - " + page.summary, 0) + "\nusage: " + page.usage + '\n';
+std::string help_page_text(const HelpPage& page, std::size_t columns) {
+    std::string text =
+        wrapped(page.command + " - " + page.summary, 0, columns) + "\nusage: " + page.usage + '\n';
     for (const std::string& paragraph : page.paragraphs) {
-        text += '\n' + wrapped(paragraph, 0);
+        text += '\n' + wrapped(paragraph, 0, columns);
     }
     for (const HelpSection& section : page.sections) {
         text += '\n' + section.title + ":\n";
         for (const HelpEntry& entry : section.entries) {
-            text += entry_text(entry);
+            text += entry_text(entry, columns);
         }
     }
     if (!page.examples.empty()) {
         text += "\nExamples:\n";
         for (const Example& example : page.examples) {
-            text += "  " + example.command + '\n' + wrapped(example.effect, 6);
+            text += "  " + example.command + '\n' + wrapped(example.effect, 6, columns);
         }
     }
     return text;

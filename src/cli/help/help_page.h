@@ -1,8 +1,9 @@
 #pragma once
 
 // What there is to say about the program and each of its verbs, and the three ways of writing it out: help on
-// a terminal, a manual page, and completion for bash.
+// a terminal, a manual page, and completion for shells.
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -41,16 +42,20 @@ HelpPage overview_help_page(const std::string& command, const std::string& summa
                             std::vector<std::string> paragraphs, std::vector<HelpEntry> entries,
                             const std::vector<OptionFacts>& options);
 
-/// Help for a terminal of 80 columns.
-std::string help_page_text(const HelpPage& page);
+/// Help for a terminal of this width.
+std::string help_page_text(const HelpPage& page, std::size_t columns = 80);
 
 /// The manual page vxr(1) in man macros: `pages` as from program_help_pages(), the program's first; each of
 /// the others becomes a section. `version` is "vxr 1.0.0".
 std::string manual_page(const std::vector<HelpPage>& pages, const std::string& version);
 
 /// A bash script that completes verbs, options, their fixed values and file names; `pages` as for
-/// manual_page().
+/// manual_page(). Changes no option of the shell.
 std::string bash_completion(const std::vector<HelpPage>& pages);
+
+/// The same for zsh and fish, which also show what each verb and option does.
+std::string zsh_completion(const std::vector<HelpPage>& pages);
+std::string fish_completion(const std::vector<HelpPage>& pages);
 
 /// Breaks `text` at spaces into lines of at most `width` columns, each indented by `indent` spaces, the first
 /// one too. A longer word is not broken.

@@ -6,17 +6,25 @@ namespace cli {
 namespace {
 
 // Escapes text for troff: a backslash begins an escape sequence, a minus becomes a hyphen, and a full stop or
-// quote at the beginning of a line makes it a macro. A grave accent marks code and would become a curly
-// quote.
+// quote at the beginning of a line makes it a macro. Quotes, accents and tildes would become typographic
+// characters, which no shell understands.
 std::string roff(const std::string& text) {
-    std::string out = !text.empty() && (text[0] == '.' || text[0] == '\'') ? "\\&" : "";
+    std::string out = !text.empty() && text[0] == '.' ? "\\&" : "";
     for (const char c : text) {
         if (c == '\\') {
             out += "\\e";
         } else if (c == '-') {
             out += "\\-";
         } else if (c == '`') {
-            out += "\\(cq";
+            out += "\\(ga";
+        } else if (c == '\'') {
+            out += "\\(aq";
+        } else if (c == '"') {
+            out += "\\(dq";
+        } else if (c == '^') {
+            out += "\\(ha";
+        } else if (c == '~') {
+            out += "\\(ti";
         } else {
             out += c;
         }
@@ -68,6 +76,43 @@ std::string verb_roff(const HelpPage& page) {
     return out;
 }
 
+// What no verb's help says in one place. The names of installed files are those of the usual folders.
+std::string environment_roff() {
+    const HelpEntry kEntries[] = {
+        {{"VXR_BUNDLE"}, {}, "The plug-in to load where --bundle does not name one."},
+        {{"NO_COLOR"}, {}, "If it is set and not empty, output has no colour."},
+        {{"TERM"}, {}, "If it is unset or \"dumb\", output has no colour."},
+    };
+    std::string out = ".SH ENVIRONMENT\n";
+    for (const HelpEntry& entry : kEntries) {
+        out += entry_roff(entry);
+    }
+    return out;
+}
+
+std::string files_roff() {
+    const HelpEntry kEntries[] = {
+        {{"*.aec"}, {}, "Composition files of VORTAN XR."},
+        {{"*.txl"}, {}, "Textures of Texalon."},
+        {{"VORTANXR_AE.so, VORTANXR_AE.aex, VORTANXR_AE.plugin"},
+         {},
+         "The plug-in: in lib/vortanxr below the folder in which this program is in bin, or beside this "
+         "program."},
+        {{".NAME.XXXXXXXX.EXT"},
+         {},
+         "An output NAME.EXT while it is written, in its folder. It takes its place when it is complete and "
+         "is "
+         "removed when that fails or SIGINT, SIGTERM or SIGHUP ends the program, with 130, 143 or 129."},
+    };
+    std::string out = ".SH FILES\n";
+    for (const HelpEntry& entry : kEntries) {
+        out += entry_roff(entry);
+    }
+    return out;
+}
+
+constexpr const char* kSeeAlso = ".SH \"SEE ALSO\"\n.BR jq (1),\n.BR iinfo (1),\n.BR oiiotool (1)\n";
+
 }  // namespace
 
 std::string manual_page(const std::vector<HelpPage>& pages, const std::string& version) {
@@ -91,7 +136,7 @@ std::string manual_page(const std::vector<HelpPage>& pages, const std::string& v
             out += entry_roff(entry);
         }
     }
-    return out;
+    return out + environment_roff() + files_roff() + kSeeAlso;
 }
 
 }  // namespace cli

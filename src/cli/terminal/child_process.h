@@ -23,7 +23,8 @@ struct ChildResult {
 inline constexpr std::size_t kMostOutput = std::size_t{4} << 20U;
 
 /// Runs `program` with `arguments` (without its own name) and an empty standard input, and waits for it. Ends
-/// the process when it takes longer than `longest`.
+/// the process when it takes longer than `longest`, and in any case the processes that it started and left
+/// behind, except for those that made themselves independent (a session of their own).
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
                       std::chrono::seconds longest);
 

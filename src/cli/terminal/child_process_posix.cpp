@@ -12,6 +12,7 @@
 #include <system_error>
 
 #include "cli/terminal/child_process.h"
+#include "system/signal_cleanup.h"
 
 #if defined(__APPLE__)
 // No header declares it on macOS.
@@ -51,6 +52,23 @@ class Pipe {
 
   private:
     std::array<int, 2> ends_{-1, -1};
+};
+
+/// The child leads a process group of its own, so that what it starts can be ended with it.
+class GroupLeader {
+  public:
+    GroupLeader() {
+        posix_spawnattr_init(&attributes_);
+        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP);
+        posix_spawnattr_setpgroup(&attributes_, 0);
+    }
+    ~GroupLeader() { posix_spawnattr_destroy(&attributes_); }
+    GroupLeader(const GroupLeader&) = delete;
+    GroupLeader& operator=(const GroupLeader&) = delete;
+    posix_spawnattr_t* get() { return &attributes_; }
+
+  private:
+    posix_spawnattr_t attributes_{};
 };
 
 class FileActions {
@@ -109,10 +127,16 @@ bool read_until_closed(const Pipe& out, const Pipe& err, ChildResult& result, Cl
     return true;
 }
 
-/// Returns false when time runs out before the process has ended.
-bool wait_until_over(pid_t child, int& status, Clock::time_point end) {
+/// Returns false when time runs out before the process has ended. Does not reap it: its number, which is also
+/// that of its group, stays taken.
+bool wait_until_over(pid_t child, Clock::time_point end) {
     constexpr useconds_t kPause = 5000;
-    while (::waitpid(child, &status, WNOHANG) == 0) {
+    const auto over = [child] {
+        siginfo_t about{};
+        return ::waitid(P_PID, static_cast<id_t>(child), &about, WEXITED | WNOHANG | WNOWAIT) != 0 ||
+               about.si_pid == child;
+    };
+    while (!over()) {
         if (Clock::now() >= end) {
             return false;
         }
@@ -136,13 +160,14 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
 
     Pipe out;
     Pipe err;
+    GroupLeader leader;
     FileActions actions;
     posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
     posix_spawn_file_actions_adddup2(actions.get(), out.end(1), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(actions.get(), err.end(1), STDERR_FILENO);
     pid_t child = 0;
     if (const int failure =
-            ::posix_spawn(&child, name.c_str(), actions.get(), nullptr, pointers.data(), environ);
+            ::posix_spawn(&child, name.c_str(), actions.get(), leader.get(), pointers.data(), environ);
         failure != 0) {
         result.error = std::generic_category().message(failure);
         return result;
@@ -150,13 +175,15 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     out.close(1);
     err.close(1);
 
+    // Ctrl-C in a terminal reaches this program only.
+    const os::RemovedOnSignal cleanup = os::RemovedOnSignal::process_group(child);
     const Clock::time_point end = Clock::now() + longest;
-    int status = 0;
     // A process that the child left behind may keep the pipes open: the time limit covers that too.
-    if (!read_until_closed(out, err, result, end) || !wait_until_over(child, status, end)) {
-        result.timed_out = true;
-        ::kill(child, SIGKILL);
-        ::waitpid(child, &status, 0);
+    result.timed_out = !read_until_closed(out, err, result, end) || !wait_until_over(child, end);
+    ::kill(-child, SIGKILL);  // the child, if it is still there, and whatever it started
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    if (result.timed_out) {
         return result;
     }
     if (WIFEXITED(status)) {

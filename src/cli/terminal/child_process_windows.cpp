@@ -49,6 +49,15 @@ std::wstring quoted_word(const std::wstring& word) {
     return quoted.append(backslashes, L'\\') + L'"';
 }
 
+/// A job ends with the last handle to it, and with it every process in it.
+Handle make_job() {
+    Handle job(CreateJobObjectW(nullptr, nullptr));
+    JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+    limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+    SetInformationJobObject(job.get(), JobObjectExtendedLimitInformation, &limits, sizeof(limits));
+    return job;
+}
+
 void read_all(HANDLE pipe, std::string& text) {
     std::array<char, 65536> part{};
     DWORD count = 0;
@@ -91,8 +100,8 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     // No dialog appears when the process crashes: it inherits this mode.
     const UINT mode = SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOGPFAULTERRORBOX);
     PROCESS_INFORMATION started{};
-    const BOOL ok = CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE, CREATE_NO_WINDOW,
-                                   nullptr, nullptr, &startup, &started);
+    const BOOL ok = CreateProcessW(program.c_str(), command.data(), nullptr, nullptr, TRUE,
+                                   CREATE_NO_WINDOW | CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
     const DWORD failure = ok == 0 ? GetLastError() : 0;
     SetErrorMode(mode);
     out.writing.reset();
@@ -103,6 +112,9 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     }
     const Handle process(started.hProcess);
     const Handle main_thread(started.hThread);
+    const Handle job = make_job();
+    AssignProcessToJobObject(job.get(), process.get());
+    ResumeThread(main_thread.get());
     std::thread reads_out([&] { read_all(out.reading.get(), result.out); });
     std::thread reads_err([&] { read_all(err.reading.get(), result.err); });
     const auto wait_ms = std::chrono::duration_cast<std::chrono::milliseconds>(longest).count();
@@ -111,6 +123,7 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
         TerminateProcess(process.get(), 1);
         WaitForSingleObject(process.get(), INFINITE);
     }
+    TerminateJobObject(job.get(), 1);  // what the process started and left behind, which may hold the pipes
     reads_out.join();
     reads_err.join();
     DWORD code = 0;

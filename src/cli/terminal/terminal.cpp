@@ -1,8 +1,12 @@
 #include "cli/terminal/terminal.h"
 
+#include <algorithm>
 #include <cstdlib>
 #include <iostream>
 #include <string>
+
+#include "text/character_width.h"
+#include "text/utf8.h"
 
 namespace cli {
 namespace {
@@ -34,6 +38,37 @@ bool colour_wanted() {
            std::string_view(term) != "dumb";
 }
 
+/// The length of the colour sequence that `text` begins with; 0 if it begins with none.
+std::size_t sequence_length(std::string_view text) {
+    return text.starts_with("\x1b[") ? std::min(text.find('m'), text.size() - 1) + 1 : 0;
+}
+
+std::string cut_line(std::string_view line, std::size_t columns) {
+    constexpr std::string_view kCut = "...";
+    std::string out;
+    std::size_t used = 0;
+    std::size_t kept_bytes = 0;  // of `out`, so that the dots still fit
+    bool coloured = false;
+    while (!line.empty()) {
+        std::size_t bytes = sequence_length(line);
+        if (bytes > 0) {
+            coloured = true;
+        } else {
+            const text::Utf8Character character = text::first_character(line);
+            bytes = std::max<std::size_t>(character.size_bytes, 1);
+            used += text::width_of(character.code_point);
+        }
+        if (used > columns) {
+            out.resize(kept_bytes);
+            return out.append(kCut).append(coloured ? "\x1b[0m" : "");
+        }
+        out += line.substr(0, bytes);
+        line.remove_prefix(bytes);
+        kept_bytes = used + kCut.size() <= columns ? out.size() : kept_bytes;
+    }
+    return out;
+}
+
 }  // namespace
 
 std::string Paint::operator()(Ink ink, std::string_view text) const {
@@ -45,8 +80,29 @@ std::string Paint::operator()(Ink ink, std::string_view text) const {
 
 Terminal standard_terminal() {
     const bool colour = colour_wanted();
-    return {std::cout, std::cerr, Paint(colour && is_terminal(1)), Paint(colour && is_terminal(2)),
-            is_terminal(2)};
+    return {
+        std::cout,      std::cerr,          Paint(colour && is_terminal(1)), Paint(colour && is_terminal(2)),
+        is_terminal(2), terminal_columns(1)};
+}
+
+std::string fitted(const Terminal& terminal, std::string_view text) {
+    if (!terminal.columns) {
+        return std::string(text);
+    }
+    std::string out;
+    while (!text.empty()) {
+        const std::size_t end = std::min(text.find('\n'), text.size());
+        out += cut_line(text.substr(0, end), *terminal.columns);
+        out += end < text.size() ? "\n" : "";
+        text.remove_prefix(std::min(end + 1, text.size()));
+    }
+    return out;
+}
+
+std::size_t help_columns(const Terminal& terminal) {
+    constexpr std::size_t kUsual = 80;
+    constexpr std::size_t kLeast = 40;
+    return std::max(terminal.columns.value_or(kUsual), kLeast);
 }
 
 Progress::Progress(Terminal& terminal, std::size_t total, bool wanted)

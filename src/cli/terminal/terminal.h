@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -11,6 +12,10 @@ namespace cli {
 /// Whether the standard stream `descriptor` (1 or 2) is a terminal. One implementation for each platform:
 /// terminal_<platform>.cpp.
 bool is_terminal(int descriptor);
+
+/// The width of the terminal behind the standard stream `descriptor`, in characters; nothing when it is not a
+/// terminal or does not say. One implementation for each platform.
+std::optional<std::size_t> terminal_columns(int descriptor);
 
 /// Called first in main(): sets up the standard streams to carry bytes unchanged, and UTF-8 on Windows.
 /// Returns the arguments without the program's name, in UTF-8 on Windows. One implementation for each
@@ -35,8 +40,16 @@ struct Terminal {
     std::ostream& err;
     Paint out_paint;
     Paint err_paint;
-    bool live = false;  ///< `err` is a terminal, so progress may be shown there
+    bool live = false;                        ///< `err` is a terminal, so progress may be shown there
+    std::optional<std::size_t> columns = {};  ///< the width of `out`, if it is a terminal
 };
+
+/// Cuts each line of `text` to the width of the terminal, if there is one, and marks the cut by three dots.
+/// Colours stay.
+[[nodiscard]] std::string fitted(const Terminal& terminal, std::string_view text);
+
+/// The width for running text: that of the terminal, but at least 40 columns; 80 elsewhere.
+[[nodiscard]] std::size_t help_columns(const Terminal& terminal);
 
 /// The process's own streams. Colour only on a terminal, and not when NO_COLOR is set and not empty, TERM is
 /// unset or TERM is "dumb".

@@ -10,6 +10,7 @@
 #include <string>
 
 #include "cli/terminal/terminal.h"
+#include "system/signal_cleanup.h"
 #include "system/wide_path_windows.h"
 
 namespace cli {
@@ -41,7 +42,18 @@ bool is_terminal(int descriptor) {
            SetConsoleMode(handle, mode | ENABLE_VIRTUAL_TERMINAL_PROCESSING) != 0;
 }
 
+std::optional<std::size_t> terminal_columns(int descriptor) {
+    CONSOLE_SCREEN_BUFFER_INFO about{};
+    const HANDLE handle = GetStdHandle(descriptor == 1 ? STD_OUTPUT_HANDLE : STD_ERROR_HANDLE);
+    return GetConsoleScreenBufferInfo(handle, &about) != 0 && about.srWindow.Right >= about.srWindow.Left
+               ? std::optional<std::size_t>(
+                     static_cast<std::size_t>(about.srWindow.Right - about.srWindow.Left + 1))
+               : std::nullopt;
+}
+
 std::vector<std::string> begin_program(int /*argc*/, char** /*argv*/) {
+    os::end_on_signals();
+    _setmode(_fileno(stdin), _O_BINARY);
     _setmode(_fileno(stdout), _O_BINARY);
     _setmode(_fileno(stderr), _O_BINARY);
     SetConsoleOutputCP(CP_UTF8);

@@ -32,7 +32,7 @@ class HelpCommand : public Command {
         if (page == pages.end()) {
             throw UsageError("there is no verb \"" + command.substr(4) + '"');
         }
-        terminal.out << help_page_text(*page);
+        terminal.out << help_page_text(*page, help_columns(terminal));
         return ExitCode::fine;
     }
 
@@ -44,11 +44,16 @@ class HelpCommand : public Command {
 class CompletionCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.argument("SHELL", shell_, "the shell; only bash is supported").required().choices({"bash"});
+        options.argument("SHELL", shell_, "the shell: bash, fish or zsh")
+            .required()
+            .choices({"bash", "fish", "zsh"});
     }
 
     ExitCode run(Terminal& terminal) override {
-        terminal.out << bash_completion(program_help_pages());
+        const std::vector<HelpPage> pages = program_help_pages();
+        terminal.out << (shell_ == "zsh"    ? zsh_completion(pages)
+                         : shell_ == "fish" ? fish_completion(pages)
+                                            : bash_completion(pages));
         return ExitCode::fine;
     }
 
@@ -75,8 +80,11 @@ Verb help_verb() {
 Verb completion_verb() {
     return {"completion",
             "write the completion script for a shell",
-            {"The script completes verbs, options and file names."},
-            {{"source <(vxr completion bash)", "Completion for the running bash."}},
+            {"The script completes verbs, options, their fixed values and file names, and changes no option "
+             "of the "
+             "shell."},
+            {{"source <(vxr completion bash)", "Completion for the running bash, or with zsh for zsh."},
+             {"vxr completion fish | source", "Completion for the running fish."}},
             make<CompletionCommand>};
 }
 
