@@ -18,10 +18,11 @@ struct ExitCodeRow {
 };
 
 /// Every exit code, for the help and the manual.
+/// A signal ends the program with 128 plus its number: 130 for SIGINT, 143 for SIGTERM.
 inline constexpr std::array<ExitCodeRow, 4> kExitCodes{{
     {ExitCode::fine, "everything asked for was done"},
     {ExitCode::refused, "a file was refused, or the import did not finish"},
-    {ExitCode::usage, "wrong usage; nothing was read or written"},
+    {ExitCode::usage, "wrong usage; nothing was written"},
     {ExitCode::cannot_read_or_write, "a file could not be read or written"},
 }};
 

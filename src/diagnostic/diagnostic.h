@@ -22,6 +22,13 @@ struct Place {
     std::optional<std::int64_t> column = {};        ///< in bytes, from 1
 };
 
+/// Footage that is not where a scene says, for scripts; the reason and the effects say the same in words.
+struct MissingFootage {
+    std::string path;                ///< as it is written in the scene
+    std::vector<std::string> tried;  ///< where it was looked for, in this order
+    std::string placeholder;         ///< the name of what replaces it
+};
+
 /// Something that a person or a script is told about a file, a plug-in or a run. Texts hold any bytes of a
 /// file; whoever writes them out makes them safe.
 struct Diagnostic {
@@ -33,6 +40,7 @@ struct Diagnostic {
     std::int64_t count = 1;                       ///< how often it occurs; `at` is the first place
     std::optional<std::string> source_line = {};  ///< the line of `at`, without its line end
     const limits::Limit* limit = nullptr;         ///< the limit that the file exceeds, if that is the reason
+    std::optional<MissingFootage> missing_footage = {};  ///< if this is about such footage
 
     [[nodiscard]] Severity severity() const { return code.severity(); }
 };

@@ -160,11 +160,22 @@ Json json_footage(const Footage& footage) {
                 {"in_spec", json_id(footage.in_spec)}};
 }
 
+/// [time, scale, components...]: a file has many keys, and names would take most of the document.
+Json json_key(const Keyframe& key, StreamShape shape) {
+    Json numbers = Json::array({key.time.value, key.time.scale});
+    const Json value = json_components(key.value, shape);
+    if (value.is_object()) {
+        numbers.insert(numbers.end(), value.begin(), value.end());
+    } else {
+        numbers.push_back(value);
+    }
+    return numbers;
+}
+
 Json json_stream(const Stream& stream) {
     Json keyframes = Json::array();
     for (const Keyframe& key : stream.keyframes) {
-        keyframes.push_back(
-            Json{{"time", json_time(key.time)}, {"value", json_components(key.value, stream.shape)}});
+        keyframes.push_back(json_key(key, stream.shape));
     }
     return Json{{"kind", stream.kind},
                 {"name", stream_label(stream.kind)},
@@ -206,6 +217,7 @@ Json json_composition(const Project& project, const Composition& composition) {
     }
     return Json{{"id", composition.id},
                 {"item", composition.item},
+                {"name", json_text(project.item(composition.item).name)},
                 {"width", composition.width},
                 {"height", composition.height},
                 {"pixel_aspect", json_ratio(composition.pixel_aspect)},

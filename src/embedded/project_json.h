@@ -10,7 +10,7 @@
 namespace embedded {
 
 /// The version of the document below.
-inline constexpr int kProjectSchema = 1;
+inline constexpr int kProjectSchema = 2;
 
 Json project_to_json(const Project& project);
 

@@ -2,9 +2,11 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
+#include <thread>
 #include <utility>
 #include <vector>
 
@@ -181,6 +183,30 @@ TEST(DoctorVerb, APlugInThatMisbehavesIsReportedAndDoesNoHarm) {
     }
 }
 
+TEST(DoctorVerb, OnlyLooksWhenItIsTold) {
+    // A bundle that would end the process shows that nothing of it is run.
+    const ProcessResult run = doctor({"--json", "--no-load", VXR_UNRULY_BUNDLE}, {{"VXR_UNRULY", "abort"}});
+    EXPECT_EQ(run.exit_code, 0) << "no error was found";
+    const json diagnosis = json::parse(run.out);
+    EXPECT_EQ(codes(diagnosis), std::vector<std::string>());
+    EXPECT_EQ(diagnosis.at("trials"), json::array());
+    EXPECT_EQ(answers(diagnosis), (std::vector<json>{false, false, false, false, nullptr, nullptr}));
+    EXPECT_EQ(diagnosis.at("verdicts").at(4).at("reason"), "it was not loaded, as --no-load says");
+}
+
+TEST(DoctorVerb, OnlyLooksAtThePlugInsOfOthers) {
+    const TemporaryFolder folder;
+    const std::string other = folder.write("other.so", made_elf({.exports = {"EntryPointFunc"}}));
+    const json looked = document(other, 0);
+    EXPECT_EQ(codes(looked), std::vector<std::string>{"one-generation"});
+    EXPECT_EQ(looked.at("trials"), json::array());
+    EXPECT_EQ(looked.at("verdicts").at(4).at("reason"),
+              "it is not a plug-in of VORTAN XR, so none of its code was run; --always-load runs it");
+    const ProcessResult loaded = doctor({"--json", "--always-load", other});
+    EXPECT_EQ(loaded.exit_code, 1);
+    EXPECT_EQ(codes(json::parse(loaded.out)), (std::vector<std::string>{"one-generation", "not-loadable"}));
+}
+
 TEST(DoctorVerb, UsageIsChecked) {
     EXPECT_EQ(doctor({"--timeout", "0", "a"}).exit_code, 2);
     EXPECT_EQ(doctor({"--load", "tomorrow", "a"}).exit_code, 2);
@@ -214,6 +240,18 @@ TEST(ChildProcess, ReturnsOutputAndHowTheProgramEnded) {
 
     const cli::ChildResult closed = cli::run_child("/bin/sh", {"-c", "exec >&- 2>&-; sleep 600"}, seconds(1));
     EXPECT_TRUE(closed.timed_out);
+    // What a process starts ends with it, whether it ends in time or not.
+    const TemporaryFolder folder;
+    const std::string late = folder.path("late");
+    const cli::ChildResult left = cli::run_child(
+        "/bin/sh", {"-c", "(sleep 2; echo > '" + late + "') >/dev/null 2>&1 & exit 3"}, seconds(60));
+    EXPECT_EQ(left.exit_code, 3);
+    const cli::ChildResult hanging =
+        cli::run_child("/bin/sh", {"-c", "(sleep 2; echo > '" + late + "') & wait"}, seconds(1));
+    EXPECT_TRUE(hanging.timed_out);
+    std::this_thread::sleep_for(std::chrono::milliseconds(2200));
+    EXPECT_FALSE(std::filesystem::exists(late));
+
     const cli::ChildResult silent = cli::run_child("/bin/sleep", {"600"}, seconds(1));
     EXPECT_TRUE(silent.timed_out);
 }

@@ -389,7 +389,7 @@ TEST(ImportVerb, JsonSavedDocumentAndLog) {
     ASSERT_EQ(run.exit_code, 0) << run.err;
     EXPECT_EQ(content_of(folder.path("project.json")), run.out);
     const json document = json::parse(run.out);
-    EXPECT_EQ(document["schema"], 1);
+    EXPECT_EQ(document["schema"], 2);
     EXPECT_EQ(document["discipline"]["clean"], true);
     EXPECT_EQ(document["import"]["file"], kLantern);
     EXPECT_EQ(document["import"]["exit_code"], 0);
@@ -410,7 +410,7 @@ TEST(ImportVerb, OutputsReplaceNeitherTheSceneNorEachOther) {
     const std::string text = kSettings + "COMPOSITION NRM \"Main\" { }\n";
     const std::string scene = folder.write("shot.aec", text);
     std::filesystem::create_symlink(scene, folder.path("link.aec"));
-    const std::string taken = "shot.aec would be overwritten by the output\n";
+    const std::string taken = "shot.aec would be overwritten by the output";
     const struct {
         const char* name;
         std::vector<std::string> options;
@@ -421,7 +421,7 @@ TEST(ImportVerb, OutputsReplaceNeitherTheSceneNorEachOther) {
         {"scene by another name", {"--log", folder.path("link.aec")}, taken},
         {"both in one file, which is not there yet",
          {"--save", folder.path("out"), "--log", folder.path("./out")},
-         "vxr: error: --save and --log both name " + folder.path("out") + "\n"},
+         "vxr: error: --save and --log would both be written to " + folder.path("./out")},
     };
     for (const auto& one : cases) {
         std::vector<std::string> arguments = one.options;

@@ -328,7 +328,7 @@ TEST(WrittenDirectly, DevicesPipesAndTheStandardOutput) {
     EXPECT_EQ(out.exit_code, 0) << out.err;
     const ProcessResult piped =
         run_process({"sh", "-c", R"("$0" import --save /dev/stdout "$1" 2>&1 | cat)", VXR_PROGRAM, kLantern});
-    EXPECT_THAT(piped.out, HasSubstr("\"schema\": 1"));
+    EXPECT_THAT(piped.out, HasSubstr("\"schema\": 2"));
     EXPECT_THAT(piped.out, HasSubstr("1 camera, 2 lights"));
 
     make_pipe(folder.path("pipe"));
@@ -338,7 +338,7 @@ TEST(WrittenDirectly, DevicesPipesAndTheStandardOutput) {
         run = vxr(folder, {"import", "--save", "pipe", kLantern});
     } while (run.exit_code == 3);
     EXPECT_EQ(run.exit_code, 0) << run.err;
-    EXPECT_THAT(read.get(), HasSubstr("\"schema\": 1"));
+    EXPECT_THAT(read.get(), HasSubstr("\"schema\": 2"));
 }
 
 TEST(FormatsThatWriteNoFile, AreRefused) {

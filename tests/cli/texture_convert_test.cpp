@@ -539,8 +539,10 @@ TEST(TextureConvert, WrongUsageReadsAndWritesNothing) {
          "--out-dir needs --to EXT"},
         {"unknown format", {"a.txl", "--to", "doc"}, "no image format has the extension of a.doc"},
         {"no extension", {"a.txl", "-o", "a"}, "no image format has the extension of a"},
-        {"onto itself", {"a.txl", "-o", "./a.txl"}, "would be overwritten by its own conversion"},
-        {"two of one name", {"a.txl", "sub/a.txl", "--to", "png", "--out-dir", "."}, "would both become"},
+        {"onto itself", {"a.txl", "-o", "./a.txl"}, "a.txl would be overwritten by the output ./a.txl"},
+        {"two of one name",
+         {"a.txl", "sub/a.txl", "--to", "png", "--out-dir", "."},
+         "a.txl and sub/a.txl would both be written to ./a.png"},
         {"jobs", {"a.txl", "--to", "png", "--jobs", "-1"}, "is not a number from 0 to 256"},
     };
     const TemporaryFolder folder;

@@ -50,7 +50,7 @@ TEST(ProjectJson, WritesTheWholeProjectInAFixedOrder) {
     const Json json = embedded::project_to_json(bundle.host.project());
     EXPECT_THAT(keys_of(json), ElementsAre("schema", "items", "footage", "compositions", "in_specs",
                                            "undo_steps", "preferences", "messages"));
-    EXPECT_EQ(json["schema"], 1);
+    EXPECT_EQ(json["schema"], 2);
     EXPECT_EQ(json["items"].dump(),
               R"([{"id":1,"kind":"folder","name":"","parent_folder":null,"content":null},)"
               R"({"id":2,"kind":"composition","name":{"bytes":"7368e474"},"parent_folder":1,"content":1},)"
@@ -69,7 +69,7 @@ TEST(ProjectJson, WritesTheWholeProjectInAFixedOrder) {
     EXPECT_EQ(layers[1]["center"].dump(), R"({"x":320.0,"y":240.0})");
     EXPECT_EQ(layers[1]["streams"].dump(),
               R"([{"kind":11,"name":"zoom","shape":"one_d","value_set":false,"value":888.8888888888889,)"
-              R"("keyframes":[{"time":{"value":-5,"scale":25},"value":320.1}]}])");
+              R"("keyframes":[[-5,25,320.1]]}])");
     EXPECT_EQ(layers[2]["source_item"], 3);
     EXPECT_EQ(layers[2]["transfer"].dump(), R"({"mode":2,"flags":0,"track_matte":0})");
 

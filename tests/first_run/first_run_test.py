@@ -49,7 +49,8 @@ def composition(project, name):
 def value(layer, stream, frame, fps=25):
     """What a stream has at a frame: the key there, or the last one before it."""
     [found] = [one for one in layer["streams"] if one["name"] == stream]
-    keys = [(key["time"]["value"] * fps / key["time"]["scale"], key["value"]) for key in found["keyframes"]]
+    keys = [(time * fps / scale, content[0] if len(content) == 1 else tuple(content))
+            for time, scale, *content in found["keyframes"]]
     if not keys:
         keys = [(0, found["value"])]
     one = [content for time, content in keys if time <= frame + 1e-6][-1]

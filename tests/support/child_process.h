@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "support/file_content.h"
+#include "support/program_output.h"
 #include "support/temporary_folder.h"
 
 /// What a program did. The exit code of a program that a signal ended is -1.
@@ -53,5 +54,9 @@ inline ProcessResult run_process(const std::vector<std::string>& arguments,
     int status = 0;
     ::waitpid(child, &status, 0);
 
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, content_of(out), content_of(err)};
+    ProcessResult result{WIFEXITED(status) ? WEXITSTATUS(status) : -1, content_of(out), content_of(err)};
+    if (program_output_listener != nullptr) {
+        program_output_listener(arguments, result.out);
+    }
+    return result;
 }

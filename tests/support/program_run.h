@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/program.h"
+#include "support/program_output.h"
 
 /// What the command line did and wrote, without colours and not on a terminal.
 struct Ran {
@@ -18,5 +19,10 @@ inline Ran run(const std::vector<std::string>& arguments) {
     std::ostringstream err;
     cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
     const cli::ExitCode code = cli::run_program(arguments, terminal);
+    if (program_output_listener != nullptr) {
+        std::vector<std::string> command{"vxr"};
+        command.insert(command.end(), arguments.begin(), arguments.end());
+        program_output_listener(command, out.str());
+    }
     return {code, out.str(), err.str()};
 }

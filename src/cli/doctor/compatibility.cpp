@@ -60,6 +60,10 @@ Compatibility by_load_test(const Diagnosis& diagnosis, const char* generation) {
     const auto load_test = std::find_if(diagnosis.load_tests.begin(), diagnosis.load_tests.end(),
                                         [&](const LoadTest& one) { return one.generation == generation; });
     if (load_test == diagnosis.load_tests.end()) {
+        if (!diagnosis.why_not_loaded.empty()) {
+            host.reason = diagnosis.why_not_loaded;
+            return host;
+        }
         if (diagnosis.images.empty() || is_container(diagnosis, own_container())) {
             host.answer = Answer::no;
             host.reason = "this is " + file_label(diagnosis);

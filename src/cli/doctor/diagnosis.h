@@ -76,6 +76,7 @@ struct Diagnosis {
     std::vector<PropertyListFacts> property_lists;
     std::vector<std::pair<std::string, std::string>> info_plist;  ///< the keys that hosts look at
     std::vector<LoadTest> load_tests;
+    std::string why_not_loaded;  ///< empty when it was loaded, or could not be
 
     /// The reason of the first error, if there is one.
     [[nodiscard]] std::optional<std::string> first_error() const;

@@ -50,7 +50,8 @@ BinaryFacts facts_of(const BinaryImage& image) {
 
 class Inspection {
   public:
-    Inspection(const std::string& bundle, const RunLoadTest& run_load_test) : run_load_test_(run_load_test) {
+    Inspection(const std::string& bundle, const RunLoadTest& run_load_test, Loading loading)
+        : run_load_test_(run_load_test), loading_(loading) {
         diagnosis_.bundle = bundle;
     }
 
@@ -58,7 +59,9 @@ class Inspection {
         look();
         diagnosis_.compatibility = compatibility_of(diagnosis_);
         if (diagnosis_.code != ExitCode::cannot_read_or_write) {
-            diagnosis_.code = !diagnosis_.first_error() && is_listed() ? ExitCode::fine : ExitCode::refused;
+            diagnosis_.code = !diagnosis_.first_error() && (is_listed() || !diagnosis_.why_not_loaded.empty())
+                                  ? ExitCode::fine
+                                  : ExitCode::refused;
         }
         return std::move(diagnosis_);
     }
@@ -190,6 +193,15 @@ class Inspection {
         if (!loadable || !has_entry) {
             return;
         }
+        if (loading_ == Loading::never) {
+            diagnosis_.why_not_loaded = "it was not loaded, as --no-load says";
+            return;
+        }
+        if (loading_ == Loading::ours && !is_ours()) {
+            diagnosis_.why_not_loaded =
+                "it is not a plug-in of VORTAN XR, so none of its code was run; --always-load runs it";
+            return;
+        }
         for (const embedded::HostGeneration generation :
              {embedded::HostGeneration::today, embedded::HostGeneration::classic}) {
             // What the system cannot load, it cannot load for any host.
@@ -202,6 +214,13 @@ class Inspection {
             diagnosis_.load_tests.push_back(run_load_test_(diagnosis_.binary, generation));
             add_load_test_finding(diagnosis_.load_tests.back());
         }
+    }
+
+    /// The name of the entry for classic hosts is the plug-in's own; that for current hosts is a custom.
+    [[nodiscard]] bool is_ours() const {
+        return std::any_of(diagnosis_.images.begin(), diagnosis_.images.end(), [](const BinaryFacts& image) {
+            return std::find(image.entries.begin(), image.entries.end(), kEntries[1]) != image.entries.end();
+        });
     }
 
     void add_load_test_finding(const LoadTest& load_test) {
@@ -235,6 +254,7 @@ class Inspection {
     }
 
     const RunLoadTest& run_load_test_;
+    Loading loading_;
     Diagnosis diagnosis_;
 };
 
@@ -248,8 +268,8 @@ std::optional<std::string> Diagnosis::first_error() const {
     return error == findings.end() ? std::nullopt : std::optional(error->reason);
 }
 
-Diagnosis inspect(const std::string& bundle, const RunLoadTest& run_load_test) {
-    return Inspection(bundle, run_load_test).run();
+Diagnosis inspect(const std::string& bundle, const RunLoadTest& run_load_test, Loading loading) {
+    return Inspection(bundle, run_load_test, loading).run();
 }
 
 }  // namespace cli::doctor

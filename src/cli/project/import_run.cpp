@@ -94,9 +94,9 @@ void add_notes(ImportRun& run, const embedded::Host& host, const embedded::HostO
 }  // namespace
 
 ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& options, const FoundBundle& bundle,
-                       const std::string& file) {
+                       const SceneReading& reading) {
     ImportRun run;
-    run.file = file;
+    run.file = reading.file;
     run.load.error = bundle.error;
     if (run.load.ok()) {
         run.load = host.load(bundle.path);
@@ -107,10 +107,9 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         run.problems.push_back("the plug-in was not loaded: " + run.load.error);
         return run;
     }
-    const SceneReading reading = read_scene(file);
     if (const std::string problem = host.path_problem(reading.full_path); !problem.empty()) {
         host.unload();
-        refuse(run, file + ": " + problem + " (--host classic)");
+        refuse(run, run.file + ": " + problem + " (--host classic)");
         return run;
     }
     run.verify = host.verify(reading.full_path);
@@ -126,6 +125,7 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
     if (!run.imported && !reading.error) {
         refuse(run, "the plug-in does not accept the file");
     } else {
+        run.missing_footage = missing_footage(reading);
         judge(run, reading, host, options);
         add_notes(run, host, options);
     }
@@ -149,6 +149,10 @@ embedded::Json import_document(const embedded::Project& project, const embedded:
     using embedded::Json;
     Json document = embedded::project_to_json(project);
     document["discipline"] = embedded::conformance_to_json(report);
+    Json missing = Json::array();
+    for (const diagnostic::MissingFootage& footage : run.missing_footage) {
+        missing.push_back(missing_footage_json(footage));
+    }
     document["import"] = Json{{"file", embedded::json_text(run.file)},
                               {"exit_code", static_cast<int>(run.code)},
                               {"finished", run.imported && run.code == ExitCode::fine},
@@ -157,6 +161,7 @@ embedded::Json import_document(const embedded::Project& project, const embedded:
                               {"missing_suite", run.import.missing_suite},
                               {"problems", texts_json(run.problems)},
                               {"notes", texts_json(run.notes)},
+                              {"missing_footage", missing},
                               {"diagnostics", diagnostics_json(run.diagnostics)}};
     return document;
 }

@@ -22,19 +22,20 @@ struct ImportRun {
     embedded::CallbackResult import;
     bool imported = false;                ///< the importer was called
     std::vector<Diagnostic> diagnostics;  ///< about the file: why it was refused, or what may have failed
-    std::vector<std::string> problems;    ///< about the import: what did not happen, one sentence each
-    std::vector<std::string> notes;       ///< worth knowing, but no problem; one sentence each
+    std::vector<diagnostic::MissingFootage> missing_footage;
+    std::vector<std::string> problems;  ///< about the import: what did not happen, one sentence each
+    std::vector<std::string> notes;     ///< worth knowing, but no problem; one sentence each
 };
 
 /// Does what a host does: loads the bundle, asks whether the file is importable, imports it, unloads. Then
-/// compares the result with the file. The project, messages and report stay in `host`, which was made with
-/// `options`.
+/// compares the result with `reading`, which is the same file. The project, messages and report stay in
+/// `host`, which was made with `options`.
 ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& options, const FoundBundle& bundle,
-                       const std::string& file);
+                       const SceneReading& reading);
 
 /// The project's document with two more members at its end: "discipline", and "import" with
-/// {"file","exit_code","finished","importable","result","missing_suite","problems","notes","diagnostics"}.
-/// `project` is the host's, with its names decoded or not.
+/// {"file","exit_code","finished","importable","result","missing_suite","problems","notes",
+/// "missing_footage","diagnostics"}. `project` is the host's, with its names decoded or not.
 embedded::Json import_document(const embedded::Project& project, const embedded::ConformanceReport& report,
                                const ImportRun& run);
 

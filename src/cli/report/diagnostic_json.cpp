@@ -41,6 +41,24 @@ nlohmann::ordered_json diagnostics_json(const std::vector<diagnostic::Diagnostic
     return array;
 }
 
+nlohmann::ordered_json missing_footage_json(const diagnostic::MissingFootage& missing) {
+    return Json{{"path", json_text(missing.path)},
+                {"tried", texts_json(missing.tried)},
+                {"placeholder", json_text(missing.placeholder)}};
+}
+
+std::string codes_document(const std::vector<diagnostic::CodeInfo>& codes) {
+    constexpr int kCodesSchema = 1;
+    Json rows = Json::array();
+    for (const diagnostic::CodeInfo& code : codes) {
+        rows.push_back(
+            Json{{"code", code.name}, {"severity", severity_name(code.severity)}, {"meaning", code.meaning}});
+    }
+    const Json document{
+        {"schema", kCodesSchema}, {"exit_code", static_cast<int>(ExitCode::fine)}, {"codes", rows}};
+    return document.dump(2) + '\n';
+}
+
 std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files) {
     Json document;
     document["schema"] = schema;
@@ -65,6 +83,9 @@ nlohmann::ordered_json diagnostic_json(const diagnostic::Diagnostic& diagnostic)
     json["count"] = diagnostic.count;
     json["source_line"] = diagnostic.source_line ? json_text(*diagnostic.source_line) : Json();
     json["limit"] = limit_or_null(diagnostic.limit);
+    if (const auto& missing = diagnostic.missing_footage) {
+        json.update(missing_footage_json(*missing));
+    }
     return json;
 }
 

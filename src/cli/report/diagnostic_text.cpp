@@ -124,6 +124,12 @@ std::string grouped(std::int64_t number) {
     return text;
 }
 
+void print_codes(std::ostream& out, const std::vector<diagnostic::CodeInfo>& codes) {
+    for (const diagnostic::CodeInfo& code : codes) {
+        out << code.name << ": " << severity_name(code.severity) << ": " << code.meaning << '\n';
+    }
+}
+
 const char* verdict_label(ExitCode code) {
     switch (code) {
         case ExitCode::fine:

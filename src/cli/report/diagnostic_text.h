@@ -1,9 +1,10 @@
 #pragma once
 
 #include <cstdint>
-#include <ostream>
+#include <iosfwd>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/exit_codes.h"
 #include "cli/terminal/terminal.h"
@@ -40,13 +41,16 @@ void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);
 /// What became of a file: "ok", "refused" or "unreadable".
 [[nodiscard]] const char* verdict_label(ExitCode code);
 
-/// Prints a table of codes, one line per row: "footage-missing: warning: The footage is in neither place...".
+/// Appends the rows of a domain's table of codes to `codes`.
 template <typename Table>
-void print_codes(std::ostream& out, const Table& table) {
+void add_codes(std::vector<diagnostic::CodeInfo>& codes, const Table& table) {
     for (const auto& [code, info] : table) {
-        out << info.name << ": " << severity_name(info.severity) << ": " << info.meaning << '\n';
+        codes.push_back(info);
     }
 }
+
+/// Prints codes, one line each: "footage-missing: warning: The footage is in neither place...".
+void print_codes(std::ostream& out, const std::vector<diagnostic::CodeInfo>& codes);
 
 /// A message of the program itself on the error stream: "vxr: error: ...".
 void complain(Terminal& terminal, std::string_view text);

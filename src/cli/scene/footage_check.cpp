@@ -3,6 +3,7 @@
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_check.h"
@@ -44,6 +45,16 @@ std::string placeholder_text(const SceneReading& reading, std::string_view name)
            " frames takes its place";
 }
 
+bool is_missing(const SceneFootage& footage) {
+    return footage.file->path != nullptr && !footage.opens_as_written && GeFExist(footage.file->path) == 0;
+}
+
+diagnostic::MissingFootage facts_of_missing(const SceneReading& reading, const SceneFootage& footage) {
+    return {footage.written,
+            {footage.written, beside(reading, footage.file->path)},
+            truncated_name(last_component(footage.file->path))};
+}
+
 void check_missing(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
     Diagnostic& warning =
         warnings.add(ToolCode::footage_missing, footage.path_at,
@@ -55,6 +66,7 @@ void check_missing(const SceneReading& reading, const SceneFootage& footage, War
             "the path is not UTF-8; it was also read as Windows-1252 and as Mac Roman");
     }
     warning.effects.push_back(placeholder_text(reading, last_component(footage.file->path)));
+    warning.missing_footage = facts_of_missing(reading, footage);
 }
 
 std::string frames_text(const embedded::FrameRange& range) {
@@ -156,7 +168,7 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Warni
             .effects.push_back(placeholder_text(reading, ""));
         return;
     }
-    if (!footage.opens_as_written && GeFExist(footage.file->path) == 0) {
+    if (is_missing(footage)) {
         check_missing(reading, footage, warnings);
         return;
     }
@@ -168,6 +180,17 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Warni
 }
 
 }  // namespace
+
+std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& reading) {
+    const os::PathGuesses guesses(paths_in_other_encodings);
+    std::vector<diagnostic::MissingFootage> missing;
+    for (const SceneFootage& footage : reading.facts.footage) {
+        if (footage.file != nullptr && is_missing(footage)) {
+            missing.push_back(facts_of_missing(reading, footage));
+        }
+    }
+    return missing;
+}
 
 void check_footage(const SceneReading& reading, WarningList& warnings) {
     const os::PathGuesses guesses(paths_in_other_encodings);

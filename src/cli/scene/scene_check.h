@@ -14,7 +14,10 @@ namespace cli {
 /// file. For a refused file, only what precedes the error. Opens the footage files.
 std::vector<Diagnostic> scene_warnings(const SceneReading& reading);
 
-// Its parts. Each adds to the list.
+/// The footage that is in neither of its places, in the order of the file.
+std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& reading);
+
+// The parts of scene_warnings(). Each adds to the list.
 
 /// Settings, names, skipped words, text after the end.
 void check_settings(const SceneReading& reading, WarningList& warnings);

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <string_view>
 
 #include "cli/report/diagnostic_text.h"
@@ -9,6 +10,7 @@
 #include "composition/model/model_invariants.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
+#include "embedded/sequence.h"
 #include "host/byte_encoding.h"
 #include "limit/limits.h"
 #include "system/files.h"
@@ -50,6 +52,15 @@ std::optional<std::string> obstacle(const os::FileState& state) {
     return std::nullopt;
 }
 
+// The name of the mark that the text begins with, which no editor shows; null if there is none.
+const char* byte_order_mark(std::string_view text) {
+    if (text.starts_with("\xEF\xBB\xBF")) {
+        return "a byte order mark of UTF-8";
+    }
+    return text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF") ? "a byte order mark of UTF-16"
+                                                                        : nullptr;
+}
+
 // The host's quick test. Returns nothing when the file passes.
 std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code) {
     code = ExitCode::cannot_read_or_write;
@@ -70,9 +81,14 @@ std::optional<Diagnostic> quick_test(const SceneReading& reading, ExitCode& code
     }
     const std::string_view found(bytes.data(), count);
     if (found != kBeginning) {
-        Diagnostic error = diagnostic::make(
-            ToolCode::not_importable, beginning_of(reading.file),
-            "expected the file to begin with \"VORTAN XR\", found \"" + std::string(found) + '"');
+        const char* const mark = byte_order_mark(found);
+        Diagnostic error =
+            diagnostic::make(ToolCode::not_importable, beginning_of(reading.file),
+                             "expected the file to begin with \"VORTAN XR\", found " +
+                                 (mark != nullptr ? std::string(mark) : '"' + std::string(found) + '"'));
+        if (mark != nullptr) {
+            error.effects.emplace_back("save the file as ASCII or UTF-8 without a byte order mark");
+        }
         error.effects.emplace_back(
             "After Effects learns that this is not a composition file and does not offer it for import");
         return error;
@@ -102,20 +118,12 @@ Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
     return error;
 }
 
-}  // namespace
-
-std::int64_t layer_length(const tagProjectSettings& settings) {
-    return std::int64_t{settings.to} - settings.from + 1;
-}
-
-SceneReading read_scene(const std::string& file) {
-    SceneReading reading;
-    reading.file = file;
-    reading.full_path = os::absolute_path(file);
+void read_into(SceneReading& reading) {
     reading.error = quick_test(reading, reading.code);
     if (reading.error) {
-        return reading;
+        return;
     }
+    const std::string& file = reading.file;
     // As in a current host.
     const os::PathGuesses guesses(paths_in_other_encodings);
     SceneObserver observer(reading.facts);
@@ -139,7 +147,74 @@ SceneReading read_scene(const std::string& file) {
     if (reading.error) {
         add_source_line(*reading.error, reading.full_path);
     }
+}
+
+SceneReading read_standard_input() {
+    SceneReading reading;
+    reading.file = "-";
+    std::string error;
+    reading.input =
+        StandardInputFile::read(static_cast<std::uint64_t>(limits::kCompositionFile.value), error);
+    if (reading.input) {
+        reading.full_path = reading.input->path();
+        read_into(reading);
+    } else {
+        reading.error = diagnostic::make(ToolCode::cannot_read, {reading.file},
+                                         "the standard input could not be kept in a file: " + error);
+        reading.code = ExitCode::cannot_read_or_write;
+    }
     return reading;
+}
+
+// The files in the folder of `path` that a sequence of this name may consist of.
+std::vector<std::string> numbered_files(const std::string& path, const embedded::NumberedName& name) {
+    const std::filesystem::path folder = os::path_of(path).parent_path();
+    std::vector<std::string> files;
+    for (const std::string& other : os::regular_files_in(folder.empty() ? "." : os::text_of(folder))) {
+        const auto numbered = embedded::split_number(other);
+        if (numbered && numbered->prefix == name.prefix && numbered->suffix == name.suffix) {
+            files.push_back(os::text_of(folder / os::path_of(other)));
+        }
+    }
+    return files;
+}
+
+}  // namespace
+
+std::int64_t layer_length(const tagProjectSettings& settings) {
+    return std::int64_t{settings.to} - settings.from + 1;
+}
+
+SceneReading read_scene(const std::string& file) {
+    if (is_standard_input(file)) {
+        return read_standard_input();
+    }
+    SceneReading reading;
+    reading.file = file;
+    reading.full_path = os::absolute_path(file);
+    read_into(reading);
+    return reading;
+}
+
+std::vector<std::string> footage_files(const SceneReading& reading) {
+    std::vector<std::string> files;
+    for (const SceneFootage& footage : reading.facts.footage) {
+        if (footage.file == nullptr || footage.file->path == nullptr) {
+            continue;
+        }
+        const std::string path = footage.file->path;
+        files.push_back(path);
+        const std::vector<std::string> others = paths_in_other_encodings(path);
+        files.insert(files.end(), others.begin(), others.end());
+        const auto name = footage.file->isSequence != 0
+                              ? embedded::split_number(os::text_of(os::path_of(path).filename()))
+                              : std::nullopt;
+        if (name) {
+            const std::vector<std::string> frames = numbered_files(path, *name);
+            files.insert(files.end(), frames.begin(), frames.end());
+        }
+    }
+    return files;
 }
 
 }  // namespace cli

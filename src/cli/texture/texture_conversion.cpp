@@ -226,8 +226,12 @@ Conversion convert_texture(const std::string& input, const std::string& output,
     conversion.input = input;
     conversion.output = output;
     try {
+        std::string why_not;
         if (has_texture_extension(output) || has_texture_extension(input) || begins_as_texture_file(input)) {
             convert(conversion, options);
+        } else if (!os::is_regular_file(input, why_not)) {
+            refuse(conversion, ExitCode::cannot_read_or_write,
+                   diagnostic::make(image::Code::cannot_open, {input}, why_not));
         } else {
             refuse(conversion, ExitCode::refused,
                    diagnostic::make(image::Code::no_texture, {input},

@@ -1,6 +1,6 @@
 #include <memory>
-#include <ostream>
 #include <string>
+#include <vector>
 
 #include "cli/report/tool_code.h"
 #include "cli/scene/scene_check.h"
@@ -21,13 +21,15 @@ FileCheck check_composition(const std::string& file) {
     return check;
 }
 
-void list_composition_codes(std::ostream& out) {
-    print_codes(out, read_error_table());
-    print_codes(out, tool_code_table());
+std::vector<diagnostic::CodeInfo> composition_codes() {
+    std::vector<diagnostic::CodeInfo> codes;
+    add_codes(codes, read_error_table());
+    add_codes(codes, tool_code_table());
+    return codes;
 }
 
 constexpr FileKind kCompositionFiles{"composition files", check_composition, diagnostic_text,
-                                     list_composition_codes};
+                                     composition_codes};
 
 }  // namespace
 

@@ -7,6 +7,7 @@
 
 #include "cli/options.h"
 #include "cli/report/diagnostic_json.h"
+#include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
 #include "embedded/json_values.h"
 #include "text/printable.h"
@@ -48,7 +49,7 @@ class CheckCommand : public Command {
     void add_options(Options& options) override {
         Option files = options.file_argument("FILE", files_, kind_.plural);
         options.flag("--strict", strict_, "also refuse files with warnings").group("What counts");
-        if (kind_.list_codes != nullptr) {
+        if (kind_.codes != nullptr) {
             options
                 .flag("--list-codes", list_codes_,
                       "list every error and warning code with its meaning, and exit")
@@ -62,11 +63,18 @@ class CheckCommand : public Command {
 
     ExitCode run(Terminal& terminal) override {
         if (list_codes_) {
-            kind_.list_codes(terminal.out);
+            if (json_) {
+                terminal.out << codes_document(kind_.codes());
+            } else {
+                print_codes(terminal.out, kind_.codes());
+            }
             return ExitCode::fine;
         }
         if (files_.empty()) {
             throw UsageError("FILE is required");
+        }
+        if (names_standard_input_twice(files_)) {
+            throw UsageError("the standard input can be read only once");
         }
         Progress progress(terminal, quiet_ ? 0 : files_.size());
         Json documents = Json::array();

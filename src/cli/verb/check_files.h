@@ -1,6 +1,5 @@
 #pragma once
 
-#include <iosfwd>
 #include <memory>
 #include <string>
 #include <vector>
@@ -21,7 +20,7 @@ struct FileKind {
     const char* plural;                      ///< "composition files"
     FileCheck (*check)(const std::string&);  ///< reads the file that the user named
     std::string (*text)(const Diagnostic&, const Paint&);
-    void (*list_codes)(std::ostream&) = nullptr;  ///< for --list-codes; null for a verb without that option
+    std::vector<diagnostic::CodeInfo> (*codes)() = nullptr;  ///< for --list-codes; null without that option
 };
 
 /// The command behind `vxr check` and `vxr texture check`: reads every file, prints what is wrong with it and

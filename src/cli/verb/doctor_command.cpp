@@ -1,6 +1,7 @@
 #include <memory>
 #include <ostream>
 #include <string>
+#include <vector>
 
 #include "cli/doctor/diagnosis.h"
 #include "cli/doctor/finding.h"
@@ -8,6 +9,7 @@
 #include "cli/doctor/load_test.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
+#include "cli/report/diagnostic_json.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
@@ -27,6 +29,11 @@ class DoctorCommand : public Command {
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
         options.flag("--list-codes", list_codes_, "list every finding with its meaning, and exit")
             .group("Output");
+        options.flag("--no-load", no_load_, "only look; run no code of the plug-in").group("Loading");
+        options
+            .flag("--always-load", always_load_,
+                  "also load a plug-in that is not VORTAN XR's, which is only looked at otherwise")
+            .group("Loading");
         options.option("--timeout", timeout_s_, "how long loading and unloading the plug-in may take")
             .value_name("SECONDS")
             .range(1, kLongestTimeout)
@@ -36,15 +43,25 @@ class DoctorCommand : public Command {
             .option("--load", load_,
                     "load it in this process, as a host of this generation, and write one line of JSON about "
                     "it: for a debugger")
-            .value_name("HOST")
+            .value_name("today|classic")
             .choices({"today", "classic"})
             .group("Loading");
     }
 
     ExitCode run(Terminal& terminal) override {
         if (list_codes_) {
-            print_codes(terminal.out, doctor::finding_table());
+            std::vector<diagnostic::CodeInfo> codes;
+            add_codes(codes, doctor::finding_table());
+            if (json_) {
+                terminal.out << codes_document(codes);
+            } else {
+                print_codes(terminal.out, codes);
+            }
             return ExitCode::fine;
+        }
+        if (no_load_ && (always_load_ || !load_.empty())) {
+            throw UsageError(std::string("--no-load and ") + (always_load_ ? "--always-load" : "--load") +
+                             " exclude each other");
         }
         if (bundle_.empty()) {
             const FoundBundle own = find_bundle({});
@@ -59,10 +76,14 @@ class DoctorCommand : public Command {
             terminal.out << doctor::load_test_line(doctor::load_here(bundle_, generation));
             return ExitCode::fine;
         }
-        const doctor::Diagnosis diagnosis =
-            doctor::inspect(bundle_, [this](const std::string& binary, embedded::HostGeneration generation) {
+        const doctor::Diagnosis diagnosis = doctor::inspect(
+            bundle_,
+            [this](const std::string& binary, embedded::HostGeneration generation) {
                 return doctor::load_apart(binary, generation, std::chrono::seconds(timeout_s_));
-            });
+            },
+            no_load_       ? doctor::Loading::never
+            : always_load_ ? doctor::Loading::any
+                           : doctor::Loading::ours);
         terminal.out << (json_ ? doctor::diagnosis_document(diagnosis)
                                : doctor::diagnosis_text(diagnosis, terminal.out_paint));
         return diagnosis.code;
@@ -76,6 +97,8 @@ class DoctorCommand : public Command {
     int timeout_s_ = 60;
     bool json_ = false;
     bool list_codes_ = false;
+    bool no_load_ = false;
+    bool always_load_ = false;
 };
 
 }  // namespace
@@ -88,7 +111,8 @@ Verb doctor_verb() {
          "system. Looks at the kind of code and its processors, the exported entries, the properties (the "
          "PiPL resource), Info.plist, and the libraries that it needs. Where the plug-in can be loaded, it "
          "is loaded into the embedded host of both generations, in a process of its own: a plug-in that "
-         "crashes does no harm and is reported.",
+         "crashes does no harm and is reported. Code of other makers is not run unless --always-load says "
+         "so.",
          "One line for each kind of host says whether it would list the plug-in. Then come the findings, "
          "each with its place and a remedy, and what the plug-in consists of. The exit code is 0 when a host "
          "would list it and there is no error."},

@@ -14,10 +14,13 @@
 #include "cli/project/host_setup.h"
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic_text.h"
+#include "cli/report/json_text.h"
+#include "cli/terminal/file_roles.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
 #include "cli/verbs.h"
 #include "image/image.h"
+#include "system/files.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -101,6 +104,15 @@ class FrameCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
+        const FoundBundle bundle = find_bundle(bundle_);
+        FileRoles roles;
+        roles.reads(file_);
+        if (bundle.error.empty()) {
+            roles.reads(os::text_of(bundle.path), "the plug-in");
+        }
+        if (const std::string refusal = roles.writes(output_, "--output"); !refusal.empty()) {
+            throw UsageError(refusal);
+        }
         if (!image::can_write(output_)) {
             throw UsageError("no image format has the extension of " + output_);
         }
@@ -109,12 +121,12 @@ class FrameCommand : public Command {
         request.size = parse_frame_size(size_);
         request.resolution_divisor = resolution_divisor(resolution_);
         request.fill = static_cast<std::uint8_t>(fill_);
-        FrameRun frame = draw_file(host, find_bundle(bundle_), file_, request);
+        FrameRun frame = draw_file(host, bundle, file_, request);
         if (frame.frame.has_value()) {
             write(frame);
         }
         if (json_) {
-            terminal.out << frame_document(host, frame, output_).dump(2) << '\n';
+            terminal.out << json_text_of(frame_document(host, frame, output_));
         } else {
             show(host, frame, terminal);
         }

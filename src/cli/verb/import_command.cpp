@@ -1,9 +1,8 @@
-#include <filesystem>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
-#include <system_error>
+#include <utility>
 #include <vector>
 
 #include "cli/options.h"
@@ -11,7 +10,11 @@
 #include "cli/project/import_run.h"
 #include "cli/project/project_tree.h"
 #include "cli/report/diagnostic_text.h"
+#include "cli/report/json_text.h"
+#include "cli/scene/scene_reading.h"
+#include "cli/terminal/file_roles.h"
 #include "cli/terminal/output_file.h"
+#include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
 #include "embedded/host.h"
@@ -65,24 +68,15 @@ std::optional<StillDuration> parse_still_duration(std::string_view text) {
     return frames ? std::optional(StillDuration{A_Time{*frames, kRate_fps}}) : std::nullopt;
 }
 
-// Whether two paths lead to the same file, whether or not it exists.
-bool same_file(const std::string& one, const std::string& other) {
-    namespace fs = std::filesystem;
-    std::error_code none;
-    const fs::path first = os::native_path(one);
-    const fs::path second = os::native_path(other);
-    const fs::path path = fs::weakly_canonical(first, none);
-    return fs::equivalent(first, second, none) ||
-           (!path.empty() && path == fs::weakly_canonical(second, none));
-}
-
 class ImportCommand : public Command {
   public:
     void add_options(Options& options) override {
-        options.file_argument("FILE", file_, "the composition file").required();
+        options.file_argument("FILE", files_, "composition files; - for the standard input").required();
         options.flag("--json", json_, "write the project as a JSON document instead of a tree")
             .group("Output");
-        options.option("--save", save_, "also write the JSON document to this file")
+        options
+            .option("--save", save_,
+                    "also write the JSON document to this file, or with - to standard output alone")
             .value_name("FILE")
             .group("Output");
         options.option("--log", log_, "write every call into the host to this file, one JSON object per line")
@@ -138,8 +132,42 @@ class ImportCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
+        check_usage();
+        if (save_ == "-") {
+            json_ = true;
+            save_.clear();
+        }
         const embedded::HostOptions options = host_options();
-        refuse_to_overwrite();
+        const FoundBundle bundle = find_bundle(bundle_);
+        ExitCode code = ExitCode::fine;
+        bool first = true;
+        for (const std::string& file : files_) {
+            if (!first && !json_) {
+                terminal.out << '\n';
+            }
+            first = false;
+            code = most_serious(code, import_one(file, options, bundle, terminal));
+        }
+        return code;
+    }
+
+  private:
+    void check_usage() const {
+        if (files_.size() > 1 && !(save_.empty() && log_.empty())) {
+            throw UsageError("--save and --log are for one FILE");
+        }
+        if (log_ == "-") {
+            throw UsageError("--log needs a file: standard output has the project");
+        }
+        if (names_standard_input_twice(files_)) {
+            throw UsageError("the standard input can be read only once");
+        }
+    }
+
+    ExitCode import_one(const std::string& file, const embedded::HostOptions& options,
+                        const FoundBundle& bundle, Terminal& terminal) const {
+        const SceneReading reading = read_scene(file);
+        refuse_to_overwrite(reading, bundle);
         // Finds files that cannot be written before the work, not after it.
         std::optional<OutputFile> log = opened(log_);
         std::optional<OutputFile> save = opened(save_);
@@ -150,13 +178,13 @@ class ImportCommand : public Command {
                 log->write("\n");
             });
         }
-        const ImportRun run = import_scene(host, options, find_bundle(bundle_), file_);
+        const ImportRun run = import_scene(host, options, bundle, reading);
         const std::optional<ByteEncoding> encoding = parse_byte_encoding(name_encoding_);
         const embedded::Project project =
             encoding ? with_decoded_names(host.project(), *encoding) : host.project();
         show(project, host.conformance(), run, terminal);
         if (save) {
-            save->write(import_document(project, host.conformance(), run).dump(2) + '\n');
+            save->write(json_text_of(import_document(project, host.conformance(), run)));
             save->close();
         }
         if (log) {
@@ -165,20 +193,27 @@ class ImportCommand : public Command {
         return run.code;
     }
 
-  private:
     static std::optional<OutputFile> opened(const std::string& path) {
         return path.empty() ? std::nullopt : std::optional<OutputFile>(std::in_place, path);
     }
 
-    // Creating an output empties the file that was there. That must never be the scene, which is read later.
-    void refuse_to_overwrite() const {
-        for (const std::string& output : {save_, log_}) {
-            if (!output.empty() && same_file(output, file_)) {
-                throw UsageError(file_ + " would be overwritten by the output");
-            }
+    void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle) const {
+        if (save_.empty() && log_.empty()) {
+            return;
         }
-        if (!save_.empty() && !log_.empty() && same_file(save_, log_)) {
-            throw UsageError("--save and --log both name " + save_);
+        FileRoles roles;
+        roles.reads(reading.input ? reading.full_path : reading.file);
+        if (bundle.error.empty()) {
+            roles.reads(os::text_of(bundle.path), "the plug-in");
+        }
+        for (const std::string& footage : footage_files(reading)) {
+            roles.reads(footage, "footage of " + reading.file);
+        }
+        for (const auto& [path, option] : {std::pair(save_, "--save"), std::pair(log_, "--log")}) {
+            const std::string refusal = path.empty() ? std::string() : roles.writes(path, option);
+            if (!refusal.empty()) {
+                throw UsageError(refusal);
+            }
         }
     }
 
@@ -203,7 +238,7 @@ class ImportCommand : public Command {
     void show(const embedded::Project& project, const embedded::ConformanceReport& findings,
               const ImportRun& run, Terminal& terminal) const {
         if (json_) {
-            terminal.out << import_document(project, findings, run).dump(2) << '\n';
+            terminal.out << json_text_of(import_document(project, findings, run));
         } else {
             show_tree(project, findings, run, terminal);
         }
@@ -225,13 +260,13 @@ class ImportCommand : public Command {
         if (!tree.empty()) {
             terminal.out << terminal.out_paint(Ink::bold, text::printable(run.file)) << ": "
                          << project_summary(project) << "\n\n"
-                         << tree;
+                         << fitted(terminal, tree);
         }
         const std::string report = host_report(project, findings, terminal.out_paint);
         terminal.out << (tree.empty() || report.empty() ? "" : "\n") << report;
     }
 
-    std::string file_;
+    std::vector<std::string> files_;
     bool json_ = false;
     std::string save_;
     std::string log_;

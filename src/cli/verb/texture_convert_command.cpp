@@ -3,14 +3,12 @@
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>
-#include <map>
 #include <memory>
 #include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
 #include <string>
-#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -18,6 +16,7 @@
 #include "cli/options.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/report/diagnostic_text.h"
+#include "cli/terminal/file_roles.h"
 #include "cli/terminal/ordered_jobs.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
@@ -143,6 +142,9 @@ class TextureConvertCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
+        if (output_.empty() && to_.empty() && complained_about_missing(terminal)) {
+            return ExitCode::cannot_read_or_write;
+        }
         const std::vector<std::string> outputs = output_names();
         if (!out_dir_.empty()) {
             fs::create_directories(os::native_path(out_dir_));
@@ -207,6 +209,19 @@ class TextureConvertCommand : public Command {
                          : std::max<std::size_t>(1, std::thread::hardware_concurrency());
     }
 
+    /// A file that does not exist is likelier to be mistyped than an option to be forgotten.
+    bool complained_about_missing(Terminal& terminal) const {
+        bool complained = false;
+        for (const std::string& input : inputs_) {
+            const os::FileState state = os::file_state(input);
+            if (state.kind == os::FileKind::missing) {
+                complain(terminal, input + ": " + state.error);
+                complained = true;
+            }
+        }
+        return complained;
+    }
+
     /// One name for each input. Throws UsageError for names that cannot be meant, before anything is read.
     [[nodiscard]] std::vector<std::string> output_names() const {
         if (output_.empty() == to_.empty()) {
@@ -219,22 +234,17 @@ class TextureConvertCommand : public Command {
             throw UsageError("--out-dir needs --to EXT");
         }
         std::vector<std::string> outputs;
-        std::map<std::string, std::string> input_of;  // of each output
+        FileRoles roles;
+        for (const std::string& input : inputs_) {
+            roles.reads(input);
+        }
         for (const std::string& input : inputs_) {
             const std::string output = output_.empty() ? name_for(input) : output_;
             if (!has_texture_extension(output) && !image::can_write(output)) {
                 throw UsageError("no image format has the extension of " + output);
             }
-            std::error_code none;
-            if (fs::equivalent(os::native_path(input), os::native_path(output), none)) {
-                throw UsageError(input + " would be overwritten by its own conversion");
-            }
-            const auto [known, added] =
-                input_of.emplace(os::text_of(os::path_of(output).lexically_normal()), input);
-            if (!added) {
-                std::string both = known->second;
-                throw UsageError(
-                    both.append(" and ").append(input).append(" would both become ").append(output));
+            if (const std::string refusal = roles.writes(output, input); !refusal.empty()) {
+                throw UsageError(refusal);
             }
             outputs.push_back(output);
         }

@@ -124,7 +124,7 @@ class TextureInfoCommand : public Command {
                 documents.push_back(info_json(info));
                 continue;
             }
-            terminal.out << info_text(info, terminal.out_paint) << std::flush;
+            terminal.out << fitted(terminal, info_text(info, terminal.out_paint)) << std::flush;
             for (const Diagnostic& diagnostic : info.diagnostics) {
                 terminal.err << texture_diagnostic_text(diagnostic, terminal.err_paint);
             }
