@@ -199,4 +199,31 @@ TEST(Progress, SilentUnlessItIsWatched) {
     EXPECT_EQ(err.str(), "[1/3] a\r\x1b[K[2/3] b\r\x1b[K");
 }
 
+TEST(Fitted, CutsLinesToTheTerminal) {
+    const struct {
+        const char* name;
+        std::size_t columns;
+        const char* text;
+        const char* expected;
+    } cases[] = {
+        {"shorter lines stay", 10, "one\ntwo\n", "one\ntwo\n"},
+        {"a line that just fits", 10, "0123456789\n", "0123456789\n"},
+        {"one letter too many", 10, "0123456789a", "0123456..."},
+        {"without a line break at the end", 10, "0123456789", "0123456789"},
+        {"colour takes no columns", 10, "\x1b[1m0123456789\x1b[0m", "\x1b[1m0123456789\x1b[0m"},
+        {"colour ends behind the dots", 10, "\x1b[1m0123456789a\x1b[0m", "\x1b[1m0123456...\x1b[0m"},
+        {"half an ideograph does not fit", 8, "01\xE5\xBD\xB1\xE7\x89\x87\xE5\xBD\xB1\xE7\x89\x87",
+         "01\xE5\xBD\xB1..."},
+        {"a sequence that does not end", 3, "\x1b[1", "\x1b[1"},
+        {"empty lines", 3, "\n\n", "\n\n"},
+    };
+    std::ostringstream out;
+    for (const auto& one : cases) {
+        const cli::Terminal terminal{out, out, cli::Paint(false), cli::Paint(false), false, one.columns};
+        EXPECT_EQ(cli::fitted(terminal, one.text), one.expected) << one.name;
+    }
+    const cli::Terminal pipe{out, out, cli::Paint(false), cli::Paint(false), false, {}};
+    EXPECT_EQ(cli::fitted(pipe, "0123456789a"), "0123456789a") << "only a terminal has a width";
+}
+
 }  // namespace
