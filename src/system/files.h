@@ -58,6 +58,16 @@ std::vector<std::string> regular_files_in(const std::string& folder);
 /// matches nothing. Only on Windows: elsewhere the shell has done this, and every name means itself.
 std::vector<std::string> matching_files(const std::string& path);
 
+/// One name in a folder.
+struct FolderEntry {
+    std::string name;
+    FileKind kind = FileKind::other;  ///< links followed; `missing` for a link that leads nowhere
+    bool is_link = false;
+};
+
+/// Everything in `folder` but "." and "..", in no particular order; empty if it cannot be read.
+std::vector<FolderEntry> entries_in(const std::string& folder);
+
 /// `path` as an absolute path, which hosts pass; `path` itself if that cannot be determined.
 std::string absolute_path(const std::string& path);
 
@@ -92,6 +102,10 @@ std::string link_target(const std::string& path, std::error_code& failure);
 /// Renames `from`, which create_file() or create_replacement() made, to `to` in one step, replacing an
 /// existing file and taking over its permissions.
 std::error_code replace_file(const std::string& from, const std::string& to);
+
+/// Gives the empty file at `to` the content of `from` in such a way that both share their blocks until one is
+/// changed. An error where the disk, or this system, has no such copies.
+std::error_code clone_file(const std::string& from, const std::string& to);
 
 /// The path under which the standard library's streams and file functions open that name.
 std::filesystem::path native_path(const std::string& path);

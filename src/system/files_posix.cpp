@@ -2,6 +2,11 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#if defined(__linux__)
+#include <linux/fs.h>
+#include <sys/ioctl.h>
+#endif
+
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
@@ -106,6 +111,22 @@ bool flushed(int descriptor) {
 
 }  // namespace
 
+std::error_code clone_file(const std::string& from, const std::string& to) {
+#if defined(__linux__)
+    const Descriptor source(from, O_RDONLY);
+    Descriptor target(to, O_WRONLY);
+    if (!source.is_open() || !target.is_open()) {
+        return last_error();
+    }
+    return ::ioctl(target.get(), FICLONE, source.get()) == 0 && target.close() ? std::error_code()
+                                                                               : last_error();
+#else
+    static_cast<void>(from);
+    static_cast<void>(to);
+    return std::make_error_code(std::errc::operation_not_supported);
+#endif
+}
+
 FileState file_state(const std::string& path) {
     FileState state;
     std::error_code failure;
@@ -124,12 +145,9 @@ FileState file_state(const std::string& path) {
 
 std::vector<std::string> regular_files_in(const std::string& folder) {
     std::vector<std::string> names;
-    std::error_code failure;
-    fs::directory_iterator entry(folder, failure);
-    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-        std::error_code not_readable;
-        if (entry->is_regular_file(not_readable)) {
-            names.push_back(entry->path().filename().string());
+    for (FolderEntry& entry : entries_in(folder)) {
+        if (entry.kind == FileKind::regular) {
+            names.push_back(std::move(entry.name));
         }
     }
     return names;
@@ -137,6 +155,22 @@ std::vector<std::string> regular_files_in(const std::string& folder) {
 
 std::vector<std::string> matching_files(const std::string& path) {
     return {path};
+}
+
+std::vector<FolderEntry> entries_in(const std::string& folder) {
+    std::vector<FolderEntry> entries;
+    std::error_code failure;
+    fs::directory_iterator entry(folder, failure);
+    for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
+        // Most systems tell the kind with the name; only links cost a look at their target.
+        std::error_code not_readable;
+        const fs::file_status status = entry->status(not_readable);
+        const bool missing = !fs::status_known(status) || status.type() == fs::file_type::not_found;
+        entries.push_back({entry->path().filename().string(),
+                           missing ? FileKind::missing : kind_of(status.type()),
+                           entry->is_symlink(not_readable)});
+    }
+    return entries;
 }
 
 std::string absolute_path(const std::string& path) {

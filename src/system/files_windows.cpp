@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstring>
 #include <memory>
+#include <optional>
 #include <string_view>
 #include <system_error>
 #include <utility>
@@ -106,6 +107,10 @@ std::string system_reason(unsigned long error) {
         .message();
 }
 
+std::error_code clone_file(const std::string& /*from*/, const std::string& /*to*/) {
+    return std::make_error_code(std::errc::operation_not_supported);
+}
+
 FileState file_state(const std::string& path) {
     FileState state;
     const std::wstring wide = wide_path(path);
@@ -127,25 +132,70 @@ FileState file_state(const std::string& path) {
     return state;
 }
 
+std::optional<FileNumber> file_number(const std::string& path) {
+    constexpr DWORD kEverybodyMay = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+    const HANDLE handle = CreateFileW(wide_path(path).c_str(), FILE_READ_ATTRIBUTES, kEverybodyMay, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return std::nullopt;
+    }
+    const std::unique_ptr<void, CloseFile> file(handle);
+    // File systems on servers may lack the longer number.
+    FileNumber found;
+    FILE_ID_INFO id{};
+    if (GetFileInformationByHandleEx(handle, FileIdInfo, &id, sizeof(id)) != 0) {
+        static_assert(sizeof(id.FileId) == sizeof(found.number));
+        found.device = id.VolumeSerialNumber;
+        std::memcpy(found.number.data(), &id.FileId, sizeof(id.FileId));
+        return found;
+    }
+    BY_HANDLE_FILE_INFORMATION about{};
+    if (GetFileInformationByHandle(handle, &about) == 0) {
+        return std::nullopt;
+    }
+    found.device = about.dwVolumeSerialNumber;
+    found.number[0] = std::uint64_t{about.nFileIndexHigh} << 32 | about.nFileIndexLow;
+    return found;
+}
+
 std::vector<std::string> regular_files_in(const std::string& folder) {
     std::vector<std::string> names;
+    for (FolderEntry& entry : entries_in(folder)) {
+        if (entry.kind == FileKind::regular) {
+            names.push_back(std::move(entry.name));
+        }
+    }
+    return names;
+}
+
+std::vector<FolderEntry> entries_in(const std::string& folder) {
+    std::vector<FolderEntry> entries;
     std::wstring pattern = wide_path(folder.empty() ? "." : folder);
     if (pattern.empty()) {
-        return names;
+        return entries;
     }
     pattern += pattern.back() == L'\\' ? L"*" : L"\\*";
     WIN32_FIND_DATAW found{};
     const HANDLE handle = FindFirstFileW(pattern.c_str(), &found);
     if (handle == INVALID_HANDLE_VALUE) {
-        return names;
+        return entries;
     }
     const std::unique_ptr<void, CloseSearch> search(handle);
     do {
-        if ((found.dwFileAttributes & (FILE_ATTRIBUTE_DIRECTORY | FILE_ATTRIBUTE_DEVICE)) == 0) {
-            names.push_back(utf8_text(static_cast<const wchar_t*>(found.cFileName)));
+        const std::wstring_view name(static_cast<const wchar_t*>(found.cFileName));
+        if (name == L"." || name == L"..") {
+            continue;
         }
+        FileKind kind = FileKind::regular;
+        if ((found.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0) {
+            kind = FileKind::folder;
+        } else if ((found.dwFileAttributes & FILE_ATTRIBUTE_DEVICE) != 0) {
+            kind = FileKind::device;
+        }
+        entries.push_back(
+            {utf8_text(name), kind, (found.dwFileAttributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0});
     } while (FindNextFileW(search.get(), &found) != 0);
-    return names;
+    return entries;
 }
 
 std::vector<std::string> matching_files(const std::string& path) {
