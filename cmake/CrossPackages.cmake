@@ -25,6 +25,7 @@ endfunction()
 if(VXR_TOOLS)
     vxr_header_package(CLI11 CLI11::CLI11 CLI)
     vxr_header_package(nlohmann_json nlohmann_json::nlohmann_json nlohmann)
+    vxr_header_package(tomlplusplus tomlplusplus::tomlplusplus toml++)
     # The package of pugixml has a library, which suits this system only. OpenImageIO's headers include a copy of it that
     # is compiled where it is included.
     vxr_header_package(pugixml pugixml::pugixml OpenImageIO)

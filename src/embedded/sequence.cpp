@@ -22,26 +22,6 @@ bool is_padded(std::string_view digits) {
     return digits.size() > 1 && digits.front() == '0';
 }
 
-/// A number belongs to a padding when it has exactly that many digits, or needs more.
-bool has_padding(std::string_view digits, std::size_t padding) {
-    return digits.size() == padding || (digits.size() > padding && !is_padded(digits));
-}
-
-/// The padding of the sequence that `digits` belongs to. A number without leading zeros may fill or outgrow
-/// the padding of others; the padded names in the folder decide.
-std::size_t padding_of(std::string_view digits, const std::vector<std::string>& all) {
-    if (is_padded(digits)) {
-        return digits.size();
-    }
-    std::size_t padding = 1;
-    for (const std::string& other : all) {
-        if (is_padded(other) && other.size() <= digits.size()) {
-            padding = std::max(padding, other.size());
-        }
-    }
-    return padding;
-}
-
 /// The numbers, as written, of all files in the folder with this prefix and suffix.
 std::vector<std::string> numbers_beside(const std::string& folder, const NumberedName& name) {
     std::vector<std::string> numbers;
@@ -60,6 +40,23 @@ std::vector<std::string> numbers_beside(const std::string& folder, const Numbere
 }
 
 }  // namespace
+
+bool has_padding(std::string_view digits, std::size_t padding) {
+    return digits.size() == padding || (digits.size() > padding && !is_padded(digits));
+}
+
+std::size_t padding_of(std::string_view digits, const std::vector<std::string>& all) {
+    if (is_padded(digits)) {
+        return digits.size();
+    }
+    std::size_t padding = 1;
+    for (const std::string& other : all) {
+        if (is_padded(other) && other.size() <= digits.size()) {
+            padding = std::max(padding, other.size());
+        }
+    }
+    return padding;
+}
 
 std::optional<NumberedName> split_number(std::string_view file_name) {
     const std::size_t dot = file_name.rfind('.');

@@ -2,9 +2,11 @@
 
 // Numbered image sequences: which files of a folder belong together.
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "embedded/project.h"
 
@@ -19,6 +21,13 @@ struct NumberedName {
 
 /// Nothing when the name has no number, or one of more than 18 digits.
 std::optional<NumberedName> split_number(std::string_view file_name);
+
+/// Whether digits belong to a sequence of this padding: they have exactly that many, or need more.
+bool has_padding(std::string_view digits, std::size_t padding);
+
+/// The padding of the sequence that `digits` belongs to. A number without leading zeros may fill or outgrow
+/// the padding of others; `all`, the digits of the names in the folder that differ in them only, decide.
+std::size_t padding_of(std::string_view digits, const std::vector<std::string>& all);
 
 /// The frames that `find_sequence` looks for.
 struct SequenceRequest {

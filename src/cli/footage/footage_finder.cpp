@@ -1,0 +1,503 @@
+#include "cli/footage/footage_finder.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <tuple>
+#include <utility>
+
+#include "embedded/sequence.h"
+#include "system/files.h"
+#include "text/ascii.h"
+
+namespace cli {
+
+namespace {
+
+using embedded::NumberedName;
+
+// Longer than any path of any system; a scene may hold one of 2 GiB.
+constexpr std::size_t kMostPathBytes = std::size_t{1} << 16U;
+// Folders on the way that have the name, in one of its writings.
+constexpr std::size_t kMostBranches = 64;
+
+constexpr std::array<const char*, 11> kRuleLabels{"as-written", "beside-scene", "kept",       "map",
+                                                  "tail",       "unicode-form", "mac-roman",  "windows-1252",
+                                                  "cut-name",   "letter-case",  "other-frame"};
+
+constexpr std::array<std::pair<const char*, Preference>, 3> kPreferences{
+    {{"newest", Preference::newest}, {"largest", Preference::largest}, {"first", Preference::first}}};
+
+enum LookedAt { kAsWritten, kBeside, kMapped, kSearched, kPlaces };
+
+std::vector<ReadName> read_names(const std::vector<std::string_view>& names) {
+    return {names.begin(), names.end()};
+}
+
+// The names of a path in a row with its beginning, for comparison with a prefix. A volume counts as a name,
+// because "Disk" and "Disk:" mean the same to a user.
+struct Beginning {
+    PathRoot root;
+    std::vector<ReadName> names;
+};
+
+Beginning beginning_of(std::string_view path) {
+    const StoredPath parts = split_path(path);
+    Beginning beginning{parts.root, {}};
+    if (!parts.root_name.empty()) {
+        beginning.names.emplace_back(parts.root_name);
+    }
+    for (const std::string_view name : parts.names) {
+        beginning.names.emplace_back(name);
+    }
+    if (beginning.root == PathRoot::volume) {
+        beginning.root = PathRoot::none;
+    }
+    return beginning;
+}
+
+// Unix tells letters apart by their case, and the systems with drives, servers and volumes do not.
+MatchLevel prefix_level(PathRoot root) {
+    return root == PathRoot::slash ? MatchLevel::text : MatchLevel::letter_case;
+}
+
+bool matches_prefix(const ReadName& one, const ReadName& other, MatchLevel level) {
+    const auto match = match_names(one, other, level);
+    return match && *match != NameMatch::cut_name;
+}
+
+bool begins_with(const Beginning& path, const Beginning& prefix) {
+    if (path.root != prefix.root || path.names.size() < prefix.names.size()) {
+        return false;
+    }
+    return std::equal(
+        prefix.names.begin(), prefix.names.end(), path.names.begin(),
+        [&](const ReadName& a, const ReadName& b) { return matches_prefix(a, b, prefix_level(path.root)); });
+}
+
+NameMatch looser(NameMatch one, NameMatch other) {
+    return level_of(one) < level_of(other) ? other : one;
+}
+
+bool is_padded(const std::string& digits) {
+    return digits.size() > 1 && digits.front() == '0';
+}
+
+// Whether two numbers can be frames of one sequence.
+bool fit(const std::string& one, const std::string& other) {
+    return one.size() == other.size() || (!is_padded(one) && !is_padded(other));
+}
+
+// How a file continues the sequence of a name; nothing if it does not.
+std::optional<NameMatch> match_frame(const NumberedName& wanted, const ReadName& file, MatchLevel level) {
+    const auto split = embedded::split_number(file.bytes());
+    if (!split || !fit(wanted.digits, split->digits)) {
+        return std::nullopt;
+    }
+    if (wanted.prefix == split->prefix && wanted.suffix == split->suffix) {
+        return NameMatch::exact;
+    }
+    if (level == MatchLevel::exact) {
+        return std::nullopt;
+    }
+    const auto match = match_names(ReadName(wanted.prefix + split->digits + wanted.suffix), file, level);
+    return match == NameMatch::cut_name ? std::nullopt : match;
+}
+
+FindingRule rule_of(LookedAt place, NameMatch match) {
+    switch (match) {
+        case NameMatch::unicode_form:
+            return FindingRule::unicode_form;
+        case NameMatch::mac_roman:
+            return FindingRule::mac_roman;
+        case NameMatch::windows_1252:
+            return FindingRule::windows_1252;
+        case NameMatch::cut_name:
+            return FindingRule::cut_name;
+        case NameMatch::letter_case:
+            return FindingRule::letter_case;
+        case NameMatch::exact:
+            break;
+    }
+    constexpr std::array<FindingRule, kPlaces> kExact{FindingRule::as_written, FindingRule::beside_scene,
+                                                      FindingRule::map, FindingRule::tail};
+    return kExact[place];
+}
+
+}  // namespace
+
+// A file that may be meant.
+struct FootageFinder::Match {
+    std::string folder;
+    std::string name;
+    NameMatch match;
+    std::size_t order;
+    LookedAt place;
+    // How much of the path speaks for it, more being better.
+    std::size_t tail = 0;
+    std::size_t exact_tail = 0;
+
+    [[nodiscard]] std::string path() const { return name.empty() ? folder : joined_path(folder, name); }
+};
+
+// What is looked for, taken apart.
+struct FootageFinder::Search {
+    explicit Search(const WantedFootage& footage)
+        : wanted(footage), path(split_path(footage.written)), names(read_names(path.names)) {
+        folder = os::text_of(os::path_of(footage.scene).parent_path());
+        const std::string_view last = last_name(footage.written);
+        beside.emplace_back(last);
+        if (footage.is_sequence && !path.names.empty()) {
+            numbered = embedded::split_number(path.names.back());
+        }
+    }
+
+    // How a file in the right folder answers the name.
+    [[nodiscard]] std::optional<NameMatch> match(const ReadName& name, const ReadName& file) const {
+        return other_frame ? match_frame(*numbered, file, level) : match_names(name, file, level);
+    }
+
+    const WantedFootage& wanted;
+    StoredPath path;
+    std::vector<ReadName> names;
+    std::string folder;            // of the scene
+    std::vector<ReadName> beside;  // the name beside the scene
+    std::optional<NumberedName> numbered;
+    MatchLevel level = MatchLevel::exact;
+    bool other_frame = false;
+};
+
+const char* label(FindingRule rule) {
+    return kRuleLabels[static_cast<std::size_t>(rule)];
+}
+
+const char* label(Finding::Outcome outcome) {
+    switch (outcome) {
+        case Finding::Outcome::found:
+            return "found";
+        case Finding::Outcome::ambiguous:
+            return "ambiguous";
+        case Finding::Outcome::missing:
+            break;
+    }
+    return "missing";
+}
+
+std::optional<Preference> parse_preference(std::string_view text) {
+    for (const auto& [name, preference] : kPreferences) {
+        if (text == name) {
+            return preference;
+        }
+    }
+    return std::nullopt;
+}
+
+const char* label(Preference preference) {
+    for (const auto& [name, known] : kPreferences) {
+        if (known == preference) {
+            return name;
+        }
+    }
+    return "";
+}
+
+FootageFinder::FootageFinder(FinderOptions options, Disk disk)
+    : disk_(std::move(disk)),
+      options_(std::move(options)),
+      listing_(disk_),
+      tree_(listing_, options_.search) {
+    for (PathMap& map : options_.maps) {
+        map.to = os::absolute_path(map.to);
+    }
+}
+
+std::optional<std::string> FootageFinder::found_exactly(const Search& search, FindingRule& rule) const {
+    const std::string& written = search.wanted.written;
+    // A path without a root opens in whatever folder a program happens to work in; that is no place.
+    if (search.path.root != PathRoot::none && disk_.opens(written)) {
+        rule = FindingRule::as_written;
+        return written;
+    }
+    const std::string beside = joined_path(search.folder, last_name(written));
+    if (!last_name(written).empty() && disk_.opens(beside)) {
+        rule = FindingRule::beside_scene;
+        return beside;
+    }
+    const auto kept = options_.kept.find(written);
+    if (kept != options_.kept.end() && disk_.opens(kept->second)) {
+        rule = FindingRule::kept;
+        return kept->second;
+    }
+    return std::nullopt;
+}
+
+// Files below `base` under `names`, whose folders may be written as differently as the level allows.
+void FootageFinder::add_below(const Search& search, const std::string& base,
+                              const std::vector<ReadName>& names, std::size_t order,
+                              std::vector<Match>& found) {
+    if (names.empty()) {
+        found.push_back({base, {}, NameMatch::exact, order, kMapped});
+        return;
+    }
+    std::vector<std::pair<std::string, NameMatch>> folders{{base, NameMatch::exact}};
+    for (std::size_t i = 0; i + 1 < names.size(); ++i) {
+        std::vector<std::pair<std::string, NameMatch>> next;
+        for (const auto& [folder, so_far] : folders) {
+            for (const FolderListing::Entry& entry : listing_.entries(folder)) {
+                if (entry.kind != os::FileKind::folder || next.size() == kMostBranches) {
+                    continue;
+                }
+                if (const auto match = match_names(names[i], entry.name, search.level)) {
+                    next.emplace_back(joined_path(folder, entry.name.bytes()), looser(so_far, *match));
+                }
+            }
+        }
+        folders = std::move(next);
+    }
+    for (const auto& [folder, so_far] : folders) {
+        for (const FolderListing::Entry& entry : listing_.entries(folder)) {
+            if (entry.kind != os::FileKind::regular) {
+                continue;
+            }
+            if (const auto match = search.match(names.back(), entry.name)) {
+                found.push_back({folder, entry.name.bytes(), looser(so_far, *match), order, kAsWritten});
+            }
+        }
+    }
+}
+
+// Behind the longest prefix that leads to something.
+void FootageFinder::add_mapped(const Search& search, std::vector<Match>& found) {
+    const Beginning path = beginning_of(search.wanted.written);
+    std::map<std::size_t, std::vector<std::size_t>, std::greater<>> by_length;
+    for (std::size_t i = 0; i < options_.maps.size(); ++i) {
+        const Beginning prefix = beginning_of(options_.maps[i].from);
+        if (begins_with(path, prefix)) {
+            by_length[prefix.names.size()].push_back(i);
+        }
+    }
+    for (const auto& [length, maps] : by_length) {
+        const std::vector<ReadName> rest(path.names.begin() + static_cast<std::ptrdiff_t>(length),
+                                         path.names.end());
+        for (const std::size_t map : maps) {
+            add_below(search, options_.maps[map].to, rest, map, found);
+        }
+        if (!found.empty()) {
+            return;
+        }
+    }
+}
+
+void FootageFinder::add_searched(const Search& search, std::vector<Match>& found) {
+    if (options_.search.empty() || search.names.empty()) {
+        return;
+    }
+    const ReadName& name = search.names.back();
+    const std::vector<SearchTree::FileId> files =
+        search.other_frame
+            ? tree_.numbered(ReadName(search.numbered->prefix), ReadName(search.numbered->suffix))
+            : tree_.named(name, search.level);
+    // The folders of a name may be in another form or encoding even where the name itself is not.
+    const MatchLevel folders = std::max(search.level, MatchLevel::text);
+    for (const SearchTree::FileId file : files) {
+        if (const auto match = search.match(name, tree_.name_of(file))) {
+            found.push_back({tree_.folder_of(file), tree_.name_of(file).bytes(), *match, tree_.order_of(file),
+                             kSearched, tree_.tail_length(file, search.names, folders),
+                             tree_.tail_length(file, search.names, MatchLevel::exact)});
+        }
+    }
+}
+
+std::vector<FootageFinder::Match> FootageFinder::matches(const Search& search, int place) {
+    std::vector<Match> found;
+    const auto native = native_root(search.path);
+    switch (place) {
+        case kAsWritten:
+            if (native && !search.names.empty()) {
+                add_below(search, *native, search.names, 0, found);
+            }
+            break;
+        case kBeside:
+            if (!search.beside.front().bytes().empty()) {
+                add_below(search, search.folder, search.beside, 0, found);
+            }
+            break;
+        case kMapped:
+            add_mapped(search, found);
+            break;
+        default:
+            add_searched(search, found);
+            break;
+    }
+    for (Match& match : found) {
+        match.place = static_cast<LookedAt>(place);
+    }
+    return found;
+}
+
+namespace {
+
+// Files of one sequence are one footage: the named one of them if it is there, else the first.
+template <class Match>
+void join_sequences(const std::string& wanted_digits, std::vector<Match>& matches) {
+    using Key = std::tuple<std::string, std::string, std::string>;
+    std::map<Key, std::vector<std::string>> digits_of;
+    std::vector<std::optional<NumberedName>> splits;
+    for (const Match& match : matches) {
+        splits.push_back(embedded::split_number(match.name));
+        if (const auto& split = splits.back()) {
+            digits_of[{match.folder, split->prefix, split->suffix}].push_back(split->digits);
+        }
+    }
+    const auto rank = [&](std::size_t i) {
+        const std::string& digits = splits[i]->digits;
+        return std::tuple(digits != wanted_digits, digits.size(), digits);
+    };
+    std::map<std::pair<Key, std::size_t>, std::size_t> first;
+    std::vector<Match> joined;
+    for (std::size_t i = 0; i < matches.size(); ++i) {
+        if (!splits[i]) {
+            joined.push_back(matches[i]);
+            continue;
+        }
+        const Key key{matches[i].folder, splits[i]->prefix, splits[i]->suffix};
+        const std::size_t padding = embedded::padding_of(splits[i]->digits, digits_of[key]);
+        const auto [place, is_new] = first.try_emplace({key, padding}, i);
+        if (!is_new && rank(i) < rank(place->second)) {
+            place->second = i;
+        }
+    }
+    for (const auto& [key, i] : first) {
+        joined.push_back(matches[i]);
+    }
+    matches = std::move(joined);
+}
+
+// Keeps those of the highest rank.
+template <class Match>
+void keep_best(std::vector<Match>& matches) {
+    const auto rank = [](const Match& match) {
+        return std::tuple(level_of(match.match), -static_cast<std::int64_t>(match.tail),
+                          -static_cast<std::int64_t>(match.exact_tail));
+    };
+    if (matches.empty()) {
+        return;
+    }
+    const auto best = std::min_element(matches.begin(), matches.end(),
+                                       [&](const Match& a, const Match& b) { return rank(a) < rank(b); });
+    const auto highest = rank(*best);
+    std::erase_if(matches, [&](const Match& match) { return rank(match) != highest; });
+}
+
+void sort_by_preference(Preference prefer, const Disk& disk, std::vector<FootageCandidate>& candidates,
+                        bool& decided) {
+    std::vector<std::pair<FileFacts, FootageCandidate>> known;
+    for (FootageCandidate& one : candidates) {
+        known.emplace_back(disk.facts(one.path), std::move(one));
+    }
+    const auto before = [prefer](const auto& a, const auto& b) {
+        switch (prefer) {
+            case Preference::newest:
+                return a.first.changed > b.first.changed;
+            case Preference::largest:
+                return a.first.size_bytes > b.first.size_bytes;
+            default:
+                return a.second.order < b.second.order;
+        }
+    };
+    std::stable_sort(known.begin(), known.end(), before);
+    // Equal ones stay undecided.
+    decided = before(known[0], known[1]);
+    candidates.clear();
+    for (auto& one : known) {
+        candidates.push_back(std::move(one.second));
+    }
+}
+
+}  // namespace
+
+Finding FootageFinder::decide(const Search& search, std::vector<Match> matches, bool other_frame) const {
+    keep_best(matches);
+    if (search.wanted.is_sequence) {
+        join_sequences(search.numbered ? search.numbered->digits : std::string(), matches);
+    }
+    std::erase_if(matches, [&](const Match& match) { return !disk_.opens(match.path()); });
+    Finding finding;
+    for (const Match& match : matches) {
+        const std::string path = match.path();
+        const bool known = std::any_of(
+            finding.candidates.begin(), finding.candidates.end(), [&](const FootageCandidate& one) {
+                return one.path == path || (!search.wanted.is_sequence && disk_.same_file(one.path, path));
+            });
+        if (!known) {
+            const FindingRule rule =
+                other_frame ? FindingRule::other_frame : rule_of(match.place, match.match);
+            finding.candidates.push_back({path, rule, match.order});
+        }
+    }
+    if (finding.candidates.empty()) {
+        return finding;
+    }
+    std::stable_sort(finding.candidates.begin(), finding.candidates.end(),
+                     [](const FootageCandidate& a, const FootageCandidate& b) {
+                         return std::tie(a.order, a.path) < std::tie(b.order, b.path);
+                     });
+    bool decided = finding.candidates.size() == 1;
+    if (!decided && options_.prefer != Preference::none) {
+        sort_by_preference(options_.prefer, disk_, finding.candidates, decided);
+    }
+    finding.outcome = decided ? Finding::Outcome::found : Finding::Outcome::ambiguous;
+    finding.rule = finding.candidates.front().rule;
+    if (decided) {
+        finding.path = finding.candidates.front().path;
+    }
+    if (finding.candidates.size() == 1) {
+        finding.candidates.clear();
+    }
+    return finding;
+}
+
+Finding FootageFinder::find_at(Search& search, MatchLevel level, bool other_frame) {
+    search.level = level;
+    search.other_frame = other_frame;
+    // The path itself has been tried, as it is.
+    const bool tried = level == MatchLevel::exact && !other_frame;
+    for (int place = tried ? kMapped : kAsWritten; place < kPlaces; ++place) {
+        Finding finding = decide(search, matches(search, place), other_frame);
+        if (finding.outcome != Finding::Outcome::missing) {
+            return finding;
+        }
+    }
+    return {};
+}
+
+Finding FootageFinder::find(const WantedFootage& wanted) {
+    if (wanted.written.empty() || wanted.written.size() > kMostPathBytes) {
+        return {};
+    }
+    Search search(wanted);
+    Finding finding;
+    if (auto path = found_exactly(search, finding.rule)) {
+        finding.outcome = Finding::Outcome::found;
+        finding.path = std::move(*path);
+        return finding;
+    }
+    for (const MatchLevel level :
+         {MatchLevel::exact, MatchLevel::text, MatchLevel::cut, MatchLevel::letter_case}) {
+        finding = find_at(search, level, false);
+        if (finding.outcome != Finding::Outcome::missing) {
+            return finding;
+        }
+    }
+    if (search.numbered) {
+        for (const MatchLevel level : {MatchLevel::exact, MatchLevel::text, MatchLevel::letter_case}) {
+            finding = find_at(search, level, true);
+            if (finding.outcome != Finding::Outcome::missing) {
+                return finding;
+            }
+        }
+    }
+    return {};
+}
+
+}  // namespace cli

@@ -1,0 +1,46 @@
+#include "cli/footage/sequence_files.h"
+
+#include <algorithm>
+#include <charconv>
+#include <optional>
+
+#include "embedded/sequence.h"
+#include "system/files.h"
+
+namespace cli {
+
+std::vector<SequenceFile> sequence_files(FolderListing& listing, const std::string& path) {
+    const std::filesystem::path file = os::path_of(path);
+    const std::string name = os::text_of(file.filename());
+    const std::optional<embedded::NumberedName> wanted = embedded::split_number(name);
+    if (!wanted) {
+        return {{name, 0}};
+    }
+    std::vector<SequenceFile> files;
+    std::vector<std::string> digits;
+    for (const FolderListing::Entry& entry : listing.entries(os::text_of(file.parent_path()))) {
+        if (entry.kind != os::FileKind::regular) {
+            continue;
+        }
+        const auto split = embedded::split_number(entry.name.bytes());
+        if (!split || split->prefix != wanted->prefix || split->suffix != wanted->suffix) {
+            continue;
+        }
+        SequenceFile one{entry.name.bytes(), 0};
+        std::from_chars(split->digits.data(), split->digits.data() + split->digits.size(), one.number);
+        files.push_back(one);
+        digits.push_back(split->digits);
+    }
+    const std::size_t padding = embedded::padding_of(wanted->digits, digits);
+    std::vector<SequenceFile> sequence;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (embedded::has_padding(digits[i], padding)) {
+            sequence.push_back(files[i]);
+        }
+    }
+    std::sort(sequence.begin(), sequence.end(),
+              [](const SequenceFile& a, const SequenceFile& b) { return a.number < b.number; });
+    return sequence;
+}
+
+}  // namespace cli

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "cli/footage/folder_listing.h"
+
+namespace cli {
+
+/// A file of a numbered sequence.
+struct SequenceFile {
+    std::string name;
+    std::int64_t number = 0;
+};
+
+/// Every file of the sequence that a host imports for the file at `path`, in the order of their numbers. That
+/// file alone if its name has no number.
+[[nodiscard]] std::vector<SequenceFile> sequence_files(FolderListing& listing, const std::string& path);
+
+}  // namespace cli
