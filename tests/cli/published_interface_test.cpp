@@ -66,14 +66,20 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "texture info", "texture check", "texture convert", "frame", "modules", "limits",
-      "doctor", "help", "completion", "-h, --help", "--version"}},
+     {"import", "check", "relink", "texture info", "texture check", "texture convert", "frame",
+      "modules", "limits", "doctor", "help", "completion", "-h, --help", "--version"}},
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "--alpha-preference VALUE",
       "--still-duration LENGTH", "--name-encoding ENCODING", "--without-suite NAME:VERSION",
       "--fail FUNCTION:N:CODE", "--refuse-layer N", "-h, --help"}},
-    {"check", {"FILE", "--strict", "--list-codes", "--json", "-q, --quiet", "-h, --help"}},
+    {"check",
+     {"FILE", "--strict", "--list-codes", "--json", "-q, --quiet",
+      "-h, --help"}},
+    {"relink",
+     {"SCENE", "--search DIR", "--map FROM=TO", "--prefer newest|largest|first", "--use JOB.toml",
+      "--interactive", "-o, --output FILE", "--out-dir DIR", "--dry-run", "--save-map JOB.toml", "--json",
+      "-h, --help"}},
     {"texture", {"info", "check", "convert", "-h, --help"}},
     {"texture info", {"FILE", "--json", "-h, --help"}},
     {"texture check", {"FILE", "--strict", "--json", "-q, --quiet", "-h, --help"}},
@@ -112,7 +118,8 @@ TEST(PublishedInterface, ExitCodes) {
     for (const PublishedVerb& published : kVerbs) {
         std::vector<std::string> arguments = words_of(published.verb);
         arguments.emplace_back("--help");
-        EXPECT_THAT(headings_of(vxr(arguments).out)["Exit codes"], ElementsAreArray({"0", "1", "2", "3"}))
+        EXPECT_THAT(headings_of(vxr(arguments).out)["Exit codes"],
+                    ElementsAreArray({"0", "1", "2", "3", "4"}))
             << published.verb;
     }
     const TemporaryFolder folder;
@@ -120,6 +127,11 @@ TEST(PublishedInterface, ExitCodes) {
     EXPECT_EQ(vxr({"check", folder.write("refused.aec", "VORTAN XR COMPOSITION\nFPS abc\n")}).exit_code, 1);
     EXPECT_EQ(vxr({"check"}).exit_code, 2);
     EXPECT_EQ(vxr({"check", folder.path("missing.aec")}).exit_code, 3);
+    const std::string missing =
+        folder.write("missing_footage.aec",
+                     "VORTAN XR COMPOSITION\nRESOLUTION 8 8 FROM 0 TO 9 RANGE 10 FPS 25\n"
+                     "COMPOSITION NRM \"c\" {\nFILE NRM STRAIGHT \"C:\\gone.tga\"\n}\n");
+    EXPECT_EQ(vxr({"relink", "--dry-run", missing}).exit_code, 4);
 }
 
 // Codes with their severity, as `--list-codes` lists them.

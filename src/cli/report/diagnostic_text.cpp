@@ -133,6 +133,7 @@ void print_codes(std::ostream& out, const std::vector<diagnostic::CodeInfo>& cod
 const char* verdict_label(ExitCode code) {
     switch (code) {
         case ExitCode::fine:
+        case ExitCode::footage_missing:
             return "ok";
         case ExitCode::refused:
             return "refused";
