@@ -312,6 +312,69 @@ TEST(RelinkVerb, AsksUntilItIsAnswered) {
     }
 }
 
+TEST(Finding, ImportShowsTheProjectAsIfRelinked) {
+    const JobFolder job;
+    job.image("new/plate.tga");
+    job.image("new/s.0001.tga");
+    job.image("new/s.0002.tga");
+    const std::string scene = job.scene("job/shot.aec",
+                                        "FILE NRM STRAIGHT \"C:\\plate.tga\"\n"
+                                        "FSEQ NRM STRAIGHT \"D:\\s.0001.tga\"\n");
+    const std::vector<std::string> command{"import", "--bundle", VXR_BUNDLE_PATH, "--json", scene};
+    const std::set<std::string> before = job.names_in("job");
+    const Ran ran = run(joined(command, {"--search", job.path("new")}));
+    EXPECT_EQ(ran.code, ExitCode::fine) << ran.err;
+    const json document = json::parse(ran.out);
+    EXPECT_EQ(document["footage"][0]["kind"], "file");
+    EXPECT_EQ(document["footage"][0]["path"], job.path("new/plate.tga"));
+    EXPECT_EQ(document["footage"][1]["name"], "s.[0001-0002].tga");
+    EXPECT_EQ(document["import"]["file"], scene);
+    EXPECT_EQ(document["import"]["notes"], json::array());
+    EXPECT_EQ(job.names_in("job"), before) << "nothing is written";
+
+    const Ran mapped = run(joined(command, {"--map", "C:=" + job.path("new")}));
+    EXPECT_EQ(json::parse(mapped.out)["footage"][1]["kind"], "placeholder");
+    EXPECT_NE(mapped.out.find("`vxr check " + scene + "`"), std::string::npos)
+        << "notes name the scene itself";
+}
+
+TEST(Finding, CheckIsSilentAboutFootageThatIsFound) {
+    const JobFolder job;
+    job.image("new/plate.tga");
+    job.image("new/s.0001.tga");
+    job.image("new/s.0003.tga");
+    job.image("a/logo.tga");
+    job.image("b/logo.tga");
+    const auto check = [&](const char* path, const std::vector<std::string>& where) {
+        const std::string scene = job.scene("shot.aec", std::string("FSEQ NRM STRAIGHT \"") + path + "\"\n");
+        return run(joined({"check", scene}, where)).err;
+    };
+    EXPECT_NE(check("C:\\s.0001.tga", {}).find("[footage-missing]"), std::string::npos);
+    const std::string found = check("C:\\s.0001.tga", {"--search", job.path("new")});
+    EXPECT_EQ(found.find("[footage-missing]"), std::string::npos) << found;
+    EXPECT_NE(found.find("[sequence-gap]"), std::string::npos) << "what was found is checked\n" << found;
+    const std::string several = check("C:\\logo.tga", {"--search", job.path("")});
+    EXPECT_NE(several.find("it may be \"" + job.path("a/logo.tga") + '"'), std::string::npos) << several;
+    EXPECT_NE(several.find("it may be \"" + job.path("b/logo.tga") + '"'), std::string::npos) << several;
+}
+
+TEST(Finding, FrameDrawsTheTextureWhereItIs) {
+    const JobFolder job;
+    job.folder().make_folder("a");
+    job.folder().make_folder("b");
+    std::filesystem::copy_file(VXR_EXAMPLES_DIR "/textures/flat_grey_alpha.txl", job.path("a/bark.txl"));
+    const std::vector<std::string> command{
+        "frame",    "--bundle",  VXR_BUNDLE_PATH, "Disk:old:bark.txl", "-o", job.path("frame.tga"),
+        "--search", job.path("")};
+    EXPECT_EQ(run(command).code, ExitCode::fine);
+    EXPECT_TRUE(std::filesystem::exists(job.path("frame.tga")));
+    std::filesystem::copy_file(job.path("a/bark.txl"), job.path("b/bark.txl"));
+    const Ran several = run(command);
+    EXPECT_EQ(several.code, ExitCode::footage_missing);
+    EXPECT_NE(several.err.find("Disk:old:bark.txl may be " + job.path("b/bark.txl")), std::string::npos)
+        << several.err;
+}
+
 TEST(JobFile, ReadsWhatItWrites) {
     cli::FinderOptions options;
     options.search = {"/mnt/\"new\"", "/mnt/\xFF"};

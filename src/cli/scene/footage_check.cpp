@@ -55,7 +55,20 @@ diagnostic::MissingFootage facts_of_missing(const SceneReading& reading, const S
             truncated_name(last_component(footage.file->path))};
 }
 
-void check_missing(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
+void add_candidates(const Finding& finding, Diagnostic& warning) {
+    constexpr std::size_t kShown = 8;
+    for (std::size_t i = 0; i < finding.candidates.size() && i < kShown; ++i) {
+        warning.effects.push_back("it may be \"" + shown_path(finding.candidates[i].path) + '"');
+    }
+    if (finding.candidates.size() > kShown) {
+        warning.effects.push_back("it may be one of " + std::to_string(finding.candidates.size() - kShown) +
+                                  " more files");
+    }
+}
+
+// Footage that the plug-in does not find and that `finding` did not find either.
+void check_missing(const SceneReading& reading, const SceneFootage& footage, const Finding& finding,
+                   WarningList& warnings) {
     Diagnostic& warning =
         warnings.add(ToolCode::footage_missing, footage.path_at,
                      "the footage \"" + shown_path(footage.written) + "\" does not exist", footage.within);
@@ -64,6 +77,9 @@ void check_missing(const SceneReading& reading, const SceneFootage& footage, War
     if (!text::is_utf8(footage.written)) {
         warning.effects.emplace_back(
             "the path is not UTF-8; it was also read as Windows-1252 and as Mac Roman");
+    }
+    if (finding.outcome == Finding::Outcome::ambiguous) {
+        add_candidates(finding, warning);
     }
     warning.effects.push_back(placeholder_text(reading, last_component(footage.file->path)));
     warning.missing_footage = facts_of_missing(reading, footage);
@@ -160,7 +176,8 @@ std::string path_on_disk(const std::string& path) {
     return path;
 }
 
-void check_entry(const SceneReading& reading, const SceneFootage& footage, WarningList& warnings) {
+void check_entry(const SceneReading& reading, const SceneFootage& footage, FootageFinder* finder,
+                 WarningList& warnings) {
     if (footage.file->path == nullptr) {
         warnings
             .add(ToolCode::footage_path_unread, footage.path_at, "no path could be read for this footage",
@@ -168,12 +185,20 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Warni
             .effects.push_back(placeholder_text(reading, ""));
         return;
     }
+    const bool is_sequence = footage.file->isSequence != 0;
+    std::string path = footage.file->path;
     if (is_missing(footage)) {
-        check_missing(reading, footage, warnings);
-        return;
+        const Finding finding =
+            finder == nullptr ? Finding() : finder->find({reading.full_path, footage.written, is_sequence});
+        if (finding.outcome != Finding::Outcome::found) {
+            check_missing(reading, footage, finding, warnings);
+            return;
+        }
+        path = finding.path;
+    } else {
+        path = path_on_disk(path);
     }
-    const std::string path = path_on_disk(footage.file->path);
-    if (footage.file->isSequence != 0) {
+    if (is_sequence) {
         check_sequence(footage, path, warnings);
     }
     check_readable(footage, path, warnings);
@@ -192,12 +217,12 @@ std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& read
     return missing;
 }
 
-void check_footage(const SceneReading& reading, WarningList& warnings) {
+void check_footage(const SceneReading& reading, FootageFinder* finder, WarningList& warnings) {
     const os::PathGuesses guesses(paths_in_other_encodings);
     for (const SceneFootage& footage : reading.facts.footage) {
         // The entry at which reading stopped has its error already.
         if (footage.top_level || !footage.problem) {
-            check_entry(reading, footage, warnings);
+            check_entry(reading, footage, finder, warnings);
         }
     }
 }

@@ -174,12 +174,12 @@ void check_lights(const SceneReading& reading, WarningList& warnings) {
     }
 }
 
-std::vector<Diagnostic> scene_warnings(const SceneReading& reading) {
+std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinder* finder) {
     WarningList warnings(reading);
     check_settings(reading, warnings);
     check_lights(reading, warnings);
     check_keys(reading, warnings);
-    check_footage(reading, warnings);
+    check_footage(reading, finder, warnings);
     return warnings.finish();
 }
 

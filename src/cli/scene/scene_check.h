@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/footage/footage_finder.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
 #include "cli/scene/warning_list.h"
@@ -11,8 +12,9 @@
 namespace cli {
 
 /// Everything in a composition file whose result may differ from what its author expects, in the order of the
-/// file. For a refused file, only what precedes the error. Opens the footage files.
-std::vector<Diagnostic> scene_warnings(const SceneReading& reading);
+/// file. For a refused file, only what precedes the error. Opens the footage files; what the plug-in does not
+/// find is looked for with `finder` unless that is null.
+std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinder* finder = nullptr);
 
 /// The footage that is in neither of its places, in the order of the file.
 std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& reading);
@@ -26,7 +28,7 @@ void check_lights(const SceneReading& reading, WarningList& warnings);
 /// Keyframes of cameras, lights and nulls.
 void check_keys(const SceneReading& reading, WarningList& warnings);
 /// Footage files and sequences.
-void check_footage(const SceneReading& reading, WarningList& warnings);
+void check_footage(const SceneReading& reading, FootageFinder* finder, WarningList& warnings);
 
 /// A name as the host truncates it: its first 31 bytes.
 std::string truncated_name(std::string_view name);

@@ -12,9 +12,9 @@
 namespace cli {
 namespace {
 
-FileCheck check_composition(const std::string& file) {
+FileCheck check_composition(const std::string& file, FootageFinder* finder) {
     const SceneReading reading = read_scene(file);
-    FileCheck check{reading.code, scene_warnings(reading)};
+    FileCheck check{reading.code, scene_warnings(reading, finder)};
     if (reading.error) {
         check.diagnostics.insert(check.diagnostics.begin(), *reading.error);
     }
@@ -28,7 +28,7 @@ std::vector<diagnostic::CodeInfo> composition_codes() {
     return codes;
 }
 
-constexpr FileKind kCompositionFiles{"composition files", check_composition, diagnostic_text,
+constexpr FileKind kCompositionFiles{"composition files", check_composition, diagnostic_text, true,
                                      composition_codes};
 
 }  // namespace
@@ -49,7 +49,9 @@ Verb check_verb() {
          {"vxr check --strict --quiet renders/*.aec",
           "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."},
          {"vxr check --json shot.aec | jq -r '.files[].diagnostics[].code'",
-          "The codes of everything that was found."}},
+          "The codes of everything that was found."},
+         {"vxr check --search /mnt/renders job/*.aec",
+          "What is wrong apart from footage that has only moved; `vxr relink` finds it in the same way."}},
         []() -> std::unique_ptr<Command> { return make_check_command(kCompositionFiles); }};
 }
 

@@ -3,8 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 
+#include "cli/footage/finding_options.h"
 #include "cli/options.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/standard_input.h"
@@ -57,6 +59,9 @@ class CheckCommand : public Command {
         } else {
             files.required();
         }
+        if (kind_.has_footage) {
+            add_finding_options(options, choices_, false);
+        }
         options.flag("--json", json_, "write one JSON document instead of one line per file").group("Output");
         options.flag("-q,--quiet", quiet_, "write nothing to standard error").group("Output");
     }
@@ -76,12 +81,16 @@ class CheckCommand : public Command {
         if (names_standard_input_twice(files_)) {
             throw UsageError("the standard input can be read only once");
         }
+        std::optional<FootageFinder> finder;
+        if (choices_.given()) {
+            finder.emplace(choices_.finder_options());
+        }
         Progress progress(terminal, quiet_ ? 0 : files_.size());
         Json documents = Json::array();
         ExitCode code = ExitCode::fine;
         for (const std::string& file : files_) {
             progress.step(text::printable(file));
-            const FileCheck check = check_file(file);
+            const FileCheck check = check_file(file, finder ? &*finder : nullptr);
             progress.clear();
             code = most_serious(code, check.code);
             if (json_) {
@@ -97,8 +106,8 @@ class CheckCommand : public Command {
     }
 
   private:
-    [[nodiscard]] FileCheck check_file(const std::string& file) const {
-        FileCheck check = kind_.check(file);
+    [[nodiscard]] FileCheck check_file(const std::string& file, FootageFinder* finder) const {
+        FileCheck check = kind_.check(file, finder);
         if (strict_ && check.code == ExitCode::fine && warnings_of(check) > 0) {
             check.code = ExitCode::refused;
         }
@@ -117,6 +126,7 @@ class CheckCommand : public Command {
 
     const FileKind& kind_;
     std::vector<std::string> files_;
+    FindingChoices choices_;
     bool strict_ = false;
     bool list_codes_ = false;
     bool json_ = false;

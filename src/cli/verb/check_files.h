@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/command.h"
+#include "cli/footage/footage_finder.h"
 #include "cli/report/diagnostic_text.h"
 
 namespace cli {
@@ -18,8 +19,10 @@ struct FileCheck {
 /// What a kind of file adds to the command that checks files.
 struct FileKind {
     const char* plural;                      ///< "composition files"
-    FileCheck (*check)(const std::string&);  ///< reads the file that the user named
+    /// Reads the file that the user named. The finder is null unless the user said where footage is.
+    FileCheck (*check)(const std::string&, FootageFinder* finder);
     std::string (*text)(const Diagnostic&, const Paint&);
+    bool has_footage = false;                                ///< the verb takes --search and --map
     std::vector<diagnostic::CodeInfo> (*codes)() = nullptr;  ///< for --list-codes; null without that option
 };
 

@@ -9,6 +9,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cli/footage/finding_options.h"
 #include "cli/options.h"
 #include "cli/project/frame_run.h"
 #include "cli/project/host_setup.h"
@@ -99,14 +100,20 @@ class FrameCommand : public Command {
             })
             .group("The frame");
         add_alpha_label_option(options, label_);
+        add_finding_options(options, choices_, false);
         add_bundle_option(options, bundle_);
         add_host_option(options, host_);
     }
 
     ExitCode run(Terminal& terminal) override {
         const FoundBundle bundle = find_bundle(bundle_);
+        std::string file = file_;
+        if (!find_texture(file, terminal)) {
+            return ExitCode::footage_missing;
+        }
         FileRoles roles;
         roles.reads(file_);
+        roles.reads(file);
         if (bundle.error.empty()) {
             roles.reads(os::text_of(bundle.path), "the plug-in");
         }
@@ -121,7 +128,7 @@ class FrameCommand : public Command {
         request.size = parse_frame_size(size_);
         request.resolution_divisor = resolution_divisor(resolution_);
         request.fill = static_cast<std::uint8_t>(fill_);
-        FrameRun frame = draw_file(host, bundle, file_, request);
+        FrameRun frame = draw_file(host, bundle, file, request);
         if (frame.frame.has_value()) {
             write(frame);
         }
@@ -138,6 +145,24 @@ class FrameCommand : public Command {
     }
 
   private:
+    // Changes `file` to where the texture is today, if it is not where it is named and is found; false if it
+    // may be one of several.
+    bool find_texture(std::string& file, Terminal& terminal) const {
+        if (!choices_.given() || os::file_state(file).kind != os::FileKind::missing) {
+            return true;
+        }
+        FootageFinder finder(choices_.finder_options());
+        // Beside the scene means in the present folder.
+        const Finding found = finder.find({os::absolute_path("scene"), file, false});
+        if (found.outcome == Finding::Outcome::found) {
+            file = found.path;
+        }
+        for (const FootageCandidate& candidate : found.candidates) {
+            complain(terminal, file_ + " may be " + candidate.path);
+        }
+        return found.outcome != Finding::Outcome::ambiguous;
+    }
+
     void write(FrameRun& frame) const {
         image::WriteOptions options;
         options.alpha.pixels = alpha_pixels(*parse_alpha_label(label_), *frame.frame);
@@ -164,6 +189,7 @@ class FrameCommand : public Command {
     std::string file_;
     std::string output_;
     std::string resolution_ = kResolutions[0].name;
+    FindingChoices choices_;
     std::string size_;
     std::string label_ = "premultiplied";
     std::string bundle_;

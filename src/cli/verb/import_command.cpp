@@ -5,6 +5,8 @@
 #include <utility>
 #include <vector>
 
+#include "cli/footage/finding_options.h"
+#include "cli/job/relinked_copy.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
 #include "cli/project/import_run.h"
@@ -82,6 +84,7 @@ class ImportCommand : public Command {
         options.option("--log", log_, "write every call into the host to this file, one JSON object per line")
             .value_name("FILE")
             .group("Output");
+        add_finding_options(options, choices_, false);
         add_bundle_option(options, bundle_);
         add_host_option(options, host_);
         options
@@ -166,7 +169,11 @@ class ImportCommand : public Command {
 
     ExitCode import_one(const std::string& file, const embedded::HostOptions& options,
                         const FoundBundle& bundle, Terminal& terminal) const {
-        const SceneReading reading = read_scene(file);
+        const SceneReading original = read_scene(file);
+        const std::optional<RelinkedCopy> copy = relinked_copy(original);
+        const SceneReading relinked = copy ? reading_of_copy(*copy, original) : SceneReading();
+        const SceneReading& reading = copy ? relinked : original;
+        refuse_to_overwrite(original, bundle);
         refuse_to_overwrite(reading, bundle);
         // Finds files that cannot be written before the work, not after it.
         std::optional<OutputFile> log = opened(log_);
@@ -191,6 +198,22 @@ class ImportCommand : public Command {
             log->close();
         }
         return run.code;
+    }
+
+    // What is imported in place of the file if its footage was found elsewhere.
+    [[nodiscard]] std::optional<RelinkedCopy> relinked_copy(const SceneReading& original) const {
+        if (!choices_.given()) {
+            return std::nullopt;
+        }
+        FootageFinder finder(choices_.finder_options());
+        return RelinkedCopy::make(original.input ? original.full_path : original.file, finder);
+    }
+
+    // The copy, under the name of the original.
+    static SceneReading reading_of_copy(const RelinkedCopy& copy, const SceneReading& original) {
+        SceneReading reading = read_scene(copy.path());
+        reading.file = original.file;
+        return reading;
     }
 
     static std::optional<OutputFile> opened(const std::string& path) {
@@ -270,6 +293,7 @@ class ImportCommand : public Command {
     bool json_ = false;
     std::string save_;
     std::string log_;
+    FindingChoices choices_;
     std::string bundle_;
     std::string host_ = kUsualHost;
     std::string preference_ = "none";

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "cli/footage/footage_finder.h"
+
+namespace cli {
+
+/// A scene whose paths lead to what was found, in a folder of its own among the system's temporary files. The
+/// destructor deletes both.
+class RelinkedCopy {
+  public:
+    /// Nothing if the scene is right as it is, or cannot be read; whoever reads it then says why. Throws
+    /// std::runtime_error if the copy cannot be made.
+    static std::optional<RelinkedCopy> make(const std::string& file, FootageFinder& finder);
+
+    RelinkedCopy(RelinkedCopy&& other) noexcept;
+    RelinkedCopy& operator=(RelinkedCopy&&) = delete;
+    RelinkedCopy(const RelinkedCopy&) = delete;
+    RelinkedCopy& operator=(const RelinkedCopy&) = delete;
+    ~RelinkedCopy();
+
+    [[nodiscard]] const std::string& path() const { return path_; }
+
+  private:
+    RelinkedCopy(std::string folder, std::string path) : folder_(std::move(folder)), path_(std::move(path)) {}
+
+    std::string folder_;  // empty once it was moved from
+    std::string path_;
+};
+
+}  // namespace cli
