@@ -66,7 +66,7 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "relink", "texture info", "texture check", "texture convert", "frame",
+     {"import", "check", "relink", "collect", "texture info", "texture check", "texture convert", "frame",
       "modules", "limits", "doctor", "help", "completion", "-h, --help", "--version"}},
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--search DIR", "--map FROM=TO", "--bundle PATH",
@@ -80,6 +80,9 @@ const PublishedVerb kVerbs[] = {
      {"SCENE", "--search DIR", "--map FROM=TO", "--prefer newest|largest|first", "--use JOB.toml",
       "--interactive", "-o, --output FILE", "--out-dir DIR", "--dry-run", "--save-map JOB.toml", "--json",
       "-h, --help"}},
+    {"collect",
+     {"SCENE", "-o, --output FOLDER|ZIP", "--trim", "--by copy|hardlink|reflink", "--dry-run", "--json",
+      "--search DIR", "--map FROM=TO", "--prefer newest|largest|first", "-h, --help"}},
     {"texture", {"info", "check", "convert", "-h, --help"}},
     {"texture info", {"FILE", "--json", "-h, --help"}},
     {"texture check", {"FILE", "--strict", "--json", "-q, --quiet", "-h, --help"}},
