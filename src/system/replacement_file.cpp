@@ -52,9 +52,11 @@ std::string temporary_name(std::string_view name, std::string_view suffix) {
     const std::string_view extension = has_extension ? name.substr(dot) : std::string_view();
     std::string_view stem = name.substr(0, name.size() - extension.size());
     // Shorter names have room for the two dots and the suffix in every file system. Characters are replaced
-    // by as many of one byte and one unit each, so the result is never longer than the name.
+    // by as many of one byte and one unit each, so the result is never longer than the name. A name of bytes
+    // that begin no character has none.
     constexpr std::size_t kShort_characters = 50;
-    if (characters_of(name) > kShort_characters) {
+    constexpr std::size_t kCharacter_bytes = 4;
+    if (characters_of(name) > kShort_characters || name.size() > kShort_characters * kCharacter_bytes) {
         stem = without_last(stem, suffix.size() + 2);
     }
     return std::string(".").append(stem).append(".").append(suffix).append(extension);

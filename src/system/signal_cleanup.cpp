@@ -147,9 +147,10 @@ std::vector<std::string> take_notices() {
 }
 
 RemovedOnSignal RemovedOnSignal::file(const std::string& path) {
-    const auto& native = native_path(path).native();
-    auto* const copy = new NativeChar[native.size() + 1];
-    std::copy_n(native.c_str(), native.size() + 1, copy);
+    const std::filesystem::path native = native_path(path);
+    const std::size_t length = native.native().size() + 1;
+    auto* const copy = new NativeChar[length];
+    std::copy_n(native.c_str(), length, copy);
     Slot* const slot = free_slot();
     slot->path = copy;
     return RemovedOnSignal(slot);

@@ -181,9 +181,7 @@ TEST(Signals, WhileAnOutputIsWrittenTheOldFileStays) {
     make_pipe(folder.path("pipe"));
     const std::string script =
         R"sh(exec 3<>pipe; "$0" import --save out.json --log pipe "$1" >/dev/null & )sh"
-        R"sh(for i in $(seq 1000); do [ "$(ls -A | wc -l)" -gt 2 ] && break;
-    sleep 0.01;
-    done; )"
+        R"sh(for i in $(seq 1000); do [ "$(ls -A | wc -l)" -gt 2 ] && break; sleep 0.01; done; )sh"
         R"sh(sleep 0.2; ls -A | wc -l; kill -TERM $!; wait $!; echo $?)sh";
     const ProcessResult run =
         run_process({"env", "-C", folder.folder().string(), "timeout", "60", "bash", "-c", script,

@@ -147,7 +147,7 @@ TEST(ReplacementFile, has_a_hidden_name_with_the_same_extension) {
         {".profile", "..profile.1234"},
         {"a.b.png", ".a.b.1234.png"},
         {"fifty-one-characters-of-a-name-that-goes-on-and.png",
-         ".fifty-one-characters-of-a-name-that-goes.1234.png"},
+         ".fifty-one-characters-of-a-name-that-goes-.1234.png"},
     };
     for (const auto& one : cases) {
         EXPECT_EQ(os::temporary_name(one.name, "1234"), one.expected);
