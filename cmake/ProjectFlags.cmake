@@ -119,6 +119,14 @@ function(vxr_library name)
     endif()
 endfunction()
 
+# vxr_checks_leaks(TARGET): sets up the leak checker in a program, if it is built with one.
+function(vxr_checks_leaks target)
+    if(VXR_SANITIZE)
+        target_sources(${target} PRIVATE "${PROJECT_SOURCE_DIR}/cmake/leak_check.cpp")
+        set_source_files_properties("${PROJECT_SOURCE_DIR}/cmake/leak_check.cpp" PROPERTIES SKIP_PRECOMPILE_HEADERS ON)
+    endif()
+endfunction()
+
 # vxr_test(NAME SOURCES ... [LINKS ...] [RUNS ...] [COST ...]): one GoogleTest program, run by ctest under its own name, or
 # with RUNS several times as NAME.RUN; the caller sets what differs. COST is the approximate running time in seconds
 # under the sanitizers, given for long tests: they start first, so that none runs alone at the end.
@@ -126,6 +134,7 @@ function(vxr_test name)
     cmake_parse_arguments(PARSE_ARGV 1 arg "" "COST" "SOURCES;LINKS;RUNS")
     vxr_joined_tests(${name} "${arg_SOURCES}" sources)
     add_executable(${name} ${sources})
+    vxr_checks_leaks(${name})
     target_link_libraries(${name} PRIVATE project_flags ${arg_LINKS} GTest::gmock GTest::gtest_main)
     target_include_directories(${name} PRIVATE "${PROJECT_SOURCE_DIR}/tests" "${CMAKE_CURRENT_SOURCE_DIR}")
     target_compile_definitions(${name} PRIVATE
