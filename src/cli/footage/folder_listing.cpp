@@ -24,10 +24,9 @@ bool are_one_file(const std::string& one, const std::string& other) {
 }  // namespace
 
 Disk real_disk() {
-    return {
-        os::entries_in,
-        [](const std::string& path) { return os::InputFile(os::open_exactly(path.c_str())) != nullptr; },
-        facts_of, are_one_file};
+    return {os::entries_in,
+            [](const std::string& path) { return os::InputFile(os::open_exactly(path.c_str())) != nullptr; },
+            facts_of, are_one_file};
 }
 
 const std::vector<FolderListing::Entry>& FolderListing::entries(const std::string& folder) {

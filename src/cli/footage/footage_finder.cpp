@@ -165,6 +165,7 @@ struct FootageFinder::Search {
     std::optional<NumberedName> numbered;
     MatchLevel level = MatchLevel::exact;
     bool other_frame = false;
+    std::size_t least_tail = 0;  // what a shorter tail leads to does not count
 };
 
 const char* label(FindingRule rule) {
@@ -300,10 +301,11 @@ void FootageFinder::add_searched(const Search& search, std::vector<Match>& found
     // The folders of a name may be in another form or encoding even where the name itself is not.
     const MatchLevel folders = std::max(search.level, MatchLevel::text);
     for (const SearchTree::FileId file : files) {
-        if (const auto match = search.match(name, tree_.name_of(file))) {
+        const auto match = search.match(name, tree_.name_of(file));
+        const std::size_t tail = match ? tree_.tail_length(file, search.names, folders) : 0;
+        if (match && tail >= search.least_tail) {
             found.push_back({tree_.folder_of(file), tree_.name_of(file).bytes(), *match, tree_.order_of(file),
-                             kSearched, tree_.tail_length(file, search.names, folders),
-                             tree_.tail_length(file, search.names, MatchLevel::exact)});
+                             kSearched, tail, tree_.tail_length(file, search.names, MatchLevel::exact)});
         }
     }
 }
@@ -448,6 +450,7 @@ Finding FootageFinder::decide(const Search& search, std::vector<Match> matches, 
     }
     finding.outcome = decided ? Finding::Outcome::found : Finding::Outcome::ambiguous;
     finding.rule = finding.candidates.front().rule;
+    finding.tail = matches.front().tail;
     if (decided) {
         finding.path = finding.candidates.front().path;
     }
@@ -471,6 +474,16 @@ Finding FootageFinder::find_at(Search& search, MatchLevel level, bool other_fram
     return {};
 }
 
+Finding FootageFinder::find_other_frame(Search& search) {
+    for (const MatchLevel level : {MatchLevel::exact, MatchLevel::text, MatchLevel::letter_case}) {
+        Finding finding = find_at(search, level, true);
+        if (finding.outcome != Finding::Outcome::missing) {
+            return finding;
+        }
+    }
+    return {};
+}
+
 Finding FootageFinder::find(const WantedFootage& wanted) {
     if (wanted.written.empty() || wanted.written.size() > kMostPathBytes) {
         return {};
@@ -486,18 +499,18 @@ Finding FootageFinder::find(const WantedFootage& wanted) {
          {MatchLevel::exact, MatchLevel::text, MatchLevel::cut, MatchLevel::letter_case}) {
         finding = find_at(search, level, false);
         if (finding.outcome != Finding::Outcome::missing) {
-            return finding;
+            break;
         }
     }
-    if (search.numbered) {
-        for (const MatchLevel level : {MatchLevel::exact, MatchLevel::text, MatchLevel::letter_case}) {
-            finding = find_at(search, level, true);
-            if (finding.outcome != Finding::Outcome::missing) {
-                return finding;
-            }
-        }
+    if (!search.numbered || finding.outcome == Finding::Outcome::found) {
+        return finding;
     }
-    return {};
+    // Several shots have a frame of this name, and the right folder has the sequence without it: another of
+    // its frames is no guess.
+    search.least_tail = finding.tail + 1;
+    const Finding other = find_other_frame(search);
+    return other.outcome == Finding::Outcome::found || finding.outcome == Finding::Outcome::missing ? other
+                                                                                                    : finding;
 }
 
 }  // namespace cli

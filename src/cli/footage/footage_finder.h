@@ -67,6 +67,7 @@ struct Finding {
     FindingRule rule = FindingRule::as_written;  ///< of the path, or of the first candidate
     std::string path;                            ///< a full path of this system, when found
     std::vector<FootageCandidate> candidates;    ///< when ambiguous, or decided by a preference: all
+    std::size_t tail = 0;  ///< how many names of the path's end lead there from a search folder
 };
 
 /// "found", "ambiguous", "missing"
@@ -108,6 +109,7 @@ class FootageFinder {
     void add_below(const Search& search, const std::string& base, const std::vector<ReadName>& names,
                    std::size_t order, std::vector<Match>& found);
     Finding find_at(Search& search, MatchLevel level, bool other_frame);
+    Finding find_other_frame(Search& search);
 
     Disk disk_;
     FinderOptions options_;
