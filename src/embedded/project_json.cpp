@@ -165,7 +165,9 @@ Json json_key(const Keyframe& key, StreamShape shape) {
     Json numbers = Json::array({key.time.value, key.time.scale});
     const Json value = json_components(key.value, shape);
     if (value.is_object()) {
-        numbers.insert(numbers.end(), value.begin(), value.end());
+        for (const Json& component : value) {
+            numbers.push_back(component);
+        }
     } else {
         numbers.push_back(value);
     }

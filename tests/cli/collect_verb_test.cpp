@@ -30,7 +30,8 @@ Names footage_of(const std::string& scene) {
     const Ran imported = run({"import", "--bundle", VXR_BUNDLE_PATH, "--json", scene});
     EXPECT_EQ(imported.code, ExitCode::fine) << imported.err;
     Names names;
-    for (const json& footage : json::parse(imported.out)["footage"]) {
+    const json document = json::parse(imported.out);
+    for (const json& footage : document.at("footage")) {
         names.insert((footage["kind"] == "placeholder" ? "MISSING " : "") +
                      footage["name"].get<std::string>());
     }
@@ -168,8 +169,9 @@ TEST(CollectVerb, GoesOnAndOverwritesNothing) {
     EXPECT_EQ(again.code, ExitCode::fine) << again.err;
     EXPECT_EQ(schema_faults("collect.json", again.out), "");
     std::set<std::pair<std::string, std::string>> arrivals;
-    for (const json& file : json::parse(again.out)["files"]) {
-        arrivals.insert({file["path"], file["arrival"]});
+    const json all_files = json::parse(again.out).at("files");
+    for (const json& file : all_files) {
+        arrivals.emplace(file["path"].get<std::string>(), file["arrival"].get<std::string>());
     }
     EXPECT_EQ(arrivals, (std::set<std::pair<std::string, std::string>>{
                             {"logo.tga", "copied"}, {"plate.tga", "there"}, {"shot.aec", "copied"}}));
@@ -256,7 +258,8 @@ TEST(CollectVerb, WritesAnArchive) {
                      job.path("job.ZIP"), job.path("out")});
     EXPECT_EQ(unpacked.out, "manifest.json pl\xC3\xA4tte.tga shot.aec\n") << unpacked.err;
     EXPECT_EQ(job.content("out/pl\xC3\xA4tte.tga"), job.content("a/pl\xC3\xA4tte.tga"));
-    for (const json& file : json::parse(job.content("out/manifest.json"))["files"]) {
+    const json all_files = json::parse(job.content("out/manifest.json")).at("files");
+    for (const json& file : all_files) {
         EXPECT_EQ(file["sha256"], sha256_by_coreutils(job.path("out/" + file["path"].get<std::string>())));
     }
     std::filesystem::remove_all(job.path("a"));

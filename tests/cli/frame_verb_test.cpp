@@ -46,7 +46,7 @@ TEST(ModulesVerb, ListsTheTextureModule) {
               "  creates      type 'TXL ', creator 'VXR1'\n"
               "  announces    at most 320 x 240 pixels\n");
     const json document = json::parse(vxr(folder, {"modules", "--json"}).out);
-    EXPECT_EQ(document.at("schema"), 2);
+    EXPECT_EQ(document.at("schema"), 1);
     EXPECT_EQ(document.at("modules").size(), 1U);
     EXPECT_EQ(document.at("modules").at(0).at("flags"), 33620045);
     EXPECT_EQ(document.at("modules").at(0).at("signature"), "TXL ");

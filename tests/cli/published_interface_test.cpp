@@ -90,8 +90,8 @@ const PublishedVerb kVerbs[] = {
      {"IN", "-o, --output FILE", "--to EXT", "--out-dir DIR", "--json", "--alpha N|all|none",
       "--convert-alpha", "--alpha-label LABEL", "-j, --jobs N", "-h, --help"}},
     {"frame",
-     {"FILE", "-o, --output IMAGE", "--json", "--resolution RESOLUTION:{full,half,third,quarter}",
-      "--size WIDTHxHEIGHT", "--fill BYTE", "--alpha-label LABEL", "--search DIR", "--map FROM=TO", "--bundle PATH",
+     {"FILE", "-o, --output IMAGE", "--json", "--resolution full|half|third|quarter", "--size WIDTHxHEIGHT",
+      "--fill BYTE", "--alpha-label LABEL", "--search DIR", "--map FROM=TO", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
     {"modules",
      {"--json", "--bundle PATH", "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
@@ -126,7 +126,8 @@ TEST(PublishedInterface, ExitCodes) {
             << published.verb;
     }
     const TemporaryFolder folder;
-    EXPECT_EQ(vxr({"check", kExamples + "/square/courtyard_020.aec"}).exit_code, 0);
+    const ProcessResult fine = vxr({"check", kExamples + "/square/courtyard_020.aec"});
+    EXPECT_EQ(fine.exit_code, 0) << fine.err;
     EXPECT_EQ(vxr({"check", folder.write("refused.aec", "VORTAN XR COMPOSITION\nFPS abc\n")}).exit_code, 1);
     EXPECT_EQ(vxr({"check"}).exit_code, 2);
     EXPECT_EQ(vxr({"check", folder.path("missing.aec")}).exit_code, 3);

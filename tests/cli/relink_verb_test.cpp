@@ -31,7 +31,8 @@ int placeholders_in(const std::string& scene) {
     const Ran imported = run({"import", "--bundle", VXR_BUNDLE_PATH, "--json", scene});
     EXPECT_EQ(imported.code, ExitCode::fine) << imported.err;
     int count = 0;
-    for (const json& footage : json::parse(imported.out)["footage"]) {
+    const json all_footage = json::parse(imported.out).at("footage");
+    for (const json& footage : all_footage) {
         count += footage["kind"] == "placeholder" ? 1 : 0;
     }
     return count;

@@ -50,7 +50,7 @@ Verb check_verb() {
           "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."},
          {"vxr check --json shot.aec | jq -r '.files[].diagnostics[].code'",
           "The codes of everything that was found."},
-         {"vxr check --search /mnt/renders job/*.aec",
+         {"vxr check --search renders job/*.aec",
           "What is wrong apart from footage that has only moved; `vxr relink` finds it in the same way."}},
         []() -> std::unique_ptr<Command> { return make_check_command(kCompositionFiles); }};
 }

@@ -168,7 +168,7 @@ Verb collect_verb() {
              "first.",
              "The exit code is 4 when footage was not found; the rest is collected."},
             {{"vxr collect shot.aec -o delivery", "Gathers shot.aec and its footage in the folder delivery."},
-             {"vxr collect job/*.aec -o job.zip --trim --search /mnt/renders",
+             {"vxr collect job/*.aec -o job.zip --trim --search renders",
               "An archive of a whole job with only the frames that are seen."},
              {"vxr collect shot.aec -o delivery --dry-run --json | jq '[.files[].bytes] | add'",
               "How many bytes would be collected."}},

@@ -78,7 +78,7 @@ class FrameCommand : public Command {
         options.flag("--json", json_, "write the host's project as a JSON document instead of text")
             .group("Output");
         options.option("--resolution", resolution_, "the resolution of the composition that the frame is for")
-            .value_name("RESOLUTION")
+            .value_name("full|half|third|quarter")
             .choices(resolution_names())
             .show_default()
             .group("The frame");

@@ -257,15 +257,16 @@ Verb relink_verb() {
          "Where two files are equally likely, none is taken: both are listed, and the path stays as it is. "
          "--prefer or --interactive decides.",
          "No scene is written onto a file that is read. The exit code is 4 when a path was not found."},
-        {{"vxr relink shot.aec --search /mnt/renders --dry-run",
-          "Shows what would be found below /mnt/renders, and by which rule."},
-         {"vxr relink job/*.aec --map 'Macintosh HD:Renders=/mnt/renders' --out-dir relinked",
+        {{"vxr relink shot.aec --search renders --dry-run",
+          "Shows what would be found below the folder renders, and by which rule."},
+         {"vxr relink job/*.aec --map 'Macintosh HD:Renders=renders' --out-dir relinked",
           "Writes all scenes of a job into the folder relinked."},
-         {"vxr relink job/*.aec --search /mnt --dry-run --save-map job.toml",
+         {"vxr relink job/*.aec --search renders --dry-run --save-map job.toml",
           "Keeps what was found in job.toml, to be read and corrected."},
          {"vxr relink job/*.aec --use job.toml --out-dir relinked",
           "Writes the scenes with what job.toml says."},
-         {"vxr relink shot.aec --search /mnt --dry-run --json | jq '.scenes[].paths[] | select(.outcome != "
+         {"vxr relink shot.aec --search renders --dry-run --json | jq '.scenes[].paths[] | select(.outcome "
+          "!= "
           "\"found\")'",
           "The paths that were not found, with all candidates."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<RelinkCommand>(); }};

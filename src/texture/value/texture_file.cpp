@@ -29,6 +29,10 @@ TextureReading read(const std::string& path, const TextureReadOptions& options) 
     const bool loaded = filter.LoadImage(path.c_str(), &sink);
     if (recorder.error().has_value()) {
         reading.error = recorder.error();
+        if (reading.error->code == TextureFault::cannot_open &&
+            os::file_state(path).kind == os::FileKind::missing) {
+            reading.error->reason = "the file does not exist";
+        }
     } else if (!loaded) {
         reading.error = error_of(path, TextureFault::short_transfer, "the file could not be read");
     } else {
