@@ -116,8 +116,8 @@ bool has_writer(const char* path) {
 }  // namespace
 
 const Functions& built_in_functions() {
-    static constexpr Functions kFunctions{Functions::kVersion, &probe_file, &read_file, &write_file,
-                                          &has_writer};
+    static constexpr Functions kFunctions{Functions::kVersion, &probe_file, &read_file,
+                                          &write_file,         &has_writer, &os::share_unfinished_files};
     return kFunctions;
 }
 

@@ -29,7 +29,7 @@ struct Functions {
                   void* reports);
     bool (*can_write)(const char* path);
     /// Called once, before all others: the files that this code writes are the program's to clean up.
-    void (*share)(os::UnfinishedFiles& of_program) = &os::share_unfinished_files;
+    void (*share)(os::UnfinishedFiles& of_program);
 };
 
 /// The functions of the module, which is loaded on the first call and never unloaded. Null when there is no

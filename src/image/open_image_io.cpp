@@ -44,6 +44,7 @@ constexpr Functions kFunctions{
             return false;
         }
     },
+    &os::share_unfinished_files,
 };
 
 }  // namespace

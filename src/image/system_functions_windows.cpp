@@ -57,6 +57,7 @@ const Functions& system_functions() {
         [](const char* path) {
             return container_by_extension(path) != nullptr || built_in_functions().can_write(path);
         },
+        &os::share_unfinished_files,
     };
     return kSystemFunctions;
 }

@@ -3,6 +3,6 @@
 #include "image/functions.h"
 
 __attribute__((visibility("default"))) const image::Functions* vxr_image_functions() {
-    static constexpr image::Functions kFunctions{1000, nullptr, nullptr, nullptr, nullptr};
+    static constexpr image::Functions kFunctions{1000, nullptr, nullptr, nullptr, nullptr, nullptr};
     return &kFunctions;
 }
