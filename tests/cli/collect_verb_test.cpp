@@ -208,6 +208,12 @@ TEST(CollectVerb, StaysOffFilesThatAreInTheWay) {
     EXPECT_EQ(collect({scene, "-o", job.path("two")}).code, ExitCode::refused);
     EXPECT_EQ(job.names_in("two"), Names{"plate.tga"});
 
+    job.write("three", "mine");
+    const Ran file = collect({scene, "-o", job.path("three")});
+    EXPECT_EQ(file.code, ExitCode::refused);
+    EXPECT_NE(file.err.find("three is not a folder; nothing is collected"), std::string::npos) << file.err;
+    EXPECT_EQ(job.content("three"), "mine");
+
     job.write("there.zip", "not a zip");
     EXPECT_EQ(collect({scene, "-o", job.path("there.zip")}).code, ExitCode::refused);
     EXPECT_EQ(job.content("there.zip"), "not a zip");

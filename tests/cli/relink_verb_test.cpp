@@ -274,6 +274,7 @@ TEST(RelinkVerb, UsageIsChecked) {
          {scene, "--search", job.path(""), job.path(""), "--dry-run"},
          "one each"},
         {"a map without a side", {scene, "--map", "C:=", "--dry-run"}, "is not FROM=TO"},
+        {"the standard input", {"-", "--dry-run"}, "the standard input has no name"},
         {"an unknown preference", {scene, "--prefer", "oldest", "--dry-run"}, "oldest"},
         {"no terminal", {scene, "--interactive", "--dry-run"}, "needs a terminal"},
     };

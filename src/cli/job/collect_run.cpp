@@ -331,6 +331,10 @@ CollectRun collect_into_folder(const std::vector<RelinkedScene>& scenes, const C
         compare_with_folder(one, true, folder, run);
         scene.entry = one.front();
     }
+    const os::FileKind kind = os::file_state(folder).kind;
+    if (kind != os::FileKind::missing && kind != os::FileKind::folder) {
+        fail(run, folder + " is not a folder; nothing is collected", ExitCode::refused);
+    }
     const std::string manifest = joined_path(folder, kManifestName);
     const Json earlier = earlier_files(manifest);
     if (earlier.is_null() && os::file_state(manifest).kind != os::FileKind::missing) {

@@ -16,6 +16,7 @@
 #include "cli/footage/sequence_files.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/output_file.h"
+#include "cli/terminal/standard_input.h"
 #include "embedded/json_values.h"
 #include "system/files.h"
 #include "text/printable.h"
@@ -118,6 +119,18 @@ fs::path common_folder(const std::vector<RelinkedScene>& scenes) {
 }
 
 }  // namespace
+
+std::string scene_argument_problem(const std::vector<std::string>& files) {
+    for (const std::string& file : files) {
+        if (is_standard_input(file)) {
+            return "SCENE is a file: the standard input has no name for the new scene";
+        }
+        if (os::file_state(file).kind == os::FileKind::folder) {
+            return file + " is a folder; folders to search follow --search, one each";
+        }
+    }
+    return {};
+}
 
 RelinkedScene seek_scene(const std::string& file, FootageFinder& finder, const ChooseCandidate& choose) {
     const SceneReading reading = read_scene(file);

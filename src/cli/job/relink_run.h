@@ -34,6 +34,10 @@ struct RelinkedScene {
 using ChooseCandidate =
     std::function<std::optional<std::size_t>(const RelinkedScene& scene, const SoughtFootage& footage)>;
 
+/// Why `files` cannot be scenes that are written again under their names: a folder, which follows a search
+/// folder by mistake, or the standard input. Empty if they can.
+[[nodiscard]] std::string scene_argument_problem(const std::vector<std::string>& files);
+
 /// Reads the scene and looks for its footage. `choose` may be empty.
 [[nodiscard]] RelinkedScene seek_scene(const std::string& file, FootageFinder& finder,
                                        const ChooseCandidate& choose);

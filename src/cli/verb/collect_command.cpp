@@ -13,7 +13,6 @@
 #include "cli/options.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
-#include "system/files.h"
 #include "text/ascii.h"
 #include "text/printable.h"
 
@@ -54,10 +53,8 @@ class CollectCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
-        for (const std::string& file : files_) {
-            if (os::file_state(file).kind == os::FileKind::folder) {
-                throw UsageError(file + " is a folder; folders to search follow --search, one each");
-            }
+        if (const std::string problem = scene_argument_problem(files_); !problem.empty()) {
+            throw UsageError(problem);
         }
         FootageFinder finder(choices_.finder_options());
         std::vector<RelinkedScene> scenes;

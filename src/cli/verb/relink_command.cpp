@@ -97,10 +97,8 @@ class RelinkCommand : public Command {
         if (interactive_ && !is_terminal(kStandardInput)) {
             throw UsageError("--interactive needs a terminal to ask on");
         }
-        for (const std::string& file : files_) {
-            if (os::file_state(file).kind == os::FileKind::folder) {
-                throw UsageError(file + " is a folder; folders to search follow --search, one each");
-            }
+        if (const std::string problem = scene_argument_problem(files_); !problem.empty()) {
+            throw UsageError(problem);
         }
     }
 
