@@ -9,12 +9,13 @@ namespace diagnostic {
 
 /// How much something matters to the person who is told about it.
 enum class Severity : std::uint8_t {
-    error,    ///< the file is refused, or the job cannot be done
-    warning,  ///< the job is done, and the result differs from what was asked for
+    error,    ///< the file is refused, or the job cannot be done or ends midway
+    loss,     ///< the job is done, and the picture or the motion differs from what the file says
+    warning,  ///< the job is done, and whether the result is the one wanted cannot be known here
     note,     ///< worth knowing; nothing is wrong
 };
 
-/// "error", "warning" or "note".
+/// "error", "loss", "warning" or "note".
 [[nodiscard]] const char* severity_name(Severity severity);
 
 /// What is fixed about one code, whatever the file. The name is an interface: scripts, tests and JSON rely on

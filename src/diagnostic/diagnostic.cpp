@@ -8,6 +8,8 @@ const char* severity_name(Severity severity) {
     switch (severity) {
         case Severity::error:
             return "error";
+        case Severity::loss:
+            return "loss";
         case Severity::warning:
             return "warning";
         case Severity::note:

@@ -70,6 +70,7 @@ TEST(Diagnostic, HasNoEffectWhereItsCodeHasNoRemedy) {
 
 TEST(SeverityName, IsTheWordOfTheJson) {
     EXPECT_STREQ(diagnostic::severity_name(Severity::error), "error");
+    EXPECT_STREQ(diagnostic::severity_name(Severity::loss), "loss");
     EXPECT_STREQ(diagnostic::severity_name(Severity::warning), "warning");
     EXPECT_STREQ(diagnostic::severity_name(Severity::note), "note");
 }
