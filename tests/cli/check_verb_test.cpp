@@ -35,8 +35,8 @@ struct Case {
 
 const Case kCases[] = {
     {"sound", {"sound.aec"}, 0, "sound.aec: ok\n"},
-    {"with a warning", {"warned.aec"}, 0, "warned.aec: ok, 1 warning\n"},
-    {"with a warning, strictly", {"--strict", "warned.aec"}, 1, "warned.aec: refused, 1 warning\n"},
+    {"with a loss", {"warned.aec"}, 0, "warned.aec: ok, 1 loss\n"},
+    {"with a loss, strictly", {"--strict", "warned.aec"}, 1, "warned.aec: refused, 1 loss\n"},
     {"sound, strictly", {"--strict", "sound.aec"}, 0, "sound.aec: ok\n"},
     {"refused", {"refused.aec"}, 1, "refused.aec: refused\n"},
     {"missing", {"missing.aec"}, 3, "missing.aec: unreadable\n"},
@@ -169,7 +169,7 @@ TEST(CheckVerb, ExamplesAreFine) {
                        kExamples + "/keyframes/orbit_030.aec"});
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_NE(
-        run.err.find("lantern_010.aec:21:21: warning: the footage "
+        run.err.find("lantern_010.aec:21:21: loss: the footage "
                      "\"Macintosh HD:Renders:lantern_010:dust0017.tif\" does not exist [footage-missing]\n"),
         std::string::npos)
         << run.err;

@@ -114,14 +114,15 @@ TEST(InternalError, IsAboutTheFileAndABugInThisProgram) {
               "      = this is a bug in this program; please report it together with the file\n");
 }
 
-TEST(ToolCodes, ErrorsComeBeforeWarnings) {
-    bool warnings = false;
-    for (const auto& [code, info] : cli::tool_code_table()) {
-        warnings = warnings || info.severity == diagnostic::Severity::warning;
-        EXPECT_EQ(info.severity == diagnostic::Severity::warning, warnings) << info.name;
-    }
-    EXPECT_EQ(code_info(cli::ToolCode::internal_error).severity, diagnostic::Severity::error);
-    EXPECT_EQ(code_info(cli::ToolCode::footage_missing).severity, diagnostic::Severity::warning);
+TEST(DiagnosticText, CountsAreInTheOrderOfTheirWeight) {
+    const Diagnostic error = diagnostic::make(TestCode::wrong, {"a"}, "r");
+    const Diagnostic warning = diagnostic::make(TestCode::odd, {"a"}, "r");
+    const Diagnostic loss = diagnostic::make(cli::ToolCode::footage_missing, {"a"}, "r");
+    const Diagnostic note = diagnostic::make(cli::ToolCode::shadow_kind_not_sent, {"a"}, "r");
+    EXPECT_EQ(cli::severity_counts({}), "");
+    EXPECT_EQ(cli::severity_counts({error}), "");
+    EXPECT_EQ(cli::severity_counts({note, warning, loss, warning}), ", 1 loss, 2 warnings, 1 note");
+    EXPECT_EQ(cli::severity_counts({loss, note, loss, note}), ", 2 losses, 2 notes");
 }
 
 TEST(ToolCodes, NamesAreLowerCaseWordsOrNumbersAndDistinct) {

@@ -375,8 +375,8 @@ TEST(ImportVerb, UnreadableFootageIsNamedWhenTheImportFails) {
         "shot.aec", kSettings + "COMPOSITION NRM \"Main\" {\nFILE NRM PREMUL \"X:notes.tif\"\n}\n");
     const ProcessResult run = import_file({scene});
     EXPECT_EQ(run.exit_code, 1);
-    EXPECT_NE(run.err.find(
-                  scene + ":4:17: warning: the footage \"X:notes.tif\" exists but is not a readable image: "),
+    EXPECT_NE(run.err.find(scene +
+                           ":4:17: error: the footage \"X:notes.tif\" exists but is not a readable image: "),
               std::string::npos)
         << run.err;
     EXPECT_NE(run.err.find("vxr: error: the import ended with host error "), std::string::npos) << run.err;

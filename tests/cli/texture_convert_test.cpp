@@ -319,7 +319,7 @@ TEST(TextureConvert, AnExrOfColourIsNotLinear) {
               0);
     const ProcessResult linear = convert(folder, {"linear.exr", "-o", "linear.txl"});
     EXPECT_EQ(linear.exit_code, 0);
-    EXPECT_NE(linear.err.find("linear.exr: warning: its colour is linear; a texture's is taken as sRGB, and "
+    EXPECT_NE(linear.err.find("linear.exr: loss: its colour is linear; a texture's is taken as sRGB, and "
                               "values are kept as they are [colour-not-converted]\n"),
               std::string::npos)
         << linear.err;
@@ -365,8 +365,8 @@ TEST(TextureConvert, NamesWhatHasNoRoom) {
     for (const char* const line :
          {"xyz.exr: warning: its channels do not say what they are: grey from \"Y\", alpha from \"X\", \"Z\" "
           "[channels-guessed]\n",
-          "xyz.exr: warning: a texture has no room for \"Copyright\" [metadata-left-out]\n",
-          "xyz.txl: warning: a texture calls every alpha channel Alpha; this drops the name \"X\" and 1 more "
+          "xyz.exr: note: a texture has no room for \"Copyright\" [metadata-left-out]\n",
+          "xyz.txl: note: a texture calls every alpha channel Alpha; this drops the name \"X\" and 1 more "
           "[names-left-out]\n"}) {
         EXPECT_NE(image.err.find(line), std::string::npos) << line << "in\n" << image.err;
     }
@@ -382,12 +382,12 @@ TEST(TextureConvert, NamesWhatHasNoRoom) {
         return run.err;
     };
     EXPECT_EQ(left_out("named.tif"),
-              "named.tif: warning: the file has no room for the alpha names \"mask\", \"glow\" "
+              "named.tif: note: the file has no room for the alpha names \"mask\", \"glow\" "
               "[names-left-out]\n");
     EXPECT_EQ(left_out("named.exr"),
-              "named.exr: warning: the file has no room for the alpha names \"mask\" [names-left-out]\n");
+              "named.exr: note: the file has no room for the alpha names \"mask\" [names-left-out]\n");
     EXPECT_EQ(left_out("copy.txl"),
-              "copy.txl: warning: a texture calls every alpha channel Alpha; this drops the name \"mask\" "
+              "copy.txl: note: a texture calls every alpha channel Alpha; this drops the name \"mask\" "
               "and 1 more [names-left-out]\n");
 }
 
@@ -398,7 +398,7 @@ TEST(TextureConvert, SaysBeforeItBeginsThatRowsAreMissing) {
     claim.height = 3000;
     folder.write("claim.txl", claim.bytes());
     const char* const warning =
-        "claim.txl@0x11: warning: the picture has 3000 rows, of which the file holds 2 [rows-missing]";
+        "claim.txl@0x11: loss: the picture has 3000 rows, of which the file holds 2 [rows-missing]";
     const ProcessResult run = convert(folder, {"claim.txl", "--to", "tga"});
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_EQ(run.err, warning + std::string("\n      = the missing rows are 0\n"));
@@ -453,7 +453,7 @@ TEST(TextureConvert, WarnsAboutWhatAnImageLoses) {
     const ProcessResult depth = convert(folder, {"deep.tif", "--to", "txl"});
     EXPECT_EQ(depth.exit_code, 0);
     EXPECT_EQ(depth.err,
-              "deep.tif: warning: its values are uint16; a texture has 8 bits per channel [depth-reduced]\n");
+              "deep.tif: loss: its values are uint16; a texture has 8 bits per channel [depth-reduced]\n");
     const ProcessResult images = convert(folder, {"two.tif", "--to", "txl"});
     EXPECT_EQ(images.exit_code, 0);
     EXPECT_EQ(images.err,

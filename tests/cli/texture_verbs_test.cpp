@@ -142,6 +142,7 @@ TEST(TextureCheck, FindsNothingWrongWithTheExamples) {
                  "../textured/grain.txl"});
     EXPECT_EQ(run.exit_code, 0);
     EXPECT_EQ(run.err.find("error:"), std::string::npos) << run.err;
+    EXPECT_EQ(run.err.find("loss:"), std::string::npos) << run.err;
     EXPECT_EQ(run.err.find("warning:"), std::string::npos) << run.err;
 }
 
@@ -160,7 +161,7 @@ struct Case {
 
 TEST(TextureCheck, SaysWhereAFileIsWrong) {
     const Case cases[] = {
-        {"sound", tiny_cut(1000), 0, "a.txl: ok\n", kTinyNote},
+        {"sound", tiny_cut(1000), 0, "a.txl: ok, 1 note\n", kTinyNote},
         {"empty", "", 1, "a.txl: refused\n", "a.txl: error: the file is empty [empty-file]\n"},
         {"other magic", tiny_with(0, "AVXX"), 1, "a.txl: refused\n",
          "a.txl: error: the file does not begin with the expected magic and ident [not-a-texture]\n"},
@@ -176,14 +177,14 @@ TEST(TextureCheck, SaysWhereAFileIsWrong) {
         {"five channels", tiny_with(0x48, std::string("\0\0\0\5", 4)), 1, "a.txl: refused\n",
          "a.txl@0x47: error: 5 channels in colour mode 2; mode 2 has 1 and mode 4 has 3 [unsupported]\n"
          "      in 502 > TaVx\n"},
-        {"unknown flag", tiny_with(0x4d, "\x09"), 0, "a.txl: ok, 1 warning\n",
-         "a.txl@0x4e: warning: row 0, channel 0: flag 9 is unknown; the previous row was kept "
+        {"unknown flag", tiny_with(0x4d, "\x09"), 0, "a.txl: ok, 1 loss, 1 note\n",
+         "a.txl@0x4e: loss: row 0, channel 0: flag 9 is unknown; the previous row was kept "
          "[row-repeated]\n"
          "      in 502 > TaVx\n"
          "      = this channel of the row repeats the previous row\n" +
              kTinyNote},
-        {"ends between two items", tiny_cut(0x61), 0, "a.txl: ok, 1 warning\n",
-         "a.txl@0x8: warning: the file ends before chunk 502 does [cut-off]\n"
+        {"ends between two items", tiny_cut(0x61), 0, "a.txl: ok, 1 loss\n",
+         "a.txl@0x8: loss: the file ends before chunk 502 does [cut-off]\n"
          "      in 502\n"
          "      = the missing chunks are unknown; the chunks that are there are used\n"},
     };
@@ -233,9 +234,10 @@ TEST(TextureCheck, WithSeveralFilesTheMostSeriousOutcomeIsTheExitCode) {
     const ProcessResult all =
         texture(here, "check", {"missing.txl", "cut.txl", "warned.txl", "sound.txl", "."});
     EXPECT_EQ(all.exit_code, 3);
-    EXPECT_EQ(all.out,
-              "missing.txl: unreadable\ncut.txl: refused\nwarned.txl: ok, 1 warning\nsound.txl: ok\n"
-              ".: unreadable\n");
+    EXPECT_EQ(
+        all.out,
+        "missing.txl: unreadable\ncut.txl: refused\nwarned.txl: ok, 1 loss, 1 note\nsound.txl: ok, 1 note\n"
+        ".: unreadable\n");
     EXPECT_EQ(texture(here, "check", {"cut.txl", "sound.txl"}).exit_code, 1);
     EXPECT_EQ(texture(here, "check", {"warned.txl", "sound.txl"}).exit_code, 0);
     EXPECT_EQ(texture(here, "check", {"--strict", "warned.txl", "sound.txl"}).exit_code, 1);

@@ -58,6 +58,20 @@ std::string source_text(const Diagnostic& diagnostic, const Paint& paint) {
            std::string(excerpt.caret, ' ') + paint(Ink::green, "^") + '\n';
 }
 
+Ink ink_of(Severity severity) {
+    switch (severity) {
+        case Severity::error:
+            return Ink::red;
+        case Severity::loss:
+            return Ink::yellow;
+        case Severity::warning:
+            return Ink::cyan;
+        case Severity::note:
+            break;
+    }
+    return Ink::plain;
+}
+
 // A longer line does not help anyone who reads the message.
 constexpr std::int64_t kLongestLine_bytes = 4096;
 
@@ -68,10 +82,9 @@ bool is_line_end(char c) {
 }  // namespace
 
 std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {
-    const bool error = diagnostic.severity() == Severity::error;
     std::string text =
         paint(Ink::bold, place_text(diagnostic.at) + ": ") +
-        paint(error ? Ink::red : Ink::yellow, std::string(severity_name(diagnostic.severity())) + ':') + ' ' +
+        paint(ink_of(diagnostic.severity()), std::string(severity_name(diagnostic.severity())) + ':') + ' ' +
         text::printable(diagnostic.reason) +
         paint(Ink::dim, std::string(" [") + diagnostic.code.name() + ']') + '\n' +
         source_text(diagnostic, paint);
@@ -121,6 +134,21 @@ std::string grouped(std::int64_t number) {
         end -= kGroup;
         text.insert(end, 1, ',');
     }
+    return text;
+}
+
+std::string severity_counts(const std::vector<Diagnostic>& diagnostics) {
+    std::string text;
+    const auto add = [&](Severity severity, const char* several) {
+        const auto count = std::count_if(diagnostics.begin(), diagnostics.end(),
+                                         [severity](const auto& one) { return one.severity() == severity; });
+        if (count > 0) {
+            text += ", " + grouped(count) + ' ' + (count == 1 ? severity_name(severity) : several);
+        }
+    };
+    add(Severity::loss, "losses");
+    add(Severity::warning, "warnings");
+    add(Severity::note, "notes");
     return text;
 }
 

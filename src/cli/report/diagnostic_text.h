@@ -38,6 +38,9 @@ void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);
 /// "1,048,576"
 [[nodiscard]] std::string grouped(std::int64_t number);
 
+/// ", 2 losses, 1 warning"; empty when there are only errors, or nothing.
+[[nodiscard]] std::string severity_counts(const std::vector<Diagnostic>& diagnostics);
+
 /// What became of a file: "ok", "refused" or "unreadable".
 [[nodiscard]] const char* verdict_label(ExitCode code);
 

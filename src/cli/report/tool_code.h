@@ -14,7 +14,7 @@ enum class ToolCode {
     cannot_read,
     not_importable,
     internal_error,
-    // Warnings.
+    // Losses, warnings and notes; and footage_unreadable, at which an import ends.
     footage_missing,
     footage_unreadable,
     footage_path_unread,

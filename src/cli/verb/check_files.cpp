@@ -21,20 +21,18 @@ using embedded::Json;
 
 constexpr int kCheckSchema = 1;
 
-std::size_t warnings_of(const FileCheck& check) {
-    return static_cast<std::size_t>(
-        std::count_if(check.diagnostics.begin(), check.diagnostics.end(),
-                      [](const Diagnostic& one) { return one.severity() == Severity::warning; }));
+/// Whether something in the file is at least as serious as `least`.
+bool has_any(const FileCheck& check, Severity least) {
+    return std::any_of(check.diagnostics.begin(), check.diagnostics.end(),
+                       [least](const Diagnostic& one) { return one.severity() <= least; });
 }
 
 std::string verdict_line(const std::string& file, const FileCheck& check, const Paint& paint) {
-    const std::size_t warnings = warnings_of(check);
-    const Ink ink = check.code != ExitCode::fine ? Ink::red : warnings > 0 ? Ink::yellow : Ink::green;
-    std::string line = text::printable(file) + ": " + paint(ink, verdict_label(check.code));
-    if (warnings > 0) {
-        line += ", " + std::to_string(warnings) + (warnings == 1 ? " warning" : " warnings");
-    }
-    return line + '\n';
+    const Ink ink = check.code != ExitCode::fine        ? Ink::red
+                    : has_any(check, Severity::warning) ? Ink::yellow
+                                                        : Ink::green;
+    return text::printable(file) + ": " + paint(ink, verdict_label(check.code)) +
+           severity_counts(check.diagnostics) + '\n';
 }
 
 Json check_json(const std::string& file, const FileCheck& check) {
@@ -108,7 +106,7 @@ class CheckCommand : public Command {
   private:
     [[nodiscard]] FileCheck check_file(const std::string& file, FootageFinder* finder) const {
         FileCheck check = kind_.check(file, finder);
-        if (strict_ && check.code == ExitCode::fine && warnings_of(check) > 0) {
+        if (check.code == ExitCode::fine && has_any(check, strict_ ? Severity::warning : Severity::error)) {
             check.code = ExitCode::refused;
         }
         return check;

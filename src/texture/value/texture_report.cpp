@@ -9,10 +9,10 @@ using diagnostic::Severity;
 
 constexpr auto kNotices = std::to_array<diagnostic::CodeRow<TextureNotice>>({
     {TextureNotice::row_cleared,
-     {"row-cleared", Severity::warning, "A channel of a row does not decode to the row's length.",
+     {"row-cleared", Severity::loss, "A channel of a row does not decode to the row's length.",
       "this channel of the row becomes 0"}},
     {TextureNotice::row_repeated,
-     {"row-repeated", Severity::warning, "A channel of a row has an unknown flag.",
+     {"row-repeated", Severity::loss, "A channel of a row has an unknown flag.",
       "this channel of the row repeats the previous row"}},
     {TextureNotice::chunk_skipped,
      {"chunk-skipped", Severity::warning, "The reader does not know this chunk.",
@@ -21,16 +21,16 @@ constexpr auto kNotices = std::to_array<diagnostic::CodeRow<TextureNotice>>({
      {"layer-without-alpha", Severity::warning, "The colour mode of a layer has no alpha.",
       "the layer's alpha channel becomes 0"}},
     {TextureNotice::outside_picture,
-     {"outside-picture", Severity::warning, "A row extends beyond the picture.",
+     {"outside-picture", Severity::loss, "A row extends beyond the picture.",
       "pixels outside the picture are dropped"}},
     {TextureNotice::second_header,
-     {"second-header", Severity::warning, "A texture header follows another.",
+     {"second-header", Severity::loss, "A texture header follows another.",
       "everything read before it is dropped"}},
     {TextureNotice::cut_off,
-     {"cut-off", Severity::warning, "The file ends between two items inside a chunk.",
+     {"cut-off", Severity::loss, "The file ends between two items inside a chunk.",
       "the missing chunks are unknown; the chunks that are there are used"}},
     {TextureNotice::rows_missing,
-     {"rows-missing", Severity::warning,
+     {"rows-missing", Severity::loss,
       "The picture, or one of its alpha channels, has more rows than the file.", "the missing rows are 0"}},
 });
 static_assert(diagnostic::in_order(kNotices, TextureNotice::rows_missing));
