@@ -45,12 +45,6 @@ std::string either_of(const std::vector<std::string>& values) {
     return text;
 }
 
-/// Nothing, or what to add to a message about a word that nothing is called.
-std::string meant(std::string_view word, const std::vector<std::string>& candidates) {
-    const std::string similar = text::most_similar(word, candidates);
-    return similar.empty() ? std::string() : "; did you mean \"" + similar + "\"?";
-}
-
 /// The verb or group of `app` that is called `word`; null if there is none.
 const CLI::App* find_verb(const CLI::App& app, const std::string& word) {
     for (const CLI::App* const verb : app.get_subcommands({})) {
@@ -111,7 +105,7 @@ class LineScan {
         for (const CLI::App* const verb : app_->get_subcommands({})) {
             names.push_back(verb->get_name());
         }
-        problem_ = "there is no verb \"" + path_ + word + '"' + meant(word, names);
+        problem_ = "there is no verb \"" + path_ + word + '"' + text::did_you_mean(word, names);
     }
 
     void scan_option(const std::string& word) {
@@ -172,7 +166,7 @@ class LineScan {
                 names.push_back("--" + known);
             }
         }
-        problem_ = "there is no option \"" + name + '"' + meant(name, names);
+        problem_ = "there is no option \"" + name + '"' + text::did_you_mean(name, names);
     }
 
     const CLI::App* app_;  ///< the program, or the group or verb that was named last
@@ -226,7 +220,7 @@ Option& Option::choices(const std::vector<std::string>& values) {
         if (std::find(values.begin(), values.end(), text) != values.end()) {
             return std::string();
         }
-        return '"' + text + "\" is not " + either_of(values) + meant(text, values);
+        return '"' + text + "\" is not " + either_of(values) + text::did_you_mean(text, values);
     });
 }
 

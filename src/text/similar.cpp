@@ -51,4 +51,9 @@ std::string most_similar(std::string_view word, const std::vector<std::string>& 
     return only_one ? *std::find_if(candidates.begin(), candidates.end(), begins) : std::string();
 }
 
+std::string did_you_mean(std::string_view word, const std::vector<std::string>& candidates) {
+    const std::string similar = most_similar(word, candidates);
+    return similar.empty() ? std::string() : "; did you mean \"" + similar + "\"?";
+}
+
 }  // namespace text

@@ -11,4 +11,8 @@ namespace text {
 /// with `word`. Empty when none is close: up to a third of the letters may differ.
 [[nodiscard]] std::string most_similar(std::string_view word, const std::vector<std::string>& candidates);
 
+/// The same as the end of a message about a word that nothing is called: "; did you mean "loss"?". Empty when
+/// none is close.
+[[nodiscard]] std::string did_you_mean(std::string_view word, const std::vector<std::string>& candidates);
+
 }  // namespace text
