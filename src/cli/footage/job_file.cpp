@@ -1,10 +1,12 @@
 #include "cli/footage/job_file.h"
 
 #include <toml++/toml.h>
+#include <algorithm>
 #include <sstream>
 #include <stdexcept>
 
 #include "text/printable.h"
+#include "text/similar.h"
 #include "text/utf8.h"
 
 namespace cli {
@@ -95,6 +97,48 @@ FinderOptions options_of(const toml::table& job) {
     return options;
 }
 
+std::int64_t line_of(const toml::source_region& region) {
+    return std::int64_t{region.begin.line};
+}
+
+// Throws unless `key` is one of `known`.
+void expect_key(const toml::key& key, const std::vector<std::string>& known) {
+    const std::string name(key.str());
+    if (std::find(known.begin(), known.end(), name) == known.end()) {
+        throw ProjectFileError{"nothing is called \"" + name + "\" here" + text::did_you_mean(name, known),
+                               line_of(key.source())};
+    }
+}
+
+std::vector<ProjectWord> words_of(const toml::node& node, const toml::key& key) {
+    std::vector<ProjectWord> words;
+    const auto add = [&](const toml::node& one) {
+        const auto word = one.value_exact<std::string>();
+        if (!word) {
+            throw ProjectFileError{std::string(key.str()) + " is neither a text nor a list of texts",
+                                   line_of(one.source())};
+        }
+        words.push_back({*word, line_of(one.source())});
+    };
+    if (const toml::array* const list = node.as_array()) {
+        for (const toml::node& one : *list) {
+            add(one);
+        }
+    } else {
+        add(node);
+    }
+    return words;
+}
+
+CheckChoices choices_of(const toml::table& table) {
+    CheckChoices choices;
+    for (const auto& [key, value] : table) {
+        expect_key(key, {"fail-on", "ignore"});
+        (key.str() == "ignore" ? choices.ignore : choices.fail_on) = words_of(value, key);
+    }
+    return choices;
+}
+
 }  // namespace
 
 std::string job_file_text(const FinderOptions& options) {
@@ -145,6 +189,25 @@ std::optional<FinderOptions> parse_job_file(std::string_view text, std::string& 
         problem = error.what();
     }
     return std::nullopt;
+}
+
+std::map<std::string, CheckChoices> parse_project_file(std::string_view text) {
+    std::map<std::string, CheckChoices> verbs;
+    try {
+        for (const toml::table file = toml::parse(text); const auto& [key, value] : file) {
+            expect_key(key, {"check", "texture-check"});
+            const toml::table* const table = value.as_table();
+            if (table == nullptr) {
+                throw ProjectFileError{std::string(key.str()) + " is not a table; write [" +
+                                           std::string(key.str()) + "] on a line of its own",
+                                       line_of(key.source())};
+            }
+            verbs[std::string(key.str())] = choices_of(*table);
+        }
+    } catch (const toml::parse_error& error) {
+        throw ProjectFileError{std::string(error.description()), line_of(error.source())};
+    }
+    return verbs;
 }
 
 }  // namespace cli

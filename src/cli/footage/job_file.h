@@ -1,14 +1,16 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/footage/footage_finder.h"
 
-// Where the footage of a job is, kept in a file for all its scenes. Only job_file.cpp knows the library that
-// reads and writes TOML.
+// The TOML files of a job: where the footage of all its scenes is, and what checks of them refuse and ignore.
+// Only job_file.cpp knows the library that reads and writes TOML.
 
 namespace cli {
 
@@ -20,5 +22,28 @@ inline constexpr std::uint64_t kMostJobFileBytes = std::uint64_t{64} << 20U;
 /// Reads such a text. Nothing if it is none; `problem` then says why, with line and column where they are
 /// known.
 [[nodiscard]] std::optional<FinderOptions> parse_job_file(std::string_view text, std::string& problem);
+
+/// A word of a project file and its line, from 1.
+struct ProjectWord {
+    std::string text;
+    std::int64_t line = 1;
+};
+
+/// What a project file says about one verb. Nothing where it says nothing.
+struct CheckChoices {
+    std::optional<std::vector<ProjectWord>> fail_on;
+    std::optional<std::vector<ProjectWord>> ignore;
+};
+
+/// What is wrong with a project file, and in which line.
+struct ProjectFileError {
+    std::string reason;
+    std::int64_t line = 1;
+};
+
+/// Reads the text of a project file: a table for each verb that has one, [check] or [texture-check], with
+/// the lists fail-on and ignore; a single text counts as a list of one. The result is by the name of the
+/// table. What the words mean is left to the verb. Throws ProjectFileError for anything else in the file.
+[[nodiscard]] std::map<std::string, CheckChoices> parse_project_file(std::string_view text);
 
 }  // namespace cli
