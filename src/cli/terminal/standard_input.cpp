@@ -1,6 +1,7 @@
 #include "cli/terminal/standard_input.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
@@ -42,6 +43,18 @@ bool is_standard_input(const std::string& path) {
 
 bool names_standard_input_twice(const std::vector<std::string>& paths) {
     return std::count_if(paths.begin(), paths.end(), is_standard_input) > 1;
+}
+
+std::optional<std::string> standard_input_text(std::uint64_t most_bytes) {
+    std::string text;
+    std::array<char, std::size_t{1} << 16U> part{};
+    while (const std::size_t count = std::fread(part.data(), 1, part.size(), stdin)) {
+        text.append(part.data(), count);
+        if (text.size() > most_bytes) {
+            return std::nullopt;
+        }
+    }
+    return std::ferror(stdin) == 0 ? std::optional(std::move(text)) : std::nullopt;
 }
 
 std::optional<StandardInputFile> StandardInputFile::read(std::uint64_t most_bytes, std::string& error) {

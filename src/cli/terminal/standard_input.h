@@ -16,6 +16,9 @@ namespace cli {
 /// Whether several of `paths` mean the standard input, which can be read only once.
 [[nodiscard]] bool names_standard_input_twice(const std::vector<std::string>& paths);
 
+/// Everything that the standard input holds; nothing if it cannot be read, or has more than `most_bytes`.
+[[nodiscard]] std::optional<std::string> standard_input_text(std::uint64_t most_bytes);
+
 /// The standard input as a file, because the plug-in reads files only. The file is a hidden one in the
 /// current folder, so that what is looked for beside it is found there; in the folder for temporary files if
 /// the current one cannot be written. The destructor deletes it.
