@@ -3,11 +3,13 @@
 
 FOLDER/job has the scenes, with the paths of Windows, of servers, of the Macintosh and of Unix in three encodings. FOLDER/disk
 has their pictures where they are today. FOLDER/expected.json says what has become of every path, which this script knows
-because it put it there: outcome, rule and file.
+because it put it there: outcome, rule and file. FOLDER/planted.json says how many places of each code a check of the job
+as it lies there must find.
 """
 
 import json
 import sys
+from collections import Counter
 import unicodedata
 from pathlib import Path
 
@@ -19,6 +21,8 @@ class Job:
     def __init__(self, folder):
         self.folder = folder
         self.expected = {}
+        # Of footage, only what lies beside its scene is found without a search.
+        self.planted = Counter()
         (folder / "job").mkdir(parents=True)
 
     def picture(self, *parts):
@@ -71,11 +75,23 @@ class Job:
         if i % 6 == 2:
             result = self.picture("job", f"note_{i:03}.tga")
             add("FILE", [*shot, f"note_{i:03}.tga"], "found", "beside-scene", result)
-        text = b"VORTAN XR COMPOSITION\nRESOLUTION 4 3\nFROM 0 TO 7 RANGE 8 FPS 25\nCOMPOSITION NRM \"Main\" {\n"
+        rate, aspect, lights = b"25", b"", b""
+        if i % 12 == 1:
+            rate = b"29.97"
+            self.planted["value-changed"] += 1
+        if i % 15 == 2:
+            aspect = b"ASPECT 1.0667\n"
+            self.planted["aspect-cut"] += 1
+        if i % 6 == 3:
+            lights = b'LIGHT "Key" { TYPE SPOT SHADOW SOFT KEY 0 0 0 0 0 0 0 }\n'
+            self.planted["shadow-kind-not-sent"] += 1
+        self.planted["footage-missing"] += sum(expected["rule"] != "beside-scene" for _, _, expected in entries)
+        text = b"VORTAN XR COMPOSITION\nRESOLUTION 4 3\n" + aspect
+        text += b"FROM 0 TO 7 RANGE 8 FPS " + rate + b"\nCOMPOSITION NRM \"Main\" {\n"
         for kind, path, _ in entries:
             text += kind.encode() + b' NRM STRAIGHT "' + path + b'"\n'
         name = f"scene_{i:03}.aec"
-        (self.folder / "job" / name).write_bytes(text + b"}\n")
+        (self.folder / "job" / name).write_bytes(text + b"}\n" + lights)
         self.expected[name] = [expected for _, _, expected in entries]
 
 
@@ -84,6 +100,7 @@ def main():
     job = Job(folder)
     for i in range(int(sys.argv[2]) if len(sys.argv) > 2 else 300):
         job.scene(i)
+    (folder / "planted.json").write_text(json.dumps(job.planted), encoding="utf-8")
     (folder / "expected.json").write_text(json.dumps(job.expected), encoding="utf-8")
 
 

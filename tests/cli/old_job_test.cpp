@@ -1,9 +1,11 @@
-// A whole job of old scenes, made by old_job.py: relinked, collected and imported.
+// A whole job of old scenes, made by old_job.py: checked, relinked, collected and imported.
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <filesystem>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -56,6 +58,35 @@ std::pair<std::size_t, std::size_t> footage_of(const std::string& scene) {
         missing += one["kind"] == "placeholder" ? 1U : 0U;
     }
     return {missing, footage.size()};
+}
+
+std::size_t lines_in(const std::string& text) {
+    return static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n'));
+}
+
+TEST(OldJob, IsCheckedInOneScreen) {
+    constexpr std::size_t kScreen = 50;  // lines
+    const JobFolder folder;
+    const ProcessResult made =
+        run_process({"python3", "-B", VXR_PROJECT_DIR "/tests/cli/old_job.py", folder.path("old"), "300"});
+    ASSERT_EQ(made.exit_code, 0) << made.err;
+    const Ran checked = run({"check", folder.path("old/job")});
+    EXPECT_EQ(checked.code, ExitCode::footage_missing);
+    EXPECT_LE(lines_in(checked.out) + lines_in(checked.err), kScreen) << checked.out << checked.err;
+    EXPECT_NE(checked.out.find("300 files: 300 incomplete\n"), std::string::npos) << checked.out;
+
+    const json planted = json::parse(folder.content("old/planted.json"));
+    ASSERT_EQ(planted.size(), 4U);
+    const json document = json::parse(run({"check", "--json", folder.path("old/job")}).out);
+    std::map<std::string, json> found;
+    for (const json& code : document["summary"]["codes"]) {
+        EXPECT_NE(code["severity"], "error") << code;
+        found[code["code"]] = code["count"];
+    }
+    for (const auto& [code, count] : planted.items()) {
+        EXPECT_EQ(found[code], count) << code;
+        EXPECT_NE(checked.out.find(code), std::string::npos) << code;
+    }
 }
 
 TEST(OldJob, IsFoundAgainToTheLastPathThatCanBeKnown) {

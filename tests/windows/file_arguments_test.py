@@ -32,7 +32,7 @@ class FileArguments(unittest.TestCase):
         (self.folder / "folder.aec" / "inner.aec").write_text(SCENE, encoding="utf-8")
 
     def checked(self, *patterns):
-        code, out, err = vxr(self.folder, "check", *patterns)
+        code, out, err = vxr(self.folder, "check", "--quiet", *patterns)
         self.assertEqual((code, err), (0, ""), patterns)
         self.assertTrue(all(line.endswith(": ok") for line in out.splitlines()), out)
         return [line.removesuffix(": ok") for line in out.splitlines()]

@@ -94,6 +94,10 @@ std::string files_roff() {
     const HelpEntry kEntries[] = {
         {{"*.aec"}, {}, "Composition files of VORTAN XR."},
         {{"*.txl"}, {}, "Textures of Texalon."},
+        {{".vxr.toml"},
+         {},
+         "What `vxr check` refuses and ignores in its folder and below it, unless a nearer one says something "
+         "else."},
         {{"VORTANXR_AE.so, VORTANXR_AE.aex, VORTANXR_AE.plugin"},
          {},
          "The plug-in: in lib/vortanxr below the folder in which this program is in bin, or beside this "

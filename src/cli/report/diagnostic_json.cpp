@@ -59,11 +59,15 @@ std::string codes_document(const std::vector<diagnostic::CodeInfo>& codes) {
     return document.dump(2) + '\n';
 }
 
-std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files) {
+std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files,
+                           const nlohmann::ordered_json* summary) {
     Json document;
     document["schema"] = schema;
     document["exit_code"] = static_cast<int>(code);
     document["files"] = files;
+    if (summary != nullptr) {
+        document["summary"] = *summary;
+    }
     return document.dump(2) + '\n';
 }
 

@@ -28,7 +28,8 @@ namespace cli {
 [[nodiscard]] std::string codes_document(const std::vector<diagnostic::CodeInfo>& codes);
 
 /// What every verb that takes several files prints with --json: {"schema","exit_code","files"}, one entry a
-/// file in the order in which they were given. Ends with a line break.
-[[nodiscard]] std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files);
+/// file in the order in which they were given, and "summary" unless that is null. Ends with a line break.
+[[nodiscard]] std::string files_document(int schema, ExitCode code, const nlohmann::ordered_json& files,
+                                         const nlohmann::ordered_json* summary = nullptr);
 
 }  // namespace cli

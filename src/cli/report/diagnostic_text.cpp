@@ -58,6 +58,15 @@ std::string source_text(const Diagnostic& diagnostic, const Paint& paint) {
            std::string(excerpt.caret, ' ') + paint(Ink::green, "^") + '\n';
 }
 
+// A longer line does not help anyone who reads the message.
+constexpr std::int64_t kLongestLine_bytes = 4096;
+
+bool is_line_end(char c) {
+    return c == '\n' || c == '\r';
+}
+
+}  // namespace
+
 Ink ink_of(Severity severity) {
     switch (severity) {
         case Severity::error:
@@ -71,15 +80,6 @@ Ink ink_of(Severity severity) {
     }
     return Ink::plain;
 }
-
-// A longer line does not help anyone who reads the message.
-constexpr std::int64_t kLongestLine_bytes = 4096;
-
-bool is_line_end(char c) {
-    return c == '\n' || c == '\r';
-}
-
-}  // namespace
 
 std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {
     std::string text =
@@ -161,8 +161,9 @@ void print_codes(std::ostream& out, const std::vector<diagnostic::CodeInfo>& cod
 const char* verdict_label(ExitCode code) {
     switch (code) {
         case ExitCode::fine:
-        case ExitCode::footage_missing:
             return "ok";
+        case ExitCode::footage_missing:
+            return "incomplete";
         case ExitCode::refused:
             return "refused";
         case ExitCode::usage:

@@ -25,6 +25,9 @@ using diagnostic::Severity;
 /// line break.
 [[nodiscard]] std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
 
+/// The colour of a severity's name.
+[[nodiscard]] Ink ink_of(Severity severity);
+
 /// Reads the line of `at` again from the text file at `path`, for diagnostic_text(). Does nothing when the
 /// place is unknown or more than 2048 bytes into its line.
 void add_source_line(Diagnostic& diagnostic, const std::string& path);
@@ -41,7 +44,7 @@ void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);
 /// ", 2 losses, 1 warning"; empty when there are only errors, or nothing.
 [[nodiscard]] std::string severity_counts(const std::vector<Diagnostic>& diagnostics);
 
-/// What became of a file: "ok", "refused" or "unreadable".
+/// What became of a file: "ok", "incomplete" where footage is missing, "refused" or "unreadable".
 [[nodiscard]] const char* verdict_label(ExitCode code);
 
 /// Appends the rows of a domain's table of codes to `codes`.

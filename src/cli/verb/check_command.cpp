@@ -28,8 +28,8 @@ std::vector<diagnostic::CodeInfo> composition_codes() {
     return codes;
 }
 
-constexpr FileKind kCompositionFiles{"composition files", check_composition, diagnostic_text, true,
-                                     composition_codes};
+constexpr FileKind kCompositionFiles{"composition files", ".aec", "check", check_composition, diagnostic_text,
+                                     composition_codes,   true};
 
 }  // namespace
 
@@ -40,14 +40,31 @@ Verb check_verb() {
         {"After Effects imports nothing from a composition file with a mistake in it, and shows no message. "
          "This verb reads the file with the plug-in's own readers and reports the first mistake: file, line, "
          "column, what was expected, what was found, and a code that scripts can rely on.",
-         "Warnings follow about everything that arrives differently from how it is written: missing or "
-         "unreadable footage, sequences with gaps, numbers and names that change, keys outside the range, "
-         "values that do not reach After Effects. Each file gets one line on standard output. With several "
-         "files the most serious outcome is the exit code: a file that cannot be read is more serious than "
-         "one that is refused."},
+         "Everything follows that arrives differently from how it is written. A loss changes the picture or "
+         "the "
+         "motion: missing footage, sequences with gaps, numbers that change, values that do not reach After "
+         "Effects. A warning may surprise, and only you can tell. A note is harmless.",
+         "Up to ten files are described one by one, with the first ten places of each code. A summary "
+         "follows, "
+         "which is all for more files: how often each code occurs, and in which files most. --verbose writes "
+         "every place, --quiet only one line for each file.",
+         "A file is refused (1) for an error or for what --fail-on names. One that is not, but lacks "
+         "footage, is "
+         "incomplete (4). With several files the most serious outcome counts: unreadable (3), refused, then "
+         "incomplete.",
+         "The nearest file .vxr.toml in the folder of a scene or above it may say the same as --fail-on and "
+         "--ignore for all scenes of a job: a line [check], then fail-on = [\"loss\"] and ignore = "
+         "[\"value-changed\"]. Either option replaces that line of the file."},
         {{"vxr check shot.aec", "Shows the first mistake in shot.aec, or what its import will change."},
          {"vxr check --strict --quiet renders/*.aec",
-          "For a script: one line per file, and exit code 1 if any of them has a mistake or a warning."},
+          "For a script: one line per file, and exit code 1 if any of them has a mistake, a loss or a "
+          "warning."},
+         {"vxr check --recursive renders",
+          "All composition files in the folder and below it. The result fits one screen."},
+         {"vxr check --fail-on footage-missing,value-changed --ignore name-cut shot.aec",
+          "Exit code 1 for exactly these two codes and for errors, and not a word about names."},
+         {"find renders -name '*.aec' -print0 | vxr check --null --files-from -",
+          "The files that another program names."},
          {"vxr check --json shot.aec | jq -r '.files[].diagnostics[].code'",
           "The codes of everything that was found."},
          {"vxr check --search renders job/*.aec",

@@ -13,21 +13,26 @@ namespace cli {
 /// What came out for one file.
 struct FileCheck {
     ExitCode code = ExitCode::fine;
-    std::vector<Diagnostic> diagnostics;  ///< the error first, if there is one; then the warnings
+    /// If the code is not `fine`, its error first; then everything else.
+    std::vector<Diagnostic> diagnostics;
 };
 
 /// What a kind of file adds to the command that checks files.
 struct FileKind {
-    const char* plural;                      ///< "composition files"
-    /// Reads the file that the user named. The finder is null unless the user said where footage is.
+    const char* plural;         ///< "composition files"
+    const char* extension;      ///< of what is looked for in folders: ".aec"
+    const char* project_table;  ///< of project files: "check"
+    /// Reads the file that the user named. The finder is null unless the user said where footage is; without
+    /// it, called on several threads at a time. The code is `fine` unless the file itself is refused or
+    /// unreadable.
     FileCheck (*check)(const std::string&, FootageFinder* finder);
     std::string (*text)(const Diagnostic&, const Paint&);
-    bool has_footage = false;                                ///< the verb takes --search and --map
-    std::vector<diagnostic::CodeInfo> (*codes)() = nullptr;  ///< for --list-codes; null without that option
+    std::vector<diagnostic::CodeInfo> (*codes)();
+    bool has_footage = false;  ///< the verb takes --search and --map
 };
 
-/// The command behind `vxr check` and `vxr texture check`: reads every file, prints what is wrong with it and
-/// a line with the verdict, and exits with the most serious outcome.
+/// The command behind `vxr check` and `vxr texture check`: reads every file, says what is wrong with it,
+/// counts it, and exits with the most serious outcome.
 [[nodiscard]] std::unique_ptr<Command> make_check_command(const FileKind& kind);
 
 }  // namespace cli
