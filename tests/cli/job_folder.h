@@ -15,21 +15,21 @@ class JobFolder {
     /// Writes a scene of 8 frames, from 0 to 7, whose root composition has these entries.
     std::string scene(const std::string& name, std::string_view entries,
                       std::string_view settings = {}) const {
-        return write(name, std::string("VORTAN XR COMPOSITION\nRESOLUTION 4 3\nFROM 0 TO 7 RANGE 8 FPS 25\n")
+        return write(name, std::string("VORTAN XR COMPOSITION\nRESOLUTION 4 4\nFROM 0 TO 7 RANGE 8 FPS 25\n")
                                .append(settings)
                                .append("COMPOSITION NRM \"Main\" {\n")
                                .append(entries)
                                .append("}\n"));
     }
 
-    /// Writes a Targa picture of 4 x 3 pixels; `shade` makes one differ from another.
+    /// Writes a Targa picture of 4 x 4 pixels, the size of its scenes; `shade` makes one differ from another.
     std::string image(const std::string& name, int shade = 0) const {
         std::string bytes(18, '\0');
         bytes[2] = 2;  // true colour, not compressed
         bytes[12] = 4;
-        bytes[14] = 3;
+        bytes[14] = 4;
         bytes[16] = 24;
-        bytes.append(4 * 3 * 3, static_cast<char>(shade));
+        bytes.append(4 * 4 * 3, static_cast<char>(shade));
         return write(name, bytes);
     }
 

@@ -14,7 +14,7 @@ import unicodedata
 from pathlib import Path
 
 ROOTS = [("C:\\Renders\\", "\\"), ("\\\\FARM\\renders\\", "\\"), ("Macintosh HD:Renders:", ":"), ("/net/renders/", "/")]
-PICTURE = bytes([0, 0, 2] + [0] * 9 + [4, 0, 3, 0, 24, 0]) + bytes(36)
+PICTURE = bytes([0, 0, 2] + [0] * 9 + [4, 0, 4, 0, 24, 0]) + bytes(48)
 
 
 class Job:
@@ -86,7 +86,7 @@ class Job:
             lights = b'LIGHT "Key" { TYPE SPOT SHADOW SOFT KEY 0 0 0 0 0 0 0 }\n'
             self.planted["shadow-kind-not-sent"] += 1
         self.planted["footage-missing"] += sum(expected["rule"] != "beside-scene" for _, _, expected in entries)
-        text = b"VORTAN XR COMPOSITION\nRESOLUTION 4 3\n" + aspect
+        text = b"VORTAN XR COMPOSITION\nRESOLUTION 4 4\n" + aspect
         text += b"FROM 0 TO 7 RANGE 8 FPS " + rate + b"\nCOMPOSITION NRM \"Main\" {\n"
         for kind, path, _ in entries:
             text += kind.encode() + b' NRM STRAIGHT "' + path + b'"\n'
