@@ -68,11 +68,23 @@ consteval ToolCodeTable tool_codes() {
          {"word-ignored", Severity::warning, "A word in a composition that begins no entry is skipped."}},
         {text_after_end,
          {"text-after-end", Severity::warning, "The file ends before its last word; the rest is not read."}},
+        {outside_host_range,
+         {"outside-host-range", Severity::loss,
+          "After Effects holds 4 to 30,000 pixels a side, at most 99 frames a second, and at most 3 hours.",
+          "write values that After Effects can hold, and divide what is longer or larger"}},
+        {name_equal_after_cut,
+         {"name-equal-after-cut", Severity::warning,
+          "Names that differ only after their first 31 bytes are equal in classic hosts.",
+          "make the names differ in their first 31 bytes if the project goes to a classic host"}},
+        {name_repeated,
+         {"name-repeated", Severity::note,
+          "Several compositions, or several cameras, lights and nulls, have one name in After Effects.",
+          "an expression or a script that asks for the name gets only one of them"}},
     }};
 }
 
 constexpr ToolCodeTable kToolCodes = tool_codes();
-static_assert(diagnostic::in_order(kToolCodes, ToolCode::text_after_end));
+static_assert(diagnostic::in_order(kToolCodes, ToolCode::name_repeated));
 
 }  // namespace
 

@@ -36,9 +36,12 @@ enum class ToolCode {
     layer_past_end,
     word_ignored,
     text_after_end,
+    outside_host_range,
+    name_equal_after_cut,
+    name_repeated,
 };
 
-using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 24>;
+using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 27>;
 
 /// Every code, in the order of the enumeration.
 [[nodiscard]] const ToolCodeTable& tool_code_table();

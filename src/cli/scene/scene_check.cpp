@@ -1,20 +1,16 @@
 #include "cli/scene/scene_check.h"
 
-#include <array>
 #include <cmath>
-#include <cstddef>
 #include <string>
 #include <string_view>
+#include <utility>
 
+#include "cli/scene/value_effect.h"
 #include "cli/scene/written_number.h"
 #include "composition/build/host_values.h"
-#include "host/byte_encoding.h"
-#include "text/utf8.h"
 
 namespace cli {
 namespace {
-
-constexpr std::size_t kNameBytes = 31;  // the longest name that a classic host keeps
 
 void check_changes(const SceneReading& reading, WarningList& warnings) {
     for (const SceneChange& change : reading.facts.changes) {
@@ -23,6 +19,10 @@ void check_changes(const SceneReading& reading, WarningList& warnings) {
                                                change.keyword + " is read as " + shortest_text(change.kept),
                                            change.within);
         warning.count = change.count;
+        std::string effect = change_effect(change, *reading.settings);
+        if (!effect.empty()) {
+            warning.effects.push_back(std::move(effect));
+        }
         if (change.count > 1) {
             warning.effects.push_back("in this block " + std::to_string(change.count) + " numbers after " +
                                       change.keyword + " are changed; this is the first");
@@ -44,10 +44,18 @@ void check_aspect(const SceneReading& reading, WarningList& warnings) {
     // The rounding error of single precision does not count.
     constexpr double kNoLoss = 1e-5;
     if (std::abs(double{reading.settings->aspect} * ratio.den - ratio.num) > kNoLoss * ratio.den) {
-        warnings.add(ToolCode::aspect_cut, value.at,
-                     "the pixel aspect " + value.text + " becomes " + std::to_string(ratio.num) + "/" +
-                         std::to_string(ratio.den),
-                     {});
+        Diagnostic& warning = warnings.add(ToolCode::aspect_cut, value.at,
+                                           "the pixel aspect " + value.text + " becomes " +
+                                               std::to_string(ratio.num) + "/" + std::to_string(ratio.den),
+                                           {});
+        const double written_px = reading.settings->width * double{reading.settings->aspect};
+        const double kept_px = static_cast<double>(reading.settings->width) * ratio.num / ratio.den;
+        if (written_px > 0) {
+            warning.effects.push_back("with square pixels the picture is shown " + measured_text(kept_px) +
+                                      " pixels wide instead of " + measured_text(written_px) + ", which is " +
+                                      measured_text((written_px - kept_px) / 2) +
+                                      " pixels less on each side");
+        }
     }
 }
 
@@ -81,30 +89,6 @@ void check_range(const SceneReading& reading, WarningList& warnings) {
                  {})
             .effects.push_back("the last " + std::to_string(end - settings.range) +
                                " frames of the layers are after the end of the composition");
-    }
-}
-
-std::string_view name_of(const SceneBlock& block) {
-    return block.kind == BlockKind::composition ? block.composition->name : block.object->name;
-}
-
-void check_names(const SceneReading& reading, WarningList& warnings) {
-    for (const auto* const list : {&reading.facts.compositions, &reading.facts.objects}) {
-        for (const SceneBlock& block : *list) {
-            const std::string_view name = name_of(block);
-            if (name.size() > kNameBytes) {
-                warnings.add(ToolCode::name_cut, block.name_at,
-                             "the name has " + std::to_string(name.size()) + " bytes; classic hosts keep \"" +
-                                 truncated_name(name) + '"',
-                             {});
-            }
-            if (!text::is_utf8(name)) {
-                warnings.add(ToolCode::name_not_utf8, block.name_at,
-                             "the name is not UTF-8; After Effects shows \"" +
-                                 utf8_from_name(name, ByteEncoding::windows_1252) + '"',
-                             {});
-            }
-        }
     }
 }
 
@@ -148,15 +132,10 @@ void check_light(const SceneBlock& block, const CLight& light, WarningList& warn
 
 }  // namespace
 
-std::string truncated_name(std::string_view name) {
-    return std::string(name.substr(0, kNameBytes));
-}
-
 void check_settings(const SceneReading& reading, WarningList& warnings) {
     check_changes(reading, warnings);
     check_aspect(reading, warnings);
     check_range(reading, warnings);
-    check_names(reading, warnings);
     for (const ScenePassed& passed : reading.facts.passed) {
         warnings.add(ToolCode::word_ignored, passed.at, "\"" + passed.text + "\" is skipped", passed.within);
     }
@@ -177,6 +156,8 @@ void check_lights(const SceneReading& reading, WarningList& warnings) {
 std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinder* finder) {
     WarningList warnings(reading);
     check_settings(reading, warnings);
+    check_host_range(reading, warnings);
+    check_names(reading, warnings);
     check_lights(reading, warnings);
     check_keys(reading, warnings);
     check_footage(reading, finder, warnings);

@@ -21,8 +21,12 @@ std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& read
 
 // The parts of scene_warnings(). Each adds to the list.
 
-/// Settings, names, skipped words, text after the end.
+/// Changed numbers, aspect and range, skipped words, text after the end.
 void check_settings(const SceneReading& reading, WarningList& warnings);
+/// Sizes, rates and lengths that After Effects does not hold.
+void check_host_range(const SceneReading& reading, WarningList& warnings);
+/// Names that are cut, read in another encoding, or equal in the host.
+void check_names(const SceneReading& reading, WarningList& warnings);
 /// Kinds of lights and shadows; cone angles.
 void check_lights(const SceneReading& reading, WarningList& warnings);
 /// Keyframes of cameras, lights and nulls.

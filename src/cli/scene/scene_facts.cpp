@@ -91,6 +91,8 @@ void SceneObserver::note_change(const ReadValue& value) {
     }
     facts_.changes.push_back({std::string(value.keyword),
                               {std::string(value.text), value.at},
+                              value.index,
+                              value.written,
                               value.kept,
                               1,
                               labels_of(blocks())});

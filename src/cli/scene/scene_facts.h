@@ -53,7 +53,9 @@ struct SceneKey {
 struct SceneChange {
     std::string keyword;
     SceneValue first;
-    double kept = 0;  ///< of the first
+    int index = 0;                  ///< of the first, among the numbers after its keyword; from 0
+    std::optional<double> written;  ///< what the first says, if all of it is one number
+    double kept = 0;                ///< of the first
     std::int64_t count = 0;
     std::vector<std::string> within;
 };

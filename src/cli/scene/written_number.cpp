@@ -25,4 +25,15 @@ std::string shortest_text(double value) {
     return {text.data(), result.ptr};
 }
 
+std::string measured_text(double value) {
+    constexpr int kDigits = 3;
+    // The largest double has 309 digits before its point.
+    std::array<char, 400> text{};
+    const bool whole = std::abs(value) >= 1000;
+    const auto result =
+        std::to_chars(text.data(), text.data() + text.size(), value,
+                      whole ? std::chars_format::fixed : std::chars_format::general, whole ? 0 : kDigits);
+    return {text.data(), result.ptr};
+}
+
 }  // namespace cli
