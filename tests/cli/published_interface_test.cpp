@@ -161,10 +161,11 @@ const PublishedCodes kCodes[] = {
      "unclosed-path empty-path unended-path-line path-without-folder expected-section cannot-read "
      "not-importable unsound-result footage-unreadable",
      "footage-missing footage-path-unread sequence-gap value-changed aspect-cut light-kind-changed "
-     "angle-not-sent field-of-view range-reversed outside-host-range",
+     "angle-not-sent field-of-view range-reversed outside-host-range hold-drifts path-bends aim-undefined "
+     "turn-too-far",
      "sequence-single-frame sequence-without-number name-not-utf8 key-outside-range key-repeated "
-     "layer-past-end word-ignored text-after-end name-equal-after-cut",
-     "name-cut shadow-kind-not-sent key-out-of-order name-repeated"},
+     "layer-past-end word-ignored text-after-end name-equal-after-cut roll-reverses",
+     "name-cut shadow-kind-not-sent key-out-of-order name-repeated keys-all-equal"},
     {"doctor",
      "cannot-read not-a-binary not-a-bundle damaged wrong-kind wrong-processor wrong-name no-properties "
      "properties-damaged properties-number property-missing property-wrong entry-missing entry-not-exported "

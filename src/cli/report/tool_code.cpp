@@ -80,11 +80,37 @@ consteval ToolCodeTable tool_codes() {
          {"name-repeated", Severity::note,
           "Several compositions, or several cameras, lights and nulls, have one name in After Effects.",
           "an expression or a script that asks for the name gets only one of them"}},
+        {keys_all_equal,
+         {"keys-all-equal", Severity::note, "All keys of an object are equal; one would do."}},
+        {hold_drifts,
+         {"hold-drifts", Severity::loss,
+          "Between equal keys with keys that differ around them, After Effects moves the object on a curve.",
+          "choose Linear as the spatial interpolation of these keys in After Effects, or export a key on "
+          "every frame"}},
+        {path_bends,
+         {"path-bends", Severity::loss,
+          "Between keys with frames between them, After Effects moves the object on a curve.",
+          "choose Linear as the spatial interpolation of these keys in After Effects, or export a key on "
+          "every frame"}},
+        {aim_undefined,
+         {"aim-undefined", Severity::loss,
+          "A camera that is aimed at its point of interest cannot look straight up or down or be upside "
+          "down.",
+          "turn the camera in After Effects by its orientation, without a point of interest"}},
+        {turn_too_far,
+         {"turn-too-far", Severity::loss,
+          "Between two keys, a camera or light turns by half a turn or more; After Effects goes another "
+          "way.",
+          "export a key on every frame"}},
+        {roll_reverses,
+         {"roll-reverses", Severity::warning,
+          "The roll of a camera changes its direction at a key, with frames beside it that have none.",
+          "export a key on every frame"}},
     }};
 }
 
 constexpr ToolCodeTable kToolCodes = tool_codes();
-static_assert(diagnostic::in_order(kToolCodes, ToolCode::name_repeated));
+static_assert(diagnostic::in_order(kToolCodes, ToolCode::roll_reverses));
 
 }  // namespace
 

@@ -39,9 +39,15 @@ enum class ToolCode {
     outside_host_range,
     name_equal_after_cut,
     name_repeated,
+    keys_all_equal,
+    hold_drifts,
+    path_bends,
+    aim_undefined,
+    turn_too_far,
+    roll_reverses,
 };
 
-using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 27>;
+using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 33>;
 
 /// Every code, in the order of the enumeration.
 [[nodiscard]] const ToolCodeTable& tool_code_table();

@@ -1,47 +1,16 @@
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
 #include <set>
 #include <string>
 
+#include "cli/report/diagnostic_text.h"
+#include "cli/scene/key_track.h"
+#include "cli/scene/motion_check.h"
 #include "cli/scene/scene_check.h"
 
 namespace cli {
 namespace {
-
-// The keys of one object that have the same fault.
-struct Offenders {
-    const SceneKey* first = nullptr;
-    std::string frames;  ///< "9, 12, 15 and 3 more"
-    std::int64_t count = 0;
-
-    void add(const SceneKey& key, A_long frame) {
-        constexpr std::int64_t kShown = 8;
-        if (++count == 1) {
-            first = &key;
-        }
-        if (count <= kShown) {
-            frames += (count == 1 ? "" : ", ") + std::to_string(frame);
-        }
-        shown = std::min(count, kShown);
-    }
-    [[nodiscard]] std::string list() const {
-        return (count == 1 ? "frame " : "frames ") + frames +
-               (count > shown ? " and " + std::to_string(count - shown) + " more" : "");
-    }
-
-  private:
-    std::int64_t shown = 0;
-};
-
-void report(WarningList& warnings, ToolCode code, const Offenders& keys, const std::string& reason,
-            const std::string& effect, const SceneBlock& object) {
-    if (keys.count > 0) {
-        Diagnostic& warning =
-            warnings.add(code, keys.first->at(), reason + ": " + keys.list(), object.within);
-        warning.effects.push_back(effect);
-        warning.count = keys.count;
-    }
-}
 
 A_long frame_of(const SceneBlock& object, std::size_t key) {
     return object.object->keys[key]->frame;
@@ -65,9 +34,9 @@ void check_frames(const SceneBlock& object, const tagProjectSettings& settings, 
     if (rise_in_range(object, settings)) {
         return;
     }
-    Offenders outside;
-    Offenders disordered;
-    Offenders repeated;
+    FaultyKeys outside;
+    FaultyKeys disordered;
+    FaultyKeys repeated;
     // Most tracks only rise, so the set of frames is built at the first key that does not.
     std::set<A_long> seen;
     bool rising = true;
@@ -92,18 +61,18 @@ void check_frames(const SceneBlock& object, const tagProjectSettings& settings, 
     }
     const std::string range =
         "FROM " + std::to_string(settings.from) + " to TO " + std::to_string(settings.to);
-    report(warnings, ToolCode::key_outside_range, outside, "keys outside " + range,
-           "they are still set, before or after the visible part of the layer", object);
-    report(warnings, ToolCode::key_out_of_order, disordered, "keys that go back in time",
-           "After Effects sorts keys by their time", object);
-    report(warnings, ToolCode::key_repeated, repeated, "more than one key for one frame",
-           "the last one written wins", object);
+    outside.report(warnings, ToolCode::key_outside_range, "keys outside " + range,
+                   "they are still set, before or after the visible part of the layer", object);
+    disordered.report(warnings, ToolCode::key_out_of_order, "keys that go back in time",
+                      "After Effects sorts keys by their time", object);
+    repeated.report(warnings, ToolCode::key_repeated, "more than one key for one frame",
+                    "the last one written wins", object);
 }
 
 void check_fields_of_view(const SceneBlock& camera, WarningList& warnings) {
     constexpr int kNumbersWithFieldOfView = 8;
-    Offenders zero;
-    Offenders impossible;
+    FaultyKeys zero;
+    FaultyKeys impossible;
     for (std::size_t i = 0; i < key_count(camera); ++i) {
         const SceneKey& key = camera.keys[i];
         if (key.numbers_read < kNumbersWithFieldOfView) {
@@ -116,10 +85,31 @@ void check_fields_of_view(const SceneBlock& camera, WarningList& warnings) {
             impossible.add(key, record.frame);
         }
     }
-    report(warnings, ToolCode::field_of_view, zero, "a field of view of 0",
-           "the camera's zoom becomes infinite", camera);
-    report(warnings, ToolCode::field_of_view, impossible, "a field of view that is not between 0 and 180",
-           "the camera's zoom becomes negative or unrelated to the angle", camera);
+    zero.report(warnings, ToolCode::field_of_view, "a field of view of 0",
+                "the camera's zoom becomes infinite", camera);
+    impossible.report(warnings, ToolCode::field_of_view, "a field of view that is not between 0 and 180",
+                      "the camera's zoom becomes negative or unrelated to the angle", camera);
+}
+
+// Nothing is lost, but a thousand keys say what one would.
+void check_equality(const SceneBlock& object, const KeyTrack& keys, WarningList& warnings) {
+    const auto same = [&](const tagKeyFrame& a, const tagKeyFrame& b) {
+        return std::equal(std::begin(a.position), std::end(a.position), std::begin(b.position)) &&
+               std::equal(std::begin(a.rotation), std::end(a.rotation), std::begin(b.rotation)) &&
+               a.targetDistance == b.targetDistance && (object.kind != BlockKind::camera || a.fov == b.fov);
+    };
+    for (std::size_t i = 1; i < keys.size(); ++i) {
+        if (!same(keys[i], keys[0])) {
+            return;
+        }
+    }
+    if (keys.size() > 1) {
+        const auto count = static_cast<std::int64_t>(keys.size());
+        warnings
+            .add(ToolCode::keys_all_equal, keys.written(0).at(),
+                 "all " + grouped(count) + " keys of the object are equal", object.within)
+            .count = count;
+    }
 }
 
 }  // namespace
@@ -127,6 +117,10 @@ void check_fields_of_view(const SceneBlock& camera, WarningList& warnings) {
 void check_keys(const SceneReading& reading, WarningList& warnings) {
     for (const SceneBlock& object : reading.facts.objects) {
         check_frames(object, *reading.settings, warnings);
+        const KeyTrack keys(object);
+        check_equality(object, keys, warnings);
+        check_path(object, keys, *reading.settings, warnings);
+        check_aim(object, keys, warnings);
         if (object.kind == BlockKind::camera) {
             check_fields_of_view(object, warnings);
         }
