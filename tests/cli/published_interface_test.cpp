@@ -164,7 +164,7 @@ const PublishedCodes kCodes[] = {
      "angle-not-sent field-of-view range-reversed outside-host-range hold-drifts path-bends aim-undefined "
      "turn-too-far",
      "sequence-single-frame sequence-without-number name-not-utf8 key-outside-range key-repeated "
-     "layer-past-end word-ignored text-after-end name-equal-after-cut roll-reverses",
+     "layer-past-end word-ignored text-after-end name-equal-after-cut roll-reverses aspect-turns-camera",
      "name-cut shadow-kind-not-sent key-out-of-order name-repeated keys-all-equal"},
     {"doctor",
      "cannot-read not-a-binary not-a-bundle damaged wrong-kind wrong-processor wrong-name no-properties "

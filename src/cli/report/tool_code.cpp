@@ -106,11 +106,14 @@ consteval ToolCodeTable tool_codes() {
          {"roll-reverses", Severity::warning,
           "The roll of a camera changes its direction at a key, with frames beside it that have none.",
           "export a key on every frame"}},
+        {aspect_turns_camera,
+         {"aspect-turns-camera", Severity::warning,
+          "A camera is turned in the composition \"Camera+Light\", whose pixels are not square."}},
     }};
 }
 
 constexpr ToolCodeTable kToolCodes = tool_codes();
-static_assert(diagnostic::in_order(kToolCodes, ToolCode::roll_reverses));
+static_assert(diagnostic::in_order(kToolCodes, ToolCode::aspect_turns_camera));
 
 }  // namespace
 

@@ -45,9 +45,10 @@ enum class ToolCode {
     aim_undefined,
     turn_too_far,
     roll_reverses,
+    aspect_turns_camera,
 };
 
-using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 33>;
+using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 34>;
 
 /// Every code, in the order of the enumeration.
 [[nodiscard]] const ToolCodeTable& tool_code_table();

@@ -160,6 +160,7 @@ std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinde
     check_names(reading, warnings);
     check_lights(reading, warnings);
     check_keys(reading, warnings);
+    check_pixel_aspect(reading, warnings);
     check_footage(reading, finder, warnings);
     return warnings.finish();
 }

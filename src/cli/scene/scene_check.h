@@ -31,6 +31,8 @@ void check_names(const SceneReading& reading, WarningList& warnings);
 void check_lights(const SceneReading& reading, WarningList& warnings);
 /// Keyframes of cameras, lights and nulls.
 void check_keys(const SceneReading& reading, WarningList& warnings);
+/// Cameras in a composition whose pixels are not square.
+void check_pixel_aspect(const SceneReading& reading, WarningList& warnings);
 /// Footage files and sequences.
 void check_footage(const SceneReading& reading, FootageFinder* finder, WarningList& warnings);
 
