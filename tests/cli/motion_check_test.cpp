@@ -275,9 +275,13 @@ TEST(MotionCheck, Rolls) {
 
 TEST(MotionCheck, AKeyThatWasNotReadToItsEndIsNotLookedAt) {
     EXPECT_EQ(
-        places_of(warnings_of_code(kMotion + "CAMERA \"c\" {\nKEY 0 0 0 0 0 90 0 40\nKEY 1 0 0 0 0 -90 x",
-                                   ToolCode::aim_undefined)),
+        places_of(warnings_of_code(
+            kMotion + "CAMERA \"c\" {\nKEY 0 0 0 0 0 -90 0 40\nKEY 1 0 0 0 0 0 0 40\nKEY 2 0 0 0 0 90 x",
+            ToolCode::aim_undefined)),
         Places{"aim-undefined 5:1"});
+    EXPECT_EQ(places_of(warnings_of_code(kMotion + "CAMERA \"c\" {\nKEY 0 0 0 0 0 0 0 40\nKEY 1 0 0 0 0 90 x",
+                                         ToolCode::aim_undefined)),
+              Places{});
 }
 
 }  // namespace
