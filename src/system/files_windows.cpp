@@ -243,32 +243,6 @@ std::error_code create_file(const std::string& path) {
     return opened(path, CREATE_NEW);
 }
 
-std::optional<FileNumber> file_number(const std::string& path) {
-    constexpr DWORD kEverybodyMay = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE handle = CreateFileW(wide_path(path).c_str(), FILE_READ_ATTRIBUTES, kEverybodyMay, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
-    if (handle == INVALID_HANDLE_VALUE) {
-        return std::nullopt;
-    }
-    const std::unique_ptr<void, CloseFile> file(handle);
-    // File systems on servers may lack the longer number.
-    FileNumber found;
-    FILE_ID_INFO id{};
-    if (GetFileInformationByHandleEx(handle, FileIdInfo, &id, sizeof(id)) != 0) {
-        static_assert(sizeof(id.FileId) == sizeof(found.number));
-        found.device = id.VolumeSerialNumber;
-        std::memcpy(found.number.data(), &id.FileId, sizeof(id.FileId));
-        return found;
-    }
-    BY_HANDLE_FILE_INFORMATION about{};
-    if (GetFileInformationByHandle(handle, &about) == 0) {
-        return std::nullopt;
-    }
-    found.device = about.dwVolumeSerialNumber;
-    found.number[0] = std::uint64_t{about.nFileIndexHigh} << 32 | about.nFileIndexLow;
-    return found;
-}
-
 std::error_code create_replacement(const std::string& path, const std::string& /*replaced*/,
                                    std::string& /*notice*/) {
     return create_file(path);
