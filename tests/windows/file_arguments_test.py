@@ -63,8 +63,8 @@ class FileArguments(unittest.TestCase):
         # Each verb in the words that it has for any file that is not there.
         for verb, reason in [
             (["import"], "*.zzz: error: no file matches this name [cannot-read]"),
-            (["texture", "info"], "*.zzz: error: not a regular file that can be opened for reading [cannot-open]"),
-            (["texture", "check"], "*.zzz: error: not a regular file that can be opened for reading [cannot-open]"),
+            (["texture", "info"], "*.zzz: error: the file does not exist [cannot-open]"),
+            (["texture", "check"], "*.zzz: error: the file does not exist [cannot-open]"),
             (["texture", "convert", "--to", "txl"], "*.zzz: error: no file matches this name [cannot-open]"),
             (["frame", "-o", "f.tga"], "*.zzz: no file matches this name"),
             (["doctor"], "*.zzz: error: No such file or directory [cannot-read]"),
@@ -75,12 +75,20 @@ class FileArguments(unittest.TestCase):
                 self.assertIn(reason, out + err)
 
     def test_a_verb_for_one_file_takes_a_pattern_with_one_match_only(self):
-        code, out, err = vxr(self.folder, "import", "c[*.aec")
+        for name in ("d1.txl", "d[1].txl"):
+            shutil.copy(PROJECT / "examples" / "textures" / "tiny.txl", self.folder / name)
+        code, out, err = vxr(self.folder, "frame", "d[*.txl", "-o", "f.tga")
         self.assertEqual(code, 0, err)
-        self.assertIn("c[1].aec", out)
-        code, out, err = vxr(self.folder, "import", "c*.aec")
+        self.assertIn("d[1].txl", out)
+        code, out, err = vxr(self.folder, "frame", "d*.txl", "-o", "f.tga")
         self.assertEqual((code, out), (2, ""))
-        self.assertIn("c*.aec matches 2 files; one is needed", err)
+        self.assertIn("d*.txl matches 2 files; one is needed", err)
+
+    def test_a_verb_for_several_files_takes_every_match(self):
+        code, out, err = vxr(self.folder, "import", "c*.aec")
+        self.assertEqual(code, 0, err)
+        self.assertIn("c1.aec: 1 composition", out)
+        self.assertIn("c[1].aec: 1 composition", out)
 
     def test_an_options_value_is_no_pattern(self):
         shutil.copy(PROJECT / "examples" / "textures" / "tiny.txl", self.folder)
