@@ -96,7 +96,8 @@ std::string files_roff() {
         {{"*.txl"}, {}, "Textures of Texalon."},
         {{".vxr.toml"},
          {},
-         "What `vxr check` refuses and ignores in its folder and below it, unless a nearer one says something "
+         "What `vxr check` refuses and ignores in its folder and below it, unless a nearer one says "
+         "something "
          "else."},
         {{"VORTANXR_AE.so, VORTANXR_AE.aex, VORTANXR_AE.plugin"},
          {},

@@ -13,7 +13,8 @@ bool is_kept_as_written(std::optional<double> written, double kept, bool integer
 /// The shortest text that reads back as `value` in single precision; integers of any size in full.
 std::string shortest_text(double value);
 
-/// A result for a person: three significant digits, and all digits before the point: "0.0123", "3.24", "1234".
+/// A result for a person: three significant digits, and all digits before the point: "0.0123", "3.24",
+/// "1234".
 std::string measured_text(double value);
 
 }  // namespace cli
