@@ -1,7 +1,7 @@
 #pragma once
 
-#include <compare>
 #include <string>
+#include <tuple>
 
 #include "system/files.h"
 
@@ -14,7 +14,10 @@ struct FileIdentity {
     FileNumber number;  ///< of the file, or of that folder
     std::string below;  ///< empty for what exists
 
-    friend auto operator<=>(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator==(const FileIdentity&, const FileIdentity&) = default;
+    friend bool operator<(const FileIdentity& a, const FileIdentity& b) {
+        return std::tie(a.number, a.below) < std::tie(b.number, b.below);
+    }
 };
 
 /// Opens nothing and never waits.

@@ -4,7 +4,6 @@
 // string of bytes: UTF-8 on Windows, which itself uses wide characters, and in any encoding elsewhere.
 
 #include <array>
-#include <compare>
 #include <cstdint>
 #include <cstdio>
 #include <filesystem>
@@ -12,6 +11,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <tuple>
 #include <vector>
 
 namespace os {
@@ -42,7 +42,10 @@ struct FileNumber {
     std::uint64_t device = 0;
     std::array<std::uint64_t, 2> number{};
 
-    friend auto operator<=>(const FileNumber&, const FileNumber&) = default;
+    friend bool operator==(const FileNumber&, const FileNumber&) = default;
+    friend bool operator<(const FileNumber& a, const FileNumber& b) {
+        return std::tie(a.device, a.number) < std::tie(b.device, b.number);
+    }
 };
 
 /// Of what is at `path`, links followed; nothing when it cannot be determined, as for a missing file.

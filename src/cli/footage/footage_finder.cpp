@@ -394,6 +394,7 @@ void keep_best(std::vector<Match>& matches) {
 void sort_by_preference(Preference prefer, const Disk& disk, std::vector<FootageCandidate>& candidates,
                         bool& decided) {
     std::vector<std::pair<FileFacts, FootageCandidate>> known;
+    known.reserve(candidates.size());
     for (FootageCandidate& one : candidates) {
         known.emplace_back(disk.facts(one.path), std::move(one));
     }

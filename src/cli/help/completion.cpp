@@ -226,20 +226,24 @@ std::string zsh_completion(const std::vector<HelpPage>& pages) {
                 return;
             }
             for (const std::string& name : entry.names) {
-                const std::string described =
-                    "                " +
-                    zsh_quoted((verb ? first_word(name) : name) + ':' + short_text(entry.text)) + '\n';
-                (verb ? verbs : options) += described;
+                std::string shown = verb ? first_word(name) : name;
+                shown.append(":").append(short_text(entry.text));
+                (verb ? verbs : options).append("                ").append(zsh_quoted(shown)).append("\n");
                 values += entry.value.empty() ? "" : name + ' ';
                 if (const std::string fixed = choices_of(entry.value); !fixed.empty()) {
-                    choices += "                " + name + ") choices=(" + fixed + ") ;;\n";
+                    choices.append("                ")
+                        .append(name)
+                        .append(") choices=(")
+                        .append(fixed)
+                        .append(") ;;\n");
                 }
             }
         });
-        script += "        \"" + page.command + "\")\n            verbs=(\n" + verbs +
-                  "            )\n            options=(\n" + options + "            )\n            values=(" +
-                  values + ")\n            case $previous in\n" + choices +
-                  "            esac\n            ;;\n";
+        script.append("        \"").append(page.command).append("\")\n            verbs=(\n").append(verbs);
+        script.append("            )\n            options=(\n").append(options);
+        script.append("            )\n            values=(").append(values);
+        script.append(")\n            case $previous in\n").append(choices);
+        script += "            esac\n            ;;\n";
     }
     return script + kZshTail;
 }

@@ -21,7 +21,7 @@ std::string new_folder() {
     const fs::path place = fs::temp_directory_path(failure);
     std::random_device random;
     for (int attempt = 0; attempt < kAttempts && !failure; ++attempt) {
-        const std::string folder = os::text_of(place / ("vxr-" + std::to_string(random())));
+        std::string folder = os::text_of(place / ("vxr-" + std::to_string(random())));
         if (fs::create_directory(os::native_path(folder), failure)) {
             fs::permissions(os::native_path(folder), fs::perms::owner_all, failure);
             return folder;

@@ -1,7 +1,7 @@
 #include <zip.h>
 
+#include <algorithm>
 #include <cstdlib>
-#include <cstring>
 #include <new>
 #include <stdexcept>
 
@@ -67,7 +67,7 @@ void ZipFile::add_bytes(const std::string& name, const std::string& bytes) {
     if (copy == nullptr) {
         throw std::bad_alloc();
     }
-    std::memcpy(copy, bytes.data(), bytes.size());
+    std::copy(bytes.begin(), bytes.end(), static_cast<char*>(copy));
     zip_source_t* const source = zip_source_buffer(state_->archive, copy, bytes.size(), 1);
     if (source == nullptr) {
         std::free(copy);

@@ -14,6 +14,7 @@ constexpr std::array kSeverities{Severity::error, Severity::loss, Severity::warn
 
 std::vector<std::string> names_of(const std::vector<diagnostic::CodeInfo>& codes) {
     std::vector<std::string> names;
+    names.reserve(codes.size());
     for (const diagnostic::CodeInfo& code : codes) {
         names.emplace_back(code.name);
     }

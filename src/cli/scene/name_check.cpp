@@ -97,6 +97,7 @@ void check_repeated(const std::vector<SceneBlock>& blocks, const std::string& wh
 // What classic hosts keep of names that are not equal as they are written.
 void check_cut(const std::vector<SceneBlock>& blocks, WarningList& warnings) {
     std::vector<KeptName> names;
+    names.reserve(blocks.size());
     for (const SceneBlock& block : blocks) {
         names.push_back({name_of(block).substr(0, kNameBytes), &block});
     }

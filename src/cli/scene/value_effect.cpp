@@ -22,8 +22,8 @@ std::string rate_effect(const SceneChange& change, const tagProjectSettings& set
         return {};
     }
     const std::string rate = shortest_text(change.kept);
-    const std::string seconds = count_of_frames(range) + " of a composition last " +
-                                measured_text(range / change.kept) + " s at " + rate + " frames a second";
+    std::string seconds = count_of_frames(range) + " of a composition last " +
+                          measured_text(range / change.kept) + " s at " + rate + " frames a second";
     if (!change.written || *change.written <= 0) {
         return seconds;
     }
@@ -34,7 +34,7 @@ std::string rate_effect(const SceneChange& change, const tagProjectSettings& set
 }
 
 std::string frame_effect(const SceneChange& change) {
-    const std::string effect = "the key is set at frame " + shortest_text(change.kept);
+    std::string effect = "the key is set at frame " + shortest_text(change.kept);
     if (!change.written) {
         return effect;
     }

@@ -37,6 +37,7 @@ Verb check_verb() {
     return {
         "check",
         "report mistakes in composition files, and what an import will change",
+        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): each paragraph has several lines
         {"After Effects imports nothing from a composition file with a mistake in it, and shows no message. "
          "This verb reads the file with the plug-in's own readers and reports the first mistake: file, line, "
          "column, what was expected, what was found, and a code that scripts can rely on.",

@@ -250,6 +250,7 @@ class CheckCommand : public Command {
     ExitCode check_all(const std::vector<std::string>& files, Terminal& terminal) const {
         ProjectPolicies policies(policy_, kind_.codes(), kind_.project_table);
         std::vector<const CheckPolicy*> policy_of;
+        policy_of.reserve(files.size());
         for (const std::string& file : files) {
             policy_of.push_back(&policies.policy_of(file));
         }
