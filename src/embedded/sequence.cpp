@@ -91,14 +91,18 @@ std::optional<SequenceFrames> find_sequence(const std::string& path, const Seque
     if (!name) {
         return std::nullopt;
     }
-    const std::vector<std::string> numbers = numbers_beside(os::text_of(file.parent_path()), *name);
-    const std::size_t padding = padding_of(name->digits, numbers);
+    return sequence_among(numbers_beside(os::text_of(file.parent_path()), *name), *name, request);
+}
+
+std::optional<SequenceFrames> sequence_among(const std::vector<std::string>& numbers,
+                                             const NumberedName& name, const SequenceRequest& request) {
+    const std::size_t padding = padding_of(name.digits, numbers);
     const bool named_file_only = !request.whole_folder && !request.first && !request.last;
 
     std::vector<std::int64_t> frames;
     for (const std::string& digits : numbers) {
         const std::int64_t frame = number_of(digits);
-        if (!has_padding(digits, padding) || (named_file_only && digits != name->digits) ||
+        if (!has_padding(digits, padding) || (named_file_only && digits != name.digits) ||
             (request.first && frame < *request.first) || (request.last && frame > *request.last)) {
             continue;
         }
@@ -110,7 +114,7 @@ std::optional<SequenceFrames> find_sequence(const std::string& path, const Seque
     std::sort(frames.begin(), frames.end());
 
     SequenceFrames found;
-    found.pattern = name->prefix + std::string(padding, '#') + name->suffix;
+    found.pattern = name.prefix + std::string(padding, '#') + name.suffix;
     found.range = {frames.front(), frames.back()};
     found.count = static_cast<std::int64_t>(frames.size());
     found.padding = static_cast<int>(padding);

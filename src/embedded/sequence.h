@@ -42,6 +42,11 @@ struct SequenceRequest {
 /// Nothing when the name has no number or no file is in the range.
 std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request);
 
+/// The same, where `numbers` are those of the files in the folder that differ from `name` in the number only,
+/// as they are written.
+std::optional<SequenceFrames> sequence_among(const std::vector<std::string>& numbers,
+                                             const NumberedName& name, const SequenceRequest& request);
+
 /// The ranges of numbers missing between `frames`, which are sorted and without repetition.
 std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames);
 

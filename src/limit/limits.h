@@ -91,6 +91,17 @@ inline constexpr Limit kKeys{
     "there is no such file",
 };
 
+// Footage of composition files: how far a check looks for files that were not asked for.
+
+/// Names in the folders below a scene that are compared with missing footage: more than a shot has.
+inline constexpr std::int64_t kNearbyNames = 100000;
+/// Levels of folders below a scene's own in which missing footage is looked for.
+inline constexpr std::int64_t kNearbyLevels = 6;
+/// The same names, over all scenes of a run, which keeps them in memory.
+inline constexpr std::int64_t kNearbyNamesOfRun = 1000000;
+/// Frames of a sequence whose headers are read: the first, the last, and others evenly between them.
+inline constexpr std::int64_t kSampledFrames = 8;
+
 // Textures.
 
 inline constexpr Limit kTextureFile{

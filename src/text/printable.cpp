@@ -38,6 +38,36 @@ std::string printable(std::string_view text) {
     return out;
 }
 
+std::string shell_word(std::string_view text) {
+    constexpr std::string_view kPlain =
+        "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_-./:,+@%=";
+    if (!text.empty() && text.find_first_not_of(kPlain) == std::string_view::npos && text.front() != '-') {
+        return std::string(text);
+    }
+    // An option begins with a dash.
+    std::string whole = text.starts_with('-') ? "./" + std::string(text) : std::string(text);
+#if defined(_WIN32)
+    return '"' + whole + '"';
+#else
+    const std::string shown = printable(whole);
+    const bool in_escapes = shown != whole;
+    std::string word = in_escapes ? "$'" : "'";
+    while (!whole.empty()) {
+        const std::size_t size = std::max<std::size_t>(first_character(whole).size_bytes, 1);
+        const std::string one = whole.substr(0, size);
+        if (one == "'") {
+            word += in_escapes ? "\\'" : "'\\''";
+        } else if (one == "\\" && in_escapes) {
+            word += "\\\\";
+        } else {
+            word += printable(one);
+        }
+        whole.erase(0, size);
+    }
+    return word + "'";
+#endif
+}
+
 std::string quoted(std::string_view text) {
     return '"' + printable(text) + '"';
 }

@@ -15,6 +15,10 @@ namespace text {
 /// The printable text in double quotes.
 [[nodiscard]] std::string quoted(std::string_view text);
 
+/// The text as one word of a command that a person copies: as it is, or quoted. Bytes that cannot be shown
+/// are written as bash and zsh read them; on Windows, for the Command Prompt.
+[[nodiscard]] std::string shell_word(std::string_view text);
+
 /// The number of columns that a printable text takes up on a terminal, as the widths of its characters say.
 [[nodiscard]] std::size_t columns_of(std::string_view printable_text);
 

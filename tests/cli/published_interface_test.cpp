@@ -75,8 +75,8 @@ const PublishedVerb kVerbs[] = {
       "--fail FUNCTION:N:CODE", "--refuse-layer N", "-h, --help"}},
     {"check",
      {"FILE", "-r, --recursive", "--files-from FILE", "-0, --null", "--fail-on error|loss|warning|note|CODE",
-      "--ignore CODE", "--strict", "--list-codes", "--search DIR", "--map FROM=TO", "--json", "-v, --verbose",
-      "-q, --quiet", "--progress auto|never", "-j, --jobs N", "-h, --help"}},
+      "--ignore CODE", "--strict", "--list-codes", "--read-pixels", "--search DIR", "--map FROM=TO", "--json",
+      "-v, --verbose", "-q, --quiet", "--progress auto|never", "-j, --jobs N", "-h, --help"}},
     {"relink",
      {"SCENE", "--search DIR", "--map FROM=TO", "--prefer newest|largest|first", "--use JOB.toml",
       "--interactive", "-o, --output FILE", "--out-dir DIR", "--dry-run", "--save-map JOB.toml", "--json",
@@ -160,11 +160,12 @@ const PublishedCodes kCodes[] = {
      "expected-block expected-entry unknown-entry nesting-too-deep expected-footage-mark missing-path "
      "unclosed-path empty-path unended-path-line path-without-folder expected-section cannot-read "
      "not-importable unsound-result footage-unreadable",
-     "footage-missing footage-path-unread sequence-gap value-changed aspect-cut light-kind-changed "
-     "angle-not-sent field-of-view range-reversed outside-host-range hold-drifts path-bends aim-undefined "
-     "turn-too-far",
-     "sequence-single-frame sequence-without-number name-not-utf8 key-outside-range key-repeated "
-     "layer-past-end word-ignored text-after-end name-equal-after-cut roll-reverses aspect-turns-camera",
+     "footage-missing footage-path-unread sequence-gap sequence-short sequence-offset sequence-mixed "
+     "value-changed aspect-cut light-kind-changed angle-not-sent field-of-view range-reversed "
+     "outside-host-range hold-drifts path-bends aim-undefined turn-too-far",
+     "sequence-single-frame sequence-without-number sequence-stray footage-size premul-without-alpha "
+     "alpha-uniform name-not-utf8 key-outside-range key-repeated layer-past-end word-ignored text-after-end "
+     "name-equal-after-cut roll-reverses aspect-turns-camera",
      "name-cut shadow-kind-not-sent key-out-of-order name-repeated keys-all-equal"},
     {"doctor",
      "cannot-read not-a-binary not-a-bundle damaged wrong-kind wrong-processor wrong-name no-properties "

@@ -174,21 +174,25 @@ struct FootageCase {
 
 TEST(SceneCheck, Footage) {
     const SceneFolder folder;
-    folder.image("still.tga");
-    folder.image("noise.tga");
+    folder.image("still.tga", true);
+    folder.image("noise.tga", true);
     folder.files().write("notes.tif", "no picture");
     folder.files().write("notes.TXL", "no picture");
-    folder.sequence("full", 17, 20);
-    folder.sequence("holes", 1, 2);
-    folder.sequence("holes", 5, 6);
-    folder.image("one0007.tga");
+    folder.sequence("full", 17, 20, true);
+    folder.sequence("holes", 1, 2, true);
+    folder.sequence("holes", 5, 6, true);
+    folder.image("one0007.tga", true);
     const FootageCase cases[] = {
         {"still beside the file", "FILE NRM PREMUL \"X:still.tga\"", {}},
         {"still by its own path", "FILE NRM PREMUL \"" + folder.files().path("still.tga") + "\"", {}},
-        {"whole sequence", "FSEQ NRM PREMUL \"X:full0017.tga\"", {}},
-        {"sequence with a gap", "FSEQ NRM PREMUL \"X:holes0001.tga\"", {"sequence-gap 4:17"}},
+        {"whole sequence", "FSEQ NRM PREMUL \"X:full0017.tga\"", {"sequence-short 4:17"}},
+        {"sequence with a gap",
+         "FSEQ NRM PREMUL \"X:holes0001.tga\"",
+         {"sequence-gap 4:17", "sequence-short 4:17"}},
         {"one file of it is no sequence and has no gap", "FILE NRM PREMUL \"X:holes0001.tga\"", {}},
-        {"sequence of one frame", "FSEQ NRM PREMUL \"X:one0007.tga\"", {"sequence-single-frame 4:17"}},
+        {"sequence of one frame",
+         "FSEQ NRM PREMUL \"X:one0007.tga\"",
+         {"sequence-single-frame 4:17", "sequence-short 4:17", "sequence-offset 4:17"}},
         {"sequence without a number", "FSEQ NRM PREMUL \"X:still.tga\"", {"sequence-without-number 4:17"}},
         {"file that is no image", "FILE NRM PREMUL \"X:notes.tif\"", {"footage-unreadable 4:17"}},
         {"texture, which the bundle reads", "FILE NRM PREMUL \"" VXR_EXAMPLES_DIR "/textures/tiny.txl\"", {}},
@@ -201,7 +205,7 @@ TEST(SceneCheck, Footage) {
          {"footage-missing 4:17"}},
     };
     for (const FootageCase& one : cases) {
-        const std::string text = kHead + "COMPOSITION NRM \"M\" {\n" + one.entry + "\n}\n";
+        const std::string text = kSmallHead + "COMPOSITION NRM \"M\" {\n" + one.entry + "\n}\n";
         EXPECT_EQ(places_of(warnings_of(folder, text)), one.expected) << one.name;
     }
 }
@@ -229,8 +233,8 @@ TEST(SceneCheck, FootageIsFoundByItsPathInAnOlderEncoding) {
     const SceneFolder folder;
     folder.image("caf\u00E9.tga");
     const auto found = [&](const std::string& name) {
-        return cli::scene_warnings(cli::read_scene(
-            folder.scene(kHead + "COMPOSITION NRM \"M\" {\nFILE NRM STRAIGHT \"C:\\" + name + "\"\n}\n")));
+        return cli::scene_warnings(cli::read_scene(folder.scene(
+            kSmallHead + "COMPOSITION NRM \"M\" {\nFILE NRM STRAIGHT \"C:\\" + name + "\"\n}\n")));
     };
     EXPECT_TRUE(found("caf\xE9.tga").empty()) << "Windows-1252";
     EXPECT_TRUE(found("caf\x8E.tga").empty()) << "Mac Roman";

@@ -10,7 +10,9 @@
 
 inline const std::string kHead =
     "VORTAN XR COMPOSITION\nRESOLUTION 640 360 FROM 1 TO 8 RANGE 8\nFPS 25 ";  // ends in line 3, column 8
-inline const std::string kScene = kHead + "COMPOSITION NRM \"Main\" { }\n";    // objects begin in line 4
+// A composition of the size of the pictures that SceneFolder makes.
+inline const std::string kSmallHead = "VORTAN XR COMPOSITION\nRESOLUTION 4 4 FROM 1 TO 8 RANGE 8\nFPS 25 ";
+inline const std::string kScene = kHead + "COMPOSITION NRM \"Main\" { }\n";  // objects begin in line 4
 
 inline std::vector<cli::Diagnostic> warnings_of(const SceneFolder& folder, const std::string& text) {
     return cli::scene_warnings(cli::read_scene(folder.scene(text)));

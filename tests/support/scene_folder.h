@@ -16,7 +16,7 @@ class SceneFolder {
     /// Writes a small Targa picture: 24 bits a pixel, or 32 with an alpha channel. Returns its path.
     std::string image(std::string_view name, bool with_alpha = false) const {
         constexpr int kWidth_px = 4;
-        constexpr int kHeight_px = 3;
+        constexpr int kHeight_px = 4;
         const int channels = with_alpha ? 4 : 3;
         std::string bytes(18, '\0');
         bytes[2] = 2;  // true colour, not compressed

@@ -21,6 +21,13 @@ enum class ToolCode {
     sequence_gap,
     sequence_single_frame,
     sequence_without_number,
+    sequence_short,
+    sequence_offset,
+    sequence_stray,
+    sequence_mixed,
+    footage_size,
+    premul_without_alpha,
+    alpha_uniform,
     value_changed,
     aspect_cut,
     name_cut,
@@ -48,7 +55,7 @@ enum class ToolCode {
     aspect_turns_camera,
 };
 
-using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 34>;
+using ToolCodeTable = std::array<diagnostic::CodeRow<ToolCode>, 41>;
 
 /// Every code, in the order of the enumeration.
 [[nodiscard]] const ToolCodeTable& tool_code_table();

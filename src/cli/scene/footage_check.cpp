@@ -6,8 +6,8 @@
 #include <vector>
 
 #include "cli/report/diagnostic_text.h"
+#include "cli/scene/footage_check.h"
 #include "cli/scene/scene_check.h"
-#include "embedded/sequence.h"
 #include "host/byte_encoding.h"
 #include "image/image.h"
 #include "system/files.h"
@@ -18,11 +18,9 @@
 #include "texture/value/texture_file.h"
 
 namespace cli {
-namespace {
-
-constexpr std::size_t kShownPathBytes = 400;
 
 std::string shown_path(std::string_view path) {
+    constexpr std::size_t kShownPathBytes = 400;
     return path.size() <= kShownPathBytes ? std::string(path)
                                           : std::string(path.substr(0, kShownPathBytes)) + "...";
 }
@@ -31,6 +29,13 @@ std::string shown_path(std::string_view path) {
 std::string_view last_component(std::string_view path) {
     return text::last_component(path, ":\\/");
 }
+
+// The bundle's input module reads textures; it recognises them by their extension, ignoring case.
+bool is_texture(std::string_view path) {
+    return text::ends_with_ignoring_case(path, ".txl");
+}
+
+namespace {
 
 // The path beside the composition file, as the user would write it.
 std::string beside(const SceneReading& reading, std::string_view path) {
@@ -55,20 +60,9 @@ diagnostic::MissingFootage facts_of_missing(const SceneReading& reading, const S
             truncated_name(last_component(footage.file->path))};
 }
 
-void add_candidates(const Finding& finding, Diagnostic& warning) {
-    constexpr std::size_t kShown = 8;
-    for (std::size_t i = 0; i < finding.candidates.size() && i < kShown; ++i) {
-        warning.effects.push_back("it may be \"" + shown_path(finding.candidates[i].path) + '"');
-    }
-    if (finding.candidates.size() > kShown) {
-        warning.effects.push_back("it may be one of " + std::to_string(finding.candidates.size() - kShown) +
-                                  " more files");
-    }
-}
-
 // Footage that the plug-in does not find and that `finding` did not find either.
 void check_missing(const SceneReading& reading, const SceneFootage& footage, const Finding& finding,
-                   WarningList& warnings) {
+                   FootageSurvey& survey, WarningList& warnings) {
     Diagnostic& warning =
         warnings.add(ToolCode::footage_missing, footage.path_at,
                      "the footage \"" + shown_path(footage.written) + "\" does not exist", footage.within);
@@ -80,60 +74,15 @@ void check_missing(const SceneReading& reading, const SceneFootage& footage, con
     }
     if (finding.outcome == Finding::Outcome::ambiguous) {
         add_candidates(finding, warning);
+    } else {
+        add_near_miss(reading, footage, survey, warning);
     }
     warning.effects.push_back(placeholder_text(reading, last_component(footage.file->path)));
     warning.missing_footage = facts_of_missing(reading, footage);
 }
 
-std::string frames_text(const embedded::FrameRange& range) {
-    return range.first == range.last ? std::to_string(range.first)
-                                     : std::to_string(range.first) + "-" + std::to_string(range.last);
-}
-
-std::string gaps_text(const std::vector<embedded::FrameRange>& gaps) {
-    constexpr std::size_t kShown = 8;
-    std::string text;
-    for (std::size_t i = 0; i < gaps.size() && i < kShown; ++i) {
-        text += (i == 0 ? "" : ", ") + frames_text(gaps[i]);
-    }
-    return gaps.size() > kShown ? text + " and more" : text;
-}
-
-void check_sequence(const SceneFootage& footage, const std::string& path, WarningList& warnings) {
-    const std::optional<embedded::SequenceFrames> frames = embedded::find_sequence(path, {});
-    if (!frames) {
-        warnings
-            .add(ToolCode::sequence_without_number, footage.path_at,
-                 "the name \"" + shown_path(last_component(path)) + "\" has no frame number", footage.within)
-            .effects.emplace_back("After Effects uses this one file as the whole sequence");
-        return;
-    }
-    if (frames->count == 1) {
-        warnings
-            .add(ToolCode::sequence_single_frame, footage.path_at,
-                 "the sequence " + frames->pattern + " has one file, number " +
-                     std::to_string(frames->range.first),
-                 footage.within)
-            .effects.emplace_back("After Effects gets a sequence of one frame");
-    }
-    if (!frames->gaps.empty()) {
-        Diagnostic& warning =
-            warnings.add(ToolCode::sequence_gap, footage.path_at,
-                         "the sequence " + frames->pattern + " " + frames_text(frames->range) +
-                             " has gaps: " + gaps_text(frames->gaps),
-                         footage.within);
-        warning.effects.emplace_back("After Effects decides what to show for the missing frames");
-        warning.count = static_cast<std::int64_t>(frames->gaps.size());
-    }
-}
-
-// The bundle's input module reads textures; it recognises them by their extension, ignoring case.
-bool is_texture(std::string_view path) {
-    return text::ends_with_ignoring_case(path, ".txl");
-}
-
-// Why the file cannot be read as a picture; empty if it can.
-std::string reading_obstacle(const std::string& path) {
+// Why the file cannot be read as a picture; empty if it can. Of an image, `header` says what it is.
+std::string reading_obstacle(const std::string& path, std::optional<image::Header>& header) {
     if (is_texture(path)) {
         const std::optional<diagnostic::Diagnostic> error = read_texture(path).error;
         if (!error) {
@@ -146,11 +95,17 @@ std::string reading_obstacle(const std::string& path) {
         throw std::runtime_error(problem);
     }
     const image::Probe probe = image::probe(path);
+    header = probe.header;
     return probe.error.has_value() ? probe.error->reason : std::string();
 }
 
-void check_readable(const SceneFootage& footage, const std::string& path, WarningList& warnings) {
-    const std::string obstacle = reading_obstacle(path);
+void check_picture(const SceneReading& reading, const SceneFootage& footage, const std::string& path,
+                   FootageSurvey& survey, WarningList& warnings) {
+    std::optional<image::Header> header;
+    const std::string obstacle = reading_obstacle(path, header);
+    if (header) {
+        check_image_fit(reading, footage, path, *header, survey, warnings);
+    }
     if (obstacle.empty()) {
         return;
     }
@@ -176,7 +131,7 @@ std::string path_on_disk(const std::string& path) {
     return path;
 }
 
-void check_entry(const SceneReading& reading, const SceneFootage& footage, FootageFinder* finder,
+void check_entry(const SceneReading& reading, const SceneFootage& footage, FootageSurvey& survey,
                  WarningList& warnings) {
     if (footage.file->path == nullptr) {
         warnings
@@ -189,9 +144,11 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Foota
     std::string path = footage.file->path;
     if (is_missing(footage)) {
         const Finding finding =
-            finder == nullptr ? Finding() : finder->find({reading.full_path, footage.written, is_sequence});
+            survey.finder() == nullptr
+                ? Finding()
+                : survey.finder()->find({reading.full_path, footage.written, is_sequence});
         if (finding.outcome != Finding::Outcome::found) {
-            check_missing(reading, footage, finding, warnings);
+            check_missing(reading, footage, finding, survey, warnings);
             return;
         }
         path = finding.path;
@@ -199,9 +156,9 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Foota
         path = path_on_disk(path);
     }
     if (is_sequence) {
-        check_sequence(footage, path, warnings);
+        check_sequence(reading, footage, path, survey, warnings);
     }
-    check_readable(footage, path, warnings);
+    check_picture(reading, footage, path, survey, warnings);
 }
 
 }  // namespace
@@ -217,12 +174,12 @@ std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& read
     return missing;
 }
 
-void check_footage(const SceneReading& reading, FootageFinder* finder, WarningList& warnings) {
+void check_footage(const SceneReading& reading, FootageSurvey& survey, WarningList& warnings) {
     const os::PathGuesses guesses(paths_in_other_encodings);
     for (const SceneFootage& footage : reading.facts.footage) {
         // The entry at which reading stopped has its error already.
         if (footage.top_level || !footage.problem) {
-            check_entry(reading, footage, finder, warnings);
+            check_entry(reading, footage, survey, warnings);
         }
     }
 }

@@ -153,7 +153,12 @@ void check_lights(const SceneReading& reading, WarningList& warnings) {
     }
 }
 
-std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinder* finder) {
+std::vector<Diagnostic> scene_warnings(const SceneReading& reading) {
+    FootageSurvey survey;
+    return scene_warnings(reading, survey);
+}
+
+std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageSurvey& survey) {
     WarningList warnings(reading);
     check_settings(reading, warnings);
     check_host_range(reading, warnings);
@@ -161,7 +166,7 @@ std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinde
     check_lights(reading, warnings);
     check_keys(reading, warnings);
     check_pixel_aspect(reading, warnings);
-    check_footage(reading, finder, warnings);
+    check_footage(reading, survey, warnings);
     return warnings.finish();
 }
 

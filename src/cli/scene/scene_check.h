@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/footage/footage_finder.h"
+#include "cli/footage/footage_survey.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
 #include "cli/scene/warning_list.h"
@@ -13,8 +13,10 @@ namespace cli {
 
 /// Everything in a composition file whose result may differ from what its author expects, in the order of the
 /// file. For a refused file, only what precedes the error. Opens the footage files; what the plug-in does not
-/// find is looked for with `finder` unless that is null.
-std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageFinder* finder = nullptr);
+/// find is looked for with the survey's finder, if it has one. Scenes of one run share a survey.
+std::vector<Diagnostic> scene_warnings(const SceneReading& reading, FootageSurvey& survey);
+/// The same for a scene by itself.
+std::vector<Diagnostic> scene_warnings(const SceneReading& reading);
 
 /// The footage that is in neither of its places, in the order of the file.
 std::vector<diagnostic::MissingFootage> missing_footage(const SceneReading& reading);
@@ -34,7 +36,7 @@ void check_keys(const SceneReading& reading, WarningList& warnings);
 /// Cameras in a composition whose pixels are not square.
 void check_pixel_aspect(const SceneReading& reading, WarningList& warnings);
 /// Footage files and sequences.
-void check_footage(const SceneReading& reading, FootageFinder* finder, WarningList& warnings);
+void check_footage(const SceneReading& reading, FootageSurvey& survey, WarningList& warnings);
 
 /// A name as the host truncates it: its first 31 bytes.
 std::string truncated_name(std::string_view name);

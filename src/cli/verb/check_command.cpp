@@ -12,9 +12,9 @@
 namespace cli {
 namespace {
 
-FileCheck check_composition(const std::string& file, FootageFinder* finder) {
+FileCheck check_composition(const std::string& file, FootageSurvey& survey) {
     const SceneReading reading = read_scene(file);
-    FileCheck check{reading.code, scene_warnings(reading, finder)};
+    FileCheck check{reading.code, scene_warnings(reading, survey)};
     if (reading.error) {
         check.diagnostics.insert(check.diagnostics.begin(), *reading.error);
     }

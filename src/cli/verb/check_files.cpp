@@ -140,6 +140,9 @@ class CheckCommand : public Command {
         add_policy_options(options);
         if (kind_.has_footage) {
             add_finding_options(options, choices_, false);
+            options
+                .flag("--read-pixels", read_pixels_, "also read whole pictures, and every frame of sequences")
+                .group("What counts");
         }
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
         options.flag("-v,--verbose", verbose_, "write every place, whatever the number of files")
@@ -258,15 +261,14 @@ class CheckCommand : public Command {
         if (choices_.given()) {
             finder.emplace(choices_.finder_options());
         }
+        FootageSurvey survey(finder ? &*finder : nullptr, read_pixels_);
         Progress progress(terminal, files.size(), !quiet_ && progress_ != "never");
         Details details(amount_for(files.size()), kind_, terminal);
         CheckSummary summary;
         Json documents = Json::array();
         ExitCode code = ExitCode::fine;
 
-        const auto check = [&](std::size_t i) {
-            return judge(kind_.check(files[i], finder ? &*finder : nullptr), *policy_of[i]);
-        };
+        const auto check = [&](std::size_t i) { return judge(kind_.check(files[i], survey), *policy_of[i]); };
         const auto report = [&](std::size_t i, const JudgedFile& judged) {
             if (judged.failure) {
                 std::rethrow_exception(judged.failure);
@@ -320,6 +322,7 @@ class CheckCommand : public Command {
     PolicyChoices policy_;
     FindingChoices choices_;
     bool list_codes_ = false;
+    bool read_pixels_ = false;
     bool json_ = false;
     bool verbose_ = false;
     bool quiet_ = false;

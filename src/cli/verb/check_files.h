@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "cli/command.h"
-#include "cli/footage/footage_finder.h"
+#include "cli/footage/footage_survey.h"
 #include "cli/report/diagnostic_text.h"
 
 namespace cli {
@@ -22,10 +22,10 @@ struct FileKind {
     const char* plural;         ///< "composition files"
     const char* extension;      ///< of what is looked for in folders: ".aec"
     const char* project_table;  ///< of project files: "check"
-    /// Reads the file that the user named. The finder is null unless the user said where footage is; without
-    /// it, called on several threads at a time. The code is `fine` unless the file itself is refused or
+    /// Reads the file that the user named. The survey is that of the run; unless it has a finder, this is
+    /// called on several threads at a time. The code is `fine` unless the file itself is refused or
     /// unreadable.
-    FileCheck (*check)(const std::string&, FootageFinder* finder);
+    FileCheck (*check)(const std::string&, FootageSurvey& survey);
     std::string (*text)(const Diagnostic&, const Paint&);
     std::vector<diagnostic::CodeInfo> (*codes)();
     bool has_footage = false;  ///< the verb takes --search and --map

@@ -13,7 +13,7 @@
 namespace cli {
 namespace {
 
-FileCheck check_texture_file(const std::string& file, FootageFinder* /*finder*/) {
+FileCheck check_texture_file(const std::string& file, FootageSurvey& /*survey*/) {
     const TextureReading reading = read_texture(file);
     FileCheck check{texture_exit_code(reading), texture_diagnostics(reading, file)};
     const auto violation = reading.texture ? validate_texture(*reading.texture) : std::nullopt;
