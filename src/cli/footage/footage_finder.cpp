@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -21,9 +22,11 @@ constexpr std::size_t kMostPathBytes = std::size_t{1} << 16U;
 // Folders on the way that have the name, in one of its writings.
 constexpr std::size_t kMostBranches = 64;
 
-constexpr std::array<const char*, 11> kRuleLabels{"as-written", "beside-scene", "kept",       "map",
-                                                  "tail",       "unicode-form", "mac-roman",  "windows-1252",
-                                                  "cut-name",   "letter-case",  "other-frame"};
+// In the order of FindingRule.
+constexpr const char* kRuleLabels[] = {"as-written", "beside-scene", "kept",       "map",
+                                       "tail",       "unicode-form", "mac-roman",  "windows-1252",
+                                       "cut-name",   "letter-case",  "other-frame"};
+static_assert(std::size(kRuleLabels) == static_cast<std::size_t>(FindingRule::other_frame) + 1);
 
 constexpr std::array<std::pair<const char*, Preference>, 3> kPreferences{
     {{"newest", Preference::newest}, {"largest", Preference::largest}, {"first", Preference::first}}};
@@ -143,8 +146,10 @@ struct FootageFinder::Match {
 // What is looked for, taken apart.
 struct FootageFinder::Search {
     explicit Search(const WantedFootage& footage)
-        : wanted(footage), path(split_path(footage.written)), names(read_names(path.names)) {
-        folder = os::text_of(os::path_of(footage.scene).parent_path());
+        : wanted(footage),
+          path(split_path(footage.written)),
+          names(read_names(path.names)),
+          folder(os::text_of(os::path_of(footage.scene).parent_path())) {
         const std::string_view last = last_name(footage.written);
         beside.emplace_back(last);
         if (footage.is_sequence && !path.names.empty()) {
