@@ -135,7 +135,7 @@ struct FootageFinder::Match {
     std::string name;
     NameMatch match;
     std::size_t order;
-    LookedAt place;
+    int place;  // a LookedAt
     // How much of the path speaks for it, more being better.
     std::size_t tail = 0;
     std::size_t exact_tail = 0;
@@ -337,7 +337,7 @@ std::vector<FootageFinder::Match> FootageFinder::matches(const Search& search, i
             break;
     }
     for (Match& match : found) {
-        match.place = static_cast<LookedAt>(place);
+        match.place = place;
     }
     return found;
 }
@@ -438,8 +438,8 @@ Finding FootageFinder::decide(const Search& search, std::vector<Match> matches, 
                 return one.path == path || (!search.wanted.is_sequence && disk_.same_file(one.path, path));
             });
         if (!known) {
-            const FindingRule rule =
-                other_frame ? FindingRule::other_frame : rule_of(match.place, match.match);
+            const FindingRule rule = other_frame ? FindingRule::other_frame
+                                                 : rule_of(static_cast<LookedAt>(match.place), match.match);
             finding.candidates.push_back({path, rule, match.order});
         }
     }
