@@ -67,9 +67,15 @@ TEST(FootageCheck, NumbersAndLengthOfASequence) {
     folder.sequence("stray", 900, 901);
     folder.sequence("slate", 1, 1);
     folder.sequence("slate", 101, 108);
+    folder.sequence("holes", 1, 2);
+    folder.sequence("holes", 5, 6);
     const SequenceCase cases[] = {
         {"a file for each frame", "FROM 17 TO 19", "three0017", {}},
         {"a layer shorter than the sequence is covered", "FROM 17 TO 18", "three0017", {}},
+        {"a layer is covered in a gap, too",
+         "FROM 1 TO 6",
+         "holes0001",
+         {{"sequence-gap", "the sequence holes####.tga 1-6 has gaps: 3-4"}}},
         {"one frame too few",
          "FROM 17 TO 20",
          "three0017",
@@ -291,6 +297,7 @@ TEST(FootageCheck, ImagesThatDoNotFit) {
     make("grown0001.tif", picture(4, 4, 0, 0));
     make("grown0002.tif", picture(5, 4, 0, 0));
     make("torn0001.png", picture(4, 4, 0, 0));
+    make("half.png", picture(4, 4, 1, 127));
     folder.files().write("torn0002.png", "no picture");
 
     const std::vector<Said> no_alpha{
@@ -321,6 +328,10 @@ TEST(FootageCheck, ImagesThatDoNotFit) {
          "FILE NRM STRAIGHT \"X:solid.tif\"",
          true,
          {{"alpha-uniform", "the alpha channel is 255 everywhere"}}},
+        {"alpha that is the same everywhere and neither of them",
+         "FILE NRM STRAIGHT \"X:half.png\"",
+         true,
+         {}},
         {"channels that change",
          "FSEQ NRM STRAIGHT \"X:mixed0001.png\"",
          false,
@@ -346,6 +357,41 @@ TEST(FootageCheck, ImagesThatDoNotFit) {
         const std::string scene = folder.scene(scene_text(settings, one.entry));
         EXPECT_EQ(said_of(warnings_of(scene, one.read_pixels)), one.expected);
     }
+    const auto effect_of = [&](const char* name) {
+        const std::string entry = std::string("FILE NRM STRAIGHT \"X:") + name + '"';
+        const auto warnings = warnings_of(folder.scene(scene_text("FROM 1 TO 1", entry)));
+        return warnings.size() == 1 ? warnings.front().effects.front() : std::string();
+    };
+    EXPECT_NE(effect_of("small.tif").find("it does not cover the composition"), std::string::npos);
+    EXPECT_NE(effect_of("large.png").find("its edges are cut off"), std::string::npos);
+}
+
+TEST(FootageCheck, ATextureIsAStillAndHasNoLengthAsASequence) {
+    const SceneFolder folder;
+    const std::string texture = folder.files().path("skin0001.txl");
+    ASSERT_FALSE(write_texture(texture, made_texture(4, 4, Texture::kRgb, 0)).has_value());
+    const std::string scene = folder.scene(scene_text("FROM 1 TO 9", "FSEQ NRM STRAIGHT \"X:skin0001.txl\""));
+    EXPECT_EQ(
+        said_of(warnings_of(scene)),
+        (std::vector<Said>{{"sequence-single-frame", "the sequence skin####.txl has one file, number 1"}}));
+}
+
+TEST(FootageCheck, FoldersFarBelowTheSceneAreNotSearched) {
+    const SceneFolder folder;
+    const auto hints_at_level = [&](int level) {
+        std::string place = folder.files().folder().string() + "/level" + std::to_string(level);
+        for (int i = 1; i < level; ++i) {
+            place += "/down";
+        }
+        fs::create_directories(place);
+        fs::copy(folder.image("sky.tga"), place + "/deep" + std::to_string(level) + ".tga");
+        return hints_of(folder.scene(
+            scene_text("FROM 1 TO 1", "FILE NRM STRAIGHT \"X:deep" + std::to_string(level) + ".tga\"")));
+    };
+    EXPECT_NE(hints_at_level(6).find("the same name in another folder"), std::string::npos);
+    const std::string cut = hints_at_level(7);
+    EXPECT_EQ(cut.find("it may be"), std::string::npos) << cut;
+    EXPECT_NE(cut.find("there are too many files below the scene's folder"), std::string::npos) << cut;
 }
 
 TEST(FootageCheck, SomeFramesOfALongSequenceAreLookedAtAndAllWhenAsked) {

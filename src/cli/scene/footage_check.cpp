@@ -37,10 +37,15 @@ bool is_texture(std::string_view path) {
 
 namespace {
 
-// The path beside the composition file, as the user would write it.
+// The path beside the composition file, as the user would write it: with the separator in the user's own
+// path.
 std::string beside(const SceneReading& reading, std::string_view path) {
-    return os::text_of(os::path_of(reading.file).parent_path() /
-                       os::path_of(std::string(last_component(path))));
+    std::string place = os::text_of(os::path_of(reading.file).parent_path());
+    const char next = place.size() < reading.file.size() ? reading.file[place.size()] : '\0';
+    if (!place.empty() && place.back() != '/' && (next == '/' || next == '\\')) {
+        place += next;
+    }
+    return place.append(last_component(path));
 }
 
 std::string placeholder_text(const SceneReading& reading, std::string_view name) {
