@@ -134,12 +134,13 @@ TEST(ProjectDocument, OfASceneOf1MegabyteHasAtMost8) {
     constexpr int kKeysOfObject = 1000;
     for (const auto& one : cases) {
         const std::string begin = std::string(one.block) + " \"Object\" {\n";
-        std::string scene = kHead + "COMPOSITION NRM \"Main\" { }\n" + begin;
+        std::string scene = kHead + "COMPOSITION NRM \"Main\" { }\n";
+        scene += begin;
         for (int frame = 0; scene.size() < kMegabyte - 100; ++frame) {
             scene += "KEY " + std::to_string(frame) + one.numbers;
             // The array of an object's keys grows by one, which takes minutes with the sanitizers.
             if (frame % kKeysOfObject == kKeysOfObject - 1) {
-                scene += "}\n" + begin;
+                scene.append("}\n").append(begin);
             }
         }
         const TemporaryFolder folder;
