@@ -1,12 +1,12 @@
 #include "cli/doctor/bundle_files.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
 #include <utility>
 
+#include "system/file_content.h"
 #include "system/files.h"
 #include "system/open_regular_file.h"
 #include "text/ascii.h"
@@ -46,20 +46,10 @@ ReadFile read_file(const std::string& path) {
         file.error = "it cannot be read";
         return file;
     }
-    std::string bytes;
-    std::array<char, 1U << 16U> block;
-    while (bytes.size() <= kLargestFile) {
-        const std::size_t count = std::fread(block.data(), 1, block.size(), in.get());
-        if (count == 0) {
-            break;
-        }
-        bytes.append(block.data(), count);
-    }
-    if (std::ferror(in.get()) != 0 || bytes.size() > kLargestFile) {
+    file.bytes = os::read_all(in.get(), kLargestFile);
+    if (!file.bytes) {
         file.error = std::ferror(in.get()) != 0 ? "it cannot be read" : "it grows while it is being read";
-        return file;
     }
-    file.bytes = std::move(bytes);
     return file;
 }
 

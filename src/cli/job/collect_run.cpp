@@ -8,13 +8,13 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/footage/file_content.h"
 #include "cli/job/digest.h"
 #include "cli/job/zip_file.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/output_file.h"
 #include "embedded/json_values.h"
 #include "limit/limits.h"
+#include "system/file_content.h"
 #include "system/files.h"
 #include "system/open_regular_file.h"
 #include "system/replacement_file.h"
@@ -80,7 +80,7 @@ Json entry_json(const ManifestEntry& entry) {
 
 // The manifest's files of an earlier collection; null for a file that is none of ours.
 Json earlier_files(const std::string& path) {
-    const auto text = content_of(path, kMostManifestBytes);
+    const auto text = os::content_of(path, kMostManifestBytes);
     const Json manifest = Json::parse(text.value_or(""), nullptr, false);
     const bool ours = manifest.is_object() && manifest.value("generator", Json()) == kGenerator &&
                       manifest.value("schema", Json()) == kManifestSchema && manifest.contains("files") &&

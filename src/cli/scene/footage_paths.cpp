@@ -3,9 +3,9 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "cli/footage/file_content.h"
 #include "composition/model/composition.h"
 #include "limit/limits.h"
+#include "system/file_content.h"
 
 namespace cli {
 namespace {
@@ -68,7 +68,7 @@ std::string unwritable_path(std::string_view path) {
 std::optional<std::string> scene_with_paths(const std::string& full_path,
                                             const std::vector<PathChange>& changes, std::string& problem) {
     const std::optional<std::string> bytes =
-        content_of(full_path, static_cast<std::uint64_t>(limits::kCompositionFile.value));
+        os::content_of(full_path, static_cast<std::uint64_t>(limits::kCompositionFile.value));
     if (!bytes) {
         problem = "the file cannot be read";
         return std::nullopt;

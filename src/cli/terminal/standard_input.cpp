@@ -1,12 +1,12 @@
 #include "cli/terminal/standard_input.h"
 
 #include <algorithm>
-#include <array>
 #include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
 
+#include "system/file_content.h"
 #include "system/files.h"
 #include "system/open_regular_file.h"
 
@@ -46,15 +46,7 @@ bool names_standard_input_twice(const std::vector<std::string>& paths) {
 }
 
 std::optional<std::string> standard_input_text(std::uint64_t most_bytes) {
-    std::string text;
-    std::array<char, std::size_t{1} << 16U> part{};
-    while (const std::size_t count = std::fread(part.data(), 1, part.size(), stdin)) {
-        text.append(part.data(), count);
-        if (text.size() > most_bytes) {
-            return std::nullopt;
-        }
-    }
-    return std::ferror(stdin) == 0 ? std::optional(std::move(text)) : std::nullopt;
+    return os::read_all(stdin, most_bytes);
 }
 
 std::optional<StandardInputFile> StandardInputFile::read(std::uint64_t most_bytes, std::string& error) {

@@ -6,9 +6,9 @@
 #include <stdexcept>
 #include <string_view>
 
-#include "cli/footage/file_content.h"
 #include "cli/options.h"
 #include "cli/terminal/standard_input.h"
+#include "system/file_content.h"
 #include "system/files.h"
 #include "text/ascii.h"
 
@@ -40,7 +40,7 @@ std::vector<std::string> listed(const CheckInputs& inputs) {
     }
     const std::optional<std::string> list = is_standard_input(inputs.list)
                                                 ? standard_input_text(kMostListBytes)
-                                                : content_of(inputs.list, kMostListBytes);
+                                                : os::content_of(inputs.list, kMostListBytes);
     if (!list) {
         throw std::runtime_error("the list of files \"" + inputs.list +
                                  "\" cannot be read, or is no regular file of up to 64 MiB");

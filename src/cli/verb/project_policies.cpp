@@ -5,8 +5,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "cli/footage/file_content.h"
 #include "cli/footage/job_file.h"
+#include "system/file_content.h"
 #include "system/files.h"
 
 namespace cli {
@@ -75,7 +75,7 @@ std::shared_ptr<const CheckPolicy> ProjectPolicies::policy_in(const std::string&
 }
 
 std::shared_ptr<const CheckPolicy> ProjectPolicies::read(const std::string& path) const {
-    const std::optional<std::string> text = content_of(path, kMostBytes);
+    const std::optional<std::string> text = os::content_of(path, kMostBytes);
     if (!text) {
         wrong(path, 1, "this is no regular file of up to 1 MiB that may be read");
     }

@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "cli/footage/file_content.h"
 #include "cli/footage/finding_options.h"
 #include "cli/footage/job_file.h"
 #include "cli/job/relink_run.h"
@@ -15,6 +14,7 @@
 #include "cli/terminal/terminal.h"
 #include "cli/terminal/text_table.h"
 #include "cli/verbs.h"
+#include "system/file_content.h"
 #include "system/files.h"
 #include "text/printable.h"
 
@@ -107,7 +107,7 @@ class RelinkCommand : public Command {
         if (use_.empty()) {
             return options;
         }
-        const auto text = content_of(use_, kMostJobFileBytes);
+        const auto text = os::content_of(use_, kMostJobFileBytes);
         if (!text) {
             throw std::runtime_error("cannot read " + use_);
         }
