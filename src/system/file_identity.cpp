@@ -44,4 +44,10 @@ FileIdentity identity_of(const std::string& path) {
     return {{}, below};
 }
 
+std::string canonical_path(const std::string& path) {
+    std::error_code failure;
+    const fs::path canonical = fs::canonical(native_path(path), failure);
+    return failure ? path : text_of(canonical);
+}
+
 }  // namespace os

@@ -23,4 +23,8 @@ struct FileIdentity {
 /// Opens nothing and never waits.
 [[nodiscard]] FileIdentity identity_of(const std::string& path);
 
+/// The one full name of what exists at `path`: without links, "." and "..". `path` itself if it cannot be
+/// determined.
+[[nodiscard]] std::string canonical_path(const std::string& path);
+
 }  // namespace os

@@ -45,9 +45,6 @@ class FolderListing {
     /// In the order of their bytes; empty for a folder that cannot be read. Valid as long as the listing.
     const std::vector<Entry>& entries(const std::string& folder);
 
-    /// How many folders have been read.
-    [[nodiscard]] std::size_t folders_read() const { return folders_.size(); }
-
   private:
     const Disk& disk_;
     std::unordered_map<std::string, std::vector<Entry>> folders_;

@@ -10,6 +10,7 @@
 #include "cli/footage/folder_listing.h"
 #include "cli/footage/name_match.h"
 #include "cli/footage/search_tree.h"
+#include "cli/footage/sequence_files.h"
 #include "cli/footage/stored_path.h"
 
 // Where the footage of a scene is today. docs/relink.md explains the rules to artists.
@@ -94,8 +95,8 @@ class FootageFinder {
     void keep(const std::string& written, const std::string& path) { options_.kept[written] = path; }
 
     [[nodiscard]] const FinderOptions& options() const { return options_; }
-    /// The folders that were read so far.
-    FolderListing& listing() { return listing_; }
+    /// The sequences in the folders that were read so far, and in others.
+    SequenceIndex& sequences() { return sequences_; }
 
   private:
     struct Match;
@@ -114,6 +115,7 @@ class FootageFinder {
     Disk disk_;
     FinderOptions options_;
     FolderListing listing_;
+    SequenceIndex sequences_;
     SearchTree tree_;
 };
 

@@ -1,11 +1,11 @@
 #include "cli/footage/footage_survey.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <utility>
 
 #include "cli/footage/stored_path.h"
 #include "limit/limits.h"
+#include "system/file_identity.h"
 #include "system/files.h"
 
 namespace cli {
@@ -39,10 +39,7 @@ FootageSurvey::FootageSurvey(FootageFinder* finder, bool read_pixels)
     : finder_(finder),
       read_pixels_(read_pixels),
       names_left_(limits::kNearbyNamesOfRun),
-      disk_(disk()),
-      listing_(disk_),
-      index_(listing_),
-      plain_({}, disk_) {}
+      plain_({}, disk()) {}
 
 Disk FootageSurvey::disk() {
     Disk disk = real_disk();
@@ -103,27 +100,16 @@ std::optional<embedded::SequenceFrames> FootageSurvey::sequence(const std::strin
         return std::nullopt;
     }
     const std::scoped_lock lock(mutex_);
-    return embedded::sequence_among(index_.numbers_beside(folder_with(path), *name), *name, {});
+    return embedded::sequence_among(plain_.sequences().numbers_beside(folder_with(path), *name), *name, {});
 }
 
 std::vector<std::string> FootageSurvey::sequence_paths(const std::string& path) {
     const std::string folder = folder_with(path);
-    const auto name = embedded::split_number(file_name_of(path));
-    if (!name) {
-        return {path};
-    }
     const std::scoped_lock lock(mutex_);
-    std::vector<std::string> numbers = index_.numbers_beside(folder, *name);
-    const std::size_t padding = embedded::padding_of(name->digits, numbers);
-    std::erase_if(numbers, [&](const std::string& one) { return !embedded::has_padding(one, padding); });
-    // Longer numbers are larger: they have outgrown the padding.
-    std::sort(numbers.begin(), numbers.end(), [](const std::string& a, const std::string& b) {
-        return a.size() != b.size() ? a.size() < b.size() : a < b;
-    });
     std::vector<std::string> paths;
-    paths.reserve(numbers.size());
-    for (const std::string& number : numbers) {
-        paths.push_back(joined_path(folder, name->prefix + number + name->suffix));
+    for (const SequenceFile& file :
+         sequence_files(plain_.sequences(), joined_path(folder, file_name_of(path)))) {
+        paths.push_back(joined_path(folder, file.name));
     }
     return paths;
 }
@@ -135,13 +121,7 @@ NearMiss FootageSurvey::near_miss(const WantedFootage& wanted) {
     if (miss.finding.outcome != Finding::Outcome::missing) {
         return miss;
     }
-    std::error_code failure;
-    const std::filesystem::path folder =
-        std::filesystem::canonical(os::native_path(folder_with(wanted.scene)), failure);
-    if (failure) {
-        return miss;
-    }
-    Tree& tree = tree_of(os::text_of(folder));
+    Tree& tree = tree_of(os::canonical_path(folder_with(wanted.scene)));
     miss.finding = tree.finder->find(wanted);
     miss.in_tree = miss.finding.outcome != Finding::Outcome::missing;
     miss.tree_is_cut = tree.is_cut;

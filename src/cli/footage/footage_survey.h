@@ -9,9 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "cli/footage/folder_listing.h"
 #include "cli/footage/footage_finder.h"
-#include "cli/footage/sequence_files.h"
 #include "embedded/sequence.h"
 
 namespace cli {
@@ -71,9 +69,6 @@ class FootageSurvey {
     mutable std::mutex mutex_;
     std::unordered_map<std::string, std::vector<os::FolderEntry>> folders_;
     std::int64_t names_left_;  // of the run
-    Disk disk_;
-    FolderListing listing_;
-    SequenceIndex index_;
     FootageFinder plain_;
     std::map<std::string, Tree> trees_;
 };

@@ -1,27 +1,17 @@
 #include "cli/footage/search_tree.h"
 
 #include <algorithm>
-#include <filesystem>
 #include <optional>
-#include <system_error>
 #include <utility>
 
 #include "cli/footage/stored_path.h"
 #include "embedded/sequence.h"
+#include "system/file_identity.h"
 #include "system/files.h"
 #include "text/unicode_forms.h"
 
 namespace cli {
 namespace {
-
-namespace fs = std::filesystem;
-
-// The folder under one name, whatever links lead to it.
-std::string one_name(const std::string& folder) {
-    std::error_code failure;
-    const fs::path canonical = fs::canonical(os::native_path(folder), failure);
-    return failure ? folder : os::text_of(canonical);
-}
 
 bool is_below(const std::string& path, const std::string& folder) {
     return path.starts_with(joined_path(folder, ""));
@@ -43,7 +33,7 @@ std::string number_key(const std::string& before, const std::string& after) {
 SearchTree::SearchTree(FolderListing& listing, std::vector<std::string> roots)
     : listing_(listing), roots_(std::move(roots)) {
     for (std::string& root : roots_) {
-        root = one_name(root);
+        root = os::canonical_path(root);
     }
 }
 

@@ -35,33 +35,21 @@ const std::vector<std::string>& SequenceIndex::numbers_beside(const std::string&
     return found == numbers.end() ? none_ : found->second;
 }
 
-std::vector<SequenceFile> sequence_files(FolderListing& listing, const std::string& path) {
+std::vector<SequenceFile> sequence_files(SequenceIndex& index, const std::string& path) {
     const std::filesystem::path file = os::path_of(path);
     const std::string name = os::text_of(file.filename());
     const std::optional<embedded::NumberedName> wanted = embedded::split_number(name);
     if (!wanted) {
         return {{name, 0}};
     }
-    std::vector<SequenceFile> files;
-    std::vector<std::string> digits;
-    for (const FolderListing::Entry& entry : listing.entries(os::text_of(file.parent_path()))) {
-        if (entry.kind != os::FileKind::regular) {
-            continue;
-        }
-        const auto split = embedded::split_number(entry.name.bytes());
-        if (!split || split->prefix != wanted->prefix || split->suffix != wanted->suffix) {
-            continue;
-        }
-        SequenceFile one{entry.name.bytes(), 0};
-        std::from_chars(split->digits.data(), split->digits.data() + split->digits.size(), one.number);
-        files.push_back(one);
-        digits.push_back(split->digits);
-    }
-    const std::size_t padding = embedded::padding_of(wanted->digits, digits);
+    const std::vector<std::string>& numbers = index.numbers_beside(os::text_of(file.parent_path()), *wanted);
+    const std::size_t padding = embedded::padding_of(wanted->digits, numbers);
     std::vector<SequenceFile> sequence;
-    for (std::size_t i = 0; i < files.size(); ++i) {
-        if (embedded::has_padding(digits[i], padding)) {
-            sequence.push_back(files[i]);
+    for (const std::string& digits : numbers) {
+        if (embedded::has_padding(digits, padding)) {
+            SequenceFile one{wanted->prefix + digits + wanted->suffix, 0};
+            std::from_chars(digits.data(), digits.data() + digits.size(), one.number);
+            sequence.push_back(one);
         }
     }
     std::sort(sequence.begin(), sequence.end(),

@@ -39,6 +39,6 @@ struct SequenceFile {
 
 /// Every file of the sequence that a host imports for the file at `path`, in the order of their numbers. That
 /// file alone if its name has no number.
-[[nodiscard]] std::vector<SequenceFile> sequence_files(FolderListing& listing, const std::string& path);
+[[nodiscard]] std::vector<SequenceFile> sequence_files(SequenceIndex& index, const std::string& path);
 
 }  // namespace cli

@@ -3,12 +3,11 @@
 #include <algorithm>
 #include <filesystem>
 #include <optional>
-#include <system_error>
 #include <tuple>
 #include <utility>
 
-#include "cli/footage/sequence_files.h"
 #include "embedded/sequence.h"
+#include "system/file_identity.h"
 #include "system/files.h"
 #include "text/unicode_forms.h"
 #include "text/utf8.h"
@@ -144,14 +143,6 @@ std::string choose_scene_name(const std::string& path, TakenNames& taken,
     }
 }
 
-// The folder under one name, so that a file reached in two ways is one file.
-std::string canonical_folder(const std::string& path) {
-    std::error_code failure;
-    const fs::path folder =
-        fs::canonical(os::native_path(os::text_of(os::path_of(path).parent_path())), failure);
-    return failure ? os::text_of(os::path_of(path).parent_path()) : os::text_of(folder);
-}
-
 class Planner {
   public:
     Planner(const std::vector<RelinkedScene>& scenes, FootageFinder& finder, bool trim)
@@ -200,11 +191,13 @@ class Planner {
         if (sought.finding.outcome != Finding::Outcome::found) {
             return;
         }
-        const std::string folder = canonical_folder(sought.finding.path);
+        // A file that is reached in two ways is one file.
+        const std::string folder =
+            os::canonical_path(os::text_of(os::path_of(sought.finding.path).parent_path()));
         std::string name = os::text_of(os::path_of(sought.finding.path).filename());
         std::vector<SequenceFile> frames{{name, 0}};
         if (sought.is_sequence) {
-            frames = sequence_files(finder_.listing(), joined_path(folder, name));
+            frames = sequence_files(finder_.sequences(), joined_path(folder, name));
         }
         if (frames.empty()) {
             frames = {{name, 0}};

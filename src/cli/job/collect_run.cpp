@@ -15,6 +15,7 @@
 #include "embedded/json_values.h"
 #include "limit/limits.h"
 #include "system/file_content.h"
+#include "system/file_identity.h"
 #include "system/files.h"
 #include "system/open_regular_file.h"
 #include "system/replacement_file.h"
@@ -205,10 +206,7 @@ bool clone_file(ManifestEntry& entry, const std::string& path) {
 bool link_file(ManifestEntry& entry, const std::string& path) {
     std::error_code failure;
     // Of the file itself, not of a link to it.
-    const fs::path source = fs::canonical(os::native_path(entry.source), failure);
-    if (!failure) {
-        fs::create_hard_link(source, os::native_path(path), failure);
-    }
+    fs::create_hard_link(os::native_path(os::canonical_path(entry.source)), os::native_path(path), failure);
     if (failure) {
         return false;
     }

@@ -13,7 +13,6 @@
 #include <system_error>
 #include <utility>
 
-#include "cli/footage/sequence_files.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/standard_input.h"
@@ -184,7 +183,7 @@ void add_roles(const RelinkedScene& scene, FootageFinder& finder, FileRoles& rol
         roles.reads(footage.finding.path, use);
         if (footage.is_sequence) {
             const std::string folder = folder_of(footage.finding.path);
-            for (const SequenceFile& frame : sequence_files(finder.listing(), footage.finding.path)) {
+            for (const SequenceFile& frame : sequence_files(finder.sequences(), footage.finding.path)) {
                 roles.reads(joined_path(folder, frame.name), use);
             }
         }
