@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
-#include <iterator>
 #include <tuple>
 #include <utility>
 
@@ -22,16 +21,8 @@ constexpr std::size_t kMostPathBytes = std::size_t{1} << 16U;
 // Folders on the way that have the name, in one of its writings.
 constexpr std::size_t kMostBranches = 64;
 
-// In the order of FindingRule.
-constexpr const char* kRuleLabels[] = {"as-written", "beside-scene", "kept",       "map",
-                                       "tail",       "unicode-form", "mac-roman",  "windows-1252",
-                                       "cut-name",   "letter-case",  "other-frame"};
-static_assert(std::size(kRuleLabels) == static_cast<std::size_t>(FindingRule::other_frame) + 1);
-
-constexpr std::array<std::pair<const char*, Preference>, 3> kPreferences{
-    {{"newest", Preference::newest}, {"largest", Preference::largest}, {"first", Preference::first}}};
-
-enum LookedAt { kAsWritten, kBeside, kMapped, kSearched, kPlaces };
+constexpr std::array kPlaces{FinderPlace::as_written, FinderPlace::beside_scene, FinderPlace::mapped,
+                             FinderPlace::searched};
 
 std::vector<ReadName> read_names(const std::vector<std::string_view>& names) {
     return {names.begin(), names.end()};
@@ -107,7 +98,7 @@ std::optional<NameMatch> match_frame(const NumberedName& wanted, const ReadName&
     return match == NameMatch::cut_name ? std::nullopt : match;
 }
 
-FindingRule rule_of(LookedAt place, NameMatch match) {
+FindingRule rule_of(FinderPlace place, NameMatch match) {
     switch (match) {
         case NameMatch::unicode_form:
             return FindingRule::unicode_form;
@@ -122,26 +113,12 @@ FindingRule rule_of(LookedAt place, NameMatch match) {
         case NameMatch::exact:
             break;
     }
-    constexpr std::array<FindingRule, kPlaces> kExact{FindingRule::as_written, FindingRule::beside_scene,
-                                                      FindingRule::map, FindingRule::tail};
-    return kExact[place];
+    constexpr std::array kExact{FindingRule::as_written, FindingRule::beside_scene, FindingRule::map,
+                                FindingRule::tail};
+    return kExact[static_cast<std::size_t>(place)];
 }
 
 }  // namespace
-
-// A file that may be meant.
-struct FootageFinder::Match {
-    std::string folder;
-    std::string name;
-    NameMatch match;
-    std::size_t order;
-    int place;  // a LookedAt
-    // How much of the path speaks for it, more being better.
-    std::size_t tail = 0;
-    std::size_t exact_tail = 0;
-
-    [[nodiscard]] std::string path() const { return name.empty() ? folder : joined_path(folder, name); }
-};
 
 // What is looked for, taken apart.
 struct FootageFinder::Search {
@@ -172,40 +149,6 @@ struct FootageFinder::Search {
     bool other_frame = false;
     std::size_t least_tail = 0;  // what a shorter tail leads to does not count
 };
-
-const char* label(FindingRule rule) {
-    return kRuleLabels[static_cast<std::size_t>(rule)];
-}
-
-const char* label(Finding::Outcome outcome) {
-    switch (outcome) {
-        case Finding::Outcome::found:
-            return "found";
-        case Finding::Outcome::ambiguous:
-            return "ambiguous";
-        case Finding::Outcome::missing:
-            break;
-    }
-    return "missing";
-}
-
-std::optional<Preference> parse_preference(std::string_view text) {
-    for (const auto& [name, preference] : kPreferences) {
-        if (text == name) {
-            return preference;
-        }
-    }
-    return std::nullopt;
-}
-
-const char* label(Preference preference) {
-    for (const auto& [name, known] : kPreferences) {
-        if (known == preference) {
-            return name;
-        }
-    }
-    return "";
-}
 
 FootageFinder::FootageFinder(FinderOptions options, Disk disk)
     : disk_(std::move(disk)),
@@ -241,9 +184,9 @@ std::optional<std::string> FootageFinder::found_exactly(const Search& search, Fi
 // Files below `base` under `names`, whose folders may be written as differently as the level allows.
 void FootageFinder::add_below(const Search& search, const std::string& base,
                               const std::vector<ReadName>& names, std::size_t order,
-                              std::vector<Match>& found) {
+                              std::vector<FootageMatch>& found) {
     if (names.empty()) {
-        found.push_back({base, {}, NameMatch::exact, order, kMapped});
+        found.push_back({base, {}, NameMatch::exact, order, FinderPlace::mapped});
         return;
     }
     std::vector<std::pair<std::string, NameMatch>> folders{{base, NameMatch::exact}};
@@ -267,14 +210,15 @@ void FootageFinder::add_below(const Search& search, const std::string& base,
                 continue;
             }
             if (const auto match = search.match(names.back(), entry.name)) {
-                found.push_back({folder, entry.name.bytes(), looser(so_far, *match), order, kAsWritten});
+                found.push_back(
+                    {folder, entry.name.bytes(), looser(so_far, *match), order, FinderPlace::as_written});
             }
         }
     }
 }
 
 // Behind the longest prefix that leads to something.
-void FootageFinder::add_mapped(const Search& search, std::vector<Match>& found) {
+void FootageFinder::add_mapped(const Search& search, std::vector<FootageMatch>& found) {
     const Beginning path = beginning_of(search.wanted.written);
     std::map<std::size_t, std::vector<std::size_t>, std::greater<>> by_length;
     for (std::size_t i = 0; i < options_.maps.size(); ++i) {
@@ -295,7 +239,7 @@ void FootageFinder::add_mapped(const Search& search, std::vector<Match>& found) 
     }
 }
 
-void FootageFinder::add_searched(const Search& search, std::vector<Match>& found) {
+void FootageFinder::add_searched(const Search& search, std::vector<FootageMatch>& found) {
     if (options_.search.empty() || search.names.empty()) {
         return;
     }
@@ -311,136 +255,55 @@ void FootageFinder::add_searched(const Search& search, std::vector<Match>& found
         const std::size_t tail = match ? tree_.tail_length(file, search.names, folders) : 0;
         if (match && tail >= search.least_tail) {
             found.push_back({tree_.folder_of(file), tree_.name_of(file).bytes(), *match, tree_.order_of(file),
-                             kSearched, tail, tree_.tail_length(file, search.names, MatchLevel::exact)});
+                             FinderPlace::searched, tail,
+                             tree_.tail_length(file, search.names, MatchLevel::exact)});
         }
     }
 }
 
-std::vector<FootageFinder::Match> FootageFinder::matches(const Search& search, int place) {
-    std::vector<Match> found;
+std::vector<FootageMatch> FootageFinder::matches(const Search& search, FinderPlace place) {
+    std::vector<FootageMatch> found;
     const auto native = native_root(search.path);
     switch (place) {
-        case kAsWritten:
+        case FinderPlace::as_written:
             if (native && !search.names.empty()) {
                 add_below(search, *native, search.names, 0, found);
             }
             break;
-        case kBeside:
+        case FinderPlace::beside_scene:
             if (!search.beside.front().bytes().empty()) {
                 add_below(search, search.folder, search.beside, 0, found);
             }
             break;
-        case kMapped:
+        case FinderPlace::mapped:
             add_mapped(search, found);
             break;
-        default:
+        case FinderPlace::searched:
             add_searched(search, found);
             break;
     }
-    for (Match& match : found) {
+    for (FootageMatch& match : found) {
         match.place = place;
     }
     return found;
 }
 
-namespace {
-
-// Files of one sequence are one footage: the named one of them if it is there, else the first.
-template <class Match>
-void join_sequences(const std::string& wanted_digits, std::vector<Match>& matches) {
-    using Key = std::tuple<std::string, std::string, std::string>;
-    std::map<Key, std::vector<std::string>> digits_of;
-    std::vector<std::optional<NumberedName>> splits;
-    for (const Match& match : matches) {
-        splits.push_back(embedded::split_number(match.name));
-        if (const auto& split = splits.back()) {
-            digits_of[{match.folder, split->prefix, split->suffix}].push_back(split->digits);
-        }
-    }
-    const auto rank = [&](std::size_t i) {
-        const std::string& digits = splits[i]->digits;
-        return std::tuple(digits != wanted_digits, digits.size(), digits);
-    };
-    std::map<std::pair<Key, std::size_t>, std::size_t> first;
-    std::vector<Match> joined;
-    for (std::size_t i = 0; i < matches.size(); ++i) {
-        if (!splits[i]) {
-            joined.push_back(matches[i]);
-            continue;
-        }
-        const Key key{matches[i].folder, splits[i]->prefix, splits[i]->suffix};
-        const std::size_t padding = embedded::padding_of(splits[i]->digits, digits_of[key]);
-        const auto [place, is_new] = first.try_emplace({key, padding}, i);
-        if (!is_new && rank(i) < rank(place->second)) {
-            place->second = i;
-        }
-    }
-    for (const auto& [key, i] : first) {
-        joined.push_back(matches[i]);
-    }
-    matches = std::move(joined);
-}
-
-// Keeps those of the highest rank.
-template <class Match>
-void keep_best(std::vector<Match>& matches) {
-    const auto rank = [](const Match& match) {
-        return std::tuple(level_of(match.match), -static_cast<std::int64_t>(match.tail),
-                          -static_cast<std::int64_t>(match.exact_tail));
-    };
-    if (matches.empty()) {
-        return;
-    }
-    const auto best = std::min_element(matches.begin(), matches.end(),
-                                       [&](const Match& a, const Match& b) { return rank(a) < rank(b); });
-    const auto highest = rank(*best);
-    std::erase_if(matches, [&](const Match& match) { return rank(match) != highest; });
-}
-
-void sort_by_preference(Preference prefer, const Disk& disk, std::vector<FootageCandidate>& candidates,
-                        bool& decided) {
-    std::vector<std::pair<FileFacts, FootageCandidate>> known;
-    known.reserve(candidates.size());
-    for (FootageCandidate& one : candidates) {
-        known.emplace_back(disk.facts(one.path), std::move(one));
-    }
-    const auto before = [prefer](const auto& a, const auto& b) {
-        switch (prefer) {
-            case Preference::newest:
-                return a.first.changed > b.first.changed;
-            case Preference::largest:
-                return a.first.size_bytes > b.first.size_bytes;
-            default:
-                return a.second.order < b.second.order;
-        }
-    };
-    std::stable_sort(known.begin(), known.end(), before);
-    // Equal ones stay undecided.
-    decided = before(known[0], known[1]);
-    candidates.clear();
-    for (auto& one : known) {
-        candidates.push_back(std::move(one.second));
-    }
-}
-
-}  // namespace
-
-Finding FootageFinder::decide(const Search& search, std::vector<Match> matches, bool other_frame) const {
+Finding FootageFinder::decide(const Search& search, std::vector<FootageMatch> matches) const {
     keep_best(matches);
     if (search.wanted.is_sequence) {
         join_sequences(search.numbered ? search.numbered->digits : std::string(), matches);
     }
-    std::erase_if(matches, [&](const Match& match) { return !disk_.opens(match.path()); });
+    std::erase_if(matches, [&](const FootageMatch& match) { return !disk_.opens(match.path()); });
     Finding finding;
-    for (const Match& match : matches) {
+    for (const FootageMatch& match : matches) {
         const std::string path = match.path();
         const bool known = std::any_of(
             finding.candidates.begin(), finding.candidates.end(), [&](const FootageCandidate& one) {
                 return one.path == path || (!search.wanted.is_sequence && disk_.same_file(one.path, path));
             });
         if (!known) {
-            const FindingRule rule = other_frame ? FindingRule::other_frame
-                                                 : rule_of(static_cast<LookedAt>(match.place), match.match);
+            const FindingRule rule =
+                search.other_frame ? FindingRule::other_frame : rule_of(match.place, match.match);
             finding.candidates.push_back({path, rule, match.order});
         }
     }
@@ -453,7 +316,7 @@ Finding FootageFinder::decide(const Search& search, std::vector<Match> matches, 
                      });
     bool decided = finding.candidates.size() == 1;
     if (!decided && options_.prefer != Preference::none) {
-        sort_by_preference(options_.prefer, disk_, finding.candidates, decided);
+        decided = sort_by_preference(options_.prefer, disk_, finding.candidates);
     }
     finding.outcome = decided ? Finding::Outcome::found : Finding::Outcome::ambiguous;
     finding.rule = finding.candidates.front().rule;
@@ -472,8 +335,11 @@ Finding FootageFinder::find_at(Search& search, MatchLevel level, bool other_fram
     search.other_frame = other_frame;
     // The path itself has been tried, as it is.
     const bool tried = level == MatchLevel::exact && !other_frame;
-    for (int place = tried ? kMapped : kAsWritten; place < kPlaces; ++place) {
-        Finding finding = decide(search, matches(search, place), other_frame);
+    for (const FinderPlace place : kPlaces) {
+        if (tried && place < FinderPlace::mapped) {
+            continue;
+        }
+        Finding finding = decide(search, matches(search, place));
         if (finding.outcome != Finding::Outcome::missing) {
             return finding;
         }
@@ -509,15 +375,14 @@ Finding FootageFinder::find(const WantedFootage& wanted) {
             break;
         }
     }
-    if (!search.numbered || finding.outcome == Finding::Outcome::found) {
+    if (!search.numbered || finding.is_found()) {
         return finding;
     }
     // Several shots have a frame of this name, and the right folder has the sequence without it: another of
     // its frames is no guess.
     search.least_tail = finding.tail + 1;
     const Finding other = find_other_frame(search);
-    return other.outcome == Finding::Outcome::found || finding.outcome == Finding::Outcome::missing ? other
-                                                                                                    : finding;
+    return other.is_found() || finding.outcome == Finding::Outcome::missing ? other : finding;
 }
 
 }  // namespace cli

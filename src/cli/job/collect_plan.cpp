@@ -179,7 +179,7 @@ class Planner {
                                         : std::string(),
                                     {}});
             for (const SoughtFootage& footage : scene.footage) {
-                if (footage.finding.outcome != Finding::Outcome::found) {
+                if (!footage.finding.is_found()) {
                     taken_.reserve(std::string(last_name(footage.written)));
                 }
             }
@@ -188,7 +188,7 @@ class Planner {
 
     void add_use(std::size_t scene, std::size_t footage) {
         const SoughtFootage& sought = scenes_[scene].footage[footage];
-        if (sought.finding.outcome != Finding::Outcome::found) {
+        if (!sought.finding.is_found()) {
             return;
         }
         // A file that is reached in two ways is one file.

@@ -423,7 +423,7 @@ nlohmann::ordered_json collect_document(const std::vector<RelinkedScene>& scenes
     for (std::size_t i = 0; i < scenes.size(); ++i) {
         Json missing = Json::array();
         for (const SoughtFootage& footage : scenes[i].footage) {
-            if (footage.finding.outcome != Finding::Outcome::found) {
+            if (!footage.finding.is_found()) {
                 missing.push_back(embedded::json_text(footage.written));
             }
         }

@@ -36,13 +36,9 @@ std::string name_of(const std::string& path) {
     return os::text_of(os::path_of(path).filename());
 }
 
-bool is_found(const SoughtFootage& footage) {
-    return footage.finding.outcome == Finding::Outcome::found;
-}
-
 // The path that the output needs; nothing if the scene's own is right there too.
 std::optional<std::string> new_path(const RelinkedScene& scene, const SoughtFootage& footage) {
-    if (!is_found(footage) || footage.finding.rule == FindingRule::as_written) {
+    if (!footage.finding.is_found() || footage.finding.rule == FindingRule::as_written) {
         return std::nullopt;
     }
     if (footage.finding.rule == FindingRule::beside_scene) {
@@ -68,7 +64,8 @@ std::int64_t shown_frames(const tagProjectSettings& settings) {
 
 void refuse_unwritable(RelinkedScene& scene) {
     for (SoughtFootage& footage : scene.footage) {
-        const std::string problem = is_found(footage) ? unwritable_path(footage.finding.path) : std::string();
+        const std::string problem =
+            footage.finding.is_found() ? unwritable_path(footage.finding.path) : std::string();
         if (!problem.empty()) {
             scene.problems.push_back(place_text(scene, footage) + ": " + text::quoted(footage.finding.path) +
                                      " cannot be written into a scene: " + problem);
@@ -98,7 +95,7 @@ Json footage_json(const SoughtFootage& footage) {
                 {"sequence", footage.is_sequence},
                 {"outcome", label(finding.outcome)},
                 {"rule", known ? Json(label(finding.rule)) : Json()},
-                {"result", is_found(footage) ? embedded::json_text(finding.path) : Json()},
+                {"result", footage.finding.is_found() ? embedded::json_text(finding.path) : Json()},
                 {"candidates", candidates}};
 }
 
@@ -151,7 +148,7 @@ RelinkedScene seek_scene(const std::string& file, FootageFinder& finder, const C
                 footage.finding = {Finding::Outcome::found, FindingRule::kept, candidate.path, {}};
             }
         }
-        if (!is_found(footage)) {
+        if (!footage.finding.is_found()) {
             scene.code = most_serious(scene.code, ExitCode::footage_missing);
         }
     }
@@ -176,7 +173,7 @@ void place_outputs(std::vector<RelinkedScene>& scenes, const std::string& folder
 void add_roles(const RelinkedScene& scene, FootageFinder& finder, FileRoles& roles) {
     roles.reads(scene.file);
     for (const SoughtFootage& footage : scene.footage) {
-        if (!is_found(footage)) {
+        if (!footage.finding.is_found()) {
             continue;
         }
         const std::string use = "footage of " + scene.file;
@@ -252,7 +249,7 @@ std::map<std::string, std::string> decisions_of(const std::vector<RelinkedScene>
         for (const SoughtFootage& footage : scene.footage) {
             const bool own = footage.finding.rule == FindingRule::as_written ||
                              folder_of(footage.finding.path) == folder_of(scene.full_path);
-            if (is_found(footage) && (!own || footage.finding.rule == FindingRule::kept)) {
+            if (footage.finding.is_found() && (!own || footage.finding.rule == FindingRule::kept)) {
                 paths[footage.written].insert(footage.finding.path);
             }
         }
@@ -274,7 +271,7 @@ std::string relink_summary(const std::vector<RelinkedScene>& scenes) {
         for (const SoughtFootage& footage : scene.footage) {
             ++paths;
             ++outcomes.at(static_cast<std::size_t>(footage.finding.outcome));
-            if (is_found(footage)) {
+            if (footage.finding.is_found()) {
                 ++rules[footage.finding.rule];
             }
         }

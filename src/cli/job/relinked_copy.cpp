@@ -36,8 +36,7 @@ std::optional<RelinkedCopy> RelinkedCopy::make(const std::string& file, FootageF
     RelinkedScene scene = seek_scene(file, finder, {});
     const bool elsewhere =
         std::any_of(scene.footage.begin(), scene.footage.end(), [](const SoughtFootage& footage) {
-            return footage.finding.outcome == Finding::Outcome::found &&
-                   footage.finding.rule > FindingRule::beside_scene;
+            return footage.finding.is_found() && footage.finding.rule > FindingRule::beside_scene;
         });
     if (!elsewhere) {
         return std::nullopt;

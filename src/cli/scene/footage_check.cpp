@@ -152,7 +152,7 @@ void check_entry(const SceneReading& reading, const SceneFootage& footage, Foota
             survey.finder() == nullptr
                 ? Finding()
                 : survey.finder()->find({reading.full_path, footage.written, is_sequence});
-        if (finding.outcome != Finding::Outcome::found) {
+        if (!finding.is_found()) {
             check_missing(reading, footage, finding, survey, warnings);
             return;
         }

@@ -59,7 +59,7 @@ void add_near_miss(const SceneReading& reading, const SceneFootage& footage, Foo
     const NearMiss miss =
         survey.near_miss({reading.full_path, footage.written, footage.file->isSequence != 0});
     const std::string command = relink_command(reading, miss.in_tree);
-    if (miss.finding.outcome == Finding::Outcome::found) {
+    if (miss.finding.is_found()) {
         warning.effects.push_back("it may be \"" + shown_path(miss.finding.path) +
                                   "\": " + explanation(miss.finding.rule) + "; to use it: " + command);
     } else if (miss.finding.outcome == Finding::Outcome::ambiguous) {

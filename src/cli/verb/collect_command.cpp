@@ -118,13 +118,13 @@ class CollectCommand : public Command {
             terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
         }
         for (const SoughtFootage& footage : scene.footage) {
-            if (footage.finding.outcome != Finding::Outcome::found) {
+            if (!footage.finding.is_found()) {
                 terminal.out << text::printable(scene.file) << ':' << footage.at.line << ':'
                              << footage.at.column << ": " << label(footage.finding.outcome) << ": "
                              << text::quoted(footage.written) << '\n';
             }
             for (const FootageCandidate& candidate : footage.finding.candidates) {
-                if (footage.finding.outcome != Finding::Outcome::found) {
+                if (!footage.finding.is_found()) {
                     terminal.out << "  " << text::printable(candidate.path) << " ?\n";
                 }
             }

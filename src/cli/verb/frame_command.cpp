@@ -154,7 +154,7 @@ class FrameCommand : public Command {
         FootageFinder finder(choices_.finder_options());
         // Beside the scene means in the present folder.
         const Finding found = finder.find({os::absolute_path("scene"), file, false});
-        if (found.outcome == Finding::Outcome::found) {
+        if (found.is_found()) {
             file = found.path;
         }
         for (const FootageCandidate& candidate : found.candidates) {

@@ -207,7 +207,7 @@ class RelinkCommand : public Command {
         bool begun = false;
         for (const SoughtFootage& footage : scene.footage) {
             const Finding& finding = footage.finding;
-            const bool found = finding.outcome == Finding::Outcome::found;
+            const bool found = finding.is_found();
             if (found && !dry_run_) {
                 continue;
             }
