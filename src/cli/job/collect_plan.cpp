@@ -6,6 +6,7 @@
 #include <tuple>
 #include <utility>
 
+#include "cli/job/manifest.h"
 #include "embedded/sequence.h"
 #include "system/file_identity.h"
 #include "system/files.h"

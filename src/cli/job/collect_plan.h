@@ -14,8 +14,6 @@
 
 namespace cli {
 
-inline constexpr const char* kManifestName = "manifest.json";
-
 /// A picture of the collection.
 struct CollectedFile {
     std::string name;    ///< in the collection

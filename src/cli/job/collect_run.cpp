@@ -14,7 +14,6 @@
 #include "cli/terminal/output_file.h"
 #include "embedded/json_values.h"
 #include "limit/limits.h"
-#include "system/file_content.h"
 #include "system/file_identity.h"
 #include "system/files.h"
 #include "system/open_regular_file.h"
@@ -27,11 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using embedded::Json;
 
-constexpr int kManifestSchema = 1;
 constexpr int kCollectSchema = 1;
-constexpr const char* kGenerator = "vxr collect";
-constexpr std::uint64_t kMostManifestBytes = std::uint64_t{1} << 30U;
-
 void fail(CollectRun& run, std::string problem, ExitCode code) {
     run.problems.push_back(std::move(problem));
     run.code = most_serious(run.code, code);
@@ -70,44 +65,6 @@ std::vector<MadeScene> make_scenes(const std::vector<RelinkedScene>& scenes, con
         made.push_back({std::move(entry), std::move(*bytes)});
     }
     return made;
-}
-
-Json entry_json(const ManifestEntry& entry) {
-    return Json{{"path", embedded::json_text(entry.name)},
-                {"sha256", entry.sha256.empty() ? Json() : Json(entry.sha256)},
-                {"bytes", entry.size_bytes},
-                {"source", embedded::json_text(entry.source)}};
-}
-
-// The manifest's files of an earlier collection; null for a file that is none of ours.
-Json earlier_files(const std::string& path) {
-    const auto text = os::content_of(path, kMostManifestBytes);
-    const Json manifest = Json::parse(text.value_or(""), nullptr, false);
-    const bool ours = manifest.is_object() && manifest.value("generator", Json()) == kGenerator &&
-                      manifest.value("schema", Json()) == kManifestSchema && manifest.contains("files") &&
-                      manifest["files"].is_array();
-    return ours ? manifest["files"] : Json();
-}
-
-// With what an earlier collection put there, if it is still there.
-std::string manifest_text(const std::vector<ManifestEntry>& entries, const Json& earlier,
-                          const std::string& folder) {
-    std::map<std::string, Json> files;
-    for (const Json& one : earlier) {
-        const Json path = one.is_object() ? one.value("path", Json()) : Json();
-        if (path.is_string() &&
-            os::file_state(joined_path(folder, path.get<std::string>())).kind == os::FileKind::regular) {
-            files[path.get<std::string>()] = one;
-        }
-    }
-    for (const ManifestEntry& entry : entries) {
-        files[entry.name] = entry_json(entry);
-    }
-    Json list = Json::array();
-    for (const auto& [path, file] : files) {
-        list.push_back(file);
-    }
-    return Json{{"schema", kManifestSchema}, {"generator", kGenerator}, {"files", list}}.dump(2) + '\n';
 }
 
 // Whether the file at `path` has these bytes; an error is no equality.
@@ -283,22 +240,6 @@ void keep_entries(CollectRun& run, std::vector<ManifestEntry> pictures,
 
 }  // namespace
 
-const char* label(Arrival arrival) {
-    switch (arrival) {
-        case Arrival::planned:
-            return "planned";
-        case Arrival::copied:
-            return "copied";
-        case Arrival::linked:
-            return "linked";
-        case Arrival::cloned:
-            return "cloned";
-        case Arrival::there:
-            break;
-    }
-    return "there";
-}
-
 std::string space_problem(std::uint64_t needed_bytes, std::uint64_t free_bytes) {
     if (needed_bytes <= free_bytes) {
         return {};
@@ -334,7 +275,7 @@ CollectRun collect_into_folder(const std::vector<RelinkedScene>& scenes, const C
         fail(run, folder + " is not a folder; nothing is collected", ExitCode::refused);
     }
     const std::string manifest = joined_path(folder, kManifestName);
-    const Json earlier = earlier_files(manifest);
+    const Json earlier = files_of_manifest(manifest);
     if (earlier.is_null() && os::file_state(manifest).kind != os::FileKind::missing) {
         fail(run,
              manifest + " exists and is not from an earlier collection; it stays, and nothing is collected",
@@ -437,7 +378,7 @@ nlohmann::ordered_json collect_document(const std::vector<RelinkedScene>& scenes
     }
     Json files = Json::array();
     for (const ManifestEntry& entry : run.entries) {
-        Json file = entry_json(entry);
+        Json file = manifest_entry_json(entry);
         file["arrival"] = label(entry.arrival);
         files.push_back(file);
     }

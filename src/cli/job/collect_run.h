@@ -7,6 +7,7 @@
 
 #include "cli/exit_codes.h"
 #include "cli/job/collect_plan.h"
+#include "cli/job/manifest.h"
 
 namespace cli {
 
@@ -15,27 +16,6 @@ enum class Transfer {
     copy,
     hard_link,  ///< a second name of the same file; a copy on another disk
     reflink,    ///< a copy that shares its blocks until one is changed; a plain copy where that is impossible
-};
-
-/// How a file of the collection came to be there.
-enum class Arrival {
-    planned,  ///< not yet
-    copied,
-    linked,
-    cloned,
-    there,  ///< it was there already, with the same bytes
-};
-
-/// "planned", "copied", ...
-[[nodiscard]] const char* label(Arrival arrival);
-
-/// A file as the manifest lists it.
-struct ManifestEntry {
-    std::string name;
-    std::string sha256;  ///< empty before it is known
-    std::uint64_t size_bytes = 0;
-    std::string source;
-    Arrival arrival = Arrival::planned;
 };
 
 struct CollectRun {
