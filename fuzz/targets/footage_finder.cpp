@@ -70,7 +70,7 @@ void check(const cli::Finding& found, const MadeDisk& disk) {
         require(disk.files.count(candidate.path) != 0, "a candidate exists");
         require(paths.insert(candidate.path).second, "no candidate comes twice");
     }
-    require(found.candidates.size() != 1, "one candidate is none: it is the result");
+    require(found.candidates.size() != 1, "a single candidate is the result, and no candidate is listed");
     require((found.outcome == Outcome::found) == !found.path.empty(), "what is found has a path");
     require(found.path.empty() || disk.files.count(found.path) != 0, "what is found exists");
     require(found.outcome != Outcome::ambiguous || found.candidates.size() > 1, "several files may be meant");

@@ -19,7 +19,7 @@ using AtAddress = std::function<ByteView(std::uint64_t address)>;
 [[nodiscard]] std::vector<Resource> pe_resources(const ByteView& tree, std::string_view type,
                                                  const AtAddress& at_address);
 
-/// The resources of one type (four characters) in a resource file, which is a Macintosh resource fork: a
+/// The resources of one type (four characters) in a resource file, which is a resource fork of macOS: a
 /// header, the data, and the map that leads to it. Throws Damage.
 [[nodiscard]] std::vector<Resource> resource_fork(std::string_view bytes, std::string_view type);
 

@@ -76,11 +76,10 @@ class CommandLine {
   private:
     // The program's examples are the first of each verb.
     static HelpPage program_page(const std::vector<OptionFacts>& options) {
-        HelpPage page =
-            overview_help_page(kProgram, kSummary,
-                               {"Results go to standard output, messages about them to standard error. `vxr "
-                                "VERB --help` explains a verb."},
-                               verb_entries({}), options);
+        HelpPage page = overview_help_page(kProgram, kSummary,
+                                           {"Results go to standard output, messages about them to standard "
+                                            "error. `vxr VERB --help` explains a verb."},
+                                           verb_entries({}), options);
         if (std::string note = image::build_note(); !note.empty()) {
             page.paragraphs.push_back(std::move(note));
         }

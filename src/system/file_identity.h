@@ -7,8 +7,8 @@
 
 namespace os {
 
-/// Tells whether two paths lead to one file, whatever the file is called: two identities are equal when links
-/// of either kind, another spelling of the folder, or the same name lead to the same place. A file that does
+/// Tells whether two paths lead to one file: two identities are equal when the paths lead to the same place,
+/// through links of either kind or another spelling of the folder. A file that does
 /// not exist yet is known by the nearest folder that exists and the names below it.
 struct FileIdentity {
     FileNumber number;  ///< of the file, or of that folder

@@ -25,7 +25,7 @@ namespace os {
 /// that order. They nest.
 class PathGuesses {
   public:
-    /// Other paths that this one may mean. May throw std::bad_alloc; then there are none.
+    /// Other paths that this one may mean. May throw std::bad_alloc; then no other path is tried.
     using Guess = std::vector<std::string> (*)(std::string_view path);
 
     explicit PathGuesses(Guess guess);

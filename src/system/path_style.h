@@ -2,7 +2,7 @@
 
 #include <memory>
 
-// Classic Macintosh hosts name files in the colon-separated HFS style, while the C library and current hosts
+// Hosts on classic Mac OS name files in the colon-separated HFS style, while the C library and current hosts
 // take POSIX paths. Everywhere else both styles are the same. One source file per platform defines the two
 // conversions: path_style_macos.cpp where CoreFoundation exists, path_style_identity.cpp everywhere else.
 

@@ -24,7 +24,7 @@ using NativeChar = std::filesystem::path::value_type;
 }  // namespace
 
 /// What a handler may touch: a signal interrupts any instruction, and Windows runs its handler on a thread of
-/// its own. Whoever exchanges the path for null owns it.
+/// its own. The thread that exchanges the path for null owns it.
 struct RemovedOnSignal::Slot {
     std::atomic<bool> taken{false};
     std::atomic<NativeChar*> path{nullptr};

@@ -150,7 +150,7 @@ const Case kCases[] = {
      "C:\\r\\plate.tif",
      "tail",
      "s/plate.tif"},
-    {"the prefix in bytes of the Macintosh",
+    {"the prefix in bytes of classic Mac OS",
      {"m/plate.tif"},
      {},
      {"Disk:K\xC3\xBC"
@@ -169,7 +169,7 @@ const Case kCases[] = {
      "windows-1252",
      "m/K\xC3\xBC"
      "che.tif"},
-    {"the folder behind a map in bytes of the Macintosh",
+    {"the folder behind a map in bytes of classic Mac OS",
      {"m/K\xC3\xBC"
       "che/plate.tif"},
      {},
@@ -226,7 +226,7 @@ const Case kCases[] = {
      "C:\\r\\plate.tif",
      "tail",
      "s/a/plate.tif"},
-    {"a folder in bytes of the Macintosh makes the tail longer",
+    {"a folder in bytes of classic Mac OS makes the tail longer",
      {"s/K\xC3\xBC"
       "che/plate.tif",
       "s/b/plate.tif"},
@@ -259,14 +259,14 @@ const Case kCases[] = {
      "%/a/\xC3\xBC.tif",
      "unicode-form",
      "a/u\xCC\x88.tif"},
-    {"bytes of the Macintosh beside the scene",
+    {"bytes of classic Mac OS beside the scene",
      {"scenes/\xC3\xBC.tif"},
      {},
      {},
      "Disk:\x9F.tif",
      "mac-roman",
      "scenes/\xC3\xBC.tif"},
-    // 0x9F is "ü" on the Macintosh and "Ÿ" on Windows.
+    // 0x9F is "ü" on classic Mac OS and "Ÿ" on Windows.
     {"both encodings have a file",
      {"s/\xC3\xBC.tif", "s/\xC5\xB8.tif"},
      {"s"},

@@ -96,7 +96,7 @@ TEST(NameCheck, OtherEncodingsSayWhatMayBeMeant) {
     EXPECT_EQ(warnings[0].reason, "the name is not UTF-8; After Effects shows \"caf\u017D\"");
     ASSERT_FALSE(warnings[0].effects.empty());
     EXPECT_EQ(warnings[0].effects[0],
-              "if the scene comes from a Macintosh, \"caf\u00E9\" is meant; write the name in UTF-8");
+              "if the scene comes from a Mac, \"caf\u00E9\" is meant; write the name in UTF-8");
 }
 
 TEST(NameCheck, LongNamesAreShortened) {

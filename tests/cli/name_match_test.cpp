@@ -21,7 +21,7 @@ const struct {
     {"the same bytes", "plate.tif", "plate.tif", NameMatch::exact},
     {"other letters", "plate.tif", "plane.tif", std::nullopt},
     {"composed and decomposed", "\xC3\xBC.tif", "u\xCC\x88.tif", NameMatch::unicode_form},
-    {"bytes of the Macintosh",
+    {"bytes of classic Mac OS",
      "K\x9F"
      "che.tif",
      "K\xC3\xBC"
@@ -39,7 +39,7 @@ const struct {
      "K\x9F"
      "che.tif",
      NameMatch::mac_roman},
-    {"bytes of the Macintosh, decomposed on the disk", "\x8E.tif", "e\xCC\x81.tif", NameMatch::mac_roman},
+    {"bytes of classic Mac OS, decomposed on the disk", "\x8E.tif", "e\xCC\x81.tif", NameMatch::mac_roman},
     {"capital letters", "PLATE.TIF", "plate.tif", NameMatch::letter_case},
     {"capital letters with accents", "\xC3\x9C.tif", "\xC3\xBC.tif", NameMatch::letter_case},
     // 31 characters: "Background plate of sc#1A2B.tif".

@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Makes a job as it comes from an archive: old_job.py FOLDER [SCENES].
 
-FOLDER/job has the scenes, with the paths of Windows, of servers, of the Macintosh and of Unix in three encodings. FOLDER/disk
+FOLDER/job has the scenes, with the paths of Windows, of servers, of classic Mac OS and of Unix in three encodings. FOLDER/disk
 has their pictures where they are today. FOLDER/expected.json says what has become of every path, which this script knows
 because it put it there: outcome, rule and file. FOLDER/planted.json says how many places of each code a check of the job
 as it lies there must find.

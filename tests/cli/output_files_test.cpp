@@ -28,15 +28,6 @@ using ::testing::HasSubstr;
 constexpr const char* kLantern = VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec";
 constexpr const char* kOld = "what was there";
 
-std::vector<std::string> names_in(const TemporaryFolder& folder) {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder.folder())) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 using Command = std::vector<std::string>;
 
 /// Runs the program in `folder` for at most a minute. No file may exceed `limit_blocks` blocks of 512 bytes.

@@ -72,15 +72,6 @@ std::string in_terminal(const std::vector<std::string>& arguments) {
     return text;
 }
 
-std::vector<std::string> names_in(const fs::path& folder) {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 struct TripCase {
     std::int32_t mode;
     int alphas;

@@ -35,15 +35,6 @@ ProcessResult vxr_in(const TemporaryFolder& folder, const Command& arguments) {
     return run_process(command);
 }
 
-std::vector<std::string> names_in(const fs::path& folder) {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder)) {
-        names.push_back(entry.path().filename().string());
-    }
-    std::sort(names.begin(), names.end());
-    return names;
-}
-
 // A scene with an image, a sequence and a texture, none of which must change.
 void make_job(const TemporaryFolder& folder) {
     ASSERT_FALSE(write_texture(folder.path("a.txl"), made_texture(8, 8, Texture::kRgb, 0)).has_value());

@@ -12,6 +12,7 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 /// A folder for one test, which the destructor deletes with everything in it.
 class TemporaryFolder {
@@ -95,3 +96,17 @@ class TemporaryFolder {
 
     std::filesystem::path folder_;
 };
+
+/// The names of what is in a folder, sorted.
+inline std::vector<std::string> names_in(const std::filesystem::path& folder) {
+    std::vector<std::string> names;
+    for (const std::filesystem::directory_entry& entry : std::filesystem::directory_iterator(folder)) {
+        names.push_back(entry.path().filename().string());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+inline std::vector<std::string> names_in(const TemporaryFolder& folder) {
+    return names_in(folder.folder());
+}

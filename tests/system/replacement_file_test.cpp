@@ -27,14 +27,6 @@ void fill(const std::string& path, const std::string& text) {
     std::ofstream(path, std::ios::binary) << text;
 }
 
-std::vector<std::string> names_in(const TemporaryFolder& folder) {
-    std::vector<std::string> names;
-    for (const fs::directory_entry& entry : fs::directory_iterator(folder.folder())) {
-        names.push_back(entry.path().filename());
-    }
-    return names;
-}
-
 TEST(ReplacementFile, appears_only_when_put_in_place) {
     const TemporaryFolder folder;
     std::string error;

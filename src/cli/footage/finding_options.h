@@ -9,7 +9,7 @@ namespace cli {
 
 class Options;
 
-/// The options by which a user says where footage is today, for every verb that needs it.
+/// What the user says about where footage is today, for every verb that looks for it.
 struct FindingChoices {
     std::vector<std::string> search;
     std::vector<std::string> maps;

@@ -28,8 +28,8 @@ std::vector<ReadName> read_names(const std::vector<std::string_view>& names) {
     return {names.begin(), names.end()};
 }
 
-// The names of a path in a row with its beginning, for comparison with a prefix. A volume counts as a name,
-// because "Disk" and "Disk:" mean the same to a user.
+// The root and the names of a path, for comparison with a prefix. A volume counts as a name, because "Disk"
+// and "Disk:" mean the same to a user.
 struct Beginning {
     PathRoot root;
     std::vector<ReadName> names;
@@ -163,7 +163,7 @@ FootageFinder::FootageFinder(FinderOptions options, Disk disk)
 
 std::optional<std::string> FootageFinder::found_exactly(const Search& search, FindingRule& rule) const {
     const std::string& written = search.wanted.written;
-    // A path without a root opens in whatever folder a program happens to work in; that is no place.
+    // A path without a root would open in the folder in which the program was started.
     if (search.path.root != PathRoot::none && disk_.opens(written)) {
         rule = FindingRule::as_written;
         return written;

@@ -21,8 +21,8 @@ struct NearMiss {
     bool tree_is_cut = false;  ///< there are more folders and files below the scene than were looked at
 };
 
-/// What the checks of one run learn about folders: each is read once, whatever the number of scenes and of
-/// sequences in it. Safe to use from several threads, unless there is a finder.
+/// What the checks of one run know about folders. Each folder is read once, however many scenes and sequences
+/// are in it. Safe to use from several threads, unless there is a finder.
 class FootageSurvey {
   public:
     /// `finder`, where the user said where footage is, outlives the survey; it may be null. `read_pixels`:

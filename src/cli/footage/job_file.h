@@ -19,8 +19,8 @@ inline constexpr std::uint64_t kMostJobFileBytes = std::uint64_t{64} << 20U;
 /// The text of a job file: search folders, maps, preference, and what was decided for each path.
 [[nodiscard]] std::string job_file_text(const FinderOptions& options);
 
-/// Reads such a text. Nothing if it is none; `problem` then says why, with line and column where they are
-/// known.
+/// Reads the text of a job file. Nothing if it is wrong; `problem` then says why, with line and column where
+/// they are known.
 [[nodiscard]] std::optional<FinderOptions> parse_job_file(std::string_view text, std::string& problem);
 
 /// A word of a project file and its line, from 1.

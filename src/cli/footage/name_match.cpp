@@ -115,7 +115,7 @@ std::vector<CutName> cut_names(std::string_view name) {
         cuts.push_back({std::string(stem.substr(0, mark)), std::string(extension)});
     }
     if (characters == kCutNameCharacters) {
-        // Cut in front of the extension, or wherever the 31 characters ended.
+        // Cut before the extension, or after the 31st character.
         if (!extension.empty()) {
             cuts.push_back({std::string(stem), std::string(extension)});
         }

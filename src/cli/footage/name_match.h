@@ -14,8 +14,8 @@ namespace cli {
 enum class NameMatch {
     exact,         ///< the same bytes
     unicode_form,  ///< composed in one, decomposed in the other (NFC, NFD)
-    mac_roman,     ///< bytes of the Macintosh in one of them
-    windows_1252,  ///< bytes of Windows in one of them
+    mac_roman,     ///< one of them in the bytes of classic Mac OS
+    windows_1252,  ///< one of them in the bytes of Windows
     cut_name,      ///< one of them was cut at 31 characters
     letter_case,   ///< capital letters in one, small ones in the other
 };

@@ -35,7 +35,7 @@ class SearchTree {
     /// alone. The name itself counts without being compared.
     [[nodiscard]] std::size_t tail_length(FileId file, const std::vector<ReadName>& names,
                                           MatchLevel level) const;
-    /// The position of the first root that the file lies below.
+    /// The position of the first root above the file.
     [[nodiscard]] std::size_t order_of(FileId file) const;
 
   private:

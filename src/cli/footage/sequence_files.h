@@ -11,7 +11,7 @@
 
 namespace cli {
 
-/// The numbers of the files in folders, so that each folder is gone through once, whatever the number of
+/// The numbers of the files in folders. Each folder is gone through once, however large the number of
 /// sequences in it. For one thread.
 class SequenceIndex {
   public:

@@ -26,7 +26,7 @@ bool is_letter(char c) {
     return lower >= 'a' && lower <= 'z';
 }
 
-// "C:" alone or before a slash. "C:a" is the file "a" of a Macintosh volume.
+// "C:" alone or before a slash. "C:a" is the file "a" on a volume of classic Mac OS.
 bool begins_with_drive(std::string_view path) {
     return path.size() >= 2 && is_letter(path[0]) && path[1] == ':' &&
            (path.size() == 2 || is_slash(path[2]));

@@ -16,7 +16,7 @@ enum class PathRoot {
     slash,   ///< the root of a Unix system: "/net/a.tif"
     drive,   ///< a drive of Windows: "C:\shots\a.tif", "C:/shots/a.tif"
     server,  ///< a server of Windows: "\\server\share\a.tif", "//server/share/a.tif"
-    volume,  ///< a volume of the Macintosh: "Macintosh HD:shots:a.tif"
+    volume,  ///< a volume of classic Mac OS: "Macintosh HD:shots:a.tif"
 };
 
 /// A path taken apart. The views point into the path.
@@ -43,7 +43,7 @@ struct StoredPath {
 
 /// Paths that begin with `from` continue below `to`.
 struct PathMap {
-    std::string from;  ///< with a path's beginning: "C:", "Macintosh HD:Renders", "\\server\share", "/net"
+    std::string from;  ///< the beginning of a path: "C:", "Macintosh HD:Renders", "\\server\share", "/net"
     std::string to;    ///< a folder of this system
 };
 

@@ -97,8 +97,7 @@ std::string files_roff() {
         {{".vxr.toml"},
          {},
          "What `vxr check` refuses and ignores in its folder and below it, unless a nearer one says "
-         "something "
-         "else."},
+         "something else."},
         {{"VORTANXR_AE.so, VORTANXR_AE.aex, VORTANXR_AE.plugin"},
          {},
          "The plug-in: in lib/vortanxr below the folder in which this program is in bin, or beside this "
@@ -106,8 +105,7 @@ std::string files_roff() {
         {{".NAME.XXXXXXXX.EXT"},
          {},
          "An output NAME.EXT while it is written, in its folder. It takes its place when it is complete and "
-         "is "
-         "removed when that fails or SIGINT, SIGTERM or SIGHUP ends the program, with 130, 143 or 129."},
+         "is removed when that fails or SIGINT, SIGTERM or SIGHUP ends the program, with 130, 143 or 129."},
     };
     std::string out = ".SH FILES\n";
     for (const HelpEntry& entry : kEntries) {

@@ -34,7 +34,7 @@ struct Use {
     std::string name;  // of the file of the unit that the entry names
 };
 
-// The names that are taken in the collection, whatever the case of their letters.
+// The names that are taken in the collection; letter case does not tell them apart.
 class TakenNames {
   public:
     void reserve(const std::string& name) { sources_.try_emplace(text::case_folded(name)); }
@@ -49,7 +49,7 @@ class TakenNames {
                 return false;
             }
         }
-        // One name stands for all of a sequence.
+        // All names of a sequence have one pattern.
         const auto pattern = patterns_.find(pattern_of(renamed.begin()->second));
         return pattern == patterns_.end() || !(unit.is_sequence || pattern->second.has_sequence) ||
                is_within(unit, pattern->second.sources) || is_around(unit, pattern->second.sources);

@@ -27,8 +27,8 @@ struct CollectRun {
 /// Why this much does not fit; empty if it does.
 [[nodiscard]] std::string space_problem(std::uint64_t needed_bytes, std::uint64_t free_bytes);
 
-/// Puts everything into the folder, which is made if there is none. What is there already with the same bytes
-/// stays; if anything there is different, nothing is written.
+/// Puts everything into the folder, and makes it if it is missing. A file that is there already with the same
+/// bytes stays; if one has other bytes, nothing is written.
 [[nodiscard]] CollectRun collect_into_folder(const std::vector<RelinkedScene>& scenes,
                                              const CollectPlan& plan, const std::string& folder,
                                              Transfer transfer, Terminal& terminal);

@@ -17,7 +17,7 @@
 
 namespace cli {
 
-/// A scene whose footage is looked for, and written again with the paths that were found.
+/// A scene that is written again with the paths at which its footage is found.
 struct RelinkedScene {
     std::string file;       ///< as the user named it
     std::string full_path;  ///< as the plug-in gets it
@@ -30,7 +30,7 @@ struct RelinkedScene {
     std::vector<std::string> problems;  ///< what did not happen, one sentence each
 };
 
-/// Asked about footage that may be one of several files: the index of the one that is meant, or nothing.
+/// Asks the user which of several files is meant: its index, or nothing.
 using ChooseCandidate =
     std::function<std::optional<std::size_t>(const RelinkedScene& scene, const SoughtFootage& footage)>;
 
@@ -61,7 +61,7 @@ void write_scene(RelinkedScene& scene);
 /// beside their scene, if all scenes agree. Empty paths otherwise.
 [[nodiscard]] std::map<std::string, std::string> decisions_of(const std::vector<RelinkedScene>& scenes);
 
-/// How many paths of the scenes were found by which rule, are ambiguous, and are missing: "12 paths: 10 found
+/// How many paths were found by which rule, how many are ambiguous and missing: "12 paths: 10 found
 /// (8 tail, 2 map), 1 ambiguous, 1 missing".
 [[nodiscard]] std::string relink_summary(const std::vector<RelinkedScene>& scenes);
 

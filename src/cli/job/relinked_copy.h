@@ -7,12 +7,12 @@
 
 namespace cli {
 
-/// A scene whose paths lead to what was found, in a folder of its own among the system's temporary files. The
+/// A copy of a scene with the paths that were found, in a new folder among the system's temporary files. The
 /// destructor deletes both.
 class RelinkedCopy {
   public:
-    /// Nothing if the scene is right as it is, or cannot be read; whoever reads it then says why. Throws
-    /// std::runtime_error if the copy cannot be made.
+    /// Nothing if the scene is right as it is, or cannot be read; the caller then reads it and says why.
+    /// Throws std::runtime_error if the copy cannot be made.
     static std::optional<RelinkedCopy> make(const std::string& file, FootageFinder& finder);
 
     RelinkedCopy(RelinkedCopy&& other) noexcept;

@@ -6,7 +6,7 @@
 namespace cli {
 
 /// The document as text, indented by two blanks and with a line break at its end. A list of numbers and
-/// texts, and a list of such lists, stands on one line: that is how keys are written.
+/// texts, or of such lists, is written on one line, as keys are.
 [[nodiscard]] std::string json_text_of(const nlohmann::ordered_json& document);
 
 }  // namespace cli

@@ -38,7 +38,7 @@ class KeyTrack {
         return *object_.object->keys[place(i)];
     }
     [[nodiscard]] const SceneKey& written(std::size_t i) const { return object_.keys[place(i)]; }
-    /// Whether there are frames between a key and the next one. Where there are none, what a host does
+    /// Whether there are frames between a key and the next one. Without frames, what a host does
     /// between the two is never seen.
     [[nodiscard]] bool has_frames_after(std::size_t i) const;
 

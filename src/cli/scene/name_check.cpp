@@ -33,7 +33,7 @@ void check_name(const SceneBlock& block, WarningList& warnings) {
             warnings.add(ToolCode::name_not_utf8, block.name_at,
                          "the name is not UTF-8; After Effects shows \"" + windows + '"', {});
         if (macintosh != windows) {
-            warning.effects.push_back("if the scene comes from a Macintosh, \"" + macintosh +
+            warning.effects.push_back("if the scene comes from a Mac, \"" + macintosh +
                                       "\" is meant; write the name in UTF-8");
         }
     }

@@ -11,8 +11,8 @@
 namespace cli {
 namespace {
 
-// Of an object that is no camera nothing says how large it is seen. A hundredth of its own path is what one
-// sees of a path at all.
+// The scene does not say how large lights and nulls appear. A hundredth of the whole path is taken for the
+// smallest bend that anyone sees.
 constexpr double kVisiblePartOfPath = 0.01;
 
 // Where a host puts a point between two keys by default: on a cubic curve whose handles, at each key, are a
@@ -30,7 +30,7 @@ double distance_from_line(const Vec3& from_start, const Vec3& way) {
 }
 
 // How far the curve from `b` to `c` leaves their straight line, where `a` is the key before and `d` the one
-// after. Where there is none, it is `b` or `c` itself.
+// after. Without such a key, it is `b` or `c` itself.
 double largest_bend(const Vec3& a, const Vec3& b, const Vec3& c, const Vec3& d, double visible) {
     const Vec3 leaving = kHandle * (c - a);
     const Vec3 arriving = kHandle * (d - b);
@@ -61,7 +61,7 @@ struct Faults {
         // Keys may hold any numbers, and nothing can be said about infinite ones.
         if (bend > 0 && std::isfinite(bend)) {
             ++count;
-            // Of equally bad parts, whatever the last bit says, the first.
+            // Of parts that differ only by rounding, the first.
             constexpr double kClearlyWorse = 1 + 1e-9;
             if (bend > worst * kClearlyWorse) {
                 worst = bend;
@@ -171,7 +171,7 @@ void check_path(const SceneBlock& object, const KeyTrack& keys, const tagProject
            "the " + who + " holds its position, and After Effects moves it", object, keys, warnings);
     report(position.moves, ToolCode::path_bends, "the path of the " + who + " leaves the straight line",
            object, keys, warnings);
-    // A whole camera that drifts is told once.
+    // A camera whose position drifts is reported once.
     if (is_aimed(object) && position.holds.count == 0) {
         // Between keys that differ, a scene turns the object, and a straight way of the point of interest is
         // no truer than a curve.

@@ -54,7 +54,7 @@ double largest_shift(const tagKeyFrame& key, const CameraFrame& frame) {
             const double shift =
                 depth <= 0 ? HUGE_VAL
                            : std::hypot(x_px - x * frame.width_px / 2, y_px - y * frame.height_px / 2);
-            // Whatever a key holds, a shift that is no number is none.
+            // NaN compares as false, so it never counts.
             largest = shift > largest ? shift : largest;
         }
     }

@@ -54,7 +54,7 @@ class Pipe {
     std::array<int, 2> ends_{-1, -1};
 };
 
-/// The child leads a process group of its own, so that what it starts can be ended with it.
+/// Makes the child the leader of a new process group, so that what it starts can be ended with it.
 class GroupLeader {
   public:
     GroupLeader() {

@@ -42,17 +42,14 @@ Verb check_verb() {
          "This verb reads the file with the plug-in's own readers and reports the first mistake: file, line, "
          "column, what was expected, what was found, and a code that scripts can rely on.",
          "Everything follows that arrives differently from how it is written. A loss changes the picture or "
-         "the "
-         "motion: missing footage, sequences with gaps, numbers that change, values that do not reach After "
-         "Effects. A warning may surprise, and only you can tell. A note is harmless.",
+         "the motion: missing footage, sequences with gaps, numbers that change, values that do not reach "
+         "After Effects. A warning may surprise, and only you can tell. A note is harmless.",
          "Up to ten files are described one by one, with the first ten places of each code. A summary "
-         "follows, "
-         "which is all for more files: how often each code occurs, and in which files most. --verbose writes "
-         "every place, --quiet only one line for each file.",
+         "follows, which is all for more files: how often each code occurs, and in which files most. "
+         "--verbose writes every place, --quiet only one line for each file.",
          "A file is refused (1) for an error or for what --fail-on names. One that is not, but lacks "
-         "footage, is "
-         "incomplete (4). With several files the most serious outcome counts: unreadable (3), refused, then "
-         "incomplete.",
+         "footage, is incomplete (4). With several files the most serious outcome counts: unreadable (3), "
+         "refused, then incomplete.",
          "The nearest file .vxr.toml in the folder of a scene or above it may say the same as --fail-on and "
          "--ignore for all scenes of a job: a line [check], then fail-on = [\"loss\"] and ignore = "
          "[\"value-changed\"]. Either option replaces that line of the file."},

@@ -145,7 +145,7 @@ class CheckCommand : public Command {
                 .group("What counts");
         }
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
-        options.flag("-v,--verbose", verbose_, "write every place, whatever the number of files")
+        options.flag("-v,--verbose", verbose_, "write every place, however many files there are")
             .group("Output");
         options.flag("-q,--quiet", quiet_, "write only one line for each file").group("Output");
         options.option("--progress", progress_, "whether a terminal shows how far the work is")

@@ -26,7 +26,7 @@ struct FoundInputs {
 };
 
 /// The files in the order in which they were named. Of a folder, those whose names end with `extension`, in
-/// any case, in the order of their names; hidden ones, such as the "._shot.aec" that a Macintosh leaves on
+/// any case, in the order of their names; hidden ones, such as the "._shot.aec" that macOS leaves on
 /// other disks, are passed over, and links to folders are not followed. Throws std::runtime_error if the list
 /// cannot be read.
 [[nodiscard]] FoundInputs find_inputs(const CheckInputs& inputs, const char* extension);

@@ -38,8 +38,7 @@ class CollectCommand : public Command {
         options
             .option("--by", by_,
                     "how pictures get into the folder: as copies, as second names of the same files, or as "
-                    "copies "
-                    "that share their blocks")
+                    "copies that share their blocks")
             .value_name("copy|hardlink|reflink")
             .check([](const std::string& text) {
                 return parse_transfer(text) ? std::string()
@@ -149,20 +148,15 @@ Verb collect_verb() {
     return {"collect",
             "gather scenes with their footage in one folder or archive",
             {"Copies every SCENE with the footage that it uses, whole sequences included, into one folder. "
-             "The paths in "
-             "the copies are names only, so that After Effects finds everything beside the scene, wherever "
-             "the folder is "
-             "taken to. " +
+             "The paths in the copies are names only, so that After Effects finds everything beside the "
+             "scene, wherever the folder is taken to. " +
                  std::string(kManifestName) +
                  " lists every file with its SHA-256, its size and where it came from. Footage is found as "
-                 "`vxr relink` "
-                 "finds it.",
+                 "`vxr relink` finds it.",
              "Pictures of different folders that have one name get different ones, and so do sequences that "
-             "would "
-             "become one. A file that is there already with the same bytes stays, so the same command goes "
-             "on where "
-             "another one ended; if any other file is in the way, nothing is written. Free space is compared "
-             "first.",
+             "would become one. A file that is there already with the same bytes stays, so the same command "
+             "goes on where another one ended; if any other file is in the way, nothing is written. Free "
+             "space is compared first.",
              "The exit code is 4 when footage was not found; the rest is collected."},
             {{"vxr collect shot.aec -o delivery", "Gathers shot.aec and its footage in the folder delivery."},
              {"vxr collect job/*.aec -o job.zip --trim --search renders",

@@ -201,25 +201,24 @@ class FrameCommand : public Command {
 }  // namespace
 
 Verb frame_verb() {
-    return {
-        "frame",
-        "draw a texture as After Effects receives it, and write the frame as an image",
-        {"Loads the plug-in, has it open the texture and draw a frame, and writes the frame: 8 bits each of "
-         "alpha, red, green and blue, every byte unchanged. Also shows what the plug-in reports about the "
-         "texture: size, depth, alpha, duration.",
-         "`texture convert` takes the picture directly from the file; `frame` takes it through the plug-in. "
-         "A difference between the two would be a bug in one of them. Both write every byte as it is, and "
-         "both mark it in formats that can say so, such as TIFF, as --alpha-label says."},
-        {{"vxr frame bark.txl -o frame.png", "What After Effects draws for bark.txl."},
-         {"vxr frame bark.txl -o half.png --resolution half",
-          "What it draws in a composition at half resolution: the whole texture, with half as many pixels a "
-          "side."},
-         {"vxr frame bark.txl -o corner.png --size 64x64 --fill 128 --host classic",
-          "Classic hosts get the top left part of the texture in full size; pixels outside the texture stay "
-          "grey."},
-         {"vxr frame bark.txl -o frame.png --json | jq .in_specs",
-          "What the plug-in reports about the texture."}},
-        []() -> std::unique_ptr<Command> { return std::make_unique<FrameCommand>(); }};
+    return {"frame",
+            "draw a texture as After Effects receives it, and write the frame as an image",
+            {"Loads the plug-in, has it open the texture and draw a frame, and writes the frame: 8 bits each "
+             "of alpha, red, green and blue, every byte unchanged. Also shows what the plug-in reports about "
+             "the texture: size, depth, alpha, duration.",
+             "`texture convert` takes the picture directly from the file; `frame` takes it through the "
+             "plug-in. A difference between the two would be a bug in one of them. Both write every byte as "
+             "it is, and both mark it in formats that can say so, such as TIFF, as --alpha-label says."},
+            {{"vxr frame bark.txl -o frame.png", "What After Effects draws for bark.txl."},
+             {"vxr frame bark.txl -o half.png --resolution half",
+              "What it draws in a composition at half resolution: the whole texture, with half as many "
+              "pixels a side."},
+             {"vxr frame bark.txl -o corner.png --size 64x64 --fill 128 --host classic",
+              "Classic hosts get the top left part of the texture in full size; pixels outside the texture "
+              "stay grey."},
+             {"vxr frame bark.txl -o frame.png --json | jq .in_specs",
+              "What the plug-in reports about the texture."}},
+            []() -> std::unique_ptr<Command> { return std::make_unique<FrameCommand>(); }};
 }
 
 }  // namespace cli

@@ -81,8 +81,7 @@ Verb completion_verb() {
     return {"completion",
             "write the completion script for a shell",
             {"The script completes verbs, options, their fixed values and file names, and changes no option "
-             "of the "
-             "shell."},
+             "of the shell."},
             {{"source <(vxr completion bash)", "Completion for the running bash, or with zsh for zsh."},
              {"vxr completion fish | source", "Completion for the running fish."}},
             make<CompletionCommand>};

@@ -95,10 +95,9 @@ class ImportCommand : public Command {
             .check(checked_by(is_preference, "is neither none nor a number from 0 to 255"))
             .group(kHostGroup);
         options
-            .option(
-                "--still-duration", still_duration_,
-                "the host's preference for the length of stills and of nulls: composition, or a number of "
-                "frames at 25 frames a second")
+            .option("--still-duration", still_duration_,
+                    "the host's preference for the length of stills and of nulls: composition, or a number "
+                    "of frames at 25 frames a second")
             .value_name("LENGTH")
             .show_default()
             .check(checked_by(parse_still_duration, "is neither composition nor a number from 1"))
@@ -307,26 +306,25 @@ class ImportCommand : public Command {
 }  // namespace
 
 Verb import_verb() {
-    return {
-        "import",
-        "import a composition file and show the resulting project",
-        {"Loads the plug-in into an embedded host, has it verify and import FILE, and shows the project as a "
-         "tree: folders, compositions with their layers from top to bottom, footage as the host interprets "
-         "it, cameras, lights and nulls with the number and range of their keys. In-points and keys are "
-         "frames on the composition's own timeline. Missing footage is marked in its place.",
-         "Below the tree come the messages that After Effects would have shown, the rules of the host that "
-         "the plug-in broke, and the host's notes. When the plug-in ignores the file and shows no message, "
-         "the reason is given as `vxr check` gives it.",
-         "The options under \"What goes wrong\" make the host fail on purpose, to show what the import does "
-         "then."},
-        {{"vxr import examples/interlaced/lantern_010.aec", "Shows the project of an interlaced scene."},
-         {"vxr import --json shot.aec | jq '.compositions[].name'",
-          "The project as JSON, for another program."},
-         {"vxr import --log calls.jsonl --host 9.31 shot.aec",
-          "Imports into an older host, which gets no cameras, lights and nulls, and logs every call."},
-         {"vxr import --fail AEGP_CreateComp:2:4 shot.aec",
-          "What is left when the host has no memory for the second composition."}},
-        []() -> std::unique_ptr<Command> { return std::make_unique<ImportCommand>(); }};
+    return {"import",
+            "import a composition file and show the resulting project",
+            {"Loads the plug-in into an embedded host, has it verify and import FILE, and shows the project "
+             "as a tree: folders, compositions with their layers from top to bottom, footage as the host "
+             "interprets it, cameras, lights and nulls with the number and range of their keys. In-points "
+             "and keys are frames on the composition's own timeline. Missing footage is marked in its place.",
+             "Below the tree come the messages that After Effects would have shown, the rules of the host "
+             "that the plug-in broke, and the host's notes. When the plug-in ignores the file and shows no "
+             "message, the reason is given as `vxr check` gives it.",
+             "The options under \"What goes wrong\" make the host fail on purpose, to show what the import "
+             "does then."},
+            {{"vxr import examples/interlaced/lantern_010.aec", "Shows the project of an interlaced scene."},
+             {"vxr import --json shot.aec | jq '.compositions[].name'",
+              "The project as JSON, for another program."},
+             {"vxr import --log calls.jsonl --host 9.31 shot.aec",
+              "Imports into an older host, which gets no cameras, lights and nulls, and logs every call."},
+             {"vxr import --fail AEGP_CreateComp:2:4 shot.aec",
+              "What is left when the host has no memory for the second composition."}},
+            []() -> std::unique_ptr<Command> { return std::make_unique<ImportCommand>(); }};
 }
 
 }  // namespace cli

@@ -77,7 +77,7 @@ std::shared_ptr<const CheckPolicy> ProjectPolicies::policy_in(const std::string&
 std::shared_ptr<const CheckPolicy> ProjectPolicies::read(const std::string& path) const {
     const std::optional<std::string> text = os::content_of(path, kMostBytes);
     if (!text) {
-        wrong(path, 1, "this is no regular file of up to 1 MiB that may be read");
+        wrong(path, 1, "this is not a readable regular file of up to 1 MiB");
     }
     std::map<std::string, CheckChoices> verbs;
     try {
@@ -88,7 +88,7 @@ std::shared_ptr<const CheckPolicy> ProjectPolicies::read(const std::string& path
     const CheckChoices& file = verbs[table_];
     CheckPolicy said = policy_from(choices_, codes_);
     CheckPolicy unused;
-    // What an option overrides is read all the same: a mistake in the file should not wait for its day.
+    // What an option overrides is checked, too: a mistake in the file is reported at once.
     CheckPolicy& fail_on = choices_.strict || !choices_.fail_on.empty() ? unused : said;
     CheckPolicy& ignore = choices_.ignore.empty() ? said : unused;
     for (const ProjectWord& word : file.fail_on.value_or(std::vector<ProjectWord>())) {

@@ -246,12 +246,10 @@ Verb relink_verb() {
         "relink",
         "find the footage of old scenes again, and write new scenes with paths that lead to it",
         {"Looks for the footage of every SCENE where it may be today, and writes a new scene: the same bytes "
-         "but "
-         "for the paths. The rules are tried in this order: as written; beside the scene; behind a --map; "
-         "below a --search folder, under the longest tail of the path. Then the same places again for names "
-         "in "
-         "another form of Unicode or in the bytes of old systems, for names cut at 31 characters, and for "
-         "names in other letters' case. Of a sequence, another frame will do in the end.",
+         "but for the paths. The rules are tried in this order: as written; beside the scene; behind a "
+         "--map; below a --search folder, under the longest tail of the path. Then the same places again for "
+         "names in another form of Unicode or in the bytes of old systems, for names cut at 31 characters, "
+         "and for names in other letters' case. Of a sequence, another frame will do in the end.",
          "Where two files are equally likely, none is taken: both are listed, and the path stays as it is. "
          "--prefer or --interactive decides.",
          "No scene is written onto a file that is read. The exit code is 4 when a path was not found."},
@@ -264,8 +262,7 @@ Verb relink_verb() {
          {"vxr relink job/*.aec --use job.toml --out-dir relinked",
           "Writes the scenes with what job.toml says."},
          {"vxr relink shot.aec --search renders --dry-run --json | jq '.scenes[].paths[] | select(.outcome "
-          "!= "
-          "\"found\")'",
+          "!= \"found\")'",
           "The paths that were not found, with all candidates."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<RelinkCommand>(); }};
 }
