@@ -214,7 +214,7 @@ TEST(ProjectFile, IsNeverWaitedFor) {
     ASSERT_EQ(run_process({"mkfifo", job.path(".vxr.toml")}).exit_code, 0);
     const Ran ran = run({"check", scene});
     EXPECT_EQ(ran.code, ExitCode::cannot_read_or_write);
-    EXPECT_THAT(ran.err, HasSubstr(".vxr.toml:1: this is no regular file"));
+    EXPECT_THAT(ran.err, HasSubstr(".vxr.toml:1: this is not a readable regular file of up to 1 MiB"));
 }
 
 TEST(ProjectFile, HasATableForTextures) {

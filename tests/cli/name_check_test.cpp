@@ -7,7 +7,6 @@
 
 namespace {
 
-using cli::Diagnostic;
 using cli::ToolCode;
 
 const std::string k31(31, 'x');

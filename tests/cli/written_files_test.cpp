@@ -27,6 +27,9 @@ namespace {
 namespace fs = std::filesystem;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+constexpr const char* kOrbit = VXR_EXAMPLES_DIR "/keyframes/orbit_030.aec";
+constexpr const char* kCourtyard = VXR_EXAMPLES_DIR "/square/courtyard_020.aec";
+
 using Command = std::vector<std::string>;
 
 ProcessResult vxr_in(const TemporaryFolder& folder, const Command& arguments) {
@@ -174,9 +177,8 @@ TEST(Signals, WhileAnOutputIsWrittenTheOldFileStays) {
         R"sh(exec 3<>pipe; "$0" import --save out.json --log pipe "$1" >/dev/null & )sh"
         R"sh(for i in $(seq 1000); do [ "$(ls -A | wc -l)" -gt 2 ] && break; sleep 0.01; done; )sh"
         R"sh(sleep 0.2; ls -A | wc -l; kill -TERM $!; wait $!; echo $?)sh";
-    const ProcessResult run =
-        run_process({"env", "-C", folder.folder().string(), "timeout", "60", "bash", "-c", script,
-                     VXR_PROGRAM, VXR_EXAMPLES_DIR "/keyframes/orbit_030.aec"});
+    const ProcessResult run = run_process(
+        {"env", "-C", folder.folder().string(), "timeout", "60", "bash", "-c", script, VXR_PROGRAM, kOrbit});
     EXPECT_EQ(run.out, "3\n143\n") << run.err;
     EXPECT_EQ(content_of(folder.path("out.json")), "old");
     EXPECT_THAT(names_in(folder.folder()), ElementsAre("out.json", "pipe"));
@@ -243,7 +245,7 @@ TEST(Ownership, ThatCannotBeKeptIsSaidAndGivesNobodyMoreRights) {
     // The group is another one now, and may do no more than everybody could.
     command = user;
     command.insert(command.end(), {"env", "-C", folder.folder().string(), VXR_PROGRAM, "import", "--save",
-                                   "out.json", VXR_EXAMPLES_DIR "/square/courtyard_020.aec"});
+                                   "out.json", kCourtyard});
     EXPECT_EQ(run_process(command).exit_code, 0);
     EXPECT_EQ(state_of(list).st_mode & 07777U, 0622U);
 }

@@ -6,13 +6,39 @@
 namespace cli {
 namespace {
 
-// What may follow the command of a help page: its verbs and its options.
-struct Completions {
-    std::string verbs;
-    std::string options;
-    std::string with_value;  ///< options that take a value, each followed by a blank
-    std::string choices;     ///< assignments of the fixed values of each option
+/// What may follow the command of a help page.
+struct Candidate {
+    std::vector<std::string> words;  ///< a verb, or an option under all of its names
+    std::string text;                ///< its description
+    std::string value;  ///< what an option takes; empty for a verb and for an option without a value
+    bool is_verb = false;
 };
+
+std::string first_word(const std::string& text) {
+    return text.substr(0, text.find(' '));
+}
+
+std::vector<Candidate> candidates_of(const std::vector<HelpPage>& pages, const HelpPage& page) {
+    std::vector<Candidate> candidates;
+    const auto add = [&](const HelpPage& of, bool verbs_alone) {
+        for (const HelpSection& section : of.sections) {
+            const bool is_verb = section.title == "Verbs";
+            for (const HelpEntry& entry : section.entries) {
+                if (is_verb) {
+                    candidates.push_back({{first_word(entry.names.front())}, entry.text, {}, true});
+                } else if (!verbs_alone && !entry.positional) {
+                    candidates.push_back({entry.names, entry.text, entry.value, false});
+                }
+            }
+        }
+    };
+    // `vxr help` takes what `vxr` takes.
+    if (page.command == pages.front().command + " help") {
+        add(pages.front(), true);
+    }
+    add(page, false);
+    return candidates;
+}
 
 /// The lower-case alternatives of a value like "classic|today|MAJOR.MINOR", each followed by a space.
 std::string choices_of(const std::string& value) {
@@ -24,30 +50,6 @@ std::string choices_of(const std::string& value) {
         }
     }
     return choices;
-}
-
-Completions completions_of(const HelpPage& page) {
-    Completions completions;
-    for (const HelpSection& section : page.sections) {
-        for (const HelpEntry& entry : section.entries) {
-            for (const std::string& name : entry.names) {
-                if (section.title == "Verbs") {
-                    completions.verbs += name.substr(0, name.find(' ')) + ' ';
-                } else if (!entry.positional) {
-                    completions.options += name + ' ';
-                    completions.with_value += entry.value.empty() ? "" : name + ' ';
-                    if (const std::string choices = choices_of(entry.value); !choices.empty()) {
-                        completions.choices.append("            choices[")
-                            .append(name)
-                            .append("]=\"")
-                            .append(choices)
-                            .append("\"\n");
-                    }
-                }
-            }
-        }
-    }
-    return completions;
 }
 
 constexpr const char* kHead = R"(# bash completion for vxr; written by `vxr completion bash`
@@ -95,13 +97,28 @@ std::string bash_completion(const std::vector<HelpPage>& pages) {
     }
     script += kMiddle;
     for (const HelpPage& page : pages) {
-        Completions completions = completions_of(page);
-        if (page.command == pages.front().command + " help") {
-            completions.verbs = completions_of(pages.front()).verbs;
+        std::string verbs;
+        std::string options;
+        std::string values;
+        std::string choices;
+        for (const Candidate& one : candidates_of(pages, page)) {
+            const std::string fixed = choices_of(one.value);
+            for (const std::string& word : one.words) {
+                (one.is_verb ? verbs : options) += word + ' ';
+                values += one.value.empty() ? "" : word + ' ';
+                if (!fixed.empty()) {
+                    choices.append("            choices[")
+                        .append(word)
+                        .append("]=\"")
+                        .append(fixed)
+                        .append("\"\n");
+                }
+            }
         }
-        script += "        \"" + page.command + "\")\n            verbs=\"" + completions.verbs +
-                  "\"\n            options=\"" + completions.options + "\"\n            values=\"" +
-                  completions.with_value + "\"\n" + completions.choices + "            ;;\n";
+        script.append("        \"").append(page.command).append("\")\n            verbs=\"").append(verbs);
+        script.append("\"\n            options=\"").append(options);
+        script.append("\"\n            values=\"").append(values).append("\"\n");
+        script.append(choices).append("            ;;\n");
     }
     return script + kTail;
 }
@@ -132,34 +149,6 @@ std::string fish_quoted(const std::string& text) {
         backslashes_doubled += c == '\\' ? "\\\\" : std::string(1, c);
     }
     return single_quoted(backslashes_doubled, R"(\')");
-}
-
-/// Calls `take(page, entry, verb)` for everything that may follow the commands of `pages`: `verb` is true for
-/// verbs, false for options.
-template <typename Take>
-void for_each_entry(const std::vector<HelpPage>& pages, const Take& take) {
-    for (const HelpPage& page : pages) {
-        // `vxr help` takes what `vxr` takes.
-        const bool help = page.command == pages.front().command + " help";
-        for (const HelpSection& section : pages.front().sections) {
-            for (const HelpEntry& entry : section.entries) {
-                if (help && section.title == "Verbs") {
-                    take(page, entry, true);
-                }
-            }
-        }
-        for (const HelpSection& section : page.sections) {
-            for (const HelpEntry& entry : section.entries) {
-                if (section.title == "Verbs" || !entry.positional) {
-                    take(page, entry, section.title == "Verbs");
-                }
-            }
-        }
-    }
-}
-
-std::string first_word(const std::string& text) {
-    return text.substr(0, text.find(' '));
 }
 
 constexpr const char* kZshHead = R"(#compdef vxr
@@ -221,24 +210,21 @@ std::string zsh_completion(const std::vector<HelpPage>& pages) {
         std::string options;
         std::string values;
         std::string choices;
-        for_each_entry(pages, [&](const HelpPage& of, const HelpEntry& entry, bool verb) {
-            if (of.command != page.command) {
-                return;
-            }
-            for (const std::string& name : entry.names) {
-                std::string shown = verb ? first_word(name) : name;
-                shown.append(":").append(short_text(entry.text));
-                (verb ? verbs : options).append("                ").append(zsh_quoted(shown)).append("\n");
-                values += entry.value.empty() ? "" : name + ' ';
-                if (const std::string fixed = choices_of(entry.value); !fixed.empty()) {
+        for (const Candidate& one : candidates_of(pages, page)) {
+            const std::string fixed = choices_of(one.value);
+            for (const std::string& word : one.words) {
+                const std::string described = zsh_quoted(word + ':' + short_text(one.text));
+                (one.is_verb ? verbs : options).append("                ").append(described).append("\n");
+                values += one.value.empty() ? "" : word + ' ';
+                if (!fixed.empty()) {
                     choices.append("                ")
-                        .append(name)
+                        .append(word)
                         .append(") choices=(")
                         .append(fixed)
                         .append(") ;;\n");
                 }
             }
-        });
+        }
         script.append("        \"").append(page.command).append("\")\n            verbs=(\n").append(verbs);
         script.append("            )\n            options=(\n").append(options);
         script.append("            )\n            values=(").append(values);
@@ -255,21 +241,22 @@ std::string fish_completion(const std::vector<HelpPage>& pages) {
         script += page.command.find(' ') == std::string::npos ? "" : " '" + page.command + "'";
     }
     script += '\n' + std::string(kFishMiddle);
-    for_each_entry(pages, [&](const HelpPage& page, const HelpEntry& entry, bool verb) {
-        std::string line = "complete -c vxr -n 'string match -q -- \"" + page.command + "\" (__vxr_command)'";
-        if (verb) {
-            line += " -f -a " + fish_quoted(first_word(entry.names.front()));
+    for (const HelpPage& page : pages) {
+        for (const Candidate& one : candidates_of(pages, page)) {
+            script += "complete -c vxr -n 'string match -q -- \"" + page.command + "\" (__vxr_command)'";
+            for (const std::string& word : one.words) {
+                script += one.is_verb              ? " -f -a " + fish_quoted(word)
+                          : word.starts_with("--") ? " -l " + word.substr(2)
+                                                   : " -s " + word.substr(1);
+            }
+            if (const std::string fixed = choices_of(one.value); !fixed.empty()) {
+                script += " -x -a " + fish_quoted(fixed.substr(0, fixed.size() - 1));
+            } else if (!one.value.empty()) {
+                script += " -r";
+            }
+            script += " -d " + fish_quoted(short_text(one.text)) + '\n';
         }
-        for (const std::string& name : verb ? std::vector<std::string>() : entry.names) {
-            line += name.starts_with("--") ? " -l " + name.substr(2) : " -s " + name.substr(1);
-        }
-        if (const std::string fixed = choices_of(entry.value); !fixed.empty()) {
-            line += " -x -a " + fish_quoted(fixed.substr(0, fixed.size() - 1));
-        } else if (!entry.value.empty()) {
-            line += " -r";
-        }
-        script += line + " -d " + fish_quoted(short_text(entry.text)) + '\n';
-    });
+    }
     return script;
 }
 
