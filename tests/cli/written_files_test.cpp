@@ -184,6 +184,26 @@ TEST(Signals, WhileAnOutputIsWrittenTheOldFileStays) {
     EXPECT_THAT(names_in(folder.folder()), ElementsAre("out.json", "pipe"));
 }
 
+TEST(Signals, WhileAnArchiveIsWrittenNothingStays) {
+    // Large enough to be written for a while; the disk does not hold its zeros.
+    constexpr std::uintmax_t kSize_bytes = 400'000'000;
+    const TemporaryFolder folder;
+    folder.write("plate.tga", "");
+    fs::resize_file(folder.path("plate.tga"), kSize_bytes);
+    folder.write("s.aec",
+                 "VORTAN XR COMPOSITION\nRESOLUTION 4 4 FROM 0 TO 0 RANGE 1 FPS 25\nCOMPOSITION NRM \"M\" {\n"
+                 "FILE NRM STRAIGHT \"plate.tga\"\n}\n");
+    folder.make_folder("out");
+    const std::string script =
+        R"sh("$0" collect s.aec -o out/s.zip >/dev/null & )sh"
+        R"sh(for i in $(seq 4000); do [ -n "$(find out -type f -size +0)" ] && break; sleep 0.005; done; )sh"
+        R"sh(kill -TERM $!; wait $!; echo $?)sh";
+    const ProcessResult run = run_process(
+        {"env", "-C", folder.folder().string(), "timeout", "60", "bash", "-c", script, VXR_PROGRAM});
+    EXPECT_EQ(run.out, "143\n") << run.err;
+    EXPECT_THAT(names_in(folder.folder() / "out"), ElementsAre());
+}
+
 TEST(Signals, ThatWereIgnoredStayIgnored) {
     const ProcessResult run = run_process(
         {"bash", "-c",

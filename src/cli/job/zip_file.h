@@ -9,7 +9,7 @@ namespace cli {
 /// builds without it. Every function throws std::runtime_error with the reason when it fails.
 class ZipFile {
   public:
-    /// Writes to `path`, an empty file or none, when it is closed.
+    /// Writes to the file at `path` when it is closed, and makes no other file.
     explicit ZipFile(const std::string& path);
     ~ZipFile();
     ZipFile(const ZipFile&) = delete;

@@ -1,18 +1,86 @@
 #include <zip.h>
 
 #include <algorithm>
+#include <cerrno>
+#include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <new>
 #include <stdexcept>
 
 #include "cli/job/zip_file.h"
+#include "system/open_regular_file.h"
 
 namespace cli {
+namespace {
+
+// Where the archive goes. The library's own way is a second temporary file that only it knows, which a signal
+// would leave behind.
+struct Target {
+    explicit Target(const std::string& path) : file(os::open_file_to_write(path.c_str())) {
+        zip_error_init(&error);
+    }
+    Target(const Target&) = delete;
+    Target& operator=(const Target&) = delete;
+    ~Target() { zip_error_fini(&error); }
+
+    zip_int64_t fail(int code) {
+        zip_error_set(&error, code, errno);
+        return -1;
+    }
+
+    os::InputFile file;
+    zip_error_t error{};
+};
+
+zip_int64_t seek(Target& target, void* data, zip_uint64_t length) {
+    const zip_int64_t at = std::ftell(target.file.get());
+    if (at < 0 || std::fseek(target.file.get(), 0, SEEK_END) != 0) {
+        return target.fail(ZIP_ER_SEEK);
+    }
+    const auto size = static_cast<zip_uint64_t>(std::ftell(target.file.get()));
+    const zip_int64_t place =
+        zip_source_seek_compute_offset(static_cast<zip_uint64_t>(at), size, data, length, &target.error);
+    return place >= 0 && std::fseek(target.file.get(), place, SEEK_SET) == 0 ? 0 : target.fail(ZIP_ER_SEEK);
+}
+
+// What the library asks of the place that it writes to, which is empty for it until everything is written.
+zip_int64_t answer(void* user, void* data, zip_uint64_t length, zip_source_cmd_t command) {
+    Target& target = *static_cast<Target*>(user);
+    switch (command) {
+        case ZIP_SOURCE_SUPPORTS:
+            return zip_source_make_command_bitmap(
+                ZIP_SOURCE_OPEN, ZIP_SOURCE_READ, ZIP_SOURCE_CLOSE, ZIP_SOURCE_STAT, ZIP_SOURCE_ERROR,
+                ZIP_SOURCE_FREE, ZIP_SOURCE_SEEK, ZIP_SOURCE_TELL, ZIP_SOURCE_SUPPORTS, ZIP_SOURCE_REMOVE,
+                ZIP_SOURCE_BEGIN_WRITE, ZIP_SOURCE_WRITE, ZIP_SOURCE_SEEK_WRITE, ZIP_SOURCE_TELL_WRITE,
+                ZIP_SOURCE_COMMIT_WRITE, ZIP_SOURCE_ROLLBACK_WRITE, -1);
+        case ZIP_SOURCE_STAT: {
+            auto* const about = static_cast<zip_stat_t*>(data);
+            zip_stat_init(about);
+            about->valid = ZIP_STAT_SIZE;
+            return static_cast<zip_int64_t>(sizeof(*about));
+        }
+        case ZIP_SOURCE_ERROR:
+            return zip_error_to_data(&target.error, data, length);
+        case ZIP_SOURCE_WRITE:
+            return std::fwrite(data, 1, length, target.file.get()) == length
+                       ? static_cast<zip_int64_t>(length)
+                       : target.fail(ZIP_ER_WRITE);
+        case ZIP_SOURCE_SEEK_WRITE:
+            return seek(target, data, length);
+        case ZIP_SOURCE_TELL_WRITE:
+            return std::ftell(target.file.get());
+        case ZIP_SOURCE_COMMIT_WRITE:
+            return std::fflush(target.file.get()) == 0 ? 0 : target.fail(ZIP_ER_WRITE);
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
 
 struct ZipFile::State {
-    zip_t* archive = nullptr;
-
-    State() = default;
+    explicit State(const std::string& path) : target(path) {}
     State(const State&) = delete;
     State& operator=(const State&) = delete;
     ~State() {
@@ -40,18 +108,30 @@ struct ZipFile::State {
         }
         return static_cast<zip_uint64_t>(index);
     }
+
+    Target target;
+    zip_t* archive = nullptr;
 };
 
-ZipFile::ZipFile(const std::string& path) : state_(std::make_unique<State>()) {
-    int code = 0;
-    state_->archive = zip_open(path.c_str(), ZIP_CREATE | ZIP_TRUNCATE, &code);
+ZipFile::ZipFile(const std::string& path) : state_(std::make_unique<State>(path)) {
+    zip_error_t error;
+    zip_error_init(&error);
+    zip_source_t* const source = state_->target.file == nullptr
+                                     ? nullptr
+                                     : zip_source_function_create(answer, &state_->target, &error);
+    if (state_->target.file == nullptr) {
+        zip_error_set(&error, ZIP_ER_OPEN, errno);
+    }
+    if (source != nullptr) {
+        state_->archive = zip_open_from_source(source, ZIP_CREATE | ZIP_TRUNCATE, &error);
+    }
     if (state_->archive == nullptr) {
-        zip_error_t error;
-        zip_error_init_with_code(&error, code);
+        zip_source_free(source);
         const std::string reason = zip_error_strerror(&error);
         zip_error_fini(&error);
         throw std::runtime_error("the archive: " + reason);
     }
+    zip_error_fini(&error);
 }
 
 ZipFile::~ZipFile() = default;
@@ -85,6 +165,9 @@ void ZipFile::close() {
         state_->fail();
     }
     state_->archive = nullptr;
+    if (std::fclose(state_->target.file.release()) != 0) {
+        throw std::runtime_error("the archive: its last bytes could not be written");
+    }
 }
 
 }  // namespace cli
