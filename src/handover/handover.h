@@ -10,8 +10,10 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "diagnostic/diagnostic.h"
@@ -214,5 +216,8 @@ struct Handover {
     std::vector<AppliedCorrection> corrections;
     std::vector<Loss> losses;
 };
+
+/// Where a writer puts its text or bytes, piece by piece. May throw; the writer passes that on.
+using Sink = std::function<void(std::string_view piece)>;
 
 }  // namespace handover
