@@ -5,11 +5,11 @@
 #include <string>
 
 #include "embedded/project.h"
+#include "text/plain_number.h"
 
 namespace cli {
 
-/// A number without needless digits: "25", "29.97", "-0.5".
-std::string plain_number(double value);
+using text::plain_number;
 
 /// A time in frames at `rate`: "17", or "17.5" between two frames.
 std::string frames_text(double seconds, const A_Ratio& rate);

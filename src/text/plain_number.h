@@ -1,0 +1,11 @@
+#pragma once
+
+#include <string>
+
+namespace text {
+
+/// A number for a person, with up to seven digits and none that are needless: "25", "29.97", "-0.5". Numbers
+/// that are not finite are "inf", "-inf" and "nan".
+[[nodiscard]] std::string plain_number(double value);
+
+}  // namespace text
