@@ -19,6 +19,8 @@ struct SceneSource {
     std::function<diagnostic::Place(const void* record)> place_of;
     /// Of a key, by its index in `keys`.
     std::function<diagnostic::Place(const CSceneObject& object, std::size_t key)> place_of_key;
+    /// The path of a footage entry as the scene writes it, any bytes.
+    std::function<std::string(const CFileItem& file)> written_path;
 };
 
 /// Describes the project that the plug-in has built from the scene in a current host; `project` is all of it.

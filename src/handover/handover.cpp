@@ -1,5 +1,7 @@
 #include "handover/handover.h"
 
+#include <algorithm>
+
 namespace handover {
 
 std::size_t component_count(Property property) {
@@ -21,6 +23,13 @@ std::size_t component_count(Property property) {
             return 1;
     }
     return 1;
+}
+
+std::string file_name(const NumberedFiles& files, std::int64_t number) {
+    std::string digits = std::to_string(number);
+    const auto width = static_cast<std::size_t>(std::max(files.padding, 1));
+    digits.insert(0, width - std::min(width, digits.size()), '0');
+    return files.prefix + digits + files.suffix;
 }
 
 }  // namespace handover

@@ -57,13 +57,16 @@ struct NumberedFiles {
     std::int64_t missing = 0;  ///< how many numbers between `first` and `last` have no file
 };
 
+/// The name of the file with this number, without its folder.
+[[nodiscard]] std::string file_name(const NumberedFiles& files, std::int64_t number);
+
 struct Footage {
     FootageKind kind = FootageKind::still;
     std::size_t item = kNone;
     std::string
         path;  ///< the file, or the first file of a sequence; of a placeholder the path that was looked for
     std::string written;                 ///< as the scene writes it, any bytes
-    std::optional<NumberedFiles> files;  ///< sequences only
+    std::optional<NumberedFiles> files;  ///< of sequences whose names have a number
     std::int32_t width_px = 0;
     std::int32_t height_px = 0;
     double frames = 0;    ///< length; 0 for stills
