@@ -1,0 +1,437 @@
+#include "handover/scene3d/gltf.h"
+
+#include <algorithm>
+#include <cmath>
+#include <nlohmann/json.hpp>
+#include <string>
+
+#include "handover/loss.h"
+#include "handover/scene3d/gltf_data.h"
+#include "handover/scene3d/motion.h"
+#include "handover/scene3d/scene3d_values.h"
+
+namespace handover {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr double kGltfAngleWithoutKeys = 40;
+constexpr double kRadiansInDegree = 3.14159265358979323846 / 180;
+
+// The angle of view from bottom to top, in radians.
+double vertical_angle(const PictureFrame& frame, double view_angle) {
+    return 2 * std::atan(std::tan(clamped_angle(view_angle) * kRadiansInDegree / 2) / frame.aspect_ratio);
+}
+
+// The angle between two turns, precise for small ones.
+double angle_between(const Quaternion& a, const Quaternion& b) {
+    double same = 0;
+    double opposite = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        same += (a[i] - b[i]) * (a[i] - b[i]);
+        opposite += (a[i] + b[i]) * (a[i] + b[i]);
+    }
+    return 4 * std::asin(std::min(1.0, std::sqrt(std::min(same, opposite)) / 2));
+}
+
+// As the format goes from one turn to the next: the short way, at constant speed.
+Quaternion on_the_way(const Quaternion& a, Quaternion b, double part) {
+    double cosine = 0;
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        cosine += a[i] * b[i];
+    }
+    if (cosine < 0) {
+        for (double& one : b) {
+            one = -one;
+        }
+    }
+    const double angle = angle_between(a, b) / 2;
+    const double sine = std::sin(angle);
+    // Turns that are almost equal: a straight line is as good.
+    constexpr double kTiny = 1e-9;
+    const double weight_a = sine < kTiny ? 1 - part : std::sin((1 - part) * angle) / sine;
+    const double weight_b = sine < kTiny ? part : std::sin(part * angle) / sine;
+    Quaternion turn{};
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        turn[i] = weight_a * a[i] + weight_b * b[i];
+    }
+    return turn;
+}
+
+bool turns_close(ObjectKind kind, const PictureFrame& frame, const Pose& a, const Pose& b) {
+    if (a.heading == b.heading && a.pitch == b.pitch && a.bank == b.bank) {
+        return true;
+    }
+    const Quaternion from = turn_of(kind, a);
+    const Quaternion to = turn_of(kind, b);
+    for (const double part : {0.125, 0.375, 0.625, 0.875, 0.25, 0.5, 0.75}) {
+        const Pose truth = between(a, b, part);
+        const double apart = angle_between(on_the_way(from, to, part), turn_of(kind, truth));
+        const bool close = kind == ObjectKind::camera
+                               ? frame.shift(apart, clamped_angle(truth.view_angle)) <= kClose_px
+                               : apart <= kCloseTurn;
+        if (!close) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool angles_close(const PictureFrame& frame, const Pose& a, const Pose& b) {
+    if (a.view_angle == b.view_angle) {
+        return true;
+    }
+    const double from = vertical_angle(frame, a.view_angle);
+    const double to = vertical_angle(frame, b.view_angle);
+    for (const double part : {0.25, 0.5, 0.75}) {
+        const double truth = vertical_angle(frame, between(a, b, part).view_angle);
+        const double shown = from + part * (to - from);
+        if (!(std::abs(std::tan(truth / 2) / std::tan(shown / 2) - 1) * frame.corner <= kClose_px)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+std::vector<Motion> gltf_motions(const Handover& handover, const Scene3dOptions& options) {
+    const PictureFrame frame(handover.shot);
+    std::vector<Motion> motions;
+    for (const SceneObject& object : handover.objects) {
+        const ObjectKind kind = object.kind;
+        const IsClose is_close = [&frame, kind](const Pose& a, const Pose& b) {
+            return turns_close(kind, frame, a, b) &&
+                   (kind != ObjectKind::camera || angles_close(frame, a, b));
+        };
+        // Time begins with the scene's first frame.
+        motions.push_back(from_frame(motion_of(object, options.cut_angle_degrees, is_close),
+                                     static_cast<double>(handover.shot.from)));
+    }
+    return motions;
+}
+
+bool view_angle_changes(const Motion& motion) {
+    return std::any_of(motion.poses.begin(), motion.poses.end(),
+                       [&](const Pose& pose) { return pose.view_angle != motion.poses.front().view_angle; });
+}
+
+class GltfFile {
+  public:
+    GltfFile(const Handover& handover, const Scene3dOptions& options)
+        : handover_(handover), options_(options), frame_(handover.shot) {
+        const std::vector<Motion> motions = gltf_motions(handover, options);
+        for (std::size_t i = 0; i < handover.objects.size(); ++i) {
+            add_object(handover.objects[i], motions[i]);
+        }
+    }
+
+    // Everything but where the data is.
+    [[nodiscard]] Json document() const {
+        const Shot& shot = handover_.shot;
+        Json file = {{"asset",
+                      {{"version", "2.0"},
+                       {"generator", "vxr"},
+                       {"extras",
+                        {{"scene", shot.file},
+                         {"scale", options_.scale},
+                         {"frame_rate", shot.rate_fps},
+                         {"from", shot.from},
+                         {"to", shot.to}}}}}};
+        if (uses_lights() || pointer_used_) {
+            file["extensionsUsed"] = Json::array();
+            if (uses_lights()) {
+                file["extensionsUsed"].push_back("KHR_lights_punctual");
+                file["extensions"]["KHR_lights_punctual"]["lights"] = lights_;
+            }
+            if (pointer_used_) {
+                file["extensionsUsed"].push_back("KHR_animation_pointer");
+            }
+        }
+        file["scene"] = 0;
+        file["scenes"] = Json::array({Json{{"name", "Shot"}}});
+        if (!nodes_.empty()) {
+            for (std::size_t i = 0; i < nodes_.size(); ++i) {
+                file["scenes"][0]["nodes"].push_back(i);
+            }
+            file["nodes"] = nodes_;
+        }
+        if (!cameras_.empty()) {
+            file["cameras"] = cameras_;
+        }
+        if (!channels_.empty()) {
+            file["animations"] =
+                Json::array({{{"name", "Shot"}, {"channels", channels_}, {"samplers", samplers_}}});
+        }
+        for (const GltfAccessor& accessor : data_.accessors()) {
+            file["accessors"].push_back(accessor_json(accessor, file["accessors"].size()));
+            file["bufferViews"].push_back(
+                {{"buffer", 0},
+                 {"byteOffset", accessor.offset_bytes},
+                 {"byteLength", accessor.count * accessor.components * sizeof(float)}});
+        }
+        return file;
+    }
+
+    [[nodiscard]] std::string_view data() const { return data_.bytes(); }
+
+  private:
+    [[nodiscard]] bool uses_lights() const { return !lights_.empty(); }
+
+    static Json accessor_json(const GltfAccessor& accessor, std::size_t view) {
+        static constexpr const char* kTypes[] = {"SCALAR", "VEC2", "VEC3", "VEC4"};
+        Json json = {{"bufferView", view},
+                     {"componentType", 5126},
+                     {"count", accessor.count},
+                     {"type", kTypes[accessor.components - 1]}};
+        if (accessor.needs_range) {
+            for (std::size_t i = 0; i < accessor.components; ++i) {
+                json["min"].push_back(accessor.least[i]);
+                json["max"].push_back(accessor.most[i]);
+            }
+        }
+        return json;
+    }
+
+    void add_object(const SceneObject& object, const Motion& motion) {
+        const std::size_t index = nodes_.size();
+        Json node = {{"name", object.name}};
+        if (!motion.poses.empty()) {
+            const auto place = scaled_place(motion.poses.front());
+            const Quaternion turn = turn_of(object.kind, motion.poses.front());
+            node["translation"] = {float_of(place[0]), float_of(place[1]), float_of(place[2])};
+            node["rotation"] = {float_of(turn[0]), float_of(turn[1]), float_of(turn[2]), float_of(turn[3])};
+        }
+        if (object.kind == ObjectKind::camera) {
+            node["camera"] = add_camera(object, motion);
+        } else if (object.kind == ObjectKind::light) {
+            node["extensions"]["KHR_lights_punctual"]["light"] = lights_.size();
+            lights_.push_back(light_json(object));
+        }
+        node["extras"] = {{"id", object.id}};
+        nodes_.push_back(node);
+        add_places(index, motion.poses);
+        add_turns(index, object.kind, motion.poses);
+    }
+
+    std::size_t add_camera(const SceneObject& object, const Motion& motion) {
+        const std::size_t index = cameras_.size();
+        const double angle = motion.poses.empty() ? kGltfAngleWithoutKeys : motion.poses.front().view_angle;
+        const ClippingRange range = clipping_range(handover_);
+        cameras_.push_back({{"name", object.name},
+                            {"type", "perspective"},
+                            {"perspective",
+                             {{"aspectRatio", frame_.aspect_ratio},
+                              {"yfov", vertical_angle(frame_, angle)},
+                              {"znear", range.nearest * options_.scale},
+                              {"zfar", range.farthest * options_.scale}}}});
+        if (view_angle_changes(motion)) {
+            pointer_used_ = true;
+            const PictureFrame& frame = frame_;
+            add_channel({{"path", "pointer"},
+                         {"extensions",
+                          {{"KHR_animation_pointer",
+                            {{"pointer", "/cameras/" + std::to_string(index) + "/perspective/yfov"}}}}}},
+                        motion.poses,
+                        needed_poses(motion.poses,
+                                     [&frame](const Pose& pose) {
+                                         return std::array{vertical_angle(frame, pose.view_angle), 0.0, 0.0};
+                                     }),
+                        1, [&frame](const Pose& pose) {
+                            return Quaternion{vertical_angle(frame, pose.view_angle), 0, 0, 0};
+                        });
+        }
+        return index;
+    }
+
+    static Json light_json(const SceneObject& light) {
+        const LightValues values = light_values(light);
+        Json json = {{"name", light.name},
+                     {"color", {values.color[0], values.color[1], values.color[2]}},
+                     {"intensity", std::min(values.intensity, 3e38)}};
+        if (light.light_word == "SPOT") {
+            json["type"] = "spot";
+            // From the middle to the edge, as far as the format goes.
+            const double half = std::isfinite(light.cone_angle) ? light.cone_angle / 2 : 0;
+            json["spot"] = {{"innerConeAngle", 0},
+                            {"outerConeAngle", std::clamp(half, kLeastAngle, 90.0) * kRadiansInDegree}};
+        } else {
+            json["type"] = light.light_word == "PAR" || light.light_word == "PSPOT" ? "directional" : "point";
+        }
+        return json;
+    }
+
+    void add_places(std::size_t node, const std::vector<Pose>& poses) {
+        const bool moves = std::any_of(poses.begin(), poses.end(), [&](const Pose& pose) {
+            return pose.position != poses.front().position;
+        });
+        if (moves) {
+            add_channel({{"node", node}, {"path", "translation"}}, poses, needed_poses(poses, place_of), 3,
+                        [this](const Pose& pose) {
+                            const auto place = scaled_place(pose);
+                            return Quaternion{place[0], place[1], place[2], 0};
+                        });
+        }
+    }
+
+    void add_turns(std::size_t node, ObjectKind kind, const std::vector<Pose>& poses) {
+        const auto same = [](const Pose& a, const Pose& b) {
+            return a.heading == b.heading && a.pitch == b.pitch && a.bank == b.bank;
+        };
+        std::vector<std::size_t> needed;
+        bool turns = false;
+        for (std::size_t i = 0; i < poses.size(); ++i) {
+            turns = turns || !same(poses[i], poses.front());
+            const bool inside = i > 0 && i + 1 < poses.size();
+            if (!inside || poses[i].before_cut || !same(poses[i], poses[i - 1]) ||
+                !same(poses[i], poses[i + 1])) {
+                needed.push_back(i);
+            }
+        }
+        if (!turns) {
+            return;
+        }
+        // Neighbouring quaternions on the same side, so that every reader goes the short way.
+        Quaternion last{};
+        add_channel({{"node", node}, {"path", "rotation"}}, poses, needed, 4,
+                    [kind, last](const Pose& pose) mutable {
+                        Quaternion turn = turn_of(kind, pose);
+                        double cosine = 0;
+                        for (std::size_t i = 0; i < turn.size(); ++i) {
+                            cosine += turn[i] * last[i];
+                        }
+                        if (cosine < 0) {
+                            for (double& one : turn) {
+                                one = -one;
+                            }
+                        }
+                        last = turn;
+                        return turn;
+                    });
+    }
+
+    template <typename ValueOf>
+    void add_channel(Json target, const std::vector<Pose>& poses, const std::vector<std::size_t>& needed,
+                     std::size_t components, ValueOf value_of) {
+        std::vector<float> times;
+        std::vector<float> values;
+        for (const std::size_t i : needed) {
+            const double seconds =
+                (poses[i].frame - static_cast<double>(handover_.shot.from)) / handover_.shot.rate_fps;
+            auto time = static_cast<float>(seconds);
+            if (poses[i].before_cut) {
+                time = std::nextafter(time, 0.0F);
+            }
+            const Quaternion value = value_of(poses[i]);
+            // Frames that are closer than floats tell apart: the later one holds.
+            if (!times.empty() && time <= times.back()) {
+                times.pop_back();
+                values.resize(values.size() - components);
+                time = times.empty() ? time : std::max(time, std::nextafter(times.back(), HUGE_VALF));
+            }
+            times.push_back(time);
+            for (std::size_t c = 0; c < components; ++c) {
+                values.push_back(static_cast<float>(float_of(value[c])));
+            }
+        }
+        const std::size_t input = data_.add(times, 1, true);
+        const std::size_t output = data_.add(values, components, false);
+        channels_.push_back({{"sampler", samplers_.size()}, {"target", std::move(target)}});
+        samplers_.push_back({{"input", input}, {"output", output}, {"interpolation", "LINEAR"}});
+    }
+
+    [[nodiscard]] std::array<double, 3> scaled_place(const Pose& pose) const {
+        auto place = place_of(pose);
+        for (double& one : place) {
+            one *= options_.scale;
+        }
+        return place;
+    }
+
+    // As a float holds it, so that node and first key are one number.
+    static double float_of(double number) {
+        constexpr double kMostFloat = 3.4028234663852886e38;
+        return static_cast<double>(static_cast<float>(std::clamp(number, -kMostFloat, kMostFloat)));
+    }
+
+    const Handover& handover_;
+    const Scene3dOptions& options_;
+    PictureFrame frame_;
+    GltfData data_;
+    Json nodes_ = Json::array();
+    Json cameras_ = Json::array();
+    Json lights_ = Json::array();
+    Json channels_ = Json::array();
+    Json samplers_ = Json::array();
+    bool pointer_used_ = false;
+};
+
+std::string json_text(const Json& document, int indent) {
+    // Names are UTF-8; whatever is not is replaced instead of ending the work.
+    return document.dump(indent, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string word_of(std::uint64_t number) {
+    std::string bytes;
+    for (int i = 0; i < 4; ++i) {
+        bytes += static_cast<char>(number & 0xFF);
+        number >>= 8;
+    }
+    return bytes;
+}
+
+}  // namespace
+
+void write_gltf(const Handover& handover, const Scene3dOptions& options, const Sink& out) {
+    const GltfFile file(handover, options);
+    Json document = file.document();
+    if (!file.data().empty()) {
+        document["buffers"] =
+            Json::array({{{"byteLength", file.data().size()},
+                          {"uri", "data:application/octet-stream;base64," + base64_of(file.data())}}});
+    }
+    out(json_text(document, 2));
+    out("\n");
+}
+
+void write_glb(const Handover& handover, const Scene3dOptions& options, const Sink& out) {
+    const GltfFile file(handover, options);
+    Json document = file.document();
+    if (!file.data().empty()) {
+        document["buffers"] = Json::array({{{"byteLength", file.data().size()}}});
+    }
+    std::string text = json_text(document, -1);
+    text.append((4 - text.size() % 4) % 4, ' ');
+    constexpr std::uint64_t kHeads_bytes = 12 + 8 + 8;
+    const std::uint64_t length =
+        kHeads_bytes - (file.data().empty() ? 8 : 0) + text.size() + file.data().size();
+    if (length > 0xFFFFFFFF) {
+        throw CannotWrite(
+            "the file would be longer than 4 GiB, which glTF cannot say; hand over fewer objects");
+    }
+    out("glTF" + word_of(2) + word_of(length));
+    out(word_of(text.size()) + "JSON");
+    out(text);
+    if (!file.data().empty()) {
+        // Floats only, so the length is a multiple of four.
+        out(word_of(file.data().size()) + std::string("BIN\0", 4));
+        out(file.data());
+    }
+}
+
+std::vector<Loss> gltf_losses(const Handover& handover, const Scene3dOptions& options) {
+    const std::vector<Motion> motions = gltf_motions(handover, options);
+    std::vector<Loss> losses = common_losses(handover, motions, Target::gltf);
+    for (std::size_t i = 0; i < handover.objects.size(); ++i) {
+        const SceneObject& object = handover.objects[i];
+        if (object.kind == ObjectKind::camera && view_angle_changes(motions[i])) {
+            losses.push_back(
+                {diagnostic::make(LossCode::view_angle_lost, object.at,
+                                  "the angle of view of \"" + object.name +
+                                      "\" changes, which the file says by KHR_animation_pointer; a program "
+                                      "without it shows the angle of the first frame"),
+                 Target::gltf});
+        }
+    }
+    return losses;
+}
+
+}  // namespace handover
