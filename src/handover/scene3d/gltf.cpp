@@ -58,14 +58,14 @@ Quaternion on_the_way(const Quaternion& a, Quaternion b, double part) {
     return turn;
 }
 
-bool turns_close(ObjectKind kind, const PictureFrame& frame, const Pose& a, const Pose& b) {
+bool turns_close(ObjectKind kind, const PictureFrame& frame, const TimedPose& a, const TimedPose& b) {
     if (a.heading == b.heading && a.pitch == b.pitch && a.bank == b.bank) {
         return true;
     }
     const Quaternion from = turn_of(kind, a);
     const Quaternion to = turn_of(kind, b);
     for (const double part : {0.125, 0.375, 0.625, 0.875, 0.25, 0.5, 0.75}) {
-        const Pose truth = between(a, b, part);
+        const TimedPose truth = between(a, b, part);
         const double apart = angle_between(on_the_way(from, to, part), turn_of(kind, truth));
         const bool close = kind == ObjectKind::camera
                                ? frame.shift(apart, clamped_angle(truth.view_angle)) <= kClose_px
@@ -77,7 +77,7 @@ bool turns_close(ObjectKind kind, const PictureFrame& frame, const Pose& a, cons
     return true;
 }
 
-bool angles_close(const PictureFrame& frame, const Pose& a, const Pose& b) {
+bool angles_close(const PictureFrame& frame, const TimedPose& a, const TimedPose& b) {
     if (a.view_angle == b.view_angle) {
         return true;
     }
@@ -98,7 +98,7 @@ std::vector<Motion> gltf_motions(const Handover& handover, const Scene3dOptions&
     std::vector<Motion> motions;
     for (const SceneObject& object : handover.objects) {
         const ObjectKind kind = object.kind;
-        const IsClose is_close = [&frame, kind](const Pose& a, const Pose& b) {
+        const IsClose is_close = [&frame, kind](const TimedPose& a, const TimedPose& b) {
             return turns_close(kind, frame, a, b) &&
                    (kind != ObjectKind::camera || angles_close(frame, a, b));
         };
@@ -110,8 +110,9 @@ std::vector<Motion> gltf_motions(const Handover& handover, const Scene3dOptions&
 }
 
 bool view_angle_changes(const Motion& motion) {
-    return std::any_of(motion.poses.begin(), motion.poses.end(),
-                       [&](const Pose& pose) { return pose.view_angle != motion.poses.front().view_angle; });
+    return std::any_of(motion.poses.begin(), motion.poses.end(), [&](const TimedPose& pose) {
+        return pose.view_angle != motion.poses.front().view_angle;
+    });
 }
 
 class GltfFile {
@@ -232,10 +233,10 @@ class GltfFile {
                             {{"pointer", "/cameras/" + std::to_string(index) + "/perspective/yfov"}}}}}},
                         motion.poses,
                         needed_poses(motion.poses,
-                                     [&frame](const Pose& pose) {
+                                     [&frame](const TimedPose& pose) {
                                          return std::array{vertical_angle(frame, pose.view_angle), 0.0, 0.0};
                                      }),
-                        1, [&frame](const Pose& pose) {
+                        1, [&frame](const TimedPose& pose) {
                             return Quaternion{vertical_angle(frame, pose.view_angle), 0, 0, 0};
                         });
         }
@@ -259,21 +260,21 @@ class GltfFile {
         return json;
     }
 
-    void add_places(std::size_t node, const std::vector<Pose>& poses) {
-        const bool moves = std::any_of(poses.begin(), poses.end(), [&](const Pose& pose) {
+    void add_places(std::size_t node, const std::vector<TimedPose>& poses) {
+        const bool moves = std::any_of(poses.begin(), poses.end(), [&](const TimedPose& pose) {
             return pose.position != poses.front().position;
         });
         if (moves) {
             add_channel({{"node", node}, {"path", "translation"}}, poses, needed_poses(poses, place_of), 3,
-                        [this](const Pose& pose) {
+                        [this](const TimedPose& pose) {
                             const auto place = scaled_place(pose);
                             return Quaternion{place[0], place[1], place[2], 0};
                         });
         }
     }
 
-    void add_turns(std::size_t node, ObjectKind kind, const std::vector<Pose>& poses) {
-        const auto same = [](const Pose& a, const Pose& b) {
+    void add_turns(std::size_t node, ObjectKind kind, const std::vector<TimedPose>& poses) {
+        const auto same = [](const TimedPose& a, const TimedPose& b) {
             return a.heading == b.heading && a.pitch == b.pitch && a.bank == b.bank;
         };
         std::vector<std::size_t> needed;
@@ -292,7 +293,7 @@ class GltfFile {
         // Neighbouring quaternions on the same side, so that every reader goes the short way.
         Quaternion last{};
         add_channel({{"node", node}, {"path", "rotation"}}, poses, needed, 4,
-                    [kind, last](const Pose& pose) mutable {
+                    [kind, last](const TimedPose& pose) mutable {
                         Quaternion turn = turn_of(kind, pose);
                         double cosine = 0;
                         for (std::size_t i = 0; i < turn.size(); ++i) {
@@ -309,7 +310,7 @@ class GltfFile {
     }
 
     template <typename ValueOf>
-    void add_channel(Json target, const std::vector<Pose>& poses, const std::vector<std::size_t>& needed,
+    void add_channel(Json target, const std::vector<TimedPose>& poses, const std::vector<std::size_t>& needed,
                      std::size_t components, ValueOf value_of) {
         std::vector<float> times;
         std::vector<float> values;
@@ -338,7 +339,7 @@ class GltfFile {
         samplers_.push_back({{"input", input}, {"output", output}, {"interpolation", "LINEAR"}});
     }
 
-    [[nodiscard]] std::array<double, 3> scaled_place(const Pose& pose) const {
+    [[nodiscard]] std::array<double, 3> scaled_place(const TimedPose& pose) const {
         auto place = place_of(pose);
         for (double& one : place) {
             one *= options_.scale;

@@ -26,7 +26,7 @@ bool is_finite(const ObjectKey& key) {
     return std::all_of(std::begin(numbers), std::end(numbers), [](double one) { return std::isfinite(one); });
 }
 
-std::array<double, 3> view_of(const Pose& pose) {
+std::array<double, 3> view_of(const TimedPose& pose) {
     constexpr double kRadians = 3.14159265358979323846 / 180;
     const double h = pose.heading * kRadians;
     const double p = pose.pitch * kRadians;
@@ -34,7 +34,7 @@ std::array<double, 3> view_of(const Pose& pose) {
 }
 
 // The angle between two views, precise for small ones.
-double turn_degrees(const Pose& a, const Pose& b) {
+double turn_degrees(const TimedPose& a, const TimedPose& b) {
     constexpr double kDegrees = 180 / 3.14159265358979323846;
     const auto va = view_of(a);
     const auto vb = view_of(b);
@@ -42,11 +42,11 @@ double turn_degrees(const Pose& a, const Pose& b) {
     return 2 * std::asin(std::min(1.0, apart / 2)) * kDegrees;
 }
 
-bool is_cut(const Pose& a, const Pose& b, double cut_angle_degrees) {
+bool is_cut(const TimedPose& a, const TimedPose& b, double cut_angle_degrees) {
     return turn_degrees(a, b) > cut_angle_degrees || std::abs(b.bank - a.bank) > cut_angle_degrees;
 }
 
-Pose pose_of(const ObjectKey& key) {
+TimedPose pose_of(const ObjectKey& key) {
     return {static_cast<double>(key.frame),
             key.position,
             key.heading,
@@ -57,19 +57,20 @@ Pose pose_of(const ObjectKey& key) {
 }
 
 // `next` with the angles that follow on `last`, which was continued from `written`.
-Pose continued_pose(const Pose& last, const Pose& written, const Pose& next, bool neighbours) {
+TimedPose continued_pose(const TimedPose& last, const TimedPose& written, const TimedPose& next,
+                         bool neighbours) {
     const auto way = [neighbours](double from, double to) {
         const double straight = to - from;
         return neighbours ? short_way(straight) : straight;
     };
-    Pose pose = next;
+    TimedPose pose = next;
     pose.heading = last.heading + way(written.heading, next.heading);
     pose.pitch = last.pitch + way(written.pitch, next.pitch);
     pose.bank = last.bank + way(written.bank, next.bank);
     return pose;
 }
 
-double turned(const Pose& a, const Pose& b) {
+double turned(const TimedPose& a, const TimedPose& b) {
     return std::abs(b.heading - a.heading) + std::abs(b.pitch - a.pitch) + std::abs(b.bank - a.bank);
 }
 
@@ -78,11 +79,11 @@ class Divider {
   public:
     Divider(Motion& motion, const IsClose& is_close) : motion_(motion), is_close_(is_close) {}
 
-    void go_to(const Pose& end) {
+    void go_to(const TimedPose& end) {
         waiting_.push_back(end);
         while (!waiting_.empty()) {
-            const Pose& last = motion_.poses.back();
-            const Pose next = waiting_.back();
+            const TimedPose& last = motion_.poses.back();
+            const TimedPose next = waiting_.back();
             if (turned(last, next) <= kMostTurn_degrees && is_close_(last, next)) {
                 take();
             } else if (can_divide(next.frame - last.frame)) {
@@ -117,14 +118,15 @@ class Divider {
 
     Motion& motion_;
     const IsClose& is_close_;
-    std::vector<Pose> waiting_;  // nearest last
+    std::vector<TimedPose> waiting_;  // nearest last
 };
 
 // The slopes of the straight lines from one pose that pass all others so far.
 class Cone {
   public:
     // Whether the line to `to` is among them.
-    [[nodiscard]] bool holds(const Pose& from, const Pose& to, const PoseNumbers& numbers_of) const {
+    [[nodiscard]] bool holds(const TimedPose& from, const TimedPose& to,
+                             const PoseNumbers& numbers_of) const {
         const auto a = numbers_of(from);
         const auto b = numbers_of(to);
         const double span = to.frame - from.frame;
@@ -137,7 +139,7 @@ class Cone {
         return true;
     }
 
-    void narrow(const Pose& from, const Pose& passed, const PoseNumbers& numbers_of) {
+    void narrow(const TimedPose& from, const TimedPose& passed, const PoseNumbers& numbers_of) {
         const auto a = numbers_of(from);
         const auto b = numbers_of(passed);
         const double span = passed.frame - from.frame;
@@ -155,9 +157,9 @@ class Cone {
 
 }  // namespace
 
-Pose between(const Pose& a, const Pose& b, double part) {
+TimedPose between(const TimedPose& a, const TimedPose& b, double part) {
     const auto mix = [part](double from, double to) { return from + part * (to - from); };
-    Pose pose;
+    TimedPose pose;
     pose.frame = mix(a.frame, b.frame);
     for (std::size_t i = 0; i < 3; ++i) {
         pose.position[i] = mix(a.position[i], b.position[i]);
@@ -172,19 +174,19 @@ Pose between(const Pose& a, const Pose& b, double part) {
 Motion motion_of(const SceneObject& object, double cut_angle_degrees, const IsClose& is_close) {
     Motion motion;
     Divider divider(motion, is_close);
-    Pose written;
+    TimedPose written;
     for (const ObjectKey& key : object.keys) {
         if (!is_finite(key)) {
             ++motion.left_out;
             continue;
         }
-        const Pose next = pose_of(key);
+        const TimedPose next = pose_of(key);
         if (motion.poses.empty()) {
             motion.poses.push_back(next);
         } else {
-            const Pose last = motion.poses.back();
+            const TimedPose last = motion.poses.back();
             const bool neighbours = next.frame - written.frame == 1;
-            const Pose continued = continued_pose(last, written, next, neighbours);
+            const TimedPose continued = continued_pose(last, written, next, neighbours);
             if (neighbours && is_cut(last, continued, cut_angle_degrees)) {
                 motion.poses.push_back(last);
                 motion.poses.back().frame = next.frame;
@@ -200,13 +202,13 @@ Motion motion_of(const SceneObject& object, double cut_angle_degrees, const IsCl
 }
 
 Motion from_frame(Motion motion, double frame) {
-    std::vector<Pose>& poses = motion.poses;
+    std::vector<TimedPose>& poses = motion.poses;
     const auto after = std::upper_bound(poses.begin(), poses.end(), frame,
-                                        [](double at, const Pose& pose) { return at < pose.frame; });
+                                        [](double at, const TimedPose& pose) { return at < pose.frame; });
     if (after == poses.begin()) {
         return motion;
     }
-    Pose first = *(after - 1);
+    TimedPose first = *(after - 1);
     if (after != poses.end()) {
         first = after->before_cut
                     ? first
@@ -219,7 +221,7 @@ Motion from_frame(Motion motion, double frame) {
     return motion;
 }
 
-std::vector<std::size_t> needed_poses(const std::vector<Pose>& poses, const PoseNumbers& numbers_of) {
+std::vector<std::size_t> needed_poses(const std::vector<TimedPose>& poses, const PoseNumbers& numbers_of) {
     std::vector<std::size_t> needed;
     std::size_t anchor = 0;
     Cone cone;

@@ -14,7 +14,7 @@ namespace handover {
 
 /// Where an object is and how it is turned, in the scene's axes and degrees. Angles are continuous from
 /// sample to sample: they may lie outside one turn.
-struct Pose {
+struct TimedPose {
     double frame = 0;
     std::array<double, 3> position{};
     double heading = 0;
@@ -25,13 +25,14 @@ struct Pose {
 };
 
 /// The pose `part` of the way from `a` to `b`, as the scene means it.
-[[nodiscard]] Pose between(const Pose& a, const Pose& b, double part);
+[[nodiscard]] TimedPose between(const TimedPose& a, const TimedPose& b, double part);
 
 /// Whether a program that goes from one pose to the next by its own curve stays close enough to the scene.
-using IsClose = std::function<bool(const Pose& a, const Pose& b)>;
+using IsClose = std::function<bool(const TimedPose& a, const TimedPose& b)>;
 
 struct Motion {
-    std::vector<Pose> poses;   ///< ascending; two with one frame, the first of them `before_cut`, at each cut
+    std::vector<TimedPose>
+        poses;                 ///< ascending; two with one frame, the first of them `before_cut`, at each cut
     std::size_t left_out = 0;  ///< keys with numbers that are not finite
     std::int64_t too_fast = 0;        ///< parts of the way that no number of keys makes close enough
     std::int64_t first_too_fast = 0;  ///< the frame before the first of them
@@ -45,12 +46,12 @@ struct Motion {
 [[nodiscard]] Motion from_frame(Motion motion, double frame);
 
 /// Numbers of a pose that a program interpolates together; those beyond the count are 0.
-using PoseNumbers = std::function<std::array<double, 3>(const Pose& pose)>;
+using PoseNumbers = std::function<std::array<double, 3>(const TimedPose& pose)>;
 
 /// Which of the poses a program needs that draws straight lines between them: the others are missed by less
 /// than the precision of a float in each of the numbers. Always the first, the last, and both sides of a cut.
 /// Ascending.
-[[nodiscard]] std::vector<std::size_t> needed_poses(const std::vector<Pose>& poses,
+[[nodiscard]] std::vector<std::size_t> needed_poses(const std::vector<TimedPose>& poses,
                                                     const PoseNumbers& numbers_of);
 
 }  // namespace handover

@@ -37,7 +37,7 @@ std::string quoted_name(const SceneObject& object) {
 
 }  // namespace
 
-Quaternion turn_of(ObjectKind kind, const Pose& pose) {
+Quaternion turn_of(ObjectKind kind, const TimedPose& pose) {
     const Quaternion bank = about_axis(2, -pose.bank);
     if (kind == ObjectKind::null) {
         return product(about_axis(0, pose.heading), product(about_axis(1, pose.pitch), bank));
@@ -45,7 +45,7 @@ Quaternion turn_of(ObjectKind kind, const Pose& pose) {
     return product(about_axis(1, pose.heading), product(about_axis(0, pose.pitch), bank));
 }
 
-std::array<double, 3> place_of(const Pose& pose) {
+std::array<double, 3> place_of(const TimedPose& pose) {
     // 0 - z and not -z, so that no zero has a sign.
     return {pose.position[0], pose.position[1], 0 - pose.position[2]};
 }
@@ -144,9 +144,10 @@ std::vector<Loss> common_losses(const Handover& handover, const std::vector<Moti
                 name + " turns about z, y and x in this order, as After Effects has it from the plug-in");
         }
         if (object.kind == ObjectKind::camera) {
-            const bool open = std::any_of(motion.poses.begin(), motion.poses.end(), [](const Pose& pose) {
-                return !(pose.view_angle >= kLeastAngle && pose.view_angle <= kMostAngle);
-            });
+            const bool open =
+                std::any_of(motion.poses.begin(), motion.poses.end(), [](const TimedPose& pose) {
+                    return !(pose.view_angle >= kLeastAngle && pose.view_angle <= kMostAngle);
+                });
             if (open) {
                 add(object, LossCode::value_not_finite,
                     "the angle of view of " + name +

@@ -17,10 +17,10 @@ using Quaternion = std::array<double, 4>;
 
 /// How a camera or a light that looks along -z with y up is turned, or a null, in right-handed axes with y
 /// up. A null turns about z, y and x in this order, as the importer has After Effects turn it.
-[[nodiscard]] Quaternion turn_of(ObjectKind kind, const Pose& pose);
+[[nodiscard]] Quaternion turn_of(ObjectKind kind, const TimedPose& pose);
 
 /// The position in right-handed axes.
-[[nodiscard]] std::array<double, 3> place_of(const Pose& pose);
+[[nodiscard]] std::array<double, 3> place_of(const TimedPose& pose);
 
 /// The picture in square pixels, and how precise a camera must be.
 struct PictureFrame {

@@ -30,7 +30,7 @@ double usd_focal_length(double view_angle) {
 // Angles go straight in this format as in the scene, because it turns by angles. The focal length does, too,
 // where the scene's angle of view does.
 IsClose usd_closeness(const PictureFrame& frame) {
-    return [frame](const Pose& a, const Pose& b) {
+    return [frame](const TimedPose& a, const TimedPose& b) {
         if (a.view_angle == b.view_angle) {
             return true;
         }
@@ -48,7 +48,7 @@ IsClose usd_closeness(const PictureFrame& frame) {
 
 std::vector<Motion> usd_motions(const Handover& handover, const Scene3dOptions& options) {
     const PictureFrame frame(handover.shot);
-    const IsClose always = [](const Pose&, const Pose&) { return true; };
+    const IsClose always = [](const TimedPose&, const TimedPose&) { return true; };
     std::vector<Motion> motions;
     for (const SceneObject& object : handover.objects) {
         motions.push_back(motion_of(object, options.cut_angle_degrees,
@@ -58,7 +58,7 @@ std::vector<Motion> usd_motions(const Handover& handover, const Scene3dOptions& 
 }
 
 // The angles of "rotateZXY" and "rotateZYX", about x, y and z, for a camera or light and for a null.
-std::array<double, 3> usd_angles(ObjectKind kind, const Pose& pose) {
+std::array<double, 3> usd_angles(ObjectKind kind, const TimedPose& pose) {
     if (kind == ObjectKind::null) {
         return {pose.heading, pose.pitch, 0 - pose.bank};
     }
@@ -94,7 +94,7 @@ class UsdText {
     }
 
   private:
-    void put_object(const SceneObject& object, const std::vector<Pose>& poses) {
+    void put_object(const SceneObject& object, const std::vector<TimedPose>& poses) {
         put("    def ");
         put(type_of(object));
         put(" \"");
@@ -117,7 +117,7 @@ class UsdText {
         put_values("double3 xformOp:translate", poses, 3, {}, place_of);
         const std::string turn = kind == ObjectKind::null ? "xformOp:rotateZYX" : "xformOp:rotateZXY";
         put_values("double3 " + turn, poses, 3, {},
-                   [kind](const Pose& pose) { return usd_angles(kind, pose); });
+                   [kind](const TimedPose& pose) { return usd_angles(kind, pose); });
         put("        uniform token[] xformOpOrder = [\"xformOp:translate\", \"" + turn + "\"]\n    }\n");
     }
 
@@ -131,7 +131,7 @@ class UsdText {
         return object.light_word == "PAR" || object.light_word == "PSPOT" ? "DistantLight" : "SphereLight";
     }
 
-    void put_camera(const std::vector<Pose>& poses) {
+    void put_camera(const std::vector<TimedPose>& poses) {
         const ClippingRange range = clipping_range(handover_);
         put("        float2 clippingRange = (");
         put_number(range.nearest);
@@ -139,7 +139,7 @@ class UsdText {
         put_number(range.farthest);
         put(")\n");
         put_values("float focalLength", poses, 1, {usd_focal_length(kAngleWithoutKeys), 0, 0},
-                   [](const Pose& pose) {
+                   [](const TimedPose& pose) {
                        return std::array{usd_focal_length(pose.view_angle), 0.0, 0.0};
                    });
         put("        float horizontalAperture = ");
@@ -172,7 +172,7 @@ class UsdText {
     }
 
     // An attribute with a default beside its samples, because some readers take no samples.
-    void put_values(const std::string& attribute, const std::vector<Pose>& poses, std::size_t count,
+    void put_values(const std::string& attribute, const std::vector<TimedPose>& poses, std::size_t count,
                     const std::array<double, 3>& without_keys, const PoseNumbers& numbers_of) {
         put("        " + attribute + " = ");
         put_tuple(poses.empty() ? without_keys : numbers_of(poses.front()), count);
