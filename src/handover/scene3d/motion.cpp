@@ -11,7 +11,7 @@ namespace {
 // anyone looks at, and the rest is told as too fast.
 constexpr std::size_t kMostPoses = 1'500'000;
 // The smallest part of a frame at which a pose is added.
-constexpr double kLeastStep_frames = 1.0 / 8;
+constexpr double kLeastStep_frames = 1.0 / 32;
 // A turn beyond this is divided, whatever the curve: at chosen moments, a curve that misses whole turns looks
 // right.
 constexpr double kMostTurn_degrees = 90;

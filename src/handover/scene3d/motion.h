@@ -39,7 +39,8 @@ struct Motion {
 };
 
 /// The keys of `object` with as many poses between them as `is_close` asks for: at whole frames, and between
-/// two frames at eighths. Linear in time and memory in the number of poses, which is bounded.
+/// two frames at its halves, down to a 32nd. Linear in time and memory in the number of poses, which is
+/// bounded.
 [[nodiscard]] Motion motion_of(const SceneObject& object, double cut_angle_degrees, const IsClose& is_close);
 
 /// The part of a motion from `frame` on, which begins exactly there.

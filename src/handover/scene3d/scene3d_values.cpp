@@ -135,8 +135,8 @@ std::vector<Loss> common_losses(const Handover& handover, const std::vector<Moti
         }
         if (motion.too_fast > 0) {
             add(object, LossCode::turn_too_fast,
-                name + " turns so fast after frame " + std::to_string(motion.first_too_fast) +
-                    " that keys at eighths of a frame do not follow it")
+                name + " turns or zooms so fast after frame " + std::to_string(motion.first_too_fast) +
+                    " that keys at every 32nd of a frame do not follow it")
                 .count = motion.too_fast;
         }
         if (object.kind == ObjectKind::null && !motion.poses.empty()) {
