@@ -1,5 +1,6 @@
 #include "handover/build_handover.h"
 
+#include "handover/correction_run.h"
 #include "handover/exact_aspect.h"
 #include "handover/host_losses.h"
 #include "handover/imported_project.h"
@@ -49,6 +50,23 @@ Handover read(const SceneSource& scene, const embedded::Project& project) {
 
 Handover imported_handover(const SceneSource& scene, const embedded::Project& project) {
     Handover handover = read(scene, project);
+    add_host_losses(scene, handover);
+    return handover;
+}
+
+Handover corrected_handover(const SceneSource& scene, const embedded::Project& project,
+                            const HandoverOptions& options) {
+    Handover handover = read(scene, project);
+    handover.version = Version::corrected;
+    CorrectionRun run(scene, project, options, handover);
+    correct_frame_rate(run);
+    correct_aspect(run);
+    correct_names(run);
+    correct_plates(run);
+    correct_motion(run);
+    correct_layers(run);
+    drop_key_noise(run);
+    run.finish();
     add_host_losses(scene, handover);
     return handover;
 }
