@@ -11,7 +11,7 @@
 namespace handover {
 namespace {
 
-Fields fields_of(A_long fields) {
+Fields scene_fields(A_long fields) {
     if (fields == kFieldsNone) {
         return Fields::none;
     }
@@ -31,7 +31,7 @@ Shot shot_of(const SceneSource& scene) {
     shot.written_fps = settings.fps;
     shot.rate_fps = settings.fps;
     shot.local = settings.local != 0;
-    shot.fields = fields_of(settings.fields);
+    shot.fields = scene_fields(settings.fields);
     return shot;
 }
 

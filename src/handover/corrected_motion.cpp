@@ -40,7 +40,7 @@ constexpr double kVertical_degrees = 1;
 constexpr double kLeastDistance = 1e-6;
 
 constexpr double kRightAngle_degrees = 90;
-constexpr double kWholeTurn_degrees = 360;
+constexpr double kFullTurn_degrees = 360;
 
 // Zooms beyond this show less than a thousandth of a degree.
 constexpr double kMostFocal_px = 1e8;
@@ -67,7 +67,7 @@ double length(const Vector& a) {
 }
 
 // The angle between two vectors of any length, in radians; exact also where it is small.
-double angle_between(const Vector& a, const Vector& b) {
+double angle_from(const Vector& a, const Vector& b) {
     const Vector cross{a[1] * b[2] - a[2] * b[1], a[2] * b[0] - a[0] * b[2], a[0] * b[1] - a[1] * b[0]};
     return std::atan2(length(cross), a[0] * b[0] + a[1] * b[1] + a[2] * b[2]);
 }
@@ -122,7 +122,7 @@ double miss_of_aim(const Picture& picture, const Pose& a, const Pose& b) {
         for (std::size_t i = 0; i < straight.size(); ++i) {
             straight[i] = view_a[i] * a.target_distance * (1 - part) + view_b[i] * b.target_distance * part;
         }
-        const double miss = angle_between(view_of(pose), straight) * picture.px_per_radian(pose);
+        const double miss = angle_from(view_of(pose), straight) * picture.px_per_radian(pose);
         worst = std::isnan(miss) ? miss : std::max(worst, miss);
     }
     return worst;
@@ -152,7 +152,7 @@ bool varies(const MotionPath& path, double Pose::*angle) {
 // Whether every pitch between the two is farther than the bound from the vertical, and not upside down.
 bool stays_upright(double from, double to) {
     constexpr double kMost_degrees = kRightAngle_degrees - kVertical_degrees;
-    const double turns = kWholeTurn_degrees * std::round(from / kWholeTurn_degrees);
+    const double turns = kFullTurn_degrees * std::round(from / kFullTurn_degrees);
     return std::abs(from - turns) < kMost_degrees && std::abs(to - turns) < kMost_degrees;
 }
 
@@ -406,9 +406,9 @@ void correct_motion(CorrectionRun& run) {
     }
     std::int64_t added = 0;
     for (Composition& composition : run.handover.compositions) {
-        for (auto layer = composition.layers.rbegin(); layer != composition.layers.rend(); ++layer) {
-            if (layer->object != kNone && !run.handover.objects[layer->object].keys.empty()) {
-                MotionMaker(run, *layer, run.handover.objects[layer->object], added).make();
+        for (Layer& layer : composition.layers) {
+            if (layer.object != kNone && !run.handover.objects[layer.object].keys.empty()) {
+                MotionMaker(run, layer, run.handover.objects[layer.object], added).make();
             }
         }
     }

@@ -5,7 +5,7 @@
 namespace handover {
 namespace {
 
-constexpr std::array<CorrectionInfo, kCorrections> kTable{{
+constexpr std::array<CorrectionInfo, kCorrections> kCorrectionRows{{
     {Correction::square_pixels, "square-pixels",
      "Whether After Effects stretches the 3D space of a composition with other pixels is not proved; with "
      "square "
@@ -34,8 +34,8 @@ constexpr std::array<CorrectionInfo, kCorrections> kTable{{
 }};
 
 consteval bool in_order() {
-    for (std::size_t i = 0; i < kTable.size(); ++i) {
-        if (kTable[i].correction != static_cast<Correction>(i)) {
+    for (std::size_t i = 0; i < kCorrectionRows.size(); ++i) {
+        if (kCorrectionRows[i].correction != static_cast<Correction>(i)) {
             return false;
         }
     }
@@ -46,13 +46,13 @@ static_assert(in_order());
 }  // namespace
 
 const std::array<CorrectionInfo, kCorrections>& correction_table() {
-    return kTable;
+    return kCorrectionRows;
 }
 
 std::optional<Correction> correction_named(std::string_view name) {
-    const auto* const found = std::find_if(kTable.begin(), kTable.end(),
+    const auto* const found = std::find_if(kCorrectionRows.begin(), kCorrectionRows.end(),
                                            [&](const CorrectionInfo& info) { return info.name == name; });
-    return found == kTable.end() ? std::nullopt : std::optional(found->correction);
+    return found == kCorrectionRows.end() ? std::nullopt : std::optional(found->correction);
 }
 
 }  // namespace handover

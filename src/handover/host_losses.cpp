@@ -22,7 +22,7 @@ constexpr double kMostSeconds = 10800;
 constexpr double kLeastZoom_px = 1;
 constexpr double kMostCone_degrees = 180;
 
-const Track* track_of(const Layer& layer, Property property) {
+const Track* find_track(const Layer& layer, Property property) {
     const auto found = std::find_if(layer.tracks.begin(), layer.tracks.end(),
                                     [&](const Track& track) { return track.property == property; });
     return found == layer.tracks.end() ? nullptr : &*found;
@@ -123,9 +123,9 @@ class LossList {
 
     void layers() {
         for (const Composition& composition : handover_.compositions) {
-            for (auto layer = composition.layers.rbegin(); layer != composition.layers.rend(); ++layer) {
-                if (layer->object != kNone) {
-                    object(*layer, handover_.objects[layer->object]);
+            for (const Layer& layer : composition.layers) {
+                if (layer.object != kNone) {
+                    object(layer, handover_.objects[layer.object]);
                 }
             }
         }
@@ -173,7 +173,7 @@ class LossList {
         if (layer.light != LightKind::spot) {
             return;
         }
-        const Track* const cone = track_of(layer, Property::cone_angle);
+        const Track* const cone = find_track(layer, Property::cone_angle);
         if (cone == nullptr) {
             add(LossCode::cone_lost, object.at,
                 name + " keeps the cone that After Effects gives a new light, whatever ANGLE says");
@@ -185,7 +185,7 @@ class LossList {
     }
 
     void camera(const Layer& layer, const SceneObject& object) {
-        const Track* const zoom = track_of(layer, Property::zoom);
+        const Track* const zoom = find_track(layer, Property::zoom);
         if (zoom == nullptr) {
             return;
         }

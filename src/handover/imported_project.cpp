@@ -28,7 +28,7 @@ void compare_counts(const SceneSource& scene, const char* what, std::size_t expe
     }
 }
 
-const char* word_of(ItemKind kind) {
+const char* item_word(ItemKind kind) {
     switch (kind) {
         case ItemKind::folder:
             return "a folder";
@@ -225,7 +225,7 @@ class ProjectReader {
             walked.folder == kNone ? embedded::kRootFolder : project_.items[walked.folder + 1].id;
         if (kind_of(item.kind) != walked.kind()) {
             differ(scene_,
-                   which + " is " + word_of(kind_of(item.kind)) + " and not " + word_of(walked.kind()));
+                   which + " is " + item_word(kind_of(item.kind)) + " and not " + item_word(walked.kind()));
         }
         if (item.parent_folder != folder) {
             differ(scene_, which + " is in another folder");

@@ -172,14 +172,14 @@ void drop_key_noise(CorrectionRun& run) {
         return;
     }
     for (Composition& composition : run.handover.compositions) {
-        for (auto layer = composition.layers.rbegin(); layer != composition.layers.rend(); ++layer) {
-            for (Track& track : layer->tracks) {
+        for (Layer& layer : composition.layers) {
+            for (Track& track : layer.tracks) {
                 const auto keys = track.frames.size();
                 const std::int64_t dropped = drop_noise(track, run.options.tolerance);
                 if (dropped > 0) {
                     run.changed(Correction::key_noise,
                                 "of " + std::to_string(keys) + " keys of one property of " +
-                                    text::quoted(layer->name) + ", " + std::to_string(dropped) +
+                                    text::quoted(layer.name) + ", " + std::to_string(dropped) +
                                     " say nothing new",
                                 dropped);
                 }

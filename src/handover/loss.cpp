@@ -6,7 +6,7 @@ namespace {
 using diagnostic::Severity;
 using enum LossCode;
 
-constexpr std::array<diagnostic::CodeRow<LossCode>, kLossCodes> kTable{{
+constexpr std::array<diagnostic::CodeRow<LossCode>, kLossCodes> kLossRows{{
     {footage_missing,
      {"handover-footage-missing", Severity::loss, "A placeholder stands in for missing footage."}},
     {footage_needs_plug_in,
@@ -52,16 +52,16 @@ constexpr std::array<diagnostic::CodeRow<LossCode>, kLossCodes> kTable{{
      {"handover-outside-host-range", Severity::loss,
       "A number is outside the range that the program accepts."}},
 }};
-static_assert(diagnostic::in_order(kTable, outside_host_range));
+static_assert(diagnostic::in_order(kLossRows, outside_host_range));
 
 }  // namespace
 
 const std::array<diagnostic::CodeRow<LossCode>, kLossCodes>& loss_code_table() {
-    return kTable;
+    return kLossRows;
 }
 
 const diagnostic::CodeInfo& code_info(LossCode code) {
-    return kTable[static_cast<std::size_t>(code)].info;
+    return kLossRows[static_cast<std::size_t>(code)].info;
 }
 
 }  // namespace handover

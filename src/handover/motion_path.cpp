@@ -34,7 +34,7 @@ class Turns {
     double turns_ = 0;
 };
 
-Pose pose_of(const ObjectKey& key) {
+Pose written_pose(const ObjectKey& key) {
     return {key.position, key.heading, key.pitch, key.bank, key.view_angle, key.target_distance};
 }
 
@@ -75,7 +75,7 @@ MotionPath::MotionPath(const SceneObject& object, bool turns, double cut_angle_d
     Turns bank;
     Vector view_before{};
     for (const ObjectKey& key : object.keys) {
-        PathKey made{key.frame, pose_of(key)};
+        PathKey made{key.frame, written_pose(key)};
         if (turns) {
             const Vector view = view_of(made.pose);
             if (!keys_.empty() && key.frame - keys_.back().frame == 1) {

@@ -15,19 +15,19 @@ constexpr std::array<const char*, 6> kLightWords{"OMNI", "SPOT", "PAR", "PSPOT",
 constexpr std::array<const char*, 4> kShadowWords{"NONE", "SOFT", "HARD", "AREA"};
 
 template <std::size_t kWords>
-const char* word_of(const std::array<const char*, kWords>& words, A_long value) {
+const char* word_for(const std::array<const char*, kWords>& words, A_long value) {
     const bool known = value >= 0 && static_cast<std::size_t>(value) < kWords;
     return words.at(known ? static_cast<std::size_t>(value) : 0);
 }
 
-ObjectKind kind_of(const CSceneObject& object) {
+ObjectKind object_kind(const CSceneObject& object) {
     if (object.isNull != 0) {
         return ObjectKind::null;
     }
     return dynamic_cast<const CCamera*>(&object) != nullptr ? ObjectKind::camera : ObjectKind::light;
 }
 
-const char* word_of(ObjectKind kind) {
+const char* word_for(ObjectKind kind) {
     switch (kind) {
         case ObjectKind::camera:
             return "camera";
@@ -51,7 +51,7 @@ ObjectKey key_of(const tagKeyFrame& key, ObjectKind kind) {
     return made;
 }
 
-bool is_finite(const ObjectKey& key) {
+bool has_finite_numbers(const ObjectKey& key) {
     const std::array<double, 8> numbers{key.position[0], key.position[1],    key.position[2],
                                         key.heading,     key.pitch,          key.bank,
                                         key.view_angle,  key.target_distance};
@@ -82,7 +82,7 @@ void add_keys(const SceneSource& scene, const CSceneObject& object, SceneObject&
     std::size_t first = 0;
     for (const std::size_t index : order) {
         const ObjectKey key = key_of(*object.keys[index], made.kind);
-        if (is_finite(key)) {
+        if (has_finite_numbers(key)) {
             made.keys.push_back(key);
         } else if (++left_out == 1) {
             first = index;
@@ -99,8 +99,8 @@ void add_keys(const SceneSource& scene, const CSceneObject& object, SceneObject&
 
 // What does not change over time. Numbers that are not finite keep the usual value.
 void add_light(const SceneSource& scene, const CLight& light, SceneObject& made, std::vector<Loss>& losses) {
-    made.light_word = word_of(kLightWords, light.lightType);
-    made.shadow_word = word_of(kShadowWords, light.shadowType);
+    made.light_word = word_for(kLightWords, light.lightType);
+    made.shadow_word = word_for(kShadowWords, light.shadowType);
     const auto set = [&](double& to, double value, const char* word) {
         if (std::isfinite(value)) {
             to = value;
@@ -126,9 +126,9 @@ std::vector<SceneObject> scene_objects(const SceneSource& scene, const SceneWalk
     objects.reserve(walk.objects.size());
     for (const CSceneObject* object : walk.objects) {
         SceneObject& made = objects.emplace_back();
-        made.kind = kind_of(*object);
+        made.kind = object_kind(*object);
         const std::string_view name = object->name != nullptr ? object->name : "";
-        made.id = StableIds::text(ids.next(ids.root(), word_of(made.kind), name));
+        made.id = StableIds::text(ids.next(ids.root(), word_for(made.kind), name));
         made.at = scene.place_of(object);
         if (made.kind == ObjectKind::light) {
             add_light(scene, static_cast<const CLight&>(*object), made, losses);

@@ -62,4 +62,10 @@ RelinkedCopy::~RelinkedCopy() {
     }
 }
 
+SceneReading reading_of(const RelinkedCopy& copy, const SceneReading& original) {
+    SceneReading reading = read_scene(copy.path());
+    reading.file = original.file;
+    return reading;
+}
+
 }  // namespace cli

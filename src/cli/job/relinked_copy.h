@@ -4,6 +4,7 @@
 #include <string>
 
 #include "cli/footage/footage_finder.h"
+#include "cli/scene/scene_reading.h"
 
 namespace cli {
 
@@ -29,5 +30,8 @@ class RelinkedCopy {
     std::string folder_;  // empty once it was moved from
     std::string path_;
 };
+
+/// The copy read under the name of the scene that it stands for.
+[[nodiscard]] SceneReading reading_of(const RelinkedCopy& copy, const SceneReading& original);
 
 }  // namespace cli

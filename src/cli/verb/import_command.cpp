@@ -170,7 +170,7 @@ class ImportCommand : public Command {
                         const FoundBundle& bundle, Terminal& terminal) const {
         const SceneReading original = read_scene(file);
         const std::optional<RelinkedCopy> copy = relinked_copy(original);
-        const SceneReading relinked = copy ? reading_of_copy(*copy, original) : SceneReading();
+        const SceneReading relinked = copy ? reading_of(*copy, original) : SceneReading();
         const SceneReading& reading = copy ? relinked : original;
         refuse_to_overwrite(original, bundle);
         refuse_to_overwrite(reading, bundle);
@@ -206,13 +206,6 @@ class ImportCommand : public Command {
         }
         FootageFinder finder(choices_.finder_options());
         return RelinkedCopy::make(original.input ? original.full_path : original.file, finder);
-    }
-
-    // The copy, under the name of the original.
-    static SceneReading reading_of_copy(const RelinkedCopy& copy, const SceneReading& original) {
-        SceneReading reading = read_scene(copy.path());
-        reading.file = original.file;
-        return reading;
     }
 
     static std::optional<OutputFile> opened(const std::string& path) {

@@ -1,0 +1,106 @@
+#include "cli/handover/handover_format.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "handover/scene3d/gltf.h"
+#include "handover/scene3d/usd.h"
+
+namespace cli {
+namespace {
+
+using handover::Handover;
+using handover::Sink;
+using handover::Target;
+
+handover::Scene3dOptions scene3d_options(const HandoverFormatOptions& options) {
+    handover::Scene3dOptions made;
+    made.cut_angle_degrees = options.cut_angle_degrees;
+    return made;
+}
+
+// A format with its writer.
+struct Writer {
+    HandoverFormat format;
+    void (*write)(const Handover& handover, const HandoverFormatOptions& options, const Sink& out);
+    std::vector<handover::Loss> (*losses)(const Handover& handover, const HandoverFormatOptions& options);
+};
+
+void write_script(const Handover& /*handover*/, const HandoverFormatOptions& /*options*/,
+                  const Sink& /*out*/) {
+    throw std::runtime_error("scripts are not there yet");
+}
+
+constexpr Writer kWriters[] = {
+    {{"jsx", ".jsx", Target::jsx}, write_script, nullptr},
+    {{"gltf", ".gltf", Target::gltf},
+     [](const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
+         handover::write_gltf(handover, scene3d_options(options), out);
+     },
+     [](const Handover& handover, const HandoverFormatOptions& options) {
+         return handover::gltf_losses(handover, scene3d_options(options));
+     }},
+    {{"glb", ".glb", Target::gltf},
+     [](const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
+         handover::write_glb(handover, scene3d_options(options), out);
+     },
+     [](const Handover& handover, const HandoverFormatOptions& options) {
+         return handover::gltf_losses(handover, scene3d_options(options));
+     }},
+    {{"usda", ".usda", Target::usda},
+     [](const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
+         handover::write_usda(handover, scene3d_options(options), out);
+     },
+     [](const Handover& handover, const HandoverFormatOptions& options) {
+         return handover::usda_losses(handover, scene3d_options(options));
+     }},
+};
+
+const Writer& writer_of(const HandoverFormat& format) {
+    return *std::find_if(std::begin(kWriters), std::end(kWriters), [&](const Writer& writer) {
+        return std::string_view(writer.format.name) == format.name;
+    });
+}
+
+}  // namespace
+
+const std::vector<HandoverFormat>& handover_formats() {
+    static const std::vector<HandoverFormat> kFormats = [] {
+        std::vector<HandoverFormat> formats;
+        for (const Writer& writer : kWriters) {
+            formats.push_back(writer.format);
+        }
+        return formats;
+    }();
+    return kFormats;
+}
+
+const HandoverFormat* handover_format_named(std::string_view name) {
+    const std::vector<HandoverFormat>& formats = handover_formats();
+    const auto found = std::find_if(formats.begin(), formats.end(),
+                                    [&](const HandoverFormat& format) { return format.name == name; });
+    return found == formats.end() ? nullptr : &*found;
+}
+
+void write_handover(const Handover& handover, const HandoverFormat& format,
+                    const HandoverFormatOptions& options, const Sink& out) {
+    writer_of(format).write(handover, options, out);
+}
+
+std::vector<diagnostic::Diagnostic> losses_of(const Handover& handover, const HandoverFormat& format,
+                                              const HandoverFormatOptions& options) {
+    std::vector<diagnostic::Diagnostic> losses;
+    for (const handover::Loss& loss : handover.losses) {
+        if (loss.targets.has(format.target)) {
+            losses.push_back(loss.what);
+        }
+    }
+    if (const auto own = writer_of(format).losses; own != nullptr) {
+        for (handover::Loss& loss : own(handover, options)) {
+            losses.push_back(std::move(loss.what));
+        }
+    }
+    return losses;
+}
+
+}  // namespace cli
