@@ -318,6 +318,12 @@ class GltfFile {
             const double seconds =
                 (poses[i].frame - static_cast<double>(handover_.shot.from)) / handover_.shot.rate_fps;
             auto time = static_cast<float>(seconds);
+            // A cut is never later than its frame, at which a reader with finer times would still show what
+            // was before it.
+            const bool at_cut = poses[i].before_cut || (i > 0 && poses[i - 1].before_cut);
+            if (at_cut && static_cast<double>(time) > seconds) {
+                time = std::nextafter(time, -HUGE_VALF);
+            }
             if (poses[i].before_cut) {
                 time = std::nextafter(time, 0.0F);
             }
