@@ -29,8 +29,8 @@
 namespace handover {
 namespace {
 
-// Added keys of all objects together: as many as large scenes have themselves.
-constexpr std::int64_t kMostAddedKeys = 1'000'000;
+// Added keys of all objects together: one at every frame of a hundred shots of a minute and a half.
+constexpr std::int64_t kMostAddedKeys = 250'000;
 
 // Nearer to the vertical than this, a camera is not aimed. A position of 10,000 that is kept in single
 // precision is off by up to 0.0005; one degree from the vertical, that much of a point of interest 1,000 away
@@ -38,6 +38,10 @@ constexpr std::int64_t kMostAddedKeys = 1'000'000;
 constexpr double kVertical_degrees = 1;
 // As much nearer than the camera is to the origin, a point of interest is lost in its rounding.
 constexpr double kLeastDistance = 1e-6;
+
+// A zoom changes many times as fast as a small angle of view that closes in. A camera that needs as many keys
+// for its view has no point of interest instead.
+constexpr std::int64_t kPartsOfZoom = 64;
 
 constexpr double kRightAngle_degrees = 90;
 constexpr double kFullTurn_degrees = 360;
@@ -321,7 +325,7 @@ class MotionMaker {
             [&](const Pose& pose, std::vector<double>& values) {
                 values.push_back(zoom_of(shot, pose.view_angle));
             },
-            [&](const Pose& a, const Pose& b) { return miss_of_zoom(shot, picture_, a, b); }};
+            [&](const Pose& a, const Pose& b) { return miss_of_zoom(shot, picture_, a, b); }, kPartsOfZoom};
         made_.push_back(straight_
                             ? track_of(straight_keys(path_, zoom, kMostAddedKeys - added_), Property::zoom)
                             : keyed(zoom.append, Property::zoom));
@@ -333,7 +337,7 @@ class MotionMaker {
             lose(property == Property::zoom ? LossCode::curve_between_keys : LossCode::turn_too_fast,
                  text::quoted(object_.name) + " changes its " +
                      (property == Property::zoom ? "angle of view" : "view") +
-                     " so fast that keys at eighths of a frame are not enough",
+                     " too fast for keys between frames",
                  keys.too_fast);
         }
         if (keys.exhausted) {

@@ -5,9 +5,7 @@ namespace {
 
 constexpr double kMissAtFrames_px = 0.01;
 // Between frames only motion blur and fields see anything.
-constexpr double kMissBetweenFrames_px = 0.04;
-// Keys lie at whole frames, or at eighths.
-constexpr std::int64_t kParts = 8;
+constexpr double kMissBetweenFrames_px = 0.02;
 
 // A stretch between two keys of the path, in parts of a frame from the first.
 struct Stretch {
@@ -17,7 +15,8 @@ struct Stretch {
 
 class Segment {
   public:
-    Segment(const PathKey& a, const PathKey& b) : a_(a), b_(b), parts_((b.frame - a.frame) * kParts) {}
+    Segment(const PathKey& a, const PathKey& b, std::int64_t parts_of_frame)
+        : a_(a), b_(b), parts_of_frame_(parts_of_frame), parts_((b.frame - a.frame) * parts_of_frame) {}
 
     [[nodiscard]] std::int64_t parts() const { return parts_; }
     [[nodiscard]] Pose pose(std::int64_t part) const {
@@ -27,19 +26,16 @@ class Segment {
                    : pose_between(a_.pose, b_.pose, static_cast<double>(part) / static_cast<double>(parts_));
     }
     [[nodiscard]] double frame(std::int64_t part) const {
-        return static_cast<double>(a_.frame) + static_cast<double>(part) / static_cast<double>(kParts);
+        return static_cast<double>(a_.frame) +
+               static_cast<double>(part) / static_cast<double>(parts_of_frame_);
     }
 
   private:
     const PathKey& a_;
     const PathKey& b_;
+    std::int64_t parts_of_frame_;
     std::int64_t parts_;
 };
-
-std::int64_t middle(const Stretch& stretch) {
-    const std::int64_t length = stretch.end - stretch.begin;
-    return length > kParts ? stretch.begin + length / kParts / 2 * kParts : stretch.begin + length / 2;
-}
 
 class KeyLayer {
   public:
@@ -69,9 +65,16 @@ class KeyLayer {
     }
 
   private:
+    // A whole frame, if there is one.
+    [[nodiscard]] std::int64_t middle(const Stretch& stretch) const {
+        const std::int64_t length = stretch.end - stretch.begin;
+        const std::int64_t frame = property_.parts;
+        return stretch.begin + (length > frame ? length / frame / 2 * frame : length / 2);
+    }
+
     bool must_split(const Pose& begin, const Pose& end, std::int64_t parts) {
         const double miss = property_.miss_px(begin, end);
-        const bool whole_frames = parts > kParts;
+        const bool whole_frames = parts > property_.parts;
         if (miss <= (whole_frames ? kMissAtFrames_px : kMissBetweenFrames_px)) {
             return false;
         }
@@ -104,7 +107,7 @@ StraightKeys straight_keys(const MotionPath& path, const PosedProperty& property
         if (i == 0 || path_keys[i - 1].holds) {
             layer.add(key.pose, static_cast<double>(key.frame));
         } else {
-            layer.add_segment(Segment(path_keys[i - 1], key));
+            layer.add_segment(Segment(path_keys[i - 1], key, property.parts));
         }
         if (key.holds) {
             keys.holds.push_back(keys.frames.size() - 1);

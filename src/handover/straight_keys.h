@@ -26,6 +26,8 @@ struct PosedProperty {
     /// By how many pixels the straight line from `a` to `b` misses the path, whose poses change in proportion
     /// between the two; not a number counts as a miss.
     std::function<double(const Pose& a, const Pose& b)> miss_px;
+    /// Keys between frames lie at most this close: at eighths of a frame. A power of two.
+    std::int64_t parts = 8;
 };
 
 /// Lays keys along the path: its own, and between them where lines miss it by more than a hundredth of a

@@ -66,7 +66,7 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "relink", "collect", "texture info", "texture check", "texture convert", "frame",
+     {"import", "check", "relink", "collect", "export", "texture info", "texture check", "texture convert", "frame",
       "modules", "limits", "doctor", "help", "completion", "-h, --help", "--version"}},
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--search DIR", "--map FROM=TO", "--bundle PATH",
@@ -84,6 +84,11 @@ const PublishedVerb kVerbs[] = {
     {"collect",
      {"SCENE", "-o, --output FOLDER|ZIP", "--trim", "--by copy|hardlink|reflink", "--dry-run", "--json",
       "--search DIR", "--map FROM=TO", "--prefer newest|largest|first", "-h, --help"}},
+    {"export",
+     {"SCENE", "-r, --recursive", "--files-from FILE", "-0, --null", "--to jsx|gltf|glb|usda",
+      "-o, --output FILE", "--out-dir DIR", "--list-losses", "--json", "--as imported|corrected",
+      "--without CORRECTION", "--list-corrections", "--cut-angle DEGREES", "--fps RATE", "--tolerance NUMBER",
+      "--search DIR", "--map FROM=TO", "--bundle PATH", "-h, --help"}},
     {"texture", {"info", "check", "convert", "-h, --help"}},
     {"texture info", {"FILE", "--json", "-h, --help"}},
     {"texture check",
