@@ -8,8 +8,7 @@ namespace {
 constexpr std::array<CorrectionInfo, kCorrections> kCorrectionRows{{
     {Correction::square_pixels, "square-pixels",
      "Whether After Effects stretches the 3D space of a composition with other pixels is not proved; with "
-     "square "
-     "pixels the camera is right either way."},
+     "square pixels the camera is right either way."},
     {Correction::exact_aspect, "exact-aspect",
      "The plug-in gets the pixel aspect to the host in hundredths; the scene has more digits."},
     {Correction::plate_frames, "plate-frames",
@@ -19,7 +18,7 @@ constexpr std::array<CorrectionInfo, kCorrections> kCorrectionRows{{
     {Correction::turns, "turns",
      "Angles that are written from -180 to 180 jump by a whole turn, and a cut is no turn at all."},
     {Correction::upright_aim, "upright-aim",
-     "A camera that is aimed at its point of interest cannot look straight up or down."},
+     "A camera that is aimed at its point of interest cannot look straight up or down, nor turn very fast."},
     {Correction::spot_cone, "spot-cone",
      "The cone of a spot light does not reach the host through the plug-in."},
     {Correction::whole_names, "whole-names",
