@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+
+#include "handover/handover.h"
+
+namespace handover {
+
+struct JsxOptions {
+    /// The script names everything that it will touch, and asks.
+    bool undo_safe = false;
+    /// Absolute: relative paths of footage and of the scene count from here. Empty: from the script's own
+    /// folder, as in a package.
+    std::string working_folder;
+};
+
+/// Writes the script that rebuilds the handover's project in any After Effects from CS3 on: ECMAScript 3 in
+/// ASCII. The scene's numbers go through `sink` in pieces, in the order of the handover. Numbers that are not
+/// finite, and keys that are not in ascending order, are left out, and the script's summary says so. Same
+/// handover, same bytes.
+void write_jsx(const Handover& handover, const JsxOptions& options, const Sink& sink);
+
+}  // namespace handover

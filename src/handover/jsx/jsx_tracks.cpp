@@ -1,0 +1,242 @@
+#include "handover/jsx/jsx_tracks.h"
+
+#include <algorithm>
+#include <bit>
+#include <cmath>
+
+namespace handover {
+namespace {
+
+// Numbers in one call, and in one function: engines limit the constants of a function to 65,536 and fewer.
+constexpr std::size_t kNumbersOfCall = 240;
+constexpr std::size_t kNumbersOfFunction = 1920;
+
+const char* interpolation_name(Interpolation interpolation) {
+    switch (interpolation) {
+        case Interpolation::host:
+            return "host";
+        case Interpolation::linear:
+            return "linear";
+        case Interpolation::hold:
+            return "hold";
+    }
+    return "host";
+}
+
+// A sum of numbers: each is mixed in whole, which is eight times as fast as byte by byte.
+class NumberSum {
+  public:
+    void add(std::uint64_t bits) {
+        sum_ = (sum_ ^ bits) * 0x9E3779B97F4A7C15U;
+        sum_ ^= sum_ >> 29U;
+    }
+    void add(double number) { add(std::bit_cast<std::uint64_t>(number)); }
+    [[nodiscard]] std::string text() const {
+        std::array<char, 16> digits{};
+        const auto* const end = std::to_chars(digits.data(), digits.data() + digits.size(), sum_, 36).ptr;
+        return {digits.data(), static_cast<std::size_t>(end - digits.data())};
+    }
+
+  private:
+    std::uint64_t sum_ = 0xCBF29CE484222325U;
+};
+
+// Calls in a row, broken into functions.
+class Calls {
+  public:
+    explicit Calls(JsxText& text) : text_(text) {}
+
+    void begin(const char* function) {
+        if (wrapped_ && !open_) {
+            text_ << "(function(){\n";
+            open_ = true;
+        }
+        text_ << function << "([";
+        first_ = true;
+    }
+    template <typename Number>
+    void add(Number number) {
+        text_ << (first_ ? "" : ",") << number;
+        first_ = false;
+        ++numbers_;
+    }
+    void end() {
+        text_ << "]);\n";
+        if (wrapped_ && numbers_ >= kNumbersOfFunction) {
+            close();
+        }
+    }
+    void close() {
+        if (open_) {
+            text_ << "})();\n";
+            open_ = false;
+            numbers_ = 0;
+        }
+    }
+    void wrap(bool wrapped) { wrapped_ = wrapped; }
+
+  private:
+    JsxText& text_;
+    std::size_t numbers_ = 0;
+    bool wrapped_ = false;
+    bool open_ = false;
+    bool first_ = true;
+};
+
+}  // namespace
+
+const char* jsx_name(Property property) {
+    switch (property) {
+        case Property::anchor:
+            return "anchor";
+        case Property::position:
+            return "position";
+        case Property::scale:
+            return "scale";
+        case Property::orientation:
+            return "orientation";
+        case Property::rotate_x:
+            return "rotateX";
+        case Property::rotate_y:
+            return "rotateY";
+        case Property::rotate_z:
+            return "rotateZ";
+        case Property::zoom:
+            return "zoom";
+        case Property::intensity:
+            return "intensity";
+        case Property::color:
+            return "color";
+        case Property::cone_angle:
+            return "coneAngle";
+        case Property::cone_feather:
+            return "coneFeather";
+        case Property::casts_shadows:
+            return "castsShadows";
+    }
+    return "";
+}
+
+JsxTrack::JsxTrack(const Track& track)
+    : track_(track), count_(std::max<std::size_t>(track.frames.size(), track.values.empty() ? 0 : 1)) {
+    const std::size_t size = component_count(track.property);
+    // A track without the numbers of its keys is ours, not the file's, but nothing is read beyond its end.
+    count_ = std::min(count_, track.values.size() / size);
+    NumberSum sum;
+    double last = -HUGE_VAL;
+    for (std::size_t key = 0; key < count_; ++key) {
+        const double frame = track.frames.empty() ? 0 : track.frames[key];
+        bool sound = std::isfinite(frame) && frame > last;
+        for (std::size_t i = 0; i < size; ++i) {
+            sound = sound && std::isfinite(track.values[key * size + i]);
+        }
+        if (!sound) {
+            if (kept_.empty()) {
+                kept_.assign(count_, true);
+            }
+            kept_[key] = false;
+            ++left_out_;
+            continue;
+        }
+        last = frame;
+        sum.add(frame);
+        for (std::size_t i = 0; i < size; ++i) {
+            sum.add(track.values[key * size + i]);
+        }
+    }
+    sum.add(static_cast<std::uint64_t>(track.interpolation) + (track.frames.empty() ? 0U : 8U));
+    for (const std::size_t hold : track.holds) {
+        sum.add(std::uint64_t{hold});
+    }
+    mark_ = sum.text();
+}
+
+void JsxTrack::write_frames(JsxText& text, std::size_t begin, std::size_t end) const {
+    constexpr std::size_t kRun = 4;  // shorter ones are as short written out
+    Calls calls(text);
+    calls.wrap(end - begin > kNumbersOfCall);
+    std::size_t at = begin;
+    std::vector<double> single;
+    const auto write_single = [&] {
+        for (std::size_t i = 0; i < single.size(); i += kNumbersOfCall) {
+            calls.begin("frames");
+            for (std::size_t k = i; k < std::min(i + kNumbersOfCall, single.size()); ++k) {
+                calls.add(single[k]);
+            }
+            calls.end();
+        }
+        single.clear();
+    };
+    while (at < end) {
+        if (!keeps(at)) {
+            ++at;
+            continue;
+        }
+        std::size_t last = at + 1;
+        while (last < end && keeps(last) && track_.frames[last] == track_.frames[last - 1] + 1) {
+            ++last;
+        }
+        if (last - at >= kRun) {
+            write_single();
+            calls.close();
+            text << "run(" << track_.frames[at] << ',' << last - at << ");\n";
+        } else {
+            single.insert(single.end(), track_.frames.begin() + static_cast<std::ptrdiff_t>(at),
+                          track_.frames.begin() + static_cast<std::ptrdiff_t>(last));
+        }
+        at = last;
+    }
+    write_single();
+    calls.close();
+}
+
+void JsxTrack::write(JsxText& text, const JsxTrack* before) const {
+    text << "track(\"" << jsx_name(track_.property) << "\",\"" << interpolation_name(track_.interpolation)
+         << "\");\n";
+    if (!track_.frames.empty()) {
+        if (before != nullptr && before->left_out_ == 0 && left_out_ == 0 && before->count_ == count_ &&
+            before->track_.frames == track_.frames) {
+            text << "same();\n";
+        } else {
+            write_frames(text, 0, count_);
+        }
+    }
+    const std::size_t size = component_count(track_.property);
+    Calls calls(text);
+    calls.wrap(count_ * size > kNumbersOfCall);
+    const std::size_t keys_of_call = kNumbersOfCall / size;
+    for (std::size_t i = 0; i < count_; i += keys_of_call) {
+        calls.begin("values");
+        for (std::size_t key = i; key < std::min(i + keys_of_call, count_); ++key) {
+            for (std::size_t k = 0; keeps(key) && k < size; ++k) {
+                calls.add(track_.values[key * size + k]);
+            }
+        }
+        calls.end();
+    }
+    calls.close();
+    // The runtime counts the keys that it is given.
+    std::vector<std::size_t> holds;
+    std::size_t given = 0;
+    std::size_t next = 0;
+    for (std::size_t key = 0; key < count_ && next < track_.holds.size(); ++key) {
+        while (next < track_.holds.size() && track_.holds[next] < key) {
+            ++next;
+        }
+        if (next < track_.holds.size() && track_.holds[next] == key && keeps(key)) {
+            holds.push_back(given);
+        }
+        given += keeps(key) ? 1 : 0;
+    }
+    calls.wrap(holds.size() > kNumbersOfCall);
+    for (std::size_t i = 0; i < holds.size(); i += kNumbersOfCall) {
+        calls.begin("holds");
+        for (std::size_t k = i; k < std::min(i + kNumbersOfCall, holds.size()); ++k) {
+            calls.add(holds[k]);
+        }
+        calls.end();
+    }
+    calls.close();
+}
+
+}  // namespace handover
