@@ -1,10 +1,11 @@
 #include "cli/handover/handover_format.h"
 
 #include <algorithm>
-#include <stdexcept>
 
+#include "handover/jsx/jsx_script.h"
 #include "handover/scene3d/gltf.h"
 #include "handover/scene3d/usd.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -26,9 +27,11 @@ struct Writer {
     std::vector<handover::Loss> (*losses)(const Handover& handover, const HandoverFormatOptions& options);
 };
 
-void write_script(const Handover& /*handover*/, const HandoverFormatOptions& /*options*/,
-                  const Sink& /*out*/) {
-    throw std::runtime_error("scripts are not there yet");
+void write_script(const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
+    handover::JsxOptions made;
+    made.undo_safe = options.undo_safe;
+    made.working_folder = os::absolute_path(".");
+    handover::write_jsx(handover, made, out);
 }
 
 constexpr Writer kWriters[] = {

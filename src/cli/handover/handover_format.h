@@ -19,6 +19,7 @@ struct HandoverFormat {
 /// What the user chooses about all of them.
 struct HandoverFormatOptions {
     double cut_angle_degrees = 60;
+    bool undo_safe = false;  ///< scripts: say what will be touched, and ask
 };
 
 [[nodiscard]] const std::vector<HandoverFormat>& handover_formats();

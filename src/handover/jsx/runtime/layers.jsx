@@ -36,8 +36,12 @@ function blendOf(one) {
  * @returns {any}
  */
 function lightTypeOf(one) {
-    return one.light === "spot" ? LightType.SPOT
-        : one.light === "parallel" ? LightType.PARALLEL : LightType.POINT;
+    /** @type {any} CS3 to CS5 do not have it. */
+    var types = $.global.LightType;
+    if (!types) {
+        throw new Error("scripts cannot choose it in this version of After Effects.");
+    }
+    return one.light === "spot" ? types.SPOT : one.light === "parallel" ? types.PARALLEL : types.POINT;
 }
 
 /**
@@ -47,7 +51,9 @@ function lightTypeOf(one) {
  */
 function setKind(one, layer) {
     if (one.kind === "light") {
-        layer.lightType = lightTypeOf(one);
+        attempt("The kind of the light '" + one.name + "'", function () {
+            layer.lightType = lightTypeOf(one);
+        });
     }
     if (one.kind === "camera" || (one.kind === "light" && one.light !== "point")) {
         var orient = one.aimed ? AutoOrientType.CAMERA_OR_POINT_OF_INTEREST : AutoOrientType.NO_AUTO_ORIENT;

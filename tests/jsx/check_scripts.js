@@ -1,0 +1,79 @@
+// Runs every script of a folder in the stand-in for After Effects, twice, and compares the project with that of the embedded
+// host: check_scripts.js NODE_MODULES FOLDER. FOLDER has SCENE.jsx and SCENE.json (of `vxr import --json`) beside each other,
+// and a list "scenes.txt" of the scenes' files, a line each.
+"use strict";
+
+const fs = require("fs");
+const path = require("path");
+const { makeHost } = require("./ae_mock.js");
+const { differences } = require("./imported_project.js");
+
+const [modules, folder] = process.argv.slice(2);
+const acorn = require(path.join(modules, "acorn"));
+
+const uri = (file) => file.split("/").map((part) => encodeURIComponent(part).replace(/[!'()*]/g, (c) => "%" + c.charCodeAt(0).toString(16))).join("/");
+
+// What is on the disk around the scene; sizes and alpha are those that the embedded host read from the files.
+function filesAround(scene, project) {
+    const files = {};
+    const walk = (at) => {
+        for (const entry of fs.readdirSync(at, { withFileTypes: true })) {
+            const full = path.join(at, entry.name);
+            if (entry.isDirectory()) {
+                walk(full);
+            } else {
+                files[uri(full)] = { width: 64, height: 48, alpha: false };
+            }
+        }
+    };
+    walk(path.dirname(scene));
+    for (const footage of project.footage) {
+        if (footage.kind !== "placeholder" && typeof footage.path === "string") {
+            files[uri(footage.path)] = { width: footage.width, height: footage.height, alpha: footage.has_alpha };
+        }
+    }
+    return files;
+}
+
+function check(scene) {
+    const stem = path.basename(scene, ".aec");
+    const text = fs.readFileSync(path.join(folder, stem + ".jsx"), "latin1");
+    const failures = [];
+    if (/[^\n\x20-\x7e]/.test(text)) {
+        failures.push("the script is not printable ASCII");
+    }
+    acorn.parse(text, { ecmaVersion: 3, allowReserved: false });
+    const document = JSON.parse(fs.readFileSync(path.join(folder, stem + ".json"), "utf8"));
+    const project = document.project || document;
+    const host = makeHost({ files: filesAround(scene, project), script: uri(path.join(folder, stem + ".jsx")), startAtTime: 1.5 });
+    host.run(text);
+    failures.push(...differences(host, project).slice(0, 10));
+    if (host.state.undo.length !== 1 || host.state.alerts.length !== 1) {
+        failures.push(`${host.state.undo.length} undo groups and ${host.state.alerts.length} summaries, not one of each`);
+    }
+    const refused = host.state.alerts[0].split("\n").filter((line) => /After Effects error|has no member|is not a|hidden/.test(line));
+    failures.push(...refused.map((line) => "refused: " + line));
+    const before = host.state.changes;
+    host.run(text);
+    if (host.state.changes !== before || !/has not changed: 0 of/.test(host.state.alerts[1])) {
+        failures.push(`the second run made ${host.state.changes - before} changes: ${host.state.alerts[1]}`);
+    }
+    return failures;
+}
+
+const scenes = fs.readFileSync(path.join(folder, "scenes.txt"), "utf8").split("\n").filter(Boolean);
+let failed = 0;
+for (const scene of scenes) {
+    let failures;
+    try {
+        failures = check(scene);
+    } catch (error) {
+        failures = [String(error.stack)];
+    }
+    if (failures.length > 0) {
+        ++failed;
+        console.error([scene, ...failures].join("\n    "));
+    }
+}
+console.log(`${scenes.length - failed} of ${scenes.length} scripts built the project that the plug-in builds`);
+process.exit(failed > 0 || scenes.length === 0 ? 1 : 0);
