@@ -165,7 +165,9 @@ function makeHost(options) {
         if (!isAbsolute(path)) {
             fail("File: '" + path + "' counts from a current folder that nobody knows");
         }
-        this.uri = normal(path);
+        this.uri = normal(path).replace(/%[0-9a-f]{2}/g, function (code) {
+            return code.toUpperCase();
+        });
     }
     function seenFile(object) {
         var name = object.uri.substring(object.uri.lastIndexOf("/") + 1);
@@ -224,7 +226,7 @@ function makeHost(options) {
         });
         return new Proxy(api, {
             get: function (target, key) {
-                if (typeof key === "string" && /^[0-9]+$/.test(key)) {
+                if (typeof key !== "symbol" && /^[0-9]+$/.test(String(key))) {
                     var index = Number(key);
                     if (index < 1 || index > list().length) {
                         fail(name + "[" + key + "] is beyond 1.." + list().length);

@@ -8,10 +8,10 @@ const path = require("path");
 const { makeHost } = require("./ae_mock.js");
 const { differences } = require("./imported_project.js");
 
-const [modules, folder] = process.argv.slice(2);
+const [modules, folder] = process.argv.slice(2).map((one) => path.resolve(one));
 const acorn = require(path.join(modules, "acorn"));
 
-const uri = (file) => file.split("/").map((part) => encodeURIComponent(part).replace(/[!'()*]/g, (c) => "%" + c.charCodeAt(0).toString(16))).join("/");
+const uri = (file) => file.split("/").map((part) => encodeURIComponent(part).replace(/[!'()*]/g, (c) => "%" + c.charCodeAt(0).toString(16).toUpperCase())).join("/");
 
 // What is on the disk around the scene; sizes and alpha are those that the embedded host read from the files.
 function filesAround(scene, project) {

@@ -10,6 +10,7 @@ import json
 import subprocess
 import sys
 import tempfile
+from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 HERE = Path(__file__).resolve().parent
@@ -59,7 +60,7 @@ def check_duk(duk, folder, scripts):
 def main():
     vxr, bundle, node, duk, modules, count = sys.argv[1:7]
     seed = sys.argv[7] if len(sys.argv) > 7 else "1"
-    with tempfile.TemporaryDirectory() as temporary:
+    with tempfile.TemporaryDirectory(prefix="jsx") as temporary:
         folder = Path(temporary).resolve()
         generated = folder / "scenes"
         generated.mkdir()
@@ -69,11 +70,14 @@ def main():
             sys.exit(f"{len(scenes)} scenes are too few")
         output = folder / "out"
         output.mkdir()
-        # 2: footage is missing and placeholders stand in, as in many of the generated scenes.
-        for scene in scenes:
+        # 4: footage is missing and placeholders stand in, as in many of the generated scenes.
+        def write(scene):
             run([vxr, "export", "--to", "jsx", "--as", "imported", "--bundle", bundle, "-o", output / (scene.stem + ".jsx"), scene],
-                (0, 1, 2))
-            (output / (scene.stem + ".json")).write_text(run([vxr, "import", "--json", "--bundle", bundle, scene], (0, 1, 2)))
+                (0, 4))
+            (output / (scene.stem + ".json")).write_text(run([vxr, "import", "--json", "--bundle", bundle, scene], (0, 4)))
+
+        with ThreadPoolExecutor(2) as workers:
+            list(workers.map(write, scenes))
         (output / "scenes.txt").write_text("\n".join(map(str, scenes)) + "\n")
         print(run([node, HERE / "check_scripts.js", modules, output]), end="")
         some = [output / (scene.stem + ".jsx") for scene in scenes[:4]]

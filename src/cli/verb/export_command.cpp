@@ -184,6 +184,10 @@ class ExportCommand : public Command {
             .flag("--list-losses", list_losses_,
                   "show what is corrected and where the result differs from the scene; write no file")
             .group(kGroup);
+        options
+            .flag("--undo-safe", undo_safe_,
+                  "for --to jsx: the script names everything that it will touch, and asks")
+            .group(kGroup);
         options.flag("--json", json_, "write one JSON document instead of text").group(kGroup);
     }
 
@@ -243,6 +247,9 @@ class ExportCommand : public Command {
         }
         if (!output_.empty() && !folder_.empty()) {
             throw UsageError("-o and --out-dir exclude each other");
+        }
+        if (undo_safe_ && to_ != "jsx") {
+            throw UsageError("--undo-safe is for --to jsx");
         }
         if (output_.empty() && folder_.empty() && !list_losses_) {
             throw UsageError("-o, --out-dir or --list-losses is required");
@@ -393,6 +400,7 @@ class ExportCommand : public Command {
         }
         HandoverFormatOptions options;
         options.cut_angle_degrees = handover_options().cut_angle_degrees;
+        options.undo_safe = undo_safe_;
         scene.losses = losses_of(*scene.result.handover, format, options);
         scene.corrections = scene.result.handover->corrections;
         if (!list_losses_) {
@@ -460,6 +468,7 @@ class ExportCommand : public Command {
     std::string output_;
     std::string folder_;
     bool list_losses_ = false;
+    bool undo_safe_ = false;
     bool json_ = false;
     std::string as_ = "corrected";
     std::vector<std::string> without_;

@@ -23,12 +23,13 @@ class JsxText {
         return *this;
     }
     JsxText& operator<<(const char* text) { return *this << std::string_view(text); }
+    JsxText& operator<<(char c) { return *this << std::string_view(&c, 1); }
     JsxText& operator<<(bool value) { return *this << (value ? "true" : "false"); }
 
     /// The shortest text that reads back to the same number. `number` is finite.
     template <typename Number>
     requires(std::integral<Number> || std::floating_point<Number>) &&
-        (!std::same_as<Number, bool>)JsxText& operator<<(Number number) {
+        (!std::same_as<Number, bool> && !std::same_as<Number, char>)JsxText& operator<<(Number number) {
         std::array<char, 32> digits{};
         const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
         return *this << std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data()));
