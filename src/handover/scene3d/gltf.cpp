@@ -115,6 +115,36 @@ bool view_angle_changes(const Motion& motion) {
     });
 }
 
+// A cut lies this much before its frame, so that a reader whose time of a frame is a little early shows it as
+// well.
+constexpr double kCutBefore_frames = 1.0 / 1024;
+
+// As a float holds it.
+double as_float(double number) {
+    constexpr double kMostFloat = 3.4028234663852886e38;
+    return static_cast<double>(static_cast<float>(std::clamp(number, -kMostFloat, kMostFloat)));
+}
+
+// Times and values of one channel.
+struct Column {
+    std::vector<float> times;
+    std::vector<float> values;
+    std::size_t components;
+
+    // Of moments that are closer than floats tell apart, the later one holds.
+    void add(float time, const Quaternion& value) {
+        if (!times.empty() && time <= times.back()) {
+            time = times.back();
+            times.pop_back();
+            values.resize(values.size() - components);
+        }
+        times.push_back(time);
+        for (std::size_t c = 0; c < components; ++c) {
+            values.push_back(static_cast<float>(as_float(value[c])));
+        }
+    }
+};
+
 class GltfFile {
   public:
     GltfFile(const Handover& handover, const Scene3dOptions& options)
@@ -198,8 +228,8 @@ class GltfFile {
         if (!motion.poses.empty()) {
             const auto place = scaled_place(motion.poses.front());
             const Quaternion turn = turn_of(object.kind, motion.poses.front());
-            node["translation"] = {float_of(place[0]), float_of(place[1]), float_of(place[2])};
-            node["rotation"] = {float_of(turn[0]), float_of(turn[1]), float_of(turn[2]), float_of(turn[3])};
+            node["translation"] = {as_float(place[0]), as_float(place[1]), as_float(place[2])};
+            node["rotation"] = {as_float(turn[0]), as_float(turn[1]), as_float(turn[2]), as_float(turn[3])};
         }
         if (object.kind == ObjectKind::camera) {
             node["camera"] = add_camera(object, motion);
@@ -312,35 +342,22 @@ class GltfFile {
     template <typename ValueOf>
     void add_channel(Json target, const std::vector<TimedPose>& poses, const std::vector<std::size_t>& needed,
                      std::size_t components, ValueOf value_of) {
-        std::vector<float> times;
-        std::vector<float> values;
+        Column column{{}, {}, components};
+        bool after_cut = false;
         for (const std::size_t i : needed) {
-            const double seconds =
-                (poses[i].frame - static_cast<double>(handover_.shot.from)) / handover_.shot.rate_fps;
-            auto time = static_cast<float>(seconds);
-            // A cut is never later than its frame, at which a reader with finer times would still show what
-            // was before it.
-            const bool at_cut = poses[i].before_cut || (i > 0 && poses[i - 1].before_cut);
-            if (at_cut && static_cast<double>(time) > seconds) {
-                time = std::nextafter(time, -HUGE_VALF);
-            }
-            if (poses[i].before_cut) {
-                time = std::nextafter(time, 0.0F);
-            }
             const Quaternion value = value_of(poses[i]);
-            // Frames that are closer than floats tell apart: the later one holds.
-            if (!times.empty() && time <= times.back()) {
-                times.pop_back();
-                values.resize(values.size() - components);
-                time = times.empty() ? time : std::max(time, std::nextafter(times.back(), HUGE_VALF));
+            if (poses[i].before_cut) {
+                column.add(std::nextafter(seconds_of(poses[i].frame - kCutBefore_frames), 0.0F), value);
+            } else if (after_cut) {
+                column.add(seconds_of(poses[i].frame - kCutBefore_frames), value);
+                column.add(seconds_of(poses[i].frame), value);
+            } else {
+                column.add(seconds_of(poses[i].frame), value);
             }
-            times.push_back(time);
-            for (std::size_t c = 0; c < components; ++c) {
-                values.push_back(static_cast<float>(float_of(value[c])));
-            }
+            after_cut = poses[i].before_cut;
         }
-        const std::size_t input = data_.add(times, 1, true);
-        const std::size_t output = data_.add(values, components, false);
+        const std::size_t input = data_.add(column.times, 1, true);
+        const std::size_t output = data_.add(column.values, components, false);
         channels_.push_back({{"sampler", samplers_.size()}, {"target", std::move(target)}});
         samplers_.push_back({{"input", input}, {"output", output}, {"interpolation", "LINEAR"}});
     }
@@ -353,10 +370,9 @@ class GltfFile {
         return place;
     }
 
-    // As a float holds it, so that node and first key are one number.
-    static double float_of(double number) {
-        constexpr double kMostFloat = 3.4028234663852886e38;
-        return static_cast<double>(static_cast<float>(std::clamp(number, -kMostFloat, kMostFloat)));
+    [[nodiscard]] float seconds_of(double frame) const {
+        const double first = static_cast<double>(handover_.shot.from);
+        return static_cast<float>((frame - first) / handover_.shot.rate_fps);
     }
 
     const Handover& handover_;
