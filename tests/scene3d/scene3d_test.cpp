@@ -158,18 +158,21 @@ TEST(Gltf, BeforeTheFirstFrameIsNoTime) {
     EXPECT_NEAR(floats_of(shot, file, 1)[0], 0.76F, 1e-6);
 }
 
-TEST(Gltf, ACutIsAKeyAnInstantBefore) {
+TEST(Gltf, ACutLiesJustBeforeItsFrame) {
     // 100 degrees from one frame to the next.
     const Handover shot = shot_with({object(ObjectKind::camera, {key(17, 0), key(18, 100), key(20, 100)})});
     const Json file = gltf_of(shot);
     const std::vector<float> times = floats_of(shot, file, 0);
-    ASSERT_EQ(times.size(), 4U);
+    ASSERT_EQ(times.size(), 5U);
     EXPECT_EQ(times[0], 0.0F);
-    EXPECT_EQ(times[2], 0.04F);
-    EXPECT_EQ(times[1], std::nextafter(0.04F, 0.0F));
+    // A 1024th of a frame of 0.04 seconds before, and for an instant before that the old turn.
+    EXPECT_NEAR(times[2], 0.04F - 0.04F / 1024, 1e-8);
+    EXPECT_EQ(times[1], std::nextafter(times[2], 0.0F));
+    EXPECT_EQ(times[3], 0.04F);
     const std::vector<float> turns = floats_of(shot, file, 1);
     EXPECT_EQ(turns[4 * 1 + 3], turns[3]) << "until then nothing turns";
     EXPECT_NEAR(turns[4 * 2 + 3], std::cos(50 * 3.14159265 / 180), 1e-6);
+    EXPECT_EQ(turns[4 * 3 + 3], turns[4 * 2 + 3]);
 }
 
 TEST(Gltf, FromOneFrameToTheNextAnglesTakeTheShortWay) {
