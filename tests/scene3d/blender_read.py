@@ -1,0 +1,37 @@
+"""Run by Blender: reads one glTF file and prints where its cameras put points, as JSON after a mark.
+
+blender -b --factory-startup -P blender_read.py -- FILE POINTS, where POINTS is a JSON file of
+{"width", "height", "aspect", "rate", "first", "cameras": [{"name", "moments": [{"frame", "points": [[x, y, z], ...]}]}]}; points are in
+metres, in the file's axes.
+"""
+
+import json
+import sys
+
+import bpy
+from bpy_extras.object_utils import world_to_camera_view
+from mathutils import Vector
+
+gltf, wanted = sys.argv[sys.argv.index("--") + 1:]
+wanted = json.load(open(wanted, encoding="utf-8"))
+bpy.ops.wm.read_factory_settings(use_empty=True)
+scene = bpy.context.scene
+scene.render.fps = wanted["rate"]
+bpy.ops.import_scene.gltf(filepath=gltf)
+scene.render.resolution_x, scene.render.resolution_y = wanted["width"], wanted["height"]
+# Neither may be below 1.
+scene.render.pixel_aspect_x = max(1, wanted["aspect"])
+scene.render.pixel_aspect_y = max(1, 1 / wanted["aspect"])
+cameras = [thing for thing in scene.objects if thing.type == "CAMERA"]
+ids = {thing.get("id"): thing for thing in cameras}
+result = []
+for camera in wanted["cameras"]:
+    found = ids[camera["id"]]
+    for moment in camera["moments"]:
+        time = moment["frame"] - wanted["first"]
+        scene.frame_set(int(time // 1), subframe=time % 1)
+        bpy.context.view_layer.update()
+        for x, y, z in moment["points"]:
+            seen = world_to_camera_view(scene, found, Vector((x, -z, y)))
+            result.append([seen.x * wanted["width"], (1 - seen.y) * wanted["height"]])
+print("RESULT " + json.dumps(result))
