@@ -7,7 +7,6 @@ namespace handover {
 /// How cameras, lights and nulls are written for other 3D programs.
 struct Scene3dOptions {
     double scale = 0.01;            ///< metres for each of the scene's units
-    bool image_planes = false;      ///< glTF only: footage as pictures at the far end of each camera
     double cut_angle_degrees = 60;  ///< as in HandoverOptions
 };
 
