@@ -59,6 +59,7 @@ def check_duk(duk, folder, scripts):
 
 def main():
     vxr, bundle, node, duk, modules, count = sys.argv[1:7]
+    modules = Path(modules).resolve()
     seed = sys.argv[7] if len(sys.argv) > 7 else "1"
     with tempfile.TemporaryDirectory(prefix="jsx") as temporary:
         folder = Path(temporary).resolve()
