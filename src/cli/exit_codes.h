@@ -11,6 +11,7 @@ enum class ExitCode {
     usage = 2,
     cannot_read_or_write = 3,
     footage_missing = 4,
+    different = 5,
 };
 
 struct ExitCodeRow {
@@ -20,13 +21,14 @@ struct ExitCodeRow {
 
 /// Every exit code, for the help and the manual.
 /// A signal ends the program with 128 plus its number: 130 for SIGINT, 143 for SIGTERM.
-inline constexpr std::array<ExitCodeRow, 5> kExitCodes{{
+inline constexpr std::array<ExitCodeRow, 6> kExitCodes{{
     {ExitCode::fine, "everything asked for was done"},
     {ExitCode::refused, "a file was refused, or the import did not finish"},
     {ExitCode::usage, "wrong usage; nothing was written"},
     {ExitCode::cannot_read_or_write, "a file could not be read or written"},
     {ExitCode::footage_missing,
      "all else was done, but footage was not found, or several files may be meant"},
+    {ExitCode::different, "compared, and what is handed over is not what the scene says"},
 }};
 
 /// With several files the most serious outcome counts. A file that could not be read is more serious than
@@ -39,14 +41,16 @@ constexpr ExitCode most_serious(ExitCode a, ExitCode b) {
                 return 0;
             case ExitCode::footage_missing:
                 return 1;
-            case ExitCode::refused:
+            case ExitCode::different:
                 return 2;
-            case ExitCode::cannot_read_or_write:
+            case ExitCode::refused:
                 return 3;
+            case ExitCode::cannot_read_or_write:
+                return 4;
             case ExitCode::usage:
                 break;
         }
-        return 4;
+        return 5;
     };
     return rank(a) < rank(b) ? b : a;
 }

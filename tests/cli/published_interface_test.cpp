@@ -66,8 +66,9 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "relink", "collect", "export", "texture info", "texture check", "texture convert", "frame",
-      "modules", "limits", "doctor", "help", "completion", "-h, --help", "--version"}},
+     {"import", "check", "relink", "collect", "export", "proof", "texture info", "texture check",
+      "texture convert", "frame", "modules", "limits", "doctor", "help", "completion", "-h, --help",
+      "--version"}},
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--search DIR", "--map FROM=TO", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "--alpha-preference VALUE",
@@ -104,6 +105,7 @@ const PublishedVerb kVerbs[] = {
       "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
     {"modules",
      {"--json", "--bundle PATH", "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
+    {"proof", {"SCENE", "--points N", "--json", "--bundle PATH", "-h, --help"}},
     {"limits", {"--json", "-h, --help"}},
     {"doctor",
      {"BUNDLE", "--json", "--list-codes", "--no-load", "--always-load", "--timeout SECONDS",

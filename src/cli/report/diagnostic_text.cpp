@@ -164,6 +164,8 @@ const char* verdict_label(ExitCode code) {
             return "ok";
         case ExitCode::footage_missing:
             return "incomplete";
+        case ExitCode::different:
+            return "different";
         case ExitCode::refused:
             return "refused";
         case ExitCode::usage:

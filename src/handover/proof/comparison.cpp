@@ -245,7 +245,7 @@ NullResult compare_null(const tagProjectSettings& settings, const TruthObject& n
         double at = settings.from;
         for (const Moment& moment : moments) {
             const std::optional<Point> position = target.position(object, moment.frame);
-            if (!position) {
+            if (!position || moment.kind == MomentKind::between_frames) {
                 continue;
             }
             const Point truth = true_position(null, moment.frame);
@@ -268,8 +268,12 @@ const CauseInfo& info_of(Cause cause) {
     return kCauses[static_cast<std::size_t>(cause)];
 }
 
+double TargetResult::judged_px() const {
+    return std::max(deviation.at_keys_px, deviation.at_frames_px);
+}
+
 bool TargetResult::meets_goal() const {
-    return problem.empty() && deviation.lost == 0 && deviation.largest.px <= kGoal_px;
+    return problem.empty() && deviation.lost == 0 && judged_px() <= kGoal_px;
 }
 
 bool ProofResult::meets_goal() const {

@@ -15,7 +15,7 @@
 
 namespace proof {
 
-/// What targets that are to say what the scene says may be off by.
+/// What targets that are to say what the scene says may be off by at keys and other whole frames.
 inline constexpr double kGoal_px = 0.05;
 
 /// Why points land elsewhere.
@@ -71,10 +71,10 @@ struct Deviation {
     double mean_px = 0;
     double in_frame_px = 0;  ///< the largest of points within the frame, edges included
     std::int64_t compared = 0;
-    std::int64_t lost = 0;    ///< in the scene's picture, and nowhere in the target's
-    double at_keys_px = 0;    ///< the largest at keys of the scene
-    double at_frames_px = 0;  ///< the largest at other whole frames
-    double between_frames_px = 0;
+    std::int64_t lost = 0;         ///< in the scene's picture, and nowhere in the target's
+    double at_keys_px = 0;         ///< the largest at keys of the scene
+    double at_frames_px = 0;       ///< the largest at other whole frames
+    double between_frames_px = 0;  ///< seen only in motion blur, and not judged
 };
 
 /// What a cause is worth: the largest distance before and after it is taken away.
@@ -91,6 +91,8 @@ struct TargetResult {
     Deviation deviation;
     std::vector<CauseFound> causes;  ///< the weightiest first; empty if nothing deviates
 
+    /// The largest distance at whole frames.
+    [[nodiscard]] double judged_px() const;
     [[nodiscard]] bool meets_goal() const;
 };
 
@@ -116,7 +118,8 @@ struct CameraResult {
 struct NullResult {
     std::size_t object = 0;
     std::string name;
-    /// For each target the largest distance in the scene's units; nothing if it did not arrive.
+    /// For each target the largest distance at whole frames, in the scene's units; nothing if it did not
+    /// arrive.
     std::vector<std::optional<double>> distances;
     std::vector<double> frames;  ///< where
 };

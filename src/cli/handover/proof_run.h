@@ -1,0 +1,38 @@
+#pragma once
+
+#include <nlohmann/json_fwd.hpp>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/exit_codes.h"
+#include "cli/project/host_setup.h"
+#include "cli/report/diagnostic_text.h"
+#include "cli/scene/scene_reading.h"
+#include "cli/terminal/terminal.h"
+#include "handover/proof/comparison.h"
+
+namespace cli {
+
+/// A scene compared with what arrives elsewhere.
+struct ProofRun {
+    std::string file;                          ///< as the user named it
+    ExitCode code = ExitCode::fine;            ///< different if a target that is judged misses the goal
+    std::vector<Diagnostic> diagnostics;       ///< why the scene was refused
+    std::vector<std::string> problems;         ///< why it did not arrive whole, one sentence each
+    std::optional<proof::ProofResult> result;  ///< nothing if there was nothing to compare
+    std::int32_t width_px = 0;
+    std::int32_t height_px = 0;
+};
+
+/// Imports the scene, corrects it, writes it as glTF and USD in memory, and compares all of it.
+[[nodiscard]] ProofRun prove(const SceneReading& reading, const FoundBundle& bundle,
+                             const proof::ProofOptions& options);
+
+/// For people, the verdict first.
+[[nodiscard]] std::string proof_text(const ProofRun& run, const Paint& paint);
+
+/// The document of `vxr proof --json`, docs/schema/proof.json.
+[[nodiscard]] nlohmann::ordered_json proof_document(const ProofRun& run);
+
+}  // namespace cli

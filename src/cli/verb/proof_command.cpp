@@ -1,0 +1,74 @@
+#include <memory>
+#include <nlohmann/json.hpp>
+#include <ostream>
+#include <string>
+
+#include "cli/handover/proof_run.h"
+#include "cli/options.h"
+#include "cli/project/host_setup.h"
+#include "cli/report/json_text.h"
+#include "cli/terminal/terminal.h"
+#include "cli/verbs.h"
+
+namespace cli {
+namespace {
+
+class ProofCommand : public Command {
+  public:
+    void add_options(Options& options) override {
+        options.file_argument("SCENE", file_, "a composition file; - for the standard input").required();
+        options
+            .option("--points", options_.grid_points, "at least so many test points around each camera's aim")
+            .value_name("N")
+            .range(1, 1000)
+            .show_default();
+        options.flag("--json", json_, "write one JSON document instead of text").group("Output");
+        add_bundle_option(options, bundle_);
+    }
+
+    ExitCode run(Terminal& terminal) override {
+        const SceneReading reading = read_scene(file_);
+        const ProofRun run = prove(reading, find_bundle(bundle_), options_);
+        if (json_) {
+            terminal.out << json_text_of(proof_document(run));
+        } else {
+            terminal.out << fitted(terminal, proof_text(run, terminal.out_paint));
+        }
+        terminal.out << std::flush;
+        for (const Diagnostic& diagnostic : run.diagnostics) {
+            terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
+        }
+        for (const std::string& problem : run.problems) {
+            complain(terminal, problem);
+        }
+        return run.code;
+    }
+
+  private:
+    std::string file_;
+    proof::ProofOptions options_;
+    bool json_ = false;
+    std::string bundle_;
+};
+
+}  // namespace
+
+Verb proof_verb() {
+    return {
+        "proof",
+        "compare where points are seen by the scene's camera and by what is handed over",
+        {"Projects test points by the scene's own camera, and by what arrives in After Effects through the "
+         "plug-in, by the corrected script, in glTF and in USD: the nulls, a grid around each camera's aim, "
+         "and the corners of the frame at three depths; at keys, between keys, at FROM and at TO. Shows for "
+         "each camera and target the largest and the mean distance in pixels, the frame, and why.",
+         "After Effects is a written model until someone has measured it. "
+         "Where pixels are not square, \"stretched\" is After Effects if it stretches the space of such "
+         "compositions.",
+         "The exit code is 5 when what is corrected is more than 0.05 pixels off at a whole frame."},
+        {{"vxr proof shot.aec", "How far each target is from the scene."},
+         {"vxr proof shot.aec --json | jq '.cameras[].targets[] | [.target, .largest_px]'",
+          "The numbers for another program."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<ProofCommand>(); }};
+}
+
+}  // namespace cli

@@ -1,0 +1,130 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
+
+#include "cli/scene/written_number.h"
+#include "support/program_run.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using cli::ExitCode;
+using nlohmann::json;
+
+Ran prove(const std::string& scene, const std::vector<std::string>& more = {}) {
+    std::vector<std::string> words = {"proof", "--bundle", VXR_BUNDLE_PATH, scene};
+    words.insert(words.end(), more.begin(), more.end());
+    return run(words);
+}
+
+json target_named(const json& camera, const std::string& name) {
+    for (const json& target : camera["targets"]) {
+        if (target["target"] == name) {
+            return target;
+        }
+    }
+    ADD_FAILURE() << "no target " << name;
+    return {};
+}
+
+TEST(ProofVerb, ExamplesAreHandedOverWithinTheGoal) {
+    int cameras = 0;
+    for (const char* name : {"interlaced/lantern_010.aec", "keyframes/orbit_030.aec",
+                             "square/courtyard_020.aec", "textured/shelf_040.aec"}) {
+        const Ran ran = prove(std::string(VXR_EXAMPLES_DIR "/") + name, {"--json", "--points", "8"});
+        EXPECT_EQ(ran.code, ExitCode::fine) << name << ran.err;
+        const json document = json::parse(ran.out);
+        for (const json& camera : document["cameras"]) {
+            ++cameras;
+            int judged = 0;
+            for (const json& target : camera["targets"]) {
+                if (target["judged"]) {
+                    ++judged;
+                    EXPECT_LT(target["largest_px"], 0.05) << name << target;
+                    // Motion blur is as good here.
+                    EXPECT_LT(target["between_frames_px"], 0.05) << name << target;
+                    EXPECT_GT(target["compared"], 100) << name << target;
+                }
+            }
+            EXPECT_GE(judged, 3) << name;
+        }
+    }
+    EXPECT_EQ(cameras, 3);
+}
+
+struct AspectCase {
+    const char* aspect;
+    const char* heading;
+    double shift_px;
+};
+
+// In PAL pixels, seen at 45 degrees. At 90 degrees x is the depth: with the aspect c of the
+// composition, 1.06, a corner is at (360 / c / c, 288 / c) from the middle, which is (39.601, 16.302) from
+// (360, 288): 42.826. The others are from the short Python program of pixel_aspect_check_test.cpp.
+const AspectCase kAspects[] = {{"1.0667", "30", 20.872}, {"1.4222", "30", 126.453}, {"1.0667", "90", 42.825}};
+
+TEST(ProofVerb, AgreesWithTheWarningAboutTurnedCameras) {
+    for (const AspectCase& one : kAspects) {
+        const TemporaryFolder folder;
+        const std::string scene = folder.write(
+            "a.aec", "VORTAN XR COMPOSITION\nRESOLUTION 720 576 FROM 0 TO 9 RANGE 10 FPS 25 ASPECT " +
+                         std::string(one.aspect) +
+                         "\nCOMPOSITION NRM \"M\" { }\nCAMERA \"c\" {\nKEY 0 0 0 0 " + one.heading +
+                         " 0 0 45\n}\n");
+        const json document = json::parse(prove(scene, {"--json"}).out);
+        const json stretched = target_named(document["cameras"][0], "imported, stretched");
+        const double shift_px = stretched["in_frame_px"];
+        EXPECT_NEAR(shift_px, one.shift_px, 0.001) << one.aspect << ' ' << one.heading;
+        EXPECT_EQ(stretched["causes"][0]["cause"], "stretched-space");
+        EXPECT_LT(target_named(document["cameras"][0], "imported")["in_frame_px"], 1e-9);
+        EXPECT_LT(target_named(document["cameras"][0], "corrected")["in_frame_px"], 0.05);
+        const json warnings = json::parse(run({"check", "--json", scene}).out);
+        bool warned = false;
+        for (const json& warning : warnings["files"][0]["diagnostics"]) {
+            if (warning["code"] == "aspect-turns-camera") {
+                warned = true;
+                EXPECT_NE(
+                    warning["reason"].get<std::string>().find("up to " + cli::measured_text(shift_px) + " "),
+                    std::string::npos)
+                    << warning["reason"];
+            }
+        }
+        EXPECT_TRUE(warned) << one.aspect << ' ' << one.heading;
+    }
+}
+
+TEST(ProofVerb, ShowsTheVerdictFirst) {
+    const Ran ran = prove(VXR_EXAMPLES_DIR "/square/courtyard_020.aec");
+    EXPECT_EQ(ran.code, ExitCode::fine);
+    EXPECT_NE(ran.out.find(
+                  "courtyard_020.aec: what is handed over is where the scene has it, within 0.05 pixels\n"),
+              std::string::npos);
+    EXPECT_NE(ran.out.find("curve-between-keys"), std::string::npos);
+    EXPECT_NE(ran.out.find("how a null is turned has no truth"), std::string::npos);
+}
+
+TEST(ProofVerb, ASceneThatIsRefusedIsNotCompared) {
+    const TemporaryFolder folder;
+    const Ran ran = prove(folder.write("a.aec", "VORTAN XR COMPOSITION\nRESOLUTION 0 0\n"), {"--json"});
+    EXPECT_EQ(ran.code, ExitCode::refused);
+    EXPECT_TRUE(json::parse(ran.out)["cameras"].empty());
+    EXPECT_EQ(prove(folder.path("none.aec")).code, ExitCode::cannot_read_or_write);
+}
+
+TEST(ProofVerb, ACameraWithoutAPictureHasNothingToCompare) {
+    const TemporaryFolder folder;
+    const std::string scene = folder.write(
+        "a.aec",
+        "VORTAN XR COMPOSITION\nRESOLUTION 720 576 FROM 0 TO 0 RANGE 1 FPS 25\nCOMPOSITION NRM \"M\" { }\n"
+        "CAMERA \"c\" {\nKEY 0 0 0 0 0 0 0 0\n}\nCAMERA \"empty\" {\n}\n");
+    const Ran ran = prove(scene, {"--json"});
+    const json document = json::parse(ran.out);
+    EXPECT_EQ(document["cameras"][0]["no_picture"], 1) << ran.err;
+    EXPECT_EQ(document["cameras"][0]["targets"][0]["compared"], 0);
+    EXPECT_EQ(document["cameras"][1]["targets"][0]["problem"], "the camera has no keys");
+}
+
+}  // namespace
