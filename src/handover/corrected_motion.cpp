@@ -29,8 +29,8 @@
 namespace handover {
 namespace {
 
-// Added keys of all objects together: one at every frame of a hundred shots of a minute and a half.
-constexpr std::int64_t kMostAddedKeys = 250'000;
+// Added keys of all objects together: one at every frame of an hour.
+constexpr std::int64_t kMostAddedKeys = 100'000;
 
 // Nearer to the vertical than this, a camera is not aimed. A position of 10,000 that is kept in single
 // precision is off by up to 0.0005; one degree from the vertical, that much of a point of interest 1,000 away
