@@ -75,7 +75,8 @@ void correct_objects_composition(CorrectionRun& run, std::size_t index) {
     set_scale(*layer, kPercent * aspect, kPercent * aspect);
     for (Layer& object : composition.layers) {
         if (object.kind == LayerKind::camera || object.kind == LayerKind::light) {
-            object.center_px[1] = static_cast<double>(composition.height_px / 2);
+            const std::int32_t middle_px = composition.height_px / 2;  // as the importer halves
+            object.center_px[1] = middle_px;
         }
     }
     run.changed(Correction::square_pixels,

@@ -12,9 +12,9 @@ namespace handover {
 /// A handover on its way from what is imported to what the scene says.
 class CorrectionRun {
   public:
-    CorrectionRun(const SceneSource& scene, const embedded::Project& project, const HandoverOptions& options,
-                  Handover& handover)
-        : scene(scene), project(project), options(options), handover(handover) {}
+    CorrectionRun(const SceneSource& its_scene, const embedded::Project& its_project,
+                  const HandoverOptions& its_options, Handover& its_handover)
+        : scene(its_scene), project(its_project), options(its_options), handover(its_handover) {}
 
     [[nodiscard]] bool wants(Correction correction) const { return options.left_out.count(correction) == 0; }
 

@@ -35,7 +35,6 @@ namespace cli {
 namespace {
 
 using embedded::Json;
-using handover::Correction;
 using handover::CorrectionInfo;
 using handover::Version;
 
