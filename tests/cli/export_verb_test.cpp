@@ -69,6 +69,7 @@ TEST(ExportVerb, RefusesWrongUsageBeforeItReadsAnything) {
         {"a negative angle",
          {"a.aec", "--to", "glb", "-o", out, "--cut-angle", "-1"},
          "is not a number from 0 to 180"},
+        {"a scale of nothing", {"a.aec", "--to", "glb", "-o", out, "--scale", "0"}, "is not a number from"},
         {"an angle in words", {"a.aec", "--to", "glb", "-o", out, "--cut-angle", "1.2.3"}, "is not a number"},
         {"a tolerance without a number",
          {"a.aec", "--to", "glb", "-o", out, "--tolerance", "."},

@@ -17,6 +17,7 @@ using handover::Target;
 handover::Scene3dOptions scene3d_options(const HandoverFormatOptions& options) {
     handover::Scene3dOptions made;
     made.cut_angle_degrees = options.cut_angle_degrees;
+    made.scale = options.scale_m;
     return made;
 }
 

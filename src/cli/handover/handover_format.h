@@ -19,6 +19,7 @@ struct HandoverFormat {
 /// What the user chooses about all of them.
 struct HandoverFormatOptions {
     double cut_angle_degrees = 60;
+    double scale_m = 0.01;   ///< 3D programs: metres for each of the scene's units
     bool undo_safe = false;  ///< scripts: say what will be touched, and ask
 };
 

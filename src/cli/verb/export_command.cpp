@@ -44,6 +44,8 @@ constexpr int kExportSchema = 1;
 constexpr double kMostTurn_degrees = 180;
 constexpr double kLeastRate_fps = 1;
 constexpr double kMostRate_fps = 99;
+constexpr double kLeastScale_m = 1e-6;
+constexpr double kMostScale_m = 1e6;
 
 /// A decimal number of at most 15 digits, without a sign; nothing for any other text.
 std::optional<double> parse_decimal(const std::string& text) {
@@ -229,6 +231,11 @@ class ExportCommand : public Command {
             .show_default()
             .check(decimal_within(0, 1e6))
             .group(kGroup);
+        options.option("--scale", scale_, "for 3D programs: how many metres one of the scene's units is")
+            .value_name("METRES")
+            .show_default()
+            .check(decimal_within(kLeastScale_m, kMostScale_m))
+            .group(kGroup);
     }
 
     void check_usage() const {
@@ -399,6 +406,7 @@ class ExportCommand : public Command {
         }
         HandoverFormatOptions options;
         options.cut_angle_degrees = handover_options().cut_angle_degrees;
+        options.scale_m = *parse_decimal(scale_);
         options.undo_safe = undo_safe_;
         scene.losses = losses_of(*scene.result.handover, format, options);
         scene.corrections = scene.result.handover->corrections;
@@ -473,6 +481,7 @@ class ExportCommand : public Command {
     std::vector<std::string> without_;
     bool list_corrections_ = false;
     std::string cut_angle_ = "60";
+    std::string scale_ = "0.01";
     std::string rate_;
     std::string tolerance_ = "0";
     FindingChoices choices_;
