@@ -16,6 +16,7 @@
 #include "support/program_run.h"
 #include "support/scene_folder.h"
 #include "text/printable.h"
+#include "texture/value/texture_file.h"
 
 namespace {
 

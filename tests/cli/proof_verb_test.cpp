@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "cli/scene/written_number.h"
+#include "support/child_process.h"
+#include "support/file_content.h"
 #include "support/program_run.h"
 #include "support/temporary_folder.h"
 
@@ -125,6 +127,45 @@ TEST(ProofVerb, ACameraWithoutAPictureHasNothingToCompare) {
     EXPECT_EQ(document["cameras"][0]["no_picture"], 1) << ran.err;
     EXPECT_EQ(document["cameras"][0]["targets"][0]["compared"], 0);
     EXPECT_EQ(document["cameras"][1]["targets"][0]["problem"], "the camera has no keys");
+}
+
+TEST(ProofVerb, DrawsWhereThePointsLand) {
+    const TemporaryFolder folder;
+    const std::string scene =
+        folder.write("shot.aec",
+                     "VORTAN XR COMPOSITION\nRESOLUTION 720 576 FROM 0 TO 9 RANGE 10 FPS 25\n"
+                     "COMPOSITION NRM \"Main\" {\n}\nCAMERA \"</text>\u2028&\" {\n KEY 0 0 0 0 0 0 0 45\n "
+                     "KEY 5 1 0 0 0 0 0 45\n"
+                     " KEY 9 1 0.5 0 0 0 0 45\n}\n");
+    const std::string picture = folder.path("shot.svg");
+    ASSERT_EQ(prove(scene, {"--points", "8", "--picture", picture}).code, ExitCode::fine);
+    // Read by another program, as a browser would: its texts, and its rings.
+    const ProcessResult read =
+        run_process({"python3", "-c",
+                     "import sys, xml.etree.ElementTree as tree\n"
+                     "svg = '{http://www.w3.org/2000/svg}'\n"
+                     "root = tree.parse(sys.argv[1]).getroot()\n"
+                     "print(ascii([one.text for one in root.iter(svg + 'text')]))\n"
+                     "print(len([one for one in root.iter(svg + 'circle') if one.get('r') == '5']))",
+                     picture});
+    EXPECT_EQ(read.exit_code, 0) << read.err;
+    // The curve leaves the line by some tenths of a pixel: a hundred times that can be seen.
+    EXPECT_NE(read.out.find("</text>\\u2028&, frame 6.33"), std::string::npos) << read.out;
+    EXPECT_NE(read.out.find(": errors are drawn 100 times as large"), std::string::npos) << read.out;
+    EXPECT_NE(read.out.find("corrected: at most 0"), std::string::npos) << read.out;
+    EXPECT_GE(std::stoi(read.out.substr(read.out.find('\n') + 1)), 8) << read.out;
+}
+
+TEST(ProofVerb, DrawsNothingOntoWhatItReads) {
+    const TemporaryFolder folder;
+    const std::string scene =
+        folder.write("shot.aec",
+                     "VORTAN XR COMPOSITION\nRESOLUTION 4 4 FROM 0 TO 9 RANGE 10 FPS 25\n"
+                     "COMPOSITION NRM \"Main\" {\n}\n");
+    const Ran ran = prove(scene, {"--picture", scene});
+    EXPECT_EQ(ran.code, ExitCode::usage) << ran.err;
+    EXPECT_EQ(prove(scene, {"--picture", folder.path("gone/x.svg")}).code, ExitCode::cannot_read_or_write);
+    EXPECT_TRUE(content_of(scene).starts_with("VORTAN XR"));
 }
 
 }  // namespace

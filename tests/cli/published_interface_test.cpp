@@ -102,6 +102,8 @@ const PublishedVerb kVerbs[] = {
       "--fps RATE",
       "--tolerance NUMBER",
       "--scale METRES",
+      "--package ZIP",
+      "--undo-safe",
       "--search DIR",
       "--map FROM=TO",
       "--bundle PATH",
@@ -121,7 +123,7 @@ const PublishedVerb kVerbs[] = {
       "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
     {"modules",
      {"--json", "--bundle PATH", "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
-    {"proof", {"SCENE", "--points N", "--json", "--bundle PATH", "-h, --help"}},
+    {"proof", {"SCENE", "--points N", "--json", "--picture FILE", "--bundle PATH", "-h, --help"}},
     {"limits", {"--json", "-h, --help"}},
     {"doctor",
      {"BUNDLE", "--json", "--list-codes", "--no-load", "--always-load", "--timeout SECONDS",
@@ -149,7 +151,7 @@ TEST(PublishedInterface, ExitCodes) {
         std::vector<std::string> arguments = words_of(published.verb);
         arguments.emplace_back("--help");
         EXPECT_THAT(headings_of(vxr(arguments).out)["Exit codes"],
-                    ElementsAreArray({"0", "1", "2", "3", "4"}))
+                    ElementsAreArray({"0", "1", "2", "3", "4", "5"}))
             << published.verb;
     }
     const TemporaryFolder folder;

@@ -14,6 +14,7 @@
 #include "cli/footage/finding_options.h"
 #include "cli/handover/handover_format.h"
 #include "cli/handover/handover_run.h"
+#include "cli/handover/script_package.h"
 #include "cli/job/relink_run.h"
 #include "cli/job/relinked_copy.h"
 #include "cli/options.h"
@@ -182,6 +183,13 @@ class ExportCommand : public Command {
             .value_name("DIR")
             .group(kGroup);
         options
+            .option(
+                "--package", package_,
+                "for --to jsx: a new ZIP archive with the script, the scene, its footage, and what vxr check "
+                "and vxr proof say; for one SCENE")
+            .value_name("ZIP")
+            .group(kGroup);
+        options
             .flag("--list-losses", list_losses_,
                   "show what is corrected and where the result differs from the scene; write no file")
             .group(kGroup);
@@ -248,17 +256,22 @@ class ExportCommand : public Command {
         if (to_.empty()) {
             throw UsageError("--to is required");
         }
-        if (list_losses_ && !(output_.empty() && folder_.empty())) {
-            throw UsageError("--list-losses writes no file, so it excludes -o and --out-dir");
+        const int outputs =
+            (output_.empty() ? 0 : 1) + (folder_.empty() ? 0 : 1) + (package_.empty() ? 0 : 1);
+        if (list_losses_ && outputs > 0) {
+            throw UsageError("--list-losses writes no file, so it excludes -o, --out-dir and --package");
         }
-        if (!output_.empty() && !folder_.empty()) {
-            throw UsageError("-o and --out-dir exclude each other");
+        if (outputs > 1) {
+            throw UsageError("-o, --out-dir and --package exclude each other");
+        }
+        if (!package_.empty() && to_ != "jsx") {
+            throw UsageError("--package is for --to jsx");
         }
         if (undo_safe_ && to_ != "jsx") {
             throw UsageError("--undo-safe is for --to jsx");
         }
-        if (output_.empty() && folder_.empty() && !list_losses_) {
-            throw UsageError("-o, --out-dir or --list-losses is required");
+        if (outputs == 0 && !list_losses_) {
+            throw UsageError("-o, --out-dir, --package or --list-losses is required");
         }
         if (as_ == "imported" && !without_.empty()) {
             throw UsageError("--without is for --as corrected: an imported project has no corrections");
@@ -277,9 +290,12 @@ class ExportCommand : public Command {
         if (!output_.empty() && files.size() > 1) {
             throw UsageError("-o is for one SCENE; --out-dir takes several");
         }
+        if (!package_.empty() && files.size() > 1) {
+            throw UsageError("--package is for one SCENE");
+        }
         const bool has_input = std::any_of(files.begin(), files.end(), is_standard_input);
-        if (has_input && !folder_.empty()) {
-            throw UsageError("the standard input has no name for a file in --out-dir");
+        if (has_input && output_.empty() && !list_losses_) {
+            throw UsageError("the standard input has no name for a file in --out-dir or --package");
         }
         if (has_input && choices_.given()) {
             throw UsageError("--search and --map need a scene with a name");
@@ -302,7 +318,7 @@ class ExportCommand : public Command {
     // Where the scenes are written, in their order; empty texts if they are not.
     [[nodiscard]] std::vector<std::string> outputs(const std::vector<std::string>& files,
                                                    const HandoverFormat& format) const {
-        std::vector<std::string> outputs(files.size(), output_);
+        std::vector<std::string> outputs(files.size(), package_.empty() ? output_ : package_);
         if (folder_.empty()) {
             return outputs;
         }
@@ -411,24 +427,28 @@ class ExportCommand : public Command {
         scene.losses = losses_of(*scene.result.handover, format, options);
         scene.corrections = scene.result.handover->corrections;
         if (!list_losses_) {
-            write(scene, output, format, options);
+            write(scene, read.reading(), output, format, options);
         }
         scene.result.handover.reset();
         return scene;
     }
 
-    static void write(ExportedScene& scene, const std::string& output, const HandoverFormat& format,
-                      const HandoverFormatOptions& options) {
+    void write(ExportedScene& scene, const SceneReading& reading, const std::string& output,
+               const HandoverFormat& format, const HandoverFormatOptions& options) const {
         try {
             const std::string folder = os::text_of(os::path_of(output).parent_path());
             if (!folder.empty()) {
                 std::error_code failure;  // what is missing then shows in the next step
                 std::filesystem::create_directories(os::native_path(folder), failure);
             }
-            OutputFile file(output);
-            write_handover(*scene.result.handover, format, options,
-                           [&](std::string_view piece) { file.write(piece); });
-            file.close();
+            if (!package_.empty()) {
+                write_script_package(reading, *scene.result.handover, bundle_found_, options, output);
+            } else {
+                OutputFile file(output);
+                write_handover(*scene.result.handover, format, options,
+                               [&](std::string_view piece) { file.write(piece); });
+                file.close();
+            }
             scene.output = output;
             scene.written = true;
         } catch (const std::runtime_error& error) {
@@ -482,6 +502,7 @@ class ExportCommand : public Command {
     bool list_corrections_ = false;
     std::string cut_angle_ = "60";
     std::string scale_ = "0.01";
+    std::string package_;
     std::string rate_;
     std::string tolerance_ = "0";
     FindingChoices choices_;

@@ -1,14 +1,19 @@
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <string>
 
+#include "cli/handover/proof_picture.h"
 #include "cli/handover/proof_run.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
 #include "cli/report/json_text.h"
+#include "cli/terminal/file_roles.h"
+#include "cli/terminal/output_file.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -23,12 +28,26 @@ class ProofCommand : public Command {
             .range(1, 1000)
             .show_default();
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
+        options.option("--picture", picture_, "also write a picture of the test points, as SVG")
+            .value_name("FILE")
+            .group("Output");
         add_bundle_option(options, bundle_);
     }
 
     ExitCode run(Terminal& terminal) override {
         const SceneReading reading = read_scene(file_);
-        const ProofRun run = prove(reading, find_bundle(bundle_), options_);
+        const FoundBundle bundle = find_bundle(bundle_);
+        // Finds a file that cannot be written before the work, not after it.
+        std::optional<OutputFile> picture;
+        if (!picture_.empty()) {
+            refuse_to_overwrite(reading, bundle);
+            picture.emplace(picture_);
+        }
+        const ProofRun run = prove(reading, bundle, options_);
+        if (picture && run.result) {
+            picture->write(proof_picture(run));
+            picture->close();
+        }
         if (json_) {
             terminal.out << json_text_of(proof_document(run));
         } else {
@@ -45,7 +64,22 @@ class ProofCommand : public Command {
     }
 
   private:
+    void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle) const {
+        FileRoles roles;
+        roles.reads(reading.input ? reading.full_path : reading.file);
+        if (bundle.error.empty()) {
+            roles.reads(os::text_of(bundle.path), "the plug-in");
+        }
+        for (const std::string& footage : footage_files(reading)) {
+            roles.reads(footage, "footage of " + reading.file);
+        }
+        if (const std::string refusal = roles.writes(picture_, "--picture"); !refusal.empty()) {
+            throw UsageError(refusal);
+        }
+    }
+
     std::string file_;
+    std::string picture_;
     proof::ProofOptions options_;
     bool json_ = false;
     std::string bundle_;
@@ -67,7 +101,8 @@ Verb proof_verb() {
          "The exit code is 5 when what is corrected is more than 0.05 pixels off at a whole frame."},
         {{"vxr proof shot.aec", "How far each target is from the scene."},
          {"vxr proof shot.aec --json | jq '.cameras[].targets[] | [.target, .largest_px]'",
-          "The numbers for another program."}},
+          "The numbers for another program."},
+         {"vxr proof shot.aec --picture shot.svg", "Where the points land, as a picture."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<ProofCommand>(); }};
 }
 

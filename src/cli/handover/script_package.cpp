@@ -1,0 +1,163 @@
+#include "cli/handover/script_package.h"
+
+#include <algorithm>
+#include <map>
+#include <nlohmann/json.hpp>
+#include <stdexcept>
+#include <string_view>
+#include <vector>
+
+#include "cli/handover/proof_run.h"
+#include "cli/job/zip_file.h"
+#include "cli/report/diagnostic_text.h"
+#include "cli/report/json_text.h"
+#include "cli/scene/scene_check.h"
+#include "handover/jsx/jsx_script.h"
+#include "system/files.h"
+#include "system/replacement_file.h"
+#include "text/ascii.h"
+
+namespace cli {
+namespace {
+
+using handover::Footage;
+using handover::FootageKind;
+using handover::Handover;
+
+std::string folder_of(const std::string& path) {
+    return os::text_of(os::path_of(path).parent_path());
+}
+
+std::string name_of(const std::string& path) {
+    return os::text_of(os::path_of(path).filename());
+}
+
+// Whether the file is one of the numbered ones that the footage uses.
+bool is_used(const handover::NumberedFiles& files, const std::string& name) {
+    const std::size_t around = files.prefix.size() + files.suffix.size();
+    constexpr std::size_t kMostDigits = 18;  // of a number in 64 bits
+    if (name.size() <= around || name.size() > around + kMostDigits) {
+        return false;
+    }
+    std::int64_t number = 0;
+    for (const char c : name.substr(files.prefix.size(), name.size() - around)) {
+        if (c < '0' || c > '9') {
+            return false;
+        }
+        number = number * 10 + (c - '0');
+    }
+    return number >= files.first && number <= files.last && name == handover::file_name(files, number);
+}
+
+// The files of the footage that exist, by their names. The folder is listed, because numbers may lie far
+// apart.
+std::vector<std::string> present_names(const Footage& footage) {
+    std::vector<std::string> names;
+    if (footage.kind != FootageKind::sequence || !footage.files) {
+        names.push_back(name_of(footage.path));
+        return names;
+    }
+    for (const os::FolderEntry& entry : os::entries_in(folder_of(footage.path))) {
+        if (entry.kind == os::FileKind::regular && is_used(*footage.files, entry.name)) {
+            names.push_back(entry.name);
+        }
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+// The names in the package, which differ also where letter case does not count, and the files that have been
+// added.
+class Names {
+  public:
+    // Where the files of one folder go: beside the script, or into a numbered folder if one of their names is
+    // taken by another file.
+    std::string place(const std::string& source_folder, const std::vector<std::string>& names) {
+        for (int number = 1;; ++number) {
+            const std::string place = number == 1 ? "" : std::to_string(number) + "/";
+            bool free = true;
+            for (const std::string& name : names) {
+                const auto taken = sources_.find(text::lower_case(place + name));
+                free = free && (taken == sources_.end() || taken->second == source_folder + "/" + name);
+            }
+            if (free) {
+                return place;
+            }
+        }
+    }
+
+    // Whether the file is new there.
+    bool take(const std::string& name, const std::string& source) {
+        return sources_.emplace(text::lower_case(name), source).second;
+    }
+
+  private:
+    std::map<std::string, std::string> sources_;
+};
+
+void add_footage(ZipFile& archive, const std::string& top, Names& names, Handover& handover) {
+    for (Footage& footage : handover.footage) {
+        if (footage.kind == FootageKind::placeholder) {
+            continue;
+        }
+        const std::string folder = folder_of(footage.path);
+        const std::vector<std::string> files = present_names(footage);
+        const std::string place = names.place(folder, files);
+        for (const std::string& name : files) {
+            const std::string source = os::text_of(os::path_of(folder) / os::path_of(name));
+            if (names.take(place + name, folder + "/" + name)) {
+                archive.add_file(top + place + name, source);
+            }
+        }
+        footage.path = place + name_of(footage.path);
+    }
+}
+
+std::string check_report(const SceneReading& reading) {
+    std::string report;
+    for (const Diagnostic& warning : scene_warnings(reading)) {
+        report += diagnostic_text(warning, Paint(false));
+    }
+    return report.empty() ? "vxr check finds nothing to say about this scene.\n" : report;
+}
+
+}  // namespace
+
+void write_script_package(const SceneReading& reading, const Handover& handover, const FoundBundle& bundle,
+                          const HandoverFormatOptions& options, const std::string& path) {
+    if (os::file_state(path).kind != os::FileKind::missing) {
+        throw std::runtime_error(path + " exists; a package is only written anew");
+    }
+    std::string reason;
+    auto replacement = os::ReplacementFile::create(path, reason);
+    if (!replacement) {
+        throw std::runtime_error("cannot write " + reason);
+    }
+    const std::string scene_name = name_of(reading.file);
+    const std::string stem = os::text_of(os::path_of(scene_name).stem());
+    const std::string top = stem + "/";
+    Names names;
+    for (const std::string& own :
+         {scene_name, stem + ".jsx", std::string("check.txt"), std::string("proof.json")}) {
+        names.take(own, "");
+    }
+    ZipFile archive(replacement->temporary_path());
+    Handover packed = handover;
+    packed.shot.file = scene_name;
+    add_footage(archive, top, names, packed);
+
+    handover::JsxOptions script_options;
+    script_options.undo_safe = options.undo_safe;
+    std::string script;
+    handover::write_jsx(packed, script_options, [&](std::string_view piece) { script += piece; });
+    archive.add_bytes(top + stem + ".jsx", script);
+    archive.add_file(top + scene_name, reading.full_path);
+    archive.add_bytes(top + "check.txt", check_report(reading));
+    archive.add_bytes(top + "proof.json", json_text_of(proof_document(prove(reading, bundle, {}))));
+    archive.close();
+    if (!replacement->put_in_place(reason)) {
+        throw std::runtime_error("cannot write " + reason);
+    }
+}
+
+}  // namespace cli
