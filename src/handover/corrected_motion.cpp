@@ -297,7 +297,8 @@ class MotionMaker {
                                 : keyed(append_aim, Property::anchor));
         if (!varies(path_, &Pose::bank)) {
             add_constant(Property::orientation, {0, 0, path_.keys().front().pose.bank});
-        } else if (run_.wants(Correction::turns)) {
+        } else if (run_.wants(Correction::turns) && object_.kind == ObjectKind::camera) {
+            // Lights have no rotations, and nobody sees one turn about its own axis.
             add_constant(Property::orientation, {0, 0, 0});
             add_angle(Property::rotate_z, &Pose::bank, 1);
         } else {

@@ -14,7 +14,7 @@ constexpr std::array<CorrectionInfo, kCorrections> kCorrectionRows{{
     {Correction::plate_frames, "plate-frames",
      "The plug-in shows the first file of a sequence at the layer's start, whatever its number."},
     {Correction::linear_keys, "linear-keys",
-     "After Effects moves what has no more than keys along curves; the scene moves it straight."},
+     "After Effects moves layers along curves from key to key; the scene moves them straight."},
     {Correction::turns, "turns",
      "Angles that are written from -180 to 180 jump by a whole turn, and a cut is no turn at all."},
     {Correction::upright_aim, "upright-aim",

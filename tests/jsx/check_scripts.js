@@ -1,6 +1,6 @@
 // Runs every script of a folder in the stand-in for After Effects, twice, and compares the project with that of the embedded
 // host: check_scripts.js NODE_MODULES FOLDER. FOLDER has SCENE.jsx and SCENE.json (of `vxr import --json`) beside each other,
-// and a list "scenes.txt" of the scenes' files, a line each.
+// SCENE.corrected.jsx, which is run and not compared, and a list "scenes.txt" of the scenes' files, a line each.
 "use strict";
 
 const fs = require("fs");
@@ -35,19 +35,17 @@ function filesAround(scene, project) {
     return files;
 }
 
-function check(scene) {
-    const stem = path.basename(scene, ".aec");
-    const text = fs.readFileSync(path.join(folder, stem + ".jsx"), "latin1");
+// Runs one script twice. `compare` adds what is wrong with the project after the first run.
+function runTwice(scene, project, name, compare) {
+    const text = fs.readFileSync(path.join(folder, name), "latin1");
     const failures = [];
     if (/[^\n\x20-\x7e]/.test(text)) {
         failures.push("the script is not printable ASCII");
     }
     acorn.parse(text, { ecmaVersion: 3, allowReserved: false });
-    const document = JSON.parse(fs.readFileSync(path.join(folder, stem + ".json"), "utf8"));
-    const project = document.project || document;
-    const host = makeHost({ files: filesAround(scene, project), script: uri(path.join(folder, stem + ".jsx")), startAtTime: 1.5 });
+    const host = makeHost({ files: filesAround(scene, project), script: uri(path.join(folder, name)), startAtTime: 1.5 });
     host.run(text);
-    failures.push(...differences(host, project).slice(0, 10));
+    compare(host, failures);
     if (host.state.undo.length !== 1 || host.state.alerts.length !== 1) {
         failures.push(`${host.state.undo.length} undo groups and ${host.state.alerts.length} summaries, not one of each`);
     }
@@ -58,7 +56,23 @@ function check(scene) {
     if (host.state.changes !== before || !/has not changed: 0 of/.test(host.state.alerts[1])) {
         failures.push(`the second run made ${host.state.changes - before} changes: ${host.state.alerts[1]}`);
     }
-    return failures;
+    return failures.map((failure) => `${name}: ${failure}`);
+}
+
+function check(scene) {
+    const stem = path.basename(scene, ".aec");
+    const document = JSON.parse(fs.readFileSync(path.join(folder, stem + ".json"), "utf8"));
+    const project = document.project || document;
+    return [
+        ...runTwice(scene, project, stem + ".jsx", (host, failures) => failures.push(...differences(host, project).slice(0, 10))),
+        ...runTwice(scene, project, stem + ".corrected.jsx", (host, failures) => {
+            const layers = host.state.items.reduce((sum, item) => sum + (item.layers ? item.layers.length : 0), 0);
+            const expected = project.compositions.reduce((sum, composition) => sum + composition.layers.length, 0);
+            if (layers !== expected) {
+                failures.push(`${layers} layers, and the plug-in makes ${expected}`);
+            }
+        }),
+    ];
 }
 
 const scenes = fs.readFileSync(path.join(folder, "scenes.txt"), "utf8").split("\n").filter(Boolean);

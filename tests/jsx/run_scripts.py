@@ -75,6 +75,7 @@ def main():
         def write(scene):
             run([vxr, "export", "--to", "jsx", "--as", "imported", "--bundle", bundle, "-o", output / (scene.stem + ".jsx"), scene],
                 (0, 4))
+            run([vxr, "export", "--to", "jsx", "--bundle", bundle, "-o", output / (scene.stem + ".corrected.jsx"), scene], (0, 4))
             (output / (scene.stem + ".json")).write_text(run([vxr, "import", "--json", "--bundle", bundle, scene], (0, 4)))
 
         with ThreadPoolExecutor(2) as workers:

@@ -65,8 +65,8 @@ class Panel {
         const double factor = exaggeration();
         line(camera_.name + ", frame " + text::plain_number(camera_.picture_frame) +
                  (factor > 1 ? ": errors are drawn " + text::plain_number(factor) + " times as large" : ""),
-             "#000000", true);
-        line("the scene's own camera: rings", "#000000", false);
+             nullptr, true);
+        line("the scene's own camera: rings", nullptr, false);
         for (std::size_t i = 0; i < camera_.targets.size(); ++i) {
             const proof::TargetResult& target = camera_.targets[i];
             line(target.target + ": " +
@@ -113,17 +113,33 @@ class Panel {
         return std::max(1.0, std::pow(10.0, std::floor(std::log10(kLongest / (longest * scale_)))));
     }
 
-    void line(const std::string& text, const char* colour, bool heading) {
+    // A line of text, with a dot of the colour before it if there is one: not every colour can be read as
+    // text.
+    void line(const std::string& text, const char* dot, bool heading) {
         top_ += kLine;
-        out_ << "<text x=\"" << at(kMargin) << "\" y=\"" << at(top_) << "\" fill=\"" << colour << '"'
+        constexpr double kDot = 4;
+        constexpr double kIndent = 14;
+        if (dot != nullptr) {
+            out_ << "<circle cx=\"" << at(kMargin + kDot) << "\" cy=\"" << at(top_ - kDot) << "\" r=\""
+                 << at(kDot) << "\" fill=\"" << dot << "\"/>\n";
+        }
+        out_ << "<text x=\"" << at(kMargin + (dot != nullptr ? kIndent : 0)) << "\" y=\"" << at(top_) << '"'
              << (heading ? " font-weight=\"bold\"" : "") << '>' << markup_text(text) << "</text>\n";
+    }
+
+    // Points far outside would lie on the text.
+    [[nodiscard]] bool is_in_panel(const proof::Landing& truth) const {
+        constexpr double kBeyond = 8;
+        const double x = truth.x_px * scale_;
+        const double y = truth.y_px * scale_;
+        return x > -kBeyond && x < kWidth + kBeyond && y > -kBeyond && y < height_ + kBeyond;
     }
 
     [[nodiscard]] double x_of(double px) const { return kMargin + px * scale_; }
     [[nodiscard]] double y_of(double px) const { return top_ + px * scale_; }
 
     void draw_point(const proof::PicturePoint& point, double factor) {
-        if (!point.truth.seen) {
+        if (!point.truth.seen || !is_in_panel(point.truth)) {
             return;
         }
         out_ << "<circle cx=\"" << at(x_of(point.truth.x_px)) << "\" cy=\"" << at(y_of(point.truth.y_px))

@@ -66,6 +66,10 @@ std::vector<std::string> present_names(const Footage& footage) {
     return names;
 }
 
+std::string file_in(const std::string& folder, const std::string& name) {
+    return os::text_of(os::path_of(folder) / os::path_of(name));
+}
+
 // The names in the package, which differ also where letter case does not count, and the files that have been
 // added.
 class Names {
@@ -74,11 +78,11 @@ class Names {
     // taken by another file.
     std::string place(const std::string& source_folder, const std::vector<std::string>& names) {
         for (int number = 1;; ++number) {
-            const std::string place = number == 1 ? "" : std::to_string(number) + "/";
+            std::string place = number == 1 ? "" : std::to_string(number) + "/";
             bool free = true;
             for (const std::string& name : names) {
-                const auto taken = sources_.find(text::lower_case(place + name));
-                free = free && (taken == sources_.end() || taken->second == source_folder + "/" + name);
+                const auto taken = sources_.find(text::lower_case(file_in(place, name)));
+                free = free && (taken == sources_.end() || taken->second == file_in(source_folder, name));
             }
             if (free) {
                 return place;
@@ -104,9 +108,11 @@ void add_footage(ZipFile& archive, const std::string& top, Names& names, Handove
         const std::vector<std::string> files = present_names(footage);
         const std::string place = names.place(folder, files);
         for (const std::string& name : files) {
-            const std::string source = os::text_of(os::path_of(folder) / os::path_of(name));
-            if (names.take(place + name, folder + "/" + name)) {
-                archive.add_file(top + place + name, source);
+            const std::string source = file_in(folder, name);
+            std::string packed = place;
+            packed += name;
+            if (names.take(packed, source)) {
+                archive.add_file(packed.insert(0, top), source);
             }
         }
         footage.path = place + name_of(footage.path);

@@ -62,10 +62,9 @@ LayerValue on_curve(const LayerValue& a, const LayerValue& b, const LayerValue& 
     const LayerValue arriving = sum(c, -kHandlePart, sum(d, -1, b));
     std::array<LayerValue, kCurveSteps + 1> points;
     std::array<double, kCurveSteps + 1> lengths;
-    for (int step = 0; step <= kCurveSteps; ++step) {
-        const double t = static_cast<double>(step) / kCurveSteps;
+    for (std::size_t i = 0; i < points.size(); ++i) {
+        const double t = static_cast<double>(i) / kCurveSteps;
         const double s = 1 - t;
-        const auto i = static_cast<std::size_t>(step);
         LayerValue point{};
         point = sum(point, s * s * s, b);
         point = sum(point, 3 * s * s * t, leaving);
