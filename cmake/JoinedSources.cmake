@@ -2,7 +2,7 @@
 
 # Sources per joined file. With eight the tools took twice as long, because every joined file instantiates the
 # libraries' templates again.
-set(VXR_JOINED_SOURCES 24)
+set(VXR_JOINED_SOURCES 24 CACHE STRING "Sources per joined file")
 
 # vxr_joined(TARGET): joins the sources of a library by concatenation, so names in their unnamed namespaces must
 # differ within one target.

@@ -12,7 +12,6 @@ namespace {
 
 using handover::Handover;
 using handover::Sink;
-using handover::Target;
 
 handover::Scene3dOptions scene3d_options(const HandoverFormatOptions& options) {
     handover::Scene3dOptions made;
@@ -36,22 +35,22 @@ void write_script(const Handover& handover, const HandoverFormatOptions& options
 }
 
 constexpr Writer kWriters[] = {
-    {{"jsx", ".jsx", Target::jsx}, write_script, nullptr},
-    {{"gltf", ".gltf", Target::gltf},
+    {{"jsx", ".jsx", handover::Target::jsx}, write_script, nullptr},
+    {{"gltf", ".gltf", handover::Target::gltf},
      [](const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
          handover::write_gltf(handover, scene3d_options(options), out);
      },
      [](const Handover& handover, const HandoverFormatOptions& options) {
          return handover::gltf_losses(handover, scene3d_options(options));
      }},
-    {{"glb", ".glb", Target::gltf},
+    {{"glb", ".glb", handover::Target::gltf},
      [](const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
          handover::write_glb(handover, scene3d_options(options), out);
      },
      [](const Handover& handover, const HandoverFormatOptions& options) {
          return handover::gltf_losses(handover, scene3d_options(options));
      }},
-    {{"usda", ".usda", Target::usda},
+    {{"usda", ".usda", handover::Target::usda},
      [](const Handover& handover, const HandoverFormatOptions& options, const Sink& out) {
          handover::write_usda(handover, scene3d_options(options), out);
      },

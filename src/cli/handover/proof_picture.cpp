@@ -13,14 +13,14 @@ namespace cli {
 namespace {
 
 // Okabe's and Ito's colours, which differ for every kind of sight. Without black, which is the scene's.
-constexpr std::array<const char*, 6> kColours{"#d55e00", "#0072b2", "#009e73",
-                                              "#cc79a7", "#e69f00", "#56b4e9"};
+constexpr std::array<const char*, 6> kTargetColours{"#d55e00", "#0072b2", "#009e73",
+                                                    "#cc79a7", "#e69f00", "#56b4e9"};
 
-constexpr double kWidth = 960;
-constexpr double kMargin = 24;
-constexpr double kLine = 20;
+constexpr double kPanelWidth = 960;
+constexpr double kPanelMargin = 24;
+constexpr double kTextLine = 20;
 // The longest line is this long, unless it is longer by itself.
-constexpr double kLongest = 60;
+constexpr double kLongestLine = 60;
 
 std::string markup_text(std::string_view text) {
     std::string safe;
@@ -58,7 +58,11 @@ std::string at(double number) {
 class Panel {
   public:
     Panel(std::ostream& out, const proof::CameraResult& camera, double width_px, double height_px, double top)
-        : out_(out), camera_(camera), scale_(kWidth / width_px), height_(height_px * scale_), top_(top) {}
+        : out_(out),
+          camera_(camera),
+          scale_(kPanelWidth / width_px),
+          height_(height_px * scale_),
+          top_(top) {}
 
     // Returns where the next panel begins.
     double draw() {
@@ -75,17 +79,19 @@ class Panel {
                                              : target.problem),
                  colour(i), false);
         }
-        top_ += kLine / 2;
-        out_ << "<rect x=\"" << at(kMargin) << "\" y=\"" << at(top_) << "\" width=\"" << at(kWidth)
+        top_ += kTextLine / 2;
+        out_ << "<rect x=\"" << at(kPanelMargin) << "\" y=\"" << at(top_) << "\" width=\"" << at(kPanelWidth)
              << "\" height=\"" << at(height_) << "\" fill=\"#f4f4f4\" stroke=\"#808080\"/>\n";
         for (const proof::PicturePoint& point : camera_.picture) {
             draw_point(point, factor);
         }
-        return top_ + height_ + 2 * kMargin;
+        return top_ + height_ + 2 * kPanelMargin;
     }
 
   private:
-    static const char* colour(std::size_t target) { return kColours.at(target % kColours.size()); }
+    static const char* colour(std::size_t target) {
+        return kTargetColours.at(target % kTargetColours.size());
+    }
 
     // Digits beyond these say nothing to people.
     static double rounded(double px) { return std::round(px * 1e4) / 1e4; }
@@ -110,21 +116,21 @@ class Panel {
         if (longest < kLeast_px) {
             return 1;
         }
-        return std::max(1.0, std::pow(10.0, std::floor(std::log10(kLongest / (longest * scale_)))));
+        return std::max(1.0, std::pow(10.0, std::floor(std::log10(kLongestLine / (longest * scale_)))));
     }
 
     // A line of text, with a dot of the colour before it if there is one: not every colour can be read as
     // text.
     void line(const std::string& text, const char* dot, bool heading) {
-        top_ += kLine;
+        top_ += kTextLine;
         constexpr double kDot = 4;
         constexpr double kIndent = 14;
         if (dot != nullptr) {
-            out_ << "<circle cx=\"" << at(kMargin + kDot) << "\" cy=\"" << at(top_ - kDot) << "\" r=\""
+            out_ << "<circle cx=\"" << at(kPanelMargin + kDot) << "\" cy=\"" << at(top_ - kDot) << "\" r=\""
                  << at(kDot) << "\" fill=\"" << dot << "\"/>\n";
         }
-        out_ << "<text x=\"" << at(kMargin + (dot != nullptr ? kIndent : 0)) << "\" y=\"" << at(top_) << '"'
-             << (heading ? " font-weight=\"bold\"" : "") << '>' << markup_text(text) << "</text>\n";
+        out_ << "<text x=\"" << at(kPanelMargin + (dot != nullptr ? kIndent : 0)) << "\" y=\"" << at(top_)
+             << '"' << (heading ? " font-weight=\"bold\"" : "") << '>' << markup_text(text) << "</text>\n";
     }
 
     // Points far outside would lie on the text.
@@ -132,10 +138,10 @@ class Panel {
         constexpr double kBeyond = 8;
         const double x = truth.x_px * scale_;
         const double y = truth.y_px * scale_;
-        return x > -kBeyond && x < kWidth + kBeyond && y > -kBeyond && y < height_ + kBeyond;
+        return x > -kBeyond && x < kPanelWidth + kBeyond && y > -kBeyond && y < height_ + kBeyond;
     }
 
-    [[nodiscard]] double x_of(double px) const { return kMargin + px * scale_; }
+    [[nodiscard]] double x_of(double px) const { return kPanelMargin + px * scale_; }
     [[nodiscard]] double y_of(double px) const { return top_ + px * scale_; }
 
     void draw_point(const proof::PicturePoint& point, double factor) {
@@ -154,8 +160,8 @@ class Panel {
             out_ << "<path d=\"M" << at(x_of(point.truth.x_px)) << ' ' << at(y_of(point.truth.y_px)) << 'L'
                  << at(x_of(x)) << ' ' << at(y_of(y)) << "\" stroke=\"" << colour(i) << "\"/><circle cx=\""
                  << at(x_of(x)) << "\" cy=\"" << at(y_of(y)) << "\" r=\""
-                 << at(2.5 - 0.3 * static_cast<double>(i % kColours.size())) << "\" fill=\"" << colour(i)
-                 << "\"/>\n";
+                 << at(2.5 - 0.3 * static_cast<double>(i % kTargetColours.size())) << "\" fill=\""
+                 << colour(i) << "\"/>\n";
         }
     }
 
@@ -170,7 +176,7 @@ class Panel {
 
 std::string proof_picture(const ProofRun& run) {
     std::ostringstream panels;
-    double bottom = kMargin;
+    double bottom = kPanelMargin;
     const bool has_cameras =
         run.result && !run.result->cameras.empty() && run.width_px > 0 && run.height_px > 0;
     if (has_cameras) {
@@ -178,11 +184,11 @@ std::string proof_picture(const ProofRun& run) {
             bottom = Panel(panels, camera, run.width_px, run.height_px, bottom).draw();
         }
     } else {
-        panels << "<text x=\"" << at(kMargin) << "\" y=\"" << at(bottom + kLine) << "\">"
+        panels << "<text x=\"" << at(kPanelMargin) << "\" y=\"" << at(bottom + kTextLine) << "\">"
                << markup_text(run.file + " has no camera to compare") << "</text>\n";
-        bottom += 2 * kLine;
+        bottom += 2 * kTextLine;
     }
-    const std::string size = at(kWidth + 2 * kMargin) + "\" height=\"" + at(bottom);
+    const std::string size = at(kPanelWidth + 2 * kPanelMargin) + "\" height=\"" + at(bottom);
     return "<svg xmlns=\"http://www.w3.org/2000/svg\" width=\"" + size +
            "\" font-family=\"sans-serif\" font-size=\"14\">\n<title>" +
            markup_text("Where " + run.file + " puts test points, and where others do") +

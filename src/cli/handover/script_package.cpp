@@ -20,15 +20,11 @@
 namespace cli {
 namespace {
 
-using handover::Footage;
-using handover::FootageKind;
-using handover::Handover;
-
-std::string folder_of(const std::string& path) {
+std::string footage_folder(const std::string& path) {
     return os::text_of(os::path_of(path).parent_path());
 }
 
-std::string name_of(const std::string& path) {
+std::string last_name(const std::string& path) {
     return os::text_of(os::path_of(path).filename());
 }
 
@@ -51,13 +47,13 @@ bool is_used(const handover::NumberedFiles& files, const std::string& name) {
 
 // The files of the footage that exist, by their names. The folder is listed, because numbers may lie far
 // apart.
-std::vector<std::string> present_names(const Footage& footage) {
+std::vector<std::string> present_names(const handover::Footage& footage) {
     std::vector<std::string> names;
-    if (footage.kind != FootageKind::sequence || !footage.files) {
-        names.push_back(name_of(footage.path));
+    if (footage.kind != handover::FootageKind::sequence || !footage.files) {
+        names.push_back(last_name(footage.path));
         return names;
     }
-    for (const os::FolderEntry& entry : os::entries_in(folder_of(footage.path))) {
+    for (const os::FolderEntry& entry : os::entries_in(footage_folder(footage.path))) {
         if (entry.kind == os::FileKind::regular && is_used(*footage.files, entry.name)) {
             names.push_back(entry.name);
         }
@@ -72,7 +68,7 @@ std::string file_in(const std::string& folder, const std::string& name) {
 
 // The names in the package, which differ also where letter case does not count, and the files that have been
 // added.
-class Names {
+class PackedNames {
   public:
     // Where the files of one folder go: beside the script, or into a numbered folder if one of their names is
     // taken by another file.
@@ -99,12 +95,12 @@ class Names {
     std::map<std::string, std::string> sources_;
 };
 
-void add_footage(ZipFile& archive, const std::string& top, Names& names, Handover& handover) {
-    for (Footage& footage : handover.footage) {
-        if (footage.kind == FootageKind::placeholder) {
+void add_footage(ZipFile& archive, const std::string& top, PackedNames& names, handover::Handover& handover) {
+    for (handover::Footage& footage : handover.footage) {
+        if (footage.kind == handover::FootageKind::placeholder) {
             continue;
         }
-        const std::string folder = folder_of(footage.path);
+        const std::string folder = footage_folder(footage.path);
         const std::vector<std::string> files = present_names(footage);
         const std::string place = names.place(folder, files);
         for (const std::string& name : files) {
@@ -115,7 +111,7 @@ void add_footage(ZipFile& archive, const std::string& top, Names& names, Handove
                 archive.add_file(packed.insert(0, top), source);
             }
         }
-        footage.path = place + name_of(footage.path);
+        footage.path = place + last_name(footage.path);
     }
 }
 
@@ -129,8 +125,9 @@ std::string check_report(const SceneReading& reading) {
 
 }  // namespace
 
-void write_script_package(const SceneReading& reading, const Handover& handover, const FoundBundle& bundle,
-                          const HandoverFormatOptions& options, const std::string& path) {
+void write_script_package(const SceneReading& reading, const handover::Handover& handover,
+                          const FoundBundle& bundle, const HandoverFormatOptions& options,
+                          const std::string& path) {
     if (os::file_state(path).kind != os::FileKind::missing) {
         throw std::runtime_error(path + " exists; a package is only written anew");
     }
@@ -139,16 +136,16 @@ void write_script_package(const SceneReading& reading, const Handover& handover,
     if (!replacement) {
         throw std::runtime_error("cannot write " + reason);
     }
-    const std::string scene_name = name_of(reading.file);
+    const std::string scene_name = last_name(reading.file);
     const std::string stem = os::text_of(os::path_of(scene_name).stem());
     const std::string top = stem + "/";
-    Names names;
+    PackedNames names;
     for (const std::string& own :
          {scene_name, stem + ".jsx", std::string("check.txt"), std::string("proof.json")}) {
         names.take(own, "");
     }
     ZipFile archive(replacement->temporary_path());
-    Handover packed = handover;
+    handover::Handover packed = handover;
     packed.shot.file = scene_name;
     add_footage(archive, top, names, packed);
 
