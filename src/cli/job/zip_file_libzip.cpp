@@ -12,17 +12,15 @@
 #include "system/open_regular_file.h"
 
 namespace cli {
-namespace {
-
 // Where the archive goes. The library's own way is a second temporary file that only it knows, which a signal
-// would leave behind.
-struct Target {
-    explicit Target(const std::string& path) : file(os::open_file_to_write(path.c_str())) {
+// would leave behind. Named, because a member of ZipFile::State has this type.
+struct ZipTarget {
+    explicit ZipTarget(const std::string& path) : file(os::open_file_to_write(path.c_str())) {
         zip_error_init(&error);
     }
-    Target(const Target&) = delete;
-    Target& operator=(const Target&) = delete;
-    ~Target() { zip_error_fini(&error); }
+    ZipTarget(const ZipTarget&) = delete;
+    ZipTarget& operator=(const ZipTarget&) = delete;
+    ~ZipTarget() { zip_error_fini(&error); }
 
     zip_int64_t fail(int code) {
         zip_error_set(&error, code, errno);
@@ -33,7 +31,9 @@ struct Target {
     zip_error_t error{};
 };
 
-zip_int64_t seek(Target& target, void* data, zip_uint64_t length) {
+namespace {
+
+zip_int64_t seek(ZipTarget& target, void* data, zip_uint64_t length) {
     const zip_int64_t at = std::ftell(target.file.get());
     if (at < 0 || std::fseek(target.file.get(), 0, SEEK_END) != 0) {
         return target.fail(ZIP_ER_SEEK);
@@ -46,7 +46,7 @@ zip_int64_t seek(Target& target, void* data, zip_uint64_t length) {
 
 // What the library asks of the place that it writes to, which is empty for it until everything is written.
 zip_int64_t answer(void* user, void* data, zip_uint64_t length, zip_source_cmd_t command) {
-    Target& target = *static_cast<Target*>(user);
+    ZipTarget& target = *static_cast<ZipTarget*>(user);
     switch (command) {
         case ZIP_SOURCE_SUPPORTS:
             return zip_source_make_command_bitmap(
@@ -109,7 +109,7 @@ struct ZipFile::State {
         return static_cast<zip_uint64_t>(index);
     }
 
-    Target target;
+    ZipTarget target;
     zip_t* archive = nullptr;
 };
 
