@@ -7,67 +7,19 @@
 namespace handover {
 namespace {
 
-// Enough for every frame of three hours, and half an hour's at eighths. Beyond it, a scene asks for more than
-// anyone looks at, and the rest is told as too fast.
+// Enough for every frame of three hours, and for minutes at the smallest step. What is left beyond it counts
+// as too fast.
 constexpr std::size_t kMostPoses = 1'500'000;
 // The smallest part of a frame at which a pose is added.
 constexpr double kLeastStep_frames = 1.0 / 32;
-// A turn beyond this is divided, whatever the curve: at chosen moments, a curve that misses whole turns looks
-// right.
+// A larger turn is always divided: a curve that leaves out whole turns looks right at the moments that are
+// compared.
 constexpr double kMostTurn_degrees = 90;
-
-double short_way(double degrees) {
-    return std::remainder(degrees, 360.0);
-}
 
 bool is_finite(const ObjectKey& key) {
     const double numbers[] = {key.position[0], key.position[1], key.position[2], key.heading,
                               key.pitch,       key.bank,        key.view_angle};
     return std::all_of(std::begin(numbers), std::end(numbers), [](double one) { return std::isfinite(one); });
-}
-
-std::array<double, 3> view_of(const TimedPose& pose) {
-    constexpr double kRadians = 3.14159265358979323846 / 180;
-    const double h = pose.heading * kRadians;
-    const double p = pose.pitch * kRadians;
-    return {-std::cos(p) * std::sin(h), std::sin(p), std::cos(p) * std::cos(h)};
-}
-
-// The angle between two views, precise for small ones.
-double turn_degrees(const TimedPose& a, const TimedPose& b) {
-    constexpr double kDegrees = 180 / 3.14159265358979323846;
-    const auto va = view_of(a);
-    const auto vb = view_of(b);
-    const double apart = std::hypot(va[0] - vb[0], va[1] - vb[1], va[2] - vb[2]);
-    return 2 * std::asin(std::min(1.0, apart / 2)) * kDegrees;
-}
-
-bool is_cut(const TimedPose& a, const TimedPose& b, double cut_angle_degrees) {
-    return turn_degrees(a, b) > cut_angle_degrees || std::abs(b.bank - a.bank) > cut_angle_degrees;
-}
-
-TimedPose pose_of(const ObjectKey& key) {
-    return {static_cast<double>(key.frame),
-            key.position,
-            key.heading,
-            key.pitch,
-            key.bank,
-            key.view_angle,
-            false};
-}
-
-// `next` with the angles that follow on `last`, which was continued from `written`.
-TimedPose continued_pose(const TimedPose& last, const TimedPose& written, const TimedPose& next,
-                         bool neighbours) {
-    const auto way = [neighbours](double from, double to) {
-        const double straight = to - from;
-        return neighbours ? short_way(straight) : straight;
-    };
-    TimedPose pose = next;
-    pose.heading = last.heading + way(written.heading, next.heading);
-    pose.pitch = last.pitch + way(written.pitch, next.pitch);
-    pose.bank = last.bank + way(written.bank, next.bank);
-    return pose;
 }
 
 double turned(const TimedPose& a, const TimedPose& b) {
@@ -158,45 +110,35 @@ class Cone {
 }  // namespace
 
 TimedPose between(const TimedPose& a, const TimedPose& b, double part) {
-    const auto mix = [part](double from, double to) { return from + part * (to - from); };
-    TimedPose pose;
-    pose.frame = mix(a.frame, b.frame);
-    for (std::size_t i = 0; i < 3; ++i) {
-        pose.position[i] = mix(a.position[i], b.position[i]);
-    }
-    pose.heading = mix(a.heading, b.heading);
-    pose.pitch = mix(a.pitch, b.pitch);
-    pose.bank = mix(a.bank, b.bank);
-    pose.view_angle = mix(a.view_angle, b.view_angle);
-    return pose;
+    return {pose_between(a, b, part), a.frame + part * (b.frame - a.frame)};
 }
 
 Motion motion_of(const SceneObject& object, double cut_angle_degrees, const IsClose& is_close) {
     Motion motion;
+    const auto is_left_out = [](const ObjectKey& key) { return !is_finite(key); };
+    SceneObject finite;
+    motion.left_out =
+        static_cast<std::size_t>(std::count_if(object.keys.begin(), object.keys.end(), is_left_out));
+    if (motion.left_out > 0) {
+        finite = object;
+        std::erase_if(finite.keys, is_left_out);
+    }
+    const MotionPath path(motion.left_out > 0 ? finite : object, true, cut_angle_degrees);
     Divider divider(motion, is_close);
-    TimedPose written;
-    for (const ObjectKey& key : object.keys) {
-        if (!is_finite(key)) {
-            ++motion.left_out;
-            continue;
+    bool cut = false;
+    for (const PathKey& key : path.keys()) {
+        const TimedPose next{key.pose, static_cast<double>(key.frame)};
+        if (cut) {
+            motion.poses.push_back(motion.poses.back());
+            motion.poses.back().frame = next.frame;
+            motion.poses.back().before_cut = true;
         }
-        const TimedPose next = pose_of(key);
-        if (motion.poses.empty()) {
+        if (cut || motion.poses.empty()) {
             motion.poses.push_back(next);
         } else {
-            const TimedPose last = motion.poses.back();
-            const bool neighbours = next.frame - written.frame == 1;
-            const TimedPose continued = continued_pose(last, written, next, neighbours);
-            if (neighbours && is_cut(last, continued, cut_angle_degrees)) {
-                motion.poses.push_back(last);
-                motion.poses.back().frame = next.frame;
-                motion.poses.back().before_cut = true;
-                motion.poses.push_back(continued);
-            } else {
-                divider.go_to(continued);
-            }
+            divider.go_to(next);
         }
-        written = next;
+        cut = key.holds;
     }
     return motion;
 }

@@ -9,18 +9,14 @@
 #include <vector>
 
 #include "handover/handover.h"
+#include "handover/motion_path.h"
 
 namespace handover {
 
-/// Where an object is and how it is turned, in the scene's axes and degrees. Angles are continuous from
-/// sample to sample: they may lie outside one turn.
-struct TimedPose {
+/// A pose at a moment of the scene's timeline. Angles are continuous from pose to pose: they may lie outside
+/// one turn.
+struct TimedPose : Pose {
     double frame = 0;
-    std::array<double, 3> position{};
-    double heading = 0;
-    double pitch = 0;
-    double bank = 0;
-    double view_angle = 0;
     bool before_cut = false;  ///< the last moment before `frame`, at which the object is elsewhere
 };
 
