@@ -10,6 +10,7 @@
 #include "cli/report/tool_code.h"
 #include "cli/scene/scene_check.h"
 #include "embedded/project_json.h"
+#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -130,6 +131,16 @@ ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& option
         add_notes(run, host, options);
     }
     return run;
+}
+
+void add_import_reads(const SceneReading& reading, const FoundBundle& bundle, FileRoles& roles) {
+    roles.reads(reading.input ? reading.full_path : reading.file);
+    if (bundle.error.empty()) {
+        roles.reads(os::text_of(bundle.path), "the plug-in");
+    }
+    for (const std::string& footage : footage_files(reading)) {
+        roles.reads(footage, "footage of " + reading.file);
+    }
 }
 
 embedded::Project with_decoded_names(embedded::Project project, ByteEncoding encoding) {

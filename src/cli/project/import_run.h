@@ -7,6 +7,7 @@
 #include "cli/project/host_setup.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
+#include "cli/terminal/file_roles.h"
 #include "embedded/host.h"
 #include "embedded/json_values.h"
 #include "host/byte_encoding.h"
@@ -32,6 +33,9 @@ struct ImportRun {
 /// `host`, which was made with `options`.
 ImportRun import_scene(embedded::Host& host, const embedded::HostOptions& options, const FoundBundle& bundle,
                        const SceneReading& reading);
+
+/// Adds what an import of the scene reads: the scene, its footage, and the plug-in if one was found.
+void add_import_reads(const SceneReading& reading, const FoundBundle& bundle, FileRoles& roles);
 
 /// The project's document with two more members at its end: "discipline", and "import" with
 /// {"file","exit_code","finished","importable","result","missing_suite","problems","notes",

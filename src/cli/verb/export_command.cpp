@@ -19,6 +19,7 @@
 #include "cli/job/relinked_copy.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
+#include "cli/project/import_run.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/file_roles.h"
 #include "cli/terminal/output_file.h"
@@ -356,27 +357,15 @@ class ExportCommand : public Command {
         return made;
     }
 
-    // Before the first output is made.
-    void add_reads(const Read& read, FileRoles& roles) const {
-        const SceneReading& original = read.original;
-        roles.reads(original.input ? original.full_path : original.file);
-        for (const std::string& footage : footage_files(read.reading())) {
-            roles.reads(footage, "footage of " + original.file);
-        }
-    }
-
     void export_all(const std::vector<std::string>& files, Terminal& terminal, ExitCode& code) {
         const HandoverFormat& format = *handover_format_named(to_);
         const std::vector<std::string> targets = outputs(files, format);
         std::optional<Read> first;  // a single scene is read once
         if (!list_losses_) {
             FileRoles roles;
-            if (bundle_found_.error.empty()) {
-                roles.reads(os::text_of(bundle_found_.path), "the plug-in");
-            }
             for (const std::string& file : files) {
                 first.emplace(read(file));
-                add_reads(*first, roles);
+                add_import_reads(first->reading(), bundle_found_, roles);
             }
             for (std::size_t i = 0; i < files.size(); ++i) {
                 if (const std::string refusal = roles.writes(targets[i], files[i]); !refusal.empty()) {

@@ -217,13 +217,7 @@ class ImportCommand : public Command {
             return;
         }
         FileRoles roles;
-        roles.reads(reading.input ? reading.full_path : reading.file);
-        if (bundle.error.empty()) {
-            roles.reads(os::text_of(bundle.path), "the plug-in");
-        }
-        for (const std::string& footage : footage_files(reading)) {
-            roles.reads(footage, "footage of " + reading.file);
-        }
+        add_import_reads(reading, bundle, roles);
         for (const auto& [path, option] : {std::pair(save_, "--save"), std::pair(log_, "--log")}) {
             const std::string refusal = path.empty() ? std::string() : roles.writes(path, option);
             if (!refusal.empty()) {

@@ -8,12 +8,11 @@
 #include "cli/handover/proof_run.h"
 #include "cli/options.h"
 #include "cli/project/host_setup.h"
+#include "cli/project/import_run.h"
 #include "cli/report/json_text.h"
-#include "cli/terminal/file_roles.h"
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
-#include "system/files.h"
 
 namespace cli {
 namespace {
@@ -66,13 +65,7 @@ class ProofCommand : public Command {
   private:
     void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle) const {
         FileRoles roles;
-        roles.reads(reading.input ? reading.full_path : reading.file);
-        if (bundle.error.empty()) {
-            roles.reads(os::text_of(bundle.path), "the plug-in");
-        }
-        for (const std::string& footage : footage_files(reading)) {
-            roles.reads(footage, "footage of " + reading.file);
-        }
+        add_import_reads(reading, bundle, roles);
         if (const std::string refusal = roles.writes(picture_, "--picture"); !refusal.empty()) {
             throw UsageError(refusal);
         }
