@@ -156,7 +156,10 @@ void write_script_package(const SceneReading& reading, const handover::Handover&
     archive.add_bytes(top + stem + ".jsx", script);
     archive.add_file(top + scene_name, reading.full_path);
     archive.add_bytes(top + "check.txt", check_report(reading));
-    archive.add_bytes(top + "proof.json", json_text_of(proof_document(prove(reading, bundle, {}))));
+    proof::ProofOptions proof_options;
+    proof_options.cut_angle_degrees = options.cut_angle_degrees;
+    archive.add_bytes(top + "proof.json",
+                      json_text_of(proof_document(prove(reading, bundle, proof_options))));
     archive.close();
     if (!replacement->put_in_place(reason)) {
         throw std::runtime_error("cannot write " + reason);
