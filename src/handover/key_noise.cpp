@@ -178,9 +178,10 @@ void drop_key_noise(CorrectionRun& run) {
                 const std::int64_t dropped = drop_noise(track, run.options.tolerance);
                 if (dropped > 0) {
                     run.changed(Correction::key_noise,
-                                "of " + std::to_string(keys) + " keys of one property of " +
-                                    text::quoted(layer.name) + ", " + std::to_string(dropped) +
-                                    " say nothing new",
+                                "of " + std::to_string(keys) + (keys == 1 ? " key" : " keys") +
+                                    " of one property of " + text::quoted(layer.name) + ", " +
+                                    std::to_string(dropped) + (dropped == 1 ? " says" : " say") +
+                                    " nothing new",
                                 dropped);
                 }
             }

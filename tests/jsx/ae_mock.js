@@ -864,10 +864,10 @@ function makeHost(options) {
             return definition.max !== undefined;
         });
         accessor(api, "minValue", function () {
-            return definition.min === undefined ? fail("minValue: there is none") : definition.min;
+            return definition.min === undefined ? fail("minValue: the property has no minimum") : definition.min;
         });
         accessor(api, "maxValue", function () {
-            return definition.max === undefined ? fail("maxValue: there is none") : definition.max;
+            return definition.max === undefined ? fail("maxValue: the property has no maximum") : definition.max;
         });
         api.setValue = function (value) {
             writable("setValue");

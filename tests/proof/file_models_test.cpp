@@ -100,7 +100,7 @@ TEST(GltfModel, RefusesWhatIsNotSound) {
         {"a chunk that is longer than the file",
          replaced(sound, word(64) + std::string("BIN\0", 4), word(65) + std::string("BIN\0", 4)),
          "a chunk is longer than the file"},
-        {"no JSON", glb("{", {}), "its JSON is none"},
+        {"no JSON", glb("{", {}), "its JSON does not parse"},
         {"more numbers than there are",
          hand_made_glb(replaced(kJson, R"("count":2,"type":"VEC4")", R"("count":3,"type":"VEC4")")),
          "an accessor goes beyond the data"},

@@ -29,7 +29,8 @@ void add_character(std::string& text, char32_t character) {
     add_unit(text, 0xDC00U + (rest & 0x3FFU));
 }
 
-// A surrogate in three bytes, as some systems write names that are not UTF-16. 0: there is none.
+// Reads a surrogate in three bytes, as some systems write names that are not UTF-16. Returns 0 for any other
+// text.
 unsigned surrogate_at(std::string_view text) {
     if (text.size() < 3) {
         return 0;

@@ -49,8 +49,8 @@ struct AfterEffectsRules {
 
 /// One camera of the handover, as if it were the only one. Refers to the handover, which outlives it.
 struct AfterEffectsCamera {
-    std::unique_ptr<Projector> projector;  ///< null when there is none
-    std::string problem;                   ///< why there is none, a sentence
+    std::unique_ptr<Projector> projector;  ///< null if nothing can be projected
+    std::string problem;                   ///< why `projector` is null, one sentence
 };
 
 /// The camera made from objects[object].

@@ -43,7 +43,7 @@ struct ProofTarget {
     std::string name;             ///< "corrected"
     bool judged = false;          ///< it is to say what the scene says, within kGoal_px
     std::vector<Cause> suspects;  ///< what `camera` can take away
-    /// The camera of an object without these causes; null, with the reason in `problem`, if there is none.
+    /// Returns the camera of an object with these causes taken away, or null and the reason in `problem`.
     std::function<std::unique_ptr<Projector>(std::size_t object, const std::set<Cause>& without,
                                              std::string& problem)>
         camera;

@@ -152,7 +152,7 @@ class ReadGltf : public GltfFile {
         data_ = chunks.data;
         document_ = GltfJson::parse(chunks.json, nullptr, false);
         if (!document_.is_object()) {
-            refuse_glb("its JSON is none");
+            refuse_glb("its JSON does not parse");
         }
         scale_ = document_.at("asset").at("extras").at("scale").get<double>();
         if (!(scale_ > 0)) {

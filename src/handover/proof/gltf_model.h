@@ -31,7 +31,7 @@ struct GltfRules {
 class GltfFile {
   public:
     virtual ~GltfFile() = default;
-    /// The camera of the node whose `extras` have this id. Null if there is none. The file outlives it.
+    /// The camera of the node whose `extras` have this id. Null if no node has it. The file outlives it.
     [[nodiscard]] virtual std::unique_ptr<Projector> camera(const std::string& id, const GltfPicture& picture,
                                                             const GltfRules& rules) const = 0;
     /// Where the node with this id is, in the scene's axes and units.

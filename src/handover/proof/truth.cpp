@@ -46,7 +46,7 @@ bool is_cut(const TruthKey& before, const TruthKey& after, double cut_angle_degr
     return cosine < std::cos(true_radians(cut_angle_degrees));
 }
 
-// The last key at or before a frame; the first key if there is none.
+// The last key at or before a frame; the first key for frames before it.
 std::size_t key_before(const TruthObject& object, double frame) {
     const auto after = std::upper_bound(
         object.keys.begin(), object.keys.end(), frame,

@@ -17,8 +17,8 @@ namespace proof {
 class UsdaFile {
   public:
     virtual ~UsdaFile() = default;
-    /// The camera whose "vxr:id" this is, in a picture of this size. Null if there is none. The file outlives
-    /// it.
+    /// The camera whose "vxr:id" this is, in a picture of this size. Null if no prim has it. The file
+    /// outlives it.
     [[nodiscard]] virtual std::unique_ptr<Projector> camera(const std::string& id, double width_px,
                                                             double height_px) const = 0;
     /// Where the object with this id is, in the scene's axes.
