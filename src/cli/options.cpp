@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "system/files.h"
+#include "text/plain_number.h"
 #include "text/similar.h"
 
 namespace cli {
@@ -234,6 +235,16 @@ Option& Option::range(int least, int most) {
     });
 }
 
+Option& Option::decimal_range(double least, double most) {
+    return check([least, most](const std::string& text) {
+        const std::optional<double> value = parse_option_decimal(text);
+        return value && *value >= least && *value <= most
+                   ? std::string()
+                   : '"' + text + "\" is not a number from " + text::plain_number(least) + " to " +
+                         text::plain_number(most);
+    });
+}
+
 Option& Option::check(Check check) {
     option_->check([check = std::move(check)](const std::string& text) { return check(text); });
     return *this;
@@ -365,6 +376,25 @@ Options OptionParser::options_of(const std::string& name) const {
 std::optional<int> parse_option_integer(const std::string& text) {
     int value = 0;
     return CLI::detail::lexical_cast(text, value) ? std::optional(value) : std::nullopt;
+}
+
+std::optional<double> parse_option_decimal(const std::string& text) {
+    constexpr std::size_t kMostDigits = 15;  // exact in a double, as are the powers of ten below
+    double digits = 0;
+    double scale = 1;
+    std::size_t count = 0;
+    bool after_point = false;
+    for (const char c : text) {
+        if (c == '.' && !after_point) {
+            after_point = true;
+        } else if (c >= '0' && c <= '9' && ++count <= kMostDigits) {
+            digits = digits * 10 + (c - '0');
+            scale *= after_point ? 10 : 1;
+        } else {
+            return std::nullopt;
+        }
+    }
+    return count > 0 ? std::optional(digits / scale) : std::nullopt;
 }
 
 }  // namespace cli

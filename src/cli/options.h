@@ -42,6 +42,8 @@ class Option {
     Option& count(int least, int most);
     Option& choices(const std::vector<std::string>& values);
     Option& range(int least, int most);
+    /// A decimal number, as parse_option_decimal reads it.
+    Option& decimal_range(double least, double most);
     Option& check(Check check);
 
   private:
@@ -129,5 +131,8 @@ class OptionParser {
 
 /// An integer as every option with an integer value reads it; nothing for any other text.
 [[nodiscard]] std::optional<int> parse_option_integer(const std::string& text);
+
+/// A decimal number of at most 15 digits, without a sign or an exponent; nothing for any other text.
+[[nodiscard]] std::optional<double> parse_option_decimal(const std::string& text);
 
 }  // namespace cli
