@@ -68,4 +68,15 @@ SceneReading reading_of(const RelinkedCopy& copy, const SceneReading& original) 
     return reading;
 }
 
+FoundScene::FoundScene(const std::string& file, const FindingChoices& choices) : original_(read_scene(file)) {
+    if (!choices.given() || original_.error) {
+        return;
+    }
+    FootageFinder finder(choices.finder_options());
+    if (auto copy = RelinkedCopy::make(original_.input ? original_.full_path : original_.file, finder)) {
+        copy_.emplace(std::move(*copy));
+        relinked_.emplace(reading_of(*copy_, original_));
+    }
+}
+
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 
+#include "cli/footage/finding_options.h"
 #include "cli/footage/footage_finder.h"
 #include "cli/scene/scene_reading.h"
 
@@ -33,5 +34,22 @@ class RelinkedCopy {
 
 /// The copy read under the name of the scene that it stands for.
 [[nodiscard]] SceneReading reading_of(const RelinkedCopy& copy, const SceneReading& original);
+
+/// A scene, with its footage where it is today if the user says where to look.
+class FoundScene {
+  public:
+    /// Throws std::runtime_error if the relinked copy cannot be made.
+    FoundScene(const std::string& file, const FindingChoices& choices);
+
+    /// As the file is.
+    [[nodiscard]] const SceneReading& original() const { return original_; }
+    /// What to import: the relinked copy where there is one.
+    [[nodiscard]] const SceneReading& reading() const { return relinked_ ? *relinked_ : original_; }
+
+  private:
+    SceneReading original_;
+    std::optional<RelinkedCopy> copy_;
+    std::optional<SceneReading> relinked_;
+};
 
 }  // namespace cli

@@ -168,11 +168,9 @@ class ImportCommand : public Command {
 
     ExitCode import_one(const std::string& file, const embedded::HostOptions& options,
                         const FoundBundle& bundle, Terminal& terminal) const {
-        const SceneReading original = read_scene(file);
-        const std::optional<RelinkedCopy> copy = relinked_copy(original);
-        const SceneReading relinked = copy ? reading_of(*copy, original) : SceneReading();
-        const SceneReading& reading = copy ? relinked : original;
-        refuse_to_overwrite(original, bundle);
+        const FoundScene scene(file, choices_);
+        const SceneReading& reading = scene.reading();
+        refuse_to_overwrite(scene.original(), bundle);
         refuse_to_overwrite(reading, bundle);
         // Finds files that cannot be written before the work, not after it.
         std::optional<OutputFile> log = opened(log_);
@@ -197,15 +195,6 @@ class ImportCommand : public Command {
             log->close();
         }
         return run.code;
-    }
-
-    // What is imported in place of the file if its footage was found elsewhere.
-    [[nodiscard]] std::optional<RelinkedCopy> relinked_copy(const SceneReading& original) const {
-        if (!choices_.given()) {
-            return std::nullopt;
-        }
-        FootageFinder finder(choices_.finder_options());
-        return RelinkedCopy::make(original.input ? original.full_path : original.file, finder);
     }
 
     static std::optional<OutputFile> opened(const std::string& path) {
