@@ -1,61 +1,14 @@
 // Keys that lie on the straight line between those around them.
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <limits>
 
 #include "handover/correction_run.h"
+#include "handover/line_slopes.h"
 #include "text/printable.h"
 
 namespace handover {
 namespace {
-
-// Half the distance from a number to the next one in single precision, which is what the scene's numbers
-// have: a value that is missed by less is the same number there.
-double half_step(double value) {
-    const double size = std::abs(value);
-    if (!(size <= static_cast<double>(std::numeric_limits<float>::max()))) {
-        return 0;
-    }
-    constexpr int kFraction_bits = 24;
-    constexpr int kLeastExponent = -125;  // of numbers with a whole fraction
-    int exponent = 0;
-    std::frexp(size, &exponent);
-    return std::ldexp(0.5, std::max(exponent, kLeastExponent) - kFraction_bits);
-}
-
-// The slopes from one key that pass every later key within the tolerance.
-class Slopes {
-  public:
-    void restart() {
-        least_.fill(-std::numeric_limits<double>::infinity());
-        most_.fill(std::numeric_limits<double>::infinity());
-    }
-
-    // `from` and `to` have `size` numbers, and `time` is between them.
-    [[nodiscard]] bool reaches(const double* from, const double* to, std::size_t size, double time) const {
-        for (std::size_t i = 0; i < size; ++i) {
-            const double slope = (to[i] - from[i]) / time;
-            if (!(slope >= least_[i] && slope <= most_[i])) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    void pass(const double* from, const double* through, std::size_t size, double time, double tolerance) {
-        for (std::size_t i = 0; i < size; ++i) {
-            const double room = tolerance > 0 ? tolerance : half_step(through[i]);
-            least_[i] = std::max(least_[i], (through[i] - room - from[i]) / time);
-            most_[i] = std::min(most_[i], (through[i] + room - from[i]) / time);
-        }
-    }
-
-  private:
-    std::array<double, 3> least_{};
-    std::array<double, 3> most_{};
-};
 
 bool all_finite(const double* value, std::size_t size) {
     return std::all_of(value, value + size, [](double number) { return std::isfinite(number); });
@@ -130,7 +83,7 @@ class KeyFilter {
     Track& track_;
     std::size_t size_;
     double tolerance_;
-    Slopes slopes_;
+    LineSlopes slopes_;
     std::vector<std::size_t> holds_;
     std::size_t hold_ = 0;
     std::size_t kept_ = 0;

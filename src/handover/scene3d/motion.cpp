@@ -4,6 +4,8 @@
 #include <cmath>
 #include <utility>
 
+#include "handover/line_slopes.h"
+
 namespace handover {
 namespace {
 
@@ -73,40 +75,6 @@ class Divider {
     std::vector<TimedPose> waiting_;  // nearest last
 };
 
-// The slopes of the straight lines from one pose that pass all others so far.
-class Cone {
-  public:
-    // Whether the line to `to` is among them.
-    [[nodiscard]] bool holds(const TimedPose& from, const TimedPose& to,
-                             const PoseNumbers& numbers_of) const {
-        const auto a = numbers_of(from);
-        const auto b = numbers_of(to);
-        const double span = to.frame - from.frame;
-        for (std::size_t i = 0; i < a.size(); ++i) {
-            const double slope = span > 0 ? (b[i] - a[i]) / span : 0;
-            if (!(slope >= least_[i] && slope <= most_[i])) {
-                return false;
-            }
-        }
-        return true;
-    }
-
-    void narrow(const TimedPose& from, const TimedPose& passed, const PoseNumbers& numbers_of) {
-        const auto a = numbers_of(from);
-        const auto b = numbers_of(passed);
-        const double span = passed.frame - from.frame;
-        for (std::size_t i = 0; i < a.size(); ++i) {
-            const double allowed = std::ldexp(std::abs(b[i]), -24);
-            least_[i] = std::max(least_[i], (b[i] - allowed - a[i]) / span);
-            most_[i] = std::min(most_[i], (b[i] + allowed - a[i]) / span);
-        }
-    }
-
-  private:
-    std::array<double, 3> least_{-HUGE_VAL, -HUGE_VAL, -HUGE_VAL};
-    std::array<double, 3> most_{HUGE_VAL, HUGE_VAL, HUGE_VAL};
-};
-
 }  // namespace
 
 TimedPose between(const TimedPose& a, const TimedPose& b, double part) {
@@ -165,23 +133,27 @@ Motion from_frame(Motion motion, double frame) {
 
 std::vector<std::size_t> needed_poses(const std::vector<TimedPose>& poses, const PoseNumbers& numbers_of) {
     std::vector<std::size_t> needed;
-    std::size_t anchor = 0;
-    Cone cone;
+    std::array<double, 3> anchor{};
+    double anchor_frame = 0;
+    LineSlopes slopes;
+    const auto keep = [&](std::size_t pose) {
+        needed.push_back(pose);
+        anchor = numbers_of(poses[pose]);
+        anchor_frame = poses[pose].frame;
+        slopes.restart();
+    };
     for (std::size_t i = 0; i < poses.size(); ++i) {
-        const bool must = i == 0 || i + 1 == poses.size() || poses[i].before_cut || poses[i - 1].before_cut;
+        const std::array<double, 3> here = numbers_of(poses[i]);
         // The pose itself must lie on the line as well as all those that it passes.
-        const bool reachable = i == 0 || cone.holds(poses[anchor], poses[i], numbers_of);
-        if (!reachable && needed.back() != i - 1) {
-            needed.push_back(i - 1);
-            anchor = i - 1;
-            cone = Cone();
+        if (i > 0 && needed.back() != i - 1 &&
+            !slopes.reaches(anchor.data(), here.data(), here.size(), poses[i].frame - anchor_frame)) {
+            keep(i - 1);
         }
+        const bool must = i == 0 || i + 1 == poses.size() || poses[i].before_cut || poses[i - 1].before_cut;
         if (must) {
-            needed.push_back(i);
-            anchor = i;
-            cone = Cone();
+            keep(i);
         } else {
-            cone.narrow(poses[anchor], poses[i], numbers_of);
+            slopes.pass(anchor.data(), here.data(), here.size(), poses[i].frame - anchor_frame, 0);
         }
     }
     return needed;
