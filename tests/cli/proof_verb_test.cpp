@@ -168,4 +168,18 @@ TEST(ProofVerb, DrawsNothingOntoWhatItReads) {
     EXPECT_TRUE(content_of(scene).starts_with("VORTAN XR"));
 }
 
+TEST(ProofVerb, AScriptToMeasureWithIsWholeOrAbsent) {
+    const TemporaryFolder folder;
+    const std::string scene = folder.write("a.aec", content_of(VXR_EXAMPLES_DIR "/square/courtyard_020.aec"));
+    const Ran written = prove(scene, {"--for-after-effects", folder.path("a.jsx")});
+    EXPECT_EQ(written.code, ExitCode::fine) << written.err;
+    EXPECT_NE(written.out.find("240 test points of 1 camera"), std::string::npos) << written.out;
+    EXPECT_TRUE(content_of(folder.path("a.jsx")).ends_with("measure();\n})();\n"));
+    EXPECT_EQ(prove(scene, {"--for-after-effects", scene}).code, ExitCode::usage);
+    EXPECT_EQ(prove(scene, {"--for-after-effects", folder.path("a.jsx"), "--json"}).code, ExitCode::usage);
+    const std::string refused = folder.write("b.aec", "VORTAN XR COMPOSITION\nRESOLUTION 0 0\n");
+    EXPECT_EQ(prove(refused, {"--for-after-effects", folder.path("b.jsx")}).code, ExitCode::refused);
+    EXPECT_FALSE(std::filesystem::exists(folder.path("b.jsx")));
+}
+
 }  // namespace

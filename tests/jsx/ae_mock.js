@@ -137,7 +137,7 @@ function makeHost(options) {
         constants("AutoOrientType", ["NO_AUTO_ORIENT", "ALONG_PATH", "CAMERA_OR_POINT_OF_INTEREST", "CHARACTERS_TOWARD_CAMERA"]);
     var KeyType = constants("KeyframeInterpolationType", ["LINEAR", "BEZIER", "HOLD"]);
     var ValueType = constants("PropertyValueType",
-        ["NO_VALUE", "ThreeD_SPATIAL", "ThreeD", "TwoD_SPATIAL", "TwoD", "OneD", "COLOR", "CUSTOM_VALUE", "MARKER"]);
+        ["NO_VALUE", "ThreeD_SPATIAL", "ThreeD", "TwoD_SPATIAL", "TwoD", "OneD", "COLOR", "CUSTOM_VALUE", "MARKER", "TEXT_DOCUMENT"]);
     var ImportAsType = constants("ImportAsType", ["COMP_CROPPED_LAYERS", "FOOTAGE", "COMP", "PROJECT"]);
 
     // ---- Files. Paths are URIs: "/" between components, "%20" for a space.
@@ -466,6 +466,7 @@ function makeHost(options) {
         source.width = content.width;
         source.height = content.height;
         source.alpha = Boolean(content.alpha);
+        source.texel = content.texel;
         source.rate = 30;
         var name = decodeURIComponent(file.name);
         if (numbered) {
@@ -576,6 +577,29 @@ function makeHost(options) {
                 layer.raw.name = string(name, "addCamera");
                 return layer.api;
             },
+            addText: function (text) {
+                touch("addText");
+                var layer = addLayer(record, "text", null);
+                layer.raw.name = string(text, "addText");
+                layer.groups["ADBE Text Properties"].list["ADBE Text Document"].record.value = strict({text: text}, "TextDocument");
+                return layer.api;
+            },
+            addSolid: function (color, name, width, height, aspect, seconds) {
+                touch("addSolid");
+                var solid = addFootage(string(name, "addSolid"));
+                solid.solid = true;
+                solid.source = newSource(SolidSource, "solid", true);
+                solid.source.color = numbers(color, 3, "addSolid");
+                solid.source.color.forEach(function (one) {
+                    number(one, 0, 1, "addSolid");
+                });
+                solid.source.width = whole(width, 4, 30000, "addSolid");
+                solid.source.height = whole(height, 4, 30000, "addSolid");
+                solid.raw.pixelAspect = aspect;
+                var layer = addLayer(record, "footage", solid);
+                layer.outPoint = layer.inPoint + number(seconds, 0, 10800, "addSolid");
+                return layer.api;
+            },
             addLight: function (name, center) {
                 touch("addLight");
                 var layer = addLayer(record, "light", null);
@@ -616,6 +640,32 @@ function makeHost(options) {
         accessor(raw, "index", function () {
             return layer.comp.layers.indexOf(layer) + 1;
         });
+        member(raw, "enabled", true, flag, "Layer");
+        raw.duplicate = function () {
+            touch("duplicate");
+            var copy = addLayer(comp, kind, source);
+            comp.layers.splice(comp.layers.indexOf(copy), 1);
+            comp.layers.splice(comp.layers.indexOf(layer), 0, copy);
+            ["start", "inPoint", "outPoint"].forEach(function (time) {
+                copy[time] = layer[time];
+            });
+            ["name", "comment", "label", "enabled"].concat(kind === "camera" || kind === "light" ? ["autoOrient"]
+                : ["threeDLayer", "blendingMode"]).forEach(function (setting) {
+                copy.raw[setting] = raw[setting];
+            });
+            Object.keys(layer.groups).forEach(function (group) {
+                Object.keys(layer.groups[group].list).forEach(function (match) {
+                    var from = layer.groups[group].list[match].record;
+                    var to = copy.groups[group].list[match].record;
+                    to.value = from.value;
+                    to.expression = from.expression;
+                    to.keys = from.keys.map(function (key) {
+                        return Object.assign({}, key);
+                    });
+                });
+            });
+            return copy.api;
+        };
         accessor(raw, "containingComp", function () {
             return layer.comp.api;
         });
@@ -676,7 +726,8 @@ function makeHost(options) {
             layer.parent = next;
         });
         if (kind === "camera" || kind === "light") {
-            member(raw, "autoOrient", AutoOrientType.table.CAMERA_OR_POINT_OF_INTEREST, function (value, what) {
+            member(raw, "autoOrient", kind === "camera" && options.newCameras === "one-node" ? AutoOrientType.table.NO_AUTO_ORIENT
+                : AutoOrientType.table.CAMERA_OR_POINT_OF_INTEREST, function (value, what) {
                 if (kind === "light" && layer.light === LightType.table.POINT) {
                     fail("autoOrient: a point light has no direction");
                 }
@@ -772,8 +823,12 @@ function makeHost(options) {
             {name: "ADBE Orientation", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: [0, 0, 0], writable: inSpace},
             {name: "ADBE Rotate X", size: 1, type: "OneD", value: 0, writable: inSpace},
             {name: "ADBE Rotate Y", size: 1, type: "OneD", value: 0, writable: inSpace},
-            {name: "ADBE Rotate Z", size: 1, type: "OneD", value: 0}
+            {name: "ADBE Rotate Z", size: 1, type: "OneD", value: 0},
+            {name: "ADBE Opacity", size: 1, type: "OneD", value: 100, min: 0, max: 100}
         ]);
+        if (layer.kind === "text") {
+            group("ADBE Text Properties", [{name: "ADBE Text Document", size: 0, type: "TEXT_DOCUMENT", value: null}]);
+        }
         function inSpace() {
             return layer.raw.threeDLayer;
         }
@@ -798,6 +853,10 @@ function makeHost(options) {
     }
 
     // ---- Properties.
+
+    var answers = options.expressions && options.expressions.answers({holdType: KeyType.table.HOLD,
+        aimed: AutoOrientType.table.CAMERA_OR_POINT_OF_INTEREST, normal: BlendingMode.table.NORMAL, add: BlendingMode.table.ADD,
+        multiply: BlendingMode.table.MULTIPLY});
 
     function newProperty(definition, layer) {
         var record = {definition: definition, value: definition.value, keys: [], set: false};
@@ -890,6 +949,34 @@ function makeHost(options) {
                 setAt(times[i], values[i]);
             }
         };
+        // An expression that fails is switched off, and the property says why.
+        record.expression = "";
+        record.expressionError = "";
+        accessor(api, "expression", function () {
+            return record.expression;
+        }, function (text) {
+            writable("expression");
+            record.expression = string(text, "expression");
+            record.expressionError = "";
+        });
+        accessor(api, "expressionError", function () {
+            return record.expressionError;
+        });
+        api.valueAtTime = function (time, preExpression) {
+            number(time, -10800, 10800, "valueAtTime");
+            if (definition.type !== "TEXT_DOCUMENT") {
+                fail("valueAtTime: only the text of expressions is needed");
+            }
+            if (flag(preExpression, "valueAtTime") || record.expression === "" || !options.expressions) {
+                return record.value;
+            }
+            try {
+                return strict({text: String(answers(record.expression, layer, time))}, "TextDocument");
+            } catch (error) {
+                record.expressionError = "Expression disabled: " + error.message;
+                return record.value;
+            }
+        };
         api.removeKey = function (index) {
             writable("removeKey");
             key(index);
@@ -935,6 +1022,8 @@ function makeHost(options) {
     root.api = strict({items: root.items}, "FolderItem");
     var project = strict({
         rootFolder: root.api,
+        bitsPerChannel: 8,
+        linearBlending: Boolean(options.linearBlending),
         items: collection(function () {
             return state.items;
         }, "ItemCollection", {}),

@@ -10,6 +10,7 @@ const START = `
     var wanted = new ImportOptions(new File("/d/a.0001.tif")); wanted.sequence = true; var sequence = app.project.importFile(wanted);
     var camera = comp.layers.addCamera("camera", [360, 288]);
     var light = comp.layers.addLight("light", [360, 288]);
+    function text(comp) { return comp.layers.addText("t").property("ADBE Text Properties").property("ADBE Text Document"); }
     function at(layer, group, name) { return layer.property("ADBE " + group + " Group").property("ADBE " + name); }
 `;
 const END = "app.endUndoGroup();";
@@ -82,6 +83,12 @@ const CASES = [
     ["a placeholder has 4 pixels", "app.project.importPlaceholder('p', 4, 4, 25, 1);",
         "app.project.importPlaceholder('p', 3, 4, 25, 1);", /from 4/],
     ["JSON is not there", "String(1);", "JSON.stringify(1);", /undefined/],
+    ["a solid's colour ends at 1", "comp.layers.addSolid([1, 1, 1], 's', 8, 8, 1, 1);",
+        "comp.layers.addSolid([1, 1, 1.1], 's', 8, 8, 1, 1);", /to 1/],
+    ["an opacity ends at 100", "at(comp.layers.addSolid([1, 1, 1], 's', 8, 8, 1, 1), 'Transform', 'Opacity').setValue(100);",
+        "at(comp.layers.addSolid([1, 1, 1], 's', 8, 8, 1, 1), 'Transform', 'Opacity').setValue(101);", /to 100/],
+    ["an expression is a text", "text(comp).expression = '1';", "text(comp).expression = 1;", /not a string/],
+    ["text has no value but by time", "text(comp).valueAtTime(0, false).text;", "text(comp).valueAtTime(0, false).length;", /no member/],
     ["changes belong into an undo group", "comp.name = 'x';", "app.endUndoGroup(); comp.name = 'x';", /undo group/],
     ["an undo group is closed", "1;", "app.beginUndoGroup('another');", /left an undo group/],
 ];
@@ -117,6 +124,14 @@ expect("a preference lets layers start at the current time", late.state.items[0]
 const named = makeHost({ files: { ...FILES } });
 named.run(START + END);
 expect("a sequence is named by its numbers", named.state.items[2].raw.name === "a.[0001-0002].tif", named.state.items[2].raw.name);
+
+const { makeExpressions } = require("./ae_expressions.js");
+const asked = makeHost({ files: { ...FILES }, expressions: makeExpressions({}) });
+asked.run(START + `var t = text(comp); t.expression = "thisComp.layer(9).toComp([0, 0, 0])[0];";
+    alert(t.valueAtTime(0, false).text + ":" + t.expressionError); t.expression = "time * 2;";
+    alert(t.valueAtTime(3, false).text + ":" + t.expressionError);` + END);
+expect("an expression that fails leaves the text and says why", /^t:.*layer 9 is not there/.test(asked.state.alerts[0]), asked.state.alerts[0]);
+expect("and another one is tried again", asked.state.alerts[1] === "6:", asked.state.alerts[1]);
 
 console.log(`${CASES.length} traps of the stand-in, ${failed} failures`);
 process.exit(failed > 0 ? 1 : 0);

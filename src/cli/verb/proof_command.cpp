@@ -3,7 +3,9 @@
 #include <optional>
 #include <ostream>
 #include <string>
+#include <vector>
 
+#include "cli/handover/measuring_run.h"
 #include "cli/handover/proof_picture.h"
 #include "cli/handover/proof_run.h"
 #include "cli/options.h"
@@ -30,16 +32,24 @@ class ProofCommand : public Command {
         options.option("--picture", picture_, "also write a picture of the test points, as SVG")
             .value_name("FILE")
             .group("Output");
+        options
+            .option("--for-after-effects", script_,
+                    "instead write a script by which After Effects itself says where points land")
+            .value_name("FILE")
+            .group("After Effects");
         add_bundle_option(options, bundle_);
     }
 
     ExitCode run(Terminal& terminal) override {
         const SceneReading reading = read_scene(file_);
         const FoundBundle bundle = find_bundle(bundle_);
+        if (!script_.empty()) {
+            return write_script(reading, bundle, terminal);
+        }
         // Finds a file that cannot be written before the work, not after it.
         std::optional<OutputFile> picture;
         if (!picture_.empty()) {
-            refuse_to_overwrite(reading, bundle);
+            refuse_to_overwrite(reading, bundle, picture_, "--picture");
             picture.emplace(picture_);
         }
         const ProofRun run = prove(reading, bundle, options_);
@@ -53,26 +63,50 @@ class ProofCommand : public Command {
             terminal.out << fitted(terminal, proof_text(run, terminal.out_paint));
         }
         terminal.out << std::flush;
-        for (const Diagnostic& diagnostic : run.diagnostics) {
-            terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
-        }
-        for (const std::string& problem : run.problems) {
-            complain(terminal, problem);
-        }
+        complain_about(run.diagnostics, run.problems, terminal);
         return run.code;
     }
 
   private:
-    void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle) const {
+    [[nodiscard]] ExitCode write_script(const SceneReading& reading, const FoundBundle& bundle,
+                                        Terminal& terminal) const {
+        if (json_ || !picture_.empty()) {
+            throw UsageError("--for-after-effects compares nothing, so it goes without --json and --picture");
+        }
+        refuse_to_overwrite(reading, bundle, script_, "--for-after-effects");
+        OutputFile script(script_);
+        const MeasuringScript made = measuring_script(reading, bundle);
+        if (made.script) {
+            script.write(*made.script);
+            script.close();
+            terminal.out << fitted(terminal, measuring_text(made, script_, terminal.out_paint)) << std::flush;
+        }
+        complain_about(made.diagnostics, made.problems, terminal);
+        return made.code;
+    }
+
+    static void complain_about(const std::vector<Diagnostic>& diagnostics,
+                               const std::vector<std::string>& problems, Terminal& terminal) {
+        for (const Diagnostic& diagnostic : diagnostics) {
+            terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
+        }
+        for (const std::string& problem : problems) {
+            complain(terminal, problem);
+        }
+    }
+
+    static void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle,
+                                    const std::string& path, const char* option) {
         FileRoles roles;
         add_import_reads(reading, bundle, roles);
-        if (const std::string refusal = roles.writes(picture_, "--picture"); !refusal.empty()) {
+        if (const std::string refusal = roles.writes(path, option); !refusal.empty()) {
             throw UsageError(refusal);
         }
     }
 
     std::string file_;
     std::string picture_;
+    std::string script_;
     proof::ProofOptions options_;
     bool json_ = false;
     std::string bundle_;

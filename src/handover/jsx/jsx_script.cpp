@@ -37,10 +37,29 @@ class ScriptWriter {
 
     void write() {
         write_head();
+        write_project([](JsxText&) {});
+        text_ << "\nrebuild();\n})();\n";
+        text_.flush();
+    }
+
+    void write(const JsxTask& task) {
+        for (const std::string& words : task.head) {
+            line(words);
+        }
+        text_ << "\n";
+        write_project(task.write_runtime);
+        task.write_run(text_);
+        text_ << "})();\n";
+        text_.flush();
+    }
+
+  private:
+    void write_project(const std::function<void(JsxText&)>& write_more_runtime) {
         text_ << "(function () {\n";
         for (const char* const piece : kJsxRuntime) {
             text_ << piece;
         }
+        write_more_runtime(text_);
         text_ << "\n// ---- The scene.\n\n";
         write_scene();
         write_items();
@@ -49,11 +68,8 @@ class ScriptWriter {
         }
         close_function();
         write_notes();
-        text_ << "\nrebuild();\n})();\n";
-        text_.flush();
     }
 
-  private:
     // ---- The head: what the script is, what was corrected, what is lost.
 
     void line(std::string_view words) {
@@ -372,6 +388,11 @@ class ScriptWriter {
 
 void write_jsx(const Handover& handover, const JsxOptions& options, const Sink& sink) {
     ScriptWriter(handover, options, sink).write();
+}
+
+void write_jsx_task(const Handover& handover, const JsxOptions& options, const JsxTask& task,
+                    const Sink& sink) {
+    ScriptWriter(handover, options, sink).write(task);
 }
 
 }  // namespace handover

@@ -1,8 +1,11 @@
 #pragma once
 
+#include <functional>
 #include <string>
+#include <vector>
 
 #include "handover/handover.h"
+#include "handover/jsx/jsx_text.h"
 
 namespace handover {
 
@@ -19,5 +22,16 @@ struct JsxOptions {
 /// finite, and keys that are not in ascending order, are left out, and the script's summary says so. Same
 /// handover, same bytes.
 void write_jsx(const Handover& handover, const JsxOptions& options, const Sink& sink);
+
+/// What another script does with the same project.
+struct JsxTask {
+    std::vector<std::string> head;                     ///< the lines that say what the script is
+    std::function<void(JsxText& text)> write_runtime;  ///< functions besides those that rebuild the project
+    std::function<void(JsxText& text)> write_run;      ///< after the scene: what to do
+};
+
+/// Writes a script that has all that rebuilds the project, and does `task` with it. Otherwise as write_jsx().
+void write_jsx_task(const Handover& handover, const JsxOptions& options, const JsxTask& task,
+                    const Sink& sink);
 
 }  // namespace handover

@@ -1,0 +1,66 @@
+#include "cli/handover/measuring_run.h"
+
+#include "cli/handover/handover_run.h"
+#include "handover/jsx/measuring_script.h"
+#include "handover/proof/measuring_plan.h"
+#include "system/files.h"
+#include "text/printable.h"
+
+namespace cli {
+namespace {
+
+using handover::Version;
+
+}  // namespace
+
+handover::Measuring measuring_plan_of(const SceneReading& reading) {
+    return proof::measuring_plan(*reading.settings, reading.file, {});
+}
+
+MeasuringScript measuring_script(const SceneReading& reading, const FoundBundle& bundle) {
+    MeasuringScript made;
+    made.file = reading.file;
+    const HandedOver imported = hand_over(reading, bundle, Version::imported, {});
+    made.code = imported.code;
+    made.diagnostics = imported.diagnostics;
+    made.problems = imported.problems;
+    if (!imported.handover) {
+        return made;
+    }
+    const HandedOver corrected = hand_over(reading, bundle, Version::corrected, {});
+    made.code = most_serious(made.code, corrected.code);
+    if (!corrected.handover) {
+        made.problems.insert(made.problems.end(), corrected.problems.begin(), corrected.problems.end());
+        return made;
+    }
+    // The camera does not depend on footage.
+    if (made.code == ExitCode::footage_missing) {
+        made.code = ExitCode::fine;
+    }
+    made.plan = measuring_plan_of(reading);
+    handover::JsxOptions options;
+    options.working_folder = os::absolute_path(".");
+    made.script.emplace();
+    handover::write_measuring_script(
+        handover::measured_project(*imported.handover, *corrected.handover, made.plan), made.plan, options,
+        [&](std::string_view piece) { *made.script += piece; });
+    return made;
+}
+
+std::string measuring_text(const MeasuringScript& made, const std::string& path, const Paint& paint) {
+    std::size_t points = 0;
+    for (const handover::MeasuredCamera& camera : made.plan.cameras) {
+        for (const handover::MeasuredMoment& moment : camera.moments) {
+            points += moment.points.size();
+        }
+    }
+    const std::size_t cameras = made.plan.cameras.size();
+    std::string text = paint(Ink::bold, text::printable(path)) + ": " + std::to_string(points) +
+                       " test points of " + std::to_string(cameras) +
+                       (cameras == 1 ? " camera" : " cameras") + ", and trials of the open questions\n";
+    text +=
+        "  Run it in After Effects with File > Scripts > Run Script File. It writes a table beside itself.\n";
+    return text + "  Then: vxr proof " + text::printable(made.file) + " --compare TABLE\n";
+}
+
+}  // namespace cli
