@@ -102,6 +102,19 @@ inline constexpr std::int64_t kNearbyNamesOfRun = 1000000;
 /// Frames of a sequence whose headers are read: the first, the last, and others evenly between them.
 inline constexpr std::int64_t kSampledFrames = 8;
 
+// Previews: how much memory drawing a frame may take, about 1 GiB together.
+
+/// Pixels of a frame, and of a picture in it: 8192 x 4096, just more than 8K. Decoding such a picture takes
+/// 400 MiB for a moment.
+inline constexpr std::int64_t kPreviewPixels = std::int64_t{1} << 25;
+/// Decoded pictures that are kept for the next frames, and those that one pass over a frame may use at once:
+/// eight of 4K.
+inline constexpr std::int64_t kPreviewPictures_bytes = std::int64_t{256} << 20;
+/// Unfinished compositions of one frame, at 16 bytes a pixel: two of 4K at full height, bands of more.
+inline constexpr std::int64_t kPreviewRows_bytes = std::int64_t{256} << 20;
+/// Layers that one frame shows, nested ones each time they are seen: a thousand times what scenes have.
+inline constexpr std::int64_t kPreviewLayers = 1000000;
+
 // Textures.
 
 inline constexpr Limit kTextureFile{
