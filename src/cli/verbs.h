@@ -13,6 +13,7 @@ Verb import_verb();           ///< `vxr import FILE...`
 Verb check_verb();            ///< `vxr check FILE...`
 Verb relink_verb();           ///< `vxr relink SCENE...`
 Verb collect_verb();          ///< `vxr collect SCENE... -o FOLDER`
+Verb preview_verb();          ///< `vxr preview SCENE -o IMAGE`
 Verb proof_verb();            ///< `vxr proof SCENE`
 Verb export_verb();           ///< `vxr export SCENE... --to FORMAT`
 Verb texture_info_verb();     ///< `vxr texture info FILE...`

@@ -66,7 +66,7 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "relink", "collect", "export", "proof", "texture info", "texture check",
+     {"import", "check", "relink", "collect", "export", "preview", "proof", "texture info", "texture check",
       "texture convert", "frame", "modules", "limits", "doctor", "help", "completion", "-h, --help",
       "--version"}},
     {"import",
@@ -126,6 +126,9 @@ const PublishedVerb kVerbs[] = {
     {"proof",
      {"SCENE", "--points N", "--json", "--picture FILE", "--for-after-effects FILE", "--bundle PATH",
       "-h, --help"}},
+    {"preview",
+     {"SCENE", "-o, --output IMAGE", "--frame N", "--comp NAME", "--linear", "--raw",
+      "--fields upper|lower|both", "--search DIR", "--map FROM=TO", "--bundle PATH", "-h, --help"}},
     {"limits", {"--json", "-h, --help"}},
     {"doctor",
      {"BUNDLE", "--json", "--list-codes", "--no-load", "--always-load", "--timeout SECONDS",
