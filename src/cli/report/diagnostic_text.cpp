@@ -23,39 +23,15 @@ std::string place_text(const Place& place) {
     return text;
 }
 
-// The part of a long line that fits a terminal and contains the place in question.
-struct Excerpt {
-    std::string text;
-    std::size_t caret = 0;
-};
-
-Excerpt excerpt_of(std::string_view line, std::size_t column) {
-    constexpr std::size_t kBefore = 60;
-    constexpr std::size_t kBytes = 100;
-    const std::size_t at = std::min(column - 1, line.size());
-    const std::size_t first = at > kBefore + 10 ? at - kBefore : 0;
-    const std::string_view shown = line.substr(first, kBytes);
-    // Each tab becomes one blank, so that the caret is below its character in every terminal.
-    const auto clean = [](std::string_view text) {
-        std::string copy(text);
-        std::replace(copy.begin(), copy.end(), '\t', ' ');
-        return text::printable(copy);
-    };
-    const std::string head = (first > 0 ? "..." : "") + clean(shown.substr(0, at - first));
-    const bool cut = first + shown.size() < line.size();
-    return {head + clean(shown.substr(at - first)) + (cut ? "..." : ""), text::columns_of(head)};
-}
-
 std::string source_text(const Diagnostic& diagnostic, const Paint& paint) {
-    if (!diagnostic.source_line || !diagnostic.at.line || !diagnostic.at.column) {
+    const std::optional<SourceExcerpt> excerpt = source_excerpt(diagnostic);
+    if (!excerpt) {
         return {};
     }
-    const Excerpt excerpt =
-        excerpt_of(*diagnostic.source_line, static_cast<std::size_t>(*diagnostic.at.column));
     std::string number = std::to_string(*diagnostic.at.line);
     number.insert(0, number.size() < 5 ? 5 - number.size() : 0, ' ');
-    return number + " | " + excerpt.text + '\n' + std::string(number.size(), ' ') + " | " +
-           std::string(excerpt.caret, ' ') + paint(Ink::green, "^") + '\n';
+    return number + " | " + excerpt->before + excerpt->from + '\n' + std::string(number.size(), ' ') + " | " +
+           std::string(text::columns_of(excerpt->before), ' ') + paint(Ink::green, "^") + '\n';
 }
 
 // A longer line does not help anyone who reads the message.
@@ -66,6 +42,27 @@ bool is_line_end(char c) {
 }
 
 }  // namespace
+
+std::optional<SourceExcerpt> source_excerpt(const Diagnostic& diagnostic) {
+    if (!diagnostic.source_line || !diagnostic.at.line || !diagnostic.at.column) {
+        return std::nullopt;
+    }
+    constexpr std::size_t kBefore = 60;
+    constexpr std::size_t kBytes = 100;
+    const std::string_view line = *diagnostic.source_line;
+    const std::size_t at = std::min(static_cast<std::size_t>(*diagnostic.at.column) - 1, line.size());
+    const std::size_t first = at > kBefore + 10 ? at - kBefore : 0;
+    const std::string_view shown = line.substr(first, kBytes);
+    // Each tab becomes one blank, so that the caret is below its character in every terminal.
+    const auto clean = [](std::string_view text) {
+        std::string copy(text);
+        std::replace(copy.begin(), copy.end(), '\t', ' ');
+        return text::printable(copy);
+    };
+    const bool cut = first + shown.size() < line.size();
+    return SourceExcerpt{(first > 0 ? "..." : "") + clean(shown.substr(0, at - first)),
+                         clean(shown.substr(at - first)) + (cut ? "..." : "")};
+}
 
 Ink ink_of(Severity severity) {
     switch (severity) {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <iosfwd>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -24,6 +25,14 @@ using diagnostic::Severity;
 /// are known, the source line with a caret, the blocks around the place, and what will happen. Ends with a
 /// line break.
 [[nodiscard]] std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint);
+
+/// The part of the line of `diagnostic.at` that fits a terminal, printable, in two: what stands before the
+/// place, and what begins there. Nothing if the line or the place in it is unknown.
+struct SourceExcerpt {
+    std::string before;
+    std::string from;
+};
+[[nodiscard]] std::optional<SourceExcerpt> source_excerpt(const Diagnostic& diagnostic);
 
 /// The colour of a severity's name.
 [[nodiscard]] Ink ink_of(Severity severity);

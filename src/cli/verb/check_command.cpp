@@ -13,12 +13,7 @@ namespace cli {
 namespace {
 
 FileCheck check_composition(const std::string& file, FootageSurvey& survey) {
-    const SceneReading reading = read_scene(file);
-    FileCheck check{reading.code, scene_warnings(reading, survey)};
-    if (reading.error) {
-        check.diagnostics.insert(check.diagnostics.begin(), *reading.error);
-    }
-    return check;
+    return check_scene(read_scene(file), survey);
 }
 
 std::vector<diagnostic::CodeInfo> composition_codes() {
@@ -32,6 +27,18 @@ constexpr FileKind kCompositionFiles{"composition files", ".aec", "check", check
                                      composition_codes,   true};
 
 }  // namespace
+
+const FileKind& composition_files() {
+    return kCompositionFiles;
+}
+
+FileCheck check_scene(const SceneReading& reading, FootageSurvey& survey) {
+    FileCheck check{reading.code, scene_warnings(reading, survey)};
+    if (reading.error) {
+        check.diagnostics.insert(check.diagnostics.begin(), *reading.error);
+    }
+    return check;
+}
 
 Verb check_verb() {
     return {

@@ -35,26 +35,9 @@ struct JudgedFile {
     std::exception_ptr failure{};  ///< what the check threw
 };
 
-/// Takes out what the policy ignores, and decides about a file that has been read.
 JudgedFile judge(FileCheck check, const CheckPolicy& policy) {
     JudgedFile judged{std::move(check)};
-    std::vector<Diagnostic>& all = judged.check.diagnostics;
-    ExitCode& code = judged.check.code;
-    const bool sound = code == ExitCode::fine;
-    // The error for which nothing is imported stays: there is nothing else to say about the file.
-    const auto first = all.begin() + (sound || all.empty() ? 0 : 1);
-    judged.ignored = static_cast<std::size_t>(
-        std::count_if(first, all.end(), [&](const Diagnostic& one) { return policy.ignores(one); }));
-    all.erase(std::remove_if(first, all.end(), [&](const Diagnostic& one) { return policy.ignores(one); }),
-              all.end());
-    if (sound && std::any_of(all.begin(), all.end(),
-                             [](const Diagnostic& one) { return one.missing_footage.has_value(); })) {
-        code = ExitCode::footage_missing;
-    }
-    if (sound &&
-        std::any_of(all.begin(), all.end(), [&](const Diagnostic& one) { return policy.refuses(one); })) {
-        code = ExitCode::refused;
-    }
+    judged.ignored = apply_policy(judged.check, policy);
     return judged;
 }
 
@@ -331,6 +314,26 @@ class CheckCommand : public Command {
 };
 
 }  // namespace
+
+std::size_t apply_policy(FileCheck& check, const CheckPolicy& policy) {
+    std::vector<Diagnostic>& all = check.diagnostics;
+    const bool sound = check.code == ExitCode::fine;
+    // The error for which nothing is imported stays: there is nothing else to say about the file.
+    const auto first = all.begin() + (sound || all.empty() ? 0 : 1);
+    const auto ignored =
+        std::count_if(first, all.end(), [&](const Diagnostic& one) { return policy.ignores(one); });
+    all.erase(std::remove_if(first, all.end(), [&](const Diagnostic& one) { return policy.ignores(one); }),
+              all.end());
+    if (sound && std::any_of(all.begin(), all.end(),
+                             [](const Diagnostic& one) { return one.missing_footage.has_value(); })) {
+        check.code = ExitCode::footage_missing;
+    }
+    if (sound &&
+        std::any_of(all.begin(), all.end(), [&](const Diagnostic& one) { return policy.refuses(one); })) {
+        check.code = ExitCode::refused;
+    }
+    return static_cast<std::size_t>(ignored);
+}
 
 std::unique_ptr<Command> make_check_command(const FileKind& kind) {
     return std::make_unique<CheckCommand>(kind);

@@ -1,12 +1,15 @@
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string>
 #include <vector>
 
 #include "cli/command.h"
 #include "cli/footage/footage_survey.h"
+#include "cli/report/check_policy.h"
 #include "cli/report/diagnostic_text.h"
+#include "cli/scene/scene_reading.h"
 
 namespace cli {
 
@@ -16,6 +19,10 @@ struct FileCheck {
     /// If the code is not `fine`, its error first; then everything else.
     std::vector<Diagnostic> diagnostics;
 };
+
+/// Takes out what the policy ignores, and decides about a file that has been read: one that lacks footage is
+/// incomplete, one with what the policy refuses is refused. Returns how many diagnostics were taken out.
+std::size_t apply_policy(FileCheck& check, const CheckPolicy& policy);
 
 /// What a kind of file adds to the command that checks files.
 struct FileKind {
@@ -30,6 +37,12 @@ struct FileKind {
     std::vector<diagnostic::CodeInfo> (*codes)();
     bool has_footage = false;  ///< the verb takes --search and --map
 };
+
+/// The kind behind `vxr check`.
+[[nodiscard]] const FileKind& composition_files();
+
+/// What a check says about a scene that has been read.
+[[nodiscard]] FileCheck check_scene(const SceneReading& reading, FootageSurvey& survey);
 
 /// The command behind `vxr check` and `vxr texture check`: reads every file, says what is wrong with it,
 /// counts it, and exits with the most serious outcome.
