@@ -15,6 +15,7 @@ Verb relink_verb();           ///< `vxr relink SCENE...`
 Verb collect_verb();          ///< `vxr collect SCENE... -o FOLDER`
 Verb preview_verb();          ///< `vxr preview SCENE -o IMAGE`
 Verb proof_verb();            ///< `vxr proof SCENE`
+Verb report_verb();           ///< `vxr report SCENE... -o FILE.html`
 Verb export_verb();           ///< `vxr export SCENE... --to FORMAT`
 Verb texture_info_verb();     ///< `vxr texture info FILE...`
 Verb texture_check_verb();    ///< `vxr texture check FILE...`

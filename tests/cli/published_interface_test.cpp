@@ -66,9 +66,9 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "relink", "collect", "export", "preview", "proof", "texture info", "texture check",
-      "texture convert", "frame", "modules", "limits", "doctor", "help", "completion", "-h, --help",
-      "--version"}},
+     {"import", "check", "relink", "collect", "export", "preview", "proof", "report", "texture info",
+      "texture check", "texture convert", "frame", "modules", "limits", "doctor", "help", "completion",
+      "-h, --help", "--version"}},
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--search DIR", "--map FROM=TO", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "--alpha-preference VALUE",
@@ -123,6 +123,9 @@ const PublishedVerb kVerbs[] = {
       "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
     {"modules",
      {"--json", "--bundle PATH", "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
+    {"report",
+     {"SCENE", "-r, --recursive", "--files-from FILE", "-0, --null", "-o, --output FILE.html",
+      "--progress auto|never", "-j, --jobs N", "--bundle PATH", "-h, --help"}},
     {"proof",
      {"SCENE", "--points N", "--json", "--picture FILE", "--for-after-effects FILE", "--bundle PATH",
       "-h, --help"}},

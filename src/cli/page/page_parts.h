@@ -1,0 +1,42 @@
+#pragma once
+
+// The parts of a report on one scene, as HTML that needs no script. `id` is the scene's in the page, "s1",
+// with which the ids of its elements begin. Headings are of `level` and below.
+
+#include <string>
+
+#include "cli/page/page_scene.h"
+
+namespace cli {
+
+struct PagePlace {
+    std::string id;
+    int level = 2;  ///< of the headings of parts: 2 or 3
+};
+
+/// "It imports, but 2 footage files are missing; placeholders stand in for them."
+[[nodiscard]] std::string verdict_sentence(const PageScene& scene);
+
+/// Does it import, and is anything lost? What a check found, with the lines of the scene, what an export
+/// corrects, and what other programs lose.
+[[nodiscard]] std::string losses_part(const PageScene& scene, const PagePlace& place);
+
+/// Is the camera right? The proof, and the place of the view in three dimensions.
+[[nodiscard]] std::string camera_part(const PageScene& scene, const PagePlace& place);
+
+/// What is in it? Folders, compositions with their layers, footage, cameras, lights and nulls.
+[[nodiscard]] std::string contents_part(const PageScene& scene, const PagePlace& place);
+
+/// What to do next? Commands to copy.
+[[nodiscard]] std::string commands_part(const PageScene& scene, const PagePlace& place);
+
+/// "<h2 id="s1-camera">Is the camera right?</h2>"
+[[nodiscard]] std::string part_heading(const PagePlace& place, std::string_view part, std::string_view title);
+
+/// A subheading within a part.
+[[nodiscard]] std::string subheading(const PagePlace& place, std::string_view title);
+
+/// "<span class="mark loss">loss</span>"
+[[nodiscard]] std::string severity_mark(Severity severity);
+
+}  // namespace cli

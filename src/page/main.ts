@@ -1,0 +1,3 @@
+import { offerToCopy } from "./copying.ts";
+
+offerToCopy(document);
