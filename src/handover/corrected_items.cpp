@@ -113,6 +113,15 @@ ShownFiles shown_files(const embedded::SequenceFrames& sequence, std::int64_t fr
     return shown;
 }
 
+// As the host calls a sequence: "shot[0017-0020].png".
+std::string sequence_name(const NumberedFiles& files) {
+    NumberedFiles numbers = files;
+    numbers.prefix.clear();
+    numbers.suffix.clear();
+    return files.prefix + "[" + file_name(numbers, files.first) + "-" + file_name(numbers, files.last) + "]" +
+           files.suffix;
+}
+
 void correct_plate(CorrectionRun& run, Layer& layer, Footage& footage,
                    const embedded::SequenceFrames& sequence) {
     const Shot& shot = run.handover.shot;
@@ -136,6 +145,8 @@ void correct_plate(CorrectionRun& run, Layer& layer, Footage& footage,
     files.whole = false;
     const auto folder = os::path_of(footage.path).parent_path();
     footage.path = os::text_of(folder / os::path_of(file_name(files, files.first)));
+    run.handover.items[layer.item].name = sequence_name(files);
+    layer.name = run.handover.items[layer.item].name;
     const std::int64_t count = shown.last - shown.first + 1;
     footage.frames = static_cast<double>(count);
     layer.start = static_cast<double>((shot.local ? shot.from : 0) + shown.first - shot.from);

@@ -69,16 +69,17 @@ TEST(PlateFrames, ShowTheFileOfEachFrame) {
         double start, length;
         std::int64_t changed;
         bool elsewhere;
+        const char* name;
     } kCases[] = {
-        {"the files are those of the scene", "FROM 5 TO 9", 5, 9, 5, 9, 0, 5, 0, false},
-        {"files before FROM are left out", "FROM 5 TO 9", 2, 9, 5, 9, 0, 5, 1, false},
-        {"files after TO are left out", "FROM 5 TO 9", 5, 12, 5, 9, 0, 5, 0, false},
-        {"the first file is later", "FROM 5 TO 9", 7, 12, 7, 9, 2, 3, 1, false},
+        {"the files are those of the scene", "FROM 5 TO 9", 5, 9, 5, 9, 0, 5, 0, false, "a[0005-0009].tga"},
+        {"files before FROM are left out", "FROM 5 TO 9", 2, 9, 5, 9, 0, 5, 1, false, "a[0005-0009].tga"},
+        {"files after TO are left out", "FROM 5 TO 9", 5, 12, 5, 9, 0, 5, 0, false, "a[0005-0009].tga"},
+        {"the first file is later", "FROM 5 TO 9", 7, 12, 7, 9, 2, 3, 1, false, "a[0007-0009].tga"},
         {"with LOCAL the composition has the scene's frames", "FROM 5 TO 9 LOCAL", 7, 12, 7, 9, 7, 3, 1,
-         false},
-        {"one frame in common", "FROM 5 TO 9", 9, 12, 9, 9, 4, 1, 1, false},
-        {"no frame in common", "FROM 5 TO 9", 10, 12, 10, 12, 0, 5, 0, true},
-        {"no frame in common, before", "FROM 5 TO 9 LOCAL", 1, 4, 1, 4, 5, 5, 0, true},
+         false, "a[0007-0009].tga"},
+        {"one frame in common", "FROM 5 TO 9", 9, 12, 9, 9, 4, 1, 1, false, "a[0009-0009].tga"},
+        {"no frame in common", "FROM 5 TO 9", 10, 12, 10, 12, 0, 5, 0, true, "a[0010-0012].tga"},
+        {"no frame in common, before", "FROM 5 TO 9 LOCAL", 1, 4, 1, 4, 5, 5, 0, true, "a[0001-0004].tga"},
     };
     for (const auto& one : kCases) {
         const SceneFolder folder;
@@ -97,6 +98,8 @@ TEST(PlateFrames, ShowTheFileOfEachFrame) {
         EXPECT_EQ(layer.start, one.start) << one.reason;
         EXPECT_EQ(layer.in, one.start) << one.reason;
         EXPECT_EQ(layer.length, one.length) << one.reason;
+        EXPECT_EQ(handover.items.at(footage.item).name, one.name) << one.reason;
+        EXPECT_EQ(layer.name, one.name) << one.reason << ": a layer is called after its footage";
         EXPECT_EQ(count_of(handover, Correction::plate_frames), one.changed) << one.reason;
         EXPECT_EQ(loss_codes(handover), one.elsewhere
                                             ? std::vector<std::string>{"handover-sequence-elsewhere"}

@@ -208,10 +208,9 @@ function buildLayer(one, composition, below) {
         layer.label = LABELS[one.kind];
     }
     var changes = one.changes;
-    if (isNew || contains(changes, "name")) {
-        if (one.kind === "camera" || one.kind === "light" || one.kind === "null" || one.name !== layer.name) {
-            rename(layer, one.name, token);
-        }
+    // A layer with a source is called after it, as long as nobody names it otherwise.
+    if (one.item === undefined && (isNew || contains(changes, "name"))) {
+        rename(layer, one.name, token);
     }
     if (isNew || contains(changes, "settings")) {
         setKind(one, layer);
