@@ -1,11 +1,14 @@
-// Runs every script of a folder in the stand-in for After Effects, twice, and compares the project with that of the embedded
-// host: check_scripts.js NODE_MODULES FOLDER. FOLDER has SCENE.jsx and SCENE.json (of `vxr import --json`) beside each other,
-// SCENE.corrected.jsx, which is run and not compared, and a list "scenes.txt" of the scenes' files, a line each.
+// Runs every script of a folder in the stand-in for After Effects, twice: check_scripts.js NODE_MODULES FOLDER. FOLDER has a list
+// "scenes.txt" of the scenes' files, a line each, and for each SCENE.aec
+//     imported/SCENE.jsx    is compared with the project of the embedded host,
+//     projects/SCENE.json   of `vxr import --json`;
+//     corrected/SCENE.jsx   builds what is written to corrected/SCENE.json, for corrected_project.py.
 "use strict";
 
 const fs = require("fs");
 const path = require("path");
 const { makeHost } = require("./ae_mock.js");
+const { builtProject } = require("./built_project.js");
 const { differences } = require("./imported_project.js");
 
 const [modules, folder] = process.argv.slice(2).map((one) => path.resolve(one));
@@ -61,17 +64,11 @@ function runTwice(scene, project, name, compare) {
 
 function check(scene) {
     const stem = path.basename(scene, ".aec");
-    const document = JSON.parse(fs.readFileSync(path.join(folder, stem + ".json"), "utf8"));
-    const project = document.project || document;
+    const project = JSON.parse(fs.readFileSync(path.join(folder, "projects", stem + ".json"), "utf8"));
     return [
-        ...runTwice(scene, project, stem + ".jsx", (host, failures) => failures.push(...differences(host, project).slice(0, 10))),
-        ...runTwice(scene, project, stem + ".corrected.jsx", (host, failures) => {
-            const layers = host.state.items.reduce((sum, item) => sum + (item.layers ? item.layers.length : 0), 0);
-            const expected = project.compositions.reduce((sum, composition) => sum + composition.layers.length, 0);
-            if (layers !== expected) {
-                failures.push(`${layers} layers, and the plug-in makes ${expected}`);
-            }
-        }),
+        ...runTwice(scene, project, `imported/${stem}.jsx`, (host, failures) => failures.push(...differences(host, project).slice(0, 10))),
+        ...runTwice(scene, project, `corrected/${stem}.jsx`, (host) =>
+            fs.writeFileSync(path.join(folder, "corrected", stem + ".json"), JSON.stringify(builtProject(host)))),
     ];
 }
 

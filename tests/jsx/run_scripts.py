@@ -2,7 +2,8 @@
 """Runs the scripts of scenes in the stand-in for After Effects: run_scripts.py VXR BUNDLE NODE DUK NODE_MODULES COUNT [SEED].
 
 The scenes are the examples and COUNT generated ones. `vxr export` writes the scripts, `vxr import --json` the projects that
-the plug-in builds; check_scripts.js runs and compares, in one process for all. tsc checks some of the scripts against the
+the plug-in builds; check_scripts.js runs them and compares the imported ones, in one process for all; corrected_project.py
+compares the corrected ones with what the scenes' text says. tsc checks some of the scripts against the
 typings of four versions of After Effects, and duk runs the same ones, because node is not the only engine.
 """
 
@@ -10,8 +11,9 @@ import json
 import subprocess
 import sys
 import tempfile
-from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
+
+import corrected_project
 
 HERE = Path(__file__).resolve().parent
 ROOT = HERE.parent.parent
@@ -57,6 +59,40 @@ def check_duk(duk, folder, scripts):
             sys.exit(f"{script.name}: duk did not rebuild it")
 
 
+def write_scripts(vxr, bundle, output, scenes):
+    """In one process for all; 4: placeholders stand in for missing footage, as in many of the generated scenes."""
+    for version in ("imported", "corrected"):
+        (output / (version + ".json")).write_text(run(
+            [vxr, "export", "--to", "jsx", "--as", version, "--json", "--bundle", bundle, "--out-dir", output / version] + scenes, (0, 4)))
+    documents = run([vxr, "import", "--json", "--bundle", bundle] + scenes, (0, 4))
+    (output / "projects").mkdir()
+    at = 0
+    for scene in scenes:
+        # One after the other.
+        at = documents.index("{", at)
+        document, at = json.JSONDecoder().raw_decode(documents, at)
+        (output / "projects" / (scene.stem + ".json")).write_text(json.dumps(document))
+
+
+def check_corrected(folder, scenes):
+    failed, points, worst = [], 0, 0.0
+    exported = json.loads((folder / "corrected.json").read_text())["scenes"]
+    for scene, said in zip(scenes, exported, strict=True):
+        assert said["scene"] == str(scene)
+        built = json.loads((folder / "corrected" / (scene.stem + ".json")).read_text())
+        found, count, distance = corrected_project.compare(scene, built, said["losses"])
+        points += count
+        worst = max(worst, distance)
+        if found:
+            failed.append("\n    ".join([str(scene)] + found[:10]))
+    print(f"{len(scenes) - len(failed)} of {len(scenes)} corrected scripts built what the scene says; "
+          f"{points} points are at most {worst:.4f} pixels away")
+    if failed:
+        sys.exit("\n".join(failed))
+    if points == 0:
+        sys.exit("no camera was compared")
+
+
 def main():
     vxr, bundle, node, duk, modules, count = sys.argv[1:7]
     modules = Path(modules).resolve()
@@ -70,19 +106,12 @@ def main():
         if len(scenes) < int(count) + 4:
             sys.exit(f"{len(scenes)} scenes are too few")
         output = folder / "out"
-        output.mkdir()
-        # 4: footage is missing and placeholders stand in, as in many of the generated scenes.
-        def write(scene):
-            run([vxr, "export", "--to", "jsx", "--as", "imported", "--bundle", bundle, "-o", output / (scene.stem + ".jsx"), scene],
-                (0, 4))
-            run([vxr, "export", "--to", "jsx", "--bundle", bundle, "-o", output / (scene.stem + ".corrected.jsx"), scene], (0, 4))
-            (output / (scene.stem + ".json")).write_text(run([vxr, "import", "--json", "--bundle", bundle, scene], (0, 4)))
-
-        with ThreadPoolExecutor(2) as workers:
-            list(workers.map(write, scenes))
+        write_scripts(vxr, bundle, output, scenes)
         (output / "scenes.txt").write_text("\n".join(map(str, scenes)) + "\n")
         print(run([node, HERE / "check_scripts.js", modules, output]), end="")
-        some = [output / (scene.stem + ".jsx") for scene in scenes[:4]]
+        check_corrected(output, scenes)
+        # The examples, and a share of the others.
+        some = [output / "imported" / (scene.stem + ".jsx") for scene in scenes[:4] + scenes[4::25]]
         # The runtime is the same in all.
         check_types(node, modules, output, some[:1])
         if duk and "NOTFOUND" not in duk:
