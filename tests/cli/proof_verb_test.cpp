@@ -108,6 +108,34 @@ TEST(ProofVerb, ShowsTheVerdictFirst) {
     EXPECT_NE(ran.out.find("how a null is turned has no truth"), std::string::npos);
 }
 
+TEST(ProofVerb, ListsPointsAtFrames) {
+    const std::string scene = VXR_EXAMPLES_DIR "/square/courtyard_020.aec";
+    const Ran ran = prove(scene, {"--json", "--points", "1", "--at", "4", "--at", "5.5"});
+    EXPECT_EQ(ran.code, ExitCode::fine) << ran.err;
+    const json document = json::parse(ran.out);
+    const json& frames = document["cameras"][0]["frames"];
+    ASSERT_EQ(frames.size(), 2U);
+    EXPECT_EQ(frames[1]["frame"], 5.5);
+    // The aim of frame 4 is in the middle of the picture, for the scene and for what is handed over.
+    const json& aim = frames[0]["points"][0];
+    EXPECT_EQ(aim["point"], "a point around the aim");
+    EXPECT_NEAR(aim["truth"][0], 320, 1e-6);
+    EXPECT_NEAR(aim["truth"][1], 180, 1e-6);
+    ASSERT_EQ(aim["landed"].size(), document["targets"].size());
+    for (std::size_t i = 0; i < document["targets"].size(); ++i) {
+        if (document["targets"][i] == "USD") {
+            EXPECT_NEAR(aim["landed"][i][0], 320, 0.05);
+        }
+    }
+    EXPECT_FALSE(json::parse(prove(scene, {"--json", "--points", "1"}).out)["cameras"][0].contains("frames"));
+    for (const std::vector<std::string>& wrong :
+         {std::vector<std::string>{"--at", "4"}, std::vector<std::string>{"--json", "--at", "four"}}) {
+        const Ran refused = prove(scene, wrong);
+        EXPECT_EQ(refused.code, ExitCode::usage) << wrong.back();
+        EXPECT_NE(refused.err.find("--at"), std::string::npos) << refused.err;
+    }
+}
+
 TEST(ProofVerb, ASceneThatIsRefusedIsNotCompared) {
     const TemporaryFolder folder;
     const Ran ran = prove(folder.write("a.aec", "VORTAN XR COMPOSITION\nRESOLUTION 0 0\n"), {"--json"});
@@ -150,7 +178,7 @@ TEST(ProofVerb, DrawsWhereThePointsLand) {
                      picture});
     EXPECT_EQ(read.exit_code, 0) << read.err;
     // The curve leaves the line by some tenths of a pixel: a hundred times that can be seen.
-    EXPECT_NE(read.out.find("</text>\\u2028&, frame 6.33"), std::string::npos) << read.out;
+    EXPECT_NE(read.out.find("</text>\\\\xe2\\\\x80\\\\xa8&, frame 6.33"), std::string::npos) << read.out;
     EXPECT_NE(read.out.find(": errors are drawn 100 times as large"), std::string::npos) << read.out;
     EXPECT_NE(read.out.find("corrected: at most 0"), std::string::npos) << read.out;
     EXPECT_GE(std::stoi(read.out.substr(read.out.find('\n') + 1)), 8) << read.out;

@@ -127,7 +127,7 @@ const PublishedVerb kVerbs[] = {
      {"SCENE", "-r, --recursive", "--files-from FILE", "-0, --null", "-o, --output FILE.html",
       "--progress auto|never", "-j, --jobs N", "--bundle PATH", "-h, --help"}},
     {"proof",
-     {"SCENE", "--points N", "--json", "--picture FILE", "--for-after-effects FILE", "--bundle PATH",
+     {"SCENE", "--points N", "--json", "--at FRAME", "--picture FILE", "--for-after-effects FILE", "--bundle PATH",
       "-h, --help"}},
     {"preview",
      {"SCENE", "-o, --output IMAGE", "--frame N", "--comp NAME", "--linear", "--raw",

@@ -23,7 +23,7 @@ const std::vector<Key> kWay = {
     {0, 0, 0, 0, 0, 0, 10, 50}, {40, 0, 0, 0, 0, 0, 10, 50}, {80, 300, 50, 100, 0, 0, 10, 50}};
 
 ProofResult proved(const Scene& scene, const Handover& project, int grid_points = 27) {
-    return proof::compare(scene.settings, proof::after_effects_targets(project), {grid_points, 60});
+    return proof::compare(scene.settings, proof::after_effects_targets(project), {grid_points, 60, {}});
 }
 
 std::string causes_of(const TargetResult& result) {
@@ -58,6 +58,32 @@ TEST(Comparison, WhatIsTheSameDeviatesByNothing) {
     // beside the keys.
     EXPECT_EQ(result.cameras[0].keys_compared, 3);
     EXPECT_EQ(result.cameras[0].moments, 4 + 2 * (7 + 4));
+}
+
+TEST(Comparison, ListsThePointsOfTheFramesThatAreAskedFor) {
+    Scene scene(640, 480);
+    scene.camera({{0, 0, 0, 0, 0, 0, 0, 90, 100}}).null({{0, 20, 10, 100}, {10, 40, 10, 100}});
+    const Handover project = made::project(640, 480, 1, 1);
+    proof::ProofOptions options;
+    options.grid_points = 1;
+    options.listed_frames = {5, -7.5};
+    // A target that arrives nowhere has no places; the truth of its points is listed all the same.
+    const ProofResult result = proof::compare(scene.settings, proof::after_effects_targets(project), options);
+    ASSERT_EQ(result.cameras[0].listed.size(), 2U);
+    const proof::ListedFrame& listed = result.cameras[0].listed[0];
+    EXPECT_EQ(listed.frame, 5);
+    // The aim, four corners at three depths, the null halfway between its keys: 320 pixels from the middle
+    // are as far as the point is away.
+    ASSERT_EQ(listed.points.size(), 14U);
+    const proof::ListedPoint& null = listed.points[13];
+    EXPECT_EQ(null.label, "null \"Null\"");
+    EXPECT_EQ(null.place.x, 30);
+    EXPECT_NEAR(null.truth.x_px, 320 + 0.3 * 320, 1e-9);
+    EXPECT_NEAR(null.truth.y_px, 240 - 0.1 * 320, 1e-9);
+    ASSERT_EQ(null.landed.size(), result.targets.size());
+    EXPECT_FALSE(null.landed[0].seen);
+    EXPECT_EQ(result.cameras[0].listed[1].frame, -7.5);
+    EXPECT_EQ(result.cameras[0].listed[1].points[13].place.x, 20);
 }
 
 TEST(Comparison, NamesACurveAndMeasuresIt) {

@@ -279,7 +279,7 @@ TEST(FileTargets, WhatIsWrittenSaysWhatTheSceneSays) {
              proof::usda_targets(one.project, written(handover::write_usda, one.project))) {
             targets.push_back(target);
         }
-        const proof::ProofResult result = proof::compare(one.scene.settings, targets, {8, 60});
+        const proof::ProofResult result = proof::compare(one.scene.settings, targets, {8, 60, {}});
         ASSERT_EQ(result.targets,
                   (std::vector<std::string>{"glTF", "glTF, without KHR_animation_pointer", "USD"}));
         for (const proof::TargetResult& target : result.cameras[0].targets) {

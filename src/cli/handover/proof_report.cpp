@@ -176,6 +176,27 @@ ProofJson target_json(const proof::TargetResult& target) {
             {"causes", causes}};
 }
 
+ProofJson listed_json(const proof::CameraResult& camera) {
+    ProofJson frames = ProofJson::array();
+    for (const proof::ListedFrame& listed : camera.listed) {
+        ProofJson points = ProofJson::array();
+        for (const proof::ListedPoint& point : listed.points) {
+            ProofJson landed = ProofJson::array();
+            for (const proof::Landing& landing : point.landed) {
+                landed.push_back(landing_json(landing));
+            }
+            points.push_back(
+                {{"point", embedded::json_text(point.label)},
+                 {"place",
+                  {number_json(point.place.x), number_json(point.place.y), number_json(point.place.z)}},
+                 {"truth", landing_json(point.truth)},
+                 {"landed", landed}});
+        }
+        frames.push_back({{"frame", listed.frame}, {"points", points}});
+    }
+    return frames;
+}
+
 }  // namespace
 
 std::string proof_text(const ProofRun& run, const Paint& paint) {
@@ -211,6 +232,9 @@ nlohmann::ordered_json proof_document(const ProofRun& run) {
                                {"left_out", camera.left_out},
                                {"no_picture", camera.no_picture},
                                {"targets", targets}});
+            if (!camera.listed.empty()) {
+                cameras.back()["frames"] = listed_json(camera);
+            }
         }
         for (const proof::NullResult& null : run.result->nulls) {
             ProofJson distances = ProofJson::array();

@@ -15,6 +15,7 @@
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verbs.h"
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -29,6 +30,12 @@ class ProofCommand : public Command {
             .range(1, 1000)
             .show_default();
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
+        options
+            .option(
+                "--at", at_,
+                "with --json: also list every test point at this frame and where it lands; may be repeated")
+            .value_name("FRAME")
+            .group("Output");
         options.option("--picture", picture_, "also write a picture of the test points, as SVG")
             .value_name("FILE")
             .group("Output");
@@ -41,6 +48,7 @@ class ProofCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
+        take_listed_frames();
         const SceneReading reading = read_scene(file_);
         const FoundBundle bundle = find_bundle(bundle_);
         if (!script_.empty()) {
@@ -68,6 +76,20 @@ class ProofCommand : public Command {
     }
 
   private:
+    void take_listed_frames() {
+        if (!at_.empty() && !json_) {
+            throw UsageError("--at lists points in the JSON document, so it goes with --json");
+        }
+        for (const std::string& text : at_) {
+            const bool negative = text.starts_with('-');
+            const std::optional<double> frame = parse_option_decimal(negative ? text.substr(1) : text);
+            if (!frame) {
+                throw UsageError("--at takes a frame, like 17 or 17.5, and not " + text::quoted(text));
+            }
+            options_.listed_frames.push_back(negative ? -*frame : *frame);
+        }
+    }
+
     [[nodiscard]] ExitCode write_script(const SceneReading& reading, const FoundBundle& bundle,
                                         Terminal& terminal) const {
         if (json_ || !picture_.empty()) {
@@ -107,6 +129,7 @@ class ProofCommand : public Command {
     std::string file_;
     std::string picture_;
     std::string script_;
+    std::vector<std::string> at_;
     proof::ProofOptions options_;
     bool json_ = false;
     std::string bundle_;

@@ -45,7 +45,7 @@ class CameraComparison {
   public:
     CameraComparison(const tagProjectSettings& settings, const std::vector<TruthObject>& objects,
                      std::size_t object, const ProofOptions& options)
-        : settings_(settings), object_(object), options_(options) {
+        : settings_(settings), camera_(objects[object]), object_(object), options_(options) {
         for (const TruthObject& one : objects) {
             if (one.kind == TruthObject::Kind::null && !one.keys.empty() && nulls_.size() < kMostNullPoints) {
                 nulls_.push_back(&one);
@@ -55,7 +55,7 @@ class CameraComparison {
         result.name = objects[object].name;
         result.keys = static_cast<std::int64_t>(objects[object].keys.size());
         if (result.keys > 0) {
-            look(objects[object]);
+            look();
         }
     }
 
@@ -106,29 +106,66 @@ class CameraComparison {
         }
     }
 
+    void list_points(const std::vector<ProofTarget>& targets) {
+        const TruthCamera truth(settings_, camera_, options_.cut_angle_degrees);
+        for (const double frame : options_.listed_frames) {
+            ListedFrame listed{frame, {}};
+            if (result.keys > 0 && truth.has_picture(frame)) {
+                std::int64_t left_out = 0;
+                const TruthAtMoment at = truth_at(truth, {frame, MomentKind::frame}, left_out);
+                for (std::size_t i = 0; i < at.points.size(); ++i) {
+                    listed.points.push_back(
+                        {point_label(i, options_.grid_points, nulls_), at.points[i], at.landings[i], {}});
+                }
+                add_landings(targets, at, listed);
+            }
+            result.listed.push_back(std::move(listed));
+        }
+    }
+
     CameraResult result;
 
   private:
-    void look(const TruthObject& camera) {
-        const TruthCamera truth(settings_, camera, options_.cut_angle_degrees);
+    void add_landings(const std::vector<ProofTarget>& targets, const TruthAtMoment& at,
+                      ListedFrame& listed) const {
+        for (const ProofTarget& target : targets) {
+            std::vector<Landing> landings(at.points.size());
+            std::string problem;
+            if (const auto camera = target.camera(object_, {}, problem)) {
+                camera->land(at.moment.frame, at.points, landings);
+            }
+            for (std::size_t i = 0; i < landings.size(); ++i) {
+                listed.points[i].landed.push_back(landings[i]);
+            }
+        }
+    }
+
+    void look() {
+        const TruthCamera truth(settings_, camera_, options_.cut_angle_degrees);
         for (const Moment& moment :
-             moments_of(camera, settings_.from, settings_.to, kMostKeys, result.keys_compared)) {
+             moments_of(camera_, settings_.from, settings_.to, kMostKeys, result.keys_compared)) {
             if (!truth.has_picture(moment.frame)) {
                 ++result.no_picture;
                 continue;
             }
-            TruthAtMoment one{moment, test_points(truth, moment.frame, options_.grid_points, nulls_), {}};
-            one.landings.resize(one.points.size());
-            truth.land(moment.frame, one.points, one.landings);
-            for (Landing& landing : one.landings) {
-                if (!counts(landing)) {
-                    landing.seen = false;
-                    ++result.left_out;
-                }
-            }
-            truth_.push_back(std::move(one));
+            truth_.push_back(truth_at(truth, moment, result.left_out));
         }
         result.moments = static_cast<std::int64_t>(truth_.size());
+    }
+
+    // Adds the points that do not count to `left_out`.
+    [[nodiscard]] TruthAtMoment truth_at(const TruthCamera& truth, const Moment& moment,
+                                         std::int64_t& left_out) const {
+        TruthAtMoment one{moment, test_points(truth, moment.frame, options_.grid_points, nulls_), {}};
+        one.landings.resize(one.points.size());
+        truth.land(moment.frame, one.points, one.landings);
+        for (Landing& landing : one.landings) {
+            if (!counts(landing)) {
+                landing.seen = false;
+                ++left_out;
+            }
+        }
+        return one;
     }
 
     [[nodiscard]] bool counts(const Landing& landing) const {
@@ -226,6 +263,7 @@ class CameraComparison {
     }
 
     const tagProjectSettings& settings_;
+    const TruthObject& camera_;
     std::size_t object_;
     ProofOptions options_;
     std::vector<const TruthObject*> nulls_;
@@ -298,6 +336,7 @@ ProofResult compare(const tagProjectSettings& settings, const std::vector<ProofT
                 comparison.add(target);
             }
             comparison.take_picture(targets);
+            comparison.list_points(targets);
             result.cameras.push_back(std::move(comparison.result));
         } else if (objects[i].kind == TruthObject::Kind::null && !objects[i].keys.empty()) {
             ++result.nulls_in_scene;

@@ -54,6 +54,7 @@ struct ProofTarget {
 struct ProofOptions {
     int grid_points = 27;  ///< at least so many around each camera's aim; from 1 to 1000
     double cut_angle_degrees = 60;
+    std::vector<double> listed_frames;  ///< at which CameraResult::listed has every test point
 };
 
 /// A test point where it is farthest off.
@@ -102,6 +103,19 @@ struct PicturePoint {
     std::vector<Landing> landed;  ///< for each target of the camera
 };
 
+/// A test point at one frame, and where everything shows it.
+struct ListedPoint {
+    std::string label;  ///< "a corner at the target distance"
+    Point place;
+    Landing truth;                ///< not seen if the point does not count
+    std::vector<Landing> landed;  ///< for each target of the camera
+};
+
+struct ListedFrame {
+    double frame = 0;
+    std::vector<ListedPoint> points;  ///< none if the camera has no picture
+};
+
 struct CameraResult {
     std::size_t object = 0;  ///< in the order of the file
     std::string name;
@@ -113,6 +127,7 @@ struct CameraResult {
     std::vector<TargetResult> targets;
     double picture_frame = 0;  ///< where the judged, else the other targets are farthest off
     std::vector<PicturePoint> picture;
+    std::vector<ListedFrame> listed;  ///< as ProofOptions::listed_frames
 };
 
 struct NullResult {
