@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <stdexcept>
+#include <string>
 #include <string_view>
 
 #include "check.h"
@@ -11,7 +12,9 @@
 #include "cli/handover/handover_run.h"
 #include "footage.h"
 #include "handover/handover_invariants.h"
+#include "handover/plan/plan_picture.h"
 #include "input.h"
+#include "text/utf8.h"
 
 const std::size_t kOptionBytes = 3;
 
@@ -35,6 +38,10 @@ void check(const cli::SceneReading& reading, handover::Version version,
         return;
     }
     require_sound(handover::validate_handover(*result.handover));
+    // Whatever a scene holds, its plan is a picture of a size that browsers open.
+    constexpr std::size_t kLargestPlan = 32 << 20;
+    const std::string plan = plan::plan_picture(*result.handover, options.cut_angle_degrees);
+    require(text::is_utf8(plan) && plan.size() < kLargestPlan, "the plan of any scene is text");
     if (!is_short(*result.handover)) {
         return;
     }

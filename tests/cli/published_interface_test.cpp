@@ -131,7 +131,7 @@ const PublishedVerb kVerbs[] = {
       "-h, --help"}},
     {"preview",
      {"SCENE", "-o, --output IMAGE", "--frame N", "--comp NAME", "--linear", "--raw",
-      "--fields upper|lower|both", "--search DIR", "--map FROM=TO", "--bundle PATH", "-h, --help"}},
+      "--fields upper|lower|both", "--plan", "--search DIR", "--map FROM=TO", "--bundle PATH", "-h, --help"}},
     {"limits", {"--json", "-h, --help"}},
     {"doctor",
      {"BUNDLE", "--json", "--list-codes", "--no-load", "--always-load", "--timeout SECONDS",

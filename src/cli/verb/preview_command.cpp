@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <initializer_list>
 #include <memory>
 #include <optional>
 #include <ostream>
@@ -7,6 +8,7 @@
 #include <vector>
 
 #include "cli/footage/finding_options.h"
+#include "cli/handover/handover_run.h"
 #include "cli/job/relinked_copy.h"
 #include "cli/options.h"
 #include "cli/preview/preview.h"
@@ -14,10 +16,13 @@
 #include "cli/project/import_run.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/terminal/file_roles.h"
+#include "cli/terminal/output_file.h"
 #include "cli/terminal/terminal.h"
 #include "cli/texture/texture_conversion.h"
 #include "cli/verbs.h"
+#include "handover/plan/plan_picture.h"
 #include "image/image.h"
+#include "text/ascii.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -50,17 +55,25 @@ class PreviewCommand : public Command {
             .choices({"upper", "lower", "both"})
             .show_default()
             .group(kShownGroup);
+        options
+            .flag("--plan", plan_,
+                  "instead of a frame, cameras, lights and nulls from above, from the side and over time; "
+                  "IMAGE is an .svg file")
+            .group(kShownGroup);
         add_finding_options(options, choices_, false);
         add_bundle_option(options, bundle_);
     }
 
     ExitCode run(Terminal& terminal) override {
+        if (plan_) {
+            return draw_plan(terminal);
+        }
         if (!image::can_write(output_)) {
             throw UsageError("no image format has the extension of " + output_);
         }
         const FoundScene scene(file_, choices_);
         const FoundBundle bundle = find_bundle(bundle_);
-        refuse_to_overwrite(scene, bundle);
+        refuse_to_overwrite({&scene.original(), &scene.reading()}, bundle);
         Preview preview(scene.reading(), bundle, preview_options());
         if (preview.code() != ExitCode::fine) {
             return tell(preview, terminal);
@@ -74,6 +87,33 @@ class PreviewCommand : public Command {
     }
 
   private:
+    // Footage does not count, so the exit code does not tell of any that is missing.
+    ExitCode draw_plan(Terminal& terminal) const {
+        if (!text::ends_with_ignoring_case(output_, ".svg")) {
+            throw UsageError("--plan writes SVG, so the name of its output ends in .svg");
+        }
+        const SceneReading reading = read_scene(file_);
+        const FoundBundle bundle = find_bundle(bundle_);
+        refuse_to_overwrite({&reading}, bundle);
+        OutputFile output(output_);
+        const handover::HandoverOptions options;
+        const HandedOver run = hand_over(reading, bundle, handover::Version::corrected, options);
+        for (const Diagnostic& diagnostic : run.diagnostics) {
+            terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
+        }
+        for (const std::string& problem : run.problems) {
+            complain(terminal, problem);
+        }
+        if (!run.handover) {
+            return run.code;
+        }
+        output.write(plan::plan_picture(*run.handover, options.cut_angle_degrees));
+        output.close();
+        terminal.out << "plan of " << run.handover->objects.size() << " objects -> "
+                     << text::printable(output_) << '\n';
+        return ExitCode::fine;
+    }
+
     [[nodiscard]] PreviewOptions preview_options() const {
         PreviewOptions options;
         options.composition = composition_;
@@ -86,10 +126,12 @@ class PreviewCommand : public Command {
         return options;
     }
 
-    void refuse_to_overwrite(const FoundScene& scene, const FoundBundle& bundle) const {
+    void refuse_to_overwrite(std::initializer_list<const SceneReading*> scenes,
+                             const FoundBundle& bundle) const {
         FileRoles roles;
-        add_import_reads(scene.original(), bundle, roles);
-        add_import_reads(scene.reading(), bundle, roles);
+        for (const SceneReading* const scene : scenes) {
+            add_import_reads(*scene, bundle, roles);
+        }
         if (const std::string refusal = roles.writes(output_, "--output"); !refusal.empty()) {
             throw UsageError(refusal);
         }
@@ -135,6 +177,7 @@ class PreviewCommand : public Command {
     std::string fields_ = "both";
     bool linear_ = false;
     bool raw_ = false;
+    bool plan_ = false;
     FindingChoices choices_;
     std::string bundle_;
 };
@@ -153,7 +196,9 @@ Verb preview_verb() {
              "read is shown as colour bars with its name, and the exit code is 4. A PNG has straight alpha."},
             {{"vxr preview shot.aec -o shot.png", "The first frame of the outermost composition."},
              {"vxr preview shot.aec --comp Inner --frame 1 -o inner.png",
-              "A nested composition by itself, at its second frame."}},
+              "A nested composition by itself, at its second frame."},
+             {"vxr preview shot.aec --plan -o plan.svg",
+              "Where the camera goes and what it sees, for any browser."}},
             []() -> std::unique_ptr<Command> { return std::make_unique<PreviewCommand>(); }};
 }
 

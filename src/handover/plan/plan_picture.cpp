@@ -1,12 +1,14 @@
 #include "handover/plan/plan_picture.h"
 
 #include <algorithm>
+#include <string_view>
 #include <vector>
 
 #include "handover/plan/page.h"
 #include "handover/plan/plan_curves.h"
 #include "handover/plan/plan_map.h"
 #include "handover/plan/plan_scene.h"
+#include "text/ascii.h"
 #include "text/plain_number.h"
 #include "text/svg.h"
 
@@ -33,9 +35,8 @@ std::string counted(std::int64_t count, const std::string& one) {
     return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
 }
 
-std::string file_name_of(const std::string& path) {
-    const std::size_t slash = path.find_last_of("/\\");
-    return slash == std::string::npos ? path : path.substr(slash + 1);
+std::string_view file_name_of(const std::string& path) {
+    return text::last_component(path, "/\\");
 }
 
 std::string summary_of(const Handover& handover) {
