@@ -5,7 +5,9 @@
 #include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
+#include <stdexcept>
 #include <string>
+#include <string_view>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -211,6 +213,29 @@ TEST(DoctorVerb, UsageIsChecked) {
     EXPECT_EQ(doctor({"--timeout", "0", "a"}).exit_code, 2);
     EXPECT_EQ(doctor({"--load", "tomorrow", "a"}).exit_code, 2);
     EXPECT_EQ(doctor({"a", "b"}).exit_code, 2);
+}
+
+TEST(ChildProcess, ReadsWhatItIsGiven) {
+    using std::chrono::seconds;
+    const std::string piece(100000, 'a');
+    int pieces = 0;
+    const auto input = [&]() -> std::string_view {
+        return pieces++ < 30 ? std::string_view(piece) : std::string_view();
+    };
+    const cli::ChildResult all = cli::run_child("/usr/bin/wc", {"-c"}, seconds(60), input);
+    EXPECT_EQ(all.out, "3000000\n");
+    EXPECT_EQ(pieces, 31);
+
+    // The signal that ends a program which writes to nobody does not end this one.
+    pieces = 0;
+    const cli::ChildResult some =
+        cli::run_child("/bin/sh", {"-c", "head -c 5 > /dev/null; exit 4"}, seconds(60), input);
+    EXPECT_EQ(some.exit_code, 4);
+    EXPECT_LT(pieces, 30);
+
+    EXPECT_THROW((void)cli::run_child("/bin/cat", {}, seconds(60),
+                                      []() -> std::string_view { throw std::runtime_error("no more"); }),
+                 std::runtime_error);
 }
 
 TEST(ChildProcess, ReturnsOutputAndHowTheProgramEnded) {

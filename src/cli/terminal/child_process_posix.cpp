@@ -2,12 +2,14 @@
 #include <poll.h>
 #include <signal.h>
 #include <spawn.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <system_error>
 
@@ -54,6 +56,78 @@ class Pipe {
     std::array<int, 2> ends_{-1, -1};
 };
 
+/// What the child reads. A pair of sockets and not a pipe, because a socket can be told not to end this
+/// program when the child reads no more.
+class InputChannel {
+  public:
+    explicit InputChannel(const ChildInput& input) : input_(input) {
+        if (!input_) {
+            return;
+        }
+        if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends_.data()) != 0) {
+            throw std::system_error(errno, std::generic_category(), "socketpair");
+        }
+        for (const int end : ends_) {
+            ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        }
+        ::fcntl(ends_[1], F_SETFL, O_NONBLOCK);
+#if defined(__APPLE__)
+        const int on = 1;
+        ::setsockopt(ends_[1], SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+#endif
+    }
+    ~InputChannel() {
+        close(0);
+        close(1);
+    }
+    InputChannel(const InputChannel&) = delete;
+    InputChannel& operator=(const InputChannel&) = delete;
+
+    [[nodiscard]] int childs_end() const {
+        return ends_[0];
+    }
+    void given_to_child() {
+        close(0);
+    }
+    /// -1 when nothing is to be written any more.
+    [[nodiscard]] int own_end() const {
+        return ends_[1];
+    }
+
+    /// Writes as much as the child takes without waiting.
+    void write_some() {
+        if (piece_.empty()) {
+            piece_ = input_();
+        }
+        if (piece_.empty()) {
+            return close(1);
+        }
+#if defined(__APPLE__)
+        constexpr int kFlags = 0;
+#else
+        constexpr int kFlags = MSG_NOSIGNAL;
+#endif
+        const ssize_t count = ::send(ends_[1], piece_.data(), piece_.size(), kFlags);
+        if (count > 0) {
+            piece_.remove_prefix(static_cast<std::size_t>(count));
+        } else if (errno != EAGAIN && errno != EWOULDBLOCK && errno != EINTR) {
+            close(1);
+        }
+    }
+
+  private:
+    void close(std::size_t which) {
+        if (ends_[which] >= 0) {
+            ::close(ends_[which]);
+            ends_[which] = -1;
+        }
+    }
+
+    const ChildInput& input_;
+    std::array<int, 2> ends_{-1, -1};  ///< the child's, ours
+    std::string_view piece_;           ///< what is left of it
+};
+
 /// Makes the child the leader of a new process group, so that what it starts can be ended with it.
 class GroupLeader {
   public:
@@ -98,9 +172,12 @@ std::string signal_text(int number) {
     return words == nullptr ? text : text + ", " + words;
 }
 
-/// Reads from both pipes until both are closed. Returns false when time runs out before that.
-bool read_until_closed(const Pipe& out, const Pipe& err, ChildResult& result, Clock::time_point end) {
-    std::array<pollfd, 2> watched{{{out.end(0), POLLIN, 0}, {err.end(0), POLLIN, 0}}};
+/// Writes the input and reads from both pipes until both are closed. Returns false when time runs out before
+/// that.
+bool talk_until_closed(InputChannel& input, const Pipe& out, const Pipe& err, ChildResult& result,
+                       Clock::time_point end) {
+    std::array<pollfd, 3> watched{
+        {{out.end(0), POLLIN, 0}, {err.end(0), POLLIN, 0}, {input.own_end(), POLLOUT, 0}}};
     const std::array<std::string*, 2> texts{&result.out, &result.err};
     std::array<char, 65536> part{};
     while (watched[0].fd >= 0 || watched[1].fd >= 0) {
@@ -111,7 +188,11 @@ bool read_until_closed(const Pipe& out, const Pipe& err, ChildResult& result, Cl
         if (::poll(watched.data(), watched.size(), static_cast<int>(std::min<long long>(left, 1000))) <= 0) {
             continue;
         }
-        for (std::size_t i = 0; i < watched.size(); ++i) {
+        if (watched[2].fd >= 0 && watched[2].revents != 0) {
+            input.write_some();
+            watched[2].fd = input.own_end();
+        }
+        for (std::size_t i = 0; i < texts.size(); ++i) {
             if (watched[i].fd < 0 || watched[i].revents == 0) {
                 continue;
             }
@@ -148,7 +229,7 @@ bool wait_until_over(pid_t child, Clock::time_point end) {
 }  // namespace
 
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::seconds longest) {
+                      std::chrono::seconds longest, const ChildInput& input) {
     ChildResult result;
     std::string name = program.string();
     std::vector<std::string> words = arguments;
@@ -160,9 +241,14 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
 
     Pipe out;
     Pipe err;
+    InputChannel channel(input);
     GroupLeader leader;
     FileActions actions;
-    posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    if (input) {
+        posix_spawn_file_actions_adddup2(actions.get(), channel.childs_end(), STDIN_FILENO);
+    } else {
+        posix_spawn_file_actions_addopen(actions.get(), STDIN_FILENO, "/dev/null", O_RDONLY, 0);
+    }
     posix_spawn_file_actions_adddup2(actions.get(), out.end(1), STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(actions.get(), err.end(1), STDERR_FILENO);
     pid_t child = 0;
@@ -174,15 +260,24 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     }
     out.close(1);
     err.close(1);
+    channel.given_to_child();
 
     // Ctrl-C in a terminal reaches this program only.
     const os::RemovedOnSignal cleanup = os::RemovedOnSignal::process_group(child);
     const Clock::time_point end = Clock::now() + longest;
     // A process that the child left behind may keep the pipes open: the time limit covers that too.
-    result.timed_out = !read_until_closed(out, err, result, end) || !wait_until_over(child, end);
-    ::kill(-child, SIGKILL);  // the child, if it is still there, and whatever it started
     int status = 0;
-    ::waitpid(child, &status, 0);
+    const auto end_group = [child, &status] {
+        ::kill(-child, SIGKILL);  // the child, if it is still there, and whatever it started
+        ::waitpid(child, &status, 0);
+    };
+    try {
+        result.timed_out = !talk_until_closed(channel, out, err, result, end) || !wait_until_over(child, end);
+    } catch (...) {
+        end_group();
+        throw;
+    }
+    end_group();
     if (result.timed_out) {
         return result;
     }
@@ -192,6 +287,22 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
         result.signal = signal_text(WTERMSIG(status));
     }
     return result;
+}
+
+std::optional<std::filesystem::path> find_program(const std::string& name) {
+    const char* const set = std::getenv("PATH");
+    std::string_view folders = set == nullptr ? std::string_view() : set;
+    while (!folders.empty()) {
+        const std::size_t colon = folders.find(':');
+        // An empty folder is the present one.
+        const std::filesystem::path place = std::filesystem::path(folders.substr(0, colon)) / name;
+        std::error_code none;
+        if (std::filesystem::is_regular_file(place, none) && ::access(place.c_str(), X_OK) == 0) {
+            return place;
+        }
+        folders.remove_prefix(colon == std::string_view::npos ? folders.size() : colon + 1);
+    }
+    return std::nullopt;
 }
 
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <exception>
 #include <memory>
 #include <string>
 #include <thread>
@@ -23,15 +24,17 @@ struct Pipe {
     Handle writing;
 };
 
-/// The new process inherits the end to write to, and not the other one.
-Pipe make_pipe() {
+enum class Inherited { reading, writing };
+
+/// The new process inherits one end, and not the other.
+Pipe make_pipe(Inherited end) {
     SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     HANDLE reading = nullptr;
     HANDLE writing = nullptr;
     if (CreatePipe(&reading, &writing, &inherited, 0) == 0) {
         return {};
     }
-    SetHandleInformation(reading, HANDLE_FLAG_INHERIT, 0);
+    SetHandleInformation(end == Inherited::writing ? reading : writing, HANDLE_FLAG_INHERIT, 0);
     return {Handle(reading), Handle(writing)};
 }
 
@@ -66,6 +69,21 @@ void read_all(HANDLE pipe, std::string& text) {
     }
 }
 
+/// Writes all pieces, or as many as the process reads.
+void write_all(HANDLE pipe, const ChildInput& input) {
+    for (std::string_view piece = input(); !piece.empty(); piece = input()) {
+        while (!piece.empty()) {
+            constexpr std::size_t kMost = 1U << 20U;
+            DWORD count = 0;
+            if (WriteFile(pipe, piece.data(), static_cast<DWORD>(std::min(piece.size(), kMost)), &count,
+                          nullptr) == 0) {
+                return;
+            }
+            piece.remove_prefix(count);
+        }
+    }
+}
+
 /// The exit code of a process that an exception ended is the code of the exception, whose two highest bits
 /// are set.
 std::string exception_text(DWORD code) {
@@ -80,21 +98,22 @@ constexpr DWORD kExceptionBits = 0xC0000000;
 }  // namespace
 
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::seconds longest) {
+                      std::chrono::seconds longest, const ChildInput& input) {
     ChildResult result;
     std::wstring command = quoted_word(program.wstring());
     for (const std::string& argument : arguments) {
         command += L' ' + quoted_word(os::wide_text(argument));
     }
-    Pipe out = make_pipe();
-    Pipe err = make_pipe();
+    Pipe in = make_pipe(Inherited::reading);
+    Pipe out = make_pipe(Inherited::writing);
+    Pipe err = make_pipe(Inherited::writing);
     SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
     const Handle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
                                      OPEN_EXISTING, 0, nullptr));
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
-    startup.hStdInput = nothing.get();
+    startup.hStdInput = input ? in.reading.get() : nothing.get();
     startup.hStdOutput = out.writing.get();
     startup.hStdError = err.writing.get();
     // No dialog appears when the process crashes: it inherits this mode.
@@ -104,6 +123,7 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
                                    CREATE_NO_WINDOW | CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
     const DWORD failure = ok == 0 ? GetLastError() : 0;
     SetErrorMode(mode);
+    in.reading.reset();
     out.writing.reset();
     err.writing.reset();
     if (ok == 0) {
@@ -117,6 +137,16 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     ResumeThread(main_thread.get());
     std::thread reads_out([&] { read_all(out.reading.get(), result.out); });
     std::thread reads_err([&] { read_all(err.reading.get(), result.err); });
+    std::exception_ptr thrown;
+    if (input) {
+        try {
+            write_all(in.writing.get(), input);
+        } catch (...) {
+            thrown = std::current_exception();
+            TerminateProcess(process.get(), 1);
+        }
+    }
+    in.writing.reset();
     const auto wait_ms = std::chrono::duration_cast<std::chrono::milliseconds>(longest).count();
     if (WaitForSingleObject(process.get(), static_cast<DWORD>(wait_ms)) != WAIT_OBJECT_0) {
         result.timed_out = true;
@@ -126,6 +156,9 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     TerminateJobObject(job.get(), 1);  // what the process started and left behind, which may hold the pipes
     reads_out.join();
     reads_err.join();
+    if (thrown) {
+        std::rethrow_exception(thrown);
+    }
     DWORD code = 0;
     GetExitCodeProcess(process.get(), &code);
     if (!result.timed_out && (code & kExceptionBits) == kExceptionBits) {
@@ -134,6 +167,16 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
         result.exit_code = static_cast<int>(code);
     }
     return result;
+}
+
+std::optional<std::filesystem::path> find_program(const std::string& name) {
+    std::array<wchar_t, MAX_PATH + 1> found{};
+    const DWORD length = SearchPathW(nullptr, os::wide_text(name).c_str(), L".exe",
+                                     static_cast<DWORD>(found.size()), found.data(), nullptr);
+    if (length == 0 || length >= found.size()) {
+        return std::nullopt;
+    }
+    return std::filesystem::path(found.data());
 }
 
 }  // namespace cli
