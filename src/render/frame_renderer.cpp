@@ -190,8 +190,7 @@ class FrameDrawing {
         }
         // More pictures than are held at once: the unfinished compositions wait between passes.
         const std::int64_t row_bytes = frame_.right * kPixel_bytes * static_cast<std::int64_t>(plan_.depth);
-        const std::int64_t rows =
-            std::clamp<std::int64_t>(limits::kPreviewRows_bytes / row_bytes, 1, frame_.bottom);
+        const std::int64_t rows = std::clamp<std::int64_t>(options_.rows_bytes / row_bytes, 1, frame_.bottom);
         for (std::int64_t top = 0; top < frame_.bottom; top += rows) {
             draw_band(top, std::min(top + rows, frame_.bottom));
         }
@@ -202,7 +201,7 @@ class FrameDrawing {
     [[nodiscard]] std::vector<Drawing> drawings(std::size_t begin) {
         std::vector<FootagePictures::Wanted> wanted;
         std::int64_t bytes = 0;
-        for (std::size_t i = begin; i < plan_.steps.size() && bytes <= limits::kPreviewPictures_bytes; ++i) {
+        for (std::size_t i = begin; i < plan_.steps.size() && bytes <= options_.pictures_bytes; ++i) {
             const PlanStep& step = plan_.steps[i];
             if (step.kind == PlanStep::Kind::footage) {
                 const embedded::Footage& footage = project_.footage_of(step.footage);
@@ -210,9 +209,8 @@ class FrameDrawing {
                 wanted.emplace_back(step.footage, step.file);
             }
         }
-        const std::vector<SharedPicture> pictures =
-            pictures_.get(wanted, options_.threads, static_cast<std::size_t>(limits::kPreviewPictures_bytes),
-                          result_.findings);
+        const std::vector<SharedPicture> pictures = pictures_.get(
+            wanted, options_.threads, static_cast<std::size_t>(options_.pictures_bytes), result_.findings);
         std::vector<Drawing> made;
         auto next = pictures.begin();
         for (std::size_t i = begin; i < plan_.steps.size(); ++i) {
@@ -251,9 +249,9 @@ class FrameDrawing {
     void draw_tiles(const std::vector<Drawing>& all) const {
         const std::int64_t row_bytes = frame_.right * kPixel_bytes * static_cast<std::int64_t>(plan_.depth);
         const std::size_t threads = static_cast<std::size_t>(std::clamp<std::int64_t>(
-            limits::kPreviewRows_bytes / row_bytes, 1, static_cast<std::int64_t>(options_.threads)));
+            options_.rows_bytes / row_bytes, 1, static_cast<std::int64_t>(options_.threads)));
         const std::int64_t rows = std::clamp<std::int64_t>(
-            limits::kPreviewRows_bytes / row_bytes / static_cast<std::int64_t>(threads), 1, kTileRows);
+            options_.rows_bytes / row_bytes / static_cast<std::int64_t>(threads), 1, kTileRows);
         std::vector<std::unique_ptr<Worker>> workers(threads);
         const auto tiles = static_cast<std::size_t>((frame_.bottom + rows - 1) / rows);
         for_each_index(tiles, threads, [&](std::size_t tile, std::size_t thread) {
@@ -332,8 +330,7 @@ FrameRenderer::FrameRenderer(const embedded::Project& project, ModulePictures mo
                              const RenderOptions& options)
     : project_(project),
       options_(options),
-      pictures_(project, std::move(module_pictures),
-                static_cast<std::size_t>(limits::kPreviewPictures_bytes)) {
+      pictures_(project, std::move(module_pictures), static_cast<std::size_t>(options.pictures_bytes)) {
     options_.threads = std::max<std::size_t>(1, options.threads);
 }
 

@@ -8,6 +8,7 @@
 
 #include "diagnostic/diagnostic.h"
 #include "embedded/project.h"
+#include "limit/limits.h"
 #include "render/footage_pictures.h"
 #include "render/frame_plan.h"
 #include "render/pixel_rows.h"
@@ -25,6 +26,10 @@ struct RenderOptions {
     Light light = Light::as_stored;
     Fields fields = Fields::both;
     std::size_t threads = 1;  ///< the frame has the same bytes whatever their number
+    /// Memory for decoded pictures and for unfinished compositions. What does not fit is drawn in passes and
+    /// bands, with the same bytes.
+    std::int64_t pictures_bytes = limits::kPreviewPictures_bytes;
+    std::int64_t rows_bytes = limits::kPreviewRows_bytes;
 };
 
 /// Receives row `y`, counted from the top, as pixels of compositing.h; the row is not kept. Called once for

@@ -9,9 +9,10 @@ namespace render {
 namespace {
 
 constexpr float kFullByte = 255.0F;
+constexpr float kRounding = 0.5F;  ///< of values that are not negative; faster than the library's functions
 
 std::uint8_t byte_of(float value) {
-    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 1.0F) * kFullByte + 0.5F);
+    return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 1.0F) * kFullByte + kRounding);
 }
 
 }  // namespace

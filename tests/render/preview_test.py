@@ -196,11 +196,14 @@ class Preview(unittest.TestCase):
         self.addCleanup(self.folder.cleanup)
         self.out = os.path.join(self.folder.name, "out.png")
 
-    def preview(self, scene, *options, code=0):
-        ran = subprocess.run([VXR, "preview", scene, "-o", self.out, *map(str, options)], capture_output=True, text=True,
+    def run_preview(self, scene, output, *options, code=0):
+        ran = subprocess.run([VXR, "preview", scene, "-o", output, *map(str, options)], capture_output=True, text=True,
                              check=False)
         self.assertEqual(ran.returncode, code, ran.stderr)
         self.said = ran.stderr
+
+    def preview(self, scene, *options, code=0):
+        self.run_preview(scene, self.out, *options, code=code)
         return read_png(self.out) if code in (0, 4) else None
 
     def compare(self, scene, found, frame, rows=None):
@@ -217,9 +220,10 @@ class Preview(unittest.TestCase):
     def test_frames_are_what_the_rules_say(self):
         for reason, scene, frames in CASES:
             with self.subTest(reason), tempfile.TemporaryDirectory() as folder:
-                path = scene.save(folder)
+                self.run_preview(scene.save(folder), os.path.join(folder, "out.##.png"), "--frames",
+                                 f"{min(frames)}-{max(frames)}")
                 for frame in frames:
-                    self.compare(scene, self.preview(path, "--frame", frame), frame)
+                    self.compare(scene, read_png(os.path.join(folder, f"out.{frame:02}.png")), frame)
 
     def test_fields(self):
         scene = Scene(Comp("NRM", "Main", [Footage("NRM", "STRAIGHT", "f.png", noise(20, height=7)),
@@ -303,9 +307,8 @@ class Preview(unittest.TestCase):
         path = scene.save(self.folder.name)
         self.preview(path, "--frame", 9)
         os.remove(self.out)
-        for frame in ("10", "-1", "x"):
-            self.preview(path, f"--frame={frame}", code=2)
-            self.assertIn("has the frames 0 to 9", self.said)
+        self.preview(path, "--frame", 10, code=2)
+        self.assertIn("has the frames 0 to 9", self.said)
         self.assertFalse(os.path.exists(self.out))
 
     def test_footage_is_not_overwritten(self):
