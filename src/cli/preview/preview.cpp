@@ -127,6 +127,10 @@ double Preview::rate_fps() const {
     return ratio_of(composition().frame_rate);
 }
 
+double Preview::pixel_aspect() const {
+    return ratio_of(composition().pixel_aspect);
+}
+
 render::PictureReading Preview::draw_texture(const embedded::Footage& footage) {
     if (!bundle_loaded_) {
         std::string problem;

@@ -52,6 +52,7 @@ class Preview {
     [[nodiscard]] std::string composition_name() const;
     [[nodiscard]] std::int64_t frame_count() const { return render::frame_count(composition()); }
     [[nodiscard]] double rate_fps() const;
+    [[nodiscard]] double pixel_aspect() const;
     [[nodiscard]] std::int64_t width_px() const { return rows_->width(); }
     [[nodiscard]] std::int64_t height_px() const { return composition().height; }
 

@@ -1,7 +1,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <memory>
-#include <optional>
+#include <nlohmann/json.hpp>
 #include <ostream>
 #include <string>
 #include <thread>
@@ -11,14 +11,17 @@
 #include "cli/handover/handover_run.h"
 #include "cli/job/relinked_copy.h"
 #include "cli/options.h"
+#include "cli/preview/film.h"
+#include "cli/preview/frame_choice.h"
 #include "cli/preview/preview.h"
+#include "cli/preview/preview_run.h"
 #include "cli/project/host_setup.h"
 #include "cli/project/import_run.h"
 #include "cli/report/diagnostic_text.h"
+#include "cli/report/json_text.h"
 #include "cli/terminal/file_roles.h"
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/terminal.h"
-#include "cli/texture/texture_conversion.h"
 #include "cli/verbs.h"
 #include "handover/plan/plan_picture.h"
 #include "image/image.h"
@@ -34,13 +37,37 @@ class PreviewCommand : public Command {
   public:
     void add_options(Options& options) override {
         options.file_argument("SCENE", file_, "a composition file; - for the standard input").required();
-        options.option("-o,--output", output_, "the image to write; its extension chooses the format")
-            .value_name("IMAGE")
+        options
+            .option("-o,--output", output_,
+                    "the image or film to write; its extension chooses the format, and #### in its name "
+                    "stands for the number of the frame")
+            .value_name("FILE")
             .required()
             .group("Output");
-        options.option("--frame", frame_, "the frame of the composition, counted from 0")
+        options.flag("--json", json_, "write one JSON document instead of text").group("Output");
+        options
+            .option("--frame", frame_,
+                    "the frame of the composition, counted from 0; without this, the first, or all where "
+                    "the output has #### or is a film")
             .value_name("N")
-            .show_default()
+            .check([](const std::string& text) {
+                return parse_frame(text) ? std::string() : '"' + text + "\" is not a number from 0";
+            })
+            .group(kShownGroup);
+        options.option("--frames", range_, "the frames from A to B")
+            .value_name("A-B")
+            .check([](const std::string& text) {
+                FrameChoice choice;
+                return parse_frame_range(text, choice) ? std::string()
+                                                       : '"' + text + "\" is not A-B, with A first";
+            })
+            .group(kShownGroup);
+        options.option("--every", every_, "of these frames, or of all, every K-th")
+            .value_name("K")
+            .check([](const std::string& text) {
+                return parse_frame(text).value_or(0) > 0 ? std::string()
+                                                         : '"' + text + "\" is not a number from 1";
+            })
             .group(kShownGroup);
         options.option("--comp", composition_, "a composition by its name; without this, the outermost one")
             .value_name("NAME")
@@ -58,9 +85,14 @@ class PreviewCommand : public Command {
         options
             .flag("--plan", plan_,
                   "instead of a frame, cameras, lights and nulls from above, from the side and over time; "
-                  "IMAGE is an .svg file")
+                  "FILE is an .svg file")
             .group(kShownGroup);
         add_finding_options(options, choices_, false);
+        options.option("-j,--jobs", jobs_, "how many processors to use; 0 for all")
+            .value_name("N")
+            .range(0, kMostJobs)
+            .show_default()
+            .group("Work");
         add_bundle_option(options, bundle_);
     }
 
@@ -68,25 +100,26 @@ class PreviewCommand : public Command {
         if (plan_) {
             return draw_plan(terminal);
         }
-        if (!image::can_write(output_)) {
+        const FrameChoice choice = frame_choice();
+        if (!makes_film() && !image::can_write(output_)) {
             throw UsageError("no image format has the extension of " + output_);
         }
         const FoundScene scene(file_, choices_);
         const FoundBundle bundle = find_bundle(bundle_);
-        refuse_to_overwrite({&scene.original(), &scene.reading()}, bundle);
-        Preview preview(scene.reading(), bundle, preview_options());
-        if (preview.code() != ExitCode::fine) {
-            return tell(preview, terminal);
+        const PreviewOptions shown = preview_options();
+        Preview preview(scene.reading(), bundle, shown);
+        PreviewRun run;
+        if (preview.code() == ExitCode::fine) {
+            const std::vector<FrameFile> files = frame_files(preview, choice);
+            refuse_to_overwrite({&scene.original(), &scene.reading()}, bundle, files);
+            run = draw(preview, files, shown, terminal);
         }
-        const std::optional<int> frame = parse_option_integer(frame_);
-        if (!frame || *frame < 0 || *frame >= preview.frame_count()) {
-            throw UsageError("--frame " + frame_ + " is not in the composition, which has the frames 0 to " +
-                             std::to_string(preview.frame_count() - 1));
-        }
-        return write(preview, *frame, terminal);
+        return tell(preview, shown, run, terminal);
     }
 
   private:
+    static constexpr int kMostJobs = 256;
+
     // Footage does not count, so the exit code does not tell of any that is missing.
     ExitCode draw_plan(Terminal& terminal) const {
         if (!text::ends_with_ignoring_case(output_, ".svg")) {
@@ -94,7 +127,7 @@ class PreviewCommand : public Command {
         }
         const SceneReading reading = read_scene(file_);
         const FoundBundle bundle = find_bundle(bundle_);
-        refuse_to_overwrite({&reading}, bundle);
+        refuse_to_overwrite({&reading}, bundle, {{0, output_}});
         OutputFile output(output_);
         const handover::HandoverOptions options;
         const HandedOver run = hand_over(reading, bundle, handover::Version::corrected, options);
@@ -114,6 +147,66 @@ class PreviewCommand : public Command {
         return ExitCode::fine;
     }
 
+    /// One frame as WebP is a picture.
+    [[nodiscard]] bool makes_film() const {
+        return is_film(output_) && !has_number_signs(output_) &&
+               (frame_.empty() || !image::can_write(output_));
+    }
+
+    PreviewRun draw(Preview& preview, const std::vector<FrameFile>& files, const PreviewOptions& shown,
+                    Terminal& terminal) const {
+        Progress progress(terminal, files.size());
+        const auto drawing = [&](std::size_t i) { progress.step("frame " + std::to_string(files[i].frame)); };
+        if (!makes_film()) {
+            return write_frames(preview, files, shown.render.threads, drawing);
+        }
+        std::vector<std::int64_t> frames;
+        for (const FrameFile& file : files) {
+            frames.push_back(file.frame);
+        }
+        const int every = every_.empty() ? 1 : static_cast<int>(*parse_frame(every_));
+        return write_film(preview, frames, preview.rate_fps() / every, output_, drawing);
+    }
+
+    [[nodiscard]] FrameChoice frame_choice() const {
+        if (!frame_.empty() && !(range_.empty() && every_.empty())) {
+            throw UsageError("--frame excludes --frames and --every");
+        }
+        FrameChoice choice;
+        if (!frame_.empty()) {
+            choice.frame = parse_frame(frame_);
+        }
+        if (!range_.empty()) {
+            (void)parse_frame_range(range_, choice);
+        }
+        if (!every_.empty()) {
+            choice.every = parse_frame(every_);
+        }
+        if (!has_number_signs(output_) && !makes_film()) {
+            if (choice.several()) {
+                throw UsageError(
+                    "several frames need #### in the name of the output, as in frame.####.png, or a film, "
+                    ".mp4 or .webp");
+            }
+            choice.frame = choice.frame.value_or(0);
+        }
+        return choice;
+    }
+
+    [[nodiscard]] std::vector<FrameFile> frame_files(const Preview& preview,
+                                                     const FrameChoice& choice) const {
+        std::string problem;
+        const std::vector<std::int64_t> frames = chosen_frames(choice, preview.frame_count(), problem);
+        if (!problem.empty()) {
+            throw UsageError(problem);
+        }
+        std::vector<FrameFile> files;
+        for (const std::int64_t frame : frames) {
+            files.push_back({frame, has_number_signs(output_) ? numbered_path(output_, frame) : output_});
+        }
+        return files;
+    }
+
     [[nodiscard]] PreviewOptions preview_options() const {
         PreviewOptions options;
         options.composition = composition_;
@@ -122,62 +215,61 @@ class PreviewCommand : public Command {
         options.render.fields = fields_ == "upper"   ? render::Fields::upper
                                 : fields_ == "lower" ? render::Fields::lower
                                                      : render::Fields::both;
-        options.render.threads = std::max<std::size_t>(1, std::thread::hardware_concurrency());
+        options.render.threads = jobs_ > 0 ? static_cast<std::size_t>(jobs_)
+                                           : std::max<std::size_t>(1, std::thread::hardware_concurrency());
         return options;
     }
 
-    void refuse_to_overwrite(std::initializer_list<const SceneReading*> scenes,
-                             const FoundBundle& bundle) const {
+    static void refuse_to_overwrite(std::initializer_list<const SceneReading*> scenes,
+                                    const FoundBundle& bundle, const std::vector<FrameFile>& files) {
         FileRoles roles;
         for (const SceneReading* const scene : scenes) {
             add_import_reads(*scene, bundle, roles);
         }
-        if (const std::string refusal = roles.writes(output_, "--output"); !refusal.empty()) {
-            throw UsageError(refusal);
+        for (const FrameFile& file : files) {
+            if (&file != files.data() && file.path == files.front().path) {
+                continue;  // one film
+            }
+            const std::string refusal = roles.writes(file.path, "frame " + std::to_string(file.frame));
+            if (!refusal.empty()) {
+                throw UsageError(refusal);
+            }
         }
     }
 
-    ExitCode write(Preview& preview, std::int64_t frame, Terminal& terminal) const {
-        PreviewFrame drawn = preview.draw(frame);
-        for (const Diagnostic& finding : drawn.findings) {
-            terminal.err << diagnostic_text(finding, terminal.err_paint);
+    ExitCode tell(const Preview& preview, const PreviewOptions& shown, const PreviewRun& run,
+                  Terminal& terminal) const {
+        if (json_) {
+            terminal.out << json_text_of(preview_document(file_, preview, shown, run));
+        } else {
+            terminal.out << preview_text(preview, run, output_, terminal.out_paint);
         }
-        if (!drawn.picture) {
-            terminal.err << diagnostic_text(*drawn.error, terminal.err_paint);
-            return ExitCode::refused;
+        terminal.out << std::flush;
+        for (const auto* const diagnostics : {&preview.diagnostics(), &run.diagnostics}) {
+            for (const Diagnostic& diagnostic : *diagnostics) {
+                terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
+            }
         }
-        image::WriteOptions options;
-        options.alpha.pixels = image::AlphaPixels::straight;
-        const image::Writing writing = image::write(output_, *drawn.picture, options);
-        if (writing.error) {
-            complain(terminal, writing.error->reason);
-            return image_exit_code(*writing.error);
+        for (const auto* const problems : {&preview.problems(), &run.problems}) {
+            for (const std::string& problem : *problems) {
+                complain(terminal, problem);
+            }
         }
-        terminal.out << terminal.out_paint(Ink::bold, text::printable(preview.composition_name()))
-                     << ": frame " << frame << " of " << preview.frame_count() << ", "
-                     << drawn.picture->width_px << " x " << drawn.picture->height_px << " -> "
-                     << text::printable(output_) << '\n';
-        return drawn.findings.empty() ? ExitCode::fine : ExitCode::footage_missing;
-    }
-
-    static ExitCode tell(const Preview& preview, Terminal& terminal) {
-        for (const Diagnostic& diagnostic : preview.diagnostics()) {
-            terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
-        }
-        for (const std::string& problem : preview.problems()) {
-            complain(terminal, problem);
-        }
-        return preview.code();
+        return most_serious(preview.code(), run.code);
     }
 
     std::string file_;
     std::string output_;
-    std::string frame_ = "0";
+    std::string frame_;
+    std::string range_;
+    std::string every_;
     std::string composition_;
     std::string fields_ = "both";
     bool linear_ = false;
     bool raw_ = false;
     bool plan_ = false;
+    bool json_ = false;
+    int jobs_ = 0;
     FindingChoices choices_;
     std::string bundle_;
 };
@@ -193,8 +285,14 @@ Verb preview_verb() {
              "own size, as a host adds it. Cameras and lights are not looked through.",
              "Values are blended as they are stored, with 8 bits a channel in the files and no rounding "
              "between layers, as hosts did when these scenes were made. Footage that is missing or cannot be "
-             "read is shown as colour bars with its name, and the exit code is 4. A PNG has straight alpha."},
+             "read is shown as colour bars with its name, and the exit code is 4. A PNG has straight alpha.",
+             "Films are made by ffmpeg, if it is installed: MP4 with H.264, on black, or WebP, with alpha."},
             {{"vxr preview shot.aec -o shot.png", "The first frame of the outermost composition."},
+             {"vxr preview shot.aec --frames 0-1 -o frame.####.png",
+              "The first two frames, as frame.0000.png and frame.0001.png."},
+             {"vxr preview shot.aec --every 10 -o small.####.jpg --json | jq '.frames[].output'",
+              "Every tenth frame of the whole length, on black, and the names of the files."},
+             {"vxr preview shot.aec -o shot.mp4", "The whole composition as a film, on black."},
              {"vxr preview shot.aec --comp Inner --frame 1 -o inner.png",
               "A nested composition by itself, at its second frame."},
              {"vxr preview shot.aec --plan -o plan.svg",
