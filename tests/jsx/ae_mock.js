@@ -155,7 +155,16 @@ function makeHost(options) {
                 kept.push(parts[i]);
             }
         }
-        return "/" + kept.join("/");
+        // A share of another machine has two slashes.
+        return (/^\/\/[^\/]/.test(path) ? "//" : "/") + kept.join("/");
+    }
+    // Names are bytes, and not all are UTF-8.
+    function decoded(uri) {
+        try {
+            return decodeURIComponent(uri);
+        } catch (error) {
+            return unescape(uri);
+        }
     }
     function FileObject(path) {
         string(path, "File");
@@ -184,10 +193,10 @@ function makeHost(options) {
             return object.uri;
         });
         accessor(api, "fsName", function () {
-            return decodeURIComponent(object.uri);
+            return decoded(object.uri);
         });
         accessor(api, "parent", function () {
-            return strict({absoluteURI: normal(object.uri + "/.."), fsName: decodeURIComponent(normal(object.uri + "/.."))},
+            return strict({absoluteURI: normal(object.uri + "/.."), fsName: decoded(normal(object.uri + "/.."))},
                 "Folder");
         });
         api.open = function (mode) {
@@ -468,7 +477,7 @@ function makeHost(options) {
         source.alpha = Boolean(content.alpha);
         source.texel = content.texel;
         source.rate = 30;
-        var name = decodeURIComponent(file.name);
+        var name = decoded(file.name);
         if (numbered) {
             var first = numbered.found[0];
             var last = numbered.found[numbered.found.length - 1];
@@ -482,8 +491,8 @@ function makeHost(options) {
                 }
                 return text;
             };
-            name = decodeURIComponent(numbered.prefix.substring(numbered.prefix.lastIndexOf("/") + 1)) + "[" +
-                padded(source.first) + "-" + padded(source.last) + "]" + decodeURIComponent(numbered.suffix);
+            name = decoded(numbered.prefix.substring(numbered.prefix.lastIndexOf("/") + 1)) + "[" +
+                padded(source.first) + "-" + padded(source.last) + "]" + decoded(numbered.suffix);
         }
         record.source = source;
         return name;

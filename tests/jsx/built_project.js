@@ -2,6 +2,15 @@
 // the script gave them, items and layers by their place.
 "use strict";
 
+// As the URI if it is not UTF-8.
+function pathOf(uri) {
+    try {
+        return decodeURIComponent(uri);
+    } catch (error) {
+        return uri;
+    }
+}
+
 function builtProject(host) {
     const { constants, state } = host;
     const items = state.items.filter((item) => !item.solid);
@@ -11,7 +20,7 @@ function builtProject(host) {
         const { source, raw } = item;
         const numbered = source.kind === "sequence";
         return {
-            source: source.kind, file: source.uri ? decodeURIComponent(source.uri) : null, numbers: numbered ? [source.first, source.last] : null,
+            source: source.kind, file: source.uri ? pathOf(source.uri) : null, numbers: numbered ? [source.first, source.last] : null,
             size: [source.width, source.height], seconds: source.kind === "placeholder" ? source.seconds : null,
             rate: source.kind === "placeholder" ? source.rate : numbered ? source.raw.conformFrameRate : null, aspect: raw.pixelAspect,
             alpha: source.alpha ? nameOf(constants.AlphaMode, source.raw.alphaMode) : null, over: source.raw.premulColor,
