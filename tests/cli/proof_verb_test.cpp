@@ -210,4 +210,30 @@ TEST(ProofVerb, AScriptToMeasureWithIsWholeOrAbsent) {
     EXPECT_FALSE(std::filesystem::exists(folder.path("b.jsx")));
 }
 
+TEST(ProofVerb, ATableThatCannotBeJudgedIsRefusedByName) {
+    const TemporaryFolder folder;
+    const std::string scene = VXR_EXAMPLES_DIR "/square/courtyard_020.aec";
+    const Ran none = prove(scene, {"--compare", folder.path("none.tsv")});
+    EXPECT_EQ(none.code, ExitCode::cannot_read_or_write);
+    EXPECT_NE(none.err.find("cannot read"), std::string::npos) << none.err;
+    EXPECT_EQ(none.out, "");
+    const std::string other =
+        folder.write("other.tsv", "vxr-measured\t1\nscene\tvxr-1\nasked\t2\nhost\t1\t8\t0\nend\t4\n");
+    const Ran refused = prove(scene, {"--compare", other, "--json"});
+    EXPECT_EQ(refused.code, ExitCode::refused);
+    EXPECT_NE(refused.err.find("other.tsv, line 2: the table belongs to another scene"), std::string::npos)
+        << refused.err;
+    const json document = json::parse(refused.out);
+    EXPECT_EQ(document["exit_code"], 1);
+    EXPECT_TRUE(document["measured"].is_null());
+    EXPECT_EQ(document["problems"].size(), 1U);
+    // A file that claims a gibibyte is not read.
+    const std::string large = folder.write("large.tsv", "");
+    std::filesystem::resize_file(large, std::uintmax_t{1} << 30U);
+    const Ran too_large = prove(scene, {"--compare", large});
+    EXPECT_EQ(too_large.code, ExitCode::refused);
+    EXPECT_NE(too_large.err.find("1073741824 bytes"), std::string::npos) << too_large.err;
+    EXPECT_EQ(prove(scene, {"--compare", other, "--picture", other}).code, ExitCode::usage);
+}
+
 }  // namespace

@@ -818,6 +818,8 @@ function makeHost(options) {
         }
         var placed = layer.kind === "camera" || light;
         var middle = [layer.comp.raw.width / 2, layer.comp.raw.height / 2, 0];
+        // Nulls are 100 pixels large, and have their anchor in the middle or at 0, by version.
+        var anchor = layer.source && layer.kind !== "null" ? [layer.source.raw.width / 2, layer.source.raw.height / 2, 0] : [50, 50, 0];
         group("ADBE Transform Group", placed ? [
             {name: "ADBE Anchor Point", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: middle, writable: aimed},
             {name: "ADBE Position", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: middle},
@@ -826,7 +828,7 @@ function makeHost(options) {
             {name: "ADBE Rotate Y", size: 1, type: "OneD", value: 0, writable: directed},
             {name: "ADBE Rotate Z", size: 1, type: "OneD", value: 0, writable: directed}
         ] : [
-            {name: "ADBE Anchor Point", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: [50, 50, 0]},
+            {name: "ADBE Anchor Point", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: anchor},
             {name: "ADBE Position", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: middle},
             {name: "ADBE Scale", size: 3, type: "ThreeD", value: [100, 100, 100]},
             {name: "ADBE Orientation", size: 3, type: "ThreeD_SPATIAL", spatial: true, value: [0, 0, 0], writable: inSpace},

@@ -1,6 +1,7 @@
 #include "cli/handover/measuring_run.h"
 
 #include "cli/handover/handover_run.h"
+#include "cli/scene/texture_pixel.h"
 #include "handover/jsx/measuring_script.h"
 #include "handover/proof/measuring_plan.h"
 #include "system/files.h"
@@ -14,7 +15,11 @@ using handover::Version;
 }  // namespace
 
 handover::Measuring measuring_plan_of(const SceneReading& reading) {
-    return proof::measuring_plan(*reading.settings, reading.file, {});
+    std::optional<handover::TextureTrial> texture;
+    if (const auto pixel = partly_covered_pixel(reading)) {
+        texture = handover::TextureTrial{pixel->path, pixel->x_px, pixel->y_px, pixel->color, pixel->alpha};
+    }
+    return proof::measuring_plan(*reading.settings, reading.file, texture);
 }
 
 MeasuringScript measuring_script(const SceneReading& reading, const FoundBundle& bundle) {

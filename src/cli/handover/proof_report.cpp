@@ -256,6 +256,7 @@ nlohmann::ordered_json proof_document(const ProofRun& run) {
             {"cameras", cameras},
             {"nulls", nulls},
             {"nulls_in_scene", run.result ? run.result->nulls_in_scene : 0},
+            {"measured", ProofJson()},
             {"problems", texts_json(run.problems)},
             {"diagnostics", diagnostics_json(run.diagnostics)}};
 }

@@ -40,7 +40,8 @@ void add_file(std::vector<proof::ProofTarget>& targets, const Handover& handover
 
 }  // namespace
 
-ProofRun prove(const SceneReading& reading, const FoundBundle& bundle, const proof::ProofOptions& options) {
+ProofRun prove(const SceneReading& reading, const FoundBundle& bundle, const proof::ProofOptions& options,
+               const Measurement* measurement) {
     ProofRun run;
     run.file = reading.file;
     handover::HandoverOptions handover_options;
@@ -64,6 +65,12 @@ ProofRun prove(const SceneReading& reading, const FoundBundle& bundle, const pro
     }
     std::vector<proof::ProofTarget> targets = proof::after_effects_targets(*imported.handover);
     add_all(targets, proof::after_effects_targets(*corrected.handover));
+    if (measurement != nullptr) {
+        run.measured = proof::judge(measurement->table, measurement->plan, *reading.settings, targets);
+        if (!run.measured->meets_goal() || !run.measured->is_as_written()) {
+            run.code = most_serious(run.code, ExitCode::different);
+        }
+    }
     const std::size_t problems = run.problems.size();
     add_file(targets, *corrected.handover, "glb", options.cut_angle_degrees, proof::gltf_targets,
              run.problems);

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "cli/handover/measured_report.h"
 #include "cli/handover/measuring_run.h"
 #include "cli/handover/proof_picture.h"
 #include "cli/handover/proof_run.h"
@@ -44,6 +45,9 @@ class ProofCommand : public Command {
                     "instead write a script by which After Effects itself says where points land")
             .value_name("FILE")
             .group("After Effects");
+        options.option("--compare", table_, "judge the table that such a script wrote in After Effects")
+            .value_name("TABLE")
+            .group("After Effects");
         add_bundle_option(options, bundle_);
     }
 
@@ -60,15 +64,29 @@ class ProofCommand : public Command {
             refuse_to_overwrite(reading, bundle, picture_, "--picture");
             picture.emplace(picture_);
         }
-        const ProofRun run = prove(reading, bundle, options_);
+        std::optional<Measurement> measurement;
+        if (!table_.empty() && !reading.error) {
+            auto read = read_measurement(table_, reading);
+            if (const auto* const problem = std::get_if<TableProblem>(&read)) {
+                return refuse(*problem, terminal);
+            }
+            measurement = std::get<Measurement>(std::move(read));
+        }
+        const ProofRun run = prove(reading, bundle, options_, measurement ? &*measurement : nullptr);
         if (picture && run.result) {
             picture->write(proof_picture(run));
             picture->close();
         }
+        const bool judged = measurement && run.measured;
         if (json_) {
-            terminal.out << json_text_of(proof_document(run));
+            nlohmann::ordered_json document = proof_document(run);
+            if (judged) {
+                document["measured"] = measured_json(run, *measurement);
+            }
+            terminal.out << json_text_of(document);
         } else {
-            terminal.out << fitted(terminal, proof_text(run, terminal.out_paint));
+            terminal.out << fitted(terminal, judged ? measured_text(run, *measurement, terminal.out_paint)
+                                                    : proof_text(run, terminal.out_paint));
         }
         terminal.out << std::flush;
         complain_about(run.diagnostics, run.problems, terminal);
@@ -92,8 +110,9 @@ class ProofCommand : public Command {
 
     [[nodiscard]] ExitCode write_script(const SceneReading& reading, const FoundBundle& bundle,
                                         Terminal& terminal) const {
-        if (json_ || !picture_.empty()) {
-            throw UsageError("--for-after-effects compares nothing, so it goes without --json and --picture");
+        if (json_ || !picture_.empty() || !table_.empty()) {
+            throw UsageError(
+                "--for-after-effects compares nothing, so it goes without --json, --picture and --compare");
         }
         refuse_to_overwrite(reading, bundle, script_, "--for-after-effects");
         OutputFile script(script_);
@@ -107,6 +126,19 @@ class ProofCommand : public Command {
         return made.code;
     }
 
+    // The document still says why there is nothing in it.
+    [[nodiscard]] ExitCode refuse(const TableProblem& problem, Terminal& terminal) const {
+        if (json_) {
+            ProofRun none;
+            none.file = file_;
+            none.code = problem.code;
+            none.problems = {problem.text};
+            terminal.out << json_text_of(proof_document(none)) << std::flush;
+        }
+        complain(terminal, problem.text);
+        return problem.code;
+    }
+
     static void complain_about(const std::vector<Diagnostic>& diagnostics,
                                const std::vector<std::string>& problems, Terminal& terminal) {
         for (const Diagnostic& diagnostic : diagnostics) {
@@ -117,10 +149,13 @@ class ProofCommand : public Command {
         }
     }
 
-    static void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle,
-                                    const std::string& path, const char* option) {
+    void refuse_to_overwrite(const SceneReading& reading, const FoundBundle& bundle, const std::string& path,
+                             const char* option) const {
         FileRoles roles;
         add_import_reads(reading, bundle, roles);
+        if (!table_.empty()) {
+            roles.reads(table_);
+        }
         if (const std::string refusal = roles.writes(path, option); !refusal.empty()) {
             throw UsageError(refusal);
         }
@@ -130,6 +165,7 @@ class ProofCommand : public Command {
     std::string picture_;
     std::string script_;
     std::vector<std::string> at_;
+    std::string table_;
     proof::ProofOptions options_;
     bool json_ = false;
     std::string bundle_;
@@ -148,11 +184,16 @@ Verb proof_verb() {
          "After Effects is a written model until someone has measured it. "
          "Where pixels are not square, \"stretched\" is After Effects if it stretches the space of such "
          "compositions.",
-         "The exit code is 5 when what is corrected is more than 0.05 pixels off at a whole frame."},
+         "--for-after-effects writes a script by which After Effects itself says where points land and what "
+         "colours come out, and --compare judges the table that it writes.",
+         "The exit code is 5 when what is corrected is more than 0.05 pixels off at a whole frame, or when a "
+         "table says that After Effects is not as the model has it."},
         {{"vxr proof shot.aec", "How far each target is from the scene."},
          {"vxr proof shot.aec --json | jq '.cameras[].targets[] | [.target, .largest_px]'",
           "The numbers for another program."},
-         {"vxr proof shot.aec --picture shot.svg", "Where the points land, as a picture."}},
+         {"vxr proof shot.aec --picture shot.svg", "Where the points land, as a picture."},
+         {"vxr proof shot.aec --for-after-effects measure.jsx", "A script to run in After Effects."},
+         {"vxr proof shot.aec --compare measure-measured.tsv", "What After Effects says."}},
         []() -> std::unique_ptr<Command> { return std::make_unique<ProofCommand>(); }};
 }
 
