@@ -12,8 +12,8 @@ namespace cli {
 namespace {
 
 constexpr int kMostTextures = 16;
-constexpr std::uint64_t kMostSide_px = 16384;
-constexpr std::uint64_t kMostBytes = kMostSide_px * kMostSide_px * 4;
+constexpr std::uint64_t kMostPictureSide_px = 16384;
+constexpr std::uint64_t kMostPictureBytes = kMostPictureSide_px * kMostPictureSide_px * 4;
 
 // Neighbours may differ by so much of 255 from the pixel.
 constexpr int kSameStep = 2;
@@ -89,7 +89,7 @@ class PixelSearch {
 
 std::optional<TexturePixel> pixel_of(const std::string& path) {
     TextureReadOptions options;
-    options.limits.decoded_bytes = kMostBytes;
+    options.limits.decoded_bytes = kMostPictureBytes;
     const TextureReading reading = read_texture(path, options);
     if (!reading.texture || reading.texture->alphas.empty()) {
         return std::nullopt;
