@@ -32,19 +32,11 @@ namespace {
 // Added keys of all objects together: one at every frame of an hour.
 constexpr std::int64_t kMostAddedKeys = 100'000;
 
-// Nearer to the vertical than this, a camera is not aimed. A position of 10,000 that is kept in single
-// precision is off by up to 0.0005; one degree from the vertical, that much of a point of interest 1,000 away
-// turns the picture by 0.0005 / (1000 * sin 1), which is 0.03 pixels at the corner of 1920 x 1080.
-constexpr double kVertical_degrees = 1;
-// As much nearer than the camera is to the origin, a point of interest is lost in its rounding.
-constexpr double kLeastDistance = 1e-6;
-
 // A zoom changes many times as fast as a small angle of view that closes in. A camera that needs as many keys
 // for its view has no point of interest instead.
 constexpr std::int64_t kPartsOfZoom = 64;
 
 constexpr double kRightAngle_degrees = 90;
-constexpr double kFullTurn_degrees = 360;
 
 // Zooms beyond this show less than a thousandth of a degree.
 constexpr double kMostFocal_px = 1e8;
@@ -151,27 +143,6 @@ bool varies(const MotionPath& path, double Pose::*angle) {
     const std::vector<PathKey>& keys = path.keys();
     return std::any_of(keys.begin(), keys.end(),
                        [&](const PathKey& key) { return key.pose.*angle != keys.front().pose.*angle; });
-}
-
-// Whether every pitch between the two is farther than the bound from the vertical, and not upside down.
-bool stays_upright(double from, double to) {
-    constexpr double kMost_degrees = kRightAngle_degrees - kVertical_degrees;
-    const double turns = kFullTurn_degrees * std::round(from / kFullTurn_degrees);
-    return std::abs(from - turns) < kMost_degrees && std::abs(to - turns) < kMost_degrees;
-}
-
-// Whether a point of interest holds the camera's view at every moment.
-bool can_be_aimed(const MotionPath& path) {
-    const std::vector<PathKey>& keys = path.keys();
-    for (std::size_t i = 0; i < keys.size(); ++i) {
-        const Pose& pose = keys[i].pose;
-        const bool is_joined = i > 0 && !keys[i - 1].holds;
-        if (!stays_upright(is_joined ? keys[i - 1].pose.pitch : pose.pitch, pose.pitch) ||
-            !(pose.target_distance > kLeastDistance * length(pose.position))) {
-            return false;
-        }
-    }
-    return true;
 }
 
 bool is_motion(Property property) {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "handover/loss.h"
+#include "handover/motion_path.h"
 #include "text/ascii.h"
 #include "text/plain_number.h"
 #include "text/printable.h"
@@ -185,6 +186,12 @@ class LossList {
     }
 
     void camera(const Layer& layer, const SceneObject& object) {
+        if (layer.aimed && !can_be_aimed(MotionPath(object, true, HandoverOptions{}.cut_angle_degrees))) {
+            add(LossCode::aim_undefined, object.at,
+                text::quoted(object.name) +
+                    " has a point of interest, which does not tell how the camera is turned where it looks "
+                    "straight up or down, or beyond, or where the point is at the camera");
+        }
         const Track* const zoom = find_track(layer, Property::zoom);
         if (zoom == nullptr) {
             return;

@@ -22,13 +22,15 @@ enum class LossCode {
     curve_between_keys,
     turn_too_fast,
     view_angle_lost,
+    aim_undefined,  ///< a point of interest does not hold the camera's view
+    rounded,        ///< by numbers of single precision
     null_orientation_open,
     blend_lost,
     value_not_finite,
     outside_host_range,
 };
 
-inline constexpr std::size_t kLossCodes = 18;
+inline constexpr std::size_t kLossCodes = 20;
 
 [[nodiscard]] const std::array<diagnostic::CodeRow<LossCode>, kLossCodes>& loss_code_table();
 [[nodiscard]] const diagnostic::CodeInfo& code_info(LossCode code);

@@ -9,8 +9,18 @@ namespace {
 constexpr double kWholeTurn_degrees = 360;
 constexpr double kHalfTurn_degrees = 180;
 
+// As much nearer than the camera is to the origin, a point of interest is lost in its rounding.
+constexpr double kLeastDistance = 1e-6;
+
 double dot(const Vector& a, const Vector& b) {
     return a[0] * b[0] + a[1] * b[1] + a[2] * b[2];
+}
+
+// Whether every pitch between the two is farther than the bound from the vertical, and not upside down.
+bool stays_upright(double from, double to) {
+    constexpr double kMost_degrees = kHalfTurn_degrees / 2 - kVertical_degrees;
+    const double turns = kWholeTurn_degrees * std::round(from / kWholeTurn_degrees);
+    return std::abs(from - turns) < kMost_degrees && std::abs(to - turns) < kMost_degrees;
 }
 
 // Whole turns to add to an angle.
@@ -96,6 +106,20 @@ MotionPath::MotionPath(const SceneObject& object, bool turns, double cut_angle_d
         }
         keys_.push_back(made);
     }
+}
+
+bool can_be_aimed(const MotionPath& path) {
+    const std::vector<PathKey>& keys = path.keys();
+    for (std::size_t i = 0; i < keys.size(); ++i) {
+        const Pose& pose = keys[i].pose;
+        const bool is_joined = i > 0 && !keys[i - 1].holds;
+        const Vector& at = pose.position;
+        if (!stays_upright(is_joined ? keys[i - 1].pose.pitch : pose.pitch, pose.pitch) ||
+            !(pose.target_distance > kLeastDistance * std::hypot(at[0], at[1], at[2]))) {
+            return false;
+        }
+    }
+    return true;
 }
 
 }  // namespace handover

@@ -40,6 +40,16 @@ class MotionPath {
     std::vector<PathKey> keys_;
 };
 
+/// Nearer to the vertical than this, a camera is not aimed. A position of 10,000 that is kept in single
+/// precision is off by up to 0.0005; one degree from the vertical, that much of a point of interest 1,000
+/// away turns the picture by 0.0005 / (1000 * sin 1), which is 0.03 pixels at the corner of 1920 x 1080.
+inline constexpr double kVertical_degrees = 1;
+
+/// Whether a point of interest holds a camera's view at every moment: the camera is never within
+/// kVertical_degrees of straight up or down, nor upside down, and the point is before it and not lost in the
+/// rounding of its position.
+[[nodiscard]] bool can_be_aimed(const MotionPath& path);
+
 /// The pose between two others: every number changes in proportion.
 [[nodiscard]] Pose pose_between(const Pose& a, const Pose& b, double part);
 

@@ -2,6 +2,7 @@
 // number changes linearly, and the projection is that of a pinhole; the host's transformations are multiplied
 // out here, matrix by matrix.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include <array>
@@ -236,7 +237,32 @@ TEST(LinearKeys, CanBeLeftOut) {
 
 TEST(UprightAim, CanBeLeftOut) {
     const std::string keys = key_text(0, {20, -90, 0, 40}) + key_text(20, {50, -90, 0, 40});
-    EXPECT_TRUE(layer_named(of_keys(keys, without({Correction::upright_aim})), "Cam").aimed);
+    const Handover handover = of_keys(keys, without({Correction::upright_aim}));
+    EXPECT_TRUE(layer_named(handover, "Cam").aimed);
+    EXPECT_THAT(loss_codes(handover), testing::Contains("handover-aim-undefined"));
+}
+
+TEST(UprightAim, IsALossWhereItIsNotMade) {
+    const struct {
+        const char* reason;
+        Stance first;
+        Stance second;
+        bool lost;
+    } kCases[] = {
+        {"level", {20, 0, 0, 40}, {50, 10, 0, 40}, false},
+        {"straight down at a key", {20, 0, 0, 40}, {20, -90, 0, 40}, true},
+        {"straight up between keys", {20, 80, 0, 40}, {20, 100, 0, 40}, true},
+        {"upside down", {20, 170, 0, 40}, {30, 170, 0, 40}, true},
+    };
+    for (const auto& one : kCases) {
+        const std::string text = scene_text(
+            "", "", "CAMERA \"Cam\" {\n" + key_text(0, one.first) + key_text(20, one.second) + "}\n");
+        for (const Version version : {Version::imported, Version::corrected}) {
+            const std::vector<std::string> codes = loss_codes(of_text(text, version));
+            const bool lost = std::find(codes.begin(), codes.end(), "handover-aim-undefined") != codes.end();
+            EXPECT_EQ(lost, one.lost && version == Version::imported) << one.reason;
+        }
+    }
 }
 
 TEST(UprightAim, IsNeededWhereTheTargetIsAtTheCameraOrBehindIt) {

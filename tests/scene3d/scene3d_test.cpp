@@ -213,6 +213,35 @@ TEST(Gltf, AnAngleOfViewThatChangesIsAnimatedAndNamed) {
     EXPECT_THAT(codes_of(handover::gltf_losses(shot, {})), ElementsAre("handover-view-angle-lost"));
 }
 
+TEST(Gltf, WhatSevenDigitsDoNotHoldIsNamed) {
+    // 720 pixels at 90 degrees: the focal length is 360 pixels, and a turn moves a corner by twice as much.
+    const struct {
+        const char* reason;
+        double x;         // of the camera, at its first key
+        double step;      // how far it moves in a frame
+        double distance;  // of its point of interest
+        bool named;
+    } kCases[] = {
+        {"one part in 2^23 of 10,000, half of 3 away, is half a pixel", 10'000, 0, 3, true},
+        {"as far from things as cameras are", 10'000, 0, 1000, false},
+        {"close to things near the origin", 10, 0, 3, false},
+        {"so fast that the rounding of time shows", 0, 1e6, 10, true},
+        {"as fast as cameras are", 0, 100, 100, false},
+    };
+    for (const auto& one : kCases) {
+        std::vector<ObjectKey> keys{key(17, 0), key(18, 0), key(19, 0)};
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            keys[i].position = {one.x + one.step * static_cast<double>(i), 0, 0};
+            keys[i].target_distance = one.distance;
+        }
+        const Handover shot = shot_with({object(ObjectKind::camera, keys)});
+        const std::vector<std::string> codes = codes_of(handover::gltf_losses(shot, {}));
+        EXPECT_EQ(std::count(codes.begin(), codes.end(), "handover-rounded"), one.named ? 1 : 0)
+            << one.reason;
+        EXPECT_THAT(codes_of(handover::usda_losses(shot, {})), Not(testing::Contains("handover-rounded")));
+    }
+}
+
 TEST(Scene3d, NumbersWithoutAnEndAreLeftOutAndNamed) {
     std::vector<ObjectKey> keys{key(17, 0), key(18, 0), key(19, 0)};
     keys[1].position[0] = kInfinite;

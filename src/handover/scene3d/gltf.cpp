@@ -9,11 +9,15 @@
 #include "handover/scene3d/gltf_data.h"
 #include "handover/scene3d/motion.h"
 #include "handover/scene3d/scene3d_values.h"
+#include "text/plain_number.h"
 
 namespace handover {
 namespace {
 
 using Json = nlohmann::ordered_json;
+
+// What a proof allows.
+constexpr double kVisibleRounding_px = 5 * kClose_px;
 
 constexpr double kGltfAngleWithoutKeys = 40;
 constexpr double kRadiansInDegree = 3.14159265358979323846 / 180;
@@ -113,6 +117,51 @@ bool view_angle_changes(const Motion& motion) {
     return std::any_of(motion.poses.begin(), motion.poses.end(), [&](const TimedPose& pose) {
         return pose.view_angle != motion.poses.front().view_angle;
     });
+}
+
+// What rounding does to a camera's picture, at most.
+struct Rounding {
+    double px = 0;
+    double frame = 0;
+};
+
+// At half the distance of the point of interest, in the corner of the picture. Positions, and the times at
+// which they hold, are floats; a key that is left out is missed by as much again.
+Rounding rounding_of(const Handover& handover, const std::vector<TimedPose>& poses) {
+    constexpr double kFloatStep = 1.0 / (1 << 23);
+    constexpr double kUsualDistance = 1000;
+    const PictureFrame frame(handover.shot);
+    Rounding most;
+    for (std::size_t i = 0; i < poses.size(); ++i) {
+        const TimedPose& pose = poses[i];
+        const double late_frames = kFloatStep / 2 * (pose.frame - static_cast<double>(handover.shot.from));
+        const double angle = clamped_angle(pose.view_angle);
+        double place = kFloatStep * std::hypot(pose.position[0], pose.position[1], pose.position[2]);
+        double turn = 0;
+        for (const std::size_t other : {i - std::min<std::size_t>(i, 1), std::min(i + 1, poses.size() - 1)}) {
+            const TimedPose& next = poses[other];
+            const double frames = std::abs(next.frame - pose.frame);
+            // Two poses of one frame are a cut, which takes no time.
+            if (frames > 0) {
+                const double way =
+                    std::hypot(next.position[0] - pose.position[0], next.position[1] - pose.position[1],
+                               next.position[2] - pose.position[2]);
+                place = std::max(
+                    place, kFloatStep * std::hypot(pose.position[0], pose.position[1], pose.position[2]) +
+                               way / frames * late_frames);
+                turn = std::max(turn, angle_between(turn_of(ObjectKind::camera, pose),
+                                                    turn_of(ObjectKind::camera, next)) /
+                                          frames * late_frames);
+            }
+        }
+        const double distance = std::abs(pose.target_distance);
+        const double depth = (std::isfinite(distance) && distance > 0 ? distance : kUsualDistance) / 2;
+        const double px = frame.shift(place / depth + turn, angle);
+        if (px > most.px) {
+            most = {px, pose.frame};
+        }
+    }
+    return most;
 }
 
 // A cut lies this much before its frame, so that a reader whose time of a frame is a little early shows it as
@@ -451,6 +500,18 @@ std::vector<Loss> gltf_losses(const Handover& handover, const Scene3dOptions& op
                                   "the angle of view of \"" + object.name +
                                       "\" changes, which the file says by KHR_animation_pointer; a program "
                                       "without it shows the angle of the first frame"),
+                 Target::gltf});
+        }
+        const Rounding rounding =
+            object.kind == ObjectKind::camera ? rounding_of(handover, motions[i].poses) : Rounding{};
+        if (rounding.px > kVisibleRounding_px) {
+            losses.push_back(
+                {diagnostic::make(LossCode::rounded, object.at,
+                                  "at frame " + text::plain_number(rounding.frame) +
+                                      " things half as far from \"" + object.name +
+                                      "\" as its point of interest may be " +
+                                      text::plain_number(std::ceil(rounding.px * 100) / 100) +
+                                      " pixels off: the file keeps seven digits of places and times"),
                  Target::gltf});
         }
     }
