@@ -232,7 +232,7 @@ class Page(unittest.TestCase):
 
     def test_says_for_every_step_what_must_be_seen(self):
         steps = re.split(r"^## (?=\d)", PAGE, flags=re.MULTILINE)[1:]
-        self.assertEqual(len(steps), 14)
+        self.assertEqual(len(steps), 15)
         for step in steps:
             self.assertEqual(step.count("**Must be seen:**"), 1, step.splitlines()[0])
 
@@ -267,7 +267,7 @@ class Package(unittest.TestCase):
 
     def make(self, *more, name="a.zip"):
         return run(sys.executable, "-B", PROJECT / "script" / "first-run", "--windows", self.aex, "--macos", self.bundle,
-                   "--output", self.folder / name, *more)
+                   "--vxr", VXR, "--output", self.folder / name, *more)
 
     def test_holds_everything_with_its_sums(self):
         done = self.make()
@@ -283,9 +283,12 @@ class Package(unittest.TestCase):
         for name in ("square/square_050.aec", "square/plate0024.png", "wide/wide_060.aec", "wide/plate_wide.png",
                      "names/Küche_070.aec", "names/Fläche groß.png", "missing/missing_080.aec", "texture/card.txl",
                      "pictures/square_frame_00.png", "pictures/wide_camera_light.png", "pictures/card.png",
-                     "first-run.txt", "hosts.txt", "in-after-effects.txt", "license.txt"):
+                     "first-run.txt", "handover.txt", "hosts.txt", "in-after-effects.txt", "license.txt"):
             self.assertIn(name, found)
         self.assertNotIn("missing/lost0000.png", found)
+        for name in ("measure/square_050.jsx", "measure/wide_060.jsx"):
+            self.assertTrue(found[name].endswith(b"\nmeasure();\n})();\n"), name)
+            self.assertNotIn(str(PROJECT).encode(), found[name], "a script names a folder of this machine")
         with tempfile.TemporaryDirectory() as folder:
             for name, data in found.items():
                 (Path(folder) / name).parent.mkdir(parents=True, exist_ok=True)
@@ -300,7 +303,7 @@ class Package(unittest.TestCase):
         with zipfile.ZipFile(self.folder / "a.zip") as package:
             text = package.read("VORTANXR_AE-first-run/results.csv").decode("utf-8-sig")
         rows = list(csv.reader(io.StringIO(text, newline=""), delimiter=";"))
-        self.assertEqual([row[0] for row in rows[2:]], [str(number) for number in range(1, 15)])
+        self.assertEqual([row[0] for row in rows[2:]], [str(number) for number in range(1, 16)])
         self.assertTrue(all(len(row) == 4 and len(row[1]) > 10 and row[2:] == ["", ""] for row in rows[2:]))
 
     def test_has_the_same_bytes_every_time(self):
@@ -325,6 +328,12 @@ class Package(unittest.TestCase):
                 self.assertIn(message, done.stderr)
                 self.assertEqual((self.folder / "a.zip").read_bytes(), b"the last one")
         self.assertEqual([path.name for path in self.folder.iterdir() if path.name.startswith(".")], [])
+
+    def test_is_not_made_without_its_measuring_scripts(self):
+        done = self.make("--vxr", self.folder / "none")
+        self.assertEqual(done.returncode, 1)
+        self.assertIn("script/build release vxr", done.stderr)
+        self.assertFalse((self.folder / "a.zip").exists())
 
     def test_can_be_made_for_windows_alone(self):
         done = self.make("--windows-only")
