@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -106,6 +107,68 @@ TEST(ProofVerb, ShowsTheVerdictFirst) {
               std::string::npos);
     EXPECT_NE(ran.out.find("curve-between-keys"), std::string::npos);
     EXPECT_NE(ran.out.find("how a null is turned has no truth"), std::string::npos);
+}
+
+TEST(ProofVerb, ChecksWarningsOfDriftsAndBendsSayWhatItFinds) {
+    const TemporaryFolder folder;
+    const struct {
+        const char* reason;
+        const char* object;
+        const char* code;
+        double units_per_px;  // of a camera, half as far away as its point of interest; 0: nulls are in units
+    } kCases[] = {
+        {"a null holds, and then moves",
+         "NULL \"n\" {\n KEY 0 0 0 0 0 0 0\n KEY 60 0 0 0 0 0 0\n KEY 100 300 50 -20 0 0 0\n}\n",
+         "hold-drifts", 0},
+        {"a null holds between two moves",
+         "NULL \"n\" {\n KEY 0 0 0 0 0 0 0\n KEY 20 90 0 0 0 0 0\n KEY 80 90 0 0 0 0 0\n KEY 100 180 0 0 0 0 "
+         "0\n}\n",
+         "hold-drifts", 0},
+        {"the way is a mirror of itself, so it is farthest from the line, and nowhere early or late, in its "
+         "middle",
+         "NULL \"n\" {\n KEY 0 -50 -80 0 0 0 0\n KEY 1 -50 0 0 0 0 0\n KEY 99 50 0 0 0 0 0\n KEY 100 50 -80 "
+         "0 0 0 0\n"
+         "}\n",
+         "path-bends", 0},
+        // At 90 degrees and 360 pixels to the side, 500 away.
+        {"a camera holds, and then moves sideways with its point of interest",
+         "CAMERA \"c\" {\n KEY 0 0 0 0 0 0 0 90 1000\n KEY 60 0 0 0 0 0 0 90 1000\n KEY 100 300 0 0 0 0 0 90 "
+         "1000\n}\n",
+         "hold-drifts", 500.0 / 360},
+    };
+    for (const auto& one : kCases) {
+        const std::string scene = folder.write(
+            "shot.aec",
+            std::string("VORTAN XR COMPOSITION\nRESOLUTION 720 576 FROM 0 TO 100 RANGE 101 FPS 25\n"
+                        "COMPOSITION NRM \"Main\" {\n}\n") +
+                one.object);
+        const json proof = json::parse(prove(scene, {"--json"}).out);
+        double units = 0;
+        if (one.units_per_px == 0) {
+            ASSERT_EQ(proof["nulls"][0]["distances"][0]["target"], "imported");
+            units = proof["nulls"][0]["distances"][0]["largest"].get<double>();
+        } else {
+            // Only what lies between the two equal keys: later the camera leaves its way as well.
+            const json held = json::parse(prove(scene, {"--json", "--points", "1", "--at", "30"}).out);
+            for (const json& point : held["cameras"][0]["frames"][0]["points"]) {
+                if (point["point"] == "a corner at half the target distance") {
+                    const double px =
+                        std::abs(point["truth"][0].get<double>() - point["landed"][0][0].get<double>());
+                    units = one.units_per_px * px;
+                }
+            }
+        }
+        EXPECT_GT(units, 1) << one.reason;
+        const json check = json::parse(run({"check", "--json", scene}).out);
+        std::string said;
+        for (const json& warning : check["files"][0]["diagnostics"]) {
+            if (warning["code"] == one.code) {
+                said = warning["reason"];
+            }
+        }
+        EXPECT_NE(said.find("by about " + cli::measured_text(units) + " units"), std::string::npos)
+            << one.reason << ": " << units << ", and: " << said;
+    }
 }
 
 TEST(ProofVerb, ListsPointsAtFrames) {

@@ -53,11 +53,11 @@ TEST(Comparison, WhatIsTheSameDeviatesByNothing) {
     EXPECT_EQ(causes_of(target), "");
     EXPECT_GT(target.deviation.compared, 400);
     EXPECT_TRUE(result.meets_goal());
-    // Keys 0, 40, 80, and TO; in each way of 40 frames 7 others and 4 fractions, in the 20 after the last key
-    // none: parts 1/7, 1/3, 1/2, 2/3, 6/7 are frames 6, 13, 20, 27, 34, and 20 is one exactly; 1 and 39 are
-    // beside the keys.
+    // Keys 0, 40, 80, and TO; in each way of 40 frames 9 others and 4 fractions, in the 20 after the last key
+    // none: parts 1/7, 1/4, 1/3, 1/2, 2/3, 3/4, 6/7 are frames 6, 10, 13, 20, 27, 30, 34, and 10, 20 and 30
+    // are such exactly; 1 and 39 are beside the keys.
     EXPECT_EQ(result.cameras[0].keys_compared, 3);
-    EXPECT_EQ(result.cameras[0].moments, 4 + 2 * (7 + 4));
+    EXPECT_EQ(result.cameras[0].moments, 4 + 2 * (9 + 4));
 }
 
 TEST(Comparison, ListsThePointsOfTheFramesThatAreAskedFor) {

@@ -7,8 +7,9 @@
 namespace proof {
 namespace {
 
-// Parts of the way between two keys: where curves are farthest from straight ways, and others.
-constexpr std::array kParts = {1.0 / 7, 1.0 / 3, 1.0 / 2, 2.0 / 3, 6.0 / 7};
+// Parts of the way between two keys: where curves are farthest from straight ways (at quarters, if they leave
+// it to both sides), and others.
+constexpr std::array kParts = {1.0 / 7, 1.0 / 4, 1.0 / 3, 1.0 / 2, 2.0 / 3, 3.0 / 4, 6.0 / 7};
 
 // Depths of the frame's corners, in target distances.
 constexpr std::array kDepths = {0.5, 1.0, 2.0};
