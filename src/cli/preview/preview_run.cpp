@@ -35,6 +35,11 @@ image::Writing write_picture(const std::string& path, Texture& picture) {
     return writing;
 }
 
+/// The reason with the file in front of it, unless it begins with it.
+std::string about_file(const std::string& path, const std::string& reason) {
+    return reason.starts_with(path + ": ") ? reason : path + ": " + reason;
+}
+
 /// Frames that were drawn and are to be written.
 struct Batch {
     std::vector<FrameFile> files;
@@ -69,8 +74,8 @@ void write_batch(Batch& batch, std::size_t threads, PreviewRun& run) {
             } else if (!std::exchange(failed, true)) {
                 run.code = most_serious(run.code, refused ? image_exit_code(*written.writing.error)
                                                           : ExitCode::cannot_read_or_write);
-                run.problems.push_back(batch.files[i].path + ": " +
-                                       (refused ? written.writing.error->reason : written.failure));
+                run.problems.push_back(about_file(batch.files[i].path,
+                                                  refused ? written.writing.error->reason : written.failure));
             }
         });
     batch = {};

@@ -161,6 +161,7 @@ class PreviewCommand : public Command {
             return write_frames(preview, files, shown.render.threads, drawing);
         }
         std::vector<std::int64_t> frames;
+        frames.reserve(files.size());
         for (const FrameFile& file : files) {
             frames.push_back(file.frame);
         }
@@ -201,6 +202,7 @@ class PreviewCommand : public Command {
             throw UsageError(problem);
         }
         std::vector<FrameFile> files;
+        files.reserve(frames.size());
         for (const std::int64_t frame : frames) {
             files.push_back({frame, has_number_signs(output_) ? numbered_path(output_, frame) : output_});
         }
