@@ -179,6 +179,9 @@ PreviewFrame Preview::draw(std::int64_t frame) {
     result.error = std::move(rendered.error);
     result.findings = std::move(rendered.findings);
     if (!result.error) {
+        if (options_.over) {
+            options_.over(picture, frame);
+        }
         result.picture = std::move(picture);
     }
     return result;

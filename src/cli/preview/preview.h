@@ -24,6 +24,8 @@ struct PreviewOptions {
     std::string composition;  ///< its name; empty for the outermost one
     bool raw = false;         ///< a pixel of the composition is a pixel of the picture, whatever its aspect
     render::RenderOptions render;
+    /// Draws over a frame that is done; may be empty.
+    std::function<void(Texture& picture, std::int64_t frame)> over;
 };
 
 /// One frame as a picture.

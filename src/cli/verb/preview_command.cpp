@@ -3,6 +3,7 @@
 #include <memory>
 #include <nlohmann/json.hpp>
 #include <ostream>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,6 +14,7 @@
 #include "cli/options.h"
 #include "cli/preview/film.h"
 #include "cli/preview/frame_choice.h"
+#include "cli/preview/overlay.h"
 #include "cli/preview/preview.h"
 #include "cli/preview/preview_run.h"
 #include "cli/project/host_setup.h"
@@ -83,6 +85,12 @@ class PreviewCommand : public Command {
             .show_default()
             .group(kShownGroup);
         options
+            .option("--overlay", overlay_,
+                    "draw over the frame what the scene's camera sees: camera, nulls, safe, grid, or several "
+                    "with commas")
+            .value_name("PARTS")
+            .group(kShownGroup);
+        options
             .flag("--plan", plan_,
                   "instead of a frame, cameras, lights and nulls from above, from the side and over time; "
                   "FILE is an .svg file")
@@ -106,7 +114,7 @@ class PreviewCommand : public Command {
         }
         const FoundScene scene(file_, choices_);
         const FoundBundle bundle = find_bundle(bundle_);
-        const PreviewOptions shown = preview_options();
+        const PreviewOptions shown = preview_options(scene.reading());
         Preview preview(scene.reading(), bundle, shown);
         PreviewRun run;
         if (preview.code() == ExitCode::fine) {
@@ -209,7 +217,7 @@ class PreviewCommand : public Command {
         return files;
     }
 
-    [[nodiscard]] PreviewOptions preview_options() const {
+    [[nodiscard]] PreviewOptions preview_options(const SceneReading& reading) const {
         PreviewOptions options;
         options.composition = composition_;
         options.raw = raw_;
@@ -219,6 +227,16 @@ class PreviewCommand : public Command {
                                                      : render::Fields::both;
         options.render.threads = jobs_ > 0 ? static_cast<std::size_t>(jobs_)
                                            : std::max<std::size_t>(1, std::thread::hardware_concurrency());
+        if (!overlay_.empty()) {
+            try {
+                const auto overlay = std::make_shared<Overlay>(reading, overlay_parts(overlay_));
+                options.over = [overlay](Texture& picture, std::int64_t frame) {
+                    overlay->draw(picture, frame);
+                };
+            } catch (const std::invalid_argument& wrong) {
+                throw UsageError(std::string("--overlay ") + wrong.what());
+            }
+        }
         return options;
     }
 
@@ -270,6 +288,7 @@ class PreviewCommand : public Command {
     bool linear_ = false;
     bool raw_ = false;
     bool plan_ = false;
+    std::string overlay_;
     bool json_ = false;
     int jobs_ = 0;
     FindingChoices choices_;
@@ -297,6 +316,8 @@ Verb preview_verb() {
              {"vxr preview shot.aec -o shot.mp4", "The whole composition as a film, on black."},
              {"vxr preview shot.aec --comp Inner --frame 1 -o inner.png",
               "A nested composition by itself, at its second frame."},
+             {"vxr preview shot.aec --overlay camera,nulls,grid -o shot.png",
+              "Whether camera and footage agree, at one glance."},
              {"vxr preview shot.aec --plan -o plan.svg",
               "Where the camera goes and what it sees, for any browser."}},
             []() -> std::unique_ptr<Command> { return std::make_unique<PreviewCommand>(); }};
