@@ -98,7 +98,10 @@ export function momentsOf(keys, scene, most) {
   for (let i = 0; i < keys.length; i += step) {
     frames.add(keys[i].frame);
     if (i + 1 < keys.length) {
-      for (const part of [0.21, 0.5, 0.77]) frames.add(keys[i].frame + part * (keys[i + 1].frame - keys[i].frame));
+      // In parts of a frame that few decimals say exactly.
+      for (const part of [0.21, 0.5, 0.77]) {
+        frames.add(Math.round(256 * (keys[i].frame + part * (keys[i + 1].frame - keys[i].frame))) / 256);
+      }
     }
   }
   if (keys.length) frames.add(keys.at(-1).frame);
