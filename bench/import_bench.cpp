@@ -12,11 +12,13 @@
 #include <typeinfo>
 #include <vector>
 
+#include "cli/handover/handover_run.h"
 #include "composition/model/project_settings.h"
 #include "composition/model/scene_object.h"
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
 #include "embedded/host.h"
+#include "handover/jsx/jsx_script.h"
 #include "json_scene.h"
 #include "measuring.h"
 #include "scenes.h"
@@ -124,6 +126,48 @@ void measure_reading(benchmark::State& state, const Scene& scene) {
     state.counters["file_bytes"] = static_cast<double>(file_bytes(path));
 }
 
+// --- the script for After Effects
+
+std::size_t keys_of(const handover::Handover& handover) {
+    std::size_t keys = 0;
+    for (const handover::Composition& composition : handover.compositions) {
+        for (const handover::Layer& layer : composition.layers) {
+            for (const handover::Track& track : layer.tracks) {
+                keys += track.property == handover::Property::position ? track.frames.size() : 0;
+            }
+        }
+    }
+    return keys;
+}
+
+/// Only the writing: the scene was imported and corrected before.
+void measure_script(benchmark::State& state, const Scene& scene) {
+    const cli::HandedOver made = cli::hand_over(
+        cli::read_scene(scene_file(scene)), cli::find_bundle(VXR_BUNDLE), handover::Version::corrected, {});
+    const std::string name = std::string("script of ") + scene.name + ": ";
+    require(made.handover.has_value(), name + "the scene was not handed over");
+    const std::size_t expected =
+        static_cast<std::size_t>(scene.shape.objects) * static_cast<std::size_t>(scene.shape.keys_per_object);
+    // Random keys hardly ever lie on a line.
+    require(keys_of(*made.handover) > expected * 9 / 10, name + "keys");
+    std::size_t size_bytes = 0;
+    const auto write = [&] {
+        size_bytes = 0;
+        handover::write_jsx(*made.handover, {}, [&](std::string_view piece) { size_bytes += piece.size(); });
+    };
+    const std::int64_t peak = peak_memory_bytes_once(std::string("script/") + scene.name, write);
+    write();
+    while (state.KeepRunning()) {
+        write();
+        benchmark::DoNotOptimize(size_bytes);
+    }
+    // A key has at least its three numbers of two characters.
+    require(size_bytes > expected * 6, name + "text");
+    state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(size_bytes));
+    state.counters["peak_bytes"] = static_cast<double>(peak);
+    state.counters["script_bytes"] = static_cast<double>(size_bytes);
+}
+
 // --- the peer of reading: the same records from JSON
 
 bool same_key(const tagKeyFrame& one, const tagKeyFrame& other, bool camera) {
@@ -228,6 +272,7 @@ const Measure kMeasures[] = {
     {"import", measure_import, false, false}, {"read", measure_reading, false, false},
     {"memchr", measure_memchr, false, false}, {"json", measure_json, true, false},
     {"check", measure_check, true, true},     {"words", measure_words, true, true},
+    {"script", measure_script, true, false},
 };
 
 void register_measure(const Measure& measure, const Scene& scene) {
