@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <limits>
 #include <string>
 #include <string_view>
 
@@ -94,6 +95,49 @@ TEST(JsxWay, LeadsFromAFolderToAFile) {
     for (const auto& [reason, folder, file, way] : kCases) {
         EXPECT_EQ(handover::jsx_way(folder, file), way) << reason;
     }
+}
+
+std::string collected(const auto& write) {
+    std::string whole;
+    const handover::Sink sink = [&](std::string_view piece) { whole += piece; };
+    handover::JsxText text(sink);
+    write(text);
+    text.flush();
+    return whole;
+}
+
+TEST(JsxText, WritesNumbersThatReadBackToTheSame) {
+    const struct {
+        double number;
+        const char* written;
+    } kCases[] = {
+        {0, "0"},
+        {-0.0, "-0"},
+        {0.1, "0.1"},
+        {double{0.1F}, "0.10000000149011612"},
+        {-439.29998779296875, "-439.29998779296875"},
+        {1e22, "1e+22"},
+        {std::numeric_limits<double>::denorm_min(), "5e-324"},
+        {-std::numeric_limits<double>::max(), "-1.7976931348623157e+308"},
+    };
+    for (const auto& [number, written] : kCases) {
+        EXPECT_EQ(collected([&, value = number](handover::JsxText& text) { text << value; }), written);
+    }
+}
+
+TEST(JsxText, LosesNothingBetweenPieces) {
+    // Of all lengths, so that pieces end before, in and after them.
+    std::string expected;
+    const std::string long_text(200'000, 'x');
+    const std::string written = collected([&](handover::JsxText& text) {
+        for (int i = 0; i < 40'000; ++i) {
+            text << i << ',' << std::string_view(long_text).substr(0, static_cast<std::size_t>(i % 7));
+            expected += std::to_string(i) + "," + long_text.substr(0, static_cast<std::size_t>(i % 7));
+        }
+        text << "before" << long_text << "after";
+        expected += "before" + long_text + "after";
+    });
+    EXPECT_TRUE(written == expected);
 }
 
 }  // namespace

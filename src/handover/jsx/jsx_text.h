@@ -1,51 +1,73 @@
 #pragma once
 
-#include <array>
+#include <algorithm>
 #include <charconv>
 #include <concepts>
+#include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "handover/handover.h"
 
 namespace handover {
 
-/// Collects text and passes it on in pieces of some 64 KiB.
+/// Collects text and passes it on in pieces of at most 64 KiB; a longer text is a piece of its own. Numbers
+/// are written where they are collected: scenes have millions.
 class JsxText {
   public:
-    explicit JsxText(const Sink& sink) : sink_(sink) {}
+    explicit JsxText(const Sink& sink) : sink_(sink), buffer_(kPiece) {}
 
     JsxText& operator<<(std::string_view text) {
-        text_ += text;
-        if (text_.size() >= kPiece) {
+        if (text.size() > kPiece - used_) {
             flush();
         }
+        if (text.size() > kPiece) {
+            sink_(text);
+            return *this;
+        }
+        std::copy(text.begin(), text.end(), buffer_.data() + used_);
+        used_ += text.size();
         return *this;
     }
     JsxText& operator<<(const char* text) { return *this << std::string_view(text); }
-    JsxText& operator<<(char c) { return *this << std::string_view(&c, 1); }
+    JsxText& operator<<(char c) {
+        make_room(1);
+        buffer_[used_++] = c;
+        return *this;
+    }
     JsxText& operator<<(bool value) { return *this << (value ? "true" : "false"); }
 
     /// The shortest text that reads back to the same number. `number` is finite.
     template <typename Number>
     requires(std::integral<Number> || std::floating_point<Number>) &&
         (!std::same_as<Number, bool> && !std::same_as<Number, char>)JsxText& operator<<(Number number) {
-        std::array<char, 32> digits{};
-        const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-        return *this << std::string_view(digits.data(), static_cast<std::size_t>(end - digits.data()));
+        constexpr std::size_t kLongestNumber = 32;
+        make_room(kLongestNumber);
+        char* const begin = buffer_.data() + used_;
+        used_ += static_cast<std::size_t>(std::to_chars(begin, begin + kLongestNumber, number).ptr - begin);
+        return *this;
     }
 
     void flush() {
-        if (!text_.empty()) {
-            sink_(text_);
-            text_.clear();
+        if (used_ > 0) {
+            sink_({buffer_.data(), used_});
+            used_ = 0;
         }
     }
 
   private:
     static constexpr std::size_t kPiece = 65536;
+
+    void make_room(std::size_t size) {
+        if (size > kPiece - used_) {
+            flush();
+        }
+    }
+
     const Sink& sink_;
-    std::string text_;
+    std::vector<char> buffer_;
+    std::size_t used_ = 0;
 };
 
 /// Any bytes as ASCII that can stand in a string of the script and on one line of a comment: UTF-8 as \uXXXX,

@@ -56,7 +56,10 @@ class Calls {
     }
     template <typename Number>
     void add(Number number) {
-        text_ << (first_ ? "" : ",") << number;
+        if (!first_) {
+            text_ << ',';
+        }
+        text_ << number;
         first_ = false;
         ++numbers_;
     }
