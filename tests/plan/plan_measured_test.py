@@ -210,6 +210,13 @@ class Refusals(unittest.TestCase):
             self.assertEqual(run.returncode, 2)
             self.assertIn("ends in .svg", run.stderr)
 
+    def test_plan_has_no_frames(self):
+        for option in (["--frame", "1"], ["--overlay", "safe"], ["--comp", "Main"], ["--json"]):
+            with self.subTest(option=option):
+                run = self.run_vxr("shot.aec", "--plan", "-o", "plan.svg", *option)
+                self.assertEqual(run.returncode, 2, run.stderr)
+                self.assertIn("--plan excludes", run.stderr)
+
     def test_broken_scene_leaves_the_old_plan(self):
         with tempfile.TemporaryDirectory() as folder:
             scene = pathlib.Path(folder, "shot.aec")

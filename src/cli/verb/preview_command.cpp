@@ -130,6 +130,11 @@ class PreviewCommand : public Command {
 
     // Footage does not count, so the exit code does not tell of any that is missing.
     ExitCode draw_plan(Terminal& terminal) const {
+        if (!(frame_.empty() && range_.empty() && every_.empty() && composition_.empty() &&
+              overlay_.empty()) ||
+            json_) {
+            throw UsageError("--plan excludes --frame, --frames, --every, --comp, --overlay and --json");
+        }
         if (!text::ends_with_ignoring_case(output_, ".svg")) {
             throw UsageError("--plan writes SVG, so the name of its output ends in .svg");
         }
