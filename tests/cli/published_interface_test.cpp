@@ -124,7 +124,7 @@ const PublishedVerb kVerbs[] = {
     {"modules",
      {"--json", "--bundle PATH", "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
     {"report",
-     {"SCENE", "-r, --recursive", "--files-from FILE", "-0, --null", "-o, --output FILE.html",
+     {"SCENE", "-r, --recursive", "--files-from FILE", "-0, --null", "-o, --output FILE.html", "--pictures N",
       "--progress auto|never", "-j, --jobs N", "--bundle PATH", "-h, --help"}},
     {"proof",
      {"SCENE", "--points N", "--json", "--at FRAME", "--picture FILE", "--for-after-effects FILE",

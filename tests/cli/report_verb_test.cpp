@@ -46,7 +46,7 @@ struct ReportedPage {
     json page;
 
     explicit ReportedPage(const std::string& scene)
-        : ran(report({folder.write("shot.aec", scene)}, folder.path("shot.html"))),
+        : ran(report({folder.write("shot.aec", scene)}, folder.path("shot.html"), {"--pictures", "1"})),
           page(read_page(folder.path("shot.html"))) {}
 
     [[nodiscard]] std::vector<std::string> all(const char* what) const {
@@ -62,7 +62,7 @@ const std::string kScene = kHead + "COMPOSITION NRM \"Main\" { }\n";
 TEST(ReportVerb, AnswersTheQuestionsInTheirOrder) {
     const TemporaryFolder folder;
     const std::string output = folder.path("page.html");
-    const Ran ran = report({VXR_EXAMPLES_DIR "/square/courtyard_020.aec"}, output);
+    const Ran ran = report({VXR_EXAMPLES_DIR "/square/courtyard_020.aec"}, output, {"--pictures", "1"});
     EXPECT_EQ(ran.code, ExitCode::fine) << ran.err;
     const json page = read_page(output);
     EXPECT_THAT(page["faults"].get<std::vector<std::string>>(), ElementsAre());
@@ -72,8 +72,8 @@ TEST(ReportVerb, AnswersTheQuestionsInTheirOrder) {
             questions.push_back(heading);
         }
     }
-    EXPECT_THAT(questions, ElementsAre("Does it import, and is anything lost?", "Is the camera right?",
-                                       "What is in it?", "What to do next?"));
+    EXPECT_THAT(questions, ElementsAre("Does it import, and is anything lost?", "What does it look like?",
+                                       "Is the camera right?", "What is in it?", "What to do next?"));
     // Four words of this scene do not reach After Effects: ANGLE, AREA, PSPOT and TUBE.
     EXPECT_THAT(page["verdicts"].get<std::vector<std::string>>(),
                 ElementsAre("It imports. 4 losses change the picture or the motion."));
@@ -84,14 +84,19 @@ TEST(ReportVerb, AnswersTheQuestionsInTheirOrder) {
 TEST(ReportVerb, WhatScriptsGetFollowsTheSchema) {
     const TemporaryFolder folder;
     const std::string output = folder.path("page.html");
-    (void)report(
-        {VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec", VXR_EXAMPLES_DIR "/keyframes/orbit_030.aec"},
-        output);
+    (void)report({VXR_EXAMPLES_DIR "/interlaced/lantern_010.aec", VXR_EXAMPLES_DIR "/textured/shelf_040.aec"},
+                 output);
     const json data = read_page(output)["data"];
     ASSERT_EQ(data["scenes"].size(), 2U);
     EXPECT_EQ(data["scenes"][0]["verdict"], "incomplete");
     // The camera of the lantern has keys at the frames 17, 20 and 24.
     EXPECT_EQ(data["scenes"][0]["objects"][0]["keys"]["frame"], json::array({17, 20, 24}));
+    // Eight frames from FROM to TO. With its aspect cut to 1.06 a frame is 763 x 576 square pixels, and 540
+    // high here.
+    const json& frames = data["scenes"][0]["pictures"]["frames"];
+    ASSERT_EQ(frames.size(), 8U);
+    EXPECT_EQ(frames[7]["frame"], 24);
+    EXPECT_EQ(data["scenes"][0]["pictures"]["width_px"], 715);
     const TemporaryFolder documents;
     const std::string validator = VXR_PROJECT_DIR "/tests/support/validate_json.py";
     (void)documents.write("report.1.json", data.dump());
@@ -188,7 +193,7 @@ TEST(ReportVerb, AFolderBeginsWithItsScenesAndTheMostSeriousCounts) {
     (void)folder.write("job/c.aec", "VORTAN XR COMPOSITION\nRESOLUTION wide\n");
     const std::string output = folder.path("job.html");
     for (const char* const jobs : {"1", "3"}) {
-        const Ran ran = report({folder.path("job")}, output, {"--jobs", jobs});
+        const Ran ran = report({folder.path("job")}, output, {"--jobs", jobs, "--pictures", "0"});
         EXPECT_EQ(ran.code, ExitCode::refused) << ran.err;
         EXPECT_THAT(ran.out, HasSubstr("3 files: 1 ok, 1 incomplete, 1 refused"));
         const json page = read_page(output);

@@ -77,7 +77,7 @@ std::string camera_table(const proof::CameraResult& camera) {
         return html + "<tbody><tr><td>Without keys it says nothing.</td></tr></tbody></table></div>";
     }
     html +=
-        "<thead><tr><th scope=\"col\">in</th><th scope=\"col\"></th><th scope=\"col\" "
+        "<thead><tr><th scope=\"col\">in</th><th scope=\"col\">right?</th><th scope=\"col\" "
         "class=\"number\">largest "
         "distance, px</th><th scope=\"col\" class=\"number\">mean, px</th><th scope=\"col\" class=\"number\">"
         "worst at frame</th><th scope=\"col\" class=\"number\">points lost</th><th "

@@ -135,7 +135,9 @@ std::string corrections_html(const PageScene& scene, const PagePlace& place) {
     std::string html =
         subheading(place, "What vxr export corrects") +
         "<p>The plug-in's rules are old. A script or 3D file that <code>vxr export</code> writes "
-        "says what the scene says instead:</p><table><thead><tr><th scope=\"col\">correction"
+        "says what the scene says instead:</p>" +
+        wide_table("Corrections") +
+        "<thead><tr><th scope=\"col\">correction"
         "</th><th scope=\"col\" class=\"number\">places</th><th scope=\"col\">why</th>"
         "<th scope=\"col\">for example</th></tr></thead><tbody>";
     for (const handover::AppliedCorrection& applied : scene.corrections) {
@@ -145,7 +147,7 @@ std::string corrections_html(const PageScene& scene, const PagePlace& place) {
                 grouped(applied.count) + "</td><td>" + html_text(info.reason) + "</td><td>" +
                 html_name(applied.example) + "</td></tr>";
     }
-    return html + "</tbody></table>";
+    return html + "</tbody></table></div>";
 }
 
 std::string export_losses_html(const PageScene& scene, const PagePlace& place) {
@@ -153,7 +155,8 @@ std::string export_losses_html(const PageScene& scene, const PagePlace& place) {
         return {};
     }
     std::string html = subheading(place, "What exported files lose all the same") +
-                       "<table><thead><tr><th scope=\"col\">what</th><th scope=\"col\">where</th>"
+                       wide_table("Losses of exported files") +
+                       "<thead><tr><th scope=\"col\">what</th><th scope=\"col\">where</th>"
                        "<th scope=\"col\" class=\"number\">line</th></tr></thead><tbody>";
     const std::size_t shown = std::min(scene.losses.size(), kMostPlaces);
     for (std::size_t i = 0; i < shown; ++i) {
@@ -163,7 +166,7 @@ std::string export_losses_html(const PageScene& scene, const PagePlace& place) {
                 "</td><td class=\"number\">" +
                 (loss.what.at.line ? grouped(*loss.what.at.line) : std::string()) + "</td></tr>";
     }
-    html += "</tbody></table>";
+    html += "</tbody></table></div>";
     if (shown < scene.losses.size()) {
         html += "<p class=\"where\">and " + grouped(static_cast<std::int64_t>(scene.losses.size() - shown)) +
                 " more, which <code>vxr export --list-losses</code> shows</p>";
@@ -200,6 +203,11 @@ std::string part_heading(const PagePlace& place, std::string_view part, std::str
 std::string subheading(const PagePlace& place, std::string_view title) {
     const std::string level = std::to_string(place.level + 1);
     return "<h" + level + ">" + html_text(title) + "</h" + level + ">\n";
+}
+
+std::string wide_table(std::string_view label) {
+    return "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"" + html_text(label) +
+           "\"><table>";
 }
 
 std::string severity_mark(Severity severity) {

@@ -1,12 +1,15 @@
 #include "cli/page/page_data.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <vector>
 
 #include "cli/report/check_summary.h"
 #include "cli/report/diagnostic_json.h"
+#include "cli/scene/written_number.h"
 #include "embedded/json_values.h"
 #include "handover/motion_path.h"
 
@@ -37,6 +40,12 @@ const char* kind_word(handover::ObjectKind kind) {
     return "";
 }
 
+// The scene's numbers are of single precision; further digits say nothing.
+Json short_number(double value) {
+    return std::isfinite(value) ? Json(std::strtod(shortest_text(value).c_str(), nullptr))
+                                : embedded::json_number(value);
+}
+
 // Evenly spaced ones of `count`, the first and the last among them.
 std::vector<std::size_t> spread(std::size_t count, std::size_t most) {
     std::vector<std::size_t> chosen;
@@ -62,7 +71,7 @@ Json object_json(const handover::SceneObject& object, std::size_t most_keys) {
                                    pose.heading,     pose.pitch,          pose.bank,
                                    pose.view_angle,  pose.target_distance};
         for (std::size_t i = 0; i < 8; ++i) {
-            columns[i].push_back(embedded::json_number(numbers[i]));
+            columns[i].push_back(short_number(numbers[i]));
         }
     }
     const auto column = [&](std::size_t i) { return columns[i].is_null() ? Json::array() : columns[i]; };
@@ -84,10 +93,10 @@ Json object_json(const handover::SceneObject& object, std::size_t most_keys) {
         json["light"] = json_text(object.light_word);
         json["color"] = Json::array();
         for (const double part : object.color) {
-            json["color"].push_back(embedded::json_number(part));
+            json["color"].push_back(short_number(part));
         }
-        json["intensity"] = embedded::json_number(object.intensity);
-        json["cone_angle"] = embedded::json_number(object.cone_angle);
+        json["intensity"] = short_number(object.intensity);
+        json["cone_angle"] = short_number(object.cone_angle);
     }
     return json;
 }
@@ -112,6 +121,18 @@ Json corrections_json(const PageScene& scene) {
                                {"example", json_text(applied.example)}});
     }
     return corrections;
+}
+
+Json pictures_json(const PagePictures& pictures) {
+    Json frames = Json::array();
+    for (const PagePicture& one : pictures.frames) {
+        frames.push_back({{"frame", one.frame}, {"url", one.url}});
+    }
+    return {{"composition", json_text(pictures.composition)},
+            {"width_px", pictures.width_px},
+            {"height_px", pictures.height_px},
+            {"problems", texts_json(pictures.problems)},
+            {"frames", frames}};
 }
 
 Json shot_json(const Handover& handover) {
@@ -168,6 +189,7 @@ Json scene_json(const PageScene& scene) {
             {"shot", scene.imported ? shot_json(*scene.imported) : Json()},
             {"objects", scene.imported ? objects_json(*scene.imported) : Json::array()},
             {"objects_in_scene", scene.imported ? scene.imported->objects.size() : 0},
+            {"pictures", pictures_json(scene.pictures)},
             {"proof", scene.proof ? proof_document(*scene.proof) : Json()}};
 }
 

@@ -4,6 +4,7 @@
 // with which the ids of its elements begin. Headings are of `level` and below.
 
 #include <string>
+#include <string_view>
 
 #include "cli/page/page_scene.h"
 
@@ -21,6 +22,9 @@ struct PagePlace {
 /// corrects, and what other programs lose.
 [[nodiscard]] std::string losses_part(const PageScene& scene, const PagePlace& place);
 
+/// What does it look like? The first picture; the script adds the others.
+[[nodiscard]] std::string pictures_part(const PageScene& scene, const PagePlace& place);
+
 /// Is the camera right? The proof, and the place of the view in three dimensions.
 [[nodiscard]] std::string camera_part(const PageScene& scene, const PagePlace& place);
 
@@ -35,6 +39,9 @@ struct PagePlace {
 
 /// A subheading within a part.
 [[nodiscard]] std::string subheading(const PagePlace& place, std::string_view title);
+
+/// The beginning of a table that scrolls by itself where it is wider than the page; "</table></div>" ends it.
+[[nodiscard]] std::string wide_table(std::string_view label);
 
 /// "<span class="mark loss">loss</span>"
 [[nodiscard]] std::string severity_mark(Severity severity);

@@ -7,7 +7,7 @@
 namespace cli {
 
 PageScene page_scene(const SceneReading& reading, ExitCode code, std::vector<Diagnostic> diagnostics,
-                     const FoundBundle& bundle) {
+                     const FoundBundle& bundle, std::size_t most_pictures, std::size_t threads) {
     PageScene scene;
     scene.file = reading.file;
     scene.code = code;
@@ -31,6 +31,7 @@ PageScene page_scene(const SceneReading& reading, ExitCode code, std::vector<Dia
         scene.losses = std::move(corrected.handover->losses);
     }
     scene.proof = prove(reading, bundle, {});
+    scene.pictures = page_pictures(reading, bundle, most_pictures, threads);
     return scene;
 }
 

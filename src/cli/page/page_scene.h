@@ -1,11 +1,13 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "cli/exit_codes.h"
 #include "cli/handover/proof_run.h"
+#include "cli/page/page_pictures.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
 #include "handover/handover.h"
@@ -22,11 +24,13 @@ struct PageScene {
     std::vector<handover::AppliedCorrection> corrections;  ///< what `vxr export` would correct
     std::vector<handover::Loss> losses;                    ///< where other programs differ all the same
     std::optional<ProofRun> proof;
+    PagePictures pictures;
 };
 
-/// Imports the scene, and proves it. `code` and `diagnostics` are what a check of it found. One call at a
-/// time: a bundle can be loaded into one host only.
+/// Imports the scene, proves it, and draws at most `most_pictures` frames on `threads` threads. `code` and
+/// `diagnostics` are what a check of it found. One call at a time: a bundle can be loaded into one host only.
 [[nodiscard]] PageScene page_scene(const SceneReading& reading, ExitCode code,
-                                   std::vector<Diagnostic> diagnostics, const FoundBundle& bundle);
+                                   std::vector<Diagnostic> diagnostics, const FoundBundle& bundle,
+                                   std::size_t most_pictures, std::size_t threads);
 
 }  // namespace cli

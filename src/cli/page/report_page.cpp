@@ -72,8 +72,9 @@ std::string facts_html(const PageScene& scene) {
 
 std::string parts_html(const std::string& id) {
     std::string html = "<nav class=\"parts\" aria-label=\"Parts of this report\"><ul>";
-    for (const auto& [part, title] : {std::pair{"losses", "Losses"}, std::pair{"camera", "Camera"},
-                                      std::pair{"contents", "Contents"}, std::pair{"commands", "Next"}}) {
+    for (const auto& [part, title] :
+         {std::pair{"losses", "Losses"}, std::pair{"pictures", "Pictures"}, std::pair{"camera", "Camera"},
+          std::pair{"contents", "Contents"}, std::pair{"commands", "Next"}}) {
         html += "<li><a href=\"#" + id + '-' + part + "\">" + title + "</a></li>";
     }
     return html + "</ul></nav>";
@@ -107,21 +108,29 @@ std::string totals_html(const std::vector<WrittenScene>& scenes) {
     return html + "</ul>";
 }
 
+// Beside the scene's name, so it has nothing to say to who does not see it.
+std::string thumbnail_html(const WrittenScene& scene) {
+    return scene.thumbnail.empty()
+               ? std::string()
+               : "<img class=\"thumbnail\" loading=\"lazy\" src=\"" + scene.thumbnail + "\" alt=\"\">";
+}
+
 std::string front_page(const std::vector<WrittenScene>& scenes) {
     std::string html =
         "<header class=\"front\" id=\"front\"><h1>" +
         counted(static_cast<std::int64_t>(scenes.size()), "scene", "scenes") + "</h1>" + totals_html(scenes) +
         "<div class=\"tools\" data-filter></div><div class=\"wide\" tabindex=\"0\" role=\"group\" "
         "aria-label=\"Scenes\"><table class=\"scenes\"><thead><tr>"
-        "<th scope=\"col\" data-sort=\"text\">scene</th><th scope=\"col\">verdict</th>"
+        "<th scope=\"col\">first frame</th><th scope=\"col\" data-sort=\"text\">scene</th><th "
+        "scope=\"col\">verdict</th>"
         "<th scope=\"col\" class=\"number\" data-sort=\"number\">losses</th>"
         "<th scope=\"col\" class=\"number\" data-sort=\"number\">warnings</th>"
         "<th scope=\"col\" class=\"number\" data-sort=\"number\">footage missing</th>"
         "</tr></thead><tbody>";
     for (std::size_t i = 0; i < scenes.size(); ++i) {
         const WrittenScene& scene = scenes[i];
-        html += "<tr data-state=\"" + std::string(verdict_class(scene)) +
-                "\"><th scope=\"row\"><a href=\"#s" + std::to_string(i + 1) + "\">" +
+        html += "<tr data-state=\"" + std::string(verdict_class(scene)) + "\"><td>" + thumbnail_html(scene) +
+                "</td><th scope=\"row\"><a href=\"#s" + std::to_string(i + 1) + "\">" +
                 html_name(scene_title(scene.file)) + "</a><span class=\"path\">" + html_name(scene.file) +
                 "</span></th><td>" + verdict_html(scene) + "</td><td class=\"number\">" +
                 grouped(scene.losses) + "</td><td class=\"number\">" + grouped(scene.warnings) +
@@ -177,9 +186,13 @@ WrittenScene write_scene(const PageScene& scene, std::size_t index, bool alone) 
                    "><p class=\"path\">" + html_name(scene.file) + "</p>" + verdict_html(written) +
                    facts_html(scene) + parts_html(place.id) + "</header>\n" +
                    section(place.id, "losses", losses_part(scene, place)) +
+                   section(place.id, "pictures", pictures_part(scene, place)) +
                    section(place.id, "camera", camera_part(scene, place)) +
                    section(place.id, "contents", contents_part(scene, place)) +
                    section(place.id, "commands", commands_part(scene, place)) + "</article>\n";
+    if (!alone && !scene.pictures.frames.empty()) {
+        written.thumbnail = scene.pictures.frames.front().url;
+    }
     written.data = page_data(scene);
     return written;
 }

@@ -23,7 +23,8 @@ struct WrittenScene {
     std::int64_t warnings = 0;
     std::int64_t missing = 0;  ///< footage files
     std::string html{};
-    std::string data{};  ///< JSON, for a script element
+    std::string thumbnail{};  ///< a URL with the picture in it, or empty
+    std::string data{};       ///< JSON, for a script element
 };
 
 /// The scene as number `index` of the page, from 0, and `alone` if the page has no other.

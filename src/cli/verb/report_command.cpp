@@ -28,6 +28,7 @@ namespace cli {
 namespace {
 
 constexpr int kMostJobs = 256;
+constexpr int kMostPictures = 100;
 
 /// A scene that was looked at.
 struct SeenScene {
@@ -44,6 +45,13 @@ class ReportCommand : public Command {
         options.file_argument("SCENE", inputs_.files, "composition files, and folders with such files");
         add_input_options(options, inputs_);
         options.option("-o,--output", output_, "the page to write").value_name("FILE.html").group("Output");
+        options
+            .option("--pictures", pictures_,
+                    "at most so many frames of each scene; with many scenes fewer; 0 for none")
+            .value_name("N")
+            .range(0, kMostPictures)
+            .show_default()
+            .group("Output");
         options.option("--progress", progress_, "whether a terminal shows how far the work is")
             .value_name("auto|never")
             .choices({"auto", "never"})
@@ -99,6 +107,12 @@ class ReportCommand : public Command {
                          : std::max<std::size_t>(1, std::thread::hardware_concurrency());
     }
 
+    // How many frames of a scene a page shows: with many scenes fewer, so that it opens quickly.
+    [[nodiscard]] std::size_t pictures_each(std::size_t scenes) const {
+        constexpr std::size_t kMostOfAll = 48;
+        return std::min(static_cast<std::size_t>(pictures_), std::max<std::size_t>(1, kMostOfAll / scenes));
+    }
+
     // Whether the output may be written; `roles` knows what is read.
     void claim_output(FileRoles roles) const {
         if (const std::string refusal = roles.writes(output_, "-o"); !refusal.empty()) {
@@ -141,7 +155,8 @@ class ReportCommand : public Command {
                 {
                     // The bundle is loaded once into a process, and serves one host at a time.
                     const std::scoped_lock lock(one_host);
-                    scene = page_scene(reading, check.code, std::move(check.diagnostics), bundle);
+                    scene = page_scene(reading, check.code, std::move(check.diagnostics), bundle,
+                                       pictures_each(files.size()), threads());
                 }
                 seen.written = write_scene(scene, i, files.size() == 1);
                 seen.diagnostics = std::move(scene.diagnostics);
@@ -172,6 +187,7 @@ class ReportCommand : public Command {
     CheckInputs inputs_;
     std::string output_;
     std::string progress_ = "auto";
+    int pictures_ = 12;
     int jobs_ = 1;
     std::string bundle_;
 };
@@ -185,7 +201,8 @@ Verb report_verb() {
         // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): each paragraph has several lines
         {"Looks at every SCENE as After Effects will get it, and writes one HTML file that says, in this "
          "order: "
-         "does it import, and is anything lost; is the camera right; what is in it; what to do next. "
+         "does it import, and is anything lost; what does it look like; is the camera right; what is in it; "
+         "what to do next. "
          "For several scenes and for folders the page begins with a table of all of them.",
          "The page opens in any browser, needs no network and asks for nothing, prints, and can be sent to "
          "someone who has none of the files. Verdict, losses and contents can be read without scripts; with "
