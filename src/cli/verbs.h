@@ -19,6 +19,7 @@ Verb report_verb();           ///< `vxr report SCENE... -o FILE.html`
 Verb export_verb();           ///< `vxr export SCENE... --to FORMAT`
 Verb texture_info_verb();     ///< `vxr texture info FILE...`
 Verb texture_check_verb();    ///< `vxr texture check FILE...`
+Verb texture_sheet_verb();    ///< `vxr texture sheet FILE... -o IMAGE`
 Verb texture_convert_verb();  ///< `vxr texture convert IN...`
 Verb frame_verb();            ///< `vxr frame FILE -o IMAGE`
 Verb modules_verb();          ///< `vxr modules`

@@ -6,15 +6,10 @@
 #include <string>
 
 #include "render/bitmap_font.h"
+#include "render/picture_text.h"
 
 namespace render {
 namespace {
-
-struct Shade {
-    std::uint8_t red = 0;
-    std::uint8_t green = 0;
-    std::uint8_t blue = 0;
-};
 
 /// White, yellow, cyan, green, magenta, red, blue at three quarters, as test pictures have them.
 constexpr std::array<Shade, 7> kBars{
@@ -22,42 +17,12 @@ constexpr std::array<Shade, 7> kBars{
 constexpr Shade kInk{255, 255, 255};
 constexpr Shade kPaper{0, 0, 0};
 
-void put(Picture& picture, std::int32_t x, std::int32_t y, const Shade& shade) {
-    std::uint8_t* const pixel =
-        &picture.bytes[static_cast<std::size_t>(y) * picture.row_bytes() + static_cast<std::size_t>(x) * 4];
-    pixel[0] = shade.red;
-    pixel[1] = shade.green;
-    pixel[2] = shade.blue;
-    pixel[3] = 255;
-}
-
-/// As many letters as fit, the last of them three dots if some do not.
-std::string cut_to(std::string_view text, std::size_t letters) {
-    if (text.size() <= letters) {
-        return std::string(text);
-    }
-    // The end of a file's name has its number, so the beginning is cut.
-    constexpr std::string_view kDots = "...";
-    if (letters <= kDots.size()) {
-        return std::string(text.substr(0, letters));
-    }
-    return std::string(kDots) + std::string(text.substr(text.size() - (letters - kDots.size())));
-}
-
 /// One line of letters whose dots are `dot` pixels wide, centred, on a strip of its own.
 void write_line(Picture& picture, const std::string& text, std::int32_t top, std::int32_t dot) {
-    const std::int32_t height = (kCellHeight + 1) * dot;
     const std::int32_t left =
         (picture.width_px - static_cast<std::int32_t>(text.size()) * kCellWidth * dot) / 2;
-    for (std::int32_t y = std::max(top, 0); y < std::min(top + height, picture.height_px); ++y) {
-        for (std::int32_t x = 0; x < picture.width_px; ++x) {
-            const std::int32_t column = x - left;
-            const auto letter = static_cast<std::size_t>(column / (kCellWidth * dot));
-            const bool ink = column >= 0 && letter < text.size() &&
-                             has_dot(text[letter], column / dot % kCellWidth, (y - top) / dot - 1);
-            put(picture, x, y, ink ? kInk : kPaper);
-        }
-    }
+    fill_area(picture, 0, top, picture.width_px, (kCellHeight + 1) * dot, kPaper);
+    draw_text(picture, text, left, top + dot, dot, kInk);
 }
 
 }  // namespace
@@ -70,7 +35,7 @@ Picture colour_bars(std::int32_t width_px, std::int32_t height_px, std::string_v
     picture.bytes.resize(static_cast<std::size_t>(height_px) * picture.row_bytes());
     for (std::int32_t x = 0; x < width_px; ++x) {
         const auto bar = static_cast<std::size_t>(x) * kBars.size() / static_cast<std::size_t>(width_px);
-        put(picture, x, 0, kBars[bar]);
+        put_pixel(picture, x, 0, kBars[bar]);
     }
     for (std::int32_t y = 1; y < height_px; ++y) {
         std::memcpy(&picture.bytes[static_cast<std::size_t>(y) * picture.row_bytes()], picture.bytes.data(),

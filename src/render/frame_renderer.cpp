@@ -174,13 +174,12 @@ class RowDrawer {
 class FrameDrawing {
   public:
     FrameDrawing(const embedded::Project& project, const RenderOptions& options, FootagePictures& pictures,
-                 const FramePlan& plan, const embedded::Composition& composition, const RowSink& sink,
-                 RenderedFrame& result)
+                 const FramePlan& plan, const Area& frame, const RowSink& sink, RenderedFrame& result)
         : project_(project),
           options_(options),
           pictures_(pictures),
           plan_(plan),
-          frame_{0, 0, composition.width, composition.height},
+          frame_(frame),
           sink_(sink),
           result_(result) {}
 
@@ -324,6 +323,17 @@ class FrameDrawing {
     std::map<Key, std::unique_ptr<RowReader>> readers_;
 };
 
+RenderedFrame refusal(const char* what, std::int64_t width_px, std::int64_t height_px) {
+    RenderedFrame result;
+    if (width_px * height_px > limits::kPreviewPixels) {
+        result.error = diagnostic::make(
+            Code::frame_too_large, {},
+            std::string(what) + " has " + std::to_string(width_px) + " x " + std::to_string(height_px) +
+                " pixels, and a preview draws at most " + std::to_string(limits::kPreviewPixels));
+    }
+    return result;
+}
+
 }  // namespace
 
 FrameRenderer::FrameRenderer(const embedded::Project& project, ModulePictures module_pictures,
@@ -335,22 +345,37 @@ FrameRenderer::FrameRenderer(const embedded::Project& project, ModulePictures mo
 }
 
 RenderedFrame FrameRenderer::render(embedded::Id id, std::int64_t frame, const RowSink& sink) {
-    RenderedFrame result;
     const embedded::Composition& composition = project_.composition(id);
-    if (std::int64_t{composition.width} * composition.height > limits::kPreviewPixels) {
-        result.error = diagnostic::make(Code::frame_too_large, {},
-                                        "the composition has " + std::to_string(composition.width) + " x " +
-                                            std::to_string(composition.height) +
-                                            " pixels, and a preview draws at most " +
-                                            std::to_string(limits::kPreviewPixels));
+    if (RenderedFrame result = refusal("the composition", composition.width, composition.height);
+        result.error) {
         return result;
     }
-    const FramePlan plan = plan_frame(project_, id, frame);
-    if (plan.error) {
-        result.error = plan.error;
+    return draw(plan_frame(project_, id, frame), composition.width, composition.height, sink);
+}
+
+RenderedFrame FrameRenderer::render_footage(embedded::Id id, const std::string& file, const RowSink& sink) {
+    const embedded::Footage& footage = project_.footage_of(id);
+    if (RenderedFrame result = refusal("the footage", footage.width, footage.height); result.error) {
         return result;
     }
-    FrameDrawing(project_, options_, pictures_, plan, composition, sink, result).draw();
+    PlanStep step;
+    step.first = true;
+    step.footage = id;
+    step.file = file;
+    step.around = {0, 0, footage.width, footage.height};
+    step.visible = step.around;
+    FramePlan plan;
+    plan.steps.push_back(std::move(step));
+    return draw(plan, footage.width, footage.height, sink);
+}
+
+RenderedFrame FrameRenderer::draw(const FramePlan& plan, std::int64_t width_px, std::int64_t height_px,
+                                  const RowSink& sink) {
+    RenderedFrame result;
+    result.error = plan.error;
+    if (!result.error) {
+        FrameDrawing(project_, options_, pictures_, plan, {0, 0, width_px, height_px}, sink, result).draw();
+    }
     return result;
 }
 

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <functional>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "diagnostic/diagnostic.h"
@@ -58,7 +59,15 @@ class FrameRenderer {
     /// `frame` is one of frame_count().
     [[nodiscard]] RenderedFrame render(embedded::Id composition, std::int64_t frame, const RowSink& sink);
 
+    /// One footage by itself, at its own size: the picture of `file`, one of its files, empty for a
+    /// placeholder.
+    [[nodiscard]] RenderedFrame render_footage(embedded::Id footage, const std::string& file,
+                                               const RowSink& sink);
+
   private:
+    [[nodiscard]] RenderedFrame draw(const FramePlan& plan, std::int64_t width_px, std::int64_t height_px,
+                                     const RowSink& sink);
+
     const embedded::Project& project_;
     RenderOptions options_;
     FootagePictures pictures_;

@@ -22,4 +22,8 @@ std::string plain_number(double value) {
     return number == "-0" ? "0" : number;
 }
 
+std::string count_text(std::size_t count, const char* one, const char* several) {
+    return std::to_string(count) + ' ' + (count == 1 ? one : several);
+}
+
 }  // namespace text

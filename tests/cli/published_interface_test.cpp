@@ -66,9 +66,9 @@ struct PublishedVerb {
 
 const PublishedVerb kVerbs[] = {
     {"",
-     {"import", "check", "relink", "collect", "export", "preview", "proof", "report", "texture info",
-      "texture check", "texture convert", "frame", "modules", "limits", "doctor", "help", "completion",
-      "-h, --help", "--version"}},
+     {"import", "check",        "relink",        "collect",       "export",          "preview",  "proof",
+      "report", "texture info", "texture check", "texture sheet", "texture convert", "frame",    "modules",
+      "limits", "doctor",       "help",          "completion",    "-h, --help",      "--version"}},
     {"import",
      {"FILE", "--json", "--save FILE", "--log FILE", "--search DIR", "--map FROM=TO", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "--alpha-preference VALUE",
@@ -110,6 +110,7 @@ const PublishedVerb kVerbs[] = {
       "-h, --help"}},
     {"texture", {"info", "check", "convert", "-h, --help"}},
     {"texture info", {"FILE", "--json", "-h, --help"}},
+    {"texture sheet", {"FILE", "-o, --output", "-h, --help"}},
     {"texture check",
      {"FILE", "-r, --recursive", "--files-from FILE", "-0, --null", "--fail-on error|loss|warning|note|CODE",
       "--ignore CODE", "--strict", "--list-codes", "--json", "-v, --verbose", "-q, --quiet",

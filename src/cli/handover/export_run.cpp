@@ -11,6 +11,7 @@
 #include "cli/terminal/output_file.h"
 #include "embedded/json_values.h"
 #include "system/files.h"
+#include "text/plain_number.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -21,10 +22,6 @@ using handover::CorrectionInfo;
 
 const CorrectionInfo& info_of(const handover::AppliedCorrection& applied) {
     return handover::correction_table().at(static_cast<std::size_t>(applied.correction));
-}
-
-std::string count_text(std::size_t count, const char* one, const char* several) {
-    return std::to_string(count) + ' ' + (count == 1 ? one : several);
 }
 
 void write_output(ExportedScene& scene, const SceneReading& reading, const FoundBundle& bundle,
@@ -80,9 +77,10 @@ void show_exported(const ExportedScene& scene, bool listed, Terminal& terminal) 
     const bool described =
         scene.written || (listed && scene.result.problems.empty() && scene.result.diagnostics.empty());
     terminal.out << ": "
-                 << (described ? count_text(scene.corrections.size(), "correction", "corrections") + ", " +
-                                     count_text(scene.losses.size(), "loss or note", "losses and notes")
-                               : verdict_label(scene.result.code))
+                 << (described
+                         ? text::count_text(scene.corrections.size(), "correction", "corrections") + ", " +
+                               text::count_text(scene.losses.size(), "loss or note", "losses and notes")
+                         : verdict_label(scene.result.code))
                  << '\n';
     if (listed) {
         for (const handover::AppliedCorrection& applied : scene.corrections) {

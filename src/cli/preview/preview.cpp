@@ -5,6 +5,7 @@
 
 #include "cli/project/import_run.h"
 #include "limit/limits.h"
+#include "render/code.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -55,6 +56,11 @@ void put_row(Texture& picture, std::int64_t y, const std::vector<std::uint8_t>& 
     }
 }
 
+std::string too_large_text(std::int64_t width_px, std::int64_t height_px) {
+    return "the frame would have " + std::to_string(width_px) + " x " + std::to_string(height_px) +
+           " pixels, and a preview draws at most " + std::to_string(limits::kPreviewPixels);
+}
+
 }  // namespace
 
 Preview::Preview(const SceneReading& reading, const FoundBundle& bundle, const PreviewOptions& options)
@@ -80,9 +86,7 @@ Preview::Preview(const SceneReading& reading, const FoundBundle& bundle, const P
     const double aspect = options.raw ? 1 : ratio_of(shown.pixel_aspect);
     const std::int64_t width = render::SquarePixels::width(shown.width, aspect);
     if (width > limits::kPreviewPixels / std::max<std::int64_t>(1, shown.height)) {
-        refuse(ExitCode::refused, "the frame would have " + std::to_string(width) + " x " +
-                                      std::to_string(shown.height) + " pixels, and a preview draws at most " +
-                                      std::to_string(limits::kPreviewPixels) +
+        refuse(ExitCode::refused, too_large_text(width, shown.height) +
                                       (options.raw ? "" : "; --raw shows its pixels as they are"));
         return;
     }
@@ -161,16 +165,46 @@ render::PictureReading Preview::draw_texture(const embedded::Footage& footage) {
 }
 
 PreviewFrame Preview::draw(std::int64_t frame) {
+    return draw_rows(*rows_, height_px(),
+                     [&](const render::RowSink& sink) { return renderer_->render(shown_, frame, sink); });
+}
+
+PreviewFrame Preview::draw(embedded::Id composition, std::int64_t frame) {
+    const embedded::Composition& drawn = imported_.composition(composition);
+    const render::SquarePixels rows(drawn.width, options_.raw ? 1 : ratio_of(drawn.pixel_aspect));
+    return draw_rows(rows, drawn.height, [&](const render::RowSink& sink) {
+        return renderer_->render(composition, frame, sink);
+    });
+}
+
+PreviewFrame Preview::draw_footage(embedded::Id footage, const std::string& file) {
+    const embedded::Footage& drawn = imported_.footage_of(footage);
+    const double aspect = ratio_of(drawn.interpretation.pixel_aspect);
+    const render::SquarePixels rows(drawn.width, options_.raw || aspect <= 0 ? 1 : aspect);
+    return draw_rows(rows, drawn.height, [&](const render::RowSink& sink) {
+        return renderer_->render_footage(footage, file, sink);
+    });
+}
+
+PreviewFrame Preview::draw_rows(
+    const render::SquarePixels& rows, std::int64_t height_px,
+    const std::function<render::RenderedFrame(const render::RowSink& sink)>& render) {
     PreviewFrame result;
-    Texture picture = empty_picture(width_px(), height_px());
-    render::RenderedFrame rendered = renderer_->render(shown_, frame, [&](std::int64_t y, const float* row) {
+    const std::int64_t width_px = rows.width();
+    if (width_px > limits::kPreviewPixels / std::max<std::int64_t>(1, height_px)) {
+        result.error =
+            diagnostic::make(render::Code::frame_too_large, {}, too_large_text(width_px, height_px));
+        return result;
+    }
+    Texture picture = empty_picture(width_px, height_px);
+    render::RenderedFrame rendered = render([&](std::int64_t y, const float* row) {
         thread_local std::vector<float> stretched;
         thread_local std::vector<std::uint8_t> bytes;
-        const auto width = static_cast<std::size_t>(width_px());
+        const auto width = static_cast<std::size_t>(width_px);
         bytes.resize(width * 4);
-        if (!rows_->same()) {
+        if (!rows.same()) {
             stretched.resize(width * render::kChannels);
-            rows_->stretch(row, stretched.data());
+            rows.stretch(row, stretched.data());
             row = stretched.data();
         }
         writer_->write(row, bytes.data(), width);

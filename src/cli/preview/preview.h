@@ -60,8 +60,15 @@ class Preview {
 
     /// Frame `frame` of the composition, counted from 0 and less than frame_count().
     [[nodiscard]] PreviewFrame draw(std::int64_t frame);
+    /// The same of any composition, at its own frames.
+    [[nodiscard]] PreviewFrame draw(embedded::Id composition, std::int64_t frame);
+    /// One footage by itself, as FrameRenderer::render_footage() draws it.
+    [[nodiscard]] PreviewFrame draw_footage(embedded::Id footage, const std::string& file);
 
   private:
+    [[nodiscard]] PreviewFrame draw_rows(
+        const render::SquarePixels& rows, std::int64_t height_px,
+        const std::function<render::RenderedFrame(const render::RowSink& sink)>& render);
     void refuse(ExitCode code, std::string problem);
     [[nodiscard]] embedded::Id find_composition(const std::string& name);
     [[nodiscard]] render::PictureReading draw_texture(const embedded::Footage& footage);
