@@ -268,4 +268,74 @@ TEST(PreviewVerb, AFolderThatIsNotThereIsNamed) {
     EXPECT_EQ(ran.err.rfind("none/a.02.png"), named) << "named once: " << ran.err;
 }
 
+TEST(PreviewSheet, ShowsEveryPassAndCompositionAndMarksWhatIsWrong) {
+    struct SheetCase {
+        const char* why;
+        const char* scene;
+        std::vector<std::string> more;
+        ExitCode code;
+        const char* said;
+        std::int32_t width_px;  // margins of 24, gaps of 16, columns of 384
+    };
+    const SheetCase cases[] = {
+        // Six compositions with six layers of footage; one is missing, and the four sequences end early.
+        {"twelve pictures in four columns",
+         kLantern,
+         {},
+         ExitCode::footage_missing,
+         "12 pictures, 5 marked",
+         1632},
+        // The composition of the light passes, and the two in it.
+        {"one composition",
+         kLantern,
+         {"--comp", "Light passes"},
+         ExitCode::footage_missing,
+         "3 pictures, 2 marked",
+         832},
+        {"nothing is wrong", kCourtyard, {}, ExitCode::fine, "14 pictures, 0 marked", 1632},
+        {"a frame past the end is the last",
+         kCourtyard,
+         {"--frame", "100000"},
+         ExitCode::fine,
+         "14 pictures, 0 marked",
+         1632},
+    };
+    const TemporaryFolder folder;
+    for (const SheetCase& one : cases) {
+        SCOPED_TRACE(one.why);
+        const std::string output = folder.path("sheet.png");
+        std::vector<std::string> more = one.more;
+        more.emplace_back("--sheet");
+        const Ran ran = preview(one.scene, output, more);
+        EXPECT_EQ(ran.code, one.code) << ran.err;
+        EXPECT_NE(ran.out.find(one.said), std::string::npos) << ran.out;
+        const image::Reading sheet = image::read(output);
+        ASSERT_TRUE(sheet.texture.has_value());
+        EXPECT_EQ(sheet.texture->width_px, one.width_px);
+    }
+}
+
+TEST(PreviewSheet, RefusesWhatItCannotDo) {
+    struct RefusalCase {
+        const char* why;
+        std::vector<std::string> more;
+        const char* said;
+    };
+    const RefusalCase cases[] = {
+        {"ranges are of frames", {"--frames", "1-2"}, "--sheet excludes"},
+        {"a plan is another picture", {"--plan"}, "--sheet excludes"},
+        {"there is no such composition", {"--comp", "None"}, "no composition is called"},
+    };
+    const TemporaryFolder folder;
+    for (const RefusalCase& one : cases) {
+        SCOPED_TRACE(one.why);
+        std::vector<std::string> more = one.more;
+        more.emplace_back("--sheet");
+        const Ran ran = preview(kLantern, folder.path("sheet.png"), more);
+        EXPECT_EQ(ran.code, ExitCode::usage);
+        EXPECT_NE(ran.err.find(one.said), std::string::npos) << ran.err;
+        EXPECT_FALSE(std::filesystem::exists(folder.path("sheet.png")));
+    }
+}
+
 }  // namespace

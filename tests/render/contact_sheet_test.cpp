@@ -113,8 +113,8 @@ TEST(ContactSheet, StaysWithinItsPixelsWhateverTheText) {
     tiles[2].facts = {std::string(5000, 'x'), "", "\xe2\x80\xae"};
     tiles[2].marks = {std::string(5000, '!')};
     const Picture sheet = contact_sheet(std::string(100000, '#'), tiles);
-    EXPECT_EQ(sheet_pixels(3, 4), std::int64_t{sheet.width_px} * sheet.height_px);
-    EXPECT_EQ(contact_sheet("", {}).bytes.size() % 4, 0U) << "a sheet of nothing is a picture";
+    EXPECT_EQ(render::sheet_pixels(3, 4), std::int64_t{sheet.width_px} * sheet.height_px);
+    EXPECT_EQ(render::contact_sheet("", {}).bytes.size() % 4, 0U) << "a sheet of nothing is a picture";
 }
 
 }  // namespace

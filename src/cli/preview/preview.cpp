@@ -165,8 +165,13 @@ render::PictureReading Preview::draw_texture(const embedded::Footage& footage) {
 }
 
 PreviewFrame Preview::draw(std::int64_t frame) {
-    return draw_rows(*rows_, height_px(),
-                     [&](const render::RowSink& sink) { return renderer_->render(shown_, frame, sink); });
+    PreviewFrame drawn = draw_rows(*rows_, height_px(), [&](const render::RowSink& sink) {
+        return renderer_->render(shown_, frame, sink);
+    });
+    if (drawn.picture && options_.over) {
+        options_.over(*drawn.picture, frame);
+    }
+    return drawn;
 }
 
 PreviewFrame Preview::draw(embedded::Id composition, std::int64_t frame) {
@@ -213,9 +218,6 @@ PreviewFrame Preview::draw_rows(
     result.error = std::move(rendered.error);
     result.findings = std::move(rendered.findings);
     if (!result.error) {
-        if (options_.over) {
-            options_.over(picture, frame);
-        }
         result.picture = std::move(picture);
     }
     return result;

@@ -60,7 +60,7 @@ class Preview {
 
     /// Frame `frame` of the composition, counted from 0 and less than frame_count().
     [[nodiscard]] PreviewFrame draw(std::int64_t frame);
-    /// The same of any composition, at its own frames.
+    /// The same of any composition, at its own frames, with nothing drawn over it.
     [[nodiscard]] PreviewFrame draw(embedded::Id composition, std::int64_t frame);
     /// One footage by itself, as FrameRenderer::render_footage() draws it.
     [[nodiscard]] PreviewFrame draw_footage(embedded::Id footage, const std::string& file);

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <map>
+#include <set>
 #include <utility>
 
 #include "cli/project/project_labels.h"
 #include "limit/limits.h"
 #include "render/frame_plan.h"
+#include "text/plain_number.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -86,9 +88,91 @@ struct Shown {
     const embedded::Layer* layer = nullptr;
 };
 
+/// What the frames of one composition show, by footage.
+class Timeline {
+  public:
+    Timeline(const embedded::Project& project, const embedded::Composition& composition,
+             std::optional<std::int64_t> wanted)
+        : project_(project), composition_(composition), last_(render::frame_count(composition) - 1) {
+        frame_ = wanted ? std::min(*wanted, last_) : fullest_frame();
+        files_ = files_at(frame_);
+        find_ends();
+    }
+
+    [[nodiscard]] std::int64_t frame() const { return frame_; }
+    [[nodiscard]] std::int64_t last_frame() const { return last_; }
+    /// The file that is seen at frame(); nothing if the footage is not seen there.
+    [[nodiscard]] std::optional<std::string> file(embedded::Id footage) const {
+        const auto found = files_.find(footage);
+        return found == files_.end() ? std::nullopt : std::optional(found->second);
+    }
+    /// The last frame at which the footage is seen; nothing if that is far from the end.
+    [[nodiscard]] std::optional<std::int64_t> end(embedded::Id footage) const {
+        const auto found = ends_.find(footage);
+        return found == ends_.end() ? std::nullopt : std::optional(found->second);
+    }
+
+  private:
+    // Frames that are looked at to find one, so that a sheet of long scenes does not take long.
+    static constexpr std::size_t kMostFrames = 300;
+    using Files = std::map<embedded::Id, std::string>;
+
+    [[nodiscard]] Files files_at(std::int64_t frame) const {
+        Files files;
+        for (render::PlanStep& step : render::plan_frame(project_, composition_.id, frame).steps) {
+            if (step.kind == render::PlanStep::Kind::footage) {
+                files.try_emplace(step.footage, std::move(step.file));
+            }
+        }
+        return files;
+    }
+
+    // Where most is seen: layers begin at different frames, and often none at the first one.
+    [[nodiscard]] std::int64_t fullest_frame() const {
+        std::set<std::int64_t> beginnings{0};
+        for (const embedded::Id id : composition_.layers) {
+            const embedded::Layer& layer = project_.layer(id);
+            const double seconds = seconds_of(layer.offset) + seconds_of(layer.in_point);
+            const double frame = std::round(seconds * rate_of(composition_.frame_rate));
+            if (frame > 0 && frame <= static_cast<double>(last_) && beginnings.size() < kMostFrames) {
+                beginnings.insert(static_cast<std::int64_t>(frame));
+            }
+        }
+        std::int64_t fullest = 0;
+        std::size_t most = 0;
+        for (const std::int64_t frame : beginnings) {
+            const std::size_t seen = files_at(frame).size();
+            if (seen > most) {
+                most = seen;
+                fullest = frame;
+            }
+        }
+        return fullest;
+    }
+
+    void find_ends() {
+        std::size_t looked = 0;
+        for (std::int64_t frame = last_; frame >= 0 && looked < kMostFrames; --frame, ++looked) {
+            for (const auto& [footage, file] : files_at(frame)) {
+                ends_.try_emplace(footage, frame);
+            }
+            if (ends_.size() >= composition_.layers.size()) {
+                return;
+            }
+        }
+    }
+
+    const embedded::Project& project_;
+    const embedded::Composition& composition_;
+    std::int64_t last_;
+    std::int64_t frame_ = 0;
+    Files files_;
+    std::map<embedded::Id, std::int64_t> ends_;
+};
+
 class SceneSheet {
   public:
-    SceneSheet(Preview& preview, std::int64_t frame, const render::SheetScale& scale)
+    SceneSheet(Preview& preview, std::optional<std::int64_t> frame, const render::SheetScale& scale)
         : preview_(preview), project_(preview.project()), frame_(frame), scale_(scale) {}
 
     render::SheetTile tile_of(const Shown& shown) {
@@ -96,11 +180,10 @@ class SceneSheet {
                                       : pass_tile(*shown.composition, *shown.layer);
     }
 
-  private:
-    [[nodiscard]] std::int64_t frame_of(const embedded::Composition& composition) const {
-        return std::min(frame_, render::frame_count(composition) - 1);
-    }
+    /// Of the passes that were drawn.
+    [[nodiscard]] bool misses_footage() const { return misses_footage_; }
 
+  private:
     void show(render::SheetTile& tile, const PreviewFrame& drawn) const {
         if (drawn.picture) {
             tile.thumbnail = render::thumbnail_of(
@@ -111,33 +194,43 @@ class SceneSheet {
     }
 
     render::SheetTile composition_tile(const embedded::Composition& composition) {
-        const std::int64_t frames = render::frame_count(composition);
+        const Timeline& timeline = timeline_of(composition);
         render::SheetTile tile;
         tile.title = text::printable(project_.item(composition.item).name);
-        tile.facts = {"composition, " + size_text(composition.width, composition.height) + ", aspect " +
+        tile.facts = {"composition",
+                      size_text(composition.width, composition.height) + ", pixel aspect " +
                           plain_number(rate_of(composition.pixel_aspect)),
-                      std::to_string(frames) + (frames == 1 ? " frame at " : " frames at ") +
-                          plain_number(rate_of(composition.frame_rate)) + ", this is frame " +
-                          std::to_string(frame_of(composition))};
-        show(tile, preview_.draw(composition.id, frame_of(composition)));
+                      plain_number(rate_of(composition.frame_rate)) + " fps, frame " +
+                          std::to_string(timeline.frame()) + " of 0-" +
+                          std::to_string(timeline.last_frame())};
+        show(tile, preview_.draw(composition.id, timeline.frame()));
         return tile;
     }
 
     render::SheetTile pass_tile(const embedded::Composition& composition, const embedded::Layer& layer) {
         const embedded::Footage& footage = project_.footage_of(project_.item(layer.source_item).content);
+        const Timeline& timeline = timeline_of(composition);
         render::SheetTile tile;
         tile.title = text::printable(footage.name);
-        tile.facts = {"in " + text::printable(project_.item(composition.item).name) + ", " +
-                          blend_label(layer.transfer),
-                      size_text(footage.width, footage.height) + ", alpha " + alpha_label(footage)};
-        if (footage.sequence) {
-            tile.facts.push_back("files " + frame_range_text(*footage.sequence));
+        tile.facts = {"in " + text::printable(project_.item(composition.item).name),
+                      blend_label(layer.transfer) + ", alpha " + alpha_label(footage),
+                      size_text(footage.width, footage.height) +
+                          (footage.sequence ? ", files " + frame_range_text(*footage.sequence) : "")};
+        add_marks(tile, composition, footage);
+        if (footage.sequence && timeline.end(footage.id) != timeline.last_frame()) {
+            tile.marks.push_back(ending_text(timeline, footage.id));
         }
-        add_marks(tile, composition, layer, footage);
-        const std::string file = seen_file(composition, footage, tile);
-        const PreviewFrame drawn = preview_.draw_footage(footage.id, file);
-        bool& unreadable = unreadable_[{footage.id, file}];
+        std::optional<std::string> file = timeline.file(footage.id);
+        if (!file) {
+            tile.facts.push_back("not seen at frame " + std::to_string(timeline.frame()));
+            file = footage.kind == embedded::FootageKind::placeholder
+                       ? std::string()
+                       : render::sequence_file(footage, 0).value_or(footage.path);
+        }
+        const PreviewFrame drawn = preview_.draw_footage(footage.id, *file);
+        bool& unreadable = unreadable_[{footage.id, *file}];
         unreadable = unreadable || !drawn.findings.empty();
+        misses_footage_ = misses_footage_ || unreadable || footage.kind == embedded::FootageKind::placeholder;
         if (unreadable && footage.kind != embedded::FootageKind::placeholder) {
             tile.marks.emplace_back("cannot be read");
         }
@@ -145,73 +238,48 @@ class SceneSheet {
         return tile;
     }
 
+    static std::string ending_text(const Timeline& timeline, embedded::Id footage) {
+        const std::optional<std::int64_t> end = timeline.end(footage);
+        return end ? "short: ends at frame " + std::to_string(*end) + " of " +
+                         std::to_string(timeline.last_frame())
+                   : "short: ends long before frame " + std::to_string(timeline.last_frame());
+    }
+
     static void add_marks(render::SheetTile& tile, const embedded::Composition& composition,
-                          const embedded::Layer& layer, const embedded::Footage& footage) {
+                          const embedded::Footage& footage) {
         if (footage.kind == embedded::FootageKind::placeholder) {
-            tile.marks.push_back("missing");
+            tile.marks.emplace_back("missing");
             return;
         }
         if (footage.width != composition.width || footage.height != composition.height) {
-            tile.marks.push_back("of another size than " + size_text(composition.width, composition.height));
+            tile.marks.push_back("not " + size_text(composition.width, composition.height));
         }
         if (footage.sequence) {
-            const std::int64_t gaps =
-                footage.sequence->range.last - footage.sequence->range.first + 1 - footage.sequence->count;
-            if (gaps > 0) {
-                tile.marks.push_back(std::to_string(gaps) +
-                                     (gaps == 1 ? " file is missing" : " files are missing"));
+            const embedded::SequenceFrames& files = *footage.sequence;
+            if (const std::int64_t gaps = files.range.last - files.range.first + 1 - files.count; gaps > 0) {
+                tile.marks.push_back(
+                    text::count_text(static_cast<std::size_t>(gaps), "file is missing", "files are missing"));
             }
-            add_length_mark(tile, composition, layer, footage);
         }
     }
 
-    static void add_length_mark(render::SheetTile& tile, const embedded::Composition& composition,
-                                const embedded::Layer& layer, const embedded::Footage& footage) {
-        const double rate = rate_of(composition.frame_rate);
-        const double begin = seconds_of(layer.offset);
-        const double end = std::min(begin + seconds_of(layer.in_point) + seconds_of(layer.duration),
-                                    begin + seconds_of(footage.duration));
-        const auto frames = render::frame_count(composition);
-        const auto shown = static_cast<std::int64_t>(std::llround(end * rate));
-        if (shown < frames) {
-            tile.marks.push_back("short: ends after frame " +
-                                 std::to_string(std::max<std::int64_t>(shown, 0) - 1) + " of 0-" +
-                                 std::to_string(frames - 1));
-        }
-    }
-
-    // The file of the footage at the frame, or its first one.
-    std::string seen_file(const embedded::Composition& composition, const embedded::Footage& footage,
-                          render::SheetTile& tile) {
-        auto [plan, is_new] = plans_.try_emplace(composition.id);
-        if (is_new) {
-            for (render::PlanStep& step :
-                 render::plan_frame(project_, composition.id, frame_of(composition)).steps) {
-                plan->second.try_emplace(step.footage, std::move(step.file));
-            }
-        }
-        const auto seen = plan->second.find(footage.id);
-        if (seen != plan->second.end()) {
-            return seen->second;
-        }
-        tile.facts.push_back("not seen at frame " + std::to_string(frame_of(composition)));
-        return footage.kind == embedded::FootageKind::placeholder
-                   ? std::string()
-                   : render::sequence_file(footage, 0).value_or(footage.path);
+    Timeline& timeline_of(const embedded::Composition& composition) {
+        return timelines_.try_emplace(composition.id, project_, composition, frame_).first->second;
     }
 
     Preview& preview_;
     const embedded::Project& project_;
-    std::int64_t frame_;
+    std::optional<std::int64_t> frame_;
     render::SheetScale scale_;
-    std::map<embedded::Id, std::map<embedded::Id, std::string>> plans_;  ///< files by composition and footage
+    std::map<embedded::Id, Timeline> timelines_;  ///< by composition
     std::map<std::pair<embedded::Id, std::string>, bool> unreadable_;
+    bool misses_footage_ = false;
 };
 
 }  // namespace
 
-Sheet scene_sheet(Preview& preview, const std::string& heading, std::int64_t frame, embedded::Id only,
-                  const OnTile& on_tile) {
+Sheet scene_sheet(Preview& preview, const std::string& heading, std::optional<std::int64_t> frame,
+                  embedded::Id only, const OnTile& on_tile) {
     const embedded::Project& project = preview.project();
     std::vector<Shown> all;
     for (const embedded::Composition& composition : project.compositions) {
@@ -245,6 +313,7 @@ Sheet scene_sheet(Preview& preview, const std::string& heading, std::int64_t fra
             }
         }
     }
+    sheet.missing = scene.misses_footage();
     finish(sheet, heading, tiles);
     return sheet;
 }

@@ -18,16 +18,18 @@ struct Sheet {
     std::optional<Texture> picture;
     std::string problem;
     std::size_t tiles = 0;
+    bool missing = false;    ///< footage is not there, or cannot be read
     std::size_t marked = 0;  ///< of something that is missing, short, of another size, or cannot be read
 };
 
 /// Called before each tile, with its number from 0, their count, and what it shows.
 using OnTile = std::function<void(std::size_t tile, std::size_t tiles, const std::string& name)>;
 
-/// Every composition of the scene and every pass in it, at `frame` of each composition or its last one. With
-/// `only` above 0, that composition alone. A pass that is not seen there is shown with its first file.
-[[nodiscard]] Sheet scene_sheet(Preview& preview, const std::string& heading, std::int64_t frame,
-                                embedded::Id only, const OnTile& on_tile);
+/// Every composition of the scene and every pass in it, at `frame` of each composition or its last one;
+/// without a frame where most of it is seen. With `only` above 0, that composition alone. A pass that is not
+/// seen then is shown with its first file.
+[[nodiscard]] Sheet scene_sheet(Preview& preview, const std::string& heading,
+                                std::optional<std::int64_t> frame, embedded::Id only, const OnTile& on_tile);
 
 /// Colour and every alpha channel of textures that were read.
 struct NamedTexture {

@@ -2,6 +2,7 @@
 #include <initializer_list>
 #include <memory>
 #include <nlohmann/json.hpp>
+#include <optional>
 #include <ostream>
 #include <stdexcept>
 #include <string>
@@ -17,17 +18,21 @@
 #include "cli/preview/overlay.h"
 #include "cli/preview/preview.h"
 #include "cli/preview/preview_run.h"
+#include "cli/preview/sheet.h"
 #include "cli/project/host_setup.h"
 #include "cli/project/import_run.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/report/json_text.h"
 #include "cli/terminal/file_roles.h"
 #include "cli/terminal/output_file.h"
+#include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
+#include "cli/texture/texture_conversion.h"
 #include "cli/verbs.h"
 #include "handover/plan/plan_picture.h"
 #include "image/image.h"
 #include "text/ascii.h"
+#include "text/plain_number.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -95,6 +100,11 @@ class PreviewCommand : public Command {
                   "instead of a frame, cameras, lights and nulls from above, from the side and over time; "
                   "FILE is an .svg file")
             .group(kShownGroup);
+        options
+            .flag("--sheet", sheet_,
+                  "instead of a frame, a contact sheet of every composition and pass, with marks on what is "
+                  "missing, short or of another size")
+            .group(kShownGroup);
         add_finding_options(options, choices_, false);
         options.option("-j,--jobs", jobs_, "how many processors to use; 0 for all")
             .value_name("N")
@@ -105,6 +115,9 @@ class PreviewCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
+        if (sheet_) {
+            return draw_sheet(terminal);
+        }
         if (plan_) {
             return draw_plan(terminal);
         }
@@ -158,6 +171,49 @@ class PreviewCommand : public Command {
         terminal.out << "plan of " << run.handover->objects.size() << " objects -> "
                      << text::printable(output_) << '\n';
         return ExitCode::fine;
+    }
+
+    ExitCode draw_sheet(Terminal& terminal) const {
+        if (plan_ || json_ || !range_.empty() || !every_.empty() || !overlay_.empty()) {
+            throw UsageError("--sheet excludes --plan, --overlay, --frames, --every and --json");
+        }
+        if (!image::can_write(output_)) {
+            throw UsageError("no image format has the extension of " + output_);
+        }
+        const FoundScene scene(file_, choices_);
+        const FoundBundle bundle = find_bundle(bundle_);
+        const PreviewOptions shown = preview_options(scene.reading());
+        Preview preview(scene.reading(), bundle, shown);
+        if (preview.code() != ExitCode::fine) {
+            return tell(preview, shown, {}, terminal);
+        }
+        refuse_to_overwrite({&scene.original(), &scene.reading()}, bundle, {{0, output_}});
+        const std::string heading =
+            text::printable(is_standard_input(file_) ? preview.composition_name() : file_);
+        Sheet sheet;
+        {
+            std::optional<Progress> progress;
+            sheet = scene_sheet(preview, heading, frame_.empty() ? std::nullopt : parse_frame(frame_),
+                                composition_.empty() ? 0 : preview.composition().id,
+                                [&](std::size_t tile, std::size_t tiles, const std::string& name) {
+                                    if (tile == 0) {
+                                        progress.emplace(terminal, tiles);
+                                    }
+                                    progress->step(text::printable(name));
+                                });
+        }
+        if (!sheet.picture) {
+            complain(terminal, sheet.problem);
+            return ExitCode::refused;
+        }
+        const image::Writing writing = image::write(output_, *sheet.picture);
+        if (writing.error) {
+            complain(terminal, writing.error->reason);
+            return image_exit_code(*writing.error);
+        }
+        terminal.out << text::count_text(sheet.tiles, "picture", "pictures") << ", " << sheet.marked
+                     << " marked -> " << text::printable(output_) << '\n';
+        return sheet.missing ? ExitCode::footage_missing : ExitCode::fine;
     }
 
     /// One frame as WebP is a picture.
@@ -294,6 +350,7 @@ class PreviewCommand : public Command {
     bool raw_ = false;
     bool plan_ = false;
     std::string overlay_;
+    bool sheet_ = false;
     bool json_ = false;
     int jobs_ = 0;
     FindingChoices choices_;
@@ -323,6 +380,8 @@ Verb preview_verb() {
               "A nested composition by itself, at its second frame."},
              {"vxr preview shot.aec --overlay camera,nulls,grid -o shot.png",
               "Whether camera and footage agree, at one glance."},
+             {"vxr preview shot.aec --sheet -o sheet.png",
+              "Every pass and composition at one glance, with what is wrong with them."},
              {"vxr preview shot.aec --plan -o plan.svg",
               "Where the camera goes and what it sees, for any browser."}},
             []() -> std::unique_ptr<Command> { return std::make_unique<PreviewCommand>(); }};
