@@ -309,6 +309,8 @@ const ExampleResult kExampleResults[] = {
     {"vxr check --recursive renders", 0, nullptr},
     {"find renders -name '*.aec' -print0 | vxr check --null --files-from -", 0, nullptr},
     {"vxr export --recursive job --to glb --out-dir cameras", 4, nullptr},
+    // Only After Effects writes this table.
+    {"vxr proof shot.aec --compare measure-measured.tsv", 3, nullptr},
     {"vxr modules --json | jq -r '.modules[].extensions[]'", 0, ".txl\n"},
     {"vxr texture info --json *.txl | jq '.files[] | [.file, .compression_ratio]'", 0, nullptr},
 };
