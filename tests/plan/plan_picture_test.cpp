@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "handover/plan/plan_style.h"
-#include "made_scene.h"
+#include "plan/made_scene.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "made_scene.h"
+#include "plan/made_scene.h"
 
 namespace {
 

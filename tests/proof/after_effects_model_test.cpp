@@ -6,7 +6,7 @@
 #include <random>
 
 #include "handover/proof/truth.h"
-#include "made_scene.h"
+#include "proof/made_scene.h"
 
 namespace {
 

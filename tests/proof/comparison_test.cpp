@@ -6,7 +6,7 @@
 #include <string>
 
 #include "handover/proof/handover_targets.h"
-#include "made_scene.h"
+#include "proof/made_scene.h"
 
 namespace {
 

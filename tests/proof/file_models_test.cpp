@@ -10,7 +10,7 @@
 #include "handover/proof/usda_model.h"
 #include "handover/scene3d/gltf.h"
 #include "handover/scene3d/usd.h"
-#include "made_scene.h"
+#include "proof/made_scene.h"
 
 namespace {
 

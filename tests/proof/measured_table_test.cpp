@@ -8,7 +8,7 @@
 #include "handover/proof/measured_comparison.h"
 #include "handover/proof/measuring_plan.h"
 #include "handover/proof/open_questions.h"
-#include "made_scene.h"
+#include "proof/made_scene.h"
 
 namespace {
 

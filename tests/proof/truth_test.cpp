@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "made_scene.h"
+#include "proof/made_scene.h"
 
 namespace {
 
