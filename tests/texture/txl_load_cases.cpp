@@ -6,7 +6,7 @@
 
 namespace {
 
-std::string text(const PixelBuffer& buffer) {
+std::string text_of(const PixelBuffer& buffer) {
     return {reinterpret_cast<const char*>(buffer.data()), buffer.size()};
 }
 
@@ -18,10 +18,10 @@ void expect_picture(const LoadCase& load) {
     const TemporaryFolder folder;
     const BothLoads both(folder.write("case.txl", file.bytes()));
     ASSERT_TRUE(both.reading.texture.has_value()) << both.reading.error->reason;
-    EXPECT_EQ(text(both.reading.texture->pixels), load.pixels);
+    EXPECT_EQ(text_of(both.reading.texture->pixels), load.pixels);
     std::vector<std::string> alphas;
     for (const AlphaChannel& alpha : both.reading.texture->alphas) {
-        alphas.push_back(text(alpha.values));
+        alphas.push_back(text_of(alpha.values));
     }
     EXPECT_EQ(alphas, load.alphas);
 }
