@@ -17,11 +17,11 @@ constexpr std::int32_t kHeading = (kCellHeight + 4) * kHeadingDot;
 
 // A neutral grey, so that it does not change how colours look; text on it has a contrast of 11 to 1, marks
 // of 7.
-constexpr Shade kPaper{38, 38, 38};
-constexpr Shade kFrame{20, 20, 20};
-constexpr Shade kInk{230, 230, 230};
-constexpr Shade kFaint{168, 168, 168};
-constexpr Shade kMark{255, 159, 28};
+constexpr Shade kSheetPaper{38, 38, 38};
+constexpr Shade kTileFrame{20, 20, 20};
+constexpr Shade kSheetInk{230, 230, 230};
+constexpr Shade kFactInk{168, 168, 168};
+constexpr Shade kMarkInk{255, 159, 28};
 constexpr Shade kLightSquare{136, 136, 136};
 constexpr Shade kDarkSquare{104, 104, 104};
 constexpr std::int32_t kSquare = 12;
@@ -82,9 +82,9 @@ void draw_tile(Picture& sheet, const SheetTile& tile, const SheetScale& scale, s
     const Picture picture = thumbnail_of(tile.thumbnail, scale);
     if (!tile.marks.empty()) {
         fill_area(sheet, left - kBorder, top - kBorder, scale.thumbnail_width + 2 * kBorder,
-                  scale.thumbnail_height + 2 * kBorder, kMark);
+                  scale.thumbnail_height + 2 * kBorder, kMarkInk);
     }
-    fill_area(sheet, left, top, scale.thumbnail_width, scale.thumbnail_height, kFrame);
+    fill_area(sheet, left, top, scale.thumbnail_width, scale.thumbnail_height, kTileFrame);
     lay(sheet, picture, left + (scale.thumbnail_width - picture.width_px) / 2,
         top + (scale.thumbnail_height - picture.height_px) / 2);
     std::int32_t line = top + scale.thumbnail_height + line_height(scale) / 2;
@@ -93,12 +93,12 @@ void draw_tile(Picture& sheet, const SheetTile& tile, const SheetScale& scale, s
         draw_text(sheet, cut_to(text, letters), left, line, scale.dot, shade);
         line += line_height(scale);
     };
-    write(tile.title, kInk);
+    write(tile.title, kSheetInk);
     for (const std::string& mark : tile.marks) {
-        write("! " + mark, kMark);
+        write("! " + mark, kMarkInk);
     }
     for (const std::string& fact : tile.facts) {
-        write(fact, kFaint);
+        write(fact, kFactInk);
     }
 }
 
@@ -197,10 +197,10 @@ Picture contact_sheet(const std::string& heading, const std::vector<SheetTile>& 
     sheet.width_px = layout.width();
     sheet.height_px = static_cast<std::int32_t>(layout.height());
     sheet.bytes.resize(static_cast<std::size_t>(sheet.height_px) * sheet.row_bytes());
-    fill_area(sheet, 0, 0, sheet.width_px, sheet.height_px, kPaper);
+    fill_area(sheet, 0, 0, sheet.width_px, sheet.height_px, kSheetPaper);
     const auto letters =
         static_cast<std::size_t>((sheet.width_px - 2 * kMargin) / (kCellWidth * kHeadingDot));
-    draw_text(sheet, cut_to(heading, letters), kMargin, kMargin, kHeadingDot, kInk);
+    draw_text(sheet, cut_to(heading, letters), kMargin, kMargin, kHeadingDot, kSheetInk);
     for (std::size_t i = 0; i < tiles.size(); ++i) {
         const auto column = static_cast<std::int32_t>(i) % layout.columns;
         const auto row = static_cast<std::int32_t>(i) / layout.columns;

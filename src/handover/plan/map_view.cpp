@@ -7,10 +7,6 @@
 namespace plan {
 namespace {
 
-constexpr std::size_t kX = 0;
-constexpr std::size_t kY = 1;
-constexpr std::size_t kZ = 2;
-
 // Numbers whose squares are finite.
 bool is_somewhere(const Vector& point) {
     constexpr double kFarthest = 1e100;

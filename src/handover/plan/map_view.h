@@ -10,6 +10,11 @@
 
 namespace plan {
 
+// The scene's axes, as places in a Vector.
+inline constexpr std::size_t kX = 0;
+inline constexpr std::size_t kY = 1;
+inline constexpr std::size_t kZ = 2;
+
 /// The part of the scene that maps show.
 struct MapSpace {
     Vector middle{};

@@ -377,9 +377,6 @@ MapGaps draw_maps(Page& page, const Handover& handover, const Scene& scene, Area
     const MapSpace space = map_space(scene, above, side);
     above.bottom = above.top + needed_height(space, above.height());
     side.bottom = side.top + above.height();
-    constexpr std::size_t kX = 0;
-    constexpr std::size_t kY = 1;
-    constexpr std::size_t kZ = 2;
     page.open("class=\"map\" data-view=\"above\"");
     MapDrawing(page, handover, scene, MapView(space, above, kX, kZ), gaps).draw("From above", "x", "z");
     page.close();
