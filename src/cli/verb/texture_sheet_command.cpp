@@ -77,7 +77,8 @@ class TextureSheetCommand : public Command {
         code = most_serious(code, texture_exit_code(reading));
         const std::vector<Diagnostic> found = texture_diagnostics(reading, file);
         diagnostics.insert(diagnostics.end(), found.begin(), found.end());
-        return {os::text_of(os::path_of(file).filename()), std::move(reading.texture), verdict_label(texture_exit_code(reading))};
+        return {os::text_of(os::path_of(file).filename()), std::move(reading.texture),
+                verdict_label(texture_exit_code(reading))};
     }
 
     std::vector<std::string> files_;

@@ -18,9 +18,9 @@ struct Moment {
 };
 
 /// Keys within `from`..`to`, both ends, and between neighbouring keys the frames next to them, those at a
-/// seventh, a quarter, a third, a half and so on of the way, and the same moments without rounding to frames. Of more
-/// than `most_keys` keys and ways evenly spaced ones; `keys_taken` is how many keys are among the moments.
-/// Ascending.
+/// seventh, a quarter, a third, a half and so on of the way, and the same moments without rounding to frames.
+/// Of more than `most_keys` keys and ways evenly spaced ones; `keys_taken` is how many keys are among the
+/// moments. Ascending.
 [[nodiscard]] std::vector<Moment> moments_of(const TruthObject& object, std::int64_t from, std::int64_t to,
                                              std::size_t most_keys, std::int64_t& keys_taken);
 
