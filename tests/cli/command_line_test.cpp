@@ -265,7 +265,9 @@ TEST(TreeColumns, AlignBehindIdeographs) {
 // Everything that the examples of the help name.
 void make_examples(const TemporaryFolder& folder, int alphas) {
     fs::create_directory_symlink(VXR_EXAMPLES_DIR, folder.path("examples"));
-    folder.write("shot.aec", kHead + "COMPOSITION NRM \"Main\" {\n COMPOSITION NRM \"Inner\" { }\n}\n");
+    folder.write("shot.aec", kHead +
+                                 "COMPOSITION NRM \"Main\" {\n COMPOSITION NRM \"Inner\" { }\n}\n"
+                                 "CAMERA \"Camera\" {\n KEY 0 0 0 -100 0 0 0 45 100\n}\n");
     folder.make_folder("renders");
     folder.write("renders/one.aec", kHead + "COMPOSITION NRM \"Main\" { }\n");
     folder.make_folder("job");

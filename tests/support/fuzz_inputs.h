@@ -27,12 +27,12 @@ struct Target {
 };
 
 inline constexpr Target kAll[] = {
-    {"bitmap", ".txl", 0},      {"byte_encoding", "", 0},    {"composition", ".aec", 0},
-    {"footage_finder", "", 1},  {"footage_path", ".aec", 0}, {"handover", ".aec", 3},
-    {"hyper_file", "", 0},      {"import", ".aec", 13},      {"input_module", ".txl", 26},
-    {"oiio_reader", ".txl", 0}, {"pack_bits_decode", "", 0}, {"pack_bits_round_trip", "", 0},
-    {"scaled_frame", "", 0},    {"texture", ".txl", 0},      {"tokenizer", ".aec", 1},
-    {"toml_files", "", 0},
+    {"bitmap", ".txl", 0},           {"byte_encoding", "", 0},    {"composition", ".aec", 0},
+    {"footage_finder", "", 1},       {"footage_path", ".aec", 0}, {"handover", ".aec", 3},
+    {"hyper_file", "", 0},           {"import", ".aec", 13},      {"input_module", ".txl", 26},
+    {"measured_table", "", 0},       {"oiio_reader", ".txl", 0},  {"pack_bits_decode", "", 0},
+    {"pack_bits_round_trip", "", 0}, {"scaled_frame", "", 0},     {"texture", ".txl", 0},
+    {"tokenizer", ".aec", 1},        {"toml_files", "", 0},
 };
 
 }  // namespace fuzz_targets
