@@ -15,7 +15,6 @@ namespace {
 
 using proof::Landing;
 using proof::Point;
-using render::Ink;
 using render::InkColour;
 using render::InkSpot;
 
@@ -194,7 +193,8 @@ class OverlayDrawing {
         for (const auto& [from, to] : arms) {
             ink_.line(from, to, kBold * scale_, kYellow, 1);
         }
-        words({at.x + arm + 3.0 * scale_, at.y - Ink::text_height(scale_) / 2}, shortened(name), kWhite);
+        words({at.x + arm + 3.0 * scale_, at.y - render::Ink::text_height(scale_) / 2}, shortened(name),
+              kWhite);
     }
 
     void draw_camera(const OverlayView& view, const std::string& name, double frame) {
@@ -203,7 +203,7 @@ class OverlayDrawing {
             ink_.ring(*aim, 5.0 * scale_, kBold * scale_ + 2, kBlack, kShade);
             ink_.ring(*aim, 5.0 * scale_, kBold * scale_, kSkyBlue, 1);
         }
-        words({4.0 * scale_, height_px_ - Ink::text_height(scale_) - 4.0 * scale_},
+        words({4.0 * scale_, height_px_ - render::Ink::text_height(scale_) - 4.0 * scale_},
               shortened(name) + "  frame " + text::plain_number(frame) + "  angle of view " +
                   rounded(view.view_angle_degrees()) + "  aim at " + rounded(view.aim_distance()),
               kWhite);
@@ -250,7 +250,7 @@ class OverlayDrawing {
             line(shown->first, shown->second, colour, kBold);
         }
         if (const auto tip = view.spot_of(end)) {
-            words({tip->x + 3.0 * scale_, tip->y - Ink::text_height(scale_) / 2}, name, kWhite);
+            words({tip->x + 3.0 * scale_, tip->y - render::Ink::text_height(scale_) / 2}, name, kWhite);
         }
     }
 
@@ -275,7 +275,7 @@ class OverlayDrawing {
     double width_px_;
     double height_px_;
     std::int32_t scale_;
-    Ink ink_;
+    render::Ink ink_;
 };
 
 void draw_nulls(OverlayDrawing& drawing, const OverlayView& view,
