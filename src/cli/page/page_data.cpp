@@ -11,6 +11,7 @@
 #include "cli/report/diagnostic_json.h"
 #include "cli/scene/written_number.h"
 #include "embedded/json_values.h"
+#include "handover/correction.h"
 #include "handover/motion_path.h"
 
 namespace cli {
@@ -25,8 +26,6 @@ constexpr std::size_t kMostKeysOfScene = 20000;
 constexpr std::size_t kMostObjects = 2000;
 /// Diagnostics for scripts; the page itself shows as many for each code.
 constexpr std::size_t kMostDiagnostics = 2000;
-/// As in `vxr export`: a camera that turns farther from one frame to the next is cut.
-constexpr double kCutAngle_degrees = 60;
 
 const char* kind_word(handover::ObjectKind kind) {
     switch (kind) {
@@ -57,7 +56,8 @@ std::vector<std::size_t> spread(std::size_t count, std::size_t most) {
 }
 
 Json object_json(const handover::SceneObject& object, std::size_t most_keys) {
-    const handover::MotionPath path(object, true, kCutAngle_degrees);
+    // Cut as in `vxr export`.
+    const handover::MotionPath path(object, true, handover::HandoverOptions().cut_angle_degrees);
     const std::vector<handover::PathKey>& keys = path.keys();
     Json frames = Json::array();
     Json holds = Json::array();
