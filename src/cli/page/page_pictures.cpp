@@ -40,7 +40,7 @@ Texture small_picture(const Texture& picture, std::int64_t width_px, std::int64_
                 for (std::int64_t from_x = left; from_x < right; ++from_x) {
                     const auto at = static_cast<std::size_t>(from_y * picture.width_px + from_x);
                     for (std::size_t i = 0; i < 3; ++i) {
-                        sums[i] += std::uint64_t{picture.pixels[at * 3 + i]} * alpha[at];
+                        sums[i] += static_cast<std::uint64_t>(picture.pixels[at * 3 + i]) * alpha[at];
                     }
                 }
             }
