@@ -165,7 +165,7 @@ Picture thumbnail_of(const Picture& straight, const SheetScale& scale) {
                                     static_cast<std::size_t>(left) * 4];
                 for (std::int64_t column = left; column < right; ++column, from += 4) {
                     for (std::size_t c = 0; c < 3; ++c) {
-                        sums[c] += std::uint64_t{from[c]} * from[3];
+                        sums[c] += static_cast<std::uint64_t>(from[c]) * from[3];
                     }
                     coverage += from[3];
                 }
