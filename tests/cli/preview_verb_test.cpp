@@ -190,10 +190,63 @@ std::string film_facts(const std::string& film, const std::string& members) {
     return probed.out;
 }
 
-TEST(PreviewVerb, MakesAFilmOfEveryFrame) {
-    if (!cli::find_program("ffmpeg")) {
-        GTEST_SKIP() << "ffmpeg is not installed";
+// script/bootstrap installs it where tests run; for Windows there is none.
+#ifdef _WIN32
+#define VXR_NEEDS_FFMPEG() GTEST_SKIP() << "there is no ffmpeg for Windows here"
+#else
+#define VXR_NEEDS_FFMPEG() ASSERT_TRUE(cli::find_program("ffmpeg")) << "script/bootstrap installs ffmpeg"
+#endif
+
+TEST(PreviewVerb, AFilmOfFewFramesLastsNoLongerThanTheComposition) {
+    VXR_NEEDS_FFMPEG();
+    struct StepCase {
+        const char* why;
+        const char* every;
+        const char* facts;  // of a composition of 9 frames at 24 a second
+    };
+    const StepCase cases[] = {
+        {"every eighth is two frames", "8", "r_frame_rate=3/1\nnb_read_frames=2\n"},
+        {"every ninth is one", "9", "r_frame_rate=8/3\nnb_read_frames=1\n"},
+        {"more than there are", "100000", "r_frame_rate=8/3\nnb_read_frames=1\n"},
+        {"beyond 32 bits", "4294967296", "r_frame_rate=8/3\nnb_read_frames=1\n"},
+        {"the largest number", "9223372036854775807", "r_frame_rate=8/3\nnb_read_frames=1\n"},
+    };
+    for (const StepCase& one : cases) {
+        SCOPED_TRACE(one.why);
+        const TemporaryFolder folder;
+        const Ran ran = preview(kCourtyard, folder.path("a.mp4"), {"--every", one.every});
+        ASSERT_EQ(ran.code, ExitCode::fine) << ran.err;
+        EXPECT_EQ(film_facts(folder.path("a.mp4"), "r_frame_rate,nb_read_frames"), one.facts);
     }
+}
+
+TEST(PreviewVerb, AnOverlaySaysWhatIsWrongWithTheSceneFirst) {
+    struct BrokenCase {
+        const char* why;
+        const char* scene;
+        ExitCode code;
+        const char* said;
+    };
+    const BrokenCase cases[] = {
+        {"there is none", "none.aec", ExitCode::cannot_read_or_write, "[cannot-read]"},
+        {"no composition file", "text.aec", ExitCode::refused, "error:"},
+        {"no camera has a key", "empty.aec", ExitCode::usage, "no camera has a key"},
+    };
+    const TemporaryFolder folder;
+    folder.write("text.aec", "text\n");
+    folder.write("empty.aec",
+                 "VORTAN XR COMPOSITION\nRESOLUTION 64 48 FROM 0 TO 9 RANGE 10 FPS 25\nCOMPOSITION NRM "
+                 "\"Main\" { }\n");
+    for (const BrokenCase& one : cases) {
+        SCOPED_TRACE(one.why);
+        const Ran ran = preview(folder.path(one.scene), folder.path("a.png"), {"--overlay", "nulls"});
+        EXPECT_EQ(ran.code, one.code) << ran.err;
+        EXPECT_NE(ran.err.find(one.said), std::string::npos) << ran.err;
+    }
+}
+
+TEST(PreviewVerb, MakesAFilmOfEveryFrame) {
+    VXR_NEEDS_FFMPEG();
     const TemporaryFolder folder;
     const Ran ran = preview(kLantern, folder.path("a.mp4"), {"--frames", "16-20", "--every", "2", "--json"});
     EXPECT_EQ(ran.code, ExitCode::footage_missing) << ran.err;
@@ -227,9 +280,7 @@ TEST(PreviewVerb, MakesAFilmOfEveryFrame) {
 }
 
 TEST(PreviewVerb, AFilmThatFailsLeavesTheOldOne) {
-    if (!cli::find_program("ffmpeg")) {
-        GTEST_SKIP() << "ffmpeg is not installed";
-    }
+    VXR_NEEDS_FFMPEG();
     const TemporaryFolder folder;
     const std::string old = folder.write("a.mp4", "old");
     // A program of this name that reads some frames and fails.

@@ -101,10 +101,11 @@ class FrameStream {
     std::string bytes_;
 };
 
-std::string rate_text(double rate_fps) {
+// The rate of a film that shows every so many frames.
+std::string rate_text(double rate_fps, std::int64_t step) {
     // A fraction of whole numbers: the program reads no more digits of a decimal one.
-    constexpr double kParts = 1000;
-    return std::to_string(std::llround(rate_fps * kParts)) + "/1000";
+    constexpr std::int64_t kParts = 1000;
+    return std::to_string(std::llround(rate_fps * kParts)) + '/' + std::to_string(kParts * step);
 }
 
 std::string failure_text(const ChildResult& ended) {
@@ -125,7 +126,7 @@ bool is_film(const std::string& path) {
     return film_format(path) != nullptr;
 }
 
-PreviewRun write_film(Preview& preview, const std::vector<std::int64_t>& frames, double rate_fps,
+PreviewRun write_film(Preview& preview, const std::vector<std::int64_t>& frames, std::int64_t step,
                       const std::string& output, const std::function<void(std::size_t)>& drawing) {
     PreviewRun run;
     const auto fail = [&run](std::string problem) {
@@ -155,7 +156,7 @@ PreviewRun write_film(Preview& preview, const std::vector<std::int64_t>& frames,
         "-s",
         std::to_string(preview.width_px()) + "x" + std::to_string(preview.height_px()),
         "-r",
-        rate_text(rate_fps),
+        rate_text(preview.rate_fps(), step),
         "-i",
         "pipe:0"};
     arguments.insert(arguments.end(), format.arguments.begin(), format.arguments.end());

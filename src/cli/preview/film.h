@@ -15,10 +15,11 @@ namespace cli {
 [[nodiscard]] bool is_film(const std::string& path);
 
 /// Draws the frames and has the system's ffmpeg make a film of them, which takes its place when it is
-/// complete: MP4 with H.264 on black, or WebP that keeps alpha. One frame is `1 / rate_fps` seconds long.
-/// `drawing` is called before each frame with its place in `frames`.
+/// complete: MP4 with H.264 on black, or WebP that keeps alpha. One frame is as long as `step` frames
+/// of the composition, from 1 to all of them. `drawing` is called before each frame with its place in
+/// `frames`.
 [[nodiscard]] PreviewRun write_film(Preview& preview, const std::vector<std::int64_t>& frames,
-                                    double rate_fps, const std::string& output,
+                                    std::int64_t step, const std::string& output,
                                     const std::function<void(std::size_t)>& drawing);
 
 }  // namespace cli

@@ -234,8 +234,8 @@ class PreviewCommand : public Command {
         for (const FrameFile& file : files) {
             frames.push_back(file.frame);
         }
-        const int every = every_.empty() ? 1 : static_cast<int>(*parse_frame(every_));
-        return write_film(preview, frames, preview.rate_fps() / every, output_, drawing);
+        const std::int64_t step = every_.empty() ? 1 : std::min(*parse_frame(every_), preview.frame_count());
+        return write_film(preview, frames, step, output_, drawing);
     }
 
     [[nodiscard]] FrameChoice frame_choice() const {
@@ -288,7 +288,8 @@ class PreviewCommand : public Command {
                                                      : render::Fields::both;
         options.render.threads = jobs_ > 0 ? static_cast<std::size_t>(jobs_)
                                            : std::max<std::size_t>(1, std::thread::hardware_concurrency());
-        if (!overlay_.empty()) {
+        // What is wrong with a scene that cannot be read is told by the preview.
+        if (!overlay_.empty() && !reading.error) {
             try {
                 const auto overlay = std::make_shared<Overlay>(reading, overlay_parts(overlay_));
                 options.over = [overlay](Texture& picture, std::int64_t frame) {
