@@ -44,7 +44,6 @@ Verb check_verb() {
     return {
         "check",
         "report mistakes in composition files, and what an import will change",
-        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): each paragraph has several lines
         {"After Effects imports nothing from a composition file with a mistake in it, and shows no message. "
          "This verb reads the file with the plug-in's own readers and reports the first mistake: file, line, "
          "column, what was expected, what was found, and a code that scripts can rely on.",
@@ -56,7 +55,7 @@ Verb check_verb() {
          "--verbose writes every place, --quiet only one line for each file.",
          "A file is refused (1) for an error or for what --fail-on names. One that is not, but lacks "
          "footage, is incomplete (4). With several files the most serious outcome counts: unreadable (3), "
-         "refused, then incomplete.",
+         "refused, then incomplete. "
          "The nearest file .vxr.toml in the folder of a scene or above it may say the same as --fail-on and "
          "--ignore for all scenes of a job: a line [check], then fail-on = [\"loss\"] and ignore = "
          "[\"value-changed\"]. Either option replaces that line of the file."},

@@ -14,7 +14,6 @@
 #include "cli/report/check_summary.h"
 #include "cli/report/diagnostic_json.h"
 #include "cli/terminal/ordered_jobs.h"
-#include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verb/check_inputs.h"
 #include "cli/verb/project_policies.h"
@@ -159,16 +158,7 @@ class CheckCommand : public Command {
         }
         refuse_wrong_usage();
         const FoundInputs inputs = find_inputs(inputs_, kind_.extension);
-        if (names_standard_input_twice(inputs.files)) {
-            throw UsageError("the standard input can be read only once");
-        }
-        ExitCode code = ExitCode::fine;
-        for (const std::string& folder : inputs.empty_folders) {
-            complain(terminal,
-                     "no file in the folder \"" + folder + "\" ends with " + kind_.extension +
-                         (inputs_.recursive ? "" : "; --recursive searches the folders below it, too"));
-            code = ExitCode::cannot_read_or_write;
-        }
+        const ExitCode code = tell_empty_folders(inputs, inputs_, kind_.extension, terminal);
         return most_serious(code, check_all(inputs.files, terminal));
     }
 
@@ -210,19 +200,9 @@ class CheckCommand : public Command {
     }
 
     void refuse_wrong_usage() const {
-        if (!inputs_.given()) {
-            throw UsageError("FILE is required");
-        }
+        refuse_wrong_inputs(inputs_, "FILE");
         if (quiet_ && verbose_) {
             throw UsageError("--quiet and --verbose exclude each other");
-        }
-        if (inputs_.null && inputs_.list.empty()) {
-            throw UsageError("--null needs --files-from");
-        }
-        std::vector<std::string> all = inputs_.files;
-        all.push_back(inputs_.list);
-        if (names_standard_input_twice(all)) {
-            throw UsageError("the standard input can be read only once");
         }
     }
 

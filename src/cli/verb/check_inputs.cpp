@@ -6,8 +6,11 @@
 #include <stdexcept>
 #include <string_view>
 
+#include "cli/command.h"
 #include "cli/options.h"
+#include "cli/report/diagnostic_text.h"
 #include "cli/terminal/standard_input.h"
+#include "cli/terminal/terminal.h"
 #include "system/file_content.h"
 #include "system/files.h"
 #include "text/ascii.h"
@@ -75,6 +78,12 @@ void add_folder(const std::string& top, const char* extension, bool recursive,
     }
 }
 
+void refuse_standard_input_twice(const std::vector<std::string>& names) {
+    if (names_standard_input_twice(names)) {
+        throw UsageError("the standard input can be read only once");
+    }
+}
+
 }  // namespace
 
 void add_input_options(Options& options, CheckInputs& inputs) {
@@ -89,6 +98,18 @@ void add_input_options(Options& options, CheckInputs& inputs) {
     options
         .flag("-0,--null", inputs.null, "names of --files-from end with a NUL, as `find -print0` writes them")
         .group(kGroup);
+}
+
+void refuse_wrong_inputs(const CheckInputs& inputs, const char* argument) {
+    if (!inputs.given()) {
+        throw UsageError(std::string(argument) + " is required");
+    }
+    if (inputs.null && inputs.list.empty()) {
+        throw UsageError("--null needs --files-from");
+    }
+    std::vector<std::string> all = inputs.files;
+    all.push_back(inputs.list);
+    refuse_standard_input_twice(all);
 }
 
 FoundInputs find_inputs(const CheckInputs& inputs, const char* extension) {
@@ -107,7 +128,17 @@ FoundInputs find_inputs(const CheckInputs& inputs, const char* extension) {
             found.empty_folders.push_back(name);
         }
     }
+    refuse_standard_input_twice(found.files);
     return found;
+}
+
+ExitCode tell_empty_folders(const FoundInputs& found, const CheckInputs& inputs, const char* extension,
+                            Terminal& terminal) {
+    for (const std::string& folder : found.empty_folders) {
+        complain(terminal, "no file in the folder \"" + folder + "\" ends with " + extension +
+                               (inputs.recursive ? "" : "; --recursive searches the folders below it, too"));
+    }
+    return found.empty_folders.empty() ? ExitCode::fine : ExitCode::cannot_read_or_write;
 }
 
 }  // namespace cli

@@ -3,9 +3,12 @@
 #include <string>
 #include <vector>
 
+#include "cli/exit_codes.h"
+
 namespace cli {
 
 class Options;
+struct Terminal;
 
 /// Which files a verb that checks files is to read, as the user says it.
 struct CheckInputs {
@@ -20,6 +23,10 @@ struct CheckInputs {
 /// Adds --recursive, --files-from and --null.
 void add_input_options(Options& options, CheckInputs& inputs);
 
+/// Throws UsageError if nothing is named, if --null has no list, or if the standard input is named twice.
+/// `argument` is what the verb calls its files: "SCENE".
+void refuse_wrong_inputs(const CheckInputs& inputs, const char* argument);
+
 struct FoundInputs {
     std::vector<std::string> files;
     std::vector<std::string> empty_folders;  ///< in which there was nothing to check
@@ -28,7 +35,11 @@ struct FoundInputs {
 /// The files in the order in which they were named. Of a folder, those whose names end with `extension`, in
 /// any case, in the order of their names; hidden ones, such as the "._shot.aec" that macOS leaves on
 /// other disks, are passed over, and links to folders are not followed. Throws std::runtime_error if the list
-/// cannot be read.
+/// cannot be read, and UsageError if the standard input is named twice.
 [[nodiscard]] FoundInputs find_inputs(const CheckInputs& inputs, const char* extension);
+
+/// Complains about each folder in which there was nothing, and returns the exit code for that.
+ExitCode tell_empty_folders(const FoundInputs& found, const CheckInputs& inputs, const char* extension,
+                            Terminal& terminal);
 
 }  // namespace cli

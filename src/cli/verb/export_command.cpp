@@ -57,13 +57,7 @@ class ExportCommand : public Command {
         check_usage();
         const FoundInputs inputs = find_inputs(inputs_, ".aec");
         check_scenes(inputs.files);
-        ExitCode code = ExitCode::fine;
-        for (const std::string& folder : inputs.empty_folders) {
-            complain(terminal,
-                     "no file in the folder \"" + folder + "\" ends with .aec" +
-                         (inputs_.recursive ? "" : "; --recursive searches the folders below it, too"));
-            code = ExitCode::cannot_read_or_write;
-        }
+        ExitCode code = tell_empty_folders(inputs, inputs_, ".aec", terminal);
         bundle_found_ = find_bundle(bundle_);
         export_all(inputs.files, terminal, code);
         return code;
@@ -118,12 +112,7 @@ class ExportCommand : public Command {
     }
 
     void check_usage() const {
-        if (!inputs_.given()) {
-            throw UsageError("SCENE is required");
-        }
-        if (inputs_.null && inputs_.list.empty()) {
-            throw UsageError("--null needs --files-from");
-        }
+        refuse_wrong_inputs(inputs_, "SCENE");
         if (to_.empty()) {
             throw UsageError("--to is required");
         }
@@ -146,11 +135,6 @@ class ExportCommand : public Command {
         }
         if (const std::string contradiction = corrections_.contradiction(); !contradiction.empty()) {
             throw UsageError(contradiction);
-        }
-        std::vector<std::string> all = inputs_.files;
-        all.push_back(inputs_.list);
-        if (names_standard_input_twice(all)) {
-            throw UsageError("the standard input can be read only once");
         }
     }
 

@@ -16,7 +16,6 @@
 #include "cli/terminal/file_roles.h"
 #include "cli/terminal/ordered_jobs.h"
 #include "cli/terminal/output_file.h"
-#include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
 #include "cli/verb/check_files.h"
 #include "cli/verb/check_inputs.h"
@@ -68,16 +67,7 @@ class ReportCommand : public Command {
     ExitCode run(Terminal& terminal) override {
         check_usage();
         const FoundInputs inputs = find_inputs(inputs_, ".aec");
-        if (names_standard_input_twice(inputs.files)) {
-            throw UsageError("the standard input can be read only once");
-        }
-        ExitCode code = ExitCode::fine;
-        for (const std::string& folder : inputs.empty_folders) {
-            complain(terminal,
-                     "no file in the folder \"" + folder + "\" ends with .aec" +
-                         (inputs_.recursive ? "" : "; --recursive searches the folders below it, too"));
-            code = ExitCode::cannot_read_or_write;
-        }
+        const ExitCode code = tell_empty_folders(inputs, inputs_, ".aec", terminal);
         if (inputs.files.empty()) {
             return code;
         }
@@ -86,19 +76,9 @@ class ReportCommand : public Command {
 
   private:
     void check_usage() const {
-        if (!inputs_.given()) {
-            throw UsageError("SCENE is required");
-        }
+        refuse_wrong_inputs(inputs_, "SCENE");
         if (output_.empty()) {
             throw UsageError("-o is required");
-        }
-        if (inputs_.null && inputs_.list.empty()) {
-            throw UsageError("--null needs --files-from");
-        }
-        std::vector<std::string> all = inputs_.files;
-        all.push_back(inputs_.list);
-        if (names_standard_input_twice(all)) {
-            throw UsageError("the standard input can be read only once");
         }
     }
 
@@ -198,20 +178,16 @@ Verb report_verb() {
     return {
         "report",
         "write one page that shows scenes to anyone with a browser",
-        // NOLINTNEXTLINE(bugprone-suspicious-missing-comma): each paragraph has several lines
         {"Looks at every SCENE as After Effects will get it, and writes one HTML file that says, in this "
-         "order: "
-         "does it import, and is anything lost; what does it look like; is the camera right; what is in it; "
-         "what to do next. "
-         "For several scenes and for folders the page begins with a table of all of them.",
+         "order: does it import, and is anything lost; what does it look like; is the camera right; what is "
+         "in it; what to do next. For several scenes and for folders the page begins with a table of all of "
+         "them.",
          "The page opens in any browser, needs no network and asks for nothing, prints, and can be sent to "
          "someone who has none of the files. Verdict, losses and contents can be read without scripts; with "
          "them, cameras, lights and nulls can be turned around, and keys are drawn as curves.",
          "What the page says about scenes is what `vxr check` and `vxr proof` say, and the exit code is that "
-         "of "
-         "`vxr check`; a project file .vxr.toml counts in the same way. The page is written whatever became "
-         "of "
-         "the scenes, and complete or not at all."},
+         "of `vxr check`; a project file .vxr.toml counts in the same way. The page is written whatever "
+         "became of the scenes, and complete or not at all."},
         {{"vxr report shot.aec -o shot.html", "One scene."},
          {"vxr report --recursive --jobs 0 renders -o job.html",
           "Everything below a folder: a page that begins with a table of all scenes."}},
