@@ -9,7 +9,6 @@
 #include <vector>
 
 #include "handover/scene3d/gltf.h"
-#include "handover/scene3d/gltf_data.h"
 #include "handover/scene3d/usd.h"
 
 namespace {
@@ -331,15 +330,6 @@ TEST(Usd, NamesAreIdentifiersAndTheRealOnesAreKept) {
     for (const char* piece : {"def Xform \"Key_light\"", "def Xform \"Key_light_2\"", "def Xform \"_2_\"",
                               "def Xform \"_\"", R"(vxr:name = "Key/light")", R"(vxr:name = "2\"\n\\")"}) {
         EXPECT_THAT(text, HasSubstr(piece));
-    }
-}
-
-TEST(Base64, HasTheLettersAndThePaddingOfItsStandard) {
-    const std::pair<const char*, const char*> cases[] = {
-        {"", ""},        {"f", "Zg=="},        {"fo", "Zm8="},
-        {"foo", "Zm9v"}, {"foob", "Zm9vYg=="}, {"\xff\xfe\xfd", "//79"}};
-    for (const auto& [bytes, text] : cases) {
-        EXPECT_EQ(handover::base64_of(bytes), text);
     }
 }
 

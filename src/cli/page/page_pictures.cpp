@@ -7,11 +7,11 @@
 #include <utility>
 
 #include "cli/preview/preview.h"
-#include "handover/scene3d/gltf_data.h"
 #include "image/image.h"
 #include "system/file_content.h"
 #include "system/files.h"
 #include "system/replacement_file.h"
+#include "text/base64.h"
 
 namespace cli {
 namespace {
@@ -116,7 +116,7 @@ void draw_all(Preview& preview, const tagProjectSettings& settings, std::size_t 
         }
         pictures.frames.push_back(
             {frames.from + offset,
-             "data:image/jpeg;base64," + handover::base64_of(jpeg_of(small_picture(
+             "data:image/jpeg;base64," + text::base64_of(jpeg_of(small_picture(
                                              *drawn.picture, pictures.width_px, pictures.height_px)))});
     }
 }

@@ -9,6 +9,7 @@
 #include "handover/scene3d/gltf_data.h"
 #include "handover/scene3d/motion.h"
 #include "handover/scene3d/scene3d_values.h"
+#include "text/base64.h"
 #include "text/plain_number.h"
 
 namespace handover {
@@ -458,7 +459,7 @@ void write_gltf(const Handover& handover, const Scene3dOptions& options, const S
     if (!file.data().empty()) {
         document["buffers"] =
             Json::array({{{"byteLength", file.data().size()},
-                          {"uri", "data:application/octet-stream;base64," + base64_of(file.data())}}});
+                          {"uri", "data:application/octet-stream;base64," + text::base64_of(file.data())}}});
     }
     out(json_text(document, 2));
     out("\n");

@@ -39,7 +39,4 @@ class GltfData {
     std::string bytes_;
 };
 
-/// Base64 of `bytes`, with padding.
-[[nodiscard]] std::string base64_of(std::string_view bytes);
-
 }  // namespace handover
