@@ -81,6 +81,9 @@ struct Footage {
 enum class LayerKind { footage, composition, camera, light, null };
 enum class Blend { normal, add, multiply };
 enum class LightKind { parallel, spot, point };
+/// "footage", "normal", as scripts and pages say it.
+[[nodiscard]] const char* word_of(LayerKind kind);
+[[nodiscard]] const char* word_of(Blend blend);
 
 /// A property of a layer that the handover sets.
 enum class Property {
@@ -160,6 +163,7 @@ struct ObjectKey {
 };
 
 enum class ObjectKind { camera, light, null };
+[[nodiscard]] const char* word_of(ObjectKind kind);
 
 /// A camera, light or null in the scene's own terms: axes left-handed, y up, z away from the viewer.
 struct SceneObject {

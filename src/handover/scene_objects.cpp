@@ -27,18 +27,6 @@ ObjectKind object_kind(const CSceneObject& object) {
     return dynamic_cast<const CCamera*>(&object) != nullptr ? ObjectKind::camera : ObjectKind::light;
 }
 
-const char* word_for(ObjectKind kind) {
-    switch (kind) {
-        case ObjectKind::camera:
-            return "camera";
-        case ObjectKind::light:
-            return "light";
-        case ObjectKind::null:
-            break;
-    }
-    return "null";
-}
-
 ObjectKey key_of(const tagKeyFrame& key, ObjectKind kind) {
     ObjectKey made;
     made.frame = key.frame;
@@ -128,7 +116,7 @@ std::vector<SceneObject> scene_objects(const SceneSource& scene, const SceneWalk
         SceneObject& made = objects.emplace_back();
         made.kind = object_kind(*object);
         const std::string_view name = object->name != nullptr ? object->name : "";
-        made.id = StableIds::text(ids.next(ids.root(), word_for(made.kind), name));
+        made.id = StableIds::text(ids.next(ids.root(), word_of(made.kind), name));
         made.at = scene.place_of(object);
         if (made.kind == ObjectKind::light) {
             add_light(scene, static_cast<const CLight&>(*object), made, losses);

@@ -39,6 +39,36 @@ std::shared_ptr<const Places> places_in(const SceneFacts& facts) {
     return places;
 }
 
+// Imports the scene and has `describe` look at the project; what goes wrong is in `result`.
+template <typename Result, typename Describe>
+void describe_import(const SceneReading& reading, const FoundBundle& bundle, Result& result,
+                     const Describe& describe) {
+    if (reading.error) {
+        result.diagnostics.push_back(*reading.error);
+        result.code = reading.code;
+        return;
+    }
+    const embedded::HostOptions host_options = host_of_kind(kUsualHost);
+    embedded::Host host(host_options);
+    ImportRun run = import_scene(host, host_options, bundle, reading);
+    result.code = run.code;
+    if (run.code != ExitCode::fine) {
+        result.diagnostics = std::move(run.diagnostics);
+        result.problems = std::move(run.problems);
+        return;
+    }
+    try {
+        describe(source_of(reading), host.project());
+    } catch (const std::runtime_error& error) {
+        result.problems.emplace_back(error.what());
+        result.code = ExitCode::refused;
+        return;
+    }
+    if (!run.missing_footage.empty()) {
+        result.code = ExitCode::footage_missing;
+    }
+}
+
 }  // namespace
 
 handover::SceneSource source_of(const SceneReading& reading) {
@@ -72,33 +102,23 @@ HandedOver hand_over(const SceneReading& reading, const FoundBundle& bundle, Ver
                      const handover::HandoverOptions& options) {
     HandedOver result;
     result.file = reading.file;
-    if (reading.error) {
-        result.diagnostics.push_back(*reading.error);
-        result.code = reading.code;
-        return result;
-    }
-    const embedded::HostOptions host_options = host_of_kind(kUsualHost);
-    embedded::Host host(host_options);
-    ImportRun run = import_scene(host, host_options, bundle, reading);
-    result.code = run.code;
-    if (run.code != ExitCode::fine) {
-        result.diagnostics = std::move(run.diagnostics);
-        result.problems = std::move(run.problems);
-        return result;
-    }
-    try {
-        const handover::SceneSource source = source_of(reading);
-        result.handover = version == Version::imported
-                              ? handover::imported_handover(source, host.project())
-                              : handover::corrected_handover(source, host.project(), options);
-    } catch (const std::runtime_error& error) {
-        result.problems.emplace_back(error.what());
-        result.code = ExitCode::refused;
-        return result;
-    }
-    if (!run.missing_footage.empty()) {
-        result.code = ExitCode::footage_missing;
-    }
+    describe_import(reading, bundle, result,
+                    [&](const handover::SceneSource& source, const embedded::Project& project) {
+                        result.handover = version == Version::imported
+                                              ? handover::imported_handover(source, project)
+                                              : handover::corrected_handover(source, project, options);
+                    });
+    return result;
+}
+
+HandedOverBoth hand_over_both(const SceneReading& reading, const FoundBundle& bundle,
+                              const handover::HandoverOptions& options) {
+    HandedOverBoth result;
+    describe_import(reading, bundle, result,
+                    [&](const handover::SceneSource& source, const embedded::Project& project) {
+                        result.imported = handover::imported_handover(source, project);
+                        result.corrected = handover::corrected_handover(source, project, options);
+                    });
     return result;
 }
 

@@ -8,11 +8,6 @@
 #include "text/printable.h"
 
 namespace cli {
-namespace {
-
-using handover::Version;
-
-}  // namespace
 
 handover::Measuring measuring_plan_of(const SceneReading& reading) {
     std::optional<handover::TextureTrial> texture;
@@ -25,17 +20,11 @@ handover::Measuring measuring_plan_of(const SceneReading& reading) {
 MeasuringScript measuring_script(const SceneReading& reading, const FoundBundle& bundle) {
     MeasuringScript made;
     made.file = reading.file;
-    const HandedOver imported = hand_over(reading, bundle, Version::imported, {});
-    made.code = imported.code;
-    made.diagnostics = imported.diagnostics;
-    made.problems = imported.problems;
-    if (!imported.handover) {
-        return made;
-    }
-    const HandedOver corrected = hand_over(reading, bundle, Version::corrected, {});
-    made.code = most_serious(made.code, corrected.code);
-    if (!corrected.handover) {
-        made.problems.insert(made.problems.end(), corrected.problems.begin(), corrected.problems.end());
+    const HandedOverBoth versions = hand_over_both(reading, bundle, {});
+    made.code = versions.code;
+    made.diagnostics = versions.diagnostics;
+    made.problems = versions.problems;
+    if (!versions.imported || !versions.corrected) {
         return made;
     }
     // The camera does not depend on footage.
@@ -47,7 +36,7 @@ MeasuringScript measuring_script(const SceneReading& reading, const FoundBundle&
     options.working_folder = os::absolute_path(".");
     made.script.emplace();
     handover::write_measuring_script(
-        handover::measured_project(*imported.handover, *corrected.handover, made.plan), made.plan, options,
+        handover::measured_project(*versions.imported, *versions.corrected, made.plan), made.plan, options,
         [&](std::string_view piece) { *made.script += piece; });
     return made;
 }

@@ -4,7 +4,6 @@
 #include <utility>
 
 #include "cli/handover/handover_format.h"
-#include "cli/handover/handover_run.h"
 #include "handover/proof/file_targets.h"
 #include "handover/proof/handover_targets.h"
 
@@ -12,7 +11,6 @@ namespace cli {
 namespace {
 
 using handover::Handover;
-using handover::Version;
 
 void add_all(std::vector<proof::ProofTarget>& targets, std::vector<proof::ProofTarget> more) {
     for (proof::ProofTarget& target : more) {
@@ -42,29 +40,29 @@ void add_file(std::vector<proof::ProofTarget>& targets, const Handover& handover
 
 ProofRun prove(const SceneReading& reading, const FoundBundle& bundle, const proof::ProofOptions& options,
                const Measurement* measurement) {
-    ProofRun run;
-    run.file = reading.file;
     handover::HandoverOptions handover_options;
     handover_options.cut_angle_degrees = options.cut_angle_degrees;
-    const HandedOver imported = hand_over(reading, bundle, Version::imported, handover_options);
-    run.code = imported.code;
-    run.diagnostics = imported.diagnostics;
-    run.problems = imported.problems;
-    if (!imported.handover) {
+    return prove(reading, hand_over_both(reading, bundle, handover_options), options, measurement);
+}
+
+ProofRun prove(const SceneReading& reading, const HandedOverBoth& versions,
+               const proof::ProofOptions& options, const Measurement* measurement) {
+    ProofRun run;
+    run.file = reading.file;
+    run.code = versions.code;
+    run.diagnostics = versions.diagnostics;
+    run.problems = versions.problems;
+    if (!versions.imported || !versions.corrected) {
         return run;
     }
-    const HandedOver corrected = hand_over(reading, bundle, Version::corrected, handover_options);
-    run.code = most_serious(run.code, corrected.code);
-    if (!corrected.handover) {
-        run.problems.insert(run.problems.end(), corrected.problems.begin(), corrected.problems.end());
-        return run;
-    }
+    const Handover& imported = *versions.imported;
+    const Handover& corrected = *versions.corrected;
     // The camera does not depend on footage.
     if (run.code == ExitCode::footage_missing) {
         run.code = ExitCode::fine;
     }
-    std::vector<proof::ProofTarget> targets = proof::after_effects_targets(*imported.handover);
-    add_all(targets, proof::after_effects_targets(*corrected.handover));
+    std::vector<proof::ProofTarget> targets = proof::after_effects_targets(imported);
+    add_all(targets, proof::after_effects_targets(corrected));
     if (measurement != nullptr) {
         run.measured = proof::judge(measurement->table, measurement->plan, *reading.settings, targets);
         if (!run.measured->meets_goal() || !run.measured->is_as_written()) {
@@ -72,10 +70,8 @@ ProofRun prove(const SceneReading& reading, const FoundBundle& bundle, const pro
         }
     }
     const std::size_t problems = run.problems.size();
-    add_file(targets, *corrected.handover, "glb", options.cut_angle_degrees, proof::gltf_targets,
-             run.problems);
-    add_file(targets, *corrected.handover, "usda", options.cut_angle_degrees, proof::usda_targets,
-             run.problems);
+    add_file(targets, corrected, "glb", options.cut_angle_degrees, proof::gltf_targets, run.problems);
+    add_file(targets, corrected, "usda", options.cut_angle_degrees, proof::usda_targets, run.problems);
     run.width_px = reading.settings->width;
     run.height_px = reading.settings->height;
     run.result = proof::compare(*reading.settings, targets, options);

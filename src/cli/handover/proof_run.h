@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/exit_codes.h"
+#include "cli/handover/handover_run.h"
 #include "cli/project/host_setup.h"
 #include "cli/report/diagnostic_text.h"
 #include "cli/scene/scene_reading.h"
@@ -38,6 +39,10 @@ struct ProofRun {
 /// Imports the scene, corrects it, writes it as glTF and USD in memory, and compares all of it.
 /// `measurement`, if it is not null, belongs to this scene, and is judged.
 [[nodiscard]] ProofRun prove(const SceneReading& reading, const FoundBundle& bundle,
+                             const proof::ProofOptions& options, const Measurement* measurement = nullptr);
+
+/// The same of a scene that has been handed over with the cut angle of `options`.
+[[nodiscard]] ProofRun prove(const SceneReading& reading, const HandedOverBoth& versions,
                              const proof::ProofOptions& options, const Measurement* measurement = nullptr);
 
 /// For people, the verdict first.

@@ -60,11 +60,9 @@ std::string target_row(const proof::TargetResult& target) {
 }
 
 std::string camera_table(const proof::CameraResult& camera) {
-    std::string html =
-        "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Proof of a camera\"><table>"
-        "<caption>Camera " +
-        html_name(camera.name) + ": " + grouped(camera.keys_compared) + " of " +
-        counted(camera.keys, "key", "keys") + ", " + counted(camera.moments, "moment", "moments");
+    std::string html = wide_table("Proof of a camera") + "<caption>Camera " + html_name(camera.name) + ": " +
+                       grouped(camera.keys_compared) + " of " + counted(camera.keys, "key", "keys") + ", " +
+                       counted(camera.moments, "moment", "moments");
     if (camera.left_out > 0) {
         html += "; " + counted(camera.left_out, "point", "points") +
                 " behind it or far outside its frame left out";
@@ -77,12 +75,7 @@ std::string camera_table(const proof::CameraResult& camera) {
         return html + "<tbody><tr><td>Without keys it says nothing.</td></tr></tbody></table></div>";
     }
     html +=
-        "<thead><tr><th scope=\"col\">in</th><th scope=\"col\">right?</th><th scope=\"col\" "
-        "class=\"number\">largest "
-        "distance, px</th><th scope=\"col\" class=\"number\">mean, px</th><th scope=\"col\" class=\"number\">"
-        "worst at frame</th><th scope=\"col\" class=\"number\">points lost</th><th "
-        "scope=\"col\">why</th></tr>"
-        "</thead><tbody>";
+        row_header("in|right?|#largest distance, px|#mean, px|#worst at frame|#points lost|why") + "<tbody>";
     for (const proof::TargetResult& target : camera.targets) {
         html += target_row(target);
     }
@@ -94,11 +87,9 @@ std::string nulls_table(const proof::ProofResult& result) {
         return {};
     }
     std::string html =
-        "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Proof of the nulls\"><table>"
-        "<caption>Nulls, by position, in the scene's units: " +
+        wide_table("Proof of the nulls") + "<caption>Nulls, by position, in the scene's units: " +
         grouped(static_cast<std::int64_t>(result.nulls.size())) + " of " + grouped(result.nulls_in_scene) +
-        "</caption><thead><tr><th scope=\"col\">in</th><th scope=\"col\" class=\"number\">largest "
-        "distance</th><th scope=\"col\">null</th></tr></thead><tbody>";
+        "</caption>" + row_header("in|#largest distance|null") + "<tbody>";
     for (std::size_t i = 0; i < result.targets.size(); ++i) {
         const proof::NullResult* worst = nullptr;
         for (const proof::NullResult& null : result.nulls) {

@@ -32,8 +32,7 @@ std::vector<Advice> advice_for(const PageScene& scene) {
         advice.push_back({"vxr check " + word, "Shows the mistake again, once the scene has been changed."});
         return advice;
     }
-    if (std::any_of(scene.diagnostics.begin(), scene.diagnostics.end(),
-                    [](const Diagnostic& one) { return one.missing_footage.has_value(); })) {
+    if (scene.missing_footage() > 0) {
         advice.push_back(
             {"vxr relink " + word + " --search FOLDER --dry-run",
              "Looks for the missing footage in FOLDER and everything below it, and shows what it "

@@ -31,46 +31,6 @@ const char* kind_name(handover::FootageKind kind) {
     return "";
 }
 
-const char* kind_name(handover::LayerKind kind) {
-    switch (kind) {
-        case handover::LayerKind::footage:
-            return "footage";
-        case handover::LayerKind::composition:
-            return "composition";
-        case handover::LayerKind::camera:
-            return "camera";
-        case handover::LayerKind::light:
-            return "light";
-        case handover::LayerKind::null:
-            return "null";
-    }
-    return "";
-}
-
-const char* kind_name(handover::ObjectKind kind) {
-    switch (kind) {
-        case handover::ObjectKind::camera:
-            return "camera";
-        case handover::ObjectKind::light:
-            return "light";
-        case handover::ObjectKind::null:
-            return "null";
-    }
-    return "";
-}
-
-const char* blend_name(handover::Blend blend) {
-    switch (blend) {
-        case handover::Blend::normal:
-            return "normal";
-        case handover::Blend::add:
-            return "add";
-        case handover::Blend::multiply:
-            return "multiply";
-    }
-    return "";
-}
-
 const char* alpha_name(const handover::Footage& footage) {
     switch (footage.alpha) {
         case handover::Alpha::none:
@@ -101,20 +61,6 @@ std::string size_html(std::int32_t width_px, std::int32_t height_px) {
     return std::to_string(width_px) + " &times; " + std::to_string(height_px);
 }
 
-std::string row_header(std::string_view columns) {
-    std::string html = "<thead><tr>";
-    while (!columns.empty()) {
-        const std::size_t end = std::min(columns.find('|'), columns.size());
-        std::string_view column = columns.substr(0, end);
-        const bool number = column.starts_with('#');
-        column.remove_prefix(number ? 1 : 0);
-        html += std::string("<th scope=\"col\"") + (number ? " class=\"number\">" : ">") + html_text(column) +
-                "</th>";
-        columns.remove_prefix(std::min(end + 1, columns.size()));
-    }
-    return html + "</tr></thead>";
-}
-
 std::string cut_note(std::size_t shown, std::size_t count) {
     return shown == count ? std::string()
                           : "<p class=\"where\">and " + grouped(static_cast<std::int64_t>(count - shown)) +
@@ -125,8 +71,8 @@ std::string layers_html(const Handover& handover, const handover::Composition& c
     if (composition.layers.empty()) {
         return "<p class=\"where\">no layers</p>";
     }
-    std::string html = "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Layers\"><table>" +
-                       row_header("#layer|name|what|mode|#first frame|#frames") + "<tbody>";
+    std::string html =
+        wide_table("Layers") + row_header("#layer|name|what|mode|#first frame|#frames") + "<tbody>";
     const std::size_t shown = std::min(composition.layers.size(), kMostRows);
     for (std::size_t i = 0; i < shown; ++i) {
         const handover::Layer& layer = composition.layers[i];
@@ -137,8 +83,8 @@ std::string layers_html(const Handover& handover, const handover::Composition& c
                                       ? layer.name
                                       : handover.items[layer.item].name;
         html += "<tr><td class=\"number\">" + std::to_string(i + 1) + "</td><th scope=\"row\">" +
-                html_name(name) + "</th><td>" + kind_name(layer.kind) + "</td><td>" +
-                (picture ? blend_name(layer.blend) : "") + "</td><td class=\"number\">" +
+                html_name(name) + "</th><td>" + word_of(layer.kind) + "</td><td>" +
+                (picture ? word_of(layer.blend) : "") + "</td><td class=\"number\">" +
                 (layer.timed ? html_number(layer.in) : "") + "</td><td class=\"number\">" +
                 (layer.timed ? html_number(layer.length) : "") + "</td></tr>";
     }
@@ -212,9 +158,7 @@ std::string footage_html(const Handover& handover, const PagePlace& place) {
     if (handover.footage.empty()) {
         return {};
     }
-    std::string html = subheading(place, "Footage") +
-                       "<div class=\"wide\" tabindex=\"0\" role=\"group\" "
-                       "aria-label=\"Footage\"><table class=\"footage\">" +
+    std::string html = subheading(place, "Footage") + wide_table("Footage", "footage") +
                        row_header("name|kind|size|#frames|#fps|alpha|fields|file") + "<tbody>";
     const std::size_t shown = std::min(handover.footage.size(), kMostRows);
     for (std::size_t i = 0; i < shown; ++i) {
@@ -239,8 +183,7 @@ std::string objects_html(const Handover& handover, const PagePlace& place) {
         return {};
     }
     std::string html = subheading(place, "Cameras, lights and nulls") +
-                       "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"Cameras, lights and "
-                       "nulls\"><table>" +
+                       wide_table("Cameras, lights and nulls") +
                        row_header("name|kind|#keys|#first key|#last key|#line") + "<tbody>";
     const std::size_t shown = std::min(handover.objects.size(), kMostRows);
     for (std::size_t i = 0; i < shown; ++i) {
@@ -250,7 +193,7 @@ std::string objects_html(const Handover& handover, const PagePlace& place) {
                        ? std::string()
                        : grouped(first ? object.keys.front().frame : object.keys.back().frame);
         };
-        html += "<tr><th scope=\"row\">" + html_name(object.name) + "</th><td>" + kind_name(object.kind) +
+        html += "<tr><th scope=\"row\">" + html_name(object.name) + "</th><td>" + word_of(object.kind) +
                 (object.kind == handover::ObjectKind::light ? " " + html_text(object.light_word) : "") +
                 "</td><td class=\"number\">" + grouped(static_cast<std::int64_t>(object.keys.size())) +
                 "</td><td class=\"number\">" + frame(true) + "</td><td class=\"number\">" + frame(false) +

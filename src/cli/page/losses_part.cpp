@@ -136,10 +136,7 @@ std::string corrections_html(const PageScene& scene, const PagePlace& place) {
         subheading(place, "What vxr export corrects") +
         "<p>The plug-in's rules are old. A script or 3D file that <code>vxr export</code> writes "
         "says what the scene says instead:</p>" +
-        wide_table("Corrections") +
-        "<thead><tr><th scope=\"col\">correction"
-        "</th><th scope=\"col\" class=\"number\">places</th><th scope=\"col\">why</th>"
-        "<th scope=\"col\">for example</th></tr></thead><tbody>";
+        wide_table("Corrections") + row_header("correction|#places|why|for example") + "<tbody>";
     for (const handover::AppliedCorrection& applied : scene.corrections) {
         const handover::CorrectionInfo& info =
             handover::correction_table().at(static_cast<std::size_t>(applied.correction));
@@ -155,9 +152,7 @@ std::string export_losses_html(const PageScene& scene, const PagePlace& place) {
         return {};
     }
     std::string html = subheading(place, "What exported files lose all the same") +
-                       wide_table("Losses of exported files") +
-                       "<thead><tr><th scope=\"col\">what</th><th scope=\"col\">where</th>"
-                       "<th scope=\"col\" class=\"number\">line</th></tr></thead><tbody>";
+                       wide_table("Losses of exported files") + row_header("what|where|#line") + "<tbody>";
     const std::size_t shown = std::min(scene.losses.size(), kMostPlaces);
     for (std::size_t i = 0; i < shown; ++i) {
         const handover::Loss& loss = scene.losses[i];
@@ -172,19 +167,6 @@ std::string export_losses_html(const PageScene& scene, const PagePlace& place) {
                 " more, which <code>vxr export --list-losses</code> shows</p>";
     }
     return html;
-}
-
-std::int64_t count_of(const PageScene& scene, Severity severity) {
-    std::int64_t count = 0;
-    for (const Diagnostic& one : scene.diagnostics) {
-        count += one.severity() == severity ? one.count : 0;
-    }
-    return count;
-}
-
-std::int64_t missing_of(const PageScene& scene) {
-    return std::count_if(scene.diagnostics.begin(), scene.diagnostics.end(),
-                         [](const Diagnostic& one) { return one.missing_footage.has_value(); });
 }
 
 std::string losses_words(std::int64_t losses) {
@@ -205,9 +187,23 @@ std::string subheading(const PagePlace& place, std::string_view title) {
     return "<h" + level + ">" + html_text(title) + "</h" + level + ">\n";
 }
 
-std::string wide_table(std::string_view label) {
+std::string wide_table(std::string_view label, std::string_view css_class) {
     return "<div class=\"wide\" tabindex=\"0\" role=\"group\" aria-label=\"" + html_text(label) +
-           "\"><table>";
+           (css_class.empty() ? "\"><table>" : "\"><table class=\"" + std::string(css_class) + "\">");
+}
+
+std::string row_header(std::string_view columns) {
+    std::string html = "<thead><tr>";
+    while (!columns.empty()) {
+        const std::size_t end = std::min(columns.find('|'), columns.size());
+        std::string_view column = columns.substr(0, end);
+        const bool number = column.starts_with('#');
+        column.remove_prefix(number ? 1 : 0);
+        html += std::string("<th scope=\"col\"") + (number ? " class=\"number\">" : ">") + html_text(column) +
+                "</th>";
+        columns.remove_prefix(std::min(end + 1, columns.size()));
+    }
+    return html + "</tr></thead>";
 }
 
 std::string severity_mark(Severity severity) {
@@ -225,8 +221,8 @@ std::string verdict_sentence(const PageScene& scene) {
         return scene.problems.empty() ? "After Effects imports nothing from this scene."
                                       : "The import of this scene does not finish.";
     }
-    const std::int64_t losses = count_of(scene, Severity::loss);
-    if (const std::int64_t missing = missing_of(scene); missing > 0) {
+    const std::int64_t losses = scene.count_of(Severity::loss);
+    if (const std::int64_t missing = scene.missing_footage(); missing > 0) {
         const std::string rest = losses > missing ? " In all, " + losses_words(losses) : std::string();
         return missing == 1
                    ? "It imports, but one footage file is missing; a placeholder stands in for it." + rest +

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
-#include <cstdlib>
 #include <nlohmann/json.hpp>
 #include <vector>
 
@@ -27,21 +26,9 @@ constexpr std::size_t kMostObjects = 2000;
 /// Diagnostics for scripts; the page itself shows as many for each code.
 constexpr std::size_t kMostDiagnostics = 2000;
 
-const char* kind_word(handover::ObjectKind kind) {
-    switch (kind) {
-        case handover::ObjectKind::camera:
-            return "camera";
-        case handover::ObjectKind::light:
-            return "light";
-        case handover::ObjectKind::null:
-            return "null";
-    }
-    return "";
-}
-
 // The scene's numbers are of single precision; further digits say nothing.
 Json short_number(double value) {
-    return std::isfinite(value) ? Json(std::strtod(shortest_text(value).c_str(), nullptr))
+    return std::isfinite(value) ? Json(Json::parse(shortest_text(value)).get<double>())
                                 : embedded::json_number(value);
 }
 
@@ -75,7 +62,7 @@ Json object_json(const handover::SceneObject& object, std::size_t most_keys) {
         }
     }
     const auto column = [&](std::size_t i) { return columns[i].is_null() ? Json::array() : columns[i]; };
-    Json json{{"kind", kind_word(object.kind)},
+    Json json{{"kind", word_of(object.kind)},
               {"name", json_text(object.name)},
               {"keys_in_scene", object.keys.size()},
               {"keys",

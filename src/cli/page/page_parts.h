@@ -41,7 +41,10 @@ struct PagePlace {
 [[nodiscard]] std::string subheading(const PagePlace& place, std::string_view title);
 
 /// The beginning of a table that scrolls by itself where it is wider than the page; "</table></div>" ends it.
-[[nodiscard]] std::string wide_table(std::string_view label);
+[[nodiscard]] std::string wide_table(std::string_view label, std::string_view css_class = {});
+
+/// The head of a table: "name|#keys", where "#" marks a column of numbers.
+[[nodiscard]] std::string row_header(std::string_view columns);
 
 /// "<span class="mark loss">loss</span>"
 [[nodiscard]] std::string severity_mark(Severity severity);

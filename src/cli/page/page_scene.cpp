@@ -1,10 +1,24 @@
 #include "cli/page/page_scene.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "cli/handover/handover_run.h"
 
 namespace cli {
+
+std::int64_t PageScene::count_of(Severity severity) const {
+    std::int64_t count = 0;
+    for (const Diagnostic& one : diagnostics) {
+        count += one.severity() == severity ? one.count : 0;
+    }
+    return count;
+}
+
+std::int64_t PageScene::missing_footage() const {
+    return std::count_if(diagnostics.begin(), diagnostics.end(),
+                         [](const Diagnostic& one) { return one.missing_footage.has_value(); });
+}
 
 PageScene page_scene(const SceneReading& reading, ExitCode code, std::vector<Diagnostic> diagnostics,
                      const FoundBundle& bundle, std::size_t most_pictures, std::size_t threads) {
@@ -15,22 +29,21 @@ PageScene page_scene(const SceneReading& reading, ExitCode code, std::vector<Dia
     if (reading.error) {
         return scene;
     }
-    HandedOver imported = hand_over(reading, bundle, handover::Version::imported, {});
-    scene.problems = std::move(imported.problems);
-    if (!imported.handover) {
+    HandedOverBoth versions = hand_over_both(reading, bundle, {});
+    scene.problems = versions.problems;
+    if (!versions.imported) {
         // The check has found nothing that stops an import, so this is news.
-        scene.code = most_serious(scene.code, imported.code);
-        scene.diagnostics.insert(scene.diagnostics.begin(), imported.diagnostics.begin(),
-                                 imported.diagnostics.end());
+        scene.code = most_serious(scene.code, versions.code);
+        scene.diagnostics.insert(scene.diagnostics.begin(), versions.diagnostics.begin(),
+                                 versions.diagnostics.end());
         return scene;
     }
-    scene.imported = std::move(imported.handover);
-    HandedOver corrected = hand_over(reading, bundle, handover::Version::corrected, {});
-    if (corrected.handover) {
-        scene.corrections = std::move(corrected.handover->corrections);
-        scene.losses = std::move(corrected.handover->losses);
+    scene.proof = prove(reading, versions, {});
+    scene.imported = std::move(versions.imported);
+    if (versions.corrected) {
+        scene.corrections = std::move(versions.corrected->corrections);
+        scene.losses = std::move(versions.corrected->losses);
     }
-    scene.proof = prove(reading, bundle, {});
     scene.pictures = page_pictures(reading, bundle, most_pictures, threads);
     return scene;
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -25,6 +26,11 @@ struct PageScene {
     std::vector<handover::Loss> losses;                    ///< where other programs differ all the same
     std::optional<ProofRun> proof;
     PagePictures pictures;
+
+    /// How often the check found something of this severity.
+    [[nodiscard]] std::int64_t count_of(Severity severity) const;
+    /// Footage files that are not there.
+    [[nodiscard]] std::int64_t missing_footage() const;
 };
 
 /// Imports the scene, proves it, and draws at most `most_pictures` frames on `threads` threads. `code` and

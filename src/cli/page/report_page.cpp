@@ -8,20 +8,17 @@
 #include "cli/page/page_data.h"
 #include "cli/page/page_parts.h"
 #include "cli/page/report_page_text.h"
+#include "cli/terminal/standard_input.h"
+#include "text/ascii.h"
 
 namespace cli {
 namespace {
 
 constexpr int kReportSchema = 1;
 
-// The last part of the path, by which people know a scene.
-std::string_view short_name(std::string_view file) {
-    const std::size_t slash = file.find_last_of("/\\");
-    return slash == std::string_view::npos || slash + 1 == file.size() ? file : file.substr(slash + 1);
-}
-
 std::string scene_title(const std::string& file) {
-    return file == "-" ? "the standard input" : std::string(short_name(file));
+    const std::string_view last = text::last_component(file, "/\\");
+    return is_standard_input(file) ? "the standard input" : last.empty() ? file : std::string(last);
 }
 
 const char* verdict_class(const WrittenScene& scene) {
@@ -173,11 +170,9 @@ class PageText {
 
 WrittenScene write_scene(const PageScene& scene, std::size_t index, bool alone) {
     WrittenScene written{scene.file, scene.code, verdict_sentence(scene)};
-    for (const Diagnostic& one : scene.diagnostics) {
-        written.losses += one.severity() == Severity::loss ? one.count : 0;
-        written.warnings += one.severity() == Severity::warning ? one.count : 0;
-        written.missing += one.missing_footage ? 1 : 0;
-    }
+    written.losses = scene.count_of(Severity::loss);
+    written.warnings = scene.count_of(Severity::warning);
+    written.missing = scene.missing_footage();
     const PagePlace place{"s" + std::to_string(index + 1), alone ? 2 : 3};
     const std::string level = alone ? "1" : "2";
     written.html = "<article class=\"scene\" id=\"" + place.id + "\" data-scene=\"" + std::to_string(index) +

@@ -272,34 +272,6 @@ class ScriptWriter {
 
     // ---- Layers.
 
-    static const char* kind_of(const Layer& layer) {
-        switch (layer.kind) {
-            case LayerKind::footage:
-                return "footage";
-            case LayerKind::composition:
-                return "composition";
-            case LayerKind::camera:
-                return "camera";
-            case LayerKind::light:
-                return "light";
-            case LayerKind::null:
-                return "null";
-        }
-        return "null";
-    }
-
-    static const char* blend_of(const Layer& layer) {
-        switch (layer.blend) {
-            case Blend::normal:
-                return "normal";
-            case Blend::add:
-                return "add";
-            case Blend::multiply:
-                return "multiply";
-        }
-        return "normal";
-    }
-
     static const char* light_of(const Layer& layer) {
         switch (layer.light) {
             case LightKind::parallel:
@@ -323,8 +295,8 @@ class ScriptWriter {
     }
 
     void write_layer(std::size_t composition, const Layer& layer) {
-        text_ << "layer(" << composition << ",{id:" << jsx_string(layer.id) << ",kind:\"" << kind_of(layer)
-              << "\",name:" << jsx_string(layer.name);
+        text_ << "layer(" << composition << ",{id:" << jsx_string(layer.id) << ",kind:\""
+              << word_of(layer.kind) << "\",name:" << jsx_string(layer.name);
         if (layer.item < handover_.items.size()) {
             text_ << ",item:" << layer.item;
         }
@@ -332,7 +304,7 @@ class ScriptWriter {
             text_ << ",aimed:" << layer.aimed << ",center:[" << finite(layer.center_px[0]) << ','
                   << finite(layer.center_px[1]) << ']';
         } else {
-            text_ << ",blend:\"" << blend_of(layer) << "\",threeD:" << layer.three_d;
+            text_ << ",blend:\"" << word_of(layer.blend) << "\",threeD:" << layer.three_d;
         }
         if (layer.kind == LayerKind::light) {
             text_ << ",light:\"" << light_of(layer) << '"';
