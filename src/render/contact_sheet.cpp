@@ -141,45 +141,11 @@ Picture thumbnail_of(const Picture& straight, const SheetScale& scale) {
     if (factor == 1) {
         return straight;
     }
-    const auto reduced = [factor](std::int32_t size, std::int32_t most) {
+    const auto side = [factor](std::int32_t size, std::int32_t most) {
         return std::clamp(static_cast<std::int32_t>(std::lround(size / factor)), 1, most);
     };
-    Picture made;
-    made.width_px = reduced(straight.width_px, scale.thumbnail_width);
-    made.height_px = reduced(straight.height_px, scale.thumbnail_height);
-    made.has_alpha = straight.has_alpha;
-    made.bytes.resize(static_cast<std::size_t>(made.height_px) * made.row_bytes());
-    // Where pixel `i` of `count` begins in `size` pixels; every one covers at least one.
-    const auto begin = [](std::int64_t i, std::int64_t count, std::int64_t size) { return i * size / count; };
-    for (std::int32_t y = 0; y < made.height_px; ++y) {
-        const std::int64_t top = begin(y, made.height_px, straight.height_px);
-        const std::int64_t bottom = begin(y + 1, made.height_px, straight.height_px);
-        for (std::int32_t x = 0; x < made.width_px; ++x) {
-            const std::int64_t left = begin(x, made.width_px, straight.width_px);
-            const std::int64_t right = begin(x + 1, made.width_px, straight.width_px);
-            std::uint64_t sums[3] = {};
-            std::uint64_t coverage = 0;
-            for (std::int64_t row = top; row < bottom; ++row) {
-                const std::uint8_t* from =
-                    &straight.bytes[static_cast<std::size_t>(row) * straight.row_bytes() +
-                                    static_cast<std::size_t>(left) * 4];
-                for (std::int64_t column = left; column < right; ++column, from += 4) {
-                    for (std::size_t c = 0; c < 3; ++c) {
-                        sums[c] += static_cast<std::uint64_t>(from[c]) * from[3];
-                    }
-                    coverage += from[3];
-                }
-            }
-            std::uint8_t* const to =
-                &made.bytes[static_cast<std::size_t>(y) * made.row_bytes() + static_cast<std::size_t>(x) * 4];
-            for (std::size_t c = 0; c < 3; ++c) {
-                to[c] = static_cast<std::uint8_t>(coverage == 0 ? 0 : (sums[c] + coverage / 2) / coverage);
-            }
-            const auto pixels = static_cast<std::uint64_t>((bottom - top) * (right - left));
-            to[3] = static_cast<std::uint8_t>((coverage + pixels / 2) / pixels);
-        }
-    }
-    return made;
+    return reduced(straight, side(straight.width_px, scale.thumbnail_width),
+                   side(straight.height_px, scale.thumbnail_height));
 }
 
 std::int64_t sheet_pixels(std::size_t tiles, std::size_t lines) {

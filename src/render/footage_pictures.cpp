@@ -10,6 +10,8 @@
 #include "render/code.h"
 #include "render/colour_bars.h"
 #include "render/parallel.h"
+#include "text/ascii.h"
+#include "text/plain_number.h"
 #include "text/printable.h"
 
 namespace render {
@@ -18,37 +20,6 @@ namespace {
 constexpr std::int32_t kLargestBars_px = 4096;  // a side
 /// Pictures with more pixels are decoded one at a time: 4K.
 constexpr std::int64_t kLargePicture_px = std::int64_t{4096} * 2304;
-
-std::string size_text(std::int64_t width_px, std::int64_t height_px) {
-    return std::to_string(width_px) + " x " + std::to_string(height_px);
-}
-
-/// The picture of an image file; `has_alpha` is what its header says, because other channels than alpha are
-/// extra ones, too.
-Picture picture_of(const Texture& texture, bool has_alpha) {
-    Picture picture;
-    picture.width_px = texture.width_px;
-    picture.height_px = texture.height_px;
-    picture.has_alpha = has_alpha && !texture.alphas.empty();
-    picture.bytes.resize(texture.pixel_count() * 4);
-    const bool grey = texture.mode == Texture::kGrey;
-    const std::uint8_t* colour = texture.pixels.data();
-    const std::uint8_t* const alpha = picture.has_alpha ? texture.alphas.front().values.data() : nullptr;
-    std::uint8_t* to = picture.bytes.data();
-    for (std::size_t i = 0; i < texture.pixel_count(); ++i, to += 4) {
-        to[0] = colour[0];
-        to[1] = colour[grey ? 0 : 1];
-        to[2] = colour[grey ? 0 : 2];
-        to[3] = alpha == nullptr ? std::uint8_t{255} : alpha[i];
-        colour += grey ? 1 : 3;
-    }
-    return picture;
-}
-
-/// The name of the file alone.
-std::string last_part(const std::string& path) {
-    return path.substr(path.find_last_of("/\\") + 1);
-}
 
 }  // namespace
 
@@ -61,7 +32,7 @@ PictureReading read_picture(const std::string& file, bool& too_large) {
     const std::int64_t pixels = std::int64_t{probe.header->width_px} * probe.header->height_px;
     too_large = pixels > limits::kPreviewPixels;
     if (too_large) {
-        return {std::nullopt, "it has " + size_text(probe.header->width_px, probe.header->height_px) +
+        return {std::nullopt, "it has " + text::size_text(probe.header->width_px, probe.header->height_px) +
                                   " pixels, and a preview reads pictures of at most " +
                                   std::to_string(limits::kPreviewPixels)};
     }
@@ -79,7 +50,9 @@ PictureReading read_picture(const std::string& file, bool& too_large) {
         reading.texture->height_px != probe.header->height_px) {
         return {std::nullopt, "it was changed while it was read"};
     }
-    return {picture_of(*reading.texture, probe.header->has_alpha), {}};
+    // What the header does not call alpha is an extra channel.
+    const bool has_alpha = probe.header->has_alpha && !reading.texture->alphas.empty();
+    return {picture_of(*reading.texture, has_alpha ? &reading.texture->alphas.front().values : nullptr), {}};
 }
 
 FootagePictures::FootagePictures(const embedded::Project& project, ModulePictures module_pictures,
@@ -112,9 +85,10 @@ FootagePictures::Made FootagePictures::make(const Wanted& wanted) const {
     if (reading.picture) {
         return {std::make_shared<const Picture>(std::move(*reading.picture)), std::nullopt};
     }
-    return too_large
-               ? bars(Code::picture_too_large, last_part(wanted.second), "is too large", reading.error)
-               : bars(Code::picture_unreadable, last_part(wanted.second), "cannot be read", reading.error);
+    return too_large ? bars(Code::picture_too_large, std::string(text::last_component(wanted.second, "/\\")),
+                            "is too large", reading.error)
+                     : bars(Code::picture_unreadable, std::string(text::last_component(wanted.second, "/\\")),
+                            "cannot be read", reading.error);
 }
 
 std::vector<SharedPicture> FootagePictures::get(const std::vector<Wanted>& wanted, std::size_t threads,

@@ -153,12 +153,6 @@ void Ink::text(const InkSpot& begin, std::string_view words, std::int32_t scale,
     });
 }
 
-double Ink::text_width(std::string_view words, std::int32_t scale) {
-    double letters = 0;
-    for_each_character(words, [&](char) { ++letters; });
-    return std::max(0.0, letters * kCellWidth - 1) * scale;
-}
-
 double Ink::text_height(std::int32_t scale) {
     return static_cast<double>(kCellHeight - 1) * scale;
 }

@@ -40,8 +40,7 @@ class Ink {
     void text(const InkSpot& begin, std::string_view words, std::int32_t scale, const InkColour& colour,
               float alpha);
 
-    /// The size of such a text, without the space behind its last letter.
-    [[nodiscard]] static double text_width(std::string_view words, std::int32_t scale);
+    /// How high such a text is.
     [[nodiscard]] static double text_height(std::int32_t scale);
 
   private:

@@ -5,6 +5,8 @@
 #include <memory>
 #include <vector>
 
+#include "image/image.h"
+
 namespace render {
 
 /// A decoded picture as its file has it: 8 bits each of red, green, blue and alpha, rows top to bottom, no
@@ -17,6 +19,16 @@ struct Picture {
 
     [[nodiscard]] std::size_t row_bytes() const { return static_cast<std::size_t>(width_px) * 4; }
 };
+
+/// The colour of a texture, with one of its alphas, or opaque without one.
+[[nodiscard]] Picture picture_of(const Texture& texture, const PixelBuffer* alpha);
+
+/// The colour of a picture alone.
+[[nodiscard]] Texture texture_of(const Picture& opaque);
+
+/// The whole picture in no more pixels a side than it has, and at least one: each is the average of those
+/// that it covers, colours weighted by their coverage. Colour is straight, before and after.
+[[nodiscard]] Picture reduced(const Picture& straight, std::int32_t width_px, std::int32_t height_px);
 
 /// Shared by the cache and the frame that shows it; nobody changes it.
 using SharedPicture = std::shared_ptr<const Picture>;

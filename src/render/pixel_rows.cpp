@@ -15,16 +15,12 @@ std::uint8_t byte_of(float value) {
     return static_cast<std::uint8_t>(std::clamp(value, 0.0F, 1.0F) * kFullByte + kRounding);
 }
 
-}  // namespace
-
-// The curve of sRGB, IEC 61966-2-1.
+// From a value of sRGB, IEC 61966-2-1, to linear light; both from 0 to 1.
 double linear_light(double stored) {
     return stored <= 0.04045 ? stored / 12.92 : std::pow((stored + 0.055) / 1.055, 2.4);
 }
 
-double stored_light(double linear) {
-    return linear <= 0.0031308 ? linear * 12.92 : 1.055 * std::pow(linear, 1 / 2.4) - 0.055;
-}
+}  // namespace
 
 RowReader::RowReader(const Meaning& meaning) : meaning_(meaning) {
     for (std::size_t byte = 0; byte < colour_.size(); ++byte) {

@@ -64,8 +64,4 @@ class RowWriter {
     std::unique_ptr<const Steps> steps_;  ///< of linear light only
 };
 
-/// From a value of sRGB to linear light, and back; both from 0 to 1.
-[[nodiscard]] double linear_light(double stored);
-[[nodiscard]] double stored_light(double linear);
-
 }  // namespace render

@@ -22,8 +22,8 @@ std::string plain_number(double value) {
     return number == "-0" ? "0" : number;
 }
 
-std::string count_text(std::size_t count, const char* one, const char* several) {
-    return std::to_string(count) + ' ' + (count == 1 ? one : several);
+std::string size_text(std::int64_t width_px, std::int64_t height_px) {
+    return std::to_string(width_px) + " x " + std::to_string(height_px);
 }
 
 }  // namespace text

@@ -1,6 +1,7 @@
 #pragma once
 
-#include <cstddef>
+#include <concepts>
+#include <cstdint>
 #include <string>
 
 namespace text {
@@ -10,6 +11,12 @@ namespace text {
 [[nodiscard]] std::string plain_number(double value);
 
 /// "1 texture", "3 textures"
-[[nodiscard]] std::string count_text(std::size_t count, const char* one, const char* several);
+template <std::integral Count>
+[[nodiscard]] std::string count_text(Count count, const char* one, const char* several) {
+    return std::to_string(count) + ' ' + (count == 1 ? one : several);
+}
+
+/// Of a picture: "720 x 576".
+[[nodiscard]] std::string size_text(std::int64_t width_px, std::int64_t height_px);
 
 }  // namespace text

@@ -8,10 +8,12 @@
 
 #include "cli/preview/preview.h"
 #include "image/image.h"
+#include "render/picture.h"
 #include "system/file_content.h"
 #include "system/files.h"
 #include "system/replacement_file.h"
 #include "text/base64.h"
+#include "texture/value/alpha_use.h"
 
 namespace cli {
 namespace {
@@ -20,38 +22,6 @@ namespace {
 constexpr std::int64_t kMostWidth_px = 720;
 constexpr std::int64_t kMostHeight_px = 540;
 constexpr std::uint64_t kMostPicture_bytes = std::uint64_t{8} << 20U;
-
-// The whole picture in fewer pixels, each the mean of those that it stands for, over black.
-Texture small_picture(const Texture& picture, std::int64_t width_px, std::int64_t height_px) {
-    Texture small;
-    small.width_px = static_cast<std::int32_t>(width_px);
-    small.height_px = static_cast<std::int32_t>(height_px);
-    small.pixels = PixelBuffer(static_cast<std::size_t>(width_px * height_px * 3));
-    const PixelBuffer& alpha = picture.alphas.front().values;
-    std::uint8_t* to = small.pixels.data();
-    for (std::int64_t y = 0; y < height_px; ++y) {
-        const std::int64_t top = y * picture.height_px / height_px;
-        const std::int64_t bottom = std::max(top + 1, (y + 1) * picture.height_px / height_px);
-        for (std::int64_t x = 0; x < width_px; ++x, to += 3) {
-            const std::int64_t left = x * picture.width_px / width_px;
-            const std::int64_t right = std::max(left + 1, (x + 1) * picture.width_px / width_px);
-            std::uint64_t sums[3] = {};
-            for (std::int64_t from_y = top; from_y < bottom; ++from_y) {
-                for (std::int64_t from_x = left; from_x < right; ++from_x) {
-                    const auto at = static_cast<std::size_t>(from_y * picture.width_px + from_x);
-                    for (std::size_t i = 0; i < 3; ++i) {
-                        sums[i] += static_cast<std::uint64_t>(picture.pixels[at * 3 + i]) * alpha[at];
-                    }
-                }
-            }
-            const auto full = static_cast<std::uint64_t>((bottom - top) * (right - left)) * 255;
-            for (std::size_t i = 0; i < 3; ++i) {
-                to[i] = static_cast<std::uint8_t>((sums[i] + full / 2) / full);
-            }
-        }
-    }
-    return small;
-}
 
 // The bytes of the picture as a JPEG file. Image libraries write files, so there is one for a moment.
 std::string jpeg_of(const Texture& picture) {
@@ -106,7 +76,7 @@ void draw_all(Preview& preview, const tagProjectSettings& settings, std::size_t 
     const std::int64_t shown = std::min(frames.count, static_cast<std::int64_t>(most));
     for (std::int64_t i = 0; i < shown; ++i) {
         const std::int64_t offset = shown == 1 ? 0 : i * (frames.count - 1) / (shown - 1);
-        const PreviewFrame drawn = preview.draw(frames.begin + offset);
+        PreviewFrame drawn = preview.draw(frames.begin + offset);
         for (const Diagnostic& finding : drawn.findings) {
             pictures.problems.push_back(finding.reason);
         }
@@ -114,10 +84,11 @@ void draw_all(Preview& preview, const tagProjectSettings& settings, std::size_t 
             pictures.problems.push_back(drawn.error->reason);
             return;
         }
+        multiply_by_alpha(*drawn.picture);  // over black
+        const Texture small = render::texture_of(render::reduced(render::picture_of(*drawn.picture, nullptr),
+                                                                 pictures.width_px, pictures.height_px));
         pictures.frames.push_back(
-            {frames.from + offset,
-             "data:image/jpeg;base64," + text::base64_of(jpeg_of(small_picture(
-                                             *drawn.picture, pictures.width_px, pictures.height_px)))});
+            {frames.from + offset, "data:image/jpeg;base64," + text::base64_of(jpeg_of(small))});
     }
 }
 

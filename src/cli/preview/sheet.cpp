@@ -18,26 +18,6 @@ namespace {
 // Of a tile below its title.
 constexpr std::size_t kMostLines = 6;
 
-/// The colour of a texture with one of its alphas, or opaque.
-render::Picture picture_of(const Texture& texture, const PixelBuffer* alpha) {
-    render::Picture picture;
-    picture.width_px = texture.width_px;
-    picture.height_px = texture.height_px;
-    picture.has_alpha = alpha != nullptr;
-    picture.bytes.resize(texture.pixel_count() * 4);
-    const auto channels = static_cast<std::size_t>(texture.channels());
-    const std::size_t green = channels == 1 ? 0 : 1;
-    for (std::size_t i = 0; i < texture.pixel_count(); ++i) {
-        const std::uint8_t* const colour = texture.pixels.data() + i * channels;
-        std::uint8_t* const to = &picture.bytes[i * 4];
-        to[0] = colour[0];
-        to[1] = colour[green];
-        to[2] = colour[green * 2];
-        to[3] = alpha != nullptr ? alpha->data()[i] : 255;
-    }
-    return picture;
-}
-
 render::Picture grey_picture_of(const Texture& texture, const PixelBuffer& values) {
     render::Picture picture;
     picture.width_px = texture.width_px;
@@ -50,27 +30,11 @@ render::Picture grey_picture_of(const Texture& texture, const PixelBuffer& value
     return picture;
 }
 
-Texture texture_of(const render::Picture& opaque) {
-    Texture texture;
-    texture.width_px = opaque.width_px;
-    texture.height_px = opaque.height_px;
-    texture.mode = Texture::kRgb;
-    texture.pixels = PixelBuffer(texture.pixel_count() * 3);
-    for (std::size_t i = 0; i < texture.pixel_count(); ++i) {
-        std::copy_n(&opaque.bytes[i * 4], 3, texture.pixels.data() + i * 3);
-    }
-    return texture;
-}
-
-std::string size_text(std::int64_t width_px, std::int64_t height_px) {
-    return std::to_string(width_px) + " x " + std::to_string(height_px);
-}
-
 void finish(Sheet& sheet, const std::string& heading, const std::vector<render::SheetTile>& tiles) {
     sheet.tiles = tiles.size();
     sheet.marked = static_cast<std::size_t>(std::count_if(
         tiles.begin(), tiles.end(), [](const render::SheetTile& tile) { return !tile.marks.empty(); }));
-    sheet.picture = texture_of(render::contact_sheet(heading, tiles));
+    sheet.picture = render::texture_of(render::contact_sheet(heading, tiles));
 }
 
 bool too_large(Sheet& sheet, std::size_t tiles, const char* advice) {
@@ -187,7 +151,7 @@ class SceneSheet {
     void show(render::SheetTile& tile, const PreviewFrame& drawn) const {
         if (drawn.picture) {
             tile.thumbnail = render::thumbnail_of(
-                picture_of(*drawn.picture, &drawn.picture->alphas.front().values), scale_);
+                render::picture_of(*drawn.picture, &drawn.picture->alphas.front().values), scale_);
         } else {
             tile.marks.emplace_back("too large to show");
         }
@@ -198,7 +162,7 @@ class SceneSheet {
         render::SheetTile tile;
         tile.title = text::printable(project_.item(composition.item).name);
         tile.facts = {"composition",
-                      size_text(composition.width, composition.height) + ", pixel aspect " +
+                      text::size_text(composition.width, composition.height) + ", pixel aspect " +
                           plain_number(rate_of(composition.pixel_aspect)),
                       plain_number(rate_of(composition.frame_rate)) + " fps, frame " +
                           std::to_string(timeline.frame()) + " of 0-" +
@@ -214,7 +178,7 @@ class SceneSheet {
         tile.title = text::printable(footage.name);
         tile.facts = {"in " + text::printable(project_.item(composition.item).name),
                       blend_label(layer.transfer) + ", alpha " + alpha_label(footage),
-                      size_text(footage.width, footage.height) +
+                      text::size_text(footage.width, footage.height) +
                           (footage.sequence ? ", files " + frame_range_text(*footage.sequence) : "")};
         add_marks(tile, composition, footage);
         if (footage.sequence && timeline.end(footage.id) != timeline.last_frame()) {
@@ -252,13 +216,12 @@ class SceneSheet {
             return;
         }
         if (footage.width != composition.width || footage.height != composition.height) {
-            tile.marks.push_back("not " + size_text(composition.width, composition.height));
+            tile.marks.push_back("not " + text::size_text(composition.width, composition.height));
         }
         if (footage.sequence) {
             const embedded::SequenceFrames& files = *footage.sequence;
             if (const std::int64_t gaps = files.range.last - files.range.first + 1 - files.count; gaps > 0) {
-                tile.marks.push_back(
-                    text::count_text(static_cast<std::size_t>(gaps), "file is missing", "files are missing"));
+                tile.marks.push_back(text::count_text(gaps, "file is missing", "files are missing"));
             }
         }
     }
@@ -336,8 +299,8 @@ Sheet texture_sheet(const std::vector<std::string>& files,
         }
         const Texture& texture = *one.texture;
         const std::size_t alphas = texture.alphas.size();
-        tile.thumbnail = render::thumbnail_of(picture_of(texture, nullptr), scale);
-        tile.facts = {size_text(texture.width_px, texture.height_px) +
+        tile.thumbnail = render::thumbnail_of(render::picture_of(texture, nullptr), scale);
+        tile.facts = {text::size_text(texture.width_px, texture.height_px) +
                           (texture.mode == Texture::kGrey ? ", grey" : ", RGB"),
                       std::to_string(alphas) + (alphas == 1 ? " alpha channel" : " alpha channels")};
         tiles.push_back(std::move(tile));

@@ -18,6 +18,7 @@ namespace {
 using handover::Handover;
 using handover::ObjectKind;
 using handover::Shot;
+using text::count_text;
 using text::plain_number;
 using text::svg_name;
 using text::svg_number;
@@ -30,10 +31,6 @@ constexpr double kMapsGap = 60;
 constexpr double kTicks = 34;
 constexpr double kSectionGap = 18;
 constexpr double kNoteLine = 16;
-
-std::string counted(std::int64_t count, const std::string& one) {
-    return std::to_string(count) + ' ' + one + (count == 1 ? "" : "s");
-}
 
 std::string_view file_name_of(const std::string& path) {
     return text::last_component(path, "/\\");
@@ -51,8 +48,9 @@ std::string summary_of(const Handover& handover) {
         return std::count_if(handover.objects.begin(), handover.objects.end(),
                              [kind](const handover::SceneObject& object) { return object.kind == kind; });
     };
-    return text + counted(count(ObjectKind::camera), "camera") + ", " +
-           counted(count(ObjectKind::light), "light") + ", " + counted(count(ObjectKind::null), "null");
+    return text + count_text(count(ObjectKind::camera), "camera", "cameras") + ", " +
+           count_text(count(ObjectKind::light), "light", "lights") + ", " +
+           count_text(count(ObjectKind::null), "null", "nulls");
 }
 
 // What the picture leaves out, one sentence each, as markup.
@@ -76,13 +74,15 @@ std::vector<std::string> notes_of(const Handover& handover, const Scene& scene, 
         }
     }
     if (outside > 0) {
-        notes.push_back(counted(outside, "key") + (outside == 1 ? " lies" : " lie") +
+        notes.push_back(count_text(outside, "key", "keys") + (outside == 1 ? " lies" : " lie") +
                         " before FROM or after TO and " + (outside == 1 ? "is" : "are") + " not shown.");
     }
     if (many_keys > 0) {
         notes.push_back(
             thinned +
-            (many_keys > 1 ? ", and " + counted(many_keys - 1, "other object") + " more than 500" : "") +
+            (many_keys > 1
+                 ? ", and " + count_text(many_keys - 1, "other object", "other objects") + " more than 500"
+                 : "") +
             ": more than a picture can show. Keys are drawn where there is room for a dot, and ways "
             "and curves with as many points as can be told apart.");
     }
@@ -90,25 +90,25 @@ std::vector<std::string> notes_of(const Handover& handover, const Scene& scene, 
         notes.push_back(scene.without_keys == 1
                             ? svg_name(scene.first_without_key) + " has no key and is not shown."
                             : svg_name(scene.first_without_key) + " and " +
-                                  counted(scene.without_keys - 1, "other object") +
+                                  count_text(scene.without_keys - 1, "other object", "other objects") +
                                   " have no keys and are not shown.");
     }
     if (scene.not_drawn > 0) {
-        notes.push_back(counted(scene.not_drawn, "object") + (scene.not_drawn == 1 ? " is" : " are") +
-                        " not shown: the plan shows the first " + std::to_string(kMostCameras) +
-                        " cameras, " + std::to_string(kMostLights) + " lights and " +
-                        std::to_string(kMostNulls) + " nulls of the scene.");
+        notes.push_back(count_text(scene.not_drawn, "object", "objects") +
+                        (scene.not_drawn == 1 ? " is" : " are") + " not shown: the plan shows the first " +
+                        std::to_string(kMostCameras) + " cameras, " + std::to_string(kMostLights) +
+                        " lights and " + std::to_string(kMostNulls) + " nulls of the scene.");
     }
     if (scene.lights.size() > kMostLightCurves) {
         notes.push_back("Of " + std::to_string(scene.lights.size()) + " lights the intensity of the first " +
                         std::to_string(kMostLightCurves) + " is shown.");
     }
     if (gaps.outside > 0) {
-        notes.push_back(counted(gaps.outside, "object") + (gaps.outside == 1 ? " is" : " are") +
+        notes.push_back(count_text(gaps.outside, "object", "objects") + (gaps.outside == 1 ? " is" : " are") +
                         " too far away for a map: an arrow at its edge shows the way.");
     }
     if (gaps.unnamed > 0) {
-        notes.push_back("There is no room for " + counted(gaps.unnamed, "name") + " on a map.");
+        notes.push_back("There is no room for " + count_text(gaps.unnamed, "name", "names") + " on a map.");
     }
     return notes;
 }
