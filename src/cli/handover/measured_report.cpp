@@ -23,13 +23,6 @@ using proof::MeasuredTarget;
 using proof::QuestionAnswer;
 using proof::Verdict;
 
-// Whoever reads pixels does not care for less.
-constexpr double kShownMeasured_px = 1e-6;
-
-std::string distance_text(double px) {
-    return !std::isfinite(px) ? "lost" : px < kShownMeasured_px ? "0" : measured_text(px);
-}
-
 TableProblem refused_table(const std::string& path, const proof::TableRefusal& refusal) {
     const std::string line = refusal.line > 0 ? ", line " + std::to_string(refusal.line) : std::string();
     return {ExitCode::refused, text::printable(path) + line + ": " + refusal.reason};
@@ -42,7 +35,7 @@ Ink ink_of_target(const MeasuredTarget& target) {
 std::string models_text(const MeasuredTarget& target) {
     std::string text;
     for (const proof::ModelDistance& model : target.models) {
-        text += (text.empty() ? "" : "; ") + model.model + " " + distance_text(model.largest_px);
+        text += (text.empty() ? "" : "; ") + model.model + " " + distance_text(model.largest_px, "lost");
     }
     return text;
 }
@@ -60,14 +53,14 @@ std::string measured_camera_text(const proof::MeasuredCameraResult& camera, cons
                {"from the written model"}});
     for (const MeasuredTarget& target : camera.targets) {
         const bool any = target.compared > 0;
-        table.add({{target.target, ink_of_target(target)},
-                   {std::to_string(target.compared), Ink::plain, true},
-                   {any ? distance_text(target.largest_px) : "", ink_of_target(target), true},
-                   {any ? distance_text(target.mean_px) : "", Ink::plain, true},
-                   {any && target.largest_px >= kShownMeasured_px ? measured_text(target.frame) : "",
-                    Ink::plain, true},
-                   {target.missing > 0 ? std::to_string(target.missing) : "", Ink::red, true},
-                   {models_text(target)}});
+        table.add(
+            {{target.target, ink_of_target(target)},
+             {std::to_string(target.compared), Ink::plain, true},
+             {any ? distance_text(target.largest_px, "lost") : "", ink_of_target(target), true},
+             {any ? distance_text(target.mean_px, "lost") : "", Ink::plain, true},
+             {any && target.largest_px >= kShown_px ? measured_text(target.frame) : "", Ink::plain, true},
+             {target.missing > 0 ? std::to_string(target.missing) : "", Ink::red, true},
+             {models_text(target)}});
     }
     for (const std::string& line : table.lines(paint)) {
         text += "  " + line + '\n';

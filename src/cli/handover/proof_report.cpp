@@ -16,11 +16,8 @@ using ProofJson = nlohmann::ordered_json;
 
 constexpr int kProofSchema = 1;
 
-// Whoever reads pixels does not care for less.
-constexpr double kShown_px = 1e-6;
-
 std::string pixels_text(double px) {
-    return px < kShown_px ? "0" : measured_text(px);
+    return distance_text(px, "inf");
 }
 
 std::string causes_text(const proof::TargetResult& target) {
@@ -98,14 +95,9 @@ std::string nulls_text(const proof::ProofResult& result, const Paint& paint) {
     TextTable table;
     table.add({{"target"}, {"units", Ink::plain, true}, {"worst"}});
     for (std::size_t i = 0; i < result.targets.size(); ++i) {
-        const proof::NullResult* worst = nullptr;
-        std::size_t absent = 0;
-        for (const proof::NullResult& null : result.nulls) {
-            absent += null.distances[i] ? 0 : 1;
-            if (null.distances[i] && (worst == nullptr || *null.distances[i] > *worst->distances[i])) {
-                worst = &null;
-            }
-        }
+        const proof::NullResult* const worst = result.worst_null(i);
+        const auto absent = std::count_if(result.nulls.begin(), result.nulls.end(),
+                                          [i](const proof::NullResult& null) { return !null.distances[i]; });
         std::string where;
         if (worst != nullptr && *worst->distances[i] >= kShown_px) {
             where = text::quoted(worst->name) + " at frame " + measured_text(worst->frames[i]);
@@ -198,6 +190,10 @@ ProofJson listed_json(const proof::CameraResult& camera) {
 }
 
 }  // namespace
+
+std::string distance_text(double px, const char* lost) {
+    return !std::isfinite(px) ? lost : px < kShown_px ? "0" : measured_text(px);
+}
 
 std::string proof_text(const ProofRun& run, const Paint& paint) {
     std::string text = paint(Ink::bold, text::printable(run.file)) + ": " +

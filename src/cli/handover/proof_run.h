@@ -45,6 +45,11 @@ struct ProofRun {
 [[nodiscard]] ProofRun prove(const SceneReading& reading, const HandedOverBoth& versions,
                              const proof::ProofOptions& options, const Measurement* measurement = nullptr);
 
+/// Whoever reads pixels does not care for less.
+inline constexpr double kShown_px = 1e-6;
+/// A distance for people; `lost` says that a point is nowhere.
+[[nodiscard]] std::string distance_text(double px, const char* lost);
+
 /// For people, the verdict first.
 [[nodiscard]] std::string proof_text(const ProofRun& run, const Paint& paint);
 

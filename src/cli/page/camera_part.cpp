@@ -7,11 +7,8 @@
 namespace cli {
 namespace {
 
-// Whoever reads pixels does not care for less; as in the text of `vxr proof`.
-constexpr double kShownPixels_px = 1e-6;
-
 std::string pixels_html(double px) {
-    return !std::isfinite(px) ? "none" : px < kShownPixels_px ? "0" : measured_text(px);
+    return distance_text(px, "none");
 }
 
 /// What an artist calls a target.
@@ -54,7 +51,7 @@ std::string target_row(const proof::TargetResult& target) {
     html += "</td>";
     cell(pixels_html(target.judged_px()));
     cell(pixels_html(deviation.mean_px));
-    cell(deviation.largest.px >= kShownPixels_px ? measured_text(deviation.largest.frame) : "");
+    cell(deviation.largest.px >= kShown_px ? measured_text(deviation.largest.frame) : "");
     cell(deviation.lost > 0 ? grouped(deviation.lost) : "");
     return html + "<td>" + causes_html(target) + "</td></tr>";
 }
@@ -91,23 +88,18 @@ std::string nulls_table(const proof::ProofResult& result) {
         grouped(static_cast<std::int64_t>(result.nulls.size())) + " of " + grouped(result.nulls_in_scene) +
         "</caption>" + row_header("in|#largest distance|null") + "<tbody>";
     for (std::size_t i = 0; i < result.targets.size(); ++i) {
-        const proof::NullResult* worst = nullptr;
-        for (const proof::NullResult& null : result.nulls) {
-            if (null.distances[i] && (worst == nullptr || *null.distances[i] > *worst->distances[i])) {
-                worst = &null;
-            }
-        }
+        const proof::NullResult* const worst = result.worst_null(i);
         html += "<tr><th scope=\"row\">" + html_text(target_title(result.targets[i])) + "</th>";
         if (worst == nullptr) {
             html += "<td></td><td>none arrived</td></tr>";
             continue;
         }
         const double distance = *worst->distances[i];
-        html += "<td class=\"number\">" + pixels_html(distance) + "</td><td>" +
-                (distance >= kShownPixels_px
-                     ? html_name(worst->name) + " at frame " + measured_text(worst->frames[i])
-                     : std::string()) +
-                "</td></tr>";
+        html +=
+            "<td class=\"number\">" + pixels_html(distance) + "</td><td>" +
+            (distance >= kShown_px ? html_name(worst->name) + " at frame " + measured_text(worst->frames[i])
+                                   : std::string()) +
+            "</td></tr>";
     }
     return html + "</tbody></table></div>";
 }

@@ -18,8 +18,6 @@ using proof::Point;
 using render::InkColour;
 using render::InkSpot;
 
-// As in vxr proof.
-constexpr double kCutAngle_degrees = 60;
 // More would cover the picture.
 constexpr std::size_t kMostNulls = 500;
 
@@ -339,7 +337,7 @@ void Overlay::draw(Texture& picture, std::int64_t frame) const {
     const double scene_frame = static_cast<double>(frame) + (settings_.local != 0 ? 0 : settings_.from);
     if (camera_) {
         const proof::TruthObject& object = objects_[*camera_];
-        const proof::TruthCamera camera(settings_, object, kCutAngle_degrees);
+        const proof::TruthCamera camera(settings_, object, proof::kUsualCutAngle_degrees);
         if (camera.has_picture(scene_frame) && settings_.width > 0 && settings_.height > 0) {
             const OverlayView view(settings_, camera, scene_frame, picture);
             if (parts_.count(OverlayPart::grid) != 0) {

@@ -27,8 +27,6 @@ constexpr std::array kCauses{
 constexpr double kRounding_px = 1e-3;
 // What deviates by less needs no reason.
 constexpr double kNothing_px = 1e-6;
-// Points farther outside the frame than so many of its widths, or heights, are not compared.
-constexpr double kFarOutside = 2;
 // The most nulls that are test points; they are compared by position all the same.
 constexpr std::size_t kMostNullPoints = 32;
 // Keys of a null at which its position is compared.
@@ -160,19 +158,12 @@ class CameraComparison {
         one.landings.resize(one.points.size());
         truth.land(moment.frame, one.points, one.landings);
         for (Landing& landing : one.landings) {
-            if (!counts(landing)) {
+            if (!is_compared(landing, settings_.width, settings_.height)) {
                 landing.seen = false;
                 ++left_out;
             }
         }
         return one;
-    }
-
-    [[nodiscard]] bool counts(const Landing& landing) const {
-        const double width = settings_.width;
-        const double height = settings_.height;
-        return landing.seen && std::abs(landing.x_px - width / 2) <= (kFarOutside + 0.5) * width &&
-               std::abs(landing.y_px - height / 2) <= (kFarOutside + 0.5) * height;
     }
 
     // Corners are computed, too, and miss themselves by rounding.
@@ -304,6 +295,17 @@ NullResult compare_null(const tagProjectSettings& settings, const TruthObject& n
 
 const CauseInfo& info_of(Cause cause) {
     return kCauses[static_cast<std::size_t>(cause)];
+}
+
+const NullResult* ProofResult::worst_null(std::size_t target) const {
+    const NullResult* worst = nullptr;
+    for (const NullResult& null : nulls) {
+        if (null.distances[target] &&
+            (worst == nullptr || *null.distances[target] > *worst->distances[target])) {
+            worst = &null;
+        }
+    }
+    return worst;
 }
 
 double TargetResult::judged_px() const {

@@ -53,7 +53,7 @@ struct ProofTarget {
 
 struct ProofOptions {
     int grid_points = 27;  ///< at least so many around each camera's aim; from 1 to 1000
-    double cut_angle_degrees = 60;
+    double cut_angle_degrees = kUsualCutAngle_degrees;
     std::vector<double> listed_frames;  ///< at which CameraResult::listed has every test point
 };
 
@@ -145,6 +145,8 @@ struct ProofResult {
     std::vector<NullResult> nulls;
     std::int64_t nulls_in_scene = 0;  ///< if more than were compared
     [[nodiscard]] bool meets_goal() const;
+    /// The null that a target, by its index, puts farthest from its place. Null if no null arrives.
+    [[nodiscard]] const NullResult* worst_null(std::size_t target) const;
 };
 
 /// At most so many keys of a camera, and of the ways between them, are compared: evenly spaced ones.

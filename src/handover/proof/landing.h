@@ -33,4 +33,8 @@ class Projector {
     virtual void land(double frame, std::span<const Point> points, std::span<Landing> landings) const = 0;
 };
 
+/// A view that turns farther from one frame to the next is cut, unless the user says otherwise. Stated apart
+/// from HandoverOptions, as everything here is.
+inline constexpr double kUsualCutAngle_degrees = 60;
+
 }  // namespace proof

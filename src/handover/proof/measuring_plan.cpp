@@ -16,9 +16,6 @@ namespace {
 constexpr std::size_t kMeasuredMoments = 6;
 // Nulls that are test points, the first of the file.
 constexpr std::size_t kMeasuredNulls = 8;
-// Points farther outside the frame than so many of its widths, or heights, have no say.
-constexpr double kFarAway = 2;
-constexpr double kMeasuredCutAngle_degrees = 60;
 // A grid has so many points along each side at least, and at most.
 constexpr int kLeastSide = 3;
 constexpr int kMostSide = 6;
@@ -73,7 +70,7 @@ handover::MeasuredCamera camera_to_measure(const tagProjectSettings& settings,
                                            const std::vector<const TruthObject*>& nulls) {
     handover::MeasuredCamera camera;
     camera.object = object;
-    const TruthCamera truth(settings, objects[object], kMeasuredCutAngle_degrees);
+    const TruthCamera truth(settings, objects[object], kUsualCutAngle_degrees);
     const std::vector<double> frames = moments_to_measure(objects[object], truth, settings);
     for (int side = kLeastSide; side <= kMostSide; ++side) {
         std::size_t count = 0;
@@ -143,11 +140,9 @@ handover::Measuring measuring_plan(const tagProjectSettings& settings, const std
 std::vector<std::vector<std::vector<Landing>>> true_landings(const tagProjectSettings& settings,
                                                              const handover::Measuring& plan) {
     const std::vector<TruthObject> objects = true_objects(settings);
-    const double width = settings.width;
-    const double height = settings.height;
     std::vector<std::vector<std::vector<Landing>>> landings;
     for (const handover::MeasuredCamera& camera : plan.cameras) {
-        const TruthCamera truth(settings, objects[camera.object], kMeasuredCutAngle_degrees);
+        const TruthCamera truth(settings, objects[camera.object], kUsualCutAngle_degrees);
         auto& of_camera = landings.emplace_back();
         for (const handover::MeasuredMoment& moment : camera.moments) {
             std::vector<Point> points;
@@ -157,9 +152,7 @@ std::vector<std::vector<std::vector<Landing>>> true_landings(const tagProjectSet
             auto& of_moment = of_camera.emplace_back(points.size());
             truth.land(moment.frame, points, of_moment);
             for (Landing& landing : of_moment) {
-                landing.seen = landing.seen &&
-                               std::abs(landing.x_px - width / 2) <= (kFarAway + 0.5) * width &&
-                               std::abs(landing.y_px - height / 2) <= (kFarAway + 0.5) * height;
+                landing.seen = is_compared(landing, settings.width, settings.height);
             }
         }
     }

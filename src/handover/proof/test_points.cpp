@@ -132,6 +132,12 @@ std::vector<Point> test_points(const TruthCamera& camera, double frame, int grid
     return points;
 }
 
+bool is_compared(const Landing& landing, double width_px, double height_px) {
+    constexpr double kFarOutside = 2;
+    return landing.seen && std::abs(landing.x_px - width_px / 2) <= (kFarOutside + 0.5) * width_px &&
+           std::abs(landing.y_px - height_px / 2) <= (kFarOutside + 0.5) * height_px;
+}
+
 std::string point_label(std::size_t index, int grid_points, const std::vector<const TruthObject*>& nulls) {
     const auto side = static_cast<std::size_t>(grid_side(grid_points));
     const std::size_t grid = side * side * side;

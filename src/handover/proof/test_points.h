@@ -29,6 +29,9 @@ struct Moment {
 [[nodiscard]] std::vector<Point> test_points(const TruthCamera& camera, double frame, int grid_points,
                                              const std::vector<const TruthObject*>& nulls);
 
+/// Whether a point is compared: one that is far outside the frame, by two of its widths or heights, is not.
+[[nodiscard]] bool is_compared(const Landing& landing, double width_px, double height_px);
+
 /// What the point at an index of test_points() is called.
 [[nodiscard]] std::string point_label(std::size_t index, int grid_points,
                                       const std::vector<const TruthObject*>& nulls);
