@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "handover/plan/plan_style.h"
+#include "handover/plan/time_axis.h"
 #include "text/plain_number.h"
 #include "text/svg.h"
 
@@ -29,7 +30,6 @@ constexpr double kStripHeight = 40;
 constexpr double kStripGap = 9;
 constexpr double kHeading = 26;
 constexpr double kAxisHeight = 22;
-constexpr std::string_view kSmall = "font-size=\"10\" fill=\"#555555\"";
 
 // What a curve shows of a pose.
 using Value = std::function<double(const handover::Pose& pose)>;
@@ -68,55 +68,6 @@ std::vector<Spot> thinned(const std::vector<Spot>& spots) {
     }
     return kept;
 }
-
-// The time of the shot across a strip.
-class TimeAxis {
-  public:
-    TimeAxis(const Scene& scene, double left, double right) : scene_(scene), left_(left), right_(right) {}
-
-    [[nodiscard]] double x_of(double frame) const {
-        if (scene_.end == scene_.begin) {
-            return (left_ + right_) / 2;
-        }
-        return left_ + (frame - scene_.begin) / (scene_.end - scene_.begin) * (right_ - left_);
-    }
-
-    void draw(Page& page, double top) const {
-        constexpr double kApart_px = 44;
-        constexpr double kMostTicks = 64;
-        const double length = scene_.end - scene_.begin;
-        const double step = length > 0 ? round_step(std::max(1.0, kApart_px * length / (right_ - left_))) : 1;
-        page.open(std::string(kSmall) + " text-anchor=\"middle\"");
-        const auto draw_tick = [&](double frame) {
-            const double x = x_of(frame);
-            page.line(std::array{Spot{x, top}, Spot{x, top + 4}}, "stroke=\"#999999\"");
-            page.text({x, top + 14}, text::plain_number(frame), "class=\"tick-frame\"");
-        };
-        draw_tick(scene_.begin);
-        if (scene_.end > scene_.begin) {
-            draw_tick(scene_.end);
-        }
-        // Between the first and the last frame, at some distance from both.
-        constexpr double kBeside_px = 26;
-        const double first = std::ceil(scene_.begin / step);
-        for (double i = first; i * step < scene_.end && i < first + kMostTicks; ++i) {
-            const double x = x_of(i * step);
-            if (x - left_ > kBeside_px && right_ - x > kBeside_px) {
-                draw_tick(i * step);
-            }
-        }
-        page.close();
-        page.text({left_ - 12, top + 14}, "frame", std::string(kSmall) + " text-anchor=\"end\"");
-    }
-
-    [[nodiscard]] double left() const { return left_; }
-    [[nodiscard]] double right() const { return right_; }
-
-  private:
-    const Scene& scene_;
-    double left_;
-    double right_;
-};
 
 // One curve with its name and its scale.
 class Strip {

@@ -19,7 +19,4 @@ struct MapGaps {
 [[nodiscard]] MapGaps draw_maps(Page& page, const handover::Handover& handover, const Scene& scene,
                                 Area& above, Area& side);
 
-/// The signs of the maps and what they mean, in one line that begins at `begin`.
-void draw_legend(Page& page, const Spot& begin);
-
 }  // namespace plan

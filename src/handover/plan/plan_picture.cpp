@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "handover/plan/map_legend.h"
 #include "handover/plan/page.h"
 #include "handover/plan/plan_curves.h"
 #include "handover/plan/plan_map.h"
