@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <limits>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -91,6 +92,15 @@ TEST(ReportVerb, WhatScriptsGetFollowsTheSchema) {
     EXPECT_EQ(data["scenes"][0]["verdict"], "incomplete");
     // The camera of the lantern has keys at the frames 17, 20 and 24.
     EXPECT_EQ(data["scenes"][0]["objects"][0]["keys"]["frame"], json::array({17, 20, 24}));
+    // What each format loses: the camera zooms, both lights have an intensity and a kind of shadow.
+    std::map<std::string, std::vector<json>> losses;
+    for (const json& loss : data["scenes"][0]["losses"]) {
+        losses[loss["code"].get<std::string>()].push_back(loss["targets"]);
+    }
+    EXPECT_THAT(losses["handover-view-angle-lost"], ElementsAre(json{"gltf"}));
+    EXPECT_THAT(losses["handover-light-intensity-unit"],
+                ElementsAre(json({"gltf", "usda"}), json({"gltf", "usda"})));
+    EXPECT_THAT(losses["handover-footage-missing"], ElementsAre(json{"jsx"}));
     // Eight frames from FROM to TO. With its aspect cut to 1.06 a frame is 763 x 576 square pixels, and 540
     // high here.
     const json& frames = data["scenes"][0]["pictures"]["frames"];

@@ -1,6 +1,9 @@
 #include "cli/handover/handover_format.h"
 
 #include <algorithm>
+#include <map>
+#include <set>
+#include <tuple>
 
 #include "handover/jsx/jsx_script.h"
 #include "handover/scene3d/gltf.h"
@@ -104,6 +107,33 @@ std::vector<diagnostic::Diagnostic> losses_of(const Handover& handover, const Ha
         }
     }
     return losses;
+}
+
+std::vector<handover::Loss> losses_of_all(const Handover& handover, const HandoverFormatOptions& options) {
+    std::vector<handover::Loss> all;
+    std::map<std::tuple<std::string, std::int64_t, std::string>, std::size_t> places;
+    const auto add = [&](handover::Loss loss) {
+        const auto [place, is_new] = places.try_emplace(
+            {loss.what.code.name(), loss.what.at.line.value_or(0), loss.what.reason}, all.size());
+        if (is_new) {
+            all.push_back(std::move(loss));
+        } else {
+            all[place->second].targets = all[place->second].targets | loss.targets;
+        }
+    };
+    for (const handover::Loss& loss : handover.losses) {
+        add(loss);
+    }
+    std::set<handover::Target> done;
+    for (const Writer& writer : kWriters) {
+        // .gltf and .glb lose the same.
+        if (writer.losses != nullptr && done.insert(writer.format.target).second) {
+            for (handover::Loss& loss : writer.losses(handover, options)) {
+                add(std::move(loss));
+            }
+        }
+    }
+    return all;
 }
 
 }  // namespace cli

@@ -37,4 +37,8 @@ void write_handover(const handover::Handover& handover, const HandoverFormat& fo
                                                             const HandoverFormat& format,
                                                             const HandoverFormatOptions& options);
 
+/// The losses of all formats. What several of them lose in the same place is one, with all its targets.
+[[nodiscard]] std::vector<handover::Loss> losses_of_all(const handover::Handover& handover,
+                                                        const HandoverFormatOptions& options);
+
 }  // namespace cli

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "cli/handover/handover_format.h"
 #include "cli/handover/handover_run.h"
 
 namespace cli {
@@ -41,8 +42,8 @@ PageScene page_scene(const SceneReading& reading, ExitCode code, std::vector<Dia
     scene.proof = prove(reading, versions, {});
     scene.imported = std::move(versions.imported);
     if (versions.corrected) {
+        scene.losses = losses_of_all(*versions.corrected, {});
         scene.corrections = std::move(versions.corrected->corrections);
-        scene.losses = std::move(versions.corrected->losses);
     }
     scene.pictures = page_pictures(reading, bundle, most_pictures, threads);
     return scene;
