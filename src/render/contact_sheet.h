@@ -18,7 +18,7 @@ struct SheetScale {
 
 /// One picture of a sheet.
 struct SheetTile {
-    Picture thumbnail;               ///< straight alpha; reduced if it is too large, empty if there is none
+    Picture thumbnail;               ///< straight alpha, of any size; empty if nothing can be shown
     std::string title;               ///< the name of what is seen
     std::vector<std::string> facts;  ///< one line each
     std::vector<std::string> marks;  ///< what is wrong with it, one line each

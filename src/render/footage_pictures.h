@@ -17,7 +17,7 @@
 
 namespace render {
 
-/// A picture or why there is none.
+/// A picture, or the reason that it was not read.
 struct PictureReading {
     std::optional<Picture> picture;
     std::string error;
@@ -42,9 +42,9 @@ class FootagePictures {
     /// What is shown: the footage and its file, as a step of a plan names them.
     using Wanted = std::pair<embedded::Id, std::string>;
 
-    /// The pictures in the order of `wanted`, never null: colour bars where there is none. As many as fit
-    /// `most_bytes` and at least one, so there may be fewer than are wanted. What is not there is told once,
-    /// to `findings`.
+    /// The pictures in the order of `wanted`, never null: colour bars replace what cannot be read. As many as
+    /// fit `most_bytes` and at least one, so there may be fewer than are wanted. What is not there is told
+    /// once, to `findings`.
     [[nodiscard]] std::vector<SharedPicture> get(const std::vector<Wanted>& wanted, std::size_t threads,
                                                  std::size_t most_bytes,
                                                  std::vector<diagnostic::Diagnostic>& findings);

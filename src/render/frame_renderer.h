@@ -39,7 +39,7 @@ using RowSink = std::function<void(std::int64_t y, const float* row)>;
 
 /// What became of a frame.
 struct RenderedFrame {
-    std::optional<diagnostic::Diagnostic> error;  ///< why there is none; then no row was given
+    std::optional<diagnostic::Diagnostic> error;  ///< why the frame was not drawn; no row was given
     std::vector<diagnostic::Diagnostic>
         findings;  ///< what it does not show as the scene says, each told once
 };

@@ -65,7 +65,7 @@ TEST(JsxUri, NamesAFileOfAnySystem) {
         {"a share", R"(\\server\renders\a.tif)", "//server/renders/a.tif", true},
         {"on other systems a backslash is a letter", R"(/a\b.tif)", "/a%5cb.tif", true},
         {"and without a root too", R"(a\b.tif)", "a%5cb.tif", false},
-        {"a drive's own folder is none that anybody knows", "C:a.tif", "C%3aa.tif", false},
+        {"a drive without a folder depends on where a program runs", "C:a.tif", "C%3aa.tif", false},
         {"a volume of classic systems is not a drive", "Macintosh HD:a.tif", "Macintosh%20HD%3aa.tif", false},
     };
     for (const auto& [reason, path, uri, absolute] : kCases) {
@@ -87,7 +87,7 @@ TEST(JsxWay, LeadsFromAFolderToAFile) {
         {"dots and double slashes mean nothing", "/a/./b//", "/a/z/../c/x.tif", "../c/x.tif"},
         {"nothing in common", "/a/b/", "/c/x.tif", ""},
         {"from the root", "/", "/c/x.tif", "c/x.tif"},
-        {"a half of a name in common is none", "/abc/", "/abd/x.tif", ""},
+        {"half a name is not a folder in common", "/abc/", "/abd/x.tif", ""},
         {"on a drive", R"(C:\a\b\)", R"(C:\a\c\x.tif)", "../c/x.tif"},
         {"from drive to drive there is no way", R"(C:\a\)", R"(D:\a\x.tif)", ""},
         {"on a share", R"(\\server\one\a\)", R"(\\server\one\b\x.tif)", "../b/x.tif"},

@@ -23,11 +23,12 @@ struct HandedOver {
 
 /// A scene described in both versions, to compare them, or why it is not.
 struct HandedOverBoth {
-    ExitCode code = ExitCode::fine;               ///< footage_missing where placeholders stand in
-    std::vector<Diagnostic> diagnostics;          ///< why the scene was refused
-    std::vector<std::string> problems;            ///< why it did not arrive whole, one sentence each
-    std::optional<handover::Handover> imported;   ///< nothing if the scene did not arrive whole
-    std::optional<handover::Handover> corrected;  ///< likewise, or if it cannot be corrected
+    ExitCode code = ExitCode::fine;              ///< footage_missing where placeholders stand in
+    std::vector<Diagnostic> diagnostics;         ///< why the scene was refused
+    std::vector<std::string> problems;           ///< why it did not arrive whole, one sentence each
+    std::optional<handover::Handover> imported;  ///< nothing if the scene did not arrive whole
+    std::optional<handover::Handover>
+        corrected;  ///< nothing without `imported`, or if it cannot be corrected
 };
 
 /// The scene of `reading` for those who describe it. `reading` outlives it.

@@ -45,7 +45,7 @@ struct ProofRun {
 [[nodiscard]] ProofRun prove(const SceneReading& reading, const HandedOverBoth& versions,
                              const proof::ProofOptions& options, const Measurement* measurement = nullptr);
 
-/// Whoever reads pixels does not care for less.
+/// Smaller distances are shown as 0: they mean nothing to a person.
 inline constexpr double kShown_px = 1e-6;
 /// A distance for people; `lost` says that a point is nowhere.
 [[nodiscard]] std::string distance_text(double px, const char* lost);

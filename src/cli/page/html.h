@@ -16,7 +16,7 @@ namespace cli {
 /// "1 loss", "1,024 losses"
 [[nodiscard]] std::string counted(std::int64_t count, std::string_view one, std::string_view several);
 
-/// A number for people, as short as reads back to the same float; a word where it is none.
+/// The shortest text that reads back as the same float; "not a number" or "infinite" for the others.
 [[nodiscard]] std::string html_number(double value);
 
 }  // namespace cli

@@ -10,7 +10,7 @@
 namespace cli {
 namespace {
 
-/// So many places of one code are shown at once; the others can be opened.
+/// Places of one code that are shown at once; the others can be opened.
 constexpr std::size_t kOpenPlaces = 5;
 /// A code with more places is cut: nobody reads on, and a page has to open quickly. `vxr check` has them all.
 constexpr std::size_t kMostPlaces = 2000;

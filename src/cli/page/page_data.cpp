@@ -20,7 +20,7 @@ using embedded::Json;
 using embedded::json_text;
 using handover::Handover;
 
-/// The page draws these as curves and paths. More of them are no more to see, and the page has to stay small.
+/// The page draws these as curves and paths. More of them would not show, and the page has to stay small.
 constexpr std::size_t kMostKeysOfScene = 20000;
 constexpr std::size_t kMostObjects = 2000;
 /// Diagnostics for scripts; the page itself shows as many for each code.

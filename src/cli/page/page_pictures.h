@@ -22,7 +22,8 @@ struct PagePictures {
     std::int32_t width_px = 0;
     std::int32_t height_px = 0;
     std::vector<PagePicture> frames;
-    std::vector<std::string> problems;  ///< why there are none, or what they do not show; a sentence each
+    std::vector<std::string>
+        problems;  ///< one sentence each: why frames are missing, or what they do not show
 };
 
 /// At most `most` frames of the outermost composition, evenly spaced, the first among them. One call at a

@@ -105,7 +105,7 @@ std::string totals_html(const std::vector<WrittenScene>& scenes) {
     return html + "</ul>";
 }
 
-// Beside the scene's name, so it has nothing to say to who does not see it.
+// The scene's name stands beside it, so a screen reader may skip it.
 std::string thumbnail_html(const WrittenScene& scene) {
     return scene.thumbnail.empty()
                ? std::string()

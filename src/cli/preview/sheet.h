@@ -13,7 +13,7 @@
 
 namespace cli {
 
-/// A sheet, or why there is none.
+/// A sheet, or the reason that it was not drawn.
 struct Sheet {
     std::optional<Texture> picture;
     std::string problem;

@@ -107,7 +107,7 @@ Box box_of(const Scene& scene) {
     return box;
 }
 
-// So much of a map is filled, so that names fit beside what they name.
+// The share of a map that is filled; names need the rest.
 constexpr double kFilled = 0.78;
 
 }  // namespace

@@ -35,7 +35,7 @@ struct Area {
 [[nodiscard]] std::vector<std::vector<Spot>> clipped_line(std::span<const Spot> line, const Area& area,
                                                           std::size_t most_spots);
 
-/// The part of the outline around all of `spots` that lies within `area`, in order; nothing if there is none.
+/// The part of the outline around all of `spots` that lies within `area`, in order; empty if it lies outside.
 [[nodiscard]] std::vector<Spot> clipped_outline(std::span<const Spot> spots, const Area& area);
 
 /// Where the way from `inside` to `outside` leaves the area.

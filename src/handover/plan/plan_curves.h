@@ -16,7 +16,7 @@ namespace plan {
 [[nodiscard]] double draw_light_curves(Page& page, const handover::Handover& handover, const Scene& scene,
                                        const Area& columns);
 
-/// So many lights are drawn, the first of the file.
+/// The most lights that are drawn, in the order of the file.
 inline constexpr std::size_t kMostLightCurves = 24;
 
 }  // namespace plan

@@ -69,7 +69,7 @@ inline constexpr std::size_t kMostLights = 60;
 inline constexpr std::size_t kMostNulls = 300;
 /// Of a motion: more than there are points across the page, twice.
 inline constexpr std::size_t kMostMoments = 4000;
-/// Beside so many cuts of a camera frusta are shown.
+/// The most cuts of a camera that have frusta beside them.
 inline constexpr std::size_t kMostCutFrusta = 6;
 
 [[nodiscard]] Scene scene_of(const handover::Handover& handover, double cut_angle_degrees);

@@ -25,7 +25,7 @@ namespace plan {
 /// The colour, "#rrggbb", mixed with so much white: from 0 to 1.
 [[nodiscard]] std::string lighter(std::string_view colour, double white);
 
-/// What lies at the beginning of the shot is so much lighter than what lies at its end.
+/// How much lighter the beginning of the shot is than its end.
 inline constexpr double kMostWhite = 0.55;
 
 /// An attribute as it is written; its value has no characters that must be escaped.
