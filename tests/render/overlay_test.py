@@ -11,9 +11,10 @@ import sys
 import tempfile
 import unittest
 
-sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / "scene3d"))
+for room in ("scene3d", "support"):
+    sys.path.insert(0, str(pathlib.Path(__file__).parent.parent / room))
 import scene_truth  # noqa: E402
-from pictures import read_png  # noqa: E402
+from picture_files import rgba_pixels  # noqa: E402
 
 EXAMPLES = pathlib.Path(sys.argv.pop(2))
 VXR = sys.argv.pop(1)
@@ -48,7 +49,7 @@ class Drawn:
             run = subprocess.run([VXR, "preview", scene, "--overlay", overlay, "-o", out, *options],
                                  capture_output=True, text=True)
             assert run.returncode in (0, 4), run.stderr
-            self.width, self.height, self.rows = read_png(out)
+            self.width, self.height, self.rows = rgba_pixels(out)
 
     def pixel(self, x, y):
         return self.rows[y][x]

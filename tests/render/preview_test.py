@@ -15,7 +15,8 @@ import zlib
 from fractions import Fraction
 from functools import reduce
 
-from pictures import png, read_png
+sys.path.insert(0, os.path.join(os.path.dirname(__file__), "..", "support"))
+from picture_files import png_file, rgba_pixels  # noqa: E402
 
 VXR = sys.argv.pop(1)
 ONE, ZERO = Fraction(1), Fraction(0)
@@ -32,7 +33,10 @@ class Image:
                      for _ in range(width * height * channels)]
 
     def file(self):
-        return png(self.width, self.height, self.channels, self.data)
+        length = self.width * self.channels
+        rows = [bytes(self.data[y * length:(y + 1) * length]) for y in range(self.height)]
+        kind = {1: 0, 2: 4, 3: 2, 4: 6}[self.channels]
+        return png_file((self.width, self.height, self.channels, rows), kind)
 
     def pixel(self, x, y):
         at = (y * self.width + x) * self.channels
@@ -204,7 +208,7 @@ class Preview(unittest.TestCase):
 
     def preview(self, scene, *options, code=0):
         self.run_preview(scene, self.out, *options, code=code)
-        return read_png(self.out) if code in (0, 4) else None
+        return rgba_pixels(self.out) if code in (0, 4) else None
 
     def compare(self, scene, found, frame, rows=None):
         width, height, pixels = found
@@ -223,7 +227,7 @@ class Preview(unittest.TestCase):
                 self.run_preview(scene.save(folder), os.path.join(folder, "out.##.png"), "--frames",
                                  f"{min(frames)}-{max(frames)}")
                 for frame in frames:
-                    self.compare(scene, read_png(os.path.join(folder, f"out.{frame:02}.png")), frame)
+                    self.compare(scene, rgba_pixels(os.path.join(folder, f"out.{frame:02}.png")), frame)
 
     def test_fields(self):
         scene = Scene(Comp("NRM", "Main", [Footage("NRM", "STRAIGHT", "f.png", noise(20, height=7)),

@@ -5,46 +5,24 @@ view or of the bank of more than 60 degrees is a cut: the numbers stay until the
 """
 
 import math
-import re
-import struct
+import sys
+from pathlib import Path
+
+sys.path.insert(0, str(Path(__file__).parent.parent / "support"))
+from scene_text import SceneText  # noqa: E402
 
 CUT_DEGREES = 60
 FIELDS = ["x", "y", "z", "heading", "pitch", "bank", "angle"]
 
 
-def single(text):
-    """The number as a float holds it."""
-    return struct.unpack("<f", struct.pack("<f", float(text)))[0]
-
-
 class Scene:
     def __init__(self, path):
-        text = path.read_bytes().decode("utf-8", "replace")
-        lines = [line.split(" /")[0].split("\t/")[0] for line in text.replace("\r", "\n").split("\n")]
-        begin = next((i for i, line in enumerate(lines) if re.match(r"\s*(CAMERA|LIGHT|NULL) ", line)), len(lines))
-        words = " ".join(lines).split()
-
-        def setting(word, default):
-            # The last one wins, and the settings end before the first composition.
-            settings = words[3:words.index("COMPOSITION", 3)]
-            at = [i for i, one in enumerate(settings) if one == word]
-            return settings[at[-1] + 1] if at else default
-
-        settings = words[3:words.index("COMPOSITION", 3)]
-        at = len(settings) - 1 - settings[::-1].index("RESOLUTION")
-        self.width, self.height = int(settings[at + 1]), int(settings[at + 2])
-        self.begin, self.end = int(setting("FROM", 0)), int(setting("TO", 0))
-        self.rate = int(float(setting("FPS", 0)))
-        self.aspect = single(setting("ASPECT", "1"))
-        self.objects = []
-        for line in lines[begin:]:
-            if re.match(r"\s*END\b", line):
-                break
-            head = re.match(r"\s*(CAMERA|LIGHT|NULL)\s+\"", line)
-            if head:
-                self.objects.append((head[1], []))
-            for key in re.finditer(r"\bKEY((?:\s+[-+.\deE]+)+)", line):
-                self.objects[-1][1].append([single(one) for one in key[1].split()])
+        text = SceneText(path)
+        self.width, self.height = text.settings["RESOLUTION"]
+        self.begin, self.end = text.settings.get("FROM", 0), text.settings.get("TO", 0)
+        self.rate = text.settings.get("FPS", 0)
+        self.aspect = text.settings["ASPECT"]
+        self.objects = [(one.word, one.keys) for one in text.objects]
 
     def of_kind(self, kind):
         return [track for word, track in self.objects if word == kind]

@@ -51,6 +51,14 @@ def png_picture(data):
     return (width, height, channels, rows), kind
 
 
+def rgba_pixels(path):
+    """Width, height, and rows of (r, g, b, a) of a PNG file with RGB and alpha."""
+    with open(path, "rb") as file:
+        (width, height, _, rows), kind = png_picture(file.read())
+    assert kind == 6, f"{path}: kind {kind}"
+    return width, height, [[tuple(row[4 * x:4 * x + 4]) for x in range(width)] for row in rows]
+
+
 def tiff_file(picture, alpha=0, bits=8):
     """`alpha` is TIFF's: 1 associated, 2 unassociated, 0 without. Numbers of 16 bits have their lowest byte first."""
     width, height, channels, rows = picture
