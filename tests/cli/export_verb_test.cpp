@@ -141,6 +141,11 @@ TEST(ExportVerb, DoesNotWriteOntoWhatItReads) {
     }
     EXPECT_EQ(exported({scene, "--to", "glb", "-o", VXR_BUNDLE_PATH}).code, ExitCode::usage);
     EXPECT_EQ(job.content("shot.aec"), before);
+    const std::string list = job.write("list.txt", scene + '\n');
+    const Ran ran = exported({"--files-from", list, "--to", "glb", "-o", list});
+    EXPECT_EQ(ran.code, ExitCode::usage) << "the list of scenes is read, too";
+    EXPECT_NE(ran.err.find("the list of files, would be overwritten"), std::string::npos) << ran.err;
+    EXPECT_EQ(job.content("list.txt"), scene + '\n');
 }
 
 TEST(ExportVerb, TakesFoldersAndNamesFilesAfterTheirScenes) {

@@ -240,4 +240,29 @@ TEST(ReportVerb, WithoutAPlaceForThePageNothingIsDone) {
     EXPECT_EQ(full.code, ExitCode::cannot_read_or_write) << full.out;
 }
 
+TEST(ReportVerb, DoesNotWriteOntoWhatItReads) {
+    const TemporaryFolder folder;
+    std::filesystem::copy(VXR_EXAMPLES_DIR "/textured", folder.path("in"));
+    const std::string scene = folder.path("in/shelf_040.aec");
+    const std::string list = folder.write("list.txt", scene + '\n');
+    struct RoleCase {
+        const char* why;
+        std::string output;
+    };
+    const RoleCase cases[] = {
+        {"a scene", scene},
+        {"footage of a scene", folder.path("in/wall.txl")},
+        {"the list of files", list},
+        {"the plug-in", VXR_BUNDLE_PATH},
+    };
+    for (const RoleCase& one : cases) {
+        SCOPED_TRACE(one.why);
+        const auto size = std::filesystem::file_size(one.output);
+        const Ran ran = report({"--files-from", list}, one.output, {"--pictures", "0"});
+        EXPECT_EQ(ran.code, ExitCode::usage) << ran.err;
+        EXPECT_NE(ran.err.find("would be overwritten"), std::string::npos) << ran.err;
+        EXPECT_EQ(std::filesystem::file_size(one.output), size);
+    }
+}
+
 }  // namespace

@@ -9,6 +9,7 @@
 #include "cli/command.h"
 #include "cli/options.h"
 #include "cli/report/diagnostic_text.h"
+#include "cli/terminal/file_roles.h"
 #include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
 #include "system/file_content.h"
@@ -110,6 +111,12 @@ void refuse_wrong_inputs(const CheckInputs& inputs, const char* argument) {
     std::vector<std::string> all = inputs.files;
     all.push_back(inputs.list);
     refuse_standard_input_twice(all);
+}
+
+void add_list(const CheckInputs& inputs, FileRoles& roles) {
+    if (!inputs.list.empty() && !is_standard_input(inputs.list)) {
+        roles.reads(inputs.list, "the list of files");
+    }
 }
 
 FoundInputs find_inputs(const CheckInputs& inputs, const char* extension) {

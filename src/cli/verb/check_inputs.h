@@ -7,6 +7,7 @@
 
 namespace cli {
 
+class FileRoles;
 class Options;
 struct Terminal;
 
@@ -26,6 +27,9 @@ void add_input_options(Options& options, CheckInputs& inputs);
 /// Throws UsageError if nothing is named, if --null has no list, or if the standard input is named twice.
 /// `argument` is what the verb calls its files: "SCENE".
 void refuse_wrong_inputs(const CheckInputs& inputs, const char* argument);
+
+/// Adds the list of files, if one is read.
+void add_list(const CheckInputs& inputs, FileRoles& roles);
 
 struct FoundInputs {
     std::vector<std::string> files;

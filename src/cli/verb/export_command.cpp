@@ -193,6 +193,7 @@ class ExportCommand : public Command {
         std::optional<FoundScene> read;  // a single scene is read once
         if (!list_losses_) {
             FileRoles roles;
+            add_list(inputs_, roles);
             for (const std::string& file : files) {
                 read.emplace(file, choices_);
                 add_import_reads(read->original(), bundle_found_, roles);

@@ -102,6 +102,7 @@ class ReportCommand : public Command {
 
     ExitCode report_on(const std::vector<std::string>& files, Terminal& terminal) const {
         FileRoles roles;
+        add_list(inputs_, roles);
         for (const std::string& file : files) {
             roles.reads(file);
         }
