@@ -44,6 +44,16 @@ FileIdentity identity_of(const std::string& path) {
     return {{}, below};
 }
 
+FileVersion version_of(const std::string& path) {
+    FileVersion version;
+    version.number = file_number(path).value_or(FileNumber());
+    version.size_bytes = file_state(path).size_bytes;
+    std::error_code missing;
+    const fs::file_time_type changed = fs::last_write_time(native_path(path), missing);
+    version.changed = missing ? fs::file_time_type() : changed;
+    return version;
+}
+
 std::string canonical_path(const std::string& path) {
     std::error_code failure;
     const fs::path canonical = fs::canonical(native_path(path), failure);

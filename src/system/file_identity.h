@@ -1,5 +1,7 @@
 #pragma once
 
+#include <cstdint>
+#include <filesystem>
 #include <string>
 #include <tuple>
 
@@ -22,6 +24,19 @@ struct FileIdentity {
 
 /// Opens nothing and never waits.
 [[nodiscard]] FileIdentity identity_of(const std::string& path);
+
+/// What a file looks like without reading it: two versions differ when the file was written or replaced
+/// between them, as far as its file system notices.
+struct FileVersion {
+    FileNumber number;
+    std::uint64_t size_bytes = 0;
+    std::filesystem::file_time_type changed;
+
+    friend bool operator==(const FileVersion&, const FileVersion&) = default;
+};
+
+/// Of what is at `path`, links followed. What is missing has a version of its own.
+[[nodiscard]] FileVersion version_of(const std::string& path);
 
 /// The one full name of what exists at `path`: without links, "." and "..". `path` itself if it cannot be
 /// determined.

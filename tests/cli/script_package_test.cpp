@@ -1,10 +1,14 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <filesystem>
+#include <fstream>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
+#include <thread>
+#include <utility>
 #include <vector>
 
 #include "cli/job_folder.h"
@@ -143,6 +147,54 @@ TEST(ScriptPackage, IsRefusedAndLeavesNothing) {
         EXPECT_THAT(ran.err, HasSubstr(c.error));
     }
     EXPECT_EQ(content_of(there), "mine");
+}
+
+// Something else writes to the file for as long as the package is made.
+class Writing {
+  public:
+    explicit Writing(std::string path)
+        : path_(std::move(path)), thread_([this] {
+              while (!done_) {
+                  std::ofstream(path_, std::ios::app) << '\n';
+              }
+          }) {}
+    Writing(const Writing&) = delete;
+    Writing& operator=(const Writing&) = delete;
+    ~Writing() {
+        done_ = true;
+        thread_.join();
+    }
+
+  private:
+    std::string path_;
+    std::atomic<bool> done_ = false;
+    std::thread thread_;
+};
+
+TEST(ScriptPackage, IsNotMadeOfFilesThatChangeMeanwhile) {
+    const JobFolder job;
+    job.image("plate.tga");
+    const std::string scene = job.scene("shot.aec", "  FILE NRM STRAIGHT \"plate.tga\"\n");
+    // Line ends after the last pixel, and after the last word, change nothing of what is read.
+    for (const std::string& changing : {job.path("plate.tga"), scene}) {
+        SCOPED_TRACE(changing);
+        const std::string archive = job.path("shot.zip");
+        const std::string script = job.path("shot.jsx");
+        {
+            const Writing writing(changing);
+            const Ran ran = packed(scene, archive);
+            EXPECT_EQ(ran.code, ExitCode::cannot_read_or_write);
+            EXPECT_THAT(ran.err, HasSubstr(changing + " was changed while the package was made"));
+            // A script alone names the footage and holds none of it.
+            EXPECT_EQ(run({"export", scene, "--bundle", VXR_BUNDLE_PATH, "--to", "jsx", "-o", script}).code,
+                      ExitCode::fine);
+        }
+        EXPECT_FALSE(std::filesystem::exists(archive));
+        EXPECT_TRUE(std::filesystem::exists(script));
+        EXPECT_EQ(packed(scene, archive).code, ExitCode::fine);
+        std::filesystem::remove(archive);
+        std::filesystem::remove(script);
+    }
 }
 
 }  // namespace

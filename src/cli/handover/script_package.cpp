@@ -13,6 +13,7 @@
 #include "cli/report/json_text.h"
 #include "cli/scene/scene_check.h"
 #include "handover/jsx/jsx_script.h"
+#include "system/file_identity.h"
 #include "system/files.h"
 #include "system/replacement_file.h"
 #include "text/ascii.h"
@@ -95,7 +96,29 @@ class PackedNames {
     std::map<std::string, std::string> sources_;
 };
 
-void add_footage(ZipFile& archive, const std::string& top, PackedNames& names, handover::Handover& handover) {
+// The files that go into the package, as they were before they are copied.
+class SourceFiles {
+  public:
+    void add(const std::string& path, const os::FileVersion& version) { versions_.emplace(path, version); }
+    void add(const std::string& path) { add(path, os::version_of(path)); }
+
+    // Throws when one of them is another by now: script and footage would not belong together.
+    void require_unchanged() const {
+        for (const auto& [path, version] : versions_) {
+            if (os::version_of(path) != version) {
+                throw std::runtime_error(path +
+                                         " was changed while the package was made; export again when nothing "
+                                         "writes to it");
+            }
+        }
+    }
+
+  private:
+    std::map<std::string, os::FileVersion> versions_;
+};
+
+void add_footage(ZipFile& archive, const std::string& top, PackedNames& names, SourceFiles& sources,
+                 handover::Handover& handover) {
     for (handover::Footage& footage : handover.footage) {
         if (footage.kind == handover::FootageKind::placeholder) {
             continue;
@@ -108,6 +131,7 @@ void add_footage(ZipFile& archive, const std::string& top, PackedNames& names, h
             std::string packed = place;
             packed += name;
             if (names.take(packed, source)) {
+                sources.add(source);
                 archive.add_file(packed.insert(0, top), source);
             }
         }
@@ -147,7 +171,9 @@ void write_script_package(const SceneReading& reading, const handover::Handover&
     ZipFile archive(replacement->temporary_path());
     handover::Handover packed = handover;
     packed.shot.file = scene_name;
-    add_footage(archive, top, names, packed);
+    SourceFiles sources;
+    sources.add(reading.full_path, reading.version);
+    add_footage(archive, top, names, sources, packed);
 
     handover::JsxOptions script_options;
     script_options.undo_safe = options.undo_safe;
@@ -161,6 +187,7 @@ void write_script_package(const SceneReading& reading, const handover::Handover&
     archive.add_bytes(top + "proof.json",
                       json_text_of(proof_document(prove(reading, bundle, proof_options))));
     archive.close();
+    sources.require_unchanged();
     if (!replacement->put_in_place(reason)) {
         throw std::runtime_error("cannot write " + reason);
     }

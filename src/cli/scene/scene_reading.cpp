@@ -119,6 +119,7 @@ Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
 }
 
 void read_into(SceneReading& reading) {
+    reading.version = os::version_of(reading.full_path);
     reading.error = quick_test(reading, reading.code);
     if (reading.error) {
         return;

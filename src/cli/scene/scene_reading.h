@@ -11,6 +11,7 @@
 #include "cli/scene/scene_facts.h"
 #include "cli/terminal/standard_input.h"
 #include "composition/model/project_settings.h"
+#include "system/file_identity.h"
 
 namespace cli {
 
@@ -18,6 +19,7 @@ namespace cli {
 struct SceneReading {
     std::string file;                 ///< as the user named it; "-" for the standard input
     std::string full_path;            ///< as the plug-in gets it
+    os::FileVersion version;          ///< of the file, before it was read
     std::optional<Diagnostic> error;  ///< why the plug-in imports nothing from the file
     ExitCode code = ExitCode::fine;   ///< the exit code for the error
     /// The model, read up to the error. Never null.
