@@ -86,6 +86,43 @@ class Calls {
     bool first_ = true;
 };
 
+// Functions of the runtime that take numbers: some in a list, or those that follow one another.
+struct Functions {
+    const char* list;
+    const char* run;
+};
+
+void write_counted(JsxText& text, const Functions& functions, const std::vector<double>& numbers) {
+    constexpr std::size_t kRun = 4;  // shorter ones are as short written out
+    Calls calls(text);
+    calls.wrap(numbers.size() > kNumbersOfCall);
+    std::size_t written = 0;
+    const auto write_list = [&](std::size_t end) {
+        while (written < end) {
+            calls.begin(functions.list);
+            for (std::size_t left = kNumbersOfCall; left > 0 && written < end; --left) {
+                calls.add(numbers[written++]);
+            }
+            calls.end();
+        }
+    };
+    for (std::size_t at = 0; at < numbers.size();) {
+        std::size_t last = at + 1;
+        while (last < numbers.size() && numbers[last] == numbers[last - 1] + 1) {
+            ++last;
+        }
+        if (last - at >= kRun) {
+            write_list(at);
+            calls.close();
+            text << functions.run << '(' << numbers[at] << ',' << last - at << ");\n";
+            written = last;
+        }
+        at = last;
+    }
+    write_list(numbers.size());
+    calls.close();
+}
+
 }  // namespace
 
 const char* jsx_name(Property property) {
@@ -154,43 +191,32 @@ JsxTrack::JsxTrack(const Track& track)
     mark_ = sum.text();
 }
 
-void JsxTrack::write_frames(JsxText& text, std::size_t begin, std::size_t end) const {
-    constexpr std::size_t kRun = 4;  // shorter ones are as short written out
-    Calls calls(text);
-    calls.wrap(end - begin > kNumbersOfCall);
-    std::size_t at = begin;
-    std::vector<double> single;
-    const auto write_single = [&] {
-        for (std::size_t i = 0; i < single.size(); i += kNumbersOfCall) {
-            calls.begin("frames");
-            for (std::size_t k = i; k < std::min(i + kNumbersOfCall, single.size()); ++k) {
-                calls.add(single[k]);
-            }
-            calls.end();
+std::vector<double> JsxTrack::kept_frames() const {
+    std::vector<double> frames;
+    frames.reserve(count_);
+    for (std::size_t key = 0; key < count_; ++key) {
+        if (keeps(key)) {
+            frames.push_back(track_.frames[key]);
         }
-        single.clear();
-    };
-    while (at < end) {
-        if (!keeps(at)) {
-            ++at;
-            continue;
-        }
-        std::size_t last = at + 1;
-        while (last < end && keeps(last) && track_.frames[last] == track_.frames[last - 1] + 1) {
-            ++last;
-        }
-        if (last - at >= kRun) {
-            write_single();
-            calls.close();
-            text << "run(" << track_.frames[at] << ',' << last - at << ");\n";
-        } else {
-            single.insert(single.end(), track_.frames.begin() + static_cast<std::ptrdiff_t>(at),
-                          track_.frames.begin() + static_cast<std::ptrdiff_t>(last));
-        }
-        at = last;
     }
-    write_single();
-    calls.close();
+    return frames;
+}
+
+// The runtime counts the keys that it is given.
+std::vector<double> JsxTrack::kept_holds() const {
+    std::vector<double> holds;
+    std::size_t given = 0;
+    std::size_t next = 0;
+    for (std::size_t key = 0; key < count_ && next < track_.holds.size(); ++key) {
+        while (next < track_.holds.size() && track_.holds[next] < key) {
+            ++next;
+        }
+        if (next < track_.holds.size() && track_.holds[next] == key && keeps(key)) {
+            holds.push_back(static_cast<double>(given));
+        }
+        given += keeps(key) ? 1 : 0;
+    }
+    return holds;
 }
 
 void JsxTrack::write(JsxText& text, const JsxTrack* before) const {
@@ -201,7 +227,7 @@ void JsxTrack::write(JsxText& text, const JsxTrack* before) const {
             before->track_.frames == track_.frames) {
             text << "same();\n";
         } else {
-            write_frames(text, 0, count_);
+            write_counted(text, {"frames", "run"}, kept_frames());
         }
     }
     const std::size_t size = component_count(track_.property);
@@ -218,28 +244,7 @@ void JsxTrack::write(JsxText& text, const JsxTrack* before) const {
         calls.end();
     }
     calls.close();
-    // The runtime counts the keys that it is given.
-    std::vector<std::size_t> holds;
-    std::size_t given = 0;
-    std::size_t next = 0;
-    for (std::size_t key = 0; key < count_ && next < track_.holds.size(); ++key) {
-        while (next < track_.holds.size() && track_.holds[next] < key) {
-            ++next;
-        }
-        if (next < track_.holds.size() && track_.holds[next] == key && keeps(key)) {
-            holds.push_back(given);
-        }
-        given += keeps(key) ? 1 : 0;
-    }
-    calls.wrap(holds.size() > kNumbersOfCall);
-    for (std::size_t i = 0; i < holds.size(); i += kNumbersOfCall) {
-        calls.begin("holds");
-        for (std::size_t k = i; k < std::min(i + kNumbersOfCall, holds.size()); ++k) {
-            calls.add(holds[k]);
-        }
-        calls.end();
-    }
-    calls.close();
+    write_counted(text, {"holds", "holdRun"}, kept_holds());
 }
 
 }  // namespace handover

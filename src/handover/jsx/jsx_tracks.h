@@ -30,7 +30,9 @@ class JsxTrack {
 
   private:
     [[nodiscard]] bool keeps(std::size_t key) const { return left_out_ == 0 || kept_[key]; }
-    void write_frames(JsxText& text, std::size_t begin, std::size_t end) const;
+    [[nodiscard]] std::vector<double> kept_frames() const;
+    /// Places among the keys that are written.
+    [[nodiscard]] std::vector<double> kept_holds() const;
 
     const Track& track_;
     std::size_t count_;

@@ -72,10 +72,7 @@ function frames(list) {
  * @param {number} count
  */
 function run(first, count) {
-    var into = tracks[tracks.length - 1].frames;
-    for (var i = 0; i < count; ++i) {
-        into[into.length] = first + i;
-    }
+    appendRun(tracks[tracks.length - 1].frames, first, count);
 }
 
 /** The frames of the track before. */
@@ -91,6 +88,25 @@ function values(list) {
 /** @param {number[]} list */
 function holds(list) {
     append(tracks[tracks.length - 1].holds, list);
+}
+
+/**
+ * @param {number} first
+ * @param {number} count
+ */
+function holdRun(first, count) {
+    appendRun(tracks[tracks.length - 1].holds, first, count);
+}
+
+/**
+ * @param {number[]} into
+ * @param {number} first
+ * @param {number} count
+ */
+function appendRun(into, first, count) {
+    for (var i = 0; i < count; ++i) {
+        into[into.length] = first + i;
+    }
 }
 
 /**
