@@ -9,6 +9,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <thread>
 #include <typeinfo>
 #include <vector>
 
@@ -140,7 +141,7 @@ std::size_t keys_of(const handover::Handover& handover) {
     return keys;
 }
 
-/// Only the writing: the scene was imported and corrected before.
+/// Only the writing, as the command line does it: the scene was imported and corrected before.
 void measure_script(benchmark::State& state, const Scene& scene) {
     const cli::HandedOver made = cli::hand_over(
         cli::read_scene(scene_file(scene)), cli::find_bundle(VXR_BUNDLE), handover::Version::corrected, {});
@@ -151,9 +152,12 @@ void measure_script(benchmark::State& state, const Scene& scene) {
     // Random keys hardly ever lie on a line.
     require(keys_of(*made.handover) > expected * 9 / 10, name + "keys");
     std::size_t size_bytes = 0;
+    handover::JsxOptions options;
+    options.threads = std::max<std::size_t>(1, std::thread::hardware_concurrency());
     const auto write = [&] {
         size_bytes = 0;
-        handover::write_jsx(*made.handover, {}, [&](std::string_view piece) { size_bytes += piece.size(); });
+        handover::write_jsx(*made.handover, options,
+                            [&](std::string_view piece) { size_bytes += piece.size(); });
     };
     const std::int64_t peak = peak_memory_bytes_once(std::string("script/") + scene.name, write);
     write();
@@ -265,14 +269,21 @@ struct Measure {
     const char* name;
     void (*function)(benchmark::State&, const Scene&);
     bool text_only;  ///< only for the scenes that grow in text, because only those have a peer
-    bool process;    ///< reports the processor time of a child process
+    enum class Time {
+        processor,  ///< of the thread that measures
+        child,      ///< processor time of a child process
+        elapsed,    ///< several threads work
+    } time;
 };
 
 const Measure kMeasures[] = {
-    {"import", measure_import, false, false}, {"read", measure_reading, false, false},
-    {"memchr", measure_memchr, false, false}, {"json", measure_json, true, false},
-    {"check", measure_check, true, true},     {"words", measure_words, true, true},
-    {"script", measure_script, true, false},
+    {"import", measure_import, false, Measure::Time::processor},
+    {"read", measure_reading, false, Measure::Time::processor},
+    {"memchr", measure_memchr, false, Measure::Time::processor},
+    {"json", measure_json, true, Measure::Time::processor},
+    {"check", measure_check, true, Measure::Time::child},
+    {"words", measure_words, true, Measure::Time::child},
+    {"script", measure_script, true, Measure::Time::elapsed},
 };
 
 void register_measure(const Measure& measure, const Scene& scene) {
@@ -283,8 +294,10 @@ void register_measure(const Measure& measure, const Scene& scene) {
     auto* const registered =
         benchmark::RegisterBenchmark((measure.name + ("/" + scene_name)).c_str(), measure.function, scene);
     registered->Unit(benchmark::kMillisecond);
-    if (measure.process) {
+    if (measure.time == Measure::Time::child) {
         registered->UseManualTime();
+    } else if (measure.time == Measure::Time::elapsed) {
+        registered->UseRealTime();
     }
 }
 

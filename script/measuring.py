@@ -47,8 +47,9 @@ class Medians:
 
     def cpu(self, name):
         """Processor time, which other programs disturb least: of the one thread that works or, for a row that times a
-        whole process, of that process."""
-        return self.rows[name]["real_time" if name.endswith("/manual_time") else "cpu_time"]
+        whole process, of that process. The time that elapses for a row on several threads."""
+        elapsed = name.endswith("/manual_time") or name.endswith("/real_time")
+        return self.rows[name]["real_time" if elapsed else "cpu_time"]
 
     def wall(self, name):
         return self.rows[name]["real_time"]

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fstream>
+#include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
 #include <string>
@@ -274,6 +275,44 @@ TEST(JsxScript, IsPassedOnInPieces) {
     });
     EXPECT_GT(whole, 2'000'000U);
     EXPECT_LE(longest, 65'536U);
+}
+
+TEST(JsxScript, HasTheSameBytesOnAnyNumberOfThreads) {
+    Handover made = empty_scene();
+    const auto track_of = [](int keys, double first) {
+        Track track{Property::position, {}, {}, Interpolation::linear, {}};
+        for (int i = 0; i < keys; ++i) {
+            track.frames.push_back(i);
+            track.values.insert(track.values.end(), {first + i, i % 50 == 49 ? kNotANumber : i * 0.1, 0.5});
+        }
+        return track;
+    };
+    for (int i = 0; i < 150; ++i) {
+        made.compositions[0].layers.push_back(null_layer("Short " + std::to_string(i), {track_of(60, i)}));
+    }
+    // More than is made ahead, between layers that are.
+    made.compositions[0].layers.push_back(null_layer("Long", {track_of(300'000, 0)}));
+    for (int i = 0; i < 150; ++i) {
+        made.compositions[0].layers.push_back(null_layer("Late " + std::to_string(i), {track_of(60, -i)}));
+    }
+    const auto written = [&](std::size_t threads) {
+        JsxOptions options;
+        options.threads = threads;
+        std::string script;
+        write_jsx(made, options, [&](std::string_view piece) { script += piece; });
+        return script;
+    };
+    const std::string alone = written(1);
+    // The script writes an apostrophe as \u0027.
+    const std::size_t notes[] = {alone.find("Short 149\\u0027 has 1 value that is"),
+                                 alone.find("Long\\u0027 has 6000 values that are"),
+                                 alone.find("Late 0\\u0027 has 1 value that is")};
+    EXPECT_TRUE(std::is_sorted(std::begin(notes), std::end(notes)));
+    EXPECT_NE(notes[0], std::string::npos);
+    EXPECT_NE(notes[2], std::string::npos);
+    for (const std::size_t threads : {2U, 7U}) {
+        EXPECT_TRUE(written(threads) == alone) << threads << " threads";
+    }
 }
 
 // ---- From the text of a scene.

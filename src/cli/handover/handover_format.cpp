@@ -1,8 +1,10 @@
 #include "cli/handover/handover_format.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <map>
 #include <set>
+#include <thread>
 #include <tuple>
 
 #include "handover/jsx/jsx_script.h"
@@ -34,6 +36,7 @@ void write_script(const Handover& handover, const HandoverFormatOptions& options
     handover::JsxOptions made;
     made.undo_safe = options.undo_safe;
     made.working_folder = os::absolute_path(".");
+    made.threads = std::max<std::size_t>(1, std::thread::hardware_concurrency());
     handover::write_jsx(handover, made, out);
 }
 

@@ -6,17 +6,15 @@
 #include <string_view>
 #include <vector>
 
+#include "handover/jsx/jsx_layers.h"
 #include "handover/jsx/jsx_runtime.h"
 #include "handover/jsx/jsx_text.h"
-#include "handover/jsx/jsx_tracks.h"
 #include "handover/loss.h"
 #include "text/ascii.h"
 
 namespace handover {
 namespace {
 
-// Statements in one function: engines limit what a function holds.
-constexpr std::size_t kThingsOfFunction = 64;
 // Places of one loss that the head lists.
 constexpr std::size_t kPlacesOfLoss = 20;
 
@@ -63,10 +61,7 @@ class ScriptWriter {
         text_ << "\n// ---- The scene.\n\n";
         write_scene();
         write_items();
-        for (const Composition& composition : handover_.compositions) {
-            write_layers(composition);
-        }
-        close_function();
+        write_layers(text_, handover_, options_.threads, notes_);
         write_notes();
     }
 
@@ -139,7 +134,7 @@ class ScriptWriter {
     // ---- Statements, a bounded number of them in a function.
 
     void open_statement() {
-        if (statements_ == kThingsOfFunction) {
+        if (statements_ == kJsxThingsOfFunction) {
             close_function();
         }
         if (statements_++ == 0) {
@@ -268,77 +263,6 @@ class ScriptWriter {
             text_ << ",first:0,last:0,whole:true";
         }
         text_ << '}';
-    }
-
-    // ---- Layers.
-
-    static const char* light_of(const Layer& layer) {
-        switch (layer.light) {
-            case LightKind::parallel:
-                return "parallel";
-            case LightKind::spot:
-                return "spot";
-            case LightKind::point:
-                return "point";
-        }
-        return "point";
-    }
-
-    void write_layers(const Composition& composition) {
-        if (composition.item >= handover_.items.size()) {
-            return;
-        }
-        for (const Layer& layer : composition.layers) {
-            open_statement();
-            write_layer(composition.item, layer);
-        }
-    }
-
-    void write_layer(std::size_t composition, const Layer& layer) {
-        text_ << "layer(" << composition << ",{id:" << jsx_string(layer.id) << ",kind:\""
-              << word_of(layer.kind) << "\",name:" << jsx_string(layer.name);
-        if (layer.item < handover_.items.size()) {
-            text_ << ",item:" << layer.item;
-        }
-        if (layer.kind == LayerKind::camera || layer.kind == LayerKind::light) {
-            text_ << ",aimed:" << layer.aimed << ",center:[" << finite(layer.center_px[0]) << ','
-                  << finite(layer.center_px[1]) << ']';
-        } else {
-            text_ << ",blend:\"" << word_of(layer.blend) << "\",threeD:" << layer.three_d;
-        }
-        if (layer.kind == LayerKind::light) {
-            text_ << ",light:\"" << light_of(layer) << '"';
-        }
-        text_ << ",start:" << finite(layer.start) << ",inFrame:" << finite(layer.in)
-              << ",length:" << finite(layer.length) << ",timed:" << layer.timed << ",marks:[";
-        std::vector<JsxTrack> tracks;
-        tracks.reserve(layer.tracks.size());
-        for (const Track& track : layer.tracks) {
-            tracks.emplace_back(track);
-            note_left_out(layer, tracks.back());
-            if (tracks.back().empty()) {
-                tracks.pop_back();
-            }
-        }
-        for (std::size_t i = 0; i < tracks.size(); ++i) {
-            text_ << (i == 0 ? "" : ",") << '"' << jsx_name(tracks[i].track().property) << "\",\""
-                  << tracks[i].mark() << '"';
-        }
-        text_ << "],read:function(){\n";
-        for (std::size_t i = 0; i < tracks.size(); ++i) {
-            tracks[i].write(text_, i == 0 ? nullptr : &tracks[i - 1]);
-        }
-        text_ << "}});\n";
-    }
-
-    void note_left_out(const Layer& layer, const JsxTrack& track) {
-        constexpr std::size_t kNotes = 1000;
-        if (track.left_out() > 0 && notes_.size() < kNotes) {
-            notes_.push_back("The " + std::string(jsx_name(track.track().property)) + " of '" + layer.name +
-                             "' has " + std::to_string(track.left_out()) +
-                             (track.left_out() == 1 ? " value that is" : " values that are") +
-                             " not finite or not in order; left out.");
-        }
     }
 
     void write_notes() {

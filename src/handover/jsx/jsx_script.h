@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <vector>
@@ -15,6 +16,8 @@ struct JsxOptions {
     /// Absolute: relative paths of footage and of the scene count from here. Empty: from the script's own
     /// folder, as in a package.
     std::string working_folder;
+    /// At least 1. The script has the same bytes whatever their number.
+    std::size_t threads = 1;
 };
 
 /// Writes the script that rebuilds the handover's project in any After Effects from CS3 on: ECMAScript 3 in
