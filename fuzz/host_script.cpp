@@ -47,16 +47,16 @@ bool is_allowed(const diagnostic::Diagnostic& problem, bool faulty) {
 constexpr std::string_view kFunctionsToMemory[] = {"AEGP_LockMemHandle", "AEGP_GetInSpecOptionsHandle"};
 constexpr std::string_view kSuitesToMemory[] = {"AEGP Memory Suite", "AEGP IO In Suite"};
 
-/// Keeps the bundle in memory while hosts load and unload it, so that the fuzzer's counters stay where they
-/// are.
+}  // namespace
+
 bool keep_bundle() {
-    std::string error;
-    static const std::unique_ptr<os::DynamicLibrary> kept = os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
+    static const std::unique_ptr<os::DynamicLibrary> kept = [] {
+        std::string error;
+        return os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
+    }();
     require(kept != nullptr, "the bundle can be loaded");
     return kept != nullptr;
 }
-
-}  // namespace
 
 embedded::HostOptions take_host_options(Input& input) {
     embedded::HostOptions options;
@@ -108,7 +108,7 @@ bool may_lose_memory(const embedded::HostOptions& options) {
 
 HostWithBundle::HostWithBundle(const embedded::HostOptions& options)
     : lost_memory_(may_lose_memory(options)), host_(options) {
-    static const bool kept = keep_bundle();
+    const bool kept = keep_bundle();
     loaded_ = kept && host_.load(VXR_BUNDLE_PATH).ok();
     require(loaded_ || has_faults(options), "the bundle loads when nothing goes wrong");
 }

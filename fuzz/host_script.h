@@ -23,6 +23,10 @@ inline constexpr std::size_t kHostOptionBytes = 13;
 /// memory handle, and a host that withholds that handle, or its contents, loses the picture.
 [[nodiscard]] bool may_lose_memory(const embedded::HostOptions& options);
 
+/// Keeps the built bundle in memory while hosts load and unload it, so that the fuzzer's counters stay where
+/// they are. Whether it could be loaded.
+bool keep_bundle();
+
 /// A host with the built bundle loaded. The bundle stays in memory after the host is gone.
 class HostWithBundle {
   public:

@@ -13,6 +13,7 @@
 #include "footage.h"
 #include "handover/handover_invariants.h"
 #include "handover/plan/plan_picture.h"
+#include "host_script.h"
 #include "input.h"
 #include "text/utf8.h"
 
@@ -60,6 +61,9 @@ void check(const cli::SceneReading& reading, handover::Version version,
 }  // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (!keep_bundle()) {
+        return 0;
+    }
     Input input(data, size);
     const auto left_out = input.take_value<std::uint16_t>();
     handover::HandoverOptions options;
