@@ -6,11 +6,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <cstdint>
 #include <fstream>
 #include <iterator>
 #include <limits>
 #include <nlohmann/json.hpp>
+#include <random>
 #include <string>
 #include <vector>
 
@@ -228,6 +231,40 @@ TEST(JsxScript, TakesTheNearestOfHugeNumbersOrGoesOnWithout) {
     for (const char* line : {"The width of 'Main' is 2000000000, and After Effects takes 4 to 30000",
                              "The height of 'Main' is 1, and", "The position of 'Far'"}) {
         EXPECT_NE(summary.find(line), std::string::npos) << line << "\n" << summary;
+    }
+}
+
+TEST(JsxScript, KeepsEveryBitOfItsNumbers) {
+    // Numbers of 24 bits of every size and sign, neighbours of powers of two, and numbers between them.
+    std::vector<double> numbers = {0.1, -1.0 / 3, 16777217, 1e29, 5e-324, 1e-40F};
+    std::mt19937 random(20261123);
+    while (numbers.size() < 20'000) {
+        const float one = std::bit_cast<float>(static_cast<std::uint32_t>(random()));
+        if (std::abs(one) < 1e30F) {  // and a number, as After Effects takes them
+            numbers.push_back(one);
+        }
+        // Where most numbers of scenes are: thousandths.
+        numbers.push_back(static_cast<float>(static_cast<std::int32_t>(random() % 4'000'000)) / 1000.0F);
+    }
+    for (int power = -126; power < 30; ++power) {
+        const float one = std::ldexp(1.0F, power);
+        numbers.insert(numbers.end(), {one, std::nextafter(one, 0.0F), -std::nextafter(one, 2 * one)});
+    }
+    // A call of the script has numbers of one kind when they lie together.
+    std::stable_partition(numbers.begin(), numbers.end(), [](double number) {
+        return std::abs(number) < 16'000'000 && std::abs(number) > 1e-30 &&
+               static_cast<double>(static_cast<float>(number)) == number;
+    });
+    Track track{Property::rotate_z, {}, numbers, Interpolation::linear, {}};
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        track.frames.push_back(static_cast<double>(i));
+    }
+    Handover made = empty_scene();
+    made.compositions[0].layers.push_back(null_layer("Exact", {track}));
+    const Json keys = keys_of(built(made), "ADBE Rotate Z");
+    ASSERT_EQ(keys.size(), numbers.size());
+    for (std::size_t i = 0; i < numbers.size(); ++i) {
+        ASSERT_EQ(keys[i]["value"].get<double>(), numbers[i]) << i;
     }
 }
 

@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <limits>
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -122,6 +124,41 @@ TEST(JsxText, WritesNumbersThatReadBackToTheSame) {
     };
     for (const auto& [number, written] : kCases) {
         EXPECT_EQ(collected([&, value = number](handover::JsxText& text) { text << value; }), written);
+    }
+}
+
+TEST(JsxText, WritesFloatsThatReadBackToTheSame) {
+    const struct {
+        float number;
+        const char* written;
+    } kCases[] = {
+        {0, "0"},
+        {-0.0F, "-0"},
+        {0.1F, "0.1"},
+        {0.001F, "0.001"},
+        {-0.02F, "-0.02"},
+        {100, "100"},
+        {-439.3F, "-439.3"},
+        {4095.999F, "4095.999"},
+        {4096.125F, "4096.125"},
+        {0.0001F, "1e-04"},
+        {1.0F / 3, "0.33333334"},
+        {16777216, "16777216"},
+        {std::numeric_limits<float>::max(), "3.4028235e+38"},
+    };
+    for (const auto& [number, written] : kCases) {
+        EXPECT_EQ(collected([&, value = number](handover::JsxText& text) { text << value; }), written);
+    }
+    // Thousandths to both sides of where they are closer than floats are.
+    std::istringstream written(collected([](handover::JsxText& text) {
+        for (int thousandths = -4'200'000; thousandths < 4'200'000; thousandths += 67) {
+            text << static_cast<float>(thousandths) / 1000.0F << '\n';
+        }
+    }));
+    std::string line;
+    for (int thousandths = -4'200'000; thousandths < 4'200'000; thousandths += 67) {
+        std::getline(written, line);
+        ASSERT_EQ(std::strtof(line.c_str(), nullptr), static_cast<float>(thousandths) / 1000.0F) << line;
     }
 }
 

@@ -127,6 +127,8 @@ struct GroupText {
 
 GroupText text_of_group(const Handover& handover, const LayerGroup& group) {
     GroupText made;
+    constexpr std::size_t kUsualNumber = 14;  // with its comma
+    made.script.reserve(numbers_in(group) * kUsualNumber);
     const Sink sink = [&made](std::string_view piece) { made.script += piece; };
     JsxText text(sink);
     write_group(text, handover, group, made.notes);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <cstddef>
 #include <string>
@@ -42,11 +43,18 @@ class JsxText {
     template <typename Number>
     requires(std::integral<Number> || std::floating_point<Number>) &&
         (!std::same_as<Number, bool> && !std::same_as<Number, char>)JsxText& operator<<(Number number) {
-        constexpr std::size_t kLongestNumber = 32;
-        make_room(kLongestNumber);
-        char* const begin = buffer_.data() + used_;
-        used_ += static_cast<std::size_t>(std::to_chars(begin, begin + kLongestNumber, number).ptr - begin);
-        return *this;
+        return write_shortest(number);
+    }
+
+    /// A text that is nearer to `number` than to any other float, and hardly ever longer than necessary. Most
+    /// floats of scenes were written with up to three decimals, which takes a third of the time to find out.
+    JsxText& operator<<(float number) {
+        constexpr float kMost = 4096;  // floats are less than a thousandth apart up to here
+        const int thousandths = std::abs(number) < kMost ? static_cast<int>(std::lround(number * 1000.0)) : 0;
+        if (thousandths != 0 && static_cast<float>(thousandths / 1000.0) == number) {
+            return write_thousandths(thousandths);
+        }
+        return write_shortest(number);
     }
 
     void flush() {
@@ -58,6 +66,36 @@ class JsxText {
 
   private:
     static constexpr std::size_t kPiece = 65536;
+    static constexpr std::size_t kLongestNumber = 32;
+
+    template <typename Number>
+    JsxText& write_shortest(Number number) {
+        make_room(kLongestNumber);
+        char* const begin = buffer_.data() + used_;
+        used_ += static_cast<std::size_t>(std::to_chars(begin, begin + kLongestNumber, number).ptr - begin);
+        return *this;
+    }
+
+    // Not 0. Without zeros at the end.
+    JsxText& write_thousandths(int thousandths) {
+        make_room(kLongestNumber);
+        char* at = buffer_.data() + used_;
+        if (thousandths < 0) {
+            *at++ = '-';
+            thousandths = -thousandths;
+        }
+        at = std::to_chars(at, buffer_.data() + kPiece, thousandths / 1000).ptr;
+        int rest = thousandths % 1000;
+        if (rest != 0) {
+            *at++ = '.';
+        }
+        for (int unit = 100; rest != 0; unit /= 10) {
+            *at++ = static_cast<char>('0' + rest / unit);
+            rest %= unit;
+        }
+        used_ = static_cast<std::size_t>(at - buffer_.data());
+        return *this;
+    }
 
     void make_room(std::size_t size) {
         if (size > kPiece - used_) {

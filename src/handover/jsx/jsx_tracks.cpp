@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <bit>
 #include <cmath>
+#include <limits>
 
 namespace handover {
 namespace {
@@ -40,6 +41,16 @@ class NumberSum {
   private:
     std::uint64_t sum_ = 0xCBF29CE484222325U;
 };
+
+// Whether a number is one of 24 bits, as most of a scene's are, which the runtime finds again from the few
+// digits that tell it from its neighbours. Below 2^24 none of these digits lie halfway between two such
+// numbers, which would need more of them.
+bool is_short_float(double number) {
+    constexpr double kMost = 1 << 24;
+    return number == 0 ||
+           (std::abs(number) >= std::numeric_limits<float>::min() && std::abs(number) < kMost &&
+            static_cast<double>(static_cast<float>(number)) == number);
+}
 
 // Calls in a row, broken into functions.
 class Calls {
@@ -234,11 +245,17 @@ void JsxTrack::write(JsxText& text, const JsxTrack* before) const {
     Calls calls(text);
     calls.wrap(count_ * size > kNumbersOfCall);
     const std::size_t keys_of_call = kNumbersOfCall / size;
+    const auto values_from = [this](std::size_t at) {
+        return track_.values.begin() + static_cast<std::ptrdiff_t>(at);
+    };
     for (std::size_t i = 0; i < count_; i += keys_of_call) {
-        calls.begin("values");
-        for (std::size_t key = i; key < std::min(i + keys_of_call, count_); ++key) {
+        const std::size_t end = std::min(i + keys_of_call, count_);
+        const bool floats = std::all_of(values_from(i * size), values_from(end * size), is_short_float);
+        calls.begin(floats ? "floats" : "values");
+        for (std::size_t key = i; key < end; ++key) {
             for (std::size_t k = 0; keeps(key) && k < size; ++k) {
-                calls.add(track_.values[key * size + k]);
+                const double value = track_.values[key * size + k];
+                floats ? calls.add(static_cast<float>(value)) : calls.add(value);
             }
         }
         calls.end();

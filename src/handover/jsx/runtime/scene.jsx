@@ -85,6 +85,19 @@ function values(list) {
     append(tracks[tracks.length - 1].values, list);
 }
 
+/**
+ * Numbers of 24 bits in no more digits than tell them apart: of each, the nearest one of 24 bits is meant.
+ * @param {number[]} list
+ */
+function floats(list) {
+    var into = tracks[tracks.length - 1].values;
+    for (var i = 0; i < list.length; ++i) {
+        // The product keeps the upper 24 of the 53 bits; the difference brings them back to their place.
+        var spread = list[i] * 536870913;
+        into[into.length] = spread - (spread - list[i]);
+    }
+}
+
 /** @param {number[]} list */
 function holds(list) {
     append(tracks[tracks.length - 1].holds, list);
