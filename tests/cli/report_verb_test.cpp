@@ -219,6 +219,74 @@ TEST(ReportVerb, AFolderBeginsWithItsScenesAndTheMostSeriousCounts) {
     }
 }
 
+TEST(ReportVerb, FootageIsSoughtWhereTheUserSays) {
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder.path("elsewhere"));
+    std::filesystem::copy(VXR_EXAMPLES_DIR "/textured/wall.txl", folder.path("elsewhere/wall.txl"));
+    const std::string scene = folder.write(
+        "shot.aec", kHead + "COMPOSITION NRM \"m\" {\nFILE NRM STRAIGHT \"Q:/renders/wall.txl\"\n}\n");
+    const std::string output = folder.path("shot.html");
+    struct PlaceCase {
+        const char* why;
+        std::vector<std::string> options;
+        ExitCode code;
+    };
+    const PlaceCase cases[] = {
+        {"nowhere else", {}, ExitCode::footage_missing},
+        {"a folder", {"--search", folder.path("elsewhere")}, ExitCode::fine},
+        {"a drive that is mounted elsewhere",
+         {"--map", "Q:/renders=" + folder.path("elsewhere")},
+         ExitCode::fine},
+    };
+    for (const PlaceCase& one : cases) {
+        SCOPED_TRACE(one.why);
+        std::vector<std::string> options = one.options;
+        options.insert(options.end(), {"--pictures", "0"});
+        const Ran ran = report({scene}, output, options);
+        EXPECT_EQ(ran.code, one.code) << ran.err;
+        const json page = read_page(output);
+        EXPECT_THAT(page["faults"].get<std::vector<std::string>>(), ElementsAre());
+        // The page names the scene that the user named, not the copy that was imported.
+        EXPECT_EQ(page["data"]["scenes"][0]["scene"], scene);
+        const std::string html = content_of(output);
+        EXPECT_EQ(html.find("<span class=\"kind missing\">") == std::string::npos,
+                  one.code == ExitCode::fine);
+    }
+    EXPECT_EQ(report({scene}, folder.path("elsewhere/wall.txl"), {"--search", folder.path("elsewhere")}).code,
+              ExitCode::usage)
+        << "footage that was found is overwritten";
+}
+
+TEST(ReportVerb, RefusesAndLeavesOutWhatTheUserSays) {
+    const TemporaryFolder folder;
+    const std::string scene =
+        folder.write("shot.aec", kHead + "COMPOSITION NRM \"m\" {\nFILE NRM STRAIGHT \"gone.tif\"\n}\n");
+    const std::string output = folder.path("shot.html");
+    struct PolicyCase {
+        std::vector<std::string> options;
+        ExitCode code;
+        std::size_t diagnostics;
+    };
+    const PolicyCase cases[] = {
+        {{}, ExitCode::footage_missing, 1},
+        {{"--fail-on", "footage-missing"}, ExitCode::refused, 1},
+        {{"--ignore", "footage-missing"}, ExitCode::fine, 0},
+        {{"--fail-on", "no-such-code"}, ExitCode::usage, 0},
+    };
+    for (const PolicyCase& one : cases) {
+        SCOPED_TRACE(testing::PrintToString(one.options));
+        std::filesystem::remove(output);
+        std::vector<std::string> options = one.options;
+        options.insert(options.end(), {"--pictures", "0"});
+        const Ran ran = report({scene}, output, options);
+        EXPECT_EQ(ran.code, one.code) << ran.err;
+        ASSERT_EQ(std::filesystem::exists(output), one.code != ExitCode::usage);
+        if (one.code != ExitCode::usage) {
+            EXPECT_EQ(read_page(output)["data"]["scenes"][0]["diagnostics"].size(), one.diagnostics);
+        }
+    }
+}
+
 TEST(ReportVerb, NeitherASceneNorItsFootageIsOverwritten) {
     const TemporaryFolder folder;
     const std::string footage = folder.write("plate.tif", "not a picture");

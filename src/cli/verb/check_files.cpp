@@ -119,7 +119,10 @@ class CheckCommand : public Command {
         options.file_argument("FILE", inputs_.files,
                               std::string(kind_.plural) + ", and folders with such files");
         add_input_options(options, inputs_);
-        add_policy_options(options);
+        add_policy_options(options, policy_, kind_.codes);
+        options.flag("--strict", policy_.strict, "the same as --fail-on warning").group(kPolicyGroup);
+        options.flag("--list-codes", list_codes_, "list every code with its severity and meaning, and exit")
+            .group(kPolicyGroup);
         if (kind_.has_footage) {
             add_finding_options(options, choices_, false);
             options
@@ -166,38 +169,6 @@ class CheckCommand : public Command {
     static constexpr int kMostJobs = 256;
     /// As many files as are described one by one unless the user asks for it.
     static constexpr std::size_t kMostInDetail = 10;
-
-    void add_policy_options(Options& options) {
-        constexpr const char* kGroup = "What counts";
-        const auto each_is = [this](std::string (CheckPolicy::*add)(
-                                 const std::string&, const std::vector<diagnostic::CodeInfo>&)) {
-            return [this, add](const std::string& list) {
-                CheckPolicy policy;
-                for (const std::string& word : comma_separated(list)) {
-                    if (std::string problem = (policy.*add)(word, kind_.codes()); !problem.empty()) {
-                        return problem;
-                    }
-                }
-                return std::string();
-            };
-        };
-        options
-            .option("--fail-on", policy_.fail_on,
-                    "refuse files (exit code 1) for this severity and more serious ones, or for this code; "
-                    "several with commas; errors always")
-            .value_name("error|loss|warning|note|CODE")
-            .one_value_at_a_time()
-            .check(each_is(&CheckPolicy::fail_on))
-            .group(kGroup);
-        options.option("--ignore", policy_.ignore, "leave out what has this code; several with commas")
-            .value_name("CODE")
-            .one_value_at_a_time()
-            .check(each_is(&CheckPolicy::ignore))
-            .group(kGroup);
-        options.flag("--strict", policy_.strict, "the same as --fail-on warning").group(kGroup);
-        options.flag("--list-codes", list_codes_, "list every code with its severity and meaning, and exit")
-            .group(kGroup);
-    }
 
     void refuse_wrong_usage() const {
         refuse_wrong_inputs(inputs_, "FILE");

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "cli/footage/job_file.h"
+#include "cli/options.h"
 #include "system/file_content.h"
 #include "system/files.h"
 
@@ -38,6 +39,35 @@ CheckPolicy policy_from(const PolicyChoices& choices, const std::vector<diagnost
 }
 
 }  // namespace
+
+void add_policy_options(Options& options, PolicyChoices& choices,
+                        std::vector<diagnostic::CodeInfo> (*codes)()) {
+    const auto each_is = [codes](std::string (CheckPolicy::*add)(const std::string&,
+                                                                 const std::vector<diagnostic::CodeInfo>&)) {
+        return [codes, add](const std::string& list) {
+            CheckPolicy policy;
+            for (const std::string& word : comma_separated(list)) {
+                if (std::string problem = (policy.*add)(word, codes()); !problem.empty()) {
+                    return problem;
+                }
+            }
+            return std::string();
+        };
+    };
+    options
+        .option("--fail-on", choices.fail_on,
+                "refuse files (exit code 1) for this severity and more serious ones, or for this code; "
+                "several with commas; errors always")
+        .value_name("error|loss|warning|note|CODE")
+        .one_value_at_a_time()
+        .check(each_is(&CheckPolicy::fail_on))
+        .group(kPolicyGroup);
+    options.option("--ignore", choices.ignore, "leave out what has this code; several with commas")
+        .value_name("CODE")
+        .one_value_at_a_time()
+        .check(each_is(&CheckPolicy::ignore))
+        .group(kPolicyGroup);
+}
 
 ProjectPolicies::ProjectPolicies(const PolicyChoices& choices, std::vector<diagnostic::CodeInfo> codes,
                                  std::string table)

@@ -9,12 +9,21 @@
 
 namespace cli {
 
+class Options;
+
 /// What the user said on the command line, which wins over project files.
 struct PolicyChoices {
     std::vector<std::string> fail_on;  ///< each a list with commas
     std::vector<std::string> ignore;
     bool strict = false;  ///< --fail-on warning
 };
+
+/// Adds --fail-on and --ignore, which take severities and the codes in the list of `codes`.
+void add_policy_options(Options& options, PolicyChoices& choices,
+                        std::vector<diagnostic::CodeInfo> (*codes)());
+
+/// The heading in help texts under which options say what counts.
+inline constexpr const char* kPolicyGroup = "What counts";
 
 /// What counts in each file: the options, and where they say nothing the nearest `.vxr.toml` in the file's
 /// folder or above it. Reads each folder once.

@@ -2,12 +2,15 @@
 #include <exception>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <ostream>
 #include <string>
 #include <thread>
 #include <utility>
 #include <vector>
 
+#include "cli/footage/finding_options.h"
+#include "cli/job/relinked_copy.h"
 #include "cli/options.h"
 #include "cli/page/report_page.h"
 #include "cli/project/host_setup.h"
@@ -56,6 +59,8 @@ class ReportCommand : public Command {
             .choices({"auto", "never"})
             .show_default()
             .group("Output");
+        add_policy_options(options, policy_, composition_files().codes);
+        add_finding_options(options, choices_, false);
         options.option("-j,--jobs", jobs_, "how many scenes to look at at a time; 0 for one per processor")
             .value_name("N")
             .range(0, kMostJobs)
@@ -111,13 +116,17 @@ class ReportCommand : public Command {
         // Finds a file that cannot be written before the work, not after it.
         OutputFile output(output_);
         const FileKind& kind = composition_files();
-        ProjectPolicies policies({}, kind.codes(), kind.project_table);
+        ProjectPolicies policies(policy_, kind.codes(), kind.project_table);
         std::vector<const CheckPolicy*> policy_of;
         policy_of.reserve(files.size());
         for (const std::string& file : files) {
             policy_of.push_back(&policies.policy_of(file));
         }
-        FootageSurvey survey;
+        std::optional<FootageFinder> finder;
+        if (choices_.given()) {
+            finder.emplace(choices_.finder_options());
+        }
+        FootageSurvey survey(finder ? &*finder : nullptr);
         std::mutex one_host;
         Progress progress(terminal, files.size(), progress_ != "never");
         CheckSummary summary;
@@ -128,15 +137,17 @@ class ReportCommand : public Command {
         const auto look_at = [&](std::size_t i) {
             SeenScene seen;
             try {
-                const SceneReading reading = read_scene(files[i]);
-                FileCheck check = check_scene(reading, survey);
+                const FoundScene found(files[i], choices_);
+                FileCheck check = check_scene(found.original(), survey);
                 seen.ignored = apply_policy(check, *policy_of[i]);
-                add_import_reads(reading, bundle, seen.roles);
+                for (const SceneReading* const one : {&found.original(), &found.reading()}) {
+                    add_import_reads(*one, bundle, seen.roles);
+                }
                 PageScene scene;
                 {
                     // The bundle is loaded once into a process, and serves one host at a time.
                     const std::scoped_lock lock(one_host);
-                    scene = page_scene(reading, check.code, std::move(check.diagnostics), bundle,
+                    scene = page_scene(found.reading(), check.code, std::move(check.diagnostics), bundle,
                                        pictures_each(files.size()), threads());
                 }
                 seen.written = write_scene(scene, i, files.size() == 1);
@@ -157,7 +168,8 @@ class ReportCommand : public Command {
             scenes.push_back(std::move(seen.written));
         };
         run_in_order<SeenScene>(
-            files.size(), threads(), look_at, [&](std::size_t done) { progress.bar(done); }, take);
+            files.size(), finder ? 1 : threads(), look_at, [&](std::size_t done) { progress.bar(done); },
+            take);
         progress.clear();
         write_report_page(scenes, [&](std::string_view piece) { output.write(piece); });
         output.close();
@@ -166,6 +178,8 @@ class ReportCommand : public Command {
     }
 
     CheckInputs inputs_;
+    PolicyChoices policy_;
+    FindingChoices choices_;
     std::string output_;
     std::string progress_ = "auto";
     int pictures_ = 12;
@@ -187,7 +201,9 @@ Verb report_verb() {
          "someone who has none of the files. Verdict, losses and contents can be read without scripts; with "
          "them, cameras, lights and nulls can be turned around, and keys are drawn as curves.",
          "What the page says about scenes is what `vxr check` and `vxr proof` say, and the exit code is that "
-         "of `vxr check`; a project file .vxr.toml counts in the same way. The page is written whatever "
+         "of `vxr check`; --fail-on, --ignore, --search, --map and a project file .vxr.toml count in the "
+         "same "
+         "way. The page is written whatever "
          "became of the scenes, and complete or not at all."},
         {{"vxr report shot.aec -o shot.html", "One scene."},
          {"vxr report --recursive --jobs 0 renders -o job.html",
