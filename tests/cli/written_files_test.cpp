@@ -127,19 +127,26 @@ TEST(WrittenFiles, AreNeverFilesThatAreReadOrUsedAsFootage) {
     EXPECT_EQ(vxr_in(folder, {"frame", "a.txl", "-o", "frame.png"}).exit_code, 0);
 }
 
-// Starts the program with a pipe as its standard input, whose other end stays open, waits until it has made
-// its temporary file, and ends it with a signal. Returns its exit code.
-int exit_code_after(const TemporaryFolder& folder, int signal) {
+// Starts the program with these arguments and a pipe as its standard input, whose other end stays open, waits
+// until it has made its temporary file, and ends it with a signal. Returns its exit code.
+int exit_code_after(const TemporaryFolder& folder, const Command& arguments, int signal) {
     int ends[2] = {-1, -1};
     if (::pipe(ends) != 0) {
         return -1;
     }
+    std::string program = VXR_PROGRAM;
+    Command words = arguments;
+    std::vector<char*> argv{program.data()};
+    for (std::string& word : words) {
+        argv.push_back(word.data());
+    }
+    argv.push_back(nullptr);
     const pid_t child = ::fork();
     if (child == 0) {
         ::dup2(ends[0], STDIN_FILENO);
         ::close(ends[1]);
         if (::chdir(folder.folder().c_str()) == 0) {
-            ::execl(VXR_PROGRAM, "vxr", "import", "-", "--save", "out.json", nullptr);
+            ::execv(VXR_PROGRAM, argv.data());
         }
         ::_exit(127);
     }
@@ -157,13 +164,17 @@ int exit_code_after(const TemporaryFolder& folder, int signal) {
 }
 
 TEST(Signals, RemoveTheTemporaryFileAndAreTheExitCode) {
+    const Command document{"import", "-", "--save", "out.json"};
+    const Command page{"report", "-", "-o", "out.html", "--bundle", VXR_BUNDLE_PATH};
     const struct {
+        Command arguments;
         int signal;
         int exit_code;
-    } cases[] = {{SIGINT, 130}, {SIGTERM, 143}, {SIGHUP, 129}};
+    } cases[] = {
+        {document, SIGINT, 130}, {document, SIGTERM, 143}, {document, SIGHUP, 129}, {page, SIGINT, 130}};
     for (const auto& one : cases) {
         const TemporaryFolder folder;
-        EXPECT_EQ(exit_code_after(folder, one.signal), one.exit_code);
+        EXPECT_EQ(exit_code_after(folder, one.arguments, one.signal), one.exit_code);
         EXPECT_THAT(names_in(folder.folder()), ElementsAre()) << one.signal;
     }
 }
@@ -202,6 +213,37 @@ TEST(Signals, WhileAnArchiveIsWrittenNothingStays) {
         {"env", "-C", folder.folder().string(), "timeout", "60", "bash", "-c", script, VXR_PROGRAM});
     EXPECT_EQ(run.out, "143\n") << run.err;
     EXPECT_THAT(names_in(folder.folder() / "out"), ElementsAre());
+}
+
+TEST(Signals, WhileAReportDrawsItsPicturesNothingStays) {
+    // A picture is a file for a moment, in the folder for temporary files.
+    const TemporaryFolder folder;
+    folder.write("out.html", "old");
+    folder.make_folder("tmp");
+    const std::string script =
+        R"sh(TMPDIR=$PWD/tmp env --default-signal=INT "$0" report "$1" -o out.html --bundle "$2" >/dev/null & )sh"
+        R"sh(for i in $(seq 4000); do [ -n "$(ls -A tmp)" ] && echo drawing && break; done; )sh"
+        R"sh(kill -INT $!; wait $!; echo $?)sh";
+    const ProcessResult run = run_process({"env", "-C", folder.folder().string(), "timeout", "60", "bash",
+                                           "-c", script, VXR_PROGRAM, kCourtyard, VXR_BUNDLE_PATH});
+    EXPECT_EQ(run.out, "drawing\n130\n") << run.err;
+    EXPECT_EQ(content_of(folder.path("out.html")), "old");
+    EXPECT_THAT(names_in(folder.folder()), ElementsAre("out.html", "tmp"));
+    EXPECT_THAT(names_in(folder.folder() / "tmp"), ElementsAre());
+}
+
+TEST(FullDisk, AReportThatDoesNotFitLeavesTheOldOne) {
+    // No file may pass 64 KiB, which the page does.
+    const TemporaryFolder folder;
+    folder.write("out.html", "old");
+    const ProcessResult run = run_process(
+        {"env", "-C", folder.folder().string(), "timeout", "60", "bash", "-c",
+         R"sh(trap "" XFSZ; ulimit -f 64; exec "$0" report "$1" -o out.html --pictures 0 --bundle "$2")sh",
+         VXR_PROGRAM, kOrbit, VXR_BUNDLE_PATH});
+    EXPECT_EQ(run.exit_code, 3) << run.err;
+    EXPECT_THAT(run.err, HasSubstr("out.html"));
+    EXPECT_EQ(content_of(folder.path("out.html")), "old");
+    EXPECT_THAT(names_in(folder.folder()), ElementsAre("out.html"));
 }
 
 TEST(Signals, ThatWereIgnoredStayIgnored) {
