@@ -202,9 +202,7 @@ Verb report_verb() {
          "them, cameras, lights and nulls can be turned around, and keys are drawn as curves.",
          "What the page says about scenes is what `vxr check` and `vxr proof` say, and the exit code is that "
          "of `vxr check`; --fail-on, --ignore, --search, --map and a project file .vxr.toml count in the "
-         "same "
-         "way. The page is written whatever "
-         "became of the scenes, and complete or not at all."},
+         "same way. The page is written whatever became of the scenes, and complete or not at all."},
         {{"vxr report shot.aec -o shot.html", "One scene."},
          {"vxr report --recursive --jobs 0 renders -o job.html",
           "Everything below a folder: a page that begins with a table of all scenes."}},
