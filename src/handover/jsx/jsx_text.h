@@ -89,9 +89,8 @@ class JsxText {
         if (rest != 0) {
             *at++ = '.';
         }
-        for (int unit = 100; rest != 0; unit /= 10) {
-            *at++ = static_cast<char>('0' + rest / unit);
-            rest %= unit;
+        for (; rest != 0; rest = rest * 10 % 1000) {
+            *at++ = static_cast<char>('0' + rest / 100);
         }
         used_ = static_cast<std::size_t>(at - buffer_.data());
         return *this;
