@@ -9,11 +9,11 @@
 #include <iterator>
 #include <memory>
 #include <string>
-#include <thread>
 #include <typeinfo>
 #include <vector>
 
 #include "cli/handover/handover_run.h"
+#include "cli/terminal/ordered_jobs.h"
 #include "composition/model/project_settings.h"
 #include "composition/model/scene_object.h"
 #include "composition/read/ascii_parser.h"
@@ -153,7 +153,7 @@ void measure_script(benchmark::State& state, const Scene& scene) {
     require(keys_of(*made.handover) > expected * 9 / 10, name + "keys");
     std::size_t size_bytes = 0;
     handover::JsxOptions options;
-    options.threads = std::max<std::size_t>(1, std::thread::hardware_concurrency());
+    options.threads = cli::threads_for(0);
     const auto write = [&] {
         size_bytes = 0;
         handover::write_jsx(*made.handover, options,

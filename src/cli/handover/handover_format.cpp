@@ -1,12 +1,11 @@
 #include "cli/handover/handover_format.h"
 
 #include <algorithm>
-#include <cstddef>
 #include <map>
 #include <set>
-#include <thread>
 #include <tuple>
 
+#include "cli/terminal/ordered_jobs.h"
 #include "handover/jsx/jsx_script.h"
 #include "handover/scene3d/gltf.h"
 #include "handover/scene3d/usd.h"
@@ -36,7 +35,7 @@ void write_script(const Handover& handover, const HandoverFormatOptions& options
     handover::JsxOptions made;
     made.undo_safe = options.undo_safe;
     made.working_folder = os::absolute_path(".");
-    made.threads = std::max<std::size_t>(1, std::thread::hardware_concurrency());
+    made.threads = threads_for(0);
     handover::write_jsx(handover, made, out);
 }
 

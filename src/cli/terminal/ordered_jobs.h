@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <condition_variable>
 #include <cstddef>
 #include <functional>
@@ -9,6 +10,12 @@
 #include <vector>
 
 namespace cli {
+
+/// The threads for `--jobs N`; one for each processor for 0.
+[[nodiscard]] inline std::size_t threads_for(int jobs) {
+    return jobs > 0 ? static_cast<std::size_t>(jobs)
+                    : std::max<std::size_t>(1, std::thread::hardware_concurrency());
+}
 
 /// Calls `work(i)` for every i below `count` on `threads` threads. On the calling thread, calls `done(n)` as
 /// the number n of finished jobs grows, and `report(i, result)` for every i in order, as early as possible.

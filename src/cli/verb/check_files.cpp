@@ -7,7 +7,6 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <ostream>
-#include <thread>
 
 #include "cli/footage/finding_options.h"
 #include "cli/options.h"
@@ -217,7 +216,7 @@ class CheckCommand : public Command {
                 terminal.out << verdict_line(files[i], judged.check, terminal.out_paint) << std::flush;
             }
         };
-        const std::size_t threads = finder ? 1 : this->threads();
+        const std::size_t threads = finder ? 1 : threads_for(jobs_);
         if (threads == 1) {
             for (std::size_t i = 0; i < files.size(); ++i) {
                 progress.step(text::printable(files[i]));
@@ -244,11 +243,6 @@ class CheckCommand : public Command {
             terminal.out << (in_detail(files.size()) ? "\n" : "") << summary.text(terminal.out_paint);
         }
         return code;
-    }
-
-    [[nodiscard]] std::size_t threads() const {
-        return jobs_ > 0 ? static_cast<std::size_t>(jobs_)
-                         : std::max<std::size_t>(1, std::thread::hardware_concurrency());
     }
 
     const FileKind& kind_;

@@ -6,7 +6,6 @@
 #include <ostream>
 #include <stdexcept>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "cli/footage/finding_options.h"
@@ -24,6 +23,7 @@
 #include "cli/report/diagnostic_text.h"
 #include "cli/report/json_text.h"
 #include "cli/terminal/file_roles.h"
+#include "cli/terminal/ordered_jobs.h"
 #include "cli/terminal/output_file.h"
 #include "cli/terminal/standard_input.h"
 #include "cli/terminal/terminal.h"
@@ -286,8 +286,7 @@ class PreviewCommand : public Command {
         options.render.fields = fields_ == "upper"   ? render::Fields::upper
                                 : fields_ == "lower" ? render::Fields::lower
                                                      : render::Fields::both;
-        options.render.threads = jobs_ > 0 ? static_cast<std::size_t>(jobs_)
-                                           : std::max<std::size_t>(1, std::thread::hardware_concurrency());
+        options.render.threads = threads_for(jobs_);
         // What is wrong with a scene that cannot be read is told by the preview.
         if (!overlay_.empty() && !reading.error) {
             try {

@@ -5,7 +5,6 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -87,11 +86,6 @@ class ReportCommand : public Command {
         }
     }
 
-    [[nodiscard]] std::size_t threads() const {
-        return jobs_ > 0 ? static_cast<std::size_t>(jobs_)
-                         : std::max<std::size_t>(1, std::thread::hardware_concurrency());
-    }
-
     // How many frames of a scene a page shows: with many scenes fewer, so that it opens quickly.
     [[nodiscard]] std::size_t pictures_each(std::size_t scenes) const {
         constexpr std::size_t kMostOfAll = 48;
@@ -148,7 +142,7 @@ class ReportCommand : public Command {
                     // The bundle is loaded once into a process, and serves one host at a time.
                     const std::scoped_lock lock(one_host);
                     scene = page_scene(found.reading(), check.code, std::move(check.diagnostics), bundle,
-                                       pictures_each(files.size()), threads());
+                                       pictures_each(files.size()), threads_for(jobs_));
                 }
                 seen.written = write_scene(scene, i, files.size() == 1);
                 seen.diagnostics = std::move(scene.diagnostics);
@@ -168,7 +162,7 @@ class ReportCommand : public Command {
             scenes.push_back(std::move(seen.written));
         };
         run_in_order<SeenScene>(
-            files.size(), finder ? 1 : threads(), look_at, [&](std::size_t done) { progress.bar(done); },
+            files.size(), finder ? 1 : threads_for(jobs_), look_at, [&](std::size_t done) { progress.bar(done); },
             take);
         progress.clear();
         write_report_page(scenes, [&](std::string_view piece) { output.write(piece); });

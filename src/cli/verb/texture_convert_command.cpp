@@ -9,7 +9,6 @@
 #include <optional>
 #include <ostream>
 #include <string>
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -171,7 +170,7 @@ class TextureConvertCommand : public Command {
         ExitCode code = ExitCode::fine;
         std::size_t converted = 0;
         run_in_order<Conversion>(
-            inputs_.size(), threads(),
+            inputs_.size(), threads_for(jobs_),
             [&](std::size_t i) { return convert_texture(inputs_[i], outputs[i], options); },
             [&](std::size_t done) {
                 const std::lock_guard lock(terminal_mutex);
@@ -203,11 +202,6 @@ class TextureConvertCommand : public Command {
 
   private:
     static constexpr int kMostJobs = 256;
-
-    [[nodiscard]] std::size_t threads() const {
-        return jobs_ > 0 ? static_cast<std::size_t>(jobs_)
-                         : std::max<std::size_t>(1, std::thread::hardware_concurrency());
-    }
 
     /// A file that does not exist is likelier to be mistyped than an option to be forgotten.
     bool complained_about_missing(Terminal& terminal) const {
