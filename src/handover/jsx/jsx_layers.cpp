@@ -1,7 +1,6 @@
 #include "handover/jsx/jsx_layers.h"
 
 #include <algorithm>
-#include <cmath>
 #include <deque>
 #include <future>
 #include <string_view>
@@ -13,7 +12,7 @@ namespace handover {
 namespace {
 
 constexpr std::size_t kMostNotes = 1000;
-// Of functions that are made ahead; a number takes up to 25 bytes of text.
+// The most numbers in a function that is made ahead; each takes up to 25 bytes of text.
 constexpr std::size_t kNumbersAhead = 1'000'000;
 
 const char* light_word(LightKind light) {
@@ -26,10 +25,6 @@ const char* light_word(LightKind light) {
             return "point";
     }
     return "point";
-}
-
-double finite_or_zero(double number) {
-    return std::isfinite(number) ? number : 0;
 }
 
 void note_left_out(const Layer& layer, const JsxTrack& track, std::vector<std::string>& notes) {

@@ -1,7 +1,6 @@
 #include "handover/jsx/jsx_script.h"
 
 #include <array>
-#include <cmath>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -152,12 +151,10 @@ class ScriptWriter {
         const Shot& shot = handover_.shot;
         text_ << "SCENE={name:" << jsx_string(file_name_of(shot.file)) << ",from:" << shot.from
               << ",to:" << shot.to << ",start:" << (shot.local ? shot.from : 0)
-              << ",rate:" << finite(shot.rate_fps) << ",undoSafe:" << options_.undo_safe << "};\n";
+              << ",rate:" << finite_or_zero(shot.rate_fps) << ",undoSafe:" << options_.undo_safe << "};\n";
     }
 
     // ---- Items.
-
-    static double finite(double number) { return std::isfinite(number) ? number : 0; }
 
     void write_items() {
         for (const Item& item : handover_.items) {
@@ -170,8 +167,9 @@ class ScriptWriter {
             } else if (item.kind == ItemKind::composition && item.content < handover_.compositions.size()) {
                 const Composition& made = handover_.compositions[item.content];
                 text_ << ",composition:{width:" << made.width_px << ",height:" << made.height_px
-                      << ",aspect:" << finite(made.pixel_aspect) << ",frames:" << finite(made.frames)
-                      << ",rate:" << finite(made.rate_fps) << '}';
+                      << ",aspect:" << finite_or_zero(made.pixel_aspect)
+                      << ",frames:" << finite_or_zero(made.frames)
+                      << ",rate:" << finite_or_zero(made.rate_fps) << '}';
             }
             text_ << ",layers:[]});\n";
         }
@@ -250,11 +248,12 @@ class ScriptWriter {
                                  : rooted                         ? std::string()
                                                                   : path;
         text_ << ",footage:{width:" << footage.width_px << ",height:" << footage.height_px
-              << ",frames:" << finite(footage.frames) << ",rate:" << finite(footage.rate_fps)
-              << ",aspect:" << finite(footage.pixel_aspect) << ",alpha:\"" << alpha_of(footage)
-              << "\",premultipliedWith:[" << finite(footage.premultiplied_with[0]) << ','
-              << finite(footage.premultiplied_with[1]) << ',' << finite(footage.premultiplied_with[2])
-              << "],fields:\"" << fields_of(footage) << "\",name:" << jsx_string(jsx_uri(file_name_of(path)))
+              << ",frames:" << finite_or_zero(footage.frames) << ",rate:" << finite_or_zero(footage.rate_fps)
+              << ",aspect:" << finite_or_zero(footage.pixel_aspect) << ",alpha:\"" << alpha_of(footage)
+              << "\",premultipliedWith:[" << finite_or_zero(footage.premultiplied_with[0]) << ','
+              << finite_or_zero(footage.premultiplied_with[1]) << ','
+              << finite_or_zero(footage.premultiplied_with[2]) << "],fields:\"" << fields_of(footage)
+              << "\",name:" << jsx_string(jsx_uri(file_name_of(path)))
               << ",near:" << jsx_string(jsx_uri(near)) << ",path:" << jsx_string(rooted ? jsx_uri(path) : "");
         if (footage.files) {
             text_ << ",first:" << footage.files->first << ",last:" << footage.files->last

@@ -107,6 +107,11 @@ class JsxText {
     std::size_t used_ = 0;
 };
 
+/// What a script says in place of a number that is not finite.
+[[nodiscard]] inline double finite_or_zero(double number) {
+    return std::isfinite(number) ? number : 0;
+}
+
 /// Any bytes as ASCII that can stand in a string of the script and on one line of a comment: UTF-8 as \uXXXX,
 /// surrogates that are written in the manner of UTF-8 among it, quotes, backslashes, control characters and
 /// "<" too. Bytes that are no UTF-8 become \ufffd.
