@@ -49,13 +49,12 @@ constexpr std::string_view kSuitesToMemory[] = {"AEGP Memory Suite", "AEGP IO In
 
 }  // namespace
 
-bool keep_bundle() {
+void keep_bundle() {
     static const std::unique_ptr<os::DynamicLibrary> kept = [] {
         std::string error;
         return os::DynamicLibrary::open(VXR_BUNDLE_PATH, error);
     }();
     require(kept != nullptr, "the bundle can be loaded");
-    return kept != nullptr;
 }
 
 embedded::HostOptions take_host_options(Input& input) {
@@ -108,8 +107,8 @@ bool may_lose_memory(const embedded::HostOptions& options) {
 
 HostWithBundle::HostWithBundle(const embedded::HostOptions& options)
     : lost_memory_(may_lose_memory(options)), host_(options) {
-    const bool kept = keep_bundle();
-    loaded_ = kept && host_.load(VXR_BUNDLE_PATH).ok();
+    keep_bundle();
+    loaded_ = host_.load(VXR_BUNDLE_PATH).ok();
     require(loaded_ || has_faults(options), "the bundle loads when nothing goes wrong");
 }
 

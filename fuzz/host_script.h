@@ -24,8 +24,8 @@ inline constexpr std::size_t kHostOptionBytes = 13;
 [[nodiscard]] bool may_lose_memory(const embedded::HostOptions& options);
 
 /// Keeps the built bundle in memory while hosts load and unload it, so that the fuzzer's counters stay where
-/// they are. Whether it could be loaded.
-bool keep_bundle();
+/// they are. It must load.
+void keep_bundle();
 
 /// A host with the built bundle loaded. The bundle stays in memory after the host is gone.
 class HostWithBundle {
