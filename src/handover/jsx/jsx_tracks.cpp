@@ -42,9 +42,9 @@ class NumberSum {
     std::uint64_t sum_ = 0xCBF29CE484222325U;
 };
 
-// Whether a number is one of 24 bits, as most of a scene's are, which the runtime finds again from the few
-// digits that tell it from its neighbours. Below 2^24 none of these digits lie halfway between two such
-// numbers, which would need more of them.
+// Whether the runtime finds the number again from the few digits that tell it from its neighbours of 24 bits,
+// as it finds most numbers of a scene. Below 2^24 such digits never lie halfway between two neighbours: that
+// takes more digits than either has.
 bool is_short_float(double number) {
     constexpr double kMost = 1 << 24;
     return number == 0 ||
@@ -97,13 +97,13 @@ class Calls {
     bool first_ = true;
 };
 
-// Functions of the runtime that take numbers: some in a list, or those that follow one another.
-struct Functions {
-    const char* list;
-    const char* run;
+// The two functions of the runtime that take the same kind of whole numbers.
+struct CountedCalls {
+    const char* list;  // any numbers
+    const char* run;   // numbers that follow one another, by the first and how many there are
 };
 
-void write_counted(JsxText& text, const Functions& functions, const std::vector<double>& numbers) {
+void write_counted(JsxText& text, const CountedCalls& functions, const std::vector<double>& numbers) {
     constexpr std::size_t kRun = 4;  // shorter ones are as short written out
     Calls calls(text);
     calls.wrap(numbers.size() > kNumbersOfCall);

@@ -87,13 +87,13 @@ function values(list) {
 
 /**
  * Numbers of 24 bits in no more digits than tell them apart: of each, the nearest one of 24 bits is meant.
+ * Deliberate: x = s - (s - x) holds on paper only. Rounding drops the lower 29 of the 53 bits.
  * @param {number[]} list
  */
 function floats(list) {
     var into = tracks[tracks.length - 1].values;
     for (var i = 0; i < list.length; ++i) {
-        // The product keeps the upper 24 of the 53 bits; the difference brings them back to their place.
-        var spread = list[i] * 536870913;
+        var spread = list[i] * 536870913; // 2^29 + 1
         into[into.length] = spread - (spread - list[i]);
     }
 }
