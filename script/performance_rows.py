@@ -59,8 +59,8 @@ ROWS = [
         peer=Beside("`wc -w`", "words/text/{}/manual_time", 0.60)),
     Row("import the same into the embedded host", "import_bench", "import/text/{}",
         peer=Beside("reading alone", "read/text/{}", 4)),
-    Row("write the same, corrected, as a script for After Effects; time elapsed, on all processors", "import_bench", "script/text/{}/real_time",
-        peer=Beside("reading alone", "read/text/{}", 2)),
+    Row("write the same, corrected, as a script for After Effects; time elapsed, on all processors", "import_bench",
+        "script/text/{}/real_time", peer=Beside("reading alone", "read/text/{}", 2)),
 ]
 # Goals for each picture: load against the peer and the limit, save against both.
 _TEXTURE_GOALS = [
@@ -106,8 +106,6 @@ GROWTHS = [
 GROWTHS += [
     Growth("bytes of text (KEY lines): writing the script", "import_bench",
            "script/text/{}/real_time", (1_000, 10_000, 100_000, 1_000_000)),
-]
-GROWTHS += [
     Growth("pixels: loading a texture", "texture_bench", "load/pixels/{}", (4_096, 65_536, 1_048_576, 16_777_216)),
     Growth("pixels: saving a texture", "texture_bench", "save/pixels/{}", (4_096, 65_536, 1_048_576, 16_777_216)),
     Growth("alpha channels: loading a texture", "texture_bench", "load/alphas/{}", (10, 100, 1_000, 10_000)),

@@ -102,7 +102,7 @@ class SourceFiles {
     void add(const std::string& path, const os::FileVersion& version) { versions_.emplace(path, version); }
     void add(const std::string& path) { add(path, os::version_of(path)); }
 
-    // Throws when one of them is another by now: script and footage would not belong together.
+    // Throws when one of them has changed since: script, scene and footage would not belong together.
     void require_unchanged() const {
         for (const auto& [path, version] : versions_) {
             if (os::version_of(path) != version) {

@@ -161,9 +161,10 @@ class ReportCommand : public Command {
             summary.add(files[i], seen.written.code, seen.diagnostics, seen.ignored);
             scenes.push_back(std::move(seen.written));
         };
+        // The finder remembers the folders it has seen, for one thread.
         run_in_order<SeenScene>(
-            files.size(), finder ? 1 : threads_for(jobs_), look_at, [&](std::size_t done) { progress.bar(done); },
-            take);
+            files.size(), finder ? 1 : threads_for(jobs_), look_at,
+            [&](std::size_t done) { progress.bar(done); }, take);
         progress.clear();
         write_report_page(scenes, [&](std::string_view piece) { output.write(piece); });
         output.close();
