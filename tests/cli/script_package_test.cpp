@@ -4,6 +4,7 @@
 #include <atomic>
 #include <filesystem>
 #include <fstream>
+#include <iterator>
 #include <nlohmann/json.hpp>
 #include <sstream>
 #include <string>
@@ -189,6 +190,8 @@ TEST(ScriptPackage, IsNotMadeOfFilesThatChangeMeanwhile) {
             EXPECT_EQ(run({"export", scene, "--bundle", VXR_BUNDLE_PATH, "--to", "jsx", "-o", script}).code,
                       ExitCode::fine);
         }
+        // The scene, its footage and the script: no archive, and no part of one.
+        EXPECT_EQ(std::distance(std::filesystem::directory_iterator(job.path(".")), {}), 3);
         EXPECT_FALSE(std::filesystem::exists(archive));
         EXPECT_TRUE(std::filesystem::exists(script));
         EXPECT_EQ(packed(scene, archive).code, ExitCode::fine);

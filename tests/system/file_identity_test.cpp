@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <chrono>
 #include <filesystem>
 #include <string>
 
@@ -50,6 +51,48 @@ TEST(FileIdentity, IsOfTheFileAndNotOfItsName) {
         EXPECT_EQ(os::identity_of(folder.path(one.one)) == os::identity_of(folder.path(one.other)), one.same)
             << one.name;
     }
+}
+
+TEST(FileVersion, IsAnotherWhenTheFileIs) {
+    const struct {
+        const char* name;
+        void (*change)(const TemporaryFolder& folder);
+        bool same;
+    } cases[] = {
+        {"nothing happens", [](const TemporaryFolder&) {}, true},
+        {"another file changes", [](const TemporaryFolder& folder) { folder.write("b", "12"); }, true},
+        {"it grows",
+         [](const TemporaryFolder& folder) {
+             const fs::file_time_type before = fs::last_write_time(folder.path("a"));
+             folder.write("a", "12");
+             fs::last_write_time(folder.path("a"), before);
+         },
+         false},
+        {"it is written again with as many bytes",
+         [](const TemporaryFolder& folder) {
+             const fs::file_time_type before = fs::last_write_time(folder.path("a"));
+             folder.write("a", "2");
+             fs::last_write_time(folder.path("a"), before + std::chrono::seconds(1));
+         },
+         false},
+        {"another of that size and time takes its place",
+         [](const TemporaryFolder& folder) {
+             fs::last_write_time(folder.path("b"), fs::last_write_time(folder.path("a")));
+             fs::rename(folder.path("b"), folder.path("a"));
+         },
+         false},
+        {"it goes", [](const TemporaryFolder& folder) { fs::remove(folder.path("a")); }, false},
+    };
+    for (const auto& one : cases) {
+        const TemporaryFolder folder;
+        folder.write("a", "1");
+        folder.write("b", "2");
+        const os::FileVersion before = os::version_of(folder.path("a"));
+        one.change(folder);
+        EXPECT_EQ(os::version_of(folder.path("a")) == before, one.same) << one.name;
+    }
+    const TemporaryFolder folder;
+    EXPECT_EQ(os::version_of(folder.path("missing")), os::version_of(folder.path("missing, too")));
 }
 
 TEST(FileIdentity, OfDevicesAndOfNothing) {
