@@ -1,6 +1,5 @@
 #include "handover/jsx/jsx_layers.h"
 
-#include <algorithm>
 #include <deque>
 #include <future>
 #include <string_view>
