@@ -2,8 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <cstdint>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
+#include <vector>
 
 #include "support/special_files.h"
 #include "support/temporary_folder.h"
@@ -90,6 +94,47 @@ TEST(SceneReading, ErrorFromTheManual) {
     ASSERT_TRUE(reading.error);
     EXPECT_EQ(reading.error->reason, "expected a number after FPS, found the text \"abc\"");
     EXPECT_EQ(*reading.error->source_line, "FPS \"abc\"");
+}
+
+// What a watch throws passes through the plug-in's readers, wherever they are: the sanitizers see what they
+// leave behind.
+TEST(SceneReading, AWatchEndsTheReadingAnywhere) {
+    constexpr int kBlocks = 3000;
+    std::string text =
+        "VORTAN XR COMPOSITION\nRESOLUTION 4 4\nFROM 0\nTO 9\nRANGE 10\nFPS 25\nCOMPOSITION NRM \"a\" {\n";
+    for (int i = 0; i < kBlocks; ++i) {
+        text += "WORD FILE NRM STRAIGHT \"a.tif\"\n";
+    }
+    text += "}\nFILE <-> STRAIGHT \"b.tif\"\nCAMERA \"c\" {\n";
+    for (int i = 0; i < kBlocks; ++i) {
+        // The second is no plain number, so it takes another way through the readers.
+        text += "KEY 0 1 2 3 4 5 6 7\nKEY 1 0x1 2 3 4 5 6 7\n";
+    }
+    text += "}\n";
+    const TemporaryFolder folder;
+    const std::string path = folder.write("shot.aec", text);
+
+    std::vector<std::int64_t> places;
+    const auto note = [&](std::int64_t read_bytes, std::uint64_t file_bytes) {
+        EXPECT_EQ(file_bytes, text.size());
+        places.push_back(read_bytes);
+    };
+    EXPECT_FALSE(cli::read_scene(path, note).error);
+    // One event in 1024 of 5 settings, 6000 entries of the composition, one of the top level, and 6000 keys.
+    EXPECT_EQ(places.size(), 12U);
+    EXPECT_TRUE(std::is_sorted(places.begin(), places.end()));
+    for (std::size_t stop = 0; stop < places.size(); ++stop) {
+        std::size_t told = 0;
+        EXPECT_THROW((void)cli::read_scene(path,
+                                           [&](std::int64_t read_bytes, std::uint64_t) {
+                                               EXPECT_EQ(read_bytes, places[told]);
+                                               if (told++ == stop) {
+                                                   throw std::runtime_error("enough");
+                                               }
+                                           }),
+                     std::runtime_error);
+        EXPECT_EQ(told, stop + 1);
+    }
 }
 
 TEST(SceneReading, UnreadableFilesAreNotRefused) {

@@ -3,6 +3,8 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
+#include <memory>
+#include <span>
 #include <string_view>
 
 #include "cli/report/diagnostic_text.h"
@@ -118,7 +120,53 @@ Diagnostic diagnostic_of(Diagnostic error, const std::string& file) {
     return error;
 }
 
-void read_into(SceneReading& reading) {
+/// Also tells how far reading has come.
+class WatchedObserver final : public SceneObserver {
+  public:
+    WatchedObserver(SceneFacts& facts, const ReadingWatch& watch, std::uint64_t file_bytes)
+        : SceneObserver(facts), watch_(watch), file_bytes_(file_bytes) {}
+
+    void on_keyword(std::string_view keyword, const TextPosition& at) override {
+        SceneObserver::on_keyword(keyword, at);
+        tell(at);
+    }
+    void on_plain_key(const TextPosition& at, std::int32_t frame, std::span<const float> others) override {
+        SceneObserver::on_plain_key(at, frame, others);
+        tell(at);
+    }
+    void on_footage(const ReadFootage& footage) override {
+        SceneObserver::on_footage(footage);
+        tell(footage.at);
+    }
+    void on_ignored(std::string_view text, const TextPosition& at) override {
+        SceneObserver::on_ignored(text, at);
+        tell(at);
+    }
+
+  private:
+    // So seldom that watching takes no time, and still many times a second.
+    static constexpr int kEventsBetween = 1024;
+
+    void tell(const TextPosition& at) {
+        if (--events_left_ == 0) {
+            events_left_ = kEventsBetween;
+            watch_(at.offset_bytes, file_bytes_);
+        }
+    }
+
+    const ReadingWatch& watch_;
+    std::uint64_t file_bytes_;
+    int events_left_ = 1;
+};
+
+std::unique_ptr<SceneObserver> observer_of(SceneReading& reading, const ReadingWatch& watch) {
+    if (watch) {
+        return std::make_unique<WatchedObserver>(reading.facts, watch, reading.version.size_bytes);
+    }
+    return std::make_unique<SceneObserver>(reading.facts);
+}
+
+void read_into(SceneReading& reading, const ReadingWatch& watch = {}) {
     reading.version = os::version_of(reading.full_path);
     reading.error = quick_test(reading, reading.code);
     if (reading.error) {
@@ -127,10 +175,10 @@ void read_into(SceneReading& reading) {
     const std::string& file = reading.file;
     // As in a current host.
     const os::PathGuesses guesses(paths_in_other_encodings);
-    SceneObserver observer(reading.facts);
+    const std::unique_ptr<SceneObserver> observer = observer_of(reading, watch);
     tagProjectSettings& settings = *reading.settings;
     ASCIIParser parser;
-    parser.SetObserver(&observer);
+    parser.SetObserver(observer.get());
     const bool read = parser.Init(Filename(reading.full_path.c_str()), 1, 0) == 0 &&
                       read_composition_file(parser, settings) != 0;
     if (reading.facts.error) {
@@ -186,14 +234,14 @@ std::int64_t layer_length(const tagProjectSettings& settings) {
     return std::int64_t{settings.to} - settings.from + 1;
 }
 
-SceneReading read_scene(const std::string& file) {
+SceneReading read_scene(const std::string& file, const ReadingWatch& watch) {
     if (is_standard_input(file)) {
         return read_standard_input();
     }
     SceneReading reading;
     reading.file = file;
     reading.full_path = os::absolute_path(file);
-    read_into(reading);
+    read_into(reading, watch);
     return reading;
 }
 

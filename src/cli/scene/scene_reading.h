@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -31,9 +32,14 @@ struct SceneReading {
 /// The length of layers and placeholders, in frames.
 std::int64_t layer_length(const tagProjectSettings& settings);
 
+/// Is told now and then how far reading has come. What it throws ends the reading and passes on to the
+/// caller.
+using ReadingWatch = std::function<void(std::int64_t read_bytes, std::uint64_t file_bytes)>;
+
 /// Reads the file the way a host and the plug-in do: the first nine bytes, then everything with the plug-in's
 /// own readers. Never waits for a pipe or a device, except for the standard input when `file` names it.
-SceneReading read_scene(const std::string& file);
+/// `watch` may be empty.
+SceneReading read_scene(const std::string& file, const ReadingWatch& watch = {});
 
 /// Every file that the scene uses as footage, whether or not it exists: of a sequence all files with a number
 /// where its own has one.
