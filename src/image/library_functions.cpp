@@ -48,7 +48,7 @@ Loaded open_module(const std::filesystem::path& place) {
 
 Loaded load() {
     std::string looked;
-    for (const std::filesystem::path& place : os::paths_beside(os::program_path(), kModule)) {
+    for (const std::filesystem::path& place : os::paths_beside(os::own_program(), kModule)) {
         std::string why_not;
         if (os::is_regular_file(os::text_of(place), why_not)) {
             return open_module(place);

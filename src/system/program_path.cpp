@@ -1,6 +1,7 @@
 #include "system/program_path.h"
 
 #include <system_error>
+#include <utility>
 
 #if defined(_WIN32)
 #include <windows.h>
@@ -27,6 +28,24 @@ std::filesystem::path program_path() {
 }
 
 #endif
+
+namespace {
+
+// Empty until a library names one.
+std::filesystem::path& named_program() {
+    static std::filesystem::path program;
+    return program;
+}
+
+}  // namespace
+
+std::filesystem::path own_program() {
+    return named_program().empty() ? program_path() : named_program();
+}
+
+void set_own_program(std::filesystem::path program) {
+    named_program() = std::move(program);
+}
 
 std::vector<std::filesystem::path> paths_beside(const std::filesystem::path& program,
                                                 const std::string& name) {

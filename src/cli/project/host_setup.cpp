@@ -27,7 +27,7 @@ FoundBundle find_bundle(const std::string& chosen) {
         return {os::path_of(os::absolute_path(chosen)), {}};
     }
     std::string looked;
-    for (const std::filesystem::path& place : bundle_places(os::program_path())) {
+    for (const std::filesystem::path& place : bundle_places(os::own_program())) {
         std::string why_not;
         if (os::is_regular_file(os::text_of(place), why_not)) {
             return {place, {}};
