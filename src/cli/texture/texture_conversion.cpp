@@ -213,6 +213,22 @@ void add_alpha_label_option(Options& options, std::string& label) {
         .group("Alpha");
 }
 
+Conversion save_texture(const Texture& texture, const std::string& output) {
+    Conversion conversion;
+    conversion.output = output;
+    try {
+        if (auto refusal = write_as_texture(conversion, texture)) {
+            refuse(conversion, refusal->code, std::move(refusal->error));
+        } else {
+            conversion.size = texture_size_text(texture);
+        }
+    } catch (const std::exception& failure) {
+        refuse(conversion, ExitCode::cannot_read_or_write,
+               diagnostic::make(image::Code::gave_up, {output}, failure.what()));
+    }
+    return conversion;
+}
+
 image::AlphaPixels alpha_pixels(AlphaLabel label, const Texture& texture) {
     const bool straight =
         label == AlphaLabel::straight || (label == AlphaLabel::pixels && !texture.alphas.empty() &&

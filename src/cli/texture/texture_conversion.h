@@ -67,6 +67,9 @@ struct Conversion {
 Conversion convert_texture(const std::string& input, const std::string& output,
                            const ConversionOptions& options);
 
+/// Writes a texture to `output` as convert_texture() does; `input` stays empty. Does not throw.
+Conversion save_texture(const Texture& texture, const std::string& output);
+
 /// cannot_read_or_write for what the file system prevents, refused for everything else.
 ExitCode image_exit_code(const diagnostic::Diagnostic& error);
 
