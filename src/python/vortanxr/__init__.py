@@ -1,0 +1,71 @@
+"""Composition files of VORTAN XR (``.aec``) and layered textures of Texalon (``.txl``) in Python.
+
+    import vortanxr as vx
+
+    scene = vx.read_scene("shot.aec", search=["/mnt/renders"])
+    for camera in scene.cameras:
+        print(camera.name, camera.frames, camera.position)
+
+Functions read and check with the code of the plug-in for After Effects and of the command line ``vxr``. Long calls let
+other threads run. Paths are ``str``, ``bytes`` or ``os.PathLike``.
+"""
+
+from ._calls import Cancel, Event, Path, Progress
+from ._diagnostics import Diagnostic, MissingFootage
+from ._errors import ArrayError, Cancelled, Error, PathError, SceneError, TextureError
+from ._native import version as _native_version
+from ._place import find_own_files
+from ._scene import (
+    Camera,
+    Check,
+    Composition,
+    Finding,
+    Footage,
+    Light,
+    Nested,
+    Null,
+    Scene,
+    SceneObject,
+    check,
+    read_scene,
+)
+from ._texture import Texture, read_texture, write_texture
+from ._version import __version__
+
+__all__ = [
+    "ArrayError",
+    "Camera",
+    "Cancel",
+    "Cancelled",
+    "Check",
+    "Composition",
+    "Diagnostic",
+    "Error",
+    "Event",
+    "Finding",
+    "Footage",
+    "Light",
+    "MissingFootage",
+    "Nested",
+    "Null",
+    "Path",
+    "PathError",
+    "Progress",
+    "Scene",
+    "SceneError",
+    "SceneObject",
+    "Texture",
+    "TextureError",
+    "check",
+    "read_scene",
+    "read_texture",
+    "write_texture",
+]
+
+if _native_version != __version__:
+    raise ImportError(
+        f"vortanxr has version {__version__}, and its library, {_native_version}, is that of another version; "
+        "install both again"
+    )
+
+find_own_files()

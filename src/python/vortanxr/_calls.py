@@ -1,0 +1,89 @@
+"""What all calls share: paths, documents, and how long calls are watched."""
+
+from __future__ import annotations
+
+import json
+import os
+from collections.abc import Callable, Iterable, Mapping
+from typing import Any, Protocol, TypeAlias
+
+from . import _native
+from ._errors import Cancelled, PathError
+
+Path: TypeAlias = "str | bytes | os.PathLike[str] | os.PathLike[bytes]"
+
+
+class Event(Protocol):
+    """What has a method ``is_set``, such as ``threading.Event``."""
+
+    def is_set(self) -> bool: ...
+
+
+Progress: TypeAlias = Callable[[float], object]
+Cancel: TypeAlias = "Event | Callable[[], object]"
+
+
+def path_bytes(path: Path) -> bytes:
+    """The bytes of a path. Raises PathError for a path that no file has, TypeError for what is no path."""
+    encoded = os.fsencode(path)
+    if not encoded:
+        raise PathError("the path is empty")
+    if b"\0" in encoded:
+        raise PathError(f"the path contains a zero byte: {encoded!r}")
+    # The command line reads the standard input for this name.
+    return b"./-" if encoded == b"-" else encoded
+
+
+def folder_list(search: Iterable[Path]) -> list[bytes]:
+    if isinstance(search, (str, bytes, os.PathLike)):
+        raise TypeError("search takes a list of folders; for one folder write [folder]")
+    return [path_bytes(folder) for folder in search]
+
+
+def map_list(maps: Mapping[str, Path]) -> list[bytes]:
+    """The maps as the command line takes them."""
+    texts = []
+    for beginning, folder in maps.items():
+        encoded = os.fsencode(beginning)
+        if b"=" in encoded:
+            raise PathError(f"the beginning of a path in maps contains an equals sign: {beginning!r}")
+        text = encoded + b"=" + path_bytes(folder)
+        if b"\0" in encoded or not _native.is_path_map(text):
+            raise PathError(f"the beginning of a path in maps is empty or contains a zero byte: {beginning!r}")
+        texts.append(text)
+    return texts
+
+
+def _decoded(members: dict[str, Any]) -> Any:
+    # A text that is not UTF-8. It keeps its bytes as the names of files do: os.fsencode() gives them back.
+    if members.keys() == {"bytes"}:
+        return bytes.fromhex(members["bytes"]).decode("utf-8", "surrogateescape")
+    return members
+
+
+def members_of(document: str) -> dict[str, Any]:
+    members: dict[str, Any] = json.loads(document, object_hook=_decoded)
+    return members
+
+
+def number_of(value: float | str) -> float:
+    """A real number of a document, where JSON has no infinite numbers."""
+    return float(value)
+
+
+class Watch:
+    """Tells ``progress`` how much of a call is done, and ends the call when ``cancel`` says so."""
+
+    def __init__(self, progress: Progress | None, cancel: Cancel | None) -> None:
+        self._progress = progress
+        is_set = getattr(cancel, "is_set", None)
+        self._cancelled: Callable[[], object] | None = is_set if callable(is_set) else cancel  # type: ignore[assignment]
+        for name, call in (("progress", progress), ("cancel", self._cancelled)):
+            if call is not None and not callable(call):
+                raise TypeError(f"{name} is not callable: {call!r}")
+
+    def __call__(self, fraction: float) -> None:
+        if self._cancelled is not None and self._cancelled():
+            raise Cancelled("cancelled by the caller")
+        if self._progress is not None:
+            self._progress(min(max(fraction, 0.0), 1.0))

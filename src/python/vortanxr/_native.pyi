@@ -1,0 +1,25 @@
+"""What C++ does for this package. Paths are bytes, documents are JSON, arrays belong to what was read."""
+
+from typing import Callable
+
+import numpy as np
+import numpy.typing as npt
+
+_Bytes = npt.NDArray[np.uint8]
+
+version: str
+
+def set_own_program(program: str) -> None: ...
+def is_path_map(text: bytes) -> bool: ...
+def read_scene(
+    path: bytes,
+    search: list[bytes],
+    maps: list[bytes],
+    prefer: str,
+    check: bool,
+    read_pixels: bool,
+    columns: bool,
+    told: Callable[[float], None],
+) -> tuple[str, list[tuple[npt.NDArray[np.generic], ...]]]: ...
+def read_texture(path: bytes) -> tuple[str, _Bytes | None, list[tuple[bytes, _Bytes]]]: ...
+def write_texture(path: bytes, color: _Bytes, alphas: list[tuple[bytes, _Bytes]]) -> str: ...
