@@ -15,6 +15,7 @@
 #include <utility>
 #include <vector>
 
+#include "python/import_calls.h"
 #include "python/key_columns.h"
 #include "python/scene_calls.h"
 #include "python/texture_calls.h"
@@ -111,6 +112,34 @@ py::tuple read_scene_call(const py::bytes& path, const std::vector<std::string>&
     return py::make_tuple(py::str(answer.document), objects);
 }
 
+/// For each stream (kind, value, times, values).
+py::list stream_tuples(std::vector<StreamColumns> streams) {
+    auto kept = std::make_unique<std::vector<StreamColumns>>(std::move(streams));
+    const std::vector<StreamColumns>& all = *kept;
+    const py::capsule owner = owner_of(std::move(kept));
+    py::list tuples;
+    for (const StreamColumns& stream : all) {
+        const auto count = static_cast<py::ssize_t>(stream.times.size());
+        const auto components = static_cast<py::ssize_t>(stream.components);
+        tuples.append(py::make_tuple(stream.kind,
+                                     read_only(shown(owner, stream.fixed_value.data(), {components})),
+                                     read_only(shown(owner, stream.times.data(), {count})),
+                                     read_only(shown(owner, stream.values.data(), {count, components}))));
+    }
+    return tuples;
+}
+
+py::tuple import_scene_call(const py::bytes& path, const std::vector<std::string>& search,
+                            const std::vector<std::string>& maps, const py::bytes& bundle,
+                            const std::string& host, const std::string& name_encoding,
+                            const py::object& told) {
+    const ImportRequest request{path, {search, maps, {}}, bundle, host, name_encoding};
+    const Watch watch = watch_of(told);
+    ImportAnswer answer = without_lock([&] { return import_scene(request, watch); });
+    const py::str document(answer.document);
+    return py::make_tuple(document, stream_tuples(std::move(answer.streams)));
+}
+
 py::tuple read_texture_call(const py::bytes& path) {
     const std::string name = path;
     TextureAnswer answer = without_lock([&] { return read_texture_file(name); });
@@ -170,6 +199,9 @@ PYBIND11_MODULE(_native, module) {
                [](const std::string& program) { os::set_own_program(os::path_of(program)); });
     module.def("is_path_map", is_path_map);
     module.def("read_scene", read_scene_call);
+    module.def("is_host", is_host);
+    module.def("is_name_encoding", is_name_encoding);
+    module.def("import_scene", import_scene_call);
     module.def("read_texture", read_texture_call);
     module.def("write_texture", write_texture_call);
 }

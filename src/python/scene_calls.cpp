@@ -16,8 +16,6 @@
 #include "python/scene_document.h"
 
 namespace python {
-namespace {
-
 using embedded::Json;
 
 cli::ReadingWatch reading_watch(const Watch& watch) {
@@ -28,8 +26,6 @@ cli::ReadingWatch reading_watch(const Watch& watch) {
         watch(file_bytes == 0 ? 0.0 : static_cast<double>(read_bytes) / static_cast<double>(file_bytes));
     };
 }
-
-}  // namespace
 
 SceneAnswer read_scene(const SceneRequest& request, const Watch& watch) {
     const cli::SceneReading reading = cli::read_scene(request.path, reading_watch(watch));

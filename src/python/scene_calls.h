@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/footage/finding_options.h"
+#include "cli/scene/scene_reading.h"
 #include "python/key_columns.h"
 
 // What the module's functions about scenes do, without anything of Python. Values travel as a JSON document,
@@ -14,6 +15,9 @@ namespace python {
 
 /// Is told how much of the work is done, from 0 to 1. What it throws ends the work. May be empty.
 using Watch = std::function<void(double fraction)>;
+
+/// The same for reading a scene. `watch` outlives it.
+[[nodiscard]] cli::ReadingWatch reading_watch(const Watch& watch);
 
 struct SceneRequest {
     std::string path;

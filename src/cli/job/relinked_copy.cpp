@@ -68,7 +68,8 @@ SceneReading reading_of(const RelinkedCopy& copy, const SceneReading& original) 
     return reading;
 }
 
-FoundScene::FoundScene(const std::string& file, const FindingChoices& choices) : original_(read_scene(file)) {
+FoundScene::FoundScene(const std::string& file, const FindingChoices& choices, const ReadingWatch& watch)
+    : original_(read_scene(file, watch)) {
     if (!choices.given() || original_.error) {
         return;
     }

@@ -38,8 +38,9 @@ class RelinkedCopy {
 /// A scene, with its footage where it is today if the user says where to look.
 class FoundScene {
   public:
-    /// Throws std::runtime_error if the relinked copy cannot be made.
-    FoundScene(const std::string& file, const FindingChoices& choices);
+    /// Throws std::runtime_error if the relinked copy cannot be made. `watch` is told of reading the file as
+    /// it is; it may be empty.
+    FoundScene(const std::string& file, const FindingChoices& choices, const ReadingWatch& watch = {});
 
     /// As the file is.
     [[nodiscard]] const SceneReading& original() const { return original_; }

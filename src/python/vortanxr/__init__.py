@@ -12,9 +12,19 @@ other threads run. Paths are ``str``, ``bytes`` or ``os.PathLike``.
 
 from ._calls import Cancel, Event, Path, Progress
 from ._diagnostics import Diagnostic, MissingFootage
-from ._errors import ArrayError, Cancelled, Error, PathError, SceneError, TextureError
+from ._errors import ArrayError, Cancelled, Error, PathError, PluginError, SceneError, TextureError
 from ._native import version as _native_version
 from ._place import find_own_files
+from ._project import (
+    FrameSequence,
+    Item,
+    Layer,
+    Project,
+    ProjectComposition,
+    ProjectFootage,
+    Stream,
+    import_scene,
+)
 from ._scene import (
     Camera,
     Check,
@@ -44,19 +54,28 @@ __all__ = [
     "Event",
     "Finding",
     "Footage",
+    "FrameSequence",
+    "Item",
+    "Layer",
     "Light",
     "MissingFootage",
     "Nested",
     "Null",
     "Path",
     "PathError",
+    "PluginError",
     "Progress",
+    "Project",
+    "ProjectComposition",
+    "ProjectFootage",
     "Scene",
     "SceneError",
     "SceneObject",
+    "Stream",
     "Texture",
     "TextureError",
     "check",
+    "import_scene",
     "read_scene",
     "read_texture",
     "write_texture",

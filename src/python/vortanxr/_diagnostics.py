@@ -55,11 +55,12 @@ class Diagnostic:
         return f"{self.file}{place}: {self.severity}: {self.reason} [{self.code}]"
 
 
+def missing_footage_of(document: dict[str, Any]) -> MissingFootage:
+    return MissingFootage(document["path"], tuple(document["tried"]), document["placeholder"])
+
+
 def diagnostic_of(document: dict[str, Any]) -> Diagnostic:
     at = document["at"]
-    missing = None
-    if "tried" in document:
-        missing = MissingFootage(document["path"], tuple(document["tried"]), document["placeholder"])
     return Diagnostic(
         code=document["code"],
         severity=document["severity"],
@@ -73,7 +74,7 @@ def diagnostic_of(document: dict[str, Any]) -> Diagnostic:
         count=document["count"],
         source_line=document["source_line"],
         limit=None if document["limit"] is None else document["limit"]["id"],
-        missing_footage=missing,
+        missing_footage=missing_footage_of(document) if "tried" in document else None,
     )
 
 

@@ -2,7 +2,12 @@
 
 from __future__ import annotations
 
+from typing import TYPE_CHECKING
+
 from ._diagnostics import Diagnostic
+
+if TYPE_CHECKING:
+    from ._project import Project
 
 
 class Error(Exception):
@@ -52,6 +57,23 @@ class SceneError(Error):
 
 class TextureError(Error):
     """The texture cannot be read or written; a file that was to be replaced is unchanged."""
+
+
+class PluginError(Exception):
+    """An import did not finish, or there is no plug-in. What was built before stays in ``project``."""
+
+    def __init__(
+        self, problems: tuple[str, ...], project: Project | None = None, diagnostics: tuple[Diagnostic, ...] = ()
+    ) -> None:
+        super().__init__(problems, project, diagnostics)
+        self.problems = problems
+        """What did not happen, one sentence each."""
+        self.project = project
+        self.diagnostics = diagnostics
+        """What may be the reason."""
+
+    def __str__(self) -> str:
+        return "; ".join(self.problems)
 
 
 class PathError(ValueError):

@@ -6,6 +6,7 @@ import numpy as np
 import numpy.typing as npt
 
 _Bytes = npt.NDArray[np.uint8]
+_Doubles = npt.NDArray[np.float64]
 
 version: str
 
@@ -21,5 +22,16 @@ def read_scene(
     columns: bool,
     told: Callable[[float], None],
 ) -> tuple[str, list[tuple[npt.NDArray[np.generic], ...]]]: ...
+def is_host(text: str) -> bool: ...
+def is_name_encoding(text: str) -> bool: ...
+def import_scene(
+    path: bytes,
+    search: list[bytes],
+    maps: list[bytes],
+    bundle: bytes,
+    host: str,
+    name_encoding: str,
+    told: Callable[[float], None],
+) -> tuple[str, list[tuple[int, _Doubles, _Doubles, _Doubles]]]: ...
 def read_texture(path: bytes) -> tuple[str, _Bytes | None, list[tuple[bytes, _Bytes]]]: ...
 def write_texture(path: bytes, color: _Bytes, alphas: list[tuple[bytes, _Bytes]]) -> str: ...
