@@ -1,6 +1,5 @@
 #include "python/import_calls.h"
 
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <optional>
 #include <utility>
@@ -67,12 +66,12 @@ void add_labels(Json& document, const embedded::Project& project) {
     }
 }
 
+}  // namespace
+
 std::mutex& host_mutex() {
     static std::mutex mutex;
     return mutex;
 }
-
-}  // namespace
 
 ImportAnswer import_scene(const ImportRequest& request, const Watch& watch) {
     const cli::FoundScene scene(request.path, request.choices, reading_watch(watch));

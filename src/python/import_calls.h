@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <vector>
 
@@ -41,6 +42,9 @@ struct ImportAnswer {
 /// alone. Waits while another thread imports, because a process has one host at a time. Throws
 /// std::runtime_error if the relinked copy of the scene cannot be made.
 [[nodiscard]] ImportAnswer import_scene(const ImportRequest& request, const Watch& watch);
+
+/// Held while a host lives. Not while anything of Python is called: that may want a host, too.
+[[nodiscard]] std::mutex& host_mutex();
 
 /// Whether --host takes this text.
 [[nodiscard]] bool is_host(const std::string& text);

@@ -11,10 +11,12 @@
 #include <chrono>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "python/handover_calls.h"
 #include "python/import_calls.h"
 #include "python/key_columns.h"
 #include "python/scene_calls.h"
@@ -140,6 +142,31 @@ py::tuple import_scene_call(const py::bytes& path, const std::vector<std::string
     return py::make_tuple(document, stream_tuples(std::move(answer.streams)));
 }
 
+py::str relink_scene_call(const py::bytes& path, const std::vector<std::string>& search,
+                          const std::vector<std::string>& maps, const std::string& prefer,
+                          const py::bytes& output) {
+    const RelinkRequest request{path, {search, maps, prefer}, output};
+    return py::str(without_lock([&] { return relink_scene(request); }));
+}
+
+py::str export_scene_call(const py::bytes& path, const std::vector<std::string>& search,
+                          const std::vector<std::string>& maps, const py::bytes& bundle,
+                          const std::string& format, const py::bytes& output, bool packaged, bool corrected,
+                          const std::vector<std::string>& without, const std::optional<double>& rate_fps,
+                          double scale_m, bool undo_safe, const py::object& told) {
+    const ExportRequest request{path,    {search, maps, {}}, bundle,  format,   output, packaged, corrected,
+                                without, rate_fps,           scale_m, undo_safe};
+    const Watch watch = watch_of(told);
+    return py::str(without_lock([&] { return export_scene(request, watch); }));
+}
+
+py::str prove_scene_call(const py::bytes& path, const py::bytes& bundle, int grid_points,
+                         const std::vector<double>& listed_frames, const py::object& told) {
+    const ProofRequest request{path, bundle, grid_points, listed_frames};
+    const Watch watch = watch_of(told);
+    return py::str(without_lock([&] { return prove_scene(request, watch); }));
+}
+
 py::tuple read_texture_call(const py::bytes& path) {
     const std::string name = path;
     TextureAnswer answer = without_lock([&] { return read_texture_file(name); });
@@ -202,6 +229,9 @@ PYBIND11_MODULE(_native, module) {
     module.def("is_host", is_host);
     module.def("is_name_encoding", is_name_encoding);
     module.def("import_scene", import_scene_call);
+    module.def("relink_scene", relink_scene_call);
+    module.def("export_scene", export_scene_call);
+    module.def("prove_scene", prove_scene_call);
     module.def("read_texture", read_texture_call);
     module.def("write_texture", write_texture_call);
 }

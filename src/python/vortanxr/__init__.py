@@ -12,7 +12,27 @@ other threads run. Paths are ``str``, ``bytes`` or ``os.PathLike``.
 
 from ._calls import Cancel, Event, Path, Progress
 from ._diagnostics import Diagnostic, MissingFootage
-from ._errors import ArrayError, Cancelled, Error, PathError, PluginError, SceneError, TextureError
+from ._errors import (
+    ArrayError,
+    Cancelled,
+    Error,
+    OutputError,
+    PathError,
+    PluginError,
+    SceneError,
+    TextureError,
+)
+from ._handover import (
+    Correction,
+    Deviation,
+    Export,
+    Proof,
+    Relinked,
+    RelinkedPath,
+    export_scene,
+    prove_scene,
+    relink_scene,
+)
 from ._native import version as _native_version
 from ._place import find_own_files
 from ._project import (
@@ -49,9 +69,12 @@ __all__ = [
     "Cancelled",
     "Check",
     "Composition",
+    "Correction",
+    "Deviation",
     "Diagnostic",
     "Error",
     "Event",
+    "Export",
     "Finding",
     "Footage",
     "FrameSequence",
@@ -61,6 +84,7 @@ __all__ = [
     "MissingFootage",
     "Nested",
     "Null",
+    "OutputError",
     "Path",
     "PathError",
     "PluginError",
@@ -68,6 +92,9 @@ __all__ = [
     "Project",
     "ProjectComposition",
     "ProjectFootage",
+    "Proof",
+    "Relinked",
+    "RelinkedPath",
     "Scene",
     "SceneError",
     "SceneObject",
@@ -75,9 +102,12 @@ __all__ = [
     "Texture",
     "TextureError",
     "check",
+    "export_scene",
     "import_scene",
+    "prove_scene",
     "read_scene",
     "read_texture",
+    "relink_scene",
     "write_texture",
 ]
 

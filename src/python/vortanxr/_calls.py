@@ -34,6 +34,12 @@ def path_bytes(path: Path) -> bytes:
     return b"./-" if encoded == b"-" else encoded
 
 
+def bundle_bytes(bundle: Path | None) -> bytes:
+    """The plug-in that was chosen; empty for that of this installation."""
+    chosen = bundle if bundle is not None else os.environ.get("VXR_BUNDLE") or None
+    return b"" if chosen is None else path_bytes(chosen)
+
+
 def folder_list(search: Iterable[Path]) -> list[bytes]:
     if isinstance(search, (str, bytes, os.PathLike)):
         raise TypeError("search takes a list of folders; for one folder write [folder]")

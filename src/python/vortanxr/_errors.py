@@ -60,7 +60,8 @@ class TextureError(Error):
 
 
 class PluginError(Exception):
-    """An import did not finish, or there is no plug-in. What was built before stays in ``project``."""
+    """An import did not finish, there is no plug-in, or a file could not be written. What an import built before it
+    ended stays in ``project``."""
 
     def __init__(
         self, problems: tuple[str, ...], project: Project | None = None, diagnostics: tuple[Diagnostic, ...] = ()
@@ -78,6 +79,10 @@ class PluginError(Exception):
 
 class PathError(ValueError):
     """A path that no file has: it is empty, or it contains a zero byte."""
+
+
+class OutputError(ValueError):
+    """What was asked for cannot be written: the output is a file that is read, or a name is unknown."""
 
 
 class ArrayError(ValueError):

@@ -33,5 +33,24 @@ def import_scene(
     name_encoding: str,
     told: Callable[[float], None],
 ) -> tuple[str, list[tuple[int, _Doubles, _Doubles, _Doubles]]]: ...
+def relink_scene(path: bytes, search: list[bytes], maps: list[bytes], prefer: str, output: bytes) -> str: ...
+def export_scene(
+    path: bytes,
+    search: list[bytes],
+    maps: list[bytes],
+    bundle: bytes,
+    to: str,
+    output: bytes,
+    package: bool,
+    corrected: bool,
+    without: list[str],
+    fps: float | None,
+    scale: float,
+    undo_safe: bool,
+    told: Callable[[float], None],
+) -> str: ...
+def prove_scene(
+    path: bytes, bundle: bytes, grid_points: int, at: list[float], told: Callable[[float], None]
+) -> str: ...
 def read_texture(path: bytes) -> tuple[str, _Bytes | None, list[tuple[bytes, _Bytes]]]: ...
 def write_texture(path: bytes, color: _Bytes, alphas: list[tuple[bytes, _Bytes]]) -> str: ...

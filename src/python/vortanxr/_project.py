@@ -2,7 +2,6 @@
 
 from __future__ import annotations
 
-import os
 from collections.abc import Iterable, Iterator, Mapping
 from dataclasses import dataclass
 from fractions import Fraction
@@ -13,7 +12,18 @@ import numpy.typing as npt
 
 from . import _native
 from ._arrays import HoldsArrays
-from ._calls import Cancel, Path, Progress, Watch, folder_list, map_list, members_of, number_of, path_bytes
+from ._calls import (
+    Cancel,
+    Path,
+    Progress,
+    Watch,
+    bundle_bytes,
+    folder_list,
+    map_list,
+    members_of,
+    number_of,
+    path_bytes,
+)
 from ._diagnostics import MissingFootage, diagnostic_of, diagnostics_of, missing_footage_of
 from ._errors import PluginError, SceneError
 from ._scene import Scene
@@ -281,7 +291,6 @@ def import_scene(
     if isinstance(scene, Scene):
         search = scene.search if search is None else search
         maps = scene.maps if maps is None else maps
-    chosen = bundle if bundle is not None else os.environ.get("VXR_BUNDLE") or None
     encoded, folders, mapped = path_bytes(path), folder_list(search or ()), map_list(maps or {})
     if "\0" in host or not _native.is_host(host):
         raise ValueError(f'host is {host!r}; it takes "classic", "today", a version, or both as in "today:25.3"')
@@ -294,7 +303,7 @@ def import_scene(
             encoded,
             folders,
             mapped,
-            b"" if chosen is None else path_bytes(chosen),
+            bundle_bytes(bundle),
             host,
             name_encoding or "",
             watch,
