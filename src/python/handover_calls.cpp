@@ -1,6 +1,5 @@
 #include "python/handover_calls.h"
 
-#include <mutex>
 #include <nlohmann/json.hpp>
 #include <stdexcept>
 
@@ -73,7 +72,7 @@ std::string export_scene(const ExportRequest& request, const Watch& watch) {
         cli::add_import_reads(scene.reading(), bundle, roles);
         refuse_to_overwrite(roles, request.output, request.path);
     }
-    const std::scoped_lock one_host_at_a_time(host_mutex());
+    const HostTurn turn;
     return cli::exported_json(cli::export_scene(scene.reading(), bundle, settings, request.output)).dump();
 }
 
@@ -83,7 +82,7 @@ std::string prove_scene(const ProofRequest& request, const Watch& watch) {
     proof::ProofOptions options;
     options.grid_points = request.grid_points;
     options.listed_frames = request.listed_frames;
-    const std::scoped_lock one_host_at_a_time(host_mutex());
+    const HostTurn turn;
     return cli::proof_document(cli::prove(reading, bundle, options)).dump();
 }
 

@@ -2,6 +2,7 @@
 
 #include <nlohmann/json.hpp>
 #include <optional>
+#include <stdexcept>
 #include <utility>
 
 #include "cli/job/relinked_copy.h"
@@ -66,11 +67,24 @@ void add_labels(Json& document, const embedded::Project& project) {
     }
 }
 
+bool& has_host() {
+    thread_local bool has = false;
+    return has;
+}
+
 }  // namespace
 
-std::mutex& host_mutex() {
+HostTurn::HostTurn() {
+    if (has_host()) {
+        throw std::runtime_error("progress and cancel were called within an import and cannot import");
+    }
     static std::mutex mutex;
-    return mutex;
+    lock_ = std::unique_lock(mutex);
+    has_host() = true;
+}
+
+HostTurn::~HostTurn() {
+    has_host() = false;
 }
 
 ImportAnswer import_scene(const ImportRequest& request, const Watch& watch) {
@@ -78,7 +92,7 @@ ImportAnswer import_scene(const ImportRequest& request, const Watch& watch) {
     const cli::FoundBundle bundle = cli::find_bundle(request.bundle);
     const embedded::HostOptions options = cli::host_of_kind(request.host);
 
-    const std::scoped_lock one_host_at_a_time(host_mutex());
+    const HostTurn turn;
     embedded::Host host(options);
     const cli::ImportRun run = cli::import_scene(host, options, bundle, scene.reading());
     const std::optional<ByteEncoding> encoding = parse_byte_encoding(request.name_encoding);

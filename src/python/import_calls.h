@@ -43,8 +43,18 @@ struct ImportAnswer {
 /// std::runtime_error if the relinked copy of the scene cannot be made.
 [[nodiscard]] ImportAnswer import_scene(const ImportRequest& request, const Watch& watch);
 
-/// Held while a host lives. Not while anything of Python is called: that may want a host, too.
-[[nodiscard]] std::mutex& host_mutex();
+/// Held while an embedded host lives; others wait. Throws std::runtime_error on a thread that already has
+/// one: what Python calls within it cannot wait for itself.
+class HostTurn {
+  public:
+    HostTurn();
+    ~HostTurn();
+    HostTurn(const HostTurn&) = delete;
+    HostTurn& operator=(const HostTurn&) = delete;
+
+  private:
+    std::unique_lock<std::mutex> lock_;
+};
 
 /// Whether --host takes this text.
 [[nodiscard]] bool is_host(const std::string& text);

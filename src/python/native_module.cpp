@@ -19,6 +19,7 @@
 #include "python/handover_calls.h"
 #include "python/import_calls.h"
 #include "python/key_columns.h"
+#include "python/preview_calls.h"
 #include "python/scene_calls.h"
 #include "python/texture_calls.h"
 #include "system/files.h"
@@ -167,6 +168,30 @@ py::str prove_scene_call(const py::bytes& path, const py::bytes& bundle, int gri
     return py::str(without_lock([&] { return prove_scene(request, watch); }));
 }
 
+/// (document, [(color, alpha)])
+py::tuple draw_frames_call(const py::bytes& path, const std::vector<std::string>& search,
+                           const std::vector<std::string>& maps, const py::bytes& bundle,
+                           const std::vector<std::int64_t>& frames, const py::bytes& composition, bool raw,
+                           bool linear, const std::string& fields, const std::string& overlay, int threads,
+                           const py::object& told) {
+    const PreviewRequest request{
+        path, {search, maps, {}}, bundle, frames, composition, raw, linear, fields, overlay, threads};
+    const Watch watch = watch_of(told);
+    PreviewAnswer answer = without_lock([&] { return draw_frames(request, watch); });
+    py::list pictures;
+    for (Texture& drawn : answer.pictures) {
+        auto kept = std::make_unique<Texture>(std::move(drawn));
+        Texture& picture = *kept;
+        const py::capsule owner = owner_of(std::move(kept));
+        const py::ssize_t height = picture.height_px;
+        const py::ssize_t width = picture.width_px;
+        pictures.append(
+            py::make_tuple(shown(owner, picture.pixels.data(), {height, width, picture.channels()}),
+                           shown(owner, picture.alphas.front().values.data(), {height, width})));
+    }
+    return py::make_tuple(py::str(answer.document), pictures);
+}
+
 py::tuple read_texture_call(const py::bytes& path) {
     const std::string name = path;
     TextureAnswer answer = without_lock([&] { return read_texture_file(name); });
@@ -232,6 +257,7 @@ PYBIND11_MODULE(_native, module) {
     module.def("relink_scene", relink_scene_call);
     module.def("export_scene", export_scene_call);
     module.def("prove_scene", prove_scene_call);
+    module.def("draw_frames", draw_frames_call);
     module.def("read_texture", read_texture_call);
     module.def("write_texture", write_texture_call);
 }

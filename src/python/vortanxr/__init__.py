@@ -35,6 +35,7 @@ from ._handover import (
 )
 from ._native import version as _native_version
 from ._place import find_own_files
+from ._preview import Frame, Preview, draw_frames
 from ._project import (
     FrameSequence,
     Item,
@@ -77,6 +78,7 @@ __all__ = [
     "Export",
     "Finding",
     "Footage",
+    "Frame",
     "FrameSequence",
     "Item",
     "Layer",
@@ -88,6 +90,7 @@ __all__ = [
     "Path",
     "PathError",
     "PluginError",
+    "Preview",
     "Progress",
     "Project",
     "ProjectComposition",
@@ -102,6 +105,7 @@ __all__ = [
     "Texture",
     "TextureError",
     "check",
+    "draw_frames",
     "export_scene",
     "import_scene",
     "prove_scene",

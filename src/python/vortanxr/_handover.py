@@ -23,7 +23,7 @@ from ._diagnostics import Diagnostic, diagnostics_of
 from ._errors import OutputError, PluginError, SceneError
 from ._scene import Finding, _preference
 
-_REFUSED = (1, 3)  # exit codes of vxr
+_DONE = (0, 4, 5)  # exit codes of vxr: done, also with missing footage or with a difference
 
 
 @dataclass(frozen=True)
@@ -112,20 +112,26 @@ class Proof:
         return all(one.meets_goal for one in self.deviations if one.judged)
 
 
-def _answer(call: Callable[[], str]) -> dict[str, Any]:
+def answer_of(call: Callable[[], str]) -> dict[str, Any]:
     """The document of a call. Raises for a scene that was refused, and for what did not happen."""
     try:
         document = members_of(call())
-    except ValueError as refusal:
-        raise OutputError(str(refusal)) from None
     except RuntimeError as error:
         raise PluginError((str(error),)) from error
     diagnostics = diagnostics_of(document["diagnostics"])
     if diagnostics and diagnostics[0].severity == "error":
         raise SceneError(diagnostics[0], diagnostics)
-    if document["problems"] and document["exit_code"] in _REFUSED:
+    if document["exit_code"] not in _DONE:
         raise PluginError(tuple(document["problems"]), None, diagnostics)
     return document
+
+
+def _written(call: Callable[[], str]) -> dict[str, Any]:
+    """The same for a call that may write."""
+    try:
+        return answer_of(call)
+    except ValueError as refusal:
+        raise OutputError(str(refusal)) from None
 
 
 def _relinked_path(members: dict[str, Any]) -> RelinkedPath:
@@ -162,7 +168,7 @@ def relink_scene(
         _preference(prefer),
         b"" if output is None else path_bytes(output),
     )
-    document = _answer(lambda: _native.relink_scene(*arguments))
+    document = _written(lambda: _native.relink_scene(*arguments))
     return Relinked(document["output"], tuple(map(_relinked_path, document["paths"])))
 
 
@@ -223,7 +229,7 @@ def export_scene(
         watch,
     )
     watch(0.0)
-    document = _answer(lambda: _native.export_scene(*arguments))
+    document = _written(lambda: _native.export_scene(*arguments))
     watch(1.0)
     return Export(
         output=document["output"],
@@ -256,7 +262,7 @@ def prove_scene(
     watch = Watch(progress, cancel)
     arguments = (path_bytes(path), bundle_bytes(bundle), grid_points, [float(frame) for frame in at], watch)
     watch(0.0)
-    document = _answer(lambda: _native.prove_scene(*arguments))
+    document = answer_of(lambda: _native.prove_scene(*arguments))
     watch(1.0)
     deviations = tuple(
         Deviation(

@@ -52,5 +52,19 @@ def export_scene(
 def prove_scene(
     path: bytes, bundle: bytes, grid_points: int, at: list[float], told: Callable[[float], None]
 ) -> str: ...
+def draw_frames(
+    path: bytes,
+    search: list[bytes],
+    maps: list[bytes],
+    bundle: bytes,
+    frames: list[int],
+    composition: bytes,
+    raw: bool,
+    linear: bool,
+    fields: str,
+    overlay: str,
+    threads: int,
+    told: Callable[[float], None],
+) -> tuple[str, list[tuple[_Bytes, _Bytes]]]: ...
 def read_texture(path: bytes) -> tuple[str, _Bytes | None, list[tuple[bytes, _Bytes]]]: ...
 def write_texture(path: bytes, color: _Bytes, alphas: list[tuple[bytes, _Bytes]]) -> str: ...
