@@ -1,4 +1,5 @@
-"""Fixtures of the tests of the module. CMake sets VXR_PROGRAM, the vxr of the same build."""
+"""Fixtures of the tests of the module. CMake sets VXR_PROGRAM, the vxr of the same build. With VXR_NIGHT in the
+environment there is more of everything."""
 
 import os
 import pathlib
@@ -14,7 +15,11 @@ settings.register_profile("change", max_examples=25, deadline=None, database=Non
 settings.register_profile(
     "night", max_examples=2000, deadline=None, database=None, suppress_health_check=[HealthCheck.too_slow]
 )
-settings.load_profile("change")
+NIGHT = "VXR_NIGHT" in os.environ
+settings.load_profile("night" if NIGHT else "change")
+
+# For further rows of a table, which take long under the sanitizers.
+by_night = pytest.mark.skipif(not NIGHT, reason="runs in script/nightly python")
 
 
 @pytest.fixture

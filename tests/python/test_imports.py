@@ -11,7 +11,7 @@ import numpy as np
 import pytest
 
 import vortanxr as vx
-from conftest import HEAD
+from conftest import HEAD, by_night
 
 SCENE = (
     HEAD
@@ -73,8 +73,10 @@ def test_keys_are_arrays_in_seconds(path):
         assert not array.flags.writeable and not array.flags.owndata
 
 
-@pytest.mark.parametrize("host", ["today", "classic", "9.31"])
-@pytest.mark.parametrize("example", ["interlaced/lantern_010.aec", "square/courtyard_020.aec"])
+@pytest.mark.parametrize("host", ["today", pytest.param("classic", marks=by_night), "9.31"])
+@pytest.mark.parametrize(
+    "example", [pytest.param("interlaced/lantern_010.aec", marks=by_night), "square/courtyard_020.aec"]
+)
 def test_the_project_is_that_of_the_command_line(host, example, examples, vxr):
     document = json.loads(vxr("import", "--json", "--host", host, examples / example))
     project = vx.import_scene(examples / example, host=host)

@@ -6,7 +6,7 @@ import numpy as np
 import pytest
 
 import vortanxr as vx
-from conftest import HEAD
+from conftest import HEAD, by_night
 
 
 @pytest.fixture
@@ -26,10 +26,10 @@ def written_frame(vxr, scene, tmp_path, *arguments):
 @pytest.mark.parametrize(
     ("example", "number", "options", "arguments"),
     [
-        ("square/courtyard_020", 2, {"linear": True, "threads": 2}, ["--linear"]),
+        pytest.param("square/courtyard_020", 2, {"linear": True, "threads": 2}, ["--linear"], marks=by_night),
         ("square/courtyard_020", 2, {"composition": "Shadow pass", "overlay": ["nulls"]},
          ["--comp", "Shadow pass", "--overlay", "nulls"]),
-        ("interlaced/lantern_010", 18, {"fields": "upper"}, ["--fields", "upper"]),
+        pytest.param("interlaced/lantern_010", 18, {"fields": "upper"}, ["--fields", "upper"], marks=by_night),
     ],
 )  # fmt: skip
 def test_frames_are_those_of_the_command_line(example, number, options, arguments, examples, tmp_path, vxr):

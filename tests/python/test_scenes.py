@@ -15,7 +15,7 @@ import numpy as np
 import pytest
 
 import vortanxr as vx
-from conftest import HEAD
+from conftest import HEAD, by_night
 
 SCENE = (
     HEAD
@@ -144,7 +144,11 @@ def test_a_choice_of_several_files(path, tmp_path):
 
 
 @pytest.mark.parametrize(
-    "example", ["interlaced/lantern_010.aec", "keyframes/orbit_030.aec", "square/courtyard_020.aec"]
+    "example",
+    [
+        "keyframes/orbit_030.aec",
+        *(pytest.param(f"{name}.aec", marks=by_night) for name in ("interlaced/lantern_010", "square/courtyard_020")),
+    ],
 )
 def test_diagnostics_are_those_of_the_command_line(example, examples, vxr):
     path = examples / example
