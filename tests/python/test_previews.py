@@ -14,6 +14,11 @@ def scene(examples):
     return examples / "square" / "courtyard_020.aec"
 
 
+@pytest.fixture
+def small(examples):
+    return examples / "textured" / "shelf_040.aec"
+
+
 def written_frame(vxr, scene, tmp_path, *arguments):
     """A frame as `vxr preview` writes it: (color, alpha)."""
     picture, texture = tmp_path / "frame.png", tmp_path / "frame.txl"
@@ -49,12 +54,12 @@ def test_what_there_is_to_know(scene):
     assert (preview.composition, preview.pixel_aspect, preview.frames) == ("Courtyard 020", 1, ())
 
 
-def test_frames_in_the_order_in_which_they_were_asked_for(scene):
-    several = vx.draw_frames(scene, [5, 0, 5])
+def test_frames_in_the_order_in_which_they_were_asked_for(small):
+    several = vx.draw_frames(small, [5, 0, 5])
     assert [frame.number for frame in several.frames] == [5, 0, 5]
     assert np.array_equal(several.frames[0].color, several.frames[2].color)
-    assert several.frames[1] == vx.draw_frames(scene).frames[0]
-    assert repr(several.frames[0]) == "<Frame 5, 640 x 360>"
+    assert several.frames[1] == vx.draw_frames(small).frames[0]
+    assert repr(several.frames[0]) == "<Frame 5, 240 x 135>"
     several.frames[0].color[:] = 0  # an array of its own
     assert several.frames[2].color.any()
 
@@ -100,11 +105,6 @@ def test_a_refused_scene_raises_its_place(write):
     assert (caught.value.line, caught.value.code) == (7, "expected-blend-mode")
 
 
-@pytest.fixture
-def small(examples):
-    return examples / "textured" / "shelf_040.aec"
-
-
 def test_cancelling_between_frames_frees_the_host(small):
     asked = []
 
@@ -133,10 +133,10 @@ def test_a_call_within_a_call_is_refused_and_not_waited_for(small):
     assert len(vx.import_scene(small).compositions) > 0
 
 
-def test_two_threads_draw(scene):
-    expected = vx.draw_frames(scene, [0, 4])
+def test_two_threads_draw(small):
+    expected = vx.draw_frames(small, [0, 4])
     results = []
-    threads = [threading.Thread(target=lambda: results.append(vx.draw_frames(scene, [0, 4]))) for _ in range(2)]
+    threads = [threading.Thread(target=lambda: results.append(vx.draw_frames(small, [0, 4]))) for _ in range(2)]
     for thread in threads:
         thread.start()
     for thread in threads:

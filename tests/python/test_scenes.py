@@ -227,6 +227,7 @@ def test_wrong_paths_are_refused_by_name(arguments, error, named):
     [
         ({"search": "folder"}, TypeError, "list of folders"),
         ({"search": ["a\0"]}, vx.PathError, "zero byte"),
+        ({"search": ["/nowhere"]}, vx.PathError, "not a folder: '/nowhere'"),
         ({"maps": {"": "a"}}, vx.PathError, "empty"),
         ({"maps": {"a=b": "c"}}, vx.PathError, "equals sign"),
         ({"maps": {"a\0": "c"}}, vx.PathError, "zero byte"),

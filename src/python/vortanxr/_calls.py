@@ -43,7 +43,11 @@ def bundle_bytes(bundle: Path | None) -> bytes:
 def folder_list(search: Iterable[Path]) -> list[bytes]:
     if isinstance(search, (str, bytes, os.PathLike)):
         raise TypeError("search takes a list of folders; for one folder write [folder]")
-    return [path_bytes(folder) for folder in search]
+    folders = [path_bytes(folder) for folder in search]
+    for folder in folders:
+        if not os.path.isdir(folder):
+            raise PathError(f"search names what is not a folder: {os.fsdecode(folder)!r}")
+    return folders
 
 
 def map_list(maps: Mapping[str, Path]) -> list[bytes]:

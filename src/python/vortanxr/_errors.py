@@ -78,7 +78,7 @@ class PluginError(Exception):
 
 
 class PathError(ValueError):
-    """A path that no file has: it is empty, or it contains a zero byte."""
+    """A path that no file has, because it is empty or contains a zero byte, or a search folder that is none."""
 
 
 class OutputError(ValueError):

@@ -1,0 +1,58 @@
+"""The package as a whole: its documents, its help, and what it says about a library of another version."""
+
+import inspect
+import os
+import pathlib
+import re
+import shutil
+import subprocess
+import sys
+
+import vortanxr as vx
+from conftest import PROJECT
+
+PACKAGE = pathlib.Path(vx.__file__).parent
+
+
+def test_the_blocks_of_the_documents_run_as_printed(tmp_path, monkeypatch, examples):
+    renders = tmp_path / "renders"
+    shutil.copytree(examples / "square", renders)
+    shutil.copy(examples / "square" / "courtyard_020.aec", tmp_path / "shot.aec")
+    shutil.copy(next(examples.glob("textured/*.txl")), tmp_path / "cloth.txl")
+    monkeypatch.chdir(tmp_path)
+    text = (PROJECT / "docs" / "python.md").read_text(encoding="utf-8")
+    blocks = re.findall(r"^```python\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
+    assert len(blocks) == 4
+    names: dict[str, object] = {}
+    for block in blocks:
+        # The one thing that a test has elsewhere.
+        exec(compile(block.replace("/mnt/renders", str(renders)), "docs/python.md", "exec"), names)
+    assert (vx.read_texture("negative.txl").color == 255 - vx.read_texture("cloth.txl").color).all()
+    assert pathlib.Path("shot.glb").read_bytes().startswith(b"glTF")
+    assert names["relinked"]
+
+
+def test_everything_has_help_and_types():
+    for name in vx.__all__:
+        thing = getattr(vx, name)
+        if inspect.isfunction(thing):
+            signature = inspect.signature(thing)
+            assert signature.return_annotation is not signature.empty, name
+            assert all(one.annotation is not one.empty for one in signature.parameters.values()), name
+        if inspect.isfunction(thing) or inspect.isclass(thing):
+            # What a dataclass writes itself begins with its name.
+            assert thing.__doc__ and not thing.__doc__.startswith(f"{name}("), name
+    assert (PACKAGE / "py.typed").exists()
+
+
+def test_a_library_of_another_version_is_refused_by_name(tmp_path):
+    shutil.copytree(PACKAGE, tmp_path / "vortanxr")
+    (tmp_path / "vortanxr" / "_version.py").write_text('__version__ = "0.0.1"\n')
+    ended = subprocess.run(
+        [sys.executable, "-c", "import vortanxr"],
+        env={**os.environ, "PYTHONPATH": str(tmp_path)},
+        stderr=subprocess.PIPE,
+        text=True,
+    )
+    assert ended.returncode == 1
+    assert f"version 0.0.1, and its library, {vx.__version__}, is that of another version" in ended.stderr
