@@ -37,7 +37,7 @@ void add_examples(std::vector<Example>& examples) {
     const fs::path root = VXR_EXAMPLES_DIR;
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(root)) {
         const std::string extension = entry.path().extension().string();
-        if (!entry.is_regular_file() || is_one_of(extension, {"", ".md", ".gitattributes"})) {
+        if (!entry.is_regular_file() || is_one_of(extension, {"", ".md", ".py", ".gitattributes"})) {
             continue;
         }
         const Kind kind = extension == ".aec"   ? Kind::scene
