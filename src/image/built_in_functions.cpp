@@ -25,12 +25,7 @@ bool probe_file(const char* path, Header* header, Report report, void* reports) 
         report(reports, Code::cannot_open, "the file may not be read");
         return false;
     }
-    const auto read_at = [&file](std::uint64_t offset_bytes, char* data, std::size_t bytes) {
-        constexpr std::uint64_t kFarthest = std::uint64_t{1} << 62;
-        return offset_bytes <= kFarthest &&
-               ::fseeko(file.get(), static_cast<off_t>(offset_bytes), SEEK_SET) == 0 &&
-               std::fread(data, 1, bytes, file.get()) == bytes;
-    };
+    const ReadAt read_at = reads_from(file.get());
     std::string error;
     const std::optional<Header> found = read_built_in_header(read_at, path, error);
     if (!found.has_value()) {

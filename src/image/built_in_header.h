@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <cstdio>
 #include <functional>
 #include <optional>
 #include <string>
@@ -18,6 +19,9 @@ inline constexpr const char* kBuiltInFormats = "PNG, JPEG, TIFF, TGA, BMP and RL
 
 /// Reads `bytes` bytes at `offset_bytes` of a file into `data`; false when the file does not have them all.
 using ReadAt = std::function<bool(std::uint64_t offset_bytes, char* data, std::size_t bytes)>;
+
+/// Reads from an open file, which outlives the result.
+ReadAt reads_from(std::FILE* file);
 
 /// Reads the header of an image. The content decides the format, except for TGA, which has no signature and
 /// is recognised by the extension of `name`. Null when no format fits, or when the header is cut off or
