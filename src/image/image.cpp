@@ -5,6 +5,7 @@
 
 #include "image/built_in_header.h"
 #include "image/functions.h"
+#include "image/ordinary_header.h"
 #include "system/files.h"
 
 namespace image {
@@ -67,6 +68,12 @@ std::optional<diagnostic::Diagnostic> irregular_file(const std::string& path) {
 Probe probe(const std::string& path) {
     if (auto error = irregular_file(path)) {
         return {std::nullopt, std::move(error)};
+    }
+    if (kHasLibrary) {
+        // The library's answer without loading it.
+        if (const std::optional<Header> header = ordinary_header_of_file(path)) {
+            return {header, std::nullopt};
+        }
     }
     std::string problem;
     const Functions* const functions = find_functions(problem);

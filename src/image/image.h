@@ -11,9 +11,9 @@
 #include "texture/value/texture.h"
 
 // Image files: what the host needs to know about footage, and conversion to textures and back. OpenImageIO
-// does the work, in a module that is loaded when the first image is met. Builds without it read the headers
-// of common formats and write TGA; on Windows they read and write the formats of the system's own imaging
-// component. Safe to call from several threads.
+// does the work, in a module that is loaded when pixels are needed or a header is of an unusual form. Builds
+// without it read the headers of common formats and write TGA; on Windows they read and write the formats of
+// the system's own imaging component. Safe to call from several threads.
 
 namespace image {
 

@@ -1,0 +1,177 @@
+// What is read without the image library is what the library reads: files as programs usually write them, cut
+// at every length and with every bit of their headers flipped.
+
+#include "image/ordinary_header.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+#include "image/functions.h"
+#include "support/child_process.h"
+#include "support/file_content.h"
+#include "support/temporary_folder.h"
+
+namespace {
+
+using image::Header;
+
+std::string example_image(const char* file) {
+    return content_of(std::string(VXR_EXAMPLES_DIR "/") + file);
+}
+
+/// A JPEG without the segment in which cameras describe themselves.
+std::string without_exif(std::string jpeg) {
+    const std::size_t at = jpeg.find("\xff\xe1");
+    const std::size_t bytes =
+        2 + static_cast<unsigned char>(jpeg[at + 2]) * 256 + static_cast<unsigned char>(jpeg[at + 3]);
+    return jpeg.erase(at, bytes);
+}
+
+/// A TGA of 9 x 5 pixels without an extension.
+std::string tga(char type, char bits, char alpha_bits) {
+    std::string bytes(18 + 45 * static_cast<std::size_t>(bits / 8), '\x40');
+    std::fill_n(bytes.begin(), 12, '\0');
+    bytes[2] = type;
+    bytes.replace(12, 6, std::string("\x09\0\5\0", 4) + bits + alpha_bits);
+    return bytes;
+}
+
+std::string with_extension_area(std::string tga_bytes) {
+    return tga_bytes + std::string(8, '\0') + std::string("TRUEVISION-XFILE.\0", 18);
+}
+
+/// The TIFF of an example, written again by another program.
+std::string copied_tiff(const std::vector<std::string>& options) {
+    const TemporaryFolder folder;
+    std::vector<std::string> command{"tiffcp"};
+    command.insert(command.end(), options.begin(), options.end());
+    command.push_back(VXR_EXAMPLES_DIR "/interlaced/lantern0017.tif");
+    command.push_back(folder.path("a.tif"));
+    EXPECT_EQ(run_process(command).exit_code, 0);
+    return content_of(folder.path("a.tif"));
+}
+
+struct ImageCase {
+    const char* name;
+    const char* file;  ///< its extension is part of the case
+    std::string bytes;
+    bool is_ordinary;
+};
+
+std::vector<ImageCase> image_cases() {
+    const std::string tiff = example_image("interlaced/lantern0017.tif");
+    return {
+        {"a TIFF with alpha", "a.tif", tiff, true},
+        {"a TIFF of 16 bits", "a.TIFF", example_image("interlaced/depth0017.tif"), true},
+        {"a TIFF without alpha", "a.tif", example_image("keyframes/stage.tif"), true},
+        {"a TIFF with the high byte first", "a.tif", copied_tiff({"-B", "-c", "lzw"}), true},
+        {"a TIFF without compression", "a.tif", copied_tiff({"-c", "none"}), true},
+        {"a TIFF with PackBits", "a.tif", copied_tiff({"-c", "packbits"}), true},
+        {"a TIFF in tiles", "a.tif", copied_tiff({"-t", "-c", "lzw"}), false},
+        {"a TIFF with planes", "a.tif", copied_tiff({"-p", "separate"}), false},
+        {"a TIFF with offsets of 64 bits", "a.tif", copied_tiff({"-8"}), false},
+        {"a PNG", "a.png", example_image("square/contact.png"), true},
+        {"an RLA", "a.rla", example_image("interlaced/street.rla"), true},
+        {"an RLA with a matte", "a.rla", example_image("interlaced/post.rla"), true},
+        {"a JPEG", "a.jpg", without_exif(example_image("square/grey_card.jpg")), true},
+        {"a grey TGA", "a.tga", tga(3, 8, 0), true},
+        {"a TGA", "a.tga", tga(2, 24, 0), true},
+        {"a TGA with alpha", "a.tga", tga(2, 32, 8), true},
+        {"a JPEG that a camera describes", "a.jpg", example_image("square/grey_card.jpg"), false},
+        {"a TGA whose end says what alpha means", "a.tga", with_extension_area(tga(2, 32, 8)), false},
+        {"a format that the extension does not name", "a.png", tiff, false},
+        {"an extension of no format", "a.dat", tiff, false},
+        {"a text", "a.tif", "VORTAN XR COMPOSITION", false},
+        {"nothing", "a.png", "", false},
+    };
+}
+
+std::optional<Header> ordinary_header_of(const std::string& bytes, const char* file) {
+    const image::ReadAt reads = [&bytes](std::uint64_t offset_bytes, char* data, std::size_t count) {
+        if (offset_bytes > bytes.size() || bytes.size() - offset_bytes < count) {
+            return false;
+        }
+        bytes.copy(data, count, static_cast<std::size_t>(offset_bytes));
+        return true;
+    };
+    return image::ordinary_header(reads, bytes.size(), file);
+}
+
+std::string text_of(const std::optional<Header>& header) {
+    if (!header) {
+        return "refused";
+    }
+    return std::to_string(header->width_px) + " x " + std::to_string(header->height_px) + ", " +
+           std::to_string(header->channels) + " of " + std::to_string(header->bits_per_channel) + " bits" +
+           (header->has_alpha ? ", alpha" : "") + (header->alpha_premultiplied ? ", premultiplied" : "");
+}
+
+/// Asks the image library.
+class LibraryAnswers {
+  public:
+    std::string answer(const std::string& bytes, const char* file) {
+        const std::string path = folder_.write(file, bytes);
+        Header header;
+        std::string reason;
+        const bool opened = functions_->probe(
+            path.c_str(), &header,
+            [](void* told, image::Code, const char* why) { *static_cast<std::string*>(told) = why; },
+            &reason);
+        return opened ? text_of(header) : "refused";
+    }
+
+  private:
+    TemporaryFolder folder_;
+    std::string problem_;
+    const image::Functions* functions_ = image::library_functions(problem_);
+};
+
+TEST(OrdinaryHeader, IsThatOfTheLibraryOrNone) {
+    LibraryAnswers library;
+    for (const ImageCase& c : image_cases()) {
+        const std::optional<Header> header = ordinary_header_of(c.bytes, c.file);
+        EXPECT_EQ(header.has_value(), c.is_ordinary) << c.name;
+        if (header) {
+            EXPECT_EQ(text_of(header), library.answer(c.bytes, c.file)) << c.name;
+        }
+    }
+}
+
+// Every bit takes minutes with sanitizers; a step of 9 reaches each byte, and each bit of some.
+#if defined(VXR_SANITIZED)
+constexpr std::size_t kBitsBetween = 9;
+#else
+constexpr std::size_t kBitsBetween = 1;
+#endif
+
+TEST(OrdinaryHeader, OfDamagedFilesIsThatOfTheLibraryOrNone) {
+    LibraryAnswers library;
+    for (const ImageCase& c : image_cases()) {
+        if (!c.is_ordinary) {
+            continue;
+        }
+        int refused = 0;
+        const auto compare = [&](const std::string& bytes, const std::string& damage) {
+            const std::optional<Header> header = ordinary_header_of(bytes, c.file);
+            refused += header ? 0 : 1;
+            if (header) {
+                EXPECT_EQ(text_of(header), library.answer(bytes, c.file)) << c.name << ' ' << damage;
+            }
+        };
+        const std::size_t header_bytes = std::min<std::size_t>(c.bytes.size(), 800);
+        for (std::size_t length = 0; length < header_bytes; ++length) {
+            compare(c.bytes.substr(0, length), "cut at " + std::to_string(length));
+        }
+        for (std::size_t bit = 0; bit < 8 * header_bytes; bit += kBitsBetween) {
+            std::string flipped = c.bytes;
+            flipped[bit / 8] = static_cast<char>(flipped[bit / 8] ^ 1 << bit % 8);
+            compare(flipped, "bit " + std::to_string(bit % 8) + " of byte " + std::to_string(bit / 8));
+        }
+        EXPECT_GT(refused, 10) << c.name;
+    }
+}
+
+}  // namespace
