@@ -103,7 +103,8 @@ TEST(ImageLibrary, IsReportedMissingWithThePlacesSearchedAndOnlyWhenAnImageIsMet
         {"a texture becomes a texture without it",
          {"texture", "convert", moved.path("a.txl"), "-o", moved.path("b.txl")},
          0},
-        {"footage of usual forms is read without it",
+        {"footage of usual forms is checked without it", {"check", kUsualScene}, 4},
+        {"footage of usual forms is imported without it",
          {"import", "--bundle", VXR_BUNDLE_PATH, kUsualScene},
          0},
         {"footage that exists", {"check", kScene}, 3},
@@ -125,7 +126,7 @@ TEST(ImageLibrary, IsReportedMissingWithThePlacesSearchedAndOnlyWhenAnImageIsMet
         const ProcessResult run = moved.run(one.arguments);
         EXPECT_EQ(run.exit_code, one.exit_code) << one.name << run.err;
         const std::string reason = "images need the image library, which is in none of " + places;
-        EXPECT_EQ(run.err.find(reason) != std::string::npos, one.exit_code != 0) << one.name << run.err;
+        EXPECT_EQ(run.err.find(reason) != std::string::npos, one.exit_code == 3) << one.name << run.err;
     }
 }
 

@@ -95,13 +95,16 @@ std::string reading_obstacle(const std::string& path, std::optional<image::Heade
         }
         return error->limit == nullptr ? error->reason : error->reason + "; " + limit_text(*error->limit);
     }
+    const image::Probe probe = image::probe(path);
+    header = probe.header;
+    if (!probe.error) {
+        return {};
+    }
     // Then nothing is wrong with the picture.
     if (const std::string problem = image::library_problem(); !problem.empty()) {
         throw std::runtime_error(problem);
     }
-    const image::Probe probe = image::probe(path);
-    header = probe.header;
-    return probe.error.has_value() ? probe.error->reason : std::string();
+    return probe.error->reason;
 }
 
 void check_picture(const SceneReading& reading, const SceneFootage& footage, const std::string& path,
