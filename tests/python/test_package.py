@@ -20,13 +20,14 @@ def test_the_blocks_of_the_documents_run_as_printed(tmp_path, monkeypatch, examp
     shutil.copy(examples / "square" / "courtyard_020.aec", tmp_path / "shot.aec")
     shutil.copy(next(examples.glob("textured/*.txl")), tmp_path / "cloth.txl")
     monkeypatch.chdir(tmp_path)
-    text = (PROJECT / "docs" / "python.md").read_text(encoding="utf-8")
-    blocks = re.findall(r"^```python\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
-    assert len(blocks) == 4
     names: dict[str, object] = {}
-    for block in blocks:
-        # The one thing that a test has elsewhere.
-        exec(compile(block.replace("/mnt/renders", str(renders)), "docs/python.md", "exec"), names)
+    for document, count in (("README.md", 1), ("docs/python.md", 4)):
+        text = (PROJECT / document).read_text(encoding="utf-8")
+        blocks = re.findall(r"^```python\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
+        assert len(blocks) == count, document
+        for block in blocks:
+            # The one thing that a test has elsewhere.
+            exec(compile(block.replace("/mnt/renders", str(renders)), document, "exec"), names)
     assert (vx.read_texture("negative.txl").color == 255 - vx.read_texture("cloth.txl").color).all()
     assert pathlib.Path("shot.glb").read_bytes().startswith(b"glTF")
     assert names["relinked"]
