@@ -183,7 +183,12 @@ TEST(ScriptPackage, IsNotMadeOfFilesThatChangeMeanwhile) {
         const std::string script = job.path("shot.jsx");
         {
             const Writing writing(changing);
-            const Ran ran = packed(scene, archive);
+            // On a busy machine a package may be complete before anything is written.
+            Ran ran = packed(scene, archive);
+            for (int i = 0; i < 1000 && ran.code == ExitCode::fine; ++i) {
+                std::filesystem::remove(archive);
+                ran = packed(scene, archive);
+            }
             EXPECT_EQ(ran.code, ExitCode::cannot_read_or_write);
             EXPECT_THAT(ran.err, HasSubstr(changing + " was changed while the package was made"));
             // A script alone names the footage and holds none of it.
