@@ -1,8 +1,5 @@
 #include "image/ordinary_header.h"
 
-#include <algorithm>
-#include <array>
-#include <cstddef>
 #include <cstdio>
 #include <string_view>
 
@@ -37,13 +34,24 @@ bool is_usual_png_header(HeaderBytes& file, std::uint64_t data) {
            (depth == 8 || depth == 16) && file.u16(data + 10) == 0 && file.u8(data + 12) <= 1;
 }
 
+/// Whether a chunk behind the header changes neither the picture nor its channels.
+bool is_harmless_png_chunk(HeaderBytes& file, std::string_view name, std::uint64_t data,
+                           std::uint32_t length) {
+    if (name == "oFFs") {
+        return length == 9 && file.number(data, 8) == 0 && file.u8(data + 8) == 0;
+    }
+    if (name == "tEXt") {
+        // The library takes a text with the name of one of its own values for that value.
+        return !text::equal_ignoring_case(file.text(data, 5), "oiio:");
+    }
+    return name == "tIME" || name == "pHYs" || name == "gAMA";
+}
+
 bool is_ordinary_png(HeaderBytes& file) {
     constexpr int kMostChunks = 64;
     constexpr std::uint32_t kLongestChunk_bytes = 1024;
     constexpr std::uint32_t kLongestAllowed_bytes = 0x7FFFFFFF;
     constexpr std::uint32_t kHeader_bytes = 13;
-    // Nothing in these changes the picture or its channels.
-    constexpr std::array<std::string_view, 4> kHarmless{"tIME", "pHYs", "tEXt", "gAMA"};
     if (file.text(0, 8) != "\x89PNG\r\n\x1a\n") {
         return false;
     }
@@ -59,11 +67,9 @@ bool is_ordinary_png(HeaderBytes& file) {
             return false;
         }
         const std::uint64_t data = at + 8;
-        const bool no_offset =
-            name == "oFFs" && length == 9 && file.number(data, 8) == 0 && file.u8(data + 8) == 0;
-        const bool usual =
-            i == 0 ? name == "IHDR" && length == kHeader_bytes && is_usual_png_header(file, data)
-                   : no_offset || std::find(kHarmless.begin(), kHarmless.end(), name) != kHarmless.end();
+        const bool usual = i == 0
+                               ? name == "IHDR" && length == kHeader_bytes && is_usual_png_header(file, data)
+                               : is_harmless_png_chunk(file, name, data, length);
         if (!usual) {
             return false;
         }
@@ -107,7 +113,7 @@ bool is_ordinary_rla(HeaderBytes& file, std::uint64_t size_bytes) {
     const int colours = file.i16(20);
     const int mattes = file.i16(22);
     const int bits = file.i16(658);
-    // Also of the channels that there are none of: the library refuses others.
+    // The library refuses other depths even of channels that the file does not have.
     const bool same_bits = (bits == 8 || bits == 16) && file.i16(662) == bits && file.i16(666) == bits;
     const std::int64_t width_px = std::int64_t{file.i16(2)} - file.i16(0) + 1;
     const std::int64_t height_px = std::int64_t{file.i16(6)} - file.i16(4) + 1;

@@ -116,8 +116,8 @@ bool is_ordinary_jpeg(HeaderBytes& file) {
             case 0xFFE0:  // JFIF: how large a pixel is
                 usual = i == 0 && end == data + 14 && file.text(data, 5) == std::string_view("JFIF\0", 5);
                 break;
-            case 0xFFFE:  // a comment
-                usual = file.text(end - 1, 1).size() == 1;
+            case 0xFFFE:  // a comment; the next marker shows that it is complete
+                usual = true;
                 break;
             case 0xFFDB:
                 usual = read_quantisation_tables(file, data, end, quantisation_tables);

@@ -26,6 +26,8 @@ std::uint64_t value_bytes(const TiffEntry& entry) {
     return entry.type < kBytes.size() ? kBytes[entry.type] : 0;
 }
 
+/// The first directory, read strictly: each entry has to be one that is known, in order, and whole. The
+/// reader in built_in_header.cpp takes what it finds, for builds that have no library to ask.
 class OrdinaryTiff {
   public:
     OrdinaryTiff(HeaderBytes& file, std::uint64_t size_bytes) : file_(file), size_bytes_(size_bytes) {}
