@@ -27,13 +27,13 @@ cli::ExportSettings export_settings(const ExportRequest& request) {
     cli::ExportSettings settings;
     settings.format = cli::handover_format_named(request.format);
     if (settings.format == nullptr) {
-        throw std::invalid_argument('"' + request.format + "\" is no format that scenes are exported to");
+        throw std::invalid_argument('"' + request.format + "\" is not an export format");
     }
     settings.version = request.corrected ? handover::Version::corrected : handover::Version::imported;
     for (const std::string& name : request.without) {
         const auto correction = handover::correction_named(name);
         if (!correction) {
-            throw std::invalid_argument('"' + name + "\" is no correction");
+            throw std::invalid_argument('"' + name + "\" is not the name of a correction");
         }
         settings.handover_options.left_out.insert(*correction);
     }

@@ -242,8 +242,6 @@ py::str write_texture_call(const py::bytes& path, const Plane& color,
 }  // namespace
 }  // namespace python
 
-// The macro's own code shadows and discards.
-// NOLINTBEGIN
 PYBIND11_MODULE(_native, module) {
     using namespace python;
     module.attr("version") = VXR_VERSION;
@@ -261,4 +259,3 @@ PYBIND11_MODULE(_native, module) {
     module.def("read_texture", read_texture_call);
     module.def("write_texture", write_texture_call);
 }
-// NOLINTEND

@@ -121,8 +121,8 @@ def test_a_package_holds_the_script_and_the_scene(path, tmp_path):
 @pytest.mark.parametrize(
     ("options", "error", "named"),
     [
-        ({"to": "fbx"}, vx.OutputError, '"fbx" is no format'),
-        ({"to": "jsx", "without": ["bananas"]}, vx.OutputError, '"bananas" is no correction'),
+        ({"to": "fbx"}, vx.OutputError, '"fbx" is not an export format'),
+        ({"to": "jsx", "without": ["bananas"]}, vx.OutputError, '"bananas" is not the name of a correction'),
         ({"to": "jsx", "without": "turns"}, TypeError, "list of names"),
         ({"to": "jsx", "fps": 0}, ValueError, "fps is 0"),
         ({"to": "jsx", "fps": float("nan")}, ValueError, "fps is nan"),

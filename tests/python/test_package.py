@@ -56,4 +56,4 @@ def test_a_library_of_another_version_is_refused_by_name(tmp_path):
         text=True,
     )
     assert ended.returncode == 1
-    assert f"version 0.0.1, and its library, {vx.__version__}, is that of another version" in ended.stderr
+    assert f"vortanxr is version 0.0.1, but its library is version {vx.__version__}; install both again" in ended.stderr

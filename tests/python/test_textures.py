@@ -67,7 +67,7 @@ def test_names_are_read_as_they_are_stored(examples):
 @pytest.mark.parametrize(
     ("color", "alphas", "named"),
     [
-        ([[1]], {}, "color is no array of NumPy: list"),
+        ([[1]], {}, "color is not a NumPy array: list"),
         (COLOR.astype(np.float32), {}, "color has the type <f4"),
         (COLOR.astype(">u2"), {}, "color has the type >u2"),
         (COLOR.astype(np.int8), {}, r"color has the type \|i1"),
@@ -82,7 +82,7 @@ def test_names_are_read_as_they_are_stored(examples):
         (COLOR, {"a": MASK.T}, r"the alpha channel 'a' has the shape \(4, 2\); color has \(2, 4\)"),
         (COLOR, {"a": MASK[..., None]}, r"the alpha channel 'a' has the shape \(2, 4, 1\)"),
         (COLOR, {"a": MASK > 3}, r"the alpha channel 'a' has the type \|b1"),
-        (COLOR, {"a": None}, "the alpha channel 'a' is no array of NumPy: NoneType"),
+        (COLOR, {"a": None}, "the alpha channel 'a' is not a NumPy array: NoneType"),
     ],
 )
 def test_other_arrays_are_refused_by_name(color, alphas, named, tmp_path):

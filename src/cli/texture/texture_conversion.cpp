@@ -145,6 +145,15 @@ void refuse(Conversion& conversion, ExitCode code, Diagnostic error) {
     conversion.diagnostics.insert(conversion.diagnostics.begin(), std::move(error));
 }
 
+/// `refusal` says why `texture` was not written; null if it was.
+void conclude(Conversion& conversion, const Texture& texture, std::optional<Refusal> refusal) {
+    if (refusal) {
+        refuse(conversion, refusal->code, std::move(refusal->error));
+    } else {
+        conversion.size = texture_size_text(texture);
+    }
+}
+
 void convert(Conversion& conversion, const ConversionOptions& options) {
     Input input = read_any(conversion.input, options);
     conversion.code = input.code;
@@ -162,13 +171,9 @@ void convert(Conversion& conversion, const ConversionOptions& options) {
         options.before_missing_rows(conversion.diagnostics);
         conversion.diagnostics.clear();
     }
-    if (auto refusal = has_texture_extension(conversion.output)
-                           ? write_as_texture(conversion, texture)
-                           : write_as_image(conversion, texture, options)) {
-        refuse(conversion, refusal->code, std::move(refusal->error));
-        return;
-    }
-    conversion.size = texture_size_text(texture);
+    conclude(conversion, texture,
+             has_texture_extension(conversion.output) ? write_as_texture(conversion, texture)
+                                                      : write_as_image(conversion, texture, options));
 }
 
 }  // namespace
@@ -217,11 +222,7 @@ Conversion save_texture(const Texture& texture, const std::string& output) {
     Conversion conversion;
     conversion.output = output;
     try {
-        if (auto refusal = write_as_texture(conversion, texture)) {
-            refuse(conversion, refusal->code, std::move(refusal->error));
-        } else {
-            conversion.size = texture_size_text(texture);
-        }
+        conclude(conversion, texture, write_as_texture(conversion, texture));
     } catch (const std::exception& failure) {
         refuse(conversion, ExitCode::cannot_read_or_write,
                diagnostic::make(image::Code::gave_up, {output}, failure.what()));

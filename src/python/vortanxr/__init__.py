@@ -117,7 +117,7 @@ __all__ = [
 
 if _native_version != __version__:
     raise ImportError(
-        f"vortanxr has version {__version__}, and its library, {_native_version}, is that of another version; "
+        f"vortanxr is version {__version__}, but its library is version {_native_version}; "
         "install both again"
     )
 

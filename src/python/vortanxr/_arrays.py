@@ -21,7 +21,7 @@ def _equal(one: Any, other: Any) -> bool:
 
 
 class HoldsArrays:
-    """Compares by value, arrays included; a number that is no number equals itself. Cannot be a key of a dictionary.
+    """Compares by value, arrays included; NaN equals itself. Cannot be a key of a dictionary.
 
     Copies made with ``copy.deepcopy()`` and by pickling have arrays of their own, which can be changed.
     """

@@ -24,7 +24,7 @@ Cancel: TypeAlias = "Event | Callable[[], object]"
 
 
 def path_bytes(path: Path) -> bytes:
-    """The bytes of a path. Raises PathError for a path that no file has, TypeError for what is no path."""
+    """The bytes of a path. Raises PathError if it is empty or contains a zero byte, TypeError if it is not a path."""
     encoded = os.fsencode(path)
     if not encoded:
         raise PathError("the path is empty")
@@ -34,10 +34,14 @@ def path_bytes(path: Path) -> bytes:
     return b"./-" if encoded == b"-" else encoded
 
 
+def optional_path_bytes(path: Path | None) -> bytes:
+    """The bytes of a path; empty without one."""
+    return path_bytes(path) if path is not None else b""
+
+
 def bundle_bytes(bundle: Path | None) -> bytes:
-    """The plug-in that was chosen; empty for that of this installation."""
-    chosen = bundle if bundle is not None else os.environ.get("VXR_BUNDLE") or None
-    return b"" if chosen is None else path_bytes(chosen)
+    """The chosen plug-in; empty for the one of this installation."""
+    return optional_path_bytes(bundle if bundle is not None else os.environ.get("VXR_BUNDLE") or None)
 
 
 def folder_list(search: Iterable[Path]) -> list[bytes]:
@@ -46,7 +50,7 @@ def folder_list(search: Iterable[Path]) -> list[bytes]:
     folders = [path_bytes(folder) for folder in search]
     for folder in folders:
         if not os.path.isdir(folder):
-            raise PathError(f"search names what is not a folder: {os.fsdecode(folder)!r}")
+            raise PathError(f"search names a path that is not a folder: {os.fsdecode(folder)!r}")
     return folders
 
 
@@ -64,16 +68,24 @@ def map_list(maps: Mapping[str, Path]) -> list[bytes]:
     return texts
 
 
-def _decoded(members: dict[str, Any]) -> Any:
-    # A text that is not UTF-8. It keeps its bytes as the names of files do: os.fsencode() gives them back.
-    if members.keys() == {"bytes"}:
-        return bytes.fromhex(members["bytes"]).decode("utf-8", "surrogateescape")
-    return members
+def text_of(encoded: bytes) -> str:
+    """A text of a file. Bytes that are not UTF-8 are kept as in the names of files: os.fsencode() gives them back."""
+    return encoded.decode("utf-8", "surrogateescape")
+
+
+def text_bytes(text: str) -> bytes:
+    """The other direction of text_of()."""
+    return text.encode("utf-8", "surrogateescape")
+
+
+def _text_or_members(members: dict[str, Any]) -> Any:
+    # This is how a document holds a text that is not UTF-8.
+    return text_of(bytes.fromhex(members["bytes"])) if members.keys() == {"bytes"} else members
 
 
 def members_of(document: str) -> dict[str, Any]:
     # The hook is a call for each of thousands of objects, and hardly any document needs it.
-    hook = _decoded if '{"bytes":' in document else None
+    hook = _text_or_members if '{"bytes":' in document else None
     members: dict[str, Any] = json.loads(document, object_hook=hook)
     return members
 

@@ -1,4 +1,4 @@
-"""What is said about files."""
+"""Diagnostics: what is wrong with a file, or worth knowing about it."""
 
 from __future__ import annotations
 
@@ -73,7 +73,7 @@ def diagnostic_of(document: dict[str, Any]) -> Diagnostic:
         effects=tuple(document["effects"]),
         count=document["count"],
         source_line=document["source_line"],
-        limit=None if document["limit"] is None else document["limit"]["id"],
+        limit=document["limit"]["id"] if document["limit"] is not None else None,
         missing_footage=missing_footage_of(document) if "tried" in document else None,
     )
 

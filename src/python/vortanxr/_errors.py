@@ -37,7 +37,7 @@ class Error(Exception):
 
     @property
     def column(self) -> int | None:
-        """The column in bytes, from 1; None where ``line`` is None."""
+        """The column in bytes, from 1; None if ``line`` is None."""
         return self.diagnostic.column
 
     @property
@@ -78,11 +78,11 @@ class PluginError(Exception):
 
 
 class PathError(ValueError):
-    """A path that no file has, because it is empty or contains a zero byte, or a search folder that is none."""
+    """A path is empty or contains a zero byte, or ``search`` names something that is not a folder."""
 
 
 class OutputError(ValueError):
-    """What was asked for cannot be written: the output is a file that is read, or a name is unknown."""
+    """The output is a file that the call also reads, or the name of a format or correction is unknown."""
 
 
 class ArrayError(ValueError):

@@ -17,6 +17,7 @@ from ._calls import (
     map_list,
     members_of,
     number_of,
+    optional_path_bytes,
     path_bytes,
 )
 from ._diagnostics import Diagnostic, diagnostics_of
@@ -56,7 +57,7 @@ class Relinked:
 
 @dataclass(frozen=True)
 class Correction:
-    """A difference between what the plug-in builds and what the scene says that was taken back."""
+    """A difference between what the scene says and what the plug-in builds, which the export corrects."""
 
     name: str
     """``"square-pixels"``, ``"linear-keys"``, ..."""
@@ -166,7 +167,7 @@ def relink_scene(
         folder_list(search),
         map_list(maps),
         _preference(prefer),
-        b"" if output is None else path_bytes(output),
+        optional_path_bytes(output),
     )
     document = _written(lambda: _native.relink_scene(*arguments))
     return Relinked(document["output"], tuple(map(_relinked_path, document["paths"])))
@@ -204,11 +205,12 @@ def export_scene(
     """
     if isinstance(without, str):
         raise TypeError("without takes a list of names; for one name write [name]")
+    left_out = list(without)
     if fps is not None and not 1 <= fps <= 99:
         raise ValueError(f"fps is {fps}; it takes 1 to 99 or None")
     if not 1e-6 <= scale <= 1e6:
         raise ValueError(f"scale is {scale}; it takes 0.000001 to 1000000")
-    if not corrected and (fps is not None or list(without)):
+    if not corrected and (fps is not None or left_out):
         raise ValueError("fps and without are for corrected scenes")
     if to != "jsx" and (undo_safe or package):
         raise ValueError('undo_safe and package are for to="jsx"')
@@ -219,10 +221,10 @@ def export_scene(
         map_list(maps),
         bundle_bytes(bundle),
         to,
-        b"" if output is None else path_bytes(output),
+        optional_path_bytes(output),
         package,
         corrected,
-        list(without),
+        left_out,
         fps,
         float(scale),
         undo_safe,

@@ -10,7 +10,7 @@ import numpy.typing as npt
 
 from . import _native
 from ._arrays import HoldsArrays
-from ._calls import Cancel, Path, Progress, Watch, bundle_bytes, folder_list, map_list, path_bytes
+from ._calls import Cancel, Path, Progress, Watch, bundle_bytes, folder_list, map_list, path_bytes, text_bytes
 from ._diagnostics import Diagnostic, diagnostics_of
 from ._handover import answer_of
 
@@ -92,7 +92,7 @@ def draw_frames(
         map_list(maps),
         bundle_bytes(bundle),
         list(frames),
-        (composition or "").encode("utf-8", "surrogateescape"),
+        text_bytes(composition or ""),
         raw,
         linear,
         fields,

@@ -278,8 +278,8 @@ def import_scene(
 
     The plug-in reads the file itself, now; of a Scene only ``path``, ``search`` and ``maps`` are used. ``search`` and
     ``maps`` say where footage is today, as for read_scene(). ``host`` is ``"today"``, ``"classic"`` or a version such
-    as ``"9.31"``. ``name_encoding``, ``"windows-1252"`` or ``"mac-roman"``, says what names are that
-    are not UTF-8. ``bundle`` is the plug-in; without it the environment variable VXR_BUNDLE names one, or it is the one
+    as ``"9.31"``. ``name_encoding``, ``"windows-1252"`` or ``"mac-roman"``, is the encoding of
+    names that are not UTF-8. ``bundle`` is the plug-in; without it the environment variable VXR_BUNDLE names one, or it is the one
     of this installation.
 
     ``progress`` and ``cancel`` are as for read_scene(). They are called until the plug-in begins, and ``progress`` at

@@ -12,7 +12,7 @@ import numpy.typing as npt
 
 from . import _native
 from ._arrays import HoldsArrays
-from ._calls import Cancel, Path, Progress, Watch, folder_list, map_list, members_of, number_of, path_bytes
+from ._calls import Cancel, Path, Progress, Watch, folder_list, map_list, members_of, number_of, path_bytes, text_of
 from ._diagnostics import Diagnostic, diagnostic_of, diagnostics_of
 from ._errors import SceneError
 
@@ -98,7 +98,7 @@ class Footage:
     """A footage entry: a file or a numbered sequence."""
 
     written: str | None
-    """The path in the file, of whatever system; None at top level where there is none between quotes."""
+    """The path as the scene has it, from any system; None for an entry at top level without a quoted path."""
     is_sequence: bool
     blend: str | None
     """``"normal"``, ``"add"`` or ``"multiply"``; None at top level."""
@@ -199,7 +199,7 @@ class Scene:
 
 @dataclass(frozen=True)
 class Check:
-    """What a check says about a composition file. True in conditions when nothing is wrong."""
+    """The result of a check of a composition file. True in conditions when nothing is wrong."""
 
     path: str
     """As it was named."""
@@ -265,14 +265,10 @@ def _scene(
         objects=tuple(map(_object, scene.pop("objects"), columns)),
         pixel_aspect=number_of(scene.pop("pixel_aspect")),
         diagnostics=diagnostics_of(document["diagnostics"]),
-        search=tuple(_decoded(folder) for folder in search),
-        maps={_decoded(one): _decoded(other) for one, _, other in (text.partition(b"=") for text in maps)},
+        search=tuple(text_of(folder) for folder in search),
+        maps={text_of(one): text_of(other) for one, _, other in (text.partition(b"=") for text in maps)},
         **scene,
     )
-
-
-def _decoded(encoded: bytes) -> str:
-    return encoded.decode("utf-8", "surrogateescape")
 
 
 def read_scene(
@@ -332,4 +328,4 @@ def check(
     text, _ = _native.read_scene(encoded, folders, mapped, "", True, read_pixels, False, watch)
     document = members_of(text)
     watch(1.0)
-    return Check(_decoded(encoded), document["verdict"], diagnostics_of(document["diagnostics"]))
+    return Check(text_of(encoded), document["verdict"], diagnostics_of(document["diagnostics"]))

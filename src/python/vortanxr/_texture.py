@@ -11,7 +11,7 @@ import numpy.typing as npt
 
 from . import _native
 from ._arrays import HoldsArrays
-from ._calls import Path, members_of, path_bytes
+from ._calls import Path, members_of, path_bytes, text_bytes, text_of
 from ._diagnostics import Diagnostic, diagnostic_of, diagnostics_of
 from ._errors import ArrayError, TextureError
 
@@ -37,10 +37,6 @@ class Texture(HoldsArrays):
         return f"<Texture {width} x {height}, {kind}, alphas: {list(self.alphas)}>"
 
 
-def _text(name: bytes) -> str:
-    return name.decode("utf-8", "surrogateescape")
-
-
 def read_texture(path: Path) -> Texture:
     """Read a texture. Its arrays show the memory that was read, without a copy, and can be changed.
 
@@ -52,12 +48,12 @@ def read_texture(path: Path) -> Texture:
     diagnostics = diagnostics_of(document["diagnostics"])
     if color is None:
         raise TextureError(diagnostic_of(document["error"]), diagnostics)
-    return Texture(color, {_text(name): values for name, values in alphas}, diagnostics)
+    return Texture(color, {text_of(name): values for name, values in alphas}, diagnostics)
 
 
 def _plane(array: object, name: str) -> npt.NDArray[Any]:
     if not isinstance(array, np.ndarray):
-        raise ArrayError(f"{name} is no array of NumPy: {type(array).__name__}")
+        raise ArrayError(f"{name} is not a NumPy array: {type(array).__name__}")
     if array.dtype != np.uint8:
         raise ArrayError(
             f"{name} has the type {array.dtype.str} ({array.dtype}); textures hold uint8, so convert it first"
@@ -94,7 +90,7 @@ def write_texture(
         mask = _plane(values, f"the alpha channel {name!r}")
         if mask.shape != plane.shape[:2]:
             raise ArrayError(f"the alpha channel {name!r} has the shape {mask.shape}; color has {plane.shape[:2]}")
-        channels.append((name.encode("utf-8", "surrogateescape"), np.ascontiguousarray(mask)))
+        channels.append((text_bytes(name), np.ascontiguousarray(mask)))
     document = members_of(_native.write_texture(encoded, np.ascontiguousarray(plane), channels))
     diagnostics = diagnostics_of(document["diagnostics"])
     if document["error"] is not None:
