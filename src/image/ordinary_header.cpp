@@ -80,9 +80,31 @@ bool is_ordinary_png(HeaderBytes& file) {
 
 // --- TGA
 
-/// Grey, RGB or RGBA without a map. What follows the pixels says what alpha means.
+/// What may follow the pixels of a TGA: nothing, or a footer with at most an extension area that leaves alpha
+/// straight and has neither a colour table nor a thumbnail, which the library would read as well.
+bool has_usual_tga_end(HeaderBytes& file, std::uint64_t pixels_end, std::uint64_t size_bytes,
+                       bool has_alpha) {
+    constexpr std::uint64_t kFooter_bytes = 26;
+    constexpr std::uint64_t kExtension_bytes = 495;
+    constexpr std::uint64_t kTables = 482;  // offsets of the colour table and of the thumbnail
+    constexpr std::uint64_t kMeaningOfAlpha = 494;
+    if (size_bytes < pixels_end + kFooter_bytes || file.text(size_bytes - 18, 16) != "TRUEVISION-XFILE") {
+        return true;
+    }
+    const std::uint64_t area = file.u32(size_bytes - kFooter_bytes);
+    if (area == 0) {
+        return true;
+    }
+    const int meaning_of_alpha = file.u8(area + kMeaningOfAlpha);
+    return area >= pixels_end && area + kExtension_bytes + kFooter_bytes <= size_bytes &&
+           file.u16(area) == kExtension_bytes && file.number(area + kTables, 8) == 0 &&
+           (meaning_of_alpha == 3 || (meaning_of_alpha == 0 && !has_alpha));
+}
+
+/// Grey, RGB or RGBA without a map.
 bool is_ordinary_tga(HeaderBytes& file, std::uint64_t size_bytes) {
     constexpr std::uint64_t kHeader_bytes = 18;
+    // The library looks for a footer first, and refuses a file without room for one.
     constexpr std::uint64_t kFooter_bytes = 26;
     file.set_order(Order::little);
     const int type = file.u8(2);
@@ -102,7 +124,7 @@ bool is_ordinary_tga(HeaderBytes& file, std::uint64_t size_bytes) {
     const std::uint64_t pixels_bytes = width_px * height_px * static_cast<std::uint64_t>(bits / 8);
     const bool packed = type >= 8;
     return (packed || size_bytes - kHeader_bytes >= pixels_bytes) &&
-           file.text(size_bytes - 18, 16) != "TRUEVISION-XFILE";
+           has_usual_tga_end(file, kHeader_bytes + (packed ? 0 : pixels_bytes), size_bytes, bits == 32);
 }
 
 // --- RLA

@@ -1,5 +1,9 @@
+#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <string>
 #include <string_view>
+#include <utility>
 
 #include "image/header_bytes.h"
 #include "image/ordinary_formats.h"
@@ -93,6 +97,66 @@ bool is_usual_scan(HeaderBytes& file, std::uint64_t at, std::uint64_t end, std::
     return file.u8(end) != 0xFF || file.u8(end + 1) == 0;
 }
 
+/// Whether a value of Exif describes the picture, and changes neither its channels nor their depth.
+bool is_description(int tag) {
+    constexpr std::array<std::pair<int, int>, 11> kFirstAndLast{{
+        {270, 272},      // description, make and model of the camera
+        {274, 274},      // orientation, which the library does not apply
+        {282, 283},      // pixels in an inch or centimetre
+        {296, 296},      // inch or centimetre
+        {305, 306},      // program, date
+        {315, 315},      // artist
+        {531, 531},      // where colour is sampled
+        {33432, 33437},  // copyright, exposure, aperture
+        {36864, 36868},  // version, dates
+        {37121, 37386},  // order of components, light, lens
+        {40960, 40963},  // version, colour space, size
+    }};
+    return std::any_of(kFirstAndLast.begin(), kFirstAndLast.end(),
+                       [tag](const auto& range) { return tag >= range.first && tag <= range.second; });
+}
+
+/// Whether a directory of Exif has only descriptions: the library takes even the depth from it. `camera` is
+/// set to where the directory of the camera's settings begins, if there is one.
+bool is_usual_exif_directory(HeaderBytes& file, std::uint64_t tiff, std::uint64_t at, std::uint64_t end,
+                             std::uint64_t& camera) {
+    constexpr std::uint64_t kMostEntries = 64;
+    constexpr std::uint64_t kEntry_bytes = 12;
+    constexpr int kCamera = 34665;
+    const std::uint64_t entries = file.u16(at);
+    if (entries > kMostEntries || at + 2 + kEntry_bytes * entries > end) {
+        return false;
+    }
+    for (std::uint64_t i = 0; i < entries; ++i) {
+        const std::uint64_t entry = at + 2 + kEntry_bytes * i;
+        const int tag = file.u16(entry);
+        if (tag == kCamera) {
+            camera = tiff + file.u32(entry + 8);
+        } else if (!is_description(tag)) {
+            return false;
+        }
+    }
+    return true;
+}
+
+/// What a camera or a program says of the picture: Exif with settings of the camera at most.
+bool is_usual_exif(HeaderBytes& file, std::uint64_t at, std::uint64_t end) {
+    constexpr std::uint64_t kName_bytes = 6;
+    const std::uint64_t tiff = at + kName_bytes;
+    if (file.text(at, 6) != std::string_view("Exif\0\0", kName_bytes) || tiff + 8 > end) {
+        return false;
+    }
+    const std::string order = file.text(tiff, 2);
+    file.set_order(order == "II" ? Order::little : Order::big);
+    std::uint64_t camera = 0;
+    std::uint64_t none = 0;
+    const bool usual = (order == "II" || order == "MM") && file.u16(tiff + 2) == 42 &&
+                       is_usual_exif_directory(file, tiff, tiff + file.u32(tiff + 4), end, camera) &&
+                       (camera == 0 || (is_usual_exif_directory(file, tiff, camera, end, none) && none == 0));
+    file.set_order(Order::big);
+    return usual;
+}
+
 }  // namespace
 
 bool is_ordinary_jpeg(HeaderBytes& file) {
@@ -115,6 +179,9 @@ bool is_ordinary_jpeg(HeaderBytes& file) {
         switch (marker) {
             case 0xFFE0:  // JFIF: how large a pixel is
                 usual = i == 0 && end == data + 14 && file.text(data, 5) == std::string_view("JFIF\0", 5);
+                break;
+            case 0xFFE1:
+                usual = is_usual_exif(file, data, end);
                 break;
             case 0xFFFE:  // a comment; the next marker shows that it is complete
                 usual = true;

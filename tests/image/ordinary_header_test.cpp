@@ -59,8 +59,20 @@ std::string tga(char type, char bits, char alpha_bits) {
     return bytes;
 }
 
-std::string with_extension_area(std::string tga_bytes) {
-    return tga_bytes + std::string(8, '\0') + std::string("TRUEVISION-XFILE.\0", 18);
+/// A TGA with a footer, and with an extension area that says what alpha means.
+std::string with_extension_area(const std::string& tga_bytes, char meaning_of_alpha) {
+    std::string area(495, '\0');
+    area.replace(0, 2, "\xef\1");
+    area.back() = meaning_of_alpha;
+    const std::size_t at = tga_bytes.size();
+    const std::string offset{static_cast<char>(at & 0xFF), static_cast<char>(at >> 8), '\0', '\0'};
+    return tga_bytes + area + offset + std::string(4, '\0') + std::string("TRUEVISION-XFILE.\0", 18);
+}
+
+/// The JPEG of an example, whose date in Exif becomes the value of another tag.
+std::string jpeg_with_exif_tag(const std::string& tag_and_type) {
+    std::string jpeg = example_image("square/grey_card.jpg");
+    return jpeg.replace(jpeg.find(std::string("\x32\1\2\0", 4)), 4, tag_and_type);
 }
 
 /// The TIFF of an example, written again by another program.
@@ -108,8 +120,18 @@ std::vector<ImageCase> image_cases() {
         {"a JPEG with a comment", "a.jpg", jpeg_with_comment(jpeg, "painted by hand"), true},
         {"a JPEG whose comment looks like a value of the library", "a.jpg",
          jpeg_with_comment(jpeg, "oiio:BitsPerSample:3"), true},
-        {"a JPEG that a camera describes", "a.jpg", example_image("square/grey_card.jpg"), false},
-        {"a TGA whose end says what alpha means", "a.tga", with_extension_area(tga(2, 32, 8)), false},
+        {"a JPEG with Exif", "a.jpg", example_image("square/grey_card.jpg"), true},
+        {"a JPEG whose Exif says that it is rotated", "a.jpg",
+         jpeg_with_exif_tag(std::string("\x12\1\3\0", 4)), true},
+        {"a JPEG whose Exif gives the library a depth", "a.jpg",
+         jpeg_with_exif_tag(std::string("\2\1\3\0", 4)), false},
+        {"a TGA with an extension area", "a.tga", example_image("square/haze.tga"), true},
+        {"a TGA that says its alpha is straight", "a.tga", with_extension_area(tga(2, 32, 8), 3), true},
+        {"a TGA that says it has no alpha", "a.tga", with_extension_area(tga(2, 24, 0), 0), true},
+        {"a TGA that says it has no alpha but has one", "a.tga", with_extension_area(tga(2, 32, 8), 0),
+         false},
+        {"a TGA that says its alpha is not one", "a.tga", with_extension_area(tga(2, 32, 8), 1), false},
+        {"a TGA that says its alpha is premultiplied", "a.tga", with_extension_area(tga(2, 32, 8), 4), false},
         {"a format that the extension does not name", "a.png", tiff, false},
         {"an extension of no format", "a.dat", tiff, false},
         {"a PNG whose text gives the library a depth", "a.png",
