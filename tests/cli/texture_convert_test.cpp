@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <nlohmann/json.hpp>
 #include <string>
 #include <vector>
@@ -35,11 +36,11 @@ ProcessResult convert(const TemporaryFolder& folder, const std::vector<std::stri
     return run_process(command_in(folder, arguments));
 }
 
-void write(const TemporaryFolder& folder, const char* name, const Texture& texture) {
+void write(const TemporaryFolder& folder, const std::string& name, const Texture& texture) {
     ASSERT_FALSE(write_texture(folder.path(name), texture).has_value());
 }
 
-Texture read(const TemporaryFolder& folder, const char* name) {
+Texture read(const TemporaryFolder& folder, const std::string& name) {
     TextureReading reading = read_texture(folder.path(name));
     EXPECT_FALSE(reading.error.has_value()) << name;
     return reading.texture.value_or(Texture{});
@@ -86,20 +87,32 @@ TEST(TextureConvert, ThereAndBackAgainKeepsEveryByte) {
         {Texture::kGrey, 3, "exr"}, {Texture::kRgb, 3, "exr"},  {Texture::kRgb, 1, "tga"},
         {Texture::kRgb, 0, "bmp"},  {Texture::kRgb, 0, "ppm"},  {Texture::kRgb, 2, "txl"},
     };
+    // One process for all files of a format, and one for all on the way back: each loads the image library.
+    const TemporaryFolder folder;
+    std::vector<Texture> textures;
+    std::map<std::string, std::vector<std::string>> files;
+    std::vector<std::string> back{"--to", "txl", "--out-dir", "back"};
     for (const TripCase& one : cases) {
-        const TemporaryFolder folder;
-        const Texture texture = made_texture(23, 17, one.mode, one.alphas);
-        write(folder, "a.txl", texture);
-        const std::string between = std::string("b.") + one.extension;
-        const ProcessResult out = convert(folder, {"a.txl", "-o", between});
-        EXPECT_EQ(out.exit_code, 0) << between << out.err;
-        EXPECT_EQ(out.err, "") << between;
-        const ProcessResult back = convert(folder, {between, "-o", "c.txl"});
-        EXPECT_EQ(back.exit_code, 0) << between << back.err;
-        EXPECT_EQ(back.err.find("[channels-guessed]"), std::string::npos) << between << back.err;
-        EXPECT_EQ(back.err.find("[names-left-out]"), std::string::npos) << between << back.err;
-        EXPECT_TRUE(read(folder, "c.txl") == texture)
-            << between << ", mode " << one.mode << ", " << one.alphas << " alphas";
+        const std::string name = std::to_string(textures.size());
+        textures.push_back(made_texture(23, 17, one.mode, one.alphas));
+        write(folder, name + ".txl", textures.back());
+        files[one.extension].push_back(name + ".txl");
+        back.push_back("there/" + name + '.' + one.extension);
+    }
+    for (const auto& [extension, names] : files) {
+        std::vector<std::string> there{"--to", extension, "--out-dir", "there"};
+        there.insert(there.end(), names.begin(), names.end());
+        const ProcessResult out = convert(folder, there);
+        EXPECT_EQ(out.exit_code, 0) << extension << out.err;
+        EXPECT_EQ(out.err, "") << extension;
+    }
+    const ProcessResult returned = convert(folder, back);
+    EXPECT_EQ(returned.exit_code, 0) << returned.err;
+    EXPECT_EQ(returned.err.find("[channels-guessed]"), std::string::npos) << returned.err;
+    EXPECT_EQ(returned.err.find("[names-left-out]"), std::string::npos) << returned.err;
+    for (std::size_t i = 0; i < textures.size(); ++i) {
+        EXPECT_TRUE(read(folder, "back/" + std::to_string(i) + ".txl") == textures[i])
+            << cases[i].extension << ", mode " << cases[i].mode << ", " << cases[i].alphas << " alphas";
     }
 }
 
@@ -233,29 +246,49 @@ Texture straight_texture(std::int32_t mode, int alphas) {
 TEST(TextureConvert, TheAlphaLabelDecidesWhatAFileSays) {
     const struct {
         const char* label;
-        bool straight_pixels;
-        const char* said;
+        const char* said_of_premultiplied;
+        const char* said_of_straight;
     } cases[] = {
-        {"premultiplied", false, "assoc-alpha"}, {"premultiplied", true, "assoc-alpha"},
-        {"straight", false, "unassoc-alpha"},    {"straight", true, "unassoc-alpha"},
-        {"auto", false, "assoc-alpha"},          {"auto", true, "unassoc-alpha"},
+        {"premultiplied", "assoc-alpha", "assoc-alpha"},
+        {"straight", "unassoc-alpha", "unassoc-alpha"},
+        {"auto", "assoc-alpha", "unassoc-alpha"},
+    };
+    const struct {
+        const char* name;
+        std::int32_t mode;
+        int alphas;
+        bool straight_pixels;
+    } kinds[] = {
+        {"rgb", Texture::kRgb, 1, false},
+        {"rgb_straight", Texture::kRgb, 1, true},
+        {"grey", Texture::kGrey, 2, false},
+        {"grey_straight", Texture::kGrey, 2, true},
     };
     for (const auto& c : cases) {
-        for (const auto& [mode, alphas] : {std::pair{Texture::kRgb, 1}, std::pair{Texture::kGrey, 2}}) {
-            SCOPED_TRACE(std::string(c.label) + (c.straight_pixels ? ", straight" : ", premultiplied"));
-            const TemporaryFolder folder;
-            Texture texture = straight_texture(mode, alphas);
-            texture.pixels[0] = c.straight_pixels ? 200 : 90;
-            write(folder, "a.txl", texture);
-            ASSERT_EQ(convert(folder, {"a.txl", "-o", "a.tif", "--alpha-label", c.label}).exit_code, 0);
-            const std::string said = extra_samples(folder, "a.tif");
-            EXPECT_EQ(said.find('<' + std::string(c.said)), said.find('<')) << said;
+        const TemporaryFolder folder;
+        std::vector<std::string> there{"--to", "tif", "--alpha-label", c.label};
+        std::vector<std::string> back{"--to", "txl", "--out-dir", "back"};
+        std::map<std::string, Texture> textures;
+        for (const auto& kind : kinds) {
+            Texture& texture = textures[kind.name] = straight_texture(kind.mode, kind.alphas);
+            texture.pixels[0] = kind.straight_pixels ? 200 : 90;
+            write(folder, std::string(kind.name) + ".txl", texture);
+            there.push_back(std::string(kind.name) + ".txl");
+            back.push_back(std::string(kind.name) + ".tif");
+        }
+        ASSERT_EQ(convert(folder, there).exit_code, 0);
+        ASSERT_EQ(convert(folder, back).exit_code, 0);
+        for (const auto& kind : kinds) {
+            SCOPED_TRACE(std::string(c.label) + ", " + kind.name);
+            const std::string name = kind.name;
+            const std::string said = extra_samples(folder, (name + ".tif").c_str());
+            const std::string expected = kind.straight_pixels ? c.said_of_straight : c.said_of_premultiplied;
+            EXPECT_EQ(said.find('<' + expected), said.find('<')) << said;
             // The bytes are the same, whatever the file says about them.
-            ASSERT_EQ(convert(folder, {"a.tif", "-o", "back.txl"}).exit_code, 0);
-            EXPECT_TRUE(read(folder, "back.txl") == texture);
-            if (mode == Texture::kRgb) {
-                ASSERT_EQ(run_process({VXR_PROGRAM, "frame", folder.path("a.txl"), "-o", folder.path("f.tif"),
-                                       "--alpha-label", c.label})
+            EXPECT_TRUE(read(folder, "back/" + name + ".txl") == textures[name]);
+            if (kind.mode == Texture::kRgb) {
+                ASSERT_EQ(run_process({VXR_PROGRAM, "frame", folder.path(name + ".txl"), "-o",
+                                       folder.path("f.tif"), "--alpha-label", c.label})
                               .exit_code,
                           0);
                 EXPECT_EQ(extra_samples(folder, "f.tif"), said) << "both verbs say the same";

@@ -19,8 +19,8 @@ namespace {
 // and under sanitizers, which take ten times as long; less of the fuzzers' seeds and of images, of which the
 // bundle reads a few bytes at most.
 #if defined(VXR_SANITIZED)
-constexpr std::size_t kOfSmallFiles = 40;
-constexpr std::size_t kOfLargeFiles = 40;
+constexpr std::size_t kOfSmallFiles = 16;
+constexpr std::size_t kOfLargeFiles = 16;
 constexpr std::size_t kOfSeeds = 2;
 constexpr std::size_t kOfFootage = 1;
 #else

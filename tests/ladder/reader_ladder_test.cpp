@@ -23,8 +23,8 @@ namespace {
 
 // The most inverted bits per file; an eighth as many lengths.
 #if defined(VXR_SANITIZED)
-constexpr std::size_t kMost = 480;
-constexpr std::size_t kMostOfASeed = 80;
+constexpr std::size_t kMost = 240;
+constexpr std::size_t kMostOfASeed = 40;
 #else
 constexpr std::size_t kMost = std::size_t{8} * 4096;
 constexpr std::size_t kMostOfASeed = 1024;
