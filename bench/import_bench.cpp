@@ -253,18 +253,6 @@ void measure_words(benchmark::State& state, const Scene& scene) {
     measure_process(state, scene, {"wc", "-w"}, " ");
 }
 
-// --- the keyframe array alone, which grows by one slot per key
-
-void measure_keyframe_array(benchmark::State& state) {
-    while (state.KeepRunning()) {
-        CSceneObject object;
-        for (std::int64_t i = 0; i < state.range(0); ++i) {
-            require(object.AddKeyframe() != nullptr, "out of memory");
-        }
-        benchmark::DoNotOptimize(object.keys);
-    }
-}
-
 struct Measure {
     const char* name;
     void (*function)(benchmark::State&, const Scene&);
@@ -310,9 +298,5 @@ int main(int argc, char** argv) {
             register_measure(measure, scene);
         }
     }
-    benchmark::RegisterBenchmark("keyframe_array", measure_keyframe_array)
-        ->RangeMultiplier(10)
-        ->Range(100, 100000)
-        ->Unit(benchmark::kMillisecond);
     return run_benchmarks(argc, argv);
 }

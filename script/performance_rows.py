@@ -53,20 +53,22 @@ class Memory:
 
 ROWS = [
     Row("read a scene of 63 MB, a million KEY lines in 10,000 objects", "import_bench", "read/text/{}",
-        peer=Beside("RapidJSON, SAX, full precision, into the same records", "json/text/{}", 0.50),
-        limit=Beside("one `memchr` over the bytes", "memchr/text/{}", 12)),
+        peer=Beside("RapidJSON, SAX, full precision, into the same records", "json/text/{}", 0.40),
+        limit=Beside("one `memchr` over the bytes", "memchr/text/{}", 35)),
     Row("the same, whole process: `vxr check --quiet`", "import_bench", "check/text/{}/manual_time",
         peer=Beside("`wc -w`", "words/text/{}/manual_time", 0.60)),
     Row("import the same into the embedded host", "import_bench", "import/text/{}",
-        peer=Beside("reading alone", "read/text/{}", 4)),
+        peer=Beside("reading alone", "read/text/{}", 3)),
+    Row("read 100,000 keys of one object", "import_bench", "read/keys_in_one_object/100000",
+        peer=Beside("the same keys in 100 objects", "read/keys_in_100_objects/100000", 1.5)),
     Row("write the same, corrected, as a script for After Effects; time elapsed, on all processors", "import_bench",
         "script/text/{}/real_time", peer=Beside("reading alone", "read/text/{}", 2)),
 ]
 # Goals for each picture: load against the peer and the limit, save against both.
 _TEXTURE_GOALS = [
-    ("flat", 0.55, 2, 0.50, 2),
-    ("photographic", 0.60, 9, 0.50, 8),
-    ("noise", 0.50, 2.5, 0.20, 2),
+    ("flat", 0.50, 2, 0.50, 2),
+    ("photographic", 0.42, 9, 0.50, 8),
+    ("noise", 0.45, 2.5, 0.20, 2),
 ]
 for _picture, _load_peer, _load_limit, _save_peer, _save_limit in _TEXTURE_GOALS:
     ROWS += [
@@ -93,13 +95,13 @@ ROWS += [
 ]
 
 GROWTHS = [
-    Growth(f"{what}: {work_text}", "import_bench", f"{work}/{factor}/{{}}", sizes, note)
-    for what, factor, sizes, note in [
-        ("bytes of text (KEY lines)", "text", (1_000, 10_000, 100_000, 1_000_000), "linear"),
-        ("layers", "layers", (10, 100, 1_000, 10_000), "linear"),
-        ("depth of nesting", "nesting", (1, 10, 100, 1_000), "linear"),
-        ("objects", "objects", (10, 100, 1_000, 10_000), "linear"),
-        ("keys in one object", "keys_in_one_object", (100, 1_000, 10_000, 100_000), "square, deliberate"),
+    Growth(f"{what}: {work_text}", "import_bench", f"{work}/{factor}/{{}}", sizes)
+    for what, factor, sizes in [
+        ("bytes of text (KEY lines)", "text", (1_000, 10_000, 100_000, 1_000_000)),
+        ("layers", "layers", (10, 100, 1_000, 10_000)),
+        ("depth of nesting", "nesting", (1, 10, 100, 1_000)),
+        ("objects", "objects", (10, 100, 1_000, 10_000)),
+        ("keys in one object", "keys_in_one_object", (100, 1_000, 10_000, 100_000)),
     ]
     for work, work_text in [("read", "reading"), ("import", "importing")]
 ]

@@ -24,6 +24,7 @@ bool refused() {
 extern "C" {
 void* __libc_malloc(std::size_t size);
 void* __libc_calloc(std::size_t count, std::size_t size);
+void* __libc_realloc(void* block, std::size_t size);
 
 void* malloc(std::size_t size) {
     if (refused()) {
@@ -40,6 +41,14 @@ void* calloc(std::size_t count, std::size_t size) {
     }
     return __libc_calloc(count, size);
 }
+
+void* realloc(void* block, std::size_t size) {
+    if (refused()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return __libc_realloc(block, size);
+}
 }
 
 namespace {
@@ -48,6 +57,20 @@ void* memory(std::size_t size) {
 }
 }  // namespace
 #else
+// The sanitizer's malloc and calloc are left alone: its own code asks for them. Nothing but the bundle asks
+// for realloc while its calls are counted.
+extern "C" {
+void* __interceptor_realloc(void* block, std::size_t size);
+
+void* realloc(void* block, std::size_t size) {
+    if (refused()) {
+        errno = ENOMEM;
+        return nullptr;
+    }
+    return __interceptor_realloc(block, size);
+}
+}
+
 namespace {
 void* memory(std::size_t size) {
     return refused() ? nullptr : std::malloc(size == 0 ? 1 : size);

@@ -1,14 +1,14 @@
 #include "composition/model/scene_object.h"
 
-#include <algorithm>
 #include <cstddef>
+#include <cstdlib>
 #include <new>
 
 CSceneObject::~CSceneObject() {
     for (A_long i = 0; i < keyCount; ++i) {
         delete keys[i];
     }
-    delete[] keys;
+    std::free(keys);
     delete[] name;
 }
 
@@ -18,15 +18,14 @@ tagKeyFrame* CSceneObject::AddKeyframe() {
         return nullptr;
     }
     const auto old_count = static_cast<std::size_t>(keyCount);
-    tagKeyFrame** const grown = new (std::nothrow) tagKeyFrame*[old_count + 1];
+    // Not array-new: realloc moves the pages of a long array where a new array copies them.
+    void* const grown = std::realloc(keys, (old_count + 1) * sizeof(tagKeyFrame*));
     if (grown == nullptr) {
         delete key;
         return nullptr;
     }
-    std::copy_n(keys, old_count, grown);
-    grown[old_count] = key;
-    delete[] keys;
-    keys = grown;
+    keys = static_cast<tagKeyFrame**>(grown);
+    keys[old_count] = key;
     ++keyCount;
     return key;
 }

@@ -38,14 +38,15 @@ class CSceneObject : public CListItem {
 
     /// Appends a new keyframe and returns it, owned by this object; null when out of memory, with `keys`
     /// unchanged. Deliberately grows `keys` by one slot per call: the array is always exactly `keyCount`
-    /// long, whatever a failure leaves behind (docs/performance.md shows what that costs).
+    /// long, whatever a failure leaves behind.
     tagKeyFrame* AddKeyframe();
     /// Appends a keyframe, stores it in `*out` and reads its seven numbers: frame, position, rotation.
     /// Returns 1, or 0 at the first token that is not a number; the keyframe stays.
     int LoadAndAddKeyframe(ASCIIParser& p, tagKeyFrame** out);
 
-    tagKeyFrame** keys = nullptr;  ///< the keyframes in file order, neither sorted nor checked; owned
-    char* name = nullptr;          ///< from array-new, owned; may be empty
+    tagKeyFrame** keys =
+        nullptr;           ///< the keyframes in file order, neither sorted nor checked; owned, from realloc
+    char* name = nullptr;  ///< from array-new, owned; may be empty
     A_long keyCount = 0;
     AEGP_LayerH layerH = nullptr;  ///< the host's layer, once added
     A_long isNull = 0;             ///< 1 for a CNull; set by Load
