@@ -73,6 +73,10 @@ export function arrangeTable(front: HTMLElement): void {
 /** Shows the scene that the address names, else the table; `opened` is called before a scene is first shown. */
 export function chooseScenes(front: HTMLElement, opened: (article: HTMLElement) => void): void {
     const articles = [...document.querySelectorAll<HTMLElement>("article.scene")];
+    // A scene that is shown alone has the heading of the page.
+    for (const heading of document.querySelectorAll("article.scene :is(h2, h3, h4)")) {
+        heading.setAttribute("aria-level", String(Number(heading.tagName.slice(1)) - 1));
+    }
     const show = (moved: boolean): void => {
         const target = document.getElementById(decodeURIComponent(location.hash.slice(1)));
         const chosen = target?.closest<HTMLElement>("article.scene") ?? undefined;

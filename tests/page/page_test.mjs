@@ -11,9 +11,10 @@ import { spawnSync } from "node:child_process";
 import { mkdtempSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
-import { join } from "node:path";
+import { join, resolve } from "node:path";
 
-const [vxr, bundle, chromium, project, amount] = process.argv.slice(2);
+const [vxr, bundle, chromium, projectFolder, amount] = process.argv.slice(2);
+const project = resolve(projectFolder);
 const require = createRequire(join(project, "build/npm/package.json"));
 const playwright = require("playwright-core");
 const axe = readFileSync(require.resolve("axe-core/axe.min.js"), "utf8");
@@ -288,7 +289,7 @@ async function useFrontPage(browser, path) {
     await page.getByRole("button", { name: "losses" }).press("Enter");
     assert.doesNotMatch(await page.locator(".scenes tbody tr").first().textContent(), /courtyard_020/);
     await page.getByRole("link", { name: "lantern_010.aec" }).press("Enter");
-    assert.equal(await page.locator("article:visible").count(), 1);
+    await page.locator("article:visible").waitFor();
     const image = page.locator(".pictures img:visible");
     const before = await image.getAttribute("src");
     await page.getByRole("slider", { name: "Picture" }).press("End");
@@ -296,6 +297,7 @@ async function useFrontPage(browser, path) {
     assert.equal(await page.locator(".pictures output:visible").textContent(), "frame 24");
     assert.ok(await image.evaluate((one) => one.decode().then(() => one.naturalWidth > 600)));
     await page.getByRole("link", { name: "All scenes" }).click();
+    await page.locator(".scenes:visible").waitFor();
     assert.equal(await rows(), 3);
     await close(page);
 }
