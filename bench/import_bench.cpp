@@ -9,6 +9,7 @@
 #include <iterator>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <typeinfo>
 #include <vector>
 
@@ -22,8 +23,8 @@
 #include "handover/jsx/jsx_script.h"
 #include "json_scene.h"
 #include "measuring.h"
+#include "processes.h"
 #include "scenes.h"
-#include "support/child_process.h"
 
 namespace {
 
@@ -230,36 +231,12 @@ void measure_memchr(benchmark::State& state, const Scene& scene) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(text.size()));
 }
 
-// --- whole processes: the file is in the page cache, everything else is cold
-
-void measure_process(benchmark::State& state, const Scene& scene, const std::vector<std::string>& command,
-                     const std::string& expected_output) {
-    std::vector<std::string> arguments = command;
-    arguments.push_back(scene_file(scene));
-    const ProcessResult answer = run_process(arguments);
-    require(answer.exit_code == 0 && answer.out.find(expected_output) != std::string::npos,
-            command.front() + " said: " + answer.out + answer.err);
-    while (state.KeepRunning()) {
-        state.SetIterationTime(child_seconds(arguments));
-    }
-}
-
-void measure_check(benchmark::State& state, const Scene& scene) {
-    // The keys are random, so some of the motion is lost.
-    measure_process(state, scene, {VXR_PROGRAM, "check", "--quiet"}, ": ok");
-}
-
-void measure_words(benchmark::State& state, const Scene& scene) {
-    measure_process(state, scene, {"wc", "-w"}, " ");
-}
-
 struct Measure {
     const char* name;
     void (*function)(benchmark::State&, const Scene&);
     bool text_only;  ///< only for the scenes that grow in text, because only those have a peer
     enum class Time {
         processor,  ///< of the thread that measures
-        child,      ///< processor time of a child process
         elapsed,    ///< several threads work
     } time;
 };
@@ -269,8 +246,6 @@ const Measure kMeasures[] = {
     {"read", measure_reading, false, Measure::Time::processor},
     {"memchr", measure_memchr, false, Measure::Time::processor},
     {"json", measure_json, true, Measure::Time::processor},
-    {"check", measure_check, true, Measure::Time::child},
-    {"words", measure_words, true, Measure::Time::child},
     {"script", measure_script, true, Measure::Time::elapsed},
 };
 
@@ -282,9 +257,7 @@ void register_measure(const Measure& measure, const Scene& scene) {
     auto* const registered =
         benchmark::RegisterBenchmark((measure.name + ("/" + scene_name)).c_str(), measure.function, scene);
     registered->Unit(benchmark::kMillisecond);
-    if (measure.time == Measure::Time::child) {
-        registered->UseManualTime();
-    } else if (measure.time == Measure::Time::elapsed) {
+    if (measure.time == Measure::Time::elapsed) {
         registered->UseRealTime();
     }
 }
@@ -297,6 +270,10 @@ int main(int argc, char** argv) {
         for (const Measure& measure : kMeasures) {
             register_measure(measure, scene);
         }
+        if (std::string_view(scene.name).starts_with("text/")) {
+            register_processes(scene);
+        }
     }
+    register_processes();
     return run_benchmarks(argc, argv);
 }

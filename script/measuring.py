@@ -1,10 +1,14 @@
-"""Shared by script/bench and script/reliability: running a benchmark program, and the part of a document that a script writes."""
+"""Shared by script/bench and script/reliability: running a benchmark program, whether the machine is quiet, and the part of a
+document that a script writes."""
 
 import json
 import os
+import resource
+import statistics
 import subprocess
 import sys
 import tempfile
+import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
@@ -41,15 +45,27 @@ class Medians:
         self.rows = {row["run_name"]: row for row in rows if row.get("aggregate_name") == "median"}
         for row in self.rows.values():
             assert row["time_unit"] == "ms", row["time_unit"]
+        self.times = {}
+        for row in rows:
+            if row["run_type"] == "iteration":
+                self.times.setdefault(row["run_name"], []).append(row[self.clock(row["run_name"])])
+
+    @staticmethod
+    def clock(name):
+        """Processor time, which other programs disturb least: of the one thread that works or, for a row that times a
+        whole process, of that process. The time that elapses for a row on several threads."""
+        return "real_time" if name.endswith(("/manual_time", "/real_time")) else "cpu_time"
 
     def has(self, name):
         return name in self.rows
 
     def cpu(self, name):
-        """Processor time, which other programs disturb least: of the one thread that works or, for a row that times a
-        whole process, of that process. The time that elapses for a row on several threads."""
-        elapsed = name.endswith("/manual_time") or name.endswith("/real_time")
-        return self.rows[name]["real_time" if elapsed else "cpu_time"]
+        return self.rows[name][self.clock(name)]
+
+    def spread(self, name):
+        """Half of the range that holds the middle half of the repetitions, as a share of the median."""
+        low, median, high = statistics.quantiles(self.times[name], n=4)
+        return (high - low) / 2 / median
 
     def wall(self, name):
         return self.rows[name]["real_time"]
@@ -94,6 +110,41 @@ def processor():
 
 def load():
     return f"{os.getloadavg()[0]:.1f}"
+
+
+class Disturbance:
+    """What else the machine does from now on: processors that others keep busy, and the share of the processors' time
+    that the machine below takes away."""
+
+    def __init__(self):
+        self.begin = self._now()
+
+    @staticmethod
+    def _now():
+        with open("/proc/stat", encoding="ascii") as file:
+            user, nice, system, idle, waiting, hard, soft, stolen = map(int, file.readline().split()[1:9])
+        own = sum(usage.ru_utime + usage.ru_stime for usage in
+                  (resource.getrusage(resource.RUSAGE_SELF), resource.getrusage(resource.RUSAGE_CHILDREN)))
+        busy = user + nice + system + hard + soft
+        return time.monotonic(), busy / os.sysconf("SC_CLK_TCK"), own, stolen, busy + idle + waiting + stolen
+
+    def others(self):
+        """Processors, on average. Children count as our own once they have ended."""
+        (since, busy_before, own_before, _, _), (now, busy, own, _, _) = self.begin, self._now()
+        return max((busy - busy_before - (own - own_before)) / (now - since), 0)
+
+    def stolen(self):
+        (*_, stolen_before, all_before), (*_, stolen, ticks) = self.begin, self._now()
+        return (stolen - stolen_before) / max(ticks - all_before, 1)
+
+    def complaint(self):
+        """Why what was measured cannot be believed; empty when it can."""
+        most_others, most_stolen = 0.3, 0.01
+        if self.others() > most_others:
+            return f"other programs keep {self.others():.1f} processors busy; {most_others} is the most"
+        if self.stolen() > most_stolen:
+            return f"the machine below takes {self.stolen():.1%} of the processors' time; {most_stolen:.0%} is the most"
+        return ""
 
 
 class MarkedPart:

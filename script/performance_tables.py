@@ -37,18 +37,25 @@ def beside_cells(medians, row, beside, smoke):
     if beside is None:
         return [""] * 5
     other = medians.cpu(sized(row.program, beside.name, smoke))
-    ratio = medians.cpu(sized(row.program, row.name, smoke)) / other
+    own = medians.cpu(sized(row.program, row.name, smoke))
+    if beside.more_ms is not None:
+        met = "met" if own - other <= beside.more_ms else "not met"
+        return [beside.text, time_text(other), f"+ {time_text(max(own - other, 0))}", f"+ {time_text(beside.more_ms)}", met]
     goal, met = "", ""
     if beside.goal is not None:
-        goal, met = factor_text(beside.goal), "met" if ratio <= beside.goal else "not met"
-    return [beside.text, time_text(other), factor_text(ratio), goal, met]
+        goal, met = factor_text(beside.goal), "met" if own / other <= beside.goal else "not met"
+    return [beside.text, time_text(other), factor_text(own / other), goal, met]
+
+
+def time_cell(medians, name):
+    return f"{time_text(medians.cpu(name))} ± {100 * medians.spread(name):.0f} %"
 
 
 def goals_part(programs, smoke):
     head = ["work", "time"]
     for kind in ("peer", "limit"):
-        head += [kind, f"time of the {kind}", f"ratio to the {kind}", "goal, at most", f"against the {kind}"]
-    return table(head, ([row.work, time_text(programs[row.program].cpu(sized(row.program, row.name, smoke)))]
+        head += [kind, f"time of the {kind}", f"compared with the {kind}", "goal, at most", f"against the {kind}"]
+    return table(head, ([row.work, time_cell(programs[row.program], sized(row.program, row.name, smoke))]
                         + beside_cells(programs[row.program], row, row.peer, smoke)
                         + beside_cells(programs[row.program], row, row.limit, smoke)
                         for row in ROWS if is_there(programs[row.program], row, smoke)))
