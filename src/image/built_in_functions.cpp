@@ -75,12 +75,19 @@ std::string tga_pixels(const Texture& texture) {
     return bytes;
 }
 
+bool has_writer(const char* path) {
+    return text::equal_ignoring_case(os::text_of(os::path_of(path).extension()), ".tga");
+}
+
 bool write_file(const char* path, const Texture* texture, const WriteOptions* options, Report report,
                 void* reports) {
     const auto fail = [report, reports](Code code, const std::string& reason) {
         report(reports, code, reason.c_str());
         return false;
     };
+    if (!has_writer(options->format_name(path).c_str())) {
+        return fail(Code::no_format, "this program has no image library and writes TGA files only");
+    }
     if (texture->pixel_count() == 0) {
         return fail(Code::unsupported, no_pixels_text(texture->width_px, texture->height_px));
     }
@@ -102,10 +109,6 @@ bool write_file(const char* path, const Texture* texture, const WriteOptions* op
     }
     options->row_written(texture->height_px);
     return true;
-}
-
-bool has_writer(const char* path) {
-    return text::equal_ignoring_case(os::text_of(os::path_of(path).extension()), ".tga");
 }
 
 }  // namespace

@@ -18,7 +18,7 @@ using Report = void (*)(void* reports, Code code, const char* reason);
 /// was reported. The module lets no exception out and reports it as `gave_up` instead. Module and program are
 /// built together, so both know the types; `version` guards against a module of another build.
 struct Functions {
-    static constexpr std::uint32_t kVersion = 3;  // raise it with every change of the table or of its types
+    static constexpr std::uint32_t kVersion = 4;  // raise it with every change of the table or of its types
 
     std::uint32_t version;
     bool (*probe)(const char* path, Header* header, Report report, void* reports);

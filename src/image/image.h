@@ -55,6 +55,8 @@ struct AlphaOptions {
 
 struct WriteOptions {
     AlphaOptions alpha;
+    /// The extension that chooses the format: "png". Empty for that of the path.
+    std::string format;
     /// Called with the number of rows that have been handed to the format's writer; may be empty.
     std::function<void(std::int64_t rows)> on_rows;
 
@@ -62,6 +64,10 @@ struct WriteOptions {
         if (on_rows) {
             on_rows(rows);
         }
+    }
+    /// The name whose extension chooses the format.
+    [[nodiscard]] std::string format_name(const char* path) const {
+        return format.empty() ? std::string(path) : "image." + format;
     }
 };
 
@@ -84,10 +90,10 @@ struct Writing {
     std::vector<diagnostic::Diagnostic> warnings;  ///< empty beside an error
 };
 
-/// Writes `texture` in the format that the extension of `path` names. A format that can say whether its
-/// colour is multiplied by alpha, as TIFF does, says what `options` say about the texture. Refuses a format
-/// that has no room for all channels, and warns when names have none. An existing file at `path` stays until
-/// the new one is complete.
+/// Writes `texture` in the format that the extension of `path` or the options name. A format that can say
+/// whether its colour is multiplied by alpha, as TIFF does, says what `options` say about the texture.
+/// Refuses a format that has no room for all channels, and warns when names have none. An existing file at
+/// `path` stays until the new one is complete.
 [[nodiscard]] Writing write(const std::string& path, const Texture& texture,
                             const WriteOptions& options = {});
 

@@ -254,7 +254,7 @@ bool write_picture(const char* path, OIIO::ImageOutput& output, const Texture& t
 
 bool write_with_library(const char* path, const Texture& texture, const WriteOptions& options,
                         const Reporter& reporter) {
-    const auto output = OIIO::ImageOutput::create(path);
+    const auto output = OIIO::ImageOutput::create(options.format_name(path));
     if (output == nullptr) {
         return reporter.fail(Code::no_format, library_reason(OIIO::geterror()));
     }

@@ -42,14 +42,15 @@ const Functions& system_functions() {
         },
         [](const char* path, const Texture* texture, const WriteOptions* options, Report report,
            void* reports) {
-            const Container* const container = container_by_extension(path);
+            const std::string named = options->format_name(path);
+            const Container* const container = container_by_extension(named.c_str());
             const Reporter reporter(report, reports);
             if (container != nullptr) {
                 return refusing(reporter, [&] {
                     write_with_windows(path, *container, *texture, bytes_of(options->alpha));
                 });
             }
-            if (built_in_functions().can_write(path)) {
+            if (built_in_functions().can_write(named.c_str())) {
                 return built_in_functions().write(path, texture, options, report, reports);
             }
             return reporter.fail(Code::no_format, "PNG, TIFF, JPEG, BMP and TGA files are written");

@@ -115,6 +115,10 @@ inline constexpr std::int64_t kPreviewRows_bytes = std::int64_t{256} << 20;
 /// Layers that one frame shows, nested ones each time they are seen: a thousand times what scenes have.
 inline constexpr std::int64_t kPreviewLayers = 1000000;
 
+/// Pixels and alpha channels of a texture that is shown by itself, as a thumbnail or in a terminal: 16,384 x
+/// 16,384 RGB with an alpha channel. File managers make several thumbnails at a time.
+inline constexpr std::int64_t kShownTexture_bytes = std::int64_t{1} << 30;
+
 // Textures.
 
 inline constexpr Limit kTextureFile{

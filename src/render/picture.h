@@ -26,9 +26,26 @@ struct Picture {
 /// The colour of a picture alone.
 [[nodiscard]] Texture texture_of(const Picture& opaque);
 
-/// The whole picture in no more pixels a side than it has, and at least one: each is the average of those
+/// The colour of a picture, and its alpha as the one alpha channel.
+[[nodiscard]] Texture texture_with_alpha_of(const Picture& picture);
+
+/// The whole picture in no more pixels a side than it has, and at least one: each is the average of the area
 /// that it covers, colours weighted by their coverage. Colour is straight, before and after.
 [[nodiscard]] Picture reduced(const Picture& straight, std::int32_t width_px, std::int32_t height_px);
+
+/// The same of a texture with one of its alphas, or opaque without one, and without a copy of it in full
+/// size. `pixels` says what its colour is; it is straight afterwards.
+[[nodiscard]] Picture reduced(const Texture& texture, const PixelBuffer* alpha, image::AlphaPixels pixels,
+                              std::int32_t width_px, std::int32_t height_px);
+
+/// The largest size with the proportions of `width_px` x `height_px` that fits, rounded, at least one pixel a
+/// side, and never more than the picture has.
+struct FittedSize {
+    std::int32_t width_px = 0;
+    std::int32_t height_px = 0;
+};
+[[nodiscard]] FittedSize fitted_size(std::int32_t width_px, std::int32_t height_px,
+                                     std::int32_t most_width_px, std::int32_t most_height_px);
 
 /// Shared by the cache and the frame that shows it; nobody changes it.
 using SharedPicture = std::shared_ptr<const Picture>;

@@ -131,8 +131,7 @@ std::string choose_alphas(Texture& texture, const AlphaChoice& choice) {
             break;
     }
     if (choice.number > alphas.size()) {
-        return "there is no alpha channel " + std::to_string(choice.number) + ": the texture has " +
-               (alphas.empty() ? "none" : std::to_string(alphas.size()));
+        return no_such_alpha_text(choice.number, alphas.size());
     }
     AlphaChannel chosen = std::move(alphas[choice.number - 1]);
     alphas.clear();
@@ -265,6 +264,11 @@ ExitCode image_exit_code(const diagnostic::Diagnostic& error) {
     const bool prevented = error.code == image::Code::cannot_open || error.code == image::Code::not_written ||
                            error.code == image::Code::gave_up;
     return prevented ? ExitCode::cannot_read_or_write : ExitCode::refused;
+}
+
+std::string no_such_alpha_text(std::size_t number, std::size_t alphas) {
+    return "there is no alpha channel " + std::to_string(number) + ": the texture has " +
+           (alphas == 0 ? "none" : std::to_string(alphas));
 }
 
 bool has_texture_extension(const std::string& path) {

@@ -73,6 +73,9 @@ Conversion save_texture(const Texture& texture, const std::string& output);
 /// cannot_read_or_write for what the file system prevents, refused for everything else.
 ExitCode image_exit_code(const diagnostic::Diagnostic& error);
 
+/// "there is no alpha channel 3: the texture has 2"
+std::string no_such_alpha_text(std::size_t number, std::size_t alphas);
+
 /// Whether `path` ends in ".txl", in upper or lower case.
 bool has_texture_extension(const std::string& path);
 
