@@ -4,11 +4,26 @@ namespace cli {
 
 const std::vector<Verb>& verbs() {
     static const std::vector<Verb> kVerbs{
-        import_verb(),          check_verb(),         relink_verb(),        collect_verb(),
-        export_verb(),          preview_verb(),       proof_verb(),         report_verb(),
-        texture_info_verb(),    texture_check_verb(), texture_sheet_verb(), texture_thumbnail_verb(),
-        texture_convert_verb(), frame_verb(),         modules_verb(),       limits_verb(),
-        doctor_verb(),          help_verb(),          completion_verb(),
+        import_verb(),
+        check_verb(),
+        relink_verb(),
+        collect_verb(),
+        export_verb(),
+        preview_verb(),
+        proof_verb(),
+        report_verb(),
+        texture_info_verb(),
+        texture_check_verb(),
+        texture_sheet_verb(),
+        texture_view_verb(),
+        texture_thumbnail_verb(),
+        texture_convert_verb(),
+        frame_verb(),
+        modules_verb(),
+        limits_verb(),
+        doctor_verb(),
+        help_verb(),
+        completion_verb(),
     };
     return kVerbs;
 }

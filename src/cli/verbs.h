@@ -20,6 +20,7 @@ Verb export_verb();             ///< `vxr export SCENE... --to FORMAT`
 Verb texture_info_verb();       ///< `vxr texture info FILE...`
 Verb texture_check_verb();      ///< `vxr texture check FILE...`
 Verb texture_sheet_verb();      ///< `vxr texture sheet FILE... -o IMAGE`
+Verb texture_view_verb();       ///< `vxr texture view FILE`
 Verb texture_thumbnail_verb();  ///< `vxr texture thumbnail IN OUT SIZE`
 Verb texture_convert_verb();    ///< `vxr texture convert IN...`
 Verb frame_verb();              ///< `vxr frame FILE -o IMAGE`

@@ -22,8 +22,6 @@ constexpr Shade kTileFrame{20, 20, 20};
 constexpr Shade kSheetInk{230, 230, 230};
 constexpr Shade kFactInk{168, 168, 168};
 constexpr Shade kMarkInk{255, 159, 28};
-constexpr Shade kLightSquare{136, 136, 136};
-constexpr Shade kDarkSquare{104, 104, 104};
 constexpr std::int32_t kSquare = 12;
 
 /// How a sheet is laid out.
@@ -59,20 +57,14 @@ Layout layout_of(std::size_t tiles, std::size_t lines) {
     return layout;
 }
 
-// Lays the picture over what is there.
+// What is transparent shows squares.
 void lay(Picture& sheet, const Picture& picture, std::int32_t left, std::int32_t top) {
-    for (std::int32_t y = 0; y < picture.height_px; ++y) {
-        for (std::int32_t x = 0; x < picture.width_px; ++x) {
-            const std::uint8_t* const from =
-                &picture.bytes[static_cast<std::size_t>(y) * picture.row_bytes() +
-                               static_cast<std::size_t>(x) * 4];
-            const bool light = (x / kSquare + y / kSquare) % 2 == 0;
-            const Shade below = light ? kLightSquare : kDarkSquare;
-            const auto over = [&](std::uint8_t colour, std::uint8_t under) {
-                return static_cast<std::uint8_t>((colour * from[3] + under * (255 - from[3]) + 127) / 255);
-            };
-            put_pixel(sheet, left + x, top + y,
-                      {over(from[0], below.red), over(from[1], below.green), over(from[2], below.blue)});
+    const Picture opaque = on_chequerboard(picture, kSquare);
+    for (std::int32_t y = 0; y < opaque.height_px; ++y) {
+        for (std::int32_t x = 0; x < opaque.width_px; ++x) {
+            const std::uint8_t* const from = &opaque.bytes[static_cast<std::size_t>(y) * opaque.row_bytes() +
+                                                           static_cast<std::size_t>(x) * 4];
+            put_pixel(sheet, left + x, top + y, {from[0], from[1], from[2]});
         }
     }
 }

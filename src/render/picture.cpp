@@ -136,6 +136,25 @@ Picture reduced(const Texture& texture, const PixelBuffer* alpha, image::AlphaPi
     return made;
 }
 
+Picture on_chequerboard(const Picture& straight, std::int32_t square_px) {
+    constexpr std::uint8_t kLightSquare = 136;
+    constexpr std::uint8_t kDarkSquare = 104;
+    Picture opaque = straight;
+    opaque.has_alpha = false;
+    std::uint8_t* at = opaque.bytes.data();
+    for (std::int32_t y = 0; y < opaque.height_px; ++y) {
+        for (std::int32_t x = 0; x < opaque.width_px; ++x, at += 4) {
+            const bool light = (x / square_px + y / square_px) % 2 == 0;
+            const std::uint8_t below = light ? kLightSquare : kDarkSquare;
+            for (std::size_t c = 0; c < 3; ++c) {
+                at[c] = static_cast<std::uint8_t>((at[c] * at[3] + below * (255 - at[3]) + 127) / 255);
+            }
+            at[3] = 255;
+        }
+    }
+    return opaque;
+}
+
 FittedSize fitted_size(std::int32_t width_px, std::int32_t height_px, std::int32_t most_width_px,
                        std::int32_t most_height_px) {
     if (width_px <= most_width_px && height_px <= most_height_px) {

@@ -47,6 +47,10 @@ struct FittedSize {
 [[nodiscard]] FittedSize fitted_size(std::int32_t width_px, std::int32_t height_px,
                                      std::int32_t most_width_px, std::int32_t most_height_px);
 
+/// The picture on a chequerboard of two greys, which stands for what is transparent; `square_px` is a side of
+/// a square.
+[[nodiscard]] Picture on_chequerboard(const Picture& straight, std::int32_t square_px);
+
 /// Shared by the cache and the frame that shows it; nobody changes it.
 using SharedPicture = std::shared_ptr<const Picture>;
 

@@ -200,7 +200,7 @@ std::string zsh_completions(const std::string& words) {
 }
 
 TEST(ZshCompletion, VerbsOptionsAndFiles) {
-    EXPECT_EQ(zsh_completions("vxr texture ''"), "info\ncheck\nsheet\nthumbnail\nconvert\n");
+    EXPECT_EQ(zsh_completions("vxr texture ''"), "info\ncheck\nsheet\nview\nthumbnail\nconvert\n");
     EXPECT_EQ(zsh_completions("vxr limits -"), "--json\n-h\n--help\n");
     EXPECT_EQ(zsh_completions("vxr import --host ''"), "classic today\n");
     EXPECT_EQ(zsh_completions("vxr import --save ''"), "files\n");

@@ -53,7 +53,7 @@ SmallPicture read_small_picture(const std::string& path, const TextureLook& look
     options.limits.decoded_bytes = static_cast<std::uint64_t>(limits::kShownTexture_bytes);
     TextureReading reading = read_texture(path, options);
     drop_general_limit(reading);
-    SmallPicture small{texture_exit_code(reading), texture_diagnostics(reading, path), std::nullopt};
+    SmallPicture small{texture_exit_code(reading), texture_diagnostics(reading, path), std::nullopt, {}};
     if (!reading.texture) {
         return small;
     }
@@ -71,8 +71,7 @@ SmallPicture read_small_picture(const std::string& path, const TextureLook& look
     const image::AlphaPixels pixels = alpha_pixels(*parse_alpha_label(look.label), texture);
     const render::FittedSize size =
         render::fitted_size(texture.width_px, texture.height_px, most_width_px, most_height_px);
-    small.width_px = texture.width_px;
-    small.height_px = texture.height_px;
+    small.size = texture_size_text(texture);
     small.picture = render::reduced(texture, wanted ? &texture.alphas[number - 1].values : nullptr, pixels,
                                     size.width_px, size.height_px);
     if (wanted && look.alpha.empty() && shows_nothing(*small.picture)) {

@@ -27,8 +27,7 @@ struct SmallPicture {
     ExitCode code = ExitCode::fine;
     std::vector<Diagnostic> diagnostics;     ///< the error first, if there is one
     std::optional<render::Picture> picture;  ///< straight, in its own proportions, never enlarged
-    std::int32_t width_px = 0;               ///< of the texture
-    std::int32_t height_px = 0;
+    std::string size;                        ///< of the texture, as texture_size_text() says it
 };
 
 /// Reads the texture at `path` and reduces it to fit. Takes as much memory as the texture has pixels, and

@@ -12,6 +12,7 @@
 #include "cli/handover/handover_run.h"
 #include "cli/job/relinked_copy.h"
 #include "cli/options.h"
+#include "cli/picture/terminal_screen.h"
 #include "cli/preview/film.h"
 #include "cli/preview/frame_choice.h"
 #include "cli/preview/overlay.h"
@@ -49,8 +50,9 @@ class PreviewCommand : public Command {
                     "the image or film to write; its extension chooses the format, and #### in its name "
                     "stands for the number of the frame")
             .value_name("FILE")
-            .required()
             .group("Output");
+        options.flag("--show", show_, "draw the frame in the terminal instead of writing it").group("Output");
+        add_protocol_option(options, protocol_, "Output");
         options.flag("--json", json_, "write one JSON document instead of text").group("Output");
         options
             .option("--frame", frame_,
@@ -115,6 +117,12 @@ class PreviewCommand : public Command {
     }
 
     ExitCode run(Terminal& terminal) override {
+        if (show_) {
+            return show_frame(terminal);
+        }
+        if (output_.empty()) {
+            throw UsageError("-o FILE or --show is required");
+        }
         if (sheet_) {
             return draw_sheet(terminal);
         }
@@ -140,6 +148,37 @@ class PreviewCommand : public Command {
 
   private:
     static constexpr int kMostJobs = 256;
+
+    ExitCode show_frame(Terminal& terminal) const {
+        if (!output_.empty() || json_ || plan_ || sheet_ || !range_.empty() || !every_.empty()) {
+            throw UsageError("--show excludes -o, --json, --plan, --sheet, --frames and --every");
+        }
+        const std::optional<TerminalScreen> screen = TerminalScreen::find(protocol_);
+        if (!screen) {
+            throw UsageError(kNoScreen);
+        }
+        const FoundScene scene(file_, choices_);
+        const FoundBundle bundle = find_bundle(bundle_);
+        const PreviewOptions shown = preview_options(scene.reading());
+        Preview preview(scene.reading(), bundle, shown);
+        PreviewRun run;
+        if (preview.code() == ExitCode::fine) {
+            FrameChoice choice;
+            choice.frame = frame_.empty() ? 0 : parse_frame(frame_);
+            std::string problem;
+            const std::vector<std::int64_t> frames = chosen_frames(choice, preview.frame_count(), problem);
+            if (!problem.empty()) {
+                throw UsageError(problem);
+            }
+            PreviewFrame frame = preview.draw(frames.front());
+            add_findings(frame, run);
+            if (frame.picture && !screen->draw(screen->fitted(*frame.picture), terminal)) {
+                run.code = ExitCode::cannot_read_or_write;
+            }
+        }
+        tell_findings(preview, run, terminal);
+        return most_serious(preview.code(), run.code);
+    }
 
     // Footage does not count, so the exit code does not tell of any that is missing.
     ExitCode draw_plan(Terminal& terminal) const {
@@ -326,6 +365,11 @@ class PreviewCommand : public Command {
             terminal.out << preview_text(preview, run, output_, terminal.out_paint);
         }
         terminal.out << std::flush;
+        tell_findings(preview, run, terminal);
+        return most_serious(preview.code(), run.code);
+    }
+
+    static void tell_findings(const Preview& preview, const PreviewRun& run, Terminal& terminal) {
         for (const auto* const diagnostics : {&preview.diagnostics(), &run.diagnostics}) {
             for (const Diagnostic& diagnostic : *diagnostics) {
                 terminal.err << diagnostic_text(diagnostic, terminal.err_paint);
@@ -336,7 +380,6 @@ class PreviewCommand : public Command {
                 complain(terminal, problem);
             }
         }
-        return most_serious(preview.code(), run.code);
     }
 
     std::string file_;
@@ -351,6 +394,8 @@ class PreviewCommand : public Command {
     bool plan_ = false;
     std::string overlay_;
     bool sheet_ = false;
+    bool show_ = false;
+    std::string protocol_ = "auto";
     bool json_ = false;
     int jobs_ = 0;
     FindingChoices choices_;
@@ -360,31 +405,36 @@ class PreviewCommand : public Command {
 }  // namespace
 
 Verb preview_verb() {
-    return {"preview",
-            "draw a frame of a scene's composition as a picture",
-            {"Imports SCENE with the plug-in into an embedded host and draws what its layers show: footage "
-             "with its alpha as it is interpreted, blended from bottom to top, nested compositions, "
-             "sequences at their frames, and textures through the plug-in. Footage lies in the middle at its "
-             "own size, as a host adds it. Cameras and lights are not looked through.",
-             "Values are blended as they are stored, with 8 bits a channel in the files and no rounding "
-             "between layers, as hosts did when these scenes were made. Footage that is missing or cannot be "
-             "read is shown as colour bars with its name, and the exit code is 4. A PNG has straight alpha.",
-             "Films are made by ffmpeg, if it is installed: MP4 with H.264, on black, or WebP, with alpha."},
-            {{"vxr preview shot.aec -o shot.png", "The first frame of the outermost composition."},
-             {"vxr preview shot.aec --frames 0-1 -o frame.####.png",
-              "The first two frames, as frame.0000.png and frame.0001.png."},
-             {"vxr preview shot.aec --every 10 -o small.####.jpg --json | jq '.frames[].output'",
-              "Every tenth frame of the whole length, on black, and the names of the files."},
-             {"vxr preview shot.aec -o shot.mp4", "The whole composition as a film, on black."},
-             {"vxr preview shot.aec --comp Inner --frame 1 -o inner.png",
-              "A nested composition by itself, at its second frame."},
-             {"vxr preview shot.aec --overlay camera,nulls,grid -o shot.png",
-              "Whether camera and footage agree, at one glance."},
-             {"vxr preview shot.aec --sheet -o sheet.png",
-              "Every pass and composition at one glance, with what is wrong with them."},
-             {"vxr preview shot.aec --plan -o plan.svg",
-              "Where the camera goes and what it sees, for any browser."}},
-            []() -> std::unique_ptr<Command> { return std::make_unique<PreviewCommand>(); }};
+    return {
+        "preview",
+        "draw a frame of a scene's composition as a picture",
+        {"Imports SCENE with the plug-in into an embedded host and draws what its layers show: footage "
+         "with its alpha as it is interpreted, blended from bottom to top, nested compositions, "
+         "sequences at their frames, and textures through the plug-in. Footage lies in the middle at its "
+         "own size, as a host adds it. Cameras and lights are not looked through.",
+         "Values are blended as they are stored, with 8 bits a channel in the files and no rounding "
+         "between layers, as hosts did when these scenes were made. Footage that is missing or cannot be "
+         "read is shown as colour bars with its name, and the exit code is 4. A PNG has straight alpha.",
+         "--show draws one frame in the terminal, as `vxr texture view` draws textures; what is transparent "
+         "shows a chequerboard.",
+         "Films are made by ffmpeg, if it is installed: MP4 with H.264, on black, or WebP, with alpha."},
+        {{"vxr preview shot.aec -o shot.png", "The first frame of the outermost composition."},
+         {"vxr preview shot.aec --show --protocol blocks",
+          "The same in the terminal, in characters; without --protocol as well as it can."},
+         {"vxr preview shot.aec --frames 0-1 -o frame.####.png",
+          "The first two frames, as frame.0000.png and frame.0001.png."},
+         {"vxr preview shot.aec --every 10 -o small.####.jpg --json | jq '.frames[].output'",
+          "Every tenth frame of the whole length, on black, and the names of the files."},
+         {"vxr preview shot.aec -o shot.mp4", "The whole composition as a film, on black."},
+         {"vxr preview shot.aec --comp Inner --frame 1 -o inner.png",
+          "A nested composition by itself, at its second frame."},
+         {"vxr preview shot.aec --overlay camera,nulls,grid -o shot.png",
+          "Whether camera and footage agree, at one glance."},
+         {"vxr preview shot.aec --sheet -o sheet.png",
+          "Every pass and composition at one glance, with what is wrong with them."},
+         {"vxr preview shot.aec --plan -o plan.svg",
+          "Where the camera goes and what it sees, for any browser."}},
+        []() -> std::unique_ptr<Command> { return std::make_unique<PreviewCommand>(); }};
 }
 
 }  // namespace cli
