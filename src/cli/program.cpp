@@ -109,7 +109,8 @@ ExitCode usage_error(Terminal& terminal, const std::string& text, const std::str
     return ExitCode::usage;
 }
 
-ExitCode parse_and_run(const std::vector<std::string>& arguments, Terminal& terminal) {
+ExitCode parse_and_run(const std::vector<std::string>& arguments, Terminal& terminal,
+                       const BuildIdentity& identity) {
     CommandLine line;
     const ParsedLine parsed = line.parse(arguments);
     Command* const command = line.command_of(parsed.verb);
@@ -118,7 +119,8 @@ ExitCode parse_and_run(const std::vector<std::string>& arguments, Terminal& term
             terminal.out << help_page_text(line.page_of(parsed.verb), help_columns(terminal));
             return ExitCode::fine;
         case ParsedLine::Kind::version:
-            terminal.out << program_version() << '\n';
+            terminal.out << program_version() << "\ncommit " << identity.commit << ", " << identity.build
+                         << '\n';
             return ExitCode::fine;
         case ParsedLine::Kind::wrong:
             return usage_error(terminal, parsed.error, parsed.verb);
@@ -141,10 +143,11 @@ std::string program_version() {
     return std::string(kProgram) + ' ' + VXR_VERSION;
 }
 
-ExitCode run_program(const std::vector<std::string>& arguments, Terminal& terminal) {
+ExitCode run_program(const std::vector<std::string>& arguments, Terminal& terminal,
+                     const BuildIdentity& identity) {
     ExitCode code = ExitCode::cannot_read_or_write;
     try {
-        code = parse_and_run(arguments, terminal);
+        code = parse_and_run(arguments, terminal, identity);
     } catch (const std::exception& error) {
         complain(terminal, error.what());
     } catch (...) {

@@ -135,7 +135,18 @@ TEST(Program, WrongUsage) {
 TEST(Program, Version) {
     const Ran ran = run({"--version"});
     EXPECT_EQ(ran.code, ExitCode::fine);
-    EXPECT_EQ(ran.out, cli::program_version() + "\n");
+    EXPECT_EQ(ran.out, cli::program_version() + "\ncommit unknown, unknown\n");
+}
+
+TEST(Program, VersionSaysWhatItWasBuiltOf) {
+    std::ostringstream out;
+    std::ostringstream err;
+    cli::Terminal terminal{out, err, cli::Paint(false), cli::Paint(false), false};
+    const ExitCode code =
+        cli::run_program({"--version"}, terminal, {"0123456789ab+", "Release, any compiler"});
+    EXPECT_EQ(code, ExitCode::fine);
+    EXPECT_EQ(out.str(), cli::program_version() + "\ncommit 0123456789ab+, Release, any compiler\n");
+    EXPECT_EQ(err.str(), "");
 }
 
 TEST(Program, HelpVerbAndHelpOptionSayTheSame) {

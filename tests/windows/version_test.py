@@ -62,7 +62,9 @@ class Version(unittest.TestCase):
 
     def test_the_program_says_the_same(self):
         done = subprocess.run([WINE, FILES["vxr.exe"], "--version"], stdin=subprocess.DEVNULL, capture_output=True, check=True)
-        self.assertEqual(done.stdout.decode(), f"vxr {VERSION}\n")
+        version, build = done.stdout.decode().replace("\r", "").splitlines()
+        self.assertEqual(version, f"vxr {VERSION}")
+        self.assertRegex(build, r"^commit [0-9a-f]{12}\+?, Release, GNU [0-9.]+, Windows ")
 
 
 unittest.main(argv=sys.argv[:1])
