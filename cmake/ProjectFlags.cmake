@@ -61,10 +61,10 @@ endif()
 # The bundle runs inside somebody's unsaved project, so it stops at the first sign of damaged memory: the C++ library's
 # containers are checked, a guard word stands before the return address, and the C library's copying checks lengths. Not
 # together with sanitizers, which find more without it, nor in debug builds, where fortifying has no effect. Windows gets
-# only the first: the others would make the bundle need two more libraries.
+# only the first: the others would make the bundle need two more libraries. In browsers return addresses are out of reach.
 if(NOT VXR_INSTRUMENTED)
     target_compile_definitions(project_flags INTERFACE $<$<CONFIG:Release>:_GLIBCXX_ASSERTIONS>)
-    if(NOT WIN32)
+    if(NOT WIN32 AND NOT EMSCRIPTEN)
         target_compile_options(project_flags INTERFACE $<$<CONFIG:Release>:-fstack-protector-strong>)
         target_compile_definitions(project_flags INTERFACE $<$<CONFIG:Release>:_FORTIFY_SOURCE=3>)
     endif()

@@ -10,6 +10,7 @@
 #include "embedded/guarded_frame.h"
 #include "embedded/module_driver.h"
 #include "embedded/poisoned_output.h"
+#include "system/threads.h"
 
 namespace embedded {
 namespace {
@@ -59,9 +60,14 @@ CallbackResult ask_for_frame(Session& session, const Module& module, Id in_spec,
     return drawn;
 }
 
-/// Runs `work` on another thread and waits for it. Passes an exception on to the caller.
+/// Runs `work` on another thread, where there are any, and waits for it. Passes an exception on to the
+/// caller.
 template <class Work>
 void on_another_thread(const Work& work) {
+    if (!os::kHasThreads) {
+        work();
+        return;
+    }
     std::exception_ptr thrown;
     std::thread([&work, &thrown] {
         try {

@@ -16,7 +16,7 @@
 
 /// A UTF-16 code unit.
 using A_UTF16Char = char16_t;
-static_assert(sizeof(A_UTF16Char) == 2);
+VXR_HOST_LAYOUT(sizeof(A_UTF16Char) == 2);
 
 /// A size in bytes.
 using AEIO_FileSize = std::uint64_t;
@@ -41,8 +41,8 @@ struct AE_FIM_ImportCallbacks3 {
     AE_FIM_ImportFileCB3 import_cb;
     AE_FIM_VerifyFileCB3 verify_cb;
 };
-static_assert(sizeof(AE_FIM_ImportCallbacks3) == 24 && offsetof(AE_FIM_ImportCallbacks3, import_cb) == 8 &&
-              offsetof(AE_FIM_ImportCallbacks3, verify_cb) == 16);
+VXR_HOST_LAYOUT(sizeof(AE_FIM_ImportCallbacks3) == 24 && offsetof(AE_FIM_ImportCallbacks3, import_cb) == 8 &&
+                offsetof(AE_FIM_ImportCallbacks3, verify_cb) == 16);
 
 // ---------------------------------------------------------------------------------------------------------------
 // The function block of an input module: the classic fields, four of them with other path types, and three
@@ -122,8 +122,8 @@ struct AEIO_FunctionBlock4 {
 }  // extern "C"
 
 inline constexpr std::size_t kFunctionBlock4Fields = 49;
-static_assert(sizeof(AEIO_FunctionBlock4) == slot(kFunctionBlock4Fields));
-#define VXR_FIELD_IS_AT(n, field) static_assert(offsetof(AEIO_FunctionBlock4, field) == slot(n))
+VXR_HOST_LAYOUT(sizeof(AEIO_FunctionBlock4) == slot(kFunctionBlock4Fields));
+#define VXR_FIELD_IS_AT(n, field) VXR_HOST_LAYOUT(offsetof(AEIO_FunctionBlock4, field) == slot(n))
 VXR_FIELD_IS_AT(0, AEIO_InitInSpecFromFile);
 VXR_FIELD_IS_AT(1, AEIO_InitInSpecInteractive);
 VXR_FIELD_IS_AT(2, AEIO_DisposeInSpec);
@@ -189,9 +189,9 @@ struct AEGP_RegisterSuite6 {
                              const AEIO_FunctionBlock4*);
     ReservedSlot reserved_8[4];
 };
-static_assert(sizeof(AEGP_RegisterSuite6) == slot(12) &&
-              offsetof(AEGP_RegisterSuite6, AEGP_RegisterDeathHook) == slot(2) &&
-              offsetof(AEGP_RegisterSuite6, AEGP_RegisterIO) == slot(7));
+VXR_HOST_LAYOUT(sizeof(AEGP_RegisterSuite6) == slot(12) &&
+                offsetof(AEGP_RegisterSuite6, AEGP_RegisterDeathHook) == slot(2) &&
+                offsetof(AEGP_RegisterSuite6, AEGP_RegisterIO) == slot(7));
 
 /// "AEGP File Import Manager Suite" 3
 struct AEGP_FileImportManagerSuite3 {
@@ -203,10 +203,10 @@ struct AEGP_FileImportManagerSuite3 {
                                                       const AE_FIM_ImportCallbacks3*);
     ReservedSlot reserved_3[1];
 };
-static_assert(sizeof(AEGP_FileImportManagerSuite3) == slot(4) &&
-              offsetof(AEGP_FileImportManagerSuite3, AEGP_RegisterImportFlavor) == slot(0) &&
-              offsetof(AEGP_FileImportManagerSuite3, AEGP_RegisterImportFlavorFileTypes) == slot(1) &&
-              offsetof(AEGP_FileImportManagerSuite3, AEGP_RegisterImportFlavorImportCallbacks) == slot(2));
+VXR_HOST_LAYOUT(sizeof(AEGP_FileImportManagerSuite3) == slot(4) &&
+                offsetof(AEGP_FileImportManagerSuite3, AEGP_RegisterImportFlavor) == slot(0) &&
+                offsetof(AEGP_FileImportManagerSuite3, AEGP_RegisterImportFlavorFileTypes) == slot(1) &&
+                offsetof(AEGP_FileImportManagerSuite3, AEGP_RegisterImportFlavorImportCallbacks) == slot(2));
 
 /// "AEGP Persistent Data Suite" 3
 struct AEGP_PersistentDataSuite3 {
@@ -222,11 +222,11 @@ struct AEGP_PersistentDataSuite3 {
                           const void* data);
     ReservedSlot reserved_13[5];
 };
-static_assert(sizeof(AEGP_PersistentDataSuite3) == slot(18) &&
-              offsetof(AEGP_PersistentDataSuite3, AEGP_GetApplicationBlob) == slot(0) &&
-              offsetof(AEGP_PersistentDataSuite3, AEGP_DoesKeyExist) == slot(3) &&
-              offsetof(AEGP_PersistentDataSuite3, AEGP_GetData) == slot(7) &&
-              offsetof(AEGP_PersistentDataSuite3, AEGP_SetData) == slot(12));
+VXR_HOST_LAYOUT(sizeof(AEGP_PersistentDataSuite3) == slot(18) &&
+                offsetof(AEGP_PersistentDataSuite3, AEGP_GetApplicationBlob) == slot(0) &&
+                offsetof(AEGP_PersistentDataSuite3, AEGP_DoesKeyExist) == slot(3) &&
+                offsetof(AEGP_PersistentDataSuite3, AEGP_GetData) == slot(7) &&
+                offsetof(AEGP_PersistentDataSuite3, AEGP_SetData) == slot(12));
 
 /// "AEGP Proj Suite" 8
 struct AEGP_ProjSuite8 {
@@ -236,9 +236,9 @@ struct AEGP_ProjSuite8 {
     A_Err (*AEGP_GetProjectRootFolder)(AEGP_ProjectH, AEGP_ItemH*);
     ReservedSlot reserved_5[9];
 };
-static_assert(sizeof(AEGP_ProjSuite8) == slot(14) &&
-              offsetof(AEGP_ProjSuite8, AEGP_GetProjectByIndex) == slot(1) &&
-              offsetof(AEGP_ProjSuite8, AEGP_GetProjectRootFolder) == slot(4));
+VXR_HOST_LAYOUT(sizeof(AEGP_ProjSuite8) == slot(14) &&
+                offsetof(AEGP_ProjSuite8, AEGP_GetProjectByIndex) == slot(1) &&
+                offsetof(AEGP_ProjSuite8, AEGP_GetProjectRootFolder) == slot(4));
 
 /// "AEGP Footage Suite" 11
 struct AEGP_FootageSuite11 {
@@ -255,12 +255,12 @@ struct AEGP_FootageSuite11 {
                                         const A_Time* duration, AEGP_FootageH*);
     ReservedSlot reserved_14[7];
 };
-static_assert(sizeof(AEGP_FootageSuite11) == slot(21) &&
-              offsetof(AEGP_FootageSuite11, AEGP_NewFootage) == slot(5) &&
-              offsetof(AEGP_FootageSuite11, AEGP_AddFootageToProject) == slot(6) &&
-              offsetof(AEGP_FootageSuite11, AEGP_GetFootageInterpretation) == slot(10) &&
-              offsetof(AEGP_FootageSuite11, AEGP_SetFootageInterpretation) == slot(11) &&
-              offsetof(AEGP_FootageSuite11, AEGP_NewPlaceholderFootage) == slot(13));
+VXR_HOST_LAYOUT(sizeof(AEGP_FootageSuite11) == slot(21) &&
+                offsetof(AEGP_FootageSuite11, AEGP_NewFootage) == slot(5) &&
+                offsetof(AEGP_FootageSuite11, AEGP_AddFootageToProject) == slot(6) &&
+                offsetof(AEGP_FootageSuite11, AEGP_GetFootageInterpretation) == slot(10) &&
+                offsetof(AEGP_FootageSuite11, AEGP_SetFootageInterpretation) == slot(11) &&
+                offsetof(AEGP_FootageSuite11, AEGP_NewPlaceholderFootage) == slot(13));
 
 /// "AEGP IO In Suite" 5
 struct AEGP_IOInSuite5 {
@@ -282,17 +282,17 @@ struct AEGP_IOInSuite5 {
     A_Err (*AEGP_SetInSpecDimensions)(AEIO_InSpecH, A_long width, A_long height);
     ReservedSlot reserved_17[14];
 };
-static_assert(sizeof(AEGP_IOInSuite5) == slot(31) &&
-              offsetof(AEGP_IOInSuite5, AEGP_GetInSpecOptionsHandle) == slot(0) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecOptionsHandle) == slot(1) &&
-              offsetof(AEGP_IOInSuite5, AEGP_GetInSpecFilePath) == slot(2) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecNativeFPS) == slot(4) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecDepth) == slot(6) &&
-              offsetof(AEGP_IOInSuite5, AEGP_GetInSpecSize) == slot(7) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecSize) == slot(8) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecAlphaLabel) == slot(12) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecDuration) == slot(14) &&
-              offsetof(AEGP_IOInSuite5, AEGP_SetInSpecDimensions) == slot(16));
+VXR_HOST_LAYOUT(sizeof(AEGP_IOInSuite5) == slot(31) &&
+                offsetof(AEGP_IOInSuite5, AEGP_GetInSpecOptionsHandle) == slot(0) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecOptionsHandle) == slot(1) &&
+                offsetof(AEGP_IOInSuite5, AEGP_GetInSpecFilePath) == slot(2) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecNativeFPS) == slot(4) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecDepth) == slot(6) &&
+                offsetof(AEGP_IOInSuite5, AEGP_GetInSpecSize) == slot(7) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecSize) == slot(8) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecAlphaLabel) == slot(12) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecDuration) == slot(14) &&
+                offsetof(AEGP_IOInSuite5, AEGP_SetInSpecDimensions) == slot(16));
 
 /// "AEGP IO Out Suite" 7
 struct AEGP_IOOutSuite7 {
@@ -302,8 +302,8 @@ struct AEGP_IOOutSuite7 {
     A_Err (*AEGP_GetOutSpecFilePath)(AEIO_OutSpecH, AEGP_MemHandle* path, A_Boolean* reserved);
     ReservedSlot reserved_3[29];
 };
-static_assert(sizeof(AEGP_IOOutSuite7) == slot(32) &&
-              offsetof(AEGP_IOOutSuite7, AEGP_GetOutSpecFilePath) == slot(2));
+VXR_HOST_LAYOUT(sizeof(AEGP_IOOutSuite7) == slot(32) &&
+                offsetof(AEGP_IOOutSuite7, AEGP_GetOutSpecFilePath) == slot(2));
 
 /// "AEGP Item Suite" 13
 struct AEGP_ItemSuite13 {
@@ -314,9 +314,9 @@ struct AEGP_ItemSuite13 {
     A_Err (*AEGP_CreateNewFolder)(const A_UTF16Char* name, AEGP_ItemH parent, AEGP_ItemH* folder);
     ReservedSlot reserved_20[7];
 };
-static_assert(sizeof(AEGP_ItemSuite13) == slot(27) &&
-              offsetof(AEGP_ItemSuite13, AEGP_SetItemName) == slot(8) &&
-              offsetof(AEGP_ItemSuite13, AEGP_CreateNewFolder) == slot(19));
+VXR_HOST_LAYOUT(sizeof(AEGP_ItemSuite13) == slot(27) &&
+                offsetof(AEGP_ItemSuite13, AEGP_SetItemName) == slot(8) &&
+                offsetof(AEGP_ItemSuite13, AEGP_CreateNewFolder) == slot(19));
 
 /// "AEGP Comp Suite" 15. That slot 0 is the classic function is assumed, as slot 1 is.
 struct AEGP_CompSuite15 {
@@ -334,13 +334,13 @@ struct AEGP_CompSuite15 {
     A_Err (*AEGP_CreateNullInComp)(const A_UTF16Char* name, AEGP_CompH, const A_Time* duration, AEGP_LayerH*);
     ReservedSlot reserved_26[8];
 };
-static_assert(sizeof(AEGP_CompSuite15) == slot(34) &&
-              offsetof(AEGP_CompSuite15, AEGP_GetCompFromItem) == slot(0) &&
-              offsetof(AEGP_CompSuite15, AEGP_GetItemFromComp) == slot(1) &&
-              offsetof(AEGP_CompSuite15, AEGP_CreateCameraInComp) == slot(17) &&
-              offsetof(AEGP_CompSuite15, AEGP_CreateLightInComp) == slot(18) &&
-              offsetof(AEGP_CompSuite15, AEGP_CreateComp) == slot(19) &&
-              offsetof(AEGP_CompSuite15, AEGP_CreateNullInComp) == slot(25));
+VXR_HOST_LAYOUT(sizeof(AEGP_CompSuite15) == slot(34) &&
+                offsetof(AEGP_CompSuite15, AEGP_GetCompFromItem) == slot(0) &&
+                offsetof(AEGP_CompSuite15, AEGP_GetItemFromComp) == slot(1) &&
+                offsetof(AEGP_CompSuite15, AEGP_CreateCameraInComp) == slot(17) &&
+                offsetof(AEGP_CompSuite15, AEGP_CreateLightInComp) == slot(18) &&
+                offsetof(AEGP_CompSuite15, AEGP_CreateComp) == slot(19) &&
+                offsetof(AEGP_CompSuite15, AEGP_CreateNullInComp) == slot(25));
 
 }  // extern "C"
 

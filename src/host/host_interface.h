@@ -4,7 +4,7 @@
 // of classic hosts (narrow paths, interface 9.x to 12.x). current_interface.h declares what current hosts
 // have instead.
 //
-// The declarations are our own. The static_asserts beside each record and table check every offset: the host
+// The declarations are our own. The assertions beside each record and table check every offset: the host
 // is compiled elsewhere, so a misplaced member causes no compile error but a crash in an artist's project.
 // Slots that the plug-in never calls are reserved pointers, which give every table its full length.
 //
@@ -14,7 +14,15 @@
 #include <cstddef>
 #include <cstdint>
 
-static_assert(sizeof(void*) == 8, "the layouts below are those of 64-bit hosts");
+// VXR_HOST_LAYOUT(CONDITION): an assertion about the layout of hosts, which all have 64 bits. The viewer for
+// browsers has 32, and no host loads it: the plug-in and the embedded host in it are one program and share
+// whatever layout there is.
+#if defined(__EMSCRIPTEN__)
+#define VXR_HOST_LAYOUT(...) static_assert(sizeof(void*) == 4 || (__VA_ARGS__))
+#else
+#define VXR_HOST_LAYOUT(...) static_assert(__VA_ARGS__)
+VXR_HOST_LAYOUT(sizeof(void*) == 8, "the layouts below are those of 64-bit hosts");
+#endif
 
 // ---------------------------------------------------------------------------------------------------------------
 // Scalars. The widths are the same on every platform: the host's records never contain a C `long`.
@@ -170,20 +178,20 @@ struct A_Time {
     A_long value;
     A_u_long scale;
 };
-static_assert(sizeof(A_Time) == 8 && offsetof(A_Time, scale) == 4);
+VXR_HOST_LAYOUT(sizeof(A_Time) == 8 && offsetof(A_Time, scale) == 4);
 
 struct A_Ratio {
     A_long num;
     A_u_long den;
 };
-static_assert(sizeof(A_Ratio) == 8 && offsetof(A_Ratio, den) == 4);
+VXR_HOST_LAYOUT(sizeof(A_Ratio) == 8 && offsetof(A_Ratio, den) == 4);
 
 /// Passed by value to the creators of cameras and lights.
 struct A_FloatPoint {
     A_FpLong x;
     A_FpLong y;
 };
-static_assert(sizeof(A_FloatPoint) == 16 && offsetof(A_FloatPoint, y) == 8);
+VXR_HOST_LAYOUT(sizeof(A_FloatPoint) == 16 && offsetof(A_FloatPoint, y) == 8);
 
 struct A_LRect {
     A_long left;
@@ -191,13 +199,13 @@ struct A_LRect {
     A_long right;
     A_long bottom;
 };
-static_assert(sizeof(A_LRect) == 16 && offsetof(A_LRect, bottom) == 12);
+VXR_HOST_LAYOUT(sizeof(A_LRect) == 16 && offsetof(A_LRect, bottom) == 12);
 
 struct A_LPoint {
     A_long x;
     A_long y;
 };
-static_assert(sizeof(A_LPoint) == 8);
+VXR_HOST_LAYOUT(sizeof(A_LPoint) == 8);
 
 struct AEGP_ColorVal {
     A_FpLong alpha;
@@ -205,8 +213,8 @@ struct AEGP_ColorVal {
     A_FpLong green;
     A_FpLong blue;
 };
-static_assert(sizeof(AEGP_ColorVal) == 32 && offsetof(AEGP_ColorVal, red) == 8 &&
-              offsetof(AEGP_ColorVal, green) == 16 && offsetof(AEGP_ColorVal, blue) == 24);
+VXR_HOST_LAYOUT(sizeof(AEGP_ColorVal) == 32 && offsetof(AEGP_ColorVal, red) == 8 &&
+                offsetof(AEGP_ColorVal, green) == 16 && offsetof(AEGP_ColorVal, blue) == 24);
 
 struct AEGP_FourDVal {
     A_FpLong values[4];
@@ -233,21 +241,21 @@ union AEGP_StreamVal {
     void* pointer;
     A_long id;
 };
-static_assert(sizeof(AEGP_StreamVal) == 32);
+VXR_HOST_LAYOUT(sizeof(AEGP_StreamVal) == 32);
 
 struct AEGP_StreamValue {
     AEGP_StreamRefH stream;
     AEGP_StreamVal value;
 };
-static_assert(sizeof(AEGP_StreamValue) == 40 && offsetof(AEGP_StreamValue, value) == 8);
+VXR_HOST_LAYOUT(sizeof(AEGP_StreamValue) == 40 && offsetof(AEGP_StreamValue, value) == 8);
 
 struct AEGP_LayerTransferMode {
     PF_TransferMode mode;
     AEGP_TransferFlags flags;
     AEGP_TrackMatte track_matte;
 };
-static_assert(sizeof(AEGP_LayerTransferMode) == 12 && offsetof(AEGP_LayerTransferMode, flags) == 4 &&
-              offsetof(AEGP_LayerTransferMode, track_matte) == 8);
+VXR_HOST_LAYOUT(sizeof(AEGP_LayerTransferMode) == 12 && offsetof(AEGP_LayerTransferMode, flags) == 4 &&
+                offsetof(AEGP_LayerTransferMode, track_matte) == 8);
 
 struct AEGP_FileSequenceImportOptions {
     A_Boolean all_in_folder;
@@ -255,10 +263,10 @@ struct AEGP_FileSequenceImportOptions {
     A_long start_frame;  ///< -1: the first frame of the sequence
     A_long end_frame;    ///< -1: the last frame of the sequence
 };
-static_assert(sizeof(AEGP_FileSequenceImportOptions) == 12 &&
-              offsetof(AEGP_FileSequenceImportOptions, force_alphabetical) == 1 &&
-              offsetof(AEGP_FileSequenceImportOptions, start_frame) == 4 &&
-              offsetof(AEGP_FileSequenceImportOptions, end_frame) == 8);
+VXR_HOST_LAYOUT(sizeof(AEGP_FileSequenceImportOptions) == 12 &&
+                offsetof(AEGP_FileSequenceImportOptions, force_alphabetical) == 1 &&
+                offsetof(AEGP_FileSequenceImportOptions, start_frame) == 4 &&
+                offsetof(AEGP_FileSequenceImportOptions, end_frame) == 8);
 
 #pragma pack(push, 2)
 
@@ -270,9 +278,9 @@ struct FIEL_Label {
     FIEL_Order order;
     A_u_long reserved;
 };
-static_assert(sizeof(FIEL_Label) == 18 && offsetof(FIEL_Label, version) == 4 &&
-              offsetof(FIEL_Label, type) == 6 && offsetof(FIEL_Label, order) == 10 &&
-              offsetof(FIEL_Label, reserved) == 14);
+VXR_HOST_LAYOUT(sizeof(FIEL_Label) == 18 && offsetof(FIEL_Label, version) == 4 &&
+                offsetof(FIEL_Label, type) == 6 && offsetof(FIEL_Label, order) == 10 &&
+                offsetof(FIEL_Label, reserved) == 14);
 
 /// The alpha channel of an input module's image.
 struct AEIO_AlphaLabel {
@@ -283,9 +291,9 @@ struct AEIO_AlphaLabel {
     A_u_char blue;
     AEIO_AlphaType alpha_type;
 };
-static_assert(sizeof(AEIO_AlphaLabel) == 10 && offsetof(AEIO_AlphaLabel, flags) == 2 &&
-              offsetof(AEIO_AlphaLabel, red) == 6 && offsetof(AEIO_AlphaLabel, green) == 7 &&
-              offsetof(AEIO_AlphaLabel, blue) == 8 && offsetof(AEIO_AlphaLabel, alpha_type) == 9);
+VXR_HOST_LAYOUT(sizeof(AEIO_AlphaLabel) == 10 && offsetof(AEIO_AlphaLabel, flags) == 2 &&
+                offsetof(AEIO_AlphaLabel, red) == 6 && offsetof(AEIO_AlphaLabel, green) == 7 &&
+                offsetof(AEIO_AlphaLabel, blue) == 8 && offsetof(AEIO_AlphaLabel, alpha_type) == 9);
 
 #pragma pack(pop)
 
@@ -296,8 +304,8 @@ struct AEGP_AlphaLabel {
     A_u_char green;
     A_u_char blue;
 };
-static_assert(sizeof(AEGP_AlphaLabel) == 8 && offsetof(AEGP_AlphaLabel, red) == 4 &&
-              offsetof(AEGP_AlphaLabel, green) == 5 && offsetof(AEGP_AlphaLabel, blue) == 6);
+VXR_HOST_LAYOUT(sizeof(AEGP_AlphaLabel) == 8 && offsetof(AEGP_AlphaLabel, red) == 4 &&
+                offsetof(AEGP_AlphaLabel, green) == 5 && offsetof(AEGP_AlphaLabel, blue) == 6);
 
 struct AEGP_LoopBehavior {
     A_long loops;
@@ -316,39 +324,40 @@ struct AEGP_FootageInterp {
     A_long depth;
     A_Boolean motion;
 };
-static_assert(sizeof(AEGP_FootageInterp) == 72 && offsetof(AEGP_FootageInterp, alpha) == 20 &&
-              offsetof(AEGP_FootageInterp, pulldown_phase) == 28 &&
-              offsetof(AEGP_FootageInterp, loop) == 32 && offsetof(AEGP_FootageInterp, pixel_aspect) == 40 &&
-              offsetof(AEGP_FootageInterp, native_fps) == 48 &&
-              offsetof(AEGP_FootageInterp, conform_fps) == 56 && offsetof(AEGP_FootageInterp, depth) == 64 &&
-              offsetof(AEGP_FootageInterp, motion) == 68);
+VXR_HOST_LAYOUT(sizeof(AEGP_FootageInterp) == 72 && offsetof(AEGP_FootageInterp, alpha) == 20 &&
+                offsetof(AEGP_FootageInterp, pulldown_phase) == 28 &&
+                offsetof(AEGP_FootageInterp, loop) == 32 &&
+                offsetof(AEGP_FootageInterp, pixel_aspect) == 40 &&
+                offsetof(AEGP_FootageInterp, native_fps) == 48 &&
+                offsetof(AEGP_FootageInterp, conform_fps) == 56 &&
+                offsetof(AEGP_FootageInterp, depth) == 64 && offsetof(AEGP_FootageInterp, motion) == 68);
 
 struct PFILE_FileKind {
     A_long type;
     A_long creator;
 };
-static_assert(sizeof(PFILE_FileKind) == 8 && offsetof(PFILE_FileKind, creator) == 4);
+VXR_HOST_LAYOUT(sizeof(PFILE_FileKind) == 8 && offsetof(PFILE_FileKind, creator) == 4);
 
 /// A file extension. Its four bytes spell ".txl".
 struct AEIO_FileExt {
     A_char pad;
     A_char extension[3];
 };
-static_assert(sizeof(AEIO_FileExt) == 4 && offsetof(AEIO_FileExt, extension) == 1);
+VXR_HOST_LAYOUT(sizeof(AEIO_FileExt) == 4 && offsetof(AEIO_FileExt, extension) == 1);
 
 union AEIO_FileKind {
     PFILE_FileKind mac;
     AEIO_FileExt ext;
     A_long id;
 };
-static_assert(sizeof(AEIO_FileKind) == 8);
+VXR_HOST_LAYOUT(sizeof(AEIO_FileKind) == 8);
 
 struct AEIO_AuxExt {
     A_char extension[4];
     A_long type;
     A_long creator;
 };
-static_assert(sizeof(AEIO_AuxExt) == 12 && offsetof(AEIO_AuxExt, type) == 4);
+VXR_HOST_LAYOUT(sizeof(AEIO_AuxExt) == 12 && offsetof(AEIO_AuxExt, type) == 4);
 
 inline constexpr int kMaxFileKinds = 16;
 
@@ -370,15 +379,16 @@ struct AEIO_ModuleInfo {
     A_short num_aux_extensions;
     AEIO_AuxExt aux_extensions[kMaxFileKinds];
 };
-static_assert(sizeof(AEIO_ModuleInfo) == 396 && offsetof(AEIO_ModuleInfo, name) == 4 &&
-              offsetof(AEIO_ModuleInfo, flags) == 36 && offsetof(AEIO_ModuleInfo, flags2) == 40 &&
-              offsetof(AEIO_ModuleInfo, max_width) == 44 && offsetof(AEIO_ModuleInfo, max_height) == 48 &&
-              offsetof(AEIO_ModuleInfo, num_filetypes) == 52 &&
-              offsetof(AEIO_ModuleInfo, num_extensions) == 54 && offsetof(AEIO_ModuleInfo, num_clips) == 56 &&
-              offsetof(AEIO_ModuleInfo, pad) == 58 && offsetof(AEIO_ModuleInfo, create_kind) == 60 &&
-              offsetof(AEIO_ModuleInfo, create_ext) == 68 && offsetof(AEIO_ModuleInfo, read_kinds) == 72 &&
-              offsetof(AEIO_ModuleInfo, num_aux_extensions) == 200 &&
-              offsetof(AEIO_ModuleInfo, aux_extensions) == 204);
+VXR_HOST_LAYOUT(sizeof(AEIO_ModuleInfo) == 396 && offsetof(AEIO_ModuleInfo, name) == 4 &&
+                offsetof(AEIO_ModuleInfo, flags) == 36 && offsetof(AEIO_ModuleInfo, flags2) == 40 &&
+                offsetof(AEIO_ModuleInfo, max_width) == 44 && offsetof(AEIO_ModuleInfo, max_height) == 48 &&
+                offsetof(AEIO_ModuleInfo, num_filetypes) == 52 &&
+                offsetof(AEIO_ModuleInfo, num_extensions) == 54 &&
+                offsetof(AEIO_ModuleInfo, num_clips) == 56 && offsetof(AEIO_ModuleInfo, pad) == 58 &&
+                offsetof(AEIO_ModuleInfo, create_kind) == 60 && offsetof(AEIO_ModuleInfo, create_ext) == 68 &&
+                offsetof(AEIO_ModuleInfo, read_kinds) == 72 &&
+                offsetof(AEIO_ModuleInfo, num_aux_extensions) == 200 &&
+                offsetof(AEIO_ModuleInfo, aux_extensions) == 204);
 
 /// Descriptive texts of footage or of an output file.
 struct AEIO_Verbiage {
@@ -386,8 +396,8 @@ struct AEIO_Verbiage {
     A_char type[32];
     A_char sub_type[128];
 };
-static_assert(sizeof(AEIO_Verbiage) == 192 && offsetof(AEIO_Verbiage, type) == 32 &&
-              offsetof(AEIO_Verbiage, sub_type) == 64);
+VXR_HOST_LAYOUT(sizeof(AEIO_Verbiage) == 192 && offsetof(AEIO_Verbiage, type) == 32 &&
+                offsetof(AEIO_Verbiage, sub_type) == 64);
 
 struct AEIO_InterruptFuncs {
     void* functions[3];
@@ -403,12 +413,12 @@ struct AEIO_DrawSparseFramePB {
     A_LRect required_region;
     AEIO_InterruptFuncs interrupt;
 };
-static_assert(sizeof(AEIO_DrawSparseFramePB) == 80 && offsetof(AEIO_DrawSparseFramePB, scale_x) == 4 &&
-              offsetof(AEIO_DrawSparseFramePB, scale_y) == 12 &&
-              offsetof(AEIO_DrawSparseFramePB, time) == 20 &&
-              offsetof(AEIO_DrawSparseFramePB, duration) == 28 &&
-              offsetof(AEIO_DrawSparseFramePB, required_region) == 36 &&
-              offsetof(AEIO_DrawSparseFramePB, interrupt) == 56);
+VXR_HOST_LAYOUT(sizeof(AEIO_DrawSparseFramePB) == 80 && offsetof(AEIO_DrawSparseFramePB, scale_x) == 4 &&
+                offsetof(AEIO_DrawSparseFramePB, scale_y) == 12 &&
+                offsetof(AEIO_DrawSparseFramePB, time) == 20 &&
+                offsetof(AEIO_DrawSparseFramePB, duration) == 28 &&
+                offsetof(AEIO_DrawSparseFramePB, required_region) == 36 &&
+                offsetof(AEIO_DrawSparseFramePB, interrupt) == 56);
 
 struct PF_Pixel {
     A_u_char alpha;
@@ -416,7 +426,7 @@ struct PF_Pixel {
     A_u_char green;
     A_u_char blue;
 };
-static_assert(sizeof(PF_Pixel) == 4 && offsetof(PF_Pixel, blue) == 3);
+VXR_HOST_LAYOUT(sizeof(PF_Pixel) == 4 && offsetof(PF_Pixel, blue) == 3);
 
 /// The host's 8-bit frame. Each row starts `row_bytes` after the one above it.
 struct PF_LayerDef {
@@ -438,14 +448,14 @@ struct PF_LayerDef {
     A_long reserved_5;
     A_long reserved_6;
 };
-static_assert(sizeof(PF_LayerDef) == 120 && offsetof(PF_LayerDef, flags) == 16 &&
-              offsetof(PF_LayerDef, data) == 24 && offsetof(PF_LayerDef, row_bytes) == 32 &&
-              offsetof(PF_LayerDef, width) == 36 && offsetof(PF_LayerDef, height) == 40 &&
-              offsetof(PF_LayerDef, extent) == 44 && offsetof(PF_LayerDef, platform_ref) == 64 &&
-              offsetof(PF_LayerDef, reserved_2) == 72 && offsetof(PF_LayerDef, reserved_3) == 80 &&
-              offsetof(PF_LayerDef, pixel_aspect) == 88 && offsetof(PF_LayerDef, reserved_4) == 96 &&
-              offsetof(PF_LayerDef, origin_x) == 104 && offsetof(PF_LayerDef, origin_y) == 108 &&
-              offsetof(PF_LayerDef, reserved_5) == 112 && offsetof(PF_LayerDef, reserved_6) == 116);
+VXR_HOST_LAYOUT(sizeof(PF_LayerDef) == 120 && offsetof(PF_LayerDef, flags) == 16 &&
+                offsetof(PF_LayerDef, data) == 24 && offsetof(PF_LayerDef, row_bytes) == 32 &&
+                offsetof(PF_LayerDef, width) == 36 && offsetof(PF_LayerDef, height) == 40 &&
+                offsetof(PF_LayerDef, extent) == 44 && offsetof(PF_LayerDef, platform_ref) == 64 &&
+                offsetof(PF_LayerDef, reserved_2) == 72 && offsetof(PF_LayerDef, reserved_3) == 80 &&
+                offsetof(PF_LayerDef, pixel_aspect) == 88 && offsetof(PF_LayerDef, reserved_4) == 96 &&
+                offsetof(PF_LayerDef, origin_x) == 104 && offsetof(PF_LayerDef, origin_y) == 108 &&
+                offsetof(PF_LayerDef, reserved_5) == 112 && offsetof(PF_LayerDef, reserved_6) == 116);
 using PF_EffectWorld = PF_LayerDef;
 
 extern "C" {
@@ -462,7 +472,7 @@ struct SPBasicSuite {
     A_Err (*ReallocateBlock)(void* block, std::size_t size, void** new_block);
     A_Err (*Undefined)();
 };
-static_assert(sizeof(SPBasicSuite) == 56 && offsetof(SPBasicSuite, ReleaseSuite) == 8);
+VXR_HOST_LAYOUT(sizeof(SPBasicSuite) == 56 && offsetof(SPBasicSuite, ReleaseSuite) == 8);
 
 /// The first argument of every input-module callback.
 struct AEIO_BasicData {
@@ -471,8 +481,8 @@ struct AEIO_BasicData {
     AEGP_PluginID plugin_id;
     AEGP_IORefcon refcon;
 };
-static_assert(sizeof(AEIO_BasicData) == 32 && offsetof(AEIO_BasicData, basic_suite) == 8 &&
-              offsetof(AEIO_BasicData, plugin_id) == 16 && offsetof(AEIO_BasicData, refcon) == 24);
+VXR_HOST_LAYOUT(sizeof(AEIO_BasicData) == 32 && offsetof(AEIO_BasicData, basic_suite) == 8 &&
+                offsetof(AEIO_BasicData, plugin_id) == 16 && offsetof(AEIO_BasicData, refcon) == 24);
 using AEIO_InData = AEIO_BasicData;
 
 // ---------------------------------------------------------------------------------------------------------------
@@ -494,8 +504,8 @@ struct AE_FIM_ImportCallbacks {
     AE_FIM_ImportFileCB import_cb;
     AE_FIM_VerifyFileCB verify_cb;
 };
-static_assert(sizeof(AE_FIM_ImportCallbacks) == 24 && offsetof(AE_FIM_ImportCallbacks, import_cb) == 8 &&
-              offsetof(AE_FIM_ImportCallbacks, verify_cb) == 16);
+VXR_HOST_LAYOUT(sizeof(AE_FIM_ImportCallbacks) == 24 && offsetof(AE_FIM_ImportCallbacks, import_cb) == 8 &&
+                offsetof(AE_FIM_ImportCallbacks, verify_cb) == 16);
 
 // ---------------------------------------------------------------------------------------------------------------
 // The function block of an input module. Every function takes the basic data first.
@@ -572,8 +582,8 @@ constexpr std::size_t slot(std::size_t n) {
 }
 
 inline constexpr std::size_t kFunctionBlockFields = 46;
-static_assert(sizeof(AEIO_FunctionBlock2) == slot(kFunctionBlockFields));
-#define VXR_FIELD_IS_AT(n, field) static_assert(offsetof(AEIO_FunctionBlock2, field) == slot(n))
+VXR_HOST_LAYOUT(sizeof(AEIO_FunctionBlock2) == slot(kFunctionBlockFields));
+#define VXR_FIELD_IS_AT(n, field) VXR_HOST_LAYOUT(offsetof(AEIO_FunctionBlock2, field) == slot(n))
 VXR_FIELD_IS_AT(0, AEIO_InitInSpecFromFile);
 VXR_FIELD_IS_AT(1, AEIO_InitInSpecInteractive);
 VXR_FIELD_IS_AT(2, AEIO_DisposeInSpec);
@@ -638,9 +648,9 @@ struct AEGP_RegisterSuite4 {
                              const AEIO_FunctionBlock2*);
     ReservedSlot reserved_8[4];
 };
-static_assert(sizeof(AEGP_RegisterSuite4) == slot(12) &&
-              offsetof(AEGP_RegisterSuite4, AEGP_RegisterDeathHook) == slot(2) &&
-              offsetof(AEGP_RegisterSuite4, AEGP_RegisterIO) == slot(7));
+VXR_HOST_LAYOUT(sizeof(AEGP_RegisterSuite4) == slot(12) &&
+                offsetof(AEGP_RegisterSuite4, AEGP_RegisterDeathHook) == slot(2) &&
+                offsetof(AEGP_RegisterSuite4, AEGP_RegisterIO) == slot(7));
 
 struct AEGP_FileImportManagerSuite2 {
     A_Err (*AEGP_RegisterImportFlavor)(const A_char* name, AE_FIM_ImportFlavorRef* flavor);
@@ -651,10 +661,10 @@ struct AEGP_FileImportManagerSuite2 {
                                                       const AE_FIM_ImportCallbacks*);
     ReservedSlot reserved_3[1];
 };
-static_assert(sizeof(AEGP_FileImportManagerSuite2) == slot(4) &&
-              offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavor) == slot(0) &&
-              offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavorFileTypes) == slot(1) &&
-              offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavorImportCallbacks) == slot(2));
+VXR_HOST_LAYOUT(sizeof(AEGP_FileImportManagerSuite2) == slot(4) &&
+                offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavor) == slot(0) &&
+                offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavorFileTypes) == slot(1) &&
+                offsetof(AEGP_FileImportManagerSuite2, AEGP_RegisterImportFlavorImportCallbacks) == slot(2));
 
 struct AEGP_UtilitySuite7 {
     A_Err (*AEGP_ReportInfo)(AEGP_PluginID, const A_char* text);
@@ -663,10 +673,10 @@ struct AEGP_UtilitySuite7 {
     A_Err (*AEGP_EndUndoGroup)();
     ReservedSlot reserved_7[18];
 };
-static_assert(sizeof(AEGP_UtilitySuite7) == slot(25) &&
-              offsetof(AEGP_UtilitySuite7, AEGP_ReportInfo) == slot(0) &&
-              offsetof(AEGP_UtilitySuite7, AEGP_StartUndoGroup) == slot(5) &&
-              offsetof(AEGP_UtilitySuite7, AEGP_EndUndoGroup) == slot(6));
+VXR_HOST_LAYOUT(sizeof(AEGP_UtilitySuite7) == slot(25) &&
+                offsetof(AEGP_UtilitySuite7, AEGP_ReportInfo) == slot(0) &&
+                offsetof(AEGP_UtilitySuite7, AEGP_StartUndoGroup) == slot(5) &&
+                offsetof(AEGP_UtilitySuite7, AEGP_EndUndoGroup) == slot(6));
 
 struct AEGP_PersistentDataSuite1 {
     A_Err (*AEGP_GetApplicationBlob)(AEGP_PersistentBlobH*);
@@ -681,11 +691,11 @@ struct AEGP_PersistentDataSuite1 {
                           const void* data);
     ReservedSlot reserved_13[4];
 };
-static_assert(sizeof(AEGP_PersistentDataSuite1) == slot(17) &&
-              offsetof(AEGP_PersistentDataSuite1, AEGP_GetApplicationBlob) == slot(0) &&
-              offsetof(AEGP_PersistentDataSuite1, AEGP_DoesKeyExist) == slot(3) &&
-              offsetof(AEGP_PersistentDataSuite1, AEGP_GetData) == slot(7) &&
-              offsetof(AEGP_PersistentDataSuite1, AEGP_SetData) == slot(12));
+VXR_HOST_LAYOUT(sizeof(AEGP_PersistentDataSuite1) == slot(17) &&
+                offsetof(AEGP_PersistentDataSuite1, AEGP_GetApplicationBlob) == slot(0) &&
+                offsetof(AEGP_PersistentDataSuite1, AEGP_DoesKeyExist) == slot(3) &&
+                offsetof(AEGP_PersistentDataSuite1, AEGP_GetData) == slot(7) &&
+                offsetof(AEGP_PersistentDataSuite1, AEGP_SetData) == slot(12));
 
 struct AEGP_ProjSuite5 {
     ReservedSlot reserved_0[1];
@@ -694,17 +704,17 @@ struct AEGP_ProjSuite5 {
     A_Err (*AEGP_GetProjectRootFolder)(AEGP_ProjectH, AEGP_ItemH*);
     ReservedSlot reserved_5[9];
 };
-static_assert(sizeof(AEGP_ProjSuite5) == slot(14) &&
-              offsetof(AEGP_ProjSuite5, AEGP_GetProjectByIndex) == slot(1) &&
-              offsetof(AEGP_ProjSuite5, AEGP_GetProjectRootFolder) == slot(4));
+VXR_HOST_LAYOUT(sizeof(AEGP_ProjSuite5) == slot(14) &&
+                offsetof(AEGP_ProjSuite5, AEGP_GetProjectByIndex) == slot(1) &&
+                offsetof(AEGP_ProjSuite5, AEGP_GetProjectRootFolder) == slot(4));
 
 struct AEGP_ItemSuite10 {
     ReservedSlot reserved_0[19];
     A_Err (*AEGP_CreateNewFolder)(const A_char* name, AEGP_ItemH parent, AEGP_ItemH* folder);
     ReservedSlot reserved_20[6];
 };
-static_assert(sizeof(AEGP_ItemSuite10) == slot(26) &&
-              offsetof(AEGP_ItemSuite10, AEGP_CreateNewFolder) == slot(19));
+VXR_HOST_LAYOUT(sizeof(AEGP_ItemSuite10) == slot(26) &&
+                offsetof(AEGP_ItemSuite10, AEGP_CreateNewFolder) == slot(19));
 
 struct AEGP_FootageSuite7 {
     ReservedSlot reserved_0[5];
@@ -720,12 +730,12 @@ struct AEGP_FootageSuite7 {
                                         const A_Time* duration, AEGP_FootageH*);
     ReservedSlot reserved_14[7];
 };
-static_assert(sizeof(AEGP_FootageSuite7) == slot(21) &&
-              offsetof(AEGP_FootageSuite7, AEGP_NewFootage) == slot(5) &&
-              offsetof(AEGP_FootageSuite7, AEGP_AddFootageToProject) == slot(6) &&
-              offsetof(AEGP_FootageSuite7, AEGP_GetFootageInterpretation) == slot(10) &&
-              offsetof(AEGP_FootageSuite7, AEGP_SetFootageInterpretation) == slot(11) &&
-              offsetof(AEGP_FootageSuite7, AEGP_NewPlaceholderFootage) == slot(13));
+VXR_HOST_LAYOUT(sizeof(AEGP_FootageSuite7) == slot(21) &&
+                offsetof(AEGP_FootageSuite7, AEGP_NewFootage) == slot(5) &&
+                offsetof(AEGP_FootageSuite7, AEGP_AddFootageToProject) == slot(6) &&
+                offsetof(AEGP_FootageSuite7, AEGP_GetFootageInterpretation) == slot(10) &&
+                offsetof(AEGP_FootageSuite7, AEGP_SetFootageInterpretation) == slot(11) &&
+                offsetof(AEGP_FootageSuite7, AEGP_NewPlaceholderFootage) == slot(13));
 
 struct AEGP_CompSuite9 {
     A_Err (*AEGP_GetCompFromItem)(AEGP_ItemH, AEGP_CompH*);
@@ -740,13 +750,13 @@ struct AEGP_CompSuite9 {
     A_Err (*AEGP_CreateNullInComp)(const A_char* name, AEGP_CompH, const A_Time* duration, AEGP_LayerH*);
     ReservedSlot reserved_23[5];
 };
-static_assert(sizeof(AEGP_CompSuite9) == slot(28) &&
-              offsetof(AEGP_CompSuite9, AEGP_GetCompFromItem) == slot(0) &&
-              offsetof(AEGP_CompSuite9, AEGP_GetItemFromComp) == slot(1) &&
-              offsetof(AEGP_CompSuite9, AEGP_CreateCameraInComp) == slot(14) &&
-              offsetof(AEGP_CompSuite9, AEGP_CreateLightInComp) == slot(15) &&
-              offsetof(AEGP_CompSuite9, AEGP_CreateComp) == slot(16) &&
-              offsetof(AEGP_CompSuite9, AEGP_CreateNullInComp) == slot(22));
+VXR_HOST_LAYOUT(sizeof(AEGP_CompSuite9) == slot(28) &&
+                offsetof(AEGP_CompSuite9, AEGP_GetCompFromItem) == slot(0) &&
+                offsetof(AEGP_CompSuite9, AEGP_GetItemFromComp) == slot(1) &&
+                offsetof(AEGP_CompSuite9, AEGP_CreateCameraInComp) == slot(14) &&
+                offsetof(AEGP_CompSuite9, AEGP_CreateLightInComp) == slot(15) &&
+                offsetof(AEGP_CompSuite9, AEGP_CreateComp) == slot(16) &&
+                offsetof(AEGP_CompSuite9, AEGP_CreateNullInComp) == slot(22));
 
 struct AEGP_LayerSuite11 {
     ReservedSlot reserved_0[11];
@@ -763,14 +773,14 @@ struct AEGP_LayerSuite11 {
     A_Err (*AEGP_AddLayer)(AEGP_ItemH, AEGP_CompH, AEGP_LayerH*);
     ReservedSlot reserved_26[20];
 };
-static_assert(sizeof(AEGP_LayerSuite11) == slot(46) &&
-              offsetof(AEGP_LayerSuite11, AEGP_SetLayerFlag) == slot(11) &&
-              offsetof(AEGP_LayerSuite11, AEGP_SetLayerInPointAndDuration) == slot(17) &&
-              offsetof(AEGP_LayerSuite11, AEGP_SetLayerOffset) == slot(19) &&
-              offsetof(AEGP_LayerSuite11, AEGP_GetLayerTransferMode) == slot(22) &&
-              offsetof(AEGP_LayerSuite11, AEGP_SetLayerTransferMode) == slot(23) &&
-              offsetof(AEGP_LayerSuite11, AEGP_IsAddLayerValid) == slot(24) &&
-              offsetof(AEGP_LayerSuite11, AEGP_AddLayer) == slot(25));
+VXR_HOST_LAYOUT(sizeof(AEGP_LayerSuite11) == slot(46) &&
+                offsetof(AEGP_LayerSuite11, AEGP_SetLayerFlag) == slot(11) &&
+                offsetof(AEGP_LayerSuite11, AEGP_SetLayerInPointAndDuration) == slot(17) &&
+                offsetof(AEGP_LayerSuite11, AEGP_SetLayerOffset) == slot(19) &&
+                offsetof(AEGP_LayerSuite11, AEGP_GetLayerTransferMode) == slot(22) &&
+                offsetof(AEGP_LayerSuite11, AEGP_SetLayerTransferMode) == slot(23) &&
+                offsetof(AEGP_LayerSuite11, AEGP_IsAddLayerValid) == slot(24) &&
+                offsetof(AEGP_LayerSuite11, AEGP_AddLayer) == slot(25));
 
 struct AEGP_StreamSuite7 {
     ReservedSlot reserved_0[3];
@@ -781,10 +791,10 @@ struct AEGP_StreamSuite7 {
     A_Err (*AEGP_SetStreamValue)(AEGP_PluginID, AEGP_StreamRefH, AEGP_StreamValue*);
     ReservedSlot reserved_16[6];
 };
-static_assert(sizeof(AEGP_StreamSuite7) == slot(22) &&
-              offsetof(AEGP_StreamSuite7, AEGP_GetNewLayerStream) == slot(3) &&
-              offsetof(AEGP_StreamSuite7, AEGP_DisposeStream) == slot(7) &&
-              offsetof(AEGP_StreamSuite7, AEGP_SetStreamValue) == slot(15));
+VXR_HOST_LAYOUT(sizeof(AEGP_StreamSuite7) == slot(22) &&
+                offsetof(AEGP_StreamSuite7, AEGP_GetNewLayerStream) == slot(3) &&
+                offsetof(AEGP_StreamSuite7, AEGP_DisposeStream) == slot(7) &&
+                offsetof(AEGP_StreamSuite7, AEGP_SetStreamValue) == slot(15));
 
 struct AEGP_KeyframeSuite3 {
     ReservedSlot reserved_0[16];
@@ -793,18 +803,18 @@ struct AEGP_KeyframeSuite3 {
     A_Err (*AEGP_SetAddKeyframe)(AEGP_AddKeyframesInfoH, A_long key_index, const AEGP_StreamValue*);
     A_Err (*AEGP_EndAddKeyframes)(A_Boolean add, AEGP_AddKeyframesInfoH);
 };
-static_assert(sizeof(AEGP_KeyframeSuite3) == slot(20) &&
-              offsetof(AEGP_KeyframeSuite3, AEGP_StartAddKeyframes) == slot(16) &&
-              offsetof(AEGP_KeyframeSuite3, AEGP_AddKeyframes) == slot(17) &&
-              offsetof(AEGP_KeyframeSuite3, AEGP_SetAddKeyframe) == slot(18) &&
-              offsetof(AEGP_KeyframeSuite3, AEGP_EndAddKeyframes) == slot(19));
+VXR_HOST_LAYOUT(sizeof(AEGP_KeyframeSuite3) == slot(20) &&
+                offsetof(AEGP_KeyframeSuite3, AEGP_StartAddKeyframes) == slot(16) &&
+                offsetof(AEGP_KeyframeSuite3, AEGP_AddKeyframes) == slot(17) &&
+                offsetof(AEGP_KeyframeSuite3, AEGP_SetAddKeyframe) == slot(18) &&
+                offsetof(AEGP_KeyframeSuite3, AEGP_EndAddKeyframes) == slot(19));
 
 struct AEGP_LightSuite2 {
     ReservedSlot reserved_0[1];
     A_Err (*AEGP_SetLightType)(AEGP_LayerH, AEGP_LightType);
 };
-static_assert(sizeof(AEGP_LightSuite2) == slot(2) &&
-              offsetof(AEGP_LightSuite2, AEGP_SetLightType) == slot(1));
+VXR_HOST_LAYOUT(sizeof(AEGP_LightSuite2) == slot(2) &&
+                offsetof(AEGP_LightSuite2, AEGP_SetLightType) == slot(1));
 
 struct AEGP_MemorySuite1 {
     A_Err (*AEGP_NewMemHandle)(AEGP_PluginID, const A_char* what, AEGP_MemSize, AEGP_MemFlag,
@@ -814,11 +824,11 @@ struct AEGP_MemorySuite1 {
     A_Err (*AEGP_UnlockMemHandle)(AEGP_MemHandle);
     ReservedSlot reserved_4[4];
 };
-static_assert(sizeof(AEGP_MemorySuite1) == slot(8) &&
-              offsetof(AEGP_MemorySuite1, AEGP_NewMemHandle) == slot(0) &&
-              offsetof(AEGP_MemorySuite1, AEGP_FreeMemHandle) == slot(1) &&
-              offsetof(AEGP_MemorySuite1, AEGP_LockMemHandle) == slot(2) &&
-              offsetof(AEGP_MemorySuite1, AEGP_UnlockMemHandle) == slot(3));
+VXR_HOST_LAYOUT(sizeof(AEGP_MemorySuite1) == slot(8) &&
+                offsetof(AEGP_MemorySuite1, AEGP_NewMemHandle) == slot(0) &&
+                offsetof(AEGP_MemorySuite1, AEGP_FreeMemHandle) == slot(1) &&
+                offsetof(AEGP_MemorySuite1, AEGP_LockMemHandle) == slot(2) &&
+                offsetof(AEGP_MemorySuite1, AEGP_UnlockMemHandle) == slot(3));
 
 struct AEGP_IOInSuite1 {
     A_Err (*AEGP_GetInSpecOptionsHandle)(AEIO_InSpecH, void** options);
@@ -839,17 +849,17 @@ struct AEGP_IOInSuite1 {
     A_Err (*AEGP_SetInSpecDimensions)(AEIO_InSpecH, A_long width, A_long height);
     ReservedSlot reserved_17[12];
 };
-static_assert(sizeof(AEGP_IOInSuite1) == slot(29) &&
-              offsetof(AEGP_IOInSuite1, AEGP_GetInSpecOptionsHandle) == slot(0) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecOptionsHandle) == slot(1) &&
-              offsetof(AEGP_IOInSuite1, AEGP_GetInSpecFilePath) == slot(2) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecNativeFPS) == slot(4) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDepth) == slot(6) &&
-              offsetof(AEGP_IOInSuite1, AEGP_GetInSpecSize) == slot(7) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecSize) == slot(8) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecAlphaLabel) == slot(12) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDuration) == slot(14) &&
-              offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDimensions) == slot(16));
+VXR_HOST_LAYOUT(sizeof(AEGP_IOInSuite1) == slot(29) &&
+                offsetof(AEGP_IOInSuite1, AEGP_GetInSpecOptionsHandle) == slot(0) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecOptionsHandle) == slot(1) &&
+                offsetof(AEGP_IOInSuite1, AEGP_GetInSpecFilePath) == slot(2) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecNativeFPS) == slot(4) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDepth) == slot(6) &&
+                offsetof(AEGP_IOInSuite1, AEGP_GetInSpecSize) == slot(7) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecSize) == slot(8) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecAlphaLabel) == slot(12) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDuration) == slot(14) &&
+                offsetof(AEGP_IOInSuite1, AEGP_SetInSpecDimensions) == slot(16));
 
 struct AEGP_IOOutSuite1 {
     ReservedSlot reserved_0[2];
@@ -857,8 +867,8 @@ struct AEGP_IOOutSuite1 {
     A_Err (*AEGP_GetOutSpecFilePath)(AEIO_OutSpecH, A_char* path);
     ReservedSlot reserved_3[26];
 };
-static_assert(sizeof(AEGP_IOOutSuite1) == slot(29) &&
-              offsetof(AEGP_IOOutSuite1, AEGP_GetOutSpecFilePath) == slot(2));
+VXR_HOST_LAYOUT(sizeof(AEGP_IOOutSuite1) == slot(29) &&
+                offsetof(AEGP_IOOutSuite1, AEGP_GetOutSpecFilePath) == slot(2));
 
 /// The host's mathematics and string functions. They return values, not errors.
 struct PF_ANSISuite1 {
@@ -870,14 +880,14 @@ struct PF_ANSISuite1 {
     A_char* (*strcpy)(A_char* destination, const A_char* source);
     ReservedSlot reserved_17[2];
 };
-static_assert(sizeof(PF_ANSISuite1) == slot(19) && offsetof(PF_ANSISuite1, cos) == slot(3) &&
-              offsetof(PF_ANSISuite1, sin) == slot(12) && offsetof(PF_ANSISuite1, strcpy) == slot(16));
+VXR_HOST_LAYOUT(sizeof(PF_ANSISuite1) == slot(19) && offsetof(PF_ANSISuite1, cos) == slot(3) &&
+                offsetof(PF_ANSISuite1, sin) == slot(12) && offsetof(PF_ANSISuite1, strcpy) == slot(16));
 
 /// The plug-in tests only whether it exists.
 struct PF_AEAdvAppSuite1 {
     ReservedSlot reserved_0[10];
 };
-static_assert(sizeof(PF_AEAdvAppSuite1) == slot(10));
+VXR_HOST_LAYOUT(sizeof(PF_AEAdvAppSuite1) == slot(10));
 
 }  // extern "C"
 

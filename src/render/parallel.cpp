@@ -7,6 +7,8 @@
 #include <thread>
 #include <vector>
 
+#include "system/threads.h"
+
 namespace render {
 
 void for_each_index(std::size_t count, std::size_t threads,
@@ -38,7 +40,7 @@ void for_each_index(std::size_t count, std::size_t threads,
     };
     {
         Pool pool;
-        const std::size_t others = std::min(threads, count);
+        const std::size_t others = os::kHasThreads ? std::min(threads, count) : 0;
         for (std::size_t thread = 1; thread < others; ++thread) {
             pool.threads.emplace_back(run, thread);
         }

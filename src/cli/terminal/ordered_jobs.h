@@ -9,6 +9,8 @@
 #include <thread>
 #include <vector>
 
+#include "system/threads.h"
+
 namespace cli {
 
 /// The threads for `--jobs N`; one for each processor for 0.
@@ -20,11 +22,19 @@ namespace cli {
 /// Calls `work(i)` for every i below `count` on `threads` threads. On the calling thread, calls `done(n)` as
 /// the number n of finished jobs grows, and `report(i, result)` for every i in order, as early as possible.
 /// `work` must not throw. An exception from `done` or `report` is passed on once the jobs that have begun are
-/// finished; no other job begins.
+/// finished; no other job begins. Where there are no threads, the calling one does all the work.
 template <class Result>
 void run_in_order(std::size_t count, std::size_t threads, const std::function<Result(std::size_t)>& work,
                   const std::function<void(std::size_t)>& done,
                   const std::function<void(std::size_t, Result)>& report) {
+    if (!os::kHasThreads) {
+        for (std::size_t i = 0; i < count; ++i) {
+            Result result = work(i);
+            done(i + 1);
+            report(i, std::move(result));
+        }
+        return;
+    }
     std::mutex mutex;
     std::condition_variable changed;
     std::vector<std::optional<Result>> results(count);
