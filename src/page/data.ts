@@ -50,8 +50,8 @@ interface Report {
     readonly scenes: readonly Scene[];
 }
 
-export function scenesOfPage(): readonly Scene[] {
-    const element = document.getElementById("data");
+export function scenesOfPage(page: Document = document): readonly Scene[] {
+    const element = page.getElementById("data");
     return element === null ? [] : (JSON.parse(element.textContent) as Report).scenes;
 }
 

@@ -1,10 +1,6 @@
-import { offerToCopy } from "./copying.ts";
-import { showCurves } from "./curves.ts";
-import { scenesOfPage, shown, type Scene } from "./data.ts";
-import { showPictures } from "./pictures.ts";
+import { showScene } from "./article.ts";
+import { scenesOfPage, type Scene } from "./data.ts";
 import { arrangeTable, chooseScenes } from "./scenes.ts";
-import { showSpace } from "./space.ts";
-import { Timeline } from "./timeline.ts";
 
 const scenes = scenesOfPage();
 const open = new Set<HTMLElement>();
@@ -16,23 +12,7 @@ function show(article: HTMLElement): void {
         return;
     }
     open.add(article);
-    offerToCopy(article);
-    const pictures = article.querySelector<HTMLElement>("[data-pictures]");
-    if (pictures !== null) {
-        showPictures(pictures, scene);
-    }
-    if (scene.shot === null) {
-        return;
-    }
-    const timeline = new Timeline(scene.shot, shown(scene.scene));
-    const space = article.querySelector<HTMLElement>("[data-space]");
-    if (space !== null) {
-        showSpace(space, article.id, scene, timeline);
-    }
-    const curves = article.querySelector<HTMLElement>("[data-curves]");
-    if (curves !== null) {
-        showCurves(curves, scene, timeline);
-    }
+    showScene(article, scene);
 }
 
 const front = document.getElementById("front");

@@ -1,0 +1,159 @@
+// What is shown of one file.
+import { button, element } from "../elements.ts";
+import type { Diagnostic, Kind, PlacedFile } from "./messages.ts";
+import { offer, showPicture } from "./picture_view.ts";
+import type { Session } from "./session.ts";
+import { showScene } from "../article.ts";
+import { scenesOfPage } from "../data.ts";
+
+const MOST_FINDINGS = 200;
+
+/** The plug-in is part of the program: it is there under any name. */
+const BUNDLE = "/VORTANXR_AE";
+const REPORT_FILE = "/report.html";
+const REPORT = (path: string): readonly string[] => ["report", "--bundle", BUNDLE, "--pictures", "0", "-o", REPORT_FILE, "--", path];
+const CHECK = (path: string): readonly string[] => ["check", "--json", "--", path];
+const IMPORT = (path: string): readonly string[] => ["import", "--json", "--bundle", BUNDLE, "--", path];
+
+function grouped(value: number): string {
+    return value.toLocaleString("en-US");
+}
+
+function finding(one: Diagnostic): HTMLElement {
+    return element(
+        "li",
+        {},
+        element("span", { class: `mark ${one.severity}` }, one.severity),
+        ` ${one.reason ?? one.message ?? ""} `,
+        element("span", { class: "code" }, one.code),
+    );
+}
+
+export function findings(all: readonly Diagnostic[]): HTMLElement {
+    const place = element("ul", { class: "findings" }, ...all.slice(0, MOST_FINDINGS).map(finding));
+    if (all.length > MOST_FINDINGS) {
+        place.append(element("li", {}, `and ${grouped(all.length - MOST_FINDINGS)} more`));
+    }
+    return place;
+}
+
+function problem(text: string): HTMLElement {
+    return element("p", { class: "problem" }, text);
+}
+
+function sizeOf(file: File): string {
+    return file.size < 10_000 ? `${grouped(file.size)} bytes` : `${grouped(Math.round(file.size / 1024))} KiB`;
+}
+
+async function showPixels(place: HTMLElement, session: Session, { path, file }: PlacedFile, kind: Kind): Promise<void> {
+    const { picture, diagnostics, problem: why } = await session.ask({ kind: "look", path, as: kind });
+    const facts = [sizeOf(file)];
+    if (picture !== null) {
+        facts.unshift(
+            `${grouped(picture.width)} × ${grouped(picture.height)} pixels`,
+            picture.channels === 1 ? "grey" : "RGB",
+            picture.alphas.length === 1 ? "1 alpha channel" : `${picture.alphas.length} alpha channels`,
+        );
+    }
+    place.append(element("ul", { class: "facts" }, ...facts.map((fact) => element("li", {}, fact))));
+    if (why !== "") {
+        place.append(picture === null ? problem(why) : element("p", { class: "under" }, why));
+    }
+    if (diagnostics.length > 0) {
+        place.append(findings(diagnostics));
+    }
+    if (picture === null) {
+        return;
+    }
+    showPicture(place, session, path, picture, (reason) => {
+        place.append(problem(`The picture cannot be drawn: ${reason}`));
+    });
+}
+
+/** The file name of a scene's document: "shot.project.json". */
+function documentName(path: string, extension: string): string {
+    return (path.split("/").pop() ?? "scene").replace(/\.[^.]*$/, "") + extension;
+}
+
+/** The report as a document, without its style, which this page has and its policy would refuse. */
+function parsed(report: string): Document {
+    return new DOMParser().parseFromString(report.replace(/<style>[^]*?<\/style>/, ""), "text/html");
+}
+
+/** The program sees the files in a folder of its own, which nobody else has. */
+function nameFilesAsDropped(article: HTMLElement): void {
+    const texts = document.createTreeWalker(article, NodeFilter.SHOW_TEXT);
+    for (let text = texts.nextNode(); text !== null; text = texts.nextNode()) {
+        if (text.nodeValue?.includes("/dropped/") === true) {
+            text.nodeValue = text.nodeValue.replaceAll("/dropped/", "");
+        }
+    }
+}
+
+/** What `vxr report` says, with its views, and the documents of the program to keep. */
+async function showComposition(place: HTMLElement, session: Session, { path }: PlacedFile): Promise<void> {
+    const ran = await session.ask({ kind: "run", arguments: REPORT(path), output: REPORT_FILE });
+    if (ran.output === undefined) {
+        place.append(problem(ran.messages === "" ? "The scene cannot be read." : ran.messages));
+        return;
+    }
+    const report = ran.output;
+    const page = parsed(new TextDecoder().decode(report));
+    const article = page.querySelector<HTMLElement>("article");
+    const [scene] = scenesOfPage(page);
+    if (article === null || scene === undefined) {
+        place.append(problem("The report of the scene is not complete."));
+        return;
+    }
+    const save = (title: string, list: readonly string[], extension: string): HTMLElement =>
+        button(title, () => {
+            session.ask({ kind: "run", arguments: list }).then(
+                ({ text }) => {
+                    offer(text, documentName(path, extension), "application/json");
+                },
+                (error: unknown) => {
+                    place.append(problem(String(error)));
+                },
+            );
+        });
+    place.append(
+        element(
+            "div",
+            { class: "controls" },
+            button("Save the report", () => {
+                offer(report, documentName(path, ".html"), "text/html");
+            }),
+            save("Save the check as JSON", CHECK(path), ".check.json"),
+            save("Save the project as JSON", IMPORT(path), ".project.json"),
+        ),
+    );
+    const adopted = document.importNode(article, true);
+    // The name is above it already.
+    adopted.querySelector("h1")?.remove();
+    nameFilesAsDropped(adopted);
+    place.append(adopted);
+    showScene(adopted, scene);
+}
+
+/** Fills `place`. Rejects when the worker stopped. */
+export async function showItem(place: HTMLElement, session: Session, file: PlacedFile, kind: Kind): Promise<void> {
+    place.append(element("h2", {}, file.path));
+    switch (kind) {
+        case "texture":
+        case "image":
+            await showPixels(place, session, file, kind);
+            return;
+        case "scene":
+            await showComposition(place, session, file);
+            return;
+        case "other":
+            place.append(
+                element("ul", { class: "facts" }, element("li", {}, sizeOf(file.file))),
+                problem(
+                    file.file.size === 0
+                        ? "The file is empty."
+                        : "This is neither a composition file nor a texture, nor an image that this page knows.",
+                ),
+            );
+    }
+}

@@ -1,0 +1,213 @@
+// The worker: it has the program and the files, and does one task after the other.
+import { encode } from "fast-png";
+import { decodeImage } from "./images.ts";
+import { mountFiles } from "./dropped_files.ts";
+import { LOOKS, type Diagnostic, type Kind, type PlacedFile, type Reply, type Request, type Results, type Task } from "./messages.ts";
+import { bytesOf, messagesOf, terminated, textOf, withBytes, type CreateProgram, type Program } from "./program.ts";
+import madeByEmscripten from "vxr_viewer";
+
+const createProgram = madeByEmscripten as CreateProgram;
+
+const FOLDER = "/dropped";
+/** Enough of a file to know its kind. */
+const BEGINNING_BYTES = 64;
+/** Names of images that are worth trying to show. */
+const IMAGES = /\.(png|jpe?g|jfif|gif|webp|bmp|avif|ico|svg|tga|tiff?|rla|rpf|sgi|rgb|pic|iff|tdi|exr|hdr|psd|dpx|cin|dds)$/i;
+
+let program: Program | null = null;
+let files = new Map<string, File>();
+
+function running(): Program {
+    if (program === null) {
+        throw new Error("nothing is open");
+    }
+    return program;
+}
+
+function indexOfLook(look: (typeof LOOKS)[number]): number {
+    return LOOKS.indexOf(look);
+}
+
+async function kindOf(file: File, path: string): Promise<Kind> {
+    let bytes: Uint8Array;
+    try {
+        bytes = new Uint8Array(await file.slice(0, BEGINNING_BYTES).arrayBuffer());
+    } catch {
+        return "other";
+    }
+    const known = (["other", "texture", "scene"] as const)[
+        withBytes(running(), bytes, (place) => running()._viewer_kind(place, bytes.length))
+    ];
+    if (known === "texture" || /\.txl$/i.test(path)) {
+        return "texture";
+    }
+    if (known === "scene" || /\.aec$/i.test(path)) {
+        return "scene";
+    }
+    return IMAGES.test(path) ? "image" : "other";
+}
+
+async function open(module: WebAssembly.Module, placed: readonly PlacedFile[], tell: (done: number) => void): Promise<readonly Kind[]> {
+    const made = await createProgram({
+        instantiateWasm: (imports: WebAssembly.Imports, ready: (instance: WebAssembly.Instance) => void) => {
+            void WebAssembly.instantiate(module, imports).then(ready);
+            return {};
+        },
+        // A program that stops says so by an exception, too.
+        print: () => undefined,
+        printErr: () => undefined,
+    });
+    files = new Map(placed.map(({ path, file }) => [path, file]));
+    program = made;
+    mountFiles(made.FS, placed, FOLDER);
+    made.FS.chdir(FOLDER);
+    const kinds: Kind[] = [];
+    for (const { path, file } of placed) {
+        kinds.push(await kindOf(file, path));
+        if (kinds.length % 100 === 0) {
+            tell(kinds.length);
+        }
+    }
+    return kinds;
+}
+
+function run(list: readonly string[], output: string | undefined): Results["run"] {
+    const { FS } = running();
+    const code = withBytes(running(), terminated(list), (place) => running()._viewer_run(place, list.length));
+    const ran = { code, text: textOf(running()), messages: messagesOf(running()) };
+    if (output === undefined || !FS.analyzePath(output).exists) {
+        return ran;
+    }
+    const bytes = new Uint8Array(FS.readFile(output));
+    FS.unlink(output);
+    return { ...ran, output: bytes };
+}
+
+interface TextureFacts {
+    readonly diagnostics: readonly Diagnostic[];
+    readonly width_px: number;
+    readonly height_px: number;
+    readonly channels: number;
+    readonly alphas: readonly (string | { readonly bytes: string })[];
+}
+
+function lookAtTexture(path: string): Results["look"] {
+    const opened = withBytes(running(), terminated([path]), (place) => running()._viewer_open_texture(place));
+    const text = textOf(running());
+    if (text === "") {
+        return { picture: null, diagnostics: [], problem: messagesOf(running()) };
+    }
+    const facts = JSON.parse(text) as TextureFacts;
+    const picture = {
+        width: facts.width_px,
+        height: facts.height_px,
+        channels: facts.channels,
+        alphas: opened === 0 ? [] : facts.alphas.map((name) => (typeof name === "string" ? name : name.bytes)),
+    };
+    return { picture: opened === 0 ? null : picture, diagnostics: facts.diagnostics, problem: "" };
+}
+
+async function lookAtImage(path: string): Promise<Results["look"]> {
+    const file = files.get(path);
+    if (file === undefined) {
+        return { picture: null, diagnostics: [], problem: "the file is not there any more" };
+    }
+    let image;
+    try {
+        image = await decodeImage(file, path);
+    } catch (error) {
+        return { picture: null, diagnostics: [], problem: error instanceof Error ? error.message : String(error) };
+    }
+    const { width, height, rgba, hasAlpha } = image;
+    const colour = running()._viewer_new_picture(width, height, 3, hasAlpha ? 1 : 0);
+    if (colour === 0) {
+        return { picture: null, diagnostics: [], problem: "there is not enough memory for the picture" };
+    }
+    const heap = running().HEAPU8;
+    const alpha = running()._viewer_alpha(0);
+    for (let pixel = 0; pixel < width * height; pixel += 1) {
+        heap[colour + 3 * pixel] = rgba[4 * pixel] ?? 0;
+        heap[colour + 3 * pixel + 1] = rgba[4 * pixel + 1] ?? 0;
+        heap[colour + 3 * pixel + 2] = rgba[4 * pixel + 2] ?? 0;
+        if (hasAlpha) {
+            heap[alpha + pixel] = rgba[4 * pixel + 3] ?? 0;
+        }
+    }
+    return {
+        picture: { width, height, channels: 3, alphas: hasAlpha ? ["Alpha"] : [] },
+        diagnostics: [],
+        problem: image.note,
+    };
+}
+
+let shown = { width: 0, height: 0 };
+
+async function look(path: string, kind: Kind): Promise<Results["look"]> {
+    const seen = kind === "texture" ? lookAtTexture(path) : await lookAtImage(path);
+    shown = seen.picture ?? { width: 0, height: 0 };
+    return seen;
+}
+
+function save(lookIndex: number, alpha: number): Uint8Array<ArrayBuffer> {
+    const channels = running()._viewer_plane(lookIndex, alpha);
+    const messages = messagesOf(running());
+    if (channels === 0 || messages !== "") {
+        throw new Error("there is not enough memory to save the picture");
+    }
+    const data = bytesOf(running());
+    return new Uint8Array(encode({ ...shown, data, channels, depth: 8 }));
+}
+
+async function perform(task: Task, tell: (done: number, of: number) => void): Promise<Results[keyof Results]> {
+    switch (task.kind) {
+        case "open":
+            return open(task.program, task.files, (done) => {
+                tell(done, task.files.length);
+            });
+        case "run":
+            return run(task.arguments, task.output);
+        case "look":
+            return look(task.path, task.as);
+        case "draw": {
+            const { left, top, step, width, height } = task.window;
+            const drawn = running()._viewer_draw(left, top, step, width, height, indexOfLook(task.window.look), task.window.alpha);
+            if (drawn === 0) {
+                throw new Error(messagesOf(running()));
+            }
+            return new Uint8ClampedArray(bytesOf(running()).buffer);
+        }
+        case "values":
+            return running()._viewer_values(task.x, task.y) === 0 ? [] : [...bytesOf(running())];
+        case "save":
+            return save(indexOfLook(task.look), task.alpha);
+    }
+}
+
+function bulkOf(result: Results[keyof Results]): Transferable[] {
+    if (result instanceof Uint8Array || result instanceof Uint8ClampedArray) {
+        return [result.buffer];
+    }
+    return "output" in result ? [result.output.buffer] : [];
+}
+
+const say = (reply: Reply, transfer: Transferable[] = []): void => {
+    postMessage(reply, { transfer });
+};
+
+// One after the other: a task may wait for the browser.
+let last: Promise<void> = Promise.resolve();
+addEventListener("message", (event: MessageEvent<Request>) => {
+    const { id, task } = event.data;
+    last = last.then(async () => {
+        try {
+            const result = await perform(task, (done, of) => {
+                say({ id, done, of });
+            });
+            say({ id, result }, bulkOf(result));
+        } catch (error) {
+            // What the readers refuse is a result; an error of the machine leaves a program that cannot go on.
+            const broken = error instanceof WebAssembly.RuntimeError || error instanceof RangeError;
+            say({ id, error: error instanceof Error ? error.message : String(error), broken });
+        }
+    });
+});
