@@ -137,7 +137,10 @@ Id make_file_footage(Session& session, const std::string& path,
     made.duration = {0, kImportRate_fps};
     if (sequence) {
         made.kind = FootageKind::sequence;
-        made.sequence = find_sequence(path, *sequence);
+        if (session.callbacks_running == 0) {
+            session.sequences.forget();
+        }
+        made.sequence = find_sequence(session.sequences, path, *sequence);
         const auto numbered = split_number(made.name);
         if (!made.sequence && numbered) {
             throw Refusal{kHostErrorGeneric};  // no frame in the requested range

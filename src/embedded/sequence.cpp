@@ -3,8 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <filesystem>
-
-#include "system/files.h"
+#include <utility>
 
 namespace embedded {
 namespace {
@@ -22,21 +21,9 @@ bool is_padded(std::string_view digits) {
     return digits.size() > 1 && digits.front() == '0';
 }
 
-/// The numbers, as written, of all files in the folder with this prefix and suffix.
-std::vector<std::string> numbers_beside(const std::string& folder, const NumberedName& name) {
-    std::vector<std::string> numbers;
-    for (const std::string& candidate : os::regular_files_in(folder.empty() ? "." : folder)) {
-        const std::size_t outer = name.prefix.size() + name.suffix.size();
-        if (candidate.size() <= outer || candidate.size() > outer + kMaxDigits ||
-            !candidate.starts_with(name.prefix) || !candidate.ends_with(name.suffix)) {
-            continue;
-        }
-        const std::string digits = candidate.substr(name.prefix.size(), candidate.size() - outer);
-        if (digits.find_first_not_of(kDigits) == std::string::npos) {
-            numbers.push_back(digits);
-        }
-    }
-    return numbers;
+// No name holds the zero byte.
+std::string key_of(const NumberedName& name) {
+    return name.prefix + '\0' + name.suffix;
 }
 
 }  // namespace
@@ -85,13 +72,29 @@ std::vector<FrameRange> gaps_between(const std::vector<std::int64_t>& frames) {
     return gaps;
 }
 
-std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request) {
+const std::vector<std::string>& SequenceIndex::numbers_beside(const std::string& folder,
+                                                              const NumberedName& name) {
+    const auto [place, is_new] = folders_.try_emplace(folder);
+    Numbers& numbers = place->second;
+    if (is_new) {
+        for (const std::string& file : files_in_(folder.empty() ? "." : folder)) {
+            if (auto split = split_number(file)) {
+                numbers[key_of(*split)].push_back(std::move(split->digits));
+            }
+        }
+    }
+    const auto found = numbers.find(key_of(name));
+    return found == numbers.end() ? none_ : found->second;
+}
+
+std::optional<SequenceFrames> find_sequence(SequenceIndex& index, const std::string& path,
+                                            const SequenceRequest& request) {
     const std::filesystem::path file = os::path_of(path);
     const auto name = split_number(os::text_of(file.filename()));
     if (!name) {
         return std::nullopt;
     }
-    return sequence_among(numbers_beside(os::text_of(file.parent_path()), *name), *name, request);
+    return sequence_among(index.numbers_beside(os::text_of(file.parent_path()), *name), *name, request);
 }
 
 std::optional<SequenceFrames> sequence_among(const std::vector<std::string>& numbers,

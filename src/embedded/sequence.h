@@ -3,12 +3,15 @@
 // Numbered image sequences: which files of a folder belong together.
 
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "embedded/project.h"
+#include "system/files.h"
 
 namespace embedded {
 
@@ -37,13 +40,36 @@ struct SequenceRequest {
     std::optional<std::int64_t> last;   ///< none: the last that exists
 };
 
+/// The numbers of the files in folders. Each folder is gone through once, however many sequences it has. For
+/// one thread.
+class SequenceIndex {
+  public:
+    /// Names the regular files of a folder.
+    using FilesIn = std::function<std::vector<std::string>(const std::string& folder)>;
+    explicit SequenceIndex(FilesIn files_in = os::regular_files_in) : files_in_(std::move(files_in)) {}
+
+    /// The numbers, as they are written, of the files in `folder` whose names differ from `name` in them
+    /// only. Valid until forget().
+    const std::vector<std::string>& numbers_beside(const std::string& folder, const NumberedName& name);
+
+    /// Goes through every folder again when it is next asked for.
+    void forget() { folders_.clear(); }
+
+  private:
+    using Numbers = std::unordered_map<std::string, std::vector<std::string>>;
+
+    FilesIn files_in_;
+    std::unordered_map<std::string, Numbers> folders_;
+    const std::vector<std::string> none_;
+};
+
 /// The frames of the sequence that the file `path` belongs to, all from its folder. Padded and unpadded
 /// numbers with the same name around them are different sequences: "a9 a10" is one, "a09 a10" the other.
 /// Nothing when the name has no number or no file is in the range.
-std::optional<SequenceFrames> find_sequence(const std::string& path, const SequenceRequest& request);
+std::optional<SequenceFrames> find_sequence(SequenceIndex& index, const std::string& path,
+                                            const SequenceRequest& request);
 
-/// The same, where `numbers` are those of the files in the folder that differ from `name` in the number only,
-/// as they are written.
+/// The same, where `numbers` are those beside `name`.
 std::optional<SequenceFrames> sequence_among(const std::vector<std::string>& numbers,
                                              const NumberedName& name, const SequenceRequest& request);
 

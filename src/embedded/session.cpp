@@ -31,18 +31,24 @@ std::string memory_text(const MemoryBlock& block) {
 /// No real path is longer; every system's own limit is far below.
 constexpr std::size_t kMaxLent_bytes = 1U << 20U;
 
-/// Tells the watcher when control passes to the bundle and back.
+/// Counts the callbacks that run, and tells the watcher when control passes to the bundle and back.
 class CallbackScope {
   public:
-    CallbackScope(const Session& session, const std::string& name) : session_(session), name_(name) {
+    CallbackScope(Session& session, const std::string& name) : session_(session), name_(name) {
+        if (session.callbacks_running++ == 0) {
+            session.sequences.forget();
+        }
         session.passing(Passage::callback_begins, name);
     }
-    ~CallbackScope() { session_.passing(Passage::callback_ends, name_); }
+    ~CallbackScope() {
+        session_.passing(Passage::callback_ends, name_);
+        --session_.callbacks_running;
+    }
     CallbackScope(const CallbackScope&) = delete;
     CallbackScope& operator=(const CallbackScope&) = delete;
 
   private:
-    const Session& session_;
+    Session& session_;
     const std::string& name_;
 };
 

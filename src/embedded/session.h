@@ -21,6 +21,7 @@
 #include "embedded/host_options.h"
 #include "embedded/memory_store.h"
 #include "embedded/project.h"
+#include "embedded/sequence.h"
 #include "embedded/suites/functions.h"
 #include "embedded/testing.h"
 #include "embedded/text_encoding.h"
@@ -86,6 +87,10 @@ class Session {
         std::vector<Key> keys;
     };
     std::vector<Additions> additions;
+
+    /// The folders of sequences, as the callback that runs found them first.
+    SequenceIndex sequences;
+    int callbacks_running = 0;
 
     /// Items and compositions for which HostOptions::layers_refused made AEGP_IsAddLayerValid answer no.
     std::set<std::pair<Id, Id>> refused_layers;

@@ -38,6 +38,21 @@ FileKind kind_of(fs::file_type type) {
     }
 }
 
+/// Most systems tell the kind with the name; only links and the rare kinds cost a look at the file. The C++
+/// library remembers the kind for these questions, not for status().
+FileKind kind_of_entry(const fs::directory_entry& entry) {
+    std::error_code not_readable;
+    if (entry.is_regular_file(not_readable)) {
+        return FileKind::regular;
+    }
+    if (entry.is_directory(not_readable)) {
+        return kind_of(fs::file_type::directory);
+    }
+    const fs::file_status status = entry.status(not_readable);
+    const bool missing = !fs::status_known(status) || status.type() == fs::file_type::not_found;
+    return missing ? FileKind::missing : kind_of(status.type());
+}
+
 std::error_code last_error() {
     return {errno, std::generic_category()};
 }
@@ -162,13 +177,9 @@ std::vector<FolderEntry> entries_in(const std::string& folder) {
     std::error_code failure;
     fs::directory_iterator entry(folder, failure);
     for (; !failure && entry != fs::directory_iterator(); entry.increment(failure)) {
-        // Most systems tell the kind with the name; only links cost a look at their target.
         std::error_code not_readable;
-        const fs::file_status status = entry->status(not_readable);
-        const bool missing = !fs::status_known(status) || status.type() == fs::file_type::not_found;
-        entries.push_back({entry->path().filename().string(),
-                           missing ? FileKind::missing : kind_of(status.type()),
-                           entry->is_symlink(not_readable)});
+        entries.push_back(
+            {entry->path().filename().string(), kind_of_entry(*entry), entry->is_symlink(not_readable)});
     }
     return entries;
 }

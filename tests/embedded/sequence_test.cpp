@@ -126,7 +126,8 @@ TEST(Sequences, AreFoundInTheFolderOfTheNamedFile) {
         for (const char* file : c.files) {
             folder.write(file, "");
         }
-        const auto found = embedded::find_sequence(folder.path(c.named), c.request);
+        embedded::SequenceIndex index;
+        const auto found = embedded::find_sequence(index, folder.path(c.named), c.request);
         ASSERT_EQ(found.has_value(), c.pattern != nullptr);
         if (!found) {
             continue;
@@ -142,13 +143,39 @@ TEST(Sequences, IgnoreFolders) {
     const TemporaryFolder folder;
     folder.write("a1.x", "");
     std::filesystem::create_directory(folder.path("a2.x"));
-    const auto found = embedded::find_sequence(folder.path("a1.x"), {});
+    embedded::SequenceIndex index;
+    const auto found = embedded::find_sequence(index, folder.path("a1.x"), {});
     ASSERT_TRUE(found.has_value());
     EXPECT_EQ(found->count, 1);
 }
 
 TEST(Sequences, AreNotFoundInAFolderThatDoesNotExist) {
-    EXPECT_FALSE(embedded::find_sequence("/no/such/folder/a1.x", {}).has_value());
+    embedded::SequenceIndex index;
+    EXPECT_FALSE(embedded::find_sequence(index, "/no/such/folder/a1.x", {}).has_value());
+}
+
+TEST(Sequences, OfAFolderAreFoundByGoingThroughItOnce) {
+    int listings = 0;
+    embedded::SequenceIndex index([&listings](const std::string& folder) {
+        ++listings;
+        return folder == "/one" ? std::vector<std::string>{"a1.x", "b1.x", "a2.x", "b3.x", "a1.y"}
+                                : std::vector<std::string>{"a7.x"};
+    });
+    const auto range = [&index](const char* path) {
+        const auto found = embedded::find_sequence(index, path, {});
+        return found ? std::pair(found->range.first, found->range.last)
+                     : std::pair<std::int64_t, std::int64_t>();
+    };
+    using Range = std::pair<std::int64_t, std::int64_t>;
+    EXPECT_EQ(range("/one/a1.x"), Range(1, 2));
+    EXPECT_EQ(range("/one/b1.x"), Range(1, 3));
+    EXPECT_EQ(range("/one/a1.y"), Range(1, 1));
+    EXPECT_EQ(listings, 1);
+    EXPECT_EQ(range("/two/a7.x"), Range(7, 7));
+    EXPECT_EQ(listings, 2);
+    index.forget();
+    EXPECT_EQ(range("/one/a1.x"), Range(1, 2));
+    EXPECT_EQ(listings, 3);
 }
 
 }  // namespace

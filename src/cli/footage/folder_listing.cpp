@@ -42,4 +42,14 @@ const std::vector<FolderListing::Entry>& FolderListing::entries(const std::strin
     return entries;
 }
 
+std::vector<std::string> FolderListing::regular_files(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const Entry& entry : entries(folder)) {
+        if (entry.kind == os::FileKind::regular) {
+            names.push_back(entry.name.bytes());
+        }
+    }
+    return names;
+}
+
 }  // namespace cli

@@ -44,6 +44,8 @@ class FolderListing {
 
     /// In the order of their bytes; empty for a folder that cannot be read. Valid as long as the listing.
     const std::vector<Entry>& entries(const std::string& folder);
+    /// The names of the regular files among them.
+    [[nodiscard]] std::vector<std::string> regular_files(const std::string& folder);
 
   private:
     const Disk& disk_;

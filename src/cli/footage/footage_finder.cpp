@@ -154,7 +154,7 @@ FootageFinder::FootageFinder(FinderOptions options, Disk disk)
     : disk_(std::move(disk)),
       options_(std::move(options)),
       listing_(disk_),
-      sequences_(listing_),
+      sequences_([this](const std::string& folder) { return listing_.regular_files(folder); }),
       tree_(listing_, options_.search) {
     for (PathMap& map : options_.maps) {
         map.to = os::absolute_path(map.to);

@@ -47,7 +47,7 @@ class FootageFinder {
 
     [[nodiscard]] const FinderOptions& options() const { return options_; }
     /// The sequences in the folders that were read so far, and in others.
-    SequenceIndex& sequences() { return sequences_; }
+    embedded::SequenceIndex& sequences() { return sequences_; }
 
   private:
     struct Search;
@@ -65,7 +65,7 @@ class FootageFinder {
     Disk disk_;
     FinderOptions options_;
     FolderListing listing_;
-    SequenceIndex sequences_;
+    embedded::SequenceIndex sequences_;
     SearchTree tree_;
 };
 

@@ -8,34 +8,7 @@
 #include "system/files.h"
 
 namespace cli {
-namespace {
-
-// No name holds the zero byte.
-std::string key_of(const embedded::NumberedName& name) {
-    return name.prefix + '\0' + name.suffix;
-}
-
-}  // namespace
-
-const std::vector<std::string>& SequenceIndex::numbers_beside(const std::string& folder,
-                                                              const embedded::NumberedName& name) {
-    const auto [place, is_new] = folders_.try_emplace(folder);
-    Numbers& numbers = place->second;
-    if (is_new) {
-        for (const FolderListing::Entry& entry : listing_.entries(folder)) {
-            const auto split = entry.kind == os::FileKind::regular
-                                   ? embedded::split_number(entry.name.bytes())
-                                   : std::nullopt;
-            if (split) {
-                numbers[key_of(*split)].push_back(split->digits);
-            }
-        }
-    }
-    const auto found = numbers.find(key_of(name));
-    return found == numbers.end() ? none_ : found->second;
-}
-
-std::vector<SequenceFile> sequence_files(SequenceIndex& index, const std::string& path) {
+std::vector<SequenceFile> sequence_files(embedded::SequenceIndex& index, const std::string& path) {
     const std::filesystem::path file = os::path_of(path);
     const std::string name = os::text_of(file.filename());
     const std::optional<embedded::NumberedName> wanted = embedded::split_number(name);

@@ -215,19 +215,6 @@ SceneReading read_standard_input() {
     return reading;
 }
 
-// The files in the folder of `path` that a sequence of this name may consist of.
-std::vector<std::string> numbered_files(const std::string& path, const embedded::NumberedName& name) {
-    const std::filesystem::path folder = os::path_of(path).parent_path();
-    std::vector<std::string> files;
-    for (const std::string& other : os::regular_files_in(folder.empty() ? "." : os::text_of(folder))) {
-        const auto numbered = embedded::split_number(other);
-        if (numbered && numbered->prefix == name.prefix && numbered->suffix == name.suffix) {
-            files.push_back(os::text_of(folder / os::path_of(other)));
-        }
-    }
-    return files;
-}
-
 }  // namespace
 
 std::int64_t layer_length(const tagProjectSettings& settings) {
@@ -246,6 +233,7 @@ SceneReading read_scene(const std::string& file, const ReadingWatch& watch) {
 }
 
 std::vector<std::string> footage_files(const SceneReading& reading) {
+    embedded::SequenceIndex index;
     std::vector<std::string> files;
     for (const SceneFootage& footage : reading.facts.footage) {
         if (footage.file == nullptr || footage.file->path == nullptr) {
@@ -259,8 +247,10 @@ std::vector<std::string> footage_files(const SceneReading& reading) {
                               ? embedded::split_number(os::text_of(os::path_of(path).filename()))
                               : std::nullopt;
         if (name) {
-            const std::vector<std::string> frames = numbered_files(path, *name);
-            files.insert(files.end(), frames.begin(), frames.end());
+            const std::filesystem::path folder = os::path_of(path).parent_path();
+            for (const std::string& digits : index.numbers_beside(os::text_of(folder), *name)) {
+                files.push_back(os::text_of(folder / os::path_of(name->prefix + digits + name->suffix)));
+            }
         }
     }
     return files;
