@@ -1,17 +1,17 @@
-"""The file types, asked of the real shared-mime-info and of GLib, in a database of their own.
+"""The file types as they are installed, asked of the real shared-mime-info and of GLib, in a database of their own.
 
-file_types_test.py VXR PROJECT
+file_types_test.py CMAKE INSTALL_SCRIPT PROJECT
 """
 import os
 import pathlib
-import shutil
 import subprocess
 import sys
 import tempfile
 import unittest
 
-PROJECT = pathlib.Path(sys.argv.pop(2))
-sys.argv.pop(1)
+PROJECT = pathlib.Path(sys.argv.pop(3))
+INSTALL = pathlib.Path(sys.argv.pop(2))
+CMAKE = sys.argv.pop(1)
 
 TEXTURE, SCENE = "image/x-texalon-texture", "application/x-vortanxr-composition"
 TINY = (PROJECT / "examples/textures/tiny.txl").read_bytes()
@@ -39,11 +39,10 @@ class FileTypes(unittest.TestCase):
     @classmethod
     def setUpClass(cls):
         cls.folder = pathlib.Path(cls.enterClassContext(tempfile.TemporaryDirectory()))
-        packages = cls.folder / "data/mime/packages"
-        packages.mkdir(parents=True)
-        shutil.copy(PROJECT / "src/desktop/vortanxr.xml", packages)
-        cls.environment = {**os.environ, "XDG_DATA_HOME": str(cls.folder / "data"), "LC_ALL": "C"}
-        made = subprocess.run(["update-mime-database", cls.folder / "data/mime"], capture_output=True, text=True,
+        subprocess.run([CMAKE, f"-DCMAKE_INSTALL_PREFIX={cls.folder}", "-P", INSTALL], check=True, capture_output=True)
+        cls.data = cls.folder / "share"
+        cls.environment = {**os.environ, "XDG_DATA_HOME": str(cls.data), "LC_ALL": "C"}
+        made = subprocess.run(["update-mime-database", cls.data / "mime"], capture_output=True, text=True,
                               env=cls.environment)
         cls.complaints = made.stdout + made.stderr
         assert made.returncode == 0, cls.complaints
@@ -56,6 +55,10 @@ class FileTypes(unittest.TestCase):
     def test_the_database_accepts_the_file_without_a_word(self):
         self.assertEqual(self.complaints, "")
 
+    def test_the_entry_for_thumbnails_is_installed_where_desktops_look(self):
+        self.assertEqual((self.data / "thumbnailers/vortanxr.thumbnailer").read_text(),
+                         (PROJECT / "src/desktop/vortanxr.thumbnailer").read_text())
+
     def test_names_and_first_bytes_give_the_type(self):
         for reason, name, content, expected in CASES:
             with self.subTest(reason):
@@ -64,7 +67,7 @@ class FileTypes(unittest.TestCase):
                 self.assertEqual(self.type_of(path), expected)
 
     def test_a_scene_is_text_so_that_editors_open_it(self):
-        parents = (self.folder / "data/mime/subclasses").read_text().splitlines()
+        parents = (self.data / "mime/subclasses").read_text().splitlines()
         self.assertIn(f"{SCENE} text/plain", parents)
 
 

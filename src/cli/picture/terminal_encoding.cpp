@@ -5,7 +5,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
-#include <string_view>
 #include <vector>
 
 #include "text/base64.h"
@@ -146,7 +145,7 @@ std::string kitty_picture(const render::Picture& opaque) {
                        : "\x1b_Ga=T,q=2,f=24,s=" + std::to_string(opaque.width_px) +
                              ",v=" + std::to_string(opaque.height_px) + ',';
         text += at + kPiece < data.size() ? "m=1;" : "m=0;";
-        text += std::string_view(data).substr(at, kPiece);
+        text.append(data, at, kPiece);
         text += "\x1b\\";
     }
     return text + '\n';
