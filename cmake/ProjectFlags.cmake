@@ -35,8 +35,9 @@ if(WIN32)
         UNICODE
         WIN32_LEAN_AND_MEAN
         _WIN32_WINNT=0x0A00)
-    # Users do not debug, so released files carry no symbols.
-    target_link_options(project_flags INTERFACE $<$<CONFIG:Release>:LINKER:--strip-all>)
+    # Users do not debug, so released files carry no symbols. They carry no time either, so that two builds are the same.
+    target_link_options(project_flags INTERFACE
+        $<$<CONFIG:Release>:LINKER:--strip-all> $<$<CONFIG:Release>:LINKER:--no-insert-timestamp>)
 endif()
 
 # Joined sources arrive in the bundle whole. Each function gets a section of its own, so that the linker leaves out those
