@@ -4,13 +4,13 @@
 // viewer_test.mjs PAGE VXR BUNDLE CHROMIUM PROJECT
 import assert from "node:assert/strict";
 import { spawnSync } from "node:child_process";
-import { mkdtempSync, readdirSync, readFileSync, rmSync } from "node:fs";
+import { copyFileSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, rmSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
-import { basename, join } from "node:path";
+import { basename, dirname, join, relative, resolve } from "node:path";
 import { inflateSync } from "node:zlib";
 
-const [viewer, vxr, bundle, chromium, project] = process.argv.slice(2);
+const [viewer, vxr, bundle, chromium, project] = process.argv.slice(2).map((one) => resolve(one));
 const require = createRequire(join(project, "build/npm/package.json"));
 const playwright = require("playwright-core");
 
@@ -98,6 +98,18 @@ async function drop(page, paths) {
     await settled(page);
 }
 
+async function dropFolder(page, path) {
+    await page.evaluate(() => {
+        document.getElementById("status").textContent = "";
+    });
+    await page.locator("#folder").setInputFiles(path);
+    await settled(page);
+    const more = page.getByRole("button", { name: /^Show more/ });
+    while ((await more.filter({ visible: true }).count()) > 0) {
+        await more.filter({ visible: true }).first().click();
+    }
+}
+
 async function choose(page, name) {
     await page.getByRole("button", { name, exact: true }).click();
     await page.waitForFunction((wanted) => document.querySelector(".item h2")?.textContent === wanted, name);
@@ -136,6 +148,101 @@ async function samePixels(browser, textures) {
     await close(page);
 }
 
+/** The document behind a button of the page. */
+async function savedDocument(page, what) {
+    const [download] = await Promise.all([
+        page.waitForEvent("download", { timeout: 8000 }),
+        page.getByRole("button", { name: `Save the ${what} as JSON` }).click(),
+    ]);
+    return readFileSync(await download.path(), "utf8");
+}
+
+/** The page's documents about every scene and texture below a folder are the native program's, byte for byte. */
+async function sameDocuments(browser, dropped) {
+    const page = await open(browser);
+    await dropFolder(page, dropped);
+    const above = dirname(dropped);
+    const said = (list) => {
+        const run = spawnSync(vxr, list, { encoding: "utf8", maxBuffer: 1 << 28, cwd: above });
+        assert.notEqual(run.status, null, `vxr ${list.join(" ")}: ${run.error}`);
+        return run.stdout.replaceAll(`${above}/`, "/dropped/");
+    };
+    const different = [];
+    let compared = 0;
+    const compare = async (path, what, list) => {
+        const mine = await savedDocument(page, what).catch((error) => assert.fail(`${what} of ${path}: ${error}`));
+        const theirs = said(list);
+        compared += 1;
+        if (mine !== theirs) {
+            const [a, b] = [mine.split("\n"), theirs.split("\n")];
+            const at = a.findIndex((line, i) => line !== b[i]);
+            different.push(`${what} of ${path}, line ${at + 1}: the page says ${a[at]}, the native program ${b[at]}`);
+        }
+    };
+    for (const file of inFolder(dropped, /\.(aec|txl)$/)) {
+        const path = relative(above, file);
+        await choose(page, path).catch((error) => assert.fail(`${path}: ${error}`));
+        if (path.endsWith(".txl")) {
+            await compare(path, "check", ["texture", "check", "--json", "--", path]);
+        } else {
+            await compare(path, "check", ["check", "--json", "--", path]);
+            await compare(path, "project", ["import", "--json", "--bundle", bundle, "--", path]);
+        }
+    }
+    console.log(`${compared - different.length} of ${compared} documents about ${basename(dropped)} are the native program's`);
+    assert.deepEqual(different, []);
+    assert.ok(compared > 0);
+    await close(page);
+}
+
+/** Fuzz inputs under names of scenes and textures. */
+function fuzzFiles() {
+    const into = join(folder, "fuzz");
+    mkdirSync(into);
+    const take = (target, extension, most) => {
+        const from = join(project, "fuzz/corpus", target);
+        for (const name of readdirSync(from).sort().slice(0, most)) {
+            copyFileSync(join(from, name), join(into, `${target}_${name}${extension}`));
+        }
+    };
+    for (const [target, most] of [["composition", 22], ["import", 37], ["handover", 9], ["tokenizer", 80]]) {
+        take(target, ".aec", most);
+    }
+    for (const [target, most] of [["bitmap", 12], ["texture", 13], ["oiio_reader", 13], ["hyper_file", 14]]) {
+        take(target, ".txl", most);
+    }
+    assert.equal(readdirSync(into).length, 200);
+    return into;
+}
+
+/** The examples cut, with bits flipped and with pieces doubled; the same files in every run. */
+function damagedFiles() {
+    const into = join(folder, "damaged");
+    mkdirSync(into);
+    const sources = inFolder(join(project, "examples"), /\.(aec|txl)$/);
+    let state = 20;
+    const random = (below) => {
+        state = (Math.imul(state, 1664525) + 1013904223) >>> 0;
+        return Math.floor((state / 2 ** 32) * below);
+    };
+    for (let i = 0; i < 200; i += 1) {
+        const source = sources[i % sources.length];
+        let bytes = Buffer.from(readFileSync(source));
+        if (i % 3 === 0) {
+            bytes = bytes.subarray(0, random(bytes.length));
+        } else if (i % 3 === 1) {
+            for (let flips = 1 + random(8); flips > 0; flips -= 1) {
+                bytes[random(Math.min(bytes.length, 4096))] ^= 1 << random(8);
+            }
+        } else {
+            const at = random(bytes.length);
+            bytes = Buffer.concat([bytes.subarray(0, at), bytes.subarray(random(at + 1))]);
+        }
+        writeFileSync(join(into, `${String(i).padStart(3, "0")}_${basename(source)}`), bytes);
+    }
+    return into;
+}
+
 const inFolder = (path, pattern) =>
     readdirSync(path, { recursive: true })
         .filter((name) => pattern.test(name))
@@ -144,6 +251,9 @@ const inFolder = (path, pattern) =>
 
 const browser = await playwright.chromium.launch({ executablePath: chromium, args: ["--no-sandbox"] });
 try {
+    for (const dropped of [join(project, "examples"), fuzzFiles(), damagedFiles()]) {
+        await check(`documents about ${basename(dropped)}`, () => sameDocuments(browser, dropped));
+    }
     await check("pixels of textures", () => samePixels(browser, inFolder(join(project, "examples"), /\.txl$/)));
 } finally {
     await browser.close();

@@ -45,6 +45,25 @@ function sizeOf(file: File): string {
     return file.size < 10_000 ? `${grouped(file.size)} bytes` : `${grouped(Math.round(file.size / 1024))} KiB`;
 }
 
+/** A button that saves what the program says about a file. */
+function saveDocument(place: HTMLElement, session: Session, path: string, what: string, list: readonly string[]): HTMLElement {
+    const name = `${(path.split("/").pop() ?? "file").replace(/\.[^.]*$/, "")}.${what}.json`;
+    return button(`Save the ${what} as JSON`, () => {
+        session.ask({ kind: "run", arguments: list }).then(
+            ({ text, messages }) => {
+                if (text === "") {
+                    place.append(problem(messages));
+                } else {
+                    offer(text, name, "application/json");
+                }
+            },
+            (error: unknown) => {
+                place.append(problem(String(error)));
+            },
+        );
+    });
+}
+
 async function showPixels(place: HTMLElement, session: Session, { path, file }: PlacedFile, kind: Kind): Promise<void> {
     const { picture, diagnostics, problem: why } = await session.ask({ kind: "look", path, as: kind });
     const facts = [sizeOf(file)];
@@ -62,17 +81,17 @@ async function showPixels(place: HTMLElement, session: Session, { path, file }: 
     if (diagnostics.length > 0) {
         place.append(findings(diagnostics));
     }
+    if (kind === "texture") {
+        place.append(
+            element("div", { class: "controls" }, saveDocument(place, session, path, "check", ["texture", ...CHECK(path)])),
+        );
+    }
     if (picture === null) {
         return;
     }
     showPicture(place, session, path, picture, (reason) => {
         place.append(problem(`The picture cannot be drawn: ${reason}`));
     });
-}
-
-/** The file name of a scene's document: "shot.project.json". */
-function documentName(path: string, extension: string): string {
-    return (path.split("/").pop() ?? "scene").replace(/\.[^.]*$/, "") + extension;
 }
 
 /** The report as a document, without its style, which this page has and its policy would refuse. */
@@ -92,12 +111,11 @@ function nameFilesAsDropped(article: HTMLElement): void {
 
 /** What `vxr report` says, with its views, and the documents of the program to keep. */
 async function showComposition(place: HTMLElement, session: Session, { path }: PlacedFile): Promise<void> {
-    const ran = await session.ask({ kind: "run", arguments: REPORT(path), output: REPORT_FILE });
-    if (ran.output === undefined) {
-        place.append(problem(ran.messages === "" ? "The scene cannot be read." : ran.messages));
+    const { messages, output: report } = await session.ask({ kind: "run", arguments: REPORT(path), output: REPORT_FILE });
+    if (report === undefined) {
+        place.append(problem(messages === "" ? "The scene cannot be read." : messages));
         return;
     }
-    const report = ran.output;
     const page = parsed(new TextDecoder().decode(report));
     const article = page.querySelector<HTMLElement>("article");
     const [scene] = scenesOfPage(page);
@@ -105,26 +123,15 @@ async function showComposition(place: HTMLElement, session: Session, { path }: P
         place.append(problem("The report of the scene is not complete."));
         return;
     }
-    const save = (title: string, list: readonly string[], extension: string): HTMLElement =>
-        button(title, () => {
-            session.ask({ kind: "run", arguments: list }).then(
-                ({ text }) => {
-                    offer(text, documentName(path, extension), "application/json");
-                },
-                (error: unknown) => {
-                    place.append(problem(String(error)));
-                },
-            );
-        });
     place.append(
         element(
             "div",
             { class: "controls" },
             button("Save the report", () => {
-                offer(report, documentName(path, ".html"), "text/html");
+                offer(report, `${(path.split("/").pop() ?? "scene").replace(/\.[^.]*$/, "")}.html`, "text/html");
             }),
-            save("Save the check as JSON", CHECK(path), ".check.json"),
-            save("Save the project as JSON", IMPORT(path), ".project.json"),
+            saveDocument(place, session, path, "check", CHECK(path)),
+            saveDocument(place, session, path, "project", IMPORT(path)),
         ),
     );
     const adopted = document.importNode(article, true);
