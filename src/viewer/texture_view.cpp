@@ -8,7 +8,7 @@ namespace viewer {
 namespace {
 
 constexpr int kOpaque = 255;
-constexpr int kMostSamples = 8;
+constexpr int kMostSamples = 4;
 
 /// One pixel over the chequered ground.
 struct Colour {

@@ -28,7 +28,7 @@ struct Window {
 };
 
 /// The window's pixels: R, G, B, A, rows from top to bottom. A pixel of the window shows the pixel of the
-/// picture in its middle; where several lie behind it, the mean of up to 8 x 8 of them, evenly spaced. What
+/// picture in its middle; where several lie behind it, the mean of up to 4 x 4 of them, evenly spaced. What
 /// is beside the picture is transparent, everything else opaque. `alpha` counts the alpha channels from 0;
 /// one that the texture does not have shows its colour.
 [[nodiscard]] std::vector<std::uint8_t> draw_window(const Texture& texture, const Window& window, Look look,

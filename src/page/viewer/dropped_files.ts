@@ -15,7 +15,7 @@ const NOT_VALID = 28;
 const NOT_READABLE = 29;
 
 /** The program reads kilobytes; asking the browser for each of them would take longer than anything else. */
-const PIECE_BYTES = 1 << 20;
+const PIECE_BYTES = 1 << 23;
 
 interface Stream {
     node: FileNode;

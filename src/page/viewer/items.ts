@@ -136,7 +136,9 @@ async function showComposition(place: HTMLElement, session: Session, { path }: P
     );
     const adopted = document.importNode(article, true);
     // The name is above it already.
-    adopted.querySelector("h1")?.remove();
+    adopted.querySelectorAll("h1, header > .path").forEach((one) => {
+        one.remove();
+    });
     nameFilesAsDropped(adopted);
     place.append(adopted);
     showScene(adopted, scene);

@@ -82,37 +82,39 @@ function inWords(reason: string): string {
         : reason;
 }
 
-function section(title: string, rows: readonly HTMLElement[]): HTMLElement {
+/** `rows` makes the rows from one number to before another: thousands at once would stop the page. */
+function section(title: string, count: number, rows: (from: number, to: number) => readonly HTMLElement[]): HTMLElement {
     const place = element("ul", {});
     let used = 0;
     const more = button("", () => {
         add();
     });
     const add = (): void => {
-        place.append(...rows.slice(used, used + MOST_ROWS));
-        used = Math.min(used + MOST_ROWS, rows.length);
-        more.textContent = `Show more (${rows.length - used} left)`;
-        more.hidden = used === rows.length;
+        const to = Math.min(used + MOST_ROWS, count);
+        place.append(...rows(used, to));
+        used = to;
+        more.textContent = `Show more (${count - used} left)`;
+        more.hidden = used === count;
     };
     add();
-    return element("section", {}, element("h2", {}, `${title} `, element("span", { class: "count" }, String(rows.length))), place, more);
+    return element("section", {}, element("h2", {}, `${title} `, element("span", { class: "count" }, String(count))), place, more);
 }
 
 function showList(files: readonly PlacedFile[], kinds: readonly Kind[]): HTMLElement | null {
     let first: HTMLButtonElement | null = null;
     list.replaceChildren();
     for (const [kind, title] of TITLES) {
-        const rows = files
-            .filter((_, i) => kinds[i] === kind)
-            .map((file) => {
+        const those = files.filter((_, i) => kinds[i] === kind);
+        const rows = (from: number, to: number): HTMLElement[] =>
+            those.slice(from, to).map((file) => {
                 const row = button(file.path, () => {
                     void choose(row, file, kind);
                 });
                 first ??= row;
                 return element("li", {}, row);
             });
-        if (rows.length > 0) {
-            list.append(section(title, rows));
+        if (those.length > 0) {
+            list.append(section(title, those.length, rows));
         }
     }
     return first;

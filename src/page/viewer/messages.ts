@@ -23,7 +23,8 @@ export interface Window {
 }
 
 export type Task =
-    | { readonly kind: "open"; readonly program: WebAssembly.Module; readonly files: readonly PlacedFile[] }
+    | { readonly kind: "add"; readonly files: readonly PlacedFile[] }
+    | { readonly kind: "open"; readonly program: WebAssembly.Module }
     | { readonly kind: "run"; readonly arguments: readonly string[]; readonly output?: string }
     | { readonly kind: "look"; readonly path: string; readonly as: Kind }
     | { readonly kind: "draw"; readonly window: Window }
@@ -55,6 +56,8 @@ export interface Ran {
 
 /** What became of a task, in the order of `Task`. */
 export interface Results {
+    add: null;
+    /** Of the files that were added, in their order. */
     open: readonly Kind[];
     run: Ran;
     look: { readonly picture: Picture | null; readonly diagnostics: readonly Diagnostic[]; readonly problem: string };

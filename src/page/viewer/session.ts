@@ -2,6 +2,8 @@
 // files; memory goes back with the old one.
 import type { Kind, PlacedFile, Reply, Results, Task } from "./messages.ts";
 
+const FILES_AT_A_TIME = 500;
+
 export class Stopped extends Error {}
 
 interface Waiting {
@@ -72,7 +74,11 @@ export class Session {
             event.preventDefault();
             this.stop(event.message === "" ? "the worker of this page failed" : event.message);
         });
-        return this.send({ kind: "open", program: module, files: this.files });
+        // In parts: thousands of files in one message stop the page.
+        for (let from = 0; from < this.files.length; from += FILES_AT_A_TIME) {
+            await this.send({ kind: "add", files: this.files.slice(from, from + FILES_AT_A_TIME) });
+        }
+        return this.send({ kind: "open", program: module });
     }
 
     private send<Name extends Task["kind"]>(task: Extract<Task, { kind: Name }>): Promise<Results[Name]> {

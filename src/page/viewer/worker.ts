@@ -15,7 +15,8 @@ const BEGINNING_BYTES = 64;
 const IMAGES = /\.(png|jpe?g|jfif|gif|webp|bmp|avif|ico|svg|tga|tiff?|rla|rpf|sgi|rgb|pic|iff|tdi|exr|hdr|psd|dpx|cin|dds)$/i;
 
 let program: Program | null = null;
-let files = new Map<string, File>();
+const placed: PlacedFile[] = [];
+const files = new Map<string, File>();
 
 function running(): Program {
     if (program === null) {
@@ -28,26 +29,30 @@ function indexOfLook(look: (typeof LOOKS)[number]): number {
     return LOOKS.indexOf(look);
 }
 
-async function kindOf(file: File, path: string): Promise<Kind> {
-    let bytes: Uint8Array;
+/** What a file is by its first bytes, whatever its name. */
+async function kindByContent(file: File): Promise<Kind> {
     try {
-        bytes = new Uint8Array(await file.slice(0, BEGINNING_BYTES).arrayBuffer());
+        const bytes = new Uint8Array(await file.slice(0, BEGINNING_BYTES).arrayBuffer());
+        const number = withBytes(running(), bytes, (place) => running()._viewer_kind(place, bytes.length));
+        return (["other", "texture", "scene"] as const)[number] ?? "other";
     } catch {
         return "other";
     }
-    const known = (["other", "texture", "scene"] as const)[
-        withBytes(running(), bytes, (place) => running()._viewer_kind(place, bytes.length))
-    ];
-    if (known === "texture" || /\.txl$/i.test(path)) {
-        return "texture";
-    }
-    if (known === "scene" || /\.aec$/i.test(path)) {
-        return "scene";
-    }
-    return IMAGES.test(path) ? "image" : "other";
 }
 
-async function open(module: WebAssembly.Module, placed: readonly PlacedFile[], tell: (done: number) => void): Promise<readonly Kind[]> {
+/** For the list. Footage comes in thousands of files, of which none is opened for that. */
+async function kindOf(file: File, path: string): Promise<Kind> {
+    if (IMAGES.test(path)) {
+        return "image";
+    }
+    const known = await kindByContent(file);
+    if (known !== "other") {
+        return known;
+    }
+    return /\.txl$/i.test(path) ? "texture" : /\.aec$/i.test(path) ? "scene" : "other";
+}
+
+async function open(module: WebAssembly.Module, tell: (done: number, of: number) => void): Promise<readonly Kind[]> {
     const made = await createProgram({
         instantiateWasm: (imports: WebAssembly.Imports, ready: (instance: WebAssembly.Instance) => void) => {
             void WebAssembly.instantiate(module, imports).then(ready);
@@ -57,7 +62,6 @@ async function open(module: WebAssembly.Module, placed: readonly PlacedFile[], t
         print: () => undefined,
         printErr: () => undefined,
     });
-    files = new Map(placed.map(({ path, file }) => [path, file]));
     program = made;
     mountFiles(made.FS, placed, FOLDER);
     made.FS.chdir(FOLDER);
@@ -65,7 +69,7 @@ async function open(module: WebAssembly.Module, placed: readonly PlacedFile[], t
     for (const { path, file } of placed) {
         kinds.push(await kindOf(file, path));
         if (kinds.length % 100 === 0) {
-            tell(kinds.length);
+            tell(kinds.length, placed.length);
         }
     }
     return kinds;
@@ -111,6 +115,9 @@ async function lookAtImage(path: string): Promise<Results["look"]> {
     const file = files.get(path);
     if (file === undefined) {
         return { picture: null, diagnostics: [], problem: "the file is not there any more" };
+    }
+    if ((await kindByContent(file)) === "texture") {
+        return lookAtTexture(path);
     }
     let image;
     try {
@@ -160,10 +167,14 @@ function save(lookIndex: number, alpha: number): Uint8Array<ArrayBuffer> {
 
 async function perform(task: Task, tell: (done: number, of: number) => void): Promise<Results[keyof Results]> {
     switch (task.kind) {
+        case "add":
+            for (const one of task.files) {
+                placed.push(one);
+                files.set(one.path, one.file);
+            }
+            return null;
         case "open":
-            return open(task.program, task.files, (done) => {
-                tell(done, task.files.length);
-            });
+            return open(task.program, tell);
         case "run":
             return run(task.arguments, task.output);
         case "look":
@@ -187,7 +198,7 @@ function bulkOf(result: Results[keyof Results]): Transferable[] {
     if (result instanceof Uint8Array || result instanceof Uint8ClampedArray) {
         return [result.buffer];
     }
-    return "output" in result ? [result.output.buffer] : [];
+    return result !== null && "output" in result ? [result.output.buffer] : [];
 }
 
 const say = (reply: Reply, transfer: Transferable[] = []): void => {
