@@ -517,6 +517,24 @@ async function sameFootage(browser) {
     await close(page);
 }
 
+/** Footage that lies elsewhere is found when asked for. */
+async function searchFootage(browser) {
+    const into = join(folder, "job");
+    for (const [to, from] of [["scenes/orbit_030.aec", "orbit_030.aec"], ["renders/old/stage.tif", "stage.tif"]]) {
+        mkdirSync(dirname(join(into, to)), { recursive: true });
+        copyFileSync(join(project, "examples/keyframes", from), join(into, to));
+    }
+    const page = await open(browser);
+    await dropFolder(page, into);
+    await choose(page, "job/scenes/orbit_030.aec");
+    assert.match(await page.locator(".verdict").innerText(), /one footage file is missing/);
+    await page.getByRole("button", { name: "Look for footage in everything" }).click();
+    await page.waitForFunction(() => !/missing/.test(document.querySelector(".verdict")?.textContent ?? "missing"));
+    assert.match(await page.locator(".verdict").innerText(), /^It imports/);
+    assert.match(await page.locator(".footage").innerText(), /job\/renders\/old\/stage\.tif/);
+    await close(page);
+}
+
 /** The policy refuses every way out. */
 async function nothingGetsOut(browser) {
     const page = await open(browser);
@@ -548,6 +566,7 @@ try {
     await check("bad files", () => badFiles(browser));
     await check("10,000 files", () => manyFiles(browser));
     await check("a large texture", () => largeTexture(browser));
+    await check("footage elsewhere", () => searchFootage(browser));
     await check("footage", () => sameFootage(browser));
     await check("the policy", () => nothingGetsOut(browser));
     for (const theme of ["light", "dark"]) {

@@ -37,11 +37,17 @@ const licences = (names) =>
         .replaceAll("\u00a9", "(c)")
         .replace(/[^\x00-\x7f]/g, "?");
 
+/** Of the libraries in the program, which come from Debian's packages. */
+const programLicences = ["libcli11-dev", "nlohmann-json3-dev", "libtomlplusplus-dev", "libpugixml-dev", "libfmt-dev", "libfast-float-dev"]
+    .map((name) => `${name}\n${readFileSync(`/usr/share/doc/${name}/copyright`, "utf8").trim()}`)
+    .join("\n\n");
+const inComment = (text) => `/*!\n${text.replaceAll("*/", "* /")}\n*/`.replace(/[^\x00-\x7f]/g, "?");
+
 const style = bundle("viewer.css", {});
 const script = bundle("main.ts", { format: "iife", banner: { js: licences(["three"]) } });
 const worker = bundle("worker.ts", {
     format: "iife",
-    banner: { js: licences(["@lunapaint/tga-codec", "fast-png", "fflate", "iobuffer", "pako", "utif2"]) },
+    banner: { js: `${inComment(programLicences)}\n${licences(["@lunapaint/tga-codec", "fast-png", "fflate", "iobuffer", "pako", "utif2"])}` },
 }).replaceAll(/<(\/script|!--)/gi, "\\x3c$1");
 const filled = {
     STYLE: style,

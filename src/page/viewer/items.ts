@@ -11,7 +11,10 @@ const MOST_FINDINGS = 200;
 /** The plug-in is part of the program: it is there under any name. */
 const BUNDLE = "/VORTANXR_AE";
 const REPORT_FILE = "/report.html";
-const REPORT = (path: string): readonly string[] => ["report", "--bundle", BUNDLE, "--pictures", "0", "-o", REPORT_FILE, "--", path];
+const REPORT = (path: string, search: boolean): readonly string[] => {
+    const more = search ? ["--search", "/dropped"] : [];
+    return ["report", "--bundle", BUNDLE, "--pictures", "0", ...more, "-o", REPORT_FILE, "--", path];
+};
 const CHECK = (path: string): readonly string[] => ["check", "--json", "--", path];
 const IMPORT = (path: string): readonly string[] => ["import", "--json", "--bundle", BUNDLE, "--", path];
 
@@ -110,8 +113,10 @@ function nameFilesAsDropped(article: HTMLElement): void {
 }
 
 /** What `vxr report` says, with its views, and the documents of the program to keep. */
-async function showComposition(place: HTMLElement, session: Session, { path }: PlacedFile): Promise<void> {
-    const { messages, output: report } = await session.ask({ kind: "run", arguments: REPORT(path), output: REPORT_FILE });
+async function showComposition(place: HTMLElement, session: Session, file: PlacedFile, search = false): Promise<void> {
+    const { path } = file;
+    const task = { kind: "run", arguments: REPORT(path, search), output: REPORT_FILE } as const;
+    const { messages, output: report } = await session.ask(task);
     if (report === undefined) {
         place.append(problem(messages === "" ? "The scene cannot be read." : messages));
         return;
@@ -140,6 +145,21 @@ async function showComposition(place: HTMLElement, session: Session, { path }: P
         one.remove();
     });
     nameFilesAsDropped(adopted);
+    if (!search && adopted.querySelector(".verdict.incomplete") !== null) {
+        const again = button("Look for footage in everything that was dropped", () => {
+            const found = element("article", { class: "item" }, element("h2", {}, path));
+            again.disabled = true;
+            showComposition(found, session, file, true).then(
+                () => {
+                    place.replaceWith(found);
+                },
+                (error: unknown) => {
+                    place.append(problem(String(error)));
+                },
+            );
+        });
+        adopted.querySelector(".verdict")?.after(element("p", {}, again));
+    }
     place.append(adopted);
     showScene(adopted, scene);
 }
