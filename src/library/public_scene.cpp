@@ -150,7 +150,9 @@ vortanxr::Scene scene_of(const cli::SceneReading& reading) {
 }  // namespace
 }  // namespace library
 
-namespace vortanxr::inline v1::detail {
+namespace vortanxr {
+inline namespace v1 {
+namespace detail {
 
 SceneReading read_scene(const std::string& path) {
     return library::guarded<SceneReading>(path, [&path] {
@@ -165,4 +167,6 @@ SceneReading read_scene(const std::string& path) {
     });
 }
 
-}  // namespace vortanxr::inline v1::detail
+}  // namespace detail
+}  // namespace v1
+}  // namespace vortanxr

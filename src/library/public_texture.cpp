@@ -23,7 +23,9 @@ vortanxr::Texture texture_of(const ::Texture& from) {
 }  // namespace
 }  // namespace library
 
-namespace vortanxr::inline v1::detail {
+namespace vortanxr {
+inline namespace v1 {
+namespace detail {
 
 TextureReading read_texture(const std::string& path) {
     return library::guarded<TextureReading>(path, [&path] {
@@ -41,4 +43,6 @@ TextureReading read_texture(const std::string& path) {
     });
 }
 
-}  // namespace vortanxr::inline v1::detail
+}  // namespace detail
+}  // namespace v1
+}  // namespace vortanxr
