@@ -8,6 +8,7 @@ import shutil
 import subprocess
 import sys
 
+import pytest
 import vortanxr as vx
 from conftest import PROJECT
 
@@ -57,3 +58,46 @@ def test_a_library_of_another_version_is_refused_by_name(tmp_path):
     )
     assert ended.returncode == 1
     assert f"vortanxr is version 0.0.1, but its library is version {vx.__version__}; install both again" in ended.stderr
+
+
+@pytest.mark.parametrize(
+    ("source", "message"),
+    [
+        pytest.param(
+            'unsigned table[64] = {999};\nextern "C" const void* vxr_image_functions() { return table; }',
+            r"vxr_image_library\.so has version 999 of the functions; this program needs version \d+",
+            id="another version",
+        ),
+        pytest.param(
+            "int nothing_of_ours;",
+            r"vxr_image_library\.so has no function vxr_image_functions: it belongs to another version",
+            id="one that has none of our functions",
+        ),
+    ],
+)
+def test_an_image_library_of_another_version_is_named(tmp_path, examples, source, message):
+    shutil.copytree(PACKAGE, tmp_path / "python/vortanxr", symlinks=False)
+    (tmp_path / "lib").mkdir()
+    shutil.copy(PACKAGE.parents[1] / "lib/VORTANXR_AE.so", tmp_path / "lib")
+    (tmp_path / "library.cpp").write_text(source)
+    plain = {name: value for name, value in os.environ.items() if name != "LD_PRELOAD"}
+    made = tmp_path / "lib/vxr_image_library.so"
+    subprocess.run(["c++", "-shared", "-fPIC", tmp_path / "library.cpp", "-o", made], env=plain, check=True)
+    program = """
+import sys
+import pytest
+import vortanxr as vx
+try:
+    vx.draw_frames(sys.argv[1], frames=[0])
+except vx.PluginError as error:
+    print(error)
+print(len(vx.read_scene(sys.argv[1], check=False).cameras), "camera")
+"""
+    ended = subprocess.run(
+        [sys.executable, "-c", program, examples / "square/courtyard_020.aec"],
+        env={**os.environ, "PYTHONPATH": str(tmp_path / "python")},
+        capture_output=True,
+        text=True,
+    )
+    assert ended.returncode == 0, ended.stderr
+    assert re.fullmatch(message + r"[^\n]*\n1 camera\n", ended.stdout), ended.stdout
