@@ -25,8 +25,18 @@ using testing::HasSubstr;
 using testing::Not;
 
 const std::string kModule = "vxr_image_library.so";
-// Has a JPEG that a camera describes, about which only the library is asked.
-const std::string kScene = std::string(VXR_EXAMPLES_DIR) + "/square/courtyard_020.aec";
+/// A scene with a PNG that is named like a TIFF, about which only the library is asked.
+const std::string& unusual_scene() {
+    static const TemporaryFolder folder;
+    static const std::string scene = [] {
+        folder.write("picture.tif", content_of(VXR_EXAMPLES_DIR "/square/contact.png"));
+        return folder.write("unusual.aec",
+                            "VORTAN XR COMPOSITION\nRESOLUTION 640 360\nFROM 0\nTO 0\nRANGE 1\nFPS 25\n"
+                            "COMPOSITION NRM \"Main\" {\n  FILE NRM STRAIGHT \"picture.tif\"\n}\n");
+    }();
+    return scene;
+}
+
 // Has files of the usual forms only.
 const std::string kUsualScene = std::string(VXR_EXAMPLES_DIR) + "/interlaced/lantern_010.aec";
 
@@ -76,12 +86,12 @@ TEST(ImageLibrary, IsNeededByTheModuleOnly) {
 TEST(ImageLibrary, IsFoundInEveryPlaceBesideTheProgram) {
     const std::size_t places = os::paths_beside(MovedProgram().program(), kModule).size();
     ASSERT_EQ(places, 3U);
-    const std::string expected = run_process({VXR_PROGRAM, "check", kScene}).err;
+    const std::string expected = run_process({VXR_PROGRAM, "check", unusual_scene()}).err;
     for (std::size_t i = 0; i < places; ++i) {
         const MovedProgram moved;
         const fs::path place = os::paths_beside(moved.program(), kModule)[i];
         moved.put_module(place);
-        const ProcessResult check = moved.run({"check", kScene});
+        const ProcessResult check = moved.run({"check", unusual_scene()});
         EXPECT_EQ(check.exit_code, 0) << place << check.err;
         EXPECT_EQ(check.err, expected) << place;
         const ProcessResult convert =
@@ -107,8 +117,8 @@ TEST(ImageLibrary, IsReportedMissingWithThePlacesSearchedAndOnlyWhenAnImageIsMet
         {"footage of usual forms is imported without it",
          {"import", "--bundle", VXR_BUNDLE_PATH, kUsualScene},
          0},
-        {"footage that exists", {"check", kScene}, 3},
-        {"an import of footage that exists", {"import", "--bundle", VXR_BUNDLE_PATH, kScene}, 3},
+        {"footage that exists", {"check", unusual_scene()}, 3},
+        {"an import of footage that exists", {"import", "--bundle", VXR_BUNDLE_PATH, unusual_scene()}, 3},
         {"an image to write", {"texture", "convert", moved.path("a.txl"), "-o", moved.path("b.png")}, 3},
         {"an image to read",
          {"texture", "convert", std::string(VXR_EXAMPLES_DIR) + "/interlaced/post.rla", "-o",
@@ -134,7 +144,7 @@ TEST(ImageLibrary, ThatCannotBeLoadedIsReportedWithTheReasonOfTheSystem) {
     const MovedProgram moved;
     const fs::path place = os::paths_beside(moved.program(), kModule).back();
     std::ofstream(place) << "no library";
-    const ProcessResult run = moved.run({"check", kScene});
+    const ProcessResult run = moved.run({"check", unusual_scene()});
     EXPECT_EQ(run.exit_code, 3);
     EXPECT_THAT(run.err,
                 HasSubstr("images need the image library, which cannot be loaded: " + place.string()));
@@ -144,12 +154,12 @@ TEST(ImageLibrary, OfAnotherVersionIsReportedWithWhatItLacks) {
     const MovedProgram moved;
     const fs::path place = os::paths_beside(moved.program(), kModule).back();
     fs::copy_file(VXR_BUNDLE_PATH, place);
-    ProcessResult run = moved.run({"check", kScene});
+    ProcessResult run = moved.run({"check", unusual_scene()});
     EXPECT_EQ(run.exit_code, 3);
     EXPECT_THAT(run.err, HasSubstr(kModule + " has no function vxr_image_functions"));
 
     fs::copy_file(VXR_NEWER_MODULE, place, fs::copy_options::overwrite_existing);
-    run = moved.run({"check", kScene});
+    run = moved.run({"check", unusual_scene()});
     EXPECT_EQ(run.exit_code, 3);
     EXPECT_THAT(run.err, HasSubstr(kModule + " has version 1000 of the functions"));
 }
