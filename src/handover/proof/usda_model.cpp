@@ -4,9 +4,12 @@
 #include <array>
 #include <charconv>
 #include <cmath>
+#include <locale>
 #include <map>
 #include <numbers>
+#include <sstream>
 #include <stdexcept>
+#include <string>
 #include <vector>
 
 namespace proof {
@@ -151,12 +154,23 @@ class UsdaReader {
     double number() {
         peek();
         double value = 0;
+#if defined(__cpp_lib_to_chars)
         const char* const end = text_.data() + text_.size();
         const auto [after, error] = std::from_chars(text_.data() + at_, end, value);
         if (error != std::errc()) {
             refuse("there is no number");
         }
         at_ = static_cast<std::size_t>(after - text_.data());
+#else
+        // The C++ library for macOS has no such conversion of real numbers.
+        const std::string written(text_.substr(at_, text_.find_first_not_of("+-.0123456789eE", at_) - at_));
+        std::istringstream stream(written);
+        stream.imbue(std::locale::classic());
+        if (!(stream >> value) || !stream.eof()) {
+            refuse("there is no number");
+        }
+        at_ += written.size();
+#endif
         return value;
     }
 
