@@ -103,4 +103,18 @@ std::string hexadecimal_bytes(std::string_view bytes) {
     return digits;
 }
 
+std::optional<std::string> bytes_of_hexadecimal(std::string_view digits) {
+    constexpr std::string_view kKnown(kDigits);
+    std::string bytes;
+    for (std::size_t i = 0; i + 1 < digits.size(); i += 2) {
+        const std::size_t high = kKnown.find(digits[i]);
+        const std::size_t low = kKnown.find(digits[i + 1]);
+        if (high == std::string_view::npos || low == std::string_view::npos) {
+            return std::nullopt;
+        }
+        bytes += static_cast<char>(high << 4U | low);
+    }
+    return digits.size() % 2 == 0 ? std::optional(bytes) : std::nullopt;
+}
+
 }  // namespace text

@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -27,5 +28,8 @@ namespace text {
 
 /// Two lower-case digits for each byte: "0a1f".
 [[nodiscard]] std::string hexadecimal_bytes(std::string_view bytes);
+
+/// The bytes that hexadecimal_bytes() wrote as `digits`; nothing for any other text.
+[[nodiscard]] std::optional<std::string> bytes_of_hexadecimal(std::string_view digits);
 
 }  // namespace text

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -102,6 +103,23 @@ TEST(Hexadecimal, NumbersHaveAPrefixAndBytesTwoDigits) {
     EXPECT_EQ(text::hexadecimal(UINT64_MAX), "0xffffffffffffffff");
     EXPECT_EQ(text::hexadecimal_bytes(""), "");
     EXPECT_EQ(text::hexadecimal_bytes("\x0a\x1f\xff"), "0a1fff");
+}
+
+TEST(Hexadecimal, DigitsBecomeTheBytesAgain) {
+    const struct {
+        const char* name;
+        std::string digits;
+        std::optional<std::string> bytes;
+    } cases[] = {
+        {"no digits are no bytes", "", ""},
+        {"a NUL is a byte like others", "000aff", std::string("\x00\x0a\xff", 3)},
+        {"half a byte", "0a1", std::nullopt},
+        {"upper case was not written here", "0A", std::nullopt},
+        {"a letter beyond f", "0g", std::nullopt},
+    };
+    for (const auto& one : cases) {
+        EXPECT_EQ(text::bytes_of_hexadecimal(one.digits), one.bytes) << one.name;
+    }
 }
 
 TEST(Printable, Quoted) {

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <sstream>
 #include <stdexcept>
+#include <tuple>
 
 #include "text/printable.h"
 #include "text/similar.h"
@@ -23,34 +24,15 @@ void put_text(toml::table& table, const std::string& key, const std::string& tex
     }
 }
 
-std::optional<unsigned> hexadecimal_digit(char c) {
-    const std::string_view digits = "0123456789abcdef";
-    const std::size_t value = digits.find(c);
-    return value == std::string_view::npos ? std::nullopt : std::optional(static_cast<unsigned>(value));
-}
-
-std::string bytes_of(std::string_view hexadecimal, const std::string& key) {
-    std::string bytes;
-    for (std::size_t i = 0; i + 1 < hexadecimal.size(); i += 2) {
-        const auto high = hexadecimal_digit(hexadecimal[i]);
-        const auto low = hexadecimal_digit(hexadecimal[i + 1]);
-        if (!high || !low) {
-            break;
-        }
-        bytes += static_cast<char>(*high << 4U | *low);
-    }
-    if (bytes.size() * 2 != hexadecimal.size()) {
-        throw std::runtime_error(key + " is not lower-case hexadecimal");
-    }
-    return bytes;
-}
-
 std::string get_text(const toml::table& table, const std::string& key) {
     if (const auto text = table[key].value<std::string>()) {
         return *text;
     }
-    if (const auto bytes = table[key + "_bytes"].value<std::string>()) {
-        return bytes_of(*bytes, key + "_bytes");
+    if (const auto digits = table[key + "_bytes"].value<std::string>()) {
+        if (auto bytes = text::bytes_of_hexadecimal(*digits)) {
+            return *std::move(bytes);
+        }
+        throw std::runtime_error(key + "_bytes is not lower-case hexadecimal");
     }
     throw std::runtime_error("an entry has no " + key);
 }
@@ -139,6 +121,41 @@ CheckChoices choices_of(const toml::table& table) {
     return choices;
 }
 
+// As deep as the library reads tables and lists, which has a limit.
+TomlValue plain_value(const toml::node& node) {
+    TomlValue plain;
+    plain.line = line_of(node.source());
+    plain.column = std::int64_t{node.source().begin.column};
+    if (const toml::array* const list = node.as_array()) {
+        plain.kind = TomlValue::Kind::list;
+        for (const toml::node& one : *list) {
+            plain.values.push_back(plain_value(one));
+        }
+    } else if (const toml::table* const table = node.as_table()) {
+        plain.kind = TomlValue::Kind::table;
+        for (const auto& [key, value] : *table) {
+            plain.values.push_back(plain_value(value));
+            plain.values.back().key = key.str();
+            plain.values.back().line = line_of(key.source());
+            plain.values.back().column = std::int64_t{key.source().begin.column};
+        }
+        // The library keeps them in the order of their keys.
+        std::stable_sort(plain.values.begin(), plain.values.end(), [](const auto& a, const auto& b) {
+            return std::tie(a.line, a.column) < std::tie(b.line, b.column);
+        });
+    } else if (const auto text = node.value_exact<std::string>()) {
+        plain.kind = TomlValue::Kind::text;
+        plain.text = *text;
+    } else if (const auto integer = node.value_exact<std::int64_t>()) {
+        plain.kind = TomlValue::Kind::integer;
+        plain.integer = *integer;
+    } else if (const auto boolean = node.value_exact<bool>()) {
+        plain.kind = TomlValue::Kind::boolean;
+        plain.boolean = *boolean;
+    }
+    return plain;
+}
+
 }  // namespace
 
 std::string job_file_text(const FinderOptions& options) {
@@ -208,6 +225,15 @@ std::map<std::string, CheckChoices> parse_project_file(std::string_view text) {
         throw ProjectFileError{std::string(error.description()), line_of(error.source())};
     }
     return verbs;
+}
+
+TomlValue parse_toml(std::string_view text) {
+    try {
+        return plain_value(toml::parse(text));
+    } catch (const toml::parse_error& error) {
+        throw TomlError{std::string(error.description()), line_of(error.source()),
+                        std::int64_t{error.source().begin.column}};
+    }
 }
 
 }  // namespace cli

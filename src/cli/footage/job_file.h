@@ -9,8 +9,8 @@
 
 #include "cli/footage/footage_finder.h"
 
-// The TOML files of a job: where the footage of all its scenes is, and what checks of them refuse and ignore.
-// Only job_file.cpp knows the library that reads and writes TOML.
+// The TOML files of a job: where the footage of all its scenes is, and what checks of them refuse and ignore;
+// any other as plain values. Only job_file.cpp knows the library that reads and writes TOML.
 
 namespace cli {
 
@@ -45,5 +45,28 @@ struct ProjectFileError {
 /// the lists fail-on and ignore; a single text counts as a list of one. The result is by the name of the
 /// table. What the words mean is left to the verb. Throws ProjectFileError for anything else in the file.
 [[nodiscard]] std::map<std::string, CheckChoices> parse_project_file(std::string_view text);
+
+/// A value of a TOML file, and where it begins: lines and columns count from 1.
+struct TomlValue {
+    enum class Kind { text, integer, boolean, list, table, other };
+    Kind kind = Kind::other;  ///< `other` for dates, times and fractions
+    std::string text;
+    std::int64_t integer = 0;
+    bool boolean = false;
+    std::vector<TomlValue> values;  ///< of a list or of a table, in the order of the file
+    std::string key;                ///< of a value in a table
+    std::int64_t line = 1;          ///< of the key, or of a value in a list
+    std::int64_t column = 1;
+};
+
+/// What is wrong with a TOML file, and where.
+struct TomlError {
+    std::string reason;
+    std::int64_t line = 1;
+    std::int64_t column = 1;
+};
+
+/// The table that the whole text is. Throws TomlError.
+[[nodiscard]] TomlValue parse_toml(std::string_view text);
 
 }  // namespace cli

@@ -3,6 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 #include <nlohmann/json.hpp>
+#include <optional>
+#include <stdexcept>
+
+#include "text/printable.h"
 
 namespace cli {
 namespace {
@@ -47,6 +51,18 @@ std::string json_text_of(const nlohmann::ordered_json& document) {
     std::string text;
     write(document, 0, text);
     return text + '\n';
+}
+
+std::string bytes_of_json_text(const nlohmann::ordered_json& json) {
+    if (json.is_string()) {
+        return json.get<std::string>();
+    }
+    const Json digits = json.is_object() ? json.value("bytes", Json()) : Json();
+    if (auto bytes =
+            digits.is_string() ? text::bytes_of_hexadecimal(digits.get<std::string>()) : std::nullopt) {
+        return *std::move(bytes);
+    }
+    throw std::runtime_error("a text is neither a string nor bytes in hexadecimal");
 }
 
 }  // namespace cli
