@@ -222,62 +222,80 @@ TEST(ChildProcess, ReadsWhatItIsGiven) {
     const auto input = [&]() -> std::string_view {
         return pieces++ < 30 ? std::string_view(piece) : std::string_view();
     };
-    const cli::ChildResult all = cli::run_child("/usr/bin/wc", {"-c"}, seconds(60), input);
+    const cli::ChildResult all = cli::run_child("/usr/bin/wc", {"-c"}, {seconds(60)}, input);
     EXPECT_EQ(all.out, "3000000\n");
     EXPECT_EQ(pieces, 31);
 
     // The signal that ends a program which writes to nobody does not end this one.
     pieces = 0;
     const cli::ChildResult some =
-        cli::run_child("/bin/sh", {"-c", "head -c 5 > /dev/null; exit 4"}, seconds(60), input);
+        cli::run_child("/bin/sh", {"-c", "head -c 5 > /dev/null; exit 4"}, {seconds(60)}, input);
     EXPECT_EQ(some.exit_code, 4);
     EXPECT_LT(pieces, 30);
 
-    EXPECT_THROW((void)cli::run_child("/bin/cat", {}, seconds(60),
+    EXPECT_THROW((void)cli::run_child("/bin/cat", {}, {seconds(60)},
                                       []() -> std::string_view { throw std::runtime_error("no more"); }),
                  std::runtime_error);
+}
+
+TEST(ChildProcess, EndsWhatTakesMoreMemoryThanAllowed) {
+    using std::chrono::seconds;
+    constexpr std::uint64_t kMost_bytes = 64U << 20U;
+    // The text of one line that tail keeps has no end.
+    const cli::ChildResult hog = cli::run_child("/usr/bin/tail", {"/dev/zero"}, {seconds(60), kMost_bytes});
+    EXPECT_TRUE(hog.over_memory);
+    EXPECT_FALSE(hog.timed_out);
+    EXPECT_FALSE(hog.exit_code.has_value());
+    const cli::ChildResult small =
+        cli::run_child("/usr/bin/tail", {"-c", "5", "/dev/null"}, {seconds(60), kMost_bytes});
+    EXPECT_FALSE(small.over_memory);
+    EXPECT_EQ(small.exit_code, 0);
+    const cli::ChildResult both = cli::run_child("/bin/sleep", {"600"}, {seconds(1), kMost_bytes});
+    EXPECT_TRUE(both.timed_out) << "a process within its memory still has a time";
+    EXPECT_FALSE(both.over_memory);
 }
 
 TEST(ChildProcess, ReturnsOutputAndHowTheProgramEnded) {
     using std::chrono::seconds;
     const cli::ChildResult fine =
-        cli::run_child("/bin/sh", {"-c", "echo out; echo err >&2; exit 7"}, seconds(60));
+        cli::run_child("/bin/sh", {"-c", "echo out; echo err >&2; exit 7"}, {seconds(60)});
     EXPECT_EQ(fine.error, "");
     EXPECT_EQ(fine.exit_code, 7);
     EXPECT_EQ(fine.out, "out\n");
     EXPECT_EQ(fine.err, "err\n");
 
-    const cli::ChildResult input = cli::run_child("/bin/cat", {}, seconds(60));
+    const cli::ChildResult input = cli::run_child("/bin/cat", {}, {seconds(60)});
     EXPECT_EQ(input.exit_code, 0) << "its standard input is empty";
 
-    const cli::ChildResult missing = cli::run_child("/nowhere/program", {}, seconds(60));
+    const cli::ChildResult missing = cli::run_child("/nowhere/program", {}, {seconds(60)});
     EXPECT_EQ(missing.error, "No such file or directory");
     EXPECT_FALSE(missing.exit_code.has_value());
 
-    const cli::ChildResult killed = cli::run_child("/bin/sh", {"-c", "kill -KILL $$"}, seconds(60));
+    const cli::ChildResult killed = cli::run_child("/bin/sh", {"-c", "kill -KILL $$"}, {seconds(60)});
     EXPECT_EQ(killed.signal, "SIGKILL, Killed");
     EXPECT_FALSE(killed.exit_code.has_value());
 
     const cli::ChildResult flood =
-        cli::run_child("/bin/sh", {"-c", "head -c 6000000 /dev/zero"}, seconds(60));
+        cli::run_child("/bin/sh", {"-c", "head -c 6000000 /dev/zero"}, {seconds(60)});
     EXPECT_EQ(flood.exit_code, 0) << "it is not ended early";
     EXPECT_EQ(flood.out.size(), cli::kMostOutput);
 
-    const cli::ChildResult closed = cli::run_child("/bin/sh", {"-c", "exec >&- 2>&-; sleep 600"}, seconds(1));
+    const cli::ChildResult closed =
+        cli::run_child("/bin/sh", {"-c", "exec >&- 2>&-; sleep 600"}, {seconds(1)});
     EXPECT_TRUE(closed.timed_out);
     // What a process starts ends with it, whether it ends in time or not.
     const TemporaryFolder folder;
     const std::string late = folder.path("late");
     const cli::ChildResult left = cli::run_child(
-        "/bin/sh", {"-c", "(sleep 2; echo > '" + late + "') >/dev/null 2>&1 & exit 3"}, seconds(60));
+        "/bin/sh", {"-c", "(sleep 2; echo > '" + late + "') >/dev/null 2>&1 & exit 3"}, {seconds(60)});
     EXPECT_EQ(left.exit_code, 3);
     const cli::ChildResult hanging =
-        cli::run_child("/bin/sh", {"-c", "(sleep 2; echo > '" + late + "') & wait"}, seconds(1));
+        cli::run_child("/bin/sh", {"-c", "(sleep 2; echo > '" + late + "') & wait"}, {seconds(1)});
     EXPECT_TRUE(hanging.timed_out);
     std::this_thread::sleep_for(std::chrono::milliseconds(2200));
     EXPECT_FALSE(std::filesystem::exists(late));
 
-    const cli::ChildResult silent = cli::run_child("/bin/sleep", {"600"}, seconds(1));
+    const cli::ChildResult silent = cli::run_child("/bin/sleep", {"600"}, {seconds(1)});
     EXPECT_TRUE(silent.timed_out);
 }
 

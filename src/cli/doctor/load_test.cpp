@@ -79,7 +79,7 @@ LoadTest load_apart(const std::string& bundle, embedded::HostGeneration generati
                     std::chrono::seconds longest) {
     const std::string word = embedded::generation_label(generation);
     const ChildResult child =
-        run_child(os::program_path(), {"doctor", "--load", word, "--", bundle}, longest);
+        run_child(os::program_path(), {"doctor", "--load", word, "--", bundle}, {longest});
     if (!child.error.empty()) {
         throw std::runtime_error("cannot start the process that loads the plug-in: " + child.error);
     }

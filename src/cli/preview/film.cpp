@@ -164,7 +164,7 @@ PreviewRun write_film(Preview& preview, const std::vector<std::int64_t>& frames,
     FrameStream stream(preview, frames, format.alpha, drawing, run);
     try {
         const ChildResult ended =
-            run_child(*program, arguments, kLongest, [&stream] { return stream.next(); });
+            run_child(*program, arguments, {kLongest}, [&stream] { return stream.next(); });
         if (!ended.error.empty() || ended.exit_code != 0) {
             return fail(output + ": " + failure_text(ended));
         }

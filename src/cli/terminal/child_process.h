@@ -4,6 +4,7 @@
 // child_process_<platform>.cpp.
 
 #include <chrono>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -15,11 +16,20 @@ namespace cli {
 
 struct ChildResult {
     std::string error;             ///< why it could not be started; empty when it was
-    bool timed_out = false;        ///< run_child() ended it
+    bool timed_out = false;        ///< run_child() ended it after its time
+    bool over_memory = false;      ///< run_child() ended it, because it used too much memory
     std::optional<int> exit_code;  ///< nothing when it did not exit by itself
     std::string signal;            ///< what ended it instead: "SIGSEGV, Segmentation fault"
     std::string out;               ///< its output, at most kMostOutput bytes of each stream
     std::string err;
+};
+
+/// When run_child() ends a process.
+struct ChildLimits {
+    std::chrono::seconds longest;
+    /// Of the process itself, as it occupies it; 0 for any. It is looked at many times a second, so what a
+    /// process takes and gives back in between is not seen. On macOS there is no such limit.
+    std::uint64_t most_memory_bytes = 0;
 };
 
 inline constexpr std::size_t kMostOutput = std::size_t{4} << 20U;
@@ -29,11 +39,11 @@ inline constexpr std::size_t kMostOutput = std::size_t{4} << 20U;
 using ChildInput = std::function<std::string_view()>;
 
 /// Runs `program` with `arguments` (without its own name) and `input` as its standard input, which is empty
-/// without one, and waits for it. Ends the process when it takes longer than `longest`, and in any case the
-/// processes that it started and left behind, except for those that made themselves independent (a session of
-/// their own).
+/// without one, and waits for it. Ends the process when it is beyond a limit, and in any case the processes
+/// that it started and left behind, except for those that made themselves independent (a session of their
+/// own).
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::seconds longest, const ChildInput& input = {});
+                      const ChildLimits& limits, const ChildInput& input = {});
 
 /// Where the system finds the program of this name, as a shell does; nothing if it does not.
 std::optional<std::filesystem::path> find_program(const std::string& name);

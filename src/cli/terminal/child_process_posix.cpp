@@ -163,8 +163,9 @@ std::string signal_text(int number) {
         const char* name;
     };
     constexpr std::array kNames{Name{SIGABRT, "SIGABRT"}, Name{SIGBUS, "SIGBUS"},   Name{SIGFPE, "SIGFPE"},
-                                Name{SIGILL, "SIGILL"},   Name{SIGKILL, "SIGKILL"}, Name{SIGPIPE, "SIGPIPE"},
-                                Name{SIGSEGV, "SIGSEGV"}, Name{SIGTERM, "SIGTERM"}, Name{SIGTRAP, "SIGTRAP"}};
+                                Name{SIGHUP, "SIGHUP"},   Name{SIGINT, "SIGINT"},   Name{SIGILL, "SIGILL"},
+                                Name{SIGKILL, "SIGKILL"}, Name{SIGPIPE, "SIGPIPE"}, Name{SIGSEGV, "SIGSEGV"},
+                                Name{SIGTERM, "SIGTERM"}, Name{SIGTRAP, "SIGTRAP"}};
     const auto* const known = std::find_if(kNames.begin(), kNames.end(),
                                            [number](const Name& name) { return name.number == number; });
     const std::string text = known == kNames.end() ? "signal " + std::to_string(number) : known->name;
@@ -172,20 +173,74 @@ std::string signal_text(int number) {
     return words == nullptr ? text : text + ", " + words;
 }
 
-/// Writes the input and reads from both pipes until both are closed. Returns false when time runs out before
-/// that.
+/// The memory that a process occupies; 0 where the system does not tell, and of a process that is over.
+std::uint64_t memory_of([[maybe_unused]] pid_t process) {
+#if defined(__linux__)
+    const std::string path = "/proc/" + std::to_string(process) + "/statm";
+    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (file < 0) {
+        return 0;
+    }
+    // "total resident shared ...", in pages
+    std::array<char, 128> text{};
+    const ssize_t count = ::read(file, text.data(), text.size() - 1);
+    ::close(file);
+    const char* const blank = count > 0 ? std::strchr(text.data(), ' ') : nullptr;
+    return blank == nullptr
+               ? 0
+               : std::strtoull(blank, nullptr, 10) * static_cast<std::uint64_t>(::sysconf(_SC_PAGESIZE));
+#else
+    return 0;
+#endif
+}
+
+/// Watches that a child stays within its limits.
+class LimitWatch {
+  public:
+    LimitWatch(pid_t child, const ChildLimits& limits)
+        : child_(child), most_bytes_(limits.most_memory_bytes), end_(Clock::now() + limits.longest) {}
+
+    /// Whether the child is beyond a limit; `result` then says which.
+    bool exceeded(ChildResult& result) {
+        const Clock::time_point now = Clock::now();
+        result.timed_out = now >= end_;
+        if (most_bytes_ > 0 && now >= next_look_) {
+            next_look_ = now + kBetweenLooks;
+            result.over_memory = !result.timed_out && memory_of(child_) > most_bytes_;
+        }
+        return result.timed_out || result.over_memory;
+    }
+
+    /// How long to wait for anything else before the next look.
+    [[nodiscard]] std::chrono::milliseconds pause() const {
+        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end_ - Clock::now());
+        const std::chrono::milliseconds most = most_bytes_ > 0 ? kBetweenLooks : kWithoutLooks;
+        return std::clamp(left, std::chrono::milliseconds(1), most);
+    }
+
+  private:
+    static constexpr std::chrono::milliseconds kBetweenLooks{20};
+    static constexpr std::chrono::milliseconds kWithoutLooks{1000};
+
+    pid_t child_;
+    std::uint64_t most_bytes_;
+    Clock::time_point end_;
+    Clock::time_point next_look_;
+};
+
+/// Writes the input and reads from both pipes until both are closed. Returns false when the child is beyond a
+/// limit before that.
 bool talk_until_closed(InputChannel& input, const Pipe& out, const Pipe& err, ChildResult& result,
-                       Clock::time_point end) {
+                       LimitWatch& watch) {
     std::array<pollfd, 3> watched{
         {{out.end(0), POLLIN, 0}, {err.end(0), POLLIN, 0}, {input.own_end(), POLLOUT, 0}}};
     const std::array<std::string*, 2> texts{&result.out, &result.err};
     std::array<char, 65536> part{};
     while (watched[0].fd >= 0 || watched[1].fd >= 0) {
-        const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(end - Clock::now()).count();
-        if (left <= 0) {
+        if (watch.exceeded(result)) {
             return false;
         }
-        if (::poll(watched.data(), watched.size(), static_cast<int>(std::min<long long>(left, 1000))) <= 0) {
+        if (::poll(watched.data(), watched.size(), static_cast<int>(watch.pause().count())) <= 0) {
             continue;
         }
         if (watched[2].fd >= 0 && watched[2].revents != 0) {
@@ -208,20 +263,22 @@ bool talk_until_closed(InputChannel& input, const Pipe& out, const Pipe& err, Ch
     return true;
 }
 
-/// Returns false when time runs out before the process has ended. Does not reap it: its number, which is also
-/// that of its group, stays taken.
-bool wait_until_over(pid_t child, Clock::time_point end) {
-    constexpr useconds_t kPause = 5000;
+/// Returns false when the child is beyond a limit before it has ended. Does not reap it: its number, which is
+/// also that of its group, stays taken.
+bool wait_until_over(pid_t child, ChildResult& result, LimitWatch& watch) {
+    // Most children end at once when they have closed their pipes.
+    constexpr useconds_t kFirstPause = 50;
+    constexpr useconds_t kLongestPause = 5000;
     const auto over = [child] {
         siginfo_t about{};
         return ::waitid(P_PID, static_cast<id_t>(child), &about, WEXITED | WNOHANG | WNOWAIT) != 0 ||
                about.si_pid == child;
     };
-    while (!over()) {
-        if (Clock::now() >= end) {
+    for (useconds_t pause = kFirstPause; !over(); pause = std::min(pause * 2, kLongestPause)) {
+        if (watch.exceeded(result)) {
             return false;
         }
-        ::usleep(kPause);
+        ::usleep(pause);
     }
     return true;
 }
@@ -229,7 +286,7 @@ bool wait_until_over(pid_t child, Clock::time_point end) {
 }  // namespace
 
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::seconds longest, const ChildInput& input) {
+                      const ChildLimits& limits, const ChildInput& input) {
     ChildResult result;
     std::string name = program.string();
     std::vector<std::string> words = arguments;
@@ -264,21 +321,23 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
 
     // Ctrl-C in a terminal reaches this program only.
     const os::RemovedOnSignal cleanup = os::RemovedOnSignal::process_group(child);
-    const Clock::time_point end = Clock::now() + longest;
+    LimitWatch watch(child, limits);
     // A process that the child left behind may keep the pipes open: the time limit covers that too.
+    bool within_limits = true;
     int status = 0;
     const auto end_group = [child, &status] {
         ::kill(-child, SIGKILL);  // the child, if it is still there, and whatever it started
         ::waitpid(child, &status, 0);
     };
     try {
-        result.timed_out = !talk_until_closed(channel, out, err, result, end) || !wait_until_over(child, end);
+        within_limits =
+            talk_until_closed(channel, out, err, result, watch) && wait_until_over(child, result, watch);
     } catch (...) {
         end_group();
         throw;
     }
     end_group();
-    if (result.timed_out) {
+    if (!within_limits) {
         return result;
     }
     if (WIFEXITED(status)) {

@@ -1,5 +1,7 @@
 #include <windows.h>
 
+#include <psapi.h>
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -95,10 +97,34 @@ std::string exception_text(DWORD code) {
 
 constexpr DWORD kExceptionBits = 0xC0000000;
 
+/// Waits until the process ends or is beyond a limit; `result` then says which.
+void wait_within(const ChildLimits& limits, HANDLE process, ChildResult& result) {
+    using Clock = std::chrono::steady_clock;
+    constexpr std::chrono::milliseconds kBetweenLooks(20);
+    const Clock::time_point end = Clock::now() + limits.longest;
+    for (;;) {
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(end - Clock::now());
+        if (left.count() <= 0) {
+            result.timed_out = true;
+            return;
+        }
+        const auto pause = limits.most_memory_bytes > 0 ? std::min(left, kBetweenLooks) : left;
+        if (WaitForSingleObject(process, static_cast<DWORD>(pause.count())) == WAIT_OBJECT_0) {
+            return;
+        }
+        PROCESS_MEMORY_COUNTERS memory{};
+        if (limits.most_memory_bytes > 0 && K32GetProcessMemoryInfo(process, &memory, sizeof(memory)) != 0 &&
+            memory.WorkingSetSize > limits.most_memory_bytes) {
+            result.over_memory = true;
+            return;
+        }
+    }
+}
+
 }  // namespace
 
 ChildResult run_child(const std::filesystem::path& program, const std::vector<std::string>& arguments,
-                      std::chrono::seconds longest, const ChildInput& input) {
+                      const ChildLimits& limits, const ChildInput& input) {
     ChildResult result;
     std::wstring command = quoted_word(program.wstring());
     for (const std::string& argument : arguments) {
@@ -147,9 +173,9 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
         }
     }
     in.writing.reset();
-    const auto wait_ms = std::chrono::duration_cast<std::chrono::milliseconds>(longest).count();
-    if (WaitForSingleObject(process.get(), static_cast<DWORD>(wait_ms)) != WAIT_OBJECT_0) {
-        result.timed_out = true;
+    wait_within(limits, process.get(), result);
+    const bool ended = result.timed_out || result.over_memory;
+    if (ended) {
         TerminateProcess(process.get(), 1);
         WaitForSingleObject(process.get(), INFINITE);
     }
@@ -161,9 +187,9 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     }
     DWORD code = 0;
     GetExitCodeProcess(process.get(), &code);
-    if (!result.timed_out && (code & kExceptionBits) == kExceptionBits) {
+    if (!ended && (code & kExceptionBits) == kExceptionBits) {
         result.signal = exception_text(code);
-    } else if (!result.timed_out) {
+    } else if (!ended) {
         result.exit_code = static_cast<int>(code);
     }
     return result;

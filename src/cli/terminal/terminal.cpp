@@ -120,11 +120,11 @@ void Progress::step(std::string_view what) {
          std::string(what.substr(0, kWidth)));
 }
 
-void Progress::bar(std::size_t done) {
+void Progress::bar(std::size_t done, std::string_view facts) {
     constexpr std::size_t kWidth = 40;
     const std::size_t filled = total_ == 0 ? 0 : kWidth * done / total_;
     draw('[' + std::string(filled, '#') + std::string(kWidth - filled, '.') + "] " + std::to_string(done) +
-         '/' + std::to_string(total_));
+         '/' + std::to_string(total_) + std::string(facts));
 }
 
 void Progress::draw(const std::string& line) {

@@ -68,8 +68,9 @@ class Progress {
 
     /// Begins the next step: "[2/10] shot.aec". `what` is safe to print.
     void step(std::string_view what);
-    /// Draws a bar for steps that end in any order: "[########............] 4/10".
-    void bar(std::size_t done);
+    /// Draws a bar for steps that end in any order, and `facts` behind it: "[########............] 4/10, 2
+    /// left".
+    void bar(std::size_t done, std::string_view facts = {});
     /// Wipes the line; called before anything else is written.
     void clear();
 
