@@ -19,6 +19,10 @@ const std::vector<Verb>& verbs() {
         texture_thumbnail_verb(),
         texture_convert_verb(),
         frame_verb(),
+        batch_plan_verb(),
+        batch_run_verb(),
+        batch_status_verb(),
+        batch_retry_verb(),
         modules_verb(),
         limits_verb(),
         doctor_verb(),
@@ -29,7 +33,10 @@ const std::vector<Verb>& verbs() {
 }
 
 const std::vector<VerbGroup>& verb_groups() {
-    static const std::vector<VerbGroup> kGroups{{"texture", "look at texture files, check and convert them"}};
+    static const std::vector<VerbGroup> kGroups{
+        {"texture", "look at texture files, check and convert them"},
+        {"batch", "do the same with thousands of files, here or on a scheduler"},
+    };
     return kGroups;
 }
 

@@ -24,6 +24,10 @@ Verb texture_view_verb();       ///< `vxr texture view FILE`
 Verb texture_thumbnail_verb();  ///< `vxr texture thumbnail IN OUT SIZE`
 Verb texture_convert_verb();    ///< `vxr texture convert IN...`
 Verb frame_verb();              ///< `vxr frame FILE -o IMAGE`
+Verb batch_plan_verb();         ///< `vxr batch plan JOB.toml`
+Verb batch_run_verb();          ///< `vxr batch run JOB`
+Verb batch_status_verb();       ///< `vxr batch status JOB`
+Verb batch_retry_verb();        ///< `vxr batch retry JOB --failed`
 Verb modules_verb();            ///< `vxr modules`
 Verb limits_verb();             ///< `vxr limits`
 Verb doctor_verb();             ///< `vxr doctor [BUNDLE]`

@@ -285,6 +285,8 @@ void make_examples(const TemporaryFolder& folder, int alphas) {
                    "vxr texture convert plain.txl -o renders/plate.png")
                   .exit_code,
               0);
+    folder.write("night.toml", "[[task]]\nverb = 'texture convert'\nfiles = ['maps']\nextension = 'png'\n");
+    ASSERT_EQ(bash(folder, "vxr batch plan night.toml").exit_code, 0);
     folder.write("VORTANXR_AE.aex", made_pe());
     write_plugin(folder, {.folder = "VORTANXR_AE.plugin"});
     make_link(VXR_BUNDLE_PATH, folder.path("VORTANXR_AE.so"));

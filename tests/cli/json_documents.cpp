@@ -50,7 +50,8 @@ class JsonDocuments : public testing::Environment {
             return std::find(words.begin(), words.end(), option) != words.end();
         };
         if (has("--json") && out.starts_with('{') && out.size() <= kMost_bytes) {
-            const std::string verb = words[0] == "texture" ? "texture-" + words[1] : words[0];
+            const std::string verb =
+                words[0] == "texture" || words[0] == "batch" ? words[0] + '-' + words[1] : words[0];
             write((has("--list-codes") ? "codes" : verb) + '.' + std::to_string(++count_) + ".json", out);
         }
         const auto log = std::find(words.begin(), words.end(), "--log");

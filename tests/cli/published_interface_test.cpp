@@ -81,6 +81,10 @@ const PublishedVerb kVerbs[] = {
       "texture thumbnail",
       "texture convert",
       "frame",
+      "batch plan",
+      "batch run",
+      "batch status",
+      "batch retry",
       "modules",
       "limits",
       "doctor",
@@ -144,6 +148,11 @@ const PublishedVerb kVerbs[] = {
      {"FILE", "-o, --output IMAGE", "--json", "--resolution full|half|third|quarter", "--size WIDTHxHEIGHT",
       "--fill BYTE", "--alpha-label LABEL", "--search DIR", "--map FROM=TO", "--bundle PATH",
       "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
+    {"batch", {"plan", "run", "status", "retry", "-h, --help"}},
+    {"batch plan", {"JOB.toml", "-o, --output FOLDER", "-h, --help"}},
+    {"batch run", {"JOB", "--part K/N", "-j, --jobs N", "-q, --quiet", "-h, --help"}},
+    {"batch status", {"JOB", "-l, --list", "--json", "-h, --help"}},
+    {"batch retry", {"JOB", "--failed", "-h, --help"}},
     {"modules",
      {"--json", "--bundle PATH", "--host, --host-version classic|today|MAJOR.MINOR", "-h, --help"}},
     {"report",
@@ -474,6 +483,21 @@ TEST(PublishedInterface, JsonOfLimits) {
     expect_members({vxr({"limits", "--json"}).out},
                    {{"", "schema exit_code limits"}, {"limits[]", "id name value unit rule reason beyond"}},
                    "limits");
+}
+
+TEST(PublishedInterface, JsonOfBatchStatus) {
+    const TemporaryFolder folder;
+    folder.write("a.aec", "VORTAN XR COMPOSITION\nFPS abc\n");
+    const std::string job = folder.write("job.toml", "[[task]]\nverb = 'check'\nfiles = ['a.aec']\n");
+    ASSERT_EQ(vxr({"batch", "plan", job}).exit_code, 0);
+    EXPECT_EQ(vxr({"batch", "run", folder.path("job.batch")}).exit_code, 1);
+    expect_members(
+        {vxr({"batch", "status", "--json", folder.path("job.batch")}).out},
+        {{"", "schema exit_code counts items"},
+         {"counts",
+          "items fine incomplete different refused failed misused crashed too-long too-large not-done"},
+         {"items[]", "id input output standing"}},
+        "batch status");
 }
 
 TEST(PublishedInterface, JsonOfModules) {

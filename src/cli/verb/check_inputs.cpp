@@ -38,20 +38,6 @@ std::vector<std::string> names_in(std::string_view list, bool null) {
     return names;
 }
 
-std::vector<std::string> listed(const CheckInputs& inputs) {
-    if (inputs.list.empty()) {
-        return {};
-    }
-    const std::optional<std::string> list = is_standard_input(inputs.list)
-                                                ? standard_input_text(kMostListBytes)
-                                                : os::content_of(inputs.list, kMostListBytes);
-    if (!list) {
-        throw std::runtime_error("the list of files \"" + inputs.list +
-                                 "\" cannot be read, or is no regular file of up to 64 MiB");
-    }
-    return names_in(*list, inputs.null);
-}
-
 void add_folder(const std::string& top, const char* extension, bool recursive,
                 std::vector<std::string>& files) {
     std::vector<std::string> folders{top};
@@ -119,10 +105,22 @@ void add_list(const CheckInputs& inputs, FileRoles& roles) {
     }
 }
 
+std::vector<std::string> names_in_list(const std::string& path, bool null) {
+    const std::optional<std::string> list =
+        is_standard_input(path) ? standard_input_text(kMostListBytes) : os::content_of(path, kMostListBytes);
+    if (!list) {
+        throw std::runtime_error("the list of files \"" + path +
+                                 "\" cannot be read, or is no regular file of up to 64 MiB");
+    }
+    return names_in(*list, null);
+}
+
 FoundInputs find_inputs(const CheckInputs& inputs, const char* extension) {
     std::vector<std::string> named = inputs.files;
-    const std::vector<std::string> more = listed(inputs);
-    named.insert(named.end(), more.begin(), more.end());
+    if (!inputs.list.empty()) {
+        const std::vector<std::string> more = names_in_list(inputs.list, inputs.null);
+        named.insert(named.end(), more.begin(), more.end());
+    }
     FoundInputs found;
     for (const std::string& name : named) {
         if (os::file_state(name).kind != os::FileKind::folder) {

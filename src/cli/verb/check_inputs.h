@@ -31,6 +31,10 @@ void refuse_wrong_inputs(const CheckInputs& inputs, const char* argument);
 /// Adds the list of files, if one is read.
 void add_list(const CheckInputs& inputs, FileRoles& roles);
 
+/// The names in the list at `path`, one on each line or each before a NUL. Throws std::runtime_error if it
+/// cannot be read.
+[[nodiscard]] std::vector<std::string> names_in_list(const std::string& path, bool null);
+
 struct FoundInputs {
     std::vector<std::string> files;
     std::vector<std::string> empty_folders;  ///< in which there was nothing to check
