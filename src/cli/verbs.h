@@ -26,7 +26,9 @@ Verb texture_convert_verb();    ///< `vxr texture convert IN...`
 Verb frame_verb();              ///< `vxr frame FILE -o IMAGE`
 Verb batch_plan_verb();         ///< `vxr batch plan JOB.toml`
 Verb batch_run_verb();          ///< `vxr batch run JOB`
+Verb batch_submit_verb();       ///< `vxr batch submit JOB --on SCHEDULER`
 Verb batch_status_verb();       ///< `vxr batch status JOB`
+Verb batch_merge_verb();        ///< `vxr batch merge JOB`
 Verb batch_retry_verb();        ///< `vxr batch retry JOB --failed`
 Verb modules_verb();            ///< `vxr modules`
 Verb limits_verb();             ///< `vxr limits`

@@ -138,8 +138,8 @@ bool ReplacementFile::fill(std::string_view bytes, std::string& error) {
     return !failure;
 }
 
-bool ReplacementFile::put_in_place(std::string& error) {
-    std::error_code failure = flush_file(temporary_path_);
+bool ReplacementFile::put_in_place(std::string& error, Flush flush) {
+    std::error_code failure = flush == Flush::yes ? flush_file(temporary_path_) : std::error_code();
     if (!failure) {
         failure = replace_file(temporary_path_, target_);
     }

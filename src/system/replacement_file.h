@@ -37,9 +37,13 @@ class ReplacementFile {
     /// why.
     bool fill(std::string_view bytes, std::string& error);
 
+    /// Whether the disk has the bytes before the file is in place. Without that, a machine that loses power
+    /// may leave an empty or cut file behind: only for files of which that is noticed and does no harm.
+    enum class Flush { yes, no };
+
     /// Flushes the file to disk and moves it over the target, with the target's permissions. False when that
     /// fails; `error` then says why, and the old file is still there.
-    bool put_in_place(std::string& error);
+    bool put_in_place(std::string& error, Flush flush = Flush::yes);
 
   private:
     ReplacementFile() = default;

@@ -6,6 +6,7 @@
 #include <chrono>
 #include <csignal>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -53,13 +54,20 @@ std::string worked_on() {
     if (kind == "killed") {
         std::raise(SIGKILL);
     }
-    std::string memory;
+    const std::string words(65536, 'x');
     for (;;) {
-        if (kind == "hog") {
+        if (kind == "flood") {
+            (void)!::write(STDOUT_FILENO, words.data(), words.size());
+        } else if (kind == "hog") {
+            // Pages that are written are occupied, and nothing gives them back.
             constexpr std::size_t kPart_bytes = 16U << 20U;
-            memory.append(kPart_bytes, 'x');
+            if (char* const part = static_cast<char*>(std::malloc(kPart_bytes)); part != nullptr) {
+                std::memset(part, 'x', kPart_bytes);
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(1));
+        } else {
+            std::this_thread::sleep_for(std::chrono::seconds(1));
         }
-        std::this_thread::sleep_for(std::chrono::milliseconds(kind == "hog" ? 1 : 1000));
     }
 }
 

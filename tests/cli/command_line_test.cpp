@@ -294,6 +294,9 @@ void make_examples(const TemporaryFolder& folder, int alphas) {
     folder.make_folder("bin");
     folder.write("bin/gdb", "#!/bin/sh\nshift\nexec \"$@\"\n");
     fs::permissions(folder.path("bin/gdb"), fs::perms::owner_all);
+    // A scheduler that only takes the job.
+    folder.write("bin/sbatch", "#!/bin/sh\ncat >/dev/null\necho 12\n");
+    fs::permissions(folder.path("bin/sbatch"), fs::perms::owner_all);
 }
 
 struct ExampleResult {
@@ -313,6 +316,10 @@ const ExampleResult kExampleResults[] = {
     {"vxr export --recursive job --to glb --out-dir cameras", 4, nullptr},
     // Only After Effects writes this table.
     {"vxr proof shot.aec --compare measure-measured.tsv", 3, nullptr},
+    {"vxr batch submit night.batch --on slurm --array-size 500", 0,
+     "night.batch: 1 item, Slurm's job 12 of 1 task\n"},
+    {"vxr batch merge night.batch -o night.txt", 3, nullptr},
+    {"vxr batch merge night.batch", 3, nullptr},
     {"vxr modules --json | jq -r '.modules[].extensions[]'", 0, ".txl\n"},
     {"vxr texture info --json *.txl | jq '.files[] | [.file, .compression_ratio]'", 0, nullptr},
 };

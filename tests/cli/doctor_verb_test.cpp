@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
 #include <filesystem>
 #include <nlohmann/json.hpp>
@@ -253,6 +254,45 @@ TEST(ChildProcess, EndsWhatTakesMoreMemoryThanAllowed) {
     const cli::ChildResult both = cli::run_child("/bin/sleep", {"600"}, {seconds(1), kMost_bytes});
     EXPECT_TRUE(both.timed_out) << "a process within its memory still has a time";
     EXPECT_FALSE(both.over_memory);
+}
+
+TEST(ChildProcess, EndsWhatWritesMoreThanAllowed) {
+    using std::chrono::seconds;
+    constexpr std::size_t kMost_bytes = 100000;
+    const auto writes = [](const char* script) {
+        return cli::run_child("/bin/sh", {"-c", script}, {seconds(60), 0, kMost_bytes});
+    };
+    const cli::ChildResult most = writes("head -c 100000 /dev/zero; head -c 100000 /dev/zero >&2");
+    EXPECT_FALSE(most.over_output) << "each stream has as much";
+    EXPECT_EQ(most.exit_code, 0);
+    for (const char* script : {"head -c 100001 /dev/zero", "head -c 100001 /dev/zero >&2", "cat /dev/zero"}) {
+        const cli::ChildResult more = writes(script);
+        EXPECT_TRUE(more.over_output) << script;
+        EXPECT_FALSE(more.timed_out) << script;
+        EXPECT_FALSE(more.exit_code.has_value()) << script;
+        EXPECT_LE(more.out.size(), kMost_bytes) << script;
+    }
+}
+
+TEST(ChildProcess, OfAnotherThreadKeepsNoPipeOpen) {
+    using std::chrono::seconds;
+    // A long process that had inherited the pipes of a short one would make it as long.
+    std::vector<std::thread> threads;
+    std::atomic<int> late = 0;
+    threads.reserve(32);
+    for (int i = 0; i < 32; ++i) {
+        threads.emplace_back([&late, i] {
+            if (i % 2 == 0) {
+                (void)cli::run_child("/bin/sleep", {"3"}, {seconds(60)});
+            } else {
+                late += cli::run_child("/bin/sleep", {"0.1"}, {seconds(2)}).timed_out ? 1 : 0;
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(late, 0);
 }
 
 TEST(ChildProcess, ReturnsOutputAndHowTheProgramEnded) {

@@ -1,5 +1,6 @@
 #include "cli/batch/batch_run.h"
 
+#include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cmath>
@@ -201,15 +202,26 @@ BatchCounts run_batch(const OpenedBatch& batch, std::size_t jobs, bool quiet, Te
     return counts;
 }
 
-std::vector<ItemStanding> standings_of(const OpenedBatch& batch) {
+void look_at_all(const OpenedBatch& batch,
+                 const std::function<void(const BatchItem&, const KnownItem&)>& report) {
     // Most of the time is spent waiting for a file server.
     constexpr std::size_t kThreads = 8;
+    // Results may be large: no more than these are in memory.
+    constexpr std::size_t kAtATime = 256;
+    const std::vector<BatchItem>& items = batch.items;
+    for (std::size_t begin = 0; begin < items.size(); begin += kAtATime) {
+        run_in_order<KnownItem>(
+            std::min(kAtATime, items.size() - begin), kThreads,
+            [&](std::size_t i) { return batch.work.look(items[begin + i]); }, [](std::size_t) {},
+            [&](std::size_t i, const KnownItem& known) { report(items[begin + i], known); });
+    }
+}
+
+std::vector<ItemStanding> standings_of(const OpenedBatch& batch) {
     std::vector<ItemStanding> standings;
     standings.reserve(batch.items.size());
-    run_in_order<ItemStanding>(
-        batch.items.size(), kThreads,
-        [&](std::size_t i) { return batch.work.look(batch.items[i]).standing(); }, [](std::size_t) {},
-        [&](std::size_t, ItemStanding standing) { standings.push_back(standing); });
+    look_at_all(batch,
+                [&](const BatchItem&, const KnownItem& known) { standings.push_back(known.standing()); });
     return standings;
 }
 

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -48,7 +49,12 @@ class OpenedBatch {
 /// result cannot be written; what was kept until then stays.
 BatchCounts run_batch(const OpenedBatch& batch, std::size_t jobs, bool quiet, Terminal& terminal);
 
-/// Where each item stands, in their order, without doing anything. Looks at several at a time.
+/// Calls `report` for each item, in their order, with what is known of it, without doing anything. Looks at
+/// several at a time.
+void look_at_all(const OpenedBatch& batch,
+                 const std::function<void(const BatchItem&, const KnownItem&)>& report);
+
+/// Where each item stands, in their order.
 [[nodiscard]] std::vector<ItemStanding> standings_of(const OpenedBatch& batch);
 
 /// "scans/a.txl: refused (log: ...)", as one line.

@@ -17,8 +17,10 @@
 namespace cli {
 namespace {
 
-// A result holds at most what a child process may write, in hexadecimal.
-constexpr std::uint64_t kMostResultBytes = 4 * std::uint64_t{kMostOutput};
+// An item that writes more to one of its streams is ended: its output is kept whole or not at all.
+constexpr std::size_t kMostItemOutput = std::size_t{16} << 20U;
+// A result holds the output as text, of which a control character takes six bytes ("\u0001").
+constexpr std::uint64_t kMostResultBytes = 6 * std::uint64_t{kMostItemOutput} + 65536;
 
 /// Nothing for a file that was changed a moment ago: it may be changed again within the precision of the
 /// file system's clock.
@@ -41,10 +43,12 @@ bool is_there(const std::string& path) {
     return os::file_state(path).kind == os::FileKind::regular;
 }
 
+/// Does not wait for the disk, which would take longer than the item itself: what a loss of power leaves of a
+/// result is no result, so its item is done again.
 void replace_content(const std::string& path, std::string_view bytes) {
     std::string error;
     auto file = os::ReplacementFile::create(path, error);
-    if (!file || !file->fill(bytes, error) || !file->put_in_place(error)) {
+    if (!file || !file->fill(bytes, error) || !file->put_in_place(error, os::ReplacementFile::Flush::no)) {
         throw std::runtime_error("cannot write " + error);
     }
 }
@@ -62,7 +66,7 @@ ItemStanding standing_of(const ChildResult& child) {
     if (child.timed_out) {
         return ItemStanding::too_long;
     }
-    if (child.over_memory) {
+    if (child.over_memory || child.over_output) {
         return ItemStanding::too_large;
     }
     if (!child.exit_code) {
@@ -101,6 +105,8 @@ std::string log_of(const ChildResult& child, const ItemLimits& limits) {
         log += "vxr: error: ended after " + std::to_string(limits.seconds) + " s\n";
     } else if (child.over_memory) {
         log += "vxr: error: ended because it took more than " + std::to_string(limits.memory_mib) + " MiB\n";
+    } else if (child.over_output) {
+        log += "vxr: error: ended because it wrote more than 16 MiB\n";
     } else if (!child.exit_code) {
         log += "vxr: error: ended by " + child.signal + '\n';
     }
@@ -145,7 +151,8 @@ ItemStanding ItemWork::run(const BatchItem& item, bool& worked) const {
     const std::vector<std::string> words = words_of(plan_.tasks[item.task], item);
     constexpr std::uint64_t kMebibyte = 1U << 20U;
     const ChildLimits limits{std::chrono::seconds(plan_.limits.seconds),
-                             static_cast<std::uint64_t>(plan_.limits.memory_mib) * kMebibyte};
+                             static_cast<std::uint64_t>(plan_.limits.memory_mib) * kMebibyte,
+                             kMostItemOutput};
     const ChildResult child = run_child(program_, words, limits);
     if (!child.error.empty()) {
         throw std::runtime_error("cannot start " + os::text_of(program_) + ": " + child.error);
@@ -161,7 +168,8 @@ ItemStanding ItemWork::run(const BatchItem& item, bool& worked) const {
     result.exit_code = child.exit_code;
     result.signal = child.signal;
     result.wrote = !item.output.empty() && is_there(item.output);
-    result.out = child.out;
+    // Of a process that was ended there may be more or less each time.
+    result.out = child.over_output ? std::string() : child.out;
     keep(item, result, log_of(child, plan_.limits), had_log);
     return result.standing;
 }

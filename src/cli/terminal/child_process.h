@@ -18,9 +18,10 @@ struct ChildResult {
     std::string error;             ///< why it could not be started; empty when it was
     bool timed_out = false;        ///< run_child() ended it after its time
     bool over_memory = false;      ///< run_child() ended it, because it used too much memory
+    bool over_output = false;      ///< run_child() ended it, because it wrote too much
     std::optional<int> exit_code;  ///< nothing when it did not exit by itself
     std::string signal;            ///< what ended it instead: "SIGSEGV, Segmentation fault"
-    std::string out;               ///< its output, at most kMostOutput bytes of each stream
+    std::string out;               ///< its output, at most what the limits allow of each stream
     std::string err;
 };
 
@@ -30,6 +31,8 @@ struct ChildLimits {
     /// Of the process itself, as it occupies it; 0 for any. It is looked at many times a second, so what a
     /// process takes and gives back in between is not seen. On macOS there is no such limit.
     std::uint64_t most_memory_bytes = 0;
+    /// Of each stream. 0: a process may write any amount, of which kMostOutput bytes are kept.
+    std::size_t most_output_bytes = 0;
 };
 
 inline constexpr std::size_t kMostOutput = std::size_t{4} << 20U;

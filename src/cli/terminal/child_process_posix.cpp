@@ -29,12 +29,16 @@ using Clock = std::chrono::steady_clock;
 /// Both ends of a pipe; the destructor closes them.
 class Pipe {
   public:
+    // No child of another thread may inherit them: it would keep the pipe open. So they are made closed to
+    // children in one step; macOS has no such step, and GroupLeader closes everything there.
     Pipe() {
-        if (::pipe(ends_.data()) != 0) {
+#if defined(__APPLE__)
+        const int failure = ::pipe(ends_.data());
+#else
+        const int failure = ::pipe2(ends_.data(), O_CLOEXEC);
+#endif
+        if (failure != 0) {
             throw std::system_error(errno, std::generic_category(), "pipe");
-        }
-        for (const int end : ends_) {
-            ::fcntl(end, F_SETFD, FD_CLOEXEC);
         }
     }
     ~Pipe() {
@@ -44,7 +48,9 @@ class Pipe {
     Pipe(const Pipe&) = delete;
     Pipe& operator=(const Pipe&) = delete;
 
-    [[nodiscard]] int end(std::size_t which) const { return ends_[which]; }
+    [[nodiscard]] int end(std::size_t which) const {
+        return ends_[which];
+    }
     void close(std::size_t which) {
         if (ends_[which] >= 0) {
             ::close(ends_[which]);
@@ -64,11 +70,13 @@ class InputChannel {
         if (!input_) {
             return;
         }
-        if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends_.data()) != 0) {
+#if defined(__APPLE__)
+        constexpr int kKind = SOCK_STREAM;
+#else
+        constexpr int kKind = SOCK_STREAM | SOCK_CLOEXEC;
+#endif
+        if (::socketpair(AF_UNIX, kKind, 0, ends_.data()) != 0) {
             throw std::system_error(errno, std::generic_category(), "socketpair");
-        }
-        for (const int end : ends_) {
-            ::fcntl(end, F_SETFD, FD_CLOEXEC);
         }
         ::fcntl(ends_[1], F_SETFL, O_NONBLOCK);
 #if defined(__APPLE__)
@@ -128,18 +136,28 @@ class InputChannel {
     std::string_view piece_;           ///< what is left of it
 };
 
-/// Makes the child the leader of a new process group, so that what it starts can be ended with it.
+/// Makes the child the leader of a new process group, so that what it starts can be ended with it. On macOS
+/// it inherits nothing but its standard streams.
 class GroupLeader {
   public:
     GroupLeader() {
         posix_spawnattr_init(&attributes_);
-        posix_spawnattr_setflags(&attributes_, POSIX_SPAWN_SETPGROUP);
+#if defined(__APPLE__)
+        constexpr short kFlags = POSIX_SPAWN_SETPGROUP | POSIX_SPAWN_CLOEXEC_DEFAULT;
+#else
+        constexpr short kFlags = POSIX_SPAWN_SETPGROUP;
+#endif
+        posix_spawnattr_setflags(&attributes_, kFlags);
         posix_spawnattr_setpgroup(&attributes_, 0);
     }
-    ~GroupLeader() { posix_spawnattr_destroy(&attributes_); }
+    ~GroupLeader() {
+        posix_spawnattr_destroy(&attributes_);
+    }
     GroupLeader(const GroupLeader&) = delete;
     GroupLeader& operator=(const GroupLeader&) = delete;
-    posix_spawnattr_t* get() { return &attributes_; }
+    posix_spawnattr_t* get() {
+        return &attributes_;
+    }
 
   private:
     posix_spawnattr_t attributes_{};
@@ -198,7 +216,18 @@ std::uint64_t memory_of([[maybe_unused]] pid_t process) {
 class LimitWatch {
   public:
     LimitWatch(pid_t child, const ChildLimits& limits)
-        : child_(child), most_bytes_(limits.most_memory_bytes), end_(Clock::now() + limits.longest) {}
+        : child_(child),
+          most_bytes_(limits.most_memory_bytes),
+          most_output_bytes_(limits.most_output_bytes),
+          end_(Clock::now() + limits.longest) {}
+
+    /// Keeps what the child wrote to one of its streams.
+    void keep(std::string_view part, std::string& text, ChildResult& result) const {
+        const std::size_t most = most_output_bytes_ > 0 ? most_output_bytes_ : kMostOutput;
+        const std::size_t room = most - text.size();
+        text.append(part.substr(0, room));
+        result.over_output = result.over_output || (most_output_bytes_ > 0 && part.size() > room);
+    }
 
     /// Whether the child is beyond a limit; `result` then says which.
     bool exceeded(ChildResult& result) {
@@ -208,7 +237,7 @@ class LimitWatch {
             next_look_ = now + kBetweenLooks;
             result.over_memory = !result.timed_out && memory_of(child_) > most_bytes_;
         }
-        return result.timed_out || result.over_memory;
+        return result.timed_out || result.over_memory || result.over_output;
     }
 
     /// How long to wait for anything else before the next look.
@@ -224,6 +253,7 @@ class LimitWatch {
 
     pid_t child_;
     std::uint64_t most_bytes_;
+    std::size_t most_output_bytes_;
     Clock::time_point end_;
     Clock::time_point next_look_;
 };
@@ -256,11 +286,10 @@ bool talk_until_closed(InputChannel& input, const Pipe& out, const Pipe& err, Ch
                 watched[i].fd = count < 0 && errno == EINTR ? watched[i].fd : -1;
                 continue;
             }
-            const auto room = kMostOutput - texts[i]->size();
-            texts[i]->append(part.data(), std::min(static_cast<std::size_t>(count), room));
+            watch.keep({part.data(), static_cast<std::size_t>(count)}, *texts[i], result);
         }
     }
-    return true;
+    return !result.over_output;
 }
 
 /// Returns false when the child is beyond a limit before it has ended. Does not reap it: its number, which is

@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <thread>
 
@@ -63,12 +64,21 @@ Handle make_job() {
     return job;
 }
 
-void read_all(HANDLE pipe, std::string& text) {
+/// Reads one stream to its end. Ends the job and returns true when it is longer than the limit.
+bool read_all(HANDLE pipe, HANDLE job, const ChildLimits& limits, std::string& text) {
+    const std::size_t most = limits.most_output_bytes > 0 ? limits.most_output_bytes : kMostOutput;
     std::array<char, 65536> part{};
     DWORD count = 0;
+    bool too_much = false;
     while (ReadFile(pipe, part.data(), static_cast<DWORD>(part.size()), &count, nullptr) != 0 && count > 0) {
-        text.append(part.data(), std::min<std::size_t>(count, kMostOutput - text.size()));
+        const std::size_t room = most - text.size();
+        text.append(part.data(), std::min<std::size_t>(count, room));
+        if (limits.most_output_bytes > 0 && count > room && !too_much) {
+            too_much = true;
+            TerminateJobObject(job, 1);
+        }
     }
+    return too_much;
 }
 
 /// Writes all pieces, or as many as the process reads.
@@ -130,12 +140,16 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     for (const std::string& argument : arguments) {
         command += L' ' + quoted_word(os::wide_text(argument));
     }
+    // A process inherits every handle that is marked so, also those for a process of another thread, whose
+    // pipes it would keep open; and the mode of errors is that of the whole program. So one starts at a time.
+    static std::mutex starting;
+    std::unique_lock starts(starting);
     Pipe in = make_pipe(Inherited::reading);
     Pipe out = make_pipe(Inherited::writing);
     Pipe err = make_pipe(Inherited::writing);
     SECURITY_ATTRIBUTES inherited{sizeof(SECURITY_ATTRIBUTES), nullptr, TRUE};
-    const Handle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
-                                     OPEN_EXISTING, 0, nullptr));
+    Handle nothing(CreateFileW(L"NUL", GENERIC_READ, FILE_SHARE_READ | FILE_SHARE_WRITE, &inherited,
+                               OPEN_EXISTING, 0, nullptr));
     STARTUPINFOW startup{};
     startup.cb = sizeof(startup);
     startup.dwFlags = STARTF_USESTDHANDLES;
@@ -149,9 +163,11 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
                                    CREATE_NO_WINDOW | CREATE_SUSPENDED, nullptr, nullptr, &startup, &started);
     const DWORD failure = ok == 0 ? GetLastError() : 0;
     SetErrorMode(mode);
+    nothing.reset();
     in.reading.reset();
     out.writing.reset();
     err.writing.reset();
+    starts.unlock();
     if (ok == 0) {
         result.error = "Windows error " + std::to_string(failure);
         return result;
@@ -161,8 +177,10 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     const Handle job = make_job();
     AssignProcessToJobObject(job.get(), process.get());
     ResumeThread(main_thread.get());
-    std::thread reads_out([&] { read_all(out.reading.get(), result.out); });
-    std::thread reads_err([&] { read_all(err.reading.get(), result.err); });
+    bool much_out = false;
+    bool much_err = false;
+    std::thread reads_out([&] { much_out = read_all(out.reading.get(), job.get(), limits, result.out); });
+    std::thread reads_err([&] { much_err = read_all(err.reading.get(), job.get(), limits, result.err); });
     std::exception_ptr thrown;
     if (input) {
         try {
@@ -174,14 +192,15 @@ ChildResult run_child(const std::filesystem::path& program, const std::vector<st
     }
     in.writing.reset();
     wait_within(limits, process.get(), result);
-    const bool ended = result.timed_out || result.over_memory;
-    if (ended) {
+    if (result.timed_out || result.over_memory) {
         TerminateProcess(process.get(), 1);
         WaitForSingleObject(process.get(), INFINITE);
     }
     TerminateJobObject(job.get(), 1);  // what the process started and left behind, which may hold the pipes
     reads_out.join();
     reads_err.join();
+    result.over_output = much_out || much_err;
+    const bool ended = result.timed_out || result.over_memory || result.over_output;
     if (thrown) {
         std::rethrow_exception(thrown);
     }
