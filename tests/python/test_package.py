@@ -88,13 +88,19 @@ import sys
 import pytest
 import vortanxr as vx
 try:
-    vx.draw_frames(sys.argv[1], frames=[0])
+    vx.import_scene(sys.argv[1])
 except vx.PluginError as error:
     print(error)
 print(len(vx.read_scene(sys.argv[1], check=False).cameras), "camera")
 """
+    # Only the library knows what a PNG is that is named like a TIFF.
+    shutil.copy(examples / "square/contact.png", tmp_path / "picture.tif")
+    (tmp_path / "shot.aec").write_text(
+        "VORTAN XR COMPOSITION\nRESOLUTION 64 36\nFROM 0\nTO 0\nRANGE 1\nFPS 25\n"
+        'COMPOSITION NRM "Main" {\n  FILE NRM STRAIGHT "picture.tif"\n}\nCAMERA "Lens" {\n}\n'
+    )
     ended = subprocess.run(
-        [sys.executable, "-c", program, examples / "square/courtyard_020.aec"],
+        [sys.executable, "-c", program, tmp_path / "shot.aec"],
         env={**os.environ, "PYTHONPATH": str(tmp_path / "python")},
         capture_output=True,
         text=True,
