@@ -38,13 +38,13 @@ void register_process(const std::string& name, Arguments (*arguments)(const Scen
 }
 
 /// Six files of five formats, as they are among the examples.
-const Arguments& pictures() {
-    static const Arguments kFiles{
-        VXR_EXAMPLES_DIR "/square/plate.tif",      VXR_EXAMPLES_DIR "/square/contact.png",
-        VXR_EXAMPLES_DIR "/square/haze.tga",       VXR_EXAMPLES_DIR "/square/grey_card.jpg",
-        VXR_EXAMPLES_DIR "/interlaced/street.rla", VXR_EXAMPLES_DIR "/square/flare.png",
-    };
-    return kFiles;
+Arguments pictures() {
+    Arguments files;
+    for (const char* file : {"square/plate.tif", "square/contact.png", "square/haze.tga",
+                             "square/grey_card.jpg", "interlaced/street.rla", "square/flare.png"}) {
+        files.push_back(std::string(VXR_EXAMPLES_DIR "/") + file);
+    }
+    return files;
 }
 
 Arguments check_pictures(const Scene* /*scene*/) {
@@ -59,8 +59,8 @@ Arguments check_pictures(const Scene* /*scene*/) {
 }
 
 Arguments stat_pictures(const Scene* /*scene*/) {
-    Arguments words{"stat"};
-    words.insert(words.end(), pictures().begin(), pictures().end());
+    Arguments words = pictures();
+    words.insert(words.begin(), "stat");
     return words;
 }
 

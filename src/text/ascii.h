@@ -17,6 +17,12 @@ constexpr char to_upper(char c) {
     return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
 }
 
+/// Of the 26 letters that ASCII has.
+constexpr bool is_letter(char c) {
+    const char lower = to_lower(c);
+    return lower >= 'a' && lower <= 'z';
+}
+
 inline std::string lower_case(std::string_view text) {
     std::string lower(text);
     std::transform(lower.begin(), lower.end(), lower.begin(), to_lower);

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "text/ascii.h"
+
 namespace cli {
 namespace {
 
@@ -60,10 +62,6 @@ constexpr std::array kRefused{
     RefusedOption{"--version", kNoWork},
 };
 
-bool is_letter(char c) {
-    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
-}
-
 }  // namespace
 
 const BatchVerb* find_batch_verb(std::string_view name) {
@@ -89,7 +87,7 @@ std::string refused_batch_option(std::string_view word) {
     const std::string_view name = is_long ? word.substr(0, word.find('=')) : word;
     for (const RefusedOption& refused : kRefused) {
         // "-qr" is "-q -r", and "-ofile" is "-o file".
-        const bool among_letters = !is_long && word.size() > 2 && is_letter(word[1]) &&
+        const bool among_letters = !is_long && word.size() > 2 && text::is_letter(word[1]) &&
                                    refused.name.size() == 2 && refused.name != "--" &&
                                    word.find(refused.name[1], 1) != std::string_view::npos;
         if (name == refused.name || among_letters) {

@@ -21,14 +21,9 @@ bool is_slash(char c) {
     return c == '/' || c == '\\';
 }
 
-bool is_letter(char c) {
-    const char lower = text::to_lower(c);
-    return lower >= 'a' && lower <= 'z';
-}
-
 // "C:" alone or before a slash. "C:a" is the file "a" on a volume of classic Mac OS.
 bool begins_with_drive(std::string_view path) {
-    return path.size() >= 2 && is_letter(path[0]) && path[1] == ':' &&
+    return path.size() >= 2 && text::is_letter(path[0]) && path[1] == ':' &&
            (path.size() == 2 || is_slash(path[2]));
 }
 

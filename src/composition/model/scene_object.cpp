@@ -19,7 +19,7 @@ tagKeyFrame* CSceneObject::AddKeyframe() {
     }
     const auto old_count = static_cast<std::size_t>(keyCount);
     // Not array-new: realloc moves the pages of a long array where a new array copies them.
-    void* const grown = std::realloc(keys, (old_count + 1) * sizeof(tagKeyFrame*));
+    void* const grown = std::realloc(keys, (old_count + 1) * sizeof(void*));
     if (grown == nullptr) {
         delete key;
         return nullptr;
