@@ -138,7 +138,7 @@ std::string item_id(const PlannedTask& task, const BatchItem& item) {
     return digest.hexadecimal().substr(0, kIdDigits);
 }
 
-JobFolder::JobFolder(std::string path) : path_(os::absolute_path(path)) {}
+JobFolder::JobFolder(const std::string& path) : path_(os::absolute_path(path)) {}
 
 std::string JobFolder::inside(const std::string& name) const {
     return os::text_of(os::path_of(path_) / os::path_of(name));

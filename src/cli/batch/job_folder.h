@@ -50,7 +50,7 @@ struct BatchPart {
 
 class JobFolder {
   public:
-    explicit JobFolder(std::string path);
+    explicit JobFolder(const std::string& path);
 
     /// Makes the folder, or plans anew in it: results of items that are planned again stay. Throws
     /// std::runtime_error if it cannot be written, or if something else is in it.
