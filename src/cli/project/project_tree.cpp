@@ -8,6 +8,7 @@
 #include "cli/project/project_labels.h"
 #include "cli/terminal/text_table.h"
 #include "host/host_interface.h"
+#include "text/plain_number.h"
 #include "text/printable.h"
 
 namespace cli {
@@ -228,10 +229,6 @@ class TreeWriter {
     std::string text_;
 };
 
-std::string counted(std::ptrdiff_t count, const char* one, const char* several) {
-    return std::to_string(count) + ' ' + (count == 1 ? one : several);
-}
-
 std::string findings_text(const std::vector<diagnostic::Diagnostic>& findings) {
     std::string text;
     for (const diagnostic::Diagnostic& finding : findings) {
@@ -278,12 +275,12 @@ std::string project_summary(const Project& project) {
     const auto missing =
         std::count_if(project.footage.begin(), project.footage.end(),
                       [](const Footage& footage) { return footage.kind == FootageKind::placeholder; });
-    return counted(std::ssize(project.compositions), "composition", "compositions") + ", " +
-           counted(std::ssize(project.footage), "footage item", "footage items") +
+    return text::count_text(std::ssize(project.compositions), "composition", "compositions") + ", " +
+           text::count_text(std::ssize(project.footage), "footage item", "footage items") +
            (missing > 0 ? " (" + std::to_string(missing) + " missing)" : "") + ", " +
-           counted(layers(LayerKind::camera), "camera", "cameras") + ", " +
-           counted(layers(LayerKind::light), "light", "lights") + ", " +
-           counted(layers(LayerKind::null), "null", "nulls");
+           text::count_text(layers(LayerKind::camera), "camera", "cameras") + ", " +
+           text::count_text(layers(LayerKind::light), "light", "lights") + ", " +
+           text::count_text(layers(LayerKind::null), "null", "nulls");
 }
 
 }  // namespace cli
