@@ -87,13 +87,13 @@ class BatchMergeCommand : public Command {
         const std::string output = output_.empty() ? output_ : os::absolute_path(output_);
         const std::string report = report_.empty() ? report_ : os::absolute_path(report_);
         const OpenedBatch batch(folder_, {}, program_version());
-        const std::optional<std::size_t> task =
-            report.empty() ? std::nullopt : std::optional(report_task(batch.plan));
+        // Before anything is written: a batch without a report is refused while nothing has changed.
+        const std::size_t task = report.empty() ? 0 : report_task(batch.plan);
         refuse_overwriting(batch, output, report);
         const BatchCounts counts = merge(batch, output, terminal);
         ExitCode code = counts.exit_code();
-        if (task) {
-            code = most_serious(code, write_report(batch, *task, report, terminal));
+        if (!report.empty()) {
+            code = most_serious(code, write_report(batch, task, report, terminal));
         }
         terminal.out << text::printable(folder_) << ": " << counts_text(counts) << '\n';
         return code;
