@@ -6,7 +6,6 @@
 #include <fstream>
 #include <map>
 #include <nlohmann/json.hpp>
-#include <regex>
 #include <stdexcept>
 
 namespace {
@@ -30,10 +29,18 @@ std::string number_text(double value) {
     return text;
 }
 
-bool is_handle(const std::string& text) {
-    static const std::regex pattern(
-        "(project|item|comp|layer|stream|additions|footage|mem|blob|inspec|outspec):[0-9]+");
-    return std::regex_match(text, pattern);
+/// "layer:12", for example.
+bool is_handle(std::string_view text) {
+    static constexpr std::array<std::string_view, 11> kKinds{"project", "item",      "comp",    "layer",
+                                                             "stream",  "additions", "footage", "mem",
+                                                             "blob",    "inspec",    "outspec"};
+    const std::size_t colon = text.find(':');
+    if (colon == std::string_view::npos ||
+        std::find(kKinds.begin(), kKinds.end(), text.substr(0, colon)) == kKinds.end()) {
+        return false;
+    }
+    const std::string_view number = text.substr(colon + 1);
+    return !number.empty() && number.find_first_not_of("0123456789") == std::string_view::npos;
 }
 
 /// The suites that current hosts offer in another version than classic ones.

@@ -86,15 +86,13 @@ ImportRun FailingScene::run(embedded::HostOptions options) const {
     const std::string folder = folder_.files().folder().string();
     ImportRun run;
     run.entry = bundle.loaded().entry;
-    const std::vector<std::string> load_log = bundle.take_calls();
-    run.load_calls = calls_in_notation(load_log, folder);
-    run.all_calls = all_calls_in_notation(load_log, folder);
+    run.log = bundle.take_calls();
+    run.load_calls = calls_in_notation(run.log, folder);
     if (run.entry.code == 0) {
         run.import = bundle.host().import_file(path_);
         const std::vector<std::string> import_log = bundle.take_calls();
         run.import_calls = calls_in_notation(import_log, folder);
-        const std::vector<std::string> all = all_calls_in_notation(import_log, folder);
-        run.all_calls.insert(run.all_calls.end(), all.begin(), all.end());
+        run.log.insert(run.log.end(), import_log.begin(), import_log.end());
     }
     run.messages = bundle.message_texts();
     run.project = bundle.host().project();

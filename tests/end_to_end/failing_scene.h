@@ -19,7 +19,7 @@ struct ImportRun {
     std::vector<std::string> messages;
     std::vector<std::string> load_calls;    ///< in the notation of call_notation.h
     std::vector<std::string> import_calls;  ///< in the same notation
-    std::vector<std::string> all_calls;     ///< of both, with those that the bridge adds
+    std::vector<std::string> log;  ///< of both, as the host wrote it; the bridge's own calls among them
     embedded::Project project;
     embedded::ConformanceReport conformance;
     std::map<std::string, std::int64_t> call_counts;

@@ -182,9 +182,8 @@ TEST(MissingSuites, TheTableHoldsEverySuiteThatTheHostOffers) {
 }
 
 std::vector<std::string> calls_of(const ImportRun& run, const std::string& function) {
-    std::vector<std::string> calls;
-    std::copy_if(run.all_calls.begin(), run.all_calls.end(), std::back_inserter(calls),
-                 [&function](const std::string& call) { return function_of(call) == function; });
+    std::vector<std::string> calls = all_calls_in_notation(run.log, {});
+    std::erase_if(calls, [&function](const std::string& call) { return function_of(call) != function; });
     return calls;
 }
 
