@@ -10,14 +10,40 @@ export interface Dropped {
 /** More than a folder of footage has; beyond it a page only keeps the reader waiting. */
 const MOST_FILES = 50_000;
 
-function fileOf(entry: FileSystemFileEntry): Promise<File> {
-    return new Promise((resolve, reject) => {
-        entry.file(resolve, reject);
-    });
+/** Something that was dropped: a file, or a folder with things inside. */
+type Thing = { readonly path: string } & ({ readonly file: () => Promise<File> } | { readonly inside: () => Promise<readonly Thing[]> });
+
+/** Of the File System Access API, what a drop needs. Not every browser has it. */
+interface Handle {
+    readonly kind: "file" | "directory";
+    readonly name: string;
+    readonly getFile?: () => Promise<File>;
+    readonly values?: () => AsyncIterable<Handle>;
+}
+interface ItemWithHandle {
+    readonly getAsFileSystemHandle?: () => Promise<Handle | null>;
+}
+
+function thingOfHandle(handle: Handle, above: string): Thing {
+    const path = `${above}/${handle.name}`;
+    const { getFile, values } = handle;
+    if (values === undefined) {
+        return { path, file: () => (getFile === undefined ? Promise.reject(new Error("no file")) : getFile.call(handle)) };
+    }
+    return {
+        path,
+        inside: async () => {
+            const all: Thing[] = [];
+            for await (const one of values.call(handle)) {
+                all.push(thingOfHandle(one, path));
+            }
+            return all;
+        },
+    };
 }
 
 /** A browser gives the content of a folder in parts. */
-async function entriesOf(folder: FileSystemDirectoryEntry): Promise<FileSystemEntry[]> {
+async function entriesOf(folder: FileSystemDirectoryEntry): Promise<readonly FileSystemEntry[]> {
     const reader = folder.createReader();
     const all: FileSystemEntry[] = [];
     for (;;) {
@@ -29,6 +55,33 @@ async function entriesOf(folder: FileSystemDirectoryEntry): Promise<FileSystemEn
         }
         all.push(...part);
     }
+}
+
+function thingOfEntry(entry: FileSystemEntry): Thing {
+    const path = entry.fullPath;
+    return entry.isDirectory
+        ? { path, inside: async () => (await entriesOf(entry as FileSystemDirectoryEntry)).map(thingOfEntry) }
+        : {
+              path,
+              file: () =>
+                  new Promise((resolve, reject) => {
+                      (entry as FileSystemFileEntry).file(resolve, reject);
+                  }),
+          };
+}
+
+/**
+ * Must be called while the drop is handled. Entries are the older way, and the only one of some browsers; Chromium refuses
+ * to read them in a page that was opened from a disk.
+ */
+async function thingOf(item: DataTransferItem & ItemWithHandle): Promise<Thing | null> {
+    const file = item.getAsFile();
+    const entry = item.webkitGetAsEntry();
+    if (entry?.isDirectory !== true) {
+        return file === null ? null : { path: file.name, file: () => Promise.resolve(file) };
+    }
+    const handle = await item.getAsFileSystemHandle?.().catch(() => null);
+    return handle?.kind === "directory" ? thingOfHandle(handle, "") : thingOfEntry(entry);
 }
 
 /** Without a slash in front, "." or "..", which the program would take for something else. */
@@ -78,30 +131,25 @@ function limited(found: readonly PlacedFile[], notes: string[]): readonly Placed
 
 /** Must be called while the drop is handled; the folders are read afterwards. */
 export function droppedFiles(data: DataTransfer, tell: (found: number) => void): Promise<Dropped> {
-    const entries = [...data.items]
-        .filter((item) => item.kind === "file")
-        .map((item) => ({ entry: item.webkitGetAsEntry(), file: item.getAsFile() }));
-    return collect(entries, tell);
+    const items = [...data.items].filter((item) => item.kind === "file");
+    return collect(items.map(thingOf), tell);
 }
 
-async function collect(
-    entries: readonly { entry: FileSystemEntry | null; file: File | null }[],
-    tell: (found: number) => void,
-): Promise<Dropped> {
+async function collect(things: readonly Promise<Thing | null>[], tell: (found: number) => void): Promise<Dropped> {
     const notes: string[] = [];
     const found: PlacedFile[] = [];
     let unreadable = 0;
-    const walk = async (entry: FileSystemEntry): Promise<void> => {
+    const walk = async (thing: Thing): Promise<void> => {
         if (found.length > MOST_FILES) {
             return;
         }
         try {
-            if (entry.isDirectory) {
-                for (const inside of await entriesOf(entry as FileSystemDirectoryEntry)) {
-                    await walk(inside);
+            if ("inside" in thing) {
+                for (const one of await thing.inside()) {
+                    await walk(one);
                 }
             } else {
-                found.push({ path: entry.fullPath, file: await fileOf(entry as FileSystemFileEntry) });
+                found.push({ path: thing.path, file: await thing.file() });
                 if (found.length % 100 === 0) {
                     tell(found.length);
                 }
@@ -110,15 +158,15 @@ async function collect(
             unreadable += 1;
         }
     };
-    for (const { entry, file } of entries) {
-        if (entry !== null) {
-            await walk(entry);
-        } else if (file !== null) {
-            found.push({ path: file.name, file });
+    for (const thing of things) {
+        const dropped = await thing;
+        if (dropped !== null) {
+            await walk(dropped);
         }
     }
     if (unreadable > 0) {
-        notes.push(`The browser could not read ${unreadable === 1 ? "one file or folder" : `${unreadable} files or folders`}.`);
+        const what = unreadable === 1 ? "one file or folder" : `${unreadable} files or folders`;
+        notes.push(`The browser could not read ${what}. The buttons “Choose files” and “Choose a folder” may.`);
     }
     return place(limited(found, notes), notes);
 }
