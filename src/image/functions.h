@@ -40,6 +40,10 @@ struct Functions {
 /// What is there without a library: headers of common formats, no pixels, and TGA files to write.
 [[nodiscard]] const Functions& built_in_functions();
 
+/// Has builds without a library use these instead: for a program whose pixels come from elsewhere. Call it
+/// before any image is looked at; `functions` lives as long as the program.
+void replace_built_in_functions(const Functions& functions);
+
 #if defined(_WIN32)
 /// What Windows' own imaging component can do: PNG, TIFF, JPEG and BMP are read and written. The rest is
 /// built in.

@@ -1,6 +1,6 @@
-// What the page calls: the program `vxr` with any arguments, and one texture at a time, which stays open so
-// that windows onto it can be drawn. Everything happens in a worker of the browser; the files lie in a file
-// system that the page provides.
+// What the page calls: the program `vxr` with any arguments, the frames of one scene at a time, and one
+// picture at a time, which stays open so that windows onto it can be drawn. Everything happens in a worker of
+// the browser; the files lie in a file system that the page provides.
 
 #include <emscripten.h>
 
@@ -23,6 +23,8 @@
 #include "host/entry_points.h"
 #include "system/linked_library.h"
 #include "texture/value/texture_file.h"
+#include "viewer/decoded_images.h"
+#include "viewer/scene_frames.h"
 #include "viewer/texture_view.h"
 
 namespace {
@@ -35,12 +37,17 @@ struct Result {
 };
 
 Result result;
-Texture texture;
+Texture texture;  ///< the picture that is open
+std::optional<viewer::SceneFrames> scene_frames;
 
 void link_bundle() {
     os::set_linked_library(
         {{"EntryPointFunc", reinterpret_cast<os::DynamicLibrary::Function>(&EntryPointFunc)},
          {"Main_VORTANXR_AE", reinterpret_cast<os::DynamicLibrary::Function>(&Main_VORTANXR_AE)}});
+}
+
+std::string json_dump(const embedded::Json& json) {
+    return json.dump(-1, ' ', false, embedded::Json::error_handler_t::replace);
 }
 
 /// Calls `work`; what it throws becomes the messages and false.
@@ -95,6 +102,7 @@ EMSCRIPTEN_KEEPALIVE int viewer_kind(const std::uint8_t* bytes, std::size_t size
 /// Runs `vxr`; `arguments` are `count` texts, each with a zero behind it. Returns the exit code.
 EMSCRIPTEN_KEEPALIVE int viewer_run(const char* arguments, int count) {
     link_bundle();
+    scene_frames.reset();  // has the one host that there may be
     std::vector<std::string> list;
     for (int i = 0; i < count; ++i) {
         list.emplace_back(arguments);
@@ -149,6 +157,64 @@ EMSCRIPTEN_KEEPALIVE std::uint8_t* viewer_new_picture(int width_px, int height_p
 EMSCRIPTEN_KEEPALIVE std::uint8_t* viewer_alpha(int alpha) {
     const auto index = static_cast<std::size_t>(alpha);
     return index < texture.alphas.size() ? texture.alphas[index].values.data() : nullptr;
+}
+
+/// Opens the frames of a scene until the next viewer_run(): [{"name","frames"}], a composition each. Footage
+/// is looked for in the folder `search`, too, unless it is empty.
+EMSCRIPTEN_KEEPALIVE bool viewer_open_scene(const char* path, const char* search, const char* bundle) {
+    link_bundle();
+    viewer::read_decoded_images();
+    scene_frames.reset();
+    return done([&] {
+        scene_frames.emplace(path, search, bundle);
+        embedded::Json compositions = embedded::Json::array();
+        for (const viewer::SceneFrames::Composition& one : scene_frames->compositions()) {
+            compositions.push_back({{"name", one.name}, {"frames", one.frames}});
+        }
+        result.text = json_dump(compositions);
+    });
+}
+
+/// The paths of the image files that the page decodes before viewer_draw_frame().
+EMSCRIPTEN_KEEPALIVE bool viewer_files_to_decode(int composition, double frame) {
+    return done([&] {
+        result.text = json_dump(scene_frames.value().files_to_decode(static_cast<std::size_t>(composition),
+                                                                     static_cast<std::int64_t>(frame)));
+    });
+}
+
+/// Keeps the picture of viewer_new_picture() as what the browser decoded of a file or, with a `problem` that
+/// is not empty, that there is none.
+EMSCRIPTEN_KEEPALIVE bool viewer_keep_decoded(const char* path, const char* problem) {
+    const std::string_view why(problem);
+    return done([&] {
+        if (why.empty()) {
+            viewer::keep_decoded_image(path, std::move(texture));
+        } else {
+            viewer::keep_undecodable_image(path, problem);
+        }
+        texture = {};
+    });
+}
+
+/// Draws a frame and opens it as a picture. The result is {"diagnostics","width_px","height_px"}: what it does
+/// not show, and its size. False when there is no picture.
+EMSCRIPTEN_KEEPALIVE bool viewer_draw_frame(int composition, double frame) {
+    texture = {};
+    const bool ran = done([&] {
+        cli::PreviewFrame drawn = scene_frames.value().draw(static_cast<std::size_t>(composition),
+                                                            static_cast<std::int64_t>(frame));
+        if (drawn.error) {
+            drawn.findings.push_back(*drawn.error);
+        }
+        if (drawn.picture) {
+            texture = std::move(*drawn.picture);
+        }
+        result.text = json_dump({{"diagnostics", cli::diagnostics_json(drawn.findings)},
+                                 {"width_px", texture.width_px},
+                                 {"height_px", texture.height_px}});
+    });
+    return ran && texture.pixel_count() > 0;
 }
 
 EMSCRIPTEN_KEEPALIVE bool viewer_draw(double left_px, double top_px, double step_px, int width_px,

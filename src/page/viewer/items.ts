@@ -1,44 +1,20 @@
 // What is shown of one file.
 import { button, element } from "../elements.ts";
-import type { Diagnostic, Kind, PlacedFile } from "./messages.ts";
+import { BUNDLE, FOLDER, type Kind, type PlacedFile } from "./messages.ts";
+import { findings, grouped } from "./findings.ts";
+import { showFrames } from "./frames.ts";
 import { offer, showPicture } from "./picture_view.ts";
 import type { Session } from "./session.ts";
 import { showScene } from "../article.ts";
 import { scenesOfPage } from "../data.ts";
 
-const MOST_FINDINGS = 200;
-
-/** The plug-in is part of the program: it is there under any name. */
-const BUNDLE = "/VORTANXR_AE";
 const REPORT_FILE = "/report.html";
 const REPORT = (path: string, search: boolean): readonly string[] => {
-    const more = search ? ["--search", "/dropped"] : [];
+    const more = search ? ["--search", FOLDER] : [];
     return ["report", "--bundle", BUNDLE, "--pictures", "0", ...more, "-o", REPORT_FILE, "--", path];
 };
 const CHECK = (path: string): readonly string[] => ["check", "--json", "--", path];
 const IMPORT = (path: string): readonly string[] => ["import", "--json", "--bundle", BUNDLE, "--", path];
-
-function grouped(value: number): string {
-    return value.toLocaleString("en-US");
-}
-
-function finding(one: Diagnostic): HTMLElement {
-    return element(
-        "li",
-        {},
-        element("span", { class: `mark ${one.severity}` }, one.severity),
-        ` ${one.reason ?? one.message ?? ""} `,
-        element("span", { class: "code" }, one.code),
-    );
-}
-
-export function findings(all: readonly Diagnostic[]): HTMLElement {
-    const place = element("ul", { class: "findings" }, ...all.slice(0, MOST_FINDINGS).map(finding));
-    if (all.length > MOST_FINDINGS) {
-        place.append(element("li", {}, `and ${grouped(all.length - MOST_FINDINGS)} more`));
-    }
-    return place;
-}
 
 function problem(text: string): HTMLElement {
     return element("p", { class: "problem" }, text);
@@ -92,8 +68,11 @@ async function showPixels(place: HTMLElement, session: Session, { path, file }: 
     if (picture === null) {
         return;
     }
-    showPicture(place, session, path, picture, (reason) => {
-        place.append(problem(`The picture cannot be drawn: ${reason}`));
+    showPicture(place, session, picture, {
+        path: () => path,
+        failed: (reason) => {
+            place.append(problem(`The picture cannot be drawn: ${reason}`));
+        },
     });
 }
 
@@ -106,8 +85,8 @@ function parsed(report: string): Document {
 function nameFilesAsDropped(article: HTMLElement): void {
     const texts = document.createTreeWalker(article, NodeFilter.SHOW_TEXT);
     for (let text = texts.nextNode(); text !== null; text = texts.nextNode()) {
-        if (text.nodeValue?.includes("/dropped/") === true) {
-            text.nodeValue = text.nodeValue.replaceAll("/dropped/", "");
+        if (text.nodeValue?.includes(`${FOLDER}/`) === true) {
+            text.nodeValue = text.nodeValue.replaceAll(`${FOLDER}/`, "");
         }
     }
 }
@@ -162,6 +141,15 @@ async function showComposition(place: HTMLElement, session: Session, file: Place
     }
     place.append(adopted);
     showScene(adopted, scene);
+    // The report was made without pictures.
+    const none = adopted.querySelector('[id$="-pictures"]')?.nextElementSibling;
+    if (none !== null && none !== undefined) {
+        const frames = element("div", { class: "frames" });
+        await showFrames(frames, session, path, search);
+        if (frames.hasChildNodes()) {
+            none.replaceWith(frames);
+        }
+    }
 }
 
 /** Fills `place`. Rejects when the worker stopped. */

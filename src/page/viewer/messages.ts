@@ -6,6 +6,12 @@ export interface PlacedFile {
     readonly file: File;
 }
 
+/** The folder of the program's file system that has the dropped files. */
+export const FOLDER = "/dropped";
+
+/** The plug-in is part of the program: it is there under any name. */
+export const BUNDLE = "/VORTANXR_AE";
+
 export type Kind = "texture" | "scene" | "image" | "other";
 
 /** As in src/viewer/texture_view.h. */
@@ -27,6 +33,14 @@ export type Task =
     | { readonly kind: "open"; readonly program: WebAssembly.Module }
     | { readonly kind: "run"; readonly arguments: readonly string[]; readonly output?: string }
     | { readonly kind: "look"; readonly path: string; readonly as: Kind }
+    | { readonly kind: "scene"; readonly path: string; readonly search: boolean }
+    | {
+          readonly kind: "frame";
+          readonly path: string;
+          readonly search: boolean;
+          readonly composition: number;
+          readonly frame: number;
+      }
     | { readonly kind: "draw"; readonly window: Window }
     | { readonly kind: "values"; readonly x: number; readonly y: number }
     | { readonly kind: "save"; readonly look: Look; readonly alpha: number };
@@ -37,6 +51,7 @@ export interface Diagnostic {
     readonly severity: string;
     readonly reason?: string;
     readonly message?: string;
+    readonly at?: { readonly file?: unknown };
 }
 
 export interface Picture {
@@ -44,6 +59,19 @@ export interface Picture {
     readonly height: number;
     readonly channels: number;
     readonly alphas: readonly string[];
+}
+
+/** A composition of a scene. */
+export interface Composition {
+    readonly name: string;
+    readonly frames: number;
+}
+
+/** What there is to see of a file, which is open from then on. */
+export interface Looked {
+    readonly picture: Picture | null;
+    readonly diagnostics: readonly Diagnostic[];
+    readonly problem: string;
 }
 
 export interface Ran {
@@ -60,7 +88,10 @@ export interface Results {
     /** Of the files that were added, in their order. */
     open: readonly Kind[];
     run: Ran;
-    look: { readonly picture: Picture | null; readonly diagnostics: readonly Diagnostic[]; readonly problem: string };
+    look: Looked;
+    /** From the outermost one on; none if the scene is not imported. */
+    scene: readonly Composition[];
+    frame: Looked;
     draw: Uint8ClampedArray<ArrayBuffer>;
     values: readonly number[];
     save: Uint8Array<ArrayBuffer>;

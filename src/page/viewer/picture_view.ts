@@ -1,6 +1,6 @@
 // A window onto the picture that the worker has open: any part at any scale, any alpha, the values of a pixel.
 import { button, choice, element } from "../elements.ts";
-import type { Look, Picture } from "./messages.ts";
+import { LOOKS, type Look, type Picture } from "./messages.ts";
 import { Stopped, type Session } from "./session.ts";
 
 const CLOSEST_STEP = 1 / 64;
@@ -12,7 +12,19 @@ interface Choice {
     readonly alpha: number;
 }
 
-function choicesOf(picture: Picture): readonly Choice[] {
+export interface PictureUse {
+    /** What a saved picture is named after, at that time. */
+    readonly path: () => string;
+    readonly failed: (reason: string) => void;
+    /** What can be shown of it; everything if it is not said. */
+    readonly looks?: readonly Look[];
+    /** What is shown at first. */
+    readonly first?: Look;
+    /** Other names for what can be shown. */
+    readonly titles?: Readonly<Partial<Record<Look, string>>>;
+}
+
+function choicesOf(picture: Picture, { looks = LOOKS, titles = {} }: PictureUse): readonly Choice[] {
     const all: Choice[] = [{ title: "Colour", look: "colour", alpha: 0 }];
     picture.alphas.forEach((name, alpha) => {
         const number = picture.alphas.length > 1 ? ` ${alpha + 1}` : "";
@@ -21,7 +33,7 @@ function choicesOf(picture: Picture): readonly Choice[] {
         all.push({ title: `Cut out by ${title} (premultiplied)`, look: "premultiplied", alpha });
         all.push({ title: `Cut out by ${title} (straight)`, look: "straight", alpha });
     });
-    return all;
+    return all.filter((one) => looks.includes(one.look)).map((one) => ({ ...one, title: titles[one.look] ?? one.title }));
 }
 
 /** "photo_rgb_alpha.png", "photo_rgb_alpha_alpha2.png" */
@@ -40,9 +52,10 @@ export function offer(bytes: BlobPart, name: string, type: string): void {
     }, 60_000);
 }
 
-export function showPicture(place: HTMLElement, session: Session, path: string, picture: Picture, failed: (reason: string) => void): void {
-    const choices = choicesOf(picture);
-    let chosen: Choice = choices[0] ?? { title: "", look: "colour", alpha: 0 };
+/** Shows the picture that is open in the worker. Returns what draws it again after another of its size was opened. */
+export function showPicture(place: HTMLElement, session: Session, picture: Picture, use: PictureUse): () => void {
+    const choices = choicesOf(picture, use);
+    let chosen: Choice = choices.find((one) => one.look === use.first) ?? choices[0] ?? { title: "", look: "colour", alpha: 0 };
     let step = 1;
     let left = 0;
     let top = 0;
@@ -58,7 +71,7 @@ export function showPicture(place: HTMLElement, session: Session, path: string, 
 
     const report = (error: unknown): void => {
         if (!(error instanceof Stopped)) {
-            failed(error instanceof Error ? error.message : String(error));
+            use.failed(error instanceof Error ? error.message : String(error));
         }
     };
 
@@ -206,7 +219,7 @@ export function showPicture(place: HTMLElement, session: Session, path: string, 
         session
             .ask({ kind: "save", look: chosen.look, alpha: chosen.alpha })
             .then((png) => {
-                offer(png, fileName(path, chosen), "image/png");
+                offer(png, fileName(use.path(), chosen), "image/png");
             }, report)
             .finally(() => {
                 save.disabled = false;
@@ -214,16 +227,19 @@ export function showPicture(place: HTMLElement, session: Session, path: string, 
     });
     const controls = element("div", { class: "controls" });
     if (choices.length > 1) {
-        controls.append(
-            choice(
-                "Show",
-                choices.map((one, i) => [String(i), one.title] as const),
-                (value) => {
-                    chosen = choices[Number(value)] ?? chosen;
-                    show();
-                },
-            ),
+        const looks = choice(
+            "Show",
+            choices.map((one, i) => [String(i), one.title] as const),
+            (value) => {
+                chosen = choices[Number(value)] ?? chosen;
+                show();
+            },
         );
+        const select = looks.querySelector("select");
+        if (select !== null) {
+            select.value = String(choices.indexOf(chosen));
+        }
+        controls.append(looks);
     }
     controls.append(
         element(
@@ -262,4 +278,8 @@ export function showPicture(place: HTMLElement, session: Session, path: string, 
             fit();
         }
     }).observe(canvas);
+    return () => {
+        asked = "";
+        show();
+    };
 }

@@ -34,6 +34,10 @@ export interface Program {
     _viewer_open_texture(path: number): number;
     _viewer_new_picture(width: number, height: number, channels: number, withAlpha: number): number;
     _viewer_alpha(alpha: number): number;
+    _viewer_open_scene(path: number, search: number, bundle: number): number;
+    _viewer_files_to_decode(composition: number, frame: number): number;
+    _viewer_keep_decoded(path: number, problem: number): number;
+    _viewer_draw_frame(composition: number, frame: number): number;
     _viewer_draw(left: number, top: number, step: number, width: number, height: number, look: number, alpha: number): number;
     _viewer_values(x: number, y: number): number;
     _viewer_plane(look: number, alpha: number): number;

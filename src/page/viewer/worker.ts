@@ -1,20 +1,34 @@
 // The worker: it has the program and the files, and does one task after the other.
 import { encode } from "fast-png";
-import { decodeImage } from "./images.ts";
+import { decodeImage, type Image } from "./images.ts";
 import { mountFiles } from "./dropped_files.ts";
-import { LOOKS, type Diagnostic, type Kind, type PlacedFile, type Reply, type Request, type Results, type Task } from "./messages.ts";
+import {
+    BUNDLE,
+    FOLDER,
+    LOOKS,
+    type Composition,
+    type Diagnostic,
+    type Kind,
+    type Looked,
+    type PlacedFile,
+    type Reply,
+    type Request,
+    type Results,
+    type Task,
+} from "./messages.ts";
 import { bytesOf, messagesOf, terminated, textOf, withBytes, type CreateProgram, type Program } from "./program.ts";
 import madeByEmscripten from "vxr_viewer";
 
 const createProgram = madeByEmscripten as CreateProgram;
 
-const FOLDER = "/dropped";
 /** Enough of a file to know its kind. */
 const BEGINNING_BYTES = 64;
 /** Names of images that are worth trying to show. */
 const IMAGES = /\.(png|jpe?g|jfif|gif|webp|bmp|avif|ico|svg|tga|tiff?|rla|rpf|sgi|rgb|pic|iff|tdi|exr|hdr|psd|dpx|cin|dds)$/i;
 
 let program: Program | null = null;
+/** The scene whose frames are open in the program. */
+let openScene = "";
 const placed: PlacedFile[] = [];
 const files = new Map<string, File>();
 
@@ -77,6 +91,7 @@ async function open(module: WebAssembly.Module, tell: (done: number, of: number)
 
 function run(list: readonly string[], output: string | undefined): Results["run"] {
     const { FS } = running();
+    openScene = "";
     const code = withBytes(running(), terminated(list), (place) => running()._viewer_run(place, list.length));
     const ran = { code, text: textOf(running()), messages: messagesOf(running()) };
     if (output === undefined || !FS.analyzePath(output).exists) {
@@ -95,7 +110,7 @@ interface TextureFacts {
     readonly alphas: readonly (string | { readonly bytes: string })[];
 }
 
-function lookAtTexture(path: string): Results["look"] {
+function lookAtTexture(path: string): Looked {
     const opened = withBytes(running(), terminated([path]), (place) => running()._viewer_open_texture(place));
     const text = textOf(running());
     if (text === "") {
@@ -111,7 +126,26 @@ function lookAtTexture(path: string): Results["look"] {
     return { picture: opened === 0 ? null : picture, diagnostics: facts.diagnostics, problem: "" };
 }
 
-async function lookAtImage(path: string): Promise<Results["look"]> {
+/** Hands the program a picture. False when there is no memory for it. */
+function openPicture({ width, height, rgba, hasAlpha }: Image): boolean {
+    const colour = running()._viewer_new_picture(width, height, 3, hasAlpha ? 1 : 0);
+    if (colour === 0) {
+        return false;
+    }
+    const heap = running().HEAPU8;
+    const alpha = running()._viewer_alpha(0);
+    for (let pixel = 0; pixel < width * height; pixel += 1) {
+        heap[colour + 3 * pixel] = rgba[4 * pixel] ?? 0;
+        heap[colour + 3 * pixel + 1] = rgba[4 * pixel + 1] ?? 0;
+        heap[colour + 3 * pixel + 2] = rgba[4 * pixel + 2] ?? 0;
+        if (hasAlpha) {
+            heap[alpha + pixel] = rgba[4 * pixel + 3] ?? 0;
+        }
+    }
+    return true;
+}
+
+async function lookAtImage(path: string): Promise<Looked> {
     const file = files.get(path);
     if (file === undefined) {
         return { picture: null, diagnostics: [], problem: "the file is not there any more" };
@@ -125,20 +159,9 @@ async function lookAtImage(path: string): Promise<Results["look"]> {
     } catch (error) {
         return { picture: null, diagnostics: [], problem: error instanceof Error ? error.message : String(error) };
     }
-    const { width, height, rgba, hasAlpha } = image;
-    const colour = running()._viewer_new_picture(width, height, 3, hasAlpha ? 1 : 0);
-    if (colour === 0) {
+    const { width, height, hasAlpha } = image;
+    if (!openPicture(image)) {
         return { picture: null, diagnostics: [], problem: "there is not enough memory for the picture" };
-    }
-    const heap = running().HEAPU8;
-    const alpha = running()._viewer_alpha(0);
-    for (let pixel = 0; pixel < width * height; pixel += 1) {
-        heap[colour + 3 * pixel] = rgba[4 * pixel] ?? 0;
-        heap[colour + 3 * pixel + 1] = rgba[4 * pixel + 1] ?? 0;
-        heap[colour + 3 * pixel + 2] = rgba[4 * pixel + 2] ?? 0;
-        if (hasAlpha) {
-            heap[alpha + pixel] = rgba[4 * pixel + 3] ?? 0;
-        }
     }
     return {
         picture: { width, height, channels: 3, alphas: hasAlpha ? ["Alpha"] : [] },
@@ -147,13 +170,78 @@ async function lookAtImage(path: string): Promise<Results["look"]> {
     };
 }
 
+/** Calls `use` with texts in the program's memory. */
+function withTexts<Result>(texts: readonly string[], use: (...places: readonly number[]) => Result): Result {
+    let offset = 0;
+    const offsets = texts.map((text) => {
+        const own = offset;
+        offset += terminated([text]).length;
+        return own;
+    });
+    return withBytes(running(), terminated(texts), (place) => use(...offsets.map((own) => place + own)));
+}
+
+function openFrames(path: string, search: boolean): readonly Composition[] {
+    openScene = "";
+    const opened = withTexts([path, search ? FOLDER : "", BUNDLE], (name = 0, folder = 0, bundle = 0) =>
+        running()._viewer_open_scene(name, folder, bundle),
+    );
+    if (opened === 0) {
+        throw new Error(messagesOf(running()));
+    }
+    openScene = `${search} ${path}`;
+    return JSON.parse(textOf(running())) as readonly Composition[];
+}
+
+/** Decodes a file for the program, which draws colour bars for what cannot be decoded. */
+async function decodeFor(path: string): Promise<void> {
+    let problem = "";
+    try {
+        const name = path.startsWith(`${FOLDER}/`) ? path.slice(FOLDER.length + 1) : path;
+        const file = files.get(name);
+        if (file === undefined) {
+            problem = "it is not among what was dropped";
+        } else if (!openPicture(await decodeImage(file, name))) {
+            problem = "there is not enough memory for it";
+        }
+    } catch (error) {
+        problem = error instanceof Error ? error.message : String(error);
+    }
+    if (withTexts([path, problem], (name = 0, why = 0) => running()._viewer_keep_decoded(name, why)) === 0) {
+        throw new Error(messagesOf(running()));
+    }
+}
+
+async function drawFrame(task: Extract<Task, { kind: "frame" }>, tell: (done: number, of: number) => void): Promise<Looked> {
+    const { path, search, composition, frame } = task;
+    if (openScene !== `${search} ${path}`) {
+        openFrames(path, search);
+    }
+    if (running()._viewer_files_to_decode(composition, frame) === 0) {
+        throw new Error(messagesOf(running()));
+    }
+    const wanted = JSON.parse(textOf(running())) as readonly string[];
+    for (const [done, file] of wanted.entries()) {
+        tell(done, wanted.length);
+        await decodeFor(file);
+    }
+    const drawn = running()._viewer_draw_frame(composition, frame);
+    const text = textOf(running());
+    if (text === "") {
+        return { picture: null, diagnostics: [], problem: messagesOf(running()) };
+    }
+    const { diagnostics, width_px: width, height_px: height } = JSON.parse(text) as TextureFacts;
+    return { picture: drawn === 0 ? null : { width, height, channels: 3, alphas: ["alpha"] }, diagnostics, problem: "" };
+}
+
 let shown = { width: 0, height: 0 };
 
-async function look(path: string, kind: Kind): Promise<Results["look"]> {
-    const seen = kind === "texture" ? lookAtTexture(path) : await lookAtImage(path);
-    shown = seen.picture ?? { width: 0, height: 0 };
-    return seen;
+/** What is open from now on. */
+function seen(looked: Looked): Looked {
+    shown = looked.picture ?? { width: 0, height: 0 };
+    return looked;
 }
+
 
 function save(lookIndex: number, alpha: number): Uint8Array<ArrayBuffer> {
     const channels = running()._viewer_plane(lookIndex, alpha);
@@ -178,7 +266,11 @@ async function perform(task: Task, tell: (done: number, of: number) => void): Pr
         case "run":
             return run(task.arguments, task.output);
         case "look":
-            return look(task.path, task.as);
+            return seen(task.as === "texture" ? lookAtTexture(task.path) : await lookAtImage(task.path));
+        case "scene":
+            return openFrames(task.path, task.search);
+        case "frame":
+            return seen(await drawFrame(task, tell));
         case "draw": {
             const { left, top, step, width, height } = task.window;
             const drawn = running()._viewer_draw(left, top, step, width, height, indexOfLook(task.window.look), task.window.alpha);
