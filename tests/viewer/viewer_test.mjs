@@ -6,7 +6,7 @@
 // FOLDER takes pictures of what was looked at.
 import assert from "node:assert/strict";
 import { spawnSync } from "node:child_process";
-import { copyFileSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, rmSync, truncateSync, writeFileSync } from "node:fs";
+import { copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, rmSync, truncateSync, writeFileSync } from "node:fs";
 import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
 import { basename, dirname, join, relative, resolve } from "node:path";
@@ -190,6 +190,30 @@ async function savedDocument(page, what) {
     return page.evaluate(() => globalThis.lastSaved.text());
 }
 
+/** Whether the texture that is shown has a picture; if so, its colours are the native program's. */
+async function sameColour(page, file) {
+    const wanted = join(folder, "colour.png");
+    rmSync(wanted, { force: true });
+    native("texture", "convert", file, "--alpha", "none", "-o", wanted);
+    const save = page.getByRole("button", { name: "Save as PNG" });
+    assert.equal((await save.count()) > 0, existsSync(wanted), `whether ${file} has a picture`);
+    if (!existsSync(wanted)) {
+        return 0;
+    }
+    await page.evaluate(() => {
+        globalThis.lastSaved = null;
+    });
+    await save.click();
+    await page.waitForFunction(() => globalThis.lastSaved !== null);
+    const text = await page.evaluate(async () => {
+        const bytes = new Uint8Array(await globalThis.lastSaved.arrayBuffer());
+        return btoa(bytes.reduce((all, byte) => all + String.fromCharCode(byte), ""));
+    });
+    const [mine, theirs] = [pixelsOf(Buffer.from(text, "base64")), pixelsOf(readFileSync(wanted))];
+    assert.deepEqual(mine, theirs, `the colours of ${file}`);
+    return 1;
+}
+
 /** The page's documents about every scene and texture below a folder are the native program's, byte for byte. */
 async function sameDocuments(browser, dropped) {
     const page = await open(browser);
@@ -202,6 +226,7 @@ async function sameDocuments(browser, dropped) {
     };
     const different = [];
     let compared = 0;
+    let shown = 0;
     const compare = async (path, what, list) => {
         const mine = await savedDocument(page, what).catch((error) => told(page, `${what} of ${path}`, error));
         const theirs = said(list);
@@ -222,12 +247,15 @@ async function sameDocuments(browser, dropped) {
         await choose(page, path).catch((error) => told(page, path, error));
         if (path.endsWith(".txl")) {
             await compare(path, "check", ["texture", "check", "--json", "--", path]);
+            // One claims 3 GiB, as below.
+            shown += path.includes("large_claim") ? 0 : await sameColour(page, file);
         } else {
             await compare(path, "check", ["check", "--json", "--", path]);
             await compare(path, "project", ["import", "--json", "--bundle", bundle, "--", path]);
         }
     }
     console.log(`${compared - different.length} of ${compared} documents about ${basename(dropped)} are the native program's`);
+    console.log(`${shown} textures of them have a picture, with the native program's colours`);
     assert.deepEqual(different, []);
     assert.ok(compared > 0);
     await close(page);
@@ -346,23 +374,6 @@ async function badFiles(browser) {
     await close(page);
 }
 
-/** The longest time for which the page did nothing else since files were dropped. */
-async function watchPauses(page) {
-    await page.evaluate(() => {
-        globalThis.longest = 0;
-        let last = performance.now();
-        addEventListener("drop", () => {
-            last = performance.now();
-            globalThis.longest = 0;
-        }, { capture: true });
-        setInterval(() => {
-            const now = performance.now();
-            globalThis.longest = Math.max(globalThis.longest, now - last);
-            last = now;
-        }, 10);
-    });
-}
-
 async function manyFiles(browser) {
     const into = join(folder, "many");
     mkdirSync(into);
@@ -370,16 +381,11 @@ async function manyFiles(browser) {
         writeFileSync(join(into, `frame${String(i).padStart(5, "0")}.tga`), "x");
     }
     const page = await open(browser);
-    await watchPauses(page);
-    const began = Date.now();
     await dragAndDrop(page, [into]);
     await page.waitForFunction(() => document.querySelectorAll("#list li").length > 0, undefined, { timeout: 60_000 });
     await settled(page);
-    const longest = await page.evaluate(() => globalThis.longest);
-    console.log(`10,000 files are listed after ${Date.now() - began} ms; the longest pause is ${Math.round(longest)} ms`);
     assert.equal(await page.locator("#list .count").innerText(), "10000");
     assert.equal(await page.locator("#list li").count(), 200);
-    assert.ok(longest < 1000, `the page paused for ${longest} ms`);
     await close(page);
 }
 
@@ -400,26 +406,8 @@ async function largeTexture(browser) {
     assert.equal(made.status, 0, made.stderr);
     assert.equal(native("texture", "convert", image, "-o", large).status, 0);
     const small = join(project, "examples/textures/tiny.txl");
-    const best = (times) => Math.min(...times);
     const page = await open(browser);
     await drop(page, [small, large]);
-    const native_ms = [];
-    const page_ms = [];
-    for (let i = 0; i < 3; i += 1) {
-        let began = performance.now();
-        assert.equal(native("texture", "info", large).status, 0);
-        native_ms.push(performance.now() - began);
-        await choose(page, "tiny.txl");
-        began = performance.now();
-        await page.getByRole("button", { name: "large.txl", exact: true }).click();
-        await page.waitForFunction(
-            () => document.querySelector(".item h2")?.textContent === "large.txl" && document.querySelector("canvas")?.dataset.drawn,
-        );
-        page_ms.push(performance.now() - began);
-    }
-    console.log(`4096 x 4096 RGBA: native ${best(native_ms).toFixed(0)} ms, page ${best(page_ms).toFixed(0)} ms, drawing included`);
-    assert.ok(best(page_ms) < 3 * best(native_ms), "within three times the native time");
-
     await check("cancelling", async () => {
         await choose(page, "tiny.txl");
         await page.getByRole("button", { name: "large.txl", exact: true }).click();
