@@ -10,7 +10,7 @@ import { copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFile
 import { createRequire } from "node:module";
 import { tmpdir } from "node:os";
 import { basename, dirname, join, relative, resolve } from "node:path";
-import { inflateSync } from "node:zlib";
+import { pixelsOf } from "./png_pixels.mjs";
 
 const [viewer, vxr, bundle, chromium, project, pictures] = process.argv.slice(2).map((one) => resolve(one));
 const require = createRequire(join(project, "build/npm/package.json"));
@@ -34,39 +34,6 @@ function native(...list) {
     const run = spawnSync(vxr, list, { encoding: "utf8", maxBuffer: 1 << 28 });
     assert.notEqual(run.status, null, `vxr ${list.join(" ")}: ${run.error}`);
     return run;
-}
-
-/** The pixels of a PNG of 8 bits a channel, by the format's description: neither program's own reader. */
-function pixelsOf(png) {
-    const width = png.readUInt32BE(16);
-    const height = png.readUInt32BE(20);
-    assert.equal(png[24], 8, "8 bits");
-    const channels = { 0: 1, 2: 3, 4: 2, 6: 4 }[png[25]];
-    assert.equal(png[28], 0, "not interlaced");
-    const parts = [];
-    for (let at = 8; at < png.length; at += png.readUInt32BE(at) + 12) {
-        if (png.toString("latin1", at + 4, at + 8) === "IDAT") {
-            parts.push(png.subarray(at + 8, at + 8 + png.readUInt32BE(at)));
-        }
-    }
-    const raw = inflateSync(Buffer.concat(parts));
-    const row = width * channels;
-    assert.equal(raw.length, (row + 1) * height, "all rows");
-    const pixels = Buffer.alloc(row * height);
-    for (let y = 0; y < height; y += 1) {
-        const filter = raw[y * (row + 1)];
-        for (let x = 0; x < row; x += 1) {
-            const at = y * row + x;
-            const a = x >= channels ? pixels[at - channels] : 0;
-            const b = y > 0 ? pixels[at - row] : 0;
-            const c = x >= channels && y > 0 ? pixels[at - row - channels] : 0;
-            const p = a + b - c;
-            const [pa, pb, pc] = [Math.abs(p - a), Math.abs(p - b), Math.abs(p - c)];
-            const paeth = pa <= pb && pa <= pc ? a : pb <= pc ? b : c;
-            pixels[at] = raw[y * (row + 1) + 1 + x] + [0, a, b, (a + b) >> 1, paeth][filter];
-        }
-    }
-    return { width, height, channels, pixels };
 }
 
 async function open(browser, { theme = "light", width = 1200, height = 900 } = {}) {
@@ -586,6 +553,27 @@ async function sameFrames(browser) {
     await close(page);
 }
 
+/** A scene still works on its frames when another file is chosen: the picture that is open is the other file's. */
+async function chooseMeanwhile(browser) {
+    const page = await open(browser);
+    const texture = join(project, "examples/textures/photo_rgb_alpha.txl");
+    await drop(page, [texture, join(project, "examples/keyframes/orbit_030.aec"), join(project, "examples/keyframes/stage.tif")]);
+    const wanted = join(folder, "meanwhile.png");
+    native("texture", "convert", texture, "--alpha", "none", "-o", wanted);
+    for (let i = 0; i < 5; i += 1) {
+        await choose(page, "stage.tif");
+        await page.evaluate(() => {
+            for (const name of ["orbit_030.aec", "photo_rgb_alpha.txl"]) {
+                [...document.querySelectorAll("#list button")].find((one) => one.textContent === name).click();
+            }
+        });
+        await page.waitForFunction(() => document.querySelector("canvas")?.dataset.drawn);
+        await page.waitForTimeout(300);
+        assert.deepEqual(await saved(page), pixelsOf(readFileSync(wanted)));
+    }
+    await close(page);
+}
+
 /** Footage that lies elsewhere is found when asked for. */
 async function searchFootage(browser) {
     const into = join(folder, "job");
@@ -654,6 +642,7 @@ try {
     await check("10,000 files", () => manyFiles(browser));
     await check("a large texture", () => largeTexture(browser));
     await check("frames", () => sameFrames(browser));
+    await check("another file chosen meanwhile", () => chooseMeanwhile(browser));
     await check("footage elsewhere", () => searchFootage(browser));
     await check("the buttons", () => chooseByButtons(browser));
     await check("footage", () => sameFootage(browser));

@@ -12,8 +12,14 @@ function named(one: Diagnostic): Diagnostic {
     return typeof file === "string" && file !== "" ? { ...one, reason: `${file.replace(`${FOLDER}/`, "")}: ${reason}` } : one;
 }
 
-/** Fills `place`; leaves it empty if the scene has no composition. */
+/**
+ * Fills `place`, which is in the page; leaves it empty if the scene has no composition. Asks for nothing once it was taken out
+ * of the page: the worker has one picture open, and by then that is another one.
+ */
 export async function showFrames(place: HTMLElement, session: Session, path: string, search: boolean): Promise<void> {
+    if (!place.isConnected) {
+        return;
+    }
     const compositions = await session.ask({ kind: "scene", path, search });
     const [outermost] = compositions;
     if (outermost === undefined) {
@@ -73,7 +79,7 @@ export async function showFrames(place: HTMLElement, session: Session, path: str
         }
         busy = true;
         try {
-            for (let done = 0; done !== wanted; ) {
+            for (let done = 0; done !== wanted && place.isConnected; ) {
                 done = wanted;
                 const drawn = { kind: "frame", path, search, composition: compositions.indexOf(composition), frame } as const;
                 show(await session.ask(drawn));

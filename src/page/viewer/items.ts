@@ -145,9 +145,10 @@ async function showComposition(place: HTMLElement, session: Session, file: Place
     const none = adopted.querySelector('[id$="-pictures"]')?.nextElementSibling;
     if (none !== null && none !== undefined) {
         const frames = element("div", { class: "frames" });
+        none.replaceWith(frames);
         await showFrames(frames, session, path, search);
-        if (frames.hasChildNodes()) {
-            none.replaceWith(frames);
+        if (!frames.hasChildNodes()) {
+            frames.replaceWith(none);
         }
     }
 }
