@@ -20,10 +20,12 @@
 #include "python/import_calls.h"
 #include "python/key_columns.h"
 #include "python/preview_calls.h"
+#include "python/report_calls.h"
 #include "python/scene_calls.h"
 #include "python/texture_calls.h"
 #include "system/files.h"
 #include "system/program_path.h"
+#include "text/printable.h"
 
 namespace py = pybind11;
 
@@ -192,6 +194,15 @@ py::tuple draw_frames_call(const py::bytes& path, const std::vector<std::string>
     return py::make_tuple(py::str(answer.document), pictures);
 }
 
+py::str write_report_call(const std::vector<std::string>& paths, const std::vector<std::string>& search,
+                          const std::vector<std::string>& maps, const py::bytes& bundle,
+                          const py::bytes& output, std::size_t pictures, int threads,
+                          const py::object& told) {
+    const ReportRequest request{paths, {search, maps, {}}, bundle, output, pictures, threads};
+    const Watch watch = watch_of(told);
+    return py::str(without_lock([&] { return write_report(request, watch); }));
+}
+
 py::tuple read_texture_call(const py::bytes& path) {
     const std::string name = path;
     TextureAnswer answer = without_lock([&] { return read_texture_file(name); });
@@ -256,6 +267,9 @@ PYBIND11_MODULE(_native, module) {
     module.def("export_scene", export_scene_call);
     module.def("prove_scene", prove_scene_call);
     module.def("draw_frames", draw_frames_call);
+    module.def("write_report", write_report_call);
+    module.def("printable",
+               [](const py::bytes& text) { return py::str(text::printable(std::string(text))); });
     module.def("read_texture", read_texture_call);
     module.def("write_texture", write_texture_call);
 }

@@ -2,6 +2,8 @@
 
 import random
 
+import pytest
+
 import vortanxr as vx
 from conftest import NIGHT
 
@@ -68,3 +70,15 @@ def test_broken_textures(examples, tmp_path):
 
     counts = outcomes(sorted(examples.glob("*/*.txl")), read, vx.TextureError, tmp_path, ".txl")
     assert min(counts.values()) > 0, counts
+
+
+def test_a_message_is_one_line_whatever_the_name(tmp_path):
+    path = tmp_path / "two\nlines\x1b[2J\udcff.aec"
+    path.write_bytes(b"no scene")
+    with pytest.raises(vx.SceneError) as raised:
+        vx.read_scene(path)
+    assert "two\\x0alines\\x1b[2J\\xff.aec:1:1: error: " in str(raised.value)
+    assert str(raised.value).isprintable()
+    assert raised.value.file == str(path)
+    problem = vx.PluginError(("cannot read a\nb",))
+    assert str(problem) == "cannot read a\\x0ab"

@@ -19,10 +19,11 @@ def test_the_blocks_of_the_documents_run_as_printed(tmp_path, monkeypatch, examp
     renders = tmp_path / "renders"
     shutil.copytree(examples / "square", renders)
     shutil.copy(examples / "square" / "courtyard_020.aec", tmp_path / "shot.aec")
+    shutil.copy(examples / "keyframes" / "orbit_030.aec", tmp_path / "old.aec")
     shutil.copy(next(examples.glob("textured/*.txl")), tmp_path / "cloth.txl")
     monkeypatch.chdir(tmp_path)
     names: dict[str, object] = {}
-    for document, count in (("README.md", 1), ("docs/python.md", 4)):
+    for document, count in (("README.md", 1), ("docs/python.md", 5)):
         text = (PROJECT / document).read_text(encoding="utf-8")
         blocks = re.findall(r"^```python\n(.*?)^```$", text, re.MULTILINE | re.DOTALL)
         assert len(blocks) == count, document
@@ -32,6 +33,7 @@ def test_the_blocks_of_the_documents_run_as_printed(tmp_path, monkeypatch, examp
     assert (vx.read_texture("negative.txl").color == 255 - vx.read_texture("cloth.txl").color).all()
     assert pathlib.Path("shot.glb").read_bytes().startswith(b"glTF")
     assert names["relinked"]
+    assert pathlib.Path("shots.html").read_text(encoding="utf-8").startswith("<!doctype html>")
 
 
 def test_everything_has_help_and_types():

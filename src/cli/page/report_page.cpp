@@ -168,6 +168,11 @@ class PageText {
 
 }  // namespace
 
+std::size_t pictures_of_each(std::size_t most, std::size_t scenes) {
+    constexpr std::size_t kMostOfAll = 48;
+    return std::min(most, std::max<std::size_t>(1, kMostOfAll / scenes));
+}
+
 WrittenScene write_scene(const PageScene& scene, std::size_t index, bool alone) {
     WrittenScene written{scene.file, scene.code, verdict_sentence(scene)};
     written.losses = scene.count_of(Severity::loss);

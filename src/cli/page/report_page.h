@@ -27,6 +27,10 @@ struct WrittenScene {
     std::string data{};       ///< JSON, for a script element
 };
 
+/// How many frames of a scene a page with so many scenes shows, at most `most`: with many scenes fewer, so
+/// that it opens quickly.
+[[nodiscard]] std::size_t pictures_of_each(std::size_t most, std::size_t scenes);
+
 /// The scene as number `index` of the page, from 0, and `alone` if the page has no other.
 [[nodiscard]] WrittenScene write_scene(const PageScene& scene, std::size_t index, bool alone);
 

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <exception>
 #include <memory>
 #include <mutex>
@@ -86,12 +85,6 @@ class ReportCommand : public Command {
         }
     }
 
-    // How many frames of a scene a page shows: with many scenes fewer, so that it opens quickly.
-    [[nodiscard]] std::size_t pictures_each(std::size_t scenes) const {
-        constexpr std::size_t kMostOfAll = 48;
-        return std::min(static_cast<std::size_t>(pictures_), std::max<std::size_t>(1, kMostOfAll / scenes));
-    }
-
     // Whether the output may be written; `roles` knows what is read.
     void claim_output(FileRoles roles) const {
         if (const std::string refusal = roles.writes(output_, "-o"); !refusal.empty()) {
@@ -142,7 +135,8 @@ class ReportCommand : public Command {
                     // The bundle is loaded once into a process, and serves one host at a time.
                     const std::scoped_lock lock(one_host);
                     scene = page_scene(found.reading(), check.code, std::move(check.diagnostics), bundle,
-                                       pictures_each(files.size()), threads_for(jobs_));
+                                       pictures_of_each(static_cast<std::size_t>(pictures_), files.size()),
+                                       threads_for(jobs_));
                 }
                 seen.written = write_scene(scene, i, files.size() == 1);
                 seen.diagnostics = std::move(scene.diagnostics);

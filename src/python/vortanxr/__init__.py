@@ -46,6 +46,7 @@ from ._project import (
     Stream,
     import_scene,
 )
+from ._report import ReportedScene, write_report
 from ._scene import (
     Camera,
     Check,
@@ -98,6 +99,7 @@ __all__ = [
     "Proof",
     "Relinked",
     "RelinkedPath",
+    "ReportedScene",
     "Scene",
     "SceneError",
     "SceneObject",
@@ -112,6 +114,7 @@ __all__ = [
     "read_scene",
     "read_texture",
     "relink_scene",
+    "write_report",
     "write_texture",
 ]
 

@@ -44,10 +44,15 @@ def bundle_bytes(bundle: Path | None) -> bytes:
     return optional_path_bytes(bundle if bundle is not None else os.environ.get("VXR_BUNDLE") or None)
 
 
+def path_list(paths: Iterable[Path], name: str, kind: str) -> list[bytes]:
+    """The bytes of paths. ``name`` is that of the parameter, ``kind`` a word for what it takes."""
+    if isinstance(paths, (str, bytes, os.PathLike)):
+        raise TypeError(f"{name} takes a list of {kind}s; for one {kind} write [{kind}]")
+    return [path_bytes(path) for path in paths]
+
+
 def folder_list(search: Iterable[Path]) -> list[bytes]:
-    if isinstance(search, (str, bytes, os.PathLike)):
-        raise TypeError("search takes a list of folders; for one folder write [folder]")
-    folders = [path_bytes(folder) for folder in search]
+    folders = path_list(search, "search", "folder")
     for folder in folders:
         if not os.path.isdir(folder):
             raise PathError(f"search names a path that is not a folder: {os.fsdecode(folder)!r}")

@@ -5,6 +5,14 @@ from __future__ import annotations
 from dataclasses import dataclass
 from typing import Any
 
+from . import _native
+
+
+
+def printable(text: str) -> str:
+    """The text on one line, as ``vxr`` shows it: control characters and bytes that are not UTF-8 as ``\\xNN``."""
+    return _native.printable(text.encode("utf-8", "surrogateescape"))
+
 
 @dataclass(frozen=True)
 class MissingFootage:
@@ -52,7 +60,7 @@ class Diagnostic:
 
     def __str__(self) -> str:
         place = "".join(f":{number}" for number in (self.line, self.column) if number is not None)
-        return f"{self.file}{place}: {self.severity}: {self.reason} [{self.code}]"
+        return f"{printable(self.file)}{place}: {self.severity}: {printable(self.reason)} [{self.code}]"
 
 
 def missing_footage_of(document: dict[str, Any]) -> MissingFootage:

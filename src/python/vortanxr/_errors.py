@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from typing import TYPE_CHECKING
 
-from ._diagnostics import Diagnostic
+from ._diagnostics import Diagnostic, printable
 
 if TYPE_CHECKING:
     from ._project import Project
@@ -74,7 +74,7 @@ class PluginError(Exception):
         """What may be the reason."""
 
     def __str__(self) -> str:
-        return "; ".join(self.problems)
+        return "; ".join(map(printable, self.problems))
 
 
 class PathError(ValueError):

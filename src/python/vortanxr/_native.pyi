@@ -66,5 +66,16 @@ def draw_frames(
     threads: int,
     told: Callable[[float], None],
 ) -> tuple[str, list[tuple[_Bytes, _Bytes]]]: ...
+def write_report(
+    paths: list[bytes],
+    search: list[bytes],
+    maps: list[bytes],
+    bundle: bytes,
+    output: bytes,
+    pictures: int,
+    threads: int,
+    told: Callable[[float], None],
+) -> str: ...
+def printable(text: bytes) -> str: ...
 def read_texture(path: bytes) -> tuple[str, _Bytes | None, list[tuple[bytes, _Bytes]]]: ...
 def write_texture(path: bytes, color: _Bytes, alphas: list[tuple[bytes, _Bytes]]) -> str: ...
