@@ -88,7 +88,11 @@ class TiffDirectory {
 
     /// Value number `index` of a tag; `otherwise` when there is none.
     std::int64_t value(int tag, std::int64_t otherwise, std::uint64_t index = 0) {
-        const std::uint64_t entry = find(tag);
+        return value_of(find(tag), otherwise, index);
+    }
+    /// The same for the entry that `find` returned: a file may have as many values as entries, and must not
+    /// have each of them looked for.
+    std::int64_t value_of(std::uint64_t entry, std::int64_t otherwise, std::uint64_t index) {
         const int bytes = entry == 0 ? 0 : type_bytes(file_.u16(entry + 2));
         if (bytes == 0 || index >= count_of(entry)) {
             return otherwise;
@@ -103,9 +107,19 @@ class TiffDirectory {
             file_.number(place + index * static_cast<std::uint64_t>(bytes), bytes));
     }
 
-    std::uint64_t count(int tag) {
-        const std::uint64_t entry = find(tag);
-        return entry == 0 ? 0 : count_of(entry);
+    /// Where the entry of a tag is; 0 when there is none.
+    std::uint64_t find(int tag) {
+        for (std::uint64_t i = 0; i < count_ && !file_.cut_off(); ++i) {
+            const std::uint64_t entry = first_ + i * (big_ ? 20 : 12);
+            if (file_.u16(entry) == tag) {
+                return entry;
+            }
+        }
+        return 0;
+    }
+
+    std::uint64_t count_of(std::uint64_t entry) {
+        return big_ ? file_.number(entry + 4, 8) : file_.u32(entry + 4);
     }
 
   private:
@@ -125,20 +139,6 @@ class TiffDirectory {
         }
     }
 
-    std::uint64_t count_of(std::uint64_t entry) {
-        return big_ ? file_.number(entry + 4, 8) : file_.u32(entry + 4);
-    }
-
-    std::uint64_t find(int tag) {
-        for (std::uint64_t i = 0; i < count_ && !file_.cut_off(); ++i) {
-            const std::uint64_t entry = first_ + i * (big_ ? 20 : 12);
-            if (file_.u16(entry) == tag) {
-                return entry;
-            }
-        }
-        return 0;
-    }
-
     HeaderBytes& file_;
     bool big_;
     std::uint64_t first_ = 0;
@@ -156,10 +156,11 @@ void find_tiff_alpha(TiffDirectory& directory, int photometric, Header& header) 
     int alpha = header.channels == 2 ? 1 : (header.channels >= 4 ? 3 : -1);
     bool premultiplied = true;
     const int colours = photometric < kRgb || photometric == 3 || photometric == 4 ? 1 : 3;
-    const std::uint64_t extras = std::min<std::uint64_t>(directory.count(kTiffExtraSamples), 0xFFFF);
+    const std::uint64_t entry = directory.find(kTiffExtraSamples);
+    const std::uint64_t extras = entry == 0 ? 0 : std::min<std::uint64_t>(directory.count_of(entry), 0xFFFF);
     for (std::uint64_t i = 0; i < extras && colours + static_cast<int>(i) < header.channels; ++i) {
         const int channel = colours + static_cast<int>(i);
-        const std::int64_t kind = directory.value(kTiffExtraSamples, 0, i);
+        const std::int64_t kind = directory.value_of(entry, 0, i);
         if (kind == kAssociated || kind == kUnassociated) {
             alpha = channel;
             premultiplied = kind == kAssociated;

@@ -110,4 +110,38 @@ TEST(BuiltInHeader, IsRefusedWithAReasonWhenInvalid) {
     }
 }
 
+TEST(BuiltInHeader, TakesTimeInProportionToTheFile) {
+    // As many entries and extra samples as a TIFF has. The last entry names the samples, and looking for it
+    // once more for each would read the directory 4,000 times.
+    constexpr int kEntries = 4000;
+    const auto number = [](int value, int bytes) {
+        std::string text;
+        for (int i = 0; i < bytes; ++i) {
+            text += static_cast<char>(value >> (8 * i) & 0xFF);
+        }
+        return text;
+    };
+    const auto entry = [&](int tag, int type, int count, int value) {
+        return number(tag, 2) + number(type, 2) + number(count, 4) + number(value, 4);
+    };
+    std::string tiff = std::string("II\x2a\0", 4) + number(8, 4) + number(kEntries, 2) + entry(256, 3, 1, 5) +
+                       entry(257, 3, 1, 3) + entry(277, 3, 1, kEntries);
+    for (int i = 4; i < kEntries; ++i) {
+        tiff += entry(40000, 3, 1, 0);
+    }
+    tiff += entry(338, 3, kEntries, 10 + 12 * kEntries) + std::string(2 * kEntries, '\0');
+    const image::ReadAt in = reads(tiff);
+    std::int64_t read_bytes = 0;
+    const image::ReadAt counted = [&](std::uint64_t offset_bytes, char* data, std::size_t count) {
+        read_bytes += static_cast<std::int64_t>(count);
+        return in(offset_bytes, data, count);
+    };
+    std::string error;
+    const std::optional<Header> header = read_built_in_header(counted, "a.tif", error);
+    ASSERT_TRUE(header.has_value()) << error;
+    EXPECT_EQ(header->channels, kEntries);
+    EXPECT_FALSE(header->has_alpha);
+    EXPECT_LT(read_bytes, static_cast<std::int64_t>(2 * tiff.size()));
+}
+
 }  // namespace

@@ -31,8 +31,8 @@ inline constexpr Target kAll[] = {
     {"footage_finder", "", 1},       {"footage_path", ".aec", 0}, {"handover", ".aec", 3},
     {"hyper_file", "", 0},           {"import", ".aec", 13},      {"input_module", ".txl", 26},
     {"measured_table", "", 0},       {"oiio_reader", ".txl", 0},  {"pack_bits_decode", "", 0},
-    {"pack_bits_round_trip", "", 0}, {"scaled_frame", "", 0},     {"texture", ".txl", 0},
-    {"tokenizer", ".aec", 1},        {"toml_files", "", 0},
+    {"pack_bits_round_trip", "", 0}, {"picture_header", "", 1},   {"scaled_frame", "", 0},
+    {"texture", ".txl", 0},          {"tokenizer", ".aec", 1},    {"toml_files", "", 0},
 };
 
 }  // namespace fuzz_targets
