@@ -41,6 +41,21 @@ bool is_line_end(char c) {
     return c == '\n' || c == '\r';
 }
 
+bool has_readable_line(const Place& at) {
+    return at.offset_bytes && at.column && *at.column <= kLongestLine_bytes / 2;
+}
+
+// Nothing if `file` ends before the line.
+std::optional<std::string> line_of(std::FILE* file, const Place& at) {
+    if (std::fseek(file, static_cast<long>(*at.offset_bytes - (*at.column - 1)), SEEK_SET) != 0) {
+        return std::nullopt;
+    }
+    std::string line(static_cast<std::size_t>(kLongestLine_bytes), '\0');
+    line.resize(std::fread(line.data(), 1, line.size(), file));
+    line.erase(std::find_if(line.begin(), line.end(), is_line_end), line.end());
+    return line;
+}
+
 }  // namespace
 
 std::optional<SourceExcerpt> source_excerpt(const Diagnostic& diagnostic) {
@@ -94,21 +109,18 @@ std::string diagnostic_text(const Diagnostic& diagnostic, const Paint& paint) {
     return text;
 }
 
-void add_source_line(Diagnostic& diagnostic, const std::string& path) {
-    const Place& at = diagnostic.at;
-    if (!at.offset_bytes || !at.column || *at.column > kLongestLine_bytes / 2) {
-        return;
+void add_source_lines(std::span<Diagnostic> diagnostics, const std::string& path) {
+    os::InputFile file;
+    for (Diagnostic& diagnostic : diagnostics) {
+        if (!has_readable_line(diagnostic.at)) {
+            continue;
+        }
+        // The file may have changed since the place was found: then there is no line, or a different one.
+        if (file == nullptr && (file = os::open_input_file(path)) == nullptr) {
+            return;
+        }
+        diagnostic.source_line = line_of(file.get(), diagnostic.at);
     }
-    // The file may have changed since the place was found: then there is no line, or a different one.
-    const os::InputFile file = os::open_input_file(path);
-    if (file == nullptr ||
-        std::fseek(file.get(), static_cast<long>(*at.offset_bytes - (*at.column - 1)), SEEK_SET) != 0) {
-        return;
-    }
-    std::string line(static_cast<std::size_t>(kLongestLine_bytes), '\0');
-    line.resize(std::fread(line.data(), 1, line.size(), file.get()));
-    line.erase(std::find_if(line.begin(), line.end(), is_line_end), line.end());
-    diagnostic.source_line = line;
 }
 
 void name_limit(Diagnostic& diagnostic, const limits::Limit* limit) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <iosfwd>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,9 +38,9 @@ struct SourceExcerpt {
 /// The colour of a severity's name.
 [[nodiscard]] Ink ink_of(Severity severity);
 
-/// Reads the line of `at` again from the text file at `path`, for diagnostic_text(). Does nothing when the
-/// place is unknown or more than 2048 bytes into its line.
-void add_source_line(Diagnostic& diagnostic, const std::string& path);
+/// Reads the line of each `at` again from the text file at `path`, for diagnostic_text(). Leaves out those
+/// whose place is unknown or more than 2048 bytes into its line. The file is opened once at most.
+void add_source_lines(std::span<Diagnostic> diagnostics, const std::string& path);
 
 /// Names the limit that the file exceeds; null changes nothing.
 void name_limit(Diagnostic& diagnostic, const limits::Limit* limit);

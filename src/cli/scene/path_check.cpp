@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <vector>
 
 #include "cli/scene/motion_check.h"
 #include "cli/scene/scene_geometry.h"
@@ -77,7 +78,12 @@ class PathCheck {
   public:
     PathCheck(const SceneBlock& object, const KeyTrack& keys, const tagProjectSettings& settings,
               PointOf point_of)
-        : object_(object), keys_(keys), settings_(settings), point_of_(point_of) {}
+        : object_(object), keys_(keys), settings_(settings) {
+        points_.reserve(keys.size());
+        for (std::size_t i = 0; i < keys.size(); ++i) {
+            points_.push_back(point_of(keys[i]));
+        }
+    }
 
     void run() {
         visible_part_ = kVisiblePartOfPath * extent();
@@ -85,10 +91,10 @@ class PathCheck {
             if (!keys_.has_frames_after(i) || !is_shown(i)) {
                 continue;
             }
-            const Vec3 b = point(i);
-            const Vec3 c = point(i + 1);
-            const double bend = largest_bend(i > 0 ? point(i - 1) : b, b, c,
-                                             i + 2 < keys_.size() ? point(i + 2) : c, visible(i));
+            const Vec3& b = points_[i];
+            const Vec3& c = points_[i + 1];
+            const double bend = largest_bend(i > 0 ? points_[i - 1] : b, b, c,
+                                             i + 2 < points_.size() ? points_[i + 2] : c, visible(i));
             (b == c ? holds : moves).add(bend, i);
         }
     }
@@ -97,21 +103,18 @@ class PathCheck {
     Faults moves;
 
   private:
-    [[nodiscard]] Vec3 point(std::size_t key) const { return point_of_(keys_[key]); }
-
     [[nodiscard]] bool is_shown(std::size_t i) const {
         return keys_[i].frame < settings_.to && keys_[i + 1].frame > settings_.from;
     }
 
     // The diagonal of the box around all keys.
     [[nodiscard]] double extent() const {
-        if (keys_.size() == 0) {
+        if (points_.empty()) {
             return 0;
         }
-        Vec3 least = point(0);
+        Vec3 least = points_[0];
         Vec3 most = least;
-        for (std::size_t i = 1; i < keys_.size(); ++i) {
-            const Vec3 one = point(i);
+        for (const Vec3& one : points_) {
             least = {std::min(least.x, one.x), std::min(least.y, one.y), std::min(least.z, one.z)};
             most = {std::max(most.x, one.x), std::max(most.y, one.y), std::max(most.z, one.z)};
         }
@@ -138,7 +141,7 @@ class PathCheck {
     const SceneBlock& object_;
     const KeyTrack& keys_;
     const tagProjectSettings& settings_;
-    PointOf point_of_;
+    std::vector<Vec3> points_;  // of every key: each is needed five times
     double visible_part_ = 0;
 };
 

@@ -41,16 +41,24 @@ ViewAxes banked(const ViewAxes& axes, double bank_degrees) {
     return {cosine * axes.right - sine * axes.up, cosine * axes.up + sine * axes.right, axes.view};
 }
 
-ViewAxes axes_of(const tagKeyFrame& key) {
+namespace {
+
+// Without the bank, which turns the other two axes and leaves the view as it is.
+ViewAxes upright_axes_of(const tagKeyFrame& key) {
     const double heading = radians_from_degrees(double{key.rotation[0]});
     const double pitch = radians_from_degrees(double{key.rotation[1]});
     const double sin_h = std::sin(heading);
     const double cos_h = std::cos(heading);
     const double sin_p = std::sin(pitch);
     const double cos_p = std::cos(pitch);
-    const ViewAxes upright{
+    return {
         {cos_h, 0, sin_h}, {sin_p * sin_h, cos_p, -sin_p * cos_h}, {-cos_p * sin_h, sin_p, cos_p * cos_h}};
-    return banked(upright, double{key.rotation[2]});
+}
+
+}  // namespace
+
+ViewAxes axes_of(const tagKeyFrame& key) {
+    return banked(upright_axes_of(key), double{key.rotation[2]});
 }
 
 Vec3 position_of(const tagKeyFrame& key) {
@@ -58,7 +66,7 @@ Vec3 position_of(const tagKeyFrame& key) {
 }
 
 Vec3 aim_of(const tagKeyFrame& key) {
-    return position_of(key) + double{key.targetDistance} * axes_of(key).view;
+    return position_of(key) + double{key.targetDistance} * upright_axes_of(key).view;
 }
 
 bool is_aimed(const SceneBlock& object) {

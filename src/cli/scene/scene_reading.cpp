@@ -194,7 +194,7 @@ void read_into(SceneReading& reading, const ReadingWatch& watch = {}) {
         reading.code = ExitCode::refused;
     }
     if (reading.error) {
-        add_source_line(*reading.error, reading.full_path);
+        add_source_lines({&*reading.error, 1}, reading.full_path);
     }
 }
 

@@ -30,9 +30,7 @@ std::vector<Diagnostic> WarningList::finish() {
     std::stable_sort(kept_.begin(), kept_.end(), [](const Diagnostic& a, const Diagnostic& b) {
         return a.at.offset_bytes < b.at.offset_bytes;
     });
-    for (Diagnostic& warning : kept_) {
-        add_source_line(warning, reading_.full_path);
-    }
+    add_source_lines(kept_, reading_.full_path);
     return std::move(kept_);
 }
 
