@@ -2,12 +2,16 @@
 // same work on the same pixels and with the work that any coding must do; and how the time grows.
 
 #include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <vector>
 
 #include "measuring.h"
+#include "support/file_content.h"
 #include "texture/value/texture_file.h"
 #include "texture_benchmarks.h"
 #include "texture_peers.h"
@@ -41,6 +45,20 @@ void split(Sample& sample) {
     }
 }
 
+/// The split, and as many bytes as a saved texture has into a file.
+void split_and_write(Sample& sample) {
+    static std::map<const Sample*, std::string> saved;  // the first run, which is not timed, reads it
+    std::string& bytes = saved[&sample];
+    if (bytes.empty()) {
+        bytes = content_of(sample.txl);
+    }
+    split(sample);
+    const std::string path = sample.folder.path("written");
+    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
+    const ssize_t written = ::write(file, bytes.data(), bytes.size());
+    require(written == static_cast<ssize_t>(bytes.size()) && ::close(file) == 0, "write");
+}
+
 struct Way {
     const char* name;
     void (*run)(Sample&);
@@ -68,6 +86,7 @@ const Way kWays[] = {
      &Sample::txl},
     {"save/tiff", [](Sample& sample) { require(save_tiff_nowhere(sample.picture), "save"); }, &Sample::tiff},
     {"split", split, &Sample::txl},
+    {"split_write", split_and_write, &Sample::txl},
     {"save_file/texture", [](Sample& sample) { require(save_texture(sample.txl, sample.picture), "save"); },
      &Sample::txl},
     {"save_file/tiff", [](Sample& sample) { require(save_tiff(sample.tiff, sample.picture), "save"); },
