@@ -61,7 +61,7 @@ export async function showFrames(place: HTMLElement, session: Session, path: str
         }
         window.replaceChildren();
         const draw = showPicture(window, session, picture, {
-            path: () => `${path.replace(/\.[^./]*$/, "")}_${composition.name}_${frame}.aec`,
+            path: () => `${path.replace(/\.[^./]*$/, "")}_${composition.name.replaceAll("/", "_")}_${frame}.aec`,
             failed: report,
             looks: ["colour", "alpha", "straight"],
             first: "straight",

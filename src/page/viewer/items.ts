@@ -127,15 +127,10 @@ async function showComposition(place: HTMLElement, session: Session, file: Place
     if (!search && adopted.querySelector(".verdict.incomplete") !== null) {
         const again = button("Look for footage in everything that was dropped", () => {
             const found = element("article", { class: "item" }, element("h2", {}, path));
-            again.disabled = true;
-            showComposition(found, session, file, true).then(
-                () => {
-                    place.replaceWith(found);
-                },
-                (error: unknown) => {
-                    place.append(problem(String(error)));
-                },
-            );
+            place.replaceWith(found);
+            showComposition(found, session, file, true).catch((error: unknown) => {
+                found.append(problem(String(error)));
+            });
         });
         adopted.querySelector(".verdict")?.after(element("p", {}, again));
     }
