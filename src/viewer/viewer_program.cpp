@@ -197,8 +197,8 @@ EMSCRIPTEN_KEEPALIVE bool viewer_keep_decoded(const char* path, const char* prob
     });
 }
 
-/// Draws a frame and opens it as a picture. The result is {"diagnostics","width_px","height_px"}: what it does
-/// not show, and its size. False when there is no picture.
+/// Draws a frame and opens it as a picture. The result is {"diagnostics","width_px","height_px"}: what it
+/// does not show, and its size. False when there is no picture.
 EMSCRIPTEN_KEEPALIVE bool viewer_draw_frame(int composition, double frame) {
     texture = {};
     const bool ran = done([&] {
