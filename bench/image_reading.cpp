@@ -47,7 +47,34 @@ void measure_reading(benchmark::State& state, PictureKind kind, std::string Samp
     state.counters["pixels"] = static_cast<double>(sample.picture.pixel_count());
 }
 
+void measure_alphas(benchmark::State& state) {
+    OIIO::attribute("plugin_searchpath", VXR_PLUGIN_DIR);
+    OIIO::attribute("threads", 1);
+    const std::string& path = layered_texture(state.range(0));
+    const auto channels = static_cast<int>(3 + state.range(0));
+    std::vector<std::uint8_t> pixels;
+    const auto read = [&] {
+        const auto input = OIIO::ImageInput::open(path);
+        require(input != nullptr && input->spec().nchannels == channels, path + ": " + OIIO::geterror());
+        pixels.resize(static_cast<std::size_t>(input->spec().image_pixels()) *
+                      static_cast<std::size_t>(channels));
+        require(input->read_image(0, 0, 0, channels, OIIO::TypeDesc::UINT8, pixels.data()), path);
+    };
+    read();
+    while (state.KeepRunning()) {
+        read();
+    }
+}
+
 }  // namespace
+
+void register_image_alphas() {
+    for (std::int64_t alphas = 10; alphas <= 1'000; alphas *= 10) {
+        benchmark::RegisterBenchmark("image/alphas", measure_alphas)
+            ->Arg(alphas)
+            ->Unit(benchmark::kMillisecond);
+    }
+}
 
 void register_image_reading(PictureKind kind, std::int64_t size_px) {
     const auto add = [&](const std::string& name, std::string Sample::*file) {

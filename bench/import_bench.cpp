@@ -8,6 +8,7 @@
 #include <fstream>
 #include <iterator>
 #include <memory>
+#include <nlohmann/json.hpp>
 #include <string>
 #include <string_view>
 #include <typeinfo>
@@ -20,6 +21,7 @@
 #include "composition/read/ascii_parser.h"
 #include "composition/read/composition_file.h"
 #include "embedded/host.h"
+#include "embedded/project_json.h"
 #include "handover/jsx/jsx_script.h"
 #include "json_scene.h"
 #include "measuring.h"
@@ -80,6 +82,27 @@ void measure_import(benchmark::State& state, const Scene& scene) {
     state.SetBytesProcessed(state.iterations() * static_cast<std::int64_t>(file_bytes(path)));
     state.counters["peak_bytes"] = static_cast<double>(peak);
     state.counters["file_bytes"] = static_cast<double>(file_bytes(path));
+}
+
+// --- the project as JSON
+
+void measure_project_json(benchmark::State& state, const Scene& scene) {
+    const std::unique_ptr<embedded::Host> host = loaded_host();
+    check_import(*host, scene);
+    std::size_t size_bytes = 0;
+    const auto write = [&] { size_bytes = embedded::project_to_json(host->project()).dump().size(); };
+    const std::int64_t peak = peak_memory_bytes_once(std::string("project_json/") + scene.name, write);
+    write();
+    while (state.KeepRunning()) {
+        write();
+        benchmark::DoNotOptimize(size_bytes);
+    }
+    const auto keys = static_cast<double>(scene.shape.objects) * scene.shape.keys_per_object;
+    // The frame and six numbers of a key take at least two characters each.
+    require(static_cast<double>(size_bytes) > keys * 14, "the JSON of the project");
+    state.counters["peak_bytes"] = static_cast<double>(peak);
+    state.counters["json_bytes"] = static_cast<double>(size_bytes);
+    state.counters["keys"] = keys;
 }
 
 // --- reading alone: text to project model
@@ -247,6 +270,7 @@ const Measure kMeasures[] = {
     {"memchr", measure_memchr, false, Measure::Time::processor},
     {"json", measure_json, true, Measure::Time::processor},
     {"script", measure_script, true, Measure::Time::elapsed},
+    {"project_json", measure_project_json, true, Measure::Time::processor},
 };
 
 void register_measure(const Measure& measure, const Scene& scene) {

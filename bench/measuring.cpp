@@ -72,7 +72,7 @@ void keep_freed_memory() {
     ::mallopt(M_MMAP_MAX, 0);
 }
 
-double child_seconds(const std::vector<std::string>& arguments) {
+double child_seconds(const std::vector<std::string>& arguments, int exit_code) {
     std::vector<char*> pointers;
     pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
@@ -89,7 +89,7 @@ double child_seconds(const std::vector<std::string>& arguments) {
     int status = 0;
     rusage usage{};
     ::wait4(child, &status, 0, &usage);
-    require(WIFEXITED(status) && WEXITSTATUS(status) == 0, arguments.front() + " failed");
+    require(WIFEXITED(status) && WEXITSTATUS(status) == exit_code, arguments.front() + " failed");
     const auto seconds = [](const timeval& time) {
         return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_usec) / 1e6;
     };

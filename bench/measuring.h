@@ -24,8 +24,9 @@ void require(bool holds, const std::string& what);
 /// the work that is measured.
 void keep_freed_memory();
 
-/// Runs a program to its end, discards its output, and returns the processor time of the process in seconds.
-[[nodiscard]] double child_seconds(const std::vector<std::string>& arguments);
+/// Runs a program to its end, discards its output, requires that it ends with `exit_code`, and returns the
+/// processor time of the process in seconds.
+[[nodiscard]] double child_seconds(const std::vector<std::string>& arguments, int exit_code = 0);
 
 /// The rest of main() once all benchmarks are registered. Fails when the filter matches none.
 int run_benchmarks(int argc, char** argv);

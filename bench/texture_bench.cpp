@@ -127,6 +127,7 @@ int main(int argc, char** argv) {
         }
         register_drawing(size_px);
     }
+    register_image_alphas();
     register_texture_growth();
     return run_benchmarks(argc, argv);
 }

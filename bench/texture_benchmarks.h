@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 
 #include "texture_samples.h"
 
@@ -13,6 +14,12 @@ void register_drawing(std::int64_t size_px);
 
 /// Registers reading a picture through OpenImageIO, from a texture and from the peer's TIFF.
 void register_image_reading(PictureKind kind, std::int64_t size_px);
+
+/// Registers reading textures with more and more alpha channels through OpenImageIO.
+void register_image_alphas();
+
+/// The path of a texture of 32 x 32 pixels, RGB, with so many alpha channels.
+[[nodiscard]] const std::string& layered_texture(std::int64_t alphas);
 
 /// Registers loading and saving textures that grow in one respect: pixels, alpha channels, or chunks that
 /// nothing reads. The number at the end of a name is the size.

@@ -121,6 +121,10 @@ const Grown kGrown[] = {
 
 }  // namespace
 
+const std::string& layered_texture(std::int64_t alphas) {
+    return layered(alphas).path;
+}
+
 void register_texture_growth() {
     for (const Grown& grown : kGrown) {
         for (std::int64_t size = grown.least; size <= grown.most; size *= grown.factor) {

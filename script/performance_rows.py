@@ -44,12 +44,13 @@ class Growth:
 
 @dataclass(frozen=True)
 class Memory:
-    """The counter peak_bytes of a benchmark, for each unit of another of its counters."""
+    """A counter of a benchmark in bytes, for each unit of another of its counters."""
     what: str
     program: str
     name: str
     unit: str
     unit_counter: str
+    counter: str = "peak_bytes"
 
 
 ROWS = [
@@ -70,6 +71,9 @@ ROWS = [
     Row("`vxr check --quiet` of 1,000 scenes of 1,000 keys; time elapsed, on two processors", "import_bench",
         "check/thousand/jobs:2/real_time",
         peer=Beside("on one processor", "check/thousand/jobs:1/real_time", 0.55)),
+    Row("`vxr check --quiet` of 100 sequences in a folder of 100,000 files, whole process", "import_bench",
+        "check/sequences/100000/manual_time",
+        peer=Beside("`ls -fU` of the folder", "list/sequences/100000/manual_time", 2)),
 ]
 # Goals for each picture: load against the peer and the limit, save against both, save into a file against the limit.
 _TEXTURE_GOALS = [
@@ -116,10 +120,18 @@ GROWTHS = [
 GROWTHS += [
     Growth("bytes of text (KEY lines): writing the script", "import_bench",
            "script/text/{}/real_time", (1_000, 10_000, 100_000, 1_000_000)),
+    Growth("bytes of text (KEY lines): the project as JSON", "import_bench", "project_json/text/{}",
+           (1_000, 10_000, 100_000, 1_000_000)),
+    Growth("scenes checked in one run", "import_bench", "check/scenes/{}/manual_time", (10, 100, 1_000, 10_000)),
+    Growth("findings of a check in one file", "import_bench", "check/findings/{}/manual_time", (10, 100, 1_000, 10_000)),
+    Growth("sequences, and their files, a thousand each: checking", "import_bench", "check/sequences/{}/manual_time",
+           (1_000, 10_000, 100_000)),
     Growth("pixels: loading a texture", "texture_bench", "load/pixels/{}", (4_096, 65_536, 1_048_576, 16_777_216)),
     Growth("pixels: saving a texture", "texture_bench", "save/pixels/{}", (4_096, 65_536, 1_048_576, 16_777_216)),
     Growth("alpha channels: loading a texture", "texture_bench", "load/alphas/{}", (10, 100, 1_000, 10_000)),
     Growth("alpha channels: saving a texture", "texture_bench", "save/alphas/{}", (10, 100, 1_000, 10_000)),
+    # OpenImageIO takes up to 1,024 channels.
+    Growth("alpha channels: reading through OpenImageIO", "texture_bench", "image/alphas/{}", (10, 100, 1_000)),
     Growth("chunks skipped", "texture_bench", "load/skipped_chunks/{}", (1_000, 10_000, 100_000, 1_000_000)),
 ]
 
@@ -127,6 +139,8 @@ MEMORY = [
     Memory("reading 63 MB", "import_bench", "read/text/{}", "byte of file", "file_bytes"),
     Memory("importing the same", "import_bench", "import/text/{}", "byte of file", "file_bytes"),
     Memory("writing its script", "import_bench", "script/text/{}/real_time", "byte of script", "script_bytes"),
+    Memory("the project of the same as JSON", "import_bench", "project_json/text/{}", "key", "keys"),
+    Memory("that JSON itself", "import_bench", "project_json/text/{}", "key", "keys", "json_bytes"),
     Memory("loading a photographic texture into the host's bitmap", "texture_bench", "load/bitmap/photographic/{}",
            "pixel", "pixels"),
     Memory("loading the same with libtiff, the bitmap there already", "texture_bench", "load/tiff/photographic/{}",

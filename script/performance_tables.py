@@ -83,7 +83,7 @@ def memory_part(programs, smoke):
     def cells(memory):
         name = sized(memory.program, memory.name, smoke)
         medians = programs[memory.program]
-        peak = medians.counter(name, "peak_bytes")
+        peak = medians.counter(name, memory.counter)
         each = peak / medians.counter(name, memory.unit_counter)
         return [memory.what, size_text(peak), f"{three_digits(each)} bytes a {memory.unit}"]
-    return table(["work", "peak memory", "for each"], map(cells, MEMORY))
+    return table(["work", "peak memory, or size", "for each"], map(cells, MEMORY))

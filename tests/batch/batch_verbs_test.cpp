@@ -350,10 +350,11 @@ TEST_F(Batch, AFullDiskLosesNothing) {
     write_textures({"a.txl", "b.txl"});
     folder_.write("job.toml", kConvert);
     ASSERT_EQ(bash("vxr batch plan job.toml").exit_code, 0);
-    // No file can grow: neither the output of an item nor its result.
-    const ProcessResult full = bash("ulimit -f 0; vxr batch run --jobs 1 job.batch");
+    // No file can grow: neither the output of an item nor its result, nor the one that has what bash says.
+    const ProcessResult full =
+        bash("(ulimit -f 0; vxr batch run --jobs 1 job.batch 2>&1) | cat; exit ${PIPESTATUS[0]}");
     EXPECT_EQ(full.exit_code, 3);
-    EXPECT_THAT(full.err, HasSubstr("cannot write "));
+    EXPECT_THAT(full.out, HasSubstr("cannot write "));
     EXPECT_TRUE(files_in("job.batch/results").empty());
     EXPECT_EQ(bash("vxr batch run job.batch").out, "job.batch: 2 items: 2 fine\n");
     EXPECT_EQ(files_in("out").size(), 2U);

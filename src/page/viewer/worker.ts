@@ -29,6 +29,9 @@ const IMAGES = /\.(png|jpe?g|jfif|gif|webp|bmp|avif|ico|svg|tga|tiff?|rla|rpf|sg
 let program: Program | null = null;
 /** The scene whose frames are open in the program. */
 let openScene = "";
+const NOTHING = { width: 0, height: 0 };
+/** The size of the picture that is open. */
+let shown = NOTHING;
 const placed: PlacedFile[] = [];
 const files = new Map<string, File>();
 
@@ -214,6 +217,8 @@ async function decodeFor(path: string): Promise<void> {
 
 async function drawFrame(task: Extract<Task, { kind: "frame" }>, tell: (done: number, of: number) => void): Promise<Looked> {
     const { path, search, composition, frame } = task;
+    // Decoding takes the place of the picture that was open.
+    shown = NOTHING;
     if (openScene !== `${search} ${path}`) {
         openFrames(path, search);
     }
@@ -234,14 +239,11 @@ async function drawFrame(task: Extract<Task, { kind: "frame" }>, tell: (done: nu
     return { picture: drawn === 0 ? null : { width, height, channels: 3, alphas: ["alpha"] }, diagnostics, problem: "" };
 }
 
-let shown = { width: 0, height: 0 };
-
 /** What is open from now on. */
 function seen(looked: Looked): Looked {
-    shown = looked.picture ?? { width: 0, height: 0 };
+    shown = looked.picture ?? NOTHING;
     return looked;
 }
-
 
 function save(lookIndex: number, alpha: number): Uint8Array<ArrayBuffer> {
     const channels = running()._viewer_plane(lookIndex, alpha);
