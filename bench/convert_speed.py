@@ -29,8 +29,9 @@ def seconds(words, **settings):
 
 def make_textures(vxr, folder, count):
     picture, texture = os.path.join(folder, "picture.png"), os.path.join(folder, "0000.txl")
-    seconds(["oiiotool", "--pattern", "fill:topleft=.1,.5,.2,1:topright=.9,.4,.1,1:bottomleft=.3,.3,.9,0:bottomright=0,0,.1,1",
-             "512x512", "4", "--noise:type=gaussian:stddev=0.01:seed=1", "--clamp:min=0:max=1", "-d", "uint8", "-o", picture])
+    # Opaque: oiiotool divides the colour of a PNG by its alpha, and vxr keeps every byte.
+    seconds(["oiiotool", "--pattern", "fill:topleft=.1,.5,.2:topright=.9,.4,.1:bottomleft=.3,.3,.9:bottomright=0,0,.1", "512x512", "3",
+             "--noise:type=gaussian:stddev=0.01:seed=1", "--clamp:min=0:max=1", "--ch", "R,G,B,A=1.0", "-d", "uint8", "-o", picture])
     seconds([vxr, "texture", "convert", picture, "-o", texture])
     names = [texture] + [os.path.join(folder, f"{i:04}.txl") for i in range(1, count)]
     for name in names[1:]:
