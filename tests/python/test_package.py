@@ -49,6 +49,19 @@ def test_everything_has_help_and_types():
     assert (PACKAGE / "py.typed").exists()
 
 
+def test_the_document_says_of_every_verb_where_it_is_in_python(vxr):
+    verbs = re.findall(r"^  ([a-z]+(?: [a-z]+)?)  ", vxr("--help").split("Verbs:")[1].split("Help:")[0], re.MULTILINE)
+    assert {"check", "texture info", "batch plan", "help"} < set(verbs)
+    document = (PROJECT / "docs/python.md").read_text(encoding="utf-8")
+    section = document.split("## Verbs of the command line\n")[1].split("\n## ")[0]
+    rows = [line.split("|")[1:3] for line in section.splitlines() if line.startswith("| `vxr ")]
+    assert sorted(re.findall(r"`vxr ([^`]+)`", " ".join(row[0] for row in rows))) == sorted(verbs)
+    for verb, place in rows:
+        functions = re.findall(r"`(\w+)\(\)`", place)
+        assert functions or "no function" in place, verb
+        assert all(inspect.isfunction(getattr(vx, name, None)) for name in functions), place
+
+
 def test_a_library_of_another_version_is_refused_by_name(tmp_path):
     shutil.copytree(PACKAGE, tmp_path / "vortanxr")
     (tmp_path / "vortanxr" / "_version.py").write_text('__version__ = "0.0.1"\n')
