@@ -1,8 +1,8 @@
-"""Run by Blender: reads one glTF file and prints where its cameras put points, as JSON after a mark.
+"""Run by Blender: reads one glTF file, or one of Blender's own, and prints where its cameras put points, as JSON after a mark.
 
 blender -b --factory-startup -P blender_read.py -- FILE POINTS, where POINTS is a JSON file of
-{"width", "height", "aspect", "rate", "first", "cameras": [{"name", "moments": [{"frame", "points": [[x, y, z], ...]}]}]}; points are in
-metres, in the file's axes.
+{"width", "height", "aspect", "rate", "first", "cameras": [{"id", "moments": [{"frame", "points": [[x, y, z], ...]}]}]}; points are in
+the file's unit and in the axes of glTF; a camera without an id goes by its name.
 """
 
 import json
@@ -12,18 +12,22 @@ import bpy
 from bpy_extras.object_utils import world_to_camera_view
 from mathutils import Vector
 
-gltf, wanted = sys.argv[sys.argv.index("--") + 1:]
+file, wanted = sys.argv[sys.argv.index("--") + 1:]
 wanted = json.load(open(wanted, encoding="utf-8"))
-bpy.ops.wm.read_factory_settings(use_empty=True)
-scene = bpy.context.scene
-scene.render.fps = wanted["rate"]
-bpy.ops.import_scene.gltf(filepath=gltf)
-scene.render.resolution_x, scene.render.resolution_y = wanted["width"], wanted["height"]
-# Neither may be below 1.
-scene.render.pixel_aspect_x = max(1, wanted["aspect"])
-scene.render.pixel_aspect_y = max(1, 1 / wanted["aspect"])
+if file.endswith(".blend"):
+    bpy.ops.wm.open_mainfile(filepath=file)
+    scene = bpy.context.scene
+else:
+    bpy.ops.wm.read_factory_settings(use_empty=True)
+    scene = bpy.context.scene
+    scene.render.fps = wanted["rate"]
+    bpy.ops.import_scene.gltf(filepath=file)
+    scene.render.resolution_x, scene.render.resolution_y = wanted["width"], wanted["height"]
+    # Neither may be below 1.
+    scene.render.pixel_aspect_x = max(1, wanted["aspect"])
+    scene.render.pixel_aspect_y = max(1, 1 / wanted["aspect"])
 cameras = [thing for thing in scene.objects if thing.type == "CAMERA"]
-ids = {thing.get("id"): thing for thing in cameras}
+ids = {thing.get("id", thing.name): thing for thing in cameras}
 result = []
 for camera in wanted["cameras"]:
     found = ids[camera["id"]]
