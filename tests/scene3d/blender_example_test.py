@@ -1,6 +1,6 @@
 #!/usr/bin/env python3
 """Has Blender run examples/python/blender_scene.py and compares where its cameras put points with where the scenes do:
-blender_example.py PACKAGE PROJECT, where PACKAGE is the folder with the module.
+blender_example_test.py PACKAGE PROJECT, where PACKAGE is the folder with the module.
 
 At keys only: between them Blender turns cameras in its own way.
 """
@@ -13,7 +13,7 @@ import sys
 import tempfile
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).parent.parent / "scene3d"))
+sys.path.insert(0, str(Path(__file__).parent))
 from scene_truth import Scene, SceneText, Track, frame_points  # noqa: E402
 
 GOAL_PX = 0.05
