@@ -22,10 +22,10 @@ class Scene:
         self.begin, self.end = text.settings.get("FROM", 0), text.settings.get("TO", 0)
         self.rate = text.settings.get("FPS", 0)
         self.aspect = text.settings["ASPECT"]
-        self.objects = [(one.word, one.keys) for one in text.objects]
+        self.objects = text.objects
 
     def of_kind(self, kind):
-        return [track for word, track in self.objects if word == kind]
+        return [one.keys for one in self.objects if one.word == kind]
 
 
 class Track:
