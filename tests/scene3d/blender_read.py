@@ -1,9 +1,10 @@
 """Run by Blender: reads one glTF file, or one of Blender's own, and prints where its cameras put points, as JSON after a mark.
 
 blender -b --factory-startup -P blender_read.py -- FILE POINTS, where POINTS is a JSON file of
-{"width", "height", "aspect", "rate", "first", "cameras": [{"id", "moments": [{"frame", "points": [[x, y, z], ...]}]}]}; points are in
-the file's unit and in the axes of glTF; a camera without an id goes by its name. Only glTF needs the aspect and the rate, which a
-file of Blender has in it.
+{"width", "height", "aspect", "rate", "first",
+ "cameras": [{"id", "moments": [{"frame", "points": [[x, y, z], ...]}]}]}.
+Points are in the file's unit and in the axes of glTF; a camera without an id goes by its name. Only glTF needs the aspect and
+the rate, which a file of Blender has in it.
 """
 
 import json
